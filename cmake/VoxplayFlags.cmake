@@ -1,0 +1,27 @@
+# SPDX-License-Identifier: Apache-2.0
+# Voxplay::flags carries what every target of ours is compiled with: language level, warnings, and
+# the instrumentation that a preset asks for. Nothing is set globally.
+add_library(voxplay_flags INTERFACE)
+add_library(Voxplay::flags ALIAS voxplay_flags)
+target_compile_features(voxplay_flags INTERFACE cxx_std_20)
+target_compile_options(voxplay_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
+  -Wcast-align -Wformat=2 -Wnull-dereference -Wdouble-promotion -Wimplicit-fallthrough
+  # The interfaces that hand out borrowed objects have no virtual destructor by design; deleting
+  # through one is still an error.
+  -Wno-non-virtual-dtor -Wdelete-non-virtual-dtor)
+if(VOXPLAY_WARNINGS_AS_ERRORS)
+  target_compile_options(voxplay_flags INTERFACE -Werror)
+endif()
+if(VOXPLAY_SANITIZE)
+  target_compile_options(voxplay_flags INTERFACE
+    -fsanitize=${VOXPLAY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(voxplay_flags INTERFACE -fsanitize=${VOXPLAY_SANITIZE})
+  if(VOXPLAY_SANITIZE MATCHES "undefined")
+    target_compile_options(voxplay_flags INTERFACE -fsanitize=float-cast-overflow)
+  endif()
+endif()
+if(VOXPLAY_COVERAGE)
+  target_compile_options(voxplay_flags INTERFACE --coverage)
+  target_link_options(voxplay_flags INTERFACE --coverage)
+endif()

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The one list type of the library: a vector of item pointers, handed out as interface pointers,
+// that owns its items or not. Not synchronised: a list belongs to one object and one thread.
+#pragma once
+
+#include <vector>
+
+// A list as callers see it. I is a pointer type, for example I_SilenceSegment*. The trailing
+// numbers are the slots of the virtual table, which callers built against other versions rely on.
+template <typename I>
+class I_CLArray {
+ public:
+  virtual int GetSize() const = 0;                 // 1
+  virtual I GetItemByIndex(int nIndex) const = 0;  // 2, std::out_of_range on a bad index
+  virtual void RemoveItemByIndex(int nIndex) = 0;  // 3, the index must be inside the list
+  virtual void RemoveAll() = 0;                    // 4
+  virtual ~I_CLArray() = default;                  // 5
+};
+
+// The implementation of Interface (I_CLArray<I>, or a richer interface that extends it).
+// T is the stored pointer type, bOwn says whether removed items are deleted (through T).
+template <typename Interface, typename T, typename I, bool bOwn>
+class C_CLCustomArray : public Interface {
+ public:
+  C_CLCustomArray() = default;
+  // A copy refers to the same items, which only a list that does not own them may do.
+  C_CLCustomArray(const C_CLCustomArray& other) requires(!bOwn) = default;
+  C_CLCustomArray(const C_CLCustomArray&) requires(bOwn) = delete;
+  C_CLCustomArray& operator=(const C_CLCustomArray&) = delete;
+  ~C_CLCustomArray() override { C_CLCustomArray::RemoveAll(); }
+
+  int GetSize() const override { return static_cast<int>(m_items.size()); }
+  I GetItemByIndex(int nIndex) const override { return GetAt(nIndex); }
+  void RemoveItemByIndex(int nIndex) override { RemoveAt(nIndex, 1); }
+  void RemoveAll() override {
+    if constexpr (bOwn) {
+      for (int i = 0; i < this->GetSize(); ++i) delete GetAt(i);
+    }
+    m_items.clear();
+  }
+
+  // GetSize() through the virtual call: a subclass that overrides it changes both.
+  int GetCount() const { return this->GetSize(); }
+
+  // std::out_of_range for an index outside 0 .. GetSize() - 1, negative ones included.
+  T GetAt(int nIndex) const { return m_items.at(static_cast<std::size_t>(nIndex)); }
+
+  // Kept: no range check, and the overwritten item is never deleted, even by an owning list;
+  // callers swap items in and out this way. Pinned by SetAt_LeavesTheOverwrittenItemAlive.
+  T& SetAt(int nIndex, T item) {
+    T& slot = m_items[static_cast<std::size_t>(nIndex)];
+    slot = item;
+    return slot;
+  }
+
+  // The index of the new last item.
+  int Add(T item) {
+    m_items.push_back(item);
+    return this->GetSize() - 1;
+  }
+
+  // nCount copies of item before position nIndex; position GetSize() appends.
+  void InsertAt(int nIndex, T item, int nCount) requires(!bOwn) {
+    m_items.insert(m_items.begin() + nIndex, static_cast<std::size_t>(nCount), item);
+  }
+
+  // nCount items from nIndex on, which must lie inside the list. An owning list deletes them in
+  // ascending order first.
+  void RemoveAt(int nIndex, int nCount) {
+    const auto first = m_items.begin() + nIndex;
+    const auto last = first + nCount;
+    if constexpr (bOwn) {
+      for (auto it = first; it != last; ++it) delete *it;
+    }
+    m_items.erase(first, last);
+  }
+
+ private:
+  std::vector<T> m_items;
+};
+
+// The list type that the data model declares its lists with.
+template <typename T, typename I, bool bOwn>
+class C_CLArray : public C_CLCustomArray<I_CLArray<I>, T, I, bOwn> {
+ public:
+  C_CLArray() = default;
+  C_CLArray(const C_CLArray& other) = default;
+  ~C_CLArray() override = default;
+};

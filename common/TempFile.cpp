@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "TempFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <random>
+#include <string_view>
+
+namespace vcm {
+namespace {
+
+constexpr int kAttempts = 100;
+
+// The C library's own generator is deprecated by linkers for the race between name and creation;
+// that race is closed here by CreateExclusive, and the name keeps its form: P_tmpdir "/file" and
+// six characters of the portable set.
+std::string LibraryTempName() {
+  static constexpr std::string_view kLetters =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+  thread_local std::random_device device;
+  std::uniform_int_distribution<std::size_t> pick(0, kLetters.size() - 1);
+  std::string strName = P_tmpdir "/file";
+  for (int i = 0; i < 6; ++i) strName += kLetters[pick(device)];
+  return strName;
+}
+
+bool Exists(const std::string& strPath) {
+  struct stat info {};
+  return lstat(strPath.c_str(), &info) == 0;
+}
+
+}  // namespace
+
+std::string TempName(const char* pszSuffix) {
+  for (int i = 0; i < kAttempts; ++i) {
+    std::string strName = LibraryTempName();
+    if (!Exists(strName) && !Exists(strName + pszSuffix)) return strName + pszSuffix;
+  }
+  return {};
+}
+
+C_FilePtr CreateExclusive(const std::string& strPath) {
+  constexpr int nFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  const int nDescriptor = open(strPath.c_str(), nFlags, S_IRUSR | S_IWUSR);
+  if (nDescriptor < 0) return {};
+  C_FilePtr file(fdopen(nDescriptor, "w+b"));
+  if (!file) {
+    close(nDescriptor);
+    unlink(strPath.c_str());
+  }
+  return file;
+}
+
+C_TempFile::C_TempFile(const char* pszSuffix) {
+  for (int i = 0; i < kAttempts && !m_file; ++i) {
+    m_strPath = TempName(pszSuffix);
+    if (m_strPath.empty()) return;
+    m_file = CreateExclusive(m_strPath);
+  }
+  if (!m_file) m_strPath.clear();
+}
+
+C_TempFile::~C_TempFile() {
+  m_file.reset();
+  if (!m_strPath.empty()) unlink(m_strPath.c_str());
+}
+
+}  // namespace vcm

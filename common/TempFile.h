@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Temporary files. Names have the form and the directory that the C library's temporary-name
+// function gives; TMPDIR and every other environment variable are ignored on purpose, so that a
+// file is found in the same place however the program was started.
+#pragma once
+
+#include <string>
+
+#include "StdioFile.h"
+
+namespace vcm {
+
+// A fresh temporary name (nothing is created), followed by pszSuffix (".wav", "" ...). Empty when
+// the C library has no name left.
+[[nodiscard]] std::string TempName(const char* pszSuffix);
+
+// Creates strPath for writing and reading, exclusively, mode 0600, without following a link. Empty
+// when it exists or cannot be made.
+[[nodiscard]] C_FilePtr CreateExclusive(const std::string& strPath);
+
+// A temporary file that exists from construction to destruction.
+class C_TempFile {
+ public:
+  explicit C_TempFile(const char* pszSuffix = "");
+  ~C_TempFile();
+  C_TempFile(const C_TempFile&) = delete;
+  C_TempFile& operator=(const C_TempFile&) = delete;
+
+  // The open stream ("w+b"); null when the file could not be created.
+  [[nodiscard]] std::FILE* Stream() const noexcept { return m_file.get(); }
+  [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
+  // Gives up the stream; the file is still removed at destruction.
+  [[nodiscard]] C_FilePtr TakeStream() noexcept { return std::move(m_file); }
+
+ private:
+  std::string m_strPath;
+  C_FilePtr m_file;
+};
+
+}  // namespace vcm
