@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <AudioToolbox/AudioToolbox.h>
+
+#include <array>
+#include <exception>
+
+// A platform audio call that failed: which operation, and the status that it returned.
+class CAXException : public std::exception {
+ public:
+  // The text is copied; what does not fit `kMaxOperation` - 1 characters is cut. Null reads as "".
+  CAXException(const char* pszOperation, OSStatus nError) noexcept;
+
+  [[nodiscard]] const char* Operation() const noexcept { return m_szOperation.data(); }
+  [[nodiscard]] OSStatus Error() const noexcept { return m_nError; }
+  // The operation text.
+  [[nodiscard]] const char* what() const noexcept override { return Operation(); }
+
+ private:
+  static constexpr std::size_t kMaxOperation = 256;
+  std::array<char, kMaxOperation> m_szOperation{};
+  OSStatus m_nError;
+};
+
+// The one rule by which every status is tested: not zero, whatever its sign, throws.
+inline void XThrowIfError(OSStatus nError, const char* pszOperation) {
+  if (nError != noErr) throw CAXException(pszOperation, nError);
+}
