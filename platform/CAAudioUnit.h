@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <AudioToolbox/AudioToolbox.h>
+
+#include "CAStreamBasicDescription.h"
+
+// An audio unit and the graph node that it belongs to. Owns neither: the graph does. Every
+// operation returns the toolbox's status, 0 on success; on an empty wrapper the toolbox refuses the
+// null unit.
+class CAAudioUnit {
+ public:
+  CAAudioUnit() noexcept = default;
+  CAAudioUnit(AUNode node, AudioUnit unit) noexcept : m_node(node), m_unit(unit) {}
+
+  [[nodiscard]] bool IsValid() const noexcept { return m_unit != nullptr; }
+  [[nodiscard]] AUNode GetAUNode() const noexcept { return m_node; }
+  [[nodiscard]] AudioUnit AU() const noexcept { return m_unit; }
+
+  // `*pdwDataSize` is the room on entry and the bytes written on return.
+  OSStatus GetProperty(AudioUnitPropertyID dwID, AudioUnitScope dwScope, AudioUnitElement dwElement,
+                       void* pData, UInt32* pdwDataSize) const;
+  OSStatus SetProperty(AudioUnitPropertyID dwID, AudioUnitScope dwScope, AudioUnitElement dwElement,
+                       const void* pData, UInt32 dwDataSize) const;
+  OSStatus GetFormat(AudioUnitScope dwScope, AudioUnitElement dwElement,
+                     AudioStreamBasicDescription& format) const;
+  OSStatus SetFormat(AudioUnitScope dwScope, AudioUnitElement dwElement,
+                     const AudioStreamBasicDescription& format) const;
+  // Both read the stream format, change one thing in it and write it back.
+  OSStatus SetNumberChannels(AudioUnitScope dwScope, AudioUnitElement dwElement,
+                             UInt32 dwChannels) const;
+  OSStatus SetSampleRate(AudioUnitScope dwScope, AudioUnitElement dwElement, Float64 dRate) const;
+
+ private:
+  AUNode m_node = 0;
+  AudioUnit m_unit = nullptr;
+};
