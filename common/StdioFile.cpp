@@ -10,7 +10,7 @@
 namespace vcm {
 
 C_FilePtr OpenFile(const char* pszPath, const char* pszMode) {
-  return C_FilePtr(VCM_tfopen(pszPath, pszMode));
+  return C_FilePtr(pszPath == nullptr ? nullptr : VCM_tfopen(pszPath, pszMode));
 }
 
 bool CloseChecked(C_FilePtr file) noexcept {

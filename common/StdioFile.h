@@ -20,7 +20,7 @@ struct S_FileCloser {
 // CloseChecked.
 using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 
-// VCM_tfopen with an owner. Empty on failure.
+// VCM_tfopen with an owner. Empty on failure, and for a null path.
 [[nodiscard]] C_FilePtr OpenFile(const char* pszPath, const char* pszMode);
 
 // Closes and reports: a disk that filled up may show only here.
