@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Checks what no compiler checks: the rules of the tree that CONTRIBUTING.md states.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+failed=0
+fail() {
+  echo "check-tree: $*" >&2
+  failed=1
+}
+mapfile -d '' sources < <(scripts/sources.sh)
+mapfile -d '' code < <(find common Lib_Common platform player -name '*.cpp' -print0 -o -name '*.h' -print0)
+
+for folder in fuzz bench examples; do
+  for file in "$folder"/*.cpp; do
+    [[ -e $file ]] || continue
+    stem=$(basename "$file" .cpp)
+    grep -qwF "$stem" "$folder/CMakeLists.txt" || fail "$file is not listed in $folder/CMakeLists.txt"
+  done
+done
+for file in "${sources[@]}"; do
+  [[ $(head -n 1 "$file") == "// SPDX-License-Identifier: Apache-2.0" ]] || fail "$file: no licence line"
+  [[ $file != *.h ]] || grep -q '^#pragma once$' "$file" || fail "$file: no #pragma once"
+done
+while IFS= read -r file; do
+  head -n 2 "$file" | grep -q 'SPDX-License-Identifier: Apache-2.0' || fail "$file: no licence line"
+done < <(find . \( -path ./build -o -path ./.git \) -prune -o \
+  \( -name CMakeLists.txt -o -name '*.cmake' -o -name '*.sh' -o -path ./.ci/run \) -type f -print)
+
+# Nothing in the surroundings of a process selects anything.
+if grep -nE '\b(secure_)?getenv\b' "${code[@]}"; then fail "the environment is read"; fi
+if grep -nE '\b(TODO|FIXME|XXX)\b' "${sources[@]}"; then fail "unfinished work is marked"; fi
+if grep -nE '\b(GTEST_SKIP|DISABLED_)' "${sources[@]}"; then fail "a test is switched off"; fi
+
+while IFS= read -r file; do fail "$file is larger than 1.9 MB"; done < <(
+  find . \( -path ./build -o -path ./.git \) -prune -o -type f -size +1900k -print)
+
+# Every kept oddity names the test that pins it, and the test exists.
+tests=$(find tests -name '*.cpp' -exec cat {} +)
+for file in "${code[@]}"; do
+  # Comments flow over lines: join them first.
+  text=$(sed -E 's|^[[:space:]]*//[[:space:]]?||' "$file" | tr '\n' ' ')
+  kept=$(grep -oF 'Kept:' <<<"$text" | wc -l || true)
+  mapfile -t pins < <(grep -oE 'Pinned by [A-Za-z0-9_]+(,? (and )?[A-Z][A-Za-z0-9]*_[A-Za-z0-9_]+)*' <<<"$text" |
+    sed 's/^Pinned by //')
+  ((${#pins[@]} >= kept)) || fail "$file: $kept times Kept:, ${#pins[@]} times Pinned by"
+  for pin in "${pins[@]}"; do
+    for name in ${pin//,/ }; do
+      [[ $name == and ]] || grep -qw "$name" <<<"$tests" || fail "$file: no test is called $name"
+    done
+  done
+done
+exit "$failed"

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Installs the Debian packages that building, testing or checking needs. Says and does nothing when
+# all of them are there.
+#
+#   scripts/install-deps.sh player   what builds and runs the player (the default)
+#   scripts/install-deps.sh test     the same and what the tests need
+#   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
+set -euo pipefail
+
+# cubeb finds the sound service's client library at run time, so no package depends on it.
+player=(g++ cmake make pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
+tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils sox)
+ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev)
+
+case "${1:-player}" in
+  player) wanted=("${player[@]}") ;;
+  test) wanted=("${player[@]}" "${tests[@]}") ;;
+  ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
+  *)
+    echo "usage: ${0##*/} [player|test|ci]" >&2
+    exit 2
+    ;;
+esac
+
+if ! command -v apt-get >/dev/null; then
+  echo "${0##*/}: no apt-get here; these Debian packages are needed: ${wanted[*]}" >&2
+  exit 0
+fi
+
+missing=()
+for package in "${wanted[@]}"; do
+  state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [[ $state == installed* ]] || missing+=("$package")
+done
+((${#missing[@]})) || exit 0
+
+as_root=()
+if ((EUID != 0)); then
+  if ! command -v sudo >/dev/null; then
+    echo "${0##*/}: needs root or sudo to install: ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+apt=(env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
+
+echo "Installing: ${missing[*]}" >&2
+# A machine with a stale index and no network may still have the packages in its cache.
+"${as_root[@]}" "${apt[@]}" -q update >/dev/null || echo "${0##*/}: could not refresh the index" >&2
+"${as_root[@]}" "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >/dev/null </dev/null

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Installs what the tests need, builds them and runs every one.
+#
+#   scripts/test.sh [PRESET [CTEST ARGUMENTS...]]     (preset dev unless given)
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+preset=${1:-dev}
+shift $(($# > 0))
+
+"$root/scripts/install-deps.sh" test
+cmake -S "$root" --preset "$preset"
+cmake --build "$root/build/$preset" --parallel "$(nproc)"
+exec ctest --test-dir "$root/build/$preset" --parallel "$(nproc)" --output-on-failure "$@"

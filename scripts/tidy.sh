@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Runs clang-tidy over the given sources, over all of them when none is given.
+#
+#   scripts/tidy.sh [FILE...]
+set -euo pipefail
+here=$PWD
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+
+# Configured only, never built: a database whose flags clang understands, for every target there is.
+cmake --preset tidy >"$log" 2>&1 || {
+  cat "$log" >&2
+  exit 1
+}
+database=build/tidy/compile_commands.json
+
+check() {
+  local output
+  output=$(clang-tidy --quiet -p build/tidy "$1" 2>/dev/null) && return
+  printf '%s\n' "$output" "clang-tidy: $1 is not clean"
+  return 1
+}
+export -f check
+
+if (($#)); then
+  for file in "$@"; do (cd "$here" && realpath -z --relative-to="$OLDPWD" "$file"); done
+else
+  scripts/sources.sh cpp
+fi >"$log"
+# A source that no target builds would be checked with guessed flags: it is an error by itself.
+while IFS= read -r -d '' file; do
+  grep -qF "\"file\": \"$PWD/${file#./}\"" "$database" || {
+    echo "tidy: no target builds $file" >&2
+    exit 1
+  }
+done <"$log"
+xargs -0 -n 1 -P "$(nproc)" bash -c 'check "$1"' _ <"$log"
