@@ -36,6 +36,11 @@ if grep -nE '\b(GTEST_SKIP|DISABLED_)' "${sources[@]}"; then fail "a test is swi
 while IFS= read -r file; do fail "$file is larger than 1.9 MB"; done < <(
   find . \( -path ./build -o -path ./.git \) -prune -o -type f -size +1900k -print)
 
+# What the README shows is part of a program that compiles.
+snippet=$(sed -n '/^```cpp$/,/^```$/p' README.md | sed '/^```/d')
+[[ -n $snippet && $(<examples/convert.cpp) == *"$snippet"* ]] ||
+  fail "the README's code is not part of examples/convert.cpp"
+
 # Every kept oddity names the test that pins it, and the test exists.
 tests=$(find tests -name '*.cpp' -exec cat {} +)
 for file in "${code[@]}"; do
