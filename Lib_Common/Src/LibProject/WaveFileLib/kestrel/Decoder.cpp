@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kestrel/Decoder.h"
+
+#include <cstddef>
+#include <utility>
+
+#include "kestrel/BitStream.h"
+#include "kestrel/Categories.h"
+#include "kestrel/Envelope.h"
+#include "kestrel/TablesQuantiser.h"
+#include "kestrel/VectorCoder.h"
+
+namespace kestrel {
+namespace {
+
+// False when the bits ran out on the way. The region in which they do becomes noise as a whole, and
+// so does every one behind it.
+bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Scale& scale,
+                 int nRegions, S_NoiseGenerator& noise, S_Frame& coefficients) {
+  bool bEnough = true;
+  for (std::size_t r = 0; r < static_cast<std::size_t>(nRegions); ++r) {
+    const S_Region region(coefficients.data() + r * kRegionSize, kRegionSize);
+    int nCategory = bEnough ? RealCategory(categories[r]) : kNoiseCategory;
+    if (nCategory < kNoiseCategory && !ReadRegion(reader, nCategory, scale.deviation[r], region)) {
+      bEnough = false;
+      nCategory = kNoiseCategory;
+    }
+    FillWithNoise(noise, nCategory, scale.deviation[r], region);
+  }
+  return bEnough;
+}
+
+// A frame ends in ones. Where the bits ran out, one fewer than are left is looked at: these are
+// sign bits then, so a frame that the encoder had to cut may well count as damaged.
+bool IsSoundEnd(C_BitReader& reader, bool bEnough, int nControl) {
+  const int nLeft = reader.BitsLeft() - (bEnough ? 0 : 1);
+  if (nLeft < 0) return nControl == kControlValues - 1;
+  for (int n = 0; n < nLeft; ++n) {
+    if (reader.Bit() == 0) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+const S_Configuration& C_Decoder::Init(std::uint32_t dwBitRate) noexcept {
+  m_configuration = Configure(dwBitRate);
+  m_state = {};
+  return m_configuration;
+}
+
+void C_Decoder::Decode(std::span<const std::uint16_t> words,
+                       std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
+  const auto frameWords = words.first(static_cast<std::size_t>(m_configuration.nWordsPerFrame));
+  const S_UnpackedFrame frame = UnpackFrame(frameWords, m_configuration.nRegions, m_state.noise);
+  const S_Spectrum spectrum = Conceal(frame, m_state.lastGood);
+  InverseTransform(m_state.overlap, spectrum.coefficients, spectrum.nShift, samples);
+}
+
+S_UnpackedFrame UnpackFrame(std::span<const std::uint16_t> words, int nRegions,
+                            S_NoiseGenerator& noise) noexcept {
+  C_BitReader reader(words);
+  const S_Envelope envelope = ReadEnvelope(reader, nRegions);
+  const S_Scale scale = ScaleOf(envelope, nRegions);
+
+  const int nControl = reader.Bits(kControlBits);
+  S_Categorisation categorisation = Categorise(reader.BitsLeft(), envelope, nRegions);
+  ApplyBalances(categorisation, nControl);
+
+  S_UnpackedFrame frame;
+  frame.spectrum.nShift = scale.nShift;
+  const bool bEnough = ReadRegions(reader, categorisation.categories, scale, nRegions, noise,
+                                   frame.spectrum.coefficients);
+  frame.bDamaged = !IsSoundEnd(reader, bEnough, nControl) || !IsSoundEnvelope(envelope, nRegions);
+  return frame;
+}
+
+S_Spectrum Conceal(const S_UnpackedFrame& frame, S_Spectrum& lastGood) noexcept {
+  if (frame.bDamaged) return std::exchange(lastGood, S_Spectrum{});
+  lastGood = frame.spectrum;
+  return frame.spectrum;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Samples to frame words. A plain object without shared state: any number may work side by side.
+//
+// A frame holds: envelope | control, 4 bits | vectors of the regions in order | ones up to its end.
+// What does not fit is cut off.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "kestrel/Configuration.h"
+
+namespace kestrel {
+
+struct S_EncoderState {
+  S_Frame history{};  // the frame before
+};
+
+class C_Encoder {
+ public:
+  // At 16000 bit/s.
+  constexpr C_Encoder() noexcept = default;
+  // Configures for the bit rate and forgets every frame before. See Configure for the result.
+  const S_Configuration& Init(std::uint32_t dwBitRate) noexcept;
+  [[nodiscard]] const S_Configuration& Configuration() const noexcept { return m_configuration; }
+
+  // words: room for nWordsPerFrame words at least, of which so many are written.
+  void Encode(std::span<const std::int16_t, kSamplesPerFrame> samples,
+              std::span<std::uint16_t> words) noexcept;
+
+ private:
+  S_Configuration m_configuration = Configure(kDefaultBitRate);
+  S_EncoderState m_state;
+};
+
+// What an encoder does with the coefficients of a frame; fills all of words.
+void EncodeCoefficients(S_Frame coefficients, int nShift, int nRegions,
+                        std::span<std::uint16_t> words) noexcept;
+
+}  // namespace kestrel

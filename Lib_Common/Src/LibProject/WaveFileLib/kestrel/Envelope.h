@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The spectral envelope: one power index per coded region, a step of one being a factor sqrt(2) of
+// the region's standard deviation (index 0 means 1). In the frame:
+//
+//   5 bits             index of region 0, + 7
+//   code word          per further region: difference to the region before, coded per region
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "kestrel/BitStream.h"
+#include "kestrel/Configuration.h"
+
+namespace kestrel {
+
+// Range of a power index in a sound frame; region 0 starts at -6 in what we write.
+inline constexpr int kLowestPower = -15;
+inline constexpr int kHighestPower = 24;
+
+// Power index per region; entries from the number of coded regions on are 0 and unused. A damaged
+// frame can hold any index from -163 to 167.
+using S_Envelope = std::array<int, kMaxRegions>;
+
+// Encoder, in this order.
+
+// Index of one region whose coefficients carry 2^nShift.
+int RegionPower(std::span<const std::int16_t, kRegionSize> region, int nShift) noexcept;
+S_Envelope MeasureEnvelope(const S_Frame& coefficients, int nShift, int nRegions) noexcept;
+// Raises valleys in front of peaks that the code could not climb out of, and limits the indices.
+void ShapeEnvelope(S_Envelope& envelope, int nRegions) noexcept;
+// Writes the envelope, and leaves in it the indices as the decoder will see them.
+void WriteEnvelope(C_BitWriter& writer, S_Envelope& envelope, int nRegions) noexcept;
+
+// Decoder.
+
+S_Envelope ReadEnvelope(C_BitReader& reader, int nRegions) noexcept;
+[[nodiscard]] bool IsSoundEnvelope(const S_Envelope& envelope, int nRegions) noexcept;
+
+// The scale that the decoder works in.
+struct S_Scale {
+  int nShift;                                       // -1..9, as in the transform
+  std::array<std::int16_t, kMaxRegions> deviation;  // standard deviation * 2^nShift per region
+};
+S_Scale ScaleOf(const S_Envelope& envelope, int nRegions) noexcept;
+
+}  // namespace kestrel

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The modulated lapped transform (MLT): 320 samples and their predecessors to 320 coefficients of
+// 25 Hz each, and back. Both directions are a windowed fold and a DCT-IV of 320 points, done as
+// five butterfly passes (blocks of 320 down to 20), 32 kernels of ten points and five rotation
+// passes (blocks of 20 up to 320):
+//
+//   forward:  window -> magnitude shift -> bias -> DCT-IV
+//   inverse:  dither -> DCT-IV -> bias -> scale -> overlap-add
+//
+// Coefficients are block floating point: their true value is coefficient * 2^-shift, shift -1..9.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "kestrel/Configuration.h"
+
+namespace kestrel {
+
+inline constexpr int kLowestShift = -1;
+inline constexpr int kHighestShift = 9;
+
+using S_Samples = std::span<const std::int16_t, kSamplesPerFrame>;
+// The half of the inverse transform's output that waits for the next frame.
+using S_Overlap = std::array<std::int16_t, kSamplesPerFrame / 2>;
+
+// Whole transforms. history is the frame before, and becomes the frame given.
+int ForwardTransform(S_Frame& history, S_Samples samples, S_Frame& coefficients) noexcept;
+void InverseTransform(S_Overlap& overlap, const S_Frame& coefficients, int nShift,
+                      std::span<std::int16_t, kSamplesPerFrame> samples) noexcept;
+
+// Steps of the forward transform.
+S_Frame ApplyAnalysisWindow(const S_Frame& history, S_Samples samples) noexcept;
+// The shift that makes most of 16 bits without letting the DCT-IV overflow on usual frames.
+int MagnitudeShift(const S_Frame& windowed) noexcept;
+void ScaleUp(S_Frame& values, int nShift) noexcept;
+S_Frame ForwardButterflies(S_Frame values) noexcept;
+S_Frame ForwardKernels(const S_Frame& values) noexcept;
+S_Frame ForwardRotations(S_Frame values) noexcept;
+
+// Steps of the inverse transform. Loud frames do saturate inside it; every step limits where it
+// adds, and the samples depend on it.
+S_Frame InverseButterflies(const S_Frame& coefficients) noexcept;
+S_Frame InverseKernels(const S_Frame& values) noexcept;
+S_Frame InverseRotations(S_Frame values) noexcept;
+void AddSynthesisBias(S_Frame& values) noexcept;
+void ScaleDown(S_Frame& values, int nShift) noexcept;
+void OverlapAdd(S_Overlap& overlap, const S_Frame& values,
+                std::span<std::int16_t, kSamplesPerFrame> samples) noexcept;
+
+}  // namespace kestrel
