@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// RIFF files as flat, ordered lists of chunks whose payloads stay on disk until they are asked for,
+// and new RIFF files from chunks assembled in memory.
+//
+//   offset  size  field (integers are little-endian)
+//        0     4  "RIFF"
+//        4     4  4 + sum over the top-level chunks of (8 + size)
+//        8     4  form type, four characters ("WAVE" ...)
+//       12        chunks, back to back: identifier (4), size (4), payload (size)
+//
+// Kept: sizes never include pad bytes, the writer writes none and the reader skips zero bytes in
+// front of a chunk header, so that files with and without pad bytes both read. Pinned by
+// OddChunk_ReadsWithAndWithoutPad and Save_WritesNoPadBytes.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+
+#include "CLArray.h"
+#include "I_RiffChunk.h"
+
+class C_RiffChunk;
+
+// The stream that chunks read from, shared between a file and its chunks: closing the file empties
+// it, and the chunks see that.
+struct S_RiffStream {
+  std::FILE* pFile = nullptr;
+};
+using C_RiffStreamPtr = std::shared_ptr<S_RiffStream>;
+
+// Chunks in file order. Owns them.
+class C_RiffChunkList : public C_CLArray<C_RiffChunk*, C_RiffChunk*, true> {
+ public:
+  C_RiffChunkList();
+  ~C_RiffChunkList() override;
+
+  // Sum over the chunks of (size + 8), modulo 2^32. Sub-chunks are not looked at.
+  [[nodiscard]] unsigned int GetChunksLength() const;
+  // The same sum, whole.
+  [[nodiscard]] std::uint64_t GetTrueChunksLength() const;
+  // The first chunk at index >= nStart with that identifier (four characters), null when none.
+  [[nodiscard]] C_RiffChunk* FindChunk(const char* pszID, int nStart) const;
+  // Appends a chunk in memory, without payload, and returns it; the list owns it.
+  C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
+  // Appends the chunks that start within dwLength bytes from the stream's position. Always true: a
+  // header that cannot be read ends the listing. The stream must outlive the reading of payloads.
+  bool LoadChunks(std::FILE* pFile, unsigned int dwLength);
+  bool LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwLength);
+  // Writes every chunk, header then payload. False when the stream takes no more.
+  bool WriteChunks(std::FILE* pFile);
+  // Moves the stream on by dwCount bytes; past the end is allowed.
+  static bool Skip(std::FILE* pFile, unsigned int dwCount);
+};
+
+class C_RiffChunk : public I_RiffChunk {
+ public:
+  // A chunk in memory: its size is fixed here, its payload comes from SetData or from sub-chunks.
+  C_RiffChunk(const char* pszID, unsigned int dwSize);
+  // A chunk on disk whose payload begins at dwDataPos.
+  C_RiffChunk(const char* pszID, unsigned int dwSize, unsigned int dwDataPos,
+              C_RiffStreamPtr stream);
+  ~C_RiffChunk() override;
+
+  unsigned int GetDataLength() override { return m_dwSize; }
+  // The first call reads the whole payload, later ones copy from memory. False when the size is 0,
+  // when there is neither payload nor open file, and when the range leaves the payload.
+  bool GetData(void* pDst, unsigned int dwLength, unsigned int dwOffset) override;
+  void SetData(const void* pSrc) override;
+
+  // Four characters, not terminated.
+  [[nodiscard]] const char* GetChunkID() const { return m_achID; }
+  // Compares four characters.
+  [[nodiscard]] bool HasChunkID(const char* pszID) const;
+  // Stream offset of the payload: set when the chunk is read and when it is written.
+  [[nodiscard]] unsigned int GetDataPos() const { return m_dwDataPos; }
+  [[nodiscard]] C_RiffChunkList& GetSubChunks() { return m_subChunks; }
+
+  // Appends the payload's chunks to the sub-chunk list. False without an open file.
+  bool LoadSubChunks();
+  // Writes the payload: the bytes when there are any, otherwise the sub-chunks, which may be none.
+  bool WriteData(std::FILE* pFile);
+  // Writes header and payload, and notes where the payload went.
+  bool Write(std::FILE* pFile);
+
+ private:
+  bool ReadPayload();
+
+  char m_achID[4];
+  std::uint32_t m_dwSize;
+  std::uint32_t m_dwDataPos = 0;
+  bool m_bReadFailed = false;
+  C_RiffStreamPtr m_stream;
+  std::unique_ptr<std::uint8_t[]> m_pbyData;
+  C_RiffChunkList m_subChunks;
+};
+
+// One file. Closed after construction, SafeCloseFile, Save, and an Open that failed. For reading:
+// Open, then the chunks wanted; unread payloads are lost when the file is closed. For writing:
+// AddChunk for each chunk in file order, SetData on each, then Save.
+class C_RiffFile {
+ public:
+  C_RiffFile() = default;
+  virtual ~C_RiffFile();
+  C_RiffFile(const C_RiffFile&) = delete;
+  C_RiffFile& operator=(const C_RiffFile&) = delete;
+
+  // Lists the chunks of a file of that form type (four characters).
+  bool Open(const char* pszPath, const char* pszFormType);
+  // Writes the list; a failed write leaves a partial file. A list too long for the 32-bit RIFF size
+  // is refused before the target is touched.
+  bool Save(const char* pszPath, const char* pszFormType);
+  C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
+  [[nodiscard]] int GetChunkCount() const { return m_chunks.GetCount(); }
+  // std::out_of_range outside the list.
+  [[nodiscard]] C_RiffChunk* GetChunkAt(int nIndex) const { return m_chunks.GetAt(nIndex); }
+  [[nodiscard]] C_RiffChunk* FindChunk(const char* pszID, int nStart) const;
+  [[nodiscard]] C_RiffChunkList& GetChunks() { return m_chunks; }
+  void RemoveChunks() { m_chunks.RemoveAll(); }
+  void SafeCloseFile();
+
+ private:
+  C_RiffStreamPtr m_stream;
+  C_RiffChunkList m_chunks;
+};

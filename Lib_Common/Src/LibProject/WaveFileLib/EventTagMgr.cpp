@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "EventTagMgr.h"
+
+#include <vector>
+
+#include "VcmAssert.h"
+
+namespace {
+
+constexpr const char* kSource = "WaveFileLib/EventTagMgr";
+
+unsigned int CommandIndex(unsigned short wMain, unsigned short wSub) {
+  return static_cast<unsigned int>(wMain) << 16 | wSub;
+}
+
+auto AtTime(unsigned int dwTime) {
+  return [dwTime](C_EventTag& tag) { return tag.GetTime() == dwTime; };
+}
+
+auto AtSample(unsigned int dwSamplePos) {
+  return [dwSamplePos](C_EventTag& tag) { return tag.GetSamplePos() == dwSamplePos; };
+}
+
+auto WithCommand(unsigned short wMain, unsigned short wSub) {
+  return [wMain, wSub](C_EventTag& tag) {
+    return tag.GetMainCommandIndex() == wMain && tag.GetSubCommandIndex() == wSub;
+  };
+}
+
+}  // namespace
+
+// What an insertion sorts by, and how its assertions are known to support tools.
+struct C_EventTagMgr::S_Ordering {
+  unsigned int (C_EventTag::*pfnKey)();
+  const char* pszFunction;
+  int nLastTagLine;
+  int nSearchLine;
+
+  unsigned int Key(C_EventTag* pEventInList, int nLine) const {
+    VCM_ASSERT(pEventInList != nullptr, pszFunction, kSource, nLine, "NULL != pEventInList");
+    return (pEventInList->*pfnKey)();
+  }
+};
+
+C_EventTagMgr::~C_EventTagMgr() { C_EventTagMgr::RemoveAllEvents(); }
+
+I_EventTag* C_EventTagMgr::AddEvent(unsigned short wMain, unsigned short wSub, unsigned int dwTime,
+                                    const char* pszDescription, unsigned int dwData) {
+  static constexpr S_Ordering kByTime{&C_EventTag::GetTime, "AddEvent", 60, 77};
+  return Insert(std::make_unique<C_EventTag>(CommandIndex(wMain, wSub), dwTime, pszDescription,
+                                             dwData, m_dwSampleRate, EVENT_POS_TIME),
+                kByTime);
+}
+
+void C_EventTagMgr::RemoveAllEvents() {
+  for (int i = 0; i < m_events.GetCount(); ++i) delete m_events.GetAt(i);
+  m_events.RemoveAll();
+}
+
+I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByTime(unsigned int dwTime) {
+  return Collect(AtTime(dwTime));
+}
+
+I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByCommand(unsigned short wMain,
+                                                          unsigned short wSub) {
+  return Collect(WithCommand(wMain, wSub));
+}
+
+// Kept: tags pass through their time, so moments set in samples lose what is below a millisecond;
+// files made so far hold moments rounded this way. Pinned by
+// AddEvents_GoesThroughTheTimeAndLosesSamples.
+bool C_EventTagMgr::AddEvents(I_CLArray<I_EventTag*>* pList) {
+  std::vector<I_EventTag*> tags;
+  for (int i = 0; i < pList->GetSize(); ++i) tags.push_back(pList->GetItemByIndex(i));
+  for (I_EventTag* pTag : tags) {
+    if (AddEvent(pTag->GetMainCommandIndex(), pTag->GetSubCommandIndex(), pTag->GetTime(),
+                 pTag->GetDescription(), pTag->GetData()) == nullptr) {
+      return false;
+    }
+  }
+  return true;
+}
+
+I_EventTag* C_EventTagMgr::AddEventBySamplePos(unsigned short wMain, unsigned short wSub,
+                                               unsigned int dwSamplePos, const char* pszDescription,
+                                               unsigned int dwData) {
+  static constexpr S_Ordering kBySample{&C_EventTag::GetSamplePos, "AddEventBySamplePos", 155, 173};
+  VCM_ASSERT(m_dwSampleRate > 0, "AddEventBySamplePos", kSource, 137, "m_dwSampleRate > 0");
+  return Insert(std::make_unique<C_EventTag>(CommandIndex(wMain, wSub), dwSamplePos, pszDescription,
+                                             dwData, m_dwSampleRate, EVENT_POS_SAMPLE),
+                kBySample);
+}
+
+I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsBySamplePos(unsigned int dwSamplePos) {
+  return Collect(AtSample(dwSamplePos));
+}
+
+// Kept: the list is not sorted again, although tags set as times and tags set in samples may change
+// places under a new rate; callers hold indexes into it. Pinned by SetSampleRate_DoesNotSortAgain.
+void C_EventTagMgr::SetSampleRate(unsigned int dwSampleRate) {
+  if (dwSampleRate == m_dwSampleRate) return;
+  m_dwSampleRate = dwSampleRate;
+  for (int i = 0; i < m_events.GetCount(); ++i) {
+    C_EventTag* pEventTag = m_events.GetAt(i);
+    VCM_ASSERT(pEventTag != nullptr, "SetSampleRate", kSource, 476, "pEventTag != NULL");
+    pEventTag->SetSampleRate(dwSampleRate);
+  }
+}
+
+// Kept: taking out is not deleting, here and in the operations below; callers move tags between
+// managers this way. Pinned by RemoveEvent_LeavesTheTagAlive.
+bool C_EventTagMgr::RemoveEvent(int nIndex) {
+  if (nIndex < 0 || nIndex >= m_events.GetCount()) return false;
+  m_events.RemoveAt(nIndex, 1);
+  return true;
+}
+
+void C_EventTagMgr::RemoveEventsByTime(unsigned int dwTime) { TakeOutAll(AtTime(dwTime)); }
+
+void C_EventTagMgr::RemoveEventsBySamplePos(unsigned int dwSamplePos) {
+  TakeOutAll(AtSample(dwSamplePos));
+}
+
+void C_EventTagMgr::RemoveEventsByCommand(unsigned short wMain, unsigned short wSub) {
+  TakeOutAll(WithCommand(wMain, wSub));
+}
+
+bool C_EventTagMgr::RemoveEventByTime(unsigned int dwTime, int nOccurrence) {
+  return TakeOutOne(AtTime(dwTime), nOccurrence);
+}
+
+bool C_EventTagMgr::RemoveEventBySamplePos(unsigned int dwSamplePos, int nOccurrence) {
+  return TakeOutOne(AtSample(dwSamplePos), nOccurrence);
+}
+
+bool C_EventTagMgr::RemoveEventByCommand(unsigned short wMain, unsigned short wSub,
+                                         int nOccurrence) {
+  return TakeOutOne(WithCommand(wMain, wSub), nOccurrence);
+}
+
+I_EventTag* C_EventTagMgr::Insert(std::unique_ptr<C_EventTag> tag, const S_Ordering& ordering) {
+  const int nPosition = InsertPosition((tag.get()->*ordering.pfnKey)(), ordering);
+  m_events.InsertAt(nPosition, tag.get(), 1);
+  return tag.release();
+}
+
+// Behind the tags of equal key that a binary search lands on. In a sorted list that is behind all
+// of them; in a list that a new sample rate left unsorted the probes decide, so they stay as they
+// are.
+int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering) const {
+  const int nCount = m_events.GetCount();
+  if (nCount == 0) return 0;
+  int nHigh = nCount - 1;
+  if (ordering.Key(m_events.GetAt(nHigh), ordering.nLastTagLine) <= dwKey) return nCount;
+  const auto KeyAt = [&](int nIndex) {
+    return ordering.Key(m_events.GetAt(nIndex), ordering.nSearchLine);
+  };
+  int nLow = 0;
+  while (nLow != nHigh) {
+    const int nMiddle = nLow + (nHigh - nLow) / 2;
+    const unsigned int dwMiddleKey = KeyAt(nMiddle);
+    if (dwKey < dwMiddleKey) {
+      nHigh = nMiddle;
+    } else if (dwKey > dwMiddleKey) {
+      nLow = nMiddle + 1;  // at most nHigh, which the middle is below
+    } else {
+      nLow = nMiddle;
+      break;
+    }
+  }
+  while (nLow != nHigh && KeyAt(nLow) == dwKey) ++nLow;
+  return nLow;
+}
+
+template <typename Match>
+I_CLArray<I_EventTag*>* C_EventTagMgr::Collect(Match match) {
+  m_found.RemoveAll();
+  for (int i = 0; i < m_events.GetCount(); ++i) {
+    if (match(*m_events.GetAt(i))) m_found.Add(m_events.GetAt(i));
+  }
+  return &m_found;
+}
+
+template <typename Match>
+void C_EventTagMgr::TakeOutAll(Match match) {
+  for (int i = m_events.GetCount() - 1; i >= 0; --i) {
+    if (match(*m_events.GetAt(i))) m_events.RemoveAt(i, 1);
+  }
+}
+
+template <typename Match>
+bool C_EventTagMgr::TakeOutOne(Match match, int nOccurrence) {
+  int nMatches = 0;
+  for (int i = 0; i < m_events.GetCount(); ++i) {
+    if (!match(*m_events.GetAt(i))) continue;
+    if (nMatches == nOccurrence) return RemoveEvent(i);
+    ++nMatches;
+  }
+  return false;
+}

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "WavDataListInfo.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "ByteReader.h"
+#include "CheckedSize.h"
+#include "VCM.h"
+#include "WavDataChunk.h"
+
+namespace {
+
+constexpr std::uint32_t kIDLength = 4;
+constexpr std::uint32_t kSubHeaderLength = 8;
+constexpr std::uint32_t kLtxtLength = 20;
+constexpr std::string_view kListType = "adtl";
+constexpr std::string_view kLabel = "labl";
+constexpr std::string_view kLtxt = "ltxt";
+
+// Text, terminating zero, and a zero more when that makes an odd number.
+std::uint32_t StoredTextLength(const char* pszText) {
+  return static_cast<std::uint32_t>(std::strlen(pszText) + 2) & ~1u;
+}
+
+bool IsID(std::span<const std::uint8_t> bytes, std::string_view id) {
+  return std::equal(bytes.begin(), bytes.end(), id.begin(), id.end(),
+                    [](std::uint8_t byIn, char chID) { return static_cast<char>(byIn) == chID; });
+}
+
+template <typename List, typename Item>
+void Append(List& list, const Item& item) {
+  auto copy = std::make_unique<Item>(item);
+  list.Add(copy.get());
+  static_cast<void>(copy.release());
+}
+
+void WriteLtxt(vcm::C_ByteWriter& writer, const C_WavDataListInfo::S_Ltxt& ltxt) {
+  writer.Text(kLtxt, kIDLength);
+  writer.U32(kLtxtLength);
+  writer.U32(ltxt.dwCuePointID);
+  writer.U32(ltxt.dwSampleLength);
+  writer.Text({ltxt.achPurpose, sizeof ltxt.achPurpose}, sizeof ltxt.achPurpose);
+  for (const unsigned short wField : {ltxt.wCountry, ltxt.wLanguage, ltxt.wDialect, ltxt.wCodePage})
+    writer.U16(wField);
+}
+
+void WriteLabel(vcm::C_ByteWriter& writer, const C_WavDataListInfo::S_Label& label) {
+  const std::uint32_t cbText = StoredTextLength(label.szText);
+  writer.Text(kLabel, kIDLength);
+  writer.U32(kIDLength + cbText);
+  writer.U32(label.dwCuePointID);
+  writer.Text(label.szText, cbText);
+}
+
+}  // namespace
+
+unsigned int C_WavDataListInfo::GetChunkLength() {
+  std::uint64_t qwLength = kIDLength;
+  for (int i = 0; i < m_labels.GetCount(); ++i)
+    qwLength += kSubHeaderLength + kIDLength + StoredTextLength(m_labels.GetAt(i)->szText);
+  const auto qwLtxts = static_cast<std::uint64_t>(m_ltxts.GetCount());
+  return vcm::CheckedBytes(qwLtxts, kSubHeaderLength + kLtxtLength, qwLength).value_or(0);
+}
+
+const char* C_WavDataListInfo::GetLabelByIndex(int nIndex, unsigned int* pdwID) {
+  const S_Label* pLabel = m_labels.GetAt(nIndex);
+  if (pdwID != nullptr) *pdwID = pLabel->dwCuePointID;
+  return pLabel->szText;
+}
+
+bool C_WavDataListInfo::AddLabel(unsigned int dwID, const char* pszText) {
+  S_Label label{dwID, {}};
+  if (pszText != nullptr) VCM_tcsncpy(label.szText, pszText, kMaxLabelText);
+  Append(m_labels, label);
+  return true;
+}
+
+const char* C_WavDataListInfo::GetLtxtByIndex(int nIndex, unsigned int* pdwID,
+                                              unsigned int* pdwSampleLength) {
+  const S_Ltxt* pLtxt = m_ltxts.GetAt(nIndex);
+  if (pdwID != nullptr) *pdwID = pLtxt->dwCuePointID;
+  if (pdwSampleLength != nullptr) *pdwSampleLength = pLtxt->dwSampleLength;
+  return pLtxt->achPurpose;
+}
+
+bool C_WavDataListInfo::AddLtxt(unsigned int dwID, unsigned int dwSampleLength,
+                                const char* pszPurpose) {
+  S_Ltxt ltxt{dwID, dwSampleLength, {}, 0, 0, 0, 0};
+  if (pszPurpose != nullptr) VCM_strncpy(ltxt.achPurpose, pszPurpose, sizeof ltxt.achPurpose);
+  Append(m_ltxts, ltxt);
+  return true;
+}
+
+bool C_WavDataListInfo::LoadInfo(I_RiffChunk* pChunk) {
+  const std::uint64_t qwEnd = pChunk->GetDataLength();
+  if (qwEnd < kListType.size()) return true;
+  const auto type = vcm::ReadField<kIDLength>(*pChunk, 0);
+  if (!type) return false;
+  if (!IsID(*type, kListType)) return true;
+  RemoveAllLabels();
+  RemoveAllLtxts();
+  std::uint64_t qwPosition = kListType.size();
+  // A header at the very end, with nothing behind it, is not looked at.
+  while (qwPosition + kSubHeaderLength < qwEnd) {
+    const auto header = vcm::ReadField<kSubHeaderLength>(*pChunk, qwPosition);
+    if (!header) return false;
+    qwPosition += kSubHeaderLength;
+    vcm::C_ByteReader reader(*header);
+    const auto id = reader.Bytes(kIDLength);
+    const std::uint32_t cbSize = reader.U32();
+    if (cbSize > qwEnd - qwPosition) return false;
+    if (IsID(id, kLabel) && !LoadLabel(*pChunk, qwPosition, cbSize)) return false;
+    if (IsID(id, kLtxt) && !LoadLtxt(*pChunk, qwPosition, cbSize)) return false;
+    qwPosition += std::uint64_t{cbSize} + (cbSize & 1u);
+  }
+  return true;
+}
+
+// Kept: all texts stand in front of all labels; readers in the field want to know a region's length
+// when they meet its name. Pinned by SaveInfo_WritesTextsBeforeLabels.
+bool C_WavDataListInfo::SaveInfo(I_RiffChunk* pChunk) {
+  vcm::C_ByteWriter writer;
+  writer.Text(kListType, kIDLength);
+  for (int i = 0; i < m_ltxts.GetCount(); ++i) WriteLtxt(writer, *m_ltxts.GetAt(i));
+  for (int i = 0; i < m_labels.GetCount(); ++i) WriteLabel(writer, *m_labels.GetAt(i));
+  return vcm::SavePayload(*pChunk, writer.Data());
+}
+
+bool C_WavDataListInfo::LoadLabel(I_RiffChunk& chunk, std::uint64_t qwPosition,
+                                  std::uint32_t cbSize) {
+  if (cbSize < kIDLength) return false;
+  const auto id = vcm::ReadField<kIDLength>(chunk, qwPosition);
+  if (!id) return false;
+  char szText[kMaxLabelText + 1] = {};
+  const std::uint32_t cbText = std::min<std::uint32_t>(cbSize - kIDLength, kMaxLabelText);
+  const auto dwTextOffset = static_cast<unsigned int>(qwPosition) + kIDLength;
+  if (cbText > 0 && !chunk.GetData(szText, cbText, dwTextOffset)) return false;
+  return AddLabel(vcm::C_ByteReader(*id).U32(), szText);
+}
+
+bool C_WavDataListInfo::LoadLtxt(I_RiffChunk& chunk, std::uint64_t qwPosition,
+                                 std::uint32_t cbSize) {
+  if (cbSize < kLtxtLength) return false;
+  const auto bytes = vcm::ReadField<kLtxtLength>(chunk, qwPosition);
+  if (!bytes) return false;
+  vcm::C_ByteReader reader(*bytes);
+  S_Ltxt ltxt{};
+  ltxt.dwCuePointID = reader.U32();
+  ltxt.dwSampleLength = reader.U32();
+  std::memcpy(ltxt.achPurpose, reader.Bytes(sizeof ltxt.achPurpose).data(), sizeof ltxt.achPurpose);
+  ltxt.wCountry = reader.U16();
+  ltxt.wLanguage = reader.U16();
+  ltxt.wDialect = reader.U16();
+  ltxt.wCodePage = reader.U16();
+  Append(m_ltxts, ltxt);
+  return true;
+}
