@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A folder of its own for one test, gone with everything in it when the test ends.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkdtemp
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
+#include <vector>
+
+class C_TempFolder {
+ public:
+  C_TempFolder() {
+    char szTemplate[] = "/tmp/voxplay-test-XXXXXX";
+    const char* pszMade = mkdtemp(szTemplate);
+    EXPECT_NE(pszMade, nullptr);
+    if (pszMade != nullptr) m_strPath = pszMade;
+  }
+  ~C_TempFolder() {
+    std::error_code error;
+    if (!m_strPath.empty()) std::filesystem::remove_all(m_strPath, error);
+    EXPECT_FALSE(error) << error.message();
+  }
+  C_TempFolder(const C_TempFolder&) = delete;
+  C_TempFolder& operator=(const C_TempFolder&) = delete;
+
+  [[nodiscard]] const std::string& Path() const { return m_strPath; }
+  // The path of a name in the folder; nothing is created.
+  [[nodiscard]] std::string Path(const std::string& strName) const {
+    return m_strPath + "/" + strName;
+  }
+  // Creates or overwrites a file in the folder. Its path.
+  std::string Write(const std::string& strName, const std::vector<std::uint8_t>& bytes) const {
+    std::ofstream file(Path(strName), std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    EXPECT_TRUE(file.flush().good());
+    return Path(strName);
+  }
+  // The content of a file in the folder; empty when there is none.
+  [[nodiscard]] std::vector<std::uint8_t> Read(const std::string& strName) const {
+    std::ifstream file(Path(strName), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+  [[nodiscard]] bool Has(const std::string& strName) const {
+    return std::filesystem::exists(std::filesystem::symlink_status(Path(strName)));
+  }
+  // For tests that end with nothing left behind.
+  [[nodiscard]] bool IsEmpty() const { return std::filesystem::is_empty(m_strPath); }
+
+ private:
+  std::string m_strPath;
+};
