@@ -92,6 +92,8 @@ class C_WavFileBase : public I_WavFile {
 
  private:
   bool KeepNameAndLength(const char* pszFileName);
+  // The sound's events count in its own sample rate.
+  void SetEventSampleRate();
 
   int m_nRefCount = 0;
   tagAudioFileType m_eFileFormat = AUDIO_FILE_UNKNOWN;

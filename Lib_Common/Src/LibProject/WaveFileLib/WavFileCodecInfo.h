@@ -59,6 +59,8 @@ class C_WavFileCodecInfo {
  public:
   static constexpr unsigned int kDviAdpcmBytes = 20;
   static constexpr unsigned int kMSAdpcmHeadBytes = 22;  // up to and including the count
+  // The longest record; nothing behind it is ever looked at.
+  static constexpr unsigned int kMaxBytes = kMSAdpcmHeadBytes + 4 * 0xFFFF;
 
   [[nodiscard]] static bool IsAcceptedTag(unsigned short wFormatTag) noexcept;
 

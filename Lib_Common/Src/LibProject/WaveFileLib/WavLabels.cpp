@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "WavLabels.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "CLArray.h"
+#include "SilenceSegment.h"
+#include "UncompressRegion.h"
+#include "VcmAssert.h"
+
+namespace wavlabels {
+namespace {
+
+constexpr const char* kSource = "WaveFileLib/WavFile";
+constexpr const char* kSilenceLabel = "VX_Silence";
+constexpr const char* kRegionLabel = "VX_PCM";
+constexpr const char* kRangePurpose = "rgn ";
+constexpr unsigned int kDataChunkID = 0x61746164;  // "data", the first character in the low byte
+
+using C_SilenceList = C_CLArray<C_SilenceSegment*, I_SilenceSegment*, true>;
+using C_RegionList = C_CLArray<C_UncompressRegion*, I_UncompressRegion*, true>;
+
+// Finds the characters of a pattern in their order, not necessarily side by side.
+template <std::size_t N>
+class C_PatternCursor {
+ public:
+  explicit C_PatternCursor(const char (&szPattern)[N + 1]) : m_pattern(szPattern, N) {}
+
+  bool IsComplete() const { return m_nMatched == N; }
+  bool Advance(char c, std::size_t nPosition) {
+    if (c != m_pattern[m_nMatched]) return false;
+    m_positions[m_nMatched++] = nPosition;
+    return true;
+  }
+  std::size_t Position(std::size_t nCharacter) const { return m_positions[nCharacter]; }
+
+ private:
+  std::string_view m_pattern;
+  std::size_t m_positions[N] = {};
+  std::size_t m_nMatched = 0;
+};
+
+// A decimal number as atoi reads it, of the first 31 characters at most. Numbers beyond 32 bits
+// keep their low bits.
+int Number(std::string_view text) {
+  const std::string strDigits(text.substr(0, 31));
+  return static_cast<int>(std::strtoll(strDigits.c_str(), nullptr, 10));
+}
+
+S_Label Event(int nMain, int nSub) {
+  return {S_Label::Kind::Event, static_cast<unsigned short>(nMain),
+          static_cast<unsigned short>(nSub)};
+}
+
+// The samples of a range label: an end before the start when the length is 0.
+std::pair<unsigned int, unsigned int> Range(unsigned int dwStart, unsigned int dwLength) {
+  return {dwStart, dwStart + dwLength - 1};
+}
+
+// Values by cue point identifier; of several with the same identifier the first counts. Sorted
+// rather than hashed, so that no choice of identifiers in a file makes the search slow.
+class C_ByID {
+ public:
+  void Add(unsigned int dwID, unsigned int dwValue) { m_values.emplace_back(dwID, dwValue); }
+  void Sort() {
+    std::stable_sort(m_values.begin(), m_values.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+  }
+  [[nodiscard]] std::optional<unsigned int> Find(unsigned int dwID) const {
+    const auto it =
+        std::lower_bound(m_values.begin(), m_values.end(), dwID,
+                         [](const auto& entry, unsigned int dwKey) { return entry.first < dwKey; });
+    if (it == m_values.end() || it->first != dwID) return std::nullopt;
+    return it->second;
+  }
+
+ private:
+  std::vector<std::pair<unsigned int, unsigned int>> m_values;
+};
+
+C_ByID CuePositions(I_WavDataCueInfo& cueInfo) {
+  C_ByID positions;
+  for (int i = 0; i < cueInfo.GetCuePointCount(); ++i) {
+    I_WavDataCuePoint* pCuePoint = cueInfo.GetCuePointByIndex(i);
+    positions.Add(pCuePoint->GetCuePointID(), pCuePoint->GetPosition());
+  }
+  positions.Sort();
+  return positions;
+}
+
+// The sample counts of the labelled texts.
+class C_RangeLengths {
+ public:
+  explicit C_RangeLengths(I_WavDataListInfo& listInfo) {
+    for (int i = 0; i < listInfo.GetLtxtCount(); ++i) {
+      unsigned int dwID = 0;
+      listInfo.GetLtxtByIndex(i, &dwID, &m_dwLast);
+      m_lengths.Add(dwID, m_dwLast);
+    }
+    m_lengths.Sort();
+  }
+  // Kept: an identifier without a labelled text takes the length of the last one in the file, as
+  // readers of these files always have; without any, it is 0. Pinned by
+  // RangeWithoutItsLabelledText_TakesTheLastOne.
+  [[nodiscard]] unsigned int Find(unsigned int dwID) const {
+    return m_lengths.Find(dwID).value_or(m_dwLast);
+  }
+
+ private:
+  C_ByID m_lengths;
+  unsigned int m_dwLast = 0;
+};
+
+struct S_PlacedEvent {
+  unsigned int dwSamplePos = 0;
+  S_Label label;
+};
+
+void AddEvents(I_EventTagMgr& events, std::vector<S_PlacedEvent> placed) {
+  // The manager orders by position and keeps equal positions in the order of arrival. Presorting
+  // gives the same result, and its insertions then all happen at the end.
+  if (events.GetEventList()->GetSize() == 0) {
+    std::stable_sort(placed.begin(), placed.end(),
+                     [](const auto& a, const auto& b) { return a.dwSamplePos < b.dwSamplePos; });
+  }
+  for (const auto& [dwSamplePos, label] : placed)
+    events.AddEventBySamplePos(label.wMain, label.wSub, dwSamplePos, "", 0);
+}
+
+// Collects the annotations of a file label by label.
+class C_AnnotationReader {
+ public:
+  C_AnnotationReader(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo, bool bEvents)
+      : m_positions(CuePositions(cueInfo)), m_lengths(listInfo), m_bEvents(bEvents) {}
+
+  void Read(const char* pszLabel, unsigned int dwID) {
+    VCM_ASSERT(nullptr != pszLabel, "DecodeLabel", kSource, __LINE__, "NULL != pszLabel");
+    const S_Label label = ParseLabel(pszLabel);
+    if (label.eKind == S_Label::Kind::Other) return;
+    if (label.eKind == S_Label::Kind::Event && !m_bEvents) return;
+    const std::optional<unsigned int> dwPosition = m_positions.Find(dwID);
+    VCM_ASSERT(dwPosition, "DecodeLabel", kSource, __LINE__, "NULL != pICuePoint");
+    Place(label, *dwPosition, dwID);
+  }
+
+  void GiveTo(I_WavData& wavData, I_EventTagMgr& events) {
+    AddEvents(events, std::move(m_events));
+    wavData.SetSilenceSegmentList(&m_silence);
+    wavData.SetUncompressRegionList(&m_regions);
+  }
+
+ private:
+  void Place(const S_Label& label, unsigned int dwPosition, unsigned int dwID) {
+    if (label.eKind == S_Label::Kind::Event) {
+      m_events.push_back({dwPosition, label});
+      return;
+    }
+    const auto [dwStart, dwEnd] = Range(dwPosition, m_lengths.Find(dwID));
+    if (label.eKind == S_Label::Kind::Silence)
+      m_silence.Add(new C_SilenceSegment(dwStart, dwEnd));
+    else
+      m_regions.Add(new C_UncompressRegion(dwStart, dwEnd));
+  }
+
+  C_ByID m_positions;
+  C_RangeLengths m_lengths;
+  bool m_bEvents;
+  std::vector<S_PlacedEvent> m_events;
+  C_SilenceList m_silence;
+  C_RegionList m_regions;
+};
+
+// Writes annotations under identifiers that count from 1.
+class C_AnnotationWriter {
+ public:
+  C_AnnotationWriter(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo)
+      : m_listInfo(listInfo), m_cueInfo(cueInfo) {
+    m_cueInfo.Reset();
+    m_listInfo.RemoveAllLabels();
+    m_listInfo.RemoveAllLtxts();
+  }
+
+  void Event(I_EventTag& event) {
+    const std::string strText = EventLabel(event.GetMainCommandIndex(), event.GetSubCommandIndex());
+    Point(event.GetSamplePos(), strText.c_str());
+  }
+  void Range(unsigned int dwStart, unsigned int dwSamples, const char* pszLabel) {
+    Point(dwStart, pszLabel);
+    m_listInfo.AddLtxt(m_dwID, dwSamples, kRangePurpose);
+  }
+
+ private:
+  void Point(unsigned int dwSamplePos, const char* pszLabel) {
+    ++m_dwID;
+    m_cueInfo.AddCuePoint(m_dwID, dwSamplePos, kDataChunkID, 0, 0, dwSamplePos);
+    m_listInfo.AddLabel(m_dwID, pszLabel);
+  }
+
+  I_WavDataListInfo& m_listInfo;
+  I_WavDataCueInfo& m_cueInfo;
+  unsigned int m_dwID = 0;
+};
+
+I_EventTagMgr& EventsOf(I_WavData& wavData) {
+  I_EventTagMgr* pIEventMgr = wavData.GetEventTagMgr();
+  VCM_ASSERT(nullptr != pIEventMgr, "GetEventTagMgr", kSource, __LINE__, "NULL != pIEventMgr");
+  return *pIEventMgr;
+}
+
+void SaveEvents(C_AnnotationWriter& writer, I_WavData& wavData) {
+  I_CLArray<I_EventTag*>* pIEventList = EventsOf(wavData).GetEventList();
+  VCM_ASSERT(nullptr != pIEventList, "WriteFile", kSource, __LINE__, "NULL != pIEventList");
+  for (int i = 0; i < pIEventList->GetSize(); ++i) {
+    I_EventTag* pIEvent = pIEventList->GetItemByIndex(i);
+    VCM_ASSERT(nullptr != pIEvent, "WriteFile", kSource, __LINE__, "NULL != pIEvent");
+    writer.Event(*pIEvent);
+  }
+}
+
+void SaveSilence(C_AnnotationWriter& writer, I_WavData::SilenceList& list) {
+  for (int i = 0; i < list.GetSize(); ++i) {
+    I_SilenceSegment* piSilenceSegment = list.GetItemByIndex(i);
+    VCM_ASSERT(nullptr != piSilenceSegment, "WriteFile", kSource, __LINE__,
+               "NULL != piSilenceSegment");
+    writer.Range(piSilenceSegment->GetStartSamplePos(), piSilenceSegment->GetSampleSize(),
+                 kSilenceLabel);
+  }
+}
+
+void SaveRegions(C_AnnotationWriter& writer, I_WavData::RegionList& list) {
+  for (int i = 0; i < list.GetSize(); ++i) {
+    I_UncompressRegion* piUncompressRegion = list.GetItemByIndex(i);
+    VCM_ASSERT(nullptr != piUncompressRegion, "WriteFile", kSource, __LINE__,
+               "NULL != piUncompressRegion");
+    writer.Range(piUncompressRegion->GetStartSamplePos(), piUncompressRegion->GetSampleSize(),
+                 kRegionLabel);
+  }
+}
+
+}  // namespace
+
+// Kept: the characters of "u__" need not stand side by side, so that ordinary words with an "u" and
+// two underscores, or an "e" and one, are events too; files in use rely on labels with such
+// prefixes. Pinned by LabelTexts_MeanWhatTheirLettersSay.
+S_Label ParseLabel(const char* pszText) {
+  const std::string_view text(pszText);
+  C_PatternCursor<3> twoNumbers("u__");
+  C_PatternCursor<2> oneNumber("e_");
+  for (std::size_t i = 0; i < text.size() && !twoNumbers.IsComplete() && !oneNumber.IsComplete();
+       ++i) {
+    if (!twoNumbers.Advance(text[i], i)) oneNumber.Advance(text[i], i);
+  }
+  if (twoNumbers.IsComplete()) {
+    const std::size_t nMain = twoNumbers.Position(1) + 1;
+    const std::size_t nSub = twoNumbers.Position(2) + 1;
+    return Event(Number(text.substr(nMain, nSub - 1 - nMain)), Number(text.substr(nSub)));
+  }
+  if (text == kSilenceLabel) return {.eKind = S_Label::Kind::Silence};
+  if (text == kRegionLabel) return {.eKind = S_Label::Kind::Region};
+  if (!oneNumber.IsComplete()) return {};
+  // The older form with both indices in one number; read, never written.
+  const int nBoth = Number(text.substr(oneNumber.Position(1) + 1));
+  return Event(nBoth >> 16, nBoth);
+}
+
+std::string EventLabel(unsigned short wMain, unsigned short wSub) {
+  return "u_" + std::to_string(wMain) + "_" + std::to_string(wSub);
+}
+
+void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
+  I_EventTagMgr& events = EventsOf(wavData);
+  C_AnnotationReader reader(listInfo, cueInfo, events.GetSampleRate() > 0);
+  for (int i = 0; i < listInfo.GetLabelCount(); ++i) {
+    unsigned int dwID = 0;
+    const char* pszLabel = listInfo.GetLabelByIndex(i, &dwID);
+    reader.Read(pszLabel, dwID);
+  }
+  reader.GiveTo(wavData, events);
+}
+
+void SaveAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
+  C_AnnotationWriter writer(listInfo, cueInfo);
+  SaveEvents(writer, wavData);
+  SaveSilence(writer, *wavData.GetSilenceSegmentList());
+  SaveRegions(writer, *wavData.GetUncompressRegionList());
+}
+
+}  // namespace wavlabels
