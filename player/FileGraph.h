@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The graph that plays a finished audio file: a file player that feeds the default output. Both
+// functions throw CAXException, with the failed operation as its text, and tear nothing down then.
+#pragma once
+
+#include <AudioToolbox/AudioToolbox.h>
+
+#include "CAAudioUnit.h"
+
+// How a file is scheduled, in the terms of the stream description and not of the file.
+struct S_FileSchedule {
+  UInt64 qwPacketCount = 0;
+  UInt32 dwFramesPerPacket = 0;
+  Float64 dSampleRate = 44100.0;  // never 0: positions are divided by it
+};
+
+// Builds the graph into *pGraph and its file player into *pFileUnit. After a failure both hold what
+// was made so far.
+void MakeFileGraph(AUGraph* pGraph, CAAudioUnit* pFileUnit,
+                   const AudioStreamBasicDescription& format, AudioFileID audioFile);
+
+// Schedules the whole file to start with the first render cycle. Returns the duration in seconds.
+double PrepareFileUnit(S_FileSchedule* pSchedule, const CAAudioUnit& fileUnit,
+                       const AudioStreamBasicDescription& format, AudioFileID audioFile);

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the player leaves unreleased on purpose, each thing with the reason. Everything here stays
+// reachable to the end of the process, so that leak checks stay sharp for everything else. Safe to
+// use from every thread.
+#pragma once
+
+#include <atomic>
+
+struct S_Kept {
+  const char* pszReason = nullptr;
+  const S_Kept* pNext = nullptr;
+};
+
+// The latest thing kept, which leads to the earlier ones; null when there is none.
+const S_Kept* GetKeptForProcess();
+
+// For KeepForProcess. The entry is never freed.
+void AddKeptForProcess(S_Kept* pEntry);
+
+// Keeps a pointer or a handle of any kind.
+template <typename T>
+void KeepForProcess(T thing, const char* pszReason) {
+  struct S_Entry : S_Kept {
+    T thing;
+  };
+  auto* pEntry = new S_Entry;
+  pEntry->pszReason = pszReason;
+  pEntry->thing = thing;
+  AddKeptForProcess(pEntry);
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PcmQueue.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+C_PcmQueue g_pcmQueue;
+
+C_PcmQueue::C_PcmQueue() : m_pbyBase(new std::uint8_t[kBlockBytes]), m_pbyWrite(m_pbyBase) {
+  std::memset(m_pbyBase, 0, kBlockBytes);
+  pthread_mutex_init(&m_lock, nullptr);
+}
+
+C_PcmQueue::~C_PcmQueue() {
+  pthread_mutex_destroy(&m_lock);
+  delete[] m_pbyBase;
+  m_pbyBase = nullptr;
+}
+
+void C_PcmQueue::Write(const void* pData, std::uint32_t cbData) {
+  pthread_mutex_lock(&m_lock);
+  // Kept: the lock stays held when the data does not fit. A sound of that length has no place in
+  // real-time mode, and playing on with a piece missing would go unnoticed. Pinned by
+  // Write_ThatDoesNotFit_LeavesTheLockHeld.
+  if (std::uint64_t{GetCount()} + cbData > kMaxHeld) return;
+  if (cbData != 0) std::memcpy(m_pbyWrite, pData, cbData);
+  SetCount(GetCount() + cbData);
+  pthread_mutex_unlock(&m_lock);
+}
+
+void C_PcmQueue::Read(void* pDestination, std::uint32_t cbWanted) {
+  if (GetCount() == 0) return;
+  pthread_mutex_lock(&m_lock);
+  const std::uint32_t cbTaken = std::min(GetCount(), cbWanted);
+  const std::uint32_t cbRest = GetCount() - cbTaken;
+  std::memcpy(pDestination, m_pbyBase, cbTaken);
+  // Kept: the rest moves to the front through a copy, and the whole block is cleared, on every
+  // read. Whatever is behind the held bytes is silence that way, whoever looks at the block, and no
+  // index can run astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockBehindIt.
+  const auto rest = std::make_unique_for_overwrite<std::uint8_t[]>(cbRest);
+  std::memcpy(rest.get(), m_pbyBase + cbTaken, cbRest);
+  std::memset(m_pbyBase, 0, kBlockBytes);
+  std::memcpy(m_pbyBase, rest.get(), cbRest);
+  SetCount(cbRest);
+  pthread_mutex_unlock(&m_lock);
+}
+
+void C_PcmQueue::SetCount(std::uint32_t dwCount) noexcept {
+  m_pbyWrite = m_pbyBase + dwCount;
+  m_dwCount.store(dwCount, std::memory_order_release);
+}

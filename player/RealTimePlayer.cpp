@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RealTimePlayer.h"
+
+#include <unistd.h>
+
+#include <cstring>
+#include <string>
+
+#include "BareKestrel.h"
+#include "KeptForProcess.h"
+#include "PcmQueue.h"
+#include "WavFileFormat.h"
+
+namespace {
+
+constexpr int kEnded = 0;
+constexpr int kNoOutput = 1;
+
+constexpr useconds_t kHeadStartMicroseconds = 500000;
+constexpr useconds_t kStepMicroseconds = 10000;
+constexpr useconds_t kTailMicroseconds = 500000;
+
+constexpr AudioComponentDescription kOutput = {
+    kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput, kAudioUnitManufacturer_Apple, 0, 0};
+constexpr AudioStreamBasicDescription kSpeech = {
+    16000.0,
+    kAudioFormatLinearPCM,
+    kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
+    2,
+    1,
+    2,
+    1,
+    16,
+    0};
+
+// Kept: the unit is not disposed of, whether its set-up fails or the playback has ended; its device
+// goes with the process. Pinned by FailingSetUp_ReturnsOneAndDisposesOfNothing.
+AudioUnit NewOutput() {
+  AudioUnit unit = nullptr;
+  const AudioComponent component = AudioComponentFindNext(nullptr, &kOutput);
+  if (component == nullptr || AudioComponentInstanceNew(component, &unit) != noErr) return nullptr;
+  KeepForProcess(unit, "output unit of real-time mode: its device goes with the process");
+  return unit;
+}
+
+AudioUnit SetUpOutput(void* pPlayer) {
+  const AudioUnit unit = NewOutput();
+  if (unit == nullptr) return nullptr;
+  const AURenderCallbackStruct callback = {RenderPcm, pPlayer};
+  const bool bReady =
+      AudioUnitSetProperty(unit, kAudioUnitProperty_StreamFormat, kAudioUnitScope_Input, 0,
+                           &kSpeech, sizeof kSpeech) == noErr &&
+      AudioUnitSetProperty(unit, kAudioUnitProperty_SetRenderCallback, kAudioUnitScope_Input, 0,
+                           &callback, sizeof callback) == noErr &&
+      AudioUnitInitialize(unit) == noErr;
+  return bReady ? unit : nullptr;
+}
+
+// True when the library knows the file as it stands.
+bool Probe(C_WavFileFormat& format, const char* pszFileName) {
+  I_WavFile* pIWavFile = nullptr;
+  try {
+    pIWavFile = format.CreateWavFile(pszFileName, false, true, nullptr, nullptr);
+  } catch (...) {
+    return false;
+  }
+  if (pIWavFile == nullptr) return false;
+  // Kept: the probe stays open to the end of the process; it holds no samples. Pinned by
+  // RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
+  KeepForProcess(pIWavFile, "probe of real-time mode: holds no samples");
+  return true;
+}
+
+void SetPath(S_RealTimeDecoder* pDecoder, const char* pszPath) {
+  std::memset(pDecoder->szPath, 0, sizeof pDecoder->szPath);
+  if (const std::size_t nLength = std::strlen(pszPath); nLength < sizeof pDecoder->szPath)
+    std::memcpy(pDecoder->szPath, pszPath, nLength);
+}
+
+// Kept: a copy made for a bare stream stays in the temporary directory, since the decoder may still
+// read it when the player is gone. Pinned by RealTimeModeOfABareStream_LeavesItsCopy.
+void ChooseFile(S_RealTimeDecoder* pDecoder, C_WavFileFormat& format, const char* pszFileName) {
+  const bool bKnown = Probe(format, pszFileName);
+  SetPath(pDecoder, pszFileName);
+  if (!bKnown) SetPath(pDecoder, CopyAsKestrel(pszFileName).c_str());
+}
+
+void Decode(C_WavFileFormat& format, const S_RealTimeDecoder& decoder) {
+  try {
+    // Kept: what was decoded is not released, so that the thread ends as soon as the queue has its
+    // last byte. Pinned by RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
+    if (I_WavFile* pIWavFile =
+            format.CreateWavFile(decoder.szPath, true, true, nullptr, OnDecodedData))
+      KeepForProcess(pIWavFile, "decoded file of real-time mode: its thread ends at once");
+  } catch (...) {
+    // Finished with what the queue holds; nobody would hear of anything else.
+    return;
+  }
+}
+
+void* DecodeThread(void* pArgument) {
+  auto* pDecoder = static_cast<S_RealTimeDecoder*>(pArgument);
+  C_WavFileFormat format;
+  Decode(format, *pDecoder);
+  pDecoder->byFinished.store(1, std::memory_order_release);
+  return nullptr;
+}
+
+void StartDecoder(S_RealTimeDecoder* pDecoder) {
+  pDecoder->byFinished.store(0, std::memory_order_release);
+  if (pthread_create(&pDecoder->thread, nullptr, DecodeThread, pDecoder) != 0) {
+    pDecoder->byFinished.store(1, std::memory_order_release);
+    return;
+  }
+  KeepForProcess(pDecoder->thread,
+                 "decoder thread of real-time mode: ends by itself, never joined");
+}
+
+// Finished is asked before the count: what the decoder wrote before it finished is in the count.
+bool IsDone(const S_RealTimeDecoder& decoder) {
+  return decoder.byFinished.load(std::memory_order_acquire) != 0 && g_pcmQueue.GetCount() == 0;
+}
+
+}  // namespace
+
+int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFileName) {
+  const AudioUnit unit = SetUpOutput(pPlayer);
+  if (unit == nullptr) return kNoOutput;
+  C_WavFileFormat format;
+  ChooseFile(pDecoder, format, pszFileName);
+  StartDecoder(pDecoder);
+  usleep(kHeadStartMicroseconds);
+  AudioOutputUnitStart(unit);
+  do usleep(kStepMicroseconds);
+  while (!IsDone(*pDecoder));
+  usleep(kTailMicroseconds);
+  AudioOutputUnitStop(unit);
+  AudioUnitUninitialize(unit);
+  return kEnded;
+}
+
+void OnDecodedData(void* pData, unsigned int dwLength) { g_pcmQueue.Write(pData, dwLength); }
+
+// Kept: frames that the queue does not hold are left as the platform handed them; it hands out
+// silence. Pinned by RenderPcm_LeavesWhatTheQueueCannotFill.
+OSStatus RenderPcm(void* /*pRefCon*/, AudioUnitRenderActionFlags* /*pdwActionFlags*/,
+                   const AudioTimeStamp* /*pTimeStamp*/, UInt32 /*dwBusNumber*/,
+                   UInt32 /*dwNumberFrames*/, AudioBufferList* pData) {
+  AudioBuffer& buffer = pData->mBuffers[0];
+  g_pcmQueue.Read(buffer.mData, buffer.mDataByteSize);
+  return noErr;
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Plays a Kestrel file while it is being decoded: a thread decodes into the process-wide queue, the
+// default output unit takes from it. 16 kHz, 16 bits, mono.
+#pragma once
+
+#include <AudioToolbox/AudioToolbox.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cstddef>
+
+// What the thread that decodes shares with its starter.
+struct S_RealTimeDecoder {
+  static constexpr std::size_t kPathField = 1024;
+
+  // Set last, when all there is to decode is in the queue.
+  std::atomic<unsigned char> byFinished{0};
+  char szPath[kPathField] = {};
+  pthread_t thread{};
+};
+
+// Returns when the playback has ended: 0, or 1 when the output could not be set up. A file that
+// cannot be decoded plays as silence of about a second; a name that does not fit the path field is
+// such a file. pPlayer is handed to the render callback as its reference.
+int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFileName);
+
+// The library's data callback: appends to the process-wide queue.
+void OnDecodedData(void* pData, unsigned int dwLength);
+
+// The output unit's render callback: fills the first buffer from the process-wide queue.
+OSStatus RenderPcm(void* pRefCon, AudioUnitRenderActionFlags* pdwActionFlags,
+                   const AudioTimeStamp* pTimeStamp, UInt32 dwBusNumber, UInt32 dwNumberFrames,
+                   AudioBufferList* pData);
