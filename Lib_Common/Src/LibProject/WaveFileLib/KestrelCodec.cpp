@@ -32,7 +32,6 @@ namespace {
 constexpr std::array<unsigned int, 8> kEncodeRates = {7200,  9600,  12000, 14400,
                                                       16000, 20000, 24000, 32000};
 constexpr std::size_t kLengthField = 4;
-constexpr std::size_t kHeadBytes = 6;
 constexpr std::int64_t kWordBytes = 2;
 constexpr std::int64_t kSampleBytes = 2;
 // A length field that claims more than this many times what there is belongs to no Kestrel stream.
