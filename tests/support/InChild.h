@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Runs a piece of a test in a process of its own, as another user: root is refused nothing, so
+// whatever needs a refused permission has to run as somebody else.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
+
+// What bStep returned in the child. Failures of expectations inside the step are not seen here.
+inline bool InChildAs(uid_t nUser, const std::function<bool()>& bStep) {
+  constexpr int kCannotBecome = 77;
+  const pid_t nChild = fork();
+  if (nChild == 0) {
+    if (setgid(nUser) != 0 || setuid(nUser) != 0) _exit(kCannotBecome);
+    _exit(bStep() ? 1 : 0);
+  }
+  int nStatus = 0;
+  EXPECT_EQ(nChild, waitpid(nChild, &nStatus, 0));
+  EXPECT_TRUE(WIFEXITED(nStatus)) << "the child was ended by signal " << WTERMSIG(nStatus);
+  EXPECT_NE(kCannotBecome, WEXITSTATUS(nStatus)) << "these tests run as root";
+  return WEXITSTATUS(nStatus) == 1;
+}
