@@ -7,6 +7,8 @@
 // (sample widths), WavDataChannels (mixing, extraction), WavDataConvert (writing a file).
 #pragma once
 
+#include <vector>
+
 #include "AudioCodecParam.h"
 #include "EventTagMgr.h"
 #include "I_WavData.h"
@@ -95,12 +97,18 @@ class C_WavData : public I_WavData {
   // range operation then refuses or finds empty.
   unsigned int LastSample() { return m_pcmBuffer.GetHeldSampleSize() - 1; }
   unsigned short LastChannel() { return static_cast<unsigned short>(m_wavInfo.GetChannels() - 1); }
-  // The format of the sound with other channels and another length.
+  // The format with other channels and another length.
   C_WavInfo FormatWith(unsigned short wChannels, unsigned int dwByteLength);
-  // True when mixing may replace the PCM.
-  bool CanMix() const;
-  void InstallMixed(const void* pData, unsigned int dwLength, unsigned short wChannels);
-  bool FillBitsConverted(unsigned char* pbyDst, C_WavInfo& dstInfo, bool bExact);
+  void SetByteLength(unsigned int dwLength);
+  // True when the PCM may be replaced by another mix of its channels.
+  bool CanMix();
+  void InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels);
+  // Left and right each show one of the channels, or silence.
+  void MixToStereo(int nLeftChannel, int nRightChannel);
+  // Both are false, and write nothing, when the bytes do not fit into the PCM buffer.
+  bool SetMonoData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwStartSample);
+  bool SetSideData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwSide,
+                   unsigned int dwStartSample);
   int MeanValue(unsigned int dwSamplePos, unsigned short wFirstChannel,
                 unsigned short wLastChannel);
   void AddQuietRuns(int nThreshold, unsigned int dwMinLength, unsigned int dwStartSample,

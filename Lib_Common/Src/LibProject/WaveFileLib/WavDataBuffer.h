@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "I_WavDataBuffer.h"
 #include "I_WavInfo.h"
@@ -47,7 +48,8 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   void SafeDeleteBuffer();
   // Forgets attached memory and returns it. Owned memory stays: the result is then null.
   unsigned char* DetachBuffer();
-  // An owned copy of the bytes, which may be part of the buffer that is replaced.
+  // An owned copy of the bytes, which may be part of the buffer that is replaced. Of null an empty
+  // one.
   void CopyBuffer(const void* pData, unsigned int dwLength);
   // Owned memory, not cleared; not null even for length 0.
   unsigned char* AllocBuffer(unsigned int dwLength);
@@ -59,9 +61,10 @@ class C_WavDataBuffer : public I_WavDataBuffer {
 
   void Hold(unsigned char* pbyBuffer, unsigned int dwLength, bool bAttached);
   unsigned short Channels();
-  // Where a sample of a width that the accessors know lies in the buffer; null otherwise.
-  unsigned char* SampleAt(unsigned int dwSamplePos, unsigned short wChannelNo,
-                          unsigned short wChannels);
+  // Where a sample lies, in bytes; none when the buffer does not hold it whole or the stored width
+  // is not 8, 16 or 32 bits.
+  std::optional<std::uint64_t> SampleOffset(unsigned int dwSamplePos, unsigned short wChannelNo,
+                                            unsigned short wChannels) const;
   // Little-endian units of up to four bytes, at any offset.
   unsigned int ReadUnit(std::uint64_t qwOffset, unsigned int cbUnit) const;
   void WriteUnit(std::uint64_t qwOffset, unsigned int cbUnit, unsigned int dwUnit,
