@@ -35,6 +35,8 @@ class C_CLCustomArray : public Interface {
   void RemoveItemByIndex(int nIndex) override { RemoveAt(nIndex, 1); }
   void RemoveAll() override {
     if constexpr (bOwn) {
+      // During destruction this is the size that this class knows, and that is meant.
+      // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall)
       for (int i = 0; i < this->GetSize(); ++i) delete GetAt(i);
     }
     m_items.clear();

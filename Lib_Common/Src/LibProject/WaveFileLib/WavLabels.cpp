@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "CLArray.h"
+#include "SampleRangeList.h"
 #include "SilenceSegment.h"
 #include "UncompressRegion.h"
 #include "VcmAssert.h"
@@ -163,9 +164,9 @@ class C_AnnotationReader {
     }
     const auto [dwStart, dwEnd] = Range(dwPosition, m_lengths.Find(dwID));
     if (label.eKind == S_Label::Kind::Silence)
-      m_silence.Add(new C_SilenceSegment(dwStart, dwEnd));
+      vcm::AppendRange(m_silence, dwStart, dwEnd);
     else
-      m_regions.Add(new C_UncompressRegion(dwStart, dwEnd));
+      vcm::AppendRange(m_regions, dwStart, dwEnd);
   }
 
   C_ByID m_positions;

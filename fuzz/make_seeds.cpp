@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Makes the inputs that the fuzzers start from, with the library's own writers, so that they begin
+// deep inside the formats: one folder per fuzzer. Run by scripts/fuzz.sh; by hand:
+//
+//   build/fuzz/bin/make_seeds build/fuzz/seeds
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ExampleSound.h"
+#include "FuzzFile.h"
+#include "KestrelCodec.h"
+#include "RiffFile.h"
+#include "SpHeader.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::array<unsigned int, 8> kEncodedRates = {7200,  9600,  12000, 14400,
+                                                       16000, 20000, 24000, 32000};
+
+class C_Seeds {
+ public:
+  explicit C_Seeds(std::string strRoot) : m_strRoot(std::move(strRoot)) {}
+
+  // The same input for each of these fuzzers.
+  void Add(std::initializer_list<const char*> fuzzers, std::span<const std::uint8_t> bytes) {
+    for (const char* pszFuzzer : fuzzers) {
+      const std::string strFolder = m_strRoot + "/" + pszFuzzer;
+      std::filesystem::create_directories(strFolder);
+      std::ofstream file(strFolder + "/" + std::to_string(m_nSeeds++), std::ios::binary);
+      file.write(reinterpret_cast<const char*>(bytes.data()),
+                 static_cast<std::streamsize>(bytes.size()));
+      if (!file.flush()) std::abort();
+    }
+  }
+  void AddText(std::initializer_list<const char*> fuzzers, const std::string& strText) {
+    Add(fuzzers, Bytes(strText.begin(), strText.end()));
+  }
+
+ private:
+  std::string m_strRoot;
+  int m_nSeeds = 0;
+};
+
+Bytes WaveFile(I_WavData& sound, tagAudioFileType eType) {
+  const C_FuzzFile file;
+  if (!sound.Convert(eType, file.Path(), true, false, nullptr, false, 0)) std::abort();
+  return file.Bytes();
+}
+
+// The payload of the first such chunk of a RIFF file.
+Bytes Payload(const Bytes& wave, const char* pszID) {
+  const C_FuzzFile file(wave);
+  C_RiffFile riff;
+  if (!riff.Open(file.Path(), "WAVE")) std::abort();
+  C_RiffChunk* pChunk = riff.FindChunk(pszID, 0);
+  if (pChunk == nullptr) std::abort();
+  Bytes payload(pChunk->GetDataLength());
+  if (!pChunk->GetData(payload.data(), pChunk->GetDataLength(), 0)) std::abort();
+  return payload;
+}
+
+void AddWaves(C_Seeds& seeds) {
+  constexpr std::array<std::pair<unsigned short, unsigned short>, 6> kWidths = {
+      {{8, 8}, {12, 16}, {16, 16}, {24, 24}, {24, 32}, {32, 32}}};
+  for (const auto& [wBits, wStoreBits] : kWidths) {
+    for (const unsigned short wChannels : {std::uint16_t{1}, std::uint16_t{2}, std::uint16_t{6}}) {
+      const C_SoundPtr sound = ExampleSound({11025, wChannels, wBits, wStoreBits}, 320);
+      seeds.Add({"wav_load", "factory"}, WaveFile(*sound, AUDIO_FILE_WAVE));
+      AddAnnotations(*sound);
+      seeds.Add({"wav_load", "factory", "riff_list"}, WaveFile(*sound, AUDIO_FILE_WAVE));
+      seeds.Add({"wav_load", "riff_list"}, WaveFile(*sound, AUDIO_FILE_VEMD));
+    }
+  }
+}
+
+void AddChunks(C_Seeds& seeds) {
+  const C_SoundPtr sound = ExampleSound({}, 320);
+  AddAnnotations(*sound);
+  const Bytes wave = WaveFile(*sound, AUDIO_FILE_WAVE);
+  seeds.Add({"adtl", "wav_write_read"}, Payload(wave, "LIST"));
+  seeds.Add({"smpl_cue", "wav_write_read"}, Payload(wave, "cue "));
+  seeds.Add({"smpl_cue", "wav_write_read"}, Payload(wave, "smpl"));
+  for (const char* pszLabel :
+       {"u_3_7", "u_65535_0", "u__", "e_196615", "VX_Silence", "VX_PCM", "cue_end", "u-_1e_2"})
+    seeds.AddText({"label_text"}, pszLabel);
+}
+
+Bytes KestrelStream(unsigned int dwBitRate, std::size_t nFrames) {
+  const C_SoundPtr sound = ExampleSound({}, nFrames * 320);
+  C_KestrelCodec codec;
+  unsigned char* pbyStream = nullptr;
+  unsigned int dwLength = 0;
+  if (!codec.LoadCodec(dwBitRate) ||
+      !codec.Encode(sound.get(), dwBitRate, &pbyStream, &dwLength, nullptr))
+    std::abort();
+  const std::unique_ptr<unsigned char[]> owner(pbyStream);
+  return {pbyStream, pbyStream + dwLength};
+}
+
+Bytes WithHeader(const Bytes& stream) {
+  C_SpHeader header;
+  header.SetID(AUDIO_FILE_KESTREL);
+  header.SetFreq(16000);
+  const C_FuzzFile source(stream);
+  const C_FuzzFile target;
+  if (!CopyWithSpHeader(source.Path(), target.Path(), header)) std::abort();
+  return target.Bytes();
+}
+
+void AddStreams(C_Seeds& seeds) {
+  constexpr std::size_t cbHead = 6;  // length and bit rate
+  for (const unsigned int dwBitRate : kEncodedRates) {
+    const Bytes stream = KestrelStream(dwBitRate, 4);
+    const std::span frames = std::span(stream).subspan(cbHead);
+    seeds.Add({"kestrel_stream"}, stream);
+    seeds.Add({"kestrel_stream", "kestrel_frame"}, Bytes(frames.begin(), frames.end()));
+    seeds.Add({"factory", "sp_header"}, WithHeader(stream));
+    // The rate, as fuzzers of the coder read it from the front of their input.
+    Bytes rated = {static_cast<std::uint8_t>(dwBitRate), static_cast<std::uint8_t>(dwBitRate >> 8)};
+    rated.insert(rated.end(), frames.begin(), frames.end());
+    seeds.Add({"kestrel_frame"}, rated);
+    rated.resize(2);
+    const Bytes pcm = ExamplePcm({}, 700);
+    rated.insert(rated.end(), pcm.begin(), pcm.end());
+    seeds.Add({"kestrel_encode_decode"}, rated);
+  }
+}
+
+void AddNames(C_Seeds& seeds) {
+  for (const char* pszName :
+       {"speech.kst", "SPEECH.WAV", "a.b.mp3", "no_extension", ".vea", "x.", "x.MID"})
+    seeds.AddText({"extension_table"}, pszName);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    static_cast<void>(std::fputs("usage: make_seeds FOLDER\n", stderr));
+    return EXIT_FAILURE;
+  }
+  C_Seeds seeds(argv[1]);
+  AddWaves(seeds);
+  AddChunks(seeds);
+  AddStreams(seeds);
+  AddNames(seeds);
+  return EXIT_SUCCESS;
+}

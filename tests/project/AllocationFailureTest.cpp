@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Every allocation fails in turn: an operation answers false or lets std::bad_alloc through, leaks
+// nothing, loses nothing, and works the next time.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <new>
+#include <string>
+#include <tuple>
+
+#include "FaultyNew.h"
+#include "SweptOperations.h"
+
+namespace {
+
+constexpr int kMaxAllocations = 200000;
+
+bool RunUnharmed(C_SweptOperation& operation) {
+  try {
+    return operation.Run();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+// False when the operation makes fewer than nCall allocations.
+bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn) {
+  operation.Prepare();
+  const std::ptrdiff_t nLiving = C_FaultyNew::Living();
+  C_FaultyNew faults(nCall, bFromThenOn);
+  const bool bRet = RunUnharmed(operation);
+  faults.Stop();
+  if (bRet) {
+    EXPECT_TRUE(operation.IsWhole());
+  } else {
+    EXPECT_TRUE(faults.WasHit());
+    EXPECT_TRUE(operation.IsSourceIntact());
+    EXPECT_TRUE(operation.Run());
+    EXPECT_TRUE(operation.IsWhole());
+  }
+  // Everything has been done once more by now, so all that may live is what lived before.
+  operation.Prepare();
+  EXPECT_EQ(C_FaultyNew::Living(), nLiving);
+  return faults.WasHit();
+}
+
+class AllocationFailureTest : public testing::TestWithParam<std::tuple<std::string, bool>> {
+ protected:
+  C_TempFolder m_folder;
+};
+
+TEST_P(AllocationFailureTest, EachAllocationFailing_LeaksAndLosesNothing) {
+  const auto& [strName, bFromThenOn] = GetParam();
+  const auto operation = MakeSweptOperation(strName, m_folder);
+  int nCall = 1;
+  while (nCall < kMaxAllocations && RunWithFault(*operation, nCall, bFromThenOn)) {
+    ASSERT_FALSE(HasFailure()) << "at allocation " << nCall;
+    ++nCall;
+  }
+  // Stripping a header copies through a buffer on the stack.
+  EXPECT_GT(nCall, strName == "StripHeader" ? 0 : 1) << "no allocation is seen";
+  EXPECT_LT(nCall, kMaxAllocations);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, AllocationFailureTest,
+                         testing::Combine(testing::ValuesIn(SweptOperationNames()),
+                                          testing::Bool()),
+                         [](const auto& parameters) {
+                           return std::get<0>(parameters.param) +
+                                  (std::get<1>(parameters.param) ? "_FromThenOn" : "_Once");
+                         });
+
+}  // namespace

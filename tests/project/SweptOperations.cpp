@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SweptOperations.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <span>
+
+#include "DecodeToWav.h"
+#include "ExampleSound.h"
+#include "SpHeader.h"
+#include "WavFileFormat.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+constexpr std::size_t kFrames = 960;
+
+struct S_FileReleaser {
+  void operator()(I_WavFile* pIFile) const { pIFile->Release(); }
+};
+
+C_SpHeader KestrelHeader() {
+  C_SpHeader header;
+  header.SetID(AUDIO_FILE_KESTREL);
+  header.SetFreq(16000);
+  return header;
+}
+
+C_SoundPtr AnnotatedSound() {
+  C_SoundPtr sound = ExampleSound({}, kFrames);
+  AddAnnotations(*sound);
+  return sound;
+}
+
+bool Write(I_WavData& sound, tagAudioFileType eType, const std::string& strPath) {
+  return sound.Convert(eType, strPath.c_str(), true, false, nullptr, true, 0);
+}
+
+Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
+  const C_TempFolder folder;
+  const std::string strPath = folder.Path("made");
+  if (!Write(sound, eType, strPath)) std::abort();
+  if (eType == AUDIO_FILE_KESTREL && !PrependSpHeader(KestrelHeader(), strPath.c_str()))
+    std::abort();
+  return folder.Read("made");
+}
+
+// Loads a file by the factory.
+class C_LoadOperation : public C_SweptOperation {
+ public:
+  C_LoadOperation(const C_TempFolder& folder, tagAudioFileType eType) : C_SweptOperation(folder) {
+    m_source = FileOf(*AnnotatedSound(), eType);
+    Prepare();
+    if (!C_LoadOperation::Run()) std::abort();
+    m_pcm = Pcm();
+    m_nEvents = Events();
+  }
+  bool Run() override {
+    C_WavFileFormat format;
+    m_file.reset(format.CreateWavFile(Source().c_str(), true, true, nullptr, nullptr));
+    return m_file != nullptr;
+  }
+  bool IsWhole() override { return Pcm() == m_pcm && Events() == m_nEvents; }
+  // Never more than there is; samples whose bytes could not be read are silent.
+  bool IsCutShort() override { return Pcm().size() <= m_pcm.size() && Events() <= m_nEvents; }
+
+ private:
+  void Forget() override { m_file.reset(); }
+  [[nodiscard]] Bytes Pcm() const {
+    const std::span pcm(m_file->GetWavDataBuffer(), m_file->GetWavInfo()->GetByteLength());
+    return pcm.data() == nullptr ? Bytes() : Bytes(pcm.begin(), pcm.end());
+  }
+  [[nodiscard]] int Events() const {
+    return m_file->GetWavData()->GetEventTagMgr()->GetEventList()->GetSize();
+  }
+
+  std::unique_ptr<I_WavFile, S_FileReleaser> m_file;
+  Bytes m_pcm;
+  int m_nEvents = 0;
+};
+
+// Writes a sound as a file.
+class C_SaveOperation : public C_SweptOperation {
+ public:
+  C_SaveOperation(const C_TempFolder& folder, tagAudioFileType eType)
+      : C_SweptOperation(folder), m_eType(eType) {
+    Prepare();
+    if (!C_SaveOperation::Run()) std::abort();
+    m_expected = ReadTarget();
+  }
+  bool Run() override { return Write(*m_sound, m_eType, Target()); }
+  bool IsWhole() override { return ReadTarget() == m_expected; }
+
+ private:
+  tagAudioFileType m_eType;
+  C_SoundPtr m_sound = AnnotatedSound();
+  Bytes m_expected;
+};
+
+// Makes one file from another by one call.
+class C_FileOperation : public C_SweptOperation {
+ public:
+  // Stripping a header reports whether its target could be opened, and no more than that.
+  enum class Reports { AllThatWasDone, OnlyTheOpening };
+  using Action = std::function<bool(C_FileOperation&)>;
+  C_FileOperation(const C_TempFolder& folder, Bytes source, Action action, Reports eReports)
+      : C_SweptOperation(folder), m_action(std::move(action)), m_eReports(eReports) {
+    m_source = std::move(source);
+    Prepare();
+    if (!C_FileOperation::Run()) std::abort();
+    m_expected = Result();
+  }
+  bool Run() override { return m_action(*this); }
+  bool IsWhole() override {
+    return m_eReports == Reports::OnlyTheOpening ? IsCutShort() : Result() == m_expected;
+  }
+  // A header that could not be read is not recognised, and stays in front of the copy.
+  bool IsCutShort() override {
+    return Result().size() <= std::max(m_source.size(), m_expected.size());
+  }
+
+ private:
+  // An operation without a target changes its source.
+  [[nodiscard]] Bytes Result() const {
+    return std::filesystem::exists(Target()) ? ReadTarget() : ReadSource();
+  }
+  Action m_action;
+  Reports m_eReports;
+  Bytes m_expected;
+};
+
+bool Prepend(C_FileOperation& operation) {
+  return PrependSpHeader(KestrelHeader(), operation.Source().c_str());
+}
+
+bool Strip(C_FileOperation& operation) {
+  C_SpHeader header;
+  return StripSpHeader(&header, operation.Source().c_str(), operation.Target().c_str());
+}
+
+bool CopyWithHeader(C_FileOperation& operation) {
+  return CopyWithSpHeader(operation.Source().c_str(), operation.Target().c_str(), KestrelHeader());
+}
+
+bool DecodeForPlayer(C_FileOperation& operation) {
+  return DecodeToWav(operation.Source().c_str(), operation.Target().c_str()) == 0;
+}
+
+Bytes BareKestrel() {
+  Bytes bytes = FileOf(*AnnotatedSound(), AUDIO_FILE_KESTREL);
+  bytes.erase(bytes.begin(), bytes.begin() + C_SpHeader::kBytes);
+  return bytes;
+}
+
+using Maker = std::function<std::unique_ptr<C_SweptOperation>(const C_TempFolder&)>;
+
+Maker Load(tagAudioFileType eType) {
+  return [=](const auto& folder) { return std::make_unique<C_LoadOperation>(folder, eType); };
+}
+Maker Save(tagAudioFileType eType) {
+  return [=](const auto& folder) { return std::make_unique<C_SaveOperation>(folder, eType); };
+}
+Maker Files(Bytes (*pfnSource)(), bool (*pfnAction)(C_FileOperation&),
+            C_FileOperation::Reports eReports = C_FileOperation::Reports::AllThatWasDone) {
+  return [=](const auto& folder) {
+    return std::make_unique<C_FileOperation>(folder, pfnSource(), pfnAction, eReports);
+  };
+}
+Bytes KestrelFile() { return FileOf(*AnnotatedSound(), AUDIO_FILE_KESTREL); }
+
+const std::map<std::string, Maker>& Makers() {
+  static const std::map<std::string, Maker> makers = {
+      {"LoadWave", Load(AUDIO_FILE_WAVE)},
+      {"LoadVemd", Load(AUDIO_FILE_VEMD)},
+      {"LoadKestrel", Load(AUDIO_FILE_KESTREL)},
+      {"SaveWave", Save(AUDIO_FILE_WAVE)},
+      {"SaveVemd", Save(AUDIO_FILE_VEMD)},
+      {"SaveKestrel", Save(AUDIO_FILE_KESTREL)},
+      {"PrependHeader", Files(BareKestrel, Prepend)},
+      {"StripHeader", Files(KestrelFile, Strip, C_FileOperation::Reports::OnlyTheOpening)},
+      {"CopyWithHeader", Files(BareKestrel, CopyWithHeader)},
+      {"DecodeKestrelForPlayer", Files(KestrelFile, DecodeForPlayer)},
+      {"DecodeBareKestrelForPlayer", Files(BareKestrel, DecodeForPlayer)},
+  };
+  return makers;
+}
+
+}  // namespace
+
+void C_SweptOperation::Prepare() {
+  Forget();
+  std::filesystem::remove(m_strTarget);
+  m_folder.Write("source", m_source);
+}
+
+std::vector<std::string> SweptOperationNames() {
+  std::vector<std::string> names;
+  for (const auto& [strName, maker] : Makers()) names.push_back(strName);
+  return names;
+}
+
+std::unique_ptr<C_SweptOperation> MakeSweptOperation(const std::string& strName,
+                                                     const C_TempFolder& folder) {
+  return Makers().at(strName)(folder);
+}

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Makes calls of the C library's file functions fail on purpose. A program that links
+// voxplay_faulty_io has open, fopen, fdopen, fread, fwrite, fseeko, ftello, fflush, fsync, fclose
+// and rename (those that its own objects call) replaced at link time by versions that count, and
+// that fail when they are told to.
+//
+//   C_FaultyIo faults({.nCall = 7});          // the 7th call from here fails, once
+//   const bool bRet = OperationUnderTest();
+//   faults.Stop();
+//   EXPECT_FALSE(bRet && faults.WasHit()); ...
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct S_IoFault {
+  int nCall = 0;             // which call is hit, counted from 1; 0: none
+  bool bFromThenOn = false;  // every later one as well
+  bool bCutShort = false;    // a transfer of bytes does half of what it was asked, and says so
+};
+
+// One at a time, and for calls of one thread at a time.
+class C_FaultyIo {
+ public:
+  explicit C_FaultyIo(S_IoFault fault);
+  ~C_FaultyIo();
+  C_FaultyIo(const C_FaultyIo&) = delete;
+  C_FaultyIo& operator=(const C_FaultyIo&) = delete;
+
+  // The library works again; what was recorded stays.
+  void Stop();
+
+  [[nodiscard]] bool WasHit() const;
+  // The first failing call was to read, to open for reading, or about a position.
+  [[nodiscard]] bool WasHitReading() const;
+  // The file that the first failing call worked on; empty when that is not known.
+  [[nodiscard]] const std::string& Victim() const;
+  // Every file that was opened for writing or created.
+  [[nodiscard]] const std::vector<std::string>& Written() const;
+};
