@@ -39,7 +39,6 @@ enum : AudioUnitScope {
 };
 
 enum : AudioUnitPropertyID {
-  kAudioUnitProperty_SampleRate = 2,                 // Float64
   kAudioUnitProperty_StreamFormat = 8,               // AudioStreamBasicDescription
   kAudioUnitProperty_AudioChannelLayout = 19,        // AudioChannelLayout
   kAudioUnitProperty_SetRenderCallback = 23,         // AURenderCallbackStruct

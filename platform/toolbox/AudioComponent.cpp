@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "AudioComponent.h"
+
+#include <AudioToolbox/AudioUnit.h>
+
+#include <array>
+#include <mutex>
+
+#include "CubebDevice.h"
+#include "FilePlayerUnit.h"
+#include "HandleTable.h"
+#include "OutputUnit.h"
+
+// What an AudioComponent points to: an entry of the fixed table below.
+struct OpaqueAudioComponent {
+  AudioComponentDescription description;
+  std::shared_ptr<toolbox::C_Unit> (*pCreate)();
+};
+
+namespace toolbox {
+namespace {
+
+C_HandleTable<AudioUnit, C_Unit>& Units() {
+  // Never destroyed: late callers still find a table.
+  static auto& table = *new C_HandleTable<AudioUnit, C_Unit>;
+  return table;
+}
+
+struct S_OpenDevice {
+  std::mutex lock;
+  OpenDeviceFunction open;
+};
+
+S_OpenDevice& OpenDevice() {
+  static auto& openDevice = *new S_OpenDevice;
+  return openDevice;
+}
+
+std::shared_ptr<C_Unit> CreateOutput() {
+  S_OpenDevice& device = OpenDevice();
+  const std::lock_guard lock(device.lock);
+  if (device.open) return std::make_shared<C_OutputUnit>(device.open);
+  return std::make_shared<C_OutputUnit>([](const S_OutputFormat& format, I_DeviceClient& client) {
+    return OpenCubebDevice(format, client);
+  });
+}
+
+std::shared_ptr<C_Unit> CreateFilePlayer() { return std::make_shared<C_FilePlayerUnit>(); }
+
+std::array<OpaqueAudioComponent, 2>& Components() {
+  static std::array<OpaqueAudioComponent, 2> components = {
+      OpaqueAudioComponent{{kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput,
+                            kAudioUnitManufacturer_Apple, 0, 0},
+                           &CreateOutput},
+      OpaqueAudioComponent{{kAudioUnitType_Generator, kAudioUnitSubType_AudioFilePlayer,
+                            kAudioUnitManufacturer_Apple, 0, 0},
+                           &CreateFilePlayer}};
+  return components;
+}
+
+bool IsComponent(AudioComponent component) {
+  for (const OpaqueAudioComponent& known : Components()) {
+    if (&known == component) return true;
+  }
+  return false;
+}
+
+bool Fits(OSType dwHas, OSType dwWanted) { return dwWanted == 0 || dwWanted == dwHas; }
+
+bool Matches(const AudioComponentDescription& has, const AudioComponentDescription& wanted) {
+  return Fits(has.componentType, wanted.componentType) &&
+         Fits(has.componentSubType, wanted.componentSubType) &&
+         Fits(has.componentManufacturer, wanted.componentManufacturer) &&
+         (wanted.componentFlags & wanted.componentFlagsMask) == 0;
+}
+
+}  // namespace
+
+std::shared_ptr<C_Unit> FindUnit(AudioUnit unit) { return Units().Find(unit); }
+
+void SetOpenDevice(OpenDeviceFunction open) {
+  S_OpenDevice& device = OpenDevice();
+  const std::lock_guard lock(device.lock);
+  device.open = std::move(open);
+}
+
+}  // namespace toolbox
+
+extern "C" {
+
+AudioComponent AudioComponentFindNext(AudioComponent component,
+                                      const AudioComponentDescription* pDescription) {
+  if (pDescription == nullptr) return nullptr;
+  bool bBehind = component == nullptr;
+  for (OpaqueAudioComponent& known : toolbox::Components()) {
+    if (bBehind && toolbox::Matches(known.description, *pDescription)) return &known;
+    if (&known == component) bBehind = true;
+  }
+  return nullptr;
+}
+
+OSStatus AudioComponentGetDescription(AudioComponent component,
+                                      AudioComponentDescription* pDescription) {
+  if (pDescription == nullptr || !toolbox::IsComponent(component)) return kAudio_ParamError;
+  *pDescription = component->description;
+  return noErr;
+}
+
+OSStatus AudioComponentInstanceNew(AudioComponent component, AudioComponentInstance* pInstance) {
+  if (pInstance == nullptr) return kAudio_ParamError;
+  *pInstance = nullptr;
+  if (!toolbox::IsComponent(component)) return kAudio_ParamError;
+  *pInstance = toolbox::Units().Insert(component->pCreate());
+  return noErr;
+}
+
+OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance) {
+  const auto pUnit = toolbox::Units().Remove(instance);
+  return pUnit != nullptr ? pUnit->Uninitialize() : OSStatus{kAudio_ParamError};
+}
+
+}  // extern "C"

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "AudioFile.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ChannelMap.h"
+
+namespace toolbox {
+
+OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>& pFile) {
+  pFile.reset();
+  std::shared_ptr<C_AudioFile> pNew(new C_AudioFile);
+  OSStatus nStatus = pNew->m_descriptor.Open(path);
+  if (nStatus == noErr) nStatus = pNew->OpenContent();
+  if (nStatus == noErr) pFile = std::move(pNew);
+  return nStatus;
+}
+
+OSStatus C_AudioFile::OpenContent() {
+  m_pSound.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
+  if (m_pSound == nullptr) return kAudioFileUnsupportedFileTypeError;
+  if (m_info.channels <= 0 || m_info.samplerate <= 0 || m_info.frames < 0) {
+    return kAudioFileInvalidFileError;
+  }
+  const auto format = DescribeAudioFile(m_pSound.get(), m_info, m_descriptor);
+  if (!format) return kAudioFileInvalidFileError;
+  m_format = *format;
+  m_layout = ReadChannelLayout(m_pSound.get(), m_info.channels);
+  return noErr;
+}
+
+std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples) {
+  const std::lock_guard lock(m_readLock);
+  if (nFrom != m_nPosition) {
+    m_nPosition = sf_seek(m_pSound.get(), nFrom, SEEK_SET);
+    if (m_nPosition != nFrom) return 0;
+  }
+  const sf_count_t nRead =
+      sf_readf_float(m_pSound.get(), pSamples, static_cast<sf_count_t>(nFrames));
+  if (nRead <= 0) return 0;
+  m_nPosition += nRead;
+  return static_cast<std::size_t>(nRead);
+}
+
+OSStatus C_AudioFile::ReadPackets(SInt64 nFrom, UInt32& dwPackets, UInt32& cbData, void* pBuffer) {
+  const UInt32 cbRoom = std::exchange(cbData, 0);
+  const UInt32 dwWanted = std::exchange(dwPackets, 0);
+  const UInt32 cbPacket = m_format.desc.mBytesPerPacket;
+  if (m_format.desc.mFramesPerPacket != 1 || cbPacket == 0) {
+    return kAudioFileOperationNotSupportedError;
+  }
+  if (nFrom < 0) return kAudioFileInvalidPacketOffsetError;
+  if (static_cast<UInt64>(nFrom) >= m_format.qwPackets) return kAudioFileEndOfFileError;
+
+  const UInt64 qwLeft = m_format.qwPackets - static_cast<UInt64>(nFrom);
+  const UInt64 qwTake = std::min({qwLeft, UInt64{dwWanted}, UInt64{cbRoom / cbPacket}});
+  const std::lock_guard lock(m_readLock);
+  m_nPosition = -1;
+  if (sf_seek(m_pSound.get(), nFrom, SEEK_SET) != nFrom) return kAudioFilePositionError;
+  const sf_count_t cbRead =
+      sf_read_raw(m_pSound.get(), pBuffer, static_cast<sf_count_t>(qwTake * cbPacket));
+  dwPackets = static_cast<UInt32>(std::max<sf_count_t>(cbRead, 0)) / cbPacket;
+  cbData = dwPackets * cbPacket;
+  return noErr;
+}
+
+}  // namespace toolbox

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "AudioFileFormat.h"
+
+#include "MpegInfo.h"
+#include "WavBlocks.h"
+
+namespace toolbox {
+namespace {
+
+struct S_SampleFormat {
+  AudioFormatID dwFormat;
+  AudioFormatFlags dwFlags;
+  UInt32 dwBits;
+};
+
+// The formats whose packet is one frame of whole samples.
+std::optional<S_SampleFormat> SampleFormatOf(int nSubtype) {
+  constexpr AudioFormatFlags kPacked = kAudioFormatFlagIsPacked;
+  constexpr AudioFormatFlags kSigned = kAudioFormatFlagIsSignedInteger | kPacked;
+  constexpr AudioFormatFlags kFloat = kAudioFormatFlagIsFloat | kPacked;
+  switch (nSubtype) {
+    case SF_FORMAT_PCM_U8:
+      return S_SampleFormat{kAudioFormatLinearPCM, kPacked, 8};
+    case SF_FORMAT_PCM_S8:
+      return S_SampleFormat{kAudioFormatLinearPCM, kSigned, 8};
+    case SF_FORMAT_PCM_16:
+      return S_SampleFormat{kAudioFormatLinearPCM, kSigned, 16};
+    case SF_FORMAT_PCM_24:
+      return S_SampleFormat{kAudioFormatLinearPCM, kSigned, 24};
+    case SF_FORMAT_PCM_32:
+      return S_SampleFormat{kAudioFormatLinearPCM, kSigned, 32};
+    case SF_FORMAT_FLOAT:
+      return S_SampleFormat{kAudioFormatLinearPCM, kFloat, 32};
+    case SF_FORMAT_DOUBLE:
+      return S_SampleFormat{kAudioFormatLinearPCM, kFloat, 64};
+    case SF_FORMAT_ULAW:
+      return S_SampleFormat{kAudioFormatULaw, 0, 8};
+    case SF_FORMAT_ALAW:
+      return S_SampleFormat{kAudioFormatALaw, 0, 8};
+    default:
+      return std::nullopt;
+  }
+}
+
+AudioStreamBasicDescription StreamOf(const SF_INFO& info, AudioFormatID dwFormat) {
+  AudioStreamBasicDescription desc{};
+  desc.mSampleRate = info.samplerate;
+  desc.mFormatID = dwFormat;
+  desc.mChannelsPerFrame = static_cast<UInt32>(info.channels);
+  return desc;
+}
+
+S_AudioFileFormat DescribeSamples(SNDFILE* pSound, const SF_INFO& info,
+                                  const S_SampleFormat& sample) {
+  S_AudioFileFormat format{StreamOf(info, sample.dwFormat), static_cast<UInt64>(info.frames)};
+  auto& desc = format.desc;
+  desc.mFormatFlags = sample.dwFlags;
+  desc.mBitsPerChannel = sample.dwBits;
+  desc.mBytesPerFrame = sample.dwBits / 8 * desc.mChannelsPerFrame;
+  desc.mFramesPerPacket = 1;
+  desc.mBytesPerPacket = desc.mBytesPerFrame;
+  const bool bSwapped =
+      sf_command(pSound, SFC_RAW_DATA_NEEDS_ENDSWAP, nullptr, 0) == SF_TRUE && sample.dwBits > 8;
+  if (bSwapped) desc.mFormatFlags |= kAudioFormatFlagIsBigEndian;
+  return format;
+}
+
+AudioFormatID MpegFormatOf(int nSubtype) {
+  if (nSubtype == SF_FORMAT_MPEG_LAYER_I) return kAudioFormatMPEGLayer1;
+  if (nSubtype == SF_FORMAT_MPEG_LAYER_II) return kAudioFormatMPEGLayer2;
+  return kAudioFormatMPEGLayer3;
+}
+
+std::optional<S_AudioFileFormat> DescribeMpeg(const SF_INFO& info, const C_FileDescriptor& file) {
+  const auto mpeg = ScanMpeg(file);
+  if (!mpeg) return std::nullopt;
+  S_AudioFileFormat format{StreamOf(info, MpegFormatOf(info.format & SF_FORMAT_SUBMASK)),
+                           mpeg->qwFrames};
+  format.desc.mFramesPerPacket = mpeg->dwSamplesPerFrame;
+  return format;
+}
+
+// Block codecs in WAV carry "ms" and the tag of their format chunk as format code.
+S_AudioFileFormat DescribeBlocks(const SF_INFO& info, const S_WavBlocks& blocks) {
+  S_AudioFileFormat format{StreamOf(info, FourChars("ms\0\0") | blocks.wFormatTag),
+                           blocks.qwDataBytes / blocks.wBlockAlign};
+  format.desc.mBytesPerPacket = blocks.wBlockAlign;
+  const UInt64 qwBlocks = (blocks.qwDataBytes + blocks.wBlockAlign - 1) / blocks.wBlockAlign;
+  if (qwBlocks != 0) {
+    format.desc.mFramesPerPacket = static_cast<UInt32>(static_cast<UInt64>(info.frames) / qwBlocks);
+  }
+  return format;
+}
+
+bool IsWav(const SF_INFO& info) {
+  const int nType = info.format & SF_FORMAT_TYPEMASK;
+  return nType == SF_FORMAT_WAV || nType == SF_FORMAT_WAVEX;
+}
+
+S_AudioFileFormat DescribeDecodedFrames(const SF_INFO& info) {
+  const bool bFlac = (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC;
+  S_AudioFileFormat format{StreamOf(info, bFlac ? AudioFormatID{kAudioFormatFLAC} : 0),
+                           static_cast<UInt64>(info.frames)};
+  format.desc.mFramesPerPacket = 1;
+  return format;
+}
+
+}  // namespace
+
+std::optional<S_AudioFileFormat> DescribeAudioFile(SNDFILE* pSound, const SF_INFO& info,
+                                                   const C_FileDescriptor& file) {
+  const int nSubtype = info.format & SF_FORMAT_SUBMASK;
+  if ((info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_MPEG) return DescribeMpeg(info, file);
+  if (const auto sample = SampleFormatOf(nSubtype)) return DescribeSamples(pSound, info, *sample);
+  if (IsWav(info)) {
+    const auto blocks = ReadWavBlocks(file);
+    if (!blocks) return std::nullopt;
+    return DescribeBlocks(info, *blocks);
+  }
+  return DescribeDecodedFrames(info);
+}
+
+}  // namespace toolbox

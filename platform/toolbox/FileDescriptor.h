@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <AudioToolbox/AudioFile.h>
+
+#include <cstddef>
+#include <string>
+
+namespace toolbox {
+
+// An open regular file. Reads go by position and leave the descriptor's own offset alone, so
+// several readers can share it.
+class C_FileDescriptor {
+ public:
+  C_FileDescriptor() noexcept = default;
+  ~C_FileDescriptor();
+  C_FileDescriptor(const C_FileDescriptor&) = delete;
+  C_FileDescriptor& operator=(const C_FileDescriptor&) = delete;
+
+  // 0, kAudioFileFileNotFoundError, kAudioFilePermissionsError, or
+  // kAudioFileUnsupportedFileTypeError for what is no regular file. Never waits, not even for a
+  // pipe.
+  OSStatus Open(const std::string& path);
+  [[nodiscard]] int Get() const noexcept { return m_fd; }
+  [[nodiscard]] UInt64 Size() const noexcept { return m_cbSize; }
+  // Bytes copied; fewer than asked only at the end of the file or on a read error.
+  std::size_t ReadAt(UInt64 qwOffset, void* pBuffer, std::size_t cbWanted) const;
+
+ private:
+  int m_fd = -1;
+  UInt64 m_cbSize = 0;
+};
+
+}  // namespace toolbox

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <AudioToolbox/BaseTypes.h>
+
+#include <functional>
+#include <memory>
+
+namespace toolbox {
+
+// What a device is asked to play: interleaved frames of signed 16-bit or 32-bit float samples in
+// the machine's byte order.
+struct S_OutputFormat {
+  UInt32 dwRate = 0;
+  UInt32 dwChannels = 0;
+  bool bFloat = false;
+
+  [[nodiscard]] std::size_t FrameBytes() const noexcept {
+    return dwChannels * (bFloat ? sizeof(float) : sizeof(SInt16));
+  }
+};
+
+// Who a device plays for. Both calls come from a thread of the device.
+class I_DeviceClient {
+ public:
+  // Fills `dwFrames` frames; the memory is zero on entry.
+  virtual void RenderFrames(void* pFrames, UInt32 dwFrames) = 0;  // 1
+  // The device will ask for nothing any more, although nobody stopped it.
+  virtual void DeviceLost() = 0;  // 2
+
+ protected:
+  ~I_DeviceClient() = default;
+};
+
+// A device that is open and plays between `Start` and `Stop`; it can be started again.
+class I_OutputDevice {
+ public:
+  virtual ~I_OutputDevice() = default;
+  // False when the device cannot play (any more).
+  virtual bool Start() = 0;  // 1
+  // Returns when everything rendered so far has been heard, and asks for nothing afterwards.
+  virtual void Stop() = 0;  // 2
+};
+
+// Opens the default device of the machine; null when there is none. The client outlives the device.
+using OpenDeviceFunction =
+    std::function<std::unique_ptr<I_OutputDevice>(const S_OutputFormat&, I_DeviceClient&)>;
+
+}  // namespace toolbox
