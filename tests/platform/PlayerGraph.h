@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A file-player graph as the player builds it, taken apart again at the end.
+#pragma once
+
+#include <AudioToolbox/AudioToolbox.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "CAAudioUnit.h"
+
+class C_PlayerGraph {
+ public:
+  explicit C_PlayerGraph(AudioFileID audioFile) : m_audioFile(audioFile) {
+    const AudioComponentDescription output = {
+        kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput, kAudioUnitManufacturer_Apple, 0, 0};
+    const AudioComponentDescription player = {kAudioUnitType_Generator,
+                                              kAudioUnitSubType_AudioFilePlayer,
+                                              kAudioUnitManufacturer_Apple, 0, 0};
+    EXPECT_EQ(noErr, NewAUGraph(&m_graph));
+    EXPECT_EQ(noErr, AUGraphAddNode(m_graph, &output, &m_outputNode));
+    EXPECT_EQ(noErr, AUGraphAddNode(m_graph, &player, &m_playerNode));
+    EXPECT_EQ(noErr, AUGraphOpen(m_graph));
+    AudioUnit unit = nullptr;
+    EXPECT_EQ(noErr, AUGraphNodeInfo(m_graph, m_playerNode, nullptr, &unit));
+    m_player = CAAudioUnit(m_playerNode, unit);
+    EXPECT_EQ(noErr, m_player.SetNumberChannels(kAudioUnitScope_Output, 0, 2));
+    EXPECT_EQ(noErr, m_player.SetSampleRate(kAudioUnitScope_Output, 0, 44100.0));
+    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduledFileIDs, m_audioFile));
+    EXPECT_EQ(noErr, AUGraphConnectNodeInput(m_graph, m_playerNode, 0, m_outputNode, 0));
+    EXPECT_EQ(noErr, AUGraphInitialize(m_graph));
+    EXPECT_EQ(noErr, AUGraphAddRenderNotify(m_graph, &OnRender, this));
+  }
+  ~C_PlayerGraph() {
+    EXPECT_EQ(noErr, AUGraphStop(m_graph));
+    EXPECT_EQ(noErr, AUGraphUninitialize(m_graph));
+    EXPECT_EQ(noErr, AudioFileClose(m_audioFile));
+    EXPECT_EQ(noErr, AUGraphClose(m_graph));
+    EXPECT_EQ(noErr, DisposeAUGraph(m_graph));
+  }
+  C_PlayerGraph(const C_PlayerGraph&) = delete;
+  C_PlayerGraph& operator=(const C_PlayerGraph&) = delete;
+
+  [[nodiscard]] AUGraph Graph() const { return m_graph; }
+  [[nodiscard]] const CAAudioUnit& Player() const { return m_player; }
+
+  template <typename T>
+  OSStatus SetGlobal(AudioUnitPropertyID dwID, const T& value) const {
+    return m_player.SetProperty(dwID, kAudioUnitScope_Global, 0, &value, sizeof value);
+  }
+  // The whole file from its first frame, at the next cycle.
+  void Schedule(UInt32 dwFrames) const {
+    ScheduledAudioFileRegion region{};
+    region.mTimeStamp.mFlags = kAudioTimeStampSampleTimeValid;
+    region.mAudioFile = m_audioFile;
+    region.mFramesToPlay = dwFrames;
+    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduledFileRegion, region));
+    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}));
+    AudioTimeStamp start{};
+    start.mFlags = kAudioTimeStampSampleTimeValid;
+    start.mSampleTime = -1.0;
+    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduleStartTimeStamp, start));
+  }
+  // Sample time of the latest finished cycle.
+  [[nodiscard]] double Position() const { return m_dPosition; }
+  void Start() const { EXPECT_EQ(noErr, AUGraphStart(m_graph)); }
+  void Stop() const { EXPECT_EQ(noErr, AUGraphStop(m_graph)); }
+  // Waits for the position, as long as that can reasonably take. False when it was not reached.
+  [[nodiscard]] bool WaitFor(double dPosition) const {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (m_dPosition < dPosition) {
+      if (std::chrono::steady_clock::now() > limit) return false;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+  }
+
+ private:
+  static OSStatus OnRender(void* pThis, AudioUnitRenderActionFlags* pdwFlags,
+                           const AudioTimeStamp* pStamp, UInt32, UInt32, AudioBufferList*) {
+    if ((*pdwFlags & kAudioUnitRenderAction_PostRender) != 0) {
+      static_cast<C_PlayerGraph*>(pThis)->m_dPosition = pStamp->mSampleTime;
+    }
+    return noErr;
+  }
+
+  AudioFileID m_audioFile;
+  AUGraph m_graph = nullptr;
+  AUNode m_outputNode = 0;
+  AUNode m_playerNode = 0;
+  CAAudioUnit m_player;
+  std::atomic<double> m_dPosition{0};
+};

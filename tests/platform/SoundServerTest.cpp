@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a real sound server hears when the toolbox plays.
+#include <gtest/gtest.h>
+#include <soxr.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+#include "CubebDevice.h"
+#include "PlayerGraph.h"
+#include "SoundFiles.h"
+#include "SoundServer.h"
+#include "TempFolder.h"
+#include "TestSounds.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+// Speech as the real-time mode plays it: 16 kHz, 16 bits, mono, handed out by a render callback.
+class C_PcmOutput {
+ public:
+  explicit C_PcmOutput(std::vector<std::int16_t> samples) : m_samples(std::move(samples)) {
+    const AudioComponentDescription description = {
+        kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput, kAudioUnitManufacturer_Apple, 0, 0};
+    EXPECT_EQ(noErr,
+              AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit));
+    const AudioStreamBasicDescription format = {16000, kAudioFormatLinearPCM, 12, 2, 1, 2, 1, 16,
+                                                0};
+    EXPECT_EQ(noErr, AudioUnitSetProperty(m_unit, kAudioUnitProperty_StreamFormat,
+                                          kAudioUnitScope_Input, 0, &format, sizeof format));
+    const AURenderCallbackStruct callback = {&OnRender, this};
+    EXPECT_EQ(noErr, AudioUnitSetProperty(m_unit, kAudioUnitProperty_SetRenderCallback,
+                                          kAudioUnitScope_Input, 0, &callback, sizeof callback));
+    EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
+  }
+  ~C_PcmOutput() {
+    EXPECT_EQ(noErr, AudioUnitUninitialize(m_unit));
+    EXPECT_EQ(noErr, AudioComponentInstanceDispose(m_unit));
+  }
+  C_PcmOutput(const C_PcmOutput&) = delete;
+  C_PcmOutput& operator=(const C_PcmOutput&) = delete;
+
+  void Start() const { EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit)); }
+  void Stop() const { EXPECT_EQ(noErr, AudioOutputUnitStop(m_unit)); }
+  void Rewind() { m_nNext = 0; }
+  [[nodiscard]] bool WaitForSamples(std::size_t nSamples) const {
+    const auto limit = Clock::now() + 20s;
+    while (m_nNext < nSamples && Clock::now() < limit) std::this_thread::sleep_for(2ms);
+    return m_nNext >= nSamples;
+  }
+  void PlayAll() {
+    Rewind();
+    Start();
+    EXPECT_TRUE(WaitForSamples(m_samples.size()));
+    Stop();
+  }
+
+ private:
+  static OSStatus OnRender(void* pThis, AudioUnitRenderActionFlags*, const AudioTimeStamp*, UInt32,
+                           UInt32, AudioBufferList* pData) {
+    auto& output = *static_cast<C_PcmOutput*>(pThis);
+    const std::size_t nNext = output.m_nNext;
+    const std::size_t nWanted = pData->mBuffers[0].mDataByteSize / sizeof(std::int16_t);
+    const std::size_t nTake = std::min(nWanted, output.m_samples.size() - nNext);
+    std::copy_n(output.m_samples.data() + nNext, nTake,
+                static_cast<std::int16_t*>(pData->mBuffers[0].mData));
+    output.m_nNext = nNext + nTake;
+    return noErr;
+  }
+
+  const std::vector<std::int16_t> m_samples;
+  std::atomic<std::size_t> m_nNext{0};
+  AudioUnit m_unit = nullptr;
+};
+
+// The whole sound converted at once, by the same filter: what a listener of the graph must hear.
+std::vector<float> ConvertedAtOnce(const std::vector<float>& input, double dFrom, double dTo) {
+  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
+  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+  std::vector<float> output(
+      static_cast<std::size_t>(static_cast<double>(input.size()) * dTo / dFrom) + 16);
+  std::size_t nDone = 0;
+  EXPECT_EQ(nullptr, soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
+                                  output.size(), &nDone, &io, &quality, nullptr));
+  output.resize(nDone);
+  return output;
+}
+
+std::vector<float> AsFloat(const std::vector<std::int16_t>& samples) {
+  std::vector<float> result;
+  for (const std::int16_t nSample : samples) result.push_back(static_cast<float>(nSample) / 32768);
+  return result;
+}
+
+std::vector<float> OnBothSides(const std::vector<float>& mono) {
+  std::vector<float> stereo;
+  for (const float fSample : mono) stereo.insert(stereo.end(), {fSample, fSample});
+  return stereo;
+}
+
+TEST(SoundServerTest, SpeechThroughTheOutputUnit_IsHeardByteForByte) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const auto samples = SweepWithNoise(32000, 16000);
+  C_PcmOutput output(samples);
+  const auto sound = server.RecordUntilSame(BytesOf(samples), [&] { output.PlayAll(); });
+  EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
+  EXPECT_EQ(64000U, sound.bytes.size());
+}
+
+TEST(SoundServerTest, AFileThroughTheGraph_IsHeardAsItsOwnConversionByteForByte) {
+  C_SoundServer server(44100, "float32le", 2);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const C_TempFolder folder;
+  const auto samples = SweepWithNoise(32000, 16000);
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1, samples);
+  const auto want = OnBothSides(ConvertedAtOnce(AsFloat(samples), 16000, 44100));
+  const auto sound = server.RecordUntilSame(BytesOf(want), [&] {
+    const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+    graph.Schedule(32000);
+    graph.Start();
+    EXPECT_TRUE(graph.WaitFor(88200));
+    graph.Stop();
+  });
+  EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
+  EXPECT_EQ(88200U * 8, sound.bytes.size());
+}
+
+}  // namespace

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SoundServer.h"
+
+#include <fcntl.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): kill
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkdtemp, setenv
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+#include <utility>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kPoll = 10ms;
+constexpr auto kPatience = 15s;
+
+bool WaitUntil(const std::function<bool()>& bReached) {
+  const auto limit = std::chrono::steady_clock::now() + kPatience;
+  while (!bReached()) {
+    if (std::chrono::steady_clock::now() > limit) return false;
+    std::this_thread::sleep_for(kPoll);
+  }
+  return true;
+}
+
+// Runs a program with nothing but PATH and `environment`, its output in a file. The child ends with
+// this process, however that ends.
+pid_t Spawn(const std::vector<std::string>& environment, const std::vector<std::string>& command,
+            const std::string& strOutput) {
+  const char* pszPath = getenv("PATH");
+  std::vector<std::string> words = {"/usr/bin/env", "-i",
+                                    std::string("PATH=") + (pszPath != nullptr ? pszPath : "")};
+  words.insert(words.end(), environment.begin(), environment.end());
+  words.insert(words.end(), command.begin(), command.end());
+  std::vector<char*> argv;
+  for (std::string& strWord : words) argv.push_back(strWord.data());
+  argv.push_back(nullptr);
+
+  const pid_t nParent = getpid();
+  const pid_t nChild = fork();
+  if (nChild != 0) return nChild;
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != nParent) _exit(1);
+  const int nInput = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  const int nOutput = open(strOutput.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  const int nErrors = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  dup2(nInput, STDIN_FILENO);
+  dup2(nOutput, STDOUT_FILENO);
+  dup2(nErrors, STDERR_FILENO);
+  execv(argv[0], argv.data());
+  _exit(127);
+}
+
+void End(pid_t nChild, int nSignal) {
+  if (nChild <= 0) return;
+  kill(nChild, nSignal);
+  waitpid(nChild, nullptr, 0);
+}
+
+std::vector<std::uint8_t> ReadAll(const std::string& strPath) {
+  std::ifstream file(strPath, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::size_t SizeOf(const std::string& strPath) {
+  std::error_code error;
+  const auto cbFile = std::filesystem::file_size(strPath, error);
+  return error ? 0 : static_cast<std::size_t>(cbFile);
+}
+
+bool IsSilentFrame(const std::vector<std::uint8_t>& sound, std::size_t nFrame,
+                   std::size_t cbFrame) {
+  const auto itFrame = sound.begin() + static_cast<std::ptrdiff_t>(nFrame * cbFrame);
+  return std::all_of(itFrame, itFrame + static_cast<std::ptrdiff_t>(cbFrame),
+                     [](std::uint8_t byValue) { return byValue == 0; });
+}
+
+std::vector<std::uint8_t> WithoutSilentFrames(const std::vector<std::uint8_t>& sound,
+                                              std::size_t cbFrame) {
+  std::vector<std::uint8_t> loud;
+  for (std::size_t n = 0; n < sound.size() / cbFrame; ++n) {
+    if (IsSilentFrame(sound, n, cbFrame)) continue;
+    const auto itFrame = sound.begin() + static_cast<std::ptrdiff_t>(n * cbFrame);
+    loud.insert(loud.end(), itFrame, itFrame + static_cast<std::ptrdiff_t>(cbFrame));
+  }
+  return loud;
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> WithoutSilentEnds(const std::vector<std::uint8_t>& sound,
+                                            std::size_t cbFrame) {
+  std::size_t nBegin = 0;
+  std::size_t nEnd = sound.size() / cbFrame;
+  while (nBegin < nEnd && IsSilentFrame(sound, nBegin, cbFrame)) ++nBegin;
+  while (nEnd > nBegin && IsSilentFrame(sound, nEnd - 1, cbFrame)) --nEnd;
+  return {sound.begin() + static_cast<std::ptrdiff_t>(nBegin * cbFrame),
+          sound.begin() + static_cast<std::ptrdiff_t>(nEnd * cbFrame)};
+}
+
+tagSameSound CompareSounds(const std::vector<std::uint8_t>& want,
+                           const std::vector<std::uint8_t>& got, std::size_t cbFrame) {
+  if (WithoutSilentEnds(want, cbFrame) == WithoutSilentEnds(got, cbFrame)) {
+    return tagSameSound::Exact;
+  }
+  return WithoutSilentFrames(want, cbFrame) == WithoutSilentFrames(got, cbFrame)
+             ? tagSameSound::Gaps
+             : tagSameSound::Wrong;
+}
+
+std::string S_Recording::Description() const {
+  return "wanted " + std::to_string(cbWanted) + " bytes, recorded " + std::to_string(bytes.size());
+}
+
+C_SoundServer::C_SoundServer(unsigned nRate, std::string strFormat, unsigned nChannels)
+    : m_nRate(nRate), m_strFormat(std::move(strFormat)), m_nChannels(nChannels) {
+  char szTemplate[] = "/tmp/voxplay-sound-XXXXXX";
+  const char* pszMade = mkdtemp(szTemplate);
+  if (pszMade != nullptr) m_strFolder = pszMade;
+}
+
+C_SoundServer::~C_SoundServer() {
+  Thaw();
+  Kill();
+  std::error_code error;
+  if (!m_strFolder.empty()) std::filesystem::remove_all(m_strFolder, error);
+}
+
+std::size_t C_SoundServer::FrameBytes() const {
+  return m_nChannels * (m_strFormat.find("32") != std::string::npos ? 4U : 2U);
+}
+
+std::string C_SoundServer::Environment() const { return "PULSE_SERVER=unix:" + Path("native"); }
+
+void C_SoundServer::UseInThisProcess() const {
+  setenv("PULSE_SERVER", ("unix:" + Path("native")).c_str(), 1);
+}
+
+void UseNoSoundServerInThisProcess() { setenv("PULSE_SERVER", "unix:/nonexistent/native", 1); }
+
+// norewinds: without it the sink has already handed out, and takes back, the first milliseconds of
+// every stream, and the recording misses them.
+bool C_SoundServer::Start() {
+  if (m_strFolder.empty()) return false;
+  const std::string strSink = "module-null-sink sink_name=rec rate=" + std::to_string(m_nRate) +
+                              " format=" + m_strFormat +
+                              " channels=" + std::to_string(m_nChannels) + " norewinds=1";
+  const std::vector<std::string> environment = {
+      "HOME=" + m_strFolder, "XDG_RUNTIME_DIR=" + m_strFolder, "PULSE_RUNTIME_PATH=" + m_strFolder,
+      "PULSE_STATE_PATH=" + m_strFolder, "LC_ALL=C"};
+  m_nServer = Spawn(
+      environment,
+      {"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+       "--disable-shm=yes", "--high-priority=no", "--realtime=no",
+       "--log-target=file:" + Path("pa.log"), "-L",
+       "module-native-protocol-unix auth-anonymous=1 socket=" + Path("native"), "-L", strSink},
+      Path("out"));
+  return m_nServer > 0 && WaitUntil([this] { return Answers(); });
+}
+
+bool C_SoundServer::Answers() const {
+  const pid_t nAsker =
+      Spawn({Environment(), "HOME=" + m_strFolder}, {"pactl", "info"}, Path("info"));
+  int nStatus = 0;
+  return nAsker > 0 && waitpid(nAsker, &nStatus, 0) == nAsker && WIFEXITED(nStatus) &&
+         WEXITSTATUS(nStatus) == 0;
+}
+
+void C_SoundServer::Kill() { End(std::exchange(m_nServer, -1), SIGKILL); }
+
+void C_SoundServer::Freeze() const {
+  if (m_nServer > 0) kill(m_nServer, SIGSTOP);
+}
+
+void C_SoundServer::Thaw() const {
+  if (m_nServer > 0) kill(m_nServer, SIGCONT);
+}
+
+std::vector<std::uint8_t> C_SoundServer::RecordWhile(const std::function<void()>& play) const {
+  const std::string strFile = Path("recorded");
+  std::filesystem::remove(strFile);
+  const pid_t nRecorder = Spawn(
+      {Environment(), "HOME=" + m_strFolder},
+      {"parec", "--device=rec.monitor", "--raw", "--rate=" + std::to_string(m_nRate),
+       "--format=" + m_strFormat, "--channels=" + std::to_string(m_nChannels), "--latency-msec=20"},
+      strFile);
+  const std::size_t cbSecond = m_nRate * FrameBytes();
+  const bool bRecording = WaitUntil([&] { return SizeOf(strFile) > cbSecond / 4; });
+  if (bRecording) {
+    play();
+    const std::size_t cbPlayed = SizeOf(strFile);
+    WaitUntil([&] { return SizeOf(strFile) >= cbPlayed + cbSecond / 2; });
+  }
+  End(nRecorder, SIGTERM);
+  return bRecording ? ReadAll(strFile) : std::vector<std::uint8_t>{};
+}
+
+S_Recording C_SoundServer::RecordUntilSame(const std::vector<std::uint8_t>& want,
+                                           const std::function<void()>& play) const {
+  S_Recording result;
+  result.cbWanted = WithoutSilentEnds(want, FrameBytes()).size();
+  for (int nTry = 0; nTry < 2; ++nTry) {
+    const auto got = RecordWhile(play);
+    result.same = CompareSounds(want, got, FrameBytes());
+    result.bytes = WithoutSilentEnds(got, FrameBytes());
+    if (result.same != tagSameSound::Gaps) break;
+  }
+  return result;
+}

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A private sound server with a clocked sink that plays nothing, and recordings of what was played
+// on it. Add tests/support/SoundServer.cpp to the sources of the test and RESOURCE_LOCK
+// sound_server to its properties (recordings side by side starve each other).
+//
+//   C_SoundServer server(16000, "s16le", 1);              // the sink's own rate, format, channels
+//   ASSERT_TRUE(server.Start());
+//   server.UseInThisProcess();                            // or pass Environment() to a child
+//   const auto sound = server.RecordUntilSame(want, [&] { Play(); });
+//   EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
+//
+// What is played arrives unchanged, byte for byte, only in the sink's own rate and format. Silence
+// at both ends is removed from both sides of a comparison: a recording begins and ends with some.
+// The server needs neither a network, a message bus nor a user's configuration, and runs as root.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+enum class tagSameSound {
+  Exact,
+  Gaps,   // everything arrived, in order, but with silence between: the machine was too busy
+  Wrong,  // something is missing or different
+};
+
+// Frames of `cbFrame` bytes without those at both ends that are all zero.
+[[nodiscard]] std::vector<std::uint8_t> WithoutSilentEnds(const std::vector<std::uint8_t>& sound,
+                                                          std::size_t cbFrame);
+
+// Compares without silence at both ends.
+[[nodiscard]] tagSameSound CompareSounds(const std::vector<std::uint8_t>& want,
+                                         const std::vector<std::uint8_t>& got, std::size_t cbFrame);
+
+// What a recording holds, compared with what was wanted.
+struct S_Recording {
+  tagSameSound same = tagSameSound::Wrong;
+  std::vector<std::uint8_t> bytes;  // without silence at both ends
+  std::size_t cbWanted = 0;         // likewise
+  [[nodiscard]] std::string Description() const;
+};
+
+class C_SoundServer {
+ public:
+  // Formats are the server's names, for example "s16le" and "float32le".
+  C_SoundServer(unsigned nRate, std::string strFormat, unsigned nChannels);
+  // Ends the server and removes its folder.
+  ~C_SoundServer();
+  C_SoundServer(const C_SoundServer&) = delete;
+  C_SoundServer& operator=(const C_SoundServer&) = delete;
+
+  // True when the server answers.
+  bool Start();
+  // Ends the server at once, without giving it time to say goodbye.
+  void Kill();
+  // Stops the server from running, so that it answers nothing; and lets it run again.
+  void Freeze() const;
+  void Thaw() const;
+
+  // "PULSE_SERVER=unix:..." for the environment of a program that shall play on this server.
+  [[nodiscard]] std::string Environment() const;
+  // Makes this process play on this server.
+  void UseInThisProcess() const;
+
+  // What the sink played while `play` ran and for 0.5 s afterwards, raw. Empty when the recording
+  // could not be started.
+  [[nodiscard]] std::vector<std::uint8_t> RecordWhile(const std::function<void()>& play) const;
+  // Records `play`; when everything arrived but with gaps, once more.
+  [[nodiscard]] S_Recording RecordUntilSame(const std::vector<std::uint8_t>& want,
+                                            const std::function<void()>& play) const;
+  [[nodiscard]] std::size_t FrameBytes() const;
+
+ private:
+  [[nodiscard]] bool Answers() const;
+  [[nodiscard]] std::string Path(const char* pszName) const { return m_strFolder + "/" + pszName; }
+
+  unsigned m_nRate;
+  std::string m_strFormat;
+  unsigned m_nChannels;
+  std::string m_strFolder;
+  pid_t m_nServer = -1;
+};
+
+// Makes this process find no sound server at all, wherever one may be running.
+void UseNoSoundServerInThisProcess();
