@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A toolbox that plays nothing: it writes down every call with its arguments, fails those that a
+// test names, and lets the test drive the render thread. It also takes the place of usleep, so that
+// pauses show in the log and take a millisecond at most. Link it instead of the real toolbox.
+#pragma once
+
+#include <AudioToolbox/AudioToolbox.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+class C_FakeToolbox {
+ public:
+  // The one that the calls go to.
+  static C_FakeToolbox& Get();
+
+  // Everything as before the first call.
+  void Reset();
+
+  // What was called so far, one line for each call: "AUGraphStart(graph1)". The same pause several
+  // times in a row is one line.
+  std::vector<std::string> Log();
+  // Where a line that begins with strStart stands in the log for the first time; -1 for nowhere.
+  int Find(const std::string& strStart);
+  int Count(const std::string& strStart);
+  void ClearLog();
+
+  // The nOccurrence-th call of that name (from now on, counted from 1) gives nStatus and has no
+  // effect. AudioComponentFindNext and the URL give null instead.
+  void Fail(const std::string& strName, OSStatus nStatus, int nOccurrence = 1);
+
+  // One render cycle's notification, as the graph would give it.
+  OSStatus Notify(AudioUnitRenderActionFlags dwFlags, double dSampleTime);
+  [[nodiscard]] bool HasNotify() const { return m_notify.inputProc != nullptr; }
+
+  // Called inside AUGraphStart and at each pause.
+  std::function<void()> onStart;
+  std::function<void()> onPause;
+
+  // What the opened files and units answer.
+  UInt64 qwPacketCount = 32000;
+  UInt32 cbLayout = 0;
+  AudioStreamBasicDescription fileFormat{};
+  AudioTimeStamp startStamp{};
+  Boolean bRunning = 0;
+
+  // What the output unit was given, and what it pulled while it ran, in slices of cbSlice bytes
+  // that hold bySliceFill when they are handed out.
+  AURenderCallbackStruct renderCallback{};
+  UInt32 cbSlice = 3200;
+  UInt8 bySliceFill = 0;
+  std::vector<UInt8> Pulled();
+
+  // For the toolbox functions: writes the call down and says what it gives.
+  OSStatus Call(const std::string& strName, const std::string& strArguments);
+  void SetNotify(AURenderCallback callback, void* pRefCon) { m_notify = {callback, pRefCon}; }
+  int NewGraph() { return m_nGraphs++; }
+  void StartPulling();
+  void StopPulling();
+
+ private:
+  void Pull();
+
+  std::mutex m_lock;
+  std::vector<std::string> m_log;
+  std::map<std::string, int> m_calls;
+  std::map<std::pair<std::string, int>, OSStatus> m_failures;
+  AURenderCallbackStruct m_notify{};
+  int m_nGraphs = 0;
+  std::thread m_puller;
+  bool m_bPulling = false;
+  std::vector<UInt8> m_pulled;
+};
