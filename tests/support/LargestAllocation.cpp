@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LargestAllocation.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<std::size_t> g_cbLargest{0};
+
+void* Allocate(std::size_t cbSize) {
+  std::size_t cbBefore = g_cbLargest.load();
+  while (cbSize > cbBefore && !g_cbLargest.compare_exchange_weak(cbBefore, cbSize)) {
+  }
+  void* pMemory = std::malloc(cbSize == 0 ? 1 : cbSize);
+  if (pMemory == nullptr) throw std::bad_alloc();
+  return pMemory;
+}
+
+}  // namespace
+
+void ResetLargestAllocation() { g_cbLargest = 0; }
+std::size_t LargestAllocation() { return g_cbLargest; }
+
+void* operator new(std::size_t cbSize) { return Allocate(cbSize); }
+void* operator new[](std::size_t cbSize) { return Allocate(cbSize); }
+void operator delete(void* pMemory) noexcept { std::free(pMemory); }
+void operator delete[](void* pMemory) noexcept { std::free(pMemory); }
+void operator delete(void* pMemory, std::size_t) noexcept { std::free(pMemory); }
+void operator delete[](void* pMemory, std::size_t) noexcept { std::free(pMemory); }
