@@ -30,6 +30,9 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr std::array<unsigned int, 8> kEncodedRates = {7200,  9600,  12000, 14400,
                                                        16000, 20000, 24000, 32000};
 
+constexpr unsigned int kLowestRate = 4800;
+constexpr unsigned int kRateStep = 800;
+
 class C_Seeds {
  public:
   explicit C_Seeds(std::string strRoot) : m_strRoot(std::move(strRoot)) {}
@@ -126,16 +129,15 @@ void AddStreams(C_Seeds& seeds) {
     const Bytes stream = KestrelStream(dwBitRate, 4);
     const std::span frames = std::span(stream).subspan(cbHead);
     seeds.Add({"kestrel_stream"}, stream);
-    seeds.Add({"kestrel_stream", "kestrel_frame"}, Bytes(frames.begin(), frames.end()));
     seeds.Add({"factory", "sp_header"}, WithHeader(stream));
-    // The rate, as fuzzers of the coder read it from the front of their input.
-    Bytes rated = {static_cast<std::uint8_t>(dwBitRate), static_cast<std::uint8_t>(dwBitRate >> 8)};
-    rated.insert(rated.end(), frames.begin(), frames.end());
-    seeds.Add({"kestrel_frame"}, rated);
-    rated.resize(2);
+    // The fuzzers of the coder choose a rate by their first byte.
+    Bytes chosen = {static_cast<std::uint8_t>((dwBitRate - kLowestRate) / kRateStep)};
+    chosen.insert(chosen.end(), frames.begin(), frames.end());
+    seeds.Add({"kestrel_frame"}, chosen);
+    chosen.resize(1);
     const Bytes pcm = ExamplePcm({}, 700);
-    rated.insert(rated.end(), pcm.begin(), pcm.end());
-    seeds.Add({"kestrel_encode_decode"}, rated);
+    chosen.insert(chosen.end(), pcm.begin(), pcm.end());
+    seeds.Add({"kestrel_encode_decode"}, chosen);
   }
 }
 
