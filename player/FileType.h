@@ -9,7 +9,7 @@
 //
 // Kept: a path separator does not end the search, so "dir.x/file" gives "x/file"; no such text is a
 // known extension, so the answer of CheckFileType stays right. Pinned by
-// GetFileExt_DotInAFolderName_GivesTheRestOfThePath.
+// DotInAFolderName_GivesTheRestOfThePath.
 const char* GetFileExt(const char* pszFileName, char* pszExt);
 
 // True when the file exists and its extension (in any case) is one that the player handles. Only
