@@ -134,4 +134,109 @@ TEST(SoundServerTest, AFileThroughTheGraph_IsHeardAsItsOwnConversionByteForByte)
   EXPECT_EQ(88200U * 8, sound.bytes.size());
 }
 
+TEST(SoundServerTest, PauseAndResume_LoseNothingAndRepeatNothing) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const auto samples = SweepWithNoise(16000, 16000);
+  C_PcmOutput output(samples);
+  const auto got = server.RecordWhile([&] {
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(6000));
+    output.Stop();
+    std::this_thread::sleep_for(300ms);
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(16000));
+    output.Stop();
+  });
+  // Complete and in order, with the silence of the pause between.
+  EXPECT_EQ(tagSameSound::Gaps, CompareSounds(BytesOf(samples), got, 2));
+  EXPECT_GE(WithoutSilentEnds(got, 2).size(), 2U * (16000 + 4800));
+}
+
+TEST(SoundServerTest, AServerThatIsKilledWhilePlaying_StillLetsTheSoundEndInTime) {
+  C_SoundServer server(44100, "float32le", 2);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const C_TempFolder folder;
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1,
+                 SweepWithNoise(24000, 16000));
+  const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+  graph.Schedule(24000);
+  const auto begin = Clock::now();
+  graph.Start();
+  EXPECT_TRUE(graph.WaitFor(22050));
+  server.Kill();
+  EXPECT_TRUE(graph.WaitFor(66150));
+  // What the server had taken over in advance is the only time that can be saved.
+  EXPECT_GE(Clock::now() - begin, 1200ms);
+  graph.Stop();
+  // Whoever starts again hears nothing, but gets on.
+  graph.Start();
+  EXPECT_TRUE(graph.WaitFor(70000));
+  graph.Stop();
+}
+
+TEST(SoundServerTest, AServerThatIsKilledWhilePaused_IsNoticedAtTheNextStart) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_PcmOutput output(SweepWithNoise(8000, 16000));
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(2000));
+  output.Stop();
+  server.Kill();
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(8000));
+  output.Stop();
+}
+
+class C_SilentClient final : public toolbox::I_DeviceClient {
+ public:
+  void RenderFrames(void*, UInt32) override {}
+  void DeviceLost() override { bLost = true; }
+  std::atomic<bool> bLost{false};
+};
+
+TEST(SoundServerTest, AServerThatDoesNotAnswer_CountsAsNone_AndIsLeftAloneWhenItComesBack) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_SilentClient client;
+  server.Freeze();
+  const auto begin = Clock::now();
+  EXPECT_EQ(nullptr, toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms));
+  EXPECT_GE(Clock::now() - begin, 300ms);
+  server.Thaw();
+  // The one that was given up opens now, and closes itself; a new one is not disturbed by it.
+  std::this_thread::sleep_for(200ms);
+  EXPECT_NE(nullptr, toolbox::OpenCubebDevice({16000, 1, false}, client));
+  EXPECT_FALSE(client.bLost);
+}
+
+TEST(SoundServerTest, ALengthQuery_NeedsNoServer_AndAStartWithoutOneIsSilent) {
+  UseNoSoundServerInThisProcess();
+  const C_TempFolder folder;
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1,
+                 SweepWithNoise(8000, 16000));
+  const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+  graph.Schedule(8000);
+  const auto begin = Clock::now();
+  graph.Start();
+  EXPECT_TRUE(graph.WaitFor(22050));
+  EXPECT_GE(Clock::now() - begin, 490ms);
+  graph.Stop();
+}
+
+TEST(SoundServerTest, ComparingSounds_TellsGapsFromLosses) {
+  using Bytes = std::vector<std::uint8_t>;
+  const Bytes want = {0, 0, 1, 0, 2, 2, 0, 0};
+  EXPECT_EQ((Bytes{1, 0, 2, 2}), WithoutSilentEnds(want, 2));
+  EXPECT_EQ(tagSameSound::Exact, CompareSounds(want, {1, 0, 2, 2}, 2));
+  EXPECT_EQ(tagSameSound::Gaps, CompareSounds(want, {0, 0, 1, 0, 0, 0, 2, 2}, 2));
+  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {1, 0, 2, 3}, 2));
+  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {1, 0}, 2));
+  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {}, 2));
+}
+
 }  // namespace

@@ -1,0 +1,476 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The audio file service: what it opens, what it says about it, what it refuses.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+#include <filesystem>
+
+#include "InChild.h"
+#include "SoundFiles.h"
+#include "TempFolder.h"
+#include "TestSounds.h"
+
+namespace {
+
+AudioStreamBasicDescription FormatOf(AudioFileID audioFile) {
+  AudioStreamBasicDescription format{};
+  UInt32 cbFormat = sizeof format;
+  EXPECT_EQ(noErr,
+            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format));
+  EXPECT_EQ(40U, cbFormat);
+  return format;
+}
+
+struct S_FormatCase {
+  const char* pszName;
+  int nFormat;
+  AudioFormatID dwFormat;
+  AudioFormatFlags dwFlags;
+  UInt32 dwBits;
+};
+
+class AudioFileFormatTest : public testing::TestWithParam<S_FormatCase> {
+ protected:
+  C_TempFolder m_folder;
+};
+
+TEST_P(AudioFileFormatTest, PacketsAreFramesAndTheFormatIsWhatIsStored) {
+  const S_FormatCase& want = GetParam();
+  WriteSoundFile(m_folder.Path("a"), want.nFormat, 22050, 2, SweepWithNoise(1234, 22050, 2));
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a"));
+  ASSERT_NE(nullptr, audioFile);
+  EXPECT_EQ(1234U, PacketCount(audioFile));
+  const auto got = FormatOf(audioFile);
+  EXPECT_EQ(22050.0, got.mSampleRate);
+  EXPECT_EQ(want.dwFormat, got.mFormatID);
+  EXPECT_EQ(want.dwFlags, got.mFormatFlags);
+  EXPECT_EQ(want.dwBits, got.mBitsPerChannel);
+  EXPECT_EQ(2U, got.mChannelsPerFrame);
+  EXPECT_EQ(1U, got.mFramesPerPacket);
+  EXPECT_EQ(want.dwBits / 8 * 2, got.mBytesPerFrame);
+  EXPECT_EQ(got.mBytesPerFrame, got.mBytesPerPacket);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+constexpr AudioFormatID kPcm = kAudioFormatLinearPCM;
+INSTANTIATE_TEST_SUITE_P(
+    Formats, AudioFileFormatTest,
+    testing::Values(
+        S_FormatCase{"WavU8", SF_FORMAT_WAV | SF_FORMAT_PCM_U8, kPcm, 8, 8},
+        S_FormatCase{"Wav16", SF_FORMAT_WAV | SF_FORMAT_PCM_16, kPcm, 12, 16},
+        S_FormatCase{"Wav24", SF_FORMAT_WAV | SF_FORMAT_PCM_24, kPcm, 12, 24},
+        S_FormatCase{"Wav32", SF_FORMAT_WAV | SF_FORMAT_PCM_32, kPcm, 12, 32},
+        S_FormatCase{"WavFloat", SF_FORMAT_WAV | SF_FORMAT_FLOAT, kPcm, 9, 32},
+        S_FormatCase{"WavDouble", SF_FORMAT_WAV | SF_FORMAT_DOUBLE, kPcm, 9, 64},
+        S_FormatCase{"WavExtensible16", SF_FORMAT_WAVEX | SF_FORMAT_PCM_16, kPcm, 12, 16},
+        S_FormatCase{"WavULaw", SF_FORMAT_WAV | SF_FORMAT_ULAW, kAudioFormatULaw, 0, 8},
+        S_FormatCase{"WavALaw", SF_FORMAT_WAV | SF_FORMAT_ALAW, kAudioFormatALaw, 0, 8},
+        S_FormatCase{"Aiff8", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, kPcm, 12, 8},
+        S_FormatCase{"Aiff16IsBigEndian", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, kPcm, 14, 16}),
+    [](const auto& tested) { return tested.param.pszName; });
+
+class AudioFileTest : public testing::Test {
+ protected:
+  AudioFileID OpenPcm(std::size_t nFrames, int nRate = 16000, int nChannels = 1) {
+    m_samples =
+        SweepWithNoise(nFrames, static_cast<unsigned>(nRate), static_cast<unsigned>(nChannels));
+    WriteSoundFile(m_folder.Path("pcm.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, nRate, nChannels,
+                   m_samples);
+    return OpenSoundFile(m_folder.Path("pcm.wav"));
+  }
+  C_TempFolder m_folder;
+  std::vector<std::int16_t> m_samples;
+};
+
+UInt16 Little16(const std::vector<std::uint8_t>& bytes, std::size_t cbAt) {
+  return static_cast<UInt16>(bytes[cbAt] | bytes[cbAt + 1] << 8);
+}
+UInt32 Little32(const std::vector<std::uint8_t>& bytes, std::size_t cbAt) {
+  return Little16(bytes, cbAt) | static_cast<UInt32>(Little16(bytes, cbAt + 2)) << 16;
+}
+
+// Data bytes divided by block align, read from the file's bytes by plain search.
+UInt64 BlocksInWav(const std::vector<std::uint8_t>& bytes) {
+  const std::string text(bytes.begin(), bytes.end());
+  const std::size_t cbFormat = text.find("fmt ") + 8;
+  const std::size_t cbData = text.find("data", cbFormat) + 4;
+  return Little32(bytes, cbData) / Little16(bytes, cbFormat + 12);
+}
+
+TEST_F(AudioFileTest, AnAdpcmFile_HasItsBlocksAsPackets) {
+  for (const int nCodec : {SF_FORMAT_IMA_ADPCM, SF_FORMAT_MS_ADPCM}) {
+    WriteSoundFile(m_folder.Path("adpcm.wav"), SF_FORMAT_WAV | nCodec, 16000, 1,
+                   SweepWithNoise(32000, 16000));
+    const auto bytes = m_folder.Read("adpcm.wav");
+    const AudioFileID audioFile = OpenSoundFile(m_folder.Path("adpcm.wav"));
+    ASSERT_NE(nullptr, audioFile);
+    EXPECT_EQ(BlocksInWav(bytes), PacketCount(audioFile));
+    EXPECT_GT(PacketCount(audioFile), 10U);
+    const auto format = FormatOf(audioFile);
+    EXPECT_EQ(nCodec == SF_FORMAT_IMA_ADPCM ? 0x6D730011U : 0x6D730002U, format.mFormatID);
+    EXPECT_EQ(Little16(bytes, 20 + 12), format.mBytesPerPacket);
+    EXPECT_EQ(Little16(bytes, 20 + 18), format.mFramesPerPacket);
+    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  }
+}
+
+TEST_F(AudioFileTest, AnAdpcmFileThatIsCutShort_HasTheWholeBlocksThatAreThere) {
+  WriteSoundFile(m_folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM, 16000, 1,
+                 SweepWithNoise(32000, 16000));
+  auto bytes = m_folder.Read("a.wav");
+  const std::string text(bytes.begin(), bytes.end());
+  const std::size_t cbBlock = Little16(bytes, 20 + 12);
+  bytes.resize(text.find("data") + 8 + 5 * cbBlock + cbBlock / 2);
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Write("cut.wav", bytes));
+  ASSERT_NE(nullptr, audioFile);
+  EXPECT_EQ(5U, PacketCount(audioFile));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+// MPEG frames by their headers, the information frame of the encoder left out. Layer 3 only.
+UInt64 CountMpegFrames(const std::vector<std::uint8_t>& bytes) {
+  constexpr std::array kVersion1Rates = {0,   32,  40,  48,  56,  64,  80, 96,
+                                         112, 128, 160, 192, 224, 256, 320};
+  constexpr std::array kVersion2Rates = {0,  8,  16, 24,  32,  40,  48, 56,
+                                         64, 80, 96, 112, 128, 144, 160};
+  constexpr std::array kSampleRates = {44100, 48000, 32000};
+  UInt64 qwFrames = 0;
+  for (std::size_t cbAt = 0; cbAt + 4 <= bytes.size();) {
+    if (bytes[cbAt] != 0xFF || (bytes[cbAt + 1] & 0xE6) != 0xE2) {
+      ++cbAt;
+      continue;
+    }
+    const bool bVersion1 = (bytes[cbAt + 1] & 0x18) == 0x18;
+    const auto nRateIndex = static_cast<std::size_t>(bytes[cbAt + 2] >> 4);
+    const int nKilobits = bVersion1 ? kVersion1Rates.at(nRateIndex) : kVersion2Rates.at(nRateIndex);
+    const int nRate = kSampleRates.at((bytes[cbAt + 2] >> 2) & 3) / (bVersion1 ? 1 : 2);
+    const int cbFrame =
+        (bVersion1 ? 144 : 72) * nKilobits * 1000 / nRate + (bytes[cbAt + 2] >> 1 & 1);
+    const std::string frame(
+        bytes.begin() + static_cast<std::ptrdiff_t>(cbAt),
+        bytes.begin() + static_cast<std::ptrdiff_t>(
+                            std::min(bytes.size(), cbAt + static_cast<std::size_t>(cbFrame))));
+    if (frame.find("Xing") == std::string::npos && frame.find("Info") == std::string::npos) {
+      ++qwFrames;
+    }
+    cbAt += static_cast<std::size_t>(cbFrame);
+  }
+  return qwFrames;
+}
+
+TEST_F(AudioFileTest, AnMp3File_HasItsMpegFramesAsPackets) {
+  struct S_Case {
+    int nRate;
+    int nChannels;
+    UInt32 dwSamplesPerFrame;
+  };
+  for (const S_Case& mp3 : {S_Case{16000, 1, 576}, S_Case{44100, 2, 1152}}) {
+    const auto nFrames = static_cast<std::size_t>(mp3.nRate) * 2;
+    WriteSoundFile(m_folder.Path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, mp3.nRate,
+                   mp3.nChannels,
+                   SweepWithNoise(nFrames, static_cast<unsigned>(mp3.nRate),
+                                  static_cast<unsigned>(mp3.nChannels)));
+    const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.mp3"));
+    ASSERT_NE(nullptr, audioFile);
+    EXPECT_EQ(CountMpegFrames(m_folder.Read("a.mp3")), PacketCount(audioFile));
+    const auto format = FormatOf(audioFile);
+    EXPECT_EQ(static_cast<double>(mp3.nRate), format.mSampleRate);
+    EXPECT_EQ(OSType{kAudioFormatMPEGLayer3}, format.mFormatID);
+    EXPECT_EQ(mp3.dwSamplesPerFrame, format.mFramesPerPacket);
+    EXPECT_EQ(static_cast<UInt32>(mp3.nChannels), format.mChannelsPerFrame);
+    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  }
+}
+
+TEST_F(AudioFileTest, AFlacFile_HasItsFramesAsPackets) {
+  WriteSoundFile(m_folder.Path("a.flac"), SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 16000, 1,
+                 SweepWithNoise(777, 16000));
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.flac"));
+  ASSERT_NE(nullptr, audioFile);
+  EXPECT_EQ(777U, PacketCount(audioFile));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+TEST_F(AudioFileTest, AWavFileWithoutSamples_OpensWithNoPackets) {
+  const AudioFileID audioFile = OpenPcm(0);
+  ASSERT_NE(nullptr, audioFile);
+  EXPECT_EQ(0U, PacketCount(audioFile));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+TEST_F(AudioFileTest, APcmFileThatIsCutShort_HasTheFramesThatAreThere) {
+  OpenPcm(1000);
+  auto bytes = m_folder.Read("pcm.wav");
+  bytes.resize(44 + 501);
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Write("cut.wav", bytes));
+  ASSERT_NE(nullptr, audioFile);
+  EXPECT_EQ(250U, PacketCount(audioFile));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+TEST_F(AudioFileTest, TheLastPacket_IsReadAsItLiesInTheFile) {
+  const AudioFileID audioFile = OpenPcm(500, 16000, 2);
+  std::array<std::int16_t, 8> buffer{};
+  UInt32 cbData = sizeof buffer;
+  UInt32 dwPackets = 1;
+  AudioStreamPacketDescription description{};
+  EXPECT_EQ(noErr, AudioFileReadPacketData(audioFile, 0, &cbData, &description, 499, &dwPackets,
+                                           buffer.data()));
+  EXPECT_EQ(1U, dwPackets);
+  EXPECT_EQ(4U, cbData);
+  EXPECT_EQ(m_samples[998], buffer[0]);
+  EXPECT_EQ(m_samples[999], buffer[1]);
+  EXPECT_EQ(0, buffer[2]);
+  EXPECT_EQ(0, description.mStartOffset);
+  EXPECT_EQ(4U, description.mDataByteSize);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+TEST_F(AudioFileTest, ReadingPackets_NeverExceedsTheRoomNorTheFile) {
+  const AudioFileID audioFile = OpenPcm(500);
+  std::array<std::int16_t, 16> buffer{};
+  UInt32 cbData = 7;
+  UInt32 dwPackets = 100;
+  EXPECT_EQ(noErr,
+            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 10, &dwPackets, buffer.data()));
+  EXPECT_EQ(3U, dwPackets);
+  EXPECT_EQ(6U, cbData);
+  EXPECT_EQ(m_samples[12], buffer[2]);
+  EXPECT_EQ(0, buffer[3]);
+
+  cbData = sizeof buffer;
+  dwPackets = 100;
+  EXPECT_EQ(noErr, AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 495, &dwPackets,
+                                           buffer.data()));
+  EXPECT_EQ(5U, dwPackets);
+  EXPECT_EQ(10U, cbData);
+
+  cbData = sizeof buffer;
+  dwPackets = 1;
+  EXPECT_EQ(kAudioFileEndOfFileError, AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 500,
+                                                              &dwPackets, buffer.data()));
+  EXPECT_EQ(0U, cbData);
+  EXPECT_EQ(0U, dwPackets);
+  cbData = sizeof buffer;
+  dwPackets = 1;
+  EXPECT_EQ(kAudioFileInvalidPacketOffsetError,
+            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, -1, &dwPackets, buffer.data()));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+TEST_F(AudioFileTest, PacketsOfBlockCodecs_AreNotHandedOut) {
+  WriteSoundFile(m_folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM, 16000, 1,
+                 SweepWithNoise(32000, 16000));
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.wav"));
+  std::array<std::uint8_t, 64> buffer{};
+  UInt32 cbData = sizeof buffer;
+  UInt32 dwPackets = 1;
+  EXPECT_EQ(kAudioFileOperationNotSupportedError,
+            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, buffer.data()));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+OSStatus StatusOfOpening(const std::string& strPath) {
+  OSStatus nStatus = noErr;
+  const AudioFileID audioFile = OpenSoundFile(strPath, &nStatus);
+  EXPECT_EQ(nStatus == noErr, audioFile != nullptr);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  return nStatus;
+}
+
+TEST_F(AudioFileTest, WhatCannotBeOpened_SaysWhy) {
+  EXPECT_EQ(kAudioFileFileNotFoundError, StatusOfOpening(m_folder.Path("missing.wav")));
+  EXPECT_EQ(kAudioFileFileNotFoundError, StatusOfOpening(m_folder.Path("missing/a.wav")));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Path()));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("empty.wav", {})));
+  const std::string strPipe = m_folder.Path("pipe.wav");
+  ASSERT_EQ(0, mkfifo(strPipe.c_str(), 0600));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(strPipe));
+}
+
+TEST_F(AudioFileTest, AFileThatMayNotBeRead_IsAPermissionError) {
+  OpenPcm(10);
+  const std::string strPath = m_folder.Path("pcm.wav");
+  ASSERT_EQ(0, chmod(strPath.c_str(), 0600));
+  ASSERT_EQ(0, chmod(m_folder.Path().c_str(), 0755));
+  constexpr uid_t kNobody = 65534;
+  EXPECT_TRUE(InChildAs(kNobody, [&] {
+    OSStatus nStatus = noErr;
+    OpenSoundFile(strPath, &nStatus);
+    return nStatus == kAudioFilePermissionsError;
+  }));
+}
+
+TEST_F(AudioFileTest, WmaMidiTextAndZeros_AreUnsupportedFileTypes) {
+  const auto padded = [](std::vector<std::uint8_t> bytes) {
+    bytes.resize(4096);
+    return bytes;
+  };
+  const std::vector<std::uint8_t> wma = {0x30, 0x26, 0xB2, 0x75, 0x8E, 0x66, 0xCF, 0x11,
+                                         0xA6, 0xD9, 0x00, 0xAA, 0x00, 0x62, 0xCE, 0x6C};
+  const std::vector<std::uint8_t> midi = {'M', 'T', 'h', 'd', 0,   0, 0, 6, 0, 0, 0,    1,    0,
+                                          96,  'M', 'T', 'r', 'k', 0, 0, 0, 4, 0, 0xFF, 0x2F, 0};
+  const std::vector<std::uint8_t> text(5000, 'a');
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
+            StatusOfOpening(m_folder.Write("a.wma", padded(wma))));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("a.mid", midi)));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("a.vea", text)));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
+            StatusOfOpening(m_folder.Write("a.mp3", padded({}))));
+}
+
+// Every file with one damaged header byte, and every length: whatever the file library makes of it,
+// nothing crashes, and what opens answers its properties and can be read.
+TEST_F(AudioFileTest, DamagedHeadersAndEveryCut_NeverCrash) {
+  for (const int nCodec : {SF_FORMAT_PCM_16, SF_FORMAT_IMA_ADPCM, SF_FORMAT_MS_ADPCM}) {
+    WriteSoundFile(m_folder.Path("good.wav"), SF_FORMAT_WAV | nCodec, 16000, 1,
+                   SweepWithNoise(600, 16000));
+    const auto good = m_folder.Read("good.wav");
+    const auto tryOne = [&](const std::vector<std::uint8_t>& bytes) {
+      const AudioFileID audioFile = OpenSoundFile(m_folder.Write("bad.wav", bytes));
+      if (audioFile == nullptr) return;
+      EXPECT_NE(~UInt64{0}, PacketCount(audioFile));
+      FormatOf(audioFile);
+      std::array<std::uint8_t, 256> buffer{};
+      UInt32 cbData = sizeof buffer;
+      UInt32 dwPackets = 2;
+      AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, buffer.data());
+      EXPECT_LE(cbData, sizeof buffer);
+      EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    };
+    for (std::size_t i = 0; i < 90 && i < good.size(); ++i) {
+      for (const int nValue : {0x00, 0x01, 0x7F, 0x80, 0xFF}) {
+        auto bad = good;
+        bad[i] = static_cast<std::uint8_t>(nValue);
+        tryOne(bad);
+      }
+      tryOne({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(i)});
+    }
+  }
+}
+
+TEST_F(AudioFileTest, ALayoutIsThereOnlyForFilesThatCarryOne) {
+  const AudioFileID plain = OpenPcm(10, 16000, 2);
+  UInt32 cbLayout = 99;
+  UInt32 dwWritable = 99;
+  EXPECT_EQ(noErr, AudioFileGetPropertyInfo(plain, kAudioFilePropertyChannelLayout, &cbLayout,
+                                            &dwWritable));
+  EXPECT_EQ(0U, cbLayout);
+  EXPECT_EQ(0U, dwWritable);
+  std::array<UInt8, 256> layout{};
+  UInt32 cbRoom = sizeof layout;
+  EXPECT_EQ(kAudioFileUnsupportedPropertyError,
+            AudioFileGetProperty(plain, kAudioFilePropertyChannelLayout, &cbRoom, layout.data()));
+  EXPECT_EQ(noErr, AudioFileClose(plain));
+}
+
+TEST_F(AudioFileTest, SpeakerPositionsOfAnExtensibleFile_BecomeChannelLabels) {
+  SF_INFO info{};
+  info.format = SF_FORMAT_WAVEX | SF_FORMAT_PCM_16;
+  info.samplerate = 16000;
+  info.channels = 3;
+  SNDFILE* pSound = sf_open(m_folder.Path("x.wav").c_str(), SFM_WRITE, &info);
+  std::array<int, 3> speakers = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT, SF_CHANNEL_MAP_LFE};
+  ASSERT_EQ(SF_TRUE,
+            sf_command(pSound, SFC_SET_CHANNEL_MAP_INFO, speakers.data(), sizeof speakers));
+  const std::array<short, 3> frame = {1, 2, 3};
+  sf_writef_short(pSound, frame.data(), 1);
+  sf_close(pSound);
+
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("x.wav"));
+  UInt32 cbLayout = 0;
+  EXPECT_EQ(noErr, AudioFileGetPropertyInfo(audioFile, kAudioFilePropertyChannelLayout, &cbLayout,
+                                            nullptr));
+  ASSERT_EQ(12U + 3 * 20, cbLayout);
+  std::vector<UInt8> bytes(cbLayout);
+  EXPECT_EQ(noErr, AudioFileGetProperty(audioFile, kAudioFilePropertyChannelLayout, &cbLayout,
+                                        bytes.data()));
+  std::array<UInt32, 18> words{};
+  std::memcpy(words.data(), bytes.data(), sizeof words);
+  EXPECT_EQ(0U, words[0]);
+  EXPECT_EQ(3U, words[2]);
+  EXPECT_EQ(1U, words[3]);
+  EXPECT_EQ(2U, words[8]);
+  EXPECT_EQ(4U, words[13]);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+TEST_F(AudioFileTest, BadArguments_AreRefused) {
+  const AudioFileID audioFile = OpenPcm(10);
+  AudioStreamBasicDescription format{};
+  UInt32 cbFormat = 39;
+  EXPECT_EQ(kAudioFileBadPropertySizeError,
+            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format));
+  cbFormat = 400;
+  EXPECT_EQ(kAudioFileUnsupportedPropertyError,
+            AudioFileGetProperty(audioFile, toolbox::FourChars("none"), &cbFormat, &format));
+  EXPECT_EQ(kAudioFileUnsupportedPropertyError,
+            AudioFileGetPropertyInfo(audioFile, toolbox::FourChars("none"), nullptr, nullptr));
+  EXPECT_EQ(kAudio_ParamError,
+            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, nullptr, &format));
+  EXPECT_EQ(kAudio_ParamError,
+            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, nullptr));
+  UInt32 dwPackets = 1;
+  EXPECT_EQ(kAudio_ParamError,
+            AudioFileReadPacketData(audioFile, 0, &cbFormat, nullptr, 0, &dwPackets, nullptr));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+
+  AudioFileID opened = audioFile;
+  EXPECT_EQ(kAudio_ParamError, AudioFileOpenURL(nullptr, kAudioFileReadPermission, 0, &opened));
+  EXPECT_EQ(nullptr, opened);
+  const std::string strPath = m_folder.Path("pcm.wav");
+  const CFURLRef url = CFURLCreateFromFileSystemRepresentation(
+      kCFAllocatorDefault, reinterpret_cast<const UInt8*>(strPath.data()),
+      static_cast<CFIndex>(strPath.size()), 0);
+  EXPECT_EQ(kAudio_ParamError, AudioFileOpenURL(url, kAudioFileReadPermission, 0, nullptr));
+  EXPECT_EQ(kAudioFilePermissionsError,
+            AudioFileOpenURL(url, kAudioFileReadWritePermission, 0, &opened));
+  CFRelease(url);
+}
+
+TEST_F(AudioFileTest, AStaleIdentifier_IsNotOpen_AndANullOneClosesWithSuccess) {
+  const AudioFileID audioFile = OpenPcm(10);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(kAudioFileNotOpenError, AudioFileClose(audioFile));
+  UInt64 qwPackets = 0;
+  UInt32 cbPackets = sizeof qwPackets;
+  EXPECT_EQ(kAudioFileNotOpenError,
+            AudioFileGetProperty(audioFile, kAudioFilePropertyAudioDataPacketCount, &cbPackets,
+                                 &qwPackets));
+  EXPECT_EQ(kAudioFileNotOpenError,
+            AudioFileGetPropertyInfo(nullptr, kAudioFilePropertyDataFormat, nullptr, nullptr));
+  EXPECT_EQ(noErr, AudioFileClose(nullptr));
+}
+
+TEST_F(AudioFileTest, AUrlNeedsAPath) {
+  const auto* pbyPath = reinterpret_cast<const UInt8*>("a\0b");
+  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, nullptr, 3, 0));
+  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, 0, 0));
+  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, -1, 0));
+  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, 3, 0));
+  CFRelease(nullptr);
+}
+
+std::size_t OpenDescriptors() {
+  const std::filesystem::directory_iterator all("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+TEST_F(AudioFileTest, OpeningFailingAndClosing_LeaveNoDescriptorOpen) {
+  EXPECT_EQ(noErr, AudioFileClose(OpenPcm(10)));
+  const std::vector<std::uint8_t> text(100, 'x');
+  m_folder.Write("text.wav", text);
+  const std::size_t nBefore = OpenDescriptors();
+  for (int i = 0; i < 20; ++i) {
+    StatusOfOpening(m_folder.Path("pcm.wav"));
+    StatusOfOpening(m_folder.Path("text.wav"));
+    StatusOfOpening(m_folder.Path());
+  }
+  EXPECT_EQ(nBefore, OpenDescriptors());
+}
+
+}  // namespace

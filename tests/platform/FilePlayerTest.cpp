@@ -1,0 +1,454 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The file-player unit, rendered without a device.
+#include <soxr.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "SoundFiles.h"
+#include "TempFolder.h"
+#include "TestSounds.h"
+
+namespace {
+
+// A player unit of its own and two planes to render into.
+class C_OfflinePlayer {
+ public:
+  C_OfflinePlayer() {
+    const AudioComponentDescription description = {kAudioUnitType_Generator,
+                                                   kAudioUnitSubType_AudioFilePlayer,
+                                                   kAudioUnitManufacturer_Apple, 0, 0};
+    EXPECT_EQ(noErr,
+              AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit));
+  }
+  ~C_OfflinePlayer() {
+    EXPECT_EQ(noErr, AudioComponentInstanceDispose(m_unit));
+    EXPECT_EQ(noErr, AudioFileClose(m_audioFile));
+  }
+  C_OfflinePlayer(const C_OfflinePlayer&) = delete;
+  C_OfflinePlayer& operator=(const C_OfflinePlayer&) = delete;
+
+  [[nodiscard]] AudioUnit Unit() const { return m_unit; }
+  [[nodiscard]] AudioFileID File() const { return m_audioFile; }
+  template <typename T>
+  OSStatus Set(AudioUnitPropertyID dwID, const T& value,
+               AudioUnitScope dwScope = kAudioUnitScope_Global) const {
+    return AudioUnitSetProperty(m_unit, dwID, dwScope, 0, &value, sizeof value);
+  }
+  void UseFile(const std::string& strPath) {
+    m_audioFile = OpenSoundFile(strPath);
+    ASSERT_NE(nullptr, m_audioFile);
+    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduledFileIDs, m_audioFile));
+  }
+  [[nodiscard]] ScheduledAudioFileRegion Region(UInt32 dwFrames) const {
+    ScheduledAudioFileRegion region{};
+    region.mTimeStamp.mFlags = kAudioTimeStampSampleTimeValid;
+    region.mAudioFile = m_audioFile;
+    region.mFramesToPlay = dwFrames;
+    return region;
+  }
+  [[nodiscard]] OSStatus SetRegion(const ScheduledAudioFileRegion& region) const {
+    return Set(kAudioUnitProperty_ScheduledFileRegion, region);
+  }
+  void StartAt(double dSampleTime) const {
+    AudioTimeStamp start{};
+    start.mFlags = kAudioTimeStampSampleTimeValid;
+    start.mSampleTime = dSampleTime;
+    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduleStartTimeStamp, start));
+  }
+  [[nodiscard]] AudioTimeStamp StartTime() const {
+    AudioTimeStamp start{};
+    UInt32 cbStart = sizeof start;
+    EXPECT_EQ(noErr, AudioUnitGetProperty(m_unit, kAudioUnitProperty_ScheduleStartTimeStamp,
+                                          kAudioUnitScope_Global, 0, &start, &cbStart));
+    EXPECT_EQ(64U, cbStart);
+    return start;
+  }
+  void Play(UInt32 dwFrames) {
+    EXPECT_EQ(noErr, SetRegion(Region(dwFrames)));
+    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}));
+    StartAt(-1.0);
+    EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
+  }
+  // Renders one cycle; planes are filled with a value that must not stay.
+  OSStatus Cycle(UInt32 dwFrames) {
+    for (auto& plane : m_planes) plane.fill(77.0F);
+    struct {
+      AudioBufferList list;
+      AudioBuffer second;
+    } buffers{};
+    buffers.list.mNumberBuffers = m_nPlanes;
+    buffers.list.mBuffers[0] = {1, dwFrames * 4, m_planes[0].data()};
+    buffers.second = {1, dwFrames * 4, m_planes[1].data()};
+    AudioTimeStamp stamp{};
+    stamp.mFlags = kAudioTimeStampSampleTimeValid;
+    stamp.mSampleTime = m_dSampleTime;
+    AudioUnitRenderActionFlags dwFlags = 0;
+    const OSStatus nStatus = AudioUnitRender(m_unit, &dwFlags, &stamp, 0, dwFrames, &buffers.list);
+    if (nStatus == noErr) m_dSampleTime += dwFrames;
+    return nStatus;
+  }
+  // What both planes hold after rendering so many frames in cycles of `dwCycle`.
+  std::array<std::vector<float>, 2> Render(std::size_t nFrames, UInt32 dwCycle = 512) {
+    std::array<std::vector<float>, 2> sides;
+    while (sides[0].size() < nFrames) {
+      EXPECT_EQ(noErr, Cycle(dwCycle));
+      for (std::size_t i = 0; i < 2; ++i) {
+        sides.at(i).insert(sides.at(i).end(), m_planes.at(i).begin(),
+                           m_planes.at(i).begin() + dwCycle);
+      }
+    }
+    for (auto& side : sides) side.resize(nFrames);
+    return sides;
+  }
+  void UseOneChannel() {
+    AudioStreamBasicDescription format{};
+    UInt32 cbFormat = sizeof format;
+    EXPECT_EQ(noErr, AudioUnitGetProperty(m_unit, kAudioUnitProperty_StreamFormat,
+                                          kAudioUnitScope_Output, 0, &format, &cbFormat));
+    format.mChannelsPerFrame = 1;
+    EXPECT_EQ(noErr, Set(kAudioUnitProperty_StreamFormat, format, kAudioUnitScope_Output));
+    m_nPlanes = 1;
+  }
+  void UsePlanes(UInt32 dwPlanes) { m_nPlanes = dwPlanes; }
+
+ private:
+  AudioUnit m_unit = nullptr;
+  AudioFileID m_audioFile = nullptr;
+  UInt32 m_nPlanes = 2;
+  double m_dSampleTime = 0;
+  std::array<std::array<float, 4096>, 2> m_planes{};
+};
+
+class FilePlayerTest : public testing::Test {
+ protected:
+  void Write(const char* pszName, int nRate, int nChannels,
+             const std::vector<std::int16_t>& samples) {
+    WriteSoundFile(m_folder.Path(pszName), SF_FORMAT_WAV | SF_FORMAT_PCM_16, nRate, nChannels,
+                   samples);
+  }
+  C_TempFolder m_folder;
+  C_OfflinePlayer m_player;
+};
+
+std::vector<float> Channel(const std::vector<std::int16_t>& samples, std::size_t nChannel,
+                           std::size_t nChannels) {
+  std::vector<float> result;
+  for (std::size_t i = nChannel; i < samples.size(); i += nChannels) {
+    result.push_back(static_cast<float>(samples[i]) / 32768.0F);
+  }
+  return result;
+}
+
+std::vector<float> Converted(const std::vector<float>& input, double dFrom, double dTo) {
+  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
+  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+  std::vector<float> output(
+      static_cast<std::size_t>(static_cast<double>(input.size()) * dTo / dFrom) + 16);
+  std::size_t nDone = 0;
+  EXPECT_EQ(nullptr, soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
+                                  output.size(), &nDone, &io, &quality, nullptr));
+  output.resize(nDone);
+  return output;
+}
+
+bool IsSilent(std::vector<float>::const_iterator itFrom, std::vector<float>::const_iterator itTo) {
+  return std::all_of(itFrom, itTo, [](float fSample) { return fSample == 0.0F; });
+}
+
+TEST_F(FilePlayerTest, AFileAtTheOutputsRate_PassesUnchanged_AndSilenceFollows) {
+  const auto samples = SweepWithNoise(5000, 44100, 2);
+  Write("a.wav", 44100, 2, samples);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(5000);
+  const auto sides = m_player.Render(6000);
+  for (std::size_t i = 0; i < 2; ++i) {
+    const auto want = Channel(samples, i, 2);
+    EXPECT_TRUE(std::equal(want.begin(), want.end(), sides.at(i).begin()));
+    EXPECT_TRUE(IsSilent(sides.at(i).begin() + 5000, sides.at(i).end()));
+  }
+}
+
+TEST_F(FilePlayerTest, AMonoFile_SoundsOnBothSides_ConvertedWithOneFilter) {
+  const auto samples = SweepWithNoise(16000, 16000);
+  Write("a.wav", 16000, 1, samples);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(16000);
+  const auto sides = m_player.Render(45000);
+  const auto want = Converted(Channel(samples, 0, 1), 16000, 44100);
+  ASSERT_EQ(44100U, want.size());
+  EXPECT_TRUE(std::equal(want.begin(), want.end(), sides[0].begin()));
+  EXPECT_EQ(sides[0], sides[1]);
+  EXPECT_TRUE(IsSilent(sides[0].begin() + 44100, sides[0].end()));
+}
+
+TEST_F(FilePlayerTest, TheConversion_DoesNotDependOnTheSizeOfTheCycles) {
+  const auto samples = SweepWithNoise(8000, 8000);
+  Write("a.wav", 8000, 1, samples);
+  const auto want = Converted(Channel(samples, 0, 1), 8000, 44100);
+  for (const UInt32 dwCycle : {1U, 37U, 441U, 512U}) {
+    C_OfflinePlayer player;
+    player.UseFile(m_folder.Path("a.wav"));
+    player.Play(8000);
+    const auto sides = player.Render(want.size(), dwCycle);
+    EXPECT_TRUE(sides[0] == want) << "cycles of " << dwCycle;
+  }
+}
+
+// A sweep from 200 Hz to 3 kHz, where speech has its strength. Towards 7 kHz the filter falls off
+// by up to a hundredth of a decibel, which nobody hears but this measure would.
+TEST_F(FilePlayerTest, AThereAndBackConversion_KeepsNinetyDecibelsOfTheSound) {
+  std::vector<std::int16_t> band(32000);
+  for (std::size_t n = 0; n < band.size(); ++n) {
+    const double dTime = static_cast<double>(n) / 16000;
+    const double dSweep = std::sin(6.283185307 * (200 + 700 * dTime) * dTime);
+    band[n] = static_cast<std::int16_t>(std::lround(12000 * dSweep));
+  }
+  Write("a.wav", 16000, 1, band);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(32000);
+  const auto there = m_player.Render(88200)[0];
+  const auto back = Converted(there, 44100, 16000);
+  ASSERT_EQ(32000U, back.size());
+  double dSignal = 0;
+  double dNoise = 0;
+  for (std::size_t n = 1000; n < 31000; ++n) {
+    const double dWant = band[n] / 32768.0;
+    dSignal += dWant * dWant;
+    const double dError = static_cast<double>(back[n]) - dWant;
+    dNoise += dError * dError;
+  }
+  const double dDecibels = 10 * std::log10(dSignal / dNoise);
+  RecordProperty("decibels", std::to_string(dDecibels));
+  EXPECT_GT(dDecibels, 90.0);
+}
+
+TEST_F(FilePlayerTest, OfThreeChannels_TheFirstTwoSound) {
+  const auto samples = SweepWithNoise(1000, 44100, 3);
+  Write("a.wav", 44100, 3, samples);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(1000);
+  const auto sides = m_player.Render(1000);
+  EXPECT_EQ(Channel(samples, 0, 3), sides[0]);
+  EXPECT_EQ(Channel(samples, 1, 3), sides[1]);
+}
+
+TEST_F(FilePlayerTest, AnOutputOfOneChannel_GetsTheFirst) {
+  const auto samples = SweepWithNoise(1000, 44100, 2);
+  Write("a.wav", 44100, 2, samples);
+  m_player.UseOneChannel();
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(1000);
+  EXPECT_EQ(Channel(samples, 0, 2), m_player.Render(1000)[0]);
+}
+
+TEST_F(FilePlayerTest, OnlyTheScheduledFrames_AreHeard) {
+  const auto samples = SweepWithNoise(1000, 44100);
+  Write("a.wav", 44100, 1, samples);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  auto region = m_player.Region(78);
+  region.mStartFrame = 100;
+  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  m_player.StartAt(-1.0);
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  const auto side = m_player.Render(1000)[0];
+  const auto all = Channel(samples, 0, 1);
+  EXPECT_TRUE(std::equal(side.begin(), side.begin() + 78, all.begin() + 100));
+  EXPECT_TRUE(IsSilent(side.begin() + 78, side.end()));
+}
+
+TEST_F(FilePlayerTest, MoreFramesThanTheFileHas_EndWithTheFile) {
+  const auto samples = SweepWithNoise(300, 44100);
+  Write("a.wav", 44100, 1, samples);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(0xFFFFFFFFU);
+  const auto side = m_player.Render(1024)[0];
+  EXPECT_NE(0.0F, side[299]);
+  EXPECT_TRUE(IsSilent(side.begin() + 300, side.end()));
+}
+
+TEST_F(FilePlayerTest, AnEmptyFile_IsSilence) {
+  Write("a.wav", 16000, 1, {});
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(0);
+  const auto side = m_player.Render(1024)[0];
+  EXPECT_TRUE(IsSilent(side.begin(), side.end()));
+}
+
+TEST_F(FilePlayerTest, TheStartTime_ReadsAsMinusOneUntilTheFirstCycleGivesItItsOwn) {
+  Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
+  m_player.UseFile(m_folder.Path("a.wav"));
+  EXPECT_EQ(0U, m_player.StartTime().mFlags);
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(noErr, m_player.Cycle(512));
+  EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(1000)));
+  m_player.StartAt(-1.0);
+  EXPECT_EQ(-1.0, m_player.StartTime().mSampleTime);
+  EXPECT_EQ(1U, m_player.StartTime().mFlags);
+  EXPECT_EQ(noErr, m_player.Cycle(512));
+  EXPECT_EQ(512.0, m_player.StartTime().mSampleTime);
+  EXPECT_EQ(noErr, m_player.Cycle(512));
+  EXPECT_EQ(512.0, m_player.StartTime().mSampleTime);
+}
+
+TEST_F(FilePlayerTest, ALaterStartAndARegionsOwnTime_AreWaitedForToTheFrame) {
+  const auto samples = SweepWithNoise(1000, 44100);
+  Write("a.wav", 44100, 1, samples);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  auto region = m_player.Region(1000);
+  region.mTimeStamp.mSampleTime = 300;
+  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  m_player.StartAt(700);
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  const auto side = m_player.Render(2048)[0];
+  const auto want = Channel(samples, 0, 1);
+  EXPECT_TRUE(IsSilent(side.begin(), side.begin() + 1000));
+  EXPECT_TRUE(std::equal(want.begin(), want.end(), side.begin() + 1000));
+}
+
+TEST_F(FilePlayerTest, AClosedFile_StaysAudibleForItsRegion) {
+  const auto samples = SweepWithNoise(1000, 44100);
+  Write("a.wav", 44100, 1, samples);
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.wav"));
+  EXPECT_EQ(noErr, m_player.Set(kAudioUnitProperty_ScheduledFileIDs, audioFile));
+  auto region = m_player.Region(1000);
+  region.mAudioFile = audioFile;
+  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  m_player.StartAt(-1.0);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(Channel(samples, 0, 1), m_player.Render(1000)[0]);
+}
+
+TEST_F(FilePlayerTest, ReadingPacketsMeanwhile_DoesNotDisturbTheSound) {
+  const auto samples = SweepWithNoise(3000, 44100);
+  Write("a.wav", 44100, 1, samples);
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(3000);
+  auto side = m_player.Render(512)[0];
+  std::int16_t nLast = 0;
+  UInt32 cbData = sizeof nLast;
+  UInt32 dwPackets = 1;
+  EXPECT_EQ(noErr, AudioFileReadPacketData(m_player.File(), 0, &cbData, nullptr, 2999, &dwPackets,
+                                           &nLast));
+  EXPECT_EQ(samples[2999], nLast);
+  const auto rest = m_player.Render(2488)[0];
+  side.insert(side.end(), rest.begin(), rest.end());
+  EXPECT_EQ(Channel(samples, 0, 1), side);
+}
+
+TEST_F(FilePlayerTest, UninitialisingForgetsTheRegion) {
+  Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
+  m_player.UseFile(m_folder.Path("a.wav"));
+  m_player.Play(1000);
+  EXPECT_EQ(noErr, AudioUnitUninitialize(m_player.Unit()));
+  EXPECT_EQ(kAudioUnitErr_Uninitialized, m_player.Cycle(512));
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  const auto side = m_player.Render(512)[0];
+  EXPECT_TRUE(IsSilent(side.begin(), side.end()));
+  EXPECT_EQ(0U, m_player.StartTime().mFlags);
+}
+
+TEST_F(FilePlayerTest, EveryFormatButPlanarFloat_IsRefused) {
+  const AudioStreamBasicDescription good = {48000, kAudioFormatLinearPCM, 41, 4, 1, 4, 2, 32, 0};
+  const auto set = [this](const AudioStreamBasicDescription& format) {
+    return m_player.Set(kAudioUnitProperty_StreamFormat, format, kAudioUnitScope_Output);
+  };
+  EXPECT_EQ(noErr, set(good));
+  for (const double dRate : {0.0, -1.0, 999.0, 192001.0, 44100.5, std::nan("")}) {
+    auto bad = good;
+    bad.mSampleRate = dRate;
+    EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad)) << dRate;
+  }
+  for (const UInt32 dwChannels : {0U, 3U, 0xFFFFFFFFU}) {
+    auto bad = good;
+    bad.mChannelsPerFrame = dwChannels;
+    EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad)) << dwChannels;
+  }
+  auto bad = good;
+  bad.mFormatFlags = 9;
+  EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad));
+  bad = good;
+  bad.mBytesPerFrame = 8;
+  EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad));
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(kAudioUnitErr_Initialized, set(good));
+}
+
+TEST_F(FilePlayerTest, BadPropertiesScopesElementsAndSizes_AreRefused) {
+  UInt32 dwValue = 0;
+  const AudioUnit unit = m_player.Unit();
+  EXPECT_EQ(kAudioUnitErr_InvalidProperty, m_player.Set(9999, dwValue));
+  EXPECT_EQ(kAudioUnitErr_InvalidScope,
+            m_player.Set(kAudioUnitProperty_ScheduledFilePrime, dwValue, kAudioUnitScope_Input));
+  EXPECT_EQ(kAudioUnitErr_InvalidElement,
+            AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
+                                 kAudioUnitScope_Global, 1, &dwValue, sizeof dwValue));
+  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
+            AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
+                                 kAudioUnitScope_Global, 0, &dwValue, 3));
+  EXPECT_EQ(kAudio_ParamError, AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
+                                                    kAudioUnitScope_Global, 0, nullptr, 4));
+  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
+            m_player.Set(kAudioUnitProperty_ScheduledFileIDs, dwValue));
+  EXPECT_EQ(kAudioUnitErr_InvalidFile,
+            m_player.Set(kAudioUnitProperty_ScheduledFileIDs, AudioFileID{nullptr}));
+  UInt32 cbValue = sizeof dwValue;
+  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
+            AudioUnitGetProperty(unit, kAudioUnitProperty_ScheduleStartTimeStamp,
+                                 kAudioUnitScope_Global, 0, &dwValue, &cbValue));
+  EXPECT_EQ(kAudioUnitErr_InvalidProperty,
+            AudioUnitGetProperty(unit, 9999, kAudioUnitScope_Global, 0, &dwValue, &cbValue));
+  EXPECT_EQ(kAudioUnitErr_PropertyNotInUse,
+            AudioUnitGetProperty(unit, kAudioUnitProperty_ScheduledFileRegion,
+                                 kAudioUnitScope_Global, 0, &dwValue, &cbValue));
+  AudioTimeStamp stamp{};
+  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
+            m_player.Set(kAudioUnitProperty_ScheduleStartTimeStamp, stamp));
+}
+
+TEST_F(FilePlayerTest, RegionsThatCannotBePlayed_AreRefused) {
+  Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
+  EXPECT_EQ(kAudioUnitErr_InvalidFile, m_player.SetRegion(m_player.Region(10)));
+  m_player.UseFile(m_folder.Path("a.wav"));
+  auto region = m_player.Region(10);
+  region.mStartFrame = -1;
+  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, m_player.SetRegion(region));
+  region = m_player.Region(10);
+  region.mTimeStamp.mFlags = 0;
+  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, m_player.SetRegion(region));
+  region = m_player.Region(10);
+  region.mTimeStamp.mSampleTime = std::nan("");
+  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, m_player.SetRegion(region));
+  region = m_player.Region(10);
+  region.mLoopCount = 1;
+  EXPECT_EQ(kAudio_UnimplementedError, m_player.SetRegion(region));
+  EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(10)));
+}
+
+TEST_F(FilePlayerTest, ARateThatNoFilterConverts_IsRefusedWhenPrimed) {
+  Write("a.wav", 99, 1, SweepWithNoise(1000, 99));
+  m_player.UseFile(m_folder.Path("a.wav"));
+  EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(1000)));
+  EXPECT_EQ(kAudioUnitErr_FormatNotSupported,
+            m_player.Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}));
+}
+
+TEST_F(FilePlayerTest, CyclesThatDoNotFit_AreRefused) {
+  EXPECT_EQ(kAudioUnitErr_Uninitialized, m_player.Cycle(512));
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(noErr, m_player.Cycle(512));
+  EXPECT_EQ(kAudioUnitErr_TooManyFramesToProcess, m_player.Cycle(513));
+  m_player.UsePlanes(1);
+  EXPECT_EQ(kAudio_ParamError, m_player.Cycle(512));
+  AudioTimeStamp stamp{};
+  AudioBufferList none{};
+  EXPECT_EQ(kAudio_ParamError, AudioUnitRender(m_player.Unit(), nullptr, &stamp, 0, 1, nullptr));
+  EXPECT_EQ(kAudio_ParamError, AudioUnitRender(m_player.Unit(), nullptr, &stamp, 0, 1, &none));
+  EXPECT_EQ(kAudioUnitErr_InvalidElement,
+            AudioUnitRender(m_player.Unit(), nullptr, &stamp, 1, 1, &none));
+}
+
+}  // namespace
