@@ -7,6 +7,7 @@
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
+#   scripts/install-deps.sh coverage what the tests need and the coverage reporter
 set -euo pipefail
 
 # cubeb finds the sound service's client library at run time, so no package depends on it.
@@ -18,8 +19,9 @@ case "${1:-player}" in
   player) wanted=("${player[@]}") ;;
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
+  coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   *)
-    echo "usage: ${0##*/} [player|test|ci]" >&2
+    echo "usage: ${0##*/} [player|test|ci|coverage]" >&2
     exit 2
     ;;
 esac
