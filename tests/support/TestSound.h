@@ -4,15 +4,9 @@
 #pragma once
 
 #include <cstring>
-#include <memory>
 #include <vector>
 
-#include "WavData.h"
-
-struct S_SoundReleaser {
-  void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
-};
-using C_SoundPtr = std::unique_ptr<I_WavData, S_SoundReleaser>;
+#include "ExampleSound.h"
 
 inline C_SoundPtr MonoSound(const std::vector<short>& samples, unsigned int dwSampleRate = 16000) {
   C_SoundPtr sound(new C_WavData);

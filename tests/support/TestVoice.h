@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A synthetic voice: harmonics of a gliding pitch under a syllable envelope, with breath noise. The
-// same samples on every machine that has IEEE doubles, and nothing in it repeats, so that a shift
-// in time shows in a correlation.
+// A synthetic voice: harmonics of a gliding pitch under a syllable envelope, with breath noise.
+// Nothing in it repeats, so that a shift in time shows in a correlation.
 #pragma once
 
 #include <cmath>
@@ -51,9 +50,13 @@ inline double Likeness(const std::vector<short>& a, const std::vector<short>& b,
 
 // The lag within +-nReach at which b is most like a.
 inline int BestLag(const std::vector<short>& a, const std::vector<short>& b, int nReach) {
-  int nBest = -nReach;
+  int nBest = 0;
+  double dBest = -1.0;
   for (int nLag = -nReach; nLag <= nReach; ++nLag) {
-    if (Likeness(a, b, nLag) > Likeness(a, b, nBest)) nBest = nLag;
+    const double dLikeness = Likeness(a, b, nLag);
+    if (dLikeness <= dBest) continue;
+    dBest = dLikeness;
+    nBest = nLag;
   }
   return nBest;
 }
