@@ -19,6 +19,10 @@ for folder in fuzz bench examples; do
     grep -qwF "$stem" "$folder/CMakeLists.txt" || fail "$file is not listed in $folder/CMakeLists.txt"
   done
 done
+while IFS= read -r -d '' file; do
+  grep -qwF "${file#Lib_Common/Src/LibProject/}" Lib_Common/Src/LibProject/CMakeLists.txt ||
+    fail "$file is not listed in Lib_Common/Src/LibProject/CMakeLists.txt"
+done < <(find Lib_Common -name '*.cpp' -print0)
 for file in "${sources[@]}"; do
   [[ $(head -n 1 "$file") == "// SPDX-License-Identifier: Apache-2.0" ]] || fail "$file: no licence line"
   [[ $file != *.h ]] || grep -q '^#pragma once$' "$file" || fail "$file: no #pragma once"
