@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Any bytes as the payload of a "LIST" chunk: load labels and labelled texts, and save them.
+//
+//   cmake --preset fuzz && cmake --build --preset fuzz --target adtl
+//   build/fuzz/bin/adtl -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//
+// Input: the payload, from "adtl" on. Seeds: what our own writer saves.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "RiffFile.h"
+#include "WavDataListInfo.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+void Require(bool bHolds) {
+  if (!bHolds) std::abort();
+}
+
+bool Load(C_WavDataListInfo& info, const std::uint8_t* pData, std::size_t cbData) {
+  C_RiffChunk chunk("LIST", static_cast<unsigned int>(cbData));
+  chunk.SetData(pData);
+  return info.LoadInfo(&chunk);
+}
+
+Bytes Save(C_WavDataListInfo& info) {
+  C_RiffChunk chunk("LIST", info.GetChunkLength());
+  Require(info.SaveInfo(&chunk));
+  Bytes payload(chunk.GetDataLength());
+  Require(chunk.GetData(payload.data(), chunk.GetDataLength(), 0));
+  return payload;
+}
+
+void CheckEntries(C_WavDataListInfo& info, std::size_t cbData) {
+  const auto nEntries = static_cast<std::size_t>(info.GetLabelCount() + info.GetLtxtCount());
+  Require(nEntries * 12 <= cbData);
+  for (int i = 0; i < info.GetLabelCount(); ++i)
+    Require(std::strlen(info.GetLabelByIndex(i, nullptr)) <= C_WavDataListInfo::kMaxLabelText);
+  for (int i = 0; i < info.GetLtxtCount(); ++i)
+    Require(info.GetLtxtByIndex(i, nullptr, nullptr) != nullptr);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
+  C_WavDataListInfo info;
+  static_cast<void>(Load(info, pData, cbData));
+  CheckEntries(info, cbData);
+  const Bytes saved = Save(info);
+  C_WavDataListInfo again;
+  Require(Load(again, saved.data(), saved.size()));
+  Require(Save(again) == saved);
+  return 0;
+}

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Any bytes as a RIFF file: list, read every payload, parse payloads as chunks, write back.
+//
+//   cmake --preset fuzz && cmake --build --preset fuzz --target riff_list
+//   build/fuzz/bin/riff_list -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//
+// Input: a whole file. Seeds: files of our own writers, one per form and mix of chunks.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+#include <vector>
+
+#include "FuzzFile.h"
+#include "RiffFile.h"
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+void Require(bool bHolds) {
+  if (!bHolds) std::abort();
+}
+
+// A payload is given when the file holds it whole, as it stands there, and not otherwise.
+void CheckPayload(C_RiffChunk& chunk, Bytes file) {
+  const std::uint64_t qwEnd = std::uint64_t{chunk.GetDataPos()} + chunk.GetDataLength();
+  const bool bHeld = chunk.GetDataLength() > 0 && qwEnd <= file.size();
+  std::vector<std::uint8_t> payload(bHeld ? chunk.GetDataLength() : 0);
+  const auto dwLength = static_cast<unsigned int>(payload.size());
+  Require(chunk.GetData(payload.data(), dwLength, 0) == bHeld);
+  const auto inFile = file.subspan(chunk.GetDataPos(), payload.size());
+  Require(std::equal(payload.begin(), payload.end(), inFile.begin()));
+  Require(!chunk.GetData(payload.data(), 2, 0xFFFFFFFFu));
+}
+
+void CheckList(C_RiffChunkList& list, Bytes file) {
+  std::uint64_t qwBehind = 0;
+  for (int i = 0; i < list.GetCount(); ++i) {
+    C_RiffChunk& chunk = *list.GetAt(i);
+    Require(chunk.GetDataPos() >= qwBehind + 8 && chunk.GetDataPos() <= file.size());
+    Require(list.FindChunk(chunk.GetChunkID(), i) == &chunk);
+    qwBehind = std::uint64_t{chunk.GetDataPos()} + chunk.GetDataLength();
+    CheckPayload(chunk, file);
+  }
+}
+
+void CheckFile(C_RiffFile& riff, Bytes file) {
+  CheckList(riff.GetChunks(), file);
+  for (int i = 0; i < riff.GetChunkCount(); ++i) {
+    C_RiffChunk& chunk = *riff.GetChunkAt(i);
+    Require(chunk.LoadSubChunks());
+    CheckList(chunk.GetSubChunks(), file);
+  }
+}
+
+// What was read and written holds the same chunks when it is read again. Lists with payloads that
+// the file cut are left out: zeros are written for them, up to 4 GiB.
+void CheckSave(C_RiffFile& riff, const char* pszFormType, std::size_t cbFile) {
+  if (riff.GetChunks().GetTrueChunksLength() > cbFile) return;
+  const C_FuzzFile target;
+  Require(riff.Save(target.Path(), pszFormType));
+  Require(target.Bytes().size() == 12 + riff.GetChunks().GetTrueChunksLength());
+  C_RiffFile again;
+  Require(again.Open(target.Path(), pszFormType));
+  Require(again.GetChunkCount() == riff.GetChunkCount());
+  for (int i = 0; i < riff.GetChunkCount(); ++i) {
+    Require(again.GetChunkAt(i)->HasChunkID(riff.GetChunkAt(i)->GetChunkID()));
+    Require(again.GetChunkAt(i)->GetDataPos() == riff.GetChunkAt(i)->GetDataPos());
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
+  const C_FuzzFile file({pData, cbData});
+  for (const char* pszFormType : {"WAVE", "VEMD", "VEFF"}) {
+    C_RiffFile riff;
+    if (!riff.Open(file.Path(), pszFormType)) continue;
+    CheckFile(riff, {pData, cbData});
+    CheckSave(riff, pszFormType, cbData);
+  }
+  return 0;
+}
