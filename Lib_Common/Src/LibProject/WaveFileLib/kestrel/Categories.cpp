@@ -13,8 +13,6 @@ constexpr int kBalances = kControlValues - 1;
 constexpr int kFullValueBits = 320;  // of the bits beyond this only 5/8 count
 constexpr int kOffsetMargin = 32;
 
-std::size_t Index(int n) { return static_cast<std::size_t>(n); }
-
 int ExpectedBits(int nCategory) { return kExpectedBits[Index(RealCategory(nCategory))]; }
 
 int CountedBits(int nAvailable) {
@@ -114,7 +112,7 @@ class C_Categoriser {
   S_Assignment m_rich;
   S_Assignment m_poor;
   // Refinements grow to the front from the middle, coarsenings to the back.
-  std::array<int, 2 * kBalances> m_balances{};
+  std::array<int, kBalances + kBalances> m_balances{};
   int m_nFront = kBalances;
   int m_nBack = kBalances;
   int m_nRefined = 0;

@@ -4,22 +4,17 @@
 // depends on the rate.
 #pragma once
 
-#include <array>
 #include <cstdint>
+
+#include "kestrel/Frame.h"
 
 namespace kestrel {
 
-inline constexpr int kSamplesPerFrame = 320;  // 20 ms at 16 kHz; as many coefficients
-inline constexpr int kRegionSize = 20;        // coefficients per region, 500 Hz
-inline constexpr int kMaxRegions = 14;        // coefficients 280..319 are never coded
 inline constexpr int kBitsPerWord = 16;
 inline constexpr int kMaxWordsPerFrame = 40;
 inline constexpr std::uint32_t kDefaultBitRate = 16000;
 inline constexpr std::uint32_t kFramesPerSecond = 50;
 inline constexpr std::uint32_t kRateStep = kFramesPerSecond * kBitsPerWord;  // one word per frame
-
-// Samples or coefficients of one frame.
-using S_Frame = std::array<std::int16_t, kSamplesPerFrame>;
 
 inline constexpr int kRateAsRequested = 0;
 inline constexpr int kRateAdjusted = 8;

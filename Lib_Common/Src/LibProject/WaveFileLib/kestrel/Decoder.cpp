@@ -18,8 +18,8 @@ namespace {
 bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Scale& scale,
                  int nRegions, S_NoiseGenerator& noise, S_Frame& coefficients) {
   bool bEnough = true;
-  for (std::size_t r = 0; r < static_cast<std::size_t>(nRegions); ++r) {
-    const S_Region region(coefficients.data() + r * kRegionSize, kRegionSize);
+  for (std::size_t r = 0; r < Index(nRegions); ++r) {
+    const S_Region region = RegionOf(coefficients, r);
     int nCategory = bEnough ? RealCategory(categories[r]) : kNoiseCategory;
     if (nCategory < kNoiseCategory && !ReadRegion(reader, nCategory, scale.deviation[r], region)) {
       bEnough = false;
@@ -30,8 +30,11 @@ bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Sc
   return bEnough;
 }
 
-// A frame ends in ones. Where the bits ran out, one fewer than are left is looked at: these are
-// sign bits then, so a frame that the encoder had to cut may well count as damaged.
+// A frame ends in ones.
+// Kept: where the bits ran out, the check looks at one fewer than are left. Those are the first of a
+// vector's signs and not padding, so a frame that the encoder had to cut may count as damaged though
+// it is not; every decoder of these streams conceals such frames. Pinned by
+// SignsThatDoNotFit_AreTakenForPaddingButForTheLast.
 bool IsSoundEnd(C_BitReader& reader, bool bEnough, int nControl) {
   const int nLeft = reader.BitsLeft() - (bEnough ? 0 : 1);
   if (nLeft < 0) return nControl == kControlValues - 1;
@@ -51,7 +54,7 @@ const S_Configuration& C_Decoder::Init(std::uint32_t dwBitRate) noexcept {
 
 void C_Decoder::Decode(std::span<const std::uint16_t> words,
                        std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
-  const auto frameWords = words.first(static_cast<std::size_t>(m_configuration.nWordsPerFrame));
+  const auto frameWords = words.first(Index(m_configuration.nWordsPerFrame));
   const S_UnpackedFrame frame = UnpackFrame(frameWords, m_configuration.nRegions, m_state.noise);
   const S_Spectrum spectrum = Conceal(frame, m_state.lastGood);
   InverseTransform(m_state.overlap, spectrum.coefficients, spectrum.nShift, samples);

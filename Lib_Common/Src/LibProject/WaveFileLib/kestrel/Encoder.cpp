@@ -22,7 +22,7 @@ void C_Encoder::Encode(std::span<const std::int16_t, kSamplesPerFrame> samples,
   S_Frame coefficients;
   const int nShift = ForwardTransform(m_state.history, samples, coefficients);
   EncodeCoefficients(coefficients, nShift, m_configuration.nRegions,
-                     words.first(static_cast<std::size_t>(m_configuration.nWordsPerFrame)));
+                     words.first(Index(m_configuration.nWordsPerFrame)));
 }
 
 void EncodeCoefficients(S_Frame coefficients, int nShift, int nRegions,

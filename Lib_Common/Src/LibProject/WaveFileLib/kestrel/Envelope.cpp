@@ -17,11 +17,9 @@ constexpr int kLowestFirstPower = -6;
 constexpr int kSteepestRise = 11;
 constexpr std::int32_t kRoundUpFrom = 28963;  // mantissa sqrt(2) / 1.6, Q15
 
-std::size_t Index(int n) { return static_cast<std::size_t>(n); }
-
-std::int32_t Energy(std::span<const std::int16_t, kRegionSize> region) {
+std::int32_t Energy(S_ConstRegion region) {
   std::int64_t nEnergy = 0;
-  for (const std::int16_t nValue : region) nEnergy += nValue * nValue;
+  for (const std::int16_t nValue : region) nEnergy += std::int64_t{nValue} * nValue;
   return Saturate32(nEnergy);
 }
 
@@ -33,7 +31,7 @@ std::int16_t StandardDeviation(int nEntry) {
 
 }  // namespace
 
-int RegionPower(std::span<const std::int16_t, kRegionSize> region, int nShift) noexcept {
+int RegionPower(S_ConstRegion region, int nShift) noexcept {
   std::int32_t nMantissa = Energy(region);
   int nPower = 0;
   for (; nMantissa > 0xFFFF; ++nPower) nMantissa >>= 1;
@@ -44,10 +42,8 @@ int RegionPower(std::span<const std::int16_t, kRegionSize> region, int nShift) n
 
 S_Envelope MeasureEnvelope(const S_Frame& coefficients, int nShift, int nRegions) noexcept {
   S_Envelope envelope{};
-  for (int r = 0; r < nRegions; ++r) {
-    const auto* pRegion = coefficients.data() + Index(r * kRegionSize);
-    envelope[Index(r)] =
-        RegionPower(std::span<const std::int16_t, kRegionSize>(pRegion, kRegionSize), nShift);
+  for (std::size_t r = 0; r < Index(nRegions); ++r) {
+    envelope[r] = RegionPower(RegionOf(coefficients, r), nShift);
   }
   return envelope;
 }

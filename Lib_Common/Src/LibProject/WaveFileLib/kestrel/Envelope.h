@@ -27,7 +27,7 @@ using S_Envelope = std::array<int, kMaxRegions>;
 // Encoder, in this order.
 
 // Index of one region whose coefficients carry 2^nShift.
-int RegionPower(std::span<const std::int16_t, kRegionSize> region, int nShift) noexcept;
+int RegionPower(S_ConstRegion region, int nShift) noexcept;
 S_Envelope MeasureEnvelope(const S_Frame& coefficients, int nShift, int nRegions) noexcept;
 // Raises valleys in front of peaks that the code could not climb out of, and limits the indices.
 void ShapeEnvelope(S_Envelope& envelope, int nRegions) noexcept;

@@ -19,7 +19,7 @@ std::int16_t NextNoise(S_NoiseGenerator& generator) noexcept {
 }
 
 void FillWithNoise(S_NoiseGenerator& generator, int nCategory, std::int16_t nDeviation,
-                   std::span<std::int16_t, kRegionSize> region) noexcept {
+                   S_Region region) noexcept {
   if (nCategory < kFirstNoiseFillCategory) return;
   const auto nFactor = static_cast<std::size_t>(nCategory - kFirstNoiseFillCategory);
   const std::int16_t nLevel = MulQ15(nDeviation, kNoiseFillFactor[nFactor]);

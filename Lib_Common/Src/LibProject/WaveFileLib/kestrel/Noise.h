@@ -6,9 +6,8 @@
 
 #include <array>
 #include <cstdint>
-#include <span>
 
-#include "kestrel/Configuration.h"
+#include "kestrel/Frame.h"
 
 namespace kestrel {
 
@@ -22,6 +21,6 @@ std::int16_t NextNoise(S_NoiseGenerator& generator) noexcept;
 // Fills a region of category nCategory (0..7) whose standard deviation is nDeviation: nothing in
 // categories 0..4, the zeros in 5 and 6, everything in 7.
 void FillWithNoise(S_NoiseGenerator& generator, int nCategory, std::int16_t nDeviation,
-                   std::span<std::int16_t, kRegionSize> region) noexcept;
+                   S_Region region) noexcept;
 
 }  // namespace kestrel

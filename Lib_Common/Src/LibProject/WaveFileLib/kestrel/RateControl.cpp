@@ -10,8 +10,6 @@ namespace {
 
 constexpr int kFirstControl = 7;
 
-std::size_t Index(int n) { return static_cast<std::size_t>(n); }
-
 class C_RateControl {
  public:
   C_RateControl(const S_Frame& coefficients, const S_PowerEntries& powerEntries,
@@ -46,7 +44,8 @@ class C_RateControl {
                                                             kRegionSize);
     m_coded.nBits -= m_coded.regions[r].nBits;
     m_coded.regions[r] =
-        CodeRegion(region, RealCategory(m_categorisation.categories[r]), m_powerEntries[r]);
+        CodeRegion(RegionOf(m_coefficients, r), RealCategory(m_categorisation.categories[r]),
+                   m_powerEntries[r]);
     m_coded.nBits += m_coded.regions[r].nBits;
   }
 
@@ -62,8 +61,8 @@ S_PowerEntries RescaleRegions(S_Frame& coefficients, const S_Envelope& envelope,
                               int nRegions) noexcept {
   S_PowerEntries entries{};
   for (std::size_t r = 0; r < Index(nRegions); ++r) {
-    const S_Region region(coefficients.data() + r * kRegionSize, kRegionSize);
-    entries[r] = RescaleRegion(region, envelope[r] + 2 * nShift + kPowerIndexZero);
+    entries[r] =
+        RescaleRegion(RegionOf(coefficients, r), envelope[r] + 2 * nShift + kPowerIndexZero);
   }
   return entries;
 }

@@ -15,7 +15,7 @@
 #include <cstdint>
 #include <span>
 
-#include "kestrel/Configuration.h"
+#include "kestrel/Frame.h"
 
 namespace kestrel {
 

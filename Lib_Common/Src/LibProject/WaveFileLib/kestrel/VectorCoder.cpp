@@ -15,8 +15,6 @@ namespace {
 constexpr int kHighestPowerEntry = 40;
 constexpr std::size_t kMaxDimension = 5;
 
-std::size_t Index(int n) { return static_cast<std::size_t>(n); }
-
 // Magnitude to bin for one category and power: the inverse of step * standard deviation in Q13 with
 // two more bits, and the rounding offset, kept in the same two parts.
 struct S_Quantiser {
@@ -79,8 +77,10 @@ std::optional<int> ReadVectorIndex(C_BitReader& reader, std::span<const S_TreeNo
   return -nNode;
 }
 
-// The sign moves on with the value, not with the bin: under a small deviation a bin can come out as
-// 0, and its sign then serves the next coefficient of the vector.
+// Kept: the sign moves on with the value, not with the bin. Under a small deviation a bin comes out
+// as 0, and its sign then serves the next coefficient of the vector; the streams that are about were
+// decoded that way from the first, and a decoder that kept bins and signs together would play other
+// samples. Pinned by ABinThatComesOutAsZero_LeavesItsSignToTheNext.
 void Dequantise(const S_Bins& bins, int nSigns, int nSignBits, int nCategory,
                 std::int16_t nDeviation, std::span<std::int16_t> coefficients) {
   for (std::size_t i = 0; i < coefficients.size(); ++i) {
@@ -114,8 +114,7 @@ int RescaleRegion(S_Region region, int nPowerEntry) noexcept {
   return nPowerEntry - 2 * nShift;
 }
 
-S_CodedRegion CodeRegion(std::span<const std::int16_t, kRegionSize> region, int nCategory,
-                         int nPowerEntry) noexcept {
+S_CodedRegion CodeRegion(S_ConstRegion region, int nCategory, int nPowerEntry) noexcept {
   S_CodedRegion coded;
   if (nCategory == kNoiseCategory) return coded;
   const S_Quantiser quantiser(nCategory, nPowerEntry);

@@ -13,8 +13,6 @@
 
 namespace kestrel {
 
-using S_Region = std::span<std::int16_t, kRegionSize>;
-
 // A region ready to be written; empty for the noise category.
 struct S_CodedRegion {
   struct S_Vector {
@@ -32,8 +30,7 @@ struct S_CodedRegion {
 int RescaleRegion(S_Region region, int nPowerEntry) noexcept;
 
 // nCategory 0..7. region and nPowerEntry as RescaleRegion leaves them.
-S_CodedRegion CodeRegion(std::span<const std::int16_t, kRegionSize> region, int nCategory,
-                         int nPowerEntry) noexcept;
+S_CodedRegion CodeRegion(S_ConstRegion region, int nCategory, int nPowerEntry) noexcept;
 void WriteRegion(C_BitWriter& writer, const S_CodedRegion& coded) noexcept;
 
 // Reads a region of category 0..6. False when the frame's bits run out; the region then holds the

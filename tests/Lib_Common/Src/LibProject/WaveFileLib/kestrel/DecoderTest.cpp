@@ -9,6 +9,7 @@
 #include "VectorFiles.h"
 #include "kestrel/Encoder.h"
 #include "kestrel/Envelope.h"
+#include "kestrel/TablesVectorCodes.h"
 
 namespace kestrel {
 namespace {
@@ -123,6 +124,37 @@ TEST(UnpackFrame, AFrameOfZeros_IsDamagedAndAFrameOfOnesIsNot) {
     EXPECT_TRUE(Unpack(zeros, configuration.nRegions).bDamaged) << dwRate;
     EXPECT_FALSE(Unpack(ones, configuration.nRegions).bDamaged) << dwRate;
   }
+}
+
+void Put(C_BitWriter& writer, const S_Code& code) { writer.Put(code.wWord, code.byBits); }
+
+// A frame of 4800 bit/s whose last vector has five signs, of which only the given three bits fit.
+// The flat envelope gives region 0 category 5, the others category 6.
+std::vector<std::uint16_t> CutInsideSigns(std::uint32_t dwThreeSigns) {
+  const S_Code fullest = kVectorCodes[6].back();
+  std::vector<std::uint16_t> words(6);
+  C_BitWriter writer(words);
+  S_Envelope envelope{};
+  WriteEnvelope(writer, envelope, 8);
+  writer.Put(0, 4);
+  for (int n = 0; n < 4; ++n) Put(writer, kVectorCodes[5][0]);
+  const int nLastVector = 96 - 3 - fullest.byBits;
+  while (writer.BitsPut() + fullest.byBits + 5 <= nLastVector) {
+    Put(writer, fullest);
+    writer.Put(0b11111, 5);
+  }
+  while (writer.BitsPut() < nLastVector) Put(writer, kVectorCodes[6][0]);
+  Put(writer, fullest);
+  EXPECT_EQ(writer.BitsPut(), 93);
+  writer.Put(dwThreeSigns, 3);
+  return words;
+}
+
+TEST(UnpackFrame, SignsThatDoNotFit_AreTakenForPaddingButForTheLast) {
+  EXPECT_FALSE(Unpack(CutInsideSigns(0b111), 8).bDamaged);
+  EXPECT_FALSE(Unpack(CutInsideSigns(0b110), 8).bDamaged);
+  EXPECT_TRUE(Unpack(CutInsideSigns(0b101), 8).bDamaged);
+  EXPECT_TRUE(Unpack(CutInsideSigns(0b011), 8).bDamaged);
 }
 
 TEST(UnpackFrame, ADamagedFrame_MovesTheGeneratorAsAGoodOneDoes) {
