@@ -36,6 +36,7 @@ class C_CubebStream {
   void Stop();
 
  private:
+  void AskService();
   static long OnData(cubeb_stream* pStream, void* pThis, const void* pInput, void* pOutput,
                      long nFrames);
   static void OnState(cubeb_stream* pStream, void* pThis, cubeb_state state);
@@ -74,7 +75,17 @@ bool C_CubebStream::Open() {
   return true;
 }
 
+// Starting a stream whose service has just died aborts the process inside the library. After an
+// answer, or the lack of one, its death is known here.
+void C_CubebStream::AskService() {
+  cubeb_device_collection devices{};
+  if (cubeb_enumerate_devices(m_pContext.get(), CUBEB_DEVICE_TYPE_OUTPUT, &devices) == CUBEB_OK) {
+    cubeb_device_collection_destroy(m_pContext.get(), &devices);
+  }
+}
+
 bool C_CubebStream::Start() {
+  AskService();
   m_bStarted = true;
   m_bPlayingOut = false;
   if (m_bFailed) return false;
