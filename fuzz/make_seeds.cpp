@@ -123,21 +123,22 @@ Bytes WithHeader(const Bytes& stream) {
   return target.Bytes();
 }
 
+// The fuzzers of the coder choose a rate by the first byte, the rest is what they code.
+Bytes Chosen(std::size_t nChoice, std::span<const std::uint8_t> rest) {
+  Bytes bytes = {static_cast<std::uint8_t>(nChoice)};
+  bytes.insert(bytes.end(), rest.begin(), rest.end());
+  return bytes;
+}
+
 void AddStreams(C_Seeds& seeds) {
   constexpr std::size_t cbHead = 6;  // length and bit rate
-  for (const unsigned int dwBitRate : kEncodedRates) {
-    const Bytes stream = KestrelStream(dwBitRate, 4);
-    const std::span frames = std::span(stream).subspan(cbHead);
+  for (std::size_t i = 0; i < kEncodedRates.size(); ++i) {
+    const Bytes stream = KestrelStream(kEncodedRates[i], 4);
+    const std::size_t nChoice = (kEncodedRates[i] - kLowestRate) / kRateStep;
     seeds.Add({"kestrel_stream"}, stream);
     seeds.Add({"factory", "sp_header"}, WithHeader(stream));
-    // The fuzzers of the coder choose a rate by their first byte.
-    Bytes chosen = {static_cast<std::uint8_t>((dwBitRate - kLowestRate) / kRateStep)};
-    chosen.insert(chosen.end(), frames.begin(), frames.end());
-    seeds.Add({"kestrel_frame"}, chosen);
-    chosen.resize(1);
-    const Bytes pcm = ExamplePcm({}, 700);
-    chosen.insert(chosen.end(), pcm.begin(), pcm.end());
-    seeds.Add({"kestrel_encode_decode"}, chosen);
+    seeds.Add({"kestrel_frame"}, Chosen(nChoice, std::span(stream).subspan(cbHead)));
+    seeds.Add({"kestrel_encode_decode"}, Chosen(i, ExamplePcm({}, 700)));
   }
 }
 
