@@ -19,9 +19,9 @@ class C_FakePlayer final : public I_Voxplay {
   bool Pause() override { return Note("Pause"); }
   void Release() override {
     Note("Release");
-    if (g_player.bReleaseThrows) throw std::runtime_error("AUGraphStop");
     --g_player.nAlive;
     delete this;
+    if (g_player.bReleaseThrows) throw std::runtime_error("AUGraphStop");
   }
   int Reserved5() override { return 0; }
   int Reserved6() override { return 0; }

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FakeLibrary.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
-#include <regex>
 
 #include "KestrelFile.h"
 #include "WavFileFormat.h"
@@ -38,8 +39,15 @@ bool C_FakeLibrary::Answer(std::deque<bool>& answers) {
 }
 
 std::string ShortName(const char* pszPath) {
-  return std::regex_replace(std::string(pszPath), std::regex("^" P_tmpdir "/file[A-Za-z0-9]{6}"),
-                            "<temporary>");
+  constexpr std::size_t kRandom = 6;
+  const std::string strPath = pszPath;
+  const std::string strStart = P_tmpdir "/file";
+  const std::size_t nEnd = strStart.size() + kRandom;
+  if (!strPath.starts_with(strStart) || strPath.size() < nEnd) return strPath;
+  const std::string strRandom = strPath.substr(strStart.size(), kRandom);
+  const bool bPlain = std::all_of(strRandom.begin(), strRandom.end(),
+                                  [](unsigned char c) { return std::isalnum(c) != 0; });
+  return bPlain ? "<temporary>" + strPath.substr(nEnd) : strPath;
 }
 
 int C_FakeWavFile::Release() {
