@@ -237,6 +237,9 @@ std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeLinearForm() {
 
 void C_WavFile::SetLinearForm(const S_LinearForm& form) {
   const S_PcmFormatRecord record = m_codecInfo.GetPCMWAVEFORMAT();
+  // Samples of an earlier file would be fewer than the new length says.
+  GetWavData()->AttachBuffer(nullptr, 0);
+  GetWavData()->DetachBuffer();
   GetWavData()->SetWavInfoData(record.dwSamplesPerSec, form.dwByteLength, record.wChannels,
                                form.wBits, form.wBits, form.wBits > 8);
 }
