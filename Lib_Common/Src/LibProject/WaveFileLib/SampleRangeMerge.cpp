@@ -17,9 +17,8 @@ unsigned int LastPosition(const S_SampleRange& range) {
 std::vector<std::size_t> IndexesByStart(const std::vector<S_SampleRange>& ranges) {
   std::vector<std::size_t> indexes(ranges.size());
   std::iota(indexes.begin(), indexes.end(), std::size_t{0});
-  std::stable_sort(indexes.begin(), indexes.end(), [&](std::size_t a, std::size_t b) {
-    return ranges[a].dwStart < ranges[b].dwStart;
-  });
+  std::sort(indexes.begin(), indexes.end(),
+            [&](std::size_t a, std::size_t b) { return ranges[a].dwStart < ranges[b].dwStart; });
   return indexes;
 }
 

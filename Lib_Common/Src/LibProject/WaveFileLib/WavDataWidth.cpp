@@ -13,7 +13,11 @@
 
 namespace {
 
-// The length of dwSamples samples, when it fits 32 bits.
+struct S_Releaser {
+  void operator()(I_WavData* pSound) const { pSound->Release(); }
+};
+
+// The length of qwSamples samples, when it fits 32 bits.
 std::optional<unsigned int> ConvertedByteLength(std::uint64_t qwSamples,
                                                 unsigned short wStoreBits) {
   // Kept: rounds with +1, not +7. All the same for whole bytes, which are the only widths that
@@ -71,11 +75,9 @@ bool C_WavData::ConvertBits(unsigned short wBits, unsigned short wStoreBits, boo
       bSigned == m_wavInfo.IsValueSigned()) {
     return true;
   }
-  I_WavData* pConverted = CreateBitsConvertedData(wBits, wStoreBits, bSigned, bExact);
-  if (pConverted == nullptr) return false;
-  const bool bRet = CopyWavData(pConverted);
-  pConverted->Release();
-  return bRet;
+  const std::unique_ptr<I_WavData, S_Releaser> converted(
+      CreateBitsConvertedData(wBits, wStoreBits, bSigned, bExact));
+  return CopyWavData(converted.get());
 }
 
 I_WavData* C_WavData::CreateBitsConvertedData(unsigned short wBits, unsigned short wStoreBits,

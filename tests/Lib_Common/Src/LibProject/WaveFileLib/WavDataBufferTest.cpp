@@ -265,13 +265,12 @@ TEST(WavDataBuffer, MaxAbsValue_OfAFormatThatClaimsMoreThanIsHeld_EndsWithTheBuf
   EXPECT_EQ(sound.Buffer().GetHeldSampleSize(), 2u);
 }
 
-TEST(WavDataBuffer, CreateIterator_DeletesTheOneBefore) {
+TEST(WavDataBuffer, CreateIterator_StartsWhereItIsTold) {
   C_Sound sound = Mono16({1, 2, 3});
-  C_WavDataBufferIterator* pFirst = sound.Buffer().CreateIterator(0, 0);
-  EXPECT_EQ(pFirst->GetValue(), 1);
-  C_WavDataBufferIterator* pSecond = sound.Buffer().CreateIterator(2, 0);
-  EXPECT_EQ(pSecond->GetValue(), 3);
-  // That the first is gone, and both are freed once, is what the leak and address checks show.
+  EXPECT_EQ(sound.Buffer().CreateIterator(0, 0)->GetValue(), 1);
+  EXPECT_EQ(sound.Buffer().CreateIterator(2, 0)->GetValue(), 3);
+  C_Sound stereo = Stereo16({1, 2, 3, 4});
+  EXPECT_EQ(stereo.Buffer().CreateIterator(1, 1)->GetValue(), 4);
 }
 
 TEST(WavDataBuffer, Iterators_MadeDirectly_LeaveTheBuffersOwnAlone) {

@@ -392,21 +392,6 @@ TEST(WavData, ReservedOperation_IsTrue) {
   EXPECT_TRUE(sound.Reserved45(0xFFFFFFFFu, 1));
 }
 
-TEST(WavData, Destructor_FreesEverythingThatIsOwned) {
-  auto sound = std::make_unique<C_WavData>();
-  SetSound(*sound, {1, 2, 3});
-  sound->SetEncBuffer("abc", 3);
-  sound->AddSilenceSegment(1, 2);
-  sound->AddUncompressRegion(1, 2);
-  sound->GetEventTagMgr()->AddEvent(1, 1, 5, "event", 0);
-  InfoOf<I_WavDataCueInfo>(*sound, 1)->AddCuePoint(1, 2, 3, 4, 5, 6);
-  InfoOf<I_WavDataListInfo>(*sound, 4)->AddLabel(1, "label");
-  InfoOf<I_WavDataExtraChunkInfo>(*sound, 5)->AddChunk("abcd", "xyz", 3);
-  EXPECT_EQ(sound->GetSilenceSegmentList()->GetSize(), 1);
-  sound.reset();
-  // Freed once and wholly: the leak and address checks of the sanitizer builds say so.
-}
-
 // ---- the table of operations ----
 
 // Notes which operation each slot reaches.
