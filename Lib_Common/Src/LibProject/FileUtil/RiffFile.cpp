@@ -219,13 +219,12 @@ bool C_RiffChunk::ReadPayload() {
   std::FILE* pFile = m_stream->pFile;
   const auto qwFileLength = vcm::SizeAndSeekEnd(pFile);
   if (!vcm::SeekTo(pFile, m_dwDataPos)) return false;
-  m_bReadFailed = true;
-  if (!qwFileLength || *qwFileLength < std::uint64_t{m_dwDataPos} + m_dwSize) return false;
-  auto pbyData = std::make_unique_for_overwrite<std::uint8_t[]>(m_dwSize);
-  if (!vcm::ReadExact(pFile, {pbyData.get(), m_dwSize})) return false;
-  m_pbyData = std::move(pbyData);
-  m_bReadFailed = false;
-  return true;
+  std::unique_ptr<std::uint8_t[]> pbyData;
+  const bool bHeld = qwFileLength && *qwFileLength >= std::uint64_t{m_dwDataPos} + m_dwSize;
+  if (bHeld) pbyData = std::make_unique_for_overwrite<std::uint8_t[]>(m_dwSize);
+  m_bReadFailed = !bHeld || !vcm::ReadExact(pFile, {pbyData.get(), m_dwSize});
+  if (!m_bReadFailed) m_pbyData = std::move(pbyData);
+  return !m_bReadFailed;
 }
 
 C_RiffFile::~C_RiffFile() { SafeCloseFile(); }

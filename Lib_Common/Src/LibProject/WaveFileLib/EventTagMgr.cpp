@@ -13,6 +13,12 @@ unsigned int CommandIndex(unsigned short wMain, unsigned short wSub) {
   return static_cast<unsigned int>(wMain) << 16 | wSub;
 }
 
+C_EventTag& TagAt(const C_EventTagMgr::EventList& list, int nIndex, const char* pszFunction) {
+  C_EventTag* pEventTag = list.GetAt(nIndex);
+  VCM_ASSERT(pEventTag != nullptr, pszFunction, kSource, __LINE__, "pEventTag != NULL");
+  return *pEventTag;
+}
+
 auto AtTime(unsigned int dwTime) {
   return [dwTime](C_EventTag& tag) { return tag.GetTime() == dwTime; };
 }
@@ -58,12 +64,12 @@ void C_EventTagMgr::RemoveAllEvents() {
 }
 
 I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByTime(unsigned int dwTime) {
-  return Collect(AtTime(dwTime));
+  return Collect(AtTime(dwTime), "GetEventsByTime");
 }
 
 I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByCommand(unsigned short wMain,
                                                           unsigned short wSub) {
-  return Collect(WithCommand(wMain, wSub));
+  return Collect(WithCommand(wMain, wSub), "GetEventsByCommand");
 }
 
 // Kept: tags pass through their time, so moments set in samples lose what is below a millisecond;
@@ -72,9 +78,11 @@ I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByCommand(unsigned short wMain,
 bool C_EventTagMgr::AddEvents(I_CLArray<I_EventTag*>* pList) {
   std::vector<I_EventTag*> tags;
   for (int i = 0; i < pList->GetSize(); ++i) tags.push_back(pList->GetItemByIndex(i));
-  for (I_EventTag* pTag : tags) {
-    if (AddEvent(pTag->GetMainCommandIndex(), pTag->GetSubCommandIndex(), pTag->GetTime(),
-                 pTag->GetDescription(), pTag->GetData()) == nullptr) {
+  for (I_EventTag* pEventTag : tags) {
+    VCM_ASSERT(pEventTag != nullptr, "AddEvents", kSource, __LINE__, "pEventTag != NULL");
+    if (AddEvent(pEventTag->GetMainCommandIndex(), pEventTag->GetSubCommandIndex(),
+                 pEventTag->GetTime(), pEventTag->GetDescription(),
+                 pEventTag->GetData()) == nullptr) {
       return false;
     }
   }
@@ -92,7 +100,7 @@ I_EventTag* C_EventTagMgr::AddEventBySamplePos(unsigned short wMain, unsigned sh
 }
 
 I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsBySamplePos(unsigned int dwSamplePos) {
-  return Collect(AtSample(dwSamplePos));
+  return Collect(AtSample(dwSamplePos), "GetEventsBySamplePos");
 }
 
 // Kept: the list is not sorted again, although tags set as times and tags set in samples may change
@@ -115,27 +123,29 @@ bool C_EventTagMgr::RemoveEvent(int nIndex) {
   return true;
 }
 
-void C_EventTagMgr::RemoveEventsByTime(unsigned int dwTime) { TakeOutAll(AtTime(dwTime)); }
+void C_EventTagMgr::RemoveEventsByTime(unsigned int dwTime) {
+  TakeOutAll(AtTime(dwTime), "RemoveEventsByTime");
+}
 
 void C_EventTagMgr::RemoveEventsBySamplePos(unsigned int dwSamplePos) {
-  TakeOutAll(AtSample(dwSamplePos));
+  TakeOutAll(AtSample(dwSamplePos), "RemoveEventsBySamplePos");
 }
 
 void C_EventTagMgr::RemoveEventsByCommand(unsigned short wMain, unsigned short wSub) {
-  TakeOutAll(WithCommand(wMain, wSub));
+  TakeOutAll(WithCommand(wMain, wSub), "RemoveEventsByCommand");
 }
 
 bool C_EventTagMgr::RemoveEventByTime(unsigned int dwTime, int nOccurrence) {
-  return TakeOutOne(AtTime(dwTime), nOccurrence);
+  return TakeOutOne(AtTime(dwTime), nOccurrence, "RemoveEventByTime");
 }
 
 bool C_EventTagMgr::RemoveEventBySamplePos(unsigned int dwSamplePos, int nOccurrence) {
-  return TakeOutOne(AtSample(dwSamplePos), nOccurrence);
+  return TakeOutOne(AtSample(dwSamplePos), nOccurrence, "RemoveEventBySamplePos");
 }
 
 bool C_EventTagMgr::RemoveEventByCommand(unsigned short wMain, unsigned short wSub,
                                          int nOccurrence) {
-  return TakeOutOne(WithCommand(wMain, wSub), nOccurrence);
+  return TakeOutOne(WithCommand(wMain, wSub), nOccurrence, "RemoveEventByCommand");
 }
 
 I_EventTag* C_EventTagMgr::Insert(std::unique_ptr<C_EventTag> tag, const S_Ordering& ordering) {
@@ -173,26 +183,27 @@ int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering
 }
 
 template <typename Match>
-I_CLArray<I_EventTag*>* C_EventTagMgr::Collect(Match match) {
+I_CLArray<I_EventTag*>* C_EventTagMgr::Collect(Match match, const char* pszFunction) {
   m_found.RemoveAll();
   for (int i = 0; i < m_events.GetCount(); ++i) {
-    if (match(*m_events.GetAt(i))) m_found.Add(m_events.GetAt(i));
+    C_EventTag& tag = TagAt(m_events, i, pszFunction);
+    if (match(tag)) m_found.Add(&tag);
   }
   return &m_found;
 }
 
 template <typename Match>
-void C_EventTagMgr::TakeOutAll(Match match) {
+void C_EventTagMgr::TakeOutAll(Match match, const char* pszFunction) {
   for (int i = m_events.GetCount() - 1; i >= 0; --i) {
-    if (match(*m_events.GetAt(i))) m_events.RemoveAt(i, 1);
+    if (match(TagAt(m_events, i, pszFunction))) m_events.RemoveAt(i, 1);
   }
 }
 
 template <typename Match>
-bool C_EventTagMgr::TakeOutOne(Match match, int nOccurrence) {
+bool C_EventTagMgr::TakeOutOne(Match match, int nOccurrence, const char* pszFunction) {
   int nMatches = 0;
   for (int i = 0; i < m_events.GetCount(); ++i) {
-    if (!match(*m_events.GetAt(i))) continue;
+    if (!match(TagAt(m_events, i, pszFunction))) continue;
     if (nMatches == nOccurrence) return RemoveEvent(i);
     ++nMatches;
   }

@@ -49,11 +49,11 @@ class C_EventTagMgr : public I_EventTagMgr {
   I_EventTag* Insert(std::unique_ptr<C_EventTag> tag, const S_Ordering& ordering);
   int InsertPosition(unsigned int dwKey, const S_Ordering& ordering) const;
   template <typename Match>
-  I_CLArray<I_EventTag*>* Collect(Match match);
+  I_CLArray<I_EventTag*>* Collect(Match match, const char* pszFunction);
   template <typename Match>
-  void TakeOutAll(Match match);
+  void TakeOutAll(Match match, const char* pszFunction);
   template <typename Match>
-  bool TakeOutOne(Match match, int nOccurrence);
+  bool TakeOutOne(Match match, int nOccurrence, const char* pszFunction);
 
   EventList m_events;
   EventList m_found;

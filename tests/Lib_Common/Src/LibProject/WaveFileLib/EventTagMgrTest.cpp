@@ -187,6 +187,19 @@ TEST_F(EventTagMgr, NullEntry_StopsANewRate) {
   m_mgr.SetSampleRate(0);
 }
 
+TEST_F(EventTagMgr, NullEntry_StopsEveryWalkThatMeetsIt) {
+  AddNull();
+  const auto Stops = [](const std::string& strFunction) {
+    return "^" + strFunction +
+           ": WaveFileLib/EventTagMgr:[0-9]+: assertion failed: pEventTag != NULL\n$";
+  };
+  EXPECT_DEATH(m_mgr.GetEventsByTime(1), Stops("GetEventsByTime"));
+  EXPECT_DEATH(m_mgr.GetEventsByCommand(1, 1), Stops("GetEventsByCommand"));
+  EXPECT_DEATH(m_mgr.RemoveEventsBySamplePos(1), Stops("RemoveEventsBySamplePos"));
+  EXPECT_DEATH(m_mgr.RemoveEventByTime(1, 0), Stops("RemoveEventByTime"));
+  EXPECT_DEATH(m_mgr.AddEvents(m_mgr.GetEventList()), Stops("AddEvents"));
+}
+
 TEST_F(EventTagMgr, SetSampleRate_ReachesEveryTag) {
   m_mgr.SetSampleRate(8000);
   I_EventTag* pSample = AtSample(8000, 1);
