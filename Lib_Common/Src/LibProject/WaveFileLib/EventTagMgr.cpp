@@ -77,6 +77,7 @@ I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByCommand(unsigned short wMain,
 // AddEvents_GoesThroughTheTimeAndLosesSamples.
 bool C_EventTagMgr::AddEvents(I_CLArray<I_EventTag*>* pList) {
   std::vector<I_EventTag*> tags;
+  tags.reserve(static_cast<std::size_t>(pList->GetSize()));
   for (int i = 0; i < pList->GetSize(); ++i) tags.push_back(pList->GetItemByIndex(i));
   for (I_EventTag* pEventTag : tags) {
     VCM_ASSERT(pEventTag != nullptr, "AddEvents", kSource, __LINE__, "pEventTag != NULL");

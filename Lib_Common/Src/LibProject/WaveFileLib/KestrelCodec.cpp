@@ -220,7 +220,7 @@ bool C_KestrelCodec::IsSupportedBitRate(unsigned int dwBitRate) const {
 
 bool C_KestrelCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen,
                             I_WavData* piWavData, PFN_DecodedData pfnData) {
-  CODEC_ASSERT(NULL != piWavData, "Decode", __LINE__, "NULL != piWavData");
+  CODEC_ASSERT(piWavData != nullptr, "Decode", __LINE__, "NULL != piWavData");
   if (piWavData == nullptr || m_pfnDecoderInit == nullptr) return false;
   vcm::C_TempFile pcmFile;
   if (pcmFile.Stream() == nullptr || pbyEncData == nullptr) return false;
@@ -238,7 +238,7 @@ bool C_KestrelCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncD
 bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,
                             unsigned char** ppbyEncData, unsigned int* pdwEncDataLen,
                             PFN_CodecProgress pfnProgress) {
-  CODEC_ASSERT((NULL != piWavData) && (NULL != ppbyEncData) && (NULL != pdwEncDataLen), "Encode",
+  CODEC_ASSERT(piWavData != nullptr && ppbyEncData != nullptr && pdwEncDataLen != nullptr, "Encode",
                __LINE__, "(NULL != piWavData) && (NULL != ppbyEncData) && (NULL != pdwEncDataLen)");
   if (piWavData == nullptr || ppbyEncData == nullptr || pdwEncDataLen == nullptr) return false;
   *ppbyEncData = nullptr;

@@ -87,7 +87,7 @@ bool C_KestrelFile::Decode(const char* pszFileName, C_KestrelCodec& codec,
   I_WavData* pIWavData = GetWavData();
   if (pIWavData == nullptr) return false;
   I_AudioCodecParam* piParam = pIWavData->GetAudioCodecParam();
-  VCM_ASSERT(NULL != piParam, "Decode", kSource, __LINE__, "NULL != piParam");
+  VCM_ASSERT(piParam != nullptr, "Decode", kSource, __LINE__, "NULL != piParam");
   const auto stream = ReadStream(pszFileName);
   const auto dwLength = static_cast<unsigned int>(stream.size());
   if (!pIWavData->SetEncBuffer(stream.data(), dwLength)) return false;
@@ -99,7 +99,7 @@ bool C_KestrelFile::Decode(const char* pszFileName, C_KestrelCodec& codec,
 bool C_KestrelFile::Encode(I_WavData* pIMonoData, C_KestrelCodec& codec,
                            PFN_CodecProgress pfnProgress, S_Stream* pStream) {
   I_AudioCodecParam* piParam = GetAudioCodecParam();
-  VCM_ASSERT(NULL != piParam, "Encode", kSource, __LINE__, "NULL != piParam");
+  VCM_ASSERT(piParam != nullptr, "Encode", kSource, __LINE__, "NULL != piParam");
   const unsigned int dwBitRate = piParam->GetBitRate();
   unsigned char* pbyStream = nullptr;
   if (!codec.LoadCodec(dwBitRate)) return false;
