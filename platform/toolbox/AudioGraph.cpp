@@ -31,7 +31,7 @@ std::shared_ptr<C_OutputUnit> C_AudioGraph::Output() {
 
 OSStatus C_AudioGraph::AddNode(const AudioComponentDescription& description, AUNode& node) {
   const std::lock_guard lock(m_lock);
-  const AudioComponent component = AudioComponentFindNext(nullptr, &description);
+  AudioComponent component = AudioComponentFindNext(nullptr, &description);
   if (component == nullptr) return kAUGraphErr_InvalidAudioUnit;
   S_Node added{m_lastNode + 1, description, nullptr, nullptr};
   AudioComponentGetDescription(component, &added.description);
@@ -48,7 +48,7 @@ OSStatus C_AudioGraph::AddNode(const AudioComponentDescription& description, AUN
 }
 
 OSStatus C_AudioGraph::OpenNode(S_Node& node) {
-  const AudioComponent component = AudioComponentFindNext(nullptr, &node.description);
+  AudioComponent component = AudioComponentFindNext(nullptr, &node.description);
   const OSStatus nStatus = AudioComponentInstanceNew(component, &node.unit);
   if (nStatus != noErr) return nStatus;
   node.pUnit = FindUnit(node.unit);

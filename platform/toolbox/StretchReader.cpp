@@ -38,8 +38,7 @@ C_StretchReader::C_StretchReader(std::shared_ptr<C_AudioFile> pFile, SInt64 nSta
   const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
   const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
   soxr_error_t pError = nullptr;
-  const soxr_t pSoxr =
-      soxr_create(dFileRate, dOutputRate, m_dwChannels, &pError, &io, &quality, nullptr);
+  soxr_t pSoxr = soxr_create(dFileRate, dOutputRate, m_dwChannels, &pError, &io, &quality, nullptr);
   if (pSoxr == nullptr) return;
   m_pConverter = std::make_unique<S_Converter>();
   m_pConverter->pSoxr.reset(pSoxr);

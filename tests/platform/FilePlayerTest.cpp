@@ -436,6 +436,23 @@ TEST_F(FilePlayerTest, ARateThatNoFilterConverts_IsRefusedWhenPrimed) {
             m_player.Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}));
 }
 
+TEST_F(FilePlayerTest, TheOddestRatesThatAreConverted_KeepTheLength) {
+  struct S_Case {
+    int nRate;
+    std::size_t nFrames;
+  };
+  for (const S_Case& odd : {S_Case{100, 50}, S_Case{1000000, 100000}}) {
+    Write("a.wav", odd.nRate, 1, SweepWithNoise(odd.nFrames, static_cast<unsigned>(odd.nRate)));
+    C_OfflinePlayer player;
+    player.UseFile(m_folder.Path("a.wav"));
+    player.Play(static_cast<UInt32>(odd.nFrames));
+    const auto side = player.Render(30000)[0];
+    const auto nLength = odd.nFrames * 44100 / static_cast<std::size_t>(odd.nRate);
+    EXPECT_FALSE(IsSilent(side.begin(), side.begin() + 400));
+    EXPECT_TRUE(IsSilent(side.begin() + static_cast<std::ptrdiff_t>(nLength) + 1, side.end()));
+  }
+}
+
 TEST_F(FilePlayerTest, CyclesThatDoNotFit_AreRefused) {
   EXPECT_EQ(kAudioUnitErr_Uninitialized, m_player.Cycle(512));
   EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));

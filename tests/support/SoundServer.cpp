@@ -152,7 +152,11 @@ void C_SoundServer::UseInThisProcess() const {
   setenv("PULSE_SERVER", ("unix:" + Path("native")).c_str(), 1);
 }
 
-void UseNoSoundServerInThisProcess() { setenv("PULSE_SERVER", "unix:/nonexistent/native", 1); }
+void UseNoSoundServerInThisProcess() {
+  setenv("PULSE_SERVER", "unix:/nonexistent/native", 1);
+  setenv("ALSA_CONFIG_PATH", "/dev/null", 1);
+  setenv("JACK_NO_START_SERVER", "1", 1);
+}
 
 // norewinds: without it the sink has already handed out, and takes back, the first milliseconds of
 // every stream, and the recording misses them.

@@ -87,5 +87,6 @@ class C_SoundServer {
   pid_t m_nServer = -1;
 };
 
-// Makes this process find no sound server at all, wherever one may be running.
+// Makes this process find neither a sound server nor a sound card, wherever it runs. Not to be
+// undone.
 void UseNoSoundServerInThisProcess();
