@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A label that names an annotation without a cue point to place it stops the program, on purpose.
+// It is the one thing in a file that does, so the fuzzers leave such files alone.
+#pragma once
+
+#include "I_WavDataInfo.h"
+#include "WavFile.h"
+#include "WavLabels.h"
+
+// True for a RIFF sound file that may be loaded, and for anything that is none.
+inline bool LabelsArePlaced(const char* pszFileName) {
+  C_WavFile file;
+  void* pList = nullptr;
+  void* pCues = nullptr;
+  if (!file.OpenByName(pszFileName)) return true;
+  if (!file.GetDataInfo(WAV_DATA_INFO_LIST, &pList)) return false;
+  if (!file.GetDataInfo(WAV_DATA_INFO_CUE, &pCues)) return false;
+  auto& list = *static_cast<I_WavDataListInfo*>(pList);
+  for (int i = 0; i < list.GetLabelCount(); ++i) {
+    unsigned int dwID = 0;
+    const wavlabels::S_Label label = wavlabels::ParseLabel(list.GetLabelByIndex(i, &dwID));
+    if (label.eKind == wavlabels::S_Label::Kind::Other) continue;
+    if (static_cast<I_WavDataCueInfo*>(pCues)->FindCuePointByID(dwID, nullptr) == nullptr)
+      return false;
+  }
+  return true;
+}

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Any bytes as the text of a label, against a second reading of the same rules.
+//
+//   cmake --preset fuzz && cmake --build --preset fuzz --target label_text
+//   build/fuzz/bin/label_text -max_len=128 -max_total_time=60 CORPUS_DIRECTORY
+//
+// Input: the text; it ends at the first NUL. Seeds: labels of every form.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "WavLabels.h"
+
+namespace {
+
+using wavlabels::S_Label;
+
+void Require(bool bHolds) {
+  if (!bHolds) std::abort();
+}
+
+// Digit by digit: blanks, a sign, digits, of the first 31 characters; held at the 64-bit limits.
+unsigned int SlowNumber(std::string strText) {
+  strText = strText.substr(0, 31);
+  std::size_t n = strText.find_first_not_of(" \t\n\v\f\r");
+  if (n == std::string::npos) return 0;
+  const bool bMinus = strText[n] == '-';
+  if (bMinus || strText[n] == '+') ++n;
+  constexpr std::uint64_t kMost = ~std::uint64_t{0} >> 1;
+  const std::uint64_t qwLimit = bMinus ? kMost + 1 : kMost;
+  std::uint64_t qwValue = 0;
+  for (; n < strText.size() && strText[n] >= '0' && strText[n] <= '9'; ++n) {
+    const auto qwDigit = static_cast<std::uint64_t>(strText[n] - '0');
+    qwValue = qwValue > (qwLimit - qwDigit) / 10 ? qwLimit : qwValue * 10 + qwDigit;
+    if (qwValue == qwLimit) break;
+  }
+  return static_cast<unsigned int>(bMinus ? 0 - qwValue : qwValue);
+}
+
+S_Label SlowEvent(unsigned int dwMain, unsigned int dwSub) {
+  return {S_Label::Kind::Event, static_cast<unsigned short>(dwMain),
+          static_cast<unsigned short>(dwSub)};
+}
+
+// The same rules by searching: an underscore belongs to the "u" when one stands before it, else to
+// the "e" when one stands before it.
+S_Label SlowParse(const std::string& strText) {
+  const std::size_t nU = strText.find('u');
+  const std::size_t nE = strText.find('e');
+  std::size_t nFirst = std::string::npos;
+  for (std::size_t n = 0; n < strText.size(); ++n) {
+    if (strText[n] != '_') continue;
+    if (nU < n) {
+      if (nFirst != std::string::npos) {
+        return SlowEvent(SlowNumber(strText.substr(nFirst + 1, n - nFirst - 1)),
+                         SlowNumber(strText.substr(n + 1)));
+      }
+      nFirst = n;
+    } else if (nE < n) {
+      const unsigned int dwBoth = SlowNumber(strText.substr(n + 1));
+      return SlowEvent(dwBoth >> 16, dwBoth);
+    }
+  }
+  if (strText == "VX_Silence") return {S_Label::Kind::Silence, 0, 0};
+  if (strText == "VX_PCM") return {S_Label::Kind::Region, 0, 0};
+  return {};
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
+  std::string strText(pData, pData + cbData);
+  strText.resize(std::char_traits<char>::length(strText.c_str()));
+  const S_Label label = wavlabels::ParseLabel(strText.c_str());
+  Require(label == SlowParse(strText));
+  if (label.eKind == S_Label::Kind::Event) {
+    const std::string strWritten = wavlabels::EventLabel(label.wMain, label.wSub);
+    Require(wavlabels::ParseLabel(strWritten.c_str()) == label);
+  }
+  return 0;
+}
