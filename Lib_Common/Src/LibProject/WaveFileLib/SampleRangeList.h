@@ -12,7 +12,7 @@
 
 #include "SampleRangeMerge.h"
 
-namespace sample_ranges {
+namespace vcm {
 
 template <typename List>
 using ItemOf = std::remove_pointer_t<decltype(std::declval<const List&>().GetAt(0))>;
@@ -70,4 +70,4 @@ void CopyItems(List& list, const Source* pSource) {
   }
 }
 
-}  // namespace sample_ranges
+}  // namespace vcm

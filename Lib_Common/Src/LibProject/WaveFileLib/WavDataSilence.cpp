@@ -37,7 +37,7 @@ C_WavData::SilenceList* C_WavData::DetectSilenceRange(unsigned int dwThreshold,
   if (dwThreshold > kMaxThreshold || wFirstChannel > wLastChannel) return nullptr;
   if (bReplace) {
     const S_SampleRange range{dwStartSample, dwEndSample};
-    sample_ranges::RemoveItemsIf(m_silenceSegments, [&](int, C_SilenceSegment* pSegment) {
+    vcm::RemoveItemsIf(m_silenceSegments, [&](int, C_SilenceSegment* pSegment) {
       return pSegment != nullptr && (range.Holds(pSegment->GetStartSamplePos()) ||
                                      range.Holds(pSegment->GetEndSamplePos()));
     });
@@ -62,14 +62,14 @@ void C_WavData::AddQuietRuns(int nThreshold, unsigned int dwMinLength, unsigned 
     const bool bQuiet = ~nThreshold <= nMean && nMean <= nThreshold;
     if (bQuiet && !bInRun) dwRunStart = dwSample;
     if (!bQuiet && bInRun && dwSample - dwRunStart >= dwMinLength) {
-      sample_ranges::AppendRange(m_silenceSegments, dwRunStart, dwSample - 1);
+      vcm::AppendRange(m_silenceSegments, dwRunStart, dwSample - 1);
     }
     bInRun = bQuiet;
   }
   // Kept: a run that reaches the end needs one sample more than one that ends before it; segments
   // in existing files were found this way. Pinned by RunUpToTheEnd_NeedsOneSampleMore.
   if (bInRun && dwEndSample - dwRunStart >= dwMinLength) {
-    sample_ranges::AppendRange(m_silenceSegments, dwRunStart, dwEndSample);
+    vcm::AppendRange(m_silenceSegments, dwRunStart, dwEndSample);
   }
 }
 
@@ -86,27 +86,27 @@ int C_WavData::MeanValue(unsigned int dwSamplePos, unsigned short wFirstChannel,
 }
 
 C_WavData::SilenceList* C_WavData::AddSilenceSegment(unsigned int dwStart, unsigned int dwEnd) {
-  sample_ranges::AppendRange(m_silenceSegments, dwStart, dwEnd);
+  vcm::AppendRange(m_silenceSegments, dwStart, dwEnd);
   MergeSilenceSegments();
   return &m_silenceSegments;
 }
 
 C_WavData::RegionList* C_WavData::AddUncompressRegion(unsigned int dwStart, unsigned int dwEnd) {
-  sample_ranges::AppendRange(m_uncompressRegions, dwStart, dwEnd);
+  vcm::AppendRange(m_uncompressRegions, dwStart, dwEnd);
   MergeUncompressRegions();
   return &m_uncompressRegions;
 }
 
-void C_WavData::MergeSilenceSegments() { sample_ranges::MergeItems(m_silenceSegments); }
+void C_WavData::MergeSilenceSegments() { vcm::MergeItems(m_silenceSegments); }
 
-void C_WavData::MergeUncompressRegions() { sample_ranges::MergeItems(m_uncompressRegions); }
+void C_WavData::MergeUncompressRegions() { vcm::MergeItems(m_uncompressRegions); }
 
 void C_WavData::SetSilenceSegmentList(SilenceList* pList) {
-  sample_ranges::CopyItems(m_silenceSegments, pList);
+  vcm::CopyItems(m_silenceSegments, pList);
 }
 
 void C_WavData::SetUncompressRegionList(RegionList* pList) {
-  sample_ranges::CopyItems(m_uncompressRegions, pList);
+  vcm::CopyItems(m_uncompressRegions, pList);
 }
 
 void C_WavData::MakeSilenceSegmentsMute() {
