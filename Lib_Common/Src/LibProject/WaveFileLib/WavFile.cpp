@@ -244,6 +244,9 @@ void C_WavFile::SetLinearForm(const S_LinearForm& form) {
                                form.wBits, form.wBits, form.wBits > 8);
 }
 
+// Kept: a "LIST" of another type than "adtl" is neither understood nor kept, while any other chunk
+// is kept and written back; titles in INFO lists are lost by loading and saving, as they always
+// were. Pinned by InfoListsAreLost and OtherChunksAreKeptVerbatim.
 bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
   C_ExtraChunkKeeper extra(InfoOf<I_WavDataExtraChunkInfo>(*this, WAV_DATA_INFO_EXTRA_CHUNK));
   for (int i = 0; i < riff.GetChunkCount(); ++i) {
@@ -267,6 +270,9 @@ bool C_WavFile::LoadSamples(std::FILE* pFile) {
   return m_codecInfo.GetFormatTag() == WAVE_TAG_PCM && LoadStoredPcm(pFile);
 }
 
+// Kept: silence segments and regions are replaced, events are added to those that are there, so
+// that a sound can collect the events of several files. Pinned by
+// AnnotationsOfTheSoundAreReplacedButEventsAreAdded.
 void C_WavFile::LoadAnnotations() {
   auto* pIListInfo = InfoOf<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST);
   auto* pICueInfo = InfoOf<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE);

@@ -103,6 +103,9 @@ void C_WavFileBase::SafeDeleteWavData() {
   m_pIWavData = nullptr;
 }
 
+// Kept: a file cut within its samples loads all the same, at its full length with silence where
+// nothing is left; recordings broken off on the way stay playable. Pinned by
+// MissingTailOfTheDataIsZero.
 bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
   const std::uint64_t dwLength = m_pIWavData->GetBufferLength();
   const std::optional<std::uint64_t> qwFileSize = vcm::SizeAndSeekEnd(pFile);

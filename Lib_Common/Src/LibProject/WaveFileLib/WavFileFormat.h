@@ -31,8 +31,11 @@ class C_WavFileFormat : public I_WavFileFormat {
   // RIFF sound files of both forms.
   bool IsWavFile(const char* pszFileName);
 
-  // Opens the file as class T. A load that fails is tried once more, with the codec parameters'
-  // platform set to AUDIO_CODEC_PLATFORM_FALLBACK. On failure pOut is null and the object is gone.
+  // Opens the file as class T. On failure pOut is null and the object is gone.
+  //
+  // Kept: a load that fails is tried once more, with the codec parameters' platform set to
+  // AUDIO_CODEC_PLATFORM_FALLBACK, although pieces that were handed to pfnData are then handed over
+  // twice; some streams load only so. Pinned by AStreamThatFailsAtItsEndIsHeardTwice.
   //
   // T: default constructor, LoadByName, OpenByName, GetAudioCodecParam.
   template <typename T>

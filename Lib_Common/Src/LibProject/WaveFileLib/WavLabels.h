@@ -7,8 +7,10 @@
 //   silence segment       first sample       "VX_Silence"        sample count, purpose "rgn "
 //   uncompressed region   first sample       "VX_PCM"            sample count, purpose "rgn "
 //
-// Cue point identifiers count from 1: events first, then silence segments, then regions. What an
-// event says beyond its two indices (description, data) does not travel.
+// Cue point identifiers count from 1: events first, then silence segments, then regions.
+//
+// Kept: what an event says beyond its two indices (description, data) does not travel; old readers
+// take the text for the indices and nothing else. Pinned by DescriptionAndDataOfEventsDoNotTravel.
 #pragma once
 
 #include <string>

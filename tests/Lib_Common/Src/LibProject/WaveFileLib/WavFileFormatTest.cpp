@@ -156,6 +156,20 @@ TEST_F(WavFileFormat, TryingLeavesNoTrace) {
   EXPECT_EQ(CountOpenFiles(), nOpen);
 }
 
+TEST_F(WavFileFormat, NothingIsPrintedWhateverHappens) {
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  const C_AnyFilePtr file = Create(File(MonoWav(8).Chunk("cue ", CueBytes({{1, 2, 3}}))));
+  ASSERT_NE(file, nullptr);
+  EXPECT_TRUE(Write(*file, m_folder.Path("out.wav")));
+  EXPECT_FALSE(Write(*file, m_folder.Path("no/folder.wav")));
+  EXPECT_EQ(Create(File(Ascii("RIFF and then nothing of use"))), nullptr);
+  EXPECT_EQ(Create(File(SpFile(14, KestrelStream(1, 2)))), nullptr);
+  EXPECT_EQ(Create(m_folder.Path("missing")), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST_F(WavFileFormat, OpenGivesFormatAndChunksButNoSamples) {
   C_RiffBytes riff = MonoWav(8);
   riff.Chunk("cue ", CueBytes({{1, 2, 3}})).Chunk("fact", U32(4));

@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "WavData.h"
+
 using wavlabels::EventLabel;
 using wavlabels::ParseLabel;
 using wavlabels::S_Label;
@@ -116,4 +118,26 @@ TEST(WavLabels, EventLabelsReadBackAsWritten) {
     EXPECT_EQ(ParseLabel(EventLabel(wValue, 7).c_str()), Event(wValue, 7));
     EXPECT_EQ(ParseLabel(EventLabel(7, wValue).c_str()), Event(7, wValue));
   }
+}
+
+namespace {
+
+class C_ListWithoutText : public C_WavDataListInfo {
+ public:
+  const char* GetLabelByIndex(int, unsigned int* pdwID) override {
+    *pdwID = 1;
+    return nullptr;
+  }
+};
+
+}  // namespace
+
+TEST(WavLabelsDeathTest, ALabelWithoutTextStopsTheProgram) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  C_WavData data;
+  C_ListWithoutText list;
+  C_WavDataCueInfo cues(data.GetWavInfo());
+  list.AddLabel(1, "u_1_2");
+  EXPECT_DEATH(wavlabels::LoadAnnotations(data, list, cues),
+               "WaveFileLib/WavFile.*NULL != pszLabel");
 }
