@@ -29,6 +29,9 @@
 
 namespace {
 
+// Kept: eight rates, although the coder takes every multiple of 800 from 4800 on, and decoding too:
+// these are the ones that devices in the field were tested with. Pinned by
+// IsSupportedBitRate_HoldsForEightRatesOnly.
 constexpr std::array<unsigned int, 8> kEncodeRates = {7200,  9600,  12000, 14400,
                                                       16000, 20000, 24000, 32000};
 constexpr std::size_t kLengthField = 4;
@@ -119,7 +122,7 @@ bool DecodeFrames(C_VXAudioCodec::PFN_DecodeFrame pfnDecodeFrame, S_Stream& stre
   }
   // Kept: a claim that ends within a frame fails the decode although all its whole frames were
   // decoded and reported, so that files cut by faulty tools are noticed. Pinned by
-  // Decode_LengthThatLeavesAPartialFrame_FailsAfterAllWholeFrames.
+  // LengthThatLeavesAPartialFrame_FailsAfterAllWholeFrames.
   return stream.nWords >= 0 && stream.nWords % nWords == 0;
 }
 

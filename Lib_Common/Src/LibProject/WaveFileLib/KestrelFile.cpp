@@ -116,6 +116,9 @@ bool C_KestrelFile::MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream)
   const C_WavDataPtr mono(pIWavData->CreateBitsConvertedData(16, 16, true, true));
   if (!mono) return false;
   mono->ConvertToMono();
+  // Kept: a stream that is there is stored as it is, also when the PCM was edited since; coding it
+  // again would cost quality, and who wants that forces it. Pinned by
+  // WriteFile_AfterALoad_WritesTheLoadedStreamEvenWhenThePcmWasChanged.
   if (!m_bForceEncode && GetCodingType() == AUDIO_FILE_KESTREL) {
     pStream->pbyData = pIWavData->GetEncBuffer();
     pStream->dwLength = pIWavData->GetEncBufferLen();

@@ -222,8 +222,8 @@ TEST(KestrelDecode, LengthThatLeavesAPartialFrame_FailsAlsoWhereTheBytesEndEarli
 
 TEST(KestrelDecode, LengthAbove65535_IsReadWhole) {
   const std::uint32_t dwClaim = 2 + 1750 * 40;  // 70002 = 0x11172
-  const auto decoded = Decode(
-      C_KestrelBytes(16000).Words(std::vector<std::uint16_t>(1750 * 20)).Claim(dwClaim).Take());
+  const auto decoded =
+      Decode(C_KestrelBytes(16000).Words(std::vector<std::uint16_t>(35000)).Claim(dwClaim).Take());
   EXPECT_TRUE(decoded.bResult);
   EXPECT_EQ(1750u * 320, decoded.samples.size());
 }
@@ -284,7 +284,7 @@ TEST(KestrelDecode, WordsAreLittleEndian) {
 TEST(KestrelDecode, AnyWords_DecodeWithoutFault) {
   std::uint32_t dwNoise = 7;
   for (unsigned int dwBitRate = 4800; dwBitRate <= 32000; dwBitRate += 800) {
-    std::vector<std::uint16_t> words(dwBitRate / 800 * 30);
+    std::vector<std::uint16_t> words(std::size_t{30} * (dwBitRate / 800));
     for (std::uint16_t& wWord : words) {
       dwNoise = dwNoise * 1664525u + 1013904223u;
       wWord = static_cast<std::uint16_t>(dwNoise >> 16);

@@ -40,6 +40,7 @@ bool Decode(const Bytes& stream, PFN_DecodedData pfnData = nullptr) {
                       pfnData);
 }
 
+constexpr std::size_t kThreeFramesPcm = 1920;
 Bytes ThreeFrames() { return C_KestrelBytes(16000).Voice(3).Take(); }
 
 int g_nCallsUntilThrow = 0;
@@ -149,16 +150,16 @@ TEST(KestrelDecodeTemp, IsGoneAfterEveryKindOfFailure) {
 
 TEST(KestrelDecodeTemp, DiskFullAtAnyPoint_IsFalseAndLeavesNothing) {
   const auto use = WatchTemp([] {
-    for (std::size_t cbLimit = 0; cbLimit < 3 * 640; cbLimit += 13) {
+    for (std::size_t cbLimit = 0; cbLimit < kThreeFramesPcm; cbLimit += 13) {
       const C_FileSizeLimit limit(cbLimit);
       if (Decode(ThreeFrames())) return true;
     }
     return false;
   });
   EXPECT_FALSE(use.bResult);
-  EXPECT_GE(use.nCreated, 3 * 640 / 13);
+  EXPECT_GE(use.nCreated, static_cast<int>(kThreeFramesPcm / 13));
   EXPECT_EQ(0, use.nLeft);
-  const C_FileSizeLimit limit(3 * 640);
+  const C_FileSizeLimit limit(kThreeFramesPcm);
   EXPECT_TRUE(Decode(ThreeFrames()));
 }
 
