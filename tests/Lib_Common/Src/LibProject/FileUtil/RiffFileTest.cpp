@@ -264,8 +264,7 @@ TEST_F(RiffFile, FileCutAnywhere_ListsWhatItsHeadersSay) {
 }
 
 TEST_F(RiffFile, AnySizeFields_NeverTakeTheListingOutOfTheFile) {
-  const std::uint32_t sizes[] = {
-      0, 1, 2, 3, 7, 8, 9, 0x7FFF, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF7u, 0xFFFFFFFEu, 0xFFFFFFFFu};
+  const std::uint32_t sizes[] = {0, 3, 8, 9, 0x7FFF, 0x80000000u, 0xFFFFFFF7u, 0xFFFFFFFFu};
   for (const std::uint32_t dwRiff : sizes) {
     for (const std::uint32_t dwFirst : sizes) {
       for (const std::uint32_t dwSecond : sizes) {
