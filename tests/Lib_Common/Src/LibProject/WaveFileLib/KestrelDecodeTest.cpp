@@ -256,6 +256,14 @@ TEST(KestrelDecode, BytesBelowASixteenthOfTheLength_FailBeforeTheFirstFrame) {
   EXPECT_THAT(g_lengths, IsEmpty());
 }
 
+TEST(KestrelDecode, OneFrameHeld_IsEnoughForAClaimOf16FramesAndNotOf17) {
+  // 42 bytes behind the length field; 16 times that is 672.
+  EXPECT_TRUE(Decode(C_KestrelBytes(16000).Voice(1).Claim(2 + 16 * 40).Take()).bResult);
+  EXPECT_EQ(1u, g_lengths.size());
+  EXPECT_FALSE(Decode(C_KestrelBytes(16000).Voice(1).Claim(2 + 17 * 40).Take()).bResult);
+  EXPECT_THAT(g_lengths, IsEmpty());
+}
+
 TEST(KestrelDecode, GreatestLengths_AreRefusedAtOnce) {
   for (const std::uint32_t dwClaim :
        {0xFFFFFFFFu, 0xFFFFFFFEu, 0x80000000u, 0x7FFFFFFFu, 0xFFFFFFF7u}) {
