@@ -60,7 +60,7 @@ TEST(WavFileCodecInfo, CopiesAsManyBytesAsTheTagsRecordHas) {
   EXPECT_EQ(RecordBytes(BlockFmtBytes(11, 505, tail)), 20u);
   EXPECT_EQ(RecordBytes(MSAdpcmBytes(0, 40)), 22u);
   EXPECT_EQ(RecordBytes(MSAdpcmBytes(7, 40)), 50u);
-  EXPECT_EQ(RecordBytes(MSAdpcmBytes(0xFFFF, 4 * 0xFFFF)),
+  EXPECT_EQ(RecordBytes(MSAdpcmBytes(0xFFFF, std::size_t{4} * 0xFFFF)),
             std::size_t{C_WavFileCodecInfo::kMaxBytes});
 }
 

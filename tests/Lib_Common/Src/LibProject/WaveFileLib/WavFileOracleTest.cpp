@@ -75,7 +75,7 @@ class WavFileOracle : public testing::TestWithParam<S_Shape> {
   }
   // A sound of 96 frames of noise, written by us.
   C_Bytes WriteOurs(const S_Shape& shape, const std::string& strName) {
-    const C_Bytes pcm = NoiseBytes(std::size_t{96} * shape.wChannels * (shape.wBits / 8));
+    C_Bytes pcm = NoiseBytes(std::size_t{96} * shape.wChannels * (shape.wBits / 8));
     const C_WavFilePtr file = MakeSound(AUDIO_FILE_WAVE, 22050, shape.wChannels, shape.wBits,
                                         shape.wBits, shape.wBits > 8, pcm);
     EXPECT_TRUE(Write(*file, m_folder.Path(strName)));
