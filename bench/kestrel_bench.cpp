@@ -70,7 +70,7 @@ void EncodeFrame(benchmark::State& state) {
   kestrel::C_Encoder encoder;
   encoder.Init(static_cast<std::uint32_t>(state.range(0)));
   std::vector<std::uint16_t> words(kestrel::kMaxWordsPerFrame);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto iteration : state) {
     encoder.Encode(FrameOf(frames.Next()), words);
     benchmark::DoNotOptimize(words.data());
     benchmark::ClobberMemory();
@@ -96,7 +96,7 @@ void DecodeFrame(benchmark::State& state) {
   kestrel::C_Decoder decoder;
   C_Frames frames(words, static_cast<std::size_t>(decoder.Init(dwRate).nWordsPerFrame));
   kestrel::S_Frame samples;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto iteration : state) {
     decoder.Decode(frames.Next(), samples);
     benchmark::DoNotOptimize(samples.data());
     benchmark::ClobberMemory();

@@ -38,7 +38,8 @@ Bytes Save(C_WavDataListInfo& info) {
 }
 
 void CheckEntries(C_WavDataListInfo& info, std::size_t cbData) {
-  const auto nEntries = static_cast<std::size_t>(info.GetLabelCount() + info.GetLtxtCount());
+  const auto nEntries = static_cast<std::size_t>(info.GetLabelCount()) +
+                        static_cast<std::size_t>(info.GetLtxtCount());
   Require(nEntries * 12 <= cbData);
   for (int i = 0; i < info.GetLabelCount(); ++i)
     Require(std::strlen(info.GetLabelByIndex(i, nullptr)) <= C_WavDataListInfo::kMaxLabelText);

@@ -93,12 +93,22 @@ void AddChunks(C_Seeds& seeds) {
   const C_SoundPtr sound = ExampleSound({}, 320);
   AddAnnotations(*sound);
   const Bytes wave = WaveFile(*sound, AUDIO_FILE_WAVE);
-  seeds.Add({"adtl", "wav_write_read"}, Payload(wave, "LIST"));
-  seeds.Add({"smpl_cue", "wav_write_read"}, Payload(wave, "cue "));
-  seeds.Add({"smpl_cue", "wav_write_read"}, Payload(wave, "smpl"));
+  seeds.Add({"adtl"}, Payload(wave, "LIST"));
+  seeds.Add({"smpl_cue"}, Payload(wave, "cue "));
+  seeds.Add({"smpl_cue"}, Payload(wave, "smpl"));
   for (const char* pszLabel :
        {"u_3_7", "u_65535_0", "u__", "e_196615", "VX_Silence", "VX_PCM", "cue_end", "u-_1e_2"})
     seeds.AddText({"label_text"}, pszLabel);
+}
+
+// Form and widths, channels, rate, five numbers of things, then their fields and the samples.
+void AddDescriptions(C_Seeds& seeds) {
+  for (std::uint8_t byForm = 0; byForm < 16; ++byForm) {
+    Bytes description = {byForm, 2, 0x80, 0x3E, 0, 0, 2, 1, 1, 1, 1};
+    const Bytes pcm = ExamplePcm({}, 200);
+    description.insert(description.end(), pcm.begin(), pcm.end());
+    seeds.Add({"wav_write_read"}, description);
+  }
 }
 
 Bytes KestrelStream(unsigned int dwBitRate, std::size_t nFrames) {
@@ -158,6 +168,7 @@ int main(int argc, char** argv) {
   C_Seeds seeds(argv[1]);
   AddWaves(seeds);
   AddChunks(seeds);
+  AddDescriptions(seeds);
   AddStreams(seeds);
   AddNames(seeds);
   return EXIT_SUCCESS;
