@@ -22,17 +22,12 @@ namespace {
 constexpr std::array<unsigned int, 8> kRates = {7200,  9600,  12000, 14400,
                                                 16000, 20000, 24000, 32000};
 
-struct S_Releaser {
-  void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
-};
-using C_SoundPtr = std::unique_ptr<I_WavData, S_Releaser>;
-
 void Require(bool bHolds) {
   if (!bHolds) std::abort();
 }
 
 std::vector<std::uint8_t> Encode(std::span<const std::uint8_t> pcm, unsigned int dwBitRate) {
-  const C_SoundPtr sound(new C_WavData);
+  const C_WavDataPtr sound(new C_WavData);
   const auto cbPcm = static_cast<unsigned int>(pcm.size());
   Require(sound->SetBuffer(pcm.data(), cbPcm));
   sound->SetWavInfoData(16000, cbPcm, 1, 16, 16, true);
@@ -59,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   const std::span pcm(pData + 1, dwSamples * 2);
   const auto stream = Encode(pcm, dwBitRate);
   Require(stream.size() == 6 + FramesFor(dwSamples) * dwBitRate / 400);
-  const C_SoundPtr decoded(new C_WavData);
+  const C_WavDataPtr decoded(new C_WavData);
   C_KestrelCodec codec;
   codec.LoadCodec(dwBitRate);
   Require(codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), decoded.get(),

@@ -18,11 +18,6 @@
 
 namespace {
 
-struct S_Releaser {
-  void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
-};
-using C_SoundPtr = std::unique_ptr<I_WavData, S_Releaser>;
-
 std::size_t g_cbPieces = 0;
 void CountPiece(void*, unsigned int dwLength) { g_cbPieces += dwLength; }
 
@@ -62,7 +57,7 @@ std::vector<std::uint8_t> WithHeader(std::span<const std::uint8_t> stream) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   const std::span bytes(pData, cbData);
-  const C_SoundPtr sound(new C_WavData);
+  const C_WavDataPtr sound(new C_WavData);
   const bool bDecoded = DecodeBytes(bytes, sound.get());
   const C_FuzzFile file(WithHeader(bytes));
   C_KestrelFile kestrelFile;

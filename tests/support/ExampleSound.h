@@ -13,10 +13,7 @@
 #include "I_WavDataInfo.h"
 #include "WavData.h"
 
-struct S_SoundReleaser {
-  void operator()(I_WavData* pISound) const { pISound->Release(); }
-};
-using C_SoundPtr = std::unique_ptr<I_WavData, S_SoundReleaser>;
+using C_SoundPtr = C_WavDataPtr;
 
 struct S_SoundFormat {
   unsigned int dwSampleRate = 16000;

@@ -18,11 +18,6 @@ namespace {
 constexpr const char* kSource = "WaveFileLib/KestrelFile";
 constexpr const char* kStreamChunk = "vdat";
 
-struct S_Releaser {
-  void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
-};
-using C_WavDataPtr = std::unique_ptr<I_WavData, S_Releaser>;
-
 // The bytes behind the SP header, all of them without one. Empty on failure.
 std::vector<unsigned char> ReadStream(const char* pszFileName) {
   C_SpHeader header;

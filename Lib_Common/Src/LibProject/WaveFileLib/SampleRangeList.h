@@ -24,14 +24,14 @@ void AppendRange(List& list, unsigned int dwStart, unsigned int dwEnd) {
   static_cast<void>(item.release());
 }
 
-// Deletes the items that bRemove(index, item) picks; the others keep their order. Linear, unlike
-// removing them one by one.
+// Deletes the items that bRemove(item) picks, which is asked for each in order; the others keep
+// their order. Linear, unlike removing them one by one.
 template <typename List, typename Predicate>
 void RemoveItemsIf(List& list, Predicate bRemove) {
   int nKept = 0;
   for (int i = 0; i < list.GetCount(); ++i) {
     auto* const pItem = list.GetAt(i);
-    if (bRemove(i, pItem)) continue;
+    if (bRemove(pItem)) continue;
     list.SetAt(i, list.GetAt(nKept));
     list.SetAt(nKept, pItem);
     ++nKept;
@@ -55,8 +55,8 @@ void MergeItems(List& list) {
     items[i]->SetEndSamplePos(ranges[i].dwEnd);
   }
   std::size_t nRange = 0;
-  RemoveItemsIf(
-      list, [&](int, const auto* pItem) { return pItem != nullptr && ranges[nRange++].bRemoved; });
+  RemoveItemsIf(list,
+                [&](const auto* pItem) { return pItem != nullptr && ranges[nRange++].bRemoved; });
 }
 
 // Replaces the items by copies of another list's.

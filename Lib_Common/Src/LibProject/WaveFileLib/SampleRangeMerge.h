@@ -20,8 +20,9 @@ struct S_SampleRange {
 // may leave some of them apart; never sorted; ranges that only touch stay apart. Files hold lists
 // made this way and are compared with them. Pinned by Merge_IsOnePassWithOneMergeForEachItem.
 //
-// The time grows with the ranges that overlap, not with the square of the count: a list from a file
-// may hold 100,000 of them.
+// The time grows with the ranges that hang together by overlaps, not with the square of the count:
+// a list from a file may hold 100,000 that lie apart, which would take most of a minute to compare
+// with one another each time that a segment is added.
 void MergeSampleRanges(std::vector<S_SampleRange>& ranges);
 
 // The samples that the ranges cover, as ascending ranges that neither overlap nor touch.

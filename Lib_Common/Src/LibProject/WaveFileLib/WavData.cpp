@@ -55,6 +55,7 @@ bool C_WavData::SetBuffer(const void* pData, unsigned int dwLength) {
 }
 
 I_WavData* C_WavData::Clone() {
+  if (!HoldsItsBytes()) return nullptr;
   auto clone = std::make_unique<C_WavData>();
   return clone->CopyWavData(this) ? clone.release() : nullptr;
 }

@@ -100,6 +100,8 @@ class C_WavData : public I_WavData {
   // The format with other channels and another length.
   C_WavInfo FormatWith(unsigned short wChannels, unsigned int dwByteLength);
   void SetByteLength(unsigned int dwLength);
+  // False when the format claims more bytes than there are, which then must not be copied.
+  bool HoldsItsBytes() { return GetBufferLength() <= m_pcmBuffer.GetLength(); }
   // True when the PCM may be replaced by another mix of its channels.
   bool CanMix();
   void InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels);

@@ -108,13 +108,21 @@ void C_WavDataBuffer::SetWavInfo(I_WavInfo* pIWavInfo) {
 }
 
 unsigned int C_WavDataBuffer::GetHeldSampleSize() {
+  return m_pIWavInfo == nullptr
+             ? 0
+             : std::min(m_pIWavInfo->GetSampleSize(), GetUnwrappedHeldSampleSize());
+}
+
+unsigned int C_WavDataBuffer::GetUnwrappedHeldSampleSize() {
   const std::uint64_t qwFrameBits = std::uint64_t{Channels()} * m_wStoreBitsPerSample;
   if (qwFrameBits == 0) return 0;
-  const std::uint64_t qwHeld = std::uint64_t{m_dwLength} * 8U / qwFrameBits;
-  return static_cast<unsigned int>(std::min<std::uint64_t>(qwHeld, m_pIWavInfo->GetSampleSize()));
+  const std::uint64_t qwBytes = std::min(m_dwLength, m_pIWavInfo->GetByteLength());
+  constexpr std::uint64_t qwMax = std::numeric_limits<unsigned int>::max();
+  return static_cast<unsigned int>(std::min(qwBytes * 8U / qwFrameBits, qwMax));
 }
 
 void C_WavDataBuffer::SafeDeleteBuffer() {
+  if (m_pbyBuffer == nullptr) return;
   if (!m_bAttached) delete[] m_pbyBuffer;
   Hold(nullptr, 0, false);
 }

@@ -41,8 +41,11 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   I_WavInfo* GetWavInfo() { return m_pIWavInfo; }
   bool IsBufferAttached() const { return m_bAttached; }
 
-  // Sample frames that are both claimed by the format and held in memory; 0 without either.
+  // Sample frames that are both counted by the format and held in memory; 0 without either.
   unsigned int GetHeldSampleSize();
+  // The same without the wrap of the format's count at half a gibibyte: the bound of positions that
+  // a caller names, which may be any within the memory.
+  unsigned int GetUnwrappedHeldSampleSize();
 
   // Frees owned memory, forgets attached memory.
   void SafeDeleteBuffer();

@@ -69,7 +69,8 @@ I_WavData* C_WavData::CreateChannelData(unsigned short wChannelNo, unsigned int 
                                         unsigned int dwSampleCount) {
   const unsigned short wChannels = m_wavInfo.GetChannels();
   const std::uint64_t qwEndSample = std::uint64_t{dwStartSample} + dwSampleCount;
-  if (wChannelNo >= wChannels || qwEndSample > m_pcmBuffer.GetHeldSampleSize()) return nullptr;
+  if (wChannelNo >= wChannels || qwEndSample > m_pcmBuffer.GetUnwrappedHeldSampleSize())
+    return nullptr;
 
   const unsigned short wStoreBits = m_wavInfo.GetStoreBitsPerSample();
   const std::size_t cbFrom = std::uint64_t{dwStartSample} * wStoreBits >> 3;
@@ -171,15 +172,13 @@ void C_WavData::MixToStereo(int nLeftChannel, int nRightChannel) {
   C_WavDataBuffer stereo;
   stereo.AttachBuffer(pcm.data(), *dwLength);
   stereo.SetWavInfo(&stereoInfo);
-  const unsigned int dwFrames = m_pcmBuffer.GetHeldSampleSize();
+  const unsigned int dwFrames = m_pcmBuffer.GetUnwrappedHeldSampleSize();
   FillSide(m_pcmBuffer, dwFrames, nLeftChannel, stereo, 0);
   FillSide(m_pcmBuffer, dwFrames, nRightChannel, stereo, 1);
   InstallMix(pcm, kStereo);
 }
 
-bool C_WavData::CanMix() {
-  return !m_pcmBuffer.IsBufferAttached() && (GetBuffer() != nullptr || GetBufferLength() == 0);
-}
+bool C_WavData::CanMix() { return !m_pcmBuffer.IsBufferAttached() && HoldsItsBytes(); }
 
 void C_WavData::InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels) {
   SetBuffer(pcm.data(), static_cast<unsigned int>(pcm.size()));

@@ -8,7 +8,7 @@
 bool C_WavData::Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
                         bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
                         unsigned int dwCodecOption) {
-  if (GetBufferLength() == 0 || GetBuffer() == nullptr) return false;
+  if (GetBufferLength() == 0 || !HoldsItsBytes()) return false;
   const auto file = MakeWavFile(eType, m_eEncType);
   if (file == nullptr) return false;
   file->AttachWavData(this);

@@ -37,14 +37,15 @@ C_WavData::SilenceList* C_WavData::DetectSilenceRange(unsigned int dwThreshold,
   if (dwThreshold > kMaxThreshold || wFirstChannel > wLastChannel) return nullptr;
   if (bReplace) {
     const S_SampleRange range{dwStartSample, dwEndSample};
-    vcm::RemoveItemsIf(m_silenceSegments, [&](int, C_SilenceSegment* pSegment) {
+    vcm::RemoveItemsIf(m_silenceSegments, [&](C_SilenceSegment* pSegment) {
       return pSegment != nullptr && (range.Holds(pSegment->GetStartSamplePos()) ||
                                      range.Holds(pSegment->GetEndSamplePos()));
     });
   }
-  if (m_pcmBuffer.GetHeldSampleSize() > 0) {
+  if (m_pcmBuffer.GetUnwrappedHeldSampleSize() > 0) {
+    const unsigned int dwLastHeld = m_pcmBuffer.GetUnwrappedHeldSampleSize() - 1;
     AddQuietRuns(ScaledThreshold(dwThreshold, m_wavInfo.GetBitsPerSample()), dwMinLength,
-                 dwStartSample, std::min(dwEndSample, LastSample()), wFirstChannel, wLastChannel);
+                 dwStartSample, std::min(dwEndSample, dwLastHeld), wFirstChannel, wLastChannel);
   }
   MergeSilenceSegments();
   return &m_silenceSegments;
@@ -118,7 +119,7 @@ void C_WavData::MakeSilenceSegmentsMute() {
     ranges.push_back({pSilenceSegment->GetStartSamplePos(), pSilenceSegment->GetEndSamplePos()});
   }
   // Each sample is written once, however many segments cover it and however far they reach.
-  const unsigned int dwSamples = m_pcmBuffer.GetHeldSampleSize();
+  const unsigned int dwSamples = m_pcmBuffer.GetUnwrappedHeldSampleSize();
   for (const S_SampleRange& range : UnionOfSampleRanges(std::move(ranges))) {
     for (unsigned int dwSample = range.dwStart; dwSample < dwSamples && dwSample <= range.dwEnd;
          ++dwSample) {

@@ -13,10 +13,6 @@
 
 namespace {
 
-struct S_Releaser {
-  void operator()(I_WavData* pSound) const { pSound->Release(); }
-};
-
 // The length of qwSamples samples, when it fits 32 bits.
 std::optional<unsigned int> ConvertedByteLength(std::uint64_t qwSamples,
                                                 unsigned short wStoreBits) {
@@ -75,8 +71,7 @@ bool C_WavData::ConvertBits(unsigned short wBits, unsigned short wStoreBits, boo
       bSigned == m_wavInfo.IsValueSigned()) {
     return true;
   }
-  const std::unique_ptr<I_WavData, S_Releaser> converted(
-      CreateBitsConvertedData(wBits, wStoreBits, bSigned, bExact));
+  const C_WavDataPtr converted(CreateBitsConvertedData(wBits, wStoreBits, bSigned, bExact));
   return CopyWavData(converted.get());
 }
 

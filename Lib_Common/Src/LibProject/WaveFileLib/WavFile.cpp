@@ -16,11 +16,6 @@ namespace {
 
 constexpr const char* kSource = "WaveFileLib/WavFile";
 
-struct S_WavDataRelease {
-  void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
-};
-using C_WavDataPtr = std::unique_ptr<I_WavData, S_WavDataRelease>;
-
 struct S_SampleForm {
   unsigned short wBits = 0;
   unsigned short wStoreBits = 0;

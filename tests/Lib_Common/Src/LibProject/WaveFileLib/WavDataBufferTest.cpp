@@ -297,6 +297,18 @@ TEST(WavDataBuffer, SafeDelete_FreesOwnedMemoryAndForgetsAttachedMemory) {
   EXPECT_EQ(bytes, C_Pcm(4, 9));
 }
 
+TEST(WavDataBuffer, SafeDelete_WithoutABuffer_ChangesNothing) {
+  C_WavDataBuffer buffer;
+  buffer.SafeDeleteBuffer();
+  EXPECT_FALSE(buffer.IsBufferAttached());
+  buffer.AttachBuffer(nullptr, 4);
+  EXPECT_EQ(buffer.GetLength(), 0u);
+  buffer.SafeDeleteBuffer();
+  EXPECT_TRUE(buffer.IsBufferAttached());
+  EXPECT_EQ(buffer.DetachBuffer(), nullptr);
+  EXPECT_FALSE(buffer.IsBufferAttached());
+}
+
 TEST(WavDataBuffer, Detach_ReturnsOnlyAttachedMemory) {
   C_WavDataBuffer buffer;
   unsigned char* pbyOwned = buffer.AllocBuffer(4);
@@ -371,6 +383,30 @@ TEST(WavDataBuffer, HeldSampleSize_IsTheSmallerOfClaimAndMemory) {
   EXPECT_EQ(sound.Buffer().GetHeldSampleSize(), 3u);
   sound.Info().SetChannels(0);
   EXPECT_EQ(sound.Buffer().GetHeldSampleSize(), 0u);
+}
+
+TEST(WavDataBuffer, HeldSampleSize_WrapsWithTheFormatAndUnwrappedDoesNot) {
+  unsigned char byAny = 0;
+  C_WavInfo info;
+  info.SetInfoData(8000, 0x20000002, 1, 16, 16, true);
+  C_WavDataBuffer buffer;
+  buffer.AttachBuffer(&byAny, 0x20000002);  // never looked at
+  buffer.SetWavInfo(&info);
+  EXPECT_EQ(buffer.GetHeldSampleSize(), 1u);
+  EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 0x10000001u);
+  info.SetInfoData(8000, 0xFFFFFFFF, 1, 8, 8, true);
+  buffer.SetWavInfo(&info);
+  EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 0x20000002u);
+  info.SetInfoData(8000, 5, 1, 16, 16, true);
+  buffer.SetWavInfo(&info);
+  EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 2u);
+  buffer.DetachBuffer();
+  EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 0u);
+  // More samples than a count holds: of one bit each.
+  buffer.AttachBuffer(&byAny, 0xFFFFFFFF);
+  info.SetInfoData(8000, 0xFFFFFFFF, 1, 1, 1, true);
+  buffer.SetWavInfo(&info);
+  EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 0xFFFFFFFFu);
 }
 
 TEST(WavDataBuffer, Interface_HasItsSlotsInOrder) {

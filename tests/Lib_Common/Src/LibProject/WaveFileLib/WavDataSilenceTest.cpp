@@ -372,6 +372,24 @@ TEST(WavDataSilence, Merge_AgreesWithTheRuleForRandomLists) {
   }
 }
 
+// Many groups of overlapping ranges whose members stand far apart in the list, so that a removal in
+// one group moves the turn of another.
+TEST(WavDataSilence, Merge_AgreesWithTheRuleForLongLists) {
+  C_Random random(8);
+  for (int nRound = 0; nRound < 200; ++nRound) {
+    C_Ranges ranges(100 + random() % 200);
+    const unsigned int dwSpan = 1U << (4 + random() % 14);
+    const unsigned int dwLongest = 1 + random() % 60;
+    for (auto& [dwStart, dwEnd] : ranges) {
+      dwStart = random() % dwSpan;
+      dwEnd = dwStart + random() % dwLongest - (random() % 16 == 0 ? 1 : 0);
+    }
+    const C_Ranges merged = MergedOnce(ranges);
+    ASSERT_EQ(merged, MergedByTheBook(ranges)) << testing::PrintToString(ranges);
+    ASSERT_EQ(MergedOnce(merged), MergedByTheBook(merged));
+  }
+}
+
 TEST(WavDataSilence, Merge_AgreesWithTheRuleAtTheEndsOfTheRange) {
   C_Random random(4);
   for (int nRound = 0; nRound < 5000; ++nRound) {

@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "SampleValues.h"
@@ -94,6 +96,68 @@ TEST(WavData, FormatWithoutSamples_SurvivesEveryOperation) {
   EXPECT_EQ(sound.Clone(), nullptr);
   EXPECT_EQ(sound.GetWavInfo()->GetChannels(), 2);
   EXPECT_EQ(sound.GetBufferLength(), 0xFFFFFFFEu);
+}
+
+TEST(WavData, FormatThatClaimsMoreThanIsHeld_IsNotCopied) {
+  C_WavData sound;
+  SetSound(sound, {1, 2, 3, 4});
+  sound.SetWavInfoData(8000, 10, 2, 16, 16, true);
+  EXPECT_EQ(sound.Clone(), nullptr);
+  EXPECT_FALSE(sound.Convert(AUDIO_FILE_WAVE, "/dev/null", true, false, nullptr, false, 0));
+  sound.ConvertToMono();
+  EXPECT_EQ(sound.GetWavInfo()->GetChannels(), 2);
+  sound.SetWavInfoData(8000, 8, 2, 16, 16, true);
+  EXPECT_NE(C_SoundPtr(sound.Clone()), nullptr);
+}
+
+// Frames of so many channels that few of them make a sound whose count of samples wraps.
+constexpr unsigned int kManyChannels = 65535;
+constexpr unsigned int kManyFrames = 8193;
+
+// More than half a gibibyte, of which only the values that are set are touched.
+class C_HugeSound : public C_WavData {
+ public:
+  C_HugeSound() {
+    SetWavInfoData(8000, 0, kManyChannels, 8, 8, true);
+    AllocBuffer(kManyChannels * kManyFrames);
+    for (unsigned int i = kManyFrames - 4; i < kManyFrames; ++i) Set(i, 0, 0);
+  }
+  void Set(unsigned int dwFrame, unsigned int dwChannel, unsigned char byValue) {
+    GetBuffer()[dwFrame * kManyChannels + dwChannel] = byValue;
+  }
+  unsigned char Get(unsigned int dwFrame, unsigned int dwChannel) {
+    return GetBuffer()[dwFrame * kManyChannels + dwChannel];
+  }
+};
+
+TEST(WavData, PositionsBeyondTheCountThatWrapped_AreReached) {
+  C_HugeSound sound;
+  ASSERT_EQ(sound.GetWavInfo()->GetSampleSize(), 0u);
+  constexpr unsigned int dwLast = kManyFrames - 1;
+  sound.Set(dwLast - 2, 0, 100);
+  const auto* pSegments = sound.DetectSilenceRange(0, 0, dwLast - 3, dwLast, 0, 0, true);
+  EXPECT_EQ(RangesOf(pSegments), (std::vector<std::pair<unsigned int, unsigned int>>{
+                                     {dwLast - 3, dwLast - 3}, {dwLast - 1, dwLast}}));
+  sound.Set(dwLast, 0, 7);
+  sound.Set(dwLast, kManyChannels - 1, 9);
+  const C_SoundPtr channel(sound.CreateChannelData(0, dwLast - 2, 3));
+  ASSERT_NE(channel, nullptr);
+  EXPECT_EQ(ValuesOf(*channel), (C_Values{100, 0, 7}));
+  EXPECT_EQ(sound.CreateChannelData(0, dwLast, 2), nullptr);
+  sound.MakeSilenceSegmentsMute();
+  EXPECT_EQ(sound.Get(dwLast, 0), 0);
+  EXPECT_EQ(sound.Get(dwLast, kManyChannels - 1), 0);
+  EXPECT_EQ(sound.Get(dwLast - 2, 0), 100);
+}
+
+TEST(WavData, ConvertToStereo_FillsEveryFrameOfASoundWhoseCountWrapped) {
+  C_HugeSound sound;
+  sound.Set(kManyFrames - 1, 0, 7);
+  sound.Set(kManyFrames - 1, 1, 9);
+  sound.ConvertToStereo();
+  ASSERT_EQ(sound.GetBufferLength(), kManyFrames * 2);
+  EXPECT_EQ(sound.GetBuffer()[kManyFrames * 2 - 2], 7);
+  EXPECT_EQ(sound.GetBuffer()[kManyFrames * 2 - 1], 9);
 }
 
 TEST(WavData, BufferLength_IsWhatTheFormatSays) {
@@ -384,6 +448,40 @@ TEST(WavData, SamplerOffsets_FollowTheFormat) {
   EXPECT_EQ(pSampler->GetSampleLoopByIndex(0)->GetStartByteOffset(), 400u);
   sound.SetWavInfoData(8000, 8, 1, 8, 8, false);
   EXPECT_EQ(pSampler->GetSampleLoopByIndex(0)->GetStartByteOffset(), 100u);
+}
+
+// Programs built against the library look at these parts at fixed places.
+TEST(WavData, Parts_LieInTheirOrder) {
+  C_WavData sound;
+  const std::vector<const void*> parts = {sound.GetIWaveDataBuffer(),
+                                          sound.GetWavInfo(),
+                                          sound.GetEventTagMgr(),
+                                          sound.GetAudioCodecParam(),
+                                          sound.GetSilenceSegmentList(),
+                                          sound.GetUncompressRegionList(),
+                                          InfoOf<void>(sound, WAV_DATA_INFO_TEXT),
+                                          InfoOf<void>(sound, WAV_DATA_INFO_EXTRA_CHUNK),
+                                          InfoOf<void>(sound, WAV_DATA_INFO_CUE),
+                                          InfoOf<void>(sound, WAV_DATA_INFO_LIST),
+                                          InfoOf<void>(sound, WAV_DATA_INFO_SAMPLER)};
+  const auto* pLow = reinterpret_cast<const unsigned char*>(&sound);
+  for (const void* pPart : parts) {
+    const auto* pAt = static_cast<const unsigned char*>(pPart);
+    EXPECT_TRUE(std::less<>()(pLow, pAt)) << "part " << &pPart - parts.data();
+    pLow = pAt;
+  }
+  // Between the PCM and the format lies the encoded buffer, of the same size as the PCM's.
+  const auto* pPcm = static_cast<const unsigned char*>(parts[0]);
+  const auto* pFormat = static_cast<const unsigned char*>(parts[1]);
+  EXPECT_EQ(pFormat - pPcm, static_cast<std::ptrdiff_t>(2 * sizeof(C_WavDataBuffer)));
+  // Behind the last one, the encoded kind and the count of references.
+  const auto* pEnd = reinterpret_cast<const unsigned char*>(&sound) + sizeof sound;
+  unsigned int dwKind = 0;
+  int nCount = -1;
+  std::memcpy(&dwKind, pEnd - 8, 4);
+  std::memcpy(&nCount, pEnd - 4, 4);
+  EXPECT_EQ(dwKind, 0xFFFFu);
+  EXPECT_EQ(nCount, 0);
 }
 
 TEST(WavData, ReservedOperation_IsTrue) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstring>
 #include <type_traits>
 
 #include "VTable.h"
@@ -227,9 +229,16 @@ TEST(WavInfo, SupportedWidths_EveryStoredWidthSwept) {
 TEST(WavInfo, Layout_IsPackedByTwoAndAlignedForItsTable) {
   EXPECT_EQ(alignof(C_WavInfo), alignof(void*));
   EXPECT_EQ(sizeof(C_WavInfo) % alignof(void*), 0u);
-  // One flag and its pad byte, three 32-bit and three 16-bit fields: nothing else fits in between.
-  EXPECT_LE(sizeof(C_WavInfo),
-            (sizeof(void*) + 2 + 12 + 6 + alignof(void*) - 1) / alignof(void*) * alignof(void*));
+  C_WavInfo info = Info(0x01020304, 0x11121314, 0x2122, 0x3132, 0x4142);
+  info.SetEncByteLen(0x51525354);
+  // The flag and one pad byte behind the table's pointer, then the fields with nothing in between.
+  std::array<unsigned char, 18> fields{};
+  ASSERT_GE(sizeof info, sizeof(void*) + 2 + fields.size());
+  std::memcpy(fields.data(), reinterpret_cast<const unsigned char*>(&info) + sizeof(void*) + 2,
+              fields.size());
+  EXPECT_EQ(fields,
+            (std::array<unsigned char, 18>{4, 3, 2, 1, 0x14, 0x13, 0x12, 0x11, 0x54, 0x53, 0x52,
+                                           0x51, 0x22, 0x21, 0x32, 0x31, 0x42, 0x41}));
 }
 
 TEST(WavInfo, Interface_HasItsSlotsInOrder) {
