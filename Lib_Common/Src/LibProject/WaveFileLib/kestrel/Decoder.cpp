@@ -31,9 +31,9 @@ bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Sc
 }
 
 // A frame ends in ones.
-// Kept: where the bits ran out, the check looks at one fewer than are left. Those are the first of a
-// vector's signs and not padding, so a frame that the encoder had to cut may count as damaged though
-// it is not; every decoder of these streams conceals such frames. Pinned by
+// Kept: where the bits ran out, the check looks at one fewer than are left. Those are the first of
+// a vector's signs and not padding, so a frame that the encoder had to cut may count as damaged
+// though it is not; every decoder of these streams conceals such frames. Pinned by
 // SignsThatDoNotFit_AreTakenForPaddingButForTheLast.
 bool IsSoundEnd(C_BitReader& reader, bool bEnough, int nControl) {
   const int nLeft = reader.BitsLeft() - (bEnough ? 0 : 1);

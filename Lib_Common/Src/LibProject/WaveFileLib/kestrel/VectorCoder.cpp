@@ -78,9 +78,9 @@ std::optional<int> ReadVectorIndex(C_BitReader& reader, std::span<const S_TreeNo
 }
 
 // Kept: the sign moves on with the value, not with the bin. Under a small deviation a bin comes out
-// as 0, and its sign then serves the next coefficient of the vector; the streams that are about were
-// decoded that way from the first, and a decoder that kept bins and signs together would play other
-// samples. Pinned by ABinThatComesOutAsZero_LeavesItsSignToTheNext.
+// as 0, and its sign then serves the next coefficient of the vector; the streams that are about
+// were decoded that way from the first, and a decoder that kept bins and signs together would play
+// other samples. Pinned by ABinThatComesOutAsZero_LeavesItsSignToTheNext.
 void Dequantise(const S_Bins& bins, int nSigns, int nSignBits, int nCategory,
                 std::int16_t nDeviation, std::span<std::int16_t> coefficients) {
   for (std::size_t i = 0; i < coefficients.size(); ++i) {
