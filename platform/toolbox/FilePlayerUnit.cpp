@@ -117,7 +117,7 @@ OSStatus C_FilePlayerUnit::SetFormat(const void* pData, UInt32 cbData) {
 OSStatus C_FilePlayerUnit::SetFiles(const void* pData, UInt32 cbData) {
   if (cbData % sizeof(AudioFileID) != 0) return kAudioUnitErr_InvalidPropertyValue;
   std::vector<AudioFileID> files(cbData / sizeof(AudioFileID));
-  std::memcpy(files.data(), pData, cbData);
+  if (cbData != 0) std::memcpy(files.data(), pData, cbData);
   const bool bAllOpen = std::all_of(files.begin(), files.end(), [](AudioFileID audioFile) {
     return FindAudioFile(audioFile) != nullptr;
   });

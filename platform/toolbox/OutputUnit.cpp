@@ -68,8 +68,8 @@ OSStatus C_OutputUnit::Initialize() {
 }
 
 OSStatus C_OutputUnit::Uninitialize() {
-  Stop();
   const std::lock_guard lock(m_lock);
+  StopPlayback();
   m_bInitialized = false;
   m_pPlayback.reset();
   const std::lock_guard renderLock(m_renderLock);
@@ -162,10 +162,14 @@ OSStatus C_OutputUnit::Start() {
 
 OSStatus C_OutputUnit::Stop() {
   const std::lock_guard lock(m_lock);
-  if (!m_bRunning) return noErr;
+  StopPlayback();
+  return noErr;
+}
+
+void C_OutputUnit::StopPlayback() {
+  if (!m_bRunning) return;
   m_pPlayback->Stop();
   m_bRunning = false;
-  return noErr;
 }
 
 void C_OutputUnit::RenderFrames(void* pFrames, UInt32 dwFrames) {

@@ -49,7 +49,9 @@ class C_OutputUnit final : public C_Unit, private I_RenderSource {
   OSStatus Pull(const AudioTimeStamp& stamp, UInt32 dwFrames, AudioBufferList& buffers);
   AudioBufferList& PointBuffersAt(UInt8* pbyFrames, UInt32 dwFrames);
   void Interleave(UInt8* pbyFrames, UInt32 dwFrames) const;
+  // Both with the lock held.
   void OpenPlayback();
+  void StopPlayback();
   OSStatus SetFormat(const void* pData, UInt32 cbData);
   OSStatus SetCallback(const void* pData, UInt32 cbData);
   [[nodiscard]] bool IsPlanar() const noexcept;

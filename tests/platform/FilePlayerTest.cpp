@@ -428,6 +428,15 @@ TEST_F(FilePlayerTest, RegionsThatCannotBePlayed_AreRefused) {
   EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(10)));
 }
 
+TEST_F(FilePlayerTest, AnEmptyListOfFiles_TakesTheFilesAway) {
+  Write("a.wav", 44100, 1, SweepWithNoise(10, 44100));
+  m_player.UseFile(m_folder.Path("a.wav"));
+  const AudioFileID none = nullptr;
+  EXPECT_EQ(noErr, AudioUnitSetProperty(m_player.Unit(), kAudioUnitProperty_ScheduledFileIDs,
+                                        kAudioUnitScope_Global, 0, &none, 0));
+  EXPECT_EQ(kAudioUnitErr_InvalidFile, m_player.SetRegion(m_player.Region(10)));
+}
+
 TEST_F(FilePlayerTest, ARateThatNoFilterConverts_IsRefusedWhenPrimed) {
   Write("a.wav", 99, 1, SweepWithNoise(1000, 99));
   m_player.UseFile(m_folder.Path("a.wav"));

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <thread>
 
+#include "AudioComponent.h"
 #include "CubebDevice.h"
 #include "PlayerGraph.h"
 #include "SoundFiles.h"
@@ -212,6 +213,105 @@ TEST(SoundServerTest, AServerThatDoesNotAnswer_CountsAsNone_AndIsLeftAloneWhenIt
   std::this_thread::sleep_for(200ms);
   EXPECT_NE(nullptr, toolbox::OpenCubebDevice({16000, 1, false}, client));
   EXPECT_FALSE(client.bLost);
+}
+
+// Output units wait only so long for the service while this lives.
+class C_ShortPatience {
+ public:
+  explicit C_ShortPatience(std::chrono::milliseconds limit) {
+    toolbox::SetOpenDevice(
+        [limit](const toolbox::S_OutputFormat& format, toolbox::I_DeviceClient& client) {
+          return toolbox::OpenCubebDevice(format, client, limit);
+        });
+  }
+  ~C_ShortPatience() { toolbox::SetOpenDevice(nullptr); }
+  C_ShortPatience(const C_ShortPatience&) = delete;
+  C_ShortPatience& operator=(const C_ShortPatience&) = delete;
+};
+
+TEST(SoundServerTest, AServerThatFreezesWhilePlaying_StillLetsTheSoundEnd_AndIsLeftBehind) {
+  const C_ShortPatience patience(1000ms);
+  C_SoundServer server(44100, "float32le", 2);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const C_TempFolder folder;
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1,
+                 SweepWithNoise(24000, 16000));
+  {
+    const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+    graph.Schedule(24000);
+    graph.Start();
+    EXPECT_TRUE(graph.WaitFor(11025));
+    server.Freeze();
+    EXPECT_TRUE(graph.WaitFor(66150));
+    graph.Stop();
+    graph.Start();
+    EXPECT_TRUE(graph.WaitFor(70000));
+    graph.Stop();
+    // One that comes back to life plays on with silence of its own: the position stays.
+    const double dPosition = graph.Position();
+    server.Thaw();
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(dPosition, graph.Position());
+  }
+  // It plays for whoever comes next.
+  C_SilentClient client;
+  const auto pDevice = toolbox::OpenCubebDevice({44100, 2, true}, client);
+  ASSERT_NE(nullptr, pDevice);
+  EXPECT_TRUE(pDevice->Start());
+  pDevice->Stop();
+  EXPECT_FALSE(client.bLost);
+}
+
+TEST(SoundServerTest, AServerThatIsFrozenWhenPlaybackStops_HoldsNobodyUp) {
+  const C_ShortPatience patience(500ms);
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const auto begin = Clock::now();
+  {
+    C_PcmOutput output(SweepWithNoise(8000, 16000));
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(2000));
+    server.Freeze();
+    output.Stop();
+    // Whoever starts again hears nothing, but gets on.
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(8000));
+    output.Stop();
+  }
+  EXPECT_LT(Clock::now() - begin, 15s);
+}
+
+TEST(SoundServerTest, AServerThatFreezesWhilePaused_IsNoticedAtTheNextStart) {
+  const C_ShortPatience patience(500ms);
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_PcmOutput output(SweepWithNoise(8000, 16000));
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(2000));
+  output.Stop();
+  server.Freeze();
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(8000));
+  output.Stop();
+}
+
+// The client goes while the service still holds the stream, which then comes back to life.
+TEST(SoundServerTest, AClientThatIsGone_IsNotAskedByAStreamThatWasLeftBehind) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  {
+    C_SilentClient client;
+    const auto pDevice = toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms);
+    ASSERT_NE(nullptr, pDevice);
+    EXPECT_TRUE(pDevice->Start());
+    server.Freeze();
+  }
+  server.Thaw();
+  std::this_thread::sleep_for(300ms);
 }
 
 TEST(SoundServerTest, ALengthQuery_NeedsNoServer_AndAStartWithoutOneIsSilent) {

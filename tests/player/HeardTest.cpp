@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 #include <soxr.h>
 
+#include <chrono>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "ChildProcess.h"
@@ -91,6 +93,25 @@ TEST_F(Heard, NormalModeOfAWavFile_IsItsSoundAtItsOwnSpeed) {
   for (const float fSample : AsFloat(pcm)) stereo.insert(stereo.end(), {fSample, fSample});
   ExpectHeard(server, {m_folder.Write("x.wav", WavOf(kPlaybackRate, 1, pcm)), "0"}, BytesOf(stereo),
               "file duration: 1.378125 secs\nPlaying...Finished\n");
+}
+
+// Nobody hears the end of it, but the program comes to its own.
+TEST_F(Heard, AServerThatFreezesWhilePlaying_LetsBothModesFinish) {
+  const S_Speech speech = SpeechOf(150);
+  const std::string strFile = m_folder.Write("x.kst", speech.file);
+  for (const char* pszMode : {"0", "1"}) {
+    C_SoundServer server(16000, "s16le", 1);
+    ASSERT_TRUE(server.Start());
+    std::thread freezer([&server] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+      server.Freeze();
+    });
+    const S_Run run = m_player.Run({strFile, pszMode}, {server.Environment()});
+    freezer.join();
+    EXPECT_TRUE(run.strOut.ends_with("Playing...Finished\n")) << run.strOut;
+    EXPECT_EQ(run.strErr, "");
+    EXPECT_EQ(run.nExit, 0);
+  }
 }
 
 }  // namespace
