@@ -5,8 +5,10 @@
 //
 //   cmake --build --preset dev --target convert
 //   build/dev/bin/convert speech.kst speech.wav
-//   build/dev/bin/convert speech.wav speech.kst 16000       (16 kHz speech; other rates are not
-//                                                            resampled)
+//   build/dev/bin/convert speech.wav speech.kst 16000
+//
+// Kestrel is made for speech at 16 kHz. Sound at another rate is not resampled: it is encoded as it
+// is, and plays at its own speed because the file names its rate.
 #include <cstdio>
 #include <cstdlib>
 
@@ -29,11 +31,12 @@ bool ConvertToKestrel(const char* pszSource, const char* pszTarget, unsigned int
   I_WavFile* pIFile = format.CreateWavFile(pszSource, true, true, nullptr, nullptr);
   if (pIFile == nullptr) return false;
   pIFile->GetAudioCodecParam()->SetBitRate(dwBitRate);
+  const unsigned int dwSampleRate = pIFile->GetWavInfo()->GetSampleRate();
   const bool bDone = pIFile->Convert(AUDIO_FILE_KESTREL, pszTarget, true, false, nullptr, true, 0);
   pIFile->Release();
   C_SpHeader header;  // what comes out of the encoder is the bare stream
   header.SetID(AUDIO_FILE_KESTREL);
-  header.SetFreq(16000);
+  header.SetFreq(dwSampleRate);
   return bDone && PrependSpHeader(header, pszTarget);
 }
 
