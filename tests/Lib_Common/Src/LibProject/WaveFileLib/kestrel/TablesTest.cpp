@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numbers>
 #include <set>
+#include <vector>
 
 #include "VectorFiles.h"
 #include "kestrel/TablesEnvelope.h"
@@ -94,6 +95,66 @@ TEST(Tables, PerCategoryConstants_AreThoseOfTheFormat) {
   EXPECT_EQ(kVectorDimension, (std::array{2, 2, 2, 4, 4, 5, 5, 1}));
   EXPECT_EQ(kVectorsPerRegion, (std::array{10, 10, 10, 5, 5, 4, 4, 20}));
   EXPECT_EQ(kMaxBin, (std::array{13, 9, 6, 4, 3, 2, 1, 1}));
+}
+
+// The entries of a table in order, nested ones row by row.
+void AddTo(std::vector<std::int16_t>& entries, int nEntry) {
+  entries.push_back(static_cast<std::int16_t>(nEntry));
+}
+void AddTo(std::vector<std::int16_t>& entries, const S_Code& code) {
+  AddTo(entries, code.byBits);
+  AddTo(entries, code.wWord);
+}
+void AddTo(std::vector<std::int16_t>& entries, const S_Rotation& rotation) {
+  AddTo(entries, rotation.nCosine);
+  AddTo(entries, rotation.nMinusSine);
+}
+template <typename T_Row>
+requires requires(const T_Row& row) { row.begin(); }
+void AddTo(std::vector<std::int16_t>& entries, const T_Row& row) {
+  for (const auto& entry : row) AddTo(entries, entry);
+}
+
+std::uint32_t CrcOf(const auto& table) {
+  std::vector<std::int16_t> entries;
+  AddTo(entries, table);
+  return test::Crc32(entries);
+}
+
+// Speech does not come by every entry: these hold the ones that no stream of the tests uses.
+TEST(Tables, EveryEntryOfTheTransform_IsTheStandards) {
+  EXPECT_EQ(CrcOf(kAnalysisWindow), 0x2239E6C5u);
+  EXPECT_EQ(CrcOf(kAnalysisBias), 0xFDB7821Fu);
+  EXPECT_EQ(CrcOf(kAnalysisCore), 0x22F2670Fu);
+  EXPECT_EQ(CrcOf(kAnalysisRotations), 0xE8AEFBBDu);
+  EXPECT_EQ(CrcOf(kSynthesisWindow), 0xD863BFD5u);
+  EXPECT_EQ(CrcOf(kSynthesisDither), 0xCC289F8Bu);
+  EXPECT_EQ(CrcOf(kSynthesisCore), 0x64B687B3u);
+  EXPECT_EQ(CrcOf(kSynthesisRotations), 0x0EFD401Du);
+  EXPECT_EQ(CrcOf(kSynthesisBias), 0x41994AEFu);
+}
+
+TEST(Tables, EveryEntryOfEnvelopeAndQuantiser_IsTheStandards) {
+  EXPECT_EQ(CrcOf(kStandardDeviation), 0x905F61ABu);
+  EXPECT_EQ(CrcOf(kStandardDeviationInverse), 0x412E4909u);
+  EXPECT_EQ(CrcOf(kPowerStepCodes), 0x7BF90A61u);
+  EXPECT_EQ(CrcOf(kPowerStepTrees), 0x3A3AA809u);
+  EXPECT_EQ(CrcOf(kStepSizeInverse), 0x652B91EEu);
+  EXPECT_EQ(CrcOf(kDeadZone), 0x8C83BF11u);
+  EXPECT_EQ(CrcOf(kDeadZoneLowBits), 0x355329A8u);
+  EXPECT_EQ(CrcOf(kCentroid), 0x70B69064u);
+  EXPECT_EQ(CrcOf(kNoiseFillFactor), 0x36640509u);
+}
+
+TEST(Tables, EveryVectorCodeAndTree_IsTheStandards) {
+  constexpr std::array<std::uint32_t, 7> kCodes = {0xBC8925B4, 0xF5DDF575, 0xF994F3A1, 0xF454E8E5,
+                                                   0xF6617860, 0x6E4A93DF, 0x4B139D01};
+  constexpr std::array<std::uint32_t, 7> kTrees = {0x44A24C69, 0x610848C1, 0x4FF8CD91, 0xFDEDD49E,
+                                                   0x3EE5B6A2, 0xAA161A04, 0x65B4A91F};
+  for (std::size_t k = 0; k < kCodes.size(); ++k) {
+    EXPECT_EQ(CrcOf(kVectorCodes[k]), kCodes[k]) << k;
+    EXPECT_EQ(CrcOf(kVectorTrees[k]), kTrees[k]) << k;
+  }
 }
 
 // Bins that are not 0 in a vector index.
