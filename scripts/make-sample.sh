@@ -10,7 +10,7 @@
 # espeak-ng 1.51 and sox 14.4.2; other versions speak a little differently.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-target=${1:-$root/samples/Test.kst}
+target=$(realpath -m "${1:-$root/samples/Test.kst}")  # before we change the directory
 
 sentence="Hello. This is Voxplay, and what you hear is compressed speech."
 bit_rate=24000

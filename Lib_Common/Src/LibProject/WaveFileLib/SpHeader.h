@@ -93,8 +93,8 @@ bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTa
 // must be another file than the source. True when everything was written.
 bool CopyWithSpHeader(const char* pszSource, const char* pszTarget, const C_SpHeader& header);
 
-// Access at fixed offsets, whatever the file holds: no signature is asked for, and bytes that are
-// not there read as 0.
+// Access at fixed offsets, whatever the file holds: no signature is asked for, and a field of which
+// the file does not hold every byte reads as 0.
 unsigned short ReadSpWord22(const char* pszFileName);  // the identifier
 unsigned short ReadSpWord34(const char* pszFileName);  // the 16-bit value
 // Format word (low half) and the low half of the frequency (high half).

@@ -17,12 +17,10 @@
 
 // Both inits configure for dwBitRate bit/s and clear the state of their direction.
 //
-//   dwBitRate                     used                              words per frame   result
-//   below 4800 or above 32000     16000                             20                8
-//   else                          nearest multiple of 800, ties up  that / 800        0, or 8 if
-//   the
-//                                                                                     rate was
-//                                                                                     changed
+//   dwBitRate                   used                    words per frame   result
+//   below 4800 or above 32000   16000                   20                8
+//   a multiple of 800           the same                rate / 800        0
+//   else                        the nearest, ties up    used / 800        8
 //
 // *pnWordsPerFrame (6..40) and *pnSamplesPerFrame (320) are set in every case, and the coder is
 // usable in every case; 8 only says that it does not run at the rate that was asked for.

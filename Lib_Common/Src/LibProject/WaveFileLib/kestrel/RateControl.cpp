@@ -40,8 +40,6 @@ class C_RateControl {
 
   void Code(int nRegion) {
     const std::size_t r = Index(nRegion);
-    const std::span<const std::int16_t, kRegionSize> region(m_coefficients.data() + r * kRegionSize,
-                                                            kRegionSize);
     m_coded.nBits -= m_coded.regions[r].nBits;
     m_coded.regions[r] =
         CodeRegion(RegionOf(m_coefficients, r), RealCategory(m_categorisation.categories[r]),
