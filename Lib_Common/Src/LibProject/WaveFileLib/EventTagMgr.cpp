@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "EventTagMgr.h"
 
-#include <vector>
+#include <algorithm>
 
 #include "VcmAssert.h"
 
@@ -181,6 +181,49 @@ int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering
   }
   while (nLow != nHigh && KeyAt(nLow) == dwKey) ++nLow;
   return nLow;
+}
+
+void C_EventTagMgr::AddEventsBySamplePos(std::span<const S_SampleEvent> events) {
+  if (m_dwSampleRate == 0 || !IsInOrderOfSamples()) {
+    for (const auto& [dwSamplePos, wMain, wSub] : events)
+      AddEventBySamplePos(wMain, wSub, dwSamplePos, "", 0);
+    return;
+  }
+  std::vector<std::unique_ptr<C_EventTag>> tags;
+  tags.reserve(events.size());
+  for (const auto& [dwSamplePos, wMain, wSub] : events) {
+    tags.push_back(std::make_unique<C_EventTag>(CommandIndex(wMain, wSub), dwSamplePos, "", 0,
+                                                m_dwSampleRate, EVENT_POS_SAMPLE));
+  }
+  std::stable_sort(tags.begin(), tags.end(), [](const auto& a, const auto& b) {
+    return a->GetSamplePos() < b->GetSamplePos();
+  });
+  MergeBySamplePos(std::move(tags));
+}
+
+// A list with a null in it is in no order: adding one by one meets the null as it always did.
+bool C_EventTagMgr::IsInOrderOfSamples() const {
+  unsigned int dwBefore = 0;
+  for (int i = 0; i < m_events.GetCount(); ++i) {
+    C_EventTag* pEventTag = m_events.GetAt(i);
+    if (pEventTag == nullptr || pEventTag->GetSamplePos() < dwBefore) return false;
+    dwBefore = pEventTag->GetSamplePos();
+  }
+  return true;
+}
+
+// Places sorted tags into the sorted list from its end, each behind the tags of equal moment.
+void C_EventTagMgr::MergeBySamplePos(std::vector<std::unique_ptr<C_EventTag>> tags) {
+  int nListed = m_events.GetCount();
+  int nTarget = nListed + static_cast<int>(tags.size());
+  m_events.InsertAt(nListed, nullptr, static_cast<int>(tags.size()));
+  while (!tags.empty()) {
+    const unsigned int dwNew = tags.back()->GetSamplePos();
+    for (; nListed > 0 && m_events.GetAt(nListed - 1)->GetSamplePos() > dwNew; --nListed)
+      m_events.SetAt(--nTarget, m_events.GetAt(nListed - 1));
+    m_events.SetAt(--nTarget, tags.back().release());
+    tags.pop_back();
+  }
 }
 
 template <typename Match>

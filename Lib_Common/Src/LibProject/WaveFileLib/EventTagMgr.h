@@ -6,6 +6,8 @@
 #pragma once
 
 #include <memory>
+#include <span>
+#include <vector>
 
 #include "CLArray.h"
 #include "EventTag.h"
@@ -13,6 +15,12 @@
 
 class C_EventTagMgr : public I_EventTagMgr {
  public:
+  // An event without description and data.
+  struct S_SampleEvent {
+    unsigned int dwSamplePos = 0;
+    unsigned short wMain = 0;
+    unsigned short wSub = 0;
+  };
   using EventList = C_CLArray<C_EventTag*, I_EventTag*, false>;
 
   C_EventTagMgr() = default;
@@ -44,10 +52,16 @@ class C_EventTagMgr : public I_EventTagMgr {
   bool RemoveEventBySamplePos(unsigned int dwSamplePos, int nOccurrence) override;
   bool RemoveEventByCommand(unsigned short wMain, unsigned short wSub, int nOccurrence) override;
 
+  // The same as AddEventBySamplePos for each of them in turn, but n log n in their number as long
+  // as the list is in order of samples: a file may hold 100,000 of them at one moment.
+  void AddEventsBySamplePos(std::span<const S_SampleEvent> events);
+
  private:
   struct S_Ordering;
   I_EventTag* Insert(std::unique_ptr<C_EventTag> tag, const S_Ordering& ordering);
   int InsertPosition(unsigned int dwKey, const S_Ordering& ordering) const;
+  [[nodiscard]] bool IsInOrderOfSamples() const;
+  void MergeBySamplePos(std::vector<std::unique_ptr<C_EventTag>> tags);
   template <typename Match>
   I_CLArray<I_EventTag*>* Collect(Match match, const char* pszFunction);
   template <typename Match>

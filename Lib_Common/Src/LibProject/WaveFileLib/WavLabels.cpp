@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "CLArray.h"
+#include "EventTagMgr.h"
 #include "SampleRangeList.h"
 #include "SilenceSegment.h"
 #include "UncompressRegion.h"
@@ -118,20 +119,15 @@ class C_RangeLengths {
   unsigned int m_dwLast = 0;
 };
 
-struct S_PlacedEvent {
-  unsigned int dwSamplePos = 0;
-  S_Label label;
-};
+using S_SampleEvent = C_EventTagMgr::S_SampleEvent;
 
-void AddEvents(I_EventTagMgr& events, std::vector<S_PlacedEvent> placed) {
-  // The manager orders by position and keeps equal positions in the order of arrival. Presorting
-  // gives the same result, and its insertions then all happen at the end.
-  if (events.GetEventList()->GetSize() == 0) {
-    std::stable_sort(placed.begin(), placed.end(),
-                     [](const auto& a, const auto& b) { return a.dwSamplePos < b.dwSamplePos; });
+void AddEvents(I_EventTagMgr& events, const std::vector<S_SampleEvent>& placed) {
+  if (auto* const pOwnKind = dynamic_cast<C_EventTagMgr*>(&events)) {
+    pOwnKind->AddEventsBySamplePos(placed);
+    return;
   }
-  for (const auto& [dwSamplePos, label] : placed)
-    events.AddEventBySamplePos(label.wMain, label.wSub, dwSamplePos, "", 0);
+  for (const auto& [dwSamplePos, wMain, wSub] : placed)
+    events.AddEventBySamplePos(wMain, wSub, dwSamplePos, "", 0);
 }
 
 // Collects the annotations of a file label by label.
@@ -151,7 +147,7 @@ class C_AnnotationReader {
   }
 
   void GiveTo(I_WavData& wavData, I_EventTagMgr& events) {
-    AddEvents(events, std::move(m_events));
+    AddEvents(events, m_events);
     wavData.SetSilenceSegmentList(&m_silence);
     wavData.SetUncompressRegionList(&m_regions);
   }
@@ -159,7 +155,7 @@ class C_AnnotationReader {
  private:
   void Place(const S_Label& label, unsigned int dwPosition, unsigned int dwID) {
     if (label.eKind == S_Label::Kind::Event) {
-      m_events.push_back({dwPosition, label});
+      m_events.push_back({dwPosition, label.wMain, label.wSub});
       return;
     }
     const auto [dwStart, dwEnd] = Range(dwPosition, m_lengths.Find(dwID));
@@ -172,7 +168,7 @@ class C_AnnotationReader {
   C_ByID m_positions;
   C_RangeLengths m_lengths;
   bool m_bEvents;
-  std::vector<S_PlacedEvent> m_events;
+  std::vector<S_SampleEvent> m_events;
   C_SilenceList m_silence;
   C_RegionList m_regions;
 };

@@ -143,6 +143,85 @@ TEST_F(EventTagMgr, AddEventBySamplePos_WithoutRate_StopsTheProgram) {
                "m_dwSampleRate > 0\n$");
 }
 
+TEST_F(EventTagMgr, AddEventsBySamplePos_IsTheSameAsAddingOneByOne) {
+  std::mt19937 random(5);
+  const auto Below = [&](unsigned int dwLimit) {
+    return static_cast<unsigned int>(random() % dwLimit);
+  };
+  for (int nRound = 0; nRound < 300; ++nRound) {
+    C_EventTagMgr together;
+    C_EventTagMgr oneByOne;
+    const auto Both = [&](auto Do) {
+      Do(together);
+      Do(oneByOne);
+    };
+    Both([](C_EventTagMgr& mgr) { mgr.SetSampleRate(1000); });
+    for (unsigned int nTags = Below(8), i = 0; i < nTags; ++i) {
+      const auto wName = static_cast<unsigned short>(100 + i);
+      const unsigned int dwPos = Below(12);
+      const bool bTime = Below(3) == 0;
+      Both([&](C_EventTagMgr& mgr) {
+        if (bTime)
+          mgr.AddEvent(1, wName, dwPos, "", 0);
+        else
+          mgr.AddEventBySamplePos(1, wName, dwPos, "", 0);
+      });
+    }
+    // Other rates leave some of the lists unsorted.
+    const unsigned int dwRate = 500 + Below(2) * 500;
+    Both([&](C_EventTagMgr& mgr) { mgr.SetSampleRate(dwRate); });
+    std::vector<C_EventTagMgr::S_SampleEvent> events(Below(12));
+    for (unsigned short i = 0; i < events.size(); ++i) events[i] = {Below(12), 2, i};
+    together.AddEventsBySamplePos(events);
+    for (const auto& event : events)
+      oneByOne.AddEventBySamplePos(event.wMain, event.wSub, event.dwSamplePos, "", 0);
+    ASSERT_EQ(NamesIn(together.GetEventList()), NamesIn(oneByOne.GetEventList())) << nRound;
+    ASSERT_EQ(TimesIn(together.GetEventList()), TimesIn(oneByOne.GetEventList())) << nRound;
+  }
+}
+
+TEST_F(EventTagMgr, AddEventsBySamplePos_MakesTagsOfTheManagersRate) {
+  m_mgr.SetSampleRate(8000);
+  const C_EventTagMgr::S_SampleEvent events[] = {{8000, 3, 7}, {4000, 4, 8}};
+  m_mgr.AddEventsBySamplePos(events);
+  EXPECT_EQ(Names(), (std::vector{8, 7}));
+  EXPECT_EQ(Times(), (std::vector{500u, 1000u}));
+  I_EventTag* pTag = m_mgr.GetEventList()->GetItemByIndex(1);
+  EXPECT_EQ(pTag->GetMainCommandIndex(), 3);
+  EXPECT_EQ(pTag->GetSamplePos(), 8000u);
+  EXPECT_STREQ(pTag->GetDescription(), "");
+  EXPECT_EQ(pTag->GetData(), 0u);
+  m_mgr.SetSampleRate(16000);
+  EXPECT_EQ(pTag->GetSamplePos(), 8000u);
+}
+
+TEST_F(EventTagMgr, AddEventsBySamplePos_WithoutRateOrAmongNulls_StopsTheProgram) {
+  const C_EventTagMgr::S_SampleEvent events[] = {{1, 1, 1}};
+  m_mgr.AddEventsBySamplePos({});
+  EXPECT_DEATH(m_mgr.AddEventsBySamplePos(events),
+               "^AddEventBySamplePos: WaveFileLib/EventTagMgr:137: assertion failed: "
+               "m_dwSampleRate > 0\n$");
+  m_mgr.SetSampleRate(8000);
+  AddNull();
+  EXPECT_DEATH(m_mgr.AddEventsBySamplePos(events),
+               "^AddEventBySamplePos: WaveFileLib/EventTagMgr:155: assertion failed: "
+               "NULL != pEventInList\n$");
+}
+
+TEST_F(EventTagMgr, HundredsOfThousandsOfEventsAtOneMoment_AreAddedBeforeALaterOneInNoTime) {
+  constexpr std::size_t kEvents = 300000;
+  m_mgr.SetSampleRate(8000);
+  AtSample(9, 1);
+  std::vector<C_EventTagMgr::S_SampleEvent> events(kEvents, {7, 2, 2});
+  events.back().wSub = 3;
+  m_mgr.AddEventsBySamplePos(events);
+  const auto names = Names();
+  ASSERT_EQ(names.size(), kEvents + 1);
+  EXPECT_EQ(names[0], 2);
+  EXPECT_EQ(names[kEvents - 1], 3);
+  EXPECT_EQ(names[kEvents], 1);
+}
+
 TEST_F(EventTagMgr, MixedUnits_AreOrderedThroughTheRate) {
   m_mgr.SetSampleRate(8000);
   AtSample(8000, 1);

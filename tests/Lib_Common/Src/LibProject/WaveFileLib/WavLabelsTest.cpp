@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "EventTagMgr.h"
 #include "WavData.h"
 
 using wavlabels::EventLabel;
@@ -140,4 +141,113 @@ TEST(WavLabelsDeathTest, ALabelWithoutTextStopsTheProgram) {
   list.AddLabel(1, "u_1_2");
   EXPECT_DEATH(wavlabels::LoadAnnotations(data, list, cues),
                "WaveFileLib/WavFile.*NULL != pszLabel");
+}
+
+namespace {
+
+// A manager that is not the library's own, in front of one that is.
+class C_ForeignEventTagMgr : public I_EventTagMgr {
+ public:
+  using Tags = I_CLArray<I_EventTag*>;
+  using Word = unsigned short;
+  I_EventTag* AddEvent(Word wMain, Word wSub, unsigned int dwTime, const char* pszDescription,
+                       unsigned int dwData) override {
+    return m_mgr.AddEvent(wMain, wSub, dwTime, pszDescription, dwData);
+  }
+  void RemoveAllEvents() override { m_mgr.RemoveAllEvents(); }
+  Tags* GetEventsByTime(unsigned int dwTime) override { return m_mgr.GetEventsByTime(dwTime); }
+  Tags* GetEventsByCommand(Word wMain, Word wSub) override {
+    return m_mgr.GetEventsByCommand(wMain, wSub);
+  }
+  Tags* GetEventList() override { return m_mgr.GetEventList(); }
+  bool AddEvents(Tags* pList) override { return m_mgr.AddEvents(pList); }
+  I_EventTag* AddEventBySamplePos(Word wMain, Word wSub, unsigned int dwSamplePos,
+                                  const char* pszDescription, unsigned int dwData) override {
+    return m_mgr.AddEventBySamplePos(wMain, wSub, dwSamplePos, pszDescription, dwData);
+  }
+  Tags* GetEventsBySamplePos(unsigned int dwPos) override {
+    return m_mgr.GetEventsBySamplePos(dwPos);
+  }
+  void SetSampleRate(unsigned int dwRate) override { m_mgr.SetSampleRate(dwRate); }
+  unsigned int GetSampleRate() override { return m_mgr.GetSampleRate(); }
+  bool RemoveEvent(int nIndex) override { return m_mgr.RemoveEvent(nIndex); }
+  void RemoveEventsByTime(unsigned int dwTime) override { m_mgr.RemoveEventsByTime(dwTime); }
+  void RemoveEventsBySamplePos(unsigned int dwPos) override {
+    m_mgr.RemoveEventsBySamplePos(dwPos);
+  }
+  void RemoveEventsByCommand(Word wMain, Word wSub) override {
+    m_mgr.RemoveEventsByCommand(wMain, wSub);
+  }
+  bool RemoveEventByTime(unsigned int dwTime, int nOccurrence) override {
+    return m_mgr.RemoveEventByTime(dwTime, nOccurrence);
+  }
+  bool RemoveEventBySamplePos(unsigned int dwPos, int nOccurrence) override {
+    return m_mgr.RemoveEventBySamplePos(dwPos, nOccurrence);
+  }
+  bool RemoveEventByCommand(Word wMain, Word wSub, int nOccurrence) override {
+    return m_mgr.RemoveEventByCommand(wMain, wSub, nOccurrence);
+  }
+
+ private:
+  C_EventTagMgr m_mgr;
+};
+
+class C_SoundWithForeignEvents : public C_WavData {
+ public:
+  I_EventTagMgr* GetEventTagMgr() override { return &m_foreignMgr; }
+
+ private:
+  C_ForeignEventTagMgr m_foreignMgr;
+};
+
+std::string EventsIn(C_WavData& data) {
+  std::string strEvents;
+  I_CLArray<I_EventTag*>* pList = data.GetEventTagMgr()->GetEventList();
+  for (int i = 0; i < pList->GetSize(); ++i) {
+    I_EventTag* pTag = pList->GetItemByIndex(i);
+    strEvents += EventLabel(pTag->GetMainCommandIndex(), pTag->GetSubCommandIndex()) + "@" +
+                 std::to_string(pTag->GetSamplePos()) + " ";
+  }
+  return strEvents;
+}
+
+void LoadTwoAmongThree(C_WavData& data) {
+  C_WavDataCueInfo cues(data.GetWavInfo());
+  cues.AddCuePoint(1, 20, 0, 0, 0, 20);
+  cues.AddCuePoint(2, 10, 0, 0, 0, 10);
+  C_WavDataListInfo list;
+  list.AddLabel(1, "u_1_1");
+  list.AddLabel(2, "u_2_2");
+  I_EventTagMgr* pEvents = data.GetEventTagMgr();
+  pEvents->SetSampleRate(8000);
+  for (const unsigned int dwPos : {5u, 10u, 30u}) pEvents->AddEventBySamplePos(9, 9, dwPos, "", 0);
+  wavlabels::LoadAnnotations(data, list, cues);
+}
+
+}  // namespace
+
+TEST(WavLabels, EventsOfAFileGoBehindThoseOfTheSameMoment) {
+  constexpr const char* kExpected = "u_9_9@5 u_9_9@10 u_2_2@10 u_1_1@20 u_9_9@30 ";
+  C_WavData data;
+  LoadTwoAmongThree(data);
+  EXPECT_EQ(EventsIn(data), kExpected);
+  C_SoundWithForeignEvents foreign;
+  LoadTwoAmongThree(foreign);
+  EXPECT_EQ(EventsIn(foreign), kExpected);
+}
+
+TEST(WavLabels, HundredsOfThousandsOfEventsAtOneMomentJoinALaterOneInNoTime) {
+  constexpr int kEvents = 200000;
+  C_WavData data;
+  I_EventTagMgr* pEvents = data.GetEventTagMgr();
+  pEvents->SetSampleRate(8000);
+  pEvents->AddEventBySamplePos(9, 9, 8, "", 0);
+  C_WavDataCueInfo cues(data.GetWavInfo());
+  cues.AddCuePoint(1, 7, 0, 0, 0, 7);
+  C_WavDataListInfo list;
+  for (int i = 0; i < kEvents; ++i) list.AddLabel(1, "u_1_2");
+  wavlabels::LoadAnnotations(data, list, cues);
+  ASSERT_EQ(pEvents->GetEventList()->GetSize(), kEvents + 1);
+  EXPECT_EQ(pEvents->GetEventList()->GetItemByIndex(kEvents - 1)->GetSamplePos(), 7u);
+  EXPECT_EQ(pEvents->GetEventList()->GetItemByIndex(kEvents)->GetSamplePos(), 8u);
 }
