@@ -4,6 +4,7 @@
 // that owns its items or not. Not synchronised: a list belongs to one object and one thread.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 // A list as callers see it. I is a pointer type, for example I_SilenceSegment*. The trailing
@@ -90,3 +91,15 @@ class C_CLArray : public C_CLCustomArray<I_CLArray<I>, T, I, bOwn> {
   C_CLArray(const C_CLArray& other) = default;
   ~C_CLArray() override = default;
 };
+
+namespace vcm {
+
+// Appends an item to a list that owns its items and returns it. When the list finds no memory, the
+// item dies with the exception.
+template <typename List, typename Item>
+Item* AddOwned(List& list, std::unique_ptr<Item> item) {
+  list.Add(item.get());
+  return item.release();
+}
+
+}  // namespace vcm

@@ -86,6 +86,18 @@ TEST_F(CLArray, GetAt_OutsideTheList_Throws) {
   EXPECT_EQ(list.GetAt(1)->Number(), 1);
 }
 
+TEST_F(CLArray, AddOwned_HandsTheItemToTheListAndReturnsIt) {
+  {
+    OwningList list;
+    Fill(list, 1);
+    const C_Item* pItem = vcm::AddOwned(list, std::make_unique<C_Item>(7));
+    EXPECT_EQ(pItem, list.GetAt(1));
+    EXPECT_EQ(NumbersIn(list), (std::vector{0, 7}));
+    EXPECT_TRUE(g_deleted.empty());
+  }
+  EXPECT_EQ(g_deleted, (std::vector{0, 7}));
+}
+
 TEST_F(CLArray, RemoveAt_OnAnOwningList_DeletesInAscendingOrderAndClosesTheGap) {
   OwningList list;
   Fill(list, 5);

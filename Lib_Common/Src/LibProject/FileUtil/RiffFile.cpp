@@ -111,9 +111,7 @@ C_RiffChunk* C_RiffChunkList::FindChunk(const char* pszID, int nStart) const {
 }
 
 C_RiffChunk* C_RiffChunkList::AddChunk(const char* pszID, unsigned int dwSize) {
-  auto chunk = std::make_unique<C_RiffChunk>(pszID, dwSize);
-  Add(chunk.get());
-  return chunk.release();
+  return vcm::AddOwned(*this, std::make_unique<C_RiffChunk>(pszID, dwSize));
 }
 
 bool C_RiffChunkList::LoadChunks(std::FILE* pFile, unsigned int dwLength) {
@@ -132,8 +130,7 @@ bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwL
     auto chunk = ReadChunk(stream);
     if (!chunk) break;
     const std::uint64_t qwTaken = std::uint64_t{kChunkHeaderLength} + chunk->GetDataLength();
-    Add(chunk.get());
-    static_cast<void>(chunk.release());
+    vcm::AddOwned(*this, std::move(chunk));
     if (dwRemaining < qwTaken) break;
     dwRemaining -= static_cast<std::uint32_t>(qwTaken);
   }
@@ -207,9 +204,10 @@ bool C_RiffChunk::Write(std::FILE* pFile) {
   header.Text({m_achID, kIDLength}, kIDLength);
   header.U32(m_dwSize);
   if (!vcm::WriteExact(pFile, header.Data())) return false;
-  const auto qwDataPos = vcm::Tell(pFile);
-  if (!qwDataPos || *qwDataPos > kMaxSize) return false;
-  m_dwDataPos = static_cast<std::uint32_t>(*qwDataPos);
+  // A pipe has no positions, and takes the file all the same.
+  const std::uint64_t qwDataPos = vcm::Tell(pFile).value_or(kMaxSize);
+  if (qwDataPos > kMaxSize) return false;
+  m_dwDataPos = static_cast<std::uint32_t>(qwDataPos);
   return WriteData(pFile);
 }
 

@@ -73,7 +73,8 @@ class C_RiffChunk : public I_RiffChunk {
   [[nodiscard]] const char* GetChunkID() const { return m_achID; }
   // Compares four characters.
   [[nodiscard]] bool HasChunkID(const char* pszID) const;
-  // Stream offset of the payload: set when the chunk is read and when it is written.
+  // Stream offset of the payload: set when the chunk is read and when it is written; 0xFFFFFFFF
+  // after writing to a pipe.
   [[nodiscard]] unsigned int GetDataPos() const { return m_dwDataPos; }
   [[nodiscard]] C_RiffChunkList& GetSubChunks() { return m_subChunks; }
 

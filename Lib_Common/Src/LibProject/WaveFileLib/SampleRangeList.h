@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "CLArray.h"
 #include "SampleRangeMerge.h"
 
 namespace vcm {
@@ -19,9 +20,7 @@ using ItemOf = std::remove_pointer_t<decltype(std::declval<const List&>().GetAt(
 
 template <typename List>
 void AppendRange(List& list, unsigned int dwStart, unsigned int dwEnd) {
-  auto item = std::make_unique<ItemOf<List>>(dwStart, dwEnd);
-  list.Add(item.get());
-  static_cast<void>(item.release());
+  AddOwned(list, std::make_unique<ItemOf<List>>(dwStart, dwEnd));
 }
 
 // Deletes the items that bRemove(item) picks, which is asked for each in order; the others keep

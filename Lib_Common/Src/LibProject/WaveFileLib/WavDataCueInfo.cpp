@@ -107,12 +107,6 @@ bool C_WavDataCueInfo::SaveInfo(I_RiffChunk* pChunk) {
   return vcm::SavePayload(*pChunk, writer.Data());
 }
 
-std::size_t C_WavDataCueInfo::S_SpreadHash::operator()(unsigned int dwID) const noexcept {
-  std::uint64_t qwMixed = (dwID ^ 0x5BF03635u) * 0x9E3779B97F4A7C15u;
-  qwMixed ^= qwMixed >> 32;
-  return static_cast<std::size_t>(qwMixed * 0xD6E8FEB86659FD93u >> 16);
-}
-
 // The result of a walk from the front, which stops at the first match: only points before it are
 // looked at.
 int C_WavDataCueInfo::FindIndex(unsigned int dwID) {
@@ -130,9 +124,7 @@ int C_WavDataCueInfo::FindIndex(unsigned int dwID) {
 }
 
 void C_WavDataCueInfo::Append(const C_CuePoint::Record& record) {
-  auto cuePoint = std::make_unique<C_CuePoint>(record, m_pIWavInfo);
-  m_cuePoints.Add(cuePoint.get());
-  static_cast<void>(cuePoint.release());
+  vcm::AddOwned(m_cuePoints, std::make_unique<C_CuePoint>(record, m_pIWavInfo));
 }
 
 void C_WavDataCueInfo::ForgetFrom(int nIndex) {

@@ -10,7 +10,7 @@
 
 #include <array>
 #include <cstdint>
-#include <unordered_map>
+#include <map>
 
 #include "CLArray.h"
 #include "I_WavDataInfo.h"
@@ -69,17 +69,14 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
   CuePointList m_cuePoints;
 
  private:
-  // Identifiers come from files: a hash that spreads them keeps a file from choosing its buckets.
-  struct S_SpreadHash {
-    std::size_t operator()(unsigned int dwID) const noexcept;
-  };
   int FindIndex(unsigned int dwID);
   void Append(const C_CuePoint::Record& record);
   void ForgetFrom(int nIndex);
 
   I_WavInfo* m_pIWavInfo;
   // The first index of each identifier among the first m_nIndexed points; finding goes on from
-  // there, so that every point is looked at once however many searches there are.
-  std::unordered_map<unsigned int, int, S_SpreadHash> m_firstByID;
+  // there, so that every point is looked at once however many searches there are. Sorted rather
+  // than hashed, so that no choice of identifiers in a file makes the search slow.
+  std::map<unsigned int, int> m_firstByID;
   int m_nIndexed = 0;
 };

@@ -72,7 +72,5 @@ int C_WavDataExtraChunkInfo::FindIndex(const char* pszName, const char* pszFunct
 
 void C_WavDataExtraChunkInfo::Append(const char* pszName, std::unique_ptr<std::uint8_t[]> data,
                                      unsigned int dwLength) {
-  auto chunk = std::make_unique<C_WavDataExtraChunk>(pszName, std::move(data), dwLength);
-  Add(chunk.get());
-  static_cast<void>(chunk.release());
+  vcm::AddOwned(*this, std::make_unique<C_WavDataExtraChunk>(pszName, std::move(data), dwLength));
 }

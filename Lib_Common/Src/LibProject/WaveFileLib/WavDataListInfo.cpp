@@ -30,13 +30,6 @@ bool IsID(std::span<const std::uint8_t> bytes, std::string_view id) {
                     [](std::uint8_t byIn, char chID) { return static_cast<char>(byIn) == chID; });
 }
 
-template <typename List, typename Item>
-void Append(List& list, const Item& item) {
-  auto copy = std::make_unique<Item>(item);
-  list.Add(copy.get());
-  static_cast<void>(copy.release());
-}
-
 void WriteLtxt(vcm::C_ByteWriter& writer, const C_WavDataListInfo::S_Ltxt& ltxt) {
   writer.Text(kLtxt, kIDLength);
   writer.U32(kLtxtLength);
@@ -74,7 +67,7 @@ const char* C_WavDataListInfo::GetLabelByIndex(int nIndex, unsigned int* pdwID) 
 bool C_WavDataListInfo::AddLabel(unsigned int dwID, const char* pszText) {
   S_Label label{dwID, {}};
   if (pszText != nullptr) VCM_tcsncpy(label.szText, pszText, kMaxLabelText);
-  Append(m_labels, label);
+  vcm::AddOwned(m_labels, std::make_unique<S_Label>(label));
   return true;
 }
 
@@ -90,7 +83,7 @@ bool C_WavDataListInfo::AddLtxt(unsigned int dwID, unsigned int dwSampleLength,
                                 const char* pszPurpose) {
   S_Ltxt ltxt{dwID, dwSampleLength, {}, 0, 0, 0, 0};
   if (pszPurpose != nullptr) VCM_strncpy(ltxt.achPurpose, pszPurpose, sizeof ltxt.achPurpose);
-  Append(m_ltxts, ltxt);
+  vcm::AddOwned(m_ltxts, std::make_unique<S_Ltxt>(ltxt));
   return true;
 }
 
@@ -155,6 +148,6 @@ bool C_WavDataListInfo::LoadLtxt(I_RiffChunk& chunk, std::uint64_t qwPosition,
   ltxt.wLanguage = reader.U16();
   ltxt.wDialect = reader.U16();
   ltxt.wCodePage = reader.U16();
-  Append(m_ltxts, ltxt);
+  vcm::AddOwned(m_ltxts, std::make_unique<S_Ltxt>(ltxt));
   return true;
 }

@@ -113,9 +113,7 @@ bool C_WavDataSamplerInfo::SaveInfo(I_RiffChunk* pChunk) {
 }
 
 void C_WavDataSamplerInfo::Append(const S_SampleLoop& record) {
-  auto loop = std::make_unique<C_SampleLoop>(record, m_pIWavInfo);
-  m_loops.Add(loop.get());
-  static_cast<void>(loop.release());
+  vcm::AddOwned(m_loops, std::make_unique<C_SampleLoop>(record, m_pIWavInfo));
 }
 
 bool C_WavDataSamplerInfo::LoadLoops(I_RiffChunk& chunk, unsigned int dwLoops) {

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Writing RIFF files.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "LargestAllocation.h"
 #include "RiffFile.h"
@@ -138,6 +141,22 @@ TEST_F(RiffSave, Save_ToAFullDisk_FailsWhateverTheLength) {
   EXPECT_FALSE(m_file.Save("/dev/full", "WAVE"));
   EXPECT_EQ(OpenDescriptors(), nDescriptors);
   EXPECT_EQ(Saved(m_file).size(), 12u + 9 + 8 + 100000);
+}
+
+TEST_F(RiffSave, Save_ToAPipe_WritesTheWholeFile) {
+  const std::string strPipe = m_folder.Path("pipe");
+  ASSERT_EQ(mkfifo(strPipe.c_str(), 0600), 0);
+  const int nReader = open(strPipe.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(nReader, 0);
+  C_RiffChunk* pChunk = Add("aaaa", {1, 2, 3});
+  EXPECT_TRUE(m_file.Save(strPipe.c_str(), "WAVE"));
+  EXPECT_EQ(pChunk->GetDataPos(), 0xFFFFFFFFu);
+  C_Bytes bytes(100);
+  const auto nRead = read(nReader, bytes.data(), bytes.size());
+  close(nReader);
+  ASSERT_GE(nRead, 0);
+  bytes.resize(static_cast<std::size_t>(nRead));
+  EXPECT_EQ(bytes, C_RiffBytes("WAVE").Chunk("aaaa", {1, 2, 3}).Take());
 }
 
 TEST_F(RiffSave, ListTooLongFor32Bits_IsRefusedBeforeTheTargetIsTouched) {
