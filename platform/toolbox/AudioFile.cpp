@@ -18,6 +18,17 @@ OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>
 }
 
 OSStatus C_AudioFile::OpenContent() {
+  return C_MpegSound::IsAtStartOf(m_descriptor) ? OpenMpeg() : OpenSound();
+}
+
+OSStatus C_AudioFile::OpenMpeg() {
+  m_pMpeg = C_MpegSound::Open(m_descriptor);
+  if (m_pMpeg == nullptr) return kAudioFileUnsupportedFileTypeError;
+  m_format = DescribeMpeg(*m_pMpeg);
+  return noErr;
+}
+
+OSStatus C_AudioFile::OpenSound() {
   m_pSound.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
   if (m_pSound == nullptr) return kAudioFileUnsupportedFileTypeError;
   if (m_info.channels <= 0 || m_info.samplerate <= 0 || m_info.frames < 0) {
@@ -32,6 +43,7 @@ OSStatus C_AudioFile::OpenContent() {
 
 std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples) {
   const std::lock_guard lock(m_readLock);
+  if (m_pMpeg != nullptr) return m_pMpeg->Read(nFrom, nFrames, pSamples);
   if (nFrom != m_nPosition) {
     m_nPosition = sf_seek(m_pSound.get(), nFrom, SEEK_SET);
     if (m_nPosition != nFrom) return 0;

@@ -11,6 +11,7 @@
 
 #include "AudioFileFormat.h"
 #include "FileDescriptor.h"
+#include "MpegSound.h"
 
 namespace toolbox {
 
@@ -35,12 +36,16 @@ class C_AudioFile {
  private:
   C_AudioFile() = default;
   OSStatus OpenContent();
+  OSStatus OpenMpeg();
+  OSStatus OpenSound();
 
   struct S_Closer {
     void operator()(SNDFILE* pSound) const noexcept { sf_close(pSound); }
   };
-  // Closed in reverse order: the decoder first, then the descriptor under it.
+  // Closed in reverse order: the decoder first, then the descriptor under it. One of the two
+  // decoders is there.
   C_FileDescriptor m_descriptor;
+  std::unique_ptr<C_MpegSound> m_pMpeg;
   std::unique_ptr<SNDFILE, S_Closer> m_pSound;
   SF_INFO m_info{};
   S_AudioFileFormat m_format;

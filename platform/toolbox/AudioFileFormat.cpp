@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AudioFileFormat.h"
 
-#include "MpegInfo.h"
 #include "WavBlocks.h"
 
 namespace toolbox {
@@ -65,19 +64,10 @@ S_AudioFileFormat DescribeSamples(SNDFILE* pSound, const SF_INFO& info,
   return format;
 }
 
-AudioFormatID MpegFormatOf(int nSubtype) {
-  if (nSubtype == SF_FORMAT_MPEG_LAYER_I) return kAudioFormatMPEGLayer1;
-  if (nSubtype == SF_FORMAT_MPEG_LAYER_II) return kAudioFormatMPEGLayer2;
+AudioFormatID MpegFormatOf(UInt32 dwLayer) {
+  if (dwLayer == 1) return kAudioFormatMPEGLayer1;
+  if (dwLayer == 2) return kAudioFormatMPEGLayer2;
   return kAudioFormatMPEGLayer3;
-}
-
-std::optional<S_AudioFileFormat> DescribeMpeg(const SF_INFO& info, const C_FileDescriptor& file) {
-  const auto mpeg = ScanMpeg(file);
-  if (!mpeg) return std::nullopt;
-  S_AudioFileFormat format{StreamOf(info, MpegFormatOf(info.format & SF_FORMAT_SUBMASK)),
-                           mpeg->qwFrames};
-  format.desc.mFramesPerPacket = mpeg->dwSamplesPerFrame;
-  return format;
 }
 
 // Block codecs in WAV carry "ms" and the tag of their format chunk as format code.
@@ -107,10 +97,19 @@ S_AudioFileFormat DescribeDecodedFrames(const SF_INFO& info) {
 
 }  // namespace
 
+S_AudioFileFormat DescribeMpeg(const C_MpegSound& sound) {
+  S_AudioFileFormat format;
+  format.desc.mSampleRate = sound.Rate();
+  format.desc.mFormatID = MpegFormatOf(sound.Layer());
+  format.desc.mChannelsPerFrame = sound.Channels();
+  format.desc.mFramesPerPacket = sound.SamplesPerFrame();
+  format.qwPackets = sound.FrameCount();
+  return format;
+}
+
 std::optional<S_AudioFileFormat> DescribeAudioFile(SNDFILE* pSound, const SF_INFO& info,
                                                    const C_FileDescriptor& file) {
   const int nSubtype = info.format & SF_FORMAT_SUBMASK;
-  if ((info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_MPEG) return DescribeMpeg(info, file);
   if (const auto sample = SampleFormatOf(nSubtype)) return DescribeSamples(pSound, info, *sample);
   if (IsWav(info)) {
     const auto blocks = ReadWavBlocks(file);

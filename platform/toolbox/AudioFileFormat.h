@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "FileDescriptor.h"
+#include "MpegSound.h"
 
 namespace toolbox {
 
@@ -15,9 +16,12 @@ struct S_AudioFileFormat {
   UInt64 qwPackets = 0;
 };
 
-// Describes an opened file. Packets of PCM and G.711 are frames, of block codecs in WAV files whole
-// blocks, of MPEG files MPEG frames; of every other codec the decoded frames are counted. Empty
-// when the file contradicts itself.
+// Packets are MPEG frames.
+[[nodiscard]] S_AudioFileFormat DescribeMpeg(const C_MpegSound& sound);
+
+// Describes any other opened file. Packets of PCM and G.711 are frames, of block codecs in WAV
+// files whole blocks; of every other codec the decoded frames are counted. Empty when the file
+// contradicts itself.
 [[nodiscard]] std::optional<S_AudioFileFormat> DescribeAudioFile(SNDFILE* pSound,
                                                                  const SF_INFO& info,
                                                                  const C_FileDescriptor& file);

@@ -73,6 +73,14 @@ INSTANTIATE_TEST_SUITE_P(
         S_FormatCase{"Aiff16IsBigEndian", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, kPcm, 14, 16}),
     [](const auto& tested) { return tested.param.pszName; });
 
+OSStatus StatusOfOpening(const std::string& strPath) {
+  OSStatus nStatus = noErr;
+  const AudioFileID audioFile = OpenSoundFile(strPath, &nStatus);
+  EXPECT_EQ(nStatus == noErr, audioFile != nullptr);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  return nStatus;
+}
+
 class AudioFileTest : public testing::Test {
  protected:
   AudioFileID OpenPcm(std::size_t nFrames, int nRate = 16000, int nChannels = 1) {
@@ -186,6 +194,41 @@ TEST_F(AudioFileTest, AnMp3File_HasItsMpegFramesAsPackets) {
   }
 }
 
+TEST_F(AudioFileTest, AnMp3FileBehindTags_IsOne_AndTagsAloneAreNone) {
+  WriteSoundFile(m_folder.Path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 16000, 1,
+                 SweepWithNoise(8000, 16000));
+  const auto mp3 = m_folder.Read("a.mp3");
+  // Two tags: 10 bytes of header and 130 or 0 of content.
+  std::vector<std::uint8_t> tags = {'I', 'D', '3', 4, 0, 0, 0, 0, 1, 2};
+  tags.resize(140);
+  const std::vector<std::uint8_t> second = {'I', 'D', '3', 4, 0, 0, 0, 0, 0, 0};
+  tags.insert(tags.end(), second.begin(), second.end());
+  auto tagged = tags;
+  tagged.insert(tagged.end(), mp3.begin(), mp3.end());
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Write("tagged.mp3", tagged));
+  ASSERT_NE(nullptr, audioFile);
+  EXPECT_EQ(CountMpegFrames(mp3), PacketCount(audioFile));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("t.mp3", tags)));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
+            StatusOfOpening(m_folder.Write("h.mp3", {mp3.begin(), mp3.begin() + 4})));
+}
+
+// Decoders like to comment on damage; users of a pipeline take that for an error.
+TEST_F(AudioFileTest, DamagedMp3Files_AreOpenedWithoutAWordOnStandardError) {
+  WriteSoundFile(m_folder.Path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 16000, 1,
+                 SweepWithNoise(16000, 16000));
+  const auto good = m_folder.Read("a.mp3");
+  auto cut = good;
+  cut.resize(good.size() * 2 / 3);
+  auto broken = good;
+  std::fill_n(broken.begin() + static_cast<std::ptrdiff_t>(good.size() / 2), 100, std::uint8_t{0});
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("cut.mp3", cut)));
+  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("broken.mp3", broken)));
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
 TEST_F(AudioFileTest, AFlacFile_HasItsFramesAsPackets) {
   WriteSoundFile(m_folder.Path("a.flac"), SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 16000, 1,
                  SweepWithNoise(777, 16000));
@@ -272,14 +315,6 @@ TEST_F(AudioFileTest, PacketsOfBlockCodecs_AreNotHandedOut) {
   EXPECT_EQ(kAudioFileOperationNotSupportedError,
             AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, buffer.data()));
   EXPECT_EQ(noErr, AudioFileClose(audioFile));
-}
-
-OSStatus StatusOfOpening(const std::string& strPath) {
-  OSStatus nStatus = noErr;
-  const AudioFileID audioFile = OpenSoundFile(strPath, &nStatus);
-  EXPECT_EQ(nStatus == noErr, audioFile != nullptr);
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
-  return nStatus;
 }
 
 TEST_F(AudioFileTest, WhatCannotBeOpened_SaysWhy) {

@@ -428,6 +428,61 @@ TEST_F(FilePlayerTest, RegionsThatCannotBePlayed_AreRefused) {
   EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(10)));
 }
 
+constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
+
+// What another decoder makes of the file; interleaved.
+std::vector<float> DecodedElsewhere(const std::string& strPath) {
+  SF_INFO info{};
+  SNDFILE* pSound = sf_open(strPath.c_str(), SFM_READ, &info);
+  EXPECT_NE(nullptr, pSound);
+  std::vector<float> samples(static_cast<std::size_t>(info.frames * info.channels));
+  EXPECT_EQ(info.frames, sf_readf_float(pSound, samples.data(), info.frames));
+  EXPECT_EQ(0, sf_close(pSound));
+  return samples;
+}
+
+TEST_F(FilePlayerTest, AnMp3File_IsDecodedToItsLastSampleWithoutPadding) {
+  WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 44100, 2, SweepWithNoise(5000, 44100, 2));
+  m_player.UseFile(m_folder.Path("a.mp3"));
+  m_player.Play(9000);
+  const auto sides = m_player.Render(6000);
+  const auto want = DecodedElsewhere(m_folder.Path("a.mp3"));
+  ASSERT_EQ(10000U, want.size());
+  for (std::size_t i = 0; i < 2; ++i) {
+    for (std::size_t n = 0; n < 5000; ++n) ASSERT_EQ(want[2 * n + i], sides.at(i)[n]) << n;
+    EXPECT_TRUE(IsSilent(sides.at(i).begin() + 5000, sides.at(i).end()));
+  }
+}
+
+TEST_F(FilePlayerTest, AnMp3Region_BeginsWhereItSays) {
+  WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 44100, 1, SweepWithNoise(9000, 44100));
+  m_player.UseFile(m_folder.Path("a.mp3"));
+  auto region = m_player.Region(100);
+  region.mStartFrame = 6000;
+  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  m_player.StartAt(-1.0);
+  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  const auto side = m_player.Render(512)[0];
+  const auto all = DecodedElsewhere(m_folder.Path("a.mp3"));
+  for (std::size_t n = 0; n < 100; ++n) EXPECT_NEAR(all[6000 + n], side[n], 1e-3) << n;
+  EXPECT_TRUE(IsSilent(side.begin() + 100, side.end()));
+}
+
+// The second stream would need buffers twice as large as the first.
+TEST_F(FilePlayerTest, AnMp3FileThatTurnsStereo_EndsThere) {
+  WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 44100, 1, SweepWithNoise(5000, 44100));
+  WriteSoundFile(m_folder.Path("b.mp3"), kMp3, 44100, 2, SweepWithNoise(5000, 44100, 2));
+  auto bytes = m_folder.Read("a.mp3");
+  const auto second = m_folder.Read("b.mp3");
+  bytes.insert(bytes.end(), second.begin(), second.end());
+  m_player.UseFile(m_folder.Write("ab.mp3", bytes));
+  m_player.Play(20000);
+  const auto sides = m_player.Render(20000);
+  EXPECT_FALSE(IsSilent(sides[0].begin(), sides[0].begin() + 5000));
+  EXPECT_TRUE(IsSilent(sides[0].begin() + 8000, sides[0].end()));
+  EXPECT_EQ(sides[0], sides[1]);
+}
+
 TEST_F(FilePlayerTest, AnEmptyListOfFiles_TakesTheFilesAway) {
   Write("a.wav", 44100, 1, SweepWithNoise(10, 44100));
   m_player.UseFile(m_folder.Path("a.wav"));
