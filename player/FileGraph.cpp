@@ -58,8 +58,10 @@ void SetUpFilePlayer(const CAAudioUnit& fileUnit, const AudioStreamBasicDescript
                 "SetNumberChannels");
   XThrowIfError(fileUnit.SetSampleRate(kAudioUnitScope_Output, 0, format.mSampleRate),
                 "SetSampleRate");
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): a list of one identifier, which is a pointer
+  constexpr UInt32 cbList = sizeof audioFile;
   XThrowIfError(fileUnit.SetProperty(kAudioUnitProperty_ScheduledFileIDs, kAudioUnitScope_Global, 0,
-                                     &audioFile, sizeof audioFile),
+                                     &audioFile, cbList),
                 "SetScheduleFile");
 }
 

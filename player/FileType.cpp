@@ -38,7 +38,9 @@ const char* GetFileExt(const char* pszFileName, char* pszExt) {
   if (pszExt == nullptr) return FindExt(pszFileName);
   if (std::strlen(pszFileName) >= kMaxName) return nullptr;
   const char* pszFound = FindExt(pszFileName);
-  return pszFound != nullptr ? std::strcpy(pszExt, pszFound) : nullptr;
+  if (pszFound == nullptr) return nullptr;
+  std::memcpy(pszExt, pszFound, std::strlen(pszFound) + 1);
+  return pszExt;
 }
 
 bool CheckFileType(const char* pszFileName, unsigned char* pbyNeedsDecoding) {

@@ -37,7 +37,7 @@ constexpr AudioStreamBasicDescription kSpeech = {
 // goes with the process. Pinned by FailingSetUp_ReturnsOneAndDisposesOfNothing.
 AudioUnit NewOutput() {
   AudioUnit unit = nullptr;
-  const AudioComponent component = AudioComponentFindNext(nullptr, &kOutput);
+  AudioComponent component = AudioComponentFindNext(nullptr, &kOutput);
   if (component == nullptr || AudioComponentInstanceNew(component, &unit) != noErr) return nullptr;
   KeepForProcess(unit, "output unit of real-time mode: its device goes with the process");
   return unit;
