@@ -19,8 +19,8 @@ inline bool LabelsArePlaced(const char* pszFileName) {
   auto& list = *static_cast<I_WavDataListInfo*>(pList);
   for (int i = 0; i < list.GetLabelCount(); ++i) {
     unsigned int dwID = 0;
-    const wavlabels::S_Label label = wavlabels::ParseLabel(list.GetLabelByIndex(i, &dwID));
-    if (label.eKind == wavlabels::S_Label::Kind::Other) continue;
+    const wavlabels::S_LabelMeaning label = wavlabels::ParseLabel(list.GetLabelByIndex(i, &dwID));
+    if (label.eKind == wavlabels::S_LabelMeaning::Kind::Other) continue;
     if (static_cast<I_WavDataCueInfo*>(pCues)->FindCuePointByID(dwID, nullptr) == nullptr)
       return false;
   }

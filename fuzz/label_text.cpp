@@ -15,7 +15,7 @@
 
 namespace {
 
-using wavlabels::S_Label;
+using wavlabels::S_LabelMeaning;
 
 void Require(bool bHolds) {
   if (!bHolds) std::abort();
@@ -39,14 +39,14 @@ unsigned int SlowNumber(std::string strText) {
   return static_cast<unsigned int>(bMinus ? 0 - qwValue : qwValue);
 }
 
-S_Label SlowEvent(unsigned int dwMain, unsigned int dwSub) {
-  return {S_Label::Kind::Event, static_cast<unsigned short>(dwMain),
+S_LabelMeaning SlowEvent(unsigned int dwMain, unsigned int dwSub) {
+  return {S_LabelMeaning::Kind::Event, static_cast<unsigned short>(dwMain),
           static_cast<unsigned short>(dwSub)};
 }
 
 // The same rules by searching: an underscore belongs to the "u" when one stands before it, else to
 // the "e" when one stands before it.
-S_Label SlowParse(const std::string& strText) {
+S_LabelMeaning SlowParse(const std::string& strText) {
   const std::size_t nU = strText.find('u');
   const std::size_t nE = strText.find('e');
   std::size_t nFirst = std::string::npos;
@@ -63,8 +63,8 @@ S_Label SlowParse(const std::string& strText) {
       return SlowEvent(dwBoth >> 16, dwBoth);
     }
   }
-  if (strText == "VX_Silence") return {S_Label::Kind::Silence, 0, 0};
-  if (strText == "VX_PCM") return {S_Label::Kind::Region, 0, 0};
+  if (strText == "VX_Silence") return {S_LabelMeaning::Kind::Silence, 0, 0};
+  if (strText == "VX_PCM") return {S_LabelMeaning::Kind::Region, 0, 0};
   return {};
 }
 
@@ -73,9 +73,9 @@ S_Label SlowParse(const std::string& strText) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   std::string strText(pData, pData + cbData);
   strText.resize(std::char_traits<char>::length(strText.c_str()));
-  const S_Label label = wavlabels::ParseLabel(strText.c_str());
+  const S_LabelMeaning label = wavlabels::ParseLabel(strText.c_str());
   Require(label == SlowParse(strText));
-  if (label.eKind == S_Label::Kind::Event) {
+  if (label.eKind == S_LabelMeaning::Kind::Event) {
     const std::string strWritten = wavlabels::EventLabel(label.wMain, label.wSub);
     Require(wavlabels::ParseLabel(strWritten.c_str()) == label);
   }

@@ -34,6 +34,36 @@ done < <(find . \( -path ./build -o -path ./.git \) -prune -o \
 
 # Nothing in the surroundings of a process selects anything.
 if grep -nE '\b(secure_)?getenv\b' "${code[@]}"; then fail "the environment is read"; fi
+if grep -nE '\btemp_directory_path\b' "${code[@]}"; then fail "the environment chooses the temporary folder"; fi
+
+# The library speaks through its results: only its assertion writes to a standard stream.
+mapfile -d '' library < <(find common Lib_Common \( -name '*.cpp' -o -name '*.h' \) ! -name 'VcmAssert.*' -print0)
+if grep -nE '\bstd(out|err)\b|std::c(out|err|log)\b|\b(printf|vprintf|puts|putchar|perror)\(' "${library[@]}"; then
+  fail "the library prints"
+fi
+# Streams are opened in these four modes and no other way.
+if grep -nE '\b(VCM_tfopen|OpenFile|fopen|fdopen)\([^;]*"' "${library[@]}" | grep -vE '"(rb|wb|w\+b|r\+b)"\)'; then
+  fail "a file is opened in another mode"
+fi
+if grep -nE '\b(i|o)?fstream\b' "${library[@]}"; then fail "a file is opened as an iostream"; fi
+
+# Where the families of classes stand.
+wave=Lib_Common/Src/LibProject/WaveFileLib
+for stem in "$wave"/{WavDataBuffer,WavData,WavDataInfo,EventTag,EventTagMgr,WavFile,WavFileFormat,KestrelCodec,KestrelFile,SpHeader} \
+  Lib_Common/Src/LibProject/FileUtil/RiffFile common/{CLString,VCM} player/{Voxplay,FileType,PcmQueue}; do
+  [[ -e $stem.h && -e $stem.cpp ]] || fail "$stem.h and $stem.cpp belong together"
+done
+while IFS= read -r line; do fail "$line: not named as an interface, class, record or enumeration is"; done < <(
+  find "$wave" Lib_Common/Src/LibProject/FileUtil -maxdepth 1 -name '*.h' -exec \
+    grep -nHE '^(class|struct|enum) ' {} + |
+    grep -vE ':class (\[\[.*\]\] |alignas\(.*\) )?[IC]_[A-Z]|:struct S_[A-Z]|:enum (tag[A-Z]|E_EventPosUnit)')
+while IFS= read -r file; do
+  # A pure interface: every virtual operation is "= 0", but for the destructor.
+  statements=$(sed 's|//.*||' "$file" | tr '\n' ' ' | grep -oE 'virtual [^;{]*[;{]' || true)
+  if grep -vE '= 0;$|~I_[A-Za-z]+\(\) = default;$' <<<"$statements" | grep -q .; then
+    fail "$file: an operation of an interface is not pure"
+  fi
+done < <(find "$wave" Lib_Common/Src/LibProject/FileUtil player -maxdepth 1 -name 'I_*.h')
 if grep -nE '\b(TODO|FIXME|XXX)\b' "${sources[@]}"; then fail "unfinished work is marked"; fi
 if grep -nE '\b(GTEST_SKIP|DISABLED_)' "${sources[@]}"; then fail "a test is switched off"; fi
 

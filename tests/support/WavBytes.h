@@ -22,7 +22,7 @@ struct S_CueBytes {
   std::uint32_t dwPosition = 0;
   std::uint32_t dwSampleOffset = 0;
 };
-inline C_Bytes CueBytes(std::initializer_list<S_CueBytes> points) {
+inline C_Bytes CueBytes(const std::vector<S_CueBytes>& points) {
   C_Bytes payload = U32(static_cast<std::uint32_t>(points.size()));
   for (const S_CueBytes& point : points) {
     payload = Join({payload, U32(point.dwID), U32(point.dwPosition), Ascii("data"), U32(0), U32(0),

@@ -50,6 +50,8 @@ class I_WavFile : public I_WavFileInfo {
   // pfnData when it is given.
   virtual bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                         PFN_DecodedData pfnData) = 0;  // 22
+  // Writes the sound; false without one. The arguments after the name are the codec files': see
+  // there.
   virtual bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                          PFN_CodecProgress pfnProgress, bool bForceEncode,
                          unsigned int dwCodecOption) = 0;  // 23

@@ -55,8 +55,8 @@ int Number(std::string_view text) {
   return static_cast<int>(std::strtoll(strDigits.c_str(), nullptr, 10));
 }
 
-S_Label Event(int nMain, int nSub) {
-  return {S_Label::Kind::Event, static_cast<unsigned short>(nMain),
+S_LabelMeaning Event(int nMain, int nSub) {
+  return {S_LabelMeaning::Kind::Event, static_cast<unsigned short>(nMain),
           static_cast<unsigned short>(nSub)};
 }
 
@@ -138,9 +138,9 @@ class C_AnnotationReader {
 
   void Read(const char* pszLabel, unsigned int dwID) {
     VCM_ASSERT(nullptr != pszLabel, "DecodeLabel", kSource, __LINE__, "NULL != pszLabel");
-    const S_Label label = ParseLabel(pszLabel);
-    if (label.eKind == S_Label::Kind::Other) return;
-    if (label.eKind == S_Label::Kind::Event && !m_bEvents) return;
+    const S_LabelMeaning label = ParseLabel(pszLabel);
+    if (label.eKind == S_LabelMeaning::Kind::Other) return;
+    if (label.eKind == S_LabelMeaning::Kind::Event && !m_bEvents) return;
     const std::optional<unsigned int> dwPosition = m_positions.Find(dwID);
     VCM_ASSERT(dwPosition, "DecodeLabel", kSource, __LINE__, "NULL != pICuePoint");
     Place(label, *dwPosition, dwID);
@@ -153,13 +153,13 @@ class C_AnnotationReader {
   }
 
  private:
-  void Place(const S_Label& label, unsigned int dwPosition, unsigned int dwID) {
-    if (label.eKind == S_Label::Kind::Event) {
+  void Place(const S_LabelMeaning& label, unsigned int dwPosition, unsigned int dwID) {
+    if (label.eKind == S_LabelMeaning::Kind::Event) {
       m_events.push_back({dwPosition, label.wMain, label.wSub});
       return;
     }
     const auto [dwStart, dwEnd] = Range(dwPosition, m_lengths.Find(dwID));
-    if (label.eKind == S_Label::Kind::Silence)
+    if (label.eKind == S_LabelMeaning::Kind::Silence)
       vcm::AppendRange(m_silence, dwStart, dwEnd);
     else
       vcm::AppendRange(m_regions, dwStart, dwEnd);
@@ -204,14 +204,14 @@ class C_AnnotationWriter {
   unsigned int m_dwID = 0;
 };
 
-I_EventTagMgr& EventsOf(I_WavData& wavData) {
+I_EventTagMgr& EventsOf(I_WavData& wavData, const char* pszFunction) {
   I_EventTagMgr* pIEventMgr = wavData.GetEventTagMgr();
-  VCM_ASSERT(nullptr != pIEventMgr, "GetEventTagMgr", kSource, __LINE__, "NULL != pIEventMgr");
+  VCM_ASSERT(nullptr != pIEventMgr, pszFunction, kSource, __LINE__, "NULL != pIEventMgr");
   return *pIEventMgr;
 }
 
 void SaveEvents(C_AnnotationWriter& writer, I_WavData& wavData) {
-  I_CLArray<I_EventTag*>* pIEventList = EventsOf(wavData).GetEventList();
+  I_CLArray<I_EventTag*>* pIEventList = EventsOf(wavData, "WriteFile").GetEventList();
   VCM_ASSERT(nullptr != pIEventList, "WriteFile", kSource, __LINE__, "NULL != pIEventList");
   for (int i = 0; i < pIEventList->GetSize(); ++i) {
     I_EventTag* pIEvent = pIEventList->GetItemByIndex(i);
@@ -245,7 +245,7 @@ void SaveRegions(C_AnnotationWriter& writer, I_WavData::RegionList& list) {
 // Kept: the characters of "u__" need not stand side by side, so that ordinary words with an "u" and
 // two underscores, or an "e" and one, are events too; files in use rely on labels with such
 // prefixes. Pinned by LabelTexts_MeanWhatTheirLettersSay.
-S_Label ParseLabel(const char* pszText) {
+S_LabelMeaning ParseLabel(const char* pszText) {
   const std::string_view text(pszText);
   C_PatternCursor<3> twoNumbers("u__");
   C_PatternCursor<2> oneNumber("e_");
@@ -258,8 +258,8 @@ S_Label ParseLabel(const char* pszText) {
     const std::size_t nSub = twoNumbers.Position(2) + 1;
     return Event(Number(text.substr(nMain, nSub - 1 - nMain)), Number(text.substr(nSub)));
   }
-  if (text == kSilenceLabel) return {.eKind = S_Label::Kind::Silence};
-  if (text == kRegionLabel) return {.eKind = S_Label::Kind::Region};
+  if (text == kSilenceLabel) return {.eKind = S_LabelMeaning::Kind::Silence};
+  if (text == kRegionLabel) return {.eKind = S_LabelMeaning::Kind::Region};
   if (!oneNumber.IsComplete()) return {};
   // The older form with both indices in one number; read, never written.
   const int nBoth = Number(text.substr(oneNumber.Position(1) + 1));
@@ -271,7 +271,7 @@ std::string EventLabel(unsigned short wMain, unsigned short wSub) {
 }
 
 void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
-  I_EventTagMgr& events = EventsOf(wavData);
+  I_EventTagMgr& events = EventsOf(wavData, "DecodeLabel");
   C_AnnotationReader reader(listInfo, cueInfo, events.GetSampleRate() > 0);
   for (int i = 0; i < listInfo.GetLabelCount(); ++i) {
     unsigned int dwID = 0;

@@ -20,19 +20,19 @@
 
 namespace wavlabels {
 
-struct S_Label {
+struct S_LabelMeaning {
   enum class Kind { Other, Event, Silence, Region };
 
   Kind eKind = Kind::Other;
   unsigned short wMain = 0;  // of an event
   unsigned short wSub = 0;
 
-  friend bool operator==(const S_Label&, const S_Label&) = default;
+  friend bool operator==(const S_LabelMeaning&, const S_LabelMeaning&) = default;
 };
 
 // What a label text means. Never fails: a text that follows none of the forms is Other, numbers
 // that are none are 0, and numbers that are too big keep their low 16 bits.
-S_Label ParseLabel(const char* pszText);
+S_LabelMeaning ParseLabel(const char* pszText);
 
 // The text of an event's label.
 std::string EventLabel(unsigned short wMain, unsigned short wSub);

@@ -70,6 +70,19 @@ C_RiffBytes WithTag(std::uint16_t wTag) {
 
 }  // namespace
 
+TEST_F(WavFileFormat, KindsHaveTheNumbersThatFilesCarry) {
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_KESTREL), 14u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_HERON_4BIT), 32u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_HERON_5BIT), 33u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_HERON_6BIT), 34u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_HERON_2BIT), 35u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_HERON_3BIT), 36u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_VEMD), 0x1101u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_WAVE), 0x8001u);
+  EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_UNKNOWN), 0xFFFFu);
+  EXPECT_EQ(sizeof(tagAudioFileType), 4u);
+}
+
 TEST_F(WavFileFormat, TheSpHeadersIdentifierIsTheKindWhateverItIs) {
   EXPECT_EQ(Format(File(SpFile(14, KestrelStream(1)))), AUDIO_FILE_KESTREL);
   for (const std::uint16_t wID :

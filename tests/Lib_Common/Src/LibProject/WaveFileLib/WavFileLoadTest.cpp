@@ -501,6 +501,31 @@ TEST_F(WavFileLoad, OfSeveralCuePointsWithOneIdentifierTheFirstCounts) {
   EXPECT_EQ(EventsOf(*Load(riff)), (std::vector<S_EventSeen>{{1, 2, 77}}));
 }
 
+// So many that a sort which does not keep the order of equals shows.
+TEST_F(WavFileLoad, OfVeryManyEqualIdentifiersTheFirstCounts) {
+  std::vector<S_CueBytes> cues;
+  C_Bytes labels = LablBytes(5, "VX_PCM");
+  for (std::uint32_t i = 0; i < 100; ++i) {
+    cues.push_back({5 + i % 2, 1000 + i, 0});
+    labels = Join({labels, LtxtBytes(5 + i % 2, 1 + i)});
+  }
+  const C_WavFilePtr file =
+      Load(MonoWav(64).Chunk("cue ", CueBytes(cues)).Chunk("LIST", AdtlBytes({labels})));
+  EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{1000, 1000}}));
+}
+
+TEST_F(WavFileLoad, VeryManyEventsAtOneSampleKeepTheOrderOfTheirLabels) {
+  std::vector<S_EventSeen> expected;
+  C_Bytes labels;
+  for (unsigned int i = 0; i < 100; ++i) {
+    labels = Join({labels, LablBytes(1, "u_" + std::to_string(i) + "_0")});
+    expected.push_back({i, 0, 77});
+  }
+  const C_WavFilePtr file =
+      Load(MonoWav(64).Chunk("cue ", CueBytes({{1, 77, 0}})).Chunk("LIST", AdtlBytes({labels})));
+  EXPECT_EQ(EventsOf(*file), expected);
+}
+
 TEST_F(WavFileLoad, RangeLabelsBecomeSegmentsAndRegions) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 100, 0}, {2, 500, 0}, {3, 100, 0}}))
@@ -568,6 +593,24 @@ TEST_F(WavFileLoad, AnnotationsOfTheSoundAreReplacedButEventsAreAdded) {
   EXPECT_EQ(EventsOf(*file), (std::vector<S_EventSeen>{{1, 2, 100}, {1, 2, 100}}));
   EXPECT_EQ(SilenceOf(*file), (C_RangesSeen{{600, 629}}));
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{500, 519}}));
+}
+
+TEST_F(WavFileLoad, TheKindIsKnownAlsoWhenTheFormatIsRefused) {
+  const C_WavFilePtr file = MakeWav();
+  C_RiffBytes riff("VEMD");
+  riff.Chunk("fmt ", FmtBytes(0x0011, 1, 8000, 4));
+  EXPECT_FALSE(file->CheckFormat(File(riff).c_str(), false));
+  EXPECT_EQ(file->GetFileFormat(), AUDIO_FILE_VEMD);
+}
+
+TEST_F(WavFileLoad, AnAttachedSoundPlacesEventsAtTheRateOfTheFile) {
+  C_WavData data;
+  data.SetWavInfoData(8000, 0, 1, 16, 16, true);
+  C_WavFile file;
+  file.AttachWavData(&data);
+  ASSERT_TRUE(file.LoadByName(File(OneLabel("u_3_7")).c_str(), true, nullptr, nullptr));
+  EXPECT_EQ(EventsOf(file), (std::vector<S_EventSeen>{{3, 7, 4800}}));
+  EXPECT_EQ(data.GetEventTagMgr()->GetEventList()->GetItemByIndex(0)->GetTime(), 300u);
 }
 
 TEST_F(WavFileLoad, EventsJoinThoseThatAreThereInOrder) {

@@ -381,6 +381,30 @@ TEST_F(WavFileWrite, WidthsThatCannotBeConvertedFail) {
   EXPECT_FALSE(m_folder.Has("none.wav"));
 }
 
+// The widths are settled before anything of the sound is touched.
+TEST_F(WavFileWrite, AWidthThatCannotBeConvertedLeavesCuePointsAndLabelsAlone) {
+  C_RiffBytes riff("WAVE");
+  riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 24))
+      .Chunk("data", RampBytes(9))
+      .Chunk("cue ", CueBytes({{17, 5, 5}}))
+      .Chunk("LIST", AdtlBytes({LablBytes(17, "hello")}));
+  const C_WavFilePtr file = Load(riff);
+  file->GetAudioCodecParam()->SetSampleBits(16, 16, true);
+  EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
+  EXPECT_EQ(Cues(*file).GetCuePointByIndex(0)->GetCuePointID(), 17u);
+  EXPECT_EQ(LabelsOf(*file), (std::vector<std::pair<unsigned int, std::string>>{{17, "hello"}}));
+}
+
+// The form is looked at last: what would have been written stands in the infos by then.
+TEST_F(WavFileWrite, AKindThatIsNotWrittenStillRegeneratesTheAnnotations) {
+  const C_WavFilePtr file = AnnotatedSound();
+  file->SetFileFormat(AUDIO_FILE_KESTREL);
+  EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
+  EXPECT_FALSE(m_folder.Has("none.wav"));
+  EXPECT_EQ(Cues(*file).GetCuePointCount(), 4);
+  EXPECT_EQ(LabelsOf(*file).size(), 4u);
+}
+
 TEST_F(WavFileWrite, SignednessAloneMakesAConvertedCopy) {
   const C_WavFilePtr file =
       MakeSound(AUDIO_FILE_WAVE, 8000, 1, 8, 8, true, {0x80, 0xFF, 0x00, 0x7F});
@@ -480,7 +504,7 @@ TEST_F(WavFileDeathTest, WriteNeedsSamplerAndExtraChunkInfo) {
 
 TEST_F(WavFileDeathTest, WriteNeedsTheEventsAndEachOfThem) {
   m_data.m_pEventMgr = nullptr;
-  EXPECT_DEATH(WriteNow(), "WaveFileLib/WavFile.*NULL != pIEventMgr");
+  EXPECT_DEATH(WriteNow(), "WriteFile: WaveFileLib/WavFile.*NULL != pIEventMgr");
   C_BrokenEventMgr broken;
   m_data.m_pEventMgr = &broken;
   EXPECT_DEATH(WriteNow(), "WaveFileLib/WavFile.*NULL != pIEventList");

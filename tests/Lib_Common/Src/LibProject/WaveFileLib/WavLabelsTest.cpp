@@ -10,24 +10,24 @@
 
 using wavlabels::EventLabel;
 using wavlabels::ParseLabel;
-using wavlabels::S_Label;
+using wavlabels::S_LabelMeaning;
 
 namespace {
 
-S_Label Event(unsigned short wMain, unsigned short wSub) {
-  return {S_Label::Kind::Event, wMain, wSub};
+S_LabelMeaning Event(unsigned short wMain, unsigned short wSub) {
+  return {S_LabelMeaning::Kind::Event, wMain, wSub};
 }
-const S_Label kOther;
+const S_LabelMeaning kOther;
 
 struct S_Case {
   const char* pszText;
-  S_Label expected;
+  S_LabelMeaning expected;
 };
 
 }  // namespace
 
 namespace wavlabels {
-void PrintTo(const S_Label& label, std::ostream* pStream) {
+void PrintTo(const S_LabelMeaning& label, std::ostream* pStream) {
   *pStream << "kind " << static_cast<int>(label.eKind) << " (" << label.wMain << ", " << label.wSub
            << ")";
 }
@@ -64,8 +64,8 @@ TEST(WavLabels, TheOlderSingleNumberIsRead) {
 }
 
 TEST(WavLabels, RangesAreNamedExactly) {
-  EXPECT_EQ(ParseLabel("VX_Silence").eKind, S_Label::Kind::Silence);
-  EXPECT_EQ(ParseLabel("VX_PCM").eKind, S_Label::Kind::Region);
+  EXPECT_EQ(ParseLabel("VX_Silence").eKind, S_LabelMeaning::Kind::Silence);
+  EXPECT_EQ(ParseLabel("VX_PCM").eKind, S_LabelMeaning::Kind::Region);
   for (const char* pszText : {"VX_silence", "vx_PCM", "VX_PCM ", " VX_PCM", "VX_Silenc", "VX_PC"})
     EXPECT_EQ(ParseLabel(pszText), kOther) << pszText;
 }
