@@ -134,7 +134,8 @@ class I_WavDataListInfo {
   virtual bool AddLabel(unsigned int dwID, const char* pszText) = 0;  // 5
   virtual int GetLtxtCount() = 0;                                     // 6
   virtual void RemoveAllLtxts() = 0;                                  // 7
-  // The purpose: four characters, not terminated, owned by the list.
+  // The purpose: four characters, zeros among them or not, and a terminating zero; owned by the
+  // list.
   virtual const char* GetLtxtByIndex(int nIndex, unsigned int* pdwID,
                                      unsigned int* pdwSampleLength) = 0;  // 8
   virtual bool AddLtxt(unsigned int dwID, unsigned int dwSampleLength,
@@ -147,7 +148,7 @@ class I_WavDataListInfo {
 // Any other chunk, kept verbatim.
 class I_WavDataExtraChunk {
  public:
-  // Four characters, not terminated.
+  // Four characters, zeros among them or not, and a terminating zero.
   virtual const char* GetChunkName() = 0;  // 1
   // The length in bytes; *ppbyData gets the chunk's own buffer, null when it is empty.
   virtual unsigned int GetChunkData(unsigned char** ppbyData) = 0;  // 2
@@ -161,7 +162,8 @@ class I_WavDataExtraChunkInfo {
   virtual I_WavDataExtraChunk* GetItemByIndex(int nIndex) const = 0;  // 2, std::out_of_range
   virtual void RemoveItemByIndex(int nIndex) = 0;                     // 3
   virtual void RemoveAll() = 0;                                       // 4
-  // Names are four characters. Data is copied; length 0 keeps no buffer.
+  // Names are four characters. Data is copied; length 0 keeps no buffer. False for a length without
+  // data.
   virtual bool AddChunk(const char* pszName, const void* pData, unsigned int dwLength) = 0;  // 5
   virtual bool DelChunkByName(const char* pszName) = 0;  // 6, first match; false when none
   // Reads the whole payload of the chunk.

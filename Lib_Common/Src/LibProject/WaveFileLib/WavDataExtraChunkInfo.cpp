@@ -20,7 +20,7 @@ std::unique_ptr<std::uint8_t[]> MakeBuffer(unsigned int dwLength) {
 C_WavDataExtraChunk::C_WavDataExtraChunk(const char* pszName, std::unique_ptr<std::uint8_t[]> data,
                                          unsigned int dwLength)
     : m_pbyData(std::move(data)), m_dwLength(dwLength) {
-  std::memcpy(m_achName, pszName, sizeof m_achName);
+  std::memcpy(m_szName, pszName, kNameLength);
 }
 
 unsigned int C_WavDataExtraChunk::GetChunkData(unsigned char** ppbyData) {
@@ -30,6 +30,7 @@ unsigned int C_WavDataExtraChunk::GetChunkData(unsigned char** ppbyData) {
 
 bool C_WavDataExtraChunkInfo::AddChunk(const char* pszName, const void* pData,
                                        unsigned int dwLength) {
+  if (dwLength > 0 && pData == nullptr) return false;
   auto data = MakeBuffer(dwLength);
   if (data) std::memcpy(data.get(), pData, dwLength);
   Append(pszName, std::move(data), dwLength);
@@ -61,11 +62,11 @@ I_WavDataExtraChunk* C_WavDataExtraChunkInfo::GetChunkByName(const char* pszName
 }
 
 int C_WavDataExtraChunkInfo::FindIndex(const char* pszName, const char* pszFunction) const {
-  constexpr std::size_t kNameLength = 4;
   for (int i = 0; i < GetCount(); ++i) {
     C_WavDataExtraChunk* pChunk = GetAt(i);
     VCM_ASSERT(pChunk != nullptr, pszFunction, kSource, __LINE__, "NULL != pChunk");
-    if (std::memcmp(pChunk->GetChunkName(), pszName, kNameLength) == 0) return i;
+    if (std::memcmp(pChunk->GetChunkName(), pszName, C_WavDataExtraChunk::kNameLength) == 0)
+      return i;
   }
   return -1;
 }

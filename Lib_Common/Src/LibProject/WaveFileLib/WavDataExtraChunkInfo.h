@@ -11,16 +11,18 @@
 
 class C_WavDataExtraChunk : public I_WavDataExtraChunk {
  public:
+  static constexpr std::size_t kNameLength = 4;
+
   // Takes over the payload. pszName: four characters.
   C_WavDataExtraChunk(const char* pszName, std::unique_ptr<std::uint8_t[]> data,
                       unsigned int dwLength);
 
-  const char* GetChunkName() override { return m_achName; }
+  const char* GetChunkName() override { return m_szName; }
   // ppbyData may be null.
   unsigned int GetChunkData(unsigned char** ppbyData) override;
 
  private:
-  char m_achName[4];
+  char m_szName[kNameLength + 1] = {};
   std::unique_ptr<std::uint8_t[]> m_pbyData;
   unsigned int m_dwLength;
 };

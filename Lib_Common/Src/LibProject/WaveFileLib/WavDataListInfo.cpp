@@ -14,6 +14,7 @@
 namespace {
 
 constexpr std::uint32_t kIDLength = 4;
+constexpr std::size_t kPurposeLength = C_WavDataListInfo::kPurposeLength;
 constexpr std::uint32_t kSubHeaderLength = 8;
 constexpr std::uint32_t kLtxtLength = 20;
 constexpr std::string_view kListType = "adtl";
@@ -35,7 +36,7 @@ void WriteLtxt(vcm::C_ByteWriter& writer, const C_WavDataListInfo::S_Ltxt& ltxt)
   writer.U32(kLtxtLength);
   writer.U32(ltxt.dwCuePointID);
   writer.U32(ltxt.dwSampleLength);
-  writer.Text({ltxt.achPurpose, sizeof ltxt.achPurpose}, sizeof ltxt.achPurpose);
+  writer.Text({ltxt.szPurpose, kPurposeLength}, kPurposeLength);
   for (const unsigned short wField : {ltxt.wCountry, ltxt.wLanguage, ltxt.wDialect, ltxt.wCodePage})
     writer.U16(wField);
 }
@@ -76,13 +77,13 @@ const char* C_WavDataListInfo::GetLtxtByIndex(int nIndex, unsigned int* pdwID,
   const S_Ltxt* pLtxt = m_ltxts.GetAt(nIndex);
   if (pdwID != nullptr) *pdwID = pLtxt->dwCuePointID;
   if (pdwSampleLength != nullptr) *pdwSampleLength = pLtxt->dwSampleLength;
-  return pLtxt->achPurpose;
+  return pLtxt->szPurpose;
 }
 
 bool C_WavDataListInfo::AddLtxt(unsigned int dwID, unsigned int dwSampleLength,
                                 const char* pszPurpose) {
   S_Ltxt ltxt{dwID, dwSampleLength, {}, 0, 0, 0, 0};
-  if (pszPurpose != nullptr) VCM_strncpy(ltxt.achPurpose, pszPurpose, sizeof ltxt.achPurpose);
+  if (pszPurpose != nullptr) VCM_strncpy(ltxt.szPurpose, pszPurpose, kPurposeLength);
   vcm::AddOwned(m_ltxts, std::make_unique<S_Ltxt>(ltxt));
   return true;
 }
@@ -143,7 +144,7 @@ bool C_WavDataListInfo::LoadLtxt(I_RiffChunk& chunk, std::uint64_t qwPosition,
   S_Ltxt ltxt{};
   ltxt.dwCuePointID = reader.U32();
   ltxt.dwSampleLength = reader.U32();
-  std::memcpy(ltxt.achPurpose, reader.Bytes(sizeof ltxt.achPurpose).data(), sizeof ltxt.achPurpose);
+  std::memcpy(ltxt.szPurpose, reader.Bytes(kPurposeLength).data(), kPurposeLength);
   ltxt.wCountry = reader.U16();
   ltxt.wLanguage = reader.U16();
   ltxt.wDialect = reader.U16();

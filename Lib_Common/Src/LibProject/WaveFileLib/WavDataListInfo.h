@@ -23,6 +23,7 @@ class C_WavDataListInfo : public I_WavDataListInfo {
  public:
   // Longer texts are cut.
   static constexpr std::size_t kMaxLabelText = 64;
+  static constexpr std::size_t kPurposeLength = 4;
 
   struct S_Label {
     unsigned int dwCuePointID;
@@ -31,7 +32,7 @@ class C_WavDataListInfo : public I_WavDataListInfo {
   struct S_Ltxt {
     unsigned int dwCuePointID;
     unsigned int dwSampleLength;
-    char achPurpose[4];
+    char szPurpose[kPurposeLength + 1];
     unsigned short wCountry;
     unsigned short wLanguage;
     unsigned short wDialect;

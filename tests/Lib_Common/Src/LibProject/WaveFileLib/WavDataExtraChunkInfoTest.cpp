@@ -41,6 +41,16 @@ TEST_F(WavDataExtraChunkInfo, AddChunk_CopiesTheData) {
   EXPECT_EQ(m_info.GetItemByIndex(0)->GetChunkData(nullptr), 3u);
 }
 
+TEST_F(WavDataExtraChunkInfo, AddChunk_OfALengthWithoutData_Fails) {
+  EXPECT_FALSE(m_info.AddChunk("junk", nullptr, 1));
+  EXPECT_EQ(m_info.GetSize(), 0);
+}
+
+TEST_F(WavDataExtraChunkInfo, Name_IsTerminated) {
+  Add("junkyard", {1});
+  EXPECT_STREQ(m_info.GetItemByIndex(0)->GetChunkName(), "junk");
+}
+
 TEST_F(WavDataExtraChunkInfo, EmptyChunk_KeepsNoBuffer) {
   EXPECT_TRUE(m_info.AddChunk("junk", nullptr, 0));
   unsigned char* pbyData = reinterpret_cast<unsigned char*>(&m_info);

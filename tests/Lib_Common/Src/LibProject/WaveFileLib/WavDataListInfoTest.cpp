@@ -124,6 +124,14 @@ TEST_F(WavDataListInfo, Purpose_IsFourCharacters) {
   EXPECT_EQ(LtxtAt(1), "1:2:abcd");
 }
 
+TEST_F(WavDataListInfo, Purpose_IsTerminatedWhateverFollowsItInTheFile) {
+  const C_Bytes ltxt = ChunkBytes("ltxt", Join({Words({1, 2}), Ascii("rgn "), C_Bytes(8, 'X')}));
+  EXPECT_TRUE(Load(m_info, List({ltxt})));
+  EXPECT_STREQ(m_info.GetLtxtByIndex(0, nullptr, nullptr), "rgn ");
+  m_info.AddLtxt(1, 2, "abcdef");
+  EXPECT_STREQ(m_info.GetLtxtByIndex(1, nullptr, nullptr), "abcd");
+}
+
 TEST_F(WavDataListInfo, Texts_AreCopied) {
   std::string strText = "text";
   m_info.AddLabel(1, strText.c_str());
