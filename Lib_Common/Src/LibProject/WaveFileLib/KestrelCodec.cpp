@@ -130,12 +130,10 @@ bool DecodeFrames(C_VXAudioCodec::PFN_DecodeFrame pfnDecodeFrame, S_Stream& stre
 
 // The PCM of a sound; empty when it holds fewer bytes than its format says it has samples.
 std::span<const std::uint8_t> MonoPcm(I_WavData* piWavData) {
-  I_WavInfo* pIWavInfo = piWavData->GetWavInfo();
   const std::uint8_t* pbyPcm = piWavData->GetBuffer();
-  if (pbyPcm == nullptr || pIWavInfo->GetChannels() == 0) return {};
-  if (pIWavInfo->GetStoreBitsPerSample() == 0) return {};
-  const std::uint64_t qwBytes = std::uint64_t{pIWavInfo->GetSampleSize()} * kSampleBytes;
-  if (qwBytes > piWavData->GetBufferLength()) return {};
+  const std::uint64_t qwSamples = piWavData->GetWavInfo()->GetSampleSize();
+  const std::uint64_t qwBytes = qwSamples * kSampleBytes;
+  if (pbyPcm == nullptr || qwBytes > piWavData->GetBufferLength()) return {};
   return {pbyPcm, static_cast<std::size_t>(qwBytes)};
 }
 

@@ -273,6 +273,13 @@ TEST(KestrelDecode, GreatestLengths_AreRefusedAtOnce) {
   }
 }
 
+TEST(KestrelDecode, PcmThatDoesNotFit32Bits_IsRefusedBeforeTheFirstFrame) {
+  constexpr std::uint32_t kTooManyFrames = 0xFFFFFFFF / 640 + 1;
+  const std::vector<std::uint16_t> words(std::size_t{kTooManyFrames} * 6);
+  EXPECT_FALSE(Decode(C_KestrelBytes(4800).Words(words).Take()).bResult);
+  EXPECT_THAT(g_lengths, IsEmpty());
+}
+
 TEST(KestrelDecode, FrameSize_ComesFromTheCoderNotFromTheStream) {
   // 40 bytes are two frames of 10 words at 8000 and a frame of 20 at 16000.
   const std::vector<std::uint16_t> words(20);

@@ -231,6 +231,18 @@ TEST_F(SpFile, Prepend_ByAnotherUser_SucceedsWithThatUserAsOwnerAndNoSpecialBits
   EXPECT_EQ(0755u, ModeOf("a"));
 }
 
+TEST_F(SpFile, Prepend_ByAnOwnerOutsideTheFilesGroup_DropsTheSpecialBits) {
+  constexpr gid_t kGroupOfNobodyHere = 54321;
+  Write("a", Pattern(5));
+  ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, kGroupOfNobodyHere));
+  ASSERT_EQ(0, chmod(Path("a").c_str(), 06750));
+  ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+  EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+  EXPECT_EQ(Headed(Pattern(5)), Content("a"));
+  EXPECT_EQ(kNobody, OwnerOf("a"));
+  EXPECT_EQ(0750u, ModeOf("a"));
+}
+
 TEST_F(SpFile, Prepend_ThroughALink_ReplacesTheLinkAndLeavesItsTarget) {
   Write("real", Pattern(5));
   ASSERT_EQ(0, symlink("real", Path("link").c_str()));
