@@ -91,11 +91,7 @@ std::size_t C_MpegSound::Read(SInt64 nFrom, std::size_t nSamples, float* pSample
   }
   const std::size_t cbSample = m_dwChannels * sizeof(float);
   std::size_t cbRead = 0;
-  const int nResult = mpg123_read(m_pMpeg.get(), pSamples, nSamples * cbSample, &cbRead);
-  // Says once that there is a format, before the first sample.
-  if (nResult == MPG123_NEW_FORMAT && cbRead == 0) {
-    mpg123_read(m_pMpeg.get(), pSamples, nSamples * cbSample, &cbRead);
-  }
+  mpg123_read(m_pMpeg.get(), pSamples, nSamples * cbSample, &cbRead);
   m_nPosition += static_cast<SInt64>(cbRead / cbSample);
   return cbRead / cbSample;
 }

@@ -298,6 +298,31 @@ TEST(SoundServerTest, AServerThatFreezesWhilePaused_IsNoticedAtTheNextStart) {
   output.Stop();
 }
 
+class C_SlowClient final : public toolbox::I_DeviceClient {
+ public:
+  void RenderFrames(void*, UInt32) override {
+    if (nCalls++ == 3) std::this_thread::sleep_for(2s);
+  }
+  void DeviceLost() override { bLost = true; }
+  std::atomic<int> nCalls{0};
+  std::atomic<bool> bLost{false};
+};
+
+TEST(SoundServerTest, ASlowClient_IsNotTakenForAFrozenServer) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_SlowClient client;
+  const auto pDevice = toolbox::OpenCubebDevice({16000, 1, false}, client, 1000ms);
+  ASSERT_NE(nullptr, pDevice);
+  EXPECT_TRUE(pDevice->Start());
+  const auto limit = Clock::now() + 20s;
+  while (client.nCalls < 6 && Clock::now() < limit) std::this_thread::sleep_for(2ms);
+  EXPECT_GE(client.nCalls, 6);
+  pDevice->Stop();
+  EXPECT_FALSE(client.bLost);
+}
+
 // The client goes while the service still holds the stream, which then comes back to life.
 TEST(SoundServerTest, AClientThatIsGone_IsNotAskedByAStreamThatWasLeftBehind) {
   C_SoundServer server(16000, "s16le", 1);
