@@ -40,7 +40,8 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
     [[nodiscard]] unsigned int Field(std::size_t nField) const;
 
     Record m_record;
-    I_WavInfo* m_pIWavInfo;
+    // The format whose samples the positions count.
+    [[maybe_unused]] I_WavInfo* m_pIWavInfo;
   };
   using CuePointList = C_CLArray<C_CuePoint*, I_WavDataCuePoint*, true>;
 
