@@ -119,8 +119,10 @@ class C_Replacement {
   [[nodiscard]] std::FILE* Stream() const { return m_file.get(); }
 
   // Owner first: a change of owner takes the special mode bits away, and without it they must not
-  // be given to a file that now belongs to somebody else.
+  // be given to a file that now belongs to somebody else. Nothing may be written afterwards, which
+  // would take them away again.
   [[nodiscard]] bool TakeOwnerAndMode(const struct stat& model) const {
+    if (std::fflush(m_file.get()) != 0) return false;
     const int nDescriptor = fileno(m_file.get());
     const bool bGroup = fchown(nDescriptor, static_cast<uid_t>(-1), model.st_gid) == 0;
     const bool bOwner = fchown(nDescriptor, model.st_uid, static_cast<gid_t>(-1)) == 0;
@@ -128,7 +130,7 @@ class C_Replacement {
   }
 
   [[nodiscard]] bool TakePlaceOf(const char* pszFileName) {
-    const bool bOnDisk = std::fflush(m_file.get()) == 0 && fsync(fileno(m_file.get())) == 0;
+    const bool bOnDisk = fsync(fileno(m_file.get())) == 0;
     if (!vcm::CloseChecked(std::move(m_file)) || !bOnDisk) return false;
     if (std::rename(m_strPath.c_str(), pszFileName) != 0) return false;
     m_strPath.clear();

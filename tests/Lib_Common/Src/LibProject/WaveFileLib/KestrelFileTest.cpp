@@ -250,7 +250,7 @@ TEST_F(KestrelFile, Load_HeaderCutShort_OpensAndHasNoStream) {
 
 TEST_F(KestrelFile, Load_StreamThatDoesNotFit32Bits_IsRefusedUnread) {
   WriteKestrel("a", Stream(3));
-  std::filesystem::resize_file(Path("a"), 48 + (std::uintmax_t{1} << 32));
+  std::filesystem::resize_file(Path("a"), 48 + 126 + (std::uintmax_t{1} << 32));
   C_KestrelFile file;
   EXPECT_FALSE(Load(file, "a"));
   EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());

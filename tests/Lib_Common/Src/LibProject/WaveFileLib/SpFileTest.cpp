@@ -231,6 +231,18 @@ TEST_F(SpFile, Prepend_ByAnotherUser_SucceedsWithThatUserAsOwnerAndNoSpecialBits
   EXPECT_EQ(0755u, ModeOf("a"));
 }
 
+TEST_F(SpFile, Prepend_ByTheOwner_KeepsTheSpecialBits) {
+  for (const std::size_t cbSize : {0u, 5u, 100000u}) {
+    Write("a", Pattern(cbSize));
+    ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, kNobody));
+    ASSERT_EQ(0, chmod(Path("a").c_str(), 06755));
+    ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+    EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+    EXPECT_EQ(06755u, ModeOf("a")) << cbSize;
+    std::filesystem::remove(Path("a"));
+  }
+}
+
 TEST_F(SpFile, Prepend_ByAnOwnerOutsideTheFilesGroup_DropsTheSpecialBits) {
   constexpr gid_t kGroupOfNobodyHere = 54321;
   Write("a", Pattern(5));
