@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 
 #include "FuzzFile.h"
 #include "LabelsArePlaced.h"
@@ -20,11 +19,6 @@ namespace {
 void Require(bool bHolds) {
   if (!bHolds) std::abort();
 }
-
-struct S_Release {
-  void operator()(I_WavFile* pIWavFile) const { pIWavFile->Release(); }
-};
-using C_FilePtr = std::unique_ptr<I_WavFile, S_Release>;
 
 std::uint64_t g_qwHeard = 0;
 void Hear(void* pData, unsigned int dwLength) {
@@ -49,13 +43,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   Require(format.IsFileFormat(bytes.Path(), AUDIO_FILE_WAVE) == format.IsWavFile(bytes.Path()));
   static_cast<void>(format.IsSupportedFormat(bytes.Path()));
 
-  const C_FilePtr opened(format.OpenWavFile(bytes.Path()));
+  const C_WavFilePtr opened(format.OpenWavFile(bytes.Path()));
   if (opened) {
     Require(eKind != AUDIO_FILE_UNKNOWN && opened->GetWavDataBuffer() == nullptr);
     Require(opened->GetFileLength() == cbData);
   }
   g_qwHeard = 0;
-  const C_FilePtr loaded(format.CreateWavFile(bytes.Path(), true, true, nullptr, &Hear));
+  const C_WavFilePtr loaded(format.CreateWavFile(bytes.Path(), true, true, nullptr, &Hear));
   Require(opened || !loaded);
   if (!loaded) return 0;
   CheckObject(*loaded);

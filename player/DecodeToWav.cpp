@@ -3,7 +3,6 @@
 
 #include <unistd.h>
 
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -12,11 +11,6 @@
 #include "WavFileFormat.h"
 
 namespace {
-
-struct S_FileReleaser {
-  void operator()(I_WavFile* pIWavFile) const { pIWavFile->Release(); }
-};
-using C_WavFilePtr = std::unique_ptr<I_WavFile, S_FileReleaser>;
 
 class C_RemovedAtEnd {
  public:

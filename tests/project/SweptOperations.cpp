@@ -19,10 +19,6 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 constexpr std::size_t kFrames = 960;
 
-struct S_FileReleaser {
-  void operator()(I_WavFile* pIFile) const { pIFile->Release(); }
-};
-
 C_SpHeader KestrelHeader() {
   C_SpHeader header;
   header.SetID(AUDIO_FILE_KESTREL);
@@ -78,7 +74,7 @@ class C_LoadOperation : public C_SweptOperation {
     return m_file->GetWavData()->GetEventTagMgr()->GetEventList()->GetSize();
   }
 
-  std::unique_ptr<I_WavFile, S_FileReleaser> m_file;
+  C_WavFilePtr m_file;
   Bytes m_pcm;
   int m_nEvents = 0;
 };

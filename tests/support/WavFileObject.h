@@ -13,18 +13,13 @@
 #include "I_WavDataInfo.h"
 #include "WavFile.h"
 
-struct S_WavFileRelease {
-  void operator()(I_WavFile* pIWavFile) const { pIWavFile->Release(); }
-};
-template <typename T>
-using C_WavFileHolder = std::unique_ptr<T, S_WavFileRelease>;
-using C_WavFilePtr = C_WavFileHolder<C_WavFile>;
+using C_WavObjectPtr = std::unique_ptr<C_WavFile, S_WavFileReleaser>;
 
-inline C_WavFilePtr MakeWav() { return C_WavFilePtr(new C_WavFile); }
+inline C_WavObjectPtr MakeWav() { return C_WavObjectPtr(new C_WavFile); }
 
 // A loaded file; a test failure, and an object without samples, when it does not load.
-inline C_WavFilePtr LoadWav(const std::string& strPath) {
-  C_WavFilePtr file = MakeWav();
+inline C_WavObjectPtr LoadWav(const std::string& strPath) {
+  C_WavObjectPtr file = MakeWav();
   EXPECT_TRUE(file->LoadByName(strPath.c_str(), true, nullptr, nullptr)) << strPath;
   return file;
 }
@@ -116,11 +111,11 @@ inline std::vector<std::uint8_t> PcmOf(I_WavFile& file) {
 }
 
 // A new file object of kind eFormat with a sound in it.
-inline C_WavFilePtr MakeSound(tagAudioFileType eFormat, unsigned int dwRate,
-                              unsigned short wChannels, unsigned short wBits,
-                              unsigned short wStoreBits, bool bSigned,
-                              const std::vector<std::uint8_t>& pcm) {
-  C_WavFilePtr file = MakeWav();
+inline C_WavObjectPtr MakeSound(tagAudioFileType eFormat, unsigned int dwRate,
+                                unsigned short wChannels, unsigned short wBits,
+                                unsigned short wStoreBits, bool bSigned,
+                                const std::vector<std::uint8_t>& pcm) {
+  C_WavObjectPtr file = MakeWav();
   file->SetFileFormat(eFormat);
   EXPECT_TRUE(file->SetBuffer(pcm.data(), static_cast<unsigned int>(pcm.size())));
   file->SetWavInfoData(dwRate, wChannels, wBits, wStoreBits, bSigned);

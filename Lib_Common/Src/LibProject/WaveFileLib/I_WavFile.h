@@ -3,6 +3,8 @@
 // A sound file: what it is, the sound that it holds, and how it is read and written.
 #pragma once
 
+#include <memory>
+
 #include "AudioFileType.h"
 #include "CodecCallback.h"
 #include "I_WavData.h"
@@ -56,3 +58,9 @@ class I_WavFile : public I_WavFileInfo {
                          PFN_CodecProgress pfnProgress, bool bForceEncode,
                          unsigned int dwCodecOption) = 0;  // 23
 };
+
+// Ends a file object of one's own with the one Release that it needs.
+struct S_WavFileReleaser {
+  void operator()(I_WavFile* pIWavFile) const { pIWavFile->Release(); }
+};
+using C_WavFilePtr = std::unique_ptr<I_WavFile, S_WavFileReleaser>;

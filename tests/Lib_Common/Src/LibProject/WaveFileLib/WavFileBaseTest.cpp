@@ -97,6 +97,9 @@ TEST(WavFileBase, AttachedDataIsLentAndComesBack) {
     EXPECT_EQ(file.DetachWavData(), pData);
     EXPECT_EQ(file.GetWavData(), nullptr);
     EXPECT_EQ(file.DetachWavData(), nullptr);
+    // What the file makes afterwards is its own.
+    file.PrepareWavData();
+    EXPECT_EQ(file.DetachWavData(), nullptr);
     file.AttachWavData(pData);
   }
   EXPECT_EQ(nLiving, 1);
@@ -323,7 +326,7 @@ TEST(WavFileBase, TheOperationsStandInTheirSlots) {
   const std::string strOut = folder.Path("out.wav");
   const char* pszPath = strPath.c_str();
   const char* pszOut = strOut.c_str();
-  const C_WavFilePtr owner = MakeWav();
+  const C_WavObjectPtr owner = MakeWav();
   I_WavFile* pFile = owner.get();
   C_WavData data;
 

@@ -17,17 +17,15 @@
 
 namespace {
 
-using C_AnyFilePtr = C_WavFileHolder<I_WavFile>;
-
 class WavFileFormat : public testing::Test {
  protected:
   std::string File(const C_Bytes& bytes) { return m_folder.Write("file", bytes); }
   std::string File(const C_RiffBytes& riff) { return File(riff.Take()); }
-  C_AnyFilePtr Create(const std::string& strPath) {
-    return C_AnyFilePtr(m_format.CreateWavFile(strPath.c_str(), true, true, nullptr, nullptr));
+  C_WavFilePtr Create(const std::string& strPath) {
+    return C_WavFilePtr(m_format.CreateWavFile(strPath.c_str(), true, true, nullptr, nullptr));
   }
-  C_AnyFilePtr Open(const std::string& strPath) {
-    return C_AnyFilePtr(m_format.OpenWavFile(strPath.c_str()));
+  C_WavFilePtr Open(const std::string& strPath) {
+    return C_WavFilePtr(m_format.OpenWavFile(strPath.c_str()));
   }
   tagAudioFileType Format(const std::string& strPath) {
     return m_format.GetFileFormat(strPath.c_str());
@@ -97,7 +95,7 @@ TEST_F(WavFileFormat, RiffSoundFilesAreWaveFiles) {
 TEST_F(WavFileFormat, VemdFile_IsAWaveFileToDetection) {
   const std::string strPath = File(MonoWav(8, "VEMD"));
   EXPECT_EQ(Format(strPath), AUDIO_FILE_WAVE);
-  const C_AnyFilePtr file = Create(strPath);
+  const C_WavFilePtr file = Create(strPath);
   ASSERT_NE(file, nullptr);
   EXPECT_EQ(file->GetFileFormat(), AUDIO_FILE_VEMD);
 }
@@ -135,10 +133,10 @@ TEST_F(WavFileFormat, IsWavFileTakesBothForms) {
 }
 
 TEST_F(WavFileFormat, TheObjectOfTheClassThatOpensTheFileIsMade) {
-  const C_AnyFilePtr wave = Create(File(MonoWav(8)));
+  const C_WavFilePtr wave = Create(File(MonoWav(8)));
   EXPECT_NE(dynamic_cast<C_WavFile*>(wave.get()), nullptr);
   EXPECT_EQ(PcmOf(*wave), RampBytes(8));
-  const C_AnyFilePtr kestrel = Create(File(SpFile(14, KestrelStream(3))));
+  const C_WavFilePtr kestrel = Create(File(SpFile(14, KestrelStream(3))));
   EXPECT_NE(dynamic_cast<C_KestrelFile*>(kestrel.get()), nullptr);
   ASSERT_NE(kestrel, nullptr);
   EXPECT_EQ(kestrel->GetWavData()->GetBufferLength(), 3u * 640);
@@ -172,7 +170,7 @@ TEST_F(WavFileFormat, TryingLeavesNoTrace) {
 TEST_F(WavFileFormat, NothingIsPrintedWhateverHappens) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
-  const C_AnyFilePtr file = Create(File(MonoWav(8).Chunk("cue ", CueBytes({{1, 2, 3}}))));
+  const C_WavFilePtr file = Create(File(MonoWav(8).Chunk("cue ", CueBytes({{1, 2, 3}}))));
   ASSERT_NE(file, nullptr);
   EXPECT_TRUE(Write(*file, m_folder.Path("out.wav")));
   EXPECT_FALSE(Write(*file, m_folder.Path("no/folder.wav")));
@@ -187,7 +185,7 @@ TEST_F(WavFileFormat, OpenGivesFormatAndChunksButNoSamples) {
   C_RiffBytes riff = MonoWav(8);
   riff.Chunk("cue ", CueBytes({{1, 2, 3}})).Chunk("fact", U32(4));
   const std::string strPath = File(riff);
-  const C_AnyFilePtr file = Open(strPath);
+  const C_WavFilePtr file = Open(strPath);
   ASSERT_NE(file, nullptr);
   EXPECT_EQ(file->GetWavDataBuffer(), nullptr);
   EXPECT_EQ(file->GetWavInfo()->GetSampleRate(), 16000u);
@@ -351,12 +349,12 @@ TEST_F(WavFileFormat, TheOperationsStandInTheirSlots) {
   EXPECT_EQ((CallSlot<tagAudioFileType>(pFormat, 1, pszPath)), AUDIO_FILE_WAVE);
   EXPECT_FALSE((CallSlot<bool>(pFormat, 2, pszPath, AUDIO_FILE_VEMD)));
   EXPECT_TRUE((CallSlot<bool>(pFormat, 2, pszPath, AUDIO_FILE_WAVE)));
-  const C_AnyFilePtr loaded(CallSlot<I_WavFile*>(pFormat, 3, pszPath, true, true,
+  const C_WavFilePtr loaded(CallSlot<I_WavFile*>(pFormat, 3, pszPath, true, true,
                                                  static_cast<const char*>(nullptr),
                                                  PFN_DecodedData{nullptr}));
   ASSERT_NE(loaded, nullptr);
   EXPECT_NE(loaded->GetWavDataBuffer(), nullptr);
-  const C_AnyFilePtr opened(CallSlot<I_WavFile*>(pFormat, 4, pszPath));
+  const C_WavFilePtr opened(CallSlot<I_WavFile*>(pFormat, 4, pszPath));
   ASSERT_NE(opened, nullptr);
   EXPECT_EQ(opened->GetWavDataBuffer(), nullptr);
   EXPECT_TRUE((CallSlot<bool>(pFormat, 5, pszPath)));

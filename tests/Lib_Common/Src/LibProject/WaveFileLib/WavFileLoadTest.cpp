@@ -18,7 +18,7 @@ class WavFileLoad : public testing::Test {
  protected:
   std::string File(const C_Bytes& bytes) { return m_folder.Write("sound.wav", bytes); }
   std::string File(const C_RiffBytes& riff) { return File(riff.Take()); }
-  C_WavFilePtr Load(const C_RiffBytes& riff) { return LoadWav(File(riff)); }
+  C_WavObjectPtr Load(const C_RiffBytes& riff) { return LoadWav(File(riff)); }
 
   C_TempFolder m_folder;
 };
@@ -74,7 +74,7 @@ TEST_F(WavFileLoad, TagsOfOthersAreRefused) {
 }
 
 TEST_F(WavFileLoad, TheFormatBecomesTheSounds) {
-  const C_WavFilePtr file = LoadWav(File(WithFmt(FmtBytes(1, 2, 44100, 16))));
+  const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 2, 44100, 16))));
   I_WavInfo& info = *file->GetWavInfo();
   EXPECT_EQ(info.GetSampleRate(), 44100u);
   EXPECT_EQ(info.GetByteLength(), 64u);
@@ -89,7 +89,7 @@ TEST_F(WavFileLoad, TheFormatBecomesTheSounds) {
 TEST_F(WavFileLoad, SamplesOfMoreThanEightBitsAreSigned) {
   for (const std::uint16_t wBits :
        std::initializer_list<std::uint16_t>{1, 4, 8, 9, 12, 16, 24, 32}) {
-    const C_WavFilePtr file = LoadWav(File(WithFmt(FmtBytes(1, 1, 8000, wBits))));
+    const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 1, 8000, wBits))));
     EXPECT_EQ(file->GetWavInfo()->IsValueSigned(), wBits > 8) << wBits;
     EXPECT_EQ(file->GetWavInfo()->GetBitsPerSample(), wBits);
     EXPECT_EQ(file->GetWavInfo()->GetStoreBitsPerSample(), wBits);
@@ -99,7 +99,7 @@ TEST_F(WavFileLoad, SamplesOfMoreThanEightBitsAreSigned) {
 TEST_F(WavFileLoad, SamplesAreLoadedAsStored) {
   for (const std::uint16_t wBits : std::initializer_list<std::uint16_t>{8, 16, 24, 32}) {
     for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2, 6}) {
-      const C_WavFilePtr file = LoadWav(File(WithFmt(FmtBytes(1, wChannels, 8000, wBits))));
+      const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, wChannels, 8000, wBits))));
       EXPECT_EQ(PcmOf(*file), RampBytes(64)) << wBits << " bits, " << wChannels << " channels";
     }
   }
@@ -111,7 +111,7 @@ TEST_F(WavFileLoad, LaterFormatAndDataCountInsteadOfEarlierOnes) {
       .Chunk("data", C_Bytes(200, 0xEE))
       .Chunk("data", RampBytes(40))
       .Chunk("fmt ", FmtBytes(1, 1, 8000, 8));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_EQ(PcmOf(*file), RampBytes(40));
   EXPECT_EQ(file->GetWavInfo()->GetSampleRate(), 8000u);
   EXPECT_EQ(file->GetWavInfo()->GetChannels(), 1);
@@ -134,7 +134,7 @@ TEST_F(WavFileLoad, FormatBehindTheDataCounts) {
 TEST_F(WavFileLoad, FileWithoutDataOpensWithLengthZero) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 16));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_EQ(file->GetWavInfo()->GetByteLength(), 0u);
   EXPECT_EQ(file->GetWavInfo()->GetSampleSize(), 0u);
   EXPECT_EQ(file->GetDataStartPos(), 0u);
@@ -172,7 +172,7 @@ TEST_F(WavFileLoad, ChannelsOrBitsOfZeroAreRefused) {
 }
 
 TEST_F(WavFileLoad, RateZeroIsAcceptedAndLengthsAreZero) {
-  const C_WavFilePtr file = LoadWav(File(WithFmt(FmtBytes(1, 1, 0, 16))));
+  const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 1, 0, 16))));
   EXPECT_EQ(file->GetWavInfo()->GetSampleRate(), 0u);
   EXPECT_EQ(file->GetWavInfo()->GetTimeLength(), 0u);
   EXPECT_EQ(PcmOf(*file), RampBytes(64));
@@ -185,7 +185,7 @@ TEST_F(WavFileLoad, RateZeroLeavesEventLabelsOutAndKeepsRanges) {
       .Chunk("cue ", CueBytes({{1, 5, 5}, {2, 9, 9}}))
       .Chunk("LIST", AdtlBytes({LablBytes(1, "u_1_2"), LablBytes(2, "VX_Silence"),
                                 LablBytes(1, "e_7"), LtxtBytes(2, 4)}));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_TRUE(EventsOf(*file).empty());
   EXPECT_EQ(SilenceOf(*file), (C_RangesSeen{{9, 12}}));
 }
@@ -193,7 +193,7 @@ TEST_F(WavFileLoad, RateZeroLeavesEventLabelsOutAndKeepsRanges) {
 TEST_F(WavFileLoad, UnusualWidthsAndHugeNumbersAreCarried) {
   for (const std::uint16_t wBits :
        std::initializer_list<std::uint16_t>{2, 7, 33, 40, 64, 255, 256, 0x7FFF, 0x8000, 0xFFFF}) {
-    const C_WavFilePtr file = LoadWav(File(WithFmt(FmtBytes(1, 0xFFFF, 0xFFFFFFFF, wBits))));
+    const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 0xFFFF, 0xFFFFFFFF, wBits))));
     EXPECT_EQ(file->GetWavInfo()->GetBitsPerSample(), wBits);
     EXPECT_EQ(file->GetWavInfo()->GetChannels(), 0xFFFF);
     EXPECT_EQ(file->GetWavInfo()->GetSampleRate(), 0xFFFFFFFFu);
@@ -208,7 +208,7 @@ TEST_F(WavFileLoad, DataStartPosIsTheOffsetOfThePayload) {
 
 TEST_F(WavFileLoad, CheckFormatAloneKeepsNoNameAndFillsNoSound) {
   const std::string strPath = File(MonoWav(8));
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   EXPECT_TRUE(file->CheckFormat(strPath.c_str(), false));
   EXPECT_EQ(file->GetWavData(), nullptr);
   EXPECT_EQ(file->GetWavInfo(), nullptr);
@@ -226,7 +226,7 @@ TEST_F(WavFileLoad, LoadDataWithoutASoundFails) {
 
 TEST_F(WavFileLoad, LoadDataOfAFileThatIsGoneFails) {
   const std::string strPath = File(MonoWav(8));
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
   std::filesystem::remove(strPath);
   EXPECT_FALSE(file->LoadData(true, nullptr, nullptr));
@@ -234,7 +234,7 @@ TEST_F(WavFileLoad, LoadDataOfAFileThatIsGoneFails) {
 
 TEST_F(WavFileLoad, FileThatShrinksBeforeLoadingGivesZeros) {
   const std::string strPath = File(MonoWav(100));
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
   std::filesystem::resize_file(strPath, 20);
   ASSERT_TRUE(file->LoadData(true, nullptr, nullptr));
@@ -244,14 +244,14 @@ TEST_F(WavFileLoad, FileThatShrinksBeforeLoadingGivesZeros) {
 TEST_F(WavFileLoad, MissingTailOfTheDataIsZero) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", 1000, RampBytes(33));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_EQ(file->GetWavData()->GetBufferLength(), 1000u);
   EXPECT_EQ(PcmOf(*file), Join({RampBytes(33), C_Bytes(967)}));
 }
 
 TEST_F(WavFileLoad, MissingTailIsZeroAlsoOnASecondLoad) {
   const std::string strPath = File(MonoWav(100));
-  const C_WavFilePtr file = LoadWav(strPath);
+  const C_WavObjectPtr file = LoadWav(strPath);
   std::filesystem::resize_file(strPath, 54);
   ASSERT_TRUE(file->LoadData(true, nullptr, nullptr));
   EXPECT_EQ(PcmOf(*file), Join({RampBytes(10), C_Bytes(90)}));
@@ -261,7 +261,7 @@ TEST_F(WavFileLoad, At64MiBMissingTheFileStillLoads) {
   constexpr std::uint32_t k64MiB = 64u << 20;
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", k64MiB + 3, RampBytes(3));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   ASSERT_EQ(file->GetWavData()->GetBufferLength(), k64MiB + 3);
   const unsigned char* pbyPcm = file->GetWavDataBuffer();
   EXPECT_EQ(pbyPcm[2], 3);
@@ -275,7 +275,7 @@ TEST_F(WavFileLoad, BeyondTheseTheLoadFailsAndNothingIsHeld) {
     riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", dwClaimed, RampBytes(3));
     const std::string strPath = File(riff);
     EXPECT_TRUE(Opens(strPath));
-    const C_WavFilePtr file = MakeWav();
+    const C_WavObjectPtr file = MakeWav();
     EXPECT_FALSE(file->LoadByName(strPath.c_str(), true, nullptr, nullptr)) << dwClaimed;
     EXPECT_EQ(file->GetWavDataBuffer(), nullptr);
   }
@@ -283,7 +283,7 @@ TEST_F(WavFileLoad, BeyondTheseTheLoadFailsAndNothingIsHeld) {
 
 TEST_F(WavFileLoad, LoadingByNameKeepsNameAndLength) {
   const std::string strPath = File(MonoWav(8));
-  const C_WavFilePtr file = LoadWav(strPath);
+  const C_WavObjectPtr file = LoadWav(strPath);
   EXPECT_EQ(file->GetFileName(), strPath);
   EXPECT_EQ(file->GetFileLength(), 52u);
   EXPECT_EQ(file->GetWavData()->GetEventTagMgr()->GetSampleRate(), 16000u);
@@ -296,7 +296,7 @@ TEST_F(WavFileLoad, TheEncodedTypeBecomesTheFileFormat) {
 
 TEST_F(WavFileLoad, OpenByNameLeavesTheSamplesOut) {
   const std::string strPath = File(OneLabel("u_3_7"));
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
   EXPECT_EQ(file->GetFileName(), strPath);
   EXPECT_EQ(file->GetFileLength(), std::filesystem::file_size(strPath));
@@ -320,7 +320,7 @@ TEST_F(WavFileLoad, InformationalChunksReachTheirInfos) {
   riff.Chunk("cue ", CueBytes({{7, 11, 12}, {9, 13, 14}}))
       .Chunk("smpl", SmplBytes(3, 20))
       .Chunk("LIST", AdtlBytes({LablBytes(7, "hello"), LtxtBytes(9, 5)}));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   ASSERT_EQ(Cues(*file).GetCuePointCount(), 2);
   EXPECT_EQ(Cues(*file).GetCuePointByIndex(1)->GetPosition(), 13u);
   EXPECT_EQ(Cues(*file).GetCuePointByIndex(1)->GetSampleOffset(), 14u);
@@ -346,7 +346,7 @@ TEST_F(WavFileLoad, WithoutInfoTheInformationalChunksAreNotRead) {
 TEST_F(WavFileLoad, ChunksTooShortForTheirFirstFieldAreLeftOut) {
   for (std::size_t cb = 0; cb < 4; ++cb) {
     for (const char* pszID : {"cue ", "smpl", "LIST"}) {
-      const C_WavFilePtr file = Load(MonoWav(8).Chunk(pszID, C_Bytes(cb, 0x41)));
+      const C_WavObjectPtr file = Load(MonoWav(8).Chunk(pszID, C_Bytes(cb, 0x41)));
       EXPECT_EQ(PcmOf(*file), RampBytes(8)) << pszID << " of " << cb;
       EXPECT_EQ(Extra(*file).GetSize(), 0);
     }
@@ -356,7 +356,7 @@ TEST_F(WavFileLoad, ChunksTooShortForTheirFirstFieldAreLeftOut) {
 TEST_F(WavFileLoad, CountsBeyondThePayloadKeepTheWholeRecords) {
   C_Bytes cue = CueBytes({{1, 2, 3}, {4, 5, 6}});
   std::fill_n(cue.begin(), 4, 0xFF);
-  const C_WavFilePtr file = Load(MonoWav(8).Chunk("cue ", Slice(cue, 0, 51)));
+  const C_WavObjectPtr file = Load(MonoWav(8).Chunk("cue ", Slice(cue, 0, 51)));
   EXPECT_EQ(Cues(*file).GetCuePointCount(), 1);
 }
 
@@ -368,7 +368,7 @@ TEST_F(WavFileLoad, OtherChunksAreKeptVerbatim) {
       .Chunk("data", RampBytes(6))
       .Chunk("bext", RampBytes(7))
       .Chunk("list", RampBytes(3));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   ASSERT_EQ(Extra(*file).GetSize(), 4);
   const char* const names[] = {"bext", "junk", "bext", "list"};
   const unsigned int lengths[] = {5, 0, 7, 3};
@@ -385,14 +385,14 @@ TEST_F(WavFileLoad, ExtraChunkThatTheFileCutsIsLeftOut) {
   for (const std::uint32_t dwClaimed : {11u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
     C_RiffBytes riff = MonoWav(8);
     riff.Chunk("fact", U32(4)).Chunk("junk", dwClaimed, RampBytes(10));
-    const C_WavFilePtr file = Load(riff);
+    const C_WavObjectPtr file = Load(riff);
     ASSERT_EQ(Extra(*file).GetSize(), 1) << dwClaimed;
     EXPECT_EQ(std::string(Extra(*file).GetItemByIndex(0)->GetChunkName(), 4), "fact");
   }
 }
 
 TEST_F(WavFileLoad, ExtraChunksOfTheLastFileGoWhenTheNextOneHasSome) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   const auto open = [&](const C_RiffBytes& riff) { return file->OpenByName(File(riff).c_str()); };
   ASSERT_TRUE(open(MonoWav(8).Chunk("aaaa", U32(1)).Chunk("bbbb", U32(2))));
   EXPECT_EQ(Extra(*file).GetSize(), 2);
@@ -405,13 +405,13 @@ TEST_F(WavFileLoad, ExtraChunksOfTheLastFileGoWhenTheNextOneHasSome) {
 
 TEST_F(WavFileLoad, ListsOfOtherTypesAreNeitherLabelsNorKept) {
   const C_Bytes info = Join({Ascii("INFO"), ChunkBytes("INAM", Ascii("title"))});
-  const C_WavFilePtr file = Load(OneLabel("hello").Chunk("LIST", info));
+  const C_WavObjectPtr file = Load(OneLabel("hello").Chunk("LIST", info));
   EXPECT_EQ(Extra(*file).GetSize(), 0);
   EXPECT_EQ(LabelsOf(*file).size(), 1u);
 }
 
 TEST_F(WavFileLoad, TheSameFileOpensTheSameWayTwiceOnOneObject) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   const std::string strPath = File(OneLabel("hello").Chunk("fact", U32(4)));
   for (int i = 0; i < 2; ++i) {
     ASSERT_TRUE(file->OpenByName(strPath.c_str()));
@@ -422,7 +422,7 @@ TEST_F(WavFileLoad, TheSameFileOpensTheSameWayTwiceOnOneObject) {
 }
 
 TEST_F(WavFileLoad, NothingOfAnEarlierFileIsLeftInTheFormat) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(File(MonoWav(100)).c_str()));
   C_RiffBytes noData("WAVE");
   noData.Chunk("fmt ", FmtBytes(1, 2, 8000, 8));
@@ -434,8 +434,15 @@ TEST_F(WavFileLoad, NothingOfAnEarlierFileIsLeftInTheFormat) {
   EXPECT_FALSE(file->OpenByName(File(noFormat).c_str()));
 }
 
+TEST_F(WavFileLoad, LinearSamplesHaveNoCodingWhateverAnEarlierFileHad) {
+  const C_WavObjectPtr file = MakeWav();
+  file->SetCodingType(C_WavFile::kCodingDviAdpcm);
+  EXPECT_TRUE(file->CheckFormat(File(MonoWav(8)).c_str(), false));
+  EXPECT_EQ(file->GetCodingType(), 0u);
+}
+
 TEST_F(WavFileLoad, SamplesOfAnEarlierFileGoWhenTheNextOneOpens) {
-  const C_WavFilePtr file = LoadWav(File(MonoWav(10)));
+  const C_WavObjectPtr file = LoadWav(File(MonoWav(10)));
   const std::string strLonger = m_folder.Write("longer.wav", MonoWav(1000).Take());
   ASSERT_TRUE(file->OpenByName(strLonger.c_str()));
   EXPECT_EQ(file->GetWavDataBuffer(), nullptr);
@@ -471,13 +478,13 @@ TEST_F(WavFileLoad, AnEventStandsAtTheCuePointsPositionNotItsOffset) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 10, 20}}))
       .Chunk("LIST", AdtlBytes({LablBytes(1, "u_1_2"), LablBytes(1, "VX_PCM"), LtxtBytes(1, 5)}));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_EQ(EventsOf(*file), (std::vector<S_EventSeen>{{1, 2, 10}}));
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{10, 14}}));
 }
 
 TEST_F(WavFileLoad, AnEventHasNoDescriptionAndNoData) {
-  const C_WavFilePtr file = Load(OneLabel("u_3_7"));
+  const C_WavObjectPtr file = Load(OneLabel("u_3_7"));
   I_EventTag& event = *file->GetWavData()->GetEventTagMgr()->GetEventList()->GetItemByIndex(0);
   EXPECT_STREQ(event.GetDescription(), "");
   EXPECT_EQ(event.GetData(), 0u);
@@ -509,7 +516,7 @@ TEST_F(WavFileLoad, OfVeryManyEqualIdentifiersTheFirstCounts) {
     cues.push_back({5 + i % 2, 1000 + i, 0});
     labels = Join({labels, LtxtBytes(5 + i % 2, 1 + i)});
   }
-  const C_WavFilePtr file =
+  const C_WavObjectPtr file =
       Load(MonoWav(64).Chunk("cue ", CueBytes(cues)).Chunk("LIST", AdtlBytes({labels})));
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{1000, 1000}}));
 }
@@ -521,7 +528,7 @@ TEST_F(WavFileLoad, VeryManyEventsAtOneSampleKeepTheOrderOfTheirLabels) {
     labels = Join({labels, LablBytes(1, "u_" + std::to_string(i) + "_0")});
     expected.push_back({i, 0, 77});
   }
-  const C_WavFilePtr file =
+  const C_WavObjectPtr file =
       Load(MonoWav(64).Chunk("cue ", CueBytes({{1, 77, 0}})).Chunk("LIST", AdtlBytes({labels})));
   EXPECT_EQ(EventsOf(*file), expected);
 }
@@ -532,7 +539,7 @@ TEST_F(WavFileLoad, RangeLabelsBecomeSegmentsAndRegions) {
       .Chunk("LIST", AdtlBytes({LtxtBytes(2, 20), LtxtBytes(1, 10), LtxtBytes(2, 99),
                                 LtxtBytes(3, 1), LablBytes(1, "VX_Silence"), LablBytes(2, "VX_PCM"),
                                 LablBytes(3, "VX_Silence")}));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_EQ(SilenceOf(*file), (C_RangesSeen{{100, 109}, {100, 100}}));
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{500, 519}}));
 }
@@ -558,7 +565,7 @@ TEST_F(WavFileLoad, RangesWrapInsteadOfFailing) {
 }
 
 TEST_F(WavFileLoad, UnknownLabelsMeanNothingAndStayInTheList) {
-  const C_WavFilePtr file = Load(OneLabel("hello"));
+  const C_WavObjectPtr file = Load(OneLabel("hello"));
   EXPECT_TRUE(EventsOf(*file).empty());
   EXPECT_EQ(LabelsOf(*file).size(), 1u);
   EXPECT_EQ(LabelsOf(*file)[0].second, "hello");
@@ -588,7 +595,7 @@ TEST_F(WavFileLoad, AnnotationsOfTheSoundAreReplacedButEventsAreAdded) {
   riff.Chunk("cue ", CueBytes({{1, 100, 0}, {2, 500, 0}, {3, 600, 0}}))
       .Chunk("LIST", AdtlBytes({LtxtBytes(2, 20), LtxtBytes(3, 30), LablBytes(1, "u_1_2"),
                                 LablBytes(2, "VX_PCM"), LablBytes(3, "VX_Silence")}));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   ASSERT_TRUE(file->LoadData(true, nullptr, nullptr));
   EXPECT_EQ(EventsOf(*file), (std::vector<S_EventSeen>{{1, 2, 100}, {1, 2, 100}}));
   EXPECT_EQ(SilenceOf(*file), (C_RangesSeen{{600, 629}}));
@@ -596,7 +603,7 @@ TEST_F(WavFileLoad, AnnotationsOfTheSoundAreReplacedButEventsAreAdded) {
 }
 
 TEST_F(WavFileLoad, TheKindIsKnownAlsoWhenTheFormatIsRefused) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   C_RiffBytes riff("VEMD");
   riff.Chunk("fmt ", FmtBytes(0x0011, 1, 8000, 4));
   EXPECT_FALSE(file->CheckFormat(File(riff).c_str(), false));
@@ -614,7 +621,7 @@ TEST_F(WavFileLoad, AnAttachedSoundPlacesEventsAtTheRateOfTheFile) {
 }
 
 TEST_F(WavFileLoad, EventsJoinThoseThatAreThereInOrder) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(File(OneLabel("u_1_2")).c_str()));
   I_EventTagMgr& events = *file->GetWavData()->GetEventTagMgr();
   events.AddEventBySamplePos(8, 8, 9000, "", 0);
@@ -626,7 +633,7 @@ TEST_F(WavFileLoad, EventsJoinThoseThatAreThereInOrder) {
 }
 
 TEST_F(WavFileLoad, SoundWithoutLabelsLosesTheAnnotationsItHad) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   file->GetAudioCodecParam();  // makes the sound
   file->GetWavData()->AddSilenceSegment(1, 2);
   file->GetWavData()->AddUncompressRegion(3, 4);
@@ -673,7 +680,7 @@ TEST_F(WavFileLoad, TenTimesTheLabelsCostAboutTenTimesTheWork) {
     double dBest = std::numeric_limits<double>::max();
     for (int i = 0; i < 3; ++i) {
       const double dStart = CpuSeconds();
-      const C_WavFilePtr file = LoadWav(strPath);
+      const C_WavObjectPtr file = LoadWav(strPath);
       EXPECT_TRUE(Write(*file, m_folder.Path("out.wav")));
       dBest = std::min(dBest, CpuSeconds() - dStart);
     }
@@ -694,7 +701,7 @@ TEST_F(WavFileLoad, NoFileStaysOpen) {
   missing.Chunk("fmt ", FmtBytes(1, 1, 8000, 16)).Chunk("data", 0xF0000000u, {});
   const std::string strMissing = m_folder.Write("missing.wav", missing.Take());
   const std::ptrdiff_t nOpen = CountOpenFiles();
-  const C_WavFilePtr file = LoadWav(strGood);
+  const C_WavObjectPtr file = LoadWav(strGood);
   EXPECT_TRUE(file->LoadData(true, nullptr, nullptr));
   EXPECT_TRUE(Write(*file, m_folder.Path("out.wav")));
   EXPECT_FALSE(Write(*file, m_folder.Path("no/such/folder.wav")));

@@ -76,8 +76,8 @@ class WavFileOracle : public testing::TestWithParam<S_Shape> {
   // A sound of 96 frames of noise, written by us.
   C_Bytes WriteOurs(const S_Shape& shape, const std::string& strName) {
     C_Bytes pcm = NoiseBytes(std::size_t{96} * shape.wChannels * (shape.wBits / 8));
-    const C_WavFilePtr file = MakeSound(AUDIO_FILE_WAVE, 22050, shape.wChannels, shape.wBits,
-                                        shape.wBits, shape.wBits > 8, pcm);
+    const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 22050, shape.wChannels, shape.wBits,
+                                          shape.wBits, shape.wBits > 8, pcm);
     EXPECT_TRUE(Write(*file, m_folder.Path(strName)));
     return pcm;
   }
@@ -127,7 +127,7 @@ TEST_P(WavFileOracle, WeReadWhatSndfileWrites) {
   ASSERT_NE(snd, nullptr) << sf_strerror(nullptr);
   ASSERT_EQ(sf_writef_int(snd.get(), values.data(), 96), 96);
   snd.reset();
-  const C_WavFilePtr file = LoadWav(m_folder.Path("theirs.wav"));
+  const C_WavObjectPtr file = LoadWav(m_folder.Path("theirs.wav"));
   ExpectShape(*file, GetParam(), 44100);
   EXPECT_EQ(PcmOf(*file), pcm);
 }
@@ -149,13 +149,13 @@ TEST_P(WavFileOracle, WeReadWhatSoxWrites) {
       " -b " + std::to_string(GetParam().wBits) + " -c " + std::to_string(GetParam().wChannels);
   // The plain form of the format record, whatever the width.
   Run("sox -D " + strRaw + " @/in.raw -t wavpcm @/theirs.wav");
-  const C_WavFilePtr file = LoadWav(m_folder.Path("theirs.wav"));
+  const C_WavObjectPtr file = LoadWav(m_folder.Path("theirs.wav"));
   ExpectShape(*file, GetParam(), 11025);
   EXPECT_EQ(PcmOf(*file), pcm);
 }
 
 TEST_F(WavFileOracle, SndfileSeesOurEventsAsNamedCuePoints) {
-  const C_WavFilePtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(20000));
+  const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(20000));
   file->GetWavData()->GetEventTagMgr()->AddEventBySamplePos(3, 7, 4800, "", 0);
   file->GetWavData()->GetEventTagMgr()->AddEventBySamplePos(65535, 0, 9999, "", 0);
   ASSERT_TRUE(Write(*file, m_folder.Path("ours.wav")));
@@ -170,7 +170,7 @@ TEST_F(WavFileOracle, SndfileSeesOurEventsAsNamedCuePoints) {
 }
 
 TEST_F(WavFileOracle, SndfileSeesOurRangesAsCuePoints) {
-  const C_WavFilePtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(20000));
+  const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(20000));
   file->GetWavData()->AddSilenceSegment(5000, 5999);
   file->GetWavData()->AddUncompressRegion(7000, 7100);
   ASSERT_TRUE(Write(*file, m_folder.Path("ours.wav")));
@@ -182,7 +182,7 @@ TEST_F(WavFileOracle, SndfileSeesOurRangesAsCuePoints) {
 }
 
 TEST_F(WavFileOracle, SndfileSeesOurLoops) {
-  const C_WavFilePtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(2000));
+  const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(2000));
   Sampler(*file).AddSampleLoop(1, LOOP_FORWARD, 100, 200, 0, 5);
   ASSERT_TRUE(Write(*file, m_folder.Path("ours.wav")));
   SF_INFO info{};
@@ -215,7 +215,7 @@ TEST_F(WavFileOracle, WeSeeTheCuePointsOfSndfile) {
   const std::vector<short> samples(64, 1);
   ASSERT_EQ(sf_write_short(snd.get(), samples.data(), 64), 64);
   snd.reset();
-  const C_WavFilePtr file = LoadWav(m_folder.Path("theirs.wav"));
+  const C_WavObjectPtr file = LoadWav(m_folder.Path("theirs.wav"));
   ASSERT_EQ(Cues(*file).GetCuePointCount(), 2);
   EXPECT_EQ(Cues(*file).GetCuePointByIndex(1)->GetCuePointID(), 11u);
   EXPECT_EQ(Cues(*file).GetCuePointByIndex(1)->GetSampleOffset(), 30u);
@@ -223,7 +223,7 @@ TEST_F(WavFileOracle, WeSeeTheCuePointsOfSndfile) {
 }
 
 TEST_F(WavFileOracle, TwelveBitsReadAsSixteenByOthers) {
-  const C_WavFilePtr file =
+  const C_WavObjectPtr file =
       MakeSound(AUDIO_FILE_WAVE, 8000, 1, 12, 16, true, Join({U16(0x0123), U16(0xF800)}));
   ASSERT_TRUE(Write(*file, m_folder.Path("ours.wav")));
   EXPECT_EQ(Run("sox -D @/ours.wav -t raw -e signed -b 16 -"), Join({U16(0x1230), U16(0x8000)}));

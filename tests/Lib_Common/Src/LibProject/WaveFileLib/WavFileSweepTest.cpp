@@ -66,7 +66,7 @@ bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
 
 // Loads, writes, loads again. True when the file loads.
 bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   if (!file->LoadByName(strPath.c_str(), true, nullptr, nullptr)) return false;
   // Lies about the length that are just believed: seen, and too big to be copied about.
   if (file->GetWavData()->GetBufferLength() > 1u << 20) return true;
@@ -75,7 +75,7 @@ bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
     EXPECT_EQ(file->GetWavInfo()->GetBitsPerSample(), 12);
     return true;
   }
-  const C_WavFilePtr again = LoadWav(target.Path());
+  const C_WavObjectPtr again = LoadWav(target.Path());
   EXPECT_EQ(PcmOf(*again), PcmOf(*file));
   EXPECT_EQ(EventsOf(*again), EventsOf(*file));
   EXPECT_EQ(SilenceOf(*again), SilenceOf(*file));
@@ -89,7 +89,7 @@ void AskAll(const std::string& strPath) {
   C_WavFileFormat format;
   static_cast<void>(format.GetFileFormat(strPath.c_str()));
   static_cast<void>(format.IsSupportedFormat(strPath.c_str()));
-  const C_WavFileHolder<I_WavFile> file(format.OpenWavFile(strPath.c_str()));
+  const C_WavFilePtr file(format.OpenWavFile(strPath.c_str()));
 }
 
 const std::uint32_t kHostileValues[] = {0,          1,          2,          3,         7,

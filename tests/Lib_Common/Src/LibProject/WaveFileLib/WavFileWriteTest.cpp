@@ -13,7 +13,7 @@ namespace {
 
 class WavFileWrite : public testing::Test {
  protected:
-  C_WavFilePtr Load(const C_RiffBytes& riff) {
+  C_WavObjectPtr Load(const C_RiffBytes& riff) {
     return LoadWav(m_folder.Write("in.wav", riff.Take()));
   }
   // What the object writes; a test failure when it does not.
@@ -21,7 +21,7 @@ class WavFileWrite : public testing::Test {
     EXPECT_TRUE(Write(file, m_folder.Path("out.wav")));
     return m_folder.Read("out.wav");
   }
-  C_WavFilePtr Reload(I_WavFile& file) {
+  C_WavObjectPtr Reload(I_WavFile& file) {
     EXPECT_TRUE(Write(file, m_folder.Path("out.wav")));
     return LoadWav(m_folder.Path("out.wav"));
   }
@@ -29,7 +29,7 @@ class WavFileWrite : public testing::Test {
   C_TempFolder m_folder;
 };
 
-C_WavFilePtr Mono16(const C_Bytes& pcm) {
+C_WavObjectPtr Mono16(const C_Bytes& pcm) {
   return MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, pcm);
 }
 
@@ -38,8 +38,8 @@ void AddEvent(I_WavFile& file, unsigned short wMain, unsigned short wSub, unsign
 }
 
 // Two events, one silence segment and one region on 32,000 bytes.
-C_WavFilePtr AnnotatedSound() {
-  C_WavFilePtr file = Mono16(RampBytes(32000));
+C_WavObjectPtr AnnotatedSound() {
+  C_WavObjectPtr file = Mono16(RampBytes(32000));
   AddEvent(*file, 1, 2, 100);
   AddEvent(*file, 3, 4, 4800);
   file->GetWavData()->AddSilenceSegment(200, 299);
@@ -94,7 +94,7 @@ TEST_F(WavFileWrite, TheSmallestFileIsFormatAndData) {
 }
 
 TEST_F(WavFileWrite, OddDataGetsNoPadByte) {
-  const C_WavFilePtr file = MakeSound(AUDIO_FILE_WAVE, 8000, 1, 8, 8, false, RampBytes(3));
+  const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 8000, 1, 8, 8, false, RampBytes(3));
   InfoOf<I_WavDataExtraChunkInfo>(*file, WAV_DATA_INFO_EXTRA_CHUNK)
       .AddChunk("junk", RampBytes(5).data(), 5);
   const C_Bytes expected = C_RiffBytes("WAVE")
@@ -107,7 +107,7 @@ TEST_F(WavFileWrite, OddDataGetsNoPadByte) {
 }
 
 TEST_F(WavFileWrite, EmptySoundIsWrittenWithEmptyData) {
-  const C_WavFilePtr file = Mono16({});
+  const C_WavObjectPtr file = Mono16({});
   EXPECT_EQ(Written(*file),
             C_RiffBytes("WAVE").Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", {}).Take());
 }
@@ -131,7 +131,7 @@ TEST_F(WavFileWrite, AnnotationsBecomeCuePointsAndLabelsByteForByte) {
 }
 
 TEST_F(WavFileWrite, IdentifiersCountEventsThenSilenceThenRegions) {
-  const C_WavFilePtr file = AnnotatedSound();
+  const C_WavObjectPtr file = AnnotatedSound();
   ASSERT_TRUE(Write(*file, m_folder.Path("out.wav")));
   EXPECT_EQ(LabelsOf(*file), (std::vector<std::pair<unsigned int, std::string>>{
                                  {1, "u_1_2"}, {2, "u_3_4"}, {3, "VX_Silence"}, {4, "VX_PCM"}}));
@@ -144,8 +144,8 @@ TEST_F(WavFileWrite, IdentifiersCountEventsThenSilenceThenRegions) {
 }
 
 TEST_F(WavFileWrite, AnnotationsComeBack) {
-  const C_WavFilePtr file = AnnotatedSound();
-  const C_WavFilePtr again = Reload(*file);
+  const C_WavObjectPtr file = AnnotatedSound();
+  const C_WavObjectPtr again = Reload(*file);
   EXPECT_EQ(EventsOf(*again), EventsOf(*file));
   EXPECT_EQ(SilenceOf(*again), (C_RangesSeen{{200, 299}}));
   EXPECT_EQ(RegionsOf(*again), (C_RangesSeen{{1000, 1000}}));
@@ -153,7 +153,7 @@ TEST_F(WavFileWrite, AnnotationsComeBack) {
 }
 
 TEST_F(WavFileWrite, EventsOfEveryIndexComeBack) {
-  const C_WavFilePtr file = Mono16(RampBytes(32000));
+  const C_WavObjectPtr file = Mono16(RampBytes(32000));
   std::vector<S_EventSeen> expected;
   for (const unsigned int dwValue : {0u, 1u, 255u, 256u, 4095u, 32767u, 32768u, 65535u}) {
     const auto wValue = static_cast<unsigned short>(dwValue);
@@ -164,27 +164,27 @@ TEST_F(WavFileWrite, EventsOfEveryIndexComeBack) {
 }
 
 TEST_F(WavFileWrite, TwoWritesOfOneSoundAreTheSame) {
-  const C_WavFilePtr file = AnnotatedSound();
+  const C_WavObjectPtr file = AnnotatedSound();
   const C_Bytes first = Written(*file);
   EXPECT_EQ(Written(*file), first);
   EXPECT_EQ(Written(*LoadWav(m_folder.Path("out.wav"))), first);
 }
 
 TEST_F(WavFileWrite, DescriptionAndDataOfEventsDoNotTravel) {
-  const C_WavFilePtr again = Reload(*AnnotatedSound());
+  const C_WavObjectPtr again = Reload(*AnnotatedSound());
   I_EventTag& event = *again->GetWavData()->GetEventTagMgr()->GetEventList()->GetItemByIndex(0);
   EXPECT_STREQ(event.GetDescription(), "");
   EXPECT_EQ(event.GetData(), 0u);
 }
 
 TEST_F(WavFileWrite, EventSetAsATimeIsWrittenAtItsSample) {
-  const C_WavFilePtr file = Mono16(RampBytes(32000));
+  const C_WavObjectPtr file = Mono16(RampBytes(32000));
   file->GetWavData()->GetEventTagMgr()->AddEvent(1, 2, 300, "", 0);
   EXPECT_EQ(EventsOf(*Reload(*file)), (std::vector<S_EventSeen>{{1, 2, 4800}}));
 }
 
 TEST_F(WavFileWrite, RangeWithItsEndBeforeItsStartHasLengthZero) {
-  const C_WavFilePtr file = Mono16(RampBytes(100));
+  const C_WavObjectPtr file = Mono16(RampBytes(100));
   file->GetWavData()->AddSilenceSegment(5, 4);
   EXPECT_EQ(SilenceOf(*Reload(*file)), (C_RangesSeen{{5, 4}}));
 }
@@ -193,7 +193,7 @@ TEST_F(WavFileWrite, Write_DropsCuePointsAndLabelsOfOthers) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{17, 5, 5}, {18, 6, 6}}))
       .Chunk("LIST", AdtlBytes({LablBytes(17, "hello"), LablBytes(18, "u_1_2"), LtxtBytes(17, 3)}));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_EQ(ChunkNamed(Written(*file), "cue "), CueBytes({{1, 6, 6}}));
   EXPECT_EQ(LabelsOf(*file), (std::vector<std::pair<unsigned int, std::string>>{{1, "u_1_2"}}));
   EXPECT_EQ(List(*file).GetLtxtCount(), 0);
@@ -267,7 +267,7 @@ TEST_F(WavFileWrite, LoadedFilesAreWrittenBackByteForByte) {
 }
 
 TEST_F(WavFileWrite, TheFormFollowsTheFileFormat) {
-  const C_WavFilePtr file = MakeSound(AUDIO_FILE_VEMD, 16000, 1, 16, 16, true, RampBytes(4));
+  const C_WavObjectPtr file = MakeSound(AUDIO_FILE_VEMD, 16000, 1, 16, 16, true, RampBytes(4));
   const C_Bytes written = Written(*file);
   EXPECT_EQ(C_Bytes(written.begin() + 8, written.begin() + 12), Ascii("VEMD"));
   EXPECT_EQ(LoadWav(m_folder.Path("out.wav"))->GetFileFormat(), AUDIO_FILE_VEMD);
@@ -276,7 +276,7 @@ TEST_F(WavFileWrite, TheFormFollowsTheFileFormat) {
 TEST_F(WavFileWrite, OtherFileFormatsAreNotWritten) {
   for (const unsigned int dwType : {0u, 1u, 14u, 32u, 0x1001u, 0x8000u, 0x8002u, 0xFFFFu}) {
     const auto eType = static_cast<tagAudioFileType>(dwType);
-    const C_WavFilePtr file = MakeSound(eType, 16000, 1, 16, 16, true, RampBytes(4));
+    const C_WavObjectPtr file = MakeSound(eType, 16000, 1, 16, 16, true, RampBytes(4));
     EXPECT_FALSE(Write(*file, m_folder.Path("none.wav"))) << dwType;
     EXPECT_FALSE(m_folder.Has("none.wav"));
   }
@@ -284,7 +284,7 @@ TEST_F(WavFileWrite, OtherFileFormatsAreNotWritten) {
 }
 
 TEST_F(WavFileWrite, WithoutASoundNothingIsWritten) {
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   file->SetFileFormat(AUDIO_FILE_WAVE);
   EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
   EXPECT_FALSE(m_folder.Has("none.wav"));
@@ -292,14 +292,14 @@ TEST_F(WavFileWrite, WithoutASoundNothingIsWritten) {
 
 TEST_F(WavFileWrite, SoundThatWasOpenedWithoutItsSamplesIsNotWritten) {
   const std::string strPath = m_folder.Write("in.wav", MonoWav(64).Take());
-  const C_WavFilePtr file = MakeWav();
+  const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
   EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
   EXPECT_FALSE(m_folder.Has("none.wav"));
 }
 
 TEST_F(WavFileWrite, TargetsThatCannotBeWrittenFail) {
-  const C_WavFilePtr file = Mono16(RampBytes(4));
+  const C_WavObjectPtr file = Mono16(RampBytes(4));
   EXPECT_FALSE(Write(*file, m_folder.Path("no/folder.wav")));
   EXPECT_FALSE(Write(*file, m_folder.Path()));
   EXPECT_FALSE(Write(*file, "/dev/full"));
@@ -315,13 +315,13 @@ TEST_F(WavFileWrite, AnExistingFileIsReplacedAsAWhole) {
 TEST_F(WavFileWrite, AFileCanBeWrittenOntoItself) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("fact", U32(7));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   EXPECT_TRUE(Write(*file, m_folder.Path("in.wav")));
   EXPECT_EQ(m_folder.Read("in.wav"), riff.Take());
 }
 
 TEST_F(WavFileWrite, TheArgumentsBehindTheNameHaveNoEffect) {
-  const C_WavFilePtr file = AnnotatedSound();
+  const C_WavObjectPtr file = AnnotatedSound();
   const C_Bytes expected = Written(*file);
   ASSERT_TRUE(file->WriteFile(
       m_folder.Path("x.wav").c_str(), false, true, [](const S_CodecProgress*) { FAIL(); }, true,
@@ -332,8 +332,8 @@ TEST_F(WavFileWrite, TheArgumentsBehindTheNameHaveNoEffect) {
 // Sample widths.
 
 TEST_F(WavFileWrite, TwelveBitsAreWrittenAsSixteen) {
-  const C_WavFilePtr file = MakeSound(AUDIO_FILE_WAVE, 8000, 1, 12, 16, true,
-                                      Join({U16(0x0800), U16(0x07FF), U16(0x0001), U16(0xFFFF)}));
+  const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 8000, 1, 12, 16, true,
+                                        Join({U16(0x0800), U16(0x07FF), U16(0x0001), U16(0xFFFF)}));
   const C_Bytes written = Written(*file);
   EXPECT_EQ(ChunkNamed(written, "fmt "), FmtBytes(1, 1, 8000, 16));
   EXPECT_EQ(ChunkNamed(written, "data"),
@@ -343,7 +343,7 @@ TEST_F(WavFileWrite, TwelveBitsAreWrittenAsSixteen) {
 }
 
 TEST_F(WavFileWrite, SampleBitsOfTheCodecParametersAreWritten) {
-  const C_WavFilePtr file = Mono16(Join({U16(0x1234), U16(0x8000), U16(0x7FFF), U16(0)}));
+  const C_WavObjectPtr file = Mono16(Join({U16(0x1234), U16(0x8000), U16(0x7FFF), U16(0)}));
   AddEvent(*file, 1, 2, 3);
   file->GetAudioCodecParam()->SetSampleBits(8, 8, false);
   const C_Bytes written = Written(*file);
@@ -355,14 +355,14 @@ TEST_F(WavFileWrite, SampleBitsOfTheCodecParametersAreWritten) {
 }
 
 TEST_F(WavFileWrite, SampleBitsOfTheCodecParametersWinOverTheTwelveBitRule) {
-  const C_WavFilePtr file =
+  const C_WavObjectPtr file =
       MakeSound(AUDIO_FILE_WAVE, 8000, 1, 12, 16, true, Join({U16(0x0123), U16(0x0F00)}));
   file->GetAudioCodecParam()->SetSampleBits(12, 16, true);
   EXPECT_EQ(ChunkNamed(Written(*file), "data"), Join({U16(0x0123), U16(0x0F00)}));
 }
 
 TEST_F(WavFileWrite, EqualSampleBitsAreWrittenAsTheyAre) {
-  const C_WavFilePtr file = Load([] {
+  const C_WavObjectPtr file = Load([] {
     C_RiffBytes riff("WAVE");
     return riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 24)).Chunk("data", RampBytes(9));
   }());
@@ -371,7 +371,7 @@ TEST_F(WavFileWrite, EqualSampleBitsAreWrittenAsTheyAre) {
 }
 
 TEST_F(WavFileWrite, WidthsThatCannotBeConvertedFail) {
-  const C_WavFilePtr file = Load([] {
+  const C_WavObjectPtr file = Load([] {
     C_RiffBytes riff("WAVE");
     return riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 24)).Chunk("data", RampBytes(9));
   }());
@@ -388,7 +388,7 @@ TEST_F(WavFileWrite, AWidthThatCannotBeConvertedLeavesCuePointsAndLabelsAlone) {
       .Chunk("data", RampBytes(9))
       .Chunk("cue ", CueBytes({{17, 5, 5}}))
       .Chunk("LIST", AdtlBytes({LablBytes(17, "hello")}));
-  const C_WavFilePtr file = Load(riff);
+  const C_WavObjectPtr file = Load(riff);
   file->GetAudioCodecParam()->SetSampleBits(16, 16, true);
   EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
   EXPECT_EQ(Cues(*file).GetCuePointByIndex(0)->GetCuePointID(), 17u);
@@ -397,7 +397,7 @@ TEST_F(WavFileWrite, AWidthThatCannotBeConvertedLeavesCuePointsAndLabelsAlone) {
 
 // The form is looked at last: what would have been written stands in the infos by then.
 TEST_F(WavFileWrite, AKindThatIsNotWrittenStillRegeneratesTheAnnotations) {
-  const C_WavFilePtr file = AnnotatedSound();
+  const C_WavObjectPtr file = AnnotatedSound();
   file->SetFileFormat(AUDIO_FILE_KESTREL);
   EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
   EXPECT_FALSE(m_folder.Has("none.wav"));
@@ -406,21 +406,21 @@ TEST_F(WavFileWrite, AKindThatIsNotWrittenStillRegeneratesTheAnnotations) {
 }
 
 TEST_F(WavFileWrite, SignednessAloneMakesAConvertedCopy) {
-  const C_WavFilePtr file =
+  const C_WavObjectPtr file =
       MakeSound(AUDIO_FILE_WAVE, 8000, 1, 8, 8, true, {0x80, 0xFF, 0x00, 0x7F});
   file->GetAudioCodecParam()->SetSampleBits(8, 8, false);
   EXPECT_EQ(ChunkNamed(Written(*file), "data"), (C_Bytes{0x00, 0x7F, 0x80, 0xFF}));
 }
 
 TEST_F(WavFileWrite, TheTextInfoIsNotWritten) {
-  const C_WavFilePtr file = AnnotatedSound();
+  const C_WavObjectPtr file = AnnotatedSound();
   void* pInfo = nullptr;
   ASSERT_TRUE(file->GetDataInfo(WAV_DATA_INFO_TEXT, &pInfo));
   EXPECT_EQ(ChunkNames(Written(*file)), (std::vector<std::string>{"fmt ", "data", "cue ", "LIST"}));
 }
 
 TEST_F(WavFileWrite, ConvertWritesThroughANewFileObjectOfTheKind) {
-  const C_WavFilePtr file = AnnotatedSound();
+  const C_WavObjectPtr file = AnnotatedSound();
   const C_Bytes wave = Written(*file);
   ASSERT_TRUE(file->Convert(AUDIO_FILE_VEMD, m_folder.Path("x.vemd").c_str(), true, false, nullptr,
                             false, 0));
@@ -433,7 +433,7 @@ TEST_F(WavFileWrite, ConvertWritesThroughANewFileObjectOfTheKind) {
 }
 
 TEST_F(WavFileWrite, ConvertToKindsThatCannotBeWrittenFails) {
-  const C_WavFilePtr file = AnnotatedSound();
+  const C_WavObjectPtr file = AnnotatedSound();
   for (const unsigned int dwType : {0u, 1u, 32u, 33u, 34u, 35u, 36u, 37u, 0x1001u, 0xFFFFu}) {
     EXPECT_FALSE(file->Convert(static_cast<tagAudioFileType>(dwType), m_folder.Path("none").c_str(),
                                true, false, nullptr, false, 0));
