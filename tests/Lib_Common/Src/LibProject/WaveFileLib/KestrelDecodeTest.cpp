@@ -85,7 +85,8 @@ TEST(KestrelDecode, RatesThatTheCoderRefuses_AreRefused) {
   C_KestrelCodec codec;
   codec.LoadCodec(0);
   const C_SoundPtr sound(new C_WavData);
-  for (unsigned int dwBitRate = 0; dwBitRate < 65536; dwBitRate += dwBitRate % 800U < 2U ? 1U : 133U) {
+  for (unsigned int dwBitRate = 0; dwBitRate < 65536;
+       dwBitRate += dwBitRate % 800U < 2U ? 1U : 133U) {
     const auto stream = C_KestrelBytes(dwBitRate).Take();
     ASSERT_EQ(IsDecodableRate(dwBitRate), codec.Decode(stream.data(), 6, sound.get(), nullptr))
         << dwBitRate;
