@@ -8,20 +8,16 @@
 // Input: the payload, from "adtl" on. Seeds: what our own writer saves.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
+#include "Require.h"
 #include "RiffFile.h"
 #include "WavDataListInfo.h"
 
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 bool Load(C_WavDataListInfo& info, const std::uint8_t* pData, std::size_t cbData) {
   C_RiffChunk chunk("LIST", static_cast<unsigned int>(cbData));

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "FileType.h"
+#include "Require.h"
 
 namespace {
 
@@ -32,10 +33,6 @@ int Expected(const std::string& strName) {
   strKey += '|';
   if (strPlayed.find(strKey) != std::string::npos) return 0;
   return strDecoded.find(strKey) != std::string::npos ? 1 : -1;
-}
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
 }
 
 void CheckExtension(const std::string& strName) {

@@ -8,17 +8,13 @@
 // Input: a whole file. Seeds: RIFF sound files and Kestrel files of our own writers.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 #include "FuzzFile.h"
 #include "LabelsArePlaced.h"
+#include "Require.h"
 #include "WavFileFormat.h"
 
 namespace {
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 std::uint64_t g_qwHeard = 0;
 void Hear(void* pData, unsigned int dwLength) {

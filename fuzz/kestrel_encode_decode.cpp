@@ -9,22 +9,18 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <vector>
 
 #include "KestrelCodec.h"
+#include "Require.h"
 #include "WavData.h"
 
 namespace {
 
 constexpr std::array<unsigned int, 8> kRates = {7200,  9600,  12000, 14400,
                                                 16000, 20000, 24000, 32000};
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 std::vector<std::uint8_t> Encode(std::span<const std::uint8_t> pcm, unsigned int dwBitRate) {
   const C_WavDataPtr sound(new C_WavData);

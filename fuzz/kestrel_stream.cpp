@@ -5,7 +5,6 @@
 //   scripts/fuzz.sh 60 kestrel_stream
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <vector>
@@ -14,16 +13,13 @@
 #include "FuzzFile.h"
 #include "KestrelCodec.h"
 #include "KestrelFile.h"
+#include "Require.h"
 #include "WavData.h"
 
 namespace {
 
 std::size_t g_cbPieces = 0;
 void CountPiece(void*, unsigned int dwLength) { g_cbPieces += dwLength; }
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 std::vector<std::uint8_t> Pcm(I_WavData* pIWavData) {
   return {pIWavData->GetBuffer(), pIWavData->GetBuffer() + pIWavData->GetBufferLength()};

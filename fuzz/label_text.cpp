@@ -8,18 +8,14 @@
 // Input: the text; it ends at the first NUL. Seeds: labels of every form.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "Require.h"
 #include "WavLabels.h"
 
 namespace {
 
 using wavlabels::S_LabelMeaning;
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 // Digit by digit: blanks, a sign, digits, of the first 31 characters; held at the 64-bit limits.
 unsigned int SlowNumber(std::string strText) {

@@ -9,20 +9,16 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <vector>
 
 #include "FuzzFile.h"
+#include "Require.h"
 #include "RiffFile.h"
 
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 // A payload is given when the file holds it whole, as it stands there, and not otherwise.
 void CheckPayload(C_RiffChunk& chunk, Bytes file) {

@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
+#include "Require.h"
 #include "RiffFile.h"
 #include "WavDataCueInfo.h"
 #include "WavDataSamplerInfo.h"
@@ -20,10 +20,6 @@
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 template <typename Info>
 Bytes Save(Info& info) {

@@ -6,18 +6,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <vector>
 
 #include "FuzzFile.h"
+#include "Require.h"
 #include "SpHeader.h"
 
 namespace {
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 // A recognised header comes back from the file that it is written to.
 void CheckWrite(const C_SpHeader& header) {

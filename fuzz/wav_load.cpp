@@ -9,19 +9,15 @@
 // Input: a whole file. Seeds: files of our own writer, one per width and mix of chunks.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
 #include "FuzzFile.h"
 #include "LabelsArePlaced.h"
+#include "Require.h"
 #include "SoundsAreEqual.h"
 #include "WavFile.h"
 
 namespace {
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 bool Load(C_WavFile& file, const C_FuzzFile& bytes) {
   return file.LoadByName(bytes.Path(), true, nullptr, nullptr);

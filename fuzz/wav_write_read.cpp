@@ -11,20 +11,16 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 
 #include "ByteReader.h"
 #include "FuzzFile.h"
 #include "I_WavDataInfo.h"
+#include "Require.h"
 #include "SoundsAreEqual.h"
 #include "WavFile.h"
 
 namespace {
-
-void Require(bool bHolds) {
-  if (!bHolds) std::abort();
-}
 
 template <typename Info>
 Info& InfoOf(C_WavFile& file, tagWavDataInfo eType) {
