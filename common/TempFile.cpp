@@ -53,6 +53,10 @@ C_FilePtr CreateExclusive(const std::string& strPath) {
   return file;
 }
 
+C_RemovedAtEnd::~C_RemovedAtEnd() {
+  if (!m_strPath.empty()) unlink(m_strPath.c_str());
+}
+
 C_TempFile::C_TempFile(const char* pszSuffix) {
   for (int i = 0; i < kAttempts && !m_file; ++i) {
     m_strPath = TempName(pszSuffix);

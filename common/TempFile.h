@@ -20,6 +20,24 @@ namespace vcm {
 // when it exists or cannot be made.
 [[nodiscard]] C_FilePtr CreateExclusive(const std::string& strPath);
 
+// Removes the file of a path at destruction, unless it is kept. Owns the file, not a stream of it.
+class C_RemovedAtEnd {
+ public:
+  C_RemovedAtEnd() = default;
+  explicit C_RemovedAtEnd(std::string strPath) : m_strPath(std::move(strPath)) {}
+  ~C_RemovedAtEnd();
+  C_RemovedAtEnd(C_RemovedAtEnd&& other) noexcept : m_strPath(other.Keep()) {}
+  C_RemovedAtEnd& operator=(C_RemovedAtEnd&&) = delete;
+
+  // Empty when there is nothing to remove.
+  [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
+  // Leaves the file where it is, and gives its path.
+  std::string Keep() noexcept { return std::exchange(m_strPath, {}); }
+
+ private:
+  std::string m_strPath;
+};
+
 // A temporary file that exists from construction to destruction.
 class C_TempFile {
  public:

@@ -3,9 +3,10 @@
 
 #include <copyfile.h>
 
+#include <string>
+
 #include "AudioFileType.h"
 #include "SpHeader.h"
-#include "TempFile.h"
 
 namespace {
 
@@ -13,13 +14,14 @@ constexpr unsigned int kSpeechRate = 16000;
 
 }  // namespace
 
-std::string CopyAsKestrel(const char* pszFileName) {
-  std::string strCopy = vcm::TempName(".kst");
+vcm::C_RemovedAtEnd CopyAsKestrel(const char* pszFileName) {
+  const std::string strCopy = vcm::TempName(".kst");
   if (copyfile(pszFileName, strCopy.c_str(), nullptr, COPYFILE_ALL) != 0) return {};
+  vcm::C_RemovedAtEnd copy(strCopy);
   C_SpHeader header;
   header.SetID(AUDIO_FILE_KESTREL);
   header.SetFreq(kSpeechRate);
   // A copy that got no header is no Kestrel file, and whoever loads it finds out.
   static_cast<void>(PrependSpHeader(header, strCopy.c_str()));
-  return strCopy;
+  return copy;
 }

@@ -1,31 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DecodeToWav.h"
 
-#include <unistd.h>
-
-#include <string>
-#include <utility>
-
 #include "BareKestrel.h"
 #include "KestrelFile.h"
 #include "WavFileFormat.h"
 
 namespace {
-
-class C_RemovedAtEnd {
- public:
-  explicit C_RemovedAtEnd(std::string strPath) : m_strPath(std::move(strPath)) {}
-  ~C_RemovedAtEnd() {
-    if (!m_strPath.empty()) unlink(m_strPath.c_str());
-  }
-  C_RemovedAtEnd(const C_RemovedAtEnd&) = delete;
-  C_RemovedAtEnd& operator=(const C_RemovedAtEnd&) = delete;
-
-  [[nodiscard]] const char* Path() const { return m_strPath.c_str(); }
-
- private:
-  std::string m_strPath;
-};
 
 C_WavFilePtr LoadFile(C_WavFileFormat& format, const char* pszPath) {
   return C_WavFilePtr(format.CreateWavFile(pszPath, true, true, nullptr, nullptr));
@@ -38,13 +18,13 @@ int WriteWav(I_WavFile& file, const char* pszWavPath) {
 }
 
 int DecodeBareKestrel(C_WavFileFormat& format, const char* pszInput, const char* pszWavPath) {
-  const C_RemovedAtEnd copy(CopyAsKestrel(pszInput));
+  const vcm::C_RemovedAtEnd copy = CopyAsKestrel(pszInput);
   C_KestrelFile kestrel;
-  if (!kestrel.LoadByName(copy.Path(), true, nullptr, nullptr)) return kDecodingFailed;
+  if (!kestrel.LoadByName(copy.Path().c_str(), true, nullptr, nullptr)) return kDecodingFailed;
   if (const int nResult = WriteWav(kestrel, pszWavPath); nResult != kDecodedToWav) return nResult;
   // Kept: the copy is opened and written once more the way every other file is, which proves that
   // the header took. Pinned by BareStream_IsWrittenTwice.
-  const C_WavFilePtr reopened = LoadFile(format, copy.Path());
+  const C_WavFilePtr reopened = LoadFile(format, copy.Path().c_str());
   return reopened ? WriteWav(*reopened, pszWavPath) : kReopenFailed;
 }
 

@@ -7,12 +7,11 @@
 #include <memory>
 
 #include "CAXException.h"
+#include "DefaultOutput.h"
 #include "KeptForProcess.h"
 
 namespace {
 
-constexpr AudioComponentDescription kOutput = {
-    kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput, kAudioUnitManufacturer_Apple, 0, 0};
 constexpr AudioComponentDescription kFilePlayer = {kAudioUnitType_Generator,
                                                    kAudioUnitSubType_AudioFilePlayer,
                                                    kAudioUnitManufacturer_Apple, 0, 0};
@@ -123,7 +122,7 @@ void MakeFileGraph(AUGraph* pGraph, CAAudioUnit* pFileUnit,
                    const AudioStreamBasicDescription& format, AudioFileID audioFile) {
   XThrowIfError(NewAUGraph(pGraph), "NewAUGraph");
   KeepForProcess(*pGraph, "graph: closed at the end, never disposed of");
-  const AUNode outputNode = AddNode(*pGraph, kOutput);
+  const AUNode outputNode = AddNode(*pGraph, kDefaultOutput);
   const AUNode fileNode = AddNode(*pGraph, kFilePlayer);
   XThrowIfError(AUGraphOpen(*pGraph), "AUGraphOpen");
   *pFileUnit = CAAudioUnit(fileNode, UnitOfNode(*pGraph, fileNode));

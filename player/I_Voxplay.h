@@ -43,8 +43,9 @@ class I_Voxplay {
   virtual int Open(const char* pszFileName) = 0;  // 12
   // Before a file is opened: true, and nothing is stored. Then: false for null. Throws.
   virtual bool SetNotify(PFN_VoxplayNotify pfnNotify, unsigned int dwUserData) = 0;  // 13
-  // All true. Nothing opened or played yet counts as 0.
-  virtual bool GetProgress(float* pfProgress) = 0;      // 14, position divided by duration
+  // All true. Nothing opened or played yet counts as 0. The progress is position divided by
+  // duration: not a number, or infinite, while the duration is 0.
+  virtual bool GetProgress(float* pfProgress) = 0;      // 14
   virtual bool GetDuration(int* pnSeconds) = 0;         // 15
   virtual bool GetDurationMs(int* pnMilliseconds) = 0;  // 16
   virtual bool GetPosition(int* pnSeconds) = 0;         // 17

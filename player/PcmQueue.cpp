@@ -34,7 +34,7 @@ void C_PcmQueue::Read(void* pDestination, std::uint32_t cbWanted) {
   pthread_mutex_lock(&m_lock);
   const std::uint32_t cbTaken = std::min(GetCount(), cbWanted);
   const std::uint32_t cbRest = GetCount() - cbTaken;
-  std::memcpy(pDestination, m_pbyBase, cbTaken);
+  if (cbTaken != 0) std::memcpy(pDestination, m_pbyBase, cbTaken);
   // Kept: the rest moves to the front through a copy, and the whole block is cleared, on every
   // read. Whatever is behind the held bytes is silence that way, whoever looks at the block, and no
   // index can run astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockBehindIt.

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "BareKestrel.h"
+#include "DefaultOutput.h"
 #include "KeptForProcess.h"
 #include "PcmQueue.h"
 #include "WavFileFormat.h"
@@ -20,8 +21,6 @@ constexpr useconds_t kHeadStartMicroseconds = 500000;
 constexpr useconds_t kStepMicroseconds = 10000;
 constexpr useconds_t kTailMicroseconds = 500000;
 
-constexpr AudioComponentDescription kOutput = {
-    kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput, kAudioUnitManufacturer_Apple, 0, 0};
 constexpr AudioStreamBasicDescription kSpeech = {
     16000.0,
     kAudioFormatLinearPCM,
@@ -37,7 +36,7 @@ constexpr AudioStreamBasicDescription kSpeech = {
 // goes with the process. Pinned by FailingSetUp_ReturnsOneAndDisposesOfNothing.
 AudioUnit NewOutput() {
   AudioUnit unit = nullptr;
-  AudioComponent component = AudioComponentFindNext(nullptr, &kOutput);
+  AudioComponent component = AudioComponentFindNext(nullptr, &kDefaultOutput);
   if (component == nullptr || AudioComponentInstanceNew(component, &unit) != noErr) return nullptr;
   KeepForProcess(unit, "output unit of real-time mode: its device goes with the process");
   return unit;
@@ -71,18 +70,21 @@ bool Probe(C_WavFileFormat& format, const char* pszFileName) {
   return true;
 }
 
-void SetPath(S_RealTimeDecoder* pDecoder, const char* pszPath) {
+// False, and the field is empty, when the path does not fit.
+bool SetPath(S_RealTimeDecoder* pDecoder, const char* pszPath) {
   std::memset(pDecoder->szPath, 0, sizeof pDecoder->szPath);
-  if (const std::size_t nLength = std::strlen(pszPath); nLength < sizeof pDecoder->szPath)
-    std::memcpy(pDecoder->szPath, pszPath, nLength);
+  const std::size_t nLength = std::strlen(pszPath);
+  if (nLength >= sizeof pDecoder->szPath) return false;
+  std::memcpy(pDecoder->szPath, pszPath, nLength);
+  return true;
 }
 
 // Kept: a copy made for a bare stream stays in the temporary directory, since the decoder may still
 // read it when the player is gone. Pinned by RealTimeModeOfABareStream_LeavesItsCopy.
 void ChooseFile(S_RealTimeDecoder* pDecoder, C_WavFileFormat& format, const char* pszFileName) {
   const bool bKnown = Probe(format, pszFileName);
-  SetPath(pDecoder, pszFileName);
-  if (!bKnown) SetPath(pDecoder, CopyAsKestrel(pszFileName).c_str());
+  const bool bFits = SetPath(pDecoder, pszFileName);
+  if (bFits && !bKnown) SetPath(pDecoder, CopyAsKestrel(pszFileName).Keep().c_str());
 }
 
 void Decode(C_WavFileFormat& format, const S_RealTimeDecoder& decoder) {
@@ -127,7 +129,7 @@ int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFile
   const AudioUnit unit = SetUpOutput(pPlayer);
   if (unit == nullptr) return kNoOutput;
   C_WavFileFormat format;
-  ChooseFile(pDecoder, format, pszFileName);
+  ChooseFile(pDecoder, format, pszFileName != nullptr ? pszFileName : "");
   StartDecoder(pDecoder);
   usleep(kHeadStartMicroseconds);
   AudioOutputUnitStart(unit);

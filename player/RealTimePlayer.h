@@ -21,8 +21,8 @@ struct S_RealTimeDecoder {
 };
 
 // Returns when the playback has ended: 0, or 1 when the output could not be set up. A file that
-// cannot be decoded plays as silence of about a second; a name that does not fit the path field is
-// such a file. pPlayer is handed to the render callback as its reference.
+// cannot be decoded plays as silence of about a second; null, and a name that does not fit the path
+// field, are such a file. pPlayer is handed to the render callback as its reference.
 int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFileName);
 
 // The library's data callback: appends to the process-wide queue.

@@ -57,30 +57,6 @@ class C_FileUrl {
   CFURLRef m_url;
 };
 
-// A file in the way of nobody: made anew, readable by its owner alone, and removed again unless it
-// is kept.
-class C_NewFile {
- public:
-  explicit C_NewFile(const char* pszPath) : m_pszPath(pszPath) {
-    static_cast<void>(unlink(pszPath));
-    m_bRemove = vcm::CreateExclusive(pszPath) != nullptr;
-    m_bCreated = m_bRemove;
-  }
-  ~C_NewFile() {
-    if (m_bRemove) static_cast<void>(unlink(m_pszPath));
-  }
-  C_NewFile(const C_NewFile&) = delete;
-  C_NewFile& operator=(const C_NewFile&) = delete;
-
-  [[nodiscard]] bool IsCreated() const { return m_bCreated; }
-  void Keep() { m_bRemove = false; }
-
- private:
-  const char* m_pszPath;
-  bool m_bCreated = false;
-  bool m_bRemove = false;
-};
-
 // Kept: what the file says about its format is read and then replaced as a whole; the graph always
 // plays the one format that every output takes. Pinned by
 // Open_GivesTheGraphTheFixedFormatForEveryFile.
@@ -225,8 +201,9 @@ int C_Voxplay::OpenFile(const char* pszFileName) {
 // Kept: the decoded file outlives the player; users pick it up from the temporary directory. Pinned
 // by DecodedFile_StaysInTheTemporaryDirectory.
 int C_Voxplay::DecodeToTempWav(const char* pszFileName) {
-  C_NewFile wav(m_szTempWavPath);
-  if (!wav.IsCreated()) return kDecodeFailed;
+  static_cast<void>(unlink(m_szTempWavPath));
+  if (!vcm::CreateExclusive(m_szTempWavPath)) return kDecodeFailed;
+  vcm::C_RemovedAtEnd wav(m_szTempWavPath);
   const int nResult = DecodeToWav(pszFileName, m_szTempWavPath);
   if (nResult == kDecodedToWav) wav.Keep();
   return nResult;

@@ -72,6 +72,25 @@ TEST(TempFile, CreateExclusive_DoesNotFollowALink) {
   EXPECT_FALSE(folder.Has("target"));
 }
 
+TEST(TempFile, RemovedAtEnd_RemovesOnceAndOnlyWhatIsNotKept) {
+  const std::string strPath = vcm::TempName(".kst");
+  ASSERT_TRUE(vcm::CreateExclusive(strPath));
+  {
+    vcm::C_RemovedAtEnd first(strPath);
+    EXPECT_EQ(first.Path(), strPath);
+    {
+      vcm::C_RemovedAtEnd second(std::move(first));
+      EXPECT_EQ(second.Keep(), strPath);
+      EXPECT_EQ(second.Path(), "");
+    }
+    EXPECT_EQ(access(strPath.c_str(), F_OK), 0) << "kept";
+  }
+  EXPECT_EQ(access(strPath.c_str(), F_OK), 0) << "handed on and kept there";
+  { const vcm::C_RemovedAtEnd last(strPath); }
+  EXPECT_NE(access(strPath.c_str(), F_OK), 0);
+  { const vcm::C_RemovedAtEnd nothing; }
+}
+
 TEST(TempFile, TempFile_LivesAsLongAsTheObject) {
   std::string strPath;
   {

@@ -187,6 +187,7 @@ TEST_F(CommandLine, NormalModeOfSpeech_TakesAsLongAsTheSound) {
   EXPECT_EQ(run.strOut, "file duration: 1.000000 secs\nPlaying...Finished\n");
   EXPECT_EQ(run.nExit, 0);
   EXPECT_GE(run.dSeconds, 1.0);
+  EXPECT_GE(run.dSeconds - run.dFirstOutput, 0.9) << "\"Playing...\" shows before the end";
   const C_Bytes wav = LeftFile(".wav");
   ASSERT_EQ(wav.size(), 32044U);
   EXPECT_EQ(C_Bytes(wav.begin() + 44, wav.end()), speech.pcm);
@@ -334,9 +335,12 @@ TEST_F(CommandLine, RealTimeModeOfAWavFile_IsASecondOfSilence) {
 
 TEST_F(CommandLine, RealTimeModeOfOddInputs_AlwaysFinishes) {
   std::filesystem::create_directory(m_folder.Path("folder.kst"));
-  const std::vector<std::string> inputs = {"", m_folder.Path("folder.kst"),
-                                           m_folder.Write("empty.kst", {}), std::string(2000, 'n'),
-                                           m_folder.Write("other.kst", C_SpBytes().ID(99).Take())};
+  const std::vector<std::string> inputs = {"",
+                                           m_folder.Path("folder.kst"),
+                                           m_folder.Write("empty.kst", {}),
+                                           std::string(2000, 'n'),
+                                           m_folder.Write("other.kst", C_SpBytes().ID(99).Take()),
+                                           m_folder.Write("x.vef", C_RiffBytes("VEFF").Take())};
   std::vector<std::future<S_Run>> runs;
   for (const std::string& strInput : inputs)
     runs.push_back(std::async(std::launch::async, [this, strInput] {

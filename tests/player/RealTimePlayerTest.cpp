@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
@@ -48,6 +49,17 @@ class RealTimePlayer : public ::testing::Test {
             bytes.begin() + static_cast<std::ptrdiff_t>(std::min(bytes.size(), i + cbPiece)));
         pfnData(piece.data(), static_cast<unsigned int>(piece.size()));
       }
+    };
+  }
+  // The head start is as long as the decoder takes (ten seconds at most), as it is at full length.
+  void WaitForTheDecoderInTheHeadStart() {
+    m_toolbox.onPause = [this] {
+      if (m_toolbox.Log().back() != "usleep(500000)" || m_toolbox.Find("AudioOutputUnit") >= 0)
+        return;
+      const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+      while (m_decoder.byFinished.load() == 0 && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+      EXPECT_EQ(m_decoder.byFinished.load(), 1) << "the decoder works during the head start";
     };
   }
   // The calls of the library; the decoder's format object ends on its own thread, at any time.
@@ -134,6 +146,7 @@ TEST_F(RealTimePlayer, WhatIsDecoded_IsPlayedWholeAndInOrder) {
   std::vector<UInt8> bytes(64000);
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<UInt8>(1 + i * 5 % 251);
   DecodesTo(bytes, 640);
+  WaitForTheDecoderInTheHeadStart();
   m_toolbox.cbSlice = 3000;
   m_toolbox.bySliceFill = 0;
   EXPECT_EQ(Play("speech.kst"), 0);
@@ -207,6 +220,40 @@ TEST_F(RealTimePlayer, NameThatDoesNotFit_IsRefusedNotCut) {
   EXPECT_STREQ(m_decoder.szPath, "");
 }
 
+TEST_F(RealTimePlayer, BareStreamWhoseNameDoesNotFit_IsNotCopied) {
+  m_folder.Write("bare.kst", {1});
+  m_library.creates = {false};
+  std::string strPath = m_folder.Path() + "/";
+  while (strPath.size() < 1024) strPath += "./";
+  ASSERT_TRUE(std::filesystem::exists(strPath + "bare.kst"));
+  EXPECT_EQ(Play(strPath + "bare.kst"), 0);
+  EXPECT_STREQ(m_decoder.szPath, "");
+  EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
+}
+
+TEST_F(RealTimePlayer, NoName_IsAFileThatCannotBeDecoded) {
+  m_library.creates = {false};
+  EXPECT_EQ(PlayRealTime(this, &m_decoder, nullptr), 0);
+  EXPECT_STREQ(m_decoder.szPath, "");
+  EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
+}
+
+// A decoder that ends after the playback must not take the player's part of it along.
+TEST_F(RealTimePlayer, FinishedIsSet_BeforeTheDecodersFormatEnds) {
+  std::atomic<std::thread::id> decoderThread;
+  std::atomic<int> nFinished{-1};
+  m_library.onCreate = [&](const char* /*pszPath*/, PFN_DecodedData pfnData) {
+    if (pfnData != nullptr) decoderThread = std::this_thread::get_id();
+  };
+  m_library.onFormatEnd = [&] {
+    if (std::this_thread::get_id() == decoderThread) nFinished = m_decoder.byFinished.load();
+  };
+  EXPECT_EQ(Play("speech.kst"), 0);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (nFinished.load() < 0 && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+  EXPECT_EQ(nFinished.load(), 1);
+}
+
 TEST_F(RealTimePlayer, ProbeThatThrows_CountsAsUnknown) {
   const std::string strPath = m_folder.Write("bare.kst", {1});
   m_library.onCreate = [](const char* /*pszPath*/, PFN_DecodedData pfnData) {
@@ -223,6 +270,7 @@ TEST_F(RealTimePlayer, DecoderThatThrows_StillFinishes) {
     pfnData(szPiece, 4);
     throw 42;  // NOLINT: anything may be thrown
   };
+  WaitForTheDecoderInTheHeadStart();
   m_toolbox.cbSlice = 4;
   EXPECT_EQ(Play("speech.kst"), 0);
   const auto played = m_toolbox.Pulled();

@@ -161,6 +161,7 @@ TEST_F(Voxplay, QueriesBeforeOpen_AreTrueAndZero) {
   EXPECT_TRUE(m_pPlayer->GetProgress(&fProgress));
   EXPECT_EQ(nDuration, 0);
   EXPECT_EQ(nDurationMs, 0);
+  EXPECT_TRUE(std::isnan(fProgress));
   EXPECT_EQ(Position(), 0);
   EXPECT_EQ(PositionMs(), 0);
 }
@@ -303,11 +304,11 @@ TEST_F(Voxplay, Open_WhoseUrlCannotBeMade_IsNotReleased) {
 }
 
 TEST_F(Voxplay, Open_ThatFails_LeavesThePlayerStopped) {
-  EXPECT_TRUE(m_pPlayer->Pause());
-  EXPECT_EQ(m_pPlayer->Open("missing.wav"), 3);
   EXPECT_EQ(Open("x.wav"), 0);
   m_pPlayer->Play();
-  EXPECT_EQ(m_toolbox.Count("AUGraphStart"), 1);
+  EXPECT_EQ(m_pPlayer->Open("missing.wav"), 3);
+  m_pPlayer->Play();
+  EXPECT_EQ(m_toolbox.Count("AUGraphStart"), 2) << "not taken for playing any more";
 }
 
 TEST_F(Voxplay, Open_StopsWhatIsOpenFirst) {
@@ -351,6 +352,21 @@ TEST_F(Voxplay, DecodedFile_StaysInTheTemporaryDirectory) {
   EXPECT_EQ(Open("x.kst"), 0);
   Release();
   EXPECT_EQ(m_temp.NewFiles().size(), 1U);
+}
+
+TEST_F(Voxplay, EveryPlayer_HasADecodedFileOfItsOwn) {
+  EXPECT_EQ(Open("x.kst"), 0);
+  Release();
+  ASSERT_EQ(CreateVoxplay(&m_pPlayer), 0);
+  EXPECT_EQ(Open("x.kst"), 0);
+  EXPECT_EQ(m_temp.NewFiles().size(), 2U);
+}
+
+TEST_F(Voxplay, BareStreamWhoseDecodingThrows_LeavesNothing) {
+  m_library.creates = {false, true};
+  m_library.onConvert = [](const char* /*pszPath*/) { throw std::bad_alloc(); };
+  EXPECT_EQ(Open("x.kst"), 1);
+  EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
 }
 
 TEST_F(Voxplay, DecodedFile_IsReadableByItsOwnerAlone) {

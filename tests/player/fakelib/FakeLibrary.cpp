@@ -18,6 +18,7 @@ void C_FakeLibrary::Reset() {
   creates = loads = converts = {true};
   onCreate = nullptr;
   onConvert = nullptr;
+  onFormatEnd = nullptr;
   m_log.clear();
 }
 
@@ -29,6 +30,12 @@ std::vector<std::string> C_FakeLibrary::Log() {
 void C_FakeLibrary::Call(const std::string& strLine) {
   const std::lock_guard guard(m_lock);
   m_log.push_back(strLine);
+}
+
+void C_FakeLibrary::FormatEnds() {
+  const std::lock_guard guard(m_lock);
+  m_log.emplace_back("~C_WavFileFormat");
+  if (onFormatEnd) onFormatEnd();
 }
 
 bool C_FakeLibrary::Answer(std::deque<bool>& answers) {
@@ -81,7 +88,7 @@ I_WavFile* C_WavFileFormat::CreateWavFile(const char* pszFileName, bool bLoadDat
   return library.Answer(library.creates) ? new C_FakeWavFile("file") : nullptr;
 }
 
-C_WavFileFormat::~C_WavFileFormat() { C_FakeLibrary::Get().Call("~C_WavFileFormat"); }
+C_WavFileFormat::~C_WavFileFormat() { C_FakeLibrary::Get().FormatEnds(); }
 
 bool C_KestrelFile::LoadByName(const char* pszFileName, bool bKeepEncoded,
                                const char* pszCodecOption, PFN_DecodedData pfnData) {

@@ -67,10 +67,13 @@ class C_FakeLibrary {
   // Called inside CreateWavFile, on the calling thread.
   std::function<void(const char* pszPath, PFN_DecodedData pfnData)> onCreate;
   std::function<void(const char* pszPath)> onConvert;
+  // Called at the end of every format object, on its thread.
+  std::function<void()> onFormatEnd;
 
   // One line for each call, paths of temporary files as "<temporary>.kst".
   std::vector<std::string> Log();
   void Call(const std::string& strLine);
+  void FormatEnds();
   bool Answer(std::deque<bool>& answers);
 
  private:
