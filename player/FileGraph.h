@@ -8,6 +8,19 @@
 
 #include "CAAudioUnit.h"
 
+// What the player has every file scheduled and played as: float stereo at 44.1 kHz, not
+// interleaved, so that sizes and bits are those of one channel.
+inline constexpr AudioStreamBasicDescription kPlaybackFormat = {
+    44100.0,
+    kAudioFormatLinearPCM,
+    kAudioFormatFlagIsFloat | kAudioFormatFlagIsPacked | kAudioFormatFlagIsNonInterleaved,
+    4,
+    1,
+    4,
+    2,
+    32,
+    0};
+
 // How a file is scheduled, in the terms of the stream description and not of the file.
 struct S_FileSchedule {
   UInt64 qwPacketCount = 0;

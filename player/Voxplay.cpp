@@ -20,17 +20,6 @@ namespace {
 constexpr std::uint32_t kLastPacketRoom = 1024;
 constexpr double kMsPerSecond = 1000.0;
 
-constexpr AudioStreamBasicDescription kPlayback = {
-    44100.0,
-    kAudioFormatLinearPCM,
-    kAudioFormatFlagIsFloat | kAudioFormatFlagIsPacked | kAudioFormatFlagIsNonInterleaved,
-    4,
-    1,
-    4,
-    2,
-    32,
-    0};
-
 // Towards zero; what is below zero or not a number is 0, what is too large the largest.
 template <typename T>
 T Truncate(double dValue) {
@@ -65,7 +54,7 @@ AudioStreamBasicDescription ReadPlaybackFormat(AudioFileID audioFile) {
   UInt32 cbFormat = sizeof format;
   XThrowIfError(AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format),
                 "AudioFileGetProperty");
-  format = kPlayback;
+  format = kPlaybackFormat;
   return format;
 }
 

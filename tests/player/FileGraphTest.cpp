@@ -20,6 +20,16 @@ using ::testing::ElementsAreArray;
 constexpr AudioStreamBasicDescription kStereo = {44100.0, kAudioFormatLinearPCM, 41, 4, 1, 4, 2, 32,
                                                  0};
 
+static_assert(kPlaybackFormat.mSampleRate == kStereo.mSampleRate &&
+              kPlaybackFormat.mFormatID == kStereo.mFormatID &&
+              kPlaybackFormat.mFormatFlags == kStereo.mFormatFlags &&
+              kPlaybackFormat.mBytesPerPacket == kStereo.mBytesPerPacket &&
+              kPlaybackFormat.mFramesPerPacket == kStereo.mFramesPerPacket &&
+              kPlaybackFormat.mBytesPerFrame == kStereo.mBytesPerFrame &&
+              kPlaybackFormat.mChannelsPerFrame == kStereo.mChannelsPerFrame &&
+              kPlaybackFormat.mBitsPerChannel == kStereo.mBitsPerChannel &&
+              kPlaybackFormat.mReserved == 0);
+
 AudioStreamBasicDescription Surround() {
   AudioStreamBasicDescription format = kStereo;
   format.mChannelsPerFrame = 6;

@@ -26,6 +26,7 @@
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 using ::testing::internal::CaptureStdout;
@@ -222,6 +223,10 @@ TEST_F(Voxplay, Open_GivesTheGraphTheFixedFormatForEveryFile) {
   m_toolbox.fileFormat = {8000.0, kAudioFormatULaw, 3, 7, 8, 9, 6, 12, 1};
   EXPECT_EQ(Open("x.wav"), 0);
   EXPECT_EQ(m_toolbox.Count("AudioUnitSetProperty(fileUnit, 8, scope 2, element 0, 44100.0 "), 1);
+  const int nChannels =
+      m_toolbox.Find("AudioUnitSetProperty(fileUnit, 8, scope 2, element 0, 0.0 ");
+  ASSERT_GE(nChannels, 0);
+  EXPECT_THAT(m_toolbox.Log().at(static_cast<std::size_t>(nChannels)), EndsWith(" 2 0)"));
   EXPECT_EQ(m_toolbox.Count("AudioFileGetPropertyInfo"), 0) << "two channels, not six";
   EXPECT_EQ(m_toolbox.Count("AudioUnitSetProperty(fileUnit, 3311, scope 0, element 0, flags 1 time "
                             "0.0 file file loop 0 start 0 frames 32000 "),
