@@ -3,8 +3,6 @@
 
 #include <copyfile.h>
 
-#include <string>
-
 #include "AudioFileType.h"
 #include "SpHeader.h"
 
@@ -15,13 +13,16 @@ constexpr unsigned int kSpeechRate = 16000;
 }  // namespace
 
 vcm::C_RemovedAtEnd CopyAsKestrel(const char* pszFileName) {
-  const std::string strCopy = vcm::TempName(".kst");
-  if (copyfile(pszFileName, strCopy.c_str(), nullptr, COPYFILE_ALL) != 0) return {};
-  vcm::C_RemovedAtEnd copy(strCopy);
+  // Owned before it exists: nothing may stop us between the two.
+  vcm::C_RemovedAtEnd copy(vcm::TempName(".kst"));
+  if (copyfile(pszFileName, copy.Path().c_str(), nullptr, COPYFILE_ALL) != 0) {
+    static_cast<void>(copy.Keep());  // a file of that name would be somebody else's
+    return {};
+  }
   C_SpHeader header;
   header.SetID(AUDIO_FILE_KESTREL);
   header.SetFreq(kSpeechRate);
   // A copy that got no header is no Kestrel file, and whoever loads it finds out.
-  static_cast<void>(PrependSpHeader(header, strCopy.c_str()));
+  static_cast<void>(PrependSpHeader(header, copy.Path().c_str()));
   return copy;
 }

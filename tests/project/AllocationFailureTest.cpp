@@ -2,6 +2,7 @@
 //
 // Every allocation fails in turn: an operation answers false or lets std::bad_alloc through, leaks
 // nothing, loses nothing, and works the next time.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -10,6 +11,7 @@
 #include <tuple>
 
 #include "FaultyNew.h"
+#include "PrivateTemp.h"
 #include "SweptOperations.h"
 
 namespace {
@@ -47,6 +49,7 @@ bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn) {
 
 class AllocationFailureTest : public testing::TestWithParam<std::tuple<std::string, bool>> {
  protected:
+  C_PrivateTemp m_temp;
   C_TempFolder m_folder;
 };
 
@@ -61,6 +64,7 @@ TEST_P(AllocationFailureTest, EachAllocationFailing_LeaksAndLosesNothing) {
   // Stripping a header copies through a buffer on the stack.
   EXPECT_GT(nCall, strName == "StripHeader" ? 0 : 1) << "no allocation is seen";
   EXPECT_LT(nCall, kMaxAllocations);
+  EXPECT_THAT(m_temp.NewFiles(), testing::IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AllocationFailureTest,

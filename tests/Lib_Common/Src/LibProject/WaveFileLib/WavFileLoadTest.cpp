@@ -580,7 +580,6 @@ TEST_F(WavFileLoad, UnknownLabelsNeedNoCuePoint) {
 using WavFileLoadDeathTest = WavFileLoad;
 
 TEST_F(WavFileLoadDeathTest, LabelsThatMeanSomethingNeedTheirCuePoint) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
   for (const char* pszText : {"u_1_2", "e_5", "VX_Silence", "VX_PCM"}) {
     C_RiffBytes riff = MonoWav(64);
     riff.Chunk("cue ", CueBytes({{1, 0, 0}})).Chunk("LIST", AdtlBytes({LablBytes(2, pszText)}));

@@ -473,7 +473,6 @@ class C_BrokenEventMgr : public C_EventTagMgr {
 class WavFileDeathTest : public WavFileWrite {
  protected:
   void SetUp() override {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     m_data.SetBuffer("1234", 4);
     m_data.SetWavInfoData(8000, 4, 1, 16, 16, true);
     m_file.SetFileFormat(AUDIO_FILE_WAVE);

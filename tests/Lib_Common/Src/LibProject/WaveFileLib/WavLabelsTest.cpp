@@ -134,7 +134,6 @@ class C_ListWithoutText : public C_WavDataListInfo {
 }  // namespace
 
 TEST(WavLabelsDeathTest, ALabelWithoutTextStopsTheProgram) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
   C_WavData data;
   C_ListWithoutText list;
   C_WavDataCueInfo cues(data.GetWavInfo());
