@@ -8,7 +8,7 @@
 
 // Kept: no virtual destructor, because the table of operations has five entries for the callers
 // that are built against it. Lists delete items through this type. Pinned by
-// SilenceSegment_HasNoVirtualDestructor.
+// Range_HasNoVirtualDestructor.
 class C_SilenceSegment final : public I_SilenceSegment {
  public:
   C_SilenceSegment(unsigned int dwStart, unsigned int dwEnd) : m_dwStart(dwStart), m_dwEnd(dwEnd) {}
