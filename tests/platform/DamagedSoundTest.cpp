@@ -31,7 +31,7 @@ class C_Damage {
   // One to six bytes or 32-bit words replaced, most of them in the head; at times a cut.
   Bytes Do(Bytes bytes) {
     for (int n = Below(6) + 1; n > 0; --n) ReplaceSome(bytes);
-    if (Below(4) == 0) bytes.resize(static_cast<std::size_t>(Below(Size(bytes)) + 1));
+    if (Below(4) == 0) bytes.resize(static_cast<std::size_t>(Below(Size(bytes))) + 1);
     return bytes;
   }
 

@@ -15,7 +15,6 @@
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 
 constexpr AudioStreamBasicDescription kStereo = {44100.0, kAudioFormatLinearPCM, 41, 4, 1, 4, 2, 32,
                                                  0};

@@ -25,7 +25,7 @@ const char* const kUsage =
 class Main : public ::testing::Test {
  protected:
   S_Run Run(const C_Program::Texts& arguments) {
-    const S_Run run = m_program.Run(arguments);
+    S_Run run = m_program.Run(arguments);
     EXPECT_EQ(run.strErr, "");
     return run;
   }

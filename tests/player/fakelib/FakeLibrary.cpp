@@ -47,7 +47,7 @@ bool C_FakeLibrary::Answer(std::deque<bool>& answers) {
 
 std::string ShortName(const char* pszPath) {
   constexpr std::size_t kRandom = 6;
-  const std::string strPath = pszPath;
+  std::string strPath = pszPath;
   const std::string strStart = P_tmpdir "/file";
   const std::size_t nEnd = strStart.size() + kRandom;
   if (!strPath.starts_with(strStart) || strPath.size() < nEnd) return strPath;

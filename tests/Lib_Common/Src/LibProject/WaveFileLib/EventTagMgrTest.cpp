@@ -171,7 +171,7 @@ TEST_F(EventTagMgr, AddEventsBySamplePos_IsTheSameAsAddingOneByOne) {
     const unsigned int dwRate = 500 + Below(2) * 500;
     Both([&](C_EventTagMgr& mgr) { mgr.SetSampleRate(dwRate); });
     std::vector<C_EventTagMgr::S_SampleEvent> events(Below(12));
-    for (unsigned short i = 0; i < events.size(); ++i) events[i] = {Below(12), 2, i};
+    for (unsigned short wSub = 0; auto& event : events) event = {Below(12), 2, wSub++};
     together.AddEventsBySamplePos(events);
     for (const auto& event : events)
       oneByOne.AddEventBySamplePos(event.wMain, event.wSub, event.dwSamplePos, "", 0);

@@ -15,10 +15,7 @@ namespace kestrel {
 namespace {
 
 using test::C_Stages;
-using test::FrameOf;
-using test::ReadSamples;
 using test::ReadWords;
-using test::ToInts;
 
 // Frames of one speech stream.
 class C_SpeechFrames {
