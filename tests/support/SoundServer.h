@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A private sound server with a clocked sink that plays nothing, and recordings of what was played
-// on it. Add tests/support/SoundServer.cpp to the sources of the test and RESOURCE_LOCK
-// sound_server to its properties (recordings side by side starve each other).
+// on it. Add tests/support/SoundServer.cpp to the sources of the test and RUN_SERIAL TRUE to its
+// properties (whatever runs beside a recording can starve it).
 //
 //   C_SoundServer server(16000, "s16le", 1);              // the sink's own rate, format, channels
 //   ASSERT_TRUE(server.Start());
@@ -71,7 +71,7 @@ class C_SoundServer {
   // What the sink played while `play` ran and for 0.5 s afterwards, raw. Empty when the recording
   // could not be started.
   [[nodiscard]] std::vector<std::uint8_t> RecordWhile(const std::function<void()>& play) const;
-  // Records `play`; when everything arrived but with gaps, once more.
+  // Records `play`; when everything arrived but with gaps, again, up to five times in all.
   [[nodiscard]] S_Recording RecordUntilSame(const std::vector<std::uint8_t>& want,
                                             const std::function<void()>& play) const;
   [[nodiscard]] std::size_t FrameBytes() const;
