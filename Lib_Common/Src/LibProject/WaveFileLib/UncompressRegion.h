@@ -8,7 +8,7 @@
 
 // Kept: no virtual destructor, because the table of operations has five entries for the callers
 // that are built against it. Lists delete items through this type. Pinned by
-// UncompressRegion_HasNoVirtualDestructor.
+// Range_HasNoVirtualDestructor.
 class C_UncompressRegion final : public I_UncompressRegion {
  public:
   C_UncompressRegion(unsigned int dwStart, unsigned int dwEnd)
