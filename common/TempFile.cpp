@@ -14,14 +14,14 @@ namespace {
 constexpr int kAttempts = 100;
 
 // The C library's own generator is deprecated by linkers for the race between name and creation;
-// that race is closed here by CreateExclusive, and the name keeps its form: P_tmpdir "/file" and
-// six characters of the portable set.
-std::string LibraryTempName() {
+// that race is closed here by CreateExclusive, and the name keeps its form: P_tmpdir, a beginning
+// and six characters of the portable set.
+std::string LibraryTempName(const char* pszPrefix) {
   static constexpr std::string_view kLetters =
       "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
   thread_local std::random_device device;
   std::uniform_int_distribution<std::size_t> pick(0, kLetters.size() - 1);
-  std::string strName = P_tmpdir "/file";
+  std::string strName = std::string(P_tmpdir "/") + pszPrefix;
   for (int i = 0; i < 6; ++i) strName += kLetters[pick(device)];
   return strName;
 }
@@ -33,9 +33,9 @@ bool Exists(const std::string& strPath) {
 
 }  // namespace
 
-std::string TempName(const char* pszSuffix) {
+std::string TempName(const char* pszSuffix, const char* pszPrefix) {
   for (int i = 0; i < kAttempts; ++i) {
-    std::string strName = LibraryTempName();
+    std::string strName = LibraryTempName(pszPrefix);
     if (!Exists(strName) && !Exists(strName + pszSuffix)) return strName + pszSuffix;
   }
   return {};
@@ -57,9 +57,9 @@ C_RemovedAtEnd::~C_RemovedAtEnd() {
   if (!m_strPath.empty()) unlink(m_strPath.c_str());
 }
 
-C_TempFile::C_TempFile(const char* pszSuffix) {
+C_TempFile::C_TempFile(const char* pszSuffix, const char* pszPrefix) {
   for (int i = 0; i < kAttempts && !m_file; ++i) {
-    m_strPath = TempName(pszSuffix);
+    m_strPath = TempName(pszSuffix, pszPrefix);
     if (m_strPath.empty()) return;
     m_file = CreateExclusive(m_strPath);
   }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Temporary files. Names have the form and the directory that the C library's temporary-name
-// function gives; TMPDIR and every other environment variable are ignored on purpose, so that a
-// file is found in the same place however the program was started.
+// Temporary files. Names have the directory that the C library's temporary-name function gives, and
+// its form unless another beginning is asked for; TMPDIR and every other environment variable are
+// ignored on purpose, so that a file is found in the same place however the program was started.
 #pragma once
 
 #include <string>
@@ -12,9 +12,12 @@
 
 namespace vcm {
 
-// A fresh temporary name (nothing is created), followed by pszSuffix (".wav", "" ...). Empty when
-// the C library has no name left.
-[[nodiscard]] std::string TempName(const char* pszSuffix);
+// What the C library's own temporary names begin with.
+inline constexpr const char* kTempPrefix = "file";
+
+// A fresh temporary name (nothing is created): pszPrefix, six characters, and pszSuffix (".wav", ""
+// ...). Empty when no name is left.
+[[nodiscard]] std::string TempName(const char* pszSuffix, const char* pszPrefix = kTempPrefix);
 
 // Creates strPath for writing and reading, exclusively, mode 0600, without following a link. Empty
 // when it exists or cannot be made.
@@ -41,7 +44,7 @@ class C_RemovedAtEnd {
 // A temporary file that exists from construction to destruction.
 class C_TempFile {
  public:
-  explicit C_TempFile(const char* pszSuffix = "");
+  explicit C_TempFile(const char* pszSuffix = "", const char* pszPrefix = kTempPrefix);
   ~C_TempFile();
   C_TempFile(const C_TempFile&) = delete;
   C_TempFile& operator=(const C_TempFile&) = delete;

@@ -27,6 +27,14 @@ TEST(TempFile, TempName_HasTheFormOfTheCLibrary) {
   EXPECT_TRUE(std::regex_match(vcm::TempName(".wav"), std::regex("/tmp/file[A-Za-z0-9]{6}\\.wav")));
 }
 
+TEST(TempFile, TempName_WithAnotherPrefix_BeginsWithIt) {
+  EXPECT_TRUE(
+      std::regex_match(vcm::TempName("", "temp_enc"), std::regex("/tmp/temp_enc[A-Za-z0-9]{6}")));
+  const vcm::C_TempFile file("", "temp_evt");
+  EXPECT_TRUE(std::regex_match(file.Path(), std::regex("/tmp/temp_evt[A-Za-z0-9]{6}")));
+  EXPECT_TRUE(Exists(file.Path()));
+}
+
 TEST(TempFile, TempName_CreatesNothingAndDoesNotRepeat) {
   std::set<std::string> names;
   for (int i = 0; i < 50; ++i) {

@@ -37,6 +37,13 @@ inline bool MakePrivate() {
          mount("voxplay-test", P_tmpdir, "tmpfs", 0, "mode=1777") == 0;
 }
 
+// The names that the library gives: a beginning and six characters.
+inline bool IsOfTheLibrary(const std::string& strName) {
+  return (strName.size() == 10 && strName.starts_with("file")) ||
+         (strName.size() == 14 &&
+          (strName.starts_with("temp_enc") || strName.starts_with("temp_evt")));
+}
+
 inline std::vector<std::string> CreatedNames(int nWatch) {
   std::vector<std::string> names;
   alignas(inotify_event) std::array<char, 65536> events{};
@@ -46,8 +53,7 @@ inline std::vector<std::string> CreatedNames(int nWatch) {
     const char* pEvent = events.data() + i;
     std::memcpy(&event, pEvent, sizeof event);
     const std::string strName(pEvent + sizeof event);
-    // The form of the names that the C library gives.
-    if (strName.size() == 10 && strName.starts_with("file")) names.push_back(strName);
+    if (IsOfTheLibrary(strName)) names.push_back(strName);
     i += static_cast<ssize_t>(sizeof event + event.len);
   }
   return names;
