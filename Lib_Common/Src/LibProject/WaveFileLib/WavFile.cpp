@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ByteReader.h"
+#include "CompressedWav.h"
 #include "I_WavDataInfo.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
@@ -219,15 +220,36 @@ bool C_WavFile::TakeFormat(C_RiffChunk& chunk) {
   return true;
 }
 
-// What is known about each format tag stands here and in LoadSamples.
 std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeLinearForm() {
   switch (m_codecInfo.GetFormatTag()) {
     case WAVE_TAG_PCM:
       SetCodingType(kCodingLinear);
       return S_LinearForm{m_dwDataLength, m_wStoredBits};
+    case WAVE_TAG_MS_ADPCM:
+      SetCodingType(kCodingMSAdpcm);
+      return DescribeDecodedForm();
+    case WAVE_TAG_DVI_ADPCM:
+      SetCodingType(kCodingDviAdpcm);
+      return DescribeDecodedForm();
+    case WAVE_TAG_ALAW:
+    case WAVE_TAG_MULAW:
+      // Kept: these two have no number of their own and leave the coding type as it was, 0 in a new
+      // object; who reads it asks for the blocks of ADPCM. Pinned by G711LeavesTheCodingTypeAlone.
+      return DescribeDecodedForm();
     default:
       return std::nullopt;
   }
+}
+
+// Kept: DVI ADPCM of other than 3 or 4 bits opens, at the length of its data, though it does not
+// load; its format and its chunks can be looked at. Pinned by DviOfOtherWidthsOpensAndDoesNotLoad.
+std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeDecodedForm() const {
+  constexpr unsigned short kDecodedBits = 16;
+  const auto decoder = compressedwav::MakeDecoder(m_codecInfo);
+  if (!decoder) return S_LinearForm{m_dwDataLength, kDecodedBits};
+  const auto dwLength = decoder->GetDecodedSize(m_codecInfo, m_dwDataLength);
+  if (!dwLength) return std::nullopt;
+  return S_LinearForm{*dwLength, kDecodedBits};
 }
 
 void C_WavFile::SetLinearForm(const S_LinearForm& form) {
@@ -262,7 +284,13 @@ bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
 }
 
 bool C_WavFile::LoadSamples(std::FILE* pFile) {
-  return m_codecInfo.GetFormatTag() == WAVE_TAG_PCM && LoadStoredPcm(pFile);
+  const unsigned short wFormatTag = m_codecInfo.GetFormatTag();
+  if (wFormatTag == WAVE_TAG_PCM) return LoadStoredPcm(pFile);
+  // The file may have changed since its format was checked: the record that counts is read again.
+  const auto codecInfo = compressedwav::ReadFormat(pFile, m_dwFormatPos, wFormatTag);
+  if (!codecInfo) return false;
+  const auto encoded = compressedwav::ReadPayload(pFile, m_dwDataStartPos, m_dwDataLength);
+  return encoded && compressedwav::Decode(*codecInfo, *encoded, *GetWavData());
 }
 
 // Kept: silence segments and regions are replaced, events are added to those that are there, so

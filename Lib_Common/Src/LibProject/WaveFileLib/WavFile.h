@@ -3,7 +3,7 @@
 // RIFF sound files of form "WAVE" and of the library's own form "VEMD".
 //
 //   chunk    read                              written
-//   "fmt "   format tag 1 (linear PCM)         always, 16 bytes
+//   "fmt "   tag 1, 2, 6, 7 or 11              always, 16 bytes, tag 1
 //   "data"   the samples; none is no failure   always
 //   "cue "   cue points                        when there are annotations
 //   "smpl"   sampler information               when there are loops
@@ -13,7 +13,8 @@
 // A later "fmt " or "data" chunk counts instead of an earlier one. Events, silence segments and
 // uncompressed regions travel as cue points with labels (WavLabels.h).
 //
-// Compressed sounds (tags 2, 6, 7 and 11) are refused.
+// Compressed sounds (MS ADPCM, A-law, mu-law, DVI ADPCM) become 16-bit PCM as they load, and stay
+// that: what is written is always linear.
 #pragma once
 
 #include <optional>
@@ -33,8 +34,9 @@ class C_WavFile : public C_WavFileBase {
   // out. The file is closed on return and its name is not kept.
   bool CheckFormat(const char* pszFileName, bool bWithInfo) override;  // 21
   // Reads samples and annotations of the file that was opened by name; the arguments have no
-  // effect. Samples that the file lacks are zero, see C_WavFileBase::kMaxMissingBytes. Events are
-  // added to those that the sound has.
+  // effect. Samples that the file lacks are zero, see C_WavFileBase::kMaxMissingBytes; a compressed
+  // sound has as many as the bytes that are there decode to. Events are added to those that the
+  // sound has.
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
   // Writes the sound as the form that GetFileFormat says; false, and nothing written, for any other
@@ -55,7 +57,9 @@ class C_WavFile : public C_WavFileBase {
   bool OpenRiff(C_RiffFile& riff, const char* pszFileName);
   bool FindFormatAndData(C_RiffFile& riff);
   bool TakeFormat(C_RiffChunk& chunk);
+  // Sets the coding type, too. None for a sound that is longer than its length can say.
   std::optional<S_LinearForm> DescribeLinearForm();
+  std::optional<S_LinearForm> DescribeDecodedForm() const;
   void SetLinearForm(const S_LinearForm& form);
   bool LoadInfoChunks(C_RiffFile& riff);
   bool LoadSamples(std::FILE* pFile);

@@ -98,6 +98,16 @@ S_MSAdpcmInfo C_WavFileCodecInfo::GetMSADPCMInfo() const noexcept {
   return info;
 }
 
+S_MSAdpcmInfo::S_Coefficients C_WavFileCodecInfo::GetMSADPCMCoefficients(
+    std::uint8_t byPredictor) const noexcept {
+  vcm::C_ByteReader reader(m_record);
+  reader.Skip(kMSAdpcmHeadBytes + std::size_t{4} * byPredictor);
+  S_MSAdpcmInfo::S_Coefficients pair;
+  pair.nFirst = reader.I16();
+  pair.nSecond = reader.I16();
+  return pair;
+}
+
 unsigned short C_WavFileCodecInfo::GetSamplesPerBlock() const noexcept {
   return GetDVIADPCMInfo().wSamplesPerBlock;
 }

@@ -79,6 +79,9 @@ class C_WavFileCodecInfo {
   [[nodiscard]] S_WaveFormatEx GetWAVEFORMATEX() const noexcept;
   [[nodiscard]] S_DviAdpcmInfo GetDVIADPCMInfo() const noexcept;
   [[nodiscard]] S_MSAdpcmInfo GetMSADPCMInfo() const noexcept;
+  // One pair of it, without the cost of the whole: blocks can be many and tiny.
+  [[nodiscard]] S_MSAdpcmInfo::S_Coefficients GetMSADPCMCoefficients(
+      std::uint8_t byPredictor) const noexcept;
   [[nodiscard]] unsigned short GetSamplesPerBlock() const noexcept;
 
  private:

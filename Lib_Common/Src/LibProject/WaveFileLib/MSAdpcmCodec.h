@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The base of the decoders that turn compressed WAV data into 16-bit PCM, and the one for Microsoft
+// ADPCM among them. The family has no encoders: sounds are written linear or by a codec of our own.
+//
+//   class                  tag  GetDecodedSize     Decode      DecodeBlock
+//   C_MSAdpcmCodec         2    ADPCM rule         block loop  MS ADPCM
+//   C_DVIAdpcmCodec        11   ADPCM rule         block loop  IMA, 4 bits
+//   C_DVIAdpcm3BitCodec    11   its own ADPCM rule block loop  IMA, 3 bits
+//   C_G711Codec            -    two per byte       block loop  MS ADPCM
+//   C_MuLawCodec           7    two per byte       its own     MS ADPCM
+//   C_ALawCodec            6    two per byte       its own     MS ADPCM
+//
+// An MS ADPCM block of K channels:
+//
+//   offset size field
+//   0      K    predictor of each channel: index of a coefficient pair of the format record
+//   K      2K   delta of each channel, i16
+//   3K     2K   the second sample of each channel, i16
+//   5K     2K   the first sample of each channel, i16
+//   7K     ..   half bytes, the high one first, for each channel in turn
+//
+// Decoders hold no state. In what follows B is the block align, K the number of channels and P the
+// samples per block of the format record. Nothing is decoded when B or K is 0.
+#pragma once
+
+#include <optional>
+
+class C_WavFileCodecInfo;
+
+class C_MSAdpcmCodec {
+ public:
+  C_MSAdpcmCodec() = default;
+  virtual ~C_MSAdpcmCodec() = default;  // 0, 1
+  C_MSAdpcmCodec(const C_MSAdpcmCodec&) = delete;
+  C_MSAdpcmCodec& operator=(const C_MSAdpcmCodec&) = delete;
+
+  // How many bytes of PCM the encoded bytes count as: P x K samples for each whole block, and
+  // (r - 6K) x 2 for a rest of r bytes, which takes samples away when r is smaller than the header.
+  // 0 when that leaves less than none; nothing when it does not fit 32 bits.
+  virtual std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
+                                                     unsigned int dwEncodedBytes);  // 2
+  // Decodes block by block, the rest as a shorter block. At most dwCapacity bytes are written, whole
+  // samples only, interleaved; samples for which input is missing are left as they are. Always true.
+  virtual bool Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
+                      unsigned int dwEncodedBytes, short* pSamples,
+                      unsigned int dwCapacity);  // 3
+  // Decodes one block until its bytes or the dwCapacity bytes at pSamples end. A block shorter than
+  // its header gives nothing. Always true.
+  virtual bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
+                           short* pSamples, unsigned int dwBlockBytes,
+                           unsigned int dwCapacity);  // 4
+
+ protected:
+  // The ADPCM rule of GetDecodedSize, with (r - 6K) x nSamples / nBytes for the rest, cut towards
+  // zero.
+  static std::optional<unsigned int> GetAdpcmSize(const C_WavFileCodecInfo& codecInfo,
+                                                  unsigned int dwEncodedBytes, int nSamples,
+                                                  int nBytes);
+};
