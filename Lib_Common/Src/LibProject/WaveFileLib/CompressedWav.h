@@ -26,8 +26,8 @@ constexpr unsigned int kMaxSilentBytes = 64U << 20;
 // Null for linear PCM, and for DVI ADPCM of other than 3 or 4 bits.
 [[nodiscard]] std::unique_ptr<C_MSAdpcmCodec> MakeDecoder(const C_WavFileCodecInfo& codecInfo);
 
-// The record at a position of a file, read as far as its tag needs. None when it is cut, refused, or
-// of another tag.
+// The record at a position of a file, read as far as its tag needs. None when it is cut, refused,
+// or of another tag.
 [[nodiscard]] std::optional<C_WavFileCodecInfo> ReadFormat(std::FILE* pFile,
                                                            std::uint64_t qwPosition,
                                                            unsigned short wFormatTag);

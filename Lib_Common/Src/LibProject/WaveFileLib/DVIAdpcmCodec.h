@@ -7,8 +7,8 @@
 //               reserved byte
 //   4K     ..   groups: for each channel in turn eight codes in 4 bytes, or 32 codes in 12 bytes
 //
-// Four-bit codes lie low half first, three-bit codes in a stream of bits whose lowest comes first. A
-// code that the end of the block cuts is not decoded.
+// Four-bit codes lie low half first, three-bit codes in a stream of bits whose lowest comes first.
+// A code that the end of the block cuts is not decoded.
 #pragma once
 
 #include "MSAdpcmCodec.h"

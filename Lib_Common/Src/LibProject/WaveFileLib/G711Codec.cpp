@@ -20,8 +20,8 @@ short ExpandMuLaw(unsigned int dwCode) {
   const unsigned int dwSegment = dwCode >> 4U & 7U;
   const int nOuterEnd = 32768 >> dwSegment;
   const int nStep = 1024 >> dwSegment;
-  const int nValue = dwCode < 128 ? -nOuterEnd + 33 + nStep * nMantissa
-                                  : nOuterEnd - 34 - nStep * nMantissa;
+  const int nValue =
+      dwCode < 128 ? -nOuterEnd + 33 + nStep * nMantissa : nOuterEnd - 34 - nStep * nMantissa;
   return static_cast<short>(nValue);
 }
 

@@ -6,8 +6,8 @@
 
 #include "MSAdpcmCodec.h"
 
-// What both laws share. It stands under the block decoders, whose loop and block it inherits, and is
-// of no use by itself.
+// What both laws share. It stands under the block decoders, whose loop and block it inherits, and
+// is of no use by itself.
 class C_G711Codec : public C_MSAdpcmCodec {
  public:
   // Two bytes per encoded byte; nothing when that does not fit 32 bits.

@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr unsigned int kHeaderBytes = 7;      // of each channel
-constexpr std::int64_t kCountedHeader = 6;    // what GetDecodedSize takes off a rest instead
+constexpr unsigned int kHeaderBytes = 7;    // of each channel
+constexpr std::int64_t kCountedHeader = 6;  // what GetDecodedSize takes off a rest instead
 constexpr std::int64_t kMinDelta = 16;
 constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
 
@@ -30,7 +30,8 @@ short NextSample(S_Channel& channel, unsigned int dwCode) {
   const std::int64_t nCode = dwCode < 8 ? dwCode : std::int64_t{dwCode} - 16;
   const std::int64_t nPrediction =
       (std::int64_t{channel.nSample1} * channel.coefficients.nFirst +
-       std::int64_t{channel.nSample2} * channel.coefficients.nSecond) >> 8;
+       std::int64_t{channel.nSample2} * channel.coefficients.nSecond) >>
+      8;
   const std::int64_t nSample = nPrediction + channel.nDelta * nCode;
   const std::int64_t nDelta = std::int64_t{channel.nDelta} * kMSAdpcmAdaptation[dwCode] >> 8;
   channel.nDelta = static_cast<int>(std::clamp(nDelta, kMinDelta, kMaxDelta));
@@ -61,8 +62,7 @@ std::optional<unsigned int> C_MSAdpcmCodec::GetDecodedSize(const C_WavFileCodecI
 // included; a sound that ends within a block is heard up to there. Pinned by
 // OneByteBehindWholeBlocks_IsABlockOfItsOwn.
 bool C_MSAdpcmCodec::Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
-                            unsigned int dwEncodedBytes, short* pSamples,
-                            unsigned int dwCapacity) {
+                            unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) {
   const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
   if (pcm.wBlockAlign == 0 || pcm.wChannels == 0) return true;
   const std::uint64_t qwBlockOutput =

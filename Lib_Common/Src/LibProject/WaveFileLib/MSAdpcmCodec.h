@@ -40,8 +40,9 @@ class C_MSAdpcmCodec {
   // 0 when that leaves less than none; nothing when it does not fit 32 bits.
   virtual std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
                                                      unsigned int dwEncodedBytes);  // 2
-  // Decodes block by block, the rest as a shorter block. At most dwCapacity bytes are written, whole
-  // samples only, interleaved; samples for which input is missing are left as they are. Always true.
+  // Decodes block by block, the rest as a shorter block. At most dwCapacity bytes are written,
+  // whole samples only, interleaved; samples for which input is missing are left as they are.
+  // Always true.
   virtual bool Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
                       unsigned int dwEncodedBytes, short* pSamples,
                       unsigned int dwCapacity);  // 3

@@ -32,8 +32,8 @@ const C_Bytes kMonoBlock = Join({Head(100, 0), {0x70, 0xF8, 0x12, 0x34}});
 const C_Samples kMonoSamples = {100, 100, 111, 109, 84, 102, 112, 140, 165};
 const C_Bytes kStereoBlock =
     Join({Head(100, 0), Head(-200, 20), {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}});
-const C_Samples kStereoSamples = {100, -200, 101, -218, 101, -223, 105, -258, 108,
-                                  -280, 116, -326, 128, -382, 151, -494, 196, -705};
+const C_Samples kStereoSamples = {100,  -200, 101,  -218, 101,  -223, 105,  -258, 108,
+                                  -280, 116,  -326, 128,  -382, 151,  -494, 196,  -705};
 // Codes 0 to 7, then 24 times code 0.
 const C_Bytes kThreeBitBlock = Join({Head(100, 0), {0x88, 0xC6, 0xFA}, C_Bytes(9)});
 const C_Samples kThreeBitSamples = {100, 101, 105, 113, 127, 125, 119, 109, 94,  96,  98,
@@ -99,7 +99,7 @@ TEST(DVIAdpcmCodec, FourBits_ChannelsTakeTurnsOfFourBytes) {
 
 TEST(DVIAdpcmCodec, FourBits_LowHalfComesFirst) {
   const C_Bytes block = Join({Head(0, 88), {0x08, 0, 0, 0}});
-  EXPECT_EQ(Block4(Four(1, 8, 9), block, 6), (C_Samples{0, -4095, -372}));
+  EXPECT_EQ(Block4(Four(1, 8, 9), block, 6), (C_Samples{0, -4095, -371}));
 }
 
 TEST(DVIAdpcmCodec, FourBits_SamplesAreClamped) {
@@ -211,7 +211,7 @@ TEST(DVIAdpcmCodec, ThreeBits_NextGroupGoesOn32FramesLater) {
   const C_Samples samples = Block3(Three(2, 56, 65), block, 260);
   for (std::size_t i = 0; i < 65; ++i) {
     EXPECT_EQ(samples[2 * i], static_cast<short>(i)) << i;
-    EXPECT_EQ(samples[2 * i + 1], static_cast<short>(i == 0 ? 0 : i + 1 - 1)) << i;
+    EXPECT_EQ(samples[2 * i + 1], static_cast<short>(i == 0 ? 0 : i + 1)) << i;
   }
 }
 

@@ -12,7 +12,7 @@
 namespace {
 
 const C_WavFileCodecInfo& MuLawInfo() {
-  static const C_WavFileCodecInfo info = InfoOf({WAVE_TAG_MULAW, 1, 1, 0, 8});
+  static const C_WavFileCodecInfo info = InfoOf(S_Blocks{WAVE_TAG_MULAW, 1, 1, 0, 8});
   return info;
 }
 
@@ -38,11 +38,10 @@ void ExpectValues(const C_CodeValues& expected, int nSum) {
 
 TEST(G711Codec, MuLaw_ExpandsToTheLibrarysOwnValues) {
   ExpectValues<C_MuLawCodec>(
-      {{0x00, -32735}, {0x01, -31711}, {0x0F, -17375}, {0x10, -16351}, {0x20, -8159},
-       {0x30, -4063},  {0x40, -2015},  {0x50, -991},   {0x60, -479},   {0x70, -223},
-       {0x7D, -119},   {0x7E, -111},   {0x7F, -1},     {0x80, 32734},  {0x90, 16350},
-       {0xA0, 8158},   {0xB0, 4062},   {0xC0, 2014},   {0xD0, 990},    {0xE0, 478},
-       {0xF0, 222},    {0xFD, 118},    {0xFE, 110},    {0xFF, 0}},
+      {{0x00, -32735}, {0x01, -31711}, {0x0F, -17375}, {0x10, -16351}, {0x20, -8159}, {0x30, -4063},
+       {0x40, -2015},  {0x50, -991},   {0x60, -479},   {0x70, -223},   {0x7D, -119},  {0x7E, -111},
+       {0x7F, -1},     {0x80, 32734},  {0x90, 16350},  {0xA0, 8158},   {0xB0, 4062},  {0xC0, 2014},
+       {0xD0, 990},    {0xE0, 478},    {0xF0, 222},    {0xFD, 118},    {0xFE, 110},   {0xFF, 0}},
       -128);
 }
 
@@ -56,12 +55,25 @@ TEST(G711Codec, MuLaw_FallsInEqualStepsWithinASegment) {
 }
 
 TEST(G711Codec, ALaw_ExpandsToSignAndMagnitude) {
-  ExpectValues<C_ALawCodec>(
-      {{0xD5, 0},      {0x55, -32768}, {0xD4, 16},     {0x54, -32752}, {0x80, 5376},
-       {0x00, -27392}, {0xC5, 256},    {0xF5, 512},    {0xE5, 1024},   {0x95, 2048},
-       {0x85, 4096},   {0xB5, 8196},   {0xBA, 15876},  {0xA5, 16384},  {0xAA, 31744},
-       {0x2A, -1024},  {0x25, -16384}, {0x35, -24572}},
-      -2662272);
+  ExpectValues<C_ALawCodec>({{0xD5, 0},
+                             {0x55, -32768},
+                             {0xD4, 16},
+                             {0x54, -32752},
+                             {0x80, 5376},
+                             {0x00, -27392},
+                             {0xC5, 256},
+                             {0xF5, 512},
+                             {0xE5, 1024},
+                             {0x95, 2048},
+                             {0x85, 4096},
+                             {0xB5, 8196},
+                             {0xBA, 15876},
+                             {0xA5, 16384},
+                             {0xAA, 31744},
+                             {0x2A, -1024},
+                             {0x25, -16384},
+                             {0x35, -24572}},
+                            -2662272);
 }
 
 TEST(G711Codec, ALaw_SignIsTheTopBitAlone) {
@@ -108,7 +120,7 @@ TEST(G711Codec, BlockAlignAndChannelsDoNotMatter) {
   C_MuLawCodec codec;
   for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2, 7, 65535}) {
     for (const std::uint16_t wAlign : std::initializer_list<std::uint16_t>{0, 1, 300}) {
-      const auto info = InfoOf({WAVE_TAG_MULAW, wChannels, wAlign, 0, 8});
+      const auto info = InfoOf(S_Blocks{WAVE_TAG_MULAW, wChannels, wAlign, 0, 8});
       EXPECT_EQ(Decode(codec, info, AllCodes(), 512), expected) << wChannels << " " << wAlign;
       EXPECT_EQ(codec.GetDecodedSize(info, 256), 512u);
     }

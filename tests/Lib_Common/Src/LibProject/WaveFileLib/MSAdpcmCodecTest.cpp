@@ -209,9 +209,8 @@ TEST(MSAdpcmCodec, EveryCodeAdaptsTheDeltaByItsFactor) {
     const C_Bytes block =
         Join({{2}, Shorts({1000, 0, 0}), {static_cast<std::uint8_t>(nCode << 4 | 1)}});
     const int nSigned = nCode < 8 ? nCode : nCode - 16;
-    EXPECT_EQ(Block(Mono(), block, 8),
-              (C_Samples{0, 0, static_cast<short>(1000 * nSigned),
-                         static_cast<short>(1000 * factors[nCode] >> 8)}));
+    EXPECT_EQ(Block(Mono(), block, 8), (C_Samples{0, 0, static_cast<short>(1000 * nSigned),
+                                                  static_cast<short>(1000 * factors[nCode] >> 8)}));
   }
 }
 

@@ -307,12 +307,6 @@ TEST_F(WavFileLoad, OpenByNameLeavesTheSamplesOut) {
   EXPECT_EQ(file->GetWavData()->GetEncType(), AUDIO_FILE_UNKNOWN);
 }
 
-TEST_F(WavFileLoad, CompressedSoundsAreRefused) {
-  const C_Bytes extra = Join({U16(32), U16(505), U16(7), C_Bytes(28)});
-  for (const std::uint16_t wTag : std::initializer_list<std::uint16_t>{2, 6, 7, 11})
-    EXPECT_FALSE(Checks(File(WithFmt(Join({FmtBytes(wTag, 1, 8000, 4), extra}))))) << wTag;
-}
-
 // Informational chunks.
 
 TEST_F(WavFileLoad, InformationalChunksReachTheirInfos) {
