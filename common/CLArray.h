@@ -102,4 +102,18 @@ Item* AddOwned(List& list, std::unique_ptr<Item> item) {
   return item.release();
 }
 
+// Removes the items that bKeep refuses from a list that owns its items; the others stay in their
+// order. bKeep sees each item once.
+template <typename List, typename Keep>
+void KeepIf(List& list, Keep bKeep) {
+  int nKept = 0;
+  for (int i = 0; i < list.GetCount(); ++i) {
+    const auto item = list.GetAt(i);
+    if (!bKeep(*item)) continue;
+    list.SetAt(i, list.GetAt(nKept));
+    list.SetAt(nKept++, item);
+  }
+  list.RemoveAt(nKept, list.GetCount() - nKept);
+}
+
 }  // namespace vcm

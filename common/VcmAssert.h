@@ -17,3 +17,13 @@
 #define VCM_ASSERT(bHolds, pszFunction, pszSource, nLine, pszText) \
   ((bHolds) ? static_cast<void>(0)                                 \
             : VCM_AssertFailed((pszFunction), (pszSource), (nLine), (pszText)))
+
+namespace vcm {
+
+// Function and source of assertions in steps that several functions share.
+struct S_AssertSite {
+  const char* pszFunction;
+  const char* pszSource;
+};
+
+}  // namespace vcm

@@ -15,3 +15,17 @@ enum tagAudioFileType : unsigned int {
   AUDIO_FILE_WAVE = 0x8001,  // RIFF file of form "WAVE"
   AUDIO_FILE_UNKNOWN = 0xFFFF,
 };
+
+// Types from first to last; none when the first is greater.
+struct S_AudioFileTypes {
+  unsigned int dwFirst;
+  unsigned int dwLast;
+
+  [[nodiscard]] constexpr bool Has(unsigned int dwType) const {
+    return dwFirst <= dwType && dwType <= dwLast;
+  }
+};
+
+inline constexpr S_AudioFileTypes kNoTypes{1, 0};
+inline constexpr S_AudioFileTypes kKestrelTypes{AUDIO_FILE_KESTREL, AUDIO_FILE_KESTREL};
+inline constexpr S_AudioFileTypes kHeronTypes{AUDIO_FILE_HERON_4BIT, AUDIO_FILE_HERON_3BIT};

@@ -185,14 +185,14 @@ int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering
 
 void C_EventTagMgr::AddEventsBySamplePos(std::span<const S_SampleEvent> events) {
   if (m_dwSampleRate == 0 || !IsInOrderOfSamples()) {
-    for (const auto& [dwSamplePos, wMain, wSub] : events)
-      AddEventBySamplePos(wMain, wSub, dwSamplePos, "", 0);
+    for (const auto& [dwSamplePos, wMain, wSub, dwData] : events)
+      AddEventBySamplePos(wMain, wSub, dwSamplePos, "", dwData);
     return;
   }
   std::vector<std::unique_ptr<C_EventTag>> tags;
   tags.reserve(events.size());
-  for (const auto& [dwSamplePos, wMain, wSub] : events) {
-    tags.push_back(std::make_unique<C_EventTag>(CommandIndex(wMain, wSub), dwSamplePos, "", 0,
+  for (const auto& [dwSamplePos, wMain, wSub, dwData] : events) {
+    tags.push_back(std::make_unique<C_EventTag>(CommandIndex(wMain, wSub), dwSamplePos, "", dwData,
                                                 m_dwSampleRate, EVENT_POS_SAMPLE));
   }
   std::stable_sort(tags.begin(), tags.end(), [](const auto& a, const auto& b) {

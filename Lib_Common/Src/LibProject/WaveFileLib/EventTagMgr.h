@@ -15,11 +15,12 @@
 
 class C_EventTagMgr : public I_EventTagMgr {
  public:
-  // An event without description and data.
+  // An event without description.
   struct S_SampleEvent {
     unsigned int dwSamplePos = 0;
     unsigned short wMain = 0;
     unsigned short wSub = 0;
+    unsigned int dwData = 0;
   };
   using EventList = C_CLArray<C_EventTag*, I_EventTag*, false>;
 

@@ -33,6 +33,12 @@ unsigned int C_CuePoint::Field(std::size_t nField) const {
   return vcm::C_ByteReader(std::span(m_record).subspan(nField * kFieldLength)).U32();
 }
 
+void C_CuePoint::SetCuePointID(unsigned int dwID) {
+  vcm::C_ByteWriter writer;
+  writer.U32(dwID);
+  std::copy(writer.Data().begin(), writer.Data().end(), m_record.begin());
+}
+
 void C_WavDataCueInfo::Reset() {
   ForgetFrom(0);
   m_cuePoints.RemoveAll();
@@ -105,6 +111,15 @@ bool C_WavDataCueInfo::SaveInfo(I_RiffChunk* pChunk) {
     writer.Bytes({pCuePoint->GetCuePointBuffer(), C_CuePoint::kRecordLength});
   }
   return vcm::SavePayload(*pChunk, writer.Data());
+}
+
+void C_WavDataCueInfo::Renumber(const vcm::C_NewID& newID) {
+  ForgetFrom(0);
+  vcm::KeepIf(m_cuePoints, [&newID](C_CuePoint& point) {
+    const std::optional<unsigned int> dwID = newID(point.GetCuePointID());
+    if (dwID) point.SetCuePointID(*dwID);
+    return dwID.has_value();
+  });
 }
 
 // The result of a walk from the front, which stops at the first match: only points before it are

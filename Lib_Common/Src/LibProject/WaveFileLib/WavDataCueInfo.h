@@ -15,6 +15,7 @@
 #include "CLArray.h"
 #include "I_WavDataInfo.h"
 #include "I_WavInfo.h"
+#include "NewID.h"
 
 class C_WavDataCueInfo : public I_WavDataCueInfo {
  public:
@@ -35,6 +36,7 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
     // The record as it stands in the file, 24 bytes.
     [[nodiscard]] const unsigned char* GetCuePointBuffer() const { return m_record.data(); }
     void SetRecord(const Record& record) { m_record = record; }
+    void SetCuePointID(unsigned int dwID);
 
    private:
     [[nodiscard]] unsigned int Field(std::size_t nField) const;
@@ -64,6 +66,10 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
   // Replaces the cue points.
   bool LoadInfo(I_RiffChunk* pChunk) override;
   bool SaveInfo(I_RiffChunk* pChunk) override;
+
+  // Each point gets the identifier that newID gives for its own; one that gets none is removed.
+  // Points of one identifier stay apart.
+  void Renumber(const vcm::C_NewID& newID);
 
  protected:
   // Change it through the operations above only: they keep the index of identifiers true.

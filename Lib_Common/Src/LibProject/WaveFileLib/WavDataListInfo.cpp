@@ -123,6 +123,20 @@ bool C_WavDataListInfo::SaveInfo(I_RiffChunk* pChunk) {
   return vcm::SavePayload(*pChunk, writer.Data());
 }
 
+void C_WavDataListInfo::RemoveLabels(bool (*bRemove)(const char* pszText)) {
+  vcm::KeepIf(m_labels, [bRemove](const S_Label& label) { return !bRemove(label.szText); });
+}
+
+void C_WavDataListInfo::Renumber(const vcm::C_NewID& newID) {
+  const auto renumber = [&newID](auto& item) {
+    const std::optional<unsigned int> dwID = newID(item.dwCuePointID);
+    if (dwID) item.dwCuePointID = *dwID;
+    return dwID.has_value();
+  };
+  vcm::KeepIf(m_labels, renumber);
+  vcm::KeepIf(m_ltxts, renumber);
+}
+
 bool C_WavDataListInfo::LoadLabel(I_RiffChunk& chunk, std::uint64_t qwPosition,
                                   std::uint32_t cbSize) {
   if (cbSize < kIDLength) return false;

@@ -18,6 +18,7 @@
 
 #include "CLArray.h"
 #include "I_WavDataInfo.h"
+#include "NewID.h"
 
 class C_WavDataListInfo : public I_WavDataListInfo {
  public:
@@ -60,6 +61,12 @@ class C_WavDataListInfo : public I_WavDataListInfo {
   // sub-chunk does not fit; what was read before it stays.
   bool LoadInfo(I_RiffChunk* pChunk) override;
   bool SaveInfo(I_RiffChunk* pChunk) override;
+
+  // Removes the labels whose text bRemove accepts.
+  void RemoveLabels(bool (*bRemove)(const char* pszText));
+  // Each label and each text gets the identifier that newID gives for its own; one that gets none
+  // is removed.
+  void Renumber(const vcm::C_NewID& newID);
 
  private:
   bool LoadLabel(I_RiffChunk& chunk, std::uint64_t qwPosition, std::uint32_t cbSize);

@@ -1,56 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "WavFile.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <memory>
-#include <vector>
-
-#include "ByteReader.h"
 #include "CompressedWav.h"
 #include "I_WavDataInfo.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
+#include "WavChunks.h"
 #include "WavLabels.h"
 
 namespace {
 
 constexpr const char* kSource = "WaveFileLib/WavFile";
-
-struct S_SampleForm {
-  unsigned short wBits = 0;
-  unsigned short wStoreBits = 0;
-  bool bSigned = false;
-
-  friend bool operator==(const S_SampleForm&, const S_SampleForm&) = default;
-};
-
-S_SampleForm FormOf(I_WavInfo& info) {
-  return {info.GetBitsPerSample(), info.GetStoreBitsPerSample(), info.IsValueSigned()};
-}
-
-// 12-bit samples are ours alone: no reader of sound files would scale them right.
-S_SampleForm FormToWrite(I_WavData& wavData) {
-  I_AudioCodecParam& param = *wavData.GetAudioCodecParam();
-  S_SampleForm form = FormOf(*wavData.GetWavInfo());
-  if (param.IsSampleBitsSet())
-    param.GetSampleBits(&form.wBits, &form.wStoreBits, &form.bSigned);
-  else if (form.wBits == 12)
-    form = {16, 16, true};
-  return form;
-}
-
-template <typename Info>
-Info* InfoOf(C_WavFileBase& file, tagWavDataInfo eType) {
-  void* pInfo = nullptr;
-  return file.GetDataInfo(eType, &pInfo) ? static_cast<Info*>(pInfo) : nullptr;
-}
-
-template <typename Info>
-bool LoadInfo(C_WavFileBase& file, tagWavDataInfo eType, C_RiffChunk& chunk) {
-  Info* pInfo = InfoOf<Info>(file, eType);
-  return pInfo != nullptr && pInfo->LoadInfo(&chunk);
-}
+constexpr vcm::S_AssertSite kWriteSite{"WriteFile", kSource};
 
 // Keeps the chunks that nobody interprets. Those of the last file go when the first of this one
 // comes.
@@ -71,70 +32,6 @@ class C_ExtraChunkKeeper {
   bool m_bFirst = true;
 };
 
-bool AddChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned int dwLength) {
-  if (dwLength > 0 && pData == nullptr) return false;
-  C_RiffChunk* pChunk = riff.AddChunk(pszID, dwLength);
-  if (pChunk == nullptr) return false;
-  pChunk->SetData(pData);
-  return true;
-}
-
-bool AddFormat(C_RiffFile& riff, I_WavInfo& info) {
-  S_PcmFormatRecord record;
-  info.GetWaveFormat(&record);
-  vcm::C_ByteWriter writer;
-  writer.U16(record.wFormatTag);
-  writer.U16(record.wChannels);
-  writer.U32(record.dwSamplesPerSec);
-  writer.U32(record.dwAvgBytesPerSec);
-  writer.U16(record.wBlockAlign);
-  writer.U16(record.wBitsPerSample);
-  return AddChunk(riff, "fmt ", writer.Data().data(), S_PcmFormatRecord::kBytes);
-}
-
-bool AddSound(C_RiffFile& riff, I_WavData& wavData) {
-  return AddFormat(riff, *wavData.GetWavInfo()) &&
-         AddChunk(riff, "data", wavData.GetBuffer(), wavData.GetBufferLength());
-}
-
-template <typename Info>
-bool AddInfo(C_RiffFile& riff, const char* pszID, Info& info) {
-  C_RiffChunk* pChunk = riff.AddChunk(pszID, info.GetChunkLength());
-  return pChunk != nullptr && info.SaveInfo(pChunk);
-}
-
-bool AddCues(C_RiffFile& riff, C_WavFileBase& file) {
-  auto* pICueInfo = InfoOf<I_WavDataCueInfo>(file, WAV_DATA_INFO_CUE);
-  return !pICueInfo->IsValid() || AddInfo(riff, "cue ", *pICueInfo);
-}
-
-bool AddSampler(C_RiffFile& riff, C_WavFileBase& file) {
-  auto* pISamplerInfo = InfoOf<I_WavDataSamplerInfo>(file, WAV_DATA_INFO_SAMPLER);
-  VCM_ASSERT(pISamplerInfo != nullptr, "WriteFile", kSource, __LINE__,
-             "bRet && (pISamplerInfo != NULL)");
-  return !pISamplerInfo->IsValid() || AddInfo(riff, "smpl", *pISamplerInfo);
-}
-
-bool AddLabels(C_RiffFile& riff, C_WavFileBase& file) {
-  auto* pIListInfo = InfoOf<I_WavDataListInfo>(file, WAV_DATA_INFO_LIST);
-  return pIListInfo->GetLabelCount() == 0 || AddInfo(riff, "LIST", *pIListInfo);
-}
-
-bool AddExtraChunks(C_RiffFile& riff, C_WavFileBase& file) {
-  auto* pIExtraChunkInfo = InfoOf<I_WavDataExtraChunkInfo>(file, WAV_DATA_INFO_EXTRA_CHUNK);
-  VCM_ASSERT(pIExtraChunkInfo != nullptr, "WriteFile", kSource, __LINE__,
-             "bRet && (pIExtraChunkInfo != NULL)");
-  for (int i = 0; i < pIExtraChunkInfo->GetSize(); ++i) {
-    I_WavDataExtraChunk* pIExtraChunk = pIExtraChunkInfo->GetItemByIndex(i);
-    VCM_ASSERT(nullptr != pIExtraChunk, "WriteFile", kSource, __LINE__, "NULL != pIExtraChunk");
-    unsigned char* pbyData = nullptr;
-    const unsigned int dwLength = pIExtraChunk->GetChunkData(&pbyData);
-    if (dwLength == 0) continue;
-    if (!AddChunk(riff, pIExtraChunk->GetChunkName(), pbyData, dwLength)) return false;
-  }
-  return true;
-}
-
 bool SaveRiff(C_RiffFile& riff, const char* pszFileName, tagAudioFileType eFileFormat) {
   if (eFileFormat == AUDIO_FILE_WAVE) return riff.Save(pszFileName, "WAVE");
   if (eFileFormat == AUDIO_FILE_VEMD) return riff.Save(pszFileName, "VEMD");
@@ -151,7 +48,7 @@ bool C_WavFile::CheckFormat(const char* pszFileName, bool bWithInfo) {
   const std::optional<S_LinearForm> form = DescribeLinearForm();
   if (!form) return false;
   if (!bWithInfo) return true;
-  SetLinearForm(*form);
+  SetLinearForm(form->dwByteLength, form->wBits);
   return LoadInfoChunks(riff);
 }
 
@@ -170,17 +67,13 @@ bool C_WavFile::WriteFile(const char* pszFileName, bool /*bEncode*/, bool /*bWri
                           unsigned int /*dwCodecOption*/) {
   I_WavData* pIWavData = GetWavData();
   if (pIWavData == nullptr) return false;
-  C_WavDataPtr converted;
-  const S_SampleForm form = FormToWrite(*pIWavData);
-  if (form != FormOf(*pIWavData->GetWavInfo())) {
-    converted.reset(pIWavData->CreateBitsConvertedData(form.wBits, form.wStoreBits, form.bSigned,
-                                                       /*bExact=*/true));
-    if (!converted) return false;
-  }
+  const std::optional<C_WavDataPtr> converted = wavchunks::ConvertForWriting(*pIWavData);
+  if (!converted) return false;
   RegenerateAnnotations();
   C_RiffFile riff;
-  return AddSound(riff, converted ? *converted : *pIWavData) && AddCues(riff, *this) &&
-         AddSampler(riff, *this) && AddLabels(riff, *this) && AddExtraChunks(riff, *this) &&
+  return wavchunks::AddSound(riff, *converted ? **converted : *pIWavData) &&
+         wavchunks::AddCues(riff, *this) && wavchunks::AddSampler(riff, *this, kWriteSite) &&
+         wavchunks::AddLabels(riff, *this) && wavchunks::AddExtraChunks(riff, *this, kWriteSite) &&
          SaveRiff(riff, pszFileName, GetFileFormat());
 }
 
@@ -191,32 +84,6 @@ bool C_WavFile::OpenRiff(C_RiffFile& riff, const char* pszFileName) {
     SetFileFormat(AUDIO_FILE_VEMD);
   else
     return false;
-  return true;
-}
-
-bool C_WavFile::FindFormatAndData(C_RiffFile& riff) {
-  m_codecInfo.Clear();
-  m_dwDataLength = 0;
-  m_dwDataStartPos = 0;
-  for (int i = 0; i < riff.GetChunkCount(); ++i) {
-    C_RiffChunk* pChunk = riff.GetChunkAt(i);
-    VCM_ASSERT(pChunk != nullptr, "CheckFormat", kSource, __LINE__, "pChunk != NULL");
-    if (pChunk->HasChunkID("fmt ")) {
-      if (!TakeFormat(*pChunk)) return false;
-    } else if (pChunk->HasChunkID("data")) {
-      m_dwDataStartPos = pChunk->GetDataPos();
-      m_dwDataLength = pChunk->GetDataLength();
-    }
-  }
-  return true;
-}
-
-bool C_WavFile::TakeFormat(C_RiffChunk& chunk) {
-  const unsigned int dwLength = std::min(chunk.GetDataLength(), C_WavFileCodecInfo::kMaxBytes);
-  std::vector<std::uint8_t> payload(dwLength);
-  if (!chunk.GetData(payload.data(), dwLength, 0) || !m_codecInfo.SetFormat(payload)) return false;
-  m_dwFormatPos = chunk.GetDataPos();
-  m_wStoredBits = m_codecInfo.GetPCMWAVEFORMAT().wBitsPerSample;
   return true;
 }
 
@@ -252,30 +119,22 @@ std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeDecodedForm() const {
   return S_LinearForm{*dwLength, kDecodedBits};
 }
 
-void C_WavFile::SetLinearForm(const S_LinearForm& form) {
-  const S_PcmFormatRecord record = m_codecInfo.GetPCMWAVEFORMAT();
-  // Samples of an earlier file would be fewer than the new length says.
-  GetWavData()->AttachBuffer(nullptr, 0);
-  GetWavData()->DetachBuffer();
-  GetWavData()->SetWavInfoData(record.dwSamplesPerSec, form.dwByteLength, record.wChannels,
-                               form.wBits, form.wBits, form.wBits > 8);
-}
-
 // Kept: a "LIST" of another type than "adtl" is neither understood nor kept, while any other chunk
 // is kept and written back; titles in INFO lists are lost by loading and saving, as they always
 // were. Pinned by InfoListsAreLost and OtherChunksAreKeptVerbatim.
 bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
-  C_ExtraChunkKeeper extra(InfoOf<I_WavDataExtraChunkInfo>(*this, WAV_DATA_INFO_EXTRA_CHUNK));
+  C_ExtraChunkKeeper extra(
+      wavchunks::InfoOf<I_WavDataExtraChunkInfo>(*this, WAV_DATA_INFO_EXTRA_CHUNK));
   for (int i = 0; i < riff.GetChunkCount(); ++i) {
     C_RiffChunk& chunk = *riff.GetChunkAt(i);
     if (chunk.HasChunkID("fmt ") || chunk.HasChunkID("data")) continue;
     bool bLoaded = true;
     if (chunk.HasChunkID("cue "))
-      bLoaded = LoadInfo<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE, chunk);
+      bLoaded = wavchunks::LoadInfo<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE, chunk);
     else if (chunk.HasChunkID("smpl"))
-      bLoaded = LoadInfo<I_WavDataSamplerInfo>(*this, WAV_DATA_INFO_SAMPLER, chunk);
+      bLoaded = wavchunks::LoadInfo<I_WavDataSamplerInfo>(*this, WAV_DATA_INFO_SAMPLER, chunk);
     else if (chunk.HasChunkID("LIST"))
-      bLoaded = LoadInfo<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST, chunk);
+      bLoaded = wavchunks::LoadInfo<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST, chunk);
     else
       extra.Keep(chunk);
     if (!bLoaded) return false;
@@ -297,8 +156,8 @@ bool C_WavFile::LoadSamples(std::FILE* pFile) {
 // that a sound can collect the events of several files. Pinned by
 // AnnotationsOfTheSoundAreReplacedButEventsAreAdded.
 void C_WavFile::LoadAnnotations() {
-  auto* pIListInfo = InfoOf<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST);
-  auto* pICueInfo = InfoOf<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE);
+  auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST);
+  auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE);
   if (pIListInfo == nullptr || pICueInfo == nullptr) return;
   wavlabels::LoadAnnotations(*GetWavData(), *pIListInfo, *pICueInfo);
   GetWavData()->SetEncType(GetFileFormat());
@@ -307,9 +166,9 @@ void C_WavFile::LoadAnnotations() {
 // Kept: cue points and labels of other makers are lost here, because identifiers and texts always
 // say what the annotations say and nothing else. Pinned by Write_DropsCuePointsAndLabelsOfOthers.
 void C_WavFile::RegenerateAnnotations() {
-  auto* pICueInfo = InfoOf<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE);
+  auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE);
   VCM_ASSERT(pICueInfo != nullptr, "WriteFile", kSource, __LINE__, "bRet && (pICueInfo != NULL)");
-  auto* pIListInfo = InfoOf<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST);
+  auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST);
   VCM_ASSERT(pIListInfo != nullptr, "WriteFile", kSource, __LINE__, "bRet && (pIListInfo != NULL)");
   wavlabels::SaveAnnotations(*GetWavData(), *pIListInfo, *pICueInfo);
 }

@@ -21,7 +21,6 @@
 
 #include "WavFileBase.h"
 
-class C_RiffChunk;
 class C_RiffFile;
 
 class C_WavFile : public C_WavFileBase {
@@ -55,12 +54,9 @@ class C_WavFile : public C_WavFileBase {
   };
 
   bool OpenRiff(C_RiffFile& riff, const char* pszFileName);
-  bool FindFormatAndData(C_RiffFile& riff);
-  bool TakeFormat(C_RiffChunk& chunk);
   // Sets the coding type, too. None for a sound that is longer than its length can say.
   std::optional<S_LinearForm> DescribeLinearForm();
   std::optional<S_LinearForm> DescribeDecodedForm() const;
-  void SetLinearForm(const S_LinearForm& form);
   bool LoadInfoChunks(C_RiffFile& riff);
   bool LoadSamples(std::FILE* pFile);
   void LoadAnnotations();

@@ -8,8 +8,17 @@
 #include <optional>
 #include <span>
 #include <utility>
+#include <vector>
 
+#include "RiffFile.h"
+#include "VcmAssert.h"
 #include "WavData.h"
+
+namespace {
+
+constexpr const char* kSource = "WaveFileLib/WavFile";
+
+}  // namespace
 
 C_WavFileBase::~C_WavFileBase() { SafeDeleteWavData(); }
 
@@ -103,6 +112,32 @@ void C_WavFileBase::SafeDeleteWavData() {
   m_pIWavData = nullptr;
 }
 
+bool C_WavFileBase::FindFormatAndData(C_RiffFile& riff) {
+  m_codecInfo.Clear();
+  m_dwDataLength = 0;
+  m_dwDataStartPos = 0;
+  for (int i = 0; i < riff.GetChunkCount(); ++i) {
+    C_RiffChunk* pChunk = riff.GetChunkAt(i);
+    VCM_ASSERT(pChunk != nullptr, "CheckFormat", kSource, __LINE__, "pChunk != NULL");
+    if (pChunk->HasChunkID("fmt ")) {
+      if (!TakeFormat(*pChunk)) return false;
+    } else if (pChunk->HasChunkID("data")) {
+      m_dwDataStartPos = pChunk->GetDataPos();
+      m_dwDataLength = pChunk->GetDataLength();
+    }
+  }
+  return true;
+}
+
+void C_WavFileBase::SetLinearForm(unsigned int dwByteLength, unsigned short wBits) {
+  const S_PcmFormatRecord record = m_codecInfo.GetPCMWAVEFORMAT();
+  // Samples of an earlier file would be fewer than the new length says.
+  m_pIWavData->AttachBuffer(nullptr, 0);
+  m_pIWavData->DetachBuffer();
+  m_pIWavData->SetWavInfoData(record.dwSamplesPerSec, dwByteLength, record.wChannels, wBits, wBits,
+                              wBits > 8);
+}
+
 // Kept: a file cut within its samples loads all the same, at its full length with silence where
 // nothing is left; recordings broken off on the way stay playable. Pinned by
 // MissingTailOfTheDataIsZero.
@@ -118,6 +153,15 @@ bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
   if (!vcm::SeekTo(pFile, m_dwDataStartPos)) return false;
   const std::size_t cbRead = vcm::ReadSome(pFile, pcm);
   std::ranges::fill(pcm.subspan(cbRead), std::uint8_t{0});
+  return true;
+}
+
+bool C_WavFileBase::TakeFormat(C_RiffChunk& chunk) {
+  const unsigned int dwLength = std::min(chunk.GetDataLength(), C_WavFileCodecInfo::kMaxBytes);
+  std::vector<std::uint8_t> payload(dwLength);
+  if (!chunk.GetData(payload.data(), dwLength, 0) || !m_codecInfo.SetFormat(payload)) return false;
+  m_dwFormatPos = chunk.GetDataPos();
+  m_wStoredBits = m_codecInfo.GetPCMWAVEFORMAT().wBitsPerSample;
   return true;
 }
 

@@ -14,6 +14,9 @@
 #include "StdioFile.h"
 #include "WavFileCodecInfo.h"
 
+class C_RiffChunk;
+class C_RiffFile;
+
 class C_WavFileBase : public I_WavFile {
  public:
   // Values of GetCodingType.
@@ -78,6 +81,13 @@ class C_WavFileBase : public I_WavFile {
   // Releases an owned sound; an attached one is kept.
   void SafeDeleteWavData();
 
+  // Takes note of the last "fmt " and the last "data" chunk in the members below; without such a
+  // chunk they are as in a new object. False for a format record that is refused.
+  bool FindFormatAndData(C_RiffFile& riff);
+  // The sound gets the rate and the channels of the format record, the given length and width, and
+  // loses the samples of an earlier file.
+  void SetLinearForm(unsigned int dwByteLength, unsigned short wBits);
+
   // Reads as many bytes as the wave info says from GetDataStartPos() on into the sound's own
   // buffer. Bytes that the file lacks are zero; false, and nothing allocated, when it lacks more
   // than kMaxMissingBytes.
@@ -91,6 +101,7 @@ class C_WavFileBase : public I_WavFile {
   unsigned int m_dwDataStartPos = 0;  // stream offset of the stored sound
 
  private:
+  bool TakeFormat(C_RiffChunk& chunk);
   bool KeepNameAndLength(const char* pszFileName);
   // The sound's events count in its own sample rate.
   void SetEventSampleRate();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "WavLabels.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "CLArray.h"
+#include "CuedEvents.h"
 #include "EventTagMgr.h"
 #include "SampleRangeList.h"
 #include "SilenceSegment.h"
@@ -20,10 +20,9 @@ namespace wavlabels {
 namespace {
 
 constexpr const char* kSource = "WaveFileLib/WavFile";
-constexpr const char* kSilenceLabel = "VX_Silence";
-constexpr const char* kRegionLabel = "VX_PCM";
+constexpr vcm::S_AssertSite kWriteSite{"WriteFile", kSource};
+constexpr vcm::S_AssertSite kDecodeSite{"DecodeLabel", kSource};
 constexpr const char* kRangePurpose = "rgn ";
-constexpr unsigned int kDataChunkID = 0x61746164;  // "data", the first character in the low byte
 
 using C_SilenceList = C_CLArray<C_SilenceSegment*, I_SilenceSegment*, true>;
 using C_RegionList = C_CLArray<C_UncompressRegion*, I_UncompressRegion*, true>;
@@ -65,37 +64,6 @@ std::pair<unsigned int, unsigned int> Range(unsigned int dwStart, unsigned int d
   return {dwStart, dwStart + dwLength - 1};
 }
 
-// Values by cue point identifier; of several with the same identifier the first counts. Sorted
-// rather than hashed, so that no choice of identifiers in a file makes the search slow.
-class C_ByID {
- public:
-  void Add(unsigned int dwID, unsigned int dwValue) { m_values.emplace_back(dwID, dwValue); }
-  void Sort() {
-    std::stable_sort(m_values.begin(), m_values.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-  }
-  [[nodiscard]] std::optional<unsigned int> Find(unsigned int dwID) const {
-    const auto it =
-        std::lower_bound(m_values.begin(), m_values.end(), dwID,
-                         [](const auto& entry, unsigned int dwKey) { return entry.first < dwKey; });
-    if (it == m_values.end() || it->first != dwID) return std::nullopt;
-    return it->second;
-  }
-
- private:
-  std::vector<std::pair<unsigned int, unsigned int>> m_values;
-};
-
-C_ByID CuePositions(I_WavDataCueInfo& cueInfo) {
-  C_ByID positions;
-  for (int i = 0; i < cueInfo.GetCuePointCount(); ++i) {
-    I_WavDataCuePoint* pCuePoint = cueInfo.GetCuePointByIndex(i);
-    positions.Add(pCuePoint->GetCuePointID(), pCuePoint->GetPosition());
-  }
-  positions.Sort();
-  return positions;
-}
-
 // The sample counts of the labelled texts.
 class C_RangeLengths {
  public:
@@ -115,26 +83,15 @@ class C_RangeLengths {
   }
 
  private:
-  C_ByID m_lengths;
+  cuedevents::C_ByID m_lengths;
   unsigned int m_dwLast = 0;
 };
-
-using S_SampleEvent = C_EventTagMgr::S_SampleEvent;
-
-void AddEvents(I_EventTagMgr& events, const std::vector<S_SampleEvent>& placed) {
-  if (auto* const pOwnKind = dynamic_cast<C_EventTagMgr*>(&events)) {
-    pOwnKind->AddEventsBySamplePos(placed);
-    return;
-  }
-  for (const auto& [dwSamplePos, wMain, wSub] : placed)
-    events.AddEventBySamplePos(wMain, wSub, dwSamplePos, "", 0);
-}
 
 // Collects the annotations of a file label by label.
 class C_AnnotationReader {
  public:
   C_AnnotationReader(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo, bool bEvents)
-      : m_positions(CuePositions(cueInfo)), m_lengths(listInfo), m_bEvents(bEvents) {}
+      : m_positions(cuedevents::Positions(cueInfo)), m_lengths(listInfo), m_bEvents(bEvents) {}
 
   void Read(const char* pszLabel, unsigned int dwID) {
     VCM_ASSERT(nullptr != pszLabel, "DecodeLabel", kSource, __LINE__, "NULL != pszLabel");
@@ -147,7 +104,7 @@ class C_AnnotationReader {
   }
 
   void GiveTo(I_WavData& wavData, I_EventTagMgr& events) {
-    AddEvents(events, m_events);
+    cuedevents::AddEvents(events, m_events);
     wavData.SetSilenceSegmentList(&m_silence);
     wavData.SetUncompressRegionList(&m_regions);
   }
@@ -155,7 +112,7 @@ class C_AnnotationReader {
  private:
   void Place(const S_LabelMeaning& label, unsigned int dwPosition, unsigned int dwID) {
     if (label.eKind == S_LabelMeaning::Kind::Event) {
-      m_events.push_back({dwPosition, label.wMain, label.wSub});
+      m_events.push_back({dwPosition, label.wMain, label.wSub, 0});
       return;
     }
     const auto [dwStart, dwEnd] = Range(dwPosition, m_lengths.Find(dwID));
@@ -165,10 +122,10 @@ class C_AnnotationReader {
       vcm::AppendRange(m_regions, dwStart, dwEnd);
   }
 
-  C_ByID m_positions;
+  cuedevents::C_ByID m_positions;
   C_RangeLengths m_lengths;
   bool m_bEvents;
-  std::vector<S_SampleEvent> m_events;
+  std::vector<C_EventTagMgr::S_SampleEvent> m_events;
   C_SilenceList m_silence;
   C_RegionList m_regions;
 };
@@ -195,8 +152,7 @@ class C_AnnotationWriter {
  private:
   void Point(unsigned int dwSamplePos, const char* pszLabel) {
     ++m_dwID;
-    m_cueInfo.AddCuePoint(m_dwID, dwSamplePos, kDataChunkID, 0, 0, dwSamplePos);
-    m_listInfo.AddLabel(m_dwID, pszLabel);
+    cuedevents::AddPoint(m_cueInfo, m_listInfo, m_dwID, dwSamplePos, pszLabel);
   }
 
   I_WavDataListInfo& m_listInfo;
@@ -204,20 +160,10 @@ class C_AnnotationWriter {
   unsigned int m_dwID = 0;
 };
 
-I_EventTagMgr& EventsOf(I_WavData& wavData, const char* pszFunction) {
-  I_EventTagMgr* pIEventMgr = wavData.GetEventTagMgr();
-  VCM_ASSERT(nullptr != pIEventMgr, pszFunction, kSource, __LINE__, "NULL != pIEventMgr");
-  return *pIEventMgr;
-}
-
 void SaveEvents(C_AnnotationWriter& writer, I_WavData& wavData) {
-  I_CLArray<I_EventTag*>* pIEventList = EventsOf(wavData, "WriteFile").GetEventList();
-  VCM_ASSERT(nullptr != pIEventList, "WriteFile", kSource, __LINE__, "NULL != pIEventList");
-  for (int i = 0; i < pIEventList->GetSize(); ++i) {
-    I_EventTag* pIEvent = pIEventList->GetItemByIndex(i);
-    VCM_ASSERT(nullptr != pIEvent, "WriteFile", kSource, __LINE__, "NULL != pIEvent");
+  for (I_EventTag* pIEvent :
+       cuedevents::EventsOf(cuedevents::ManagerOf(wavData, kWriteSite), kWriteSite))
     writer.Event(*pIEvent);
-  }
 }
 
 void SaveSilence(C_AnnotationWriter& writer, I_WavData::SilenceList& list) {
@@ -271,7 +217,7 @@ std::string EventLabel(unsigned short wMain, unsigned short wSub) {
 }
 
 void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
-  I_EventTagMgr& events = EventsOf(wavData, "DecodeLabel");
+  I_EventTagMgr& events = cuedevents::ManagerOf(wavData, kDecodeSite);
   C_AnnotationReader reader(listInfo, cueInfo, events.GetSampleRate() > 0);
   for (int i = 0; i < listInfo.GetLabelCount(); ++i) {
     unsigned int dwID = 0;

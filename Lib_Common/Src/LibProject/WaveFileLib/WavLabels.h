@@ -20,6 +20,9 @@
 
 namespace wavlabels {
 
+inline constexpr const char* kSilenceLabel = "VX_Silence";
+inline constexpr const char* kRegionLabel = "VX_PCM";
+
 struct S_LabelMeaning {
   enum class Kind { Other, Event, Silence, Region };
 

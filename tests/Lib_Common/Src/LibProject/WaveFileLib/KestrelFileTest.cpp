@@ -376,17 +376,6 @@ TEST_F(KestrelFile, WriteFile_RefusedBitRate_LeavesAnOlderTargetAsItWas) {
   EXPECT_EQ((Bytes{1, 2, 3}), Content("a"));
 }
 
-TEST_F(KestrelFile, WriteFile_WithoutEncodingOrWithACodecHead_IsFalseAndCreatesNothing) {
-  const auto sound = MonoSound(TestVoice(2000));
-  C_KestrelFile file;
-  file.AttachWavData(sound.get());
-  const std::string strPath = Path("a");
-  EXPECT_FALSE(file.WriteFile(strPath.c_str(), false, false, nullptr, false, 0));
-  EXPECT_FALSE(file.WriteFile(strPath.c_str(), false, true, nullptr, false, 0));
-  EXPECT_FALSE(file.WriteFile(strPath.c_str(), true, true, nullptr, false, 0));
-  EXPECT_THAT(Entries(), IsEmpty());
-}
-
 TEST_F(KestrelFile, WriteFile_StoresForceEncodeWhateverItsResult) {
   C_KestrelFile file;
   EXPECT_FALSE(file.WriteFile(Path("a").c_str(), false, false, nullptr, true, 0));

@@ -8,6 +8,7 @@
 #include "WavBytes.h"
 #include "WavData.h"
 #include "WavFileObject.h"
+#include "WrittenChunks.h"
 
 namespace {
 
@@ -45,35 +46,6 @@ C_WavObjectPtr AnnotatedSound() {
   file->GetWavData()->AddSilenceSegment(200, 299);
   file->GetWavData()->AddUncompressRegion(1000, 1000);
   return file;
-}
-
-// The chunks of a file by name and payload, as they stand.
-std::vector<std::pair<std::string, C_Bytes>> ChunksOf(const C_Bytes& file) {
-  std::vector<std::pair<std::string, C_Bytes>> chunks;
-  vcm::C_ByteReader reader(file);
-  reader.Skip(12);
-  while (reader.Remaining() > 0) {
-    const auto id = reader.Bytes(4);
-    const auto payload = reader.Bytes(reader.U32());
-    if (!reader.Ok()) break;
-    chunks.emplace_back(std::string(id.begin(), id.end()), C_Bytes(payload.begin(), payload.end()));
-  }
-  EXPECT_TRUE(reader.Ok());
-  return chunks;
-}
-
-std::vector<std::string> ChunkNames(const C_Bytes& file) {
-  std::vector<std::string> names;
-  for (const auto& [strName, payload] : ChunksOf(file)) names.push_back(strName);
-  return names;
-}
-
-C_Bytes ChunkNamed(const C_Bytes& file, const std::string& strName) {
-  for (const auto& [strFound, payload] : ChunksOf(file)) {
-    if (strFound == strName) return payload;
-  }
-  ADD_FAILURE() << "no chunk " << strName;
-  return {};
 }
 
 }  // namespace
