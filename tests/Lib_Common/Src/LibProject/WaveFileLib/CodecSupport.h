@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -68,11 +69,12 @@ constexpr short kUntouched = 0x5A5A;
 class C_Room {
  public:
   explicit C_Room(unsigned int dwBytes)
-      : m_dwBytes(dwBytes), m_samples(dwBytes / 2 + 64, kUntouched) {}
+      : m_dwBytes(dwBytes), m_samples(dwBytes / 2 + 16, kUntouched) {}
   ~C_Room() {
     const auto* const pbyRoom = reinterpret_cast<const unsigned char*>(m_samples.data());
-    for (std::size_t i = m_dwBytes; i < m_samples.size() * 2; ++i)
-      EXPECT_EQ(pbyRoom[i], 0x5A) << "byte " << i << " behind room for " << m_dwBytes;
+    EXPECT_TRUE(std::all_of(pbyRoom + m_dwBytes, pbyRoom + m_samples.size() * 2,
+                            [](unsigned char byGuard) { return byGuard == 0x5A; }))
+        << "bytes are written behind room for " << m_dwBytes;
   }
   C_Room(const C_Room&) = delete;
   C_Room& operator=(const C_Room&) = delete;

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
-#include <cstdlib>
 #include <memory>
 
+#include "OtherPrograms.h"
 #include "TempFolder.h"
 #include "WavBytes.h"
 #include "WavFileObject.h"
@@ -54,16 +54,7 @@ std::vector<int> ValuesOf(const C_Bytes& pcm, std::uint16_t wBits) {
 
 class WavFileOracle : public testing::TestWithParam<S_Shape> {
  protected:
-  // Runs a command line with every "@" replaced by the folder. Its standard output.
-  C_Bytes Run(std::string strCommand) {
-    for (std::size_t n = 0; (n = strCommand.find('@', n)) != std::string::npos;)
-      strCommand.replace(n, 1, m_folder.Path());
-    strCommand += " > " + m_folder.Path("stdout") + " 2> " + m_folder.Path("stderr");
-    EXPECT_EQ(std::system(strCommand.c_str()), 0)  // NOLINT(cert-env33-c)
-        << strCommand << "\n"
-        << testing::PrintToString(m_folder.Read("stderr"));
-    return m_folder.Read("stdout");
-  }
+  C_Bytes Run(const std::string& strCommand) { return RunIn(m_folder, strCommand); }
   // The cue points that sndfile finds in a file.
   SF_CUES CuesOf(const std::string& strName) {
     SF_INFO info{};
