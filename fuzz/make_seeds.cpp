@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "CompressedBytes.h"
 #include "ExampleSound.h"
 #include "FuzzFile.h"
 #include "KestrelCodec.h"
@@ -86,6 +87,15 @@ void AddWaves(C_Seeds& seeds) {
       seeds.Add({"wav_load", "factory", "riff_list"}, WaveFile(*sound, AUDIO_FILE_WAVE));
       seeds.Add({"wav_load", "riff_list"}, WaveFile(*sound, AUDIO_FILE_VEMD));
     }
+  }
+}
+
+// Three blocks and a part of one, under the tag of each kind.
+void AddCompressedWaves(C_Seeds& seeds) {
+  for (const S_Blocks& blocks : OneOfEachKind()) {
+    const Bytes encoded = ExamplePcm({8000, 1, 8, 8}, std::size_t{3} * blocks.wBlockAlign + 19);
+    seeds.Add({"wav_load", "factory"}, CompressedWav(blocks, encoded).Take());
+    seeds.Add({"wav_load"}, CompressedWav(blocks, encoded, "VEMD").Take());
   }
 }
 
@@ -167,6 +177,7 @@ int main(int argc, char** argv) {
   }
   C_Seeds seeds(argv[1]);
   AddWaves(seeds);
+  AddCompressedWaves(seeds);
   AddChunks(seeds);
   AddDescriptions(seeds);
   AddStreams(seeds);

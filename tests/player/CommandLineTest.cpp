@@ -8,10 +8,12 @@
 #include <fstream>
 #include <future>
 #include <iterator>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "ChildProcess.h"
+#include "CompressedBytes.h"
 #include "PrivateTemp.h"
 #include "Speech.h"
 #include "TempFolder.h"
@@ -248,6 +250,32 @@ TEST_F(CommandLine, WavFileNamedLikeSpeech_IsDecodedLikeSpeech) {
   ExpectRun({m_folder.Write("x.kst", WavOf(16000, 1, Silence(1600))), "0"},
             "file duration: 0.100000 secs\nPlaying...Finished\n", 0);
   EXPECT_EQ(LeftFile(".wav").size(), 44U + 3200);
+}
+
+TEST_F(CommandLine, CompressedWavNamedLikeSpeech_IsDecoded) {
+  const C_Bytes file =
+      CompressedWav({WAVE_TAG_MULAW, 1, 1, 0, 8, 16000}, C_Bytes(160, 0xFF)).Take();
+  ExpectRun({m_folder.Write("x.adp", file), "0"},
+            "file duration: 0.010000 secs\nPlaying...Finished\n", 0);
+  EXPECT_EQ(LeftFile(".wav"), WavOf(16000, 1, Silence(160)));
+}
+
+TEST_F(CommandLine, CompressedWavOfEveryKind_LeavesItsLinearSound) {
+  for (const S_Blocks& blocks : OneOfEachKind()) {
+    const C_Bytes file =
+        CompressedWav(blocks, RampBytes(std::size_t{5} * blocks.wBlockAlign)).Take();
+    const std::string strPath = m_folder.Write("x.adp", file);
+    const S_Run run = Run({strPath, "2"});
+    EXPECT_TRUE(run.strOut.ends_with(" secs\nLength:0\n")) << blocks.wTag << ": " << run.strOut;
+    C_WavFileFormat format;
+    const C_WavFilePtr loaded(format.CreateWavFile(strPath.c_str(), true, true, nullptr, nullptr));
+    ASSERT_NE(loaded, nullptr) << blocks.wTag;
+    const std::span pcm(loaded->GetWavDataBuffer(), loaded->GetWavData()->GetBufferLength());
+    ASSERT_GT(pcm.size(), 0U);
+    EXPECT_EQ(LeftFile(".wav"), WavOf(8000, blocks.wChannels, C_Bytes(pcm.begin(), pcm.end())));
+    ASSERT_EQ(m_temp.NewFiles().size(), 1U);
+    std::filesystem::remove(std::string(P_tmpdir) + "/" + m_temp.NewFiles().front());
+  }
 }
 
 TEST_F(CommandLine, NamesWithBlanksUmlautsAndManyCharacters_Work) {

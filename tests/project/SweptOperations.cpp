@@ -8,7 +8,9 @@
 #include <functional>
 #include <map>
 #include <span>
+#include <utility>
 
+#include "CompressedBytes.h"
 #include "DecodeToWav.h"
 #include "ExampleSound.h"
 #include "SpHeader.h"
@@ -48,8 +50,8 @@ Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
 // Loads a file by the factory.
 class C_LoadOperation : public C_SweptOperation {
  public:
-  C_LoadOperation(const C_TempFolder& folder, tagAudioFileType eType) : C_SweptOperation(folder) {
-    m_source = FileOf(*AnnotatedSound(), eType);
+  C_LoadOperation(const C_TempFolder& folder, Bytes source) : C_SweptOperation(folder) {
+    m_source = std::move(source);
     Prepare();
     if (!C_LoadOperation::Run()) std::abort();
     m_pcm = Pcm();
@@ -155,7 +157,16 @@ Bytes BareKestrel() {
 using Maker = std::function<std::unique_ptr<C_SweptOperation>(const C_TempFolder&)>;
 
 Maker Load(tagAudioFileType eType) {
-  return [=](const auto& folder) { return std::make_unique<C_LoadOperation>(folder, eType); };
+  return [=](const auto& folder) {
+    return std::make_unique<C_LoadOperation>(folder, FileOf(*AnnotatedSound(), eType));
+  };
+}
+Maker LoadCompressed() {
+  return [](const auto& folder) {
+    const S_Blocks blocks = OneOfEachKind().front();
+    return std::make_unique<C_LoadOperation>(
+        folder, CompressedWav(blocks, RampBytes(std::size_t{9} * blocks.wBlockAlign)).Take());
+  };
 }
 Maker Save(tagAudioFileType eType) {
   return [=](const auto& folder) { return std::make_unique<C_SaveOperation>(folder, eType); };
@@ -173,6 +184,7 @@ const std::map<std::string, Maker>& Makers() {
       {"LoadWave", Load(AUDIO_FILE_WAVE)},
       {"LoadVemd", Load(AUDIO_FILE_VEMD)},
       {"LoadKestrel", Load(AUDIO_FILE_KESTREL)},
+      {"LoadCompressed", LoadCompressed()},
       {"SaveWave", Save(AUDIO_FILE_WAVE)},
       {"SaveVemd", Save(AUDIO_FILE_VEMD)},
       {"SaveKestrel", Save(AUDIO_FILE_KESTREL)},

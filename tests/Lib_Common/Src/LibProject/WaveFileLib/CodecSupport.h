@@ -8,45 +8,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <vector>
 
+#include "CompressedBytes.h"
 #include "MSAdpcmCodec.h"
-#include "WavBytes.h"
-#include "WavFileCodecInfo.h"
 
 using C_Samples = std::vector<short>;
-
-// What the fields of a compressed format record say.
-struct S_Blocks {
-  std::uint16_t wTag = WAVE_TAG_DVI_ADPCM;
-  std::uint16_t wChannels = 1;
-  std::uint16_t wBlockAlign = 0;
-  std::uint16_t wSamplesPerBlock = 0;
-  std::uint16_t wBits = 4;
-  std::uint32_t dwRate = 8000;
-};
-
-// The seven pairs that every MS ADPCM file of others has.
-inline C_Bytes StandardPairs() {
-  C_Bytes pairs;
-  for (const int nValue : {256, 0, 512, -256, 0, 0, 192, 64, 240, 0, 460, -208, 392, -232})
-    pairs = Join({pairs, U16(static_cast<std::uint16_t>(nValue))});
-  return pairs;
-}
-
-// The "fmt " payload: for tag 2 with these coefficient pairs.
-inline C_Bytes BlockFmt(const S_Blocks& blocks, const C_Bytes& pairs = StandardPairs()) {
-  C_Bytes fmt = Join({U16(blocks.wTag), U16(blocks.wChannels), U32(blocks.dwRate),
-                      U32(blocks.dwRate), U16(blocks.wBlockAlign), U16(blocks.wBits)});
-  if (blocks.wTag == WAVE_TAG_MS_ADPCM) {
-    const auto wPairs = static_cast<std::uint16_t>(pairs.size() / 4);
-    return Join({fmt, U16(static_cast<std::uint16_t>(4 + pairs.size())),
-                 U16(blocks.wSamplesPerBlock), U16(wPairs), pairs});
-  }
-  return blocks.wTag == WAVE_TAG_DVI_ADPCM ? Join({fmt, U16(2), U16(blocks.wSamplesPerBlock)})
-                                           : fmt;
-}
 
 inline C_WavFileCodecInfo InfoOf(const C_Bytes& fmt) {
   C_WavFileCodecInfo info;
@@ -54,13 +21,6 @@ inline C_WavFileCodecInfo InfoOf(const C_Bytes& fmt) {
   return info;
 }
 inline C_WavFileCodecInfo InfoOf(const S_Blocks& blocks) { return InfoOf(BlockFmt(blocks)); }
-
-// 16-bit values as the bytes of a file.
-inline C_Bytes Shorts(std::initializer_list<int> values) {
-  C_Bytes bytes;
-  for (const int nValue : values) bytes = Join({bytes, U16(static_cast<std::uint16_t>(nValue))});
-  return bytes;
-}
 
 // What a place holds that no decoder wrote to.
 constexpr short kUntouched = 0x5A5A;

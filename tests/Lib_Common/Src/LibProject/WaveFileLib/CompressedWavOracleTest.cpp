@@ -274,8 +274,7 @@ namespace {
 C_RiffBytes AllCodes(std::uint16_t wTag) {
   C_Bytes codes;
   for (int nCode = 0; nCode < 256; ++nCode) codes.push_back(static_cast<std::uint8_t>(nCode));
-  C_RiffBytes riff("WAVE");
-  return riff.Chunk("fmt ", BlockFmt({wTag, 1, 1, 0, 8})).Chunk("data", codes);
+  return CompressedWav({wTag, 1, 1, 0, 8}, codes);
 }
 
 }  // namespace

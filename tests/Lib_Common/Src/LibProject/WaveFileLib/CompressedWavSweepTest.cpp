@@ -4,7 +4,7 @@
 // again.
 #include <gtest/gtest.h>
 
-#include "CodecSupport.h"
+#include "CompressedBytes.h"
 #include "OpenFiles.h"
 #include "SweepFile.h"
 #include "WavFileObject.h"
@@ -17,17 +17,13 @@ struct S_File {
 };
 
 // Two blocks and a rest.
-S_File FileOf(const S_Blocks& blocks) {
-  const C_Bytes fmt = BlockFmt(blocks);
-  C_RiffBytes riff("WAVE");
-  riff.Chunk("fmt ", fmt).Chunk("data", RampBytes(std::size_t{2} * blocks.wBlockAlign + 11));
-  return {riff.Take(), 20 + fmt.size()};
-}
-
 std::vector<S_File> AllFiles() {
-  return {FileOf({WAVE_TAG_MS_ADPCM, 2, 24, 12}), FileOf({WAVE_TAG_ALAW, 1, 1, 0, 8}),
-          FileOf({WAVE_TAG_MULAW, 2, 2, 0, 8}), FileOf({WAVE_TAG_DVI_ADPCM, 2, 24, 17, 4}),
-          FileOf({WAVE_TAG_DVI_ADPCM, 1, 16, 33, 3})};
+  std::vector<S_File> files;
+  for (const S_Blocks& blocks : OneOfEachKind()) {
+    const C_Bytes encoded = RampBytes(std::size_t{2} * blocks.wBlockAlign + 11);
+    files.push_back({CompressedWav(blocks, encoded).Take(), 20 + BlockFmt(blocks).size()});
+  }
+  return files;
 }
 
 // Loads, writes, loads again. True when the file loads.

@@ -54,8 +54,7 @@ C_Bytes PcmBytes(const C_Samples& samples) {
 }
 
 C_RiffBytes FileOf(const S_Kind& kind, std::string_view formType = "WAVE") {
-  C_RiffBytes riff(formType);
-  return riff.Chunk("fmt ", BlockFmt(kind.blocks)).Chunk("data", kind.encoded);
+  return ::CompressedWav(kind.blocks, kind.encoded, formType);
 }
 
 // nBytes of mu-law codes, of which the file has those given.
@@ -66,9 +65,7 @@ C_RiffBytes MuLawFile(std::uint32_t dwClaimed, const C_Bytes& codes) {
 
 // nBlocks blocks of 8 bytes that claim to hold 65535 samples each.
 C_RiffBytes BoastingFile(std::size_t nBlocks) {
-  C_RiffBytes riff("WAVE");
-  return riff.Chunk("fmt ", BlockFmt({WAVE_TAG_DVI_ADPCM, 1, 8, 65535, 4}))
-      .Chunk("data", C_Bytes(8 * nBlocks));
+  return ::CompressedWav({WAVE_TAG_DVI_ADPCM, 1, 8, 65535, 4}, C_Bytes(8 * nBlocks));
 }
 
 class CompressedWav : public C_FolderTest {
