@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/Encoder.h"
+
+#include <algorithm>
+
+#include "heron/Configuration.h"
+#include "heron/FixedPoint.h"
+#include "heron/FrameCode.h"
+#include "heron/Loudness.h"
+#include "heron/RangeCoder.h"
+#include "heron/StepSize.h"
+#include "heron/Transform.h"
+
+namespace heron {
+namespace {
+
+constexpr std::size_t kFramesPerReport = 32;
+
+void WriteCount(std::vector<std::uint8_t>& bytes, std::size_t nCount) {
+  for (; nCount >= 0x80; nCount >>= 7) bytes.push_back(static_cast<std::uint8_t>(nCount | 0x80));
+  bytes.push_back(static_cast<std::uint8_t>(nCount));
+}
+
+// Coefficients as a loudness.
+int LoudnessOf(std::span<const std::int32_t> coefficients) noexcept {
+  std::uint64_t qwSquares = 0;
+  for (const std::int64_t nCoefficient : coefficients)
+    qwSquares += static_cast<std::uint64_t>(nCoefficient * nCoefficient);
+  return Loudness(qwSquares >> 2 * kCoefficientQ, coefficients.size());
+}
+
+int StepIndex(int nOffset, int nLoudness) noexcept {
+  // Loudness counts 6 dB of level as 512 and the index as 4 * 256: 5/8 of it are 5/4 here.
+  return std::clamp((nOffset + 5 * nLoudness / 4 + 128) >> 8, 0, kSteps - 1);
+}
+
+// Frame nFrame, with silence behind the end.
+void TakeFrame(std::span<const std::int16_t> samples, std::size_t nFrame,
+               std::span<std::int16_t> frame) {
+  const std::size_t nAt = std::min(nFrame * frame.size(), samples.size());
+  const auto rest = samples.subspan(nAt, std::min(frame.size(), samples.size() - nAt));
+  std::fill(std::copy(rest.begin(), rest.end(), frame.begin()), frame.end(), std::int16_t{0});
+}
+
+}  // namespace
+
+C_Encoder::C_Encoder(std::span<const std::int16_t> samples, int nSampleRate)
+    : m_samples(samples), m_nLength(FrameLength(nSampleRate)) {}
+
+std::vector<std::uint8_t> C_Encoder::Encode(int nOffset, const S_Progress& fnProgress) const {
+  const auto nLength = static_cast<std::size_t>(m_nLength);
+  const std::size_t nFrames = (m_samples.size() + nLength - 1) / nLength;
+  std::vector<std::uint8_t> bytes;
+  WriteCount(bytes, m_samples.size());
+  C_RangeEncoder encoder(bytes);
+  C_ForwardTransform transform(m_nLength);
+  C_FrameWriter writer(m_nLength);
+  std::vector<std::int16_t> frame(nLength);
+  std::vector<std::int32_t> coefficients(nLength);
+  for (std::size_t n = 0; n <= nFrames; ++n) {
+    TakeFrame(m_samples, n, frame);
+    transform.Transform(frame, coefficients);
+    writer.Write(encoder, coefficients, StepIndex(nOffset, LoudnessOf(coefficients)));
+    if (fnProgress && n > 0 && (n % kFramesPerReport == 0 || n == nFrames))
+      fnProgress(static_cast<unsigned int>(n));
+  }
+  encoder.Finish();
+  if (bytes.size() < nFrames) bytes.resize(nFrames);
+  return bytes;
+}
+
+}  // namespace heron

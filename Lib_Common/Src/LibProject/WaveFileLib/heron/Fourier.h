@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The discrete Fourier transform of a fixed number of points, in integers:
+//
+//   out[k] = sum over n of in[n] * exp(-2 pi i n k / points)
+//
+// One pass for each factor of the number of points (4, then 2, then odd primes), each in sorted
+// order. Fast when the factors are small, right for any number.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace heron {
+
+struct S_Complex {
+  std::int64_t nRe;
+  std::int64_t nIm;
+};
+
+// A factor of modulus 1, Q24.
+struct S_Rotation {
+  std::int32_t nCosine;
+  std::int32_t nSine;
+};
+inline constexpr int kRotationQ = 24;
+
+inline constexpr int kMaxPoints = 480;
+
+// exp(-2 pi i nPart / nWhole).
+S_Rotation BackwardRotation(std::int64_t nPart, std::int64_t nWhole) noexcept;
+
+// The value turned, and divided by 2^kDown. Products need |value| < 2^38.5 to stay within 64 bits.
+template <int kDown = 0>
+constexpr S_Complex Rotate(const S_Complex& value, const S_Rotation& rotation) noexcept {
+  constexpr int kShift = kRotationQ + kDown;
+  constexpr std::int64_t nHalf = std::int64_t{1} << (kShift - 1);
+  return {(value.nRe * rotation.nCosine - value.nIm * rotation.nSine + nHalf) >> kShift,
+          (value.nRe * rotation.nSine + value.nIm * rotation.nCosine + nHalf) >> kShift};
+}
+
+class C_Fourier {
+ public:
+  // nPoints 1..kMaxPoints.
+  explicit C_Fourier(int nPoints);
+
+  [[nodiscard]] int Points() const noexcept { return m_nPoints; }
+
+  // Transforms values, which has the object's number of points; the moduli of all its values
+  // together must stay below 2^38.5. Not to be called on one object by two threads at a time.
+  void Transform(std::span<S_Complex> values) noexcept;
+
+ private:
+  int m_nPoints;
+  std::vector<int> m_factors;
+  std::vector<S_Rotation> m_rotations;  // [k]: exp(-2 pi i k / points)
+  std::vector<S_Complex> m_scratch;
+};
+
+}  // namespace heron

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/FrameCoder.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <utility>
+
+#include "heron/Decoder.h"
+#include "heron/RateControl.h"
+
+namespace heron {
+
+bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+                   std::vector<std::uint8_t>* pCoded,
+                   const std::function<void(unsigned int nFramesDone)>& fnFrames) {
+  if (samples.empty() || samples.size() > std::numeric_limits<std::uint32_t>::max()) return false;
+  if (!IsSupportedSampleRate(nSampleRate)) return false;
+  if (nBitDepth < kMinBitDepth || nBitDepth > kMaxBitDepth) return false;
+  *pCoded = EncodeWithin(samples, nSampleRate, nBitDepth, fnFrames);
+  return true;
+}
+
+bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
+                   std::vector<std::int16_t>* pSamples) {
+  auto decoder = C_Decoder::Open(coded, nSampleRate);
+  if (!decoder) return false;
+  const std::size_t nLength = decoder->Length();
+  std::vector<std::int16_t> frame(nLength);
+  std::vector<std::int16_t> samples;
+  while (samples.size() < decoder->SampleCount()) {
+    if (!decoder->DecodeFrame(frame)) return false;
+    const std::size_t nTaken = std::min(nLength, decoder->SampleCount() - samples.size());
+    samples.insert(samples.end(), frame.begin(),
+                   frame.begin() + static_cast<std::ptrdiff_t>(nTaken));
+  }
+  *pSamples = std::move(samples);
+  return true;
+}
+
+}  // namespace heron

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/Neighbourhood.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "heron/StepSize.h"
+
+namespace heron {
+
+C_FrameBefore::C_FrameBefore(int nLength)
+    : m_smoothed(static_cast<std::size_t>(nLength)),
+      m_expected(static_cast<std::size_t>(nLength), kLeastExpectation) {}
+
+void C_FrameBefore::Begin(int nIndex) noexcept {
+  const C_Rescale rescale(m_nIndex, nIndex);
+  for (std::size_t k = 0; k < m_smoothed.size(); ++k)
+    m_expected[k] = kLeastExpectation + rescale(m_smoothed[k]);
+  m_nIndex = nIndex;
+}
+
+// Beyond either end there is nothing.
+void C_FrameBefore::End(std::span<const std::int32_t> magnitudes) noexcept {
+  const std::size_t nLength = magnitudes.size();
+  const auto at = [&](std::size_t k) { return k < nLength ? magnitudes[k] : 0; };
+  const auto smooth = [&](std::size_t k, auto value) {
+    m_smoothed[k] = kWeightBefore0 * value(k) + kWeightBefore1 * (value(k - 1) + value(k + 1)) +
+                    kWeightBefore2 * (value(k - 2) + value(k + 2));
+  };
+  const std::size_t nEdge = std::min<std::size_t>(2, nLength);
+  for (std::size_t k = 0; k < nEdge; ++k) smooth(k, at);
+  for (std::size_t k = nEdge; k + 2 < nLength; ++k)
+    smooth(k, [&](std::size_t n) { return magnitudes[n]; });
+  for (std::size_t k = std::max(nEdge, nLength - nEdge); k < nLength; ++k) smooth(k, at);
+}
+
+}  // namespace heron

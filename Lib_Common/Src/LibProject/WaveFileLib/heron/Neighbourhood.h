@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How large a coefficient will probably be, told from its neighbours: the three below it in the
+// frame and the five around it in the frame before. Their weighted sum chooses the table that the
+// coefficient is coded with.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace heron {
+
+// The three last magnitudes of a frame in half steps, the nearest first.
+struct S_Below {
+  std::int32_t n1 = 0;
+  std::int32_t n2 = 0;
+  std::int32_t n3 = 0;
+
+  [[nodiscard]] constexpr S_Below Then(std::int32_t nMagnitude) const noexcept {
+    return {nMagnitude, n1, n2};
+  }
+};
+
+// The weights are the ones under which a Laplace distribution with the sum as its mean spends the
+// fewest bits on recorded speech, in 64ths: 8 and 16 kHz, 2 to 6 bits together.
+inline constexpr std::int32_t kWeightBelow1 = 30;
+inline constexpr std::int32_t kWeightBelow2 = 12;
+inline constexpr std::int32_t kWeightBelow3 = 5;
+inline constexpr std::int32_t kWeightBefore0 = 8;  // the same coefficient one frame before
+inline constexpr std::int32_t kWeightBefore1 = 5;  // its neighbours there
+inline constexpr std::int32_t kWeightBefore2 = 2;
+// What is expected where all neighbours are zero.
+inline constexpr std::int32_t kLeastExpectation = 8;
+
+constexpr std::int32_t FromBelow(const S_Below& below) noexcept {
+  return kWeightBelow1 * below.n1 + kWeightBelow2 * below.n2 + kWeightBelow3 * below.n3;
+}
+
+// The frame before, as the one being coded sees it.
+class C_FrameBefore {
+ public:
+  // nLength: coefficients per frame. The frame before the first one is silent.
+  explicit C_FrameBefore(int nLength);
+
+  // Starts a frame with step index nIndex.
+  void Begin(int nIndex) noexcept;
+  // What the frame before adds to the expectation of coefficient k, with
+  // kLeastExpectation: 8..2^29.
+  [[nodiscard]] std::int32_t Expectation(std::size_t k) const noexcept { return m_expected[k]; }
+  // Ends the frame: its magnitudes in half steps, each at most 2^24.
+  void End(std::span<const std::int32_t> magnitudes) noexcept;
+
+ private:
+  int m_nIndex = 0;
+  std::vector<std::int32_t> m_smoothed;  // weighted sums in half steps of m_nIndex
+  std::vector<std::int32_t> m_expected;
+};
+
+}  // namespace heron

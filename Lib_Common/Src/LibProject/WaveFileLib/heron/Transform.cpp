@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/Transform.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+
+#include "heron/FixedPoint.h"
+#include "heron/Trigonometry.h"
+
+namespace heron {
+namespace {
+
+constexpr int kWindowQ = 28;
+// Of the samples between fold and DCT-IV. Forward, what they have more than the coefficients keeps
+// the rounding inside the transform below the coefficients' own. Back, N of the largest
+// coefficients times the window's sqrt(2/N), twice, stay within 64 bits: 2 * sqrt(2 * 960) * 2^21 *
+// 2^6 * 2^28.
+constexpr int kFoldedQ = 14;
+constexpr int kUnfoldedQ = 6;
+
+// sqrt(qwSquare), rounded down.
+std::uint64_t SquareRoot(std::uint64_t qwSquare) noexcept {
+  std::uint64_t qwRoot = 0;
+  for (int nBit = 31; nBit >= 0; --nBit) {
+    const std::uint64_t qwTry = qwRoot | (std::uint64_t{1} << nBit);
+    if (qwTry * qwTry <= qwSquare) qwRoot = qwTry;
+  }
+  return qwRoot;
+}
+
+// w[n] in Q30.
+std::int64_t PowerSine(int n, int nLength) noexcept {
+  // sin^2(a) = (1 - cos(2a)) / 2, here in Q31 halved to Q30.
+  const std::int64_t nOne = std::int64_t{1} << 30;
+  const std::int64_t nSquare = (nOne - CirclePoint(2 * n + 1, 4 * nLength).nCosine) / 2;
+  return CirclePoint(nSquare, 4 * nOne).nSine;
+}
+
+std::vector<std::int32_t> ScaledWindow(int nLength) {
+  // sqrt(2/N) in Q30
+  const auto nScale = static_cast<std::int64_t>(
+      SquareRoot((std::uint64_t{1} << 61) / static_cast<std::uint64_t>(nLength)));
+  std::vector<std::int32_t> window(static_cast<std::size_t>(nLength));
+  for (int n = 0; n < nLength; ++n)
+    window[static_cast<std::size_t>(n)] =
+        static_cast<std::int32_t>(RoundShift(PowerSine(n, nLength) * nScale, 60 - kWindowQ));
+  return window;
+}
+
+std::vector<S_Rotation> Dct4Rotations(int nLength) {
+  std::vector<S_Rotation> rotations(static_cast<std::size_t>(nLength / 2));
+  for (int n = 0; n < nLength / 2; ++n)
+    rotations[static_cast<std::size_t>(n)] = BackwardRotation(8 * n + 1, 16 * nLength);
+  return rotations;
+}
+
+constexpr std::int16_t Limit16(std::int64_t nValue) noexcept {
+  return static_cast<std::int16_t>(std::clamp<std::int64_t>(
+      nValue, std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()));
+}
+
+}  // namespace
+
+C_LappedTransform::C_LappedTransform(int nLength)
+    : m_nLength(nLength),
+      m_fourier(nLength / 2),
+      m_rotations(Dct4Rotations(nLength)),
+      m_points(static_cast<std::size_t>(nLength / 2)),
+      m_window(ScaledWindow(nLength)) {}
+
+// Values 2n and N-1-2n are the parts of one complex number, turned before and after the transform.
+template <int kDown, typename T_Out>
+void C_LappedTransform::Dct4(std::span<const std::int32_t> in, std::span<T_Out> out) noexcept {
+  const std::size_t nPoints = m_points.size();
+  const std::size_t nLast = in.size() - 1;
+  for (std::size_t n = 0; n < nPoints; ++n)
+    m_points[n] = Rotate({in[2 * n], in[nLast - 2 * n]}, m_rotations[n]);
+  m_fourier.Transform(m_points);
+  for (std::size_t n = 0; n < nPoints; ++n) {
+    const S_Complex point = Rotate<kDown>(m_points[n], m_rotations[n]);
+    out[2 * n] = static_cast<T_Out>(point.nRe);
+    out[nLast - 2 * n] = static_cast<T_Out>(-point.nIm);
+  }
+}
+
+C_ForwardTransform::C_ForwardTransform(int nLength)
+    : m_transform(nLength),
+      m_history(static_cast<std::size_t>(nLength)),
+      m_folded(static_cast<std::size_t>(nLength)) {}
+
+void C_ForwardTransform::Transform(std::span<const std::int16_t> samples,
+                                   std::span<std::int32_t> coefficients) noexcept {
+  constexpr int kDown = kWindowQ - kFoldedQ;
+  const std::size_t nLength = m_folded.size();
+  const std::size_t nHalf = nLength / 2;
+  const auto window = m_transform.RisingWindow();
+  for (std::size_t n = 0; n < nHalf; ++n) {
+    const std::size_t nMirror = nLength - 1 - n;
+    // Old samples rise, new ones fall.
+    const std::int64_t nOld =
+        std::int64_t{m_history[n]} * window[n] - std::int64_t{m_history[nMirror]} * window[nMirror];
+    const std::int64_t nNew = std::int64_t{samples[nHalf - 1 - n]} * window[nHalf + n] +
+                              std::int64_t{samples[nHalf + n]} * window[nHalf - 1 - n];
+    m_folded[nHalf + n] = static_cast<std::int32_t>(RoundShift(nOld, kDown));
+    m_folded[n] = static_cast<std::int32_t>(RoundShift(-nNew, kDown));
+  }
+  m_transform.Dct4<kFoldedQ - kCoefficientQ>(m_folded, coefficients);
+  std::copy(samples.begin(), samples.end(), m_history.begin());
+}
+
+C_InverseTransform::C_InverseTransform(int nLength)
+    : m_transform(nLength),
+      m_values(static_cast<std::size_t>(nLength)),
+      m_falling(static_cast<std::size_t>(nLength / 2)) {}
+
+void C_InverseTransform::Transform(std::span<const std::int32_t> coefficients,
+                                   std::span<std::int16_t> samples) noexcept {
+  constexpr int kSumQ = kUnfoldedQ + kWindowQ;
+  const std::size_t nHalf = m_falling.size();
+  const std::size_t nLast = m_values.size() - 1;
+  const auto window = m_transform.RisingWindow();
+  m_transform.Dct4<kCoefficientQ - kUnfoldedQ>(coefficients, std::span(m_values));
+  // Samples n and N-1-n come from one value of the frame before and one of this frame, turned.
+  for (std::size_t n = 0; n < nHalf; ++n) {
+    const std::int64_t nOld = -m_falling[nHalf - 1 - n];
+    const std::int64_t nNew = m_values[nHalf + n];
+    const std::int64_t nFall = window[nLast - n];
+    const std::int64_t nRise = window[n];
+    samples[n] = Limit16(RoundShift(nOld * nFall + nNew * nRise, kSumQ));
+    samples[nLast - n] = Limit16(RoundShift(nOld * nRise - nNew * nFall, kSumQ));
+  }
+  std::copy_n(m_values.begin(), nHalf, m_falling.begin());
+}
+
+}  // namespace heron

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The lapped transform: frame by frame, N samples and their predecessors to N coefficients, and
+// back. It is the orthonormal MDCT with a power-sine window,
+//
+//   X[k] = sqrt(2/N) * sum over n = 0..2N-1 of w[n] x[n] cos(pi/N (n + 1/2 + N/2)(k + 1/2))
+//   w[n] = sin(pi/2 * sin^2(pi (n + 1/2) / 2N))
+//
+// done as a windowed fold and a DCT-IV over a complex Fourier transform of N/2 points. Coefficients
+// are Q8. Both directions keep the half of a frame that laps over; a new object has silence there.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "heron/Fourier.h"
+
+namespace heron {
+
+inline constexpr int kCoefficientQ = 8;
+// No coefficient of 16-bit samples is larger: 2^15 * sqrt(2 * 960) < 2^21. The inverse transform
+// needs it for its arithmetic to stay within 64 bits.
+inline constexpr std::int64_t kMaxCoefficient = std::int64_t{1} << (21 + kCoefficientQ);
+
+// The part that both directions share.
+class C_LappedTransform {
+ public:
+  // nLength: samples per frame N, even, 2..kMaxFrameLength.
+  explicit C_LappedTransform(int nLength);
+
+  [[nodiscard]] int Length() const noexcept { return m_nLength; }
+  // sqrt(2/N) * w[n] in Q28 for the rising half, n = 0..N-1; the falling half mirrors it.
+  [[nodiscard]] std::span<const std::int32_t> RisingWindow() const noexcept { return m_window; }
+  // DCT-IV without its scale, divided by 2^kDown:
+  //   out[k] = 2^-kDown * sum over n of in[n] cos(pi/N (n + 1/2)(k + 1/2))
+  template <int kDown, typename T_Out>
+  void Dct4(std::span<const std::int32_t> in, std::span<T_Out> out) noexcept;
+
+ private:
+  int m_nLength;
+  C_Fourier m_fourier;
+  std::vector<S_Rotation> m_rotations;  // [n]: exp(-i pi (8n + 1) / 8N)
+  std::vector<S_Complex> m_points;
+  std::vector<std::int32_t> m_window;
+};
+
+class C_ForwardTransform {
+ public:
+  explicit C_ForwardTransform(int nLength);
+  // Both spans have N values. The coefficients describe the samples given before and these.
+  void Transform(std::span<const std::int16_t> samples,
+                 std::span<std::int32_t> coefficients) noexcept;
+
+ private:
+  C_LappedTransform m_transform;
+  std::vector<std::int16_t> m_history;
+  std::vector<std::int32_t> m_folded;
+};
+
+class C_InverseTransform {
+ public:
+  explicit C_InverseTransform(int nLength);
+  // Both spans have N values; coefficients are limited to +-kMaxCoefficient by the caller. The
+  // samples are those that the forward transform was given one call before.
+  void Transform(std::span<const std::int32_t> coefficients,
+                 std::span<std::int16_t> samples) noexcept;
+
+ private:
+  C_LappedTransform m_transform;
+  std::vector<std::int64_t> m_values;
+  std::vector<std::int64_t> m_falling;  // the half of the frame before that laps over
+};
+
+}  // namespace heron

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The encoder's search for the levels of a frame: the path through the machine of Quantiser.h that
+// costs least, distortion and bits together.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "heron/Neighbourhood.h"
+#include "heron/Quantiser.h"
+
+namespace heron {
+
+class C_Trellis {
+ public:
+  // nLength: coefficients per frame.
+  explicit C_Trellis(int nLength);
+
+  // levels[k] is the level of |coefficients[k]| (Q8) for the frame that before has begun with
+  // nIndex. All spans have one frame.
+  void Search(std::span<const std::int32_t> coefficients, int nIndex, const C_FrameBefore& before,
+              std::span<std::int32_t> levels) noexcept;
+
+ private:
+  // The best path that ends in a state.
+  struct S_Path {
+    std::uint64_t qwCost;
+    S_Below below;
+  };
+  using S_Paths = std::array<S_Path, kStates>;
+  struct S_Choice {
+    std::int32_t nLevel;
+    std::uint8_t byFrom;  // the state before
+  };
+  using S_Choices = std::array<S_Choice, kStates>;
+
+  static void Extend(const S_Paths& paths, std::int32_t nScaled, std::int32_t nExpectation,
+                     S_Paths& next, S_Choices& choices) noexcept;
+
+  std::vector<S_Choices> m_choices;  // for each coefficient, by the state behind it
+};
+
+}  // namespace heron
