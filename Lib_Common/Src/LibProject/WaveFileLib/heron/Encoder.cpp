@@ -29,10 +29,25 @@ int LoudnessOf(std::span<const std::int32_t> coefficients) noexcept {
   return Loudness(qwSquares >> 2 * kCoefficientQ, coefficients.size());
 }
 
-int StepIndex(int nOffset, int nLoudness) noexcept {
-  // Loudness counts 6 dB of level as 512 and the index as 4 * 256: 5/8 of it are 5/4 here.
-  return std::clamp((nOffset + 5 * nLoudness / 4 + 128) >> 8, 0, kSteps - 1);
-}
+// Chooses the step index of one frame after the other.
+class C_StepChoice {
+ public:
+  explicit C_StepChoice(int nOffset) : m_nOffset(nOffset) {}
+
+  int Next(int nLoudness) noexcept {
+    // Loudness counts 6 dB of level as 512 and the index as 4 * 256: 5/8 of it are 5/4 here.
+    const int nWanted = m_nOffset + 5 * nLoudness / 4 + m_nCarried;
+    const int nIndex = (nWanted + 128) >> 8;
+    m_nCarried = nWanted - (nIndex << 8);
+    return std::clamp(nIndex, 0, kSteps - 1);
+  }
+
+ private:
+  int m_nOffset;
+  // What rounding took goes to the next frame: in a sound of steady loudness all frames would
+  // otherwise change their steps at one offset, and no offset would fill the size that is allowed.
+  int m_nCarried = 0;
+};
 
 // Frame nFrame, with silence behind the end.
 void TakeFrame(std::span<const std::int16_t> samples, std::size_t nFrame,
@@ -55,12 +70,13 @@ std::vector<std::uint8_t> C_Encoder::Encode(int nOffset, const S_Progress& fnPro
   C_RangeEncoder encoder(bytes);
   C_ForwardTransform transform(m_nLength);
   C_FrameWriter writer(m_nLength);
+  C_StepChoice steps(nOffset);
   std::vector<std::int16_t> frame(nLength);
   std::vector<std::int32_t> coefficients(nLength);
   for (std::size_t n = 0; n <= nFrames; ++n) {
     TakeFrame(m_samples, n, frame);
     transform.Transform(frame, coefficients);
-    writer.Write(encoder, coefficients, StepIndex(nOffset, LoudnessOf(coefficients)));
+    writer.Write(encoder, coefficients, steps.Next(LoudnessOf(coefficients)));
     if (fnProgress && n > 0 && (n % kFramesPerReport == 0 || n == nFrames))
       fnProgress(static_cast<unsigned int>(n));
   }
