@@ -156,8 +156,7 @@ void Run(const S_Pass& pass) noexcept {
 S_Rotation BackwardRotation(std::int64_t nPart, std::int64_t nWhole) noexcept {
   const S_CirclePoint point = CirclePoint(nPart, nWhole);
   constexpr int kExcess = 30 - kRotationQ;
-  return {static_cast<std::int32_t>(RoundShift(point.nCosine, kExcess)),
-          static_cast<std::int32_t>(RoundShift(-std::int64_t{point.nSine}, kExcess))};
+  return {RoundShift(point.nCosine, kExcess), RoundShift(-std::int64_t{point.nSine}, kExcess)};
 }
 
 C_Fourier::C_Fourier(int nPoints)

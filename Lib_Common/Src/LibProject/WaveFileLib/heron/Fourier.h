@@ -21,8 +21,8 @@ struct S_Complex {
 
 // A factor of modulus 1, Q24.
 struct S_Rotation {
-  std::int32_t nCosine;
-  std::int32_t nSine;
+  std::int64_t nCosine;
+  std::int64_t nSine;
 };
 inline constexpr int kRotationQ = 24;
 

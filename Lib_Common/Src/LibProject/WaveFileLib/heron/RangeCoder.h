@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The range coder. A symbol of a table with total 2^15 takes 15 - log2(its frequency) bits; a raw
-// bit takes one. Encoder and decoder hold the same 32-bit range:
+// bit takes one. Encoder and decoder hold the same 64-bit range, at first 2^64 - 1:
 //
 //   symbol:   unit = range >> 15;  low += unit * cumulative;  range = unit * frequency
 //   raw bits: range >>= bits;      low += range * value
-//   after each: while range < 2^24, the top byte of low (with its carry) goes out, range <<= 8
+//   after each: if range < 2^32, the top four bytes of low go out, highest first; low and range are
+//               shifted up by 32 bits
 //
-// At the end the encoder writes the value of its interval that ends in the most zeros and leaves
-// out up to kMaxMissing zero bytes; the decoder reads zeros there.
+// low counts as one long number with the bytes that went out: it carries into them. At the end the
+// encoder writes the eight bytes of the value in its interval that ends in the most zeros, less the
+// zero bytes at the end; the decoder reads zeros there.
 #pragma once
 
 #include <algorithm>
@@ -40,7 +42,8 @@ constexpr S_Cumulative<kSymbols> Accumulate(
 class C_RangeEncoder {
  public:
   // Appends to bytes, which must outlive the object.
-  explicit C_RangeEncoder(std::vector<std::uint8_t>& bytes) noexcept : m_bytes(bytes) {}
+  explicit C_RangeEncoder(std::vector<std::uint8_t>& bytes) noexcept
+      : m_bytes(bytes), m_nFirst(bytes.size()) {}
 
   // nFrequency at least 1, nCumulative + nFrequency at most kFrequencyTotal.
   void WriteSymbol(std::uint32_t nCumulative, std::uint32_t nFrequency);
@@ -50,78 +53,68 @@ class C_RangeEncoder {
   void Finish();
 
  private:
-  void Normalise();
-  void ShiftOut();
+  void Advance(std::uint64_t qwBy);
+  void Carry() noexcept;
+  void PutTop(int nBytes);
 
   std::vector<std::uint8_t>& m_bytes;
-  std::uint64_t m_qwLow = 0;  // below 2^33; bit 32 is a carry into the bytes that are held back
-  std::uint32_t m_dwRange = 0xFFFFFFFF;
-  // The last byte that a carry can still change, and the bytes of 0xFF behind it. None at first.
-  std::uint64_t m_qwHeld = 0;
-  std::uint8_t m_byFirstHeld = 0;
+  std::size_t m_nFirst;  // the first byte of this sequence
+  std::uint64_t m_qwLow = 0;
+  std::uint64_t m_qwRange = ~std::uint64_t{0};
 };
 
 class C_RangeDecoder {
  public:
-  static constexpr std::size_t kMaxMissing = 3;
-
   explicit C_RangeDecoder(std::span<const std::uint8_t> bytes) noexcept;
 
   // The symbol of the table, 0..kSymbols-1.
   template <std::size_t kSymbols>
   std::size_t ReadSymbol(const S_Cumulative<kSymbols>& cumulative) noexcept {
-    const std::uint32_t dwUnit = m_dwRange >> kFrequencyBits;
-    const std::uint32_t nAt = LimitToTable(m_dwCode / dwUnit);
+    const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
+    // The range is a little wider than its symbols; damaged bytes may point behind the last one.
+    const std::uint64_t qwAt = std::min<std::uint64_t>(m_qwCode / qwUnit, kFrequencyTotal - 1);
     // Small symbols are the likely ones.
     std::size_t nSymbol = 0;
-    while (cumulative[nSymbol + 1] <= nAt) ++nSymbol;
-    m_dwCode -= dwUnit * cumulative[nSymbol];
-    m_dwRange = dwUnit * static_cast<std::uint32_t>(cumulative[nSymbol + 1] - cumulative[nSymbol]);
+    while (cumulative[nSymbol + 1] <= qwAt) ++nSymbol;
+    m_qwCode -= qwUnit * cumulative[nSymbol];
+    m_qwRange = qwUnit * static_cast<unsigned>(cumulative[nSymbol + 1] - cumulative[nSymbol]);
     Normalise();
     return nSymbol;
   }
   // nBits 1..kMaxRawBits.
   std::uint32_t ReadRaw(int nBits) noexcept {
-    m_dwRange >>= nBits;
-    const std::uint32_t nMost = (1u << nBits) - 1;
-    const std::uint32_t nValue = std::min(m_dwCode / m_dwRange, nMost);
-    m_dwCode -= m_dwRange * nValue;
+    m_qwRange >>= nBits;
+    const std::uint64_t qwMost = (std::uint64_t{1} << nBits) - 1;
+    const std::uint64_t qwValue = std::min(m_qwCode / m_qwRange, qwMost);
+    m_qwCode -= m_qwRange * qwValue;
     Normalise();
-    return nValue;
+    return static_cast<std::uint32_t>(qwValue);
   }
   // ReadRaw(1), quicker.
   bool ReadBit() noexcept {
-    m_dwRange >>= 1;
-    const bool bSet = m_dwCode >= m_dwRange;
-    if (bSet) m_dwCode -= m_dwRange;
+    m_qwRange >>= 1;
+    const bool bSet = m_qwCode >= m_qwRange;
+    if (bSet) m_qwCode -= m_qwRange;
     Normalise();
     return bSet;
   }
   // More was read than the encoder can have left out.
-  [[nodiscard]] bool IsPastTheEnd() const noexcept {
-    return m_nRead > m_bytes.size() + kMaxMissing;
-  }
+  [[nodiscard]] bool IsPastTheEnd() const noexcept { return m_nMissing > kMaxMissing; }
 
  private:
-  // The interval is a little wider than its symbols; damaged bytes may point behind the last one.
-  static constexpr std::uint32_t LimitToTable(std::uint32_t nAt) noexcept {
-    return nAt < kFrequencyTotal ? nAt : kFrequencyTotal - 1;
-  }
-  void Normalise() noexcept {
-    while (m_dwRange < (1u << 24)) {
-      m_dwCode = m_dwCode << 8 | NextByte();
-      m_dwRange <<= 8;
-    }
-  }
-  std::uint8_t NextByte() noexcept {
-    const std::size_t nAt = m_nRead++;
-    return nAt < m_bytes.size() ? m_bytes[nAt] : std::uint8_t{0};
-  }
+  static constexpr std::size_t kMaxMissing = 8;
 
-  std::span<const std::uint8_t> m_bytes;
-  std::size_t m_nRead = 0;
-  std::uint32_t m_dwCode = 0;
-  std::uint32_t m_dwRange = 0xFFFFFFFF;
+  void Normalise() noexcept {
+    if (m_qwRange >> 32 != 0) return;
+    m_qwRange <<= 32;
+    m_qwCode = m_qwCode << 32 | Next4Bytes();
+  }
+  std::uint32_t Next4Bytes() noexcept;
+
+  std::span<const std::uint8_t> m_rest;
+  std::size_t m_nMissing = 0;  // bytes that were read behind the end
+  std::uint64_t m_qwCode = 0;
+  std::uint64_t m_qwRange = ~std::uint64_t{0};
 };
 
 }  // namespace heron

@@ -37,14 +37,13 @@ std::int64_t PowerSine(int n, int nLength) noexcept {
   return CirclePoint(nSquare, 4 * nOne).nSine;
 }
 
-std::vector<std::int32_t> ScaledWindow(int nLength) {
+std::vector<std::int64_t> ScaledWindow(int nLength) {
   // sqrt(2/N) in Q30
   const auto nScale = static_cast<std::int64_t>(
       SquareRoot((std::uint64_t{1} << 61) / static_cast<std::uint64_t>(nLength)));
-  std::vector<std::int32_t> window(static_cast<std::size_t>(nLength));
+  std::vector<std::int64_t> window(static_cast<std::size_t>(nLength));
   for (int n = 0; n < nLength; ++n)
-    window[static_cast<std::size_t>(n)] =
-        static_cast<std::int32_t>(RoundShift(PowerSine(n, nLength) * nScale, 60 - kWindowQ));
+    window[static_cast<std::size_t>(n)] = RoundShift(PowerSine(n, nLength) * nScale, 60 - kWindowQ);
   return window;
 }
 

@@ -32,7 +32,7 @@ class C_LappedTransform {
 
   [[nodiscard]] int Length() const noexcept { return m_nLength; }
   // sqrt(2/N) * w[n] in Q28 for the rising half, n = 0..N-1; the falling half mirrors it.
-  [[nodiscard]] std::span<const std::int32_t> RisingWindow() const noexcept { return m_window; }
+  [[nodiscard]] std::span<const std::int64_t> RisingWindow() const noexcept { return m_window; }
   // DCT-IV without its scale, divided by 2^kDown:
   //   out[k] = 2^-kDown * sum over n of in[n] cos(pi/N (n + 1/2)(k + 1/2))
   template <int kDown, typename T_Out>
@@ -43,7 +43,7 @@ class C_LappedTransform {
   C_Fourier m_fourier;
   std::vector<S_Rotation> m_rotations;  // [n]: exp(-i pi (8n + 1) / 8N)
   std::vector<S_Complex> m_points;
-  std::vector<std::int32_t> m_window;
+  std::vector<std::int64_t> m_window;
 };
 
 class C_ForwardTransform {
