@@ -12,6 +12,7 @@
 #include "FuzzFile.h"
 #include "LabelsArePlaced.h"
 #include "Require.h"
+#include "RiffFile.h"
 #include "WavFileFormat.h"
 
 namespace {
@@ -41,7 +42,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
 
   const C_WavFilePtr opened(format.OpenWavFile(bytes.Path()));
   if (opened) {
-    Require(eKind != AUDIO_FILE_UNKNOWN && opened->GetWavDataBuffer() == nullptr);
+    // Containers have no kind of their own: their object says by its coding type what is in them.
+    C_RiffFile riff;
+    Require(eKind != AUDIO_FILE_UNKNOWN || riff.Open(bytes.Path(), "VEFF"));
+    Require(opened->GetWavDataBuffer() == nullptr);
     Require(opened->GetFileLength() == cbData);
   }
   g_qwHeard = 0;

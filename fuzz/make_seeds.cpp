@@ -64,6 +64,13 @@ Bytes WaveFile(I_WavData& sound, tagAudioFileType eType) {
   return file.Bytes();
 }
 
+// Files of codecs are containers when they are written without encoding.
+Bytes Container(I_WavData& sound, tagAudioFileType eType) {
+  const C_FuzzFile file;
+  if (!sound.Convert(eType, file.Path(), false, false, nullptr, true, 0)) std::abort();
+  return file.Bytes();
+}
+
 // The payload of the first such chunk of a RIFF file.
 Bytes Payload(const Bytes& wave, const char* pszID) {
   const C_FuzzFile file(wave);
@@ -96,6 +103,26 @@ void AddCompressedWaves(C_Seeds& seeds) {
     const Bytes encoded = ExamplePcm({8000, 1, 8, 8}, std::size_t{3} * blocks.wBlockAlign + 19);
     seeds.Add({"wav_load", "factory"}, CompressedWav(blocks, encoded).Take());
     seeds.Add({"wav_load"}, CompressedWav(blocks, encoded, "VEMD").Take());
+  }
+}
+
+// A cue point, a label and a text of the user's, where an event will want the identifier.
+void AddMarkOfTheUser(I_WavData& sound) {
+  void* pInfo = nullptr;
+  sound.GetInfo(WAV_DATA_INFO_CUE, &pInfo);
+  static_cast<I_WavDataCueInfo*>(pInfo)->AddCuePoint(1, 30, 0x61746164, 0, 0, 30);
+  sound.GetInfo(WAV_DATA_INFO_LIST, &pInfo);
+  static_cast<I_WavDataListInfo*>(pInfo)->AddLabel(1, "Verse");
+  static_cast<I_WavDataListInfo*>(pInfo)->AddLtxt(1, 20, "rgn ");
+}
+
+void AddContainers(C_Seeds& seeds) {
+  for (const unsigned short wChannels : {std::uint16_t{1}, std::uint16_t{2}}) {
+    const C_SoundPtr sound = ExampleSound({16000, wChannels, 16, 16}, 320);
+    seeds.Add({"vef", "factory"}, Container(*sound, AUDIO_FILE_KESTREL));
+    AddAnnotations(*sound);
+    AddMarkOfTheUser(*sound);
+    seeds.Add({"vef", "factory", "riff_list"}, Container(*sound, AUDIO_FILE_KESTREL));
   }
 }
 
@@ -178,6 +205,7 @@ int main(int argc, char** argv) {
   C_Seeds seeds(argv[1]);
   AddWaves(seeds);
   AddCompressedWaves(seeds);
+  AddContainers(seeds);
   AddChunks(seeds);
   AddDescriptions(seeds);
   AddStreams(seeds);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <type_traits>
 
@@ -240,6 +241,28 @@ TEST_F(CLArray, GetItemByIndex_ConvertsToTheInterface) {
   I_Item* pItem = list.GetItemByIndex(0);
   EXPECT_NE(static_cast<void*>(pItem), static_cast<void*>(list.GetAt(0)));
   EXPECT_EQ(pItem, static_cast<I_Item*>(list.GetAt(0)));
+}
+
+TEST_F(CLArray, KeepIf_RemovesWhatIsRefusedAndKeepsTheOrder) {
+  OwningList list;
+  Fill(list, 7);
+  vcm::KeepIf(list, [](C_Item& item) { return item.Number() % 3 != 0; });
+  EXPECT_EQ(NumbersIn(list), (std::vector{1, 2, 4, 5}));
+  std::sort(g_deleted.begin(), g_deleted.end());
+  EXPECT_EQ(g_deleted, (std::vector{0, 3, 6}));
+}
+
+TEST_F(CLArray, KeepIf_OfAllNoneOrNothing_KeepsThat) {
+  OwningList list;
+  vcm::KeepIf(list, [](C_Item&) { return false; });
+  EXPECT_EQ(list.GetSize(), 0);
+  Fill(list, 3);
+  vcm::KeepIf(list, [](C_Item&) { return true; });
+  EXPECT_EQ(NumbersIn(list), (std::vector{0, 1, 2}));
+  EXPECT_TRUE(g_deleted.empty());
+  vcm::KeepIf(list, [](C_Item&) { return false; });
+  EXPECT_EQ(list.GetSize(), 0);
+  EXPECT_EQ(g_deleted.size(), 3u);
 }
 
 TEST_F(CLArray, Shape_IsAVectorBehindTheInterface) {

@@ -34,8 +34,19 @@ C_SoundPtr AnnotatedSound() {
   return sound;
 }
 
-bool Write(I_WavData& sound, tagAudioFileType eType, const std::string& strPath) {
-  return sound.Convert(eType, strPath.c_str(), true, false, nullptr, true, 0);
+// Files of codecs are streams of their own, or containers when they are written without encoding.
+enum class Form { Own, Container };
+
+bool Write(I_WavData& sound, tagAudioFileType eType, const std::string& strPath,
+           Form eForm = Form::Own) {
+  return sound.Convert(eType, strPath.c_str(), eForm == Form::Own, false, nullptr, true, 0);
+}
+
+Bytes ContainerOf(I_WavData& sound, tagAudioFileType eType) {
+  const C_TempFolder folder;
+  const std::string strPath = folder.Path("made");
+  if (!Write(sound, eType, strPath, Form::Container)) std::abort();
+  return folder.Read("made");
 }
 
 Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
@@ -50,7 +61,8 @@ Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
 // Loads a file by the factory.
 class C_LoadOperation : public C_SweptOperation {
  public:
-  C_LoadOperation(const C_TempFolder& folder, Bytes source) : C_SweptOperation(folder) {
+  C_LoadOperation(const C_TempFolder& folder, Bytes source, bool bKeepEncoded)
+      : C_SweptOperation(folder), m_bKeepEncoded(bKeepEncoded) {
     m_source = std::move(source);
     Prepare();
     if (!C_LoadOperation::Run()) std::abort();
@@ -59,7 +71,7 @@ class C_LoadOperation : public C_SweptOperation {
   }
   bool Run() override {
     C_WavFileFormat format;
-    m_file.reset(format.CreateWavFile(Source().c_str(), true, true, nullptr, nullptr));
+    m_file.reset(format.CreateWavFile(Source().c_str(), true, m_bKeepEncoded, nullptr, nullptr));
     return m_file != nullptr;
   }
   bool IsWhole() override { return Pcm() == m_pcm && Events() == m_nEvents; }
@@ -76,6 +88,7 @@ class C_LoadOperation : public C_SweptOperation {
     return m_file->GetWavData()->GetEventTagMgr()->GetEventList()->GetSize();
   }
 
+  bool m_bKeepEncoded;
   C_WavFilePtr m_file;
   Bytes m_pcm;
   int m_nEvents = 0;
@@ -84,17 +97,18 @@ class C_LoadOperation : public C_SweptOperation {
 // Writes a sound as a file.
 class C_SaveOperation : public C_SweptOperation {
  public:
-  C_SaveOperation(const C_TempFolder& folder, tagAudioFileType eType)
-      : C_SweptOperation(folder), m_eType(eType) {
+  C_SaveOperation(const C_TempFolder& folder, tagAudioFileType eType, Form eForm)
+      : C_SweptOperation(folder), m_eType(eType), m_eForm(eForm) {
     Prepare();
     if (!C_SaveOperation::Run()) std::abort();
     m_expected = ReadTarget();
   }
-  bool Run() override { return Write(*m_sound, m_eType, Target()); }
+  bool Run() override { return Write(*m_sound, m_eType, Target(), m_eForm); }
   bool IsWhole() override { return ReadTarget() == m_expected; }
 
  private:
   tagAudioFileType m_eType;
+  Form m_eForm;
   C_SoundPtr m_sound = AnnotatedSound();
   Bytes m_expected;
 };
@@ -158,18 +172,25 @@ using Maker = std::function<std::unique_ptr<C_SweptOperation>(const C_TempFolder
 
 Maker Load(tagAudioFileType eType) {
   return [=](const auto& folder) {
-    return std::make_unique<C_LoadOperation>(folder, FileOf(*AnnotatedSound(), eType));
+    return std::make_unique<C_LoadOperation>(folder, FileOf(*AnnotatedSound(), eType), true);
   };
 }
 Maker LoadCompressed() {
   return [](const auto& folder) {
     const S_Blocks blocks = OneOfEachKind().front();
     return std::make_unique<C_LoadOperation>(
-        folder, CompressedWav(blocks, RampBytes(std::size_t{9} * blocks.wBlockAlign)).Take());
+        folder, CompressedWav(blocks, RampBytes(std::size_t{9} * blocks.wBlockAlign)).Take(), true);
   };
 }
-Maker Save(tagAudioFileType eType) {
-  return [=](const auto& folder) { return std::make_unique<C_SaveOperation>(folder, eType); };
+Maker LoadContainer(tagAudioFileType eType, bool bKeepEncoded) {
+  return [=](const auto& folder) {
+    return std::make_unique<C_LoadOperation>(folder, ContainerOf(*AnnotatedSound(), eType),
+                                             bKeepEncoded);
+  };
+}
+Maker Save(tagAudioFileType eType, Form eForm = Form::Own) {
+  return
+      [=](const auto& folder) { return std::make_unique<C_SaveOperation>(folder, eType, eForm); };
 }
 Maker Files(Bytes (*pfnSource)(), bool (*pfnAction)(C_FileOperation&),
             C_FileOperation::Reports eReports = C_FileOperation::Reports::AllThatWasDone) {
@@ -185,9 +206,12 @@ const std::map<std::string, Maker>& Makers() {
       {"LoadVemd", Load(AUDIO_FILE_VEMD)},
       {"LoadKestrel", Load(AUDIO_FILE_KESTREL)},
       {"LoadCompressed", LoadCompressed()},
+      {"LoadKestrelContainer", LoadContainer(AUDIO_FILE_KESTREL, false)},
+      {"LoadKestrelContainerAsStored", LoadContainer(AUDIO_FILE_KESTREL, true)},
       {"SaveWave", Save(AUDIO_FILE_WAVE)},
       {"SaveVemd", Save(AUDIO_FILE_VEMD)},
       {"SaveKestrel", Save(AUDIO_FILE_KESTREL)},
+      {"SaveKestrelContainer", Save(AUDIO_FILE_KESTREL, Form::Container)},
       {"PrependHeader", Files(BareKestrel, Prepend)},
       {"StripHeader", Files(KestrelFile, Strip, C_FileOperation::Reports::OnlyTheOpening)},
       {"CopyWithHeader", Files(BareKestrel, CopyWithHeader)},

@@ -252,6 +252,22 @@ TEST_F(WavDataCueInfo, NullEntry_StopsTheProgram) {
                "^SaveInfo: WaveFileLib/WavDataInfo:[0-9]+: assertion failed: pCuePoint != NULL\n$");
 }
 
+TEST_F(WavDataCueInfo, Renumber_ChangesOrRemovesPointsAndFindsThemAgain) {
+  ASSERT_TRUE(
+      Load(m_info, Join({Words({4}), Record(1, 10), Record(2, 20), Record(3, 30), Record(1, 40)})));
+  EXPECT_EQ(IndexOf(3), 2);
+  m_info.Renumber([](unsigned int dwID) {
+    return dwID == 2 ? std::nullopt : std::optional<unsigned int>(dwID + 0x01020300);
+  });
+  EXPECT_EQ(IDs(), (std::vector<unsigned int>{0x01020301, 0x01020303, 0x01020301}));
+  EXPECT_EQ(Saved(m_info), Join({Words({3}), Record(0x01020301, 10), Record(0x01020303, 30),
+                                 Record(0x01020301, 40)}));
+  EXPECT_EQ(m_info.FindCuePointByID(3, nullptr), nullptr);
+  EXPECT_EQ(m_info.FindCuePointByID(2, nullptr), nullptr);
+  EXPECT_EQ(IndexOf(0x01020303), 1);
+  EXPECT_EQ(IndexOf(0x01020301), 0);
+}
+
 TEST_F(WavDataCueInfo, Operations_StandInTheirSlots) {
   auto* pInfo = new C_WavDataCueInfo(&m_wavInfo);
   I_WavDataCueInfo* pIInfo = pInfo;

@@ -311,6 +311,30 @@ TEST_F(WavDataListInfo, HundredThousandLabels_LoadAndSaveInLinearTime) {
   EXPECT_EQ(Saved(again), saved);
 }
 
+TEST_F(WavDataListInfo, Renumber_ChangesOrRemovesWhatCarriesAnIdentifier) {
+  for (const unsigned int dwID : {1U, 2U, 3U, 1U}) {
+    m_info.AddLabel(dwID, "text");
+    m_info.AddLtxt(dwID, 10 * dwID, "rgn ");
+  }
+  m_info.Renumber([](unsigned int dwID) {
+    return dwID == 2 ? std::nullopt : std::optional<unsigned int>(dwID + 100);
+  });
+  ASSERT_EQ(m_info.GetLabelCount(), 3);
+  ASSERT_EQ(m_info.GetLtxtCount(), 3);
+  EXPECT_EQ(LabelAt(0) + LabelAt(1) + LabelAt(2), "101:text103:text101:text");
+  EXPECT_EQ(LtxtAt(0) + LtxtAt(1) + LtxtAt(2), "101:10:rgn 103:30:rgn 101:10:rgn ");
+}
+
+TEST_F(WavDataListInfo, RemoveLabels_LeavesTheTexts) {
+  m_info.AddLabel(1, "a");
+  m_info.AddLabel(2, "b");
+  m_info.AddLtxt(1, 5, "rgn ");
+  m_info.RemoveLabels([](const char* pszText) { return *pszText == 'a'; });
+  ASSERT_EQ(m_info.GetLabelCount(), 1);
+  EXPECT_EQ(LabelAt(0), "2:b");
+  EXPECT_EQ(m_info.GetLtxtCount(), 1);
+}
+
 TEST_F(WavDataListInfo, SaveInfo_IntoAChunkOfAnotherLength_Fails) {
   C_RiffChunk shorter("LIST", 3);
   C_RiffChunk longer("LIST", 5);
