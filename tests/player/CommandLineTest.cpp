@@ -278,6 +278,22 @@ TEST_F(CommandLine, CompressedWavOfEveryKind_LeavesItsLinearSound) {
   }
 }
 
+TEST_F(CommandLine, ContainersNamedLikeSpeech_PlayTheirPcm) {
+  const C_SoundPtr sound = ExampleSound({}, 3200);
+  AddAnnotations(*sound);
+  const std::string strPath = m_folder.Path("x.kst");
+  ASSERT_TRUE(sound->Convert(AUDIO_FILE_KESTREL, strPath.c_str(), false, false, nullptr, true, 0));
+  ExpectRun({strPath, "0"}, "file duration: 0.200000 secs\nPlaying...Finished\n", 0);
+  const C_Bytes wav = LeftFile(".wav");
+  ASSERT_GT(wav.size(), 44U + 6400);
+  EXPECT_EQ(C_Bytes(wav.begin() + 44, wav.begin() + 44 + 6400), ExamplePcm({}, 3200));
+}
+
+TEST_F(CommandLine, ContainerWithoutAFormat_IsADecodingFailure) {
+  ExpectFailure(m_folder.Write("x.kst", C_RiffBytes("VEFF").Chunk("data", Silence(8)).Take()),
+                kDecodeFailed, -2);
+}
+
 TEST_F(CommandLine, NamesWithBlanksUmlautsAndManyCharacters_Work) {
   const C_Bytes wav = WavOf(16000, 1, Silence(160));
   const std::string strOutput = "file duration: 0.010000 secs\nPlaying...Finished\n";

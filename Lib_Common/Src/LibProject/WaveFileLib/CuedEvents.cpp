@@ -35,8 +35,10 @@ C_ByID Positions(I_WavDataCueInfo& cueInfo) {
 
 void AddPoint(I_WavDataCueInfo& cueInfo, I_WavDataListInfo& listInfo, unsigned int dwID,
               unsigned int dwSamplePos, const char* pszLabel) {
-  cueInfo.AddCuePoint(dwID, dwSamplePos, kDataChunkID, 0, 0, dwSamplePos);
+  // In this order: should the second find no memory, a label without a cue point means nothing,
+  // while a cue point without a label would be the user's.
   listInfo.AddLabel(dwID, pszLabel);
+  cueInfo.AddCuePoint(dwID, dwSamplePos, kDataChunkID, 0, 0, dwSamplePos);
 }
 
 I_EventTagMgr& ManagerOf(I_WavData& wavData, const vcm::S_AssertSite& site) {

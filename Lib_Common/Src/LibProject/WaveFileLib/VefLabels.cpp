@@ -13,6 +13,7 @@
 #include "VcmAssert.h"
 #include "WavDataCueInfo.h"
 #include "WavDataListInfo.h"
+#include "WavDataSamplerInfo.h"
 #include "WavLabels.h"
 
 namespace veflabels {
@@ -88,63 +89,44 @@ C_IDMap MakeWay(const C_IDs& ids, C_IDs taken, unsigned int dwEvents) {
   return newIDs;
 }
 
-struct S_Loop {
-  unsigned int dwCuePointID;
-  tagLoopType eType;
-  unsigned int dwStart;
-  unsigned int dwEnd;
-  unsigned int dwFraction;
-  unsigned int dwPlayCount;
-};
-
-std::vector<S_Loop> LoopsOf(I_WavDataSamplerInfo& samplerInfo) {
-  std::vector<S_Loop> loops;
-  for (int i = 0; static_cast<unsigned int>(i) < samplerInfo.GetSampleLoopNum(); ++i) {
-    I_WavDataSampleLoop& loop = *samplerInfo.GetSampleLoopByIndex(i);
-    loops.push_back({loop.GetCuePointID(), loop.GetType(), loop.GetStartSampleOffset(),
-                     loop.GetEndSampleOffset(), loop.GetFraction(), loop.GetPlayCount()});
-  }
-  return loops;
-}
-
 unsigned int NewOf(const C_IDMap& newIDs, unsigned int dwID) {
   const auto newID = newIDs.find(dwID);
   return newID == newIDs.end() ? dwID : newID->second;
 }
 
-void RenumberLoops(I_WavDataSamplerInfo& samplerInfo, const C_IDMap& newIDs) {
-  const std::vector<S_Loop> loops = LoopsOf(samplerInfo);
-  samplerInfo.ResetSampleLoopInformation();
-  for (const S_Loop& loop : loops) {
-    samplerInfo.AddSampleLoop(NewOf(newIDs, loop.dwCuePointID), loop.eType, loop.dwStart,
-                              loop.dwEnd, loop.dwFraction, loop.dwPlayCount);
-  }
-}
+// The annotations of a sound of our own kind, which can be changed in place.
+struct S_Annotations {
+  C_WavDataListInfo& listInfo;
+  C_WavDataCueInfo& cueInfo;
+  C_WavDataSamplerInfo& samplerInfo;
+};
 
 // The cue points and texts of identifiers that a label of the user's names too are the user's.
-void RemoveLibraryLabels(C_WavDataListInfo& listInfo, C_WavDataCueInfo& cueInfo) {
-  const C_IDs library = IDsOfLabels(listInfo, true);
-  const C_IDs user = IDsOfLabels(listInfo, false);
-  listInfo.RemoveLabels(&IsLibraryLabel);
+//
+// Whatever may find no memory is done before the first change, here and below: half of these
+// changes would turn cue points of events into cue points of the user.
+void RemoveLibraryLabels(const S_Annotations& annotations) {
+  const C_IDs library = IDsOfLabels(annotations.listInfo, true);
+  const C_IDs user = IDsOfLabels(annotations.listInfo, false);
   const vcm::C_NewID keep = [&](unsigned int dwID) -> std::optional<unsigned int> {
     if (library.contains(dwID) && !user.contains(dwID)) return std::nullopt;
     return dwID;
   };
-  listInfo.Renumber(keep);
-  cueInfo.Renumber(keep);
+  annotations.listInfo.RemoveLabels(&IsLibraryLabel);
+  annotations.listInfo.Renumber(keep);
+  annotations.cueInfo.Renumber(keep);
 }
 
-void RenumberBehind(unsigned int dwEvents, C_WavDataListInfo& listInfo, C_WavDataCueInfo& cueInfo,
-                    I_WavDataSamplerInfo& samplerInfo) {
-  const C_IDs ids = IDsOfAll(listInfo, cueInfo);
-  C_IDs taken = IDsOfLoops(samplerInfo);
+void RenumberBehind(unsigned int dwEvents, const S_Annotations& annotations) {
+  const C_IDs ids = IDsOfAll(annotations.listInfo, annotations.cueInfo);
+  C_IDs taken = IDsOfLoops(annotations.samplerInfo);
   taken.insert(ids.begin(), ids.end());
   const C_IDMap newIDs = MakeWay(ids, taken, dwEvents);
   if (newIDs.empty()) return;
   const vcm::C_NewID newID = [&](unsigned int dwID) { return NewOf(newIDs, dwID); };
-  listInfo.Renumber(newID);
-  cueInfo.Renumber(newID);
-  RenumberLoops(samplerInfo, newIDs);
+  annotations.listInfo.Renumber(newID);
+  annotations.cueInfo.Renumber(newID);
+  annotations.samplerInfo.Renumber(newID);
 }
 
 }  // namespace
@@ -195,10 +177,12 @@ void SaveEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInf
       cuedevents::EventsOf(cuedevents::ManagerOf(wavData, kWriteSite), kWriteSite);
   auto* const pOwnList = dynamic_cast<C_WavDataListInfo*>(&listInfo);
   auto* const pOwnCues = dynamic_cast<C_WavDataCueInfo*>(&cueInfo);
+  auto* const pOwnSampler = dynamic_cast<C_WavDataSamplerInfo*>(&samplerInfo);
   // The info objects of other kinds of sounds cannot be renumbered; events are added to them.
-  if (pOwnList != nullptr && pOwnCues != nullptr) {
-    RemoveLibraryLabels(*pOwnList, *pOwnCues);
-    RenumberBehind(static_cast<unsigned int>(events.size()), *pOwnList, *pOwnCues, samplerInfo);
+  if (pOwnList != nullptr && pOwnCues != nullptr && pOwnSampler != nullptr) {
+    const S_Annotations annotations{*pOwnList, *pOwnCues, *pOwnSampler};
+    RemoveLibraryLabels(annotations);
+    RenumberBehind(static_cast<unsigned int>(events.size()), annotations);
   }
   unsigned int dwID = 0;
   for (I_EventTag* pIEvent : events) {

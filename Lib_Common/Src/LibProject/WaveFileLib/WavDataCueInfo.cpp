@@ -34,9 +34,8 @@ unsigned int C_CuePoint::Field(std::size_t nField) const {
 }
 
 void C_CuePoint::SetCuePointID(unsigned int dwID) {
-  vcm::C_ByteWriter writer;
-  writer.U32(dwID);
-  std::copy(writer.Data().begin(), writer.Data().end(), m_record.begin());
+  for (std::size_t i = 0; i < sizeof(std::uint32_t); ++i)
+    m_record[i] = static_cast<std::uint8_t>(dwID >> (8 * i));
 }
 
 void C_WavDataCueInfo::Reset() {

@@ -68,7 +68,7 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
   bool SaveInfo(I_RiffChunk* pChunk) override;
 
   // Each point gets the identifier that newID gives for its own; one that gets none is removed.
-  // Points of one identifier stay apart.
+  // Points of one identifier stay apart. Throws nothing that newID does not.
   void Renumber(const vcm::C_NewID& newID);
 
  protected:

@@ -65,7 +65,7 @@ class C_WavDataListInfo : public I_WavDataListInfo {
   // Removes the labels whose text bRemove accepts.
   void RemoveLabels(bool (*bRemove)(const char* pszText));
   // Each label and each text gets the identifier that newID gives for its own; one that gets none
-  // is removed.
+  // is removed. Throws nothing that newID does not.
   void Renumber(const vcm::C_NewID& newID);
 
  private:

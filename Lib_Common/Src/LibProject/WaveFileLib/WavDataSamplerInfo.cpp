@@ -112,6 +112,14 @@ bool C_WavDataSamplerInfo::SaveInfo(I_RiffChunk* pChunk) {
   return vcm::SavePayload(*pChunk, writer.Data());
 }
 
+void C_WavDataSamplerInfo::Renumber(const vcm::C_NewID& newID) {
+  vcm::KeepIf(m_loops, [&newID](C_SampleLoop& loop) {
+    const std::optional<unsigned int> dwID = newID(loop.GetCuePointID());
+    if (dwID) loop.SetCuePointID(*dwID);
+    return dwID.has_value();
+  });
+}
+
 void C_WavDataSamplerInfo::Append(const S_SampleLoop& record) {
   vcm::AddOwned(m_loops, std::make_unique<C_SampleLoop>(record, m_pIWavInfo));
 }

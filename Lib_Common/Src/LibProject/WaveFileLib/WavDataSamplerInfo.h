@@ -18,6 +18,7 @@
 #include "CLArray.h"
 #include "I_WavDataInfo.h"
 #include "I_WavInfo.h"
+#include "NewID.h"
 
 class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
  public:
@@ -46,6 +47,7 @@ class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
     unsigned int GetPlayCount() override { return m_record.dwPlayCount; }
 
     [[nodiscard]] const S_SampleLoop& GetRecord() const { return m_record; }
+    void SetCuePointID(unsigned int dwID) { m_record.dwCuePointID = dwID; }
 
    private:
     // Bytes in front of a sample frame, modulo 2^32.
@@ -92,6 +94,10 @@ class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
   // Replaces header and loops. The sampler data length is cut to what the payload holds.
   bool LoadInfo(I_RiffChunk* pChunk) override;
   bool SaveInfo(I_RiffChunk* pChunk) override;
+
+  // Each loop gets the cue point identifier that newID gives for its own; one that gets none is
+  // removed. Throws nothing that newID does not.
+  void Renumber(const vcm::C_NewID& newID);
 
  protected:
   SampleLoopList m_loops;

@@ -245,6 +245,19 @@ TEST_F(WavDataSamplerInfo, NullLoop_StopsSaving) {
       "^SaveInfo: WaveFileLib/WavDataInfo:[0-9]+: assertion failed: pSampleLoop != NULL\n$");
 }
 
+TEST_F(WavDataSamplerInfo, Renumber_ChangesOrRemovesLoops) {
+  for (const unsigned int dwID : {1U, 2U, 3U})
+    m_info.AddSampleLoop(dwID, LOOP_ALTERNATING, 10 * dwID, 20 * dwID, 4, 5);
+  m_info.Renumber([](unsigned int dwID) {
+    return dwID == 2 ? std::nullopt : std::optional<unsigned int>(dwID + 100);
+  });
+  ASSERT_EQ(m_info.GetSampleLoopNum(), 2u);
+  EXPECT_EQ(m_info.GetSampleLoopByIndex(0)->GetCuePointID(), 101u);
+  EXPECT_EQ(m_info.GetSampleLoopByIndex(1)->GetCuePointID(), 103u);
+  EXPECT_EQ(m_info.GetSampleLoopByIndex(1)->GetStartSampleOffset(), 30u);
+  EXPECT_EQ(m_info.GetSampleLoopByIndex(1)->GetType(), LOOP_ALTERNATING);
+}
+
 TEST_F(WavDataSamplerInfo, Operations_StandInTheirSlots) {
   auto* pInfo = new C_WavDataSamplerInfo(&m_wavInfo);
   I_WavDataSamplerInfo* pIInfo = pInfo;
