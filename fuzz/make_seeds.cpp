@@ -20,6 +20,7 @@
 #include "CompressedBytes.h"
 #include "ExampleSound.h"
 #include "FuzzFile.h"
+#include "HeronCodec.h"
 #include "KestrelCodec.h"
 #include "RiffFile.h"
 #include "SpHeader.h"
@@ -160,9 +161,9 @@ Bytes KestrelStream(unsigned int dwBitRate, std::size_t nFrames) {
   return {pbyStream, pbyStream + dwLength};
 }
 
-Bytes WithHeader(const Bytes& stream) {
+Bytes WithHeader(const Bytes& stream, tagAudioFileType eType = AUDIO_FILE_KESTREL) {
   C_SpHeader header;
-  header.SetID(AUDIO_FILE_KESTREL);
+  header.SetID(static_cast<unsigned short>(eType));
   header.SetFreq(16000);
   const C_FuzzFile source(stream);
   const C_FuzzFile target;
@@ -189,6 +190,32 @@ void AddStreams(C_Seeds& seeds) {
   }
 }
 
+Bytes HeronStream(I_WavData& sound, tagAudioFileType eType) {
+  C_HeronCodec codec;
+  unsigned char* pbyStream = nullptr;
+  unsigned int dwLength = 0;
+  if (!codec.Encode(&sound, eType, nullptr, nullptr, &pbyStream, &dwLength)) std::abort();
+  const std::unique_ptr<unsigned char[]> owner(pbyStream);
+  return {pbyStream, pbyStream + dwLength};
+}
+
+// The fuzzer chooses a sample rate by the first byte, in this order.
+void AddHeronStreams(C_Seeds& seeds) {
+  constexpr std::array<unsigned int, 6> kRates = {4000, 8000, 11025, 16000, 44100, 48000};
+  for (std::size_t i = 0; i < kRates.size(); ++i) {
+    const C_SoundPtr sound = ExampleSound({.dwSampleRate = kRates[i]}, 400);
+    for (unsigned int dwType = kHeronTypes.dwFirst; dwType <= kHeronTypes.dwLast; ++dwType) {
+      const Bytes stream = HeronStream(*sound, static_cast<tagAudioFileType>(dwType));
+      seeds.Add({"heron_stream"}, Chosen(i, stream));
+      if (kHeronSpTypes.Has(dwType) && kRates[i] == 16000)
+        seeds.Add({"factory", "sp_header"},
+                  WithHeader(stream, static_cast<tagAudioFileType>(dwType)));
+    }
+    AddAnnotations(*sound);
+    seeds.Add({"heron_stream"}, Chosen(i, HeronStream(*sound, AUDIO_FILE_HERON_2BIT)));
+  }
+}
+
 void AddNames(C_Seeds& seeds) {
   for (const char* pszName :
        {"speech.kst", "SPEECH.WAV", "a.b.mp3", "no_extension", ".vea", "x.", "x.MID"})
@@ -209,6 +236,7 @@ int main(int argc, char** argv) {
   AddChunks(seeds);
   AddDescriptions(seeds);
   AddStreams(seeds);
+  AddHeronStreams(seeds);
   AddNames(seeds);
   return EXIT_SUCCESS;
 }

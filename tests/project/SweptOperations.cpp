@@ -20,18 +20,25 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 constexpr std::size_t kFrames = 960;
+constexpr std::size_t kHeronFrames = 320;  // encoding takes many steps
 
-C_SpHeader KestrelHeader() {
+C_SpHeader HeaderOf(tagAudioFileType eType) {
   C_SpHeader header;
-  header.SetID(AUDIO_FILE_KESTREL);
+  header.SetID(static_cast<unsigned short>(eType));
   header.SetFreq(16000);
   return header;
 }
+C_SpHeader KestrelHeader() { return HeaderOf(AUDIO_FILE_KESTREL); }
 
-C_SoundPtr AnnotatedSound() {
-  C_SoundPtr sound = ExampleSound({}, kFrames);
+bool IsRiff(tagAudioFileType eType) { return eType == AUDIO_FILE_WAVE || eType == AUDIO_FILE_VEMD; }
+
+C_SoundPtr AnnotatedSound(std::size_t nFrames = kFrames) {
+  C_SoundPtr sound = ExampleSound({}, nFrames);
   AddAnnotations(*sound);
   return sound;
+}
+C_SoundPtr AnnotatedSoundFor(tagAudioFileType eType) {
+  return AnnotatedSound(kHeronTypes.Has(eType) ? kHeronFrames : kFrames);
 }
 
 // Files of codecs are streams of their own, or containers when they are written without encoding.
@@ -53,8 +60,7 @@ Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
   const C_TempFolder folder;
   const std::string strPath = folder.Path("made");
   if (!Write(sound, eType, strPath)) std::abort();
-  if (eType == AUDIO_FILE_KESTREL && !PrependSpHeader(KestrelHeader(), strPath.c_str()))
-    std::abort();
+  if (!IsRiff(eType) && !PrependSpHeader(HeaderOf(eType), strPath.c_str())) std::abort();
   return folder.Read("made");
 }
 
@@ -98,7 +104,10 @@ class C_LoadOperation : public C_SweptOperation {
 class C_SaveOperation : public C_SweptOperation {
  public:
   C_SaveOperation(const C_TempFolder& folder, tagAudioFileType eType, Form eForm)
-      : C_SweptOperation(folder), m_eType(eType), m_eForm(eForm) {
+      : C_SweptOperation(folder),
+        m_eType(eType),
+        m_eForm(eForm),
+        m_sound(AnnotatedSoundFor(eType)) {
     Prepare();
     if (!C_SaveOperation::Run()) std::abort();
     m_expected = ReadTarget();
@@ -109,7 +118,7 @@ class C_SaveOperation : public C_SweptOperation {
  private:
   tagAudioFileType m_eType;
   Form m_eForm;
-  C_SoundPtr m_sound = AnnotatedSound();
+  C_SoundPtr m_sound;
   Bytes m_expected;
 };
 
@@ -208,10 +217,14 @@ const std::map<std::string, Maker>& Makers() {
       {"LoadCompressed", LoadCompressed()},
       {"LoadKestrelContainer", LoadContainer(AUDIO_FILE_KESTREL, false)},
       {"LoadKestrelContainerAsStored", LoadContainer(AUDIO_FILE_KESTREL, true)},
+      {"LoadHeron", Load(AUDIO_FILE_HERON_4BIT)},
+      {"LoadHeronContainer", LoadContainer(AUDIO_FILE_HERON_3BIT, false)},
       {"SaveWave", Save(AUDIO_FILE_WAVE)},
       {"SaveVemd", Save(AUDIO_FILE_VEMD)},
       {"SaveKestrel", Save(AUDIO_FILE_KESTREL)},
       {"SaveKestrelContainer", Save(AUDIO_FILE_KESTREL, Form::Container)},
+      {"SaveHeron", Save(AUDIO_FILE_HERON_2BIT)},
+      {"SaveHeronContainer", Save(AUDIO_FILE_HERON_2BIT, Form::Container)},
       {"PrependHeader", Files(BareKestrel, Prepend)},
       {"StripHeader", Files(KestrelFile, Strip, C_FileOperation::Reports::OnlyTheOpening)},
       {"CopyWithHeader", Files(BareKestrel, CopyWithHeader)},

@@ -29,3 +29,4 @@ struct S_AudioFileTypes {
 inline constexpr S_AudioFileTypes kNoTypes{1, 0};
 inline constexpr S_AudioFileTypes kKestrelTypes{AUDIO_FILE_KESTREL, AUDIO_FILE_KESTREL};
 inline constexpr S_AudioFileTypes kHeronTypes{AUDIO_FILE_HERON_4BIT, AUDIO_FILE_HERON_3BIT};
+inline constexpr S_AudioFileTypes kHeronSpTypes{AUDIO_FILE_HERON_4BIT, AUDIO_FILE_HERON_6BIT};

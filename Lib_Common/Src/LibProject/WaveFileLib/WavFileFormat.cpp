@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "ByteReader.h"
+#include "HeronFile.h"
 #include "KestrelFile.h"
 #include "RiffFile.h"
 #include "SpHeader.h"
@@ -38,6 +39,13 @@ I_WavFile* FirstThatOpens(const Arguments&... arguments) {
   return pIWavFile;
 }
 
+template <typename File>
+std::unique_ptr<I_WavFile> MakeCodecFile(tagAudioFileType eEncodedType) {
+  auto file = std::make_unique<File>();
+  file->SetCodingType(eEncodedType);
+  return file;
+}
+
 bool HasAcceptedTag(C_RiffChunk& chunk) {
   std::array<std::uint8_t, 2> tag{};
   return chunk.GetData(tag.data(), tag.size(), 0) &&
@@ -67,8 +75,9 @@ bool C_WavFileFormat::IsFileFormat(const char* pszFileName, tagAudioFileType eTy
 I_WavFile* C_WavFileFormat::CreateWavFile(const char* pszFileName, bool bLoadData,
                                           bool bKeepEncoded, const char* pszCodecOption,
                                           PFN_DecodedData pfnData) {
-  return FirstThatOpens<C_WavFile, C_KestrelFile>(pszFileName, bLoadData, bKeepEncoded,
-                                                  pszCodecOption, pfnData);
+  return FirstThatOpens<C_WavFile, C_Heron4BitFile, C_Heron5BitFile, C_Heron6BitFile,
+                        C_Heron2BitFile, C_Heron3BitFile, C_KestrelFile>(
+      pszFileName, bLoadData, bKeepEncoded, pszCodecOption, pfnData);
 }
 
 I_WavFile* C_WavFileFormat::OpenWavFile(const char* pszFileName) {
@@ -101,11 +110,18 @@ std::unique_ptr<I_WavFile> MakeWavFile(tagAudioFileType eType, tagAudioFileType 
       file->SetFileFormat(eType);
       return file;
     }
-    case AUDIO_FILE_KESTREL: {
-      auto file = std::make_unique<C_KestrelFile>();
-      file->SetCodingType(eEncodedType);
-      return file;
-    }
+    case AUDIO_FILE_KESTREL:
+      return MakeCodecFile<C_KestrelFile>(eEncodedType);
+    case AUDIO_FILE_HERON_4BIT:
+      return MakeCodecFile<C_Heron4BitFile>(eEncodedType);
+    case AUDIO_FILE_HERON_5BIT:
+      return MakeCodecFile<C_Heron5BitFile>(eEncodedType);
+    case AUDIO_FILE_HERON_6BIT:
+      return MakeCodecFile<C_Heron6BitFile>(eEncodedType);
+    case AUDIO_FILE_HERON_2BIT:
+      return MakeCodecFile<C_Heron2BitFile>(eEncodedType);
+    case AUDIO_FILE_HERON_3BIT:
+      return MakeCodecFile<C_Heron3BitFile>(eEncodedType);
     default:
       return nullptr;
   }

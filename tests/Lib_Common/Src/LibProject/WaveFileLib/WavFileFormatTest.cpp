@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "AudioCodecParam.h"
+#include "HeronFile.h"
 #include "KestrelFile.h"
 #include "OpenFiles.h"
 #include "SpHeader.h"
@@ -364,6 +365,13 @@ TEST_F(WavFileFormat, TheOperationsStandInTheirSlots) {
   CallSlot<void>(static_cast<I_WavFileFormat*>(new C_WavFileFormat), 8);
 }
 
+template <typename File>
+void ExpectHeron(tagAudioFileType eType) {
+  const auto file = MakeWavFile(eType, AUDIO_FILE_KESTREL);
+  EXPECT_NE(dynamic_cast<File*>(file.get()), nullptr) << eType;
+  EXPECT_EQ(file->GetCodingType(), 14u);
+}
+
 TEST_F(WavFileFormat, FilesToWriteAreMadeByKind) {
   for (const tagAudioFileType eType : {AUDIO_FILE_WAVE, AUDIO_FILE_VEMD}) {
     const auto file = MakeWavFile(eType, AUDIO_FILE_KESTREL);
@@ -374,7 +382,12 @@ TEST_F(WavFileFormat, FilesToWriteAreMadeByKind) {
   const auto kestrel = MakeWavFile(AUDIO_FILE_KESTREL, AUDIO_FILE_HERON_4BIT);
   ASSERT_NE(dynamic_cast<C_KestrelFile*>(kestrel.get()), nullptr);
   EXPECT_EQ(kestrel->GetCodingType(), 32u);
-  for (const unsigned int dwType : {0u, 1u, 32u, 33u, 34u, 35u, 36u, 0xFFFFu}) {
+  ExpectHeron<C_Heron4BitFile>(AUDIO_FILE_HERON_4BIT);
+  ExpectHeron<C_Heron5BitFile>(AUDIO_FILE_HERON_5BIT);
+  ExpectHeron<C_Heron6BitFile>(AUDIO_FILE_HERON_6BIT);
+  ExpectHeron<C_Heron2BitFile>(AUDIO_FILE_HERON_2BIT);
+  ExpectHeron<C_Heron3BitFile>(AUDIO_FILE_HERON_3BIT);
+  for (const unsigned int dwType : {0u, 1u, 13u, 31u, 37u, 0x1001u, 0xFFFFu}) {
     EXPECT_EQ(MakeWavFile(static_cast<tagAudioFileType>(dwType), AUDIO_FILE_UNKNOWN), nullptr)
         << dwType;
   }

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The temporary files that the Heron encoder works through: named as they are expected to be,
+// private, and gone whatever happens.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <set>
+#include <stdexcept>
+
+#include "FileSizeLimit.h"
+#include "HeronBytes.h"
+#include "InChild.h"
+#include "TempFolder.h"
+#include "TempWatch.h"
+
+namespace {
+
+using heron_test::Encoded;
+
+// 40 frames, so that there is a record while the files are there.
+C_SoundPtr SoundWithEvents() {
+  C_SoundPtr sound = MonoSound(TestVoice(40 * 80), 4000);
+  sound->GetEventTagMgr()->AddEventBySamplePos(1, 2, 100, "", 0);
+  return sound;
+}
+
+bool Encode(PFN_CodecProgress pfnProgress = nullptr) {
+  return Encoded(*SoundWithEvents(), 35, pfnProgress).has_value();
+}
+
+int g_nCallsUntilThrow = 0;
+void Throw(const S_CodecProgress*) {
+  if (--g_nCallsUntilThrow == 0) throw std::runtime_error("from the callback");
+}
+
+bool ThrowsInCall(int nCall) {
+  g_nCallsUntilThrow = nCall;
+  try {
+    Encode(Throw);
+    return false;
+  } catch (const std::runtime_error&) {
+    return true;
+  }
+}
+
+std::set<std::string> g_prefixes;
+bool g_bPrivate = true;
+void LookAtFiles(const S_CodecProgress*) {
+  for (const auto& entry : std::filesystem::directory_iterator(P_tmpdir)) {
+    const std::string strName = entry.path().filename().string();
+    struct stat status {};
+    if (!strName.starts_with("temp_e") || stat(entry.path().c_str(), &status) != 0) continue;
+    g_prefixes.insert(strName.substr(0, 8));
+    g_bPrivate = g_bPrivate && (status.st_mode & 07777) == 0600 && S_ISREG(status.st_mode);
+  }
+}
+
+TEST(HeronTemp, TwoPrivateFilesWhileEncoding_AreGoneAfterwards) {
+  const auto use = WatchTemp([] {
+    return Encode(LookAtFiles) && g_bPrivate &&
+           g_prefixes == std::set<std::string>{"temp_enc", "temp_evt"};
+  });
+  EXPECT_TRUE(use.bResult);
+  EXPECT_GE(use.nCreated, 2);
+  EXPECT_EQ(0, use.nLeft);
+}
+
+TEST(HeronTemp, AreGoneAfterACallbackThatThrows) {
+  const auto use = WatchTemp([] { return ThrowsInCall(1) && ThrowsInCall(2); });
+  EXPECT_TRUE(use.bResult);
+  EXPECT_GE(use.nCreated, 4);
+  EXPECT_EQ(0, use.nLeft);
+}
+
+TEST(HeronTemp, AreGoneAfterEveryKindOfRefusal) {
+  const auto use = WatchTemp([] {
+    return Encoded(*SoundWithEvents(), 37).has_value() ||
+           Encoded(*MonoSound(TestVoice(10), 3999), 32).has_value() ||
+           Encoded(*MonoSound({}, 8000), 32).has_value();
+  });
+  EXPECT_FALSE(use.bResult);
+  EXPECT_GE(use.nCreated, 6);
+  EXPECT_EQ(0, use.nLeft);
+}
+
+TEST(HeronTemp, DiskFullAtAnyByte_IsFalseAndLeavesNothing) {
+  const auto use = WatchTemp([] {
+    const std::size_t cbStream = Encoded(*SoundWithEvents(), 35)->size();
+    for (std::size_t cbLimit = 0; cbLimit < cbStream; cbLimit += cbLimit < 16 ? 1 : 31) {
+      const C_FileSizeLimit limit(cbLimit);
+      if (Encode()) return true;
+    }
+    const C_FileSizeLimit limit(cbStream - 1);
+    return Encode();
+  });
+  EXPECT_FALSE(use.bResult);
+  EXPECT_GE(use.nCreated, 40);
+  EXPECT_EQ(0, use.nLeft);
+  const C_FileSizeLimit limit(Encoded(*SoundWithEvents(), 35)->size());
+  EXPECT_TRUE(Encode());
+}
+
+TEST(HeronTemp, WithoutATemporaryDirectory_EncodingIsFalse) {
+  const C_TempFolder emptyRoot;
+  EXPECT_TRUE(InChildAs(0, [&] { return chroot(emptyRoot.Path().c_str()) == 0 && !Encode(); }));
+}
+
+TEST(HeronTemp, Decoding_NeedsNoFile) {
+  const auto use = WatchTemp([] {
+    return heron_test::Decoded(*Encoded(*SoundWithEvents(), 35), 4000).has_value() &&
+           !heron_test::Decoded({1, 2, 3, 4}, 4000);
+  });
+  EXPECT_TRUE(use.bResult);
+  EXPECT_EQ(2, use.nCreated);
+  EXPECT_EQ(0, use.nLeft);
+}
+
+}  // namespace

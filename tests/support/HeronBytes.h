@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Builds Heron streams with whatever lie a test needs, and codes with the codec and with the bare
+// frame coder, as the measure for what the codec makes of a whole sound.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "ByteReader.h"
+#include "HeronCodec.h"
+#include "TestSound.h"
+#include "TestVoice.h"
+#include "heron/FrameCoder.h"
+
+namespace heron_test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct S_Kind {
+  tagAudioFileType eType;
+  int nBitDepth;
+  std::uint8_t byMode;
+};
+constexpr std::array<S_Kind, 5> kKinds = {{{AUDIO_FILE_HERON_4BIT, 4, 1},
+                                           {AUDIO_FILE_HERON_5BIT, 5, 2},
+                                           {AUDIO_FILE_HERON_6BIT, 6, 3},
+                                           {AUDIO_FILE_HERON_2BIT, 2, 4},
+                                           {AUDIO_FILE_HERON_3BIT, 3, 5}}};
+inline std::string NameOf(const testing::TestParamInfo<S_Kind>& info) {
+  return "Heron" + std::to_string(info.param.nBitDepth) + "Bit";
+}
+
+// What the frame coder makes of the samples, without the head.
+inline Bytes Coded(const std::vector<short>& samples, int nSampleRate, int nBitDepth) {
+  Bytes coded;
+  EXPECT_TRUE(heron::EncodeSamples(samples, nSampleRate, nBitDepth, &coded, {}));
+  return coded;
+}
+
+// What the codec makes of a sound; empty when it refuses.
+inline std::optional<Bytes> Encoded(I_WavData& sound, unsigned int dwTypeCode,
+                                    PFN_CodecProgress pfnProgress = nullptr) {
+  C_HeronCodec codec;
+  unsigned char* pbyStream = nullptr;
+  unsigned int dwLength = 0;
+  if (!codec.Encode(&sound, dwTypeCode, sound.GetAudioCodecParam(), pfnProgress, &pbyStream,
+                    &dwLength)) {
+    EXPECT_EQ(nullptr, pbyStream);
+    EXPECT_EQ(0u, dwLength);
+    return std::nullopt;
+  }
+  const std::unique_ptr<unsigned char[]> owner(pbyStream);
+  return Bytes(pbyStream, pbyStream + dwLength);
+}
+
+// The samples of a stream; empty when the codec refuses it.
+inline std::optional<std::vector<short>> Decoded(const Bytes& stream, unsigned int dwSampleRate) {
+  const C_SoundPtr sound(new C_WavData);
+  sound->SetWavInfoData(dwSampleRate, 0, 1, 16, 16, true);
+  C_HeronCodec codec;
+  if (!codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), sound.get()))
+    return std::nullopt;
+  return SamplesOf(sound.get());
+}
+
+}  // namespace heron_test
+
+class C_HeronBytes {
+ public:
+  using Bytes = std::vector<std::uint8_t>;
+
+  C_HeronBytes(const heron_test::S_Kind& kind, const std::vector<short>& samples, int nSampleRate)
+      : m_byMode(kind.byMode), m_coded(heron_test::Coded(samples, nSampleRate, kind.nBitDepth)) {}
+
+  C_HeronBytes& Mode(std::uint8_t byMode) { return m_byMode = byMode, *this; }
+  C_HeronBytes& Coded(const Bytes& coded) { return m_coded = coded, *this; }
+  // Behind the audio; the head says where, unless told otherwise.
+  C_HeronBytes& Events(const Bytes& events) {
+    m_events = events;
+    return Offset(static_cast<std::uint32_t>(4 + m_coded.size()));
+  }
+  // What the head says, instead of the truth.
+  C_HeronBytes& Offset(std::uint32_t dwOffset) { return m_dwOffset = dwOffset, *this; }
+
+  [[nodiscard]] Bytes Take() const {
+    vcm::C_ByteWriter writer;
+    writer.U32(m_byMode | m_dwOffset << 8);
+    writer.Bytes(m_coded);
+    writer.Bytes(m_events);
+    return writer.Take();
+  }
+  // The first cbSize bytes.
+  [[nodiscard]] Bytes Take(std::size_t cbSize) const {
+    Bytes bytes = Take();
+    bytes.resize(cbSize);
+    return bytes;
+  }
+
+ private:
+  std::uint8_t m_byMode;
+  std::uint32_t m_dwOffset = 0;
+  Bytes m_coded;
+  Bytes m_events;
+};
