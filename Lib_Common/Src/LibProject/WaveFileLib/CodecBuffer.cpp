@@ -11,7 +11,7 @@ C_Buffer::C_Buffer(unsigned char* pbyData, std::size_t cbData)
 
 short C_Buffer::GetShort() {
   unsigned int dwValue = 0;
-  if (Remaining() >= 2) dwValue = m_pbyData[m_cbPos] | m_pbyData[m_cbPos + 1] << 8U;
+  if (Remaining() >= 2) dwValue = m_pbyData[m_cbPos] | unsigned{m_pbyData[m_cbPos + 1]} << 8U;
   Skip(2);
   return static_cast<short>(dwValue);
 }
