@@ -78,7 +78,7 @@ C_IDs IDsOfLoops(I_WavDataSamplerInfo& samplerInfo) {
 }
 
 // New identifiers for those of the ids that the events 1 .. dwEvents take.
-C_IDMap MakeWay(const C_IDs& ids, C_IDs taken, unsigned int dwEvents) {
+C_IDMap MakeWay(const C_IDs& ids, const C_IDs& taken, unsigned int dwEvents) {
   C_IDMap newIDs;
   unsigned int dwFree = dwEvents + 1;
   for (const unsigned int dwID : ids) {
