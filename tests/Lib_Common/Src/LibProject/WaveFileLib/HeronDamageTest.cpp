@@ -17,7 +17,8 @@ using heron_test::Decoded;
 using heron_test::kKinds;
 using heron_test::S_Kind;
 
-// Streams per kind; VOXPLAY_HERON_STREAMS says otherwise.
+// Streams per test and kind: what a run of all tests has time for, or VOXPLAY_HERON_STREAMS, of
+// which 50000 make 100,000 of each kind.
 int CountStreams() {
   const char* pszCount = getenv("VOXPLAY_HERON_STREAMS");
   return pszCount == nullptr ? 4000 : std::stoi(pszCount);
