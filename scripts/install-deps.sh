@@ -7,6 +7,7 @@
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
+#   scripts/install-deps.sh bench    what builds the player, the benchmarks and what they compare with
 #   scripts/install-deps.sh coverage what the tests need and the coverage reporter
 set -euo pipefail
 
@@ -19,9 +20,10 @@ case "${1:-player}" in
   player) wanted=("${player[@]}") ;;
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
+  bench) wanted=("${player[@]}" libbenchmark-dev ffmpeg wavpack valgrind) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   *)
-    echo "usage: ${0##*/} [player|test|ci|coverage]" >&2
+    echo "usage: ${0##*/} [player|test|ci|bench|coverage]" >&2
     exit 2
     ;;
 esac

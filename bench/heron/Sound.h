@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The sounds of the benchmark.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct S_Sound {
+  int nSampleRate = 0;  // Hz
+  std::vector<std::int16_t> samples;
+};
+
+// The sound of a file. std::runtime_error, naming the file, unless it is 16-bit mono.
+S_Sound ReadSound(const std::string& strPath);
+
+// Writes a WAV file with nothing in it but the sound. std::runtime_error when it cannot.
+void WriteSound(const S_Sound& sound, const std::string& strPath);
