@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/FixedPoint.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "Signals.h"
+#include "heron/Configuration.h"
+#include "heron/Loudness.h"
+
+namespace heron {
+namespace {
+
+TEST(HeronFixedPoint, RoundShift_RoundsToTheNearestAndHalvesUpwards) {
+  EXPECT_EQ(RoundShift(0, 1), 0);
+  EXPECT_EQ(RoundShift(1, 1), 1);
+  EXPECT_EQ(RoundShift(-1, 1), 0);
+  EXPECT_EQ(RoundShift(-3, 1), -1);
+  EXPECT_EQ(RoundShift(127, 8), 0);
+  EXPECT_EQ(RoundShift(128, 8), 1);
+  EXPECT_EQ(RoundShift(-128, 8), 0);
+  EXPECT_EQ(RoundShift(-129, 8), -1);
+  EXPECT_EQ(RoundShift(std::int64_t{1} << 61, 62), 1);
+  EXPECT_EQ(RoundShift(-(std::int64_t{1} << 62), 62), -1);
+}
+
+TEST(HeronFixedPoint, Log2OfPowersOfTwo_IsExactAndOneBelowIsOneLess) {
+  EXPECT_EQ(Log2Q8(1), 0);
+  for (int n = 1; n < 64; ++n) {
+    const std::uint64_t qwPower = std::uint64_t{1} << n;
+    EXPECT_EQ(Log2Q8(qwPower), 256 * n);
+    if (n <= 8) continue;
+    // One less and one more are less than 1/256 of an octave away.
+    EXPECT_EQ(Log2Q8(qwPower - 1), 256 * n - 1) << n;
+    EXPECT_EQ(Log2Q8(qwPower + 1), 256 * n) << n;
+  }
+  EXPECT_EQ(Log2Q8(~std::uint64_t{0}), 64 * 256 - 1);
+  EXPECT_EQ(Log2Q8(3), 405);      // 405.75
+  EXPECT_EQ(Log2Q8(1000), 2551);  // 2551.24
+}
+
+TEST(HeronFixedPoint, Log2_IsTheLogarithmRoundedDown) {
+  test::C_Random random(1);
+  for (int n = 0; n < 100000; ++n) {
+    const std::uint64_t qwValue = std::max<std::uint64_t>(1, random.Bits() >> random.Below(64));
+    const auto dLog = static_cast<double>(256 * std::log2(static_cast<long double>(qwValue)));
+    // Squaring loses a little: what is that close to a whole number may come out below it.
+    ASSERT_GE(Log2Q8(qwValue), std::floor(dLog - 1e-5)) << qwValue;
+    ASSERT_LE(Log2Q8(qwValue), std::floor(dLog + 1e-9)) << qwValue;
+  }
+}
+
+TEST(HeronFixedPoint, Log2_NeverFalls) {
+  int nBefore = 0;
+  for (std::uint64_t qwValue = 1; qwValue < 100000; ++qwValue) {
+    ASSERT_GE(Log2Q8(qwValue), nBefore) << qwValue;
+    nBefore = Log2Q8(qwValue);
+  }
+}
+
+TEST(HeronFixedPoint, QuartersOfAnOctave_AreRounded) {
+  for (int n = 0; n < 4; ++n)
+    EXPECT_EQ(kQuarterOctave[n], std::lround(65536 * std::exp2(n / 4.0))) << n;
+}
+
+TEST(HeronLoudness, IsTheLogarithmOfTheMeanSquare) {
+  EXPECT_EQ(Loudness(1000 * 320, 320), 2551);
+  EXPECT_EQ(Loudness(std::uint64_t{1} << 40, 1024), 30 * 256);
+  EXPECT_EQ(Loudness(1000, 1), 2551);
+}
+
+TEST(HeronLoudness, SoftFrames_CountAsTheHissOfARoom) {
+  const int nFloor = Log2Q8(400);
+  EXPECT_EQ(Loudness(0, 320), nFloor);
+  EXPECT_EQ(Loudness(399 * 320, 320), nFloor);
+  EXPECT_EQ(Loudness(400 * 320, 320), nFloor);
+  EXPECT_GT(Loudness(404 * 320, 320), nFloor);
+}
+
+TEST(HeronConfiguration, FramesAre20Milliseconds_RoundedDownToAnEvenNumber) {
+  EXPECT_EQ(FrameLength(4000), 80);
+  EXPECT_EQ(FrameLength(4001), 80);
+  EXPECT_EQ(FrameLength(8000), 160);
+  EXPECT_EQ(FrameLength(8117), 162);
+  EXPECT_EQ(FrameLength(11025), 220);
+  EXPECT_EQ(FrameLength(16000), 320);
+  EXPECT_EQ(FrameLength(22050), 440);
+  EXPECT_EQ(FrameLength(44100), 882);
+  EXPECT_EQ(FrameLength(47999), 958);
+  EXPECT_EQ(FrameLength(48000), 960);
+  EXPECT_EQ(kMaxFrameLength, 960);
+}
+
+TEST(HeronConfiguration, RatesFrom4000To48000_AreSupported) {
+  EXPECT_FALSE(IsSupportedSampleRate(-8000));
+  EXPECT_FALSE(IsSupportedSampleRate(0));
+  EXPECT_FALSE(IsSupportedSampleRate(3999));
+  EXPECT_TRUE(IsSupportedSampleRate(4000));
+  EXPECT_TRUE(IsSupportedSampleRate(48000));
+  EXPECT_FALSE(IsSupportedSampleRate(48001));
+}
+
+}  // namespace
+}  // namespace heron
