@@ -1,61 +1,241 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The two entries to the frame coder with whole sounds.
 #include "heron/FrameCoder.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <vector>
+#include <thread>
 
-#include "TestVoice.h"
+#include "Signals.h"
 
+namespace heron {
 namespace {
 
 using S_Bytes = std::vector<std::uint8_t>;
-using S_Sound = std::vector<std::int16_t>;
+using test::S_Sound;
+using test::SignalToNoise;
 
 S_Bytes Encode(const S_Sound& sound, int nSampleRate, int nBitDepth) {
   S_Bytes coded;
-  EXPECT_TRUE(heron::EncodeSamples(sound, nSampleRate, nBitDepth, &coded, {}));
+  EXPECT_TRUE(EncodeSamples(sound, nSampleRate, nBitDepth, &coded, {}));
   return coded;
 }
 
 S_Sound Decode(const S_Bytes& coded, int nSampleRate) {
   S_Sound sound;
-  EXPECT_TRUE(heron::DecodeSamples(coded, nSampleRate, &sound));
+  EXPECT_TRUE(DecodeSamples(coded, nSampleRate, &sound));
   return sound;
 }
 
-// dB; 200 for equal sounds.
-double SignalToNoise(const S_Sound& sound, const S_Sound& decoded) {
-  double dSignal = 0;
-  double dNoise = 0;
-  for (std::size_t i = 0; i < sound.size(); ++i) {
-    dSignal += static_cast<double>(sound[i]) * sound[i];
-    dNoise += std::pow(sound[i] - decoded[i], 2);
-  }
-  return dNoise == 0 ? 200 : 10 * std::log10(dSignal / dNoise);
+std::size_t MostBytes(std::size_t nSamples, int nBitDepth) {
+  return nSamples * static_cast<std::size_t>(nBitDepth) / 8;
 }
 
 class HeronDepths : public testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(TwoToSix, HeronDepths, testing::Range(2, 7));
 
 TEST_P(HeronDepths, FillButDoNotExceedTheirBitsPerSample) {
-  const auto voice = TestVoice(48000);
-  const std::size_t nMost = voice.size() * static_cast<std::size_t>(GetParam()) / 8;
-  const std::size_t nSize = Encode(voice, 16000, GetParam()).size() + heron::kHeadBytes;
+  const auto voice = TestVoice(24000);
+  const std::size_t nMost = MostBytes(voice.size(), GetParam());
+  const std::size_t nSize = Encode(voice, 16000, GetParam()).size() + kHeadBytes;
   EXPECT_LE(nSize, nMost);
   EXPECT_GE(nSize, nMost - nMost / 128);
 }
 
 TEST_P(HeronDepths, GiveTheSoundBackInItsPlaceAndLength) {
   // Twelve samples more than whole frames.
-  const auto voice = TestVoice(32012);
+  const auto voice = TestVoice(16012);
   const auto decoded = Decode(Encode(voice, 16000, GetParam()), 16000);
   ASSERT_EQ(decoded.size(), voice.size());
   EXPECT_GT(SignalToNoise(voice, decoded), 14 + 6 * GetParam());
 }
 
+// ---- lengths
+
+class HeronLengths : public testing::TestWithParam<std::size_t> {};
+// Of frames of 160 samples: less than one, one and its neighbours, several.
+INSTANTIATE_TEST_SUITE_P(Samples, HeronLengths,
+                         testing::Values(1, 2, 3, 39, 40, 41, 79, 80, 81, 159, 160, 161, 319, 320,
+                                         321, 999, 1000, 1001, 5119, 5120, 5121));
+
+TEST_P(HeronLengths, OfAllSounds_AreKeptWithinTheirSize) {
+  for (const auto& [strName, samples] : test::SoundsOf(GetParam())) {
+    for (const int nBitDepth : {2, 6}) {
+      const S_Bytes coded = Encode(samples, 8000, nBitDepth);
+      ASSERT_EQ(Decode(coded, 8000).size(), samples.size()) << strName << ' ' << nBitDepth;
+      if (samples.size() < 999) continue;
+      EXPECT_LE(coded.size() + kHeadBytes, MostBytes(samples.size(), nBitDepth))
+          << strName << ' ' << nBitDepth;
+    }
+  }
+}
+
+TEST_P(HeronLengths, OfOneSteadySoundAtSixBits_AreHeard) {
+  // Of a sound of some samples, there is room for its side information and little else.
+  if (GetParam() < 79) return;
+  const S_Sound steady = test::Steady(GetParam(), 12345);
+  EXPECT_GT(SignalToNoise(steady, Decode(Encode(steady, 8000, 6), 8000)), 15);
+}
+
+// ---- rates
+
+class HeronRates : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Hertz, HeronRates,
+                         testing::Values(4000, 4001, 4799, 6000, 8000, 8117, 9600, 11025, 12000,
+                                         16000, 22050, 24000, 32000, 44100, 47950, 48000));
+
+TEST_P(HeronRates, GiveAVoiceBack) {
+  const auto voice = TestVoice(4444);
+  for (const int nBitDepth : {2, 4, 6}) {
+    const S_Bytes coded = Encode(voice, GetParam(), nBitDepth);
+    const S_Sound decoded = Decode(coded, GetParam());
+    ASSERT_EQ(decoded.size(), voice.size());
+    EXPECT_GT(SignalToNoise(voice, decoded), 4.5 * nBitDepth) << nBitDepth;
+    EXPECT_LE(coded.size() + kHeadBytes, MostBytes(voice.size(), nBitDepth));
+  }
+}
+
+TEST_P(HeronRates, GiveAllSoundsBackWithinTheirSize) {
+  for (const auto& [strName, samples] : test::SoundsOf(1500)) {
+    const S_Bytes coded = Encode(samples, GetParam(), 3);
+    EXPECT_EQ(Decode(coded, GetParam()).size(), samples.size()) << strName;
+    EXPECT_LE(coded.size() + kHeadBytes, MostBytes(samples.size(), 3)) << strName;
+  }
+}
+
+// ---- sounds
+
+TEST(HeronSounds, AMinuteOfSilence_IsSilentAndTakesFewBytesAFrame) {
+  const S_Sound silence(4000 * 60);
+  const S_Bytes coded = Encode(silence, 4000, 2);
+  EXPECT_LE(coded.size(), 3000u * 4u);  // 3000 frames of 80 samples, which may take 20 bytes
+  EXPECT_EQ(Decode(coded, 4000), silence);
+}
+
+TEST(HeronSounds, SixBits_GiveLoudSoundsBack) {
+  for (const auto& [strName, samples] : test::SoundsOf(8000)) {
+    const S_Sound decoded = Decode(Encode(samples, 16000, 6), 16000);
+    EXPECT_GT(SignalToNoise(samples, decoded), 27) << strName;
+  }
+}
+
+TEST(HeronSounds, LoudNoise_ComesBackAsWellAsItsBitsAllow) {
+  // No code gives noise without shape more than 6.02 dB a bit; this one loses less than a bit.
+  const S_Sound noise = test::Noise(16000);
+  for (int nBitDepth = 2; nBitDepth <= 6; ++nBitDepth) {
+    const double dRatio = SignalToNoise(noise, Decode(Encode(noise, 16000, nBitDepth), 16000));
+    EXPECT_GT(dRatio, 6.02 * (nBitDepth - 1)) << nBitDepth;
+    EXPECT_LT(dRatio, 6.02 * nBitDepth + 2) << nBitDepth;
+  }
+}
+
+TEST(HeronSounds, SoftSoundsAtSixBits_ComeBackExactly) {
+  test::C_Random random(1);
+  S_Sound soft(16000);
+  for (std::int16_t& nSample : soft) nSample = static_cast<std::int16_t>(random.Between(-1, 1));
+  EXPECT_EQ(Decode(Encode(soft, 16000, 6), 16000), soft);
+}
+
+TEST(HeronSounds, ASoftSoundBeforeALoudOne_StaysSilentUntilItsFrame) {
+  S_Sound sound(9600);
+  const S_Sound noise = test::Noise(3200);
+  std::copy(noise.begin(), noise.end(), sound.begin() + 6400);
+  const S_Sound decoded = Decode(Encode(sound, 16000, 4), 16000);
+  // The lap reaches one frame of 320 samples back.
+  EXPECT_TRUE(std::all_of(decoded.begin(), decoded.begin() + 6400 - 320,
+                          [](std::int16_t nSample) { return std::abs(nSample) <= 1; }));
+}
+
+TEST(HeronSounds, MoreBits_NeverSoundWorse) {
+  const auto voice = TestVoice(12000);
+  double dBefore = 0;
+  for (int nBitDepth = 2; nBitDepth <= 6; ++nBitDepth) {
+    const double dRatio = SignalToNoise(voice, Decode(Encode(voice, 22050, nBitDepth), 22050));
+    EXPECT_GT(dRatio, dBefore + 4) << nBitDepth;
+    dBefore = dRatio;
+  }
+}
+
+// ---- progress
+
+std::vector<unsigned int> ProgressOf(std::size_t nSamples, int nSampleRate) {
+  std::vector<unsigned int> heard;
+  S_Bytes coded;
+  EXPECT_TRUE(EncodeSamples(TestVoice(nSamples), nSampleRate, 3, &coded,
+                            [&](unsigned int nFrames) { heard.push_back(nFrames); }));
+  return heard;
+}
+
+TEST(HeronProgress, OfEachPass_RisesByAtMost32FramesToTheCountOfAll) {
+  for (const std::size_t nSamples : {1u, 160u, 161u, 32u * 160u, 32u * 160u + 1u, 40000u}) {
+    const std::size_t nFrames = (nSamples + 159) / 160;
+    const auto heard = ProgressOf(nSamples, 8000);
+    ASSERT_FALSE(heard.empty()) << nSamples;
+    EXPECT_EQ(heard.back(), nFrames) << nSamples;
+    unsigned int nBefore = 0;
+    for (const unsigned int nFrame : heard) {
+      if (nBefore == nFrames) nBefore = 0;
+      EXPECT_GT(nFrame, nBefore) << nSamples;
+      EXPECT_LE(nFrame, nBefore + 32) << nSamples;
+      nBefore = nFrame;
+    }
+  }
+}
+
+// ---- sameness
+
+TEST(HeronSameness, EncodingTwice_GivesTheSameBytes) {
+  const auto voice = TestVoice(8000);
+  const S_Bytes coded = Encode(voice, 11025, 3);
+  EXPECT_EQ(Encode(voice, 11025, 3), coded);
+  EXPECT_EQ(Decode(coded, 11025), Decode(coded, 11025));
+}
+
+TEST(HeronSameness, ThreadsAtATime_GiveWhatEachGivesAlone) {
+  const S_Sound sounds[] = {TestVoice(8000), test::Noise(8000)};
+  const S_Bytes alone[] = {Encode(sounds[0], 16000, 4), Encode(sounds[1], 8000, 2)};
+  const S_Sound heard[] = {Decode(alone[0], 16000), Decode(alone[1], 8000)};
+  for (int nRound = 0; nRound < 2; ++nRound) {
+    S_Bytes together[2];
+    S_Sound decoded[2];
+    std::thread other([&] {
+      together[1] = Encode(sounds[1], 8000, 2);
+      decoded[1] = Decode(alone[1], 8000);
+    });
+    together[0] = Encode(sounds[0], 16000, 4);
+    decoded[0] = Decode(alone[0], 16000);
+    other.join();
+    EXPECT_TRUE(std::equal(std::begin(alone), std::end(alone), std::begin(together)));
+    EXPECT_TRUE(std::equal(std::begin(heard), std::end(heard), std::begin(decoded)));
+  }
+}
+
+// ---- refusals
+
+TEST(HeronRefusals, NoSamples_AreNotEncoded) {
+  S_Bytes coded = {1, 2, 3};
+  EXPECT_FALSE(EncodeSamples({}, 16000, 4, &coded, {}));
+  EXPECT_EQ(coded, (S_Bytes{1, 2, 3}));
+}
+
+TEST(HeronRefusals, RatesAndDepthsOutsideTheirRange_AreNotEncoded) {
+  const S_Sound sound = TestVoice(1000);
+  S_Bytes coded = {1, 2, 3};
+  for (const int nSampleRate : {-1, 0, 3999, 48001, 96000})
+    EXPECT_FALSE(EncodeSamples(sound, nSampleRate, 4, &coded, {})) << nSampleRate;
+  for (const int nBitDepth : {-2, 0, 1, 7, 16})
+    EXPECT_FALSE(EncodeSamples(sound, 8000, nBitDepth, &coded, {})) << nBitDepth;
+  EXPECT_EQ(coded, (S_Bytes{1, 2, 3}));
+}
+
+TEST(HeronRefusals, RatesOutsideTheirRange_AreNotDecoded) {
+  const S_Bytes coded = Encode(TestVoice(1000), 8000, 4);
+  S_Sound sound = {7};
+  for (const int nSampleRate : {-1, 0, 3999, 48001})
+    EXPECT_FALSE(DecodeSamples(coded, nSampleRate, &sound)) << nSampleRate;
+  EXPECT_EQ(sound, S_Sound{7});
+}
+
 }  // namespace
+}  // namespace heron
