@@ -82,8 +82,9 @@ inline std::vector<S_NamedSound> SoundsOf(std::size_t nSamples) {
           {"impulse", Impulse(nSamples, nSamples / 2, 32767)}};
 }
 
-// dB; 200 for equal sounds.
+// dB; 200 for equal sounds, -200 for such of different lengths.
 inline double SignalToNoise(const S_Sound& sound, const S_Sound& decoded) {
+  if (sound.size() != decoded.size()) return -200;
   double dSignal = 0;
   double dNoise = 0;
   for (std::size_t i = 0; i < sound.size(); ++i) {

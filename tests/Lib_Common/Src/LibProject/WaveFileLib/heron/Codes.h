@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The entropy coder in the few words in which the tests speak of it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "heron/MagnitudeCode.h"
+#include "heron/RangeCoder.h"
+
+namespace heron::test {
+
+using S_Bytes = std::vector<std::uint8_t>;
+using C_CodeWriter = C_RangeEncoder;
+using C_CodeReader = C_RangeDecoder;
+
+template <std::size_t kSymbols>
+using S_Frequencies = std::array<std::uint16_t, kSymbols>;
+
+template <std::size_t kSymbols>
+void WriteSymbol(C_CodeWriter& writer, const S_Frequencies<kSymbols>& frequencies,
+                 std::size_t nSymbol) {
+  writer.WriteSymbol(Accumulate(frequencies)[nSymbol], frequencies[nSymbol]);
+}
+
+template <std::size_t kSymbols>
+std::size_t ReadSymbol(C_CodeReader& reader, const S_Frequencies<kSymbols>& frequencies) {
+  return reader.ReadSymbol<kSymbols>(Accumulate(frequencies));
+}
+
+// The bytes that fnWrite(writer) leads to.
+template <typename T_Write>
+S_Bytes Written(T_Write fnWrite) {
+  S_Bytes bytes;
+  C_CodeWriter writer(bytes);
+  fnWrite(writer);
+  writer.Finish();
+  return bytes;
+}
+
+inline const S_MagnitudeCosts& CostsOf(std::size_t nQuantiser, std::size_t nTable) {
+  return kMagnitudeCosts[nQuantiser][nTable];
+}
+
+inline void WriteMagnitude(C_CodeWriter& writer, std::size_t nQuantiser,
+                           const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel,
+                           bool bNegative) {
+  WriteLevel(writer, static_cast<int>(nQuantiser), magnitudeClass, nLevel, bNegative);
+}
+
+// A level and whether it is negative; empty for what no writer writes.
+inline std::optional<std::pair<std::int32_t, bool>> ReadMagnitude(
+    C_CodeReader& reader, std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass) {
+  const S_Level level = ReadLevel(reader, static_cast<int>(nQuantiser), magnitudeClass);
+  if (level.nLevel < 0) return std::nullopt;
+  return std::pair{level.nLevel, level.bNegative};
+}
+
+}  // namespace heron::test

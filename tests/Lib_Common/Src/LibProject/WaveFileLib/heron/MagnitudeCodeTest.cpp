@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The code of one coefficient, and the machine that chooses between the two quantisers.
+#include "heron/MagnitudeCode.h"
+
+#include <gtest/gtest.h>
+
+#include "Codes.h"
+#include "Signals.h"
+#include "heron/Quantiser.h"
+
+namespace heron {
+namespace {
+
+using test::C_CodeReader;
+using test::C_CodeWriter;
+using test::ReadMagnitude;
+using test::S_Bytes;
+using test::WriteMagnitude;
+using test::Written;
+
+// One expectation of each class up to 2^22.
+std::vector<std::int32_t> Expectations() {
+  std::vector<std::int32_t> expectations;
+  for (int nOctave = 3; nOctave < 22; ++nOctave) {
+    for (int nQuarter = 4; nQuarter < 8; ++nQuarter)
+      expectations.push_back(static_cast<std::int32_t>(nQuarter) << (nOctave - 2));
+  }
+  return expectations;
+}
+
+std::vector<std::int32_t> Levels() {
+  std::vector<std::int32_t> levels;
+  for (std::int32_t n = 0; n <= 100; ++n) levels.push_back(n);
+  for (int nBit = 7; nBit < 24; ++nBit) {
+    for (const std::int32_t nOff : {-1, 0, 1}) levels.push_back((1 << nBit) + nOff);
+  }
+  levels.push_back((1 << 24) - 1);
+  return levels;
+}
+
+// ---- classes
+
+TEST(HeronMagnitudeClass, TheLeastExpectations_HaveTheFirstTables) {
+  const std::size_t expected[] = {0, 0, 1, 1, 2, 2, 3, 3};
+  for (int n = 0; n < 8; ++n) {
+    EXPECT_EQ(ClassOf(8 + n).nTable, expected[n]) << n;
+    EXPECT_EQ(ClassOf(8 + n).nShift, 0) << n;
+  }
+  EXPECT_EQ(ClassOf(16).nTable, 4u);
+  EXPECT_EQ(ClassOf(19).nTable, 4u);
+  EXPECT_EQ(ClassOf(20).nTable, 5u);
+}
+
+TEST(HeronMagnitudeClass, TwiceTheExpectation_IsFourTablesOrOneBitFurther) {
+  for (std::int32_t n = 8; n < 1 << 19; ++n) {
+    const auto [nTable, nShift] = ClassOf(n);
+    const S_MagnitudeClass twice = ClassOf(2 * n);
+    ASSERT_LT(nTable, kMagnitudeTables);
+    if (twice.nShift == 0) {
+      ASSERT_EQ(twice.nTable, nTable + 4) << n;
+    } else {
+      ASSERT_EQ(twice.nShift, nShift + 1) << n;
+      ASSERT_GE(twice.nTable + 4, kMagnitudeTables) << n;
+      ASSERT_EQ(twice.nTable % 4, nTable % 4) << n;
+    }
+  }
+}
+
+TEST(HeronMagnitudeClass, TheLargestExpectations_HaveOneToo) {
+  for (const std::int32_t n : {1 << 29, 3 << 28, 2147483647}) {
+    EXPECT_LT(ClassOf(n).nTable, kMagnitudeTables) << n;
+    EXPECT_GE(ClassOf(n).nShift, 15) << n;
+  }
+}
+
+// ---- levels
+
+TEST(HeronLevel, EveryOneInEveryClassAndBothQuantisers_ComesBackWithItsSign) {
+  for (std::size_t nQuantiser = 0; nQuantiser < 2; ++nQuantiser) {
+    for (const std::int32_t nExpectation : Expectations()) {
+      const S_MagnitudeClass magnitudeClass = ClassOf(nExpectation);
+      const auto levels = Levels();
+      const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+        for (const std::int32_t nLevel : levels)
+          WriteMagnitude(writer, nQuantiser, magnitudeClass, nLevel, nLevel % 3 == 1);
+      });
+      C_CodeReader reader(bytes);
+      for (const std::int32_t nLevel : levels) {
+        const auto read = ReadMagnitude(reader, nQuantiser, magnitudeClass);
+        ASSERT_TRUE(read) << nExpectation << ' ' << nLevel;
+        ASSERT_EQ(read->first, nLevel) << nExpectation;
+        ASSERT_EQ(read->second, nLevel % 3 == 1) << nExpectation << ' ' << nLevel;
+      }
+      ASSERT_FALSE(reader.IsPastTheEnd());
+    }
+  }
+}
+
+// Bits that 1000 times this level take, measured.
+double BitsOf(std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel) {
+  const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+    for (int n = 0; n < 1000; ++n)
+      WriteMagnitude(writer, nQuantiser, magnitudeClass, nLevel, n % 2 == 0);
+  });
+  return 8 * static_cast<double>(bytes.size());
+}
+
+TEST(HeronLevelCost, IsWhatTheLevelTakes) {
+  for (const std::int32_t nExpectation : {8, 15, 30, 100, 255, 511, 512, 5000, 100000}) {
+    const S_MagnitudeClass magnitudeClass = ClassOf(nExpectation);
+    for (std::size_t nQuantiser = 0; nQuantiser < 2; ++nQuantiser) {
+      const auto& costs = test::CostsOf(nQuantiser, magnitudeClass.nTable);
+      for (const std::int32_t nLevel : {0, 1, 2, 3, 7, 14, 15, 16, 17, 100, 1000, 1 << 20}) {
+        const double dCost = LevelCost(costs, magnitudeClass.nShift, nLevel) * 1000 / 256.0;
+        // Costs are whole 256ths of a bit; the last bits of a sequence take up to 8 bytes.
+        EXPECT_NEAR(BitsOf(nQuantiser, magnitudeClass, nLevel), dCost, dCost / 100 + 4 + 64)
+            << nExpectation << ' ' << nQuantiser << ' ' << nLevel;
+      }
+    }
+  }
+}
+
+TEST(HeronLevel, AnEscapeThatNeverEnds_IsRefused) {
+  // All symbols there are, and nothing but zero bits behind them.
+  int nRefused = 0;
+  for (std::uint32_t nHigh = 0; nHigh < 65536; ++nHigh) {
+    S_Bytes bytes = {static_cast<std::uint8_t>(nHigh >> 8), static_cast<std::uint8_t>(nHigh)};
+    bytes.resize(20);
+    C_CodeReader reader(bytes);
+    nRefused += ReadMagnitude(reader, 0, ClassOf(8)) ? 0 : 1;
+  }
+  // The escape of the least expectation is the least likely symbol.
+  EXPECT_GT(nRefused, 0);
+  EXPECT_LT(nRefused, 100);
+}
+
+// ---- quantisers
+
+TEST(HeronQuantiser, TheMachine_HasEightTransitions) {
+  const std::size_t expected[4][2] = {{0, 2}, {2, 0}, {1, 3}, {3, 1}};
+  for (std::size_t nState = 0; nState < kStates; ++nState) {
+    for (unsigned short wLevel = 0; wLevel < 10; ++wLevel)
+      EXPECT_EQ(NextState(nState, wLevel), expected[nState][wLevel % 2]) << nState << ' ' << wLevel;
+  }
+  EXPECT_EQ(kFirstState, 0u);
+}
+
+TEST(HeronQuantiser, StatesTwoAndThree_TakeTheSecond) {
+  EXPECT_TRUE(QuantiserOf(0) == 0);
+  EXPECT_TRUE(QuantiserOf(1) == 0);
+  EXPECT_TRUE(QuantiserOf(2) == 1);
+  EXPECT_TRUE(QuantiserOf(3) == 1);
+}
+
+TEST(HeronQuantiser, TheFirstHasEvenMultiples_TheSecondZeroAndOddOnes) {
+  const std::int32_t expected[2][5] = {{0, 2, 4, 6, 8}, {0, 1, 3, 5, 7}};
+  for (int nLevel = 0; nLevel < 5; ++nLevel) {
+    EXPECT_EQ(HalfSteps(0, nLevel), expected[0][nLevel]);
+    EXPECT_EQ(HalfSteps(1, nLevel), expected[1][nLevel]);
+  }
+  EXPECT_EQ(HalfSteps(1, 1 << 24), (1 << 25) - 1);
+}
+
+}  // namespace
+}  // namespace heron

@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Symbols and raw bits, there and back, in as few bytes as their chances allow.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "Codes.h"
+#include "Signals.h"
+
+namespace heron {
+namespace {
+
+using test::C_CodeReader;
+using test::C_CodeWriter;
+using test::C_Random;
+using test::ReadSymbol;
+using test::S_Bytes;
+using test::S_Frequencies;
+using test::WriteSymbol;
+using test::Written;
+
+// The most one-sided table there is, at either end, and others.
+constexpr S_Frequencies<16> kFirstLikely = {32753, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+constexpr S_Frequencies<16> kLastLikely = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 32753};
+constexpr S_Frequencies<2> kEven = {16384, 16384};
+constexpr S_Frequencies<3> kThirds = {10923, 10922, 10923};
+constexpr S_Frequencies<5> kMixed = {1, 30000, 2, 2000, 765};
+constexpr S_Frequencies<1> kCertain = {32768};
+
+// A symbol as likely as the table says.
+template <std::size_t kSymbols>
+std::size_t Draw(C_Random& random, const S_Frequencies<kSymbols>& frequencies) {
+  std::uint32_t nAt = random.Below(kFrequencyTotal);
+  std::size_t nSymbol = 0;
+  while (nAt >= frequencies[nSymbol]) nAt -= frequencies[nSymbol++];
+  return nSymbol;
+}
+
+// nCount symbols as likely as the table says, or any with equal chance: there and back, and no
+// longer than they have to be.
+template <std::size_t kSymbols>
+void CheckRoundTrip(const S_Frequencies<kSymbols>& frequencies, std::size_t nCount,
+                    bool bAsLikely) {
+  C_Random random(kSymbols);
+  std::vector<std::uint8_t> symbols(nCount);
+  double dBits = 0;
+  for (std::uint8_t& nSymbol : symbols) {
+    nSymbol = static_cast<std::uint8_t>(bAsLikely ? Draw<kSymbols>(random, frequencies)
+                                                  : random.Below(kSymbols));
+    dBits += kFrequencyBits - std::log2(frequencies[nSymbol]);
+  }
+  const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+    for (const std::uint8_t nSymbol : symbols) WriteSymbol(writer, frequencies, nSymbol);
+  });
+  EXPECT_LE(static_cast<double>(bytes.size()), dBits / 8 * 1.00001 + 3);
+  EXPECT_GE(static_cast<double>(bytes.size()), dBits / 8 - 8);
+  C_CodeReader reader(bytes);
+  for (std::size_t n = 0; n < nCount; ++n)
+    ASSERT_EQ(ReadSymbol(reader, frequencies), symbols[n]) << n;
+  EXPECT_FALSE(reader.IsPastTheEnd());
+}
+
+TEST(HeronRangeCoder, ManyLikelySymbols_ComeBackAndTakeTheirEntropy) {
+  CheckRoundTrip(kFirstLikely, 200000, true);
+  CheckRoundTrip(kLastLikely, 200000, true);
+  CheckRoundTrip(kEven, 200000, true);
+  CheckRoundTrip(kThirds, 200000, true);
+  CheckRoundTrip(kMixed, 200000, true);
+}
+
+TEST(HeronRangeCoder, UnlikelySymbols_ComeBackAndTakeFifteenBits) {
+  CheckRoundTrip(kFirstLikely, 50000, false);
+  CheckRoundTrip(kLastLikely, 50000, false);
+  CheckRoundTrip(kMixed, 50000, false);
+}
+
+TEST(HeronRangeCoder, ACertainSymbol_TakesNothing) { CheckRoundTrip(kCertain, 50000, true); }
+
+// The symbols of a sequence whose interval always holds the number that the bytes are: the bytes
+// that go out stay as close below it as they can, and only what follows decides whether a carry
+// turns them over.
+template <std::size_t kSymbols>
+std::vector<std::size_t> SymbolsAround(S_Bytes number, const S_Frequencies<kSymbols>& frequencies,
+                                       std::size_t nCount) {
+  number.resize(400);
+  C_CodeReader reader(number);
+  std::vector<std::size_t> symbols(nCount);
+  for (std::size_t& nSymbol : symbols) nSymbol = ReadSymbol(reader, frequencies);
+  return symbols;
+}
+
+template <std::size_t kSymbols>
+void CheckCarries(const S_Bytes& number, const S_Frequencies<kSymbols>& frequencies) {
+  const auto around = SymbolsAround(number, frequencies, 160);
+  bool bTurned = false;
+  bool bStayed = false;
+  for (std::size_t nRun = 1; nRun < around.size(); ++nRun) {
+    for (std::size_t nAfter = 0; nAfter < kSymbols; ++nAfter) {
+      std::vector<std::size_t> symbols(around.begin(), around.begin() + static_cast<int>(nRun));
+      symbols.push_back(nAfter);
+      const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+        for (const std::size_t nSymbol : symbols) WriteSymbol(writer, frequencies, nSymbol);
+      });
+      if (!bytes.empty()) (bytes[0] == number[0] ? bTurned : bStayed) = true;
+      C_CodeReader reader(bytes);
+      for (const std::size_t nSymbol : symbols)
+        ASSERT_EQ(ReadSymbol(reader, frequencies), nSymbol) << nRun << ' ' << nAfter;
+    }
+  }
+  EXPECT_TRUE(bTurned);
+  EXPECT_TRUE(bStayed);
+}
+
+TEST(HeronRangeCoder, ACarry_TurnsRunsOfFFOver) {
+  for (const S_Bytes& number : {S_Bytes{0x80}, S_Bytes{0x40}, S_Bytes{0xC0}}) {
+    CheckCarries(number, kEven);
+    CheckCarries(number, kThirds);
+  }
+  CheckCarries({0x80}, kMixed);
+}
+
+TEST(HeronRangeCoder, RawBitsOfEveryWidth_ComeBackAndTakeTheirBits) {
+  for (int nBits = 1; nBits <= kMaxRawBits; ++nBits) {
+    C_Random random(static_cast<std::uint64_t>(nBits));
+    const std::uint32_t nMost = (1u << nBits) - 1;
+    std::vector<std::uint32_t> values = {0, nMost, nMost, 0, nMost};
+    while (values.size() < 3000) values.push_back(random.Below(nMost + 1));
+    const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+      for (const std::uint32_t nValue : values) writer.WriteRaw(nValue, nBits);
+    });
+    EXPECT_LE(bytes.size(), values.size() * static_cast<std::size_t>(nBits) / 8 + 2);
+    C_CodeReader reader(bytes);
+    for (const std::uint32_t nValue : values) ASSERT_EQ(reader.ReadRaw(nBits), nValue) << nBits;
+    EXPECT_FALSE(reader.IsPastTheEnd());
+  }
+}
+
+// Calls the operation for each of 200,000 symbols and raw values in a mixture.
+template <typename T_Likely, typename T_Mixed, typename T_Raw>
+void ForEachOfAMixture(T_Likely fnLikely, T_Mixed fnMixed, T_Raw fnRaw) {
+  C_Random random(4);
+  for (int n = 0; n < 200000; ++n) {
+    const std::uint32_t nKind = random.Below(3);
+    if (nKind == 0) fnLikely(Draw<16>(random, kFirstLikely));
+    if (nKind == 1) fnMixed(random.Below(5));
+    if (nKind != 2) continue;
+    const int nBits = static_cast<int>(random.Below(kMaxRawBits)) + 1;
+    fnRaw(random.Below(1u << nBits), nBits);
+  }
+}
+
+TEST(HeronRangeCoder, SymbolsAndRawBitsMixed_ComeBack) {
+  const S_Bytes bytes = Written([](C_CodeWriter& writer) {
+    ForEachOfAMixture([&](std::size_t n) { WriteSymbol(writer, kFirstLikely, n); },
+                      [&](std::size_t n) { WriteSymbol(writer, kMixed, n); },
+                      [&](std::uint32_t nValue, int nBits) { writer.WriteRaw(nValue, nBits); });
+  });
+  C_CodeReader reader(bytes);
+  int nWrong = 0;
+  ForEachOfAMixture(
+      [&](std::size_t n) { nWrong += ReadSymbol(reader, kFirstLikely) != n ? 1 : 0; },
+      [&](std::size_t n) { nWrong += ReadSymbol(reader, kMixed) != n ? 1 : 0; },
+      [&](std::uint32_t nValue, int nBits) { nWrong += reader.ReadRaw(nBits) != nValue ? 1 : 0; });
+  EXPECT_EQ(nWrong, 0);
+  EXPECT_FALSE(reader.IsPastTheEnd());
+}
+
+TEST(HeronRangeCoder, AnEmptySequence_TakesAByteAtMost) {
+  EXPECT_LE(Written([](C_CodeWriter&) {}).size(), 1u);
+  EXPECT_FALSE(C_CodeReader({}).IsPastTheEnd());
+}
+
+TEST(HeronRangeCoder, ReadingOn_IsPastTheEndSoonAfterIt) {
+  for (std::size_t nBytes = 0; nBytes < 40; ++nBytes) {
+    const S_Bytes bytes(nBytes, 0xA5);
+    C_CodeReader reader(bytes);
+    std::size_t nRead = 0;
+    for (; !reader.IsPastTheEnd(); ++nRead) {
+      reader.ReadRaw(8);
+      ASSERT_LT(nRead, nBytes + 16);
+    }
+    EXPECT_GE(nRead, nBytes) << nBytes;
+  }
+}
+
+TEST(HeronRangeCoder, ATruncatedSequence_IsPastTheEndInTime) {
+  const S_Bytes bytes = Written([](C_CodeWriter& writer) {
+    C_Random random(5);
+    for (int n = 0; n < 200; ++n) writer.WriteRaw(random.Below(1 << 12), 12);
+  });
+  for (std::size_t nKept = 0; nKept + 9 < bytes.size(); ++nKept) {
+    C_CodeReader reader{std::span(bytes).first(nKept)};
+    for (int n = 0; n < 200; ++n) reader.ReadRaw(12);
+    EXPECT_TRUE(reader.IsPastTheEnd()) << nKept;
+  }
+}
+
+TEST(HeronRangeCoder, AnyBytes_GiveSymbolsOfTheTable) {
+  for (const int nFill : {0x00, 0xFF, -1}) {
+    C_Random random(6);
+    S_Bytes bytes(10000);
+    for (std::uint8_t& byByte : bytes)
+      byByte = nFill < 0 ? random.Byte() : static_cast<std::uint8_t>(nFill);
+    C_CodeReader reader(bytes);
+    for (int n = 0; n < 20000; ++n) {
+      ASSERT_LT(ReadSymbol(reader, kMixed), 5u);
+      ASSERT_LT(reader.ReadRaw(3), 8u);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace heron
