@@ -406,7 +406,7 @@ TEST_F(WavFileWrite, ConvertWritesThroughANewFileObjectOfTheKind) {
 
 TEST_F(WavFileWrite, ConvertToKindsThatCannotBeWrittenFails) {
   const C_WavObjectPtr file = AnnotatedSound();
-  for (const unsigned int dwType : {0u, 1u, 32u, 33u, 34u, 35u, 36u, 37u, 0x1001u, 0xFFFFu}) {
+  for (const unsigned int dwType : {0u, 1u, 31u, 37u, 0x1001u, 0xFFFFu}) {
     EXPECT_FALSE(file->Convert(static_cast<tagAudioFileType>(dwType), m_folder.Path("none").c_str(),
                                true, false, nullptr, false, 0));
     EXPECT_FALSE(m_folder.Has("none")) << dwType;
