@@ -137,7 +137,9 @@ std::string EventLabel(const S_EventLabel& event) {
   // EventLabels_AreSignedDecimals.
   const auto nCommand = static_cast<int>(std::uint32_t{event.wMain} << 16 | event.wSub);
   const auto nData = static_cast<int>(event.dwData);
-  return "(" + std::to_string(nCommand) + "," + std::to_string(nData) + ")";
+  std::string text = "(";
+  text.append(std::to_string(nCommand)).append(",").append(std::to_string(nData));
+  return text.append(")");
 }
 
 std::optional<S_EventLabel> ParseEventLabel(const char* pszText) {

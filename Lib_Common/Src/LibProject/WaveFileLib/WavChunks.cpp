@@ -84,6 +84,7 @@ bool AddSound(C_RiffFile& riff, I_WavData& wavData) {
 
 bool AddCues(C_RiffFile& riff, C_WavFileBase& file) {
   auto* pICueInfo = InfoOf<I_WavDataCueInfo>(file, WAV_DATA_INFO_CUE);
+  if (pICueInfo == nullptr) return false;
   return !pICueInfo->IsValid() || AddInfo(riff, "cue ", *pICueInfo);
 }
 
@@ -96,6 +97,7 @@ bool AddSampler(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSite& 
 
 bool AddLabels(C_RiffFile& riff, C_WavFileBase& file) {
   auto* pIListInfo = InfoOf<I_WavDataListInfo>(file, WAV_DATA_INFO_LIST);
+  if (pIListInfo == nullptr) return false;
   const bool bEmpty = pIListInfo->GetLabelCount() == 0 && pIListInfo->GetLtxtCount() == 0;
   return bEmpty || AddInfo(riff, "LIST", *pIListInfo);
 }

@@ -6,13 +6,6 @@
 #include "heron/Configuration.h"
 
 namespace heron {
-namespace {
-
-struct S_Count {
-  std::uint64_t qwCount;
-  std::size_t nBytes;  // that it took
-};
-
 std::optional<S_Count> ReadCount(std::span<const std::uint8_t> bytes) noexcept {
   constexpr std::size_t kMostBytes = 5;
   std::uint64_t qwCount = 0;
@@ -23,16 +16,19 @@ std::optional<S_Count> ReadCount(std::span<const std::uint8_t> bytes) noexcept {
   return std::nullopt;
 }
 
-}  // namespace
-
 std::optional<C_Decoder> C_Decoder::Open(std::span<const std::uint8_t> coded, int nSampleRate) {
   if (!IsSupportedSampleRate(nSampleRate)) return std::nullopt;
   const auto count = ReadCount(coded);
   if (!count || count->qwCount == 0) return std::nullopt;
   if (count->qwCount > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
   const int nLength = FrameLength(nSampleRate);
-  if (coded.size() * static_cast<std::uint64_t>(nLength) < count->qwCount) return std::nullopt;
-  return C_Decoder(coded.subspan(count->nBytes), static_cast<std::size_t>(count->qwCount), nLength);
+  const auto nFrameLength = static_cast<std::uint64_t>(nLength);
+  const std::uint64_t qwFrames = (count->qwCount + nFrameLength - 1) / nFrameLength;
+  if (coded.size() < qwFrames) return std::nullopt;
+  C_Decoder decoder(coded.subspan(count->nBytes), static_cast<std::size_t>(count->qwCount),
+                    nLength);
+  decoder.m_bPadded = coded.size() == qwFrames;
+  return decoder;
 }
 
 C_Decoder::C_Decoder(std::span<const std::uint8_t> frames, std::size_t nSamples, int nLength)
@@ -45,11 +41,15 @@ C_Decoder::C_Decoder(std::span<const std::uint8_t> frames, std::size_t nSamples,
 bool C_Decoder::DecodeFrame(std::span<std::int16_t> samples) noexcept {
   // The first frame of coefficients only starts the lap.
   for (int nFrames = m_bLapRead ? 1 : 2; nFrames > 0; --nFrames) {
-    if (!m_reader.Read(m_decoder, m_coefficients) || m_decoder.IsPastTheEnd()) return false;
+    if (!m_reader.Read(m_decoder, m_coefficients) || m_decoder.Unread() < 0) return false;
     m_transform.Transform(m_coefficients, samples);
   }
   m_bLapRead = true;
   return true;
+}
+
+bool C_Decoder::IsAtTheEnd() const noexcept {
+  return m_bPadded || m_decoder.Unread() <= static_cast<std::ptrdiff_t>(C_EntropyDecoder::kAhead);
 }
 
 }  // namespace heron

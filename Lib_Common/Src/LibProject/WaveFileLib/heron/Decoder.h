@@ -9,11 +9,19 @@
 #include <span>
 #include <vector>
 
+#include "heron/EntropyCoder.h"
 #include "heron/FrameCode.h"
-#include "heron/RangeCoder.h"
 #include "heron/Transform.h"
 
 namespace heron {
+
+// The count of samples that coded audio begins with.
+struct S_Count {
+  std::uint64_t qwCount;
+  std::size_t nBytes;  // that it took
+};
+// Empty when it does not end within five bytes.
+std::optional<S_Count> ReadCount(std::span<const std::uint8_t> coded) noexcept;
 
 class C_Decoder {
  public:
@@ -29,13 +37,16 @@ class C_Decoder {
   // Decodes the next frame into samples, Length() of them. False for what no encoder writes; the
   // object is of no use then.
   bool DecodeFrame(std::span<std::int16_t> samples) noexcept;
+  // Behind the last frame: nothing is left of the bytes but what an encoder leaves.
+  [[nodiscard]] bool IsAtTheEnd() const noexcept;
 
  private:
   C_Decoder(std::span<const std::uint8_t> frames, std::size_t nSamples, int nLength);
 
   std::size_t m_nSamples;
+  bool m_bPadded = false;
   bool m_bLapRead = false;
-  C_RangeDecoder m_decoder;
+  C_EntropyDecoder m_decoder;
   C_FrameReader m_reader;
   C_InverseTransform m_transform;
   std::vector<std::int32_t> m_coefficients;

@@ -4,10 +4,10 @@
 #include <algorithm>
 
 #include "heron/Configuration.h"
+#include "heron/EntropyCoder.h"
 #include "heron/FixedPoint.h"
 #include "heron/FrameCode.h"
 #include "heron/Loudness.h"
-#include "heron/RangeCoder.h"
 #include "heron/StepSize.h"
 #include "heron/Transform.h"
 
@@ -62,12 +62,17 @@ void TakeFrame(std::span<const std::int16_t> samples, std::size_t nFrame,
 C_Encoder::C_Encoder(std::span<const std::int16_t> samples, int nSampleRate)
     : m_samples(samples), m_nLength(FrameLength(nSampleRate)) {}
 
+std::size_t C_Encoder::FrameCount() const noexcept {
+  const auto nLength = static_cast<std::size_t>(m_nLength);
+  return (m_samples.size() + nLength - 1) / nLength;
+}
+
 std::vector<std::uint8_t> C_Encoder::Encode(int nOffset, const S_Progress& fnProgress) const {
   const auto nLength = static_cast<std::size_t>(m_nLength);
-  const std::size_t nFrames = (m_samples.size() + nLength - 1) / nLength;
+  const std::size_t nFrames = FrameCount();
   std::vector<std::uint8_t> bytes;
   WriteCount(bytes, m_samples.size());
-  C_RangeEncoder encoder(bytes);
+  C_EntropyEncoder encoder(bytes);
   C_ForwardTransform transform(m_nLength);
   C_FrameWriter writer(m_nLength);
   C_StepChoice steps(nOffset);
@@ -80,8 +85,7 @@ std::vector<std::uint8_t> C_Encoder::Encode(int nOffset, const S_Progress& fnPro
     if (fnProgress && n > 0 && (n % kFramesPerReport == 0 || n == nFrames))
       fnProgress(static_cast<unsigned int>(n));
   }
-  encoder.Finish();
-  if (bytes.size() < nFrames) bytes.resize(nFrames);
+  encoder.Finish(nFrames);
   return bytes;
 }
 

@@ -3,9 +3,11 @@
 // Codes a whole sound. The coded audio is
 //
 //   count of samples   7 bits a byte, lowest first, bit 7 set on all but the last; 1..2^32-1
-//   frames             one range-coded sequence: ceil(count / N) + 1 frames of N coefficients; the
-//                      samples behind the last one count as silence
-//   padding            zero bytes up to one byte for each frame
+//   frames             ceil(count / N) + 1 frames of N coefficients (FrameCode.h) in the two
+//   sequences
+//                      of EntropyCoder.h; the samples behind the last one count as silence
+//
+// Padding gives it at least as many bytes as the samples have frames.
 //
 // How coarsely a frame is quantised follows its loudness: its step rises by 5/8 of what its level
 // rises (both in dB). Louder frames get more bits and, in proportion, less noise; a steady step
@@ -31,6 +33,8 @@ class C_Encoder {
   // The coded audio for an offset of the step sizes in 256ths of a step index; higher is coarser.
   // Offsets outside the range give the same as its ends.
   [[nodiscard]] std::vector<std::uint8_t> Encode(int nOffset, const S_Progress& fnProgress) const;
+  // Frames that the samples fill, the last one perhaps in part.
+  [[nodiscard]] std::size_t FrameCount() const noexcept;
 
   static constexpr int kFinestOffset = -12 * 1024;
   static constexpr int kCoarsestOffset = 18 * 1024;

@@ -18,7 +18,10 @@ constexpr S_Complex Sum(const S_Complex& a, const S_Complex& b) noexcept {
 constexpr S_Complex Difference(const S_Complex& a, const S_Complex& b) noexcept {
   return {a.nRe - b.nRe, a.nIm - b.nIm};
 }
-// From Q24.
+constexpr S_Complex Scaled(const S_Complex& a, std::int64_t nFactor) noexcept {
+  return {a.nRe * nFactor, a.nIm * nFactor};
+}
+// From Q24, rounded down.
 constexpr S_Complex Shift(const S_Complex& a) noexcept {
   return {a.nRe >> kRotationQ, a.nIm >> kRotationQ};
 }
@@ -58,16 +61,27 @@ struct S_Pass {
 // with index 0, in the last pass all, need no turning.
 template <typename T_Butterfly>
 inline void ForEachButterfly(const S_Pass& pass, int nRadix, T_Butterfly butterfly) noexcept {
-  const auto unturned = [](int, const S_Complex& value) { return value; };
-  for (int q = 0; q < pass.nDone; ++q) butterfly(unturned, pass.pIn + q, pass.pOut + q);
-  for (int j = 1; j < pass.nLeft; ++j) {
-    const S_Rotation* pRotation = pass.rotations.data();
-    const std::ptrdiff_t nStep = std::ptrdiff_t{j} * pass.nDone;
+  const S_Rotation* pRotation = pass.rotations.data();
+  const S_Complex* pIn = pass.pIn;
+  S_Complex* pOut = pass.pOut;
+  for (int q = 0; q < pass.nDone; ++q)
+    butterfly([](int, const S_Complex& value) { return value; }, pIn++, pOut++);
+  if (pass.nDone == 1) {
+    // The first pass: each index has but one butterfly, and a loop for it would cost as much.
+    for (std::ptrdiff_t j = 1; j < pass.nLeft; ++j) {
+      const auto turned = [pRotation, j](int k, const S_Complex& value) {
+        return Rotate(value, pRotation[k * j]);
+      };
+      butterfly(turned, pIn++, pass.pOut + nRadix * j);
+    }
+    return;
+  }
+  for (std::ptrdiff_t nStep = pass.nDone; nStep < pass.InStride(); nStep += pass.nDone) {
     const auto turned = [pRotation, nStep](int k, const S_Complex& value) {
       return Rotate(value, pRotation[k * nStep]);
     };
-    for (int q = 0; q < pass.nDone; ++q)
-      butterfly(turned, pass.pIn + nStep + q, pass.pOut + nRadix * nStep + q);
+    pOut += (nRadix - 1) * pass.nDone;
+    for (int q = 0; q < pass.nDone; ++q) butterfly(turned, pIn++, pOut++);
   }
 }
 
@@ -95,39 +109,42 @@ void RunRadix4(const S_Pass& pass) noexcept {
   });
 }
 
-// The transform of nRadix values, nRadix odd. The sums and the differences of values n and nRadix -
-// n, times cosines and sines, give outputs k and nRadix - k together.
-inline void RunOdd(int nRadix, const S_Pass& pass) noexcept {
-  constexpr int kLargestHalf = kMaxPoints / 2;
+// The transform of kRadix values, kRadix odd; 0: of as many as the pass says. The sums and the
+// differences of values n and radix - n, times cosines and sines, give outputs k and radix - k
+// together.
+template <int kRadix>
+void RunOdd(const S_Pass& pass) noexcept {
+  constexpr std::size_t kMostPairs = (kRadix > 0 ? kRadix : kMaxPoints) / 2;
+  using S_Pairs = std::array<S_Complex, kMostPairs + 1>;
+  const int nRadix = kRadix > 0 ? kRadix : pass.nRadix;
   const std::ptrdiff_t nIn = pass.InStride();
   const std::ptrdiff_t nOut = pass.nDone;
-  // exp(-2 pi i k / nRadix) is at k * nTurn.
+  // exp(-2 pi i k / radix) is at k * nTurn.
   const S_Rotation* pRotation = pass.rotations.data();
   const std::ptrdiff_t nTurn = std::ssize(pass.rotations) / nRadix;
   ForEachButterfly(pass, nRadix, [=](auto rotate, const S_Complex* pIn, S_Complex* pOut) {
-    std::array<S_Complex, kLargestHalf + 1> sums;
-    std::array<S_Complex, kLargestHalf + 1> differences;
+    S_Pairs sums;
+    S_Pairs differences;
     const int nHalf = nRadix / 2;
-    S_Complex total = pIn[0];
+    const S_Complex first = pIn[0];
+    S_Complex total = first;
     for (int n = 1; n <= nHalf; ++n) {
       const auto at = static_cast<std::size_t>(n);
-      sums[at] = Sum(pIn[n * nIn], pIn[(nRadix - n) * nIn]);
-      differences[at] = TimesMinusI(Difference(pIn[n * nIn], pIn[(nRadix - n) * nIn]));
+      const S_Complex low = pIn[n * nIn];
+      const S_Complex high = pIn[(nRadix - n) * nIn];
+      sums[at] = Sum(low, high);
+      differences[at] = TimesMinusI(Difference(low, high));
       total = Sum(total, sums[at]);
     }
     pOut[0] = total;
-    constexpr std::int64_t nOne = std::int64_t{1} << kRotationQ;
-    const S_Complex first{pIn[0].nRe * nOne + nOne / 2, pIn[0].nIm * nOne + nOne / 2};
     for (int k = 1; k <= nHalf; ++k) {
-      S_Complex even = first;
+      S_Complex even = Scaled(first, std::int64_t{1} << kRotationQ);
       S_Complex odd{0, 0};
       for (int n = 1; n <= nHalf; ++n) {
         const auto at = static_cast<std::size_t>(n);
         const S_Rotation unit = pRotation[n * k % nRadix * nTurn];
-        even.nRe += sums[at].nRe * unit.nCosine;
-        even.nIm += sums[at].nIm * unit.nCosine;
-        odd.nRe -= differences[at].nRe * unit.nSine;
-        odd.nIm -= differences[at].nIm * unit.nSine;
+        even = Sum(even, Scaled(sums[at], unit.nCosine));
+        odd = Difference(odd, Scaled(differences[at], unit.nSine));
       }
       pOut[k * nOut] = rotate(k, Shift(Sum(even, odd)));
       pOut[(nRadix - k) * nOut] = rotate(nRadix - k, Shift(Difference(even, odd)));
@@ -135,19 +152,47 @@ inline void RunOdd(int nRadix, const S_Pass& pass) noexcept {
   });
 }
 
-// The common odd radices are given as constants, for loops that the compiler can unroll.
+// As RunOdd, with fewer products: cos(72) and cos(144) degrees are -1/4 +- sqrt(5)/4.
+void RunRadix5(const S_Pass& pass) noexcept {
+  constexpr std::int64_t kRoot5Quarter = 9378749;  // Q24
+  const std::ptrdiff_t nIn = pass.InStride();
+  const std::ptrdiff_t nOut = pass.nDone;
+  const std::size_t nTurn = pass.rotations.size() / 5;
+  const std::int64_t nSine1 = pass.rotations[nTurn].nSine;
+  const std::int64_t nSine2 = pass.rotations[2 * nTurn].nSine;
+  ForEachButterfly(pass, 5, [=](auto rotate, const S_Complex* pIn, S_Complex* pOut) {
+    const S_Complex sum1 = Sum(pIn[nIn], pIn[4 * nIn]);
+    const S_Complex sum2 = Sum(pIn[2 * nIn], pIn[3 * nIn]);
+    const S_Complex difference1 = TimesMinusI(Difference(pIn[nIn], pIn[4 * nIn]));
+    const S_Complex difference2 = TimesMinusI(Difference(pIn[2 * nIn], pIn[3 * nIn]));
+    const S_Complex sum = Sum(sum1, sum2);
+    const S_Complex even = Difference(Scaled(pIn[0], std::int64_t{1} << kRotationQ),
+                                      Scaled(sum, std::int64_t{1} << (kRotationQ - 2)));
+    const S_Complex root = Scaled(Difference(sum1, sum2), kRoot5Quarter);
+    const S_Complex odd1 = Sum(Scaled(difference1, nSine1), Scaled(difference2, nSine2));
+    const S_Complex odd2 = Difference(Scaled(difference1, nSine2), Scaled(difference2, nSine1));
+    const S_Complex even1 = Sum(even, root);
+    const S_Complex even2 = Difference(even, root);
+    pOut[0] = Sum(pIn[0], sum);
+    pOut[nOut] = rotate(1, Shift(Difference(even1, odd1)));
+    pOut[2 * nOut] = rotate(2, Shift(Difference(even2, odd2)));
+    pOut[3 * nOut] = rotate(3, Shift(Sum(even2, odd2)));
+    pOut[4 * nOut] = rotate(4, Shift(Sum(even1, odd1)));
+  });
+}
+
 void Run(const S_Pass& pass) noexcept {
   switch (pass.nRadix) {
     case 2:
       return RunRadix2(pass);
     case 3:
-      return RunOdd(3, pass);
+      return RunOdd<3>(pass);
     case 4:
       return RunRadix4(pass);
     case 5:
-      return RunOdd(5, pass);
+      return RunRadix5(pass);
     default:
-      return RunOdd(pass.nRadix, pass);
+      return RunOdd<0>(pass);
   }
 }
 

@@ -31,13 +31,13 @@ inline constexpr int kMaxPoints = 480;
 // exp(-2 pi i nPart / nWhole).
 S_Rotation BackwardRotation(std::int64_t nPart, std::int64_t nWhole) noexcept;
 
-// The value turned, and divided by 2^kDown. Products need |value| < 2^38.5 to stay within 64 bits.
+// The value turned, and divided by 2^kDown; rounded down. Products need |value| < 2^38.5 to stay
+// within 64 bits.
 template <int kDown = 0>
 constexpr S_Complex Rotate(const S_Complex& value, const S_Rotation& rotation) noexcept {
   constexpr int kShift = kRotationQ + kDown;
-  constexpr std::int64_t nHalf = std::int64_t{1} << (kShift - 1);
-  return {(value.nRe * rotation.nCosine - value.nIm * rotation.nSine + nHalf) >> kShift,
-          (value.nRe * rotation.nSine + value.nIm * rotation.nCosine + nHalf) >> kShift};
+  return {(value.nRe * rotation.nCosine - value.nIm * rotation.nSine) >> kShift,
+          (value.nRe * rotation.nSine + value.nIm * rotation.nCosine) >> kShift};
 }
 
 class C_Fourier {

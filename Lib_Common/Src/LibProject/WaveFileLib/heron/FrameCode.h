@@ -11,8 +11,8 @@
 #include <span>
 #include <vector>
 
+#include "heron/EntropyCoder.h"
 #include "heron/Neighbourhood.h"
-#include "heron/RangeCoder.h"
 #include "heron/Trellis.h"
 
 namespace heron {
@@ -24,11 +24,11 @@ class C_FrameWriter {
   // nLength: coefficients per frame.
   explicit C_FrameWriter(int nLength);
   // Quantises the coefficients (Q8) with step index nIndex and writes them.
-  void Write(C_RangeEncoder& encoder, std::span<const std::int32_t> coefficients, int nIndex);
+  void Write(C_EntropyEncoder& encoder, std::span<const std::int32_t> coefficients, int nIndex);
 
  private:
-  void WriteIndex(C_RangeEncoder& encoder, int nIndex);
-  void WriteLevels(C_RangeEncoder& encoder, std::span<const std::int32_t> coefficients);
+  void WriteIndex(C_EntropyEncoder& encoder, int nIndex);
+  void WriteLevels(C_EntropyEncoder& encoder, std::span<const std::int32_t> coefficients);
 
   int m_nIndex = kFirstIndex;
   C_FrameBefore m_before;
@@ -41,10 +41,12 @@ class C_FrameReader {
   explicit C_FrameReader(int nLength);
   // Reads the coefficients (Q8) of the next frame. False for what no writer writes: a step index
   // above the highest, a coefficient above kMaxCoefficient.
-  bool Read(C_RangeDecoder& decoder, std::span<std::int32_t> coefficients) noexcept;
+  bool Read(C_EntropyDecoder& decoder, std::span<std::int32_t> coefficients) noexcept;
+  // Of the frame read last.
+  [[nodiscard]] int StepIndex() const noexcept { return m_nIndex; }
 
  private:
-  bool ReadIndex(C_RangeDecoder& decoder) noexcept;
+  bool ReadIndex(C_EntropyDecoder& decoder) noexcept;
 
   int m_nIndex = kFirstIndex;
   C_FrameBefore m_before;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "heron/FrameCoder.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <utility>
@@ -25,15 +24,14 @@ bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
                    std::vector<std::int16_t>* pSamples) {
   auto decoder = C_Decoder::Open(coded, nSampleRate);
   if (!decoder) return false;
+  // Bounded by the size of the coded audio; the last frame is cut to the sound's end.
   const std::size_t nLength = decoder->Length();
-  std::vector<std::int16_t> frame(nLength);
-  std::vector<std::int16_t> samples;
-  while (samples.size() < decoder->SampleCount()) {
-    if (!decoder->DecodeFrame(frame)) return false;
-    const std::size_t nTaken = std::min(nLength, decoder->SampleCount() - samples.size());
-    samples.insert(samples.end(), frame.begin(),
-                   frame.begin() + static_cast<std::ptrdiff_t>(nTaken));
+  std::vector<std::int16_t> samples((decoder->SampleCount() + nLength - 1) / nLength * nLength);
+  for (std::size_t n = 0; n < samples.size(); n += nLength) {
+    if (!decoder->DecodeFrame({samples.data() + n, nLength})) return false;
   }
+  if (!decoder->IsAtTheEnd()) return false;
+  samples.resize(decoder->SampleCount());
   *pSamples = std::move(samples);
   return true;
 }

@@ -28,7 +28,8 @@ bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int n
                    const std::function<void(unsigned int nFramesDone)>& fnFrames);
 
 // Decodes what EncodeSamples made, at the rate that it was made for; every depth is decoded the
-// same way. False, *pSamples unchanged, for bytes that it cannot have made.
+// same way. False, *pSamples unchanged, for bytes that it cannot have made: a level or a step out
+// of range, more or fewer bytes than the frames take.
 bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
                    std::vector<std::int16_t>* pSamples);
 

@@ -7,10 +7,10 @@
 //   escape  for symbol 15: e = (k >> shift) - 14 as raw bits: one 0 for each bit of e behind its
 //           first, a 1, then those bits
 //   raw     the low `shift` bits of k
-//   sign    unless k is 0, one raw bit, 1 for negative
+//   sign    unless k is 0, one more raw bit, 1 for negative
 //
-// Expectations double every four classes. The upper classes share four tables: each octave further
-// up codes one bit more of k as it is, up to 15.
+// Expectations double every four tables. The last four tables serve the upper octaves together:
+// each octave codes one bit more of k as it is.
 #pragma once
 
 #include <algorithm>
@@ -19,29 +19,41 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "heron/RangeCoder.h"
+#include "heron/EntropyCoder.h"
 #include "heron/Tables.h"
 
 namespace heron {
 
 struct S_MagnitudeClass {
   std::size_t nTable;  // 0..kMagnitudeTables-1
-  int nShift;          // 0..15
+  int nShift;          // 0..22
 };
 
-// nExpectation at least 8.
-constexpr S_MagnitudeClass ClassOf(std::int32_t nExpectation) noexcept {
-  constexpr int kLowestOctave = 3;  // 8 = 2^3, the least expectation
-  constexpr int kOwnOctaves = 6;
-  constexpr int kMostShift = 15;
-  const int nOctave = 31 - std::countl_zero(static_cast<std::uint32_t>(nExpectation));
-  const int nQuarter = nExpectation >> (nOctave - 2) & 3;
-  const int nShift = nOctave - kLowestOctave - kOwnOctaves + 1;
-  if (nShift <= 0) return {static_cast<std::size_t>(4 * (nOctave - kLowestOctave) + nQuarter), 0};
-  return {static_cast<std::size_t>(4 * kOwnOctaves + nQuarter), std::min(nShift, kMostShift)};
+inline constexpr int kLowestOctave = 3;  // 8 = 2^3, the least expectation
+inline constexpr int kHighestOctave =
+    kLowestOctave + kMagnitudeTables / 4 - 1;  // the first with a shift
+
+// The table of each expectation below 2^(kHighestOctave + 1): by its octave and the two bits behind
+// its first.
+inline constexpr auto kTableOf = [] {
+  std::array<std::uint8_t, 2 << kHighestOctave> tables{};
+  for (std::size_t n = std::size_t{1} << kLowestOctave; n < tables.size(); ++n) {
+    const int nOctave = 63 - std::countl_zero(n);
+    tables[n] = static_cast<std::uint8_t>(4 * (nOctave - kLowestOctave) +
+                                          static_cast<int>(n >> (nOctave - 2)) - 4);
+  }
+  return tables;
+}();
+
+// nExpectation 8..2^32-1.
+constexpr S_MagnitudeClass ClassOf(std::uint32_t nExpectation) noexcept {
+  // The bit set changes no octave and spares the machine a case for 0.
+  const int nOctave = 31 ^ std::countl_zero(nExpectation | 1);
+  const int nAbove = std::max(nOctave - kHighestOctave, 0);
+  return {kTableOf[nExpectation >> nAbove], std::max(nOctave - kHighestOctave + 1, 0)};
 }
 
-// Levels are below 2^24.
+// Levels are at most 2^24.
 inline constexpr int kLevelBits = 24;
 
 inline constexpr std::uint32_t kEscapeSymbol = kMagnitudeSymbols - 1;
@@ -50,38 +62,33 @@ using S_MagnitudeCumulative = S_Cumulative<kMagnitudeSymbols>;
 // Bits that each symbol takes, in 1/256.
 using S_MagnitudeCosts = std::array<std::uint16_t, kMagnitudeSymbols>;
 
-// By quantiser and table.
-extern const std::array<std::array<S_MagnitudeCumulative, kMagnitudeTables>, kQuantisers>
-    kMagnitudeCumulative;
-extern const std::array<std::array<S_MagnitudeCosts, kMagnitudeTables>, kQuantisers>
-    kMagnitudeCosts;
+// By table and quantiser.
+template <typename T_Row>
+using S_MagnitudeRows = std::array<std::array<T_Row, kQuantisers>, kMagnitudeTables>;
+extern const S_MagnitudeRows<S_MagnitudeCumulative> kMagnitudeCumulative;
+extern const S_MagnitudeRows<S_MagnitudeCosts> kMagnitudeCosts;
 
-void WriteLevel(C_RangeEncoder& encoder, int nQuantiser, const S_MagnitudeClass& magnitudeClass,
-                std::int32_t nLevel, bool bNegative);
+void WriteLevel(C_EntropyEncoder& encoder, std::size_t nQuantiser,
+                const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel, bool bNegative);
 
-// nLevel + 1 as raw bits: the escape of a level that is nLevel above what the symbols reach. The
-// second is 0 for what is too long.
-void WriteEscape(C_RangeEncoder& encoder, std::uint32_t nExcess);
-std::uint32_t ReadEscape(C_RangeDecoder& decoder) noexcept;
+// nExcess (at least 1) as raw bits: the escape of a level that is nExcess - 1 above what the
+// symbols reach. Reading gives 2^32 for what is longer than any level's.
+void WriteEscape(C_EntropyEncoder& encoder, std::uint32_t nExcess);
+std::uint64_t ReadEscape(C_EntropyDecoder& decoder) noexcept;
 
-struct S_Level {
-  std::int32_t nLevel;  // -1 for what is too long
-  bool bNegative;
-};
-
-inline S_Level ReadLevel(C_RangeDecoder& decoder, int nQuantiser,
-                         const S_MagnitudeClass& magnitudeClass) noexcept {
+// The level without its sign; 2^32 and more for what no encoder writes.
+inline std::uint64_t ReadLevel(C_EntropyDecoder& decoder, std::size_t nQuantiser,
+                               const S_MagnitudeClass& magnitudeClass) noexcept {
   std::uint64_t qwLevel = decoder.ReadSymbol<kMagnitudeSymbols>(
-      kMagnitudeCumulative[static_cast<std::size_t>(nQuantiser)][magnitudeClass.nTable]);
+      kMagnitudeCumulative[magnitudeClass.nTable][nQuantiser]);
   if (qwLevel == kEscapeSymbol) {
-    const std::uint32_t nExcess = ReadEscape(decoder);
-    if (nExcess == 0) return {-1, false};
-    qwLevel += nExcess - 1;
+    // Through a copy: an object whose address goes elsewhere cannot stay in registers.
+    C_EntropyDecoder copy = decoder;
+    qwLevel += ReadEscape(copy) - 1;
+    decoder = copy;
   }
-  if (magnitudeClass.nShift > 0)
-    qwLevel = qwLevel << magnitudeClass.nShift | decoder.ReadRaw(magnitudeClass.nShift);
-  if (qwLevel >> kLevelBits != 0) return {-1, false};
-  return {static_cast<std::int32_t>(qwLevel), qwLevel != 0 && decoder.ReadBit()};
+  if (magnitudeClass.nShift == 0) return qwLevel;
+  return qwLevel << magnitudeClass.nShift | decoder.ReadRaw(magnitudeClass.nShift);
 }
 
 // Bits that a level takes, its sign included, in 1/256.

@@ -24,8 +24,10 @@ void C_FrameBefore::End(std::span<const std::int32_t> magnitudes) noexcept {
   const std::size_t nLength = magnitudes.size();
   const auto at = [&](std::size_t k) { return k < nLength ? magnitudes[k] : 0; };
   const auto smooth = [&](std::size_t k, auto value) {
-    m_smoothed[k] = kWeightBefore0 * value(k) + kWeightBefore1 * (value(k - 1) + value(k + 1)) +
-                    kWeightBefore2 * (value(k - 2) + value(k + 2));
+    const auto nSum = static_cast<std::uint32_t>(kWeightBefore0 * value(k) +
+                                                 kWeightBefore1 * (value(k - 1) + value(k + 1)) +
+                                                 kWeightBefore2 * (value(k - 2) + value(k + 2)));
+    m_smoothed[k] = nSum < C_Rescale::kMost ? nSum : C_Rescale::kMost;
   };
   const std::size_t nEdge = std::min<std::size_t>(2, nLength);
   for (std::size_t k = 0; k < nEdge; ++k) smooth(k, at);

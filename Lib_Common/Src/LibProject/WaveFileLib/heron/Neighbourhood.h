@@ -31,10 +31,12 @@ inline constexpr std::int32_t kWeightBefore0 = 8;  // the same coefficient one f
 inline constexpr std::int32_t kWeightBefore1 = 5;  // its neighbours there
 inline constexpr std::int32_t kWeightBefore2 = 2;
 // What is expected where all neighbours are zero.
-inline constexpr std::int32_t kLeastExpectation = 8;
+inline constexpr std::uint32_t kLeastExpectation = 8;
 
-constexpr std::int32_t FromBelow(const S_Below& below) noexcept {
-  return kWeightBelow1 * below.n1 + kWeightBelow2 * below.n2 + kWeightBelow3 * below.n3;
+// Below 2^30.
+constexpr std::uint32_t FromBelow(const S_Below& below) noexcept {
+  return static_cast<std::uint32_t>(kWeightBelow1 * below.n1 + kWeightBelow2 * below.n2 +
+                                    kWeightBelow3 * below.n3);
 }
 
 // The frame before, as the one being coded sees it.
@@ -46,15 +48,16 @@ class C_FrameBefore {
   // Starts a frame with step index nIndex.
   void Begin(int nIndex) noexcept;
   // What the frame before adds to the expectation of coefficient k, with
-  // kLeastExpectation: 8..2^29.
-  [[nodiscard]] std::int32_t Expectation(std::size_t k) const noexcept { return m_expected[k]; }
+  // kLeastExpectation: 8..2^31.
+  [[nodiscard]] std::uint32_t Expectation(std::size_t k) const noexcept { return m_expected[k]; }
   // Ends the frame: its magnitudes in half steps, each at most 2^24.
   void End(std::span<const std::int32_t> magnitudes) noexcept;
 
  private:
   int m_nIndex = 0;
-  std::vector<std::int32_t> m_smoothed;  // weighted sums in half steps of m_nIndex
-  std::vector<std::int32_t> m_expected;
+  // Weighted sums in half steps of m_nIndex, limited to C_Rescale::kMost.
+  std::vector<std::uint32_t> m_smoothed;
+  std::vector<std::uint32_t> m_expected;
 };
 
 }  // namespace heron

@@ -6,6 +6,7 @@
 // the half-step grid by choosing its path, and pays for levels of the whole step.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -16,18 +17,18 @@ inline constexpr std::size_t kStates = 4;
 // The state that each frame begins with.
 inline constexpr std::size_t kFirstState = 0;
 
-// From state 0 to 0 or 2 (level even or odd), from 1 to 2 or 0, from 2 to 1 or 3, from 3 to 3 or 1.
-constexpr std::size_t NextState(std::size_t nState, std::int32_t nLevel) noexcept {
-  // Two bits for each state and parity, the first pair lowest.
-  constexpr std::size_t kNext = 0b01'11'11'01'00'10'10'00;
-  return kNext >> (4 * nState + 2 * static_cast<std::size_t>(nLevel & 1)) & 3;
+// From each state, by the parity of the level: even, odd.
+inline constexpr std::array<std::uint8_t, 2 * kStates> kNextState = {0, 2, 2, 0, 1, 3, 3, 1};
+
+constexpr std::size_t NextState(std::size_t nState, std::uint64_t qwLevel) noexcept {
+  return kNextState[2 * nState + (qwLevel & 1)];
 }
 
-constexpr int QuantiserOf(std::size_t nState) noexcept { return nState < 2 ? 0 : 1; }
+constexpr std::size_t QuantiserOf(std::size_t nState) noexcept { return nState >> 1; }
 
 // The magnitude that a level (not negative) stands for, in half steps.
-constexpr std::int32_t HalfSteps(int nQuantiser, std::int32_t nLevel) noexcept {
-  return nLevel == 0 ? 0 : 2 * nLevel - nQuantiser;
+constexpr std::int32_t HalfSteps(std::size_t nQuantiser, std::int32_t nLevel) noexcept {
+  return nLevel == 0 ? 0 : 2 * nLevel - static_cast<std::int32_t>(nQuantiser);
 }
 
 }  // namespace heron

@@ -10,7 +10,9 @@
 namespace heron {
 namespace {
 
-constexpr int kMostPasses = 8;
+// Passes by secants. Short sounds get more: they are cheap to code, and their sizes jump.
+constexpr std::size_t kSecantPasses = 5;
+constexpr std::size_t kSamplesForMorePasses = 16000;
 
 // The mean loudness of the frames.
 int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
@@ -29,66 +31,71 @@ int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
 // Where speech usually ends up; anything will do, a good guess saves passes.
 int FirstOffset(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth) {
   const int nLoudness = MeanLoudness(samples, static_cast<std::size_t>(FrameLength(nSampleRate)));
-  return 922 + nLoudness * 3 / 4 - 1147 * nBitDepth;
+  return 1600 + nLoudness * 3 / 4 - 1147 * nBitDepth;
 }
 
-// The offsets that are known to be too fine and coarse enough, and the sizes that they gave.
+struct S_Pass {
+  int nOffset;
+  std::int64_t nSize;
+};
+
+// Approaches the size with secants, inside what is known to be too fine and coarse enough, and
+// where they do not get near, by halving that.
 class C_Search {
  public:
-  explicit C_Search(std::size_t nMost) : m_nMost(static_cast<std::int64_t>(nMost)) {}
+  C_Search(std::size_t nMost, std::size_t nSamples, int nFirstOffset)
+      : m_nMost(static_cast<std::int64_t>(nMost)),
+        m_nSamples(static_cast<std::int64_t>(nSamples)),
+        m_nSecantsLeft(kSecantPasses + kSamplesForMorePasses / nSamples),
+        m_nOffset(Limit(nFirstOffset)) {}
 
-  // Takes the result of one pass.
-  void Learn(int nOffset, std::vector<std::uint8_t> coded) {
-    const auto nSize = static_cast<std::int64_t>(coded.size());
-    if (nSize > m_nMost) {
-      m_fine = {nOffset, nSize};
-      m_bFineKnown = true;
-      if (!m_bCoarseKnown) m_best = std::move(coded);
-      return;
-    }
-    m_coarse = {nOffset, nSize};
-    if (!m_bCoarseKnown || coded.size() >= m_best.size()) m_best = std::move(coded);
-    m_bCoarseKnown = true;
+  // The offset to try next.
+  [[nodiscard]] int Offset() const { return m_nOffset; }
+
+  // Takes what it gave.
+  void Learn(std::vector<std::uint8_t> coded) {
+    const S_Pass pass{m_nOffset, static_cast<std::int64_t>(coded.size())};
+    const bool bFits = pass.nSize <= m_nMost;
+    (bFits ? m_nCoarse : m_nFine) = m_nOffset;
+    if (!m_bFits || (bFits && coded.size() > m_best.size())) m_best = std::move(coded);
+    m_bFits = m_bFits || bFits;
+    if (m_nSecantsLeft > 0) --m_nSecantsLeft;
+    m_nOffset = m_nSecantsLeft > 0 ? Limit(m_nOffset + Step(pass)) : (m_nFine + m_nCoarse) / 2;
+    m_last = pass;
   }
 
+  // The best is close enough, or nothing is left to try.
   [[nodiscard]] bool IsDone() const {
-    if (!m_bCoarseKnown) return m_bFineKnown && m_fine.nOffset >= C_Encoder::kCoarsestOffset;
-    const auto nBest = static_cast<std::int64_t>(m_best.size());
-    if (m_nMost - nBest <= m_nMost / 1024) return true;
-    return m_coarse.nOffset <= (m_bFineKnown ? m_fine.nOffset + 1 : C_Encoder::kFinestOffset);
+    const std::int64_t nUnused = m_nMost - static_cast<std::int64_t>(m_best.size());
+    const bool bClose = m_bFits && nUnused <= m_nMost / (m_nSecantsLeft > 0 ? 512 : 200);
+    return bClose || m_nFine + 1 >= m_nCoarse;
   }
-
-  // The next offset to try. Between two known ones the size is taken as linear; beyond one, an
-  // octave of the step as a bit per sample.
-  [[nodiscard]] int Next(std::size_t nSamples) const {
-    const std::int64_t nAim = m_nMost - m_nMost / 2048;
-    if (m_bFineKnown && m_bCoarseKnown) {
-      const std::int64_t nSpan = m_coarse.nOffset - m_fine.nOffset;
-      const std::int64_t nStep = nSpan * (m_fine.nSize - nAim) / (m_fine.nSize - m_coarse.nSize);
-      return m_fine.nOffset + static_cast<int>(std::clamp<std::int64_t>(nStep, 1, nSpan - 1));
-    }
-    const S_Point& known = m_bFineKnown ? m_fine : m_coarse;
-    const std::int64_t nStep =
-        (known.nSize - nAim) * 8 * 1024 / static_cast<std::int64_t>(nSamples) +
-        (m_bFineKnown ? 8 : -8);
-    return static_cast<int>(std::clamp<std::int64_t>(
-        known.nOffset + nStep, C_Encoder::kFinestOffset, C_Encoder::kCoarsestOffset));
-  }
-
-  [[nodiscard]] bool Fits() const { return m_bCoarseKnown; }
   std::vector<std::uint8_t> TakeBest() { return std::move(m_best); }
 
  private:
-  struct S_Point {
-    int nOffset = 0;
-    std::int64_t nSize = 0;
-  };
+  [[nodiscard]] int Limit(std::int64_t nOffset) const {
+    return static_cast<int>(std::clamp<std::int64_t>(nOffset, m_nFine + 1, m_nCoarse - 1));
+  }
+
+  // From the last pass to where a line through the last two meets the size aimed at. Behind the
+  // first one, an octave of the step is taken as a bit per sample.
+  [[nodiscard]] std::int64_t Step(const S_Pass& pass) const {
+    const std::int64_t nExcess = pass.nSize - (m_nMost - m_nMost / 1536);
+    if (m_last.nSize != kNone && m_last.nSize != pass.nSize)
+      return nExcess * (pass.nOffset - m_last.nOffset) / (m_last.nSize - pass.nSize);
+    return nExcess * 8 * 1024 / m_nSamples;
+  }
+
+  static constexpr std::int64_t kNone = -1;
 
   std::int64_t m_nMost;
-  S_Point m_fine;
-  S_Point m_coarse;
-  bool m_bFineKnown = false;
-  bool m_bCoarseKnown = false;
+  std::int64_t m_nSamples;
+  std::size_t m_nSecantsLeft;
+  int m_nFine = C_Encoder::kFinestOffset - 1;      // too fine, or finer than makes sense
+  int m_nCoarse = C_Encoder::kCoarsestOffset + 1;  // coarse enough, or coarser than makes sense
+  int m_nOffset;
+  S_Pass m_last{0, kNone};
+  bool m_bFits = false;
   std::vector<std::uint8_t> m_best;
 };
 
@@ -98,13 +105,15 @@ std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, in
                                        int nBitDepth, const C_Encoder::S_Progress& fnProgress) {
   const std::size_t nMost = samples.size() * static_cast<std::size_t>(nBitDepth) / 8;
   const C_Encoder encoder(samples, nSampleRate);
-  C_Search search(nMost > kHeadBytes ? nMost - kHeadBytes : 0);
-  int nOffset = FirstOffset(samples, nSampleRate, nBitDepth);
-  for (int nPass = 1; !search.IsDone(); ++nPass) {
-    if (nPass > kMostPasses && search.Fits()) break;
-    search.Learn(nOffset, encoder.Encode(nOffset, fnProgress));
-    nOffset = search.Next(samples.size());
-  }
+  C_Search search(nMost > kHeadBytes ? nMost - kHeadBytes : 0, samples.size(),
+                  FirstOffset(samples, nSampleRate, nBitDepth));
+  // The first pass reports all frames but the last, which is done when the last pass is.
+  C_Encoder::S_Progress fnFirstPass = [&](unsigned int nFramesDone) {
+    if (fnProgress && nFramesDone < encoder.FrameCount()) fnProgress(nFramesDone);
+  };
+  for (; !search.IsDone(); fnFirstPass = {})
+    search.Learn(encoder.Encode(search.Offset(), fnFirstPass));
+  if (fnProgress) fnProgress(static_cast<unsigned int>(encoder.FrameCount()));
   return search.TakeBest();
 }
 

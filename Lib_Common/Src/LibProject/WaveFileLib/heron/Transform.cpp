@@ -55,32 +55,28 @@ std::vector<S_Rotation> Dct4Rotations(int nLength) {
 }
 
 constexpr std::int16_t Limit16(std::int64_t nValue) noexcept {
-  return static_cast<std::int16_t>(std::clamp<std::int64_t>(
-      nValue, std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()));
+  const auto nNarrow = static_cast<std::int16_t>(nValue);
+  if (nNarrow == nValue) [[likely]]
+    return nNarrow;
+  return nValue < 0 ? std::numeric_limits<std::int16_t>::min()
+                    : std::numeric_limits<std::int16_t>::max();
 }
 
 }  // namespace
 
 C_LappedTransform::C_LappedTransform(int nLength)
-    : m_nLength(nLength),
-      m_fourier(nLength / 2),
+    : m_fourier(nLength / 2),
       m_rotations(Dct4Rotations(nLength)),
       m_points(static_cast<std::size_t>(nLength / 2)),
       m_window(ScaledWindow(nLength)) {}
 
-// Values 2n and N-1-2n are the parts of one complex number, turned before and after the transform.
-template <int kDown, typename T_Out>
-void C_LappedTransform::Dct4(std::span<const std::int32_t> in, std::span<T_Out> out) noexcept {
-  const std::size_t nPoints = m_points.size();
-  const std::size_t nLast = in.size() - 1;
-  for (std::size_t n = 0; n < nPoints; ++n)
-    m_points[n] = Rotate({in[2 * n], in[nLast - 2 * n]}, m_rotations[n]);
+std::span<const S_Complex> C_LappedTransform::Transform(
+    std::span<const std::int32_t> values) noexcept {
+  const std::size_t nLast = values.size() - 1;
+  for (std::size_t n = 0; n < m_points.size(); ++n)
+    m_points[n] = Rotate({values[2 * n], values[nLast - 2 * n]}, m_rotations[n]);
   m_fourier.Transform(m_points);
-  for (std::size_t n = 0; n < nPoints; ++n) {
-    const S_Complex point = Rotate<kDown>(m_points[n], m_rotations[n]);
-    out[2 * n] = static_cast<T_Out>(point.nRe);
-    out[nLast - 2 * n] = static_cast<T_Out>(-point.nIm);
-  }
+  return m_points;
 }
 
 C_ForwardTransform::C_ForwardTransform(int nLength)
@@ -104,32 +100,44 @@ void C_ForwardTransform::Transform(std::span<const std::int16_t> samples,
     m_folded[nHalf + n] = static_cast<std::int32_t>(RoundShift(nOld, kDown));
     m_folded[n] = static_cast<std::int32_t>(RoundShift(-nNew, kDown));
   }
-  m_transform.Dct4<kFoldedQ - kCoefficientQ>(m_folded, coefficients);
+  const auto points = m_transform.Transform(m_folded);
+  for (std::size_t n = 0; n < nHalf; ++n) {
+    const S_Complex point = Rotate<kFoldedQ - kCoefficientQ>(points[n], m_transform.Rotation(n));
+    coefficients[2 * n] = static_cast<std::int32_t>(point.nRe);
+    coefficients[nLength - 1 - 2 * n] = static_cast<std::int32_t>(-point.nIm);
+  }
   std::copy(samples.begin(), samples.end(), m_history.begin());
 }
 
 C_InverseTransform::C_InverseTransform(int nLength)
-    : m_transform(nLength),
-      m_values(static_cast<std::size_t>(nLength)),
-      m_falling(static_cast<std::size_t>(nLength / 2)) {}
+    : m_transform(nLength), m_falling(static_cast<std::size_t>(nLength / 2)) {}
 
+// Value v of the first half of the DCT-IV's result falls, in the frame after, on the samples that
+// value N-1-v of the second half rises on. Both are parts of one number.
 void C_InverseTransform::Transform(std::span<const std::int32_t> coefficients,
                                    std::span<std::int16_t> samples) noexcept {
+  constexpr int kDown = kCoefficientQ - kUnfoldedQ;
   constexpr int kSumQ = kUnfoldedQ + kWindowQ;
-  const std::size_t nHalf = m_falling.size();
-  const std::size_t nLast = m_values.size() - 1;
+  const std::size_t nPoints = m_falling.size();
   const auto window = m_transform.RisingWindow();
-  m_transform.Dct4<kCoefficientQ - kUnfoldedQ>(coefficients, std::span(m_values));
-  // Samples n and N-1-n come from one value of the frame before and one of this frame, turned.
-  for (std::size_t n = 0; n < nHalf; ++n) {
-    const std::int64_t nOld = -m_falling[nHalf - 1 - n];
-    const std::int64_t nNew = m_values[nHalf + n];
-    const std::int64_t nFall = window[nLast - n];
-    const std::int64_t nRise = window[n];
-    samples[n] = Limit16(RoundShift(nOld * nFall + nNew * nRise, kSumQ));
-    samples[nLast - n] = Limit16(RoundShift(nOld * nRise - nNew * nFall, kSumQ));
+  const auto points = m_transform.Transform(coefficients);
+  // Samples n and N-1-n come from a value of the frame before and one of this frame, turned.
+  const auto lap = [&](std::size_t n, std::int64_t& nFalling, std::int64_t nNew) {
+    const std::size_t nMirror = 2 * nPoints - 1 - n;
+    samples[n] = Limit16(RoundShift(nFalling * window[nMirror] + nNew * window[n], kSumQ));
+    samples[nMirror] = Limit16(RoundShift(nFalling * window[n] - nNew * window[nMirror], kSumQ));
+  };
+  std::size_t n = 0;
+  for (; 2 * n < nPoints; ++n) {
+    const S_Complex point = Rotate<kDown>(points[n], m_transform.Rotation(n));
+    lap(nPoints - 1 - 2 * n, m_falling[n], -point.nIm);
+    m_falling[n] = -point.nRe;
   }
-  std::copy_n(m_values.begin(), nHalf, m_falling.begin());
+  for (; n < nPoints; ++n) {
+    const S_Complex point = Rotate<kDown>(points[n], m_transform.Rotation(n));
+    lap(2 * n - nPoints, m_falling[n], point.nRe);
+    m_falling[n] = point.nIm;
+  }
 }
 
 }  // namespace heron

@@ -24,24 +24,27 @@ inline constexpr int kCoefficientQ = 8;
 // needs it for its arithmetic to stay within 64 bits.
 inline constexpr std::int64_t kMaxCoefficient = std::int64_t{1} << (21 + kCoefficientQ);
 
-// The part that both directions share.
+// The part that both directions share: the DCT-IV without its scale,
+//
+//   out[k] = sum over n of in[n] cos(pi/N (n + 1/2)(k + 1/2))
+//
+// as a Fourier transform of numbers that hold values 2n and N-1-2n as their parts, turned by
+// Rotation(n) before and after it: the parts of result n are then out[2n] and -out[N-1-2n].
 class C_LappedTransform {
  public:
   // nLength: samples per frame N, even, 2..kMaxFrameLength.
   explicit C_LappedTransform(int nLength);
 
-  [[nodiscard]] int Length() const noexcept { return m_nLength; }
   // sqrt(2/N) * w[n] in Q28 for the rising half, n = 0..N-1; the falling half mirrors it.
   [[nodiscard]] std::span<const std::int64_t> RisingWindow() const noexcept { return m_window; }
-  // DCT-IV without its scale, divided by 2^kDown:
-  //   out[k] = 2^-kDown * sum over n of in[n] cos(pi/N (n + 1/2)(k + 1/2))
-  template <int kDown, typename T_Out>
-  void Dct4(std::span<const std::int32_t> in, std::span<T_Out> out) noexcept;
+  // exp(-i pi (8n + 1) / 8N), n = 0..N/2-1.
+  [[nodiscard]] const S_Rotation& Rotation(std::size_t n) const noexcept { return m_rotations[n]; }
+  // The results for N values, not turned yet. They last until the next call.
+  std::span<const S_Complex> Transform(std::span<const std::int32_t> values) noexcept;
 
  private:
-  int m_nLength;
   C_Fourier m_fourier;
-  std::vector<S_Rotation> m_rotations;  // [n]: exp(-i pi (8n + 1) / 8N)
+  std::vector<S_Rotation> m_rotations;
   std::vector<S_Complex> m_points;
   std::vector<std::int64_t> m_window;
 };
@@ -69,8 +72,7 @@ class C_InverseTransform {
 
  private:
   C_LappedTransform m_transform;
-  std::vector<std::int64_t> m_values;
-  std::vector<std::int64_t> m_falling;  // the half of the frame before that laps over
+  std::vector<std::int64_t> m_falling;  // the half of the frame before that laps over, negated
 };
 
 }  // namespace heron

@@ -37,7 +37,7 @@ class C_Trellis {
   };
   using S_Choices = std::array<S_Choice, kStates>;
 
-  static void Extend(const S_Paths& paths, std::int32_t nScaled, std::int32_t nExpectation,
+  static void Extend(const S_Paths& paths, std::int64_t nScaled, std::uint32_t nExpectation,
                      S_Paths& next, S_Choices& choices) noexcept;
 
   std::vector<S_Choices> m_choices;  // for each coefficient, by the state behind it

@@ -10,14 +10,14 @@
 #include <utility>
 #include <vector>
 
+#include "heron/EntropyCoder.h"
 #include "heron/MagnitudeCode.h"
-#include "heron/RangeCoder.h"
 
 namespace heron::test {
 
 using S_Bytes = std::vector<std::uint8_t>;
-using C_CodeWriter = C_RangeEncoder;
-using C_CodeReader = C_RangeDecoder;
+using C_CodeWriter = C_EntropyEncoder;
+using C_CodeReader = C_EntropyDecoder;
 
 template <std::size_t kSymbols>
 using S_Frequencies = std::array<std::uint16_t, kSymbols>;
@@ -25,7 +25,7 @@ using S_Frequencies = std::array<std::uint16_t, kSymbols>;
 template <std::size_t kSymbols>
 void WriteSymbol(C_CodeWriter& writer, const S_Frequencies<kSymbols>& frequencies,
                  std::size_t nSymbol) {
-  writer.WriteSymbol(Accumulate(frequencies)[nSymbol], frequencies[nSymbol]);
+  writer.WriteSymbol<kSymbols>(Accumulate(frequencies), nSymbol);
 }
 
 template <std::size_t kSymbols>
@@ -39,26 +39,30 @@ S_Bytes Written(T_Write fnWrite) {
   S_Bytes bytes;
   C_CodeWriter writer(bytes);
   fnWrite(writer);
-  writer.Finish();
+  writer.Finish(0);
   return bytes;
 }
 
+inline S_MagnitudeClass ClassAt(std::int32_t nExpectation) {
+  return ClassOf(static_cast<std::uint32_t>(nExpectation));
+}
+
 inline const S_MagnitudeCosts& CostsOf(std::size_t nQuantiser, std::size_t nTable) {
-  return kMagnitudeCosts[nQuantiser][nTable];
+  return kMagnitudeCosts[nTable][nQuantiser];
 }
 
 inline void WriteMagnitude(C_CodeWriter& writer, std::size_t nQuantiser,
                            const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel,
                            bool bNegative) {
-  WriteLevel(writer, static_cast<int>(nQuantiser), magnitudeClass, nLevel, bNegative);
+  WriteLevel(writer, nQuantiser, magnitudeClass, nLevel, bNegative);
 }
 
 // A level and whether it is negative; empty for what no writer writes.
 inline std::optional<std::pair<std::int32_t, bool>> ReadMagnitude(
     C_CodeReader& reader, std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass) {
-  const S_Level level = ReadLevel(reader, static_cast<int>(nQuantiser), magnitudeClass);
-  if (level.nLevel < 0) return std::nullopt;
-  return std::pair{level.nLevel, level.bNegative};
+  const std::uint64_t qwLevel = ReadLevel(reader, nQuantiser, magnitudeClass);
+  if (qwLevel > std::uint64_t{1} << kLevelBits) return std::nullopt;
+  return std::pair{static_cast<std::int32_t>(qwLevel), qwLevel != 0 && reader.ReadRaw(1) == 1};
 }
 
 }  // namespace heron::test

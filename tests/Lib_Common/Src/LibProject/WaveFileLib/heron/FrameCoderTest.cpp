@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <numbers>
 #include <thread>
 
 #include "Signals.h"
@@ -77,6 +79,20 @@ TEST_P(HeronLengths, OfOneSteadySoundAtSixBits_AreHeard) {
   const S_Sound steady = test::Steady(GetParam(), 12345);
   const double dRatio = SignalToNoise(steady, Decode(Encode(steady, 8000, 6), 8000));
   EXPECT_GT(dRatio, GetParam() < 319 ? 5 : 15);
+}
+
+TEST(HeronSounds, TheLoudestCoefficientInASilentSound_ComesBack) {
+  // Full scale with the signs of one cosine of the transform, 1.16 million in one coefficient at
+  // 48 kHz; the silence around it leaves room for the finest step.
+  constexpr int kFrame = 960;
+  constexpr int kCoefficient = 100;
+  S_Sound sound(50 * kFrame);
+  for (int n = 0; n < 2 * kFrame; ++n) {
+    const double dTurn = (n + 0.5 + kFrame / 2.0) * (kCoefficient + 0.5) / kFrame;
+    const bool bPositive = std::cos(std::numbers::pi * dTurn) > 0;
+    sound[static_cast<std::size_t>(10 * kFrame + n)] = bPositive ? -32768 : 32767;
+  }
+  EXPECT_GT(SignalToNoise(sound, Decode(Encode(sound, 48000, 6), 48000)), 60);
 }
 
 // ---- rates

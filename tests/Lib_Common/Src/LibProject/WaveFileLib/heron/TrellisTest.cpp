@@ -39,7 +39,8 @@ S_Outcome Follow(const S_Coefficients& coefficients, int nIndex, T_Level fnLevel
   std::size_t nState = kFirstState;
   for (std::size_t k = 0; k < kLength; ++k) {
     const auto nQuantiser = QuantiserOf(nState);
-    const double dScaled = ScaleToHalfSteps(std::abs(coefficients[k]), nIndex) / 256.0;
+    const double dScaled =
+        static_cast<double>(C_ToHalfSteps(nIndex)(std::abs(coefficients[k]))) / 256.0;
     const std::int32_t nLevel = fnLevel(k, static_cast<int>(nQuantiser), dScaled);
     const S_MagnitudeClass magnitudeClass = ClassOf(before.Expectation(k) + FromBelow(below));
     const std::int32_t nMagnitude = HalfSteps(nQuantiser, nLevel);

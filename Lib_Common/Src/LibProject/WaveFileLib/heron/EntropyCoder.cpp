@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/EntropyCoder.h"
+
+namespace heron {
+
+void C_EntropyEncoder::WriteRaw(std::uint32_t nValue, int nBits) {
+  m_qwRawBits |= std::uint64_t{nValue} << m_nRawBits;
+  m_nRawBits += nBits;
+  for (; m_nRawBits >= 8; m_nRawBits -= 8) {
+    m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
+    m_qwRawBits >>= 8;
+  }
+}
+
+void C_EntropyEncoder::Finish(std::size_t nLeastSize) {
+  for (int nBytes = 1; nBytes <= 8; ++nBytes) {
+    const std::uint64_t qwStep = std::uint64_t{1} << (64 - 8 * nBytes);
+    const std::uint64_t qwUp = (0 - m_qwLow) & (qwStep - 1);
+    if (m_qwRange < qwStep || qwUp > m_qwRange - qwStep) continue;
+    m_qwLow += qwUp;
+    if (m_qwLow < qwUp) Carry();
+    PutTop(nBytes);
+    break;
+  }
+  if (m_nRawBits > 0) m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
+  m_bytes.resize(std::max(m_bytes.size(), nLeastSize - std::min(nLeastSize, m_raw.size())));
+  m_bytes.insert(m_bytes.end(), m_raw.rbegin(), m_raw.rend());
+}
+
+void C_EntropyEncoder::WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {
+  const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
+  m_qwRange = qwUnit * nFrequency;
+  m_qwLow += qwUnit * nBelow;
+  if (m_qwLow < qwUnit * nBelow) Carry();
+  if (m_qwRange >> 32 != 0) return;
+  PutTop(4);
+  m_qwLow <<= 32;
+  m_qwRange <<= 32;
+}
+
+// The sequence as a whole stays below 1, so there is a byte to take the carry.
+void C_EntropyEncoder::Carry() noexcept {
+  for (std::size_t n = m_bytes.size(); n > m_nFirst && ++m_bytes[n - 1] == 0; --n) continue;
+}
+
+void C_EntropyEncoder::PutTop(int nBytes) {
+  for (int n = 0; n < nBytes; ++n)
+    m_bytes.push_back(static_cast<std::uint8_t>(m_qwLow >> (56 - 8 * n)));
+}
+
+C_EntropyDecoder::C_EntropyDecoder(std::span<const std::uint8_t> bytes) noexcept
+    : m_pBytes(bytes.data()), m_nBytes(bytes.size()) {
+  m_qwCode = std::uint64_t{Take4(0)} << 32 | Take4(4);
+  m_nFront = kAhead;
+}
+
+std::uint32_t C_EntropyDecoder::TakeAtAnEnd(const std::uint8_t* pBytes, std::size_t nBytes,
+                                            std::size_t nAt) noexcept {
+  std::uint32_t nValue = 0;
+  for (std::size_t n = 0; n < 4; ++n)
+    nValue = nValue << 8 | (nAt + n < nBytes ? pBytes[nAt + n] : std::uint8_t{0});
+  return nValue;
+}
+
+}  // namespace heron

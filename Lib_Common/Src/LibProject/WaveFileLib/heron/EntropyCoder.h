@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The two sequences that a stream's numbers are written to. They share one run of bytes: symbols
+// fill it from its front, raw bits from its end, and padding of zero bytes may lie between them.
+//
+// Symbols go through a range coder: a symbol of a table with total 2^15 takes 15 - log2(its
+// frequency) bits. Both directions hold the same 64-bit range, at first 2^64 - 1:
+//
+//   unit = range >> 15;  low += unit * sum of the frequencies below;  range = unit * frequency
+//   then, if range < 2^32: the top four bytes of low go out, highest first; low and range are
+//   shifted up by 32 bits
+//
+// low counts as one long number with the bytes that went out: it carries into them. At the end the
+// encoder writes the fewest bytes that lie in the interval whatever follows them.
+//
+// Raw bits, which are as often 0 as 1, are packed lowest first into bytes that stand in reverse:
+// the first bits are in the last byte.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace heron {
+
+inline constexpr int kFrequencyBits = 15;
+inline constexpr std::uint32_t kFrequencyTotal = 1u << kFrequencyBits;
+inline constexpr int kMaxRawBits = 24;
+
+// Of each symbol, the sum of the frequencies up to it and with it; the last is kFrequencyTotal.
+template <std::size_t kSymbols>
+using S_Cumulative = std::array<std::uint16_t, kSymbols>;
+
+template <std::size_t kSymbols>
+constexpr S_Cumulative<kSymbols> Accumulate(
+    const std::array<std::uint16_t, kSymbols>& frequencies) noexcept {
+  S_Cumulative<kSymbols> cumulative{};
+  std::uint32_t nSum = 0;
+  for (std::size_t n = 0; n < kSymbols; ++n)
+    cumulative[n] = static_cast<std::uint16_t>(nSum += frequencies[n]);
+  return cumulative;
+}
+
+class C_EntropyEncoder {
+ public:
+  // Appends to bytes, which must outlive the object.
+  explicit C_EntropyEncoder(std::vector<std::uint8_t>& bytes) noexcept
+      : m_bytes(bytes), m_nFirst(bytes.size()) {}
+
+  // nSymbol: one of the table with a frequency of at least 1.
+  template <std::size_t kSymbols>
+  void WriteSymbol(const S_Cumulative<kSymbols>& cumulative, std::size_t nSymbol) {
+    const std::uint32_t nBelow = nSymbol == 0 ? 0u : cumulative[nSymbol - 1];
+    WriteInterval(nBelow, cumulative[nSymbol] - nBelow);
+  }
+  // nValue < 2^nBits, nBits 0..kMaxRawBits.
+  void WriteRaw(std::uint32_t nValue, int nBits);
+  // Ends both sequences; pads until bytes has nLeastSize bytes in all. Nothing may be written
+  // after.
+  void Finish(std::size_t nLeastSize);
+
+ private:
+  void WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency);
+  void Carry() noexcept;
+  void PutTop(int nBytes);
+
+  std::vector<std::uint8_t>& m_bytes;
+  std::size_t m_nFirst;  // the first byte of the symbols
+  std::uint64_t m_qwLow = 0;
+  std::uint64_t m_qwRange = ~std::uint64_t{0};
+  std::vector<std::uint8_t> m_raw;
+  std::uint64_t m_qwRawBits = 0;  // those that fill no byte yet
+  int m_nRawBits = 0;
+};
+
+class C_EntropyDecoder {
+ public:
+  // Bytes that the range coder has read but not used.
+  static constexpr std::size_t kAhead = 8;
+
+  explicit C_EntropyDecoder(std::span<const std::uint8_t> bytes) noexcept;
+
+  // The symbol of the table, 0..kSymbols-1.
+  template <std::size_t kSymbols>
+  std::size_t ReadSymbol(const S_Cumulative<kSymbols>& cumulative) noexcept {
+    const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
+    // The range is a little wider than its symbols; damaged bytes may point behind the last one.
+    const std::uint64_t qwAt = std::min<std::uint64_t>(m_qwCode / qwUnit, kFrequencyTotal - 1);
+    // Small symbols are the likely ones.
+    std::size_t nSymbol = 0;
+    std::uint64_t qwBelow = 0;
+    std::uint64_t qwUpTo = cumulative[0];
+    while (qwUpTo <= qwAt) {
+      qwBelow = qwUpTo;
+      qwUpTo = cumulative[++nSymbol];
+    }
+    m_qwCode -= qwUnit * qwBelow;
+    m_qwRange = qwUnit * (qwUpTo - qwBelow);
+    if (m_qwRange >> 32 == 0) {
+      m_qwRange <<= 32;
+      m_qwCode = m_qwCode << 32 | Take4(m_nFront);
+      m_nFront += 4;
+    }
+    return nSymbol;
+  }
+  // nBits 0..kMaxRawBits.
+  std::uint32_t ReadRaw(int nBits) noexcept {
+    if (m_nRawBits < nBits) {
+      m_nBack += 4;
+      m_qwRawBits |= std::uint64_t{Take4(m_nBytes - m_nBack)} << m_nRawBits;
+      m_nRawBits += 32;
+    }
+    const auto nValue = static_cast<std::uint32_t>(m_qwRawBits & ((1u << nBits) - 1));
+    m_qwRawBits >>= nBits;
+    m_nRawBits -= nBits;
+    return nValue;
+  }
+  // Bytes that were not read: 0 to 8 where all was, and no padding is there. Negative when more was
+  // read than there is; what has been read from then on means nothing.
+  [[nodiscard]] std::ptrdiff_t Unread() const noexcept {
+    const std::size_t nRead =
+        m_nFront - kAhead + m_nBack - static_cast<std::size_t>(m_nRawBits / 8);
+    return static_cast<std::ptrdiff_t>(m_nBytes - nRead);
+  }
+
+ private:
+  // Four bytes from nAt on, highest first; 0 for each that is not there. nAt may have wrapped below
+  // 0.
+  [[nodiscard]] std::uint32_t Take4(std::size_t nAt) const noexcept {
+    if (nAt >= m_nBytes || m_nBytes - nAt < 4) return TakeAtAnEnd(m_pBytes, m_nBytes, nAt);
+    return std::uint32_t{m_pBytes[nAt]} << 24 | std::uint32_t{m_pBytes[nAt + 1]} << 16 |
+           std::uint32_t{m_pBytes[nAt + 2]} << 8 | m_pBytes[nAt + 3];
+  }
+  // Takes no object, whose state could not stay in registers if its address went elsewhere.
+  static std::uint32_t TakeAtAnEnd(const std::uint8_t* pBytes, std::size_t nBytes,
+                                   std::size_t nAt) noexcept;
+
+  const std::uint8_t* m_pBytes;
+  std::size_t m_nBytes;
+  std::size_t m_nFront =
+      0;  // bytes read from the front, and from the end; also such as are not there
+  std::size_t m_nBack = 0;
+  std::uint64_t m_qwCode = 0;
+  std::uint64_t m_qwRange = ~std::uint64_t{0};
+  std::uint64_t m_qwRawBits = 0;
+  int m_nRawBits = 0;
+};
+
+}  // namespace heron

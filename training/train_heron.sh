@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Trains the tables of the Heron codec on folders of speech (16-bit mono WAV files) and writes them
+# to heron/Tables.h. Starts from the tables that are there; three rounds are enough from any.
+#
+#   training/train_heron.sh FOLDER...
+#
+# The tables in the tree come from five minutes each of the French, Italian and Russian prompts and
+# shorter parts of the Spanish and English ones of Debian's asterisk-core-sounds packages, at 8 kHz
+# (-wav) and 16 kHz (-g722).
+set -euo pipefail
+(($#)) || { echo "usage: train_heron.sh FOLDER..." >&2; exit 2; }
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+tables=Lib_Common/Src/LibProject/WaveFileLib/heron/Tables.h
+mapfile -d '' sounds < <(find "$@" -name '*.wav' -print0 | LC_ALL=C sort -z)
+
+cmake --preset bench >/dev/null
+for round in 1 2 3; do
+  cmake --build build/bench --parallel "$(nproc)" --target heron_tables >/dev/null
+  # The introduction of the file stays; what follows its last fixed line is made anew.
+  {
+    sed '/^using S_MagnitudeFrequencies/q' "$tables"
+    echo
+    build/bench/bin/heron_tables "${sounds[@]}"
+    printf '\n}  // namespace heron\n'
+  } >"$tables.new"
+  mv "$tables.new" "$tables"
+  clang-format -i "$tables"
+  echo "round $round done"
+done
