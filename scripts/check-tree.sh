@@ -12,7 +12,7 @@ fail() {
 mapfile -d '' sources < <(scripts/sources.sh)
 mapfile -d '' code < <(find common Lib_Common platform player -name '*.cpp' -print0 -o -name '*.h' -print0)
 
-for folder in fuzz bench examples; do
+for folder in fuzz bench examples training; do
   for file in "$folder"/*.cpp; do
     [[ -e $file ]] || continue
     stem=$(basename "$file" .cpp)

@@ -6,9 +6,7 @@
 #
 #   training/train_heron.sh FOLDER...
 #
-# The tables in the tree come from five minutes each of the French, Italian and Russian prompts and
-# shorter parts of the Spanish and English ones of Debian's asterisk-core-sounds packages, at 8 kHz
-# (-wav) and 16 kHz (-g722).
+# The tables in the tree come from what make_speech.sh makes.
 set -euo pipefail
 (($#)) || { echo "usage: train_heron.sh FOLDER..." >&2; exit 2; }
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

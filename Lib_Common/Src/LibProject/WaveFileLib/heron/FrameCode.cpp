@@ -73,7 +73,6 @@ bool C_FrameReader::Read(C_EntropyDecoder& decoder, std::span<std::int32_t> coef
     const std::size_t nQuantiser = QuantiserOf(nState);
     const std::uint64_t qwLevel =
         ReadLevel(local, nQuantiser, ClassOf(m_before.Expectation(k) + FromBelow(below)));
-    nState = NextState(nState, qwLevel);
     std::int32_t nMagnitude = 0;
     std::int32_t nCoefficient = 0;
     if (qwLevel != 0) {
@@ -85,6 +84,7 @@ bool C_FrameReader::Read(C_EntropyDecoder& decoder, std::span<std::int32_t> coef
     coefficients[k] = nCoefficient;
     m_magnitudes[k] = nMagnitude;
     below = below.Then(nMagnitude);
+    nState = NextState(nState, qwLevel);
   }
   decoder = local;
   m_before.End(m_magnitudes);
