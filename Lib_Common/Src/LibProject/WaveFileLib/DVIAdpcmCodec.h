@@ -14,9 +14,9 @@
 #include "MSAdpcmCodec.h"
 
 // Kept: sizes of four-bit sounds follow the rule of MS ADPCM, which counts 6 header bytes of each
-// channel though there are 4, so that a sound ends up to four frames early when its last block is
-// partial; lengths stored beside such sounds were computed like that. Pinned by
-// FourBitSizes_CountSixHeaderBytes.
+// channel though there are 4, and no sample in them though there is one, so that a sound whose last
+// block is partial ends five frames early, or more when that block lacks its own header; lengths
+// stored beside such sounds were computed like that. Pinned by FourBitSizes_CountSixHeaderBytes.
 class C_DVIAdpcmCodec : public C_MSAdpcmCodec {
  public:
   // (P - 1) / 8 groups at most.

@@ -14,8 +14,10 @@
 
 namespace {
 
-constexpr unsigned int kHeaderBytes = 7;    // of each channel
-constexpr std::int64_t kCountedHeader = 6;  // what GetDecodedSize takes off a rest instead
+constexpr unsigned int kHeaderBytes = 7;  // of each channel
+// What GetDecodedSize takes off a rest instead: the two samples in a header count as the byte that
+// their codes would take.
+constexpr std::int64_t kCountedHeader = 6;
 constexpr std::int64_t kMinDelta = 16;
 constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
 

@@ -36,7 +36,7 @@ class C_MSAdpcmCodec {
   C_MSAdpcmCodec& operator=(const C_MSAdpcmCodec&) = delete;
 
   // How many bytes of PCM the encoded bytes count as: P x K samples for each whole block, and
-  // (r - 6K) x 2 for a rest of r bytes, which takes samples away when r is smaller than the header.
+  // (r - 6K) x 2 for a rest of r bytes, which takes samples away when r is smaller than 6K.
   // 0 when that leaves less than none; nothing when it does not fit 32 bits.
   virtual std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
                                                      unsigned int dwEncodedBytes);  // 2

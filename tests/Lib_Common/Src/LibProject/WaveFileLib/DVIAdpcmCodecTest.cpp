@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "CodecSupport.h"
 #include "VTable.h"
 
@@ -62,6 +64,10 @@ TEST(DVIAdpcmCodec, FourBitSizes_CountSixHeaderBytes) {
   EXPECT_EQ(codec.GetDecodedSize(info, 264), 1018u);
   EXPECT_EQ(codec.GetDecodedSize(info, 300), 1162u);
   EXPECT_EQ(codec.GetDecodedSize(InfoOf(Four(2, 512, 505)), 512 + 20), 2052u);
+  const C_Samples all = Decode(codec, info, C_Bytes(264), 1100);
+  const auto nHeld =
+      all.size() - static_cast<std::size_t>(std::count(all.begin(), all.end(), kUntouched));
+  EXPECT_EQ(nHeld, 1018u / 2 + 5) << "five more than are counted";
 }
 
 TEST(DVIAdpcmCodec, ThreeBitSizesCountEightSamplesInThreeBytes) {
