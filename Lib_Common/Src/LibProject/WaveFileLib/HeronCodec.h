@@ -4,9 +4,9 @@
 // (HeronStream.h) and back.
 //
 // The unit of the audio and of the events is a frame of 20 ms. Sample rates from 4000 to 48000 Hz
-// are taken. The encoder works through two temporary
-// files, which are gone when it returns, also by an exception of a callback. Codecs are independent
-// of each other: any number may work at the same time, each in one thread.
+// are taken. The encoder works through two temporary files, which are gone when it returns, also by
+// an exception of a callback. Codecs are independent of each other: any number may work at the same
+// time, each in one thread.
 #pragma once
 
 #include "CodecCallback.h"

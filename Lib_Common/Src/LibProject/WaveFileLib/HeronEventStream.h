@@ -6,11 +6,11 @@
 //   bytes                    record
 //   8, n                     gap of n frames, 1 to 255
 //   16, u16 n                gap of n frames, up to 65535; longer gaps take several records
-//   (c + 4) * 8, k, k pairs  events of a group of 32 frames: a rolling counter c of 0 to 3 makes
-//   the
-//                            marker 32, 40, 48 or 56; the byte k holds the number of events times
-//                            4, with c in its low 2 bits and its higher bits lost beyond 63 events;
-//                            each pair is the main and the sub command of one event, low byte each
+//   (c + 4) * 8, k, pairs    events of a group of 32 frames: a rolling counter c of 0 to 3 makes
+//                            the marker 32, 40, 48 or 56; the byte k holds the number of events
+//                            times 4, with c in its low 2 bits and its higher bits lost beyond 63
+//                            events; each pair is the main and the sub command of one event, low
+//                            byte each
 //
 // Groups begin at the first frame of the range. A gap counts from the start of the group of the
 // record before it, or from the first frame, to the start of the next one with events; the last gap

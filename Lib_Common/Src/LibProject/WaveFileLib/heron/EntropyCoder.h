@@ -44,6 +44,17 @@ constexpr S_Cumulative<kSymbols> Accumulate(
   return cumulative;
 }
 
+// Every symbol can be coded, and they fill the interval: what both directions rely on.
+template <std::size_t kSymbols>
+constexpr bool IsWhole(const S_Cumulative<kSymbols>& cumulative) noexcept {
+  std::uint32_t nBelow = 0;
+  for (const std::uint16_t nUpTo : cumulative) {
+    if (nUpTo <= nBelow) return false;
+    nBelow = nUpTo;
+  }
+  return nBelow == kFrequencyTotal;
+}
+
 class C_EntropyEncoder {
  public:
   // Appends to bytes, which must outlive the object.
@@ -140,8 +151,8 @@ class C_EntropyDecoder {
 
   const std::uint8_t* m_pBytes;
   std::size_t m_nBytes;
-  std::size_t m_nFront =
-      0;  // bytes read from the front, and from the end; also such as are not there
+  // Bytes read from the front, and from the end; also such as are not there.
+  std::size_t m_nFront = 0;
   std::size_t m_nBack = 0;
   std::uint64_t m_qwCode = 0;
   std::uint64_t m_qwRange = ~std::uint64_t{0};

@@ -17,6 +17,7 @@ constexpr std::size_t kIndexEscape = 2 * kMostDifference + 1;
 static_assert(kIndexEscape + 1 == kIndexSymbols);
 constexpr int kIndexBits = 7;
 constexpr auto kIndexCumulative = Accumulate(kIndexFrequencies);
+static_assert(IsWhole(kIndexCumulative));
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "heron/FrameCoder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <utility>
@@ -24,11 +25,15 @@ bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
                    std::vector<std::int16_t>* pSamples) {
   auto decoder = C_Decoder::Open(coded, nSampleRate);
   if (!decoder) return false;
-  // Bounded by the size of the coded audio; the last frame is cut to the sound's end.
+  // Whole frames; the last one is cut to the sound's end.
   const std::size_t nLength = decoder->Length();
-  std::vector<std::int16_t> samples((decoder->SampleCount() + nLength - 1) / nLength * nLength);
-  for (std::size_t n = 0; n < samples.size(); n += nLength) {
-    if (!decoder->DecodeFrame({samples.data() + n, nLength})) return false;
+  std::vector<std::int16_t> samples;
+  // Room for what coded audio of this size holds as a rule. Silence may hold far more: it makes
+  // its room as it is decoded, since damage can claim as much.
+  samples.reserve(std::min(decoder->SampleCount(), coded.size() * 8 / kMinBitDepth) + nLength);
+  for (std::size_t nAt = 0; nAt < decoder->SampleCount(); nAt += nLength) {
+    samples.resize(nAt + nLength);
+    if (!decoder->DecodeFrame({samples.data() + nAt, nLength})) return false;
   }
   if (!decoder->IsAtTheEnd()) return false;
   samples.resize(decoder->SampleCount());

@@ -26,6 +26,9 @@ constexpr S_MagnitudeCosts CostsOf(const S_MagnitudeFrequencies& frequencies) {
 
 constexpr S_MagnitudeRows<S_MagnitudeCumulative> kMagnitudeCumulative =
     ForEachTable<S_MagnitudeCumulative>(Accumulate<kMagnitudeSymbols>);
+static_assert(std::ranges::all_of(kMagnitudeCumulative, [](const auto& ofQuantisers) {
+  return std::ranges::all_of(ofQuantisers, IsWhole<kMagnitudeSymbols>);
+}));
 constexpr S_MagnitudeRows<S_MagnitudeCosts> kMagnitudeCosts =
     ForEachTable<S_MagnitudeCosts>(CostsOf);
 

@@ -26,7 +26,7 @@ namespace heron {
 
 struct S_MagnitudeClass {
   std::size_t nTable;  // 0..kMagnitudeTables-1
-  int nShift;          // 0..22
+  int nShift;          // 0..23
 };
 
 inline constexpr int kLowestOctave = 3;  // 8 = 2^3, the least expectation
@@ -76,7 +76,8 @@ void WriteLevel(C_EntropyEncoder& encoder, std::size_t nQuantiser,
 void WriteEscape(C_EntropyEncoder& encoder, std::uint32_t nExcess);
 std::uint64_t ReadEscape(C_EntropyDecoder& decoder) noexcept;
 
-// The level without its sign; 2^32 and more for what no encoder writes.
+// The level without its sign, below 2^56. Above 2^kLevelBits it is none that an encoder writes; an
+// escape that is too long gives 2^32 or more.
 inline std::uint64_t ReadLevel(C_EntropyDecoder& decoder, std::size_t nQuantiser,
                                const S_MagnitudeClass& magnitudeClass) noexcept {
   std::uint64_t qwLevel = decoder.ReadSymbol<kMagnitudeSymbols>(

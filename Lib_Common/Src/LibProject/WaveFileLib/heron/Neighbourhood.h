@@ -22,18 +22,21 @@ struct S_Below {
   }
 };
 
-// The weights are the ones under which a Laplace distribution with the sum as its mean spends the
-// fewest bits on recorded speech, in 64ths: 8 and 16 kHz, 2 to 6 bits together.
+// An expectation counts 64ths of a half step: the sum of the neighbours' magnitudes, in half steps,
+// times these weights, and kLeastExpectation. The weights are the ones under which a Laplace
+// distribution with that mean spends the fewest bits on recorded speech at 8 and 16 kHz, 2 to 6
+// bits together. Expectations choose tables alone, so the tables, which were counted under these
+// weights, hold what they leave of a bias.
 inline constexpr std::int32_t kWeightBelow1 = 30;
 inline constexpr std::int32_t kWeightBelow2 = 12;
 inline constexpr std::int32_t kWeightBelow3 = 5;
 inline constexpr std::int32_t kWeightBefore0 = 8;  // the same coefficient one frame before
 inline constexpr std::int32_t kWeightBefore1 = 5;  // its neighbours there
 inline constexpr std::int32_t kWeightBefore2 = 2;
-// What is expected where all neighbours are zero.
+// What is expected where all neighbours are zero: an eighth of a half step.
 inline constexpr std::uint32_t kLeastExpectation = 8;
 
-// Below 2^30.
+// The weighted sum of the neighbours below: less than 2^30 for magnitudes up to 2^24.
 constexpr std::uint32_t FromBelow(const S_Below& below) noexcept {
   return static_cast<std::uint32_t>(kWeightBelow1 * below.n1 + kWeightBelow2 * below.n2 +
                                     kWeightBelow3 * below.n3);
@@ -48,14 +51,14 @@ class C_FrameBefore {
   // Starts a frame with step index nIndex.
   void Begin(int nIndex) noexcept;
   // What the frame before adds to the expectation of coefficient k, with
-  // kLeastExpectation: 8..2^31.
+  // kLeastExpectation: 8..2^31, which FromBelow can be added to in 32 bits.
   [[nodiscard]] std::uint32_t Expectation(std::size_t k) const noexcept { return m_expected[k]; }
   // Ends the frame: its magnitudes in half steps, each at most 2^24.
   void End(std::span<const std::int32_t> magnitudes) noexcept;
 
  private:
   int m_nIndex = 0;
-  // Weighted sums in half steps of m_nIndex, limited to C_Rescale::kMost.
+  // Weighted sums in 64ths of a half step of m_nIndex, limited to C_Rescale::kMost.
   std::vector<std::uint32_t> m_smoothed;
   std::vector<std::uint32_t> m_expected;
 };

@@ -2,9 +2,10 @@
 //
 // The quantiser's grid. Coefficients of a frame are multiples of its half step, whose size is
 //
-//   half step = round(32 * 2^(index / 4)) in Q8, index 0..71: 1/8 to 2^14.75, 1.5 dB apart
+//   half step = round(q[index mod 4] * 2^floor(index / 4) / 2^11) in Q8, index 0..71
 //
-// (in the unit of samples: the transform is orthonormal).
+// with q = kQuarterOctave, so about 32 * 2^(index / 4): 1/8 to 2^14.75 in the unit of samples (the
+// transform is orthonormal), 1.5 dB apart. The table's rounding shows at the coarse end.
 #pragma once
 
 #include <algorithm>
@@ -46,11 +47,11 @@ class C_ToHalfSteps {
   std::int64_t m_nInverse;
 };
 
-// Counts half steps of one index in half steps of another, about: the ratio has 8 bits behind the
-// point, and is limited to 2^8.
+// Counts half steps of one index, or fractions of them, in those of another, about: the ratio has 8
+// bits behind the point, and from 2^9 on it is halved until it is below that.
 class C_Rescale {
  public:
-  static constexpr std::uint32_t kMost = 1u << 22;  // half steps that it takes
+  static constexpr std::uint32_t kMost = 1u << 22;  // that it takes: times 430 it fits 32 bits
 
   constexpr C_Rescale(int nFrom, int nTo) noexcept
       : m_nFactor(static_cast<std::uint32_t>(kQuarterOctave[(nFrom - nTo + kSteps) & 3] >> 8)),

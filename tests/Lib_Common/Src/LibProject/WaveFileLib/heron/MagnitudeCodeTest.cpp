@@ -73,6 +73,11 @@ TEST(HeronMagnitudeClass, TheLargestExpectations_HaveOneToo) {
     EXPECT_LT(ClassAt(n).nTable, kMagnitudeTables) << n;
     EXPECT_GE(ClassAt(n).nShift, 15) << n;
   }
+  // What the frame before and the coefficients below it reach together needs all 32 bits.
+  EXPECT_EQ(ClassOf(0x80000000u).nTable, 24u);
+  EXPECT_EQ(ClassOf(0xFFFFFFFFu).nTable, 27u);
+  EXPECT_EQ(ClassOf(0xFFFFFFFFu).nShift, 23);
+  static_assert(kMaxRawBits >= 23);
 }
 
 // ---- levels
