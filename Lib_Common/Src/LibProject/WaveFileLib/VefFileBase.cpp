@@ -146,6 +146,7 @@ bool C_VefFileBase::CheckVefFormat(const char* pszFileName, bool bWithInfo,
   PrepareWavData();
   SetCodingType(dwType);
   SetLinearForm(m_dwDataLength, m_wStoredBits);
+  if (!ForgetStream()) return false;
   return LoadVefInfo(riff);
 }
 
@@ -188,6 +189,12 @@ void C_VefFileBase::ForgetAnnotations() {
   ListInfo(*this, kCheckSite).RemoveAllLabels();
   ListInfo(*this, kCheckSite).RemoveAllLtxts();
   ExtraChunkInfo(*this, kCheckSite).RemoveAll();
+}
+
+// The stream of an earlier file would be written beside the samples of this one.
+bool C_VefFileBase::ForgetStream() {
+  GetWavData()->SetEncType(AUDIO_FILE_UNKNOWN);
+  return GetWavData()->SetEncBuffer(nullptr, 0);
 }
 
 void C_VefFileBase::RegenerateEvents() {

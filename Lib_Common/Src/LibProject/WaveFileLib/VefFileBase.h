@@ -54,8 +54,8 @@ class C_VefFileBase : public C_WavFileBase {
   bool WriteVef(const char* pszFileName, const char* pszFormType, bool bHeader,
                 tagAudioFileType eType);
   // False for containers whose "vafm" has a type of the foreign range. With bWithInfo the sound's
-  // format, coding type, annotations and "vevt" chunk become those of the file; a "cue ", "smpl" or
-  // "LIST" shorter than its first field is left out.
+  // format, coding type, annotations and "vevt" chunk become those of the file, and it loses its
+  // encoded form; a "cue ", "smpl" or "LIST" shorter than its first field is left out.
   bool CheckVefFormat(const char* pszFileName, bool bWithInfo, const S_AudioFileTypes& foreign);
   // The samples as stored, of the file that was opened by name.
   bool LoadVefAsStored();
@@ -65,5 +65,6 @@ class C_VefFileBase : public C_WavFileBase {
  private:
   bool LoadVefInfo(C_RiffFile& riff);
   void ForgetAnnotations();
+  bool ForgetStream();
   void RegenerateEvents();
 };

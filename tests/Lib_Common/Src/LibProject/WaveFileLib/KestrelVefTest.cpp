@@ -129,6 +129,17 @@ TEST_F(KestrelVef, KeepEncoded_ReadsThePcmAsStored) {
   EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
 }
 
+TEST_F(KestrelVef, StreamOfAnEarlierFile_IsForgotten) {
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, KestrelVefBytes(8, 5)));
+  ASSERT_TRUE(Load(file, KestrelVefBytes(10, 3), true));
+  EXPECT_EQ(RampBytes(10), PcmOf(file));
+  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetWavData()->GetEncType());
+  EXPECT_FALSE(file.WriteFile(Path("out").c_str(), false, false, nullptr, false, 0));
+  EXPECT_THAT(Entries(), ElementsAre("in"));
+}
+
 TEST_F(KestrelVef, ContainerWithoutAStream_LoadsAsStoredAlone) {
   C_KestrelFile file;
   EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vafm", VafmBytes(14))));
