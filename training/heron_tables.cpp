@@ -111,10 +111,13 @@ void CountSymbols(const std::vector<std::uint8_t>& coded, int nSampleRate,
   heron::C_FrameReader reader(nLength);
   C_FrameCounter counter(nLength, statistics);
   std::vector<std::int32_t> coefficients(static_cast<std::size_t>(nLength));
-  const auto nFrames =
-      (count->qwCount + static_cast<unsigned>(nLength) - 1) / static_cast<unsigned>(nLength) + 1;
-  for (std::uint64_t n = 0; n < nFrames && reader.Read(decoder, coefficients); ++n)
+  // One frame more than the samples fill.
+  std::uint64_t qwLeft = count->qwCount + static_cast<unsigned>(nLength);
+  while (reader.Read(decoder, coefficients)) {
     counter.Count(coefficients, reader.StepIndex());
+    if (qwLeft <= coefficients.size()) break;
+    qwLeft -= coefficients.size();
+  }
 }
 
 // Frequencies that sum up to the range coder's total, each at least 1. A little of a geometric

@@ -80,7 +80,7 @@ inline void ForEachButterfly(const S_Pass& pass, int nRadix, T_Butterfly butterf
     const auto turned = [pRotation, nStep](int k, const S_Complex& value) {
       return Rotate(value, pRotation[k * nStep]);
     };
-    pOut += (nRadix - 1) * pass.nDone;
+    pOut += std::ptrdiff_t{nRadix - 1} * pass.nDone;
     for (int q = 0; q < pass.nDone; ++q) butterfly(turned, pIn++, pOut++);
   }
 }

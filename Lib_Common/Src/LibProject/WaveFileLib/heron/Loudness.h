@@ -15,7 +15,7 @@ namespace heron {
 // is softer than a root mean square of 20, the hiss of a quiet room in 16-bit recordings, counts as
 // if it had that: nobody wants bits spent on it.
 constexpr int Loudness(std::uint64_t qwSquares, std::size_t nCount) noexcept {
-  constexpr std::uint64_t kLeastMeanSquare = 20 * 20;
+  constexpr std::uint64_t kLeastMeanSquare = std::uint64_t{20} * 20;
   return Log2Q8(std::max(kLeastMeanSquare, qwSquares / nCount));
 }
 

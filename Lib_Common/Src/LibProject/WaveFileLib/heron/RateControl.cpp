@@ -14,18 +14,17 @@ namespace {
 constexpr std::size_t kSecantPasses = 5;
 constexpr std::size_t kSamplesForMorePasses = 16000;
 
-// The mean loudness of the frames.
+// The mean loudness of the frames; there is at least one sample.
 int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
   std::int64_t nTotal = 0;
-  std::int64_t nFrames = 0;
+  const std::size_t nFrames = 1 + (samples.size() - 1) / nLength;
   for (std::size_t nAt = 0; nAt < samples.size(); nAt += nLength) {
     const auto frame = samples.subspan(nAt, std::min(nLength, samples.size() - nAt));
     std::uint64_t qwSquares = 0;
     for (const int nSample : frame) qwSquares += static_cast<std::uint64_t>(nSample * nSample);
     nTotal += Loudness(qwSquares, frame.size());
-    ++nFrames;
   }
-  return static_cast<int>(nTotal / nFrames);
+  return static_cast<int>(nTotal / static_cast<std::int64_t>(nFrames));
 }
 
 // Where speech usually ends up; anything will do, a good guess saves passes.

@@ -33,7 +33,8 @@ std::uint64_t SquareRoot(std::uint64_t qwSquare) noexcept {
 std::int64_t PowerSine(int n, int nLength) noexcept {
   // sin^2(a) = (1 - cos(2a)) / 2, here in Q31 halved to Q30.
   const std::int64_t nOne = std::int64_t{1} << 30;
-  const std::int64_t nSquare = (nOne - CirclePoint(2 * n + 1, 4 * nLength).nCosine) / 2;
+  const std::int64_t nSquare =
+      (nOne - CirclePoint(2 * n + 1, std::int64_t{4} * nLength).nCosine) / 2;
   return CirclePoint(nSquare, 4 * nOne).nSine;
 }
 
@@ -50,7 +51,8 @@ std::vector<std::int64_t> ScaledWindow(int nLength) {
 std::vector<S_Rotation> Dct4Rotations(int nLength) {
   std::vector<S_Rotation> rotations(static_cast<std::size_t>(nLength / 2));
   for (int n = 0; n < nLength / 2; ++n)
-    rotations[static_cast<std::size_t>(n)] = BackwardRotation(8 * n + 1, 16 * nLength);
+    rotations[static_cast<std::size_t>(n)] =
+        BackwardRotation(8 * n + 1, std::int64_t{16} * nLength);
   return rotations;
 }
 

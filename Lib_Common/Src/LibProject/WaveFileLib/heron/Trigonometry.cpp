@@ -19,7 +19,7 @@ S_CirclePoint FirstOctant(std::int64_t nAngle) noexcept {
   const std::int64_t nSquare = Mul(nAngle, nAngle);
   std::int64_t nCosine = kOne;
   std::int64_t nSine = kOne;
-  for (int n = 10; n >= 2; n -= 2) {
+  for (std::int64_t n = 10; n >= 2; n -= 2) {
     nCosine = kOne - Mul(nSquare, nCosine) / (n * (n - 1));
     nSine = kOne - Mul(nSquare, nSine) / (n * (n + 1));
   }

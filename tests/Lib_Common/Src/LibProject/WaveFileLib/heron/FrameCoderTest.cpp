@@ -90,7 +90,7 @@ TEST(HeronSounds, TheLoudestCoefficientInASilentSound_ComesBack) {
   for (int n = 0; n < 2 * kFrame; ++n) {
     const double dTurn = (n + 0.5 + kFrame / 2.0) * (kCoefficient + 0.5) / kFrame;
     const bool bPositive = std::cos(std::numbers::pi * dTurn) > 0;
-    sound[static_cast<std::size_t>(10 * kFrame + n)] = bPositive ? -32768 : 32767;
+    sound[std::size_t{10} * kFrame + static_cast<std::size_t>(n)] = bPositive ? -32768 : 32767;
   }
   EXPECT_GT(SignalToNoise(sound, Decode(Encode(sound, 48000, 6), 48000)), 60);
 }
