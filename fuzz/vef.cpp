@@ -41,6 +41,7 @@ bool IsSlow(I_WavInfo& info, std::size_t cbFile) {
 std::vector<unsigned int> EventData(I_WavFile& file) {
   std::vector<unsigned int> data;
   I_CLArray<I_EventTag*>& events = *file.GetWavData()->GetEventTagMgr()->GetEventList();
+  data.reserve(static_cast<std::size_t>(events.GetSize()));
   for (int i = 0; i < events.GetSize(); ++i) data.push_back(events.GetItemByIndex(i)->GetData());
   return data;
 }
