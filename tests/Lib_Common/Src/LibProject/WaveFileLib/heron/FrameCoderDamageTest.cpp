@@ -96,7 +96,7 @@ TEST(HeronFrames, Truncated_AreRefusedUnlessTheRestHappensToFill) {
   EXPECT_LT(nAccepted, 15);
 }
 
-// A rate, and how many streams of each kind to try: all rates together 100,000.
+// A rate, and how many streams of each kind to try there.
 struct S_Trial {
   int nSampleRate;
   int nStreams;
@@ -116,7 +116,7 @@ class HeronStreams : public testing::TestWithParam<S_Trial> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Rates, HeronStreams,
-                         testing::Values(S_Trial{4000, 88000}, S_Trial{4799, 5000},
+                         testing::Values(S_Trial{4000, 24000}, S_Trial{4799, 5000},
                                          S_Trial{8000, 6000}, S_Trial{11025, 700},
                                          S_Trial{48000, 300}),
                          [](const auto& trial) {
