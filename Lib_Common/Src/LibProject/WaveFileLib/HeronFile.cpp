@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "HeronFile.h"
 
+#include <optional>
+
 #include "HeronCodec.h"
 #include "VcmAssert.h"
 

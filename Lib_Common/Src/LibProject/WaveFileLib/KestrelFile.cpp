@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "KestrelFile.h"
 
+#include <optional>
+
 #include "KestrelCodec.h"
 #include "VcmAssert.h"
 
