@@ -54,6 +54,26 @@ bool C_CodecFileBase::LoadData(bool bKeepEncoded, const char* /*pszCodecOption*/
   return bKeepEncoded ? LoadVefAsStored() : LoadVefStream();
 }
 
+bool C_CodecFileBase::WriteDataChunk(C_RiffFile* pRiffFile) {
+  S_Stream stream;
+  if (pRiffFile == nullptr || !MakeStream(nullptr, &stream)) return false;
+  return AddDataChunk(*pRiffFile, stream.pbyData, stream.dwLength);
+}
+
+bool C_CodecFileBase::WriteAs(tagAudioFileType eType, const char* pszFileName, bool bEncode,
+                              bool bWriteCodecHead, PFN_CodecProgress pfnProgress,
+                              bool bForceEncode) {
+  m_bForceEncode = bForceEncode;
+  if (!bEncode) return WriteVef(pszFileName, "VEFF", /*bHeader=*/true, eType);
+  S_Stream stream;
+  if (!MakeStream(pfnProgress, &stream)) return false;
+  // Kept: a bare stream, which no class opens; whoever wants to open it prepends an SP header.
+  // Pinned by WriteFile_WritesTheBareStreamWithoutAHeader, BareStream_IsOpenedByNoClass.
+  std::optional<tagAudioFileType> eHeadType;
+  if (bWriteCodecHead) eHeadType = eType;
+  return WriteStreamFile(pszFileName, stream, eHeadType);
+}
+
 bool C_CodecFileBase::BorrowStream(S_Stream* pStream) {
   pStream->pbyData = GetWavData()->GetEncBuffer();
   pStream->dwLength = GetWavData()->GetEncBufferLen();

@@ -13,6 +13,8 @@
 
 #include "VefFileBase.h"
 
+class C_RiffFile;
+
 class C_CodecFileBase : public C_VefFileBase {
  public:
   // How the file stores its stream.
@@ -31,6 +33,9 @@ class C_CodecFileBase : public C_VefFileBase {
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
 
+  // Adds the stream, made as by WriteFile with its last bForceEncode, to pRiffFile as chunk "vdat".
+  bool WriteDataChunk(C_RiffFile* pRiffFile) override;  // 24
+
   [[nodiscard]] bool IsForceEncode() const { return m_bForceEncode; }
   [[nodiscard]] tagContainerKind GetContainerKind() const { return m_eContainerKind; }
 
@@ -48,22 +53,29 @@ class C_CodecFileBase : public C_VefFileBase {
 
   explicit C_CodecFileBase(const S_Family& family) : m_family(family) {}
 
-  void SetForceEncode(bool bForceEncode) { m_bForceEncode = bForceEncode; }
+  // Writes the sound as a bare stream of the type, without an SP header; with bWriteCodecHead
+  // behind a codec head (CodecHead.h). When the coding type is that type already and bForceEncode
+  // is false, the encoded form that the sound carries is written unchanged. Without bEncode, writes
+  // a VEF container that holds the sound and that stream. The target is created when the stream is
+  // complete, not before; a failed write may leave a partial file.
+  bool WriteAs(tagAudioFileType eType, const char* pszFileName, bool bEncode, bool bWriteCodecHead,
+               PFN_CodecProgress pfnProgress, bool bForceEncode);
   // Is the sound's encoded form to be written instead of a new one?
   [[nodiscard]] bool ReusesStream(unsigned int dwType) {
     return !m_bForceEncode && GetCodingType() == dwType;
   }
   // The sound's encoded form; false when there is none.
   bool BorrowStream(S_Stream* pStream);
-  // Creates the file, with a codec head (CodecHead.h) of the type when one is given. A failed write
-  // may leave a partial file.
-  bool WriteStreamFile(const char* pszFileName, const S_Stream& stream,
-                       std::optional<tagAudioFileType> eHeadType);
 
  private:
   // Decodes a stream, null when empty, into the sound, which is there.
   virtual bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                             PFN_DecodedData pfnData) = 0;  // 25
+  // The stream that is to be written: the sound's encoded form or a new one.
+  virtual bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) = 0;  // 26
+  // Creates the file, with a codec head of the type when one is given.
+  bool WriteStreamFile(const char* pszFileName, const S_Stream& stream,
+                       std::optional<tagAudioFileType> eHeadType);
   bool LoadSpStream(PFN_DecodedData pfnData);
   bool LoadVefStream();
   // Gives the sound the stream as its encoded form, and decodes it.

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "HeronFile.h"
 
-#include <optional>
-
 #include "HeronCodec.h"
 #include "VcmAssert.h"
 
@@ -15,21 +13,7 @@ constexpr const char* kSource = "WaveFileLib/HeronFile";
 bool C_HeronFileBase::WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                                 PFN_CodecProgress pfnProgress, bool bForceEncode,
                                 unsigned int /*dwCodecOption*/) {
-  SetForceEncode(bForceEncode);
-  if (!bEncode) return WriteVef(pszFileName, "VEFF", /*bHeader=*/true, m_eTargetType);
-  S_Stream stream;
-  if (!MakeStream(pfnProgress, &stream)) return false;
-  // Kept: a bare stream, which no class opens; whoever wants to open it prepends an SP header.
-  // Pinned by BareStream_IsOpenedByNoClass.
-  std::optional<tagAudioFileType> eHeadType;
-  if (bWriteCodecHead) eHeadType = m_eTargetType;
-  return WriteStreamFile(pszFileName, stream, eHeadType);
-}
-
-bool C_HeronFileBase::WriteDataChunk(C_RiffFile* pRiffFile) {
-  S_Stream stream;
-  if (pRiffFile == nullptr || !MakeStream(nullptr, &stream)) return false;
-  return AddDataChunk(*pRiffFile, stream.pbyData, stream.dwLength);
+  return WriteAs(m_eTargetType, pszFileName, bEncode, bWriteCodecHead, pfnProgress, bForceEncode);
 }
 
 bool C_HeronFileBase::DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,

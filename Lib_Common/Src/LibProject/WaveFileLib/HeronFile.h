@@ -13,20 +13,12 @@
 
 #include "CodecFileBase.h"
 
-class C_RiffFile;
-
 class C_HeronFileBase : public C_CodecFileBase {
  public:
-  // Writes the sound as a bare stream, without an SP header; with bWriteCodecHead behind a codec
-  // head (CodecHead.h). When the coding type is the target type already and bForceEncode is false,
-  // the encoded form that the sound carries is written unchanged. Without bEncode, writes a VEF
-  // container that holds the sound and that stream. The target is created when the stream is
-  // complete, not before.
+  // Writes the target type: see C_CodecFileBase::WriteAs. dwCodecOption has no effect.
   bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                  PFN_CodecProgress pfnProgress, bool bForceEncode,
                  unsigned int dwCodecOption) override;  // 23
-  // Adds the stream, made as by WriteFile with its last bForceEncode, to pRiffFile as chunk "vdat".
-  bool WriteDataChunk(C_RiffFile* pRiffFile) override;  // 24
 
   // The variant that is written.
   [[nodiscard]] tagAudioFileType GetTargetType() const { return m_eTargetType; }
@@ -42,7 +34,7 @@ class C_HeronFileBase : public C_CodecFileBase {
   bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                     PFN_DecodedData pfnData) override;
   bool Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress, S_Stream* pStream);
-  bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream);
+  bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) override;
 
   tagAudioFileType m_eTargetType;
 };

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "KestrelFile.h"
 
-#include <optional>
-
 #include "KestrelCodec.h"
 #include "VcmAssert.h"
 
@@ -15,21 +13,8 @@ constexpr const char* kSource = "WaveFileLib/KestrelFile";
 bool C_KestrelFile::WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                               PFN_CodecProgress pfnProgress, bool bForceEncode,
                               unsigned int /*dwCodecOption*/) {
-  SetForceEncode(bForceEncode);
-  if (!bEncode) return WriteVef(pszFileName, "VEFF", /*bHeader=*/true, AUDIO_FILE_KESTREL);
-  S_Stream stream;
-  if (!MakeStream(pfnProgress, &stream)) return false;
-  // Kept: a bare stream, which CheckFormat does not take without a header; whoever wants to open
-  // it prepends one. Pinned by WriteFile_WritesTheBareStreamWithoutAHeader.
-  std::optional<tagAudioFileType> eHeadType;
-  if (bWriteCodecHead) eHeadType = AUDIO_FILE_KESTREL;
-  return WriteStreamFile(pszFileName, stream, eHeadType);
-}
-
-bool C_KestrelFile::WriteDataChunk(C_RiffFile* pRiffFile) {
-  S_Stream stream;
-  if (pRiffFile == nullptr || !MakeStream(nullptr, &stream)) return false;
-  return AddDataChunk(*pRiffFile, stream.pbyData, stream.dwLength);
+  return WriteAs(AUDIO_FILE_KESTREL, pszFileName, bEncode, bWriteCodecHead, pfnProgress,
+                 bForceEncode);
 }
 
 bool C_KestrelFile::DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
