@@ -13,7 +13,8 @@ set -euo pipefail
 
 # cubeb finds the sound service's client library at run time, so no package depends on it.
 player=(g++ cmake make pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
-tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils sox ffmpeg)
+tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
+  ffmpeg)
 ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev)
 
 case "${1:-player}" in

@@ -12,15 +12,14 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <thread>
+#include <utility>
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr double kLimitSeconds = 120.0;
-
-double SecondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
+constexpr auto kPoll = std::chrono::milliseconds(2);
 
 // The settings of the sanitizers pass through, nothing else does.
 std::vector<std::string> EnvironmentOf(const std::vector<std::string>& extra) {
@@ -42,31 +41,79 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
   return pointers;
 }
 
-// Appends what there is to read. False at the end.
-bool ReadInto(std::string& strText, int nRead) {
-  std::array<char, 65536> piece;
-  const ssize_t nGot = read(nRead, piece.data(), piece.size());
-  if (nGot > 0) strText.append(piece.data(), static_cast<std::size_t>(nGot));
-  return nGot > 0;
+}  // namespace
+
+C_RunningProgram::C_RunningProgram(pid_t nChild, int nOut, int nErr, Clock::time_point start)
+    : m_nChild(nChild), m_ends{nOut, nErr}, m_start(start) {}
+
+C_RunningProgram::~C_RunningProgram() {
+  for (const int nEnd : m_ends)
+    if (nEnd >= 0) close(nEnd);
+  if (m_nChild <= 0) return;
+  Send(SIGKILL);
+  waitpid(m_nChild, nullptr, 0);
 }
 
-// Reads both until both have ended.
-void Collect(S_Run& run, int nOut, int nErr, Clock::time_point start, pid_t nChild) {
-  std::array<pollfd, 2> ends = {{{nOut, POLLIN, 0}, {nErr, POLLIN, 0}}};
-  while (ends[0].fd >= 0 || ends[1].fd >= 0) {
-    if (poll(ends.data(), ends.size(), 100) <= 0 && SecondsSince(start) > kLimitSeconds) {
+void C_RunningProgram::Send(int nSignal) const { EXPECT_EQ(kill(m_nChild, nSignal), 0); }
+
+bool C_RunningProgram::WaitForOutput(const std::string& strText) {
+  const auto bFound = [&] { return m_run.strOut.find(strText) != std::string::npos; };
+  Collect([&] { return bFound() || m_ends[0] < 0; });
+  return bFound();
+}
+
+void C_RunningProgram::CloseOutput() { close(std::exchange(m_ends[0], -1)); }
+
+S_Run C_RunningProgram::Wait() {
+  Collect([this] { return m_ends[0] < 0 && m_ends[1] < 0; });
+  const int nStatus = Reap();
+  m_run.dSeconds = Seconds();
+  if (WIFEXITED(nStatus)) m_run.nExit = WEXITSTATUS(nStatus);
+  if (WIFSIGNALED(nStatus)) m_run.nSignal = WTERMSIG(nStatus);
+  return m_run;
+}
+
+void C_RunningProgram::Collect(const std::function<bool()>& bEnough) {
+  while (!bEnough()) {
+    std::array<pollfd, 2> ends = {{{m_ends[0], POLLIN, 0}, {m_ends[1], POLLIN, 0}}};
+    if (poll(ends.data(), ends.size(), 100) <= 0 && Seconds() > kLimitSeconds) {
       ADD_FAILURE() << "still running after two minutes";
-      kill(nChild, SIGKILL);
+      Send(SIGKILL);
     }
-    if (ends[0].fd >= 0 && ends[0].revents != 0) {
-      if (!ReadInto(run.strOut, nOut)) ends[0].fd = -1;
-      if (run.dFirstOutput == 0.0) run.dFirstOutput = SecondsSince(start);
-    }
-    if (ends[1].fd >= 0 && ends[1].revents != 0 && !ReadInto(run.strErr, nErr)) ends[1].fd = -1;
+    if (ends[0].revents != 0) ReadEnd(0, m_run.strOut);
+    if (ends[1].revents != 0) ReadEnd(1, m_run.strErr);
   }
 }
 
-}  // namespace
+// Appends what there is to read.
+void C_RunningProgram::ReadEnd(std::size_t nEnd, std::string& strText) {
+  std::array<char, 65536> piece;
+  const ssize_t nGot = read(m_ends[nEnd], piece.data(), piece.size());
+  if (nEnd == 0 && m_run.dFirstOutput == 0.0) m_run.dFirstOutput = Seconds();
+  if (nGot > 0) {
+    strText.append(piece.data(), static_cast<std::size_t>(nGot));
+  } else {
+    close(std::exchange(m_ends[nEnd], -1));
+  }
+}
+
+// A program may close its own output long before it ends.
+int C_RunningProgram::Reap() {
+  int nStatus = 0;
+  while (waitpid(m_nChild, &nStatus, WNOHANG) == 0) {
+    if (Seconds() > kLimitSeconds) {
+      ADD_FAILURE() << "still running after two minutes";
+      Send(SIGKILL);
+    }
+    std::this_thread::sleep_for(kPoll);
+  }
+  m_nChild = -1;
+  return nStatus;
+}
+
+double C_RunningProgram::Seconds() const {
+  return std::chrono::duration<double>(Clock::now() - m_start).count();
+}
 
 C_Program::C_Program(const std::string& strPath)
     : m_nProgram(open(strPath.c_str(), O_RDONLY | O_CLOEXEC)) {
@@ -76,9 +123,7 @@ C_Program::C_Program(const std::string& strPath)
 C_Program::~C_Program() { close(m_nProgram); }
 
 S_Run C_Program::Run(const Texts& arguments, const Texts& environment) const {
-  std::array<int, 2> error{};
-  EXPECT_EQ(pipe2(error.data(), O_CLOEXEC), 0);
-  return RunWith(arguments, environment, error[0], error[1]);
+  return Start(arguments, environment).Wait();
 }
 
 S_Run C_Program::RunOnTerminal(const Texts& arguments) const {
@@ -86,11 +131,20 @@ S_Run C_Program::RunOnTerminal(const Texts& arguments) const {
   EXPECT_TRUE(nMaster >= 0 && grantpt(nMaster) == 0 && unlockpt(nMaster) == 0);
   std::array<char, 128> name{};
   EXPECT_EQ(ptsname_r(nMaster, name.data(), name.size()), 0);
-  return RunWith(arguments, {}, nMaster, open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  const int nTerminal = open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  return StartWith(arguments, {}, nMaster, nTerminal, {}).Wait();
 }
 
-S_Run C_Program::RunWith(const Texts& arguments, const Texts& environment, int nErrorRead,
-                         int nErrorWrite) const {
+C_RunningProgram C_Program::Start(const Texts& arguments, const Texts& environment,
+                                  const std::function<void()>& prepare) const {
+  std::array<int, 2> error{};
+  EXPECT_EQ(pipe2(error.data(), O_CLOEXEC), 0);
+  return StartWith(arguments, environment, error[0], error[1], prepare);
+}
+
+C_RunningProgram C_Program::StartWith(const Texts& arguments, const Texts& environment,
+                                      int nErrorRead, int nErrorWrite,
+                                      const std::function<void()>& prepare) const {
   std::array<int, 2> out{};
   EXPECT_EQ(pipe2(out.data(), O_CLOEXEC), 0);
   Texts all = {"VoxplaySampleCode"};
@@ -104,19 +158,11 @@ S_Run C_Program::RunWith(const Texts& arguments, const Texts& environment, int n
   if (nChild == 0) {
     dup2(out[1], STDOUT_FILENO);
     dup2(nErrorWrite, STDERR_FILENO);
+    if (prepare) prepare();
     execve(strProgram.c_str(), argv.data(), envp.data());
     _exit(127);
   }
   close(out[1]);
   close(nErrorWrite);
-  S_Run run;
-  Collect(run, out[0], nErrorRead, start, nChild);
-  int nStatus = 0;
-  EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
-  run.dSeconds = SecondsSince(start);
-  close(out[0]);
-  close(nErrorRead);
-  if (WIFEXITED(nStatus)) run.nExit = WEXITSTATUS(nStatus);
-  if (WIFSIGNALED(nStatus)) run.nSignal = WTERMSIG(nStatus);
-  return run;
+  return {nChild, out[0], nErrorRead, start};
 }

@@ -6,9 +6,21 @@
 //   const S_Run run = player.Run({"speech.kst", "2"});
 //   EXPECT_EQ(run.strOut, "Length:5\n");
 //
+// What happens to it while it runs:
+//
+//   C_RunningProgram run = player.Start({"speech.kst", "1"});
+//   ASSERT_TRUE(run.WaitForOutput("Playing..."));
+//   run.Send(SIGINT);
+//   EXPECT_EQ(run.Wait().nSignal, SIGINT);
+//
 // The program finds no sound server unless the test names one, and no home folder.
 #pragma once
 
+#include <sys/types.h>
+
+#include <array>
+#include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +31,37 @@ struct S_Run {
   int nSignal = 0;  // 0 when it ended by itself
   double dSeconds = 0.0;
   double dFirstOutput = 0.0;  // seconds until the first byte on standard output
+};
+
+// A program that was started. Whatever still runs after two minutes is ended.
+class C_RunningProgram {
+ public:
+  // Takes the descriptors over.
+  C_RunningProgram(pid_t nChild, int nOut, int nErr, std::chrono::steady_clock::time_point start);
+  // Ends the program if it was not waited for.
+  ~C_RunningProgram();
+  C_RunningProgram(const C_RunningProgram&) = delete;
+  C_RunningProgram& operator=(const C_RunningProgram&) = delete;
+
+  [[nodiscard]] pid_t Pid() const { return m_nChild; }
+  void Send(int nSignal) const;
+  // True as soon as the text stands in its standard output; false when that ends without it.
+  [[nodiscard]] bool WaitForOutput(const std::string& strText);
+  // Nobody reads its standard output any more.
+  void CloseOutput();
+  // Waits for its end. Once.
+  [[nodiscard]] S_Run Wait();
+
+ private:
+  void Collect(const std::function<bool()>& bEnough);
+  void ReadEnd(std::size_t nEnd, std::string& strText);
+  int Reap();
+  [[nodiscard]] double Seconds() const;
+
+  pid_t m_nChild;
+  std::array<int, 2> m_ends;  // standard output and error; -1 where they have ended
+  const std::chrono::steady_clock::time_point m_start;
+  S_Run m_run;
 };
 
 class C_Program {
@@ -36,10 +79,15 @@ class C_Program {
   [[nodiscard]] S_Run Run(const Texts& arguments, const Texts& environment = {}) const;
   // The same with a terminal as standard error.
   [[nodiscard]] S_Run RunOnTerminal(const Texts& arguments) const;
+  // Starts it. `prepare` runs in the child just before the program, where it may do what is safe
+  // between fork and exec: close descriptors, set signals.
+  [[nodiscard]] C_RunningProgram Start(const Texts& arguments, const Texts& environment = {},
+                                       const std::function<void()>& prepare = {}) const;
 
  private:
-  [[nodiscard]] S_Run RunWith(const Texts& arguments, const Texts& environment, int nErrorRead,
-                              int nErrorWrite) const;
+  [[nodiscard]] C_RunningProgram StartWith(const Texts& arguments, const Texts& environment,
+                                           int nErrorRead, int nErrorWrite,
+                                           const std::function<void()>& prepare) const;
 
   int m_nProgram;
 };

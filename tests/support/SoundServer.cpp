@@ -160,42 +160,57 @@ void UseNoSoundServerInThisProcess() {
   setenv("JACK_NO_START_SERVER", "1", 1);
 }
 
-// norewinds: without it the sink has already handed out, and takes back, the first milliseconds of
-// every stream, and the recording misses them.
 bool C_SoundServer::Start() {
   if (m_strFolder.empty()) return false;
+  LaunchAll();
+  return WaitUntil([this] { return Answers(); });
+}
+
+// norewinds: without it the sink has already handed out, and takes back, the first milliseconds of
+// every stream, and the recording misses them.
+void C_SoundServer::LaunchAll() {
   const std::string strSink = "module-null-sink sink_name=rec rate=" + std::to_string(m_nRate) +
                               " format=" + m_strFormat +
                               " channels=" + std::to_string(m_nChannels) + " norewinds=1";
-  const std::vector<std::string> environment = {
-      "HOME=" + m_strFolder, "XDG_RUNTIME_DIR=" + m_strFolder, "PULSE_RUNTIME_PATH=" + m_strFolder,
-      "PULSE_STATE_PATH=" + m_strFolder, "LC_ALL=C"};
-  m_nServer = Spawn(
-      environment,
-      {"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
-       "--disable-shm=yes", "--high-priority=no", "--realtime=no",
-       "--log-target=file:" + Path("pa.log"), "-L",
-       "module-native-protocol-unix auth-anonymous=1 socket=" + Path("native"), "-L", strSink},
-      Path("out"));
-  return m_nServer > 0 && WaitUntil([this] { return Answers(); });
+  Launch({"HOME=" + m_strFolder, "XDG_RUNTIME_DIR=" + m_strFolder,
+          "PULSE_RUNTIME_PATH=" + m_strFolder, "PULSE_STATE_PATH=" + m_strFolder, "LC_ALL=C"},
+         {"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+          "--disable-shm=yes", "--high-priority=no", "--realtime=no",
+          "--log-target=file:" + Path("pa.log"), "-L",
+          "module-native-protocol-unix auth-anonymous=1 socket=" + Path("native"), "-L", strSink});
 }
 
+void C_SoundServer::Launch(const Texts& environment, const Texts& command) {
+  m_processes.push_back(Spawn(environment, command, Path("out")));
+}
+
+void C_SoundServer::WaitForFile(const char* pszName) const {
+  WaitUntil([&] { return std::filesystem::exists(Path(pszName)); });
+}
+
+// Some kinds answer before they have their sink.
 bool C_SoundServer::Answers() const {
   const pid_t nAsker =
-      Spawn({Environment(), "HOME=" + m_strFolder}, {"pactl", "info"}, Path("info"));
+      Spawn({Environment(), "HOME=" + m_strFolder}, {"pactl", "get-default-sink"}, Path("info"));
   int nStatus = 0;
-  return nAsker > 0 && waitpid(nAsker, &nStatus, 0) == nAsker && WIFEXITED(nStatus) &&
-         WEXITSTATUS(nStatus) == 0;
+  if (nAsker <= 0 || waitpid(nAsker, &nStatus, 0) != nAsker || nStatus != 0) return false;
+  const std::vector<std::uint8_t> sink = ReadAll(Path("info"));
+  return std::string(sink.begin(), sink.end()) == "rec\n";
 }
 
-void C_SoundServer::Kill() { End(std::exchange(m_nServer, -1), SIGKILL); }
-
-void C_SoundServer::Freeze() const {
-  if (m_nServer > 0) kill(m_nServer, SIGSTOP);
+void C_SoundServer::Kill() {
+  SendAll(SIGKILL);
+  for (const pid_t nProcess : m_processes) waitpid(nProcess, nullptr, 0);
+  m_processes.clear();
 }
 
-void C_SoundServer::Thaw() const {
-  if (m_nServer > 0) kill(m_nServer, SIGCONT);
+void C_SoundServer::Freeze() const { SendAll(SIGSTOP); }
+
+void C_SoundServer::Thaw() const { SendAll(SIGCONT); }
+
+void C_SoundServer::SendAll(int nSignal) const {
+  for (const pid_t nProcess : m_processes)
+    if (nProcess > 0) kill(nProcess, nSignal);
 }
 
 std::vector<std::uint8_t> C_SoundServer::RecordWhile(const std::function<void()>& play) const {

@@ -48,14 +48,16 @@ struct S_Recording {
 
 class C_SoundServer {
  public:
+  using Texts = std::vector<std::string>;
+
   // Formats are the server's names, for example "s16le" and "float32le".
   C_SoundServer(unsigned nRate, std::string strFormat, unsigned nChannels);
   // Ends the server and removes its folder.
-  ~C_SoundServer();
+  virtual ~C_SoundServer();
   C_SoundServer(const C_SoundServer&) = delete;
   C_SoundServer& operator=(const C_SoundServer&) = delete;
 
-  // True when the server answers.
+  // True when the server answers. One that was killed can be started again, in its old place.
   bool Start();
   // Ends the server at once, without giving it time to say goodbye.
   void Kill();
@@ -76,15 +78,26 @@ class C_SoundServer {
                                             const std::function<void()>& play) const;
   [[nodiscard]] std::size_t FrameBytes() const;
 
+ protected:
+  // Starts the processes that make up the server.
+  virtual void LaunchAll();
+  // Starts one of them, with PATH and these settings as its environment.
+  void Launch(const Texts& environment, const Texts& command);
+  // Returns when the file is there, or will not be any more.
+  void WaitForFile(const char* pszName) const;
+  [[nodiscard]] const std::string& Folder() const { return m_strFolder; }
+  [[nodiscard]] std::string Path(const char* pszName) const { return m_strFolder + "/" + pszName; }
+  [[nodiscard]] unsigned Rate() const { return m_nRate; }
+
  private:
   [[nodiscard]] bool Answers() const;
-  [[nodiscard]] std::string Path(const char* pszName) const { return m_strFolder + "/" + pszName; }
+  void SendAll(int nSignal) const;
 
   unsigned m_nRate;
   std::string m_strFormat;
   unsigned m_nChannels;
   std::string m_strFolder;
-  pid_t m_nServer = -1;
+  std::vector<pid_t> m_processes;
 };
 
 // Makes this process find neither a sound server nor a sound card, wherever it runs. Not to be

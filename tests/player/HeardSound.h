@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The real program on a real sound server, and what must be heard there.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <soxr.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ChildProcess.h"
+#include "RiffBytes.h"
+#include "SoundServer.h"
+#include "TempFolder.h"
+#include "TestSounds.h"
+
+inline constexpr std::uint32_t kPlaybackRate = 44100;
+
+inline std::vector<float> AsFloat(const C_Bytes& pcm) {
+  std::vector<float> result;
+  for (std::size_t i = 0; i + 1 < pcm.size(); i += 2) {
+    const auto nSample = static_cast<std::int16_t>(pcm[i] | pcm[i + 1] << 8);
+    result.push_back(static_cast<float>(nSample) / 32768.0F);
+  }
+  return result;
+}
+
+// Frames of two channels that are alike, as bytes.
+inline C_Bytes OnBothSides(const std::vector<float>& mono) {
+  std::vector<float> stereo;
+  for (const float fSample : mono) stereo.insert(stereo.end(), {fSample, fSample});
+  return BytesOf(stereo);
+}
+
+// The whole sound converted at once, on both sides.
+inline C_Bytes AsHeardInNormalMode(const C_Bytes& pcm, double dRate) {
+  const std::vector<float> input = AsFloat(pcm);
+  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
+  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+  std::vector<float> output(
+      static_cast<std::size_t>(static_cast<double>(input.size()) * kPlaybackRate / dRate) + 16);
+  std::size_t nDone = 0;
+  EXPECT_EQ(nullptr, soxr_oneshot(dRate, kPlaybackRate, 1, input.data(), input.size(), nullptr,
+                                  output.data(), output.size(), &nDone, &io, &quality, nullptr));
+  output.resize(nDone);
+  return OnBothSides(output);
+}
+
+class Heard : public ::testing::Test {
+ protected:
+  // Plays the file on the server and compares what it heard.
+  void ExpectHeard(C_SoundServer& server, const C_Program::Texts& arguments, const C_Bytes& want,
+                   const std::string& strOutput) {
+    ASSERT_TRUE(server.Start());
+    S_Run run;
+    const S_Recording sound = server.RecordUntilSame(
+        want, [&] { run = m_player.Run(arguments, {server.Environment()}); });
+    EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
+    EXPECT_GT(sound.bytes.size(), want.size() / 2) << "silence proves nothing";
+    EXPECT_EQ(run.strOut, strOutput);
+    EXPECT_EQ(run.strErr, "");
+    EXPECT_EQ(run.nExit, 0);
+  }
+
+  C_Program m_player{VOXPLAY_PLAYER};
+  C_TempFolder m_folder;
+};
