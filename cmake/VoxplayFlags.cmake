@@ -34,3 +34,9 @@ if(VOXPLAY_COVERAGE)
   target_compile_options(voxplay_flags INTERFACE --coverage)
   target_link_options(voxplay_flags INTERFACE --coverage)
 endif()
+
+# For code that only calculates: without the optimiser, it takes the tests of a debug build most of
+# their time.
+add_library(voxplay_arithmetic INTERFACE)
+add_library(Voxplay::arithmetic ALIAS voxplay_arithmetic)
+target_compile_options(voxplay_arithmetic INTERFACE $<$<CONFIG:Debug>:-O1>)

@@ -19,8 +19,8 @@
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-constexpr std::size_t kFrames = 960;
-constexpr std::size_t kHeronFrames = 320;  // encoding takes many steps
+constexpr std::size_t kFrames = 640;
+constexpr std::size_t kHeronFrames = 160;  // encoding takes many steps
 
 C_SpHeader HeaderOf(tagAudioFileType eType) {
   C_SpHeader header;

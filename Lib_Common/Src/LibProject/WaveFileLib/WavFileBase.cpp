@@ -152,7 +152,8 @@ bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
   const std::span<std::uint8_t> pcm(pbyPcm, dwLength);
   if (!vcm::SeekTo(pFile, m_dwDataStartPos)) return false;
   const std::size_t cbRead = vcm::ReadSome(pFile, pcm);
-  std::ranges::fill(pcm.subspan(cbRead), std::uint8_t{0});
+  const auto missing = pcm.subspan(cbRead);
+  std::fill(missing.begin(), missing.end(), std::uint8_t{0});
   return true;
 }
 

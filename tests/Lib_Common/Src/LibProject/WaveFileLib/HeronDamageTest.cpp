@@ -21,7 +21,7 @@ using heron_test::S_Kind;
 // which 50000 make 100,000 of each kind.
 int CountStreams() {
   const char* pszCount = getenv("VOXPLAY_HERON_STREAMS");
-  return pszCount == nullptr ? 4000 : std::stoi(pszCount);
+  return pszCount == nullptr ? 2000 : std::stoi(pszCount);
 }
 
 class C_Damage {
