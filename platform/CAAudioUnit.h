@@ -3,6 +3,9 @@
 
 #include <AudioToolbox/AudioToolbox.h>
 
+#include <cstdio>
+
+#include "CAComponent.h"
 #include "CAStreamBasicDescription.h"
 
 // An audio unit and the graph node that it belongs to. Owns neither: the graph does. Every
@@ -16,6 +19,14 @@ class CAAudioUnit {
   [[nodiscard]] bool IsValid() const noexcept { return m_unit != nullptr; }
   [[nodiscard]] AUNode GetAUNode() const noexcept { return m_node; }
   [[nodiscard]] AudioUnit AU() const noexcept { return m_unit; }
+
+  // The component that the unit was made from; an empty one for an empty wrapper.
+  [[nodiscard]] CAComponent Comp() const noexcept {
+    return IsValid() ? CAComponent(AudioComponentInstanceGetComponent(m_unit)) : CAComponent();
+  }
+  // For debugging: "AudioUnit:" and the unit's address on one line; on the next, when there is a
+  // unit, its node and its component. The stream is open.
+  void Print(std::FILE* pStream) const;
 
   // `*pdwDataSize` is the room on entry and the bytes written on return.
   OSStatus GetProperty(AudioUnitPropertyID dwID, AudioUnitScope dwScope, AudioUnitElement dwElement,

@@ -3,7 +3,16 @@
 
 #include <AudioToolbox/AudioToolbox.h>
 
-// A component together with the description that it was looked up by. Owns nothing.
+#include <cstdio>
+#include <string>
+
+// The two halves of a component's name, in UTF-8; empty where one is not known.
+struct S_ComponentNames {
+  std::string strManufacturer;
+  std::string strUnit;
+};
+
+// A component together with the description that it was looked up by, or its own. Owns nothing.
 class CAComponent {
  public:
   CAComponent() noexcept = default;
@@ -12,12 +21,26 @@ class CAComponent {
       : m_component(AudioComponentFindNext(nullptr, &desc)), m_desc(desc) {}
   CAComponent(OSType dwType, OSType dwSubType, OSType dwManufacturer) noexcept
       : CAComponent(AudioComponentDescription{dwType, dwSubType, dwManufacturer, 0, 0}) {}
+  // A component and the toolbox's description of it: all zero for null, and where it has none.
+  explicit CAComponent(AudioComponent component) noexcept;
 
   [[nodiscard]] bool IsValid() const noexcept { return m_component != nullptr; }
   [[nodiscard]] AudioComponent Comp() const noexcept { return m_component; }
   [[nodiscard]] const AudioComponentDescription& Desc() const noexcept { return m_desc; }
 
+  // The toolbox names a component "Manufacturer: Unit name". A name without ": " is that of a unit
+  // whose manufacturer is not known.
+  [[nodiscard]] S_ComponentNames Names() const;
+  // One line for debugging: "CAComponent: ", the component's address, ", Manu:" and ", Name:" with
+  // the names that are known, then ", " and the description's line. The stream is open.
+  void Print(std::FILE* pStream) const;
+
  private:
   AudioComponent m_component = nullptr;
   AudioComponentDescription m_desc{};
 };
+
+// One line for debugging with the three codes, the flags and their mask:
+//   AudioComponentDescription: 'auou' - 'def ' - 'appl', 0x0, 0x0
+// The stream is open.
+void PrintComponentDescription(const AudioComponentDescription& desc, std::FILE* pStream);

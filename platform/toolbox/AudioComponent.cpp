@@ -6,6 +6,7 @@
 #include <array>
 #include <mutex>
 
+#include "CoreString.h"
 #include "CubebDevice.h"
 #include "FilePlayerUnit.h"
 #include "HandleTable.h"
@@ -14,15 +15,22 @@
 // What an AudioComponent points to: an entry of the fixed table below.
 struct OpaqueAudioComponent {
   AudioComponentDescription description;
+  const char* pszName;
   std::shared_ptr<toolbox::C_Unit> (*pCreate)();
 };
 
 namespace toolbox {
 namespace {
 
-C_HandleTable<AudioUnit, C_Unit>& Units() {
+// A live unit and what it was made from.
+struct S_Instance {
+  AudioComponent component;
+  std::shared_ptr<C_Unit> pUnit;
+};
+
+C_HandleTable<AudioUnit, S_Instance>& Instances() {
   // Never destroyed: late callers still find a table.
-  static auto& table = *new C_HandleTable<AudioUnit, C_Unit>;
+  static auto& table = *new C_HandleTable<AudioUnit, S_Instance>;
   return table;
 }
 
@@ -51,9 +59,11 @@ std::array<OpaqueAudioComponent, 2>& Components() {
   static std::array<OpaqueAudioComponent, 2> components = {
       OpaqueAudioComponent{{kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput,
                             kAudioUnitManufacturer_Apple, 0, 0},
+                           "Voxplay: Default Output",
                            &CreateOutput},
       OpaqueAudioComponent{{kAudioUnitType_Generator, kAudioUnitSubType_AudioFilePlayer,
                             kAudioUnitManufacturer_Apple, 0, 0},
+                           "Voxplay: File Player",
                            &CreateFilePlayer}};
   return components;
 }
@@ -76,7 +86,10 @@ bool Matches(const AudioComponentDescription& has, const AudioComponentDescripti
 
 }  // namespace
 
-std::shared_ptr<C_Unit> FindUnit(AudioUnit unit) { return Units().Find(unit); }
+std::shared_ptr<C_Unit> FindUnit(AudioUnit unit) {
+  const auto pInstance = Instances().Find(unit);
+  return pInstance != nullptr ? pInstance->pUnit : nullptr;
+}
 
 void SetOpenDevice(OpenDeviceFunction open) {
   S_OpenDevice& device = OpenDevice();
@@ -106,17 +119,31 @@ OSStatus AudioComponentGetDescription(AudioComponent component,
   return noErr;
 }
 
+OSStatus AudioComponentCopyName(AudioComponent component, CFStringRef* pName) {
+  if (pName == nullptr) return kAudio_ParamError;
+  *pName = nullptr;
+  if (!toolbox::IsComponent(component)) return kAudio_ParamError;
+  *pName = new OpaqueCFString(component->pszName);
+  return noErr;
+}
+
 OSStatus AudioComponentInstanceNew(AudioComponent component, AudioComponentInstance* pInstance) {
   if (pInstance == nullptr) return kAudio_ParamError;
   *pInstance = nullptr;
   if (!toolbox::IsComponent(component)) return kAudio_ParamError;
-  *pInstance = toolbox::Units().Insert(component->pCreate());
+  *pInstance = toolbox::Instances().Insert(
+      std::make_shared<toolbox::S_Instance>(toolbox::S_Instance{component, component->pCreate()}));
   return noErr;
 }
 
 OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance) {
-  const auto pUnit = toolbox::Units().Remove(instance);
-  return pUnit != nullptr ? pUnit->Uninitialize() : OSStatus{kAudio_ParamError};
+  const auto pInstance = toolbox::Instances().Remove(instance);
+  return pInstance != nullptr ? pInstance->pUnit->Uninitialize() : OSStatus{kAudio_ParamError};
+}
+
+AudioComponent AudioComponentInstanceGetComponent(AudioComponentInstance instance) {
+  const auto pInstance = toolbox::Instances().Find(instance);
+  return pInstance != nullptr ? pInstance->component : nullptr;
 }
 
 }  // extern "C"

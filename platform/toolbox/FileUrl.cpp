@@ -13,10 +13,7 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef /*allocator*/,
   if (pbyBuffer == nullptr || nBufLen <= 0) return nullptr;
   const auto cbPath = static_cast<std::size_t>(nBufLen);
   if (std::memchr(pbyBuffer, 0, cbPath) != nullptr) return nullptr;
-  return new OpaqueCFURL{std::string(reinterpret_cast<const char*>(pbyBuffer), cbPath)};
+  return new OpaqueCFURL(std::string(reinterpret_cast<const char*>(pbyBuffer), cbPath));
 }
-
-// File URLs are the only objects of this kind here, and nothing shares them.
-void CFRelease(CFTypeRef cf) { delete static_cast<const OpaqueCFURL*>(cf); }
 
 }  // extern "C"

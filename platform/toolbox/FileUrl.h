@@ -4,8 +4,12 @@
 #include <AudioToolbox/BaseTypes.h>
 
 #include <string>
+#include <utility>
+
+#include "CoreObject.h"
 
 // What a CFURLRef points to: a path of the file system. The creator owns it until `CFRelease`.
-struct OpaqueCFURL {
+struct OpaqueCFURL final : toolbox::C_CoreObject {
+  explicit OpaqueCFURL(std::string strPath) : path(std::move(strPath)) {}
   std::string path;
 };

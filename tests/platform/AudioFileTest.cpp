@@ -6,10 +6,12 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstring>
+#include <cstdio>
 #include <filesystem>
 
+#include "CAAudioChannelLayout.h"
 #include "InChild.h"
+#include "Printed.h"
 #include "SoundFiles.h"
 #include "TempFolder.h"
 #include "TestSounds.h"
@@ -424,13 +426,13 @@ TEST_F(AudioFileTest, SpeakerPositionsOfAnExtensibleFile_BecomeChannelLabels) {
   std::vector<UInt8> bytes(cbLayout);
   EXPECT_EQ(noErr, AudioFileGetProperty(audioFile, kAudioFilePropertyChannelLayout, &cbLayout,
                                         bytes.data()));
-  std::array<UInt32, 18> words{};
-  std::memcpy(words.data(), bytes.data(), sizeof words);
-  EXPECT_EQ(0U, words[0]);
-  EXPECT_EQ(3U, words[2]);
-  EXPECT_EQ(1U, words[3]);
-  EXPECT_EQ(2U, words[8]);
-  EXPECT_EQ(4U, words[13]);
+  const auto layout = CAAudioChannelLayout::FromBytes(bytes.data(), cbLayout);
+  EXPECT_EQ(
+      "\tTag=0x0, Num Chan Descs=3\n"
+      "\t\tLabel=1, Flags=0x0, [az=0.000000,el=0.000000,dist=0.000000]\n"
+      "\t\tLabel=2, Flags=0x0, [az=0.000000,el=0.000000,dist=0.000000]\n"
+      "\t\tLabel=4, Flags=0x0, [az=0.000000,el=0.000000,dist=0.000000]\n",
+      Printed([&](std::FILE* p) { layout.Print(p); }));
   EXPECT_EQ(noErr, AudioFileClose(audioFile));
 }
 

@@ -22,6 +22,7 @@ char g_outputNodeUnit;
 char g_outputUnit;
 char g_component;
 std::string g_strUrl;
+std::string g_strName;
 
 template <typename T>
 T Handle(char* pThing) {
@@ -136,6 +137,9 @@ void C_FakeToolbox::Reset() {
   fileFormat = {};
   startStamp = {};
   bRunning = 0;
+  bComponentHasName = true;
+  strComponentName = "Fakes: Some Unit";
+  componentDescription = {};
   renderCallback = {};
   cbSlice = 3200;
   bySliceFill = 0;
@@ -240,7 +244,23 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const
   return nStatus != noErr ? nullptr : reinterpret_cast<CFURLRef>(&g_strUrl);
 }
 
-void CFRelease(CFTypeRef cf) { Fake().Call("CFRelease", cf == &g_strUrl ? "url" : "other"); }
+void CFRelease(CFTypeRef cf) {
+  const char* const pszOther = cf == &g_strName ? "name" : "other";
+  Fake().Call("CFRelease", cf == &g_strUrl ? "url" : pszOther);
+}
+
+CFIndex CFStringGetLength(CFStringRef /*text*/) { return static_cast<CFIndex>(g_strName.size()); }
+
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex nLength, CFStringEncoding /*dwEncoding*/) {
+  return Fake().Call("CFStringGetMaximumSizeForEncoding", "") == noErr ? nLength : -1;
+}
+
+Boolean CFStringGetCString(CFStringRef /*text*/, char* pszBuffer, CFIndex cbBuffer,
+                           CFStringEncoding dwEncoding) {
+  const OSStatus nStatus = Fake().Call("CFStringGetCString", Text("%ld, %u", cbBuffer, dwEncoding));
+  if (nStatus == noErr) std::memcpy(pszBuffer, g_strName.c_str(), g_strName.size() + 1);
+  return nStatus == noErr ? 1 : 0;
+}
 
 OSStatus AudioFileOpenURL(CFURLRef fileRef, AudioFilePermissions permissions,
                           AudioFileTypeID dwFileTypeHint, AudioFileID* pAudioFile) {
@@ -295,6 +315,25 @@ AudioComponent AudioComponentFindNext(AudioComponent component,
       Fake().Call("AudioComponentFindNext",
                   (component == nullptr ? "null, " : "other, ") + Describe(*pDescription));
   return nStatus != noErr ? nullptr : Handle<AudioComponent>(&g_component);
+}
+
+OSStatus AudioComponentGetDescription(AudioComponent /*component*/,
+                                      AudioComponentDescription* pDescription) {
+  *pDescription = Fake().componentDescription;
+  return Fake().Call("AudioComponentGetDescription", "component");
+}
+
+OSStatus AudioComponentCopyName(AudioComponent /*component*/, CFStringRef* pName) {
+  g_strName = Fake().strComponentName;
+  const OSStatus nStatus = Fake().Call("AudioComponentCopyName", "component");
+  const bool bNamed = nStatus == noErr && Fake().bComponentHasName;
+  *pName = bNamed ? reinterpret_cast<CFStringRef>(&g_strName) : nullptr;
+  return nStatus;
+}
+
+AudioComponent AudioComponentInstanceGetComponent(AudioComponentInstance instance) {
+  Fake().Call("AudioComponentInstanceGetComponent", Name(instance));
+  return Handle<AudioComponent>(&g_component);
 }
 
 OSStatus AudioComponentInstanceNew(AudioComponent /*component*/,

@@ -51,6 +51,11 @@ class C_FakeToolbox {
   AudioTimeStamp startStamp{};
   Boolean bRunning = 0;
 
+  // What the one component answers; without a name it gives success and no string.
+  bool bComponentHasName = true;
+  std::string strComponentName = "Fakes: Some Unit";
+  AudioComponentDescription componentDescription{};
+
   // What the output unit was given, and what it pulled while it ran, in slices of cbSlice bytes
   // that hold bySliceFill when they are handed out.
   AURenderCallbackStruct renderCallback{};

@@ -106,9 +106,14 @@ AudioComponent AudioComponentFindNext(AudioComponent component,
                                       const AudioComponentDescription* pDescription);
 OSStatus AudioComponentGetDescription(AudioComponent component,
                                       AudioComponentDescription* pDescription);
+// The component's name, "Manufacturer: Unit name"; the caller releases it with `CFRelease`. Null on
+// failure.
+OSStatus AudioComponentCopyName(AudioComponent component, CFStringRef* pName);
 // A new unit of the component, to be given up with `AudioComponentInstanceDispose`.
 OSStatus AudioComponentInstanceNew(AudioComponent component, AudioComponentInstance* pInstance);
 OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance);
+// The component that the unit was made from; null when there is no such unit.
+AudioComponent AudioComponentInstanceGetComponent(AudioComponentInstance instance);
 
 OSStatus AudioUnitInitialize(AudioUnit unit);
 OSStatus AudioUnitUninitialize(AudioUnit unit);

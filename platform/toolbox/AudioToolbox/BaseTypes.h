@@ -26,6 +26,8 @@ using FourCharCode = UInt32;
 using CFIndex = long;
 using CFTypeRef = const void*;
 using CFURLRef = const struct OpaqueCFURL*;
+using CFStringRef = const struct OpaqueCFString*;
+using CFStringEncoding = UInt32;
 using CFAllocatorRef = const struct OpaqueCFAllocator*;
 
 namespace toolbox {
@@ -51,6 +53,10 @@ enum : OSStatus {
   kAudio_MemFullError = -108,
 };
 
+enum : CFStringEncoding {
+  kCFStringEncodingUTF8 = 0x08000100,
+};
+
 extern "C" {
 extern const CFAllocatorRef kCFAllocatorDefault;
 
@@ -58,6 +64,16 @@ extern const CFAllocatorRef kCFAllocatorDefault;
 // path is null, empty or holds a zero byte. The allocator is ignored.
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* pbyBuffer,
                                                  CFIndex nBufLen, Boolean bIsDirectory);
-// Gives up one reference. Null is ignored.
+// Gives up one reference to a URL or a string. Null is ignored.
 void CFRelease(CFTypeRef cf);
+
+// Length of the text in 16-bit units of UTF-16; 0 for null.
+CFIndex CFStringGetLength(CFStringRef text);
+// The most bytes that so many units can take, without a zero behind them. Only UTF-8 is known; -1
+// for every other encoding, for a negative length, and where the number would not fit.
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex nLength, CFStringEncoding dwEncoding);
+// Copies the text with a zero behind it. 0 (false) when it does not fit `cbBuffer` bytes whole, for
+// null, and for every encoding but UTF-8.
+Boolean CFStringGetCString(CFStringRef text, char* pszBuffer, CFIndex cbBuffer,
+                           CFStringEncoding dwEncoding);
 }

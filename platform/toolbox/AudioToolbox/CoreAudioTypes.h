@@ -33,6 +33,7 @@ static_assert(sizeof(AudioStreamPacketDescription) == 16);
 
 enum : AudioFormatID {
   kAudioFormatLinearPCM = toolbox::FourChars("lpcm"),
+  kAudioFormatAppleLossless = toolbox::FourChars("alac"),
   kAudioFormatULaw = toolbox::FourChars("ulaw"),
   kAudioFormatALaw = toolbox::FourChars("alaw"),
   kAudioFormatMPEGLayer1 = toolbox::FourChars(".mp1"),
@@ -57,6 +58,9 @@ enum : AudioFormatFlags {
   kLinearPCMFormatFlagIsSignedInteger = kAudioFormatFlagIsSignedInteger,
   kLinearPCMFormatFlagIsPacked = kAudioFormatFlagIsPacked,
   kLinearPCMFormatFlagIsNonInterleaved = kAudioFormatFlagIsNonInterleaved,
+  // Six bits count the fraction bits of fixed-point samples; 0 for whole numbers.
+  kLinearPCMFormatFlagsSampleFractionShift = 7,
+  kLinearPCMFormatFlagsSampleFractionMask = 0x3F << kLinearPCMFormatFlagsSampleFractionShift,
 };
 
 struct AudioBuffer {
