@@ -27,8 +27,9 @@ int Signed(UInt32 dw) noexcept { return static_cast<int>(dw); }
 void PrintDescription(const AudioChannelDescription& desc, std::FILE* pStream) {
   std::fprintf(pStream, "\t\tLabel=%d, Flags=0x%X, ", Signed(desc.mChannelLabel),
                desc.mChannelFlags);
-  std::fprintf(pStream, "[az=%f,el=%f,dist=%f]\n", Float64{desc.mCoordinates[0]},
-               Float64{desc.mCoordinates[1]}, Float64{desc.mCoordinates[2]});
+  std::fprintf(pStream, "[az=%f,el=%f,dist=%f]\n", static_cast<Float64>(desc.mCoordinates[0]),
+               static_cast<Float64>(desc.mCoordinates[1]),
+               static_cast<Float64>(desc.mCoordinates[2]));
 }
 
 void PrintDescriptions(const AudioChannelLayout& layout, std::FILE* pStream) {

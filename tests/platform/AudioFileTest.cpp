@@ -6,12 +6,9 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <filesystem>
 
-#include "CAAudioChannelLayout.h"
 #include "InChild.h"
-#include "Printed.h"
 #include "SoundFiles.h"
 #include "TempFolder.h"
 #include "TestSounds.h"
@@ -403,37 +400,6 @@ TEST_F(AudioFileTest, ALayoutIsThereOnlyForFilesThatCarryOne) {
   EXPECT_EQ(kAudioFileUnsupportedPropertyError,
             AudioFileGetProperty(plain, kAudioFilePropertyChannelLayout, &cbRoom, layout.data()));
   EXPECT_EQ(noErr, AudioFileClose(plain));
-}
-
-TEST_F(AudioFileTest, SpeakerPositionsOfAnExtensibleFile_BecomeChannelLabels) {
-  SF_INFO info{};
-  info.format = SF_FORMAT_WAVEX | SF_FORMAT_PCM_16;
-  info.samplerate = 16000;
-  info.channels = 3;
-  SNDFILE* pSound = sf_open(m_folder.Path("x.wav").c_str(), SFM_WRITE, &info);
-  std::array<int, 3> speakers = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT, SF_CHANNEL_MAP_LFE};
-  ASSERT_EQ(SF_TRUE,
-            sf_command(pSound, SFC_SET_CHANNEL_MAP_INFO, speakers.data(), sizeof speakers));
-  const std::array<short, 3> frame = {1, 2, 3};
-  sf_writef_short(pSound, frame.data(), 1);
-  sf_close(pSound);
-
-  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("x.wav"));
-  UInt32 cbLayout = 0;
-  EXPECT_EQ(noErr, AudioFileGetPropertyInfo(audioFile, kAudioFilePropertyChannelLayout, &cbLayout,
-                                            nullptr));
-  ASSERT_EQ(12U + 3 * 20, cbLayout);
-  std::vector<UInt8> bytes(cbLayout);
-  EXPECT_EQ(noErr, AudioFileGetProperty(audioFile, kAudioFilePropertyChannelLayout, &cbLayout,
-                                        bytes.data()));
-  const auto layout = CAAudioChannelLayout::FromBytes(bytes.data(), cbLayout);
-  EXPECT_EQ(
-      "\tTag=0x0, Num Chan Descs=3\n"
-      "\t\tLabel=1, Flags=0x0, [az=0.000000,el=0.000000,dist=0.000000]\n"
-      "\t\tLabel=2, Flags=0x0, [az=0.000000,el=0.000000,dist=0.000000]\n"
-      "\t\tLabel=4, Flags=0x0, [az=0.000000,el=0.000000,dist=0.000000]\n",
-      Printed([&](std::FILE* p) { layout.Print(p); }));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
 }
 
 TEST_F(AudioFileTest, BadArguments_AreRefused) {
