@@ -49,4 +49,5 @@ class CAAudioChannelLayout {
 //   by bitmap     "\tTag=0x10000, Using Bitmap:0x3\n"
 //   for the rest  "\tTag=0x0, Num Chan Descs=1\n" and for each description
 //                 "\t\tLabel=1, Flags=0x0, [az=0.000000,el=0.000000,dist=0.000000]\n"
+// The decimal points are those of the process's locale.
 void PrintChannelLayout(const AudioChannelLayout* pLayout, std::FILE* pStream);

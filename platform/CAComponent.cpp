@@ -53,7 +53,6 @@ S_ComponentNames CAComponent::Names() const {
 }
 
 void CAComponent::Print(std::FILE* pStream) const {
-  // The address as a plain one: what it points to is the toolbox's own.
   std::fprintf(pStream, "CAComponent: %p", static_cast<const void*>(m_component));
   const S_ComponentNames names = Names();
   if (!names.strManufacturer.empty()) {

@@ -115,9 +115,10 @@ TEST_F(ComponentText, AUnit_PrintsTheDescriptionOfItsComponent) {
       Printed([&](std::FILE* p) { wrapper.Print(p); }));
 }
 
-TEST_F(ComponentText, AnEmptyUnit_AsksTheToolboxNothing) {
+TEST_F(ComponentText, NoUnitAndNoComponent_AskTheToolboxNothing) {
   EXPECT_EQ("AudioUnit:" + Address(nullptr) + "\n",
             Printed([](std::FILE* p) { CAAudioUnit().Print(p); }));
+  EXPECT_FALSE(CAComponent(AudioComponent{nullptr}).IsValid());
   EXPECT_EQ(std::vector<std::string>{}, m_toolbox.Log());
 }
 
