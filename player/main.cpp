@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "RunModes.h"
+#include "StandardStreams.h"
 
 namespace {
 
@@ -66,6 +67,7 @@ int RunMode(VoxplayLoader& loader, const char* pszFileName, const char* pszPlayT
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  FillStandardStreams();
   if (argc != 3) {
     PrintUsage();
     return kExitFailed;

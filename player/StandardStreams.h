@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// Opens the null device in place of a standard input, output or error that the caller of the
+// program has closed. Otherwise the next file or the audio service's socket would take its number,
+// and everything printed would go there. Before anything else is opened.
+void FillStandardStreams();
