@@ -10,8 +10,8 @@
 
 namespace toolbox {
 
-// Takes the place of a device where there is none: renders in slices of 10 ms as time passes, and
-// plays nothing.
+// Takes the place of a device where there is none: renders in slices of 10 ms as time passes,
+// several at once when they are overdue, and plays nothing.
 class C_NullDevice final : public I_OutputDevice {
  public:
   C_NullDevice(const S_OutputFormat& format, I_DeviceClient& client);
@@ -26,11 +26,11 @@ class C_NullDevice final : public I_OutputDevice {
 
  private:
   void Run();
-  void RenderSlice(UInt32 dwFrames);
+  void Render(UInt32 dwFrames);
 
   const S_OutputFormat m_format;
   I_DeviceClient& m_client;
-  std::vector<UInt8> m_slice;
+  std::vector<UInt8> m_slices;
   std::atomic<bool> m_bStop{false};
   std::mutex m_lock;
   std::thread m_thread;
