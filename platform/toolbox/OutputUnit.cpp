@@ -178,11 +178,17 @@ void C_OutputUnit::RenderFrames(void* pFrames, UInt32 dwFrames) {
   const std::size_t cbFrame =
       std::size_t{m_format.mBitsPerChannel} / 8 * m_format.mChannelsPerFrame;
   while (dwFrames > 0) {
-    const UInt32 dwSlice = std::min(dwFrames, kMaxSliceFrames);
+    const UInt32 dwSlice = std::min(dwFrames, MaxSliceFrames());
     RenderSlice(pbyFrames, dwSlice);
     pbyFrames += dwSlice * cbFrame;
     dwFrames -= dwSlice;
   }
+}
+
+// A callback may take as long for a few frames as for many; it gets them in one call wherever no
+// unit and no plane limits it.
+UInt32 C_OutputUnit::MaxSliceFrames() const noexcept {
+  return m_pSource == nullptr && !IsPlanar() ? kMaxCallbackFrames : kMaxSliceFrames;
 }
 
 void C_OutputUnit::RenderSlice(UInt8* pbyFrames, UInt32 dwFrames) {

@@ -13,8 +13,12 @@
 
 namespace toolbox {
 
-// The default output. Takes its frames from a render callback or from a connected unit, in cycles
-// of at most kMaxSliceFrames frames. Formats: signed 16-bit or float, packed, native byte order,
+// The most frames that a render callback of interleaved frames is asked for at once.
+inline constexpr UInt32 kMaxCallbackFrames = 4096;
+
+// The default output. Takes its frames from a render callback, in cycles of at most
+// kMaxCallbackFrames frames, or from a connected unit, in cycles of at most kMaxSliceFrames; planar
+// frames always in the latter. Formats: signed 16-bit or float, packed, native byte order,
 // one or two channels. A channel layout is accepted and changes nothing: the first two channels
 // sound.
 class C_OutputUnit final : public C_Unit, private I_RenderSource {
@@ -45,6 +49,7 @@ class C_OutputUnit final : public C_Unit, private I_RenderSource {
  private:
   void RenderFrames(void* pFrames, UInt32 dwFrames) override;
   void RenderSlice(UInt8* pbyFrames, UInt32 dwFrames);
+  [[nodiscard]] UInt32 MaxSliceFrames() const noexcept;
   void NotifyAll(AudioUnitRenderActionFlags dwFlags, const AudioTimeStamp& stamp, UInt32 dwFrames);
   OSStatus Pull(const AudioTimeStamp& stamp, UInt32 dwFrames, AudioBufferList& buffers);
   AudioBufferList& PointBuffersAt(UInt8* pbyFrames, UInt32 dwFrames);

@@ -76,15 +76,18 @@ TEST_F(OutputUnitTest, InitialisingOpensTheDevice_UninitialisingClosesIt) {
   EXPECT_EQ(1, m_devices.Log().nClosed);
 }
 
-TEST_F(OutputUnitTest, TheCallback_GetsZeroedBuffersOfAtMost512Frames) {
+TEST_F(OutputUnitTest, TheCallback_GetsZeroedBuffersOfWholeRequests_UpTo4096Frames) {
   Prepare();
-  m_source.samples = SweepWithNoise(1000, 16000);
+  m_source.samples = SweepWithNoise(5000, 16000);
   EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit));
   auto want = m_source.samples;
-  want.resize(1200);
-  EXPECT_EQ(want, m_devices.Ask<std::int16_t>(1200));
-  EXPECT_EQ((std::vector<UInt32>{512, 512, 176}), m_source.asked);
-  EXPECT_EQ((std::vector<double>{0, 512, 1024}), m_source.times);
+  want.resize(6200);
+  auto got = m_devices.Ask<std::int16_t>(1200);
+  const auto rest = m_devices.Ask<std::int16_t>(5000);
+  got.insert(got.end(), rest.begin(), rest.end());
+  EXPECT_EQ(want, got);
+  EXPECT_EQ((std::vector<UInt32>{1200, 4096, 904}), m_source.asked);
+  EXPECT_EQ((std::vector<double>{0, 1200, 5296}), m_source.times);
   EXPECT_TRUE(m_source.bFirstWasZero);
 }
 
