@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "StdioFile.h"
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <limits>
@@ -8,9 +9,20 @@
 #include "VCM.h"
 
 namespace vcm {
+namespace {
+
+// A pipe holds whoever opens it until somebody writes, a terminal whoever reads it until somebody
+// types, and no sound can be had from either: it is read from several places.
+bool CanBeRead(const char* pszPath) {
+  struct stat info {};
+  return stat(pszPath, &info) != 0 || S_ISREG(info.st_mode) || S_ISDIR(info.st_mode);
+}
+
+}  // namespace
 
 C_FilePtr OpenFile(const char* pszPath, const char* pszMode) {
-  return C_FilePtr(pszPath == nullptr ? nullptr : VCM_tfopen(pszPath, pszMode));
+  if (pszPath == nullptr || (*pszMode == 'r' && !CanBeRead(pszPath))) return {};
+  return C_FilePtr(VCM_tfopen(pszPath, pszMode));
 }
 
 bool CloseChecked(C_FilePtr file) noexcept {

@@ -20,7 +20,8 @@ struct S_FileCloser {
 // CloseChecked.
 using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 
-// VCM_tfopen with an owner. Empty on failure, and for a null path.
+// VCM_tfopen with an owner. Empty on failure, for a null path, and when reading is asked for of a
+// pipe or a device, which is never waited for.
 [[nodiscard]] C_FilePtr OpenFile(const char* pszPath, const char* pszMode);
 
 // Closes and reports: a disk that filled up may show only here.

@@ -3,6 +3,7 @@
 // VoxplaySampleCode <FileName> <PlayType>: plays one file, or tells its length.
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -72,6 +73,9 @@ int main(int argc, char* argv[]) {
     PrintUsage();
     return kExitFailed;
   }
+  // Where the size of files is limited, writing beyond fails then, as it does on a full disk, and
+  // what was begun is removed; the signal would end the program and leave it.
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   VoxplayLoader loader;
   int nExitCode = 0;
   try {

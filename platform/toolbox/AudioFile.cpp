@@ -1,12 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AudioFile.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "ChannelMap.h"
 
 namespace toolbox {
+namespace {
+
+constexpr SInt64 kCountPiece = 4096;
+// Frames that are counted at most, 18 hours of speech: a few bytes can hold very much silence.
+constexpr SInt64 kMostCounted = SInt64{1} << 30;
+
+}  // namespace
 
 OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>& pFile) {
   pFile.reset();
@@ -18,7 +27,8 @@ OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>
 }
 
 OSStatus C_AudioFile::OpenContent() {
-  return C_MpegSound::IsAtStartOf(m_descriptor) ? OpenMpeg() : OpenSound();
+  // An MPEG stream has no beginning of its own: it is looked for in what is nothing else.
+  return IsKnownSound(m_descriptor) ? OpenSound() : OpenMpeg();
 }
 
 OSStatus C_AudioFile::OpenMpeg() {
@@ -29,16 +39,49 @@ OSStatus C_AudioFile::OpenMpeg() {
 }
 
 OSStatus C_AudioFile::OpenSound() {
-  m_pSound.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
-  if (m_pSound == nullptr) return kAudioFileUnsupportedFileTypeError;
+  if (!OpenDecoder()) return kAudioFileUnsupportedFileTypeError;
   if (m_info.channels <= 0 || m_info.samplerate <= 0 || m_info.frames < 0) {
     return kAudioFileInvalidFileError;
+  }
+  if (ClaimsItsFrames(m_info)) {
+    const SInt64 nFrames = HasItsLastFrame() ? m_info.frames : CountFrames();
+    if (!OpenDecoder()) return kAudioFileInvalidFileError;
+    m_info.frames = nFrames;
   }
   const auto format = DescribeAudioFile(m_pSound.get(), m_info, m_descriptor);
   if (!format) return kAudioFileInvalidFileError;
   m_format = *format;
   m_layout = ReadChannelLayout(m_pSound.get(), m_info.channels);
   return noErr;
+}
+
+// Begins anew with the file's first byte.
+bool C_AudioFile::OpenDecoder() {
+  m_info = {};
+  if (lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) return false;
+  m_pSound.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
+  return m_pSound != nullptr;
+}
+
+// A file that was cut, or that lies, claims frames that nobody will ever hear, and whoever waits
+// for its end would wait for them.
+bool C_AudioFile::HasItsLastFrame() {
+  if (m_info.frames == 0) return true;
+  std::vector<float> frame(static_cast<std::size_t>(m_info.channels));
+  return sf_seek(m_pSound.get(), m_info.frames - 1, SEEK_SET) == m_info.frames - 1 &&
+         sf_readf_float(m_pSound.get(), frame.data(), 1) == 1;
+}
+
+SInt64 C_AudioFile::CountFrames() {
+  if (!OpenDecoder()) return 0;
+  std::vector<float> piece(static_cast<std::size_t>(kCountPiece * m_info.channels));
+  SInt64 nFrames = 0;
+  while (nFrames < kMostCounted) {
+    const sf_count_t nRead = sf_readf_float(m_pSound.get(), piece.data(), kCountPiece);
+    if (nRead <= 0) break;
+    nFrames += nRead;
+  }
+  return nFrames;
 }
 
 std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples) {

@@ -38,6 +38,9 @@ class C_AudioFile {
   OSStatus OpenContent();
   OSStatus OpenMpeg();
   OSStatus OpenSound();
+  bool OpenDecoder();
+  [[nodiscard]] bool HasItsLastFrame();
+  [[nodiscard]] SInt64 CountFrames();
 
   struct S_Closer {
     void operator()(SNDFILE* pSound) const noexcept { sf_close(pSound); }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AudioFileFormat.h"
 
+#include <algorithm>
+#include <array>
+
 #include "WavBlocks.h"
 
 namespace toolbox {
@@ -87,15 +90,36 @@ bool IsWav(const SF_INFO& info) {
   return nType == SF_FORMAT_WAV || nType == SF_FORMAT_WAVEX;
 }
 
+bool IsFlac(const SF_INFO& info) { return (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC; }
+
+// Empty when the samples do not lie in the file as they are.
+std::optional<S_SampleFormat> StoredSamplesOf(const SF_INFO& info) {
+  return IsFlac(info) ? std::nullopt : SampleFormatOf(info.format & SF_FORMAT_SUBMASK);
+}
+
 S_AudioFileFormat DescribeDecodedFrames(const SF_INFO& info) {
-  const bool bFlac = (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC;
-  S_AudioFileFormat format{StreamOf(info, bFlac ? AudioFormatID{kAudioFormatFLAC} : 0),
+  S_AudioFileFormat format{StreamOf(info, IsFlac(info) ? AudioFormatID{kAudioFormatFLAC} : 0),
                            static_cast<UInt64>(info.frames)};
   format.desc.mFramesPerPacket = 1;
   return format;
 }
 
 }  // namespace
+
+bool IsKnownSound(const C_FileDescriptor& file) {
+  constexpr std::array<UInt32, 10> kBeginnings = {
+      FourChars("RIFF"), FourChars("RIFX"), FourChars("RF64"), FourChars("riff"),
+      FourChars("FORM"), FourChars(".snd"), FourChars("dns."), FourChars("caff"),
+      FourChars("fLaC"), FourChars("OggS")};
+  std::array<UInt8, 4> head{};
+  if (file.ReadAt(C_MpegSound::TagBytes(file), head.data(), head.size()) != head.size())
+    return false;
+  const UInt32 dwHead =
+      UInt32{head[0]} << 24 | UInt32{head[1]} << 16 | UInt32{head[2]} << 8 | head[3];
+  return std::find(kBeginnings.begin(), kBeginnings.end(), dwHead) != kBeginnings.end();
+}
+
+bool ClaimsItsFrames(const SF_INFO& info) { return !StoredSamplesOf(info) && !IsWav(info); }
 
 S_AudioFileFormat DescribeMpeg(const C_MpegSound& sound) {
   S_AudioFileFormat format;
@@ -109,8 +133,7 @@ S_AudioFileFormat DescribeMpeg(const C_MpegSound& sound) {
 
 std::optional<S_AudioFileFormat> DescribeAudioFile(SNDFILE* pSound, const SF_INFO& info,
                                                    const C_FileDescriptor& file) {
-  const int nSubtype = info.format & SF_FORMAT_SUBMASK;
-  if (const auto sample = SampleFormatOf(nSubtype)) return DescribeSamples(pSound, info, *sample);
+  if (const auto sample = StoredSamplesOf(info)) return DescribeSamples(pSound, info, *sample);
   if (IsWav(info)) {
     const auto blocks = ReadWavBlocks(file);
     if (!blocks) return std::nullopt;

@@ -16,6 +16,15 @@ struct S_AudioFileFormat {
   UInt64 qwPackets = 0;
 };
 
+// Whether the file, behind ID3 tags, begins like one of the kinds that the audio file service
+// opens: RIFF and its 64-bit forms, AIFF, AU, CAF, FLAC, Ogg. The file library knows more, and
+// tells standard output about damage in some of them.
+[[nodiscard]] bool IsKnownSound(const C_FileDescriptor& file);
+
+// True when the frames of an opened file are what it claims, false when they are counted from the
+// bytes that it holds.
+[[nodiscard]] bool ClaimsItsFrames(const SF_INFO& info);
+
 // Packets are MPEG frames.
 [[nodiscard]] S_AudioFileFormat DescribeMpeg(const C_MpegSound& sound);
 

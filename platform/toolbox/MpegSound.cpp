@@ -10,6 +10,12 @@ namespace toolbox {
 namespace {
 
 constexpr std::size_t kTagHeaderBytes = 10;
+// How much that is no frame is passed over: padding, tags of other makers, the rest of a frame that
+// was cut.
+constexpr long kMostJunkBytes = 65536;
+// Frames that must follow each other without a gap where a stream does not begin with the file:
+// programs and pictures hold bytes that look like one or two.
+constexpr int kProvingFrames = 10;
 
 // Bytes of the ID3 tag at a position, 0 when there is none. Its size has seven bits to the byte.
 UInt64 TagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
@@ -28,16 +34,22 @@ bool IsFrameHeader(const std::array<UInt8, 4>& head) {
          (head[2] & 0x0CU) != 0x0CU;
 }
 
+bool BeginsWithAFrame(const C_FileDescriptor& file) {
+  std::array<UInt8, 4> head{};
+  return file.ReadAt(C_MpegSound::TagBytes(file), head.data(), head.size()) == head.size() &&
+         IsFrameHeader(head);
+}
+
 }  // namespace
 
-bool C_MpegSound::IsAtStartOf(const C_FileDescriptor& file) {
+UInt64 C_MpegSound::TagBytes(const C_FileDescriptor& file) {
   UInt64 qwAt = 0;
   while (const UInt64 qwTag = TagBytesAt(file, qwAt)) qwAt += qwTag;
-  std::array<UInt8, 4> head{};
-  return file.ReadAt(qwAt, head.data(), head.size()) == head.size() && IsFrameHeader(head);
+  return qwAt;
 }
 
 std::unique_ptr<C_MpegSound> C_MpegSound::Open(const C_FileDescriptor& file) {
+  if (!BeginsWithAFrame(file) && !C_MpegSound(file).FindsProof()) return nullptr;
   std::unique_ptr<C_MpegSound> pSound(new C_MpegSound(file));
   const bool bOpen = pSound->OpenStream() && pSound->FixFormat() && pSound->Scan();
   if (!bOpen) pSound.reset();
@@ -53,6 +65,7 @@ bool C_MpegSound::OpenStream() {
   mpg123_handle* pMpeg = m_pMpeg.get();
   return pMpeg != nullptr && mpg123_param(pMpeg, MPG123_ADD_FLAGS, kFlags, 0) == MPG123_OK &&
          mpg123_param(pMpeg, MPG123_REMOVE_FLAGS, MPG123_AUTO_RESAMPLE, 0) == MPG123_OK &&
+         mpg123_param(pMpeg, MPG123_RESYNC_LIMIT, kMostJunkBytes, 0) == MPG123_OK &&
          mpg123_replace_reader_handle(pMpeg, &ReadBytes, &SeekBytes, nullptr) == MPG123_OK &&
          mpg123_open_handle(pMpeg, this) == MPG123_OK;
 }
@@ -69,6 +82,21 @@ bool C_MpegSound::FixFormat() {
   m_dwChannels = static_cast<UInt32>(nChannels);
   return nEncoding == MPG123_ENC_FLOAT_32 && mpg123_format_none(m_pMpeg.get()) == MPG123_OK &&
          mpg123_format(m_pMpeg.get(), nRate, nChannels, nEncoding) == MPG123_OK;
+}
+
+// Moves the position; what has proved the stream is not played.
+bool C_MpegSound::FindsProof() {
+  if (!OpenStream() || !FixFormat()) return false;
+  off_t nNext = -1;
+  for (int i = 0; i < kProvingFrames; ++i) {
+    mpg123_frameinfo info{};
+    const bool bFrame = mpg123_framebyframe_next(m_pMpeg.get()) == MPG123_OK &&
+                        mpg123_info(m_pMpeg.get(), &info) == MPG123_OK;
+    const off_t nAt = mpg123_framepos(m_pMpeg.get());
+    if (!bFrame || (nNext >= 0 && nAt != nNext)) return false;
+    nNext = nAt + info.framesize;
+  }
+  return true;
 }
 
 bool C_MpegSound::Scan() {

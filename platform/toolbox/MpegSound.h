@@ -13,9 +13,10 @@ namespace toolbox {
 // about every damage in them; this says nothing.
 class C_MpegSound {
  public:
-  // Whether an MPEG frame header begins the file, or follows its ID3 tags.
-  [[nodiscard]] static bool IsAtStartOf(const C_FileDescriptor& file);
-  // Scans the whole stream. Null when it holds no frame. The file outlives the sound.
+  // Bytes of the ID3 tags that begin a file of any kind.
+  [[nodiscard]] static UInt64 TagBytes(const C_FileDescriptor& file);
+  // Scans the whole stream. Null when no frame begins the file or follows its ID3 tags, and no run
+  // of frames is found near there. The file outlives the sound.
   [[nodiscard]] static std::unique_ptr<C_MpegSound> Open(const C_FileDescriptor& file);
   C_MpegSound(const C_MpegSound&) = delete;
   C_MpegSound& operator=(const C_MpegSound&) = delete;
@@ -43,6 +44,7 @@ class C_MpegSound {
   explicit C_MpegSound(const C_FileDescriptor& file);
   bool OpenStream();
   bool FixFormat();
+  bool FindsProof();
   bool Scan();
   static mpg123_ssize_t ReadBytes(void* pThis, void* pBuffer, std::size_t cbWanted);
   static off_t SeekBytes(void* pThis, off_t nOffset, int nWhence);

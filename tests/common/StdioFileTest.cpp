@@ -2,6 +2,7 @@
 #include "StdioFile.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <limits>
@@ -16,6 +17,16 @@ using Bytes = std::vector<std::uint8_t>;
 TEST(StdioFile, OpenFile_OfAMissingName_IsEmpty) {
   const C_TempFolder folder;
   EXPECT_FALSE(vcm::OpenFile(folder.Path("missing").c_str(), "rb"));
+}
+
+TEST(StdioFile, OpenFile_ToReadAPipeOrADevice_IsEmptyAtOnce) {
+  const C_TempFolder folder;
+  ASSERT_EQ(0, mkfifo(folder.Path("pipe").c_str(), 0600));
+  for (const char* pszMode : {"rb", "r+b"}) {
+    EXPECT_FALSE(vcm::OpenFile(folder.Path("pipe").c_str(), pszMode));
+    EXPECT_FALSE(vcm::OpenFile("/dev/zero", pszMode));
+  }
+  EXPECT_TRUE(vcm::OpenFile("/dev/null", "wb"));
 }
 
 TEST(StdioFile, WrittenBytes_ReadBack) {

@@ -15,15 +15,6 @@
 
 namespace {
 
-AudioStreamBasicDescription FormatOf(AudioFileID audioFile) {
-  AudioStreamBasicDescription format{};
-  UInt32 cbFormat = sizeof format;
-  EXPECT_EQ(noErr,
-            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format));
-  EXPECT_EQ(40U, cbFormat);
-  return format;
-}
-
 struct S_FormatCase {
   const char* pszName;
   int nFormat;
@@ -71,14 +62,6 @@ INSTANTIATE_TEST_SUITE_P(
         S_FormatCase{"Aiff8", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, kPcm, 12, 8},
         S_FormatCase{"Aiff16IsBigEndian", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, kPcm, 14, 16}),
     [](const auto& tested) { return tested.param.pszName; });
-
-OSStatus StatusOfOpening(const std::string& strPath) {
-  OSStatus nStatus = noErr;
-  const AudioFileID audioFile = OpenSoundFile(strPath, &nStatus);
-  EXPECT_EQ(nStatus == noErr, audioFile != nullptr);
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
-  return nStatus;
-}
 
 class AudioFileTest : public testing::Test {
  protected:
@@ -135,105 +118,6 @@ TEST_F(AudioFileTest, AnAdpcmFileThatIsCutShort_HasTheWholeBlocksThatAreThere) {
   const AudioFileID audioFile = OpenSoundFile(m_folder.Write("cut.wav", bytes));
   ASSERT_NE(nullptr, audioFile);
   EXPECT_EQ(5U, PacketCount(audioFile));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
-}
-
-// MPEG frames by their headers, the information frame of the encoder left out. Layer 3 only.
-UInt64 CountMpegFrames(const std::vector<std::uint8_t>& bytes) {
-  constexpr std::array kVersion1Rates = {0,   32,  40,  48,  56,  64,  80, 96,
-                                         112, 128, 160, 192, 224, 256, 320};
-  constexpr std::array kVersion2Rates = {0,  8,  16, 24,  32,  40,  48, 56,
-                                         64, 80, 96, 112, 128, 144, 160};
-  constexpr std::array kSampleRates = {44100, 48000, 32000};
-  UInt64 qwFrames = 0;
-  for (std::size_t cbAt = 0; cbAt + 4 <= bytes.size();) {
-    if (bytes[cbAt] != 0xFF || (bytes[cbAt + 1] & 0xE6) != 0xE2) {
-      ++cbAt;
-      continue;
-    }
-    const bool bVersion1 = (bytes[cbAt + 1] & 0x18) == 0x18;
-    const auto nRateIndex = static_cast<std::size_t>(bytes[cbAt + 2] >> 4);
-    const int nKilobits = bVersion1 ? kVersion1Rates.at(nRateIndex) : kVersion2Rates.at(nRateIndex);
-    const int nRate = kSampleRates.at((bytes[cbAt + 2] >> 2) & 3) / (bVersion1 ? 1 : 2);
-    const int cbFrame =
-        (bVersion1 ? 144 : 72) * nKilobits * 1000 / nRate + (bytes[cbAt + 2] >> 1 & 1);
-    const std::string frame(
-        bytes.begin() + static_cast<std::ptrdiff_t>(cbAt),
-        bytes.begin() + static_cast<std::ptrdiff_t>(
-                            std::min(bytes.size(), cbAt + static_cast<std::size_t>(cbFrame))));
-    if (frame.find("Xing") == std::string::npos && frame.find("Info") == std::string::npos) {
-      ++qwFrames;
-    }
-    cbAt += static_cast<std::size_t>(cbFrame);
-  }
-  return qwFrames;
-}
-
-TEST_F(AudioFileTest, AnMp3File_HasItsMpegFramesAsPackets) {
-  struct S_Case {
-    int nRate;
-    int nChannels;
-    UInt32 dwSamplesPerFrame;
-  };
-  for (const S_Case& mp3 : {S_Case{16000, 1, 576}, S_Case{44100, 2, 1152}}) {
-    const auto nFrames = static_cast<std::size_t>(mp3.nRate) * 2;
-    WriteSoundFile(m_folder.Path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, mp3.nRate,
-                   mp3.nChannels,
-                   SweepWithNoise(nFrames, static_cast<unsigned>(mp3.nRate),
-                                  static_cast<unsigned>(mp3.nChannels)));
-    const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.mp3"));
-    ASSERT_NE(nullptr, audioFile);
-    EXPECT_EQ(CountMpegFrames(m_folder.Read("a.mp3")), PacketCount(audioFile));
-    const auto format = FormatOf(audioFile);
-    EXPECT_EQ(static_cast<double>(mp3.nRate), format.mSampleRate);
-    EXPECT_EQ(OSType{kAudioFormatMPEGLayer3}, format.mFormatID);
-    EXPECT_EQ(mp3.dwSamplesPerFrame, format.mFramesPerPacket);
-    EXPECT_EQ(static_cast<UInt32>(mp3.nChannels), format.mChannelsPerFrame);
-    EXPECT_EQ(noErr, AudioFileClose(audioFile));
-  }
-}
-
-TEST_F(AudioFileTest, AnMp3FileBehindTags_IsOne_AndTagsAloneAreNone) {
-  WriteSoundFile(m_folder.Path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 16000, 1,
-                 SweepWithNoise(8000, 16000));
-  const auto mp3 = m_folder.Read("a.mp3");
-  // Two tags: 10 bytes of header and 130 or 0 of content.
-  std::vector<std::uint8_t> tags = {'I', 'D', '3', 4, 0, 0, 0, 0, 1, 2};
-  tags.resize(140);
-  const std::vector<std::uint8_t> second = {'I', 'D', '3', 4, 0, 0, 0, 0, 0, 0};
-  tags.insert(tags.end(), second.begin(), second.end());
-  auto tagged = tags;
-  tagged.insert(tagged.end(), mp3.begin(), mp3.end());
-  const AudioFileID audioFile = OpenSoundFile(m_folder.Write("tagged.mp3", tagged));
-  ASSERT_NE(nullptr, audioFile);
-  EXPECT_EQ(CountMpegFrames(mp3), PacketCount(audioFile));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("t.mp3", tags)));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
-            StatusOfOpening(m_folder.Write("h.mp3", {mp3.begin(), mp3.begin() + 4})));
-}
-
-// Decoders like to comment on damage; users of a pipeline take that for an error.
-TEST_F(AudioFileTest, DamagedMp3Files_AreOpenedWithoutAWordOnStandardError) {
-  WriteSoundFile(m_folder.Path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 16000, 1,
-                 SweepWithNoise(16000, 16000));
-  const auto good = m_folder.Read("a.mp3");
-  auto cut = good;
-  cut.resize(good.size() * 2 / 3);
-  auto broken = good;
-  std::fill_n(broken.begin() + static_cast<std::ptrdiff_t>(good.size() / 2), 100, std::uint8_t{0});
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("cut.mp3", cut)));
-  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("broken.mp3", broken)));
-  EXPECT_EQ("", testing::internal::GetCapturedStderr());
-}
-
-TEST_F(AudioFileTest, AFlacFile_HasItsFramesAsPackets) {
-  WriteSoundFile(m_folder.Path("a.flac"), SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 16000, 1,
-                 SweepWithNoise(777, 16000));
-  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.flac"));
-  ASSERT_NE(nullptr, audioFile);
-  EXPECT_EQ(777U, PacketCount(audioFile));
   EXPECT_EQ(noErr, AudioFileClose(audioFile));
 }
 

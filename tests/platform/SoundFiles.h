@@ -44,3 +44,20 @@ inline UInt64 PacketCount(AudioFileID audioFile) {
                                         &cbPackets, &qwPackets));
   return qwPackets;
 }
+
+inline AudioStreamBasicDescription FormatOf(AudioFileID audioFile) {
+  AudioStreamBasicDescription format{};
+  UInt32 cbFormat = sizeof format;
+  EXPECT_EQ(noErr,
+            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format));
+  EXPECT_EQ(40U, cbFormat);
+  return format;
+}
+
+inline OSStatus StatusOfOpening(const std::string& strPath) {
+  OSStatus nStatus = noErr;
+  const AudioFileID audioFile = OpenSoundFile(strPath, &nStatus);
+  EXPECT_EQ(nStatus == noErr, audioFile != nullptr);
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  return nStatus;
+}

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Sound files that claim more than they hold: what is counted is what can be heard, since whoever
+// plays a file waits for as long as the count says.
+#include <algorithm>
+
+#include "SoundFiles.h"
+#include "TempFolder.h"
+#include "TestSounds.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+constexpr int kFlac = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
+// The 36 bits of the sample count end here.
+constexpr std::size_t kFlacCountEnd = 26;
+
+class ClaimedFramesTest : public testing::Test {
+ protected:
+  Bytes Sound(int nFormat, std::size_t nFrames) {
+    WriteSoundFile(m_folder.Path("good"), nFormat, 16000, 1, SweepWithNoise(nFrames, 16000));
+    return m_folder.Read("good");
+  }
+  // The packets of a file of these bytes; 999999999 when it does not open.
+  UInt64 PacketsOf(const Bytes& bytes) {
+    const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x", bytes));
+    const UInt64 qwPackets = audioFile != nullptr ? PacketCount(audioFile) : 999999999;
+    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    return qwPackets;
+  }
+  C_TempFolder m_folder;
+};
+
+Bytes FlacThatClaims(Bytes flac, UInt64 qwFrames) {
+  for (std::size_t i = 1; i <= 4; ++i)
+    flac.at(kFlacCountEnd - i) = static_cast<std::uint8_t>(qwFrames >> (8 * (i - 1)));
+  auto& byHigh = flac.at(kFlacCountEnd - 5);
+  byHigh = static_cast<std::uint8_t>((byHigh & 0xF0U) | (qwFrames >> 32 & 0x0FU));
+  return flac;
+}
+
+TEST_F(ClaimedFramesTest, AFlacFile_HasItsFramesWhateverItClaims) {
+  const Bytes flac = Sound(kFlac, 5000);
+  EXPECT_EQ(5000U, PacketsOf(flac));
+  for (const UInt64 qwClaim : {UInt64{5001}, UInt64{50000}, UInt64{0x7FFFFFFF},
+                               UInt64{0x1'0000'1388}, UInt64{0xF'FFFF'FFFF}, UInt64{0}})
+    EXPECT_EQ(5000U, PacketsOf(FlacThatClaims(flac, qwClaim))) << qwClaim;
+}
+
+TEST_F(ClaimedFramesTest, AFlacFileThatIsCut_HasTheFramesThatAreThere) {
+  Bytes flac = Sound(kFlac, 20000);
+  flac.resize(flac.size() / 2);
+  const UInt64 qwThere = PacketsOf(flac);
+  // Whole blocks of 4096.
+  EXPECT_EQ(0U, qwThere % 4096);
+  EXPECT_GE(qwThere, 4096U);
+  EXPECT_LE(qwThere, 12288U);
+}
+
+TEST_F(ClaimedFramesTest, AFlacHeadWithoutFrames_HasNone) {
+  Bytes flac = FlacThatClaims(Sound(kFlac, 5000), 0xFFFFFFFF);
+  const Bytes sync = {0xFF, 0xF8};
+  flac.erase(std::search(flac.begin() + 42, flac.end(), sync.begin(), sync.end()), flac.end());
+  EXPECT_EQ(0U, PacketsOf(flac));
+}
+
+TEST_F(ClaimedFramesTest, AFlacFileBehindATag_IsOne) {
+  Bytes tagged = {'I', 'D', '3', 3, 0, 0, 0, 0, 0, 5, 1, 2, 3, 4, 5};
+  const Bytes flac = Sound(kFlac, 777);
+  tagged.insert(tagged.end(), flac.begin(), flac.end());
+  EXPECT_EQ(777U, PacketsOf(tagged));
+}
+
+TEST_F(ClaimedFramesTest, FlacPackets_AreNotHandedOut) {
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x", Sound(kFlac, 777)));
+  EXPECT_EQ(OSType{kAudioFormatFLAC}, FormatOf(audioFile).mFormatID);
+  std::int16_t nSample = 0;
+  UInt32 cbData = sizeof nSample;
+  UInt32 dwPackets = 1;
+  EXPECT_EQ(kAudioFileOperationNotSupportedError,
+            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, &nSample));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+}
+
+TEST_F(ClaimedFramesTest, DifferenceCodedAiff_IsCountedToo) {
+  const Bytes aiff = Sound(SF_FORMAT_AIFF | SF_FORMAT_DWVW_16, 3000);
+  EXPECT_EQ(3000U, PacketsOf(aiff));
+  Bytes liar = aiff;
+  const std::string strComm = "COMM";
+  const auto itComm = std::search(liar.begin(), liar.end(), strComm.begin(), strComm.end());
+  ASSERT_NE(liar.end(), itComm);
+  std::fill_n(itComm + 10, 4, std::uint8_t{0x7F});
+  const UInt64 qwThere = PacketsOf(liar);
+  EXPECT_GE(qwThere, 3000U);
+  EXPECT_LE(qwThere, UInt64{8} * aiff.size()) << "no more than a bit each";
+}
+
+TEST_F(ClaimedFramesTest, WavFilesThatClaimGigabytes_HaveTheFramesThatAreThere) {
+  Bytes wav = Sound(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1000);
+  for (const std::size_t cbAt : {4U, 40U})
+    std::fill_n(wav.begin() + static_cast<std::ptrdiff_t>(cbAt), 4, std::uint8_t{0xFF});
+  EXPECT_EQ(1000U, PacketsOf(wav));
+  // Sizes of 64 bits: file, data and frames.
+  Bytes rf64 = Sound(SF_FORMAT_RF64 | SF_FORMAT_PCM_16, 1000);
+  ASSERT_EQ(1000U, PacketsOf(rf64));
+  const std::string strSizes = "ds64";
+  const auto itSizes = std::search(rf64.begin(), rf64.end(), strSizes.begin(), strSizes.end());
+  ASSERT_NE(rf64.end(), itSizes);
+  for (const int nField : {0, 8, 16}) *(itSizes + 8 + nField + 4) = 0x7F;
+  EXPECT_EQ(1000U, PacketsOf(rf64));
+}
+
+// The file library knows such kinds, and comments on their damage where the player's own lines go.
+TEST_F(ClaimedFramesTest, KindsThatNobodyPlays_AreUnsupportedWithoutAWord) {
+  testing::internal::CaptureStdout();
+  Bytes dump = Sound(SF_FORMAT_SDS | SF_FORMAT_PCM_16, 3000);
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("x", dump)));
+  std::fill_n(dump.begin() + 9, 4, std::uint8_t{0xFF});
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("x", dump)));
+  for (const int nType : {SF_FORMAT_PAF, SF_FORMAT_VOC, SF_FORMAT_NIST, SF_FORMAT_MAT5})
+    EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
+              StatusOfOpening(m_folder.Write("x", Sound(nType | SF_FORMAT_PCM_16, 100))));
+  EXPECT_EQ("", testing::internal::GetCapturedStdout());
+}
+
+}  // namespace

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// MPEG files as they are found: behind tags and junk, with information frames that lie, cut.
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "SoundFiles.h"
+#include "TempFolder.h"
+#include "TestSounds.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
+
+// MPEG frames by their headers, the information frame of the encoder left out. Layer 3 only.
+UInt64 CountMpegFrames(const std::vector<std::uint8_t>& bytes) {
+  constexpr std::array kVersion1Rates = {0,   32,  40,  48,  56,  64,  80, 96,
+                                         112, 128, 160, 192, 224, 256, 320};
+  constexpr std::array kVersion2Rates = {0,  8,  16, 24,  32,  40,  48, 56,
+                                         64, 80, 96, 112, 128, 144, 160};
+  constexpr std::array kSampleRates = {44100, 48000, 32000};
+  UInt64 qwFrames = 0;
+  for (std::size_t cbAt = 0; cbAt + 4 <= bytes.size();) {
+    if (bytes[cbAt] != 0xFF || (bytes[cbAt + 1] & 0xE6) != 0xE2) {
+      ++cbAt;
+      continue;
+    }
+    const bool bVersion1 = (bytes[cbAt + 1] & 0x18) == 0x18;
+    const auto nRateIndex = static_cast<std::size_t>(bytes[cbAt + 2] >> 4);
+    const int nKilobits = bVersion1 ? kVersion1Rates.at(nRateIndex) : kVersion2Rates.at(nRateIndex);
+    const int nRate = kSampleRates.at((bytes[cbAt + 2] >> 2) & 3) / (bVersion1 ? 1 : 2);
+    const int cbFrame =
+        (bVersion1 ? 144 : 72) * nKilobits * 1000 / nRate + (bytes[cbAt + 2] >> 1 & 1);
+    const std::string frame(
+        bytes.begin() + static_cast<std::ptrdiff_t>(cbAt),
+        bytes.begin() + static_cast<std::ptrdiff_t>(
+                            std::min(bytes.size(), cbAt + static_cast<std::size_t>(cbFrame))));
+    if (frame.find("Xing") == std::string::npos && frame.find("Info") == std::string::npos) {
+      ++qwFrames;
+    }
+    cbAt += static_cast<std::size_t>(cbFrame);
+  }
+  return qwFrames;
+}
+
+Bytes Joined(Bytes first, const Bytes& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
+// A tag of version 2.3 with a content of so many bytes.
+Bytes TagOf(const Bytes& content) {
+  Bytes tag = {'I', 'D', '3', 3, 0, 0};
+  for (int nShift = 21; nShift >= 0; nShift -= 7)
+    tag.push_back(static_cast<std::uint8_t>(content.size() >> nShift & 0x7F));
+  return Joined(tag, content);
+}
+
+class MpegFileTest : public testing::Test {
+ protected:
+  // A second of 16 kHz mono.
+  Bytes Mp3() {
+    WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 16000, 1, SweepWithNoise(16000, 16000));
+    return m_folder.Read("a.mp3");
+  }
+  // The packets of a file of these bytes; 0 when it does not open.
+  UInt64 PacketsOf(const Bytes& bytes) {
+    const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x.mp3", bytes));
+    const UInt64 qwPackets = audioFile != nullptr ? PacketCount(audioFile) : 0;
+    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    return qwPackets;
+  }
+  C_TempFolder m_folder;
+};
+
+TEST_F(MpegFileTest, AnMp3File_HasItsMpegFramesAsPackets) {
+  struct S_Case {
+    int nRate;
+    int nChannels;
+    UInt32 dwSamplesPerFrame;
+  };
+  for (const S_Case& mp3 : {S_Case{16000, 1, 576}, S_Case{44100, 2, 1152}}) {
+    const auto nFrames = static_cast<std::size_t>(mp3.nRate) * 2;
+    WriteSoundFile(m_folder.Path("a.mp3"), kMp3, mp3.nRate, mp3.nChannels,
+                   SweepWithNoise(nFrames, static_cast<unsigned>(mp3.nRate),
+                                  static_cast<unsigned>(mp3.nChannels)));
+    const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.mp3"));
+    ASSERT_NE(nullptr, audioFile);
+    EXPECT_EQ(CountMpegFrames(m_folder.Read("a.mp3")), PacketCount(audioFile));
+    const auto format = FormatOf(audioFile);
+    EXPECT_EQ(static_cast<double>(mp3.nRate), format.mSampleRate);
+    EXPECT_EQ(OSType{kAudioFormatMPEGLayer3}, format.mFormatID);
+    EXPECT_EQ(mp3.dwSamplesPerFrame, format.mFramesPerPacket);
+    EXPECT_EQ(static_cast<UInt32>(mp3.nChannels), format.mChannelsPerFrame);
+    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  }
+}
+
+TEST_F(MpegFileTest, AnMp3FileBehindTags_IsOne_AndTagsAloneAreNone) {
+  WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 16000, 1, SweepWithNoise(8000, 16000));
+  const auto mp3 = m_folder.Read("a.mp3");
+  // Two tags: 10 bytes of header and 130 or 0 of content.
+  std::vector<std::uint8_t> tags = {'I', 'D', '3', 4, 0, 0, 0, 0, 1, 2};
+  tags.resize(140);
+  const std::vector<std::uint8_t> second = {'I', 'D', '3', 4, 0, 0, 0, 0, 0, 0};
+  tags.insert(tags.end(), second.begin(), second.end());
+  auto tagged = tags;
+  tagged.insert(tagged.end(), mp3.begin(), mp3.end());
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Write("tagged.mp3", tagged));
+  ASSERT_NE(nullptr, audioFile);
+  EXPECT_EQ(CountMpegFrames(mp3), PacketCount(audioFile));
+  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("t.mp3", tags)));
+  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
+            StatusOfOpening(m_folder.Write("h.mp3", {mp3.begin(), mp3.begin() + 4})));
+}
+
+// Decoders like to comment on damage; users of a pipeline take that for an error.
+TEST_F(MpegFileTest, DamagedMp3Files_AreOpenedWithoutAWordOnStandardError) {
+  WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 16000, 1, SweepWithNoise(16000, 16000));
+  const auto good = m_folder.Read("a.mp3");
+  auto cut = good;
+  cut.resize(good.size() * 2 / 3);
+  auto broken = good;
+  std::fill_n(broken.begin() + static_cast<std::ptrdiff_t>(good.size() / 2), 100, std::uint8_t{0});
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("cut.mp3", cut)));
+  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("broken.mp3", broken)));
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(MpegFileTest, Pictures_AndTagsAtTheEnd_AreNoFrames) {
+  const Bytes mp3 = Mp3();
+  const UInt64 qwFrames = CountMpegFrames(mp3);
+  ASSERT_GT(qwFrames, 20U);
+  // A picture may hold whole MPEG frames.
+  const Bytes picture = Joined(Bytes(70000, 0x5A), mp3);
+  EXPECT_EQ(qwFrames, PacketsOf(Joined(TagOf(picture), mp3)));
+  Bytes trailer(128, 0);
+  std::copy_n("TAGtitle", 8, trailer.begin());
+  EXPECT_EQ(qwFrames, PacketsOf(Joined(mp3, trailer)));
+}
+
+TEST_F(MpegFileTest, VariableBitRate_CountsItsFrames_WhateverTheInformationFrameClaims) {
+  Bytes bytes = Mp3();
+  const UInt64 qwFrames = CountMpegFrames(bytes);
+  EXPECT_EQ(qwFrames, PacketsOf(bytes));
+  const std::string strXing = "Xing";
+  const auto itXing = std::search(bytes.begin(), bytes.end(), strXing.begin(), strXing.end());
+  ASSERT_NE(bytes.end(), itXing);
+  std::fill_n(itXing + 8, 4, std::uint8_t{0x7F});
+  EXPECT_EQ(qwFrames, PacketsOf(bytes));
+}
+
+TEST_F(MpegFileTest, JunkInFront_IsPassedOver) {
+  const Bytes mp3 = Mp3();
+  const UInt64 qwFrames = CountMpegFrames(mp3);
+  for (const std::size_t cbJunk : {1U, 500U, 5000U, 60000U}) {
+    EXPECT_EQ(qwFrames, PacketsOf(Joined(Bytes(cbJunk, 0), mp3))) << cbJunk;
+    EXPECT_EQ(qwFrames, PacketsOf(Joined(TagOf(Bytes(40)), Joined(Bytes(cbJunk, 'x'), mp3))));
+  }
+  EXPECT_EQ(0U, PacketsOf(Joined(Bytes(70000, 0), mp3))) << "nobody looks that far";
+}
+
+TEST_F(MpegFileTest, AStreamThatBeginsWithinAFrame_LosesThatFrameOnly) {
+  const Bytes mp3 = Mp3();
+  // The information frame is gone, and half of the next one.
+  const std::size_t cbFrame =
+      4 +
+      static_cast<std::size_t>(std::distance(
+          mp3.begin() + 4, std::search(mp3.begin() + 4, mp3.end(), mp3.begin(), mp3.begin() + 2)));
+  const Bytes cut(mp3.begin() + static_cast<std::ptrdiff_t>(cbFrame + cbFrame / 2), mp3.end());
+  EXPECT_EQ(CountMpegFrames(mp3) - 1, PacketsOf(cut));
+}
+
+TEST_F(MpegFileTest, AStreamThatIsCut_HasTheWholeFramesThatAreThere) {
+  Bytes mp3 = Mp3();
+  const UInt64 qwAll = CountMpegFrames(mp3);
+  mp3.resize(mp3.size() * 2 / 3);
+  const UInt64 qwThere = PacketsOf(mp3);
+  EXPECT_GE(qwThere, CountMpegFrames(mp3) - 1);
+  EXPECT_LE(qwThere, CountMpegFrames(mp3));
+  EXPECT_LT(qwThere, qwAll);
+}
+
+TEST_F(MpegFileTest, ARunOfFewFrames_IsNoStreamUnlessItBeginsTheFile) {
+  const Bytes mp3 = Mp3();
+  const Bytes few(mp3.begin(), mp3.begin() + static_cast<std::ptrdiff_t>(mp3.size() / 4));
+  const UInt64 qwFrames = PacketsOf(few);
+  EXPECT_GE(qwFrames, 1U);
+  EXPECT_LT(qwFrames, 10U);
+  EXPECT_EQ(0U, PacketsOf(Joined(Bytes(100, 'x'), few)));
+}
+
+TEST_F(MpegFileTest, WhatOnlyLooksLikeAFrame_IsUnsupported) {
+  Bytes text = {0xFF, 0xFE};  // the mark of UTF-16 is a sync
+  for (int i = 0; i < 20000; ++i)
+    text.insert(text.end(), {static_cast<std::uint8_t>('a' + i % 26), 0});
+  EXPECT_EQ(0U, PacketsOf(text));
+  Bytes noise(200000);
+  std::uint32_t dwNoise = 1;
+  for (auto& by : noise)
+    by = static_cast<std::uint8_t>((dwNoise = dwNoise * 1664525U + 1013904223U) >> 24);
+  EXPECT_EQ(0U, PacketsOf(noise));
+}
+
+}  // namespace
