@@ -9,12 +9,21 @@ namespace toolbox {
 namespace {
 
 // Shorter ones underrun under load: at the least that the service offers, sound was lost in about
-// one run of five.
-constexpr UInt32 kLatencyPerSecond = 10;
+// one run of five. The service asks for a quarter of it at a time, or a bit more.
+constexpr UInt32 kLatencyMs = 100;
+constexpr UInt32 kLongLatencyMs = 400;
 // The service holds at most the latency; the rest covers what the device itself still holds.
-constexpr UInt32 kExtraPlayOutPerSecond = 20;
+constexpr UInt32 kExtraPlayOutMs = 50;
 constexpr std::chrono::seconds kMaxPlayOut{1};
 constexpr std::chrono::milliseconds kPlayOutPoll{2};
+
+UInt32 LatencyMs(const S_OutputFormat& format) {
+  return format.bLongPeriods ? kLongLatencyMs : kLatencyMs;
+}
+
+UInt32 FramesIn(const S_OutputFormat& format, UInt32 dwMs) {
+  return static_cast<UInt32>(UInt64{format.dwRate} * dwMs / 1000);
+}
 
 }  // namespace
 
@@ -31,7 +40,7 @@ bool C_CubebStream::Open() {
   cubeb_stream* pStream = nullptr;
   const int nResult =
       cubeb_stream_init(pContext, &pStream, "Playback", nullptr, nullptr, nullptr, &params,
-                        m_format.dwRate / kLatencyPerSecond, &OnData, &OnState, this);
+                        FramesIn(m_format, LatencyMs(m_format)), &OnData, &OnState, this);
   if (nResult != CUBEB_OK) return false;
   m_pStream.reset(pStream);
   return true;
@@ -66,8 +75,7 @@ void C_CubebStream::Serve(I_DeviceClient& client) {
 void C_CubebStream::PlayOut() {
   m_dwZeroFrames = 0;
   m_bPlayingOut = true;
-  const UInt32 dwEnough =
-      m_format.dwRate / kLatencyPerSecond + m_format.dwRate / kExtraPlayOutPerSecond;
+  const UInt32 dwEnough = FramesIn(m_format, LatencyMs(m_format) + kExtraPlayOutMs);
   const auto limit = std::chrono::steady_clock::now() + kMaxPlayOut;
   while (!m_bFailed && m_dwZeroFrames <= dwEnough && std::chrono::steady_clock::now() < limit) {
     std::this_thread::sleep_for(kPlayOutPoll);

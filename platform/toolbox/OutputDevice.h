@@ -14,6 +14,9 @@ struct S_OutputFormat {
   UInt32 dwRate = 0;
   UInt32 dwChannels = 0;
   bool bFloat = false;
+  // The client may work long for each call, however little it is asked for: a device that can
+  // choose asks it seldom, for much at once and well ahead.
+  bool bLongPeriods = false;
 
   [[nodiscard]] std::size_t FrameBytes() const noexcept {
     return dwChannels * (bFloat ? sizeof(float) : sizeof(SInt16));

@@ -18,9 +18,10 @@ inline constexpr UInt32 kMaxCallbackFrames = 4096;
 
 // The default output. Takes its frames from a render callback, in cycles of at most
 // kMaxCallbackFrames frames, or from a connected unit, in cycles of at most kMaxSliceFrames; planar
-// frames always in the latter. Formats: signed 16-bit or float, packed, native byte order,
-// one or two channels. A channel layout is accepted and changes nothing: the first two channels
-// sound.
+// frames always in the latter. A unit that stands alone is asked seldom and well ahead, for its
+// callback may take longer than a file player. Formats: signed 16-bit or float, packed, native byte
+// order, one or two channels. A channel layout is accepted and changes nothing: the first two
+// channels sound.
 class C_OutputUnit final : public C_Unit, private I_RenderSource {
  public:
   explicit C_OutputUnit(OpenDeviceFunction open);

@@ -71,6 +71,7 @@ TEST_F(AudioGraphTest, TheFirstStart_OpensOneDevice_ForStereoFloatAtTheGraphsRat
     EXPECT_EQ(44100U, m_devices.Log().format.dwRate);
     EXPECT_EQ(2U, m_devices.Log().format.dwChannels);
     EXPECT_TRUE(m_devices.Log().format.bFloat);
+    EXPECT_FALSE(m_devices.Log().format.bLongPeriods) << "positions would move in jumps";
     graph.Stop();
     graph.Start();
     EXPECT_EQ(1, m_devices.Log().nOpened);

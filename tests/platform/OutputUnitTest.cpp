@@ -70,6 +70,7 @@ TEST_F(OutputUnitTest, InitialisingOpensTheDevice_UninitialisingClosesIt) {
   EXPECT_EQ(16000U, m_devices.Log().format.dwRate);
   EXPECT_EQ(1U, m_devices.Log().format.dwChannels);
   EXPECT_FALSE(m_devices.Log().format.bFloat);
+  EXPECT_TRUE(m_devices.Log().format.bLongPeriods);
   EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
   EXPECT_EQ(1, m_devices.Log().nOpened);
   EXPECT_EQ(noErr, AudioUnitUninitialize(m_unit));
