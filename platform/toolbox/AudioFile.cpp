@@ -91,6 +91,8 @@ std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pS
     m_nPosition = sf_seek(m_pSound.get(), nFrom, SEEK_SET);
     if (m_nPosition != nFrom) return 0;
   }
+  // Block decoders would repeat the last block that they got.
+  if (m_descriptor.IsCutBeforeOffset()) return 0;
   const sf_count_t nRead =
       sf_readf_float(m_pSound.get(), pSamples, static_cast<sf_count_t>(nFrames));
   if (nRead <= 0) return 0;

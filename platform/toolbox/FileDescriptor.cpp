@@ -39,6 +39,12 @@ OSStatus C_FileDescriptor::Open(const std::string& path) {
   return noErr;
 }
 
+bool C_FileDescriptor::IsCutBeforeOffset() const noexcept {
+  struct stat info {};
+  if (::fstat(m_fd, &info) != 0 || static_cast<UInt64>(info.st_size) >= m_cbSize) return false;
+  return ::lseek(m_fd, 0, SEEK_CUR) >= info.st_size;
+}
+
 std::size_t C_FileDescriptor::ReadAt(UInt64 qwOffset, void* pBuffer, std::size_t cbWanted) const {
   auto* pbyTo = static_cast<char*>(pBuffer);
   std::size_t cbDone = 0;

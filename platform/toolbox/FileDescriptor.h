@@ -22,7 +22,11 @@ class C_FileDescriptor {
   // pipe.
   OSStatus Open(const std::string& path);
   [[nodiscard]] int Get() const noexcept { return m_fd; }
+  // When it was opened.
   [[nodiscard]] UInt64 Size() const noexcept { return m_cbSize; }
+  // True when the file has become shorter since it was opened, and ends at or before the
+  // descriptor's own offset.
+  [[nodiscard]] bool IsCutBeforeOffset() const noexcept;
   // Bytes copied; fewer than asked only at the end of the file or on a read error.
   std::size_t ReadAt(UInt64 qwOffset, void* pBuffer, std::size_t cbWanted) const;
 

@@ -40,6 +40,8 @@ class C_PrivateTemp {
   C_PrivateTemp(const C_PrivateTemp&) = delete;
   C_PrivateTemp& operator=(const C_PrivateTemp&) = delete;
 
+  // False where mounting is refused.
+  [[nodiscard]] bool IsPrivate() const { return m_bPrivate; }
   // The names of the library's temporary files that are there now and were not before, sorted.
   [[nodiscard]] std::vector<std::string> NewFiles() const {
     std::vector<std::string> fresh;
