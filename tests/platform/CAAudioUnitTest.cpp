@@ -54,9 +54,16 @@ TEST(CAAudioUnitTest, PrintsItsUnitItsNodeAndTheUnitsComponent) {
   EXPECT_EQ(component.Comp(), CAAudioUnit(7, unit).Comp().Comp());
   EXPECT_EQ(noErr, AudioComponentInstanceDispose(unit));
   EXPECT_FALSE(CAAudioUnit(7, unit).Comp().IsValid());
+  // A wrapper that outlived its unit still prints, without a component.
+  EXPECT_EQ("AudioUnit:" + Address(unit) + "\n\tnode=7\tCAComponent: " + Address(nullptr) +
+                ", AudioComponentDescription: 0x00000000 - 0x00000000 - 0x00000000, 0x0, 0x0\n",
+            Printed([&](std::FILE* p) { CAAudioUnit(7, unit).Print(p); }));
 }
 
 TEST(CAAudioUnitTest, AnEmptyWrapper_PrintsItsFirstLineOnly) {
+#ifdef __GLIBC__
+  EXPECT_EQ("AudioUnit:(nil)\n", Printed([](std::FILE* p) { CAAudioUnit().Print(p); }));
+#endif
   EXPECT_EQ("AudioUnit:" + Address(nullptr) + "\n",
             Printed([](std::FILE* p) { CAAudioUnit().Print(p); }));
   EXPECT_EQ("AudioUnit:" + Address(nullptr) + "\n",

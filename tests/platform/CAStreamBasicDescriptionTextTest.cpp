@@ -178,6 +178,8 @@ TEST(StreamTextTest, CountsOfAllOnes_PrintAsMinusOne) {
                 "-1 frames/packet, -1 bytes/frame"},
                {{8000, 0x616C6163, 1, 0, kAllOnes, 0, 1, 0, 0},
                 " 1 ch,   8000 Hz, 'alac' (0x00000001) from 16-bit source, -1 frames/packet"},
+               {Pcm(0, 0x80000000, 0),
+                " 1 ch,   8000 Hz, 'lpcm' (0x00000000) -2147483648-bit unsigned integer"},
                {Pcm(kAllOnes, 0x80000000, kAllOnes, kAllOnes),
                 "-1 ch,   8000 Hz, 'lpcm' (0xFFFFFFFF) 2147483585.63-bit big-endian float, "
                 "packed in -1 bytes high-aligned, deinterleaved"}});

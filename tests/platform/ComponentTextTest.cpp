@@ -76,6 +76,7 @@ TEST_F(ComponentText, ANameThatCannotBeHad_IsNotPrinted) {
   m_toolbox.bComponentHasName = true;
   m_toolbox.Fail("CFStringGetMaximumSizeForEncoding", -1);
   EXPECT_EQ("", PrintedNames());
+  EXPECT_EQ(0, m_toolbox.Count("CFStringGetCString"));
   m_toolbox.Fail("CFStringGetCString", -1);
   EXPECT_EQ("", PrintedNames());
   EXPECT_EQ(2, m_toolbox.Count("CFRelease(name)"));

@@ -258,8 +258,10 @@ CFIndex CFStringGetMaximumSizeForEncoding(CFIndex nLength, CFStringEncoding /*dw
 Boolean CFStringGetCString(CFStringRef /*text*/, char* pszBuffer, CFIndex cbBuffer,
                            CFStringEncoding dwEncoding) {
   const OSStatus nStatus = Fake().Call("CFStringGetCString", Text("%ld, %u", cbBuffer, dwEncoding));
-  if (nStatus == noErr) std::memcpy(pszBuffer, g_strName.c_str(), g_strName.size() + 1);
-  return nStatus == noErr ? 1 : 0;
+  const std::size_t cbName = g_strName.size() + 1;
+  if (nStatus != noErr || std::cmp_less(cbBuffer, cbName)) return 0;
+  std::memcpy(pszBuffer, g_strName.c_str(), cbName);
+  return 1;
 }
 
 OSStatus AudioFileOpenURL(CFURLRef fileRef, AudioFilePermissions permissions,
