@@ -48,10 +48,10 @@ C_Bytes SilentWav(const S_Kind& kind, std::uint32_t dwRate, std::uint16_t wChann
 
 class WavKinds : public C_FilesTest {
  protected:
-  // Every second rate with another number of channels, side by side; 1600 frames count as 0.1 s.
+  // Every fourth rate with another number of channels, side by side; 1600 frames count as 0.1 s.
   void PlayAtRates(const S_Kind& kind, std::size_t nFirst) {
     std::vector<std::future<S_Run>> runs;
-    for (std::size_t i = nFirst % 2; i < kRates.size(); i += 2) {
+    for (std::size_t i = nFirst % 4; i < kRates.size(); i += 4) {
       const auto wChannels = static_cast<std::uint16_t>((nFirst * 3 + i) % 8 + 1);
       const std::string strName = std::string(kind.pszName) + "-" + std::to_string(i) + ".wav";
       const C_Bytes wav = SilentWav(kind, kRates.at(i), wChannels, 1600);
