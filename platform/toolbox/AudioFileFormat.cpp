@@ -107,10 +107,10 @@ S_AudioFileFormat DescribeDecodedFrames(const SF_INFO& info) {
 }  // namespace
 
 bool IsKnownSound(const C_FileDescriptor& file) {
-  constexpr std::array<UInt32, 10> kBeginnings = {
+  constexpr std::array<UInt32, 11> kBeginnings = {
       FourChars("RIFF"), FourChars("RIFX"), FourChars("RF64"), FourChars("riff"),
       FourChars("FORM"), FourChars(".snd"), FourChars("dns."), FourChars("caff"),
-      FourChars("fLaC"), FourChars("OggS")};
+      FourChars("fLaC"), FourChars("OggS"), FourChars("NIST")};
   std::array<UInt8, 4> head{};
   if (file.ReadAt(C_MpegSound::TagBytes(file), head.data(), head.size()) != head.size())
     return false;

@@ -17,8 +17,9 @@ struct S_AudioFileFormat {
 };
 
 // Whether the file, behind ID3 tags, begins like one of the kinds that the audio file service
-// opens: RIFF and its 64-bit forms, AIFF, AU, CAF, FLAC, Ogg. The file library knows more, and
-// tells standard output about damage in some of them.
+// opens: RIFF and its 64-bit forms, AIFF, AU, CAF, FLAC, Ogg, and SPHERE, in which speech corpora
+// have their ".wav" files. The file library knows more, and tells standard output about damage in
+// some of them.
 [[nodiscard]] bool IsKnownSound(const C_FileDescriptor& file);
 
 // True when the frames of an opened file are what it claims, false when they are counted from the

@@ -10,6 +10,9 @@ namespace toolbox {
 namespace {
 
 constexpr std::size_t kTagHeaderBytes = 10;
+constexpr std::size_t kFooterFlag = 0x10;
+// More tags than anybody writes: a file of nothing else would be walked for minutes.
+constexpr int kMostTags = 64;
 // How much that is no frame is passed over: padding, tags of other makers, the rest of a frame that
 // was cut.
 constexpr long kMostJunkBytes = 65536;
@@ -17,14 +20,16 @@ constexpr long kMostJunkBytes = 65536;
 // programs and pictures hold bytes that look like one or two.
 constexpr int kProvingFrames = 10;
 
-// Bytes of the ID3 tag at a position, 0 when there is none. Its size has seven bits to the byte.
+// Bytes of the ID3 tag at a position, 0 when there is none. Its size has seven bits to the byte,
+// and counts neither the header nor its copy at the end.
 UInt64 TagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
   std::array<UInt8, kTagHeaderBytes> head{};
   if (file.ReadAt(qwAt, head.data(), head.size()) != head.size()) return 0;
   if (head[0] != 'I' || head[1] != 'D' || head[2] != '3') return 0;
   UInt64 qwSize = 0;
   for (std::size_t i = 6; i < kTagHeaderBytes; ++i) qwSize = qwSize << 7 | (head.at(i) & 0x7FU);
-  return kTagHeaderBytes + qwSize;
+  const bool bFooter = (head[5] & kFooterFlag) != 0;
+  return qwSize + (bFooter ? 2 : 1) * kTagHeaderBytes;
 }
 
 // Sync, and none of the values of layer, bit rate and sample rate that no stream has.
@@ -44,11 +49,12 @@ bool BeginsWithAFrame(const C_FileDescriptor& file) {
 
 UInt64 C_MpegSound::TagBytes(const C_FileDescriptor& file) {
   UInt64 qwAt = 0;
-  while (const UInt64 qwTag = TagBytesAt(file, qwAt)) qwAt += qwTag;
+  for (int i = 0; i < kMostTags; ++i) qwAt += TagBytesAt(file, qwAt);
   return qwAt;
 }
 
 std::unique_ptr<C_MpegSound> C_MpegSound::Open(const C_FileDescriptor& file) {
+  if (TagBytesAt(file, TagBytes(file)) != 0) return nullptr;
   if (!BeginsWithAFrame(file) && !C_MpegSound(file).FindsProof()) return nullptr;
   std::unique_ptr<C_MpegSound> pSound(new C_MpegSound(file));
   const bool bOpen = pSound->OpenStream() && pSound->FixFormat() && pSound->Scan();

@@ -143,6 +143,28 @@ TEST_F(MpegFileTest, Pictures_AndTagsAtTheEnd_AreNoFrames) {
   EXPECT_EQ(qwFrames, PacketsOf(Joined(mp3, trailer)));
 }
 
+TEST_F(MpegFileTest, ATagWithAFooter_MayStandBeforeFewFrames) {
+  const Bytes mp3 = Mp3();
+  const Bytes few(mp3.begin(), mp3.begin() + static_cast<std::ptrdiff_t>(mp3.size() / 4));
+  Bytes tag = TagOf(Bytes(300, 'x'));
+  tag[3] = 4;
+  tag[5] = 0x10;
+  Bytes footer(tag.begin(), tag.begin() + 10);
+  std::reverse(footer.begin(), footer.begin() + 3);
+  const UInt64 qwFrames = PacketsOf(few);
+  ASSERT_GE(qwFrames, 1U);
+  EXPECT_EQ(qwFrames, PacketsOf(Joined(Joined(tag, footer), few)));
+}
+
+TEST_F(MpegFileTest, MoreTagsThanAnybodyWrites_AreNoSound) {
+  const Bytes mp3 = Mp3();
+  const UInt64 qwFrames = CountMpegFrames(mp3);
+  Bytes tags;
+  for (int i = 0; i < 64; ++i) tags = Joined(tags, TagOf({}));
+  EXPECT_EQ(qwFrames, PacketsOf(Joined(tags, mp3)));
+  EXPECT_EQ(0U, PacketsOf(Joined(Joined(tags, TagOf({})), mp3)));
+}
+
 TEST_F(MpegFileTest, VariableBitRate_CountsItsFrames_WhateverTheInformationFrameClaims) {
   Bytes bytes = Mp3();
   const UInt64 qwFrames = CountMpegFrames(bytes);

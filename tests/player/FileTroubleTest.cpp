@@ -133,11 +133,14 @@ TEST_F(FileTrouble, TheCopyOfABareStream_MayGoOnceItIsThere) {
   const std::string strPath = m_folder.Write("bare.kst", m_speech.stream);
   const auto strWholeCopy = [this] {
     std::error_code error;
-    for (;;) {
-      std::string strCopy = TempFile(".kst");
+    std::string strCopy;
+    for (int i = 0; i < 30000; ++i) {
+      strCopy = TempFile(".kst");
       if (std::filesystem::file_size(strCopy, error) == m_speech.file.size()) return strCopy;
       std::this_thread::sleep_for(1ms);
     }
+    ADD_FAILURE() << "no whole copy";
+    return strCopy;
   };
   const S_Run run = PlayAndChange(strPath, "1", kChanges[2], 0ms, strWholeCopy);
   ExpectEnd(run, kRealTimeOutput, 1.0, "removed");
