@@ -108,6 +108,9 @@ void* DecodeThread(void* pArgument) {
   return nullptr;
 }
 
+// Kept: the thread is never joined. All that is wanted of it is in the queue when it says that it
+// has finished, and how it ends keeps nobody waiting. Pinned by
+// RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
 void StartDecoder(S_RealTimeDecoder* pDecoder) {
   pDecoder->byFinished.store(0, std::memory_order_release);
   if (pthread_create(&pDecoder->thread, nullptr, DecodeThread, pDecoder) != 0) {

@@ -14,7 +14,8 @@ constexpr UInt32 kLatencyMs = 100;
 constexpr UInt32 kLongLatencyMs = 400;
 // The service holds at most the latency; the rest covers what the device itself still holds.
 constexpr UInt32 kExtraPlayOutMs = 50;
-constexpr std::chrono::seconds kMaxPlayOut{1};
+// How much longer than the latency a busy service may take to ask for the zeros.
+constexpr std::chrono::seconds kPlayOutPatience{1};
 constexpr std::chrono::milliseconds kPlayOutPoll{2};
 
 UInt32 LatencyMs(const S_OutputFormat& format) {
@@ -75,8 +76,10 @@ void C_CubebStream::Serve(I_DeviceClient& client) {
 void C_CubebStream::PlayOut() {
   m_dwZeroFrames = 0;
   m_bPlayingOut = true;
-  const UInt32 dwEnough = FramesIn(m_format, LatencyMs(m_format) + kExtraPlayOutMs);
-  const auto limit = std::chrono::steady_clock::now() + kMaxPlayOut;
+  const UInt32 dwEnoughMs = LatencyMs(m_format) + kExtraPlayOutMs;
+  const UInt32 dwEnough = FramesIn(m_format, dwEnoughMs);
+  const std::chrono::milliseconds enough(dwEnoughMs);
+  const auto limit = std::chrono::steady_clock::now() + enough + kPlayOutPatience;
   while (!m_bFailed && m_dwZeroFrames <= dwEnough && std::chrono::steady_clock::now() < limit) {
     std::this_thread::sleep_for(kPlayOutPoll);
   }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ChildProcess.h"
+#include "PrivateTemp.h"
 #include "RiffBytes.h"
 #include "SoundServer.h"
 #include "TempFolder.h"
@@ -52,7 +53,7 @@ class Heard : public ::testing::Test {
  protected:
   // Plays the file on the server and compares what it heard.
   void ExpectHeard(C_SoundServer& server, const C_Program::Texts& arguments, const C_Bytes& want,
-                   const std::string& strOutput) {
+                   const std::string& strOutput, double dLeastSeconds) {
     ASSERT_TRUE(server.Start());
     S_Run run;
     const S_Recording sound = server.RecordUntilSame(
@@ -62,8 +63,11 @@ class Heard : public ::testing::Test {
     EXPECT_EQ(run.strOut, strOutput);
     EXPECT_EQ(run.strErr, "");
     EXPECT_EQ(run.nExit, 0);
+    EXPECT_GE(run.dSeconds, dLeastSeconds);
   }
 
   C_Program m_player{VOXPLAY_PLAYER};
+  // Takes what the player leaves there along: up to 34 MB when it is interrupted.
+  C_PrivateTemp m_temp;
   C_TempFolder m_folder;
 };

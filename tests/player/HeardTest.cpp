@@ -19,28 +19,29 @@ TEST_F(Heard, NormalModeOfSpeech_IsTheDecodedSoundConverted) {
   C_SoundServer server(kPlaybackRate, "float32le", 2);
   ExpectHeard(server, {m_folder.Write("x.kst", speech.file), "0"},
               AsHeardInNormalMode(speech.pcm, 16000),
-              "file duration: 1.500000 secs\nPlaying...Finished\n");
+              "file duration: 1.500000 secs\nPlaying...Finished\n", 1.5);
 }
 
+// Half a second before the sound, and half a second after it.
 TEST_F(Heard, RealTimeModeOfSpeech_IsTheDecodedSoundItself) {
   const S_Speech speech = SpeechOf(75);
   C_SoundServer server(16000, "s16le", 1);
   ExpectHeard(server, {m_folder.Write("x.kst", speech.file), "1"}, speech.pcm,
-              "Playing...Finished\n");
+              "Playing...Finished\n", 0.5 + 1.5 + 0.5);
 }
 
 TEST_F(Heard, RealTimeModeOfABareStream_IsTheDecodedSoundItself) {
   const S_Speech speech = SpeechOf(50);
   C_SoundServer server(16000, "s16le", 1);
   ExpectHeard(server, {m_folder.Write("bare.kst", speech.stream), "1"}, speech.pcm,
-              "Playing...Finished\n");
+              "Playing...Finished\n", 0.5 + 1.0 + 0.5);
 }
 
 TEST_F(Heard, NormalModeOfAWavFile_IsItsSoundAtItsOwnSpeed) {
   const C_Bytes pcm = BytesOf(SweepWithNoise(22050, kPlaybackRate));
   C_SoundServer server(kPlaybackRate, "float32le", 2);
   ExpectHeard(server, {m_folder.Write("x.wav", WavOf(kPlaybackRate, 1, pcm)), "0"},
-              OnBothSides(AsFloat(pcm)), "file duration: 1.378125 secs\nPlaying...Finished\n");
+              OnBothSides(AsFloat(pcm)), "file duration: 1.378125 secs\nPlaying...Finished\n", 0.5);
 }
 
 // Nobody hears the end of it, but the program comes to its own.

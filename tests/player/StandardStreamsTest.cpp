@@ -75,7 +75,7 @@ TEST_F(StandardStreams, ThatAreClosed_AreNotReplacedByWhatThePlayerOpens) {
 }
 
 TEST_F(StandardStreams, ThatAreClosed_ChangeNothingElse) {
-  const std::vector<double> leastSeconds = {0.5, 1.45, 0.0};
+  const std::vector<double> leastSeconds = {0.5, 1.5, 0.0};
   std::vector<std::future<S_Run>> runs;
   for (const char* pszMode : {"0", "1", "2"})
     for (const Descriptors& closed : {Descriptors{0}, Descriptors{1}, Descriptors{0, 1, 2}})

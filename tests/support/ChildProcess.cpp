@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <stdlib.h>  // NOLINT(modernize-deprecated-headers): posix_openpt
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -153,9 +154,13 @@ C_RunningProgram C_Program::StartWith(const Texts& arguments, const Texts& envir
   const std::vector<char*> argv = Pointers(all);
   const std::vector<char*> envp = Pointers(settings);
   const std::string strProgram = "/proc/self/fd/" + std::to_string(m_nProgram);
+  const pid_t nParent = getpid();
   const auto start = Clock::now();
   const pid_t nChild = fork();
   if (nChild == 0) {
+    // Some of what is tried never ends by itself; it must not outlive a test that is broken off.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != nParent) _exit(127);
     dup2(out[1], STDOUT_FILENO);
     dup2(nErrorWrite, STDERR_FILENO);
     if (prepare) prepare();
