@@ -16,8 +16,7 @@ class C_MpegSound {
   // Bytes of the ID3 tags that begin a file of any kind, the first 64 of them.
   [[nodiscard]] static UInt64 TagBytes(const C_FileDescriptor& file);
   // Scans the whole stream. Null when no frame begins the file or follows its ID3 tags, and no run
-  // of frames is found near there, or
-  // when there are more tags. The file outlives the sound.
+  // of frames is found near there, or when there are more tags. The file outlives the sound.
   [[nodiscard]] static std::unique_ptr<C_MpegSound> Open(const C_FileDescriptor& file);
   C_MpegSound(const C_MpegSound&) = delete;
   C_MpegSound& operator=(const C_MpegSound&) = delete;
