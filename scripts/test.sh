@@ -9,7 +9,10 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 preset=${1:-dev}
 shift $(($# > 0))
 
-"$root/scripts/install-deps.sh" test
+# The sanitizers' builds are clang's.
+packages=test
+[[ $preset == *san* ]] && packages=ci
+"$root/scripts/install-deps.sh" "$packages"
 cmake -S "$root" --preset "$preset"
 cmake --build "$root/build/$preset" --parallel "$(nproc)"
 exec ctest --test-dir "$root/build/$preset" --parallel "$(nproc)" --output-on-failure "$@"

@@ -2,7 +2,8 @@
 #pragma once
 
 // What most tests spend their compile time on, compiled once for all of them. Only the build reads
-// this: each test still includes what it uses, and clang-tidy, which goes without, sees to it.
+// this: each test still includes what it uses, and the sanitizers' build, which goes without, sees
+// to it.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
