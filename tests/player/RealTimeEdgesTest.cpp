@@ -77,7 +77,7 @@ TEST_F(Heard, RealTimeModeOfHalfAnHour_IsStuckWhenTheQueueIsFull_AndStillEndsByI
   EXPECT_EQ(run.strErr, "");
   EXPECT_EQ(run.nSignal, SIGINT);
   // What was heard before, if the decoder left the time for any, is the beginning of the sound. The
-  // server gets a tenth of a second in advance, which no load can interrupt.
+  // server gets more than a tenth of a second in advance, which no load can interrupt.
   C_Bytes heard = WithoutSilentEnds(recorded, 2);
   heard.resize(std::min<std::size_t>(heard.size(), 3200));
   EXPECT_TRUE(std::equal(heard.begin(), heard.end(), WithoutSilentEnds(speech.pcm, 2).begin()));

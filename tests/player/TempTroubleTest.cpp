@@ -3,8 +3,8 @@
 // A temporary directory that is full, read-only or gone. What needs it fails as every file does
 // that cannot be decoded; nothing is left behind, and the user's files are as they were.
 //
-// Such directories need the right to mount; without it the tests that mount are skipped, and a
-// limit on the size of files stands for the full disk.
+// Such directories need the right to mount; without it the tests that mount try nothing and pass,
+// and a limit on the size of files stands for the full disk.
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <unistd.h>
