@@ -12,8 +12,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "SpHeader.h"
 #include "WavFileFormat.h"
+#include "file/SpHeader.h"
 
 namespace {
 

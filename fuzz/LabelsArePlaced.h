@@ -4,9 +4,9 @@
 // It is the one thing in a file that does, so the fuzzers leave such files alone.
 #pragma once
 
-#include "I_WavDataInfo.h"
-#include "WavFile.h"
-#include "WavLabels.h"
+#include "file/WavFile.h"
+#include "file/WavLabels.h"
+#include "interface/I_WavDataInfo.h"
 
 // True for a RIFF sound file that may be loaded, and for anything that is none.
 inline bool LabelsArePlaced(const char* pszFileName) {

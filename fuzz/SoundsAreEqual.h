@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "I_WavData.h"
+#include "interface/I_WavData.h"
 
 template <typename List>
 bool RangesAreEqual(List& a, List& b) {

@@ -13,7 +13,7 @@
 
 #include "Require.h"
 #include "RiffFile.h"
-#include "WavDataListInfo.h"
+#include "chunk/WavDataListInfo.h"
 
 namespace {
 

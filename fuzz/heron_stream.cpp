@@ -13,10 +13,10 @@
 
 #include "ByteReader.h"
 #include "FuzzFile.h"
-#include "HeronCodec.h"
-#include "HeronFile.h"
 #include "Require.h"
-#include "WavData.h"
+#include "codec/HeronCodec.h"
+#include "file/HeronFile.h"
+#include "sound/WavData.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include <span>
 #include <vector>
 
-#include "KestrelCodec.h"
 #include "Require.h"
-#include "WavData.h"
+#include "codec/KestrelCodec.h"
+#include "sound/WavData.h"
 
 namespace {
 

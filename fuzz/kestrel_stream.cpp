@@ -11,10 +11,10 @@
 
 #include "ByteReader.h"
 #include "FuzzFile.h"
-#include "KestrelCodec.h"
-#include "KestrelFile.h"
 #include "Require.h"
-#include "WavData.h"
+#include "codec/KestrelCodec.h"
+#include "file/KestrelFile.h"
+#include "sound/WavData.h"
 
 namespace {
 

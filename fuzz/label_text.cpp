@@ -11,7 +11,7 @@
 #include <string>
 
 #include "Require.h"
-#include "WavLabels.h"
+#include "file/WavLabels.h"
 
 namespace {
 

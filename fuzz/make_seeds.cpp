@@ -20,10 +20,10 @@
 #include "CompressedBytes.h"
 #include "ExampleSound.h"
 #include "FuzzFile.h"
-#include "HeronCodec.h"
-#include "KestrelCodec.h"
 #include "RiffFile.h"
-#include "SpHeader.h"
+#include "codec/HeronCodec.h"
+#include "codec/KestrelCodec.h"
+#include "file/SpHeader.h"
 
 namespace {
 

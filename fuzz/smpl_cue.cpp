@@ -13,9 +13,9 @@
 
 #include "Require.h"
 #include "RiffFile.h"
-#include "WavDataCueInfo.h"
-#include "WavDataSamplerInfo.h"
-#include "WavInfo.h"
+#include "chunk/WavDataCueInfo.h"
+#include "chunk/WavDataSamplerInfo.h"
+#include "sound/WavInfo.h"
 
 namespace {
 

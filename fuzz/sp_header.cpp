@@ -11,7 +11,7 @@
 
 #include "FuzzFile.h"
 #include "Require.h"
-#include "SpHeader.h"
+#include "file/SpHeader.h"
 
 namespace {
 

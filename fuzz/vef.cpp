@@ -15,11 +15,11 @@
 #include <vector>
 
 #include "FuzzFile.h"
-#include "I_WavDataInfo.h"
-#include "KestrelFile.h"
 #include "Require.h"
 #include "SoundsAreEqual.h"
-#include "VefFile.h"
+#include "file/KestrelFile.h"
+#include "file/VefFile.h"
+#include "interface/I_WavDataInfo.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "LabelsArePlaced.h"
 #include "Require.h"
 #include "SoundsAreEqual.h"
-#include "WavFile.h"
+#include "file/WavFile.h"
 
 namespace {
 

@@ -15,10 +15,10 @@
 
 #include "ByteReader.h"
 #include "FuzzFile.h"
-#include "I_WavDataInfo.h"
 #include "Require.h"
 #include "SoundsAreEqual.h"
-#include "WavFile.h"
+#include "file/WavFile.h"
+#include "interface/I_WavDataInfo.h"
 
 namespace {
 

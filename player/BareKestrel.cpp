@@ -3,8 +3,8 @@
 
 #include <copyfile.h>
 
-#include "AudioFileType.h"
-#include "SpHeader.h"
+#include "file/SpHeader.h"
+#include "interface/AudioFileType.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include "DecodeToWav.h"
 
 #include "BareKestrel.h"
-#include "KestrelFile.h"
 #include "WavFileFormat.h"
+#include "file/KestrelFile.h"
 
 namespace {
 

@@ -51,12 +51,14 @@ if grep -nE '\b(i|o)?fstream\b' "${library[@]}"; then fail "a file is opened as 
 
 # Where the families of classes stand.
 wave=Lib_Common/Src/LibProject/WaveFileLib
-for stem in "$wave"/{WavDataBuffer,WavData,WavDataInfo,EventTag,EventTagMgr,WavFile,WavFileFormat,KestrelCodec,KestrelFile,SpHeader} \
+rooms=("$wave"/{,annotation,chunk,codec,compressed,file,interface,sound})
+for stem in "$wave"/{WavFileFormat,file/{WavFile,KestrelFile,SpHeader},codec/KestrelCodec} \
+  "$wave"/{sound/{WavDataBuffer,WavData},chunk/WavDataInfo,annotation/{EventTag,EventTagMgr}} \
   Lib_Common/Src/LibProject/FileUtil/RiffFile common/{CLString,VCM} player/{Voxplay,FileType,PcmQueue}; do
   [[ -e $stem.h && -e $stem.cpp ]] || fail "$stem.h and $stem.cpp belong together"
 done
 while IFS= read -r line; do fail "$line: not named as an interface, class, record or enumeration is"; done < <(
-  find "$wave" Lib_Common/Src/LibProject/FileUtil -maxdepth 1 -name '*.h' -exec \
+  find "${rooms[@]}" Lib_Common/Src/LibProject/FileUtil -maxdepth 1 -name '*.h' -exec \
     grep -nHE '^(class|struct|enum) ' {} + |
     grep -vE ':class (\[\[.*\]\] |alignas\(.*\) )?[IC]_[A-Z]|:struct S_[A-Z]|:enum (tag[A-Z]|E_EventPosUnit)')
 while IFS= read -r file; do
@@ -65,7 +67,7 @@ while IFS= read -r file; do
   if grep -vE '= 0;$|~I_[A-Za-z]+\(\) = default;$' <<<"$statements" | grep -q .; then
     fail "$file: an operation of an interface is not pure"
   fi
-done < <(find "$wave" Lib_Common/Src/LibProject/FileUtil player -maxdepth 1 -name 'I_*.h')
+done < <(find "${rooms[@]}" Lib_Common/Src/LibProject/FileUtil player -maxdepth 1 -name 'I_*.h')
 if grep -nE '\b(TODO|FIXME|XXX)\b' "${sources[@]}"; then fail "unfinished work is marked"; fi
 if grep -nE '\b(GTEST_SKIP|DISABLED_)' "${sources[@]}"; then fail "a test is switched off"; fi
 

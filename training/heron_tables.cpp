@@ -16,7 +16,6 @@
 #include <span>
 #include <vector>
 
-#include "I_WavData.h"
 #include "WavFileFormat.h"
 #include "heron/Configuration.h"
 #include "heron/Decoder.h"
@@ -26,6 +25,7 @@
 #include "heron/Quantiser.h"
 #include "heron/StepSize.h"
 #include "heron/Tables.h"
+#include "interface/I_WavData.h"
 
 namespace {
 

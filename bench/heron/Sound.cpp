@@ -4,8 +4,8 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "WavFile.h"
 #include "WavFileFormat.h"
+#include "file/WavFile.h"
 
 namespace {
 

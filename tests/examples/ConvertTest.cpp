@@ -6,11 +6,11 @@
 
 #include "ChildProcess.h"
 #include "FolderTest.h"
-#include "KestrelFile.h"
-#include "SpHeader.h"
 #include "TestSound.h"
 #include "TestVoice.h"
-#include "WavFile.h"
+#include "file/KestrelFile.h"
+#include "file/SpHeader.h"
+#include "file/WavFile.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include "CompressedBytes.h"
 #include "DecodeToWav.h"
 #include "ExampleSound.h"
-#include "SpHeader.h"
 #include "WavFileFormat.h"
+#include "file/SpHeader.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "WavBytes.h"
-#include "WavFileCodecInfo.h"
+#include "chunk/WavFileCodecInfo.h"
 
 // 16-bit values as the bytes of a file.
 inline C_Bytes Shorts(std::initializer_list<int> values) {

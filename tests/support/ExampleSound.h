@@ -10,8 +10,8 @@
 #include <memory>
 #include <vector>
 
-#include "I_WavDataInfo.h"
-#include "WavData.h"
+#include "interface/I_WavDataInfo.h"
+#include "sound/WavData.h"
 
 using C_SoundPtr = C_WavDataPtr;
 

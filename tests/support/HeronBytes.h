@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "ByteReader.h"
-#include "HeronCodec.h"
 #include "TestSound.h"
 #include "TestVoice.h"
+#include "codec/HeronCodec.h"
 #include "heron/FrameCoder.h"
 
 namespace heron_test {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "ExampleSound.h"
-#include "WavData.h"
+#include "sound/WavData.h"
 
 struct S_Format {
   unsigned short wChannels = 1;

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "I_WavFile.h"
 #include "KestrelBytes.h"
 #include "WavBytes.h"
+#include "interface/I_WavFile.h"
 
 // A "vafm" payload as it is written.
 inline C_Bytes VafmBytes(std::uint16_t wType, std::uint16_t wVersion = 256) {

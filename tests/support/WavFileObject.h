@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "I_WavDataInfo.h"
-#include "WavFile.h"
+#include "file/WavFile.h"
+#include "interface/I_WavDataInfo.h"
 
 using C_WavObjectPtr = std::unique_ptr<C_WavFile, S_WavFileReleaser>;
 

@@ -5,8 +5,8 @@
 #include <cctype>
 #include <cstdio>
 
-#include "KestrelFile.h"
 #include "WavFileFormat.h"
+#include "file/KestrelFile.h"
 
 C_FakeLibrary& C_FakeLibrary::Get() {
   static C_FakeLibrary library;

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "I_WavFile.h"
+#include "interface/I_WavFile.h"
 
 // A file object of which the player may call Convert and Release; everything else answers nothing.
 class C_FakeWavFile : public I_WavFile {

@@ -5,13 +5,13 @@
 #include <cstdint>
 
 #include "ByteReader.h"
-#include "HeronFile.h"
-#include "KestrelFile.h"
 #include "RiffFile.h"
-#include "SpHeader.h"
 #include "VcmAssert.h"
-#include "WavFile.h"
-#include "WavFileMaker.h"
+#include "file/HeronFile.h"
+#include "file/KestrelFile.h"
+#include "file/SpHeader.h"
+#include "file/WavFile.h"
+#include "sound/WavFileMaker.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "I_WavFileFormat.h"
+#include "interface/I_WavFileFormat.h"
 
 class C_WavFileFormat : public I_WavFileFormat {
  public:

@@ -8,7 +8,7 @@
 #include "FaultyNew.h"
 #include "RiffFile.h"
 #include "RiffFixture.h"
-#include "WavDataExtraChunkInfo.h"
+#include "chunk/WavDataExtraChunkInfo.h"
 
 namespace {
 

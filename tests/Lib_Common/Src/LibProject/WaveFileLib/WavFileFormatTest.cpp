@@ -5,16 +5,16 @@
 
 #include <filesystem>
 
-#include "AudioCodecParam.h"
-#include "HeronFile.h"
-#include "KestrelFile.h"
 #include "OpenFiles.h"
-#include "SpHeader.h"
 #include "TempFolder.h"
 #include "VTable.h"
 #include "WavBytes.h"
-#include "WavFileMaker.h"
 #include "WavFileObject.h"
+#include "file/HeronFile.h"
+#include "file/KestrelFile.h"
+#include "file/SpHeader.h"
+#include "sound/AudioCodecParam.h"
+#include "sound/WavFileMaker.h"
 
 namespace {
 

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A moment of a sound with a command attached. The moment is kept in the unit in which it was set
+// and converted to the other one through the sample rate on request.
+#pragma once
+
+#include "CLString.h"
+#include "interface/I_EventTag.h"
+
+// The unit in which a moment was set.
+enum E_EventPosUnit : unsigned int {
+  EVENT_POS_TIME = 0,    // milliseconds
+  EVENT_POS_SAMPLE = 1,  // samples
+};
+
+class C_EventTag : public I_EventTag {
+ public:
+  // dwCommandIndex holds the main index in its upper 16 bits and the sub index in its lower ones.
+  // dwPos is in the unit of eUnit.
+  C_EventTag(unsigned int dwCommandIndex, unsigned int dwPos, const char* pszDescription,
+             unsigned int dwData, unsigned int dwSampleRate, E_EventPosUnit eUnit);
+
+  unsigned short GetMainCommandIndex() override;
+  unsigned short GetSubCommandIndex() override;
+  void SetCommandIndex(unsigned short wMain, unsigned short wSub) override;
+  // Truncated; a moment beyond what 32 bits hold gives their largest value.
+  unsigned int GetTime() override;
+  void SetTime(unsigned int dwTime) override;
+  const char* GetDescription() override { return m_strDescription.GetContent(); }
+  void SetDescription(const char* pszDescription) override;
+  unsigned int GetData() override { return m_dwData; }
+  void SetData(unsigned int dwData) override { m_dwData = dwData; }
+  // Truncated; a moment beyond what 32 bits hold gives their largest value.
+  unsigned int GetSamplePos() override;
+  void SetSamplePos(unsigned int dwSamplePos) override;
+
+  // For conversions from now on; the moment stays as it was set.
+  void SetSampleRate(unsigned int dwSampleRate) { m_dwSampleRate = dwSampleRate; }
+
+ private:
+  unsigned int m_dwCommandIndex;
+  unsigned int m_dwTime;
+  unsigned int m_dwSamplePos;
+  C_CLString m_strDescription;
+  unsigned int m_dwData;
+  unsigned int m_dwSampleRate;
+  E_EventPosUnit m_eUnit;
+};

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The event tags of one sound, in ascending order of their moment. The manager deletes the tags
+// that are in its list when it dies; tags taken out by the Remove... operations (other than
+// RemoveAllEvents) are the caller's.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "CLArray.h"
+#include "annotation/EventTag.h"
+#include "interface/I_EventTag.h"
+
+class C_EventTagMgr : public I_EventTagMgr {
+ public:
+  // An event without description.
+  struct S_SampleEvent {
+    unsigned int dwSamplePos = 0;
+    unsigned short wMain = 0;
+    unsigned short wSub = 0;
+    unsigned int dwData = 0;
+  };
+  using EventList = C_CLArray<C_EventTag*, I_EventTag*, false>;
+
+  C_EventTagMgr() = default;
+  ~C_EventTagMgr() override;
+  C_EventTagMgr(const C_EventTagMgr&) = delete;
+  C_EventTagMgr& operator=(const C_EventTagMgr&) = delete;
+
+  // Needs no sample rate as long as every tag in the list was set as a time.
+  I_EventTag* AddEvent(unsigned short wMain, unsigned short wSub, unsigned int dwTime,
+                       const char* pszDescription, unsigned int dwData) override;
+  void RemoveAllEvents() override;
+  I_CLArray<I_EventTag*>* GetEventsByTime(unsigned int dwTime) override;
+  I_CLArray<I_EventTag*>* GetEventsByCommand(unsigned short wMain, unsigned short wSub) override;
+  I_CLArray<I_EventTag*>* GetEventList() override { return &m_events; }
+  // Copies the tags as they stand when the call begins, so the own list may be given.
+  bool AddEvents(I_CLArray<I_EventTag*>* pList) override;
+  // Needs a sample rate: without one the program stops.
+  I_EventTag* AddEventBySamplePos(unsigned short wMain, unsigned short wSub,
+                                  unsigned int dwSamplePos, const char* pszDescription,
+                                  unsigned int dwData) override;
+  I_CLArray<I_EventTag*>* GetEventsBySamplePos(unsigned int dwSamplePos) override;
+  void SetSampleRate(unsigned int dwSampleRate) override;
+  unsigned int GetSampleRate() override { return m_dwSampleRate; }
+  bool RemoveEvent(int nIndex) override;
+  void RemoveEventsByTime(unsigned int dwTime) override;
+  void RemoveEventsBySamplePos(unsigned int dwSamplePos) override;
+  void RemoveEventsByCommand(unsigned short wMain, unsigned short wSub) override;
+  bool RemoveEventByTime(unsigned int dwTime, int nOccurrence) override;
+  bool RemoveEventBySamplePos(unsigned int dwSamplePos, int nOccurrence) override;
+  bool RemoveEventByCommand(unsigned short wMain, unsigned short wSub, int nOccurrence) override;
+
+  // The same as AddEventBySamplePos for each of them in turn, but n log n in their number as long
+  // as the list is in order of samples: a file may hold 100,000 of them at one moment.
+  void AddEventsBySamplePos(std::span<const S_SampleEvent> events);
+
+ private:
+  struct S_Ordering;
+  I_EventTag* Insert(std::unique_ptr<C_EventTag> tag, const S_Ordering& ordering);
+  int InsertPosition(unsigned int dwKey, const S_Ordering& ordering) const;
+  [[nodiscard]] bool IsInOrderOfSamples() const;
+  void MergeBySamplePos(std::vector<std::unique_ptr<C_EventTag>> tags);
+  template <typename Match>
+  I_CLArray<I_EventTag*>* Collect(Match match, const char* pszFunction);
+  template <typename Match>
+  void TakeOutAll(Match match, const char* pszFunction);
+  template <typename Match>
+  bool TakeOutOne(Match match, int nOccurrence, const char* pszFunction);
+
+  EventList m_events;
+  EventList m_found;
+  unsigned int m_dwSampleRate = 0;
+};

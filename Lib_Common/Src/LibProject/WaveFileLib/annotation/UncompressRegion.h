@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A stretch of samples that is to be stored without compression.
+// Both ends are inclusive and in samples; nothing checks their order.
+#pragma once
+
+#include "interface/I_SampleRange.h"
+
+// Kept: no virtual destructor, because the table of operations has five entries for the callers
+// that are built against it. Lists delete items through this type. Pinned by
+// Range_HasNoVirtualDestructor.
+class C_UncompressRegion final : public I_UncompressRegion {
+ public:
+  C_UncompressRegion(unsigned int dwStart, unsigned int dwEnd)
+      : m_dwStart(dwStart), m_dwEnd(dwEnd) {}
+
+  unsigned int GetStartSamplePos() override { return m_dwStart; }
+  unsigned int GetEndSamplePos() override { return m_dwEnd; }
+  // Wraps when the end is before the start.
+  unsigned int GetSampleSize() override { return m_dwEnd - m_dwStart + 1; }
+  void SetStartSamplePos(unsigned int dwPos) override { m_dwStart = dwPos; }
+  void SetEndSamplePos(unsigned int dwPos) override { m_dwEnd = dwPos; }
+
+  void SetUncompressRange(unsigned int dwStart, unsigned int dwEnd) {
+    m_dwStart = dwStart;
+    m_dwEnd = dwEnd;
+  }
+
+ private:
+  unsigned int m_dwStart;
+  unsigned int m_dwEnd;
+};

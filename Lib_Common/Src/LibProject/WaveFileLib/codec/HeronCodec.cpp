@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "codec/HeronCodec.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "ByteReader.h"
+#include "CheckedSize.h"
+#include "StdioFile.h"
+#include "TempFile.h"
+#include "codec/HeronDots.h"
+#include "codec/HeronEventStream.h"
+#include "codec/HeronStream.h"
+#include "heron/Configuration.h"
+#include "heron/FrameCoder.h"
+#include "interface/I_WavData.h"
+#include "sound/MonoMix.h"
+
+namespace {
+
+constexpr unsigned int kGroupFrames = 32;
+constexpr std::uint32_t kSampleBytes = 2;
+// The frame coder's rate control counts the head.
+static_assert(heronstream::kHeadBytes == heron::kHeadBytes);
+
+// The rate as the frame coder takes it; empty for one that it does not take.
+std::optional<int> CoderRate(I_WavData& wavData) {
+  const unsigned int dwSampleRate = wavData.GetWavInfo()->GetSampleRate();
+  const auto nSampleRate = static_cast<int>(std::min(dwSampleRate, unsigned{INT_MAX}));
+  return heron::IsSupportedSampleRate(nSampleRate) ? std::optional(nSampleRate) : std::nullopt;
+}
+
+struct S_Bytes {
+  std::unique_ptr<unsigned char[]> pbyData;
+  unsigned int dwLength = 0;
+
+  [[nodiscard]] std::span<const std::uint8_t> View() const { return {pbyData.get(), dwLength}; }
+};
+
+// What a temporary file holds when it has been written to its end. Empty when not everything
+// reached the disk, when it cannot be read back, and when its size does not fit 32 bits.
+std::optional<S_Bytes> ReadBack(vcm::C_TempFile& tempFile) {
+  if (!vcm::CloseChecked(tempFile.TakeStream())) return std::nullopt;
+  const auto file = vcm::OpenFile(tempFile.Path().c_str(), "rb");
+  const auto qwSize = file ? vcm::SizeAndSeekEnd(file.get()) : std::nullopt;
+  if (!qwSize || *qwSize > std::numeric_limits<unsigned int>::max()) return std::nullopt;
+  S_Bytes bytes;
+  bytes.dwLength = static_cast<unsigned int>(*qwSize);
+  bytes.pbyData = std::make_unique_for_overwrite<unsigned char[]>(bytes.dwLength);
+  const std::span<std::uint8_t> target(bytes.pbyData.get(), bytes.dwLength);
+  if (!vcm::SeekTo(file.get(), 0) || !vcm::ReadExact(file.get(), target)) return std::nullopt;
+  return bytes;
+}
+
+// Tells the caller and whoever watches how far the encoder is.
+class C_Progress {
+ public:
+  C_Progress(bool bVerbose, PFN_CodecProgress pfnProgress)
+      : m_dots(bVerbose), m_pfnProgress(pfnProgress) {}
+
+  void Begin(unsigned int dwFrames) { m_dwFrames = dwFrames; }
+  // Whole groups alone are reported, each once, and the last one by End.
+  void Advance(unsigned int dwFramesDone) {
+    m_dots.Advance(dwFramesDone, m_dwFrames);
+    const unsigned int dwGroups = dwFramesDone / kGroupFrames;
+    if (dwGroups <= m_dwGroups || dwGroups >= CountGroups()) return;
+    m_dwGroups = dwGroups;
+    Report(dwGroups);
+  }
+  void End(bool bDone) {
+    m_dots.End(bDone);
+    if (bDone) Report(CountGroups());
+  }
+
+ private:
+  [[nodiscard]] unsigned int CountGroups() const {
+    return m_dwFrames / kGroupFrames + (m_dwFrames % kGroupFrames == 0 ? 0 : 1);
+  }
+  void Report(unsigned int dwGroups) {
+    if (m_pfnProgress == nullptr) return;
+    S_CodecProgress progress;
+    progress.dwKind = S_CodecProgress::kProgress;
+    progress.dwValue = dwGroups;
+    m_pfnProgress(&progress);
+  }
+
+  C_HeronDots m_dots;
+  PFN_CodecProgress m_pfnProgress;
+  unsigned int m_dwFrames = 0;  // that there are
+  unsigned int m_dwGroups = 0;  // that were reported
+};
+
+// What is encoded, and as what.
+struct S_Task {
+  heronstream::S_Variant variant;
+  std::vector<short> samples;
+  int nSampleRate;
+  unsigned int dwSamplesPerFrame;
+
+  [[nodiscard]] unsigned int CountFrames() const {
+    return static_cast<unsigned int>((samples.size() + dwSamplesPerFrame - 1) / dwSamplesPerFrame);
+  }
+};
+
+std::optional<S_Task> MakeTask(I_WavData& wavData, unsigned int dwTypeCode) {
+  const auto variant = heronstream::VariantOfType(dwTypeCode);
+  const auto nSampleRate = CoderRate(wavData);
+  if (!variant || !nSampleRate) return std::nullopt;
+  auto samples = monomix::SamplesOf(wavData);
+  if (!samples || samples->empty()) return std::nullopt;
+  return S_Task{*variant, std::move(*samples), *nSampleRate,
+                static_cast<unsigned int>(heron::FrameLength(*nSampleRate))};
+}
+
+// Writes the coded audio behind the place of the head, which is not known yet.
+bool WriteAudio(const S_Task& task, C_Progress& progress, std::FILE* pFile) {
+  std::vector<unsigned char> coded;
+  const auto fnFrames = [&](unsigned int dwDone) { progress.Advance(dwDone); };
+  progress.Begin(task.CountFrames());
+  if (!heron::EncodeSamples(task.samples, task.nSampleRate, task.variant.nBitDepth, &coded,
+                            fnFrames)) {
+    return false;
+  }
+  vcm::C_ByteWriter placeholder;
+  placeholder.Zeros(heronstream::kHeadBytes);
+  return vcm::WriteExact(pFile, placeholder.Data()) && vcm::WriteExact(pFile, coded);
+}
+
+bool WriteEvents(const S_Task& task, I_EventTagMgr& eventMgr, std::FILE* pFile) {
+  const auto events = heronevents::EventsOf(eventMgr, task.dwSamplesPerFrame);
+  if (events.empty()) return true;
+  vcm::C_ByteWriter writer;
+  unsigned int dwGroups = 0;
+  heronevents::WriteEventStream({0, task.CountFrames()}, events, &dwGroups, &writer);
+  return vcm::WriteExact(pFile, writer.Data());
+}
+
+// Puts the head before the audio and the events behind it.
+bool Complete(const heronstream::S_Variant& variant, std::span<const std::uint8_t> events,
+              std::FILE* pFile) {
+  const auto qwAudioEnd = vcm::Tell(pFile);
+  const auto dwHead =
+      qwAudioEnd ? heronstream::MakeHead(variant, *qwAudioEnd, events.size()) : std::nullopt;
+  if (!dwHead) return false;
+  vcm::C_ByteWriter head;
+  head.U32(*dwHead);
+  return vcm::WriteExact(pFile, events) && vcm::SeekTo(pFile, 0) &&
+         vcm::WriteExact(pFile, head.Data());
+}
+
+std::optional<S_Bytes> EncodeStream(I_WavData& wavData, unsigned int dwTypeCode,
+                                    C_Progress& progress) {
+  vcm::C_TempFile audioFile("", "temp_enc");
+  vcm::C_TempFile eventFile("", "temp_evt");
+  if (audioFile.Stream() == nullptr || eventFile.Stream() == nullptr) return std::nullopt;
+  const auto task = MakeTask(wavData, dwTypeCode);
+  if (!task || !WriteAudio(*task, progress, audioFile.Stream()) ||
+      !WriteEvents(*task, *wavData.GetEventTagMgr(), eventFile.Stream())) {
+    return std::nullopt;
+  }
+  const auto events = ReadBack(eventFile);
+  if (!events || !Complete(task->variant, events->View(), audioFile.Stream())) return std::nullopt;
+  return ReadBack(audioFile);
+}
+
+// Replaces the PCM of a sound, whose sample rate stays.
+bool SetSamples(I_WavData& wavData, const std::vector<short>& samples) {
+  const auto dwLength = vcm::CheckedBytes(samples.size(), kSampleBytes);
+  if (!dwLength || *dwLength == 0) return false;
+  unsigned char* pbyPcm = wavData.AllocBuffer(*dwLength);
+  if (pbyPcm == nullptr) return false;
+  std::memcpy(pbyPcm, samples.data(), *dwLength);
+  wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), *dwLength, 1, 16, 16, true);
+  return true;
+}
+
+}  // namespace
+
+bool C_HeronCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen,
+                          I_WavData* piWavData) {
+  if (pbyEncData == nullptr || piWavData == nullptr) return false;
+  const auto audio = heronstream::FindAudio({pbyEncData, dwEncDataLen});
+  const auto nSampleRate = CoderRate(*piWavData);
+  std::vector<short> samples;
+  return audio && nSampleRate && heron::DecodeSamples(audio->coded, *nSampleRate, &samples) &&
+         SetSamples(*piWavData, samples);
+}
+
+bool C_HeronCodec::Encode(I_WavData* piWavData, unsigned int dwTypeCode,
+                          I_AudioCodecParam* /*piParam*/, PFN_CodecProgress pfnProgress,
+                          unsigned char** ppbyEncData, unsigned int* pdwEncDataLen) {
+  if (ppbyEncData == nullptr || pdwEncDataLen == nullptr) return false;
+  *ppbyEncData = nullptr;
+  *pdwEncDataLen = 0;
+  if (piWavData == nullptr) return false;
+  C_Progress progress(m_bVerbose, pfnProgress);
+  auto stream = EncodeStream(*piWavData, dwTypeCode, progress);
+  progress.End(stream.has_value());
+  if (!stream) return false;
+  *pdwEncDataLen = stream->dwLength;
+  *ppbyEncData = stream->pbyData.release();
+  return true;
+}

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How a Heron stream is put together. Little-endian:
+//
+//   offset size  field
+//   0      1     mode code: the variant, see the table in the .cpp
+//   1      3     offset of the event stream from the start of the stream, 0 when there is none
+//   4      n     coded audio (heron/FrameCoder.h)
+//   4 + n  m     event stream (HeronEventStream.h), to the end
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "interface/AudioFileType.h"
+
+namespace heronstream {
+
+constexpr std::size_t kHeadBytes = 4;
+
+struct S_Variant {
+  tagAudioFileType eType;
+  int nBitDepth;  // bits per sample
+  std::uint8_t byModeCode;
+};
+
+// Empty when dwType is no Heron kind.
+std::optional<S_Variant> VariantOfType(unsigned int dwType);
+
+// The head of a stream whose coded audio ends at qwAudioEnd, counted from the start of the stream,
+// and is followed by qwEvents bytes of events. Empty when the place of the events does not fit its
+// 24 bits.
+std::optional<std::uint32_t> MakeHead(const S_Variant& variant, std::uint64_t qwAudioEnd,
+                                      std::uint64_t qwEvents);
+
+struct S_Audio {
+  S_Variant variant;
+  std::span<const unsigned char> coded;
+};
+
+// The audio in a stream. Empty for a stream that no encoder writes: shorter than its head, of an
+// unknown mode, or with events that would begin inside the head or at the end or behind it.
+std::optional<S_Audio> FindAudio(std::span<const unsigned char> stream);
+
+}  // namespace heronstream

@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "codec/KestrelCodec.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "ByteReader.h"
+#include "StdioFile.h"
+#include "TempFile.h"
+#include "VcmAssert.h"
+#include "interface/I_WavData.h"
+#include "kestrel/FrameCoder.h"
+
+// The argument checks of this codec are for its developers: a release build answers false instead.
+#ifdef NDEBUG
+#define CODEC_ASSERT(bHolds, pszFunction, nLine, pszText) static_cast<void>(0)
+#else
+#define CODEC_ASSERT(bHolds, pszFunction, nLine, pszText) \
+  VCM_ASSERT(bHolds, pszFunction, "WaveFileLib/KestrelCodec", nLine, pszText)
+#endif
+
+namespace {
+
+// Kept: eight rates, although the coder takes every multiple of 800 from 4800 on, and decoding too:
+// these are the ones that devices in the field were tested with. Pinned by
+// IsSupportedBitRate_HoldsForEightRatesOnly.
+constexpr std::array<unsigned int, 8> kEncodeRates = {7200,  9600,  12000, 14400,
+                                                      16000, 20000, 24000, 32000};
+constexpr std::size_t kLengthField = 4;
+constexpr std::int64_t kWordBytes = 2;
+constexpr std::int64_t kSampleBytes = 2;
+// A length field that claims more than this many times what there is belongs to no Kestrel stream.
+constexpr std::uint64_t kMaxClaim = 16;
+
+// One frame as the coder takes it; the sizes come from its init.
+struct S_Frame {
+  std::vector<unsigned short> words;
+  std::vector<short> samples;
+};
+
+// Empty when the coder refuses the rate.
+std::optional<S_Frame> StartCoder(C_VXAudioCodec::PFN_Init pfnInit, unsigned int dwBitRate) {
+  int nWords = 0;
+  int nSamples = 0;
+  if (pfnInit(dwBitRate, &nWords, &nSamples) != 0) return std::nullopt;
+  return S_Frame{std::vector<unsigned short>(static_cast<std::size_t>(nWords)),
+                 std::vector<short>(static_cast<std::size_t>(nSamples))};
+}
+
+// A temporary file that was written to its end, opened again to be read.
+struct S_Result {
+  vcm::C_FilePtr file;
+  unsigned int dwSize;
+};
+
+// Empty when not everything reached the disk, or when the size does not fit 32 bits.
+std::optional<S_Result> Finish(vcm::C_TempFile& tempFile) {
+  if (!vcm::CloseChecked(tempFile.TakeStream())) return std::nullopt;
+  auto file = vcm::OpenFile(tempFile.Path().c_str(), "rb");
+  if (!file) return std::nullopt;
+  const auto qwSize = vcm::SizeAndSeekEnd(file.get());
+  if (!qwSize || *qwSize > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
+  if (!vcm::SeekTo(file.get(), 0)) return std::nullopt;
+  return S_Result{std::move(file), static_cast<unsigned int>(*qwSize)};
+}
+
+// ---- decoding
+
+// What the head of a stream claims, and the frames behind it.
+struct S_Stream {
+  unsigned int dwBitRate;
+  std::int64_t nWords;  // words that the length claims behind the head; negative: not even a head
+  vcm::C_ByteReader frames;
+};
+
+std::optional<S_Stream> ReadHead(std::span<const std::uint8_t> bytes) {
+  vcm::C_ByteReader reader(bytes);
+  const std::uint32_t dwClaimed = reader.U32();
+  const unsigned int dwBitRate = reader.U16();
+  if (!reader.Ok()) return std::nullopt;
+  if ((bytes.size() - kLengthField) * kMaxClaim < dwClaimed) return std::nullopt;
+  return S_Stream{dwBitRate, std::int64_t{dwClaimed / kWordBytes} - 1, reader};
+}
+
+// Frames that decoding will give: as many as claimed, but none that begins behind the last byte.
+std::int64_t CountFrames(const S_Stream& stream, std::int64_t nWordsPerFrame) {
+  const std::int64_t cbFrame = nWordsPerFrame * kWordBytes;
+  const auto cbHeld = static_cast<std::int64_t>(stream.frames.Remaining());
+  return std::min(stream.nWords / nWordsPerFrame, (cbHeld + cbFrame - 1) / cbFrame);
+}
+
+// The cursor reads 0 behind the last byte, which completes a frame that the end cuts.
+void TakeWords(vcm::C_ByteReader& reader, std::span<unsigned short> words) {
+  for (unsigned short& wWord : words) wWord = reader.U16();
+}
+
+bool WriteSamples(std::FILE* pFile, std::span<const short> samples) {
+  vcm::C_ByteWriter writer;
+  for (const short nSample : samples) writer.U16(static_cast<std::uint16_t>(nSample));
+  return vcm::WriteExact(pFile, writer.Data());
+}
+
+bool DecodeFrames(C_VXAudioCodec::PFN_DecodeFrame pfnDecodeFrame, S_Stream& stream, S_Frame& frame,
+                  std::FILE* pFile, PFN_DecodedData pfnData) {
+  const auto nWords = static_cast<std::int64_t>(frame.words.size());
+  const std::int64_t cbFrame = static_cast<std::int64_t>(frame.samples.size()) * kSampleBytes;
+  const std::int64_t nFrames = CountFrames(stream, nWords);
+  if (nFrames > std::numeric_limits<std::uint32_t>::max() / cbFrame) return false;
+  for (std::int64_t i = 0; i < nFrames; ++i) {
+    TakeWords(stream.frames, frame.words);
+    if (pfnDecodeFrame(frame.words.data(), frame.samples.data()) != 0) return false;
+    if (!WriteSamples(pFile, frame.samples)) return false;
+    if (pfnData != nullptr) pfnData(frame.samples.data(), static_cast<unsigned int>(cbFrame));
+  }
+  // Kept: a claim that ends within a frame fails the decode although all its whole frames were
+  // decoded and reported, so that files cut by faulty tools are noticed. Pinned by
+  // LengthThatLeavesAPartialFrame_FailsAfterAllWholeFrames.
+  return stream.nWords >= 0 && stream.nWords % nWords == 0;
+}
+
+// ---- encoding
+
+// The PCM of a sound; empty when it holds fewer bytes than its format says it has samples.
+std::span<const std::uint8_t> MonoPcm(I_WavData* piWavData) {
+  const std::uint8_t* pbyPcm = piWavData->GetBuffer();
+  const std::uint64_t qwSamples = piWavData->GetWavInfo()->GetSampleSize();
+  const std::uint64_t qwBytes = qwSamples * kSampleBytes;
+  if (pbyPcm == nullptr || qwBytes > piWavData->GetBufferLength()) return {};
+  return {pbyPcm, static_cast<std::size_t>(qwBytes)};
+}
+
+void Report(PFN_CodecProgress pfnProgress, unsigned int dwKind, unsigned int dwSamples) {
+  if (pfnProgress == nullptr) return;
+  S_CodecProgress progress;
+  progress.dwKind = dwKind;
+  progress.dwValue = dwSamples;
+  pfnProgress(&progress);
+}
+
+// Writes the frames of one stream behind its head.
+class C_FrameWriter {
+ public:
+  C_FrameWriter(C_VXAudioCodec::PFN_EncodeFrame pfnEncodeFrame, S_Frame frame, std::FILE* pFile)
+      : m_pfnEncodeFrame(pfnEncodeFrame), m_frame(std::move(frame)), m_pFile(pFile) {}
+
+  [[nodiscard]] std::size_t SamplesPerFrame() const { return m_frame.samples.size(); }
+
+  // The length is not known yet; until it is, its place is held by blanks.
+  bool WriteHead(unsigned int dwBitRate) {
+    vcm::C_ByteWriter writer;
+    writer.Text("    ", kLengthField);
+    writer.U16(static_cast<std::uint16_t>(dwBitRate));
+    return vcm::WriteExact(m_pFile, writer.Data());
+  }
+
+  // Encodes the samples at the reader, with silence where fewer than a frame are left.
+  bool Encode(vcm::C_ByteReader& reader) {
+    for (short& nSample : m_frame.samples) nSample = reader.I16();
+    return m_pfnEncodeFrame(m_frame.samples.data(), m_frame.words.data()) == 0;
+  }
+
+  bool Write() {
+    vcm::C_ByteWriter writer;
+    for (const unsigned short wWord : m_frame.words) writer.U16(wWord);
+    m_dwWords += static_cast<std::uint32_t>(m_frame.words.size());
+    return vcm::WriteExact(m_pFile, writer.Data());
+  }
+
+  bool WriteLength() {
+    vcm::C_ByteWriter writer;
+    writer.U32(m_dwWords * 2);
+    return vcm::SeekTo(m_pFile, 0) && vcm::WriteExact(m_pFile, writer.Data());
+  }
+
+ private:
+  C_VXAudioCodec::PFN_EncodeFrame m_pfnEncodeFrame;
+  S_Frame m_frame;
+  std::FILE* m_pFile;
+  std::uint32_t m_dwWords = 1;  // the bit rate counts
+};
+
+// Kept: the first whole frame is encoded but not written, and one frame of silence ends the stream.
+// The coder lags one frame behind, so that decoding gives the sound back in its place. Pinned by
+// EncodeThenDecode_IsAlignedInTime.
+bool EncodeFrames(C_FrameWriter& writer, std::span<const std::uint8_t> pcm,
+                  PFN_CodecProgress pfnProgress) {
+  vcm::C_ByteReader reader(pcm);
+  const std::size_t dwSamples = pcm.size() / kSampleBytes;
+  const std::size_t dwPerFrame = writer.SamplesPerFrame();
+  std::size_t dwDone = 0;
+  for (; dwSamples - dwDone >= dwPerFrame; dwDone += dwPerFrame) {
+    Report(pfnProgress, S_CodecProgress::kProgress, static_cast<unsigned int>(dwDone));
+    if (!writer.Encode(reader) || (dwDone > 0 && !writer.Write())) return false;
+  }
+  if (dwDone < dwSamples && !(writer.Encode(reader) && writer.Write())) return false;
+  vcm::C_ByteReader silence({});
+  return writer.Encode(silence) && writer.Write();
+}
+
+}  // namespace
+
+bool C_KestrelCodec::LoadCodec(unsigned int /*dwBitRate*/) {
+  m_pfnEncoderInit = KestrelEncoderInit;
+  m_pfnEncodeFrame = KestrelEncodeFrame;
+  m_pfnDecoderInit = KestrelDecoderInit;
+  m_pfnDecodeFrame = KestrelDecodeFrame;
+  return true;
+}
+
+bool C_KestrelCodec::IsSupportedBitRate(unsigned int dwBitRate) const {
+  return std::find(kEncodeRates.begin(), kEncodeRates.end(), dwBitRate) != kEncodeRates.end();
+}
+
+bool C_KestrelCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen,
+                            I_WavData* piWavData, PFN_DecodedData pfnData) {
+  CODEC_ASSERT(piWavData != nullptr, "Decode", __LINE__, "NULL != piWavData");
+  if (piWavData == nullptr || m_pfnDecoderInit == nullptr) return false;
+  vcm::C_TempFile pcmFile;
+  if (pcmFile.Stream() == nullptr || pbyEncData == nullptr) return false;
+  auto stream = ReadHead({pbyEncData, dwEncDataLen});
+  if (!stream) return false;
+  auto frame = StartCoder(m_pfnDecoderInit, stream->dwBitRate);
+  if (!frame) return false;
+  if (!DecodeFrames(m_pfnDecodeFrame, *stream, *frame, pcmFile.Stream(), pfnData)) return false;
+  const auto result = Finish(pcmFile);
+  if (!result) return false;
+  unsigned char* pbyPcm = piWavData->AllocBuffer(result->dwSize);
+  return pbyPcm != nullptr && vcm::ReadExact(result->file.get(), {pbyPcm, result->dwSize});
+}
+
+bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,
+                            unsigned char** ppbyEncData, unsigned int* pdwEncDataLen,
+                            PFN_CodecProgress pfnProgress) {
+  CODEC_ASSERT(piWavData != nullptr && ppbyEncData != nullptr && pdwEncDataLen != nullptr, "Encode",
+               __LINE__, "(NULL != piWavData) && (NULL != ppbyEncData) && (NULL != pdwEncDataLen)");
+  if (piWavData == nullptr || ppbyEncData == nullptr || pdwEncDataLen == nullptr) return false;
+  *ppbyEncData = nullptr;
+  *pdwEncDataLen = 0;
+  if (dwBitRate == 0) dwBitRate = kDefaultBitRate;
+  if (!IsSupportedBitRate(dwBitRate) || m_pfnEncoderInit == nullptr) return false;
+  const auto pcm = MonoPcm(piWavData);
+  if (pcm.empty()) return false;
+  const auto dwSamples = static_cast<unsigned int>(pcm.size() / kSampleBytes);
+  Report(pfnProgress, S_CodecProgress::kStart, dwSamples);
+  auto frame = StartCoder(m_pfnEncoderInit, dwBitRate);
+  vcm::C_TempFile streamFile;
+  if (!frame || streamFile.Stream() == nullptr) return false;
+  C_FrameWriter writer(m_pfnEncodeFrame, std::move(*frame), streamFile.Stream());
+  if (!writer.WriteHead(dwBitRate) || !EncodeFrames(writer, pcm, pfnProgress)) return false;
+  if (!writer.WriteLength()) return false;
+  Report(pfnProgress, S_CodecProgress::kProgress, dwSamples);
+  const auto result = Finish(streamFile);
+  if (!result) return false;
+  auto pbyStream = std::make_unique<unsigned char[]>(result->dwSize);
+  if (!vcm::ReadExact(result->file.get(), {pbyStream.get(), result->dwSize})) return false;
+  *pdwEncDataLen = result->dwSize;
+  *ppbyEncData = pbyStream.release();
+  return true;
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// IMA (DVI) ADPCM with codes of four and of three bits. A block of K channels:
+//
+//   offset size field
+//   0      4K   of each channel: its first sample (i16), step index (u8, taken as at most 88), a
+//               reserved byte
+//   4K     ..   groups: for each channel in turn eight codes in 4 bytes, or 32 codes in 12 bytes
+//
+// Four-bit codes lie low half first, three-bit codes in a stream of bits whose lowest comes first.
+// A code that the end of the block cuts is not decoded.
+#pragma once
+
+#include "compressed/MSAdpcmCodec.h"
+
+// Kept: sizes of four-bit sounds follow the rule of MS ADPCM, which counts 6 header bytes of each
+// channel though there are 4, and no sample in them though there is one, so that a sound whose last
+// block is partial ends five frames early, or more when that block lacks its own header; lengths
+// stored beside such sounds were computed like that. Pinned by FourBitSizes_CountSixHeaderBytes.
+class C_DVIAdpcmCodec : public C_MSAdpcmCodec {
+ public:
+  // (P - 1) / 8 groups at most.
+  bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
+                   short* pSamples, unsigned int dwBlockBytes, unsigned int dwCapacity) override;
+};
+
+class C_DVIAdpcm3BitCodec : public C_MSAdpcmCodec {
+ public:
+  // A rest of r bytes counts as (r - 6K) x 8 / 3 samples.
+  std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
+                                             unsigned int dwEncodedBytes) override;
+  bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
+                   short* pSamples, unsigned int dwBlockBytes, unsigned int dwCapacity) override;
+};

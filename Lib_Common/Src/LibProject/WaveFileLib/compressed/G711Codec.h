@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// G.711: one byte per sample, whatever the channels and the block align. The expansion values are
+// the library's own, see G711Codec.cpp.
+#pragma once
+
+#include "compressed/MSAdpcmCodec.h"
+
+// What both laws share. It stands under the block decoders, whose loop and block it inherits, and
+// is of no use by itself.
+class C_G711Codec : public C_MSAdpcmCodec {
+ public:
+  // Two bytes per encoded byte; nothing when that does not fit 32 bits.
+  std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
+                                             unsigned int dwEncodedBytes) override;
+};
+
+class C_MuLawCodec : public C_G711Codec {
+ public:
+  bool Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
+              unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) override;
+};
+
+class C_ALawCodec : public C_G711Codec {
+ public:
+  bool Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
+              unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) override;
+};

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "compressed/MSAdpcmCodec.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "CheckedSize.h"
+#include "chunk/WavFileCodecInfo.h"
+#include "compressed/CodecBuffer.h"
+#include "compressed/TablesAdpcm.h"
+
+namespace {
+
+constexpr unsigned int kHeaderBytes = 7;  // of each channel
+// What GetDecodedSize takes off a rest instead: the two samples in a header count as the byte that
+// their codes would take.
+constexpr std::int64_t kCountedHeader = 6;
+constexpr std::int64_t kMinDelta = 16;
+constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
+
+struct S_Channel {
+  S_MSAdpcmInfo::S_Coefficients coefficients;
+  int nDelta = 0;
+  short nSample1 = 0;  // the last one
+  short nSample2 = 0;  // the one before it
+};
+
+short NextSample(S_Channel& channel, unsigned int dwCode) {
+  const std::int64_t nCode = dwCode < 8 ? dwCode : std::int64_t{dwCode} - 16;
+  const std::int64_t nPrediction =
+      (std::int64_t{channel.nSample1} * channel.coefficients.nFirst +
+       std::int64_t{channel.nSample2} * channel.coefficients.nSecond) >>
+      8;
+  const std::int64_t nSample = nPrediction + channel.nDelta * nCode;
+  const std::int64_t nDelta = std::int64_t{channel.nDelta} * kMSAdpcmAdaptation[dwCode] >> 8;
+  channel.nDelta = static_cast<int>(std::clamp(nDelta, kMinDelta, kMaxDelta));
+  channel.nSample2 = channel.nSample1;
+  channel.nSample1 = static_cast<short>(std::clamp<std::int64_t>(nSample, -32768, 32767));
+  return channel.nSample1;
+}
+
+std::vector<S_Channel> ReadHeader(C_Buffer& block, const C_WavFileCodecInfo& codecInfo,
+                                  unsigned int dwChannels) {
+  std::vector<S_Channel> channels(dwChannels);
+  for (S_Channel& channel : channels)
+    channel.coefficients = codecInfo.GetMSADPCMCoefficients(block.GetByte());
+  for (S_Channel& channel : channels) channel.nDelta = block.GetShort();
+  for (S_Channel& channel : channels) channel.nSample1 = block.GetShort();
+  for (S_Channel& channel : channels) channel.nSample2 = block.GetShort();
+  return channels;
+}
+
+}  // namespace
+
+std::optional<unsigned int> C_MSAdpcmCodec::GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
+                                                           unsigned int dwEncodedBytes) {
+  return GetAdpcmSize(codecInfo, dwEncodedBytes, 2, 1);
+}
+
+// Kept: what is left behind the whole blocks is one more block however short it is, a single byte
+// included; a sound that ends within a block is heard up to there. Pinned by
+// OneByteBehindWholeBlocks_IsABlockOfItsOwn.
+bool C_MSAdpcmCodec::Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
+                            unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) {
+  const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
+  if (pcm.wBlockAlign == 0 || pcm.wChannels == 0) return true;
+  const std::uint64_t qwBlockOutput =
+      std::uint64_t{2} * codecInfo.GetSamplesPerBlock() * pcm.wChannels;
+  for (; dwEncodedBytes >= pcm.wBlockAlign; dwEncodedBytes -= pcm.wBlockAlign) {
+    const auto dwOutput =
+        static_cast<unsigned int>(std::min<std::uint64_t>(qwBlockOutput, dwCapacity));
+    DecodeBlock(codecInfo, pbyEncoded, pSamples, pcm.wBlockAlign, dwOutput);
+    pbyEncoded += pcm.wBlockAlign;
+    pSamples += dwOutput / sizeof(short);
+    dwCapacity -= dwOutput;
+  }
+  if (dwEncodedBytes > 0) DecodeBlock(codecInfo, pbyEncoded, pSamples, dwEncodedBytes, dwCapacity);
+  return true;
+}
+
+bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
+                                 short* pSamples, unsigned int dwBlockBytes,
+                                 unsigned int dwCapacity) {
+  const unsigned int dwChannels = codecInfo.GetPCMWAVEFORMAT().wChannels;
+  if (dwChannels == 0 || dwBlockBytes < kHeaderBytes * dwChannels) return true;
+  C_Buffer block(pbyBlock, dwBlockBytes);
+  C_Buffer output(reinterpret_cast<unsigned char*>(pSamples), dwCapacity);
+  std::vector<S_Channel> channels = ReadHeader(block, codecInfo, dwChannels);
+  for (const S_Channel& channel : channels) output.SetShort(channel.nSample2);
+  for (const S_Channel& channel : channels) output.SetShort(channel.nSample1);
+  for (std::size_t i = 0; !block.EOB() && !output.EOB(); i = (i + 1) % dwChannels)
+    output.SetShort(NextSample(channels[i], block.GetNibbleHighFirst()));
+  return true;
+}
+
+std::optional<unsigned int> C_MSAdpcmCodec::GetAdpcmSize(const C_WavFileCodecInfo& codecInfo,
+                                                         unsigned int dwEncodedBytes, int nSamples,
+                                                         int nBytes) {
+  const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
+  if (pcm.wBlockAlign == 0 || pcm.wChannels == 0) return 0;
+  // All factors at their largest still fit 64 bits, and what is cut off here fits no 32.
+  constexpr std::uint64_t kPlenty = std::uint64_t{1} << 40;
+  const std::uint64_t qwBlocks = dwEncodedBytes / pcm.wBlockAlign;
+  const std::uint64_t qwWhole = qwBlocks * codecInfo.GetSamplesPerBlock() * pcm.wChannels;
+  auto nTotal = static_cast<std::int64_t>(std::min(qwWhole, kPlenty));
+  const std::int64_t nRest = dwEncodedBytes % pcm.wBlockAlign;
+  if (nRest != 0) nTotal += (nRest - kCountedHeader * pcm.wChannels) * nSamples / nBytes;
+  return vcm::CheckedBytes(static_cast<std::uint64_t>(std::max<std::int64_t>(nTotal, 0)),
+                           sizeof(short));
+}

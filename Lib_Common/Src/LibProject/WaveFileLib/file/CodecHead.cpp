@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "file/CodecHead.h"
+
+#include <cstdint>
+#include <optional>
+
+#include "ByteReader.h"
+#include "StdioFile.h"
+#include "file/CodecVersionTable.h"
+
+namespace {
+
+bool HasNoHead(unsigned int dwType) {
+  return dwType == AUDIO_FILE_WAVE || dwType == AUDIO_FILE_VEMD || dwType == 0x1001;
+}
+
+// Kept: 0 for every name, as no codec is a library of its own here; readers know that version for a
+// codec that was built in. Pinned by CodecHead_OfALibrarysType_HasVersionZero.
+constexpr unsigned short VersionOfLibrary(const char* /*pszLibraryName*/) { return 0; }
+
+std::optional<unsigned short> VersionOf(unsigned int dwType) {
+  for (const S_CodecVersionRow& row : kCodecVersions) {
+    if (dwType < row.dwFirstType || dwType > row.dwLastType) continue;
+    return row.pszLibraryName == nullptr ? kFixedCodecVersion
+                                         : VersionOfLibrary(row.pszLibraryName);
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+// Kept: type and rate are written before the version is looked up, so that a type without one
+// leaves four bytes behind; tools tell by them which type was refused. Pinned by
+// CodecHead_OfAnUnknownType_LeavesFourBytesAndFails.
+bool WriteCodecHead(std::FILE* pFile, tagAudioFileType eType, unsigned int dwSampleRate) {
+  if (HasNoHead(eType)) return true;
+  vcm::C_ByteWriter writer;
+  writer.U16(static_cast<std::uint16_t>(eType));
+  writer.U16(static_cast<std::uint16_t>(dwSampleRate));
+  const std::optional<unsigned short> wVersion = VersionOf(eType);
+  if (wVersion) writer.U16(*wVersion);
+  return vcm::WriteExact(pFile, writer.Data()) && wVersion.has_value();
+}

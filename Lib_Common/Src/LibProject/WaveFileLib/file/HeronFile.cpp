@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "file/HeronFile.h"
+
+#include "VcmAssert.h"
+#include "codec/HeronCodec.h"
+
+namespace {
+
+constexpr const char* kSource = "WaveFileLib/HeronFile";
+
+}  // namespace
+
+bool C_HeronFileBase::WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
+                                PFN_CodecProgress pfnProgress, bool bForceEncode,
+                                unsigned int /*dwCodecOption*/) {
+  return WriteAs(m_eTargetType, pszFileName, bEncode, bWriteCodecHead, pfnProgress, bForceEncode);
+}
+
+bool C_HeronFileBase::DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
+                                   PFN_DecodedData /*pfnData*/) {
+  C_HeronCodec codec;
+  return codec.Decode(pbyStream, dwLength, GetWavData());
+}
+
+bool C_HeronFileBase::Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress,
+                             S_Stream* pStream) {
+  I_AudioCodecParam* piParam = GetAudioCodecParam();
+  VCM_ASSERT(piParam != nullptr, "Encode", kSource, __LINE__, "NULL != piParam");
+  C_HeronCodec codec;
+  unsigned char* pbyStream = nullptr;
+  if (!codec.Encode(piWavData, m_eTargetType, piParam, pfnProgress, &pbyStream, &pStream->dwLength))
+    return false;
+  pStream->pbyOwned.reset(pbyStream);
+  pStream->pbyData = pbyStream;
+  return true;
+}
+
+bool C_HeronFileBase::MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) {
+  I_WavData* pIWavData = GetWavData();
+  if (pIWavData == nullptr) return false;
+  // Kept: a stream that is there is stored as it is, also when the PCM was edited since; coding it
+  // again would cost quality, and who wants that forces it. Pinned by
+  // StreamThatIsThere_IsWrittenEvenWhenThePcmWasChanged.
+  if (ReusesStream(m_eTargetType)) return BorrowStream(pStream);
+  return Encode(pIWavData, pfnProgress, pStream);
+}

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Files that hold a Heron stream (HeronCodec.h) behind an SP header or in a VEF container: see
+// CodecFileBase.h.
+//
+// Every class opens the files of every variant: the stream says itself which one it is. They differ
+// in what they write.
+//
+// Kept: behind an SP header the identifiers of 4, 5 and 6 bits (32, 33, 34) are taken and those of
+// 2 and 3 bits (35, 36) are not: players in the field know the first three alone, and a header that
+// they cannot read must not come into use. Pinned by SpHeaderOfTwoOrThreeBits_IsRefused.
+#pragma once
+
+#include "file/CodecFileBase.h"
+
+class C_HeronFileBase : public C_CodecFileBase {
+ public:
+  // Writes the target type: see C_CodecFileBase::WriteAs. dwCodecOption has no effect.
+  bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
+                 PFN_CodecProgress pfnProgress, bool bForceEncode,
+                 unsigned int dwCodecOption) override;  // 23
+
+  // The variant that is written.
+  [[nodiscard]] tagAudioFileType GetTargetType() const { return m_eTargetType; }
+
+ protected:
+  explicit C_HeronFileBase(tagAudioFileType eTargetType)
+      : C_CodecFileBase({kHeronSpTypes, kKestrelTypes}), m_eTargetType(eTargetType) {}
+
+  void SetTargetType(tagAudioFileType eTargetType) { m_eTargetType = eTargetType; }
+
+ private:
+  // Nothing is handed to pfnData: a stream is decoded as a whole.
+  bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
+                    PFN_DecodedData pfnData) override;
+  bool Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress, S_Stream* pStream);
+  bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) override;
+
+  tagAudioFileType m_eTargetType;
+};
+
+// The files of one variant.
+template <tagAudioFileType eType>
+class C_HeronVariantFile : public C_HeronFileBase {
+ public:
+  C_HeronVariantFile() : C_HeronFileBase(eType) {}
+  ~C_HeronVariantFile() override = default;
+
+  bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
+                 PFN_CodecProgress pfnProgress, bool bForceEncode,
+                 unsigned int dwCodecOption) override {  // 23
+    SetTargetType(eType);
+    return C_HeronFileBase::WriteFile(pszFileName, bEncode, bWriteCodecHead, pfnProgress,
+                                      bForceEncode, dwCodecOption);
+  }
+};
+
+class C_Heron2BitFile : public C_HeronVariantFile<AUDIO_FILE_HERON_2BIT> {};
+class C_Heron3BitFile : public C_HeronVariantFile<AUDIO_FILE_HERON_3BIT> {};
+class C_Heron4BitFile : public C_HeronVariantFile<AUDIO_FILE_HERON_4BIT> {};
+class C_Heron5BitFile : public C_HeronVariantFile<AUDIO_FILE_HERON_5BIT> {};
+class C_Heron6BitFile : public C_HeronVariantFile<AUDIO_FILE_HERON_6BIT> {};

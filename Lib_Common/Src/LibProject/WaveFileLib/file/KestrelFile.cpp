@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "file/KestrelFile.h"
+
+#include "VcmAssert.h"
+#include "codec/KestrelCodec.h"
+
+namespace {
+
+constexpr const char* kSource = "WaveFileLib/KestrelFile";
+
+}  // namespace
+
+bool C_KestrelFile::WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
+                              PFN_CodecProgress pfnProgress, bool bForceEncode,
+                              unsigned int /*dwCodecOption*/) {
+  return WriteAs(AUDIO_FILE_KESTREL, pszFileName, bEncode, bWriteCodecHead, pfnProgress,
+                 bForceEncode);
+}
+
+bool C_KestrelFile::DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
+                                 PFN_DecodedData pfnData) {
+  I_AudioCodecParam* piParam = GetAudioCodecParam();
+  VCM_ASSERT(piParam != nullptr, "Decode", kSource, __LINE__, "NULL != piParam");
+  C_KestrelCodec codec;
+  return codec.LoadCodec(piParam->GetBitRate()) &&
+         codec.Decode(pbyStream, dwLength, GetWavData(), pfnData);
+}
+
+bool C_KestrelFile::Encode(I_WavData* pIMonoData, PFN_CodecProgress pfnProgress,
+                           S_Stream* pStream) {
+  I_AudioCodecParam* piParam = GetAudioCodecParam();
+  VCM_ASSERT(piParam != nullptr, "Encode", kSource, __LINE__, "NULL != piParam");
+  const unsigned int dwBitRate = piParam->GetBitRate();
+  C_KestrelCodec codec;
+  unsigned char* pbyStream = nullptr;
+  if (!codec.LoadCodec(dwBitRate)) return false;
+  if (!codec.Encode(pIMonoData, dwBitRate, &pbyStream, &pStream->dwLength, pfnProgress))
+    return false;
+  pStream->pbyOwned.reset(pbyStream);
+  pStream->pbyData = pbyStream;
+  return true;
+}
+
+bool C_KestrelFile::MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) {
+  I_WavData* pIWavData = GetWavData();
+  if (pIWavData == nullptr) return false;
+  const C_WavDataPtr mono(pIWavData->CreateBitsConvertedData(16, 16, true, true));
+  if (!mono) return false;
+  mono->ConvertToMono();
+  // Kept: a stream that is there is stored as it is, also when the PCM was edited since; coding it
+  // again would cost quality, and who wants that forces it. Pinned by
+  // WriteFile_AfterALoad_WritesTheLoadedStreamEvenWhenThePcmWasChanged.
+  if (ReusesStream(AUDIO_FILE_KESTREL)) return BorrowStream(pStream);
+  return Encode(mono.get(), pfnProgress, pStream);
+}

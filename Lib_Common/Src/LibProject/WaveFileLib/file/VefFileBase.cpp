@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "file/VefFileBase.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+#include "ByteReader.h"
+#include "RiffFile.h"
+#include "VcmAssert.h"
+#include "file/VefLabels.h"
+#include "file/WavChunks.h"
+#include "interface/I_WavDataInfo.h"
+
+namespace {
+
+constexpr const char* kSource = "WaveFileLib/VefFile";
+constexpr vcm::S_AssertSite kWriteSite{"WriteVef", kSource};
+constexpr vcm::S_AssertSite kCheckSite{"CheckFormat", kSource};
+constexpr const char* kFormType = "VEFF";
+constexpr const char* kCodecFormat = "vafm";
+constexpr const char* kStream = "vdat";
+constexpr const char* kEvents = "vevt";
+// What the container says itself is nobody's extra chunk.
+constexpr std::array<const char*, 2> kOwnChunks = {kCodecFormat, kStream};
+constexpr unsigned int kCodecFormatBytes = 16;
+constexpr unsigned short kCodecFormatVersion = 256;
+
+bool AddCodecFormat(C_RiffFile& riff, I_WavData& wavData, I_AudioCodecParam& param,
+                    tagAudioFileType eType) {
+  I_WavInfo& info = *wavData.GetWavInfo();
+  vcm::C_ByteWriter writer;
+  writer.U16(kCodecFormatVersion);
+  writer.U16(static_cast<std::uint16_t>(eType));
+  // Kept: rates from 65536 Hz on lose their upper bits; the field never grew, and readers take the
+  // rate from the format chunk. Pinned by CodecFormat_KeepsTheLowHalfOfTheRate.
+  writer.U16(static_cast<std::uint16_t>(info.GetSampleRate()));
+  writer.U32(param.GetBitRate());
+  writer.U8(static_cast<std::uint8_t>(info.GetChannels()));
+  writer.U8(static_cast<std::uint8_t>(param.GetPlatform()));
+  writer.U32(0);
+  return wavchunks::AddChunk(riff, kCodecFormat, writer.Data().data(), kCodecFormatBytes);
+}
+
+// The type code of a "vafm" chunk that counts.
+std::optional<unsigned int> TypeOf(C_RiffChunk& chunk) {
+  std::array<std::uint8_t, kCodecFormatBytes> record{};
+  if (!chunk.GetData(record.data(), kCodecFormatBytes, 0)) return std::nullopt;
+  vcm::C_ByteReader reader(record);
+  if (reader.U16() != kCodecFormatVersion) return std::nullopt;
+  return reader.U16();
+}
+
+// Linear when the container does not say.
+unsigned int CodingTypeOf(C_RiffFile& riff) {
+  std::optional<unsigned int> dwType;
+  for (int i = 0; i < riff.GetChunkCount() && !dwType; ++i) {
+    C_RiffChunk& chunk = *riff.GetChunkAt(i);
+    if (chunk.HasChunkID(kCodecFormat)) dwType = TypeOf(chunk);
+  }
+  return dwType.value_or(C_WavFileBase::kCodingLinear);
+}
+
+template <typename Info>
+Info& ExistingInfo(C_WavFileBase& file, tagWavDataInfo eType, const vcm::S_AssertSite& site,
+                   const char* pszText) {
+  auto* pInfo = wavchunks::InfoOf<Info>(file, eType);
+  VCM_ASSERT(pInfo != nullptr, site.pszFunction, site.pszSource, __LINE__, pszText);
+  return *pInfo;
+}
+
+I_WavDataCueInfo& CueInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
+  return ExistingInfo<I_WavDataCueInfo>(file, WAV_DATA_INFO_CUE, site,
+                                        "bRet && (pICueInfo != NULL)");
+}
+
+I_WavDataSamplerInfo& SamplerInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
+  return ExistingInfo<I_WavDataSamplerInfo>(file, WAV_DATA_INFO_SAMPLER, site,
+                                            "bRet && (pISamplerInfo != NULL)");
+}
+
+I_WavDataListInfo& ListInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
+  return ExistingInfo<I_WavDataListInfo>(file, WAV_DATA_INFO_LIST, site,
+                                         "bRet && (pIListInfo != NULL)");
+}
+
+I_WavDataExtraChunkInfo& ExtraChunkInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
+  return ExistingInfo<I_WavDataExtraChunkInfo>(file, WAV_DATA_INFO_EXTRA_CHUNK, site,
+                                               "bRet && (pIExtraChunkInfo != NULL)");
+}
+
+}  // namespace
+
+bool C_VefFileBase::LoadVDATChunk(const char* pszFileName,
+                                  std::unique_ptr<unsigned char[]>* ppbyData,
+                                  unsigned int* pdwLength) {
+  ppbyData->reset();
+  *pdwLength = 0;
+  C_RiffFile riff;
+  if (!riff.Open(pszFileName, kFormType)) return false;
+  I_AudioCodecParam* piParam = GetAudioCodecParam();
+  VCM_ASSERT(nullptr != piParam, "LoadVDATChunk", kSource, __LINE__, "NULL != piParam");
+  // Kept: the first one counts, while of other chunks the last does; streams that are appended
+  // later are for players that know more. Pinned by LoadVDATChunk_GivesTheFirstOfTwo.
+  C_RiffChunk* pChunk = riff.FindChunk(kStream, 0);
+  if (pChunk == nullptr) return true;
+  const unsigned int dwLength = pChunk->GetDataLength();
+  // Reads the payload, or learns that the file does not hold it, before memory is asked for.
+  if (!pChunk->GetData(nullptr, 0, 0)) return false;
+  const std::size_t cbMore = piParam->GetPlatform() == AUDIO_CODEC_PLATFORM_FALLBACK ? 1 : 0;
+  auto pbyData = std::make_unique<unsigned char[]>(std::size_t{dwLength} + cbMore);
+  if (!pChunk->GetData(pbyData.get(), dwLength, 0)) return false;
+  *ppbyData = std::move(pbyData);
+  *pdwLength = dwLength;
+  return true;
+}
+
+bool C_VefFileBase::WriteVef(const char* pszFileName, const char* pszFormType, bool bHeader,
+                             tagAudioFileType eType) {
+  I_WavData* pIWavData = GetWavData();
+  if (pIWavData == nullptr) return false;
+  const std::optional<C_WavDataPtr> converted = wavchunks::ConvertForWriting(*pIWavData);
+  if (!converted) return false;
+  I_WavData& written = *converted ? **converted : *pIWavData;
+  RegenerateEvents();
+  C_RiffFile riff;
+  if (!wavchunks::AddSound(riff, written) || !wavchunks::AddCues(riff, *this) ||
+      !wavchunks::AddSampler(riff, *this, kWriteSite) || !wavchunks::AddLabels(riff, *this))
+    return false;
+  if (bHeader &&
+      !(AddCodecFormat(riff, written, *GetAudioCodecParam(), eType) && WriteDataChunk(&riff)))
+    return false;
+  return wavchunks::AddExtraChunks(riff, *this, kWriteSite, kOwnChunks) &&
+         riff.Save(pszFileName, pszFormType);
+}
+
+bool C_VefFileBase::CheckVefFormat(const char* pszFileName, bool bWithInfo,
+                                   const S_AudioFileTypes& foreign) {
+  C_RiffFile riff;
+  if (!riff.Open(pszFileName, kFormType)) return false;
+  if (!FindFormatAndData(riff) || m_codecInfo.GetFormatTag() != WAVE_TAG_PCM) return false;
+  const unsigned int dwType = CodingTypeOf(riff);
+  if (foreign.Has(dwType)) return false;
+  if (!bWithInfo) return true;
+  PrepareWavData();
+  SetCodingType(dwType);
+  SetLinearForm(m_dwDataLength, m_wStoredBits);
+  if (!ForgetStream()) return false;
+  return LoadVefInfo(riff);
+}
+
+bool C_VefFileBase::LoadVefAsStored() {
+  if (GetWavData() == nullptr) return false;
+  const vcm::C_FilePtr file = vcm::OpenFile(GetFileName(), "rb");
+  return file && LoadStoredPcm(file.get());
+}
+
+bool C_VefFileBase::AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData,
+                                 unsigned int dwLength) {
+  return wavchunks::AddChunk(riff, kStream, pbyData, dwLength);
+}
+
+bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {
+  ForgetAnnotations();
+  for (int i = 0; i < riff.GetChunkCount(); ++i) {
+    C_RiffChunk& chunk = *riff.GetChunkAt(i);
+    bool bLoaded = true;
+    if (chunk.HasChunkID("cue "))
+      bLoaded = CueInfo(*this, kCheckSite).LoadInfo(&chunk);
+    else if (chunk.HasChunkID("smpl"))
+      bLoaded = SamplerInfo(*this, kCheckSite).LoadInfo(&chunk);
+    else if (chunk.HasChunkID("LIST"))
+      bLoaded = ListInfo(*this, kCheckSite).LoadInfo(&chunk);
+    else if (chunk.HasChunkID(kEvents))
+      // What cannot be read is left out: a file that was cut here still has its sound.
+      static_cast<void>(ExtraChunkInfo(*this, kCheckSite).AddRiffChunk(kEvents, &chunk));
+    if (!bLoaded) return false;
+  }
+  veflabels::LoadEvents(*GetWavData(), ListInfo(*this, kCheckSite), CueInfo(*this, kCheckSite));
+  return true;
+}
+
+// A container says all that there is to say about its sound: nothing of an earlier file, or of an
+// earlier attempt at this one, may be added to it.
+void C_VefFileBase::ForgetAnnotations() {
+  CueInfo(*this, kCheckSite).Reset();
+  SamplerInfo(*this, kCheckSite).Reset();
+  ListInfo(*this, kCheckSite).RemoveAllLabels();
+  ListInfo(*this, kCheckSite).RemoveAllLtxts();
+  ExtraChunkInfo(*this, kCheckSite).RemoveAll();
+}
+
+// The stream of an earlier file would be written beside the samples of this one.
+bool C_VefFileBase::ForgetStream() {
+  GetWavData()->SetEncType(AUDIO_FILE_UNKNOWN);
+  return GetWavData()->SetEncBuffer(nullptr, 0);
+}
+
+void C_VefFileBase::RegenerateEvents() {
+  I_WavDataCueInfo& cueInfo = CueInfo(*this, kWriteSite);
+  I_WavDataListInfo& listInfo = ListInfo(*this, kWriteSite);
+  veflabels::SaveEvents(*GetWavData(), listInfo, cueInfo, SamplerInfo(*this, kWriteSite));
+}

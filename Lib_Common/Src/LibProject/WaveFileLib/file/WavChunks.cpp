@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "file/WavChunks.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "ByteReader.h"
+
+namespace wavchunks {
+namespace {
+
+struct S_SampleForm {
+  unsigned short wBits = 0;
+  unsigned short wStoreBits = 0;
+  bool bSigned = false;
+
+  friend bool operator==(const S_SampleForm&, const S_SampleForm&) = default;
+};
+
+S_SampleForm FormOf(I_WavInfo& info) {
+  return {info.GetBitsPerSample(), info.GetStoreBitsPerSample(), info.IsValueSigned()};
+}
+
+// 12-bit samples are ours alone: no reader of sound files would scale them right.
+S_SampleForm FormToWrite(I_WavData& wavData) {
+  I_AudioCodecParam& param = *wavData.GetAudioCodecParam();
+  S_SampleForm form = FormOf(*wavData.GetWavInfo());
+  if (param.IsSampleBitsSet())
+    param.GetSampleBits(&form.wBits, &form.wStoreBits, &form.bSigned);
+  else if (form.wBits == 12)
+    form = {16, 16, true};
+  return form;
+}
+
+bool AddFormat(C_RiffFile& riff, I_WavInfo& info) {
+  S_PcmFormatRecord record;
+  info.GetWaveFormat(&record);
+  vcm::C_ByteWriter writer;
+  writer.U16(record.wFormatTag);
+  writer.U16(record.wChannels);
+  writer.U32(record.dwSamplesPerSec);
+  writer.U32(record.dwAvgBytesPerSec);
+  writer.U16(record.wBlockAlign);
+  writer.U16(record.wBitsPerSample);
+  return AddChunk(riff, "fmt ", writer.Data().data(), S_PcmFormatRecord::kBytes);
+}
+
+template <typename Info>
+bool AddInfo(C_RiffFile& riff, const char* pszID, Info& info) {
+  C_RiffChunk* pChunk = riff.AddChunk(pszID, info.GetChunkLength());
+  return pChunk != nullptr && info.SaveInfo(pChunk);
+}
+
+bool IsAmong(std::span<const char* const> names, const char* pszName) {
+  return std::any_of(names.begin(), names.end(), [pszName](const char* pszOmitted) {
+    return std::memcmp(pszOmitted, pszName, 4) == 0;
+  });
+}
+
+}  // namespace
+
+std::optional<C_WavDataPtr> ConvertForWriting(I_WavData& wavData) {
+  const S_SampleForm form = FormToWrite(wavData);
+  C_WavDataPtr converted;
+  if (form == FormOf(*wavData.GetWavInfo())) return converted;
+  converted.reset(wavData.CreateBitsConvertedData(form.wBits, form.wStoreBits, form.bSigned,
+                                                  /*bExact=*/true));
+  if (!converted) return std::nullopt;
+  return converted;
+}
+
+bool AddChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned int dwLength) {
+  if (dwLength > 0 && pData == nullptr) return false;
+  C_RiffChunk* pChunk = riff.AddChunk(pszID, dwLength);
+  if (pChunk == nullptr) return false;
+  pChunk->SetData(pData);
+  return true;
+}
+
+bool AddSound(C_RiffFile& riff, I_WavData& wavData) {
+  return AddFormat(riff, *wavData.GetWavInfo()) &&
+         AddChunk(riff, "data", wavData.GetBuffer(), wavData.GetBufferLength());
+}
+
+bool AddCues(C_RiffFile& riff, C_WavFileBase& file) {
+  auto* pICueInfo = InfoOf<I_WavDataCueInfo>(file, WAV_DATA_INFO_CUE);
+  if (pICueInfo == nullptr) return false;
+  return !pICueInfo->IsValid() || AddInfo(riff, "cue ", *pICueInfo);
+}
+
+bool AddSampler(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSite& site) {
+  auto* pISamplerInfo = InfoOf<I_WavDataSamplerInfo>(file, WAV_DATA_INFO_SAMPLER);
+  VCM_ASSERT(pISamplerInfo != nullptr, site.pszFunction, site.pszSource, __LINE__,
+             "bRet && (pISamplerInfo != NULL)");
+  return !pISamplerInfo->IsValid() || AddInfo(riff, "smpl", *pISamplerInfo);
+}
+
+bool AddLabels(C_RiffFile& riff, C_WavFileBase& file) {
+  auto* pIListInfo = InfoOf<I_WavDataListInfo>(file, WAV_DATA_INFO_LIST);
+  if (pIListInfo == nullptr) return false;
+  const bool bEmpty = pIListInfo->GetLabelCount() == 0 && pIListInfo->GetLtxtCount() == 0;
+  return bEmpty || AddInfo(riff, "LIST", *pIListInfo);
+}
+
+bool AddExtraChunks(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSite& site,
+                    std::span<const char* const> omitted) {
+  auto* pIExtraChunkInfo = InfoOf<I_WavDataExtraChunkInfo>(file, WAV_DATA_INFO_EXTRA_CHUNK);
+  VCM_ASSERT(pIExtraChunkInfo != nullptr, site.pszFunction, site.pszSource, __LINE__,
+             "bRet && (pIExtraChunkInfo != NULL)");
+  for (int i = 0; i < pIExtraChunkInfo->GetSize(); ++i) {
+    I_WavDataExtraChunk* pIExtraChunk = pIExtraChunkInfo->GetItemByIndex(i);
+    VCM_ASSERT(nullptr != pIExtraChunk, site.pszFunction, site.pszSource, __LINE__,
+               "NULL != pIExtraChunk");
+    unsigned char* pbyData = nullptr;
+    const unsigned int dwLength = pIExtraChunk->GetChunkData(&pbyData);
+    if (dwLength == 0 || IsAmong(omitted, pIExtraChunk->GetChunkName())) continue;
+    if (!AddChunk(riff, pIExtraChunk->GetChunkName(), pbyData, dwLength)) return false;
+  }
+  return true;
+}
+
+}  // namespace wavchunks

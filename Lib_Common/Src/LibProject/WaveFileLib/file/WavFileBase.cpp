@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "file/WavFileBase.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "RiffFile.h"
+#include "VcmAssert.h"
+#include "sound/WavData.h"
+
+namespace {
+
+constexpr const char* kSource = "WaveFileLib/WavFile";
+
+}  // namespace
+
+C_WavFileBase::~C_WavFileBase() { SafeDeleteWavData(); }
+
+int C_WavFileBase::AddRef() { return ++m_nRefCount; }
+
+// Kept: the creator's reference is not counted, so the call that ends a new object answers 0 as the
+// one before it would; callers pair each AddRef with one Release and add one for the creation.
+// Pinned by Release_EndsTheObjectOnlyWhenNoExtraReferenceIsLeft.
+int C_WavFileBase::Release() {
+  if (m_nRefCount < 1) {
+    delete this;
+    return 0;
+  }
+  return --m_nRefCount;
+}
+
+I_WavInfo* C_WavFileBase::GetWavInfo() {
+  return m_pIWavData == nullptr ? nullptr : m_pIWavData->GetWavInfo();
+}
+
+void C_WavFileBase::AttachWavData(I_WavData* pIWavData) {
+  SafeDeleteWavData();
+  m_pIWavData = pIWavData;
+  m_bAttached = pIWavData != nullptr;
+  if (m_bAttached) SetEventSampleRate();
+}
+
+I_WavData* C_WavFileBase::DetachWavData() {
+  if (!m_bAttached) return nullptr;
+  m_bAttached = false;
+  return std::exchange(m_pIWavData, nullptr);
+}
+
+unsigned char* C_WavFileBase::GetWavDataBuffer() {
+  return m_pIWavData == nullptr ? nullptr : m_pIWavData->GetBuffer();
+}
+
+bool C_WavFileBase::CopyWavData(I_WavData* pSrc) { return PrepareWavData()->CopyWavData(pSrc); }
+
+void C_WavFileBase::SetWavInfo(I_WavInfo* pIWavInfo) { PrepareWavData()->SetWavInfo(pIWavInfo); }
+
+void C_WavFileBase::SetWavInfoData(unsigned int dwSampleRate, unsigned short wChannels,
+                                   unsigned short wBitsPerSample,
+                                   unsigned short wStoreBitsPerSample, bool bValueSigned) {
+  I_WavData* pIWavData = PrepareWavData();
+  pIWavData->SetWavInfoData(dwSampleRate, pIWavData->GetBufferLength(), wChannels, wBitsPerSample,
+                            wStoreBitsPerSample, bValueSigned);
+}
+
+bool C_WavFileBase::SetBuffer(const void* pData, unsigned int dwLength) {
+  return PrepareWavData()->SetBuffer(pData, dwLength);
+}
+
+I_AudioCodecParam* C_WavFileBase::GetAudioCodecParam() {
+  return PrepareWavData()->GetAudioCodecParam();
+}
+
+bool C_WavFileBase::Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
+                            bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
+                            unsigned int dwCodecOption) {
+  return m_pIWavData != nullptr &&
+         m_pIWavData->Convert(eType, pszFileName, bEncode, bWriteCodecHead, pfnProgress,
+                              bForceEncode, dwCodecOption);
+}
+
+bool C_WavFileBase::GetDataInfo(int nType, void** ppInfo) {
+  *ppInfo = nullptr;
+  return m_pIWavData != nullptr && m_pIWavData->GetInfo(nType, ppInfo);
+}
+
+bool C_WavFileBase::OpenByName(const char* pszFileName) {
+  if (pszFileName == nullptr || std::strlen(pszFileName) >= kFileNameField) return false;
+  return CheckFormat(pszFileName, true) && KeepNameAndLength(pszFileName);
+}
+
+bool C_WavFileBase::LoadByName(const char* pszFileName, bool bKeepEncoded,
+                               const char* pszCodecOption, PFN_DecodedData pfnData) {
+  if (!OpenByName(pszFileName) || !LoadData(bKeepEncoded, pszCodecOption, pfnData)) return false;
+  SetEventSampleRate();
+  return true;
+}
+
+I_WavData* C_WavFileBase::PrepareWavData() {
+  if (m_pIWavData == nullptr) m_pIWavData = new C_WavData;
+  return m_pIWavData;
+}
+
+void C_WavFileBase::SafeDeleteWavData() {
+  if (m_pIWavData == nullptr || m_bAttached) return;
+  m_pIWavData->Release();
+  m_pIWavData = nullptr;
+}
+
+bool C_WavFileBase::FindFormatAndData(C_RiffFile& riff) {
+  m_codecInfo.Clear();
+  m_dwDataLength = 0;
+  m_dwDataStartPos = 0;
+  for (int i = 0; i < riff.GetChunkCount(); ++i) {
+    C_RiffChunk* pChunk = riff.GetChunkAt(i);
+    VCM_ASSERT(pChunk != nullptr, "CheckFormat", kSource, __LINE__, "pChunk != NULL");
+    if (pChunk->HasChunkID("fmt ")) {
+      if (!TakeFormat(*pChunk)) return false;
+    } else if (pChunk->HasChunkID("data")) {
+      m_dwDataStartPos = pChunk->GetDataPos();
+      m_dwDataLength = pChunk->GetDataLength();
+    }
+  }
+  return true;
+}
+
+void C_WavFileBase::SetLinearForm(unsigned int dwByteLength, unsigned short wBits) {
+  const S_PcmFormatRecord record = m_codecInfo.GetPCMWAVEFORMAT();
+  // Samples of an earlier file would be fewer than the new length says.
+  m_pIWavData->AttachBuffer(nullptr, 0);
+  m_pIWavData->DetachBuffer();
+  m_pIWavData->SetWavInfoData(record.dwSamplesPerSec, dwByteLength, record.wChannels, wBits, wBits,
+                              wBits > 8);
+}
+
+// Kept: a file cut within its samples loads all the same, at its full length with silence where
+// nothing is left; recordings broken off on the way stay playable. Pinned by
+// MissingTailOfTheDataIsZero.
+bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
+  const std::uint64_t dwLength = m_pIWavData->GetBufferLength();
+  const std::optional<std::uint64_t> qwFileSize = vcm::SizeAndSeekEnd(pFile);
+  if (!qwFileSize) return false;
+  const std::uint64_t qwHeld = *qwFileSize - std::min<std::uint64_t>(*qwFileSize, m_dwDataStartPos);
+  if (dwLength > qwHeld && dwLength - qwHeld > kMaxMissingBytes) return false;
+  unsigned char* pbyPcm = m_pIWavData->AllocBuffer(static_cast<unsigned int>(dwLength));
+  if (pbyPcm == nullptr) return dwLength == 0;
+  const std::span<std::uint8_t> pcm(pbyPcm, dwLength);
+  if (!vcm::SeekTo(pFile, m_dwDataStartPos)) return false;
+  const std::size_t cbRead = vcm::ReadSome(pFile, pcm);
+  const auto missing = pcm.subspan(cbRead);
+  std::fill(missing.begin(), missing.end(), std::uint8_t{0});
+  return true;
+}
+
+bool C_WavFileBase::TakeFormat(C_RiffChunk& chunk) {
+  const unsigned int dwLength = std::min(chunk.GetDataLength(), C_WavFileCodecInfo::kMaxBytes);
+  std::vector<std::uint8_t> payload(dwLength);
+  if (!chunk.GetData(payload.data(), dwLength, 0) || !m_codecInfo.SetFormat(payload)) return false;
+  m_dwFormatPos = chunk.GetDataPos();
+  m_wStoredBits = m_codecInfo.GetPCMWAVEFORMAT().wBitsPerSample;
+  return true;
+}
+
+bool C_WavFileBase::KeepNameAndLength(const char* pszFileName) {
+  const vcm::C_FilePtr file = vcm::OpenFile(pszFileName, "rb");
+  const auto qwLength = file ? vcm::SizeAndSeekEnd(file.get()) : std::nullopt;
+  if (!qwLength || *qwLength > std::numeric_limits<unsigned int>::max()) return false;
+  m_strFileName = pszFileName;
+  m_dwFileLength = static_cast<unsigned int>(*qwLength);
+  return true;
+}
+
+void C_WavFileBase::SetEventSampleRate() {
+  m_pIWavData->GetEventTagMgr()->SetSampleRate(m_pIWavData->GetWavInfo()->GetSampleRate());
+}

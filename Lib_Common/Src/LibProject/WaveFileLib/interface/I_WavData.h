@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// One sound with everything that travels with it: format, PCM, encoded form, events, codec
+// parameters, silence segments, uncompressed regions and informational chunks. Reference-counted;
+// one object is used by one thread at a time.
+#pragma once
+
+#include <memory>
+
+#include "CLArray.h"
+#include "interface/AudioFileType.h"
+#include "interface/CodecCallback.h"
+#include "interface/I_AudioCodecParam.h"
+#include "interface/I_EventTag.h"
+#include "interface/I_SampleRange.h"
+#include "interface/I_WavDataBuffer.h"
+#include "interface/I_WavInfo.h"
+
+// Positions and counts are in sample frames; the ends of ranges of samples and of channels are
+// inclusive.
+class I_WavData {
+ public:
+  using SilenceList = I_CLArray<I_SilenceSegment*>;
+  using RegionList = I_CLArray<I_UncompressRegion*>;
+
+  virtual int AddRef() = 0;  // 1, the new count
+  // Deletes the object when the count is below 1; otherwise the new count. A new object has count
+  // 0: it lives until one more Release than AddRef calls.
+  virtual int Release() = 0;  // 2
+  // Borrowed pointers, valid as long as the object (buffers: until the next change).
+  virtual I_WavInfo* GetWavInfo() = 0;         // 3
+  virtual unsigned char* GetBuffer() = 0;      // 4, the PCM; null when there is none
+  virtual unsigned char* GetEncBuffer() = 0;   // 5, the encoded form; null when there is none
+  virtual unsigned int GetBufferLength() = 0;  // 6, bytes, as the wave info says
+  virtual unsigned int GetEncBufferLen() = 0;  // 7, bytes, as the wave info says
+  virtual tagAudioFileType GetEncType() = 0;   // 8
+  virtual void SetWavInfo(I_WavInfo* pIWavInfo) = 0;  // 9, copies the format
+  virtual void SetWavInfoData(unsigned int dwSampleRate, unsigned int dwByteLength,
+                              unsigned short wChannels, unsigned short wBitsPerSample,
+                              unsigned short wStoreBitsPerSample, bool bValueSigned) = 0;  // 10
+  // PCM and format of another sound, whose buffer is as long as its format says. False for null, or
+  // when this PCM buffer is attached.
+  virtual bool CopyWavData(I_WavData* pSrc) = 0;  // 11
+  // A new owned PCM buffer, not cleared, in place of the old one.
+  virtual unsigned char* AllocBuffer(unsigned int dwLength) = 0;  // 12
+  // A copy of the bytes in place of the old PCM buffer; false when that is attached.
+  virtual bool SetBuffer(const void* pData, unsigned int dwLength) = 0;  // 13
+  // Changes sample widths and signedness in place; bExact false stores negative values one step
+  // lower. False when the PCM buffer is attached or a width is not supported.
+  virtual bool ConvertBits(unsigned short wBits, unsigned short wStoreBits, bool bSigned,
+                           bool bExact) = 0;  // 14
+  // New objects belong to the caller (Release). Null on failure.
+  virtual I_WavData* CreateBitsConvertedData(unsigned short wBits, unsigned short wStoreBits,
+                                             bool bSigned, bool bExact) = 0;  // 15
+  virtual I_WavData* Clone() = 0;                                             // 16, PCM and format
+  // A mono sound with a part of one channel; null outside the sound.
+  virtual I_WavData* CreateChannelData(unsigned short wChannelNo, unsigned int dwStartSample,
+                                       unsigned int dwSampleCount) = 0;  // 17
+  // Writes all bytes of a mono source, taken in this sound's stored width, into one side of this
+  // sound. With several channels, the frames are those of stereo. False, and nothing written, for a
+  // channel that does not exist or when the bytes do not fit.
+  virtual bool SetChannelData(I_WavData* pSrc, unsigned short wChannelNo,
+                              unsigned int dwStartSample, int nReserved) = 0;  // 18
+  // Mixing does nothing when the PCM buffer is attached.
+  // The average of the channels, right for stereo; mono stays as it is.
+  virtual void ConvertToMono() = 0;  // 19
+  // The first two channels, mono on both sides; stereo stays as it is.
+  virtual void ConvertToStereo() = 0;  // 20
+  // bRight 0: the first channel on the left; otherwise the second one (of mono the only one) on the
+  // right. The other side is silent.
+  virtual void ConvertToStereoWithSilence(unsigned short bRight) = 0;  // 21
+  virtual I_AudioCodecParam* GetAudioCodecParam() = 0;                 // 22
+  // Writes the sound as a file of kind eType. False, and nothing written, when there is no PCM or
+  // the kind is none that can be written.
+  virtual bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
+                       bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
+                       unsigned int dwCodecOption) = 0;  // 23
+  virtual I_EventTagMgr* GetEventTagMgr() = 0;           // 24
+  // Silence detection. The threshold is on a 12-bit scale, 2047 at most; the minimum length is in
+  // samples. bReplace first removes the segments that start or end in the range. A range that
+  // reaches beyond the sound ends with it. Returns the sound's own list; null, and nothing changed,
+  // for a greater threshold or a first channel above the last.
+  virtual SilenceList* DetectSilence(unsigned int dwThreshold, unsigned int dwMinLength,
+                                     bool bReplace) = 0;  // 25
+  virtual SilenceList* DetectSilenceRange(unsigned int dwThreshold, unsigned int dwMinLength,
+                                          unsigned int dwStartSample, unsigned int dwEndSample,
+                                          unsigned short wFirstChannel, unsigned short wLastChannel,
+                                          bool bReplace) = 0;  // 26
+  // Both append, merge and return the sound's own list.
+  virtual SilenceList* AddSilenceSegment(unsigned int dwStart, unsigned int dwEnd) = 0;   // 27
+  virtual RegionList* AddUncompressRegion(unsigned int dwStart, unsigned int dwEnd) = 0;  // 28
+  // One pass over a list in which each item takes in the first other one that it shares a sample
+  // with. The order stays, and items that only touch stay apart.
+  virtual void MergeSilenceSegments() = 0;    // 29
+  virtual void MergeUncompressRegions() = 0;  // 30
+  // The PCM is the caller's memory, which must outlive its use here and is never freed.
+  virtual void AttachBuffer(void* pData, unsigned int dwLength) = 0;  // 31
+  virtual unsigned char* DetachBuffer() = 0;                          // 32, null unless attached
+  virtual I_WavDataBuffer* GetIWaveDataBuffer() = 0;                  // 33
+  // A gain that goes from dStartGain toward dEndGain in steps of 1024 samples; values clip. False
+  // for a range that ends outside the sound.
+  virtual bool ApplyGain(double dStartGain, double dEndGain) = 0;  // 34
+  virtual bool ApplyGainRange(double dStartGain, double dEndGain, unsigned int dwStartSample,
+                              unsigned int dwEndSample, unsigned short wFirstChannel,
+                              unsigned short wLastChannel) = 0;  // 35
+  // The gain that brings the largest value before the last sample of the range to full scale.
+  virtual bool Normalize() = 0;  // 36
+  virtual bool NormalizeRange(unsigned int dwStartSample, unsigned int dwEndSample,
+                              unsigned short wFirstChannel, unsigned short wLastChannel) = 0;  // 37
+  virtual SilenceList* GetSilenceSegmentList() = 0;                                            // 38
+  virtual void SetSilenceSegmentList(SilenceList* pList) = 0;   // 39, copies start and end
+  virtual RegionList* GetUncompressRegionList() = 0;            // 40
+  virtual void SetUncompressRegionList(RegionList* pList) = 0;  // 41, copies start and end
+  // nType is a tagWavDataInfo; *ppInfo gets the matching interface pointer (I_WavDataCueInfo*,
+  // I_WavDataTextInfo*, I_WavDataSamplerInfo*, I_WavDataListInfo*, I_WavDataExtraChunkInfo*), null
+  // for any other type.
+  virtual bool GetInfo(int nType, void** ppInfo) = 0;  // 42
+  // The mean of the first channel, as the iterator sees it; right for mono.
+  virtual int GetDCOffset() = 0;  // 43
+  // Subtracts that mean from every channel; values clip.
+  virtual void RemoveDCOffset() = 0;                                         // 44
+  virtual bool Reserved45(unsigned int dwFirst, unsigned int dwSecond) = 0;  // 45, true
+  // A copy of the bytes in place of the old encoded form; false for null with a length.
+  virtual bool SetEncBuffer(const void* pData, unsigned int dwLength) = 0;  // 46
+  virtual void SetEncType(tagAudioFileType eType) = 0;                      // 47
+  virtual ~I_WavData() = default;                                           // 48, 49
+};
+
+// Ends a sound of one's own with the one Release that it needs.
+struct S_WavDataReleaser {
+  void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
+};
+using C_WavDataPtr = std::unique_ptr<I_WavData, S_WavDataReleaser>;

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "sound/MonoMix.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+
+#include "ByteReader.h"
+#include "CheckedSize.h"
+
+namespace monomix {
+namespace {
+
+constexpr std::uint32_t kSampleBytes = 2;
+// Short enough for the width conversion, whose count of bits wraps at half a gibibyte.
+constexpr unsigned int kBlockFrames = 65536;
+
+// Counted here in 64 bits: the format's own count wraps too. nChannels is not 0.
+std::optional<unsigned int> CountFrames(I_WavData& wavData, std::int32_t nChannels) {
+  const auto qwFrameBits =
+      static_cast<std::uint64_t>(nChannels) * wavData.GetWavInfo()->GetStoreBitsPerSample();
+  if (qwFrameBits == 0) return std::nullopt;
+  const std::uint64_t qwFrames = std::uint64_t{wavData.GetBufferLength()} * 8 / qwFrameBits;
+  if (!vcm::CheckedBytes(qwFrames, kSampleBytes)) return std::nullopt;
+  return static_cast<unsigned int>(qwFrames);
+}
+
+// Adds the samples of one channel from dwStart on to the sums, of which there is one per frame.
+bool AddChannel(I_WavData& wavData, unsigned short wChannel, unsigned int dwStart,
+                std::span<std::int32_t> sums) {
+  const auto dwFrames = static_cast<unsigned int>(sums.size());
+  const C_WavDataPtr channel(wavData.CreateChannelData(wChannel, dwStart, dwFrames));
+  if (!channel) return false;
+  const C_WavDataPtr samples(channel->CreateBitsConvertedData(16, 16, true, true));
+  if (!samples) return false;
+  vcm::C_ByteReader reader({samples->GetBuffer(), samples->GetBufferLength()});
+  for (std::int32_t& nSum : sums) nSum += reader.I16();
+  return reader.Ok();
+}
+
+// Appends the mix of dwFrames frames from dwStart on.
+bool MixBlock(I_WavData& wavData, std::int32_t nChannels, unsigned int dwStart,
+              unsigned int dwFrames, std::vector<short>& mix) {
+  // 65,535 channels of 16 bits stay within 32.
+  std::vector<std::int32_t> sums(dwFrames);
+  for (std::int32_t i = 0; i < nChannels; ++i) {
+    if (!AddChannel(wavData, static_cast<unsigned short>(i), dwStart, sums)) return false;
+  }
+  for (const std::int32_t nSum : sums) mix.push_back(static_cast<short>(nSum / nChannels));
+  return true;
+}
+
+}  // namespace
+
+std::optional<std::vector<short>> SamplesOf(I_WavData& wavData) {
+  const std::int32_t nChannels = wavData.GetWavInfo()->GetChannels();
+  if (wavData.GetBuffer() == nullptr || nChannels == 0) return std::nullopt;
+  const auto dwFrames = CountFrames(wavData, nChannels);
+  if (!dwFrames) return std::nullopt;
+  // Grows with what is there: the format may claim more.
+  std::vector<short> mix;
+  for (unsigned int dwDone = 0; dwDone < *dwFrames;) {
+    const unsigned int dwBlock = std::min(kBlockFrames, *dwFrames - dwDone);
+    if (!MixBlock(wavData, nChannels, dwDone, dwBlock, mix)) return std::nullopt;
+    dwDone += dwBlock;
+  }
+  return mix;
+}
+
+}  // namespace monomix

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A sound of any format as 16-bit mono samples.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "interface/I_WavData.h"
+
+namespace monomix {
+
+// Each sample is brought to 16 bits as I_WavData::CreateBitsConvertedData does, exactly; those of a
+// frame are then averaged, toward zero. Other than I_WavData::ConvertToMono this is right for any
+// number of channels. Empty when there is no PCM, when the widths are not supported, when the sound
+// holds fewer bytes than its format says, and when the result would not fit the length of a buffer.
+std::optional<std::vector<short>> SamplesOf(I_WavData& wavData);
+
+}  // namespace monomix

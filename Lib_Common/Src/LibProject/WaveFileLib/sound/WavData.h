@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The sound object that every reader, codec and the player exchange.
+//
+// The operations are defined in files by what they do: WavData (life, buffers, format),
+// WavDataSilence (segments and regions), WavDataGain (gain, normalising, DC offset), WavDataWidth
+// (sample widths), WavDataChannels (mixing, extraction), WavDataConvert (writing a file).
+#pragma once
+
+#include <vector>
+
+#include "annotation/EventTagMgr.h"
+#include "annotation/SilenceSegment.h"
+#include "annotation/UncompressRegion.h"
+#include "chunk/WavDataInfo.h"
+#include "interface/I_WavData.h"
+#include "sound/AudioCodecParam.h"
+#include "sound/WavDataBuffer.h"
+#include "sound/WavInfo.h"
+
+class C_WavData : public I_WavData {
+ public:
+  C_WavData();
+  ~C_WavData() override = default;
+  C_WavData(const C_WavData&) = delete;
+  C_WavData& operator=(const C_WavData&) = delete;
+
+  int AddRef() override { return ++m_nRefCount; }
+  int Release() override;
+  I_WavInfo* GetWavInfo() override { return &m_wavInfo; }
+  unsigned char* GetBuffer() override { return m_pcmBuffer.GetBuffer(); }
+  unsigned char* GetEncBuffer() override { return m_encBuffer.GetBuffer(); }
+  unsigned int GetBufferLength() override { return m_wavInfo.GetByteLength(); }
+  unsigned int GetEncBufferLen() override { return m_wavInfo.GetEncByteLen(); }
+  tagAudioFileType GetEncType() override { return m_eEncType; }
+  void SetWavInfo(I_WavInfo* pIWavInfo) override;
+  void SetWavInfoData(unsigned int dwSampleRate, unsigned int dwByteLength,
+                      unsigned short wChannels, unsigned short wBitsPerSample,
+                      unsigned short wStoreBitsPerSample, bool bValueSigned) override;
+  bool CopyWavData(I_WavData* pSrc) override;
+  unsigned char* AllocBuffer(unsigned int dwLength) override;
+  bool SetBuffer(const void* pData, unsigned int dwLength) override;
+  bool ConvertBits(unsigned short wBits, unsigned short wStoreBits, bool bSigned,
+                   bool bExact) override;
+  I_WavData* CreateBitsConvertedData(unsigned short wBits, unsigned short wStoreBits, bool bSigned,
+                                     bool bExact) override;
+  I_WavData* Clone() override;
+  I_WavData* CreateChannelData(unsigned short wChannelNo, unsigned int dwStartSample,
+                               unsigned int dwSampleCount) override;
+  bool SetChannelData(I_WavData* pSrc, unsigned short wChannelNo, unsigned int dwStartSample,
+                      int nReserved) override;
+  void ConvertToMono() override;
+  void ConvertToStereo() override;
+  void ConvertToStereoWithSilence(unsigned short bRight) override;
+  I_AudioCodecParam* GetAudioCodecParam() override { return &m_codecParam; }
+  bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode, bool bWriteCodecHead,
+               PFN_CodecProgress pfnProgress, bool bForceEncode,
+               unsigned int dwCodecOption) override;
+  I_EventTagMgr* GetEventTagMgr() override { return &m_eventTagMgr; }
+  SilenceList* DetectSilence(unsigned int dwThreshold, unsigned int dwMinLength,
+                             bool bReplace) override;
+  SilenceList* DetectSilenceRange(unsigned int dwThreshold, unsigned int dwMinLength,
+                                  unsigned int dwStartSample, unsigned int dwEndSample,
+                                  unsigned short wFirstChannel, unsigned short wLastChannel,
+                                  bool bReplace) override;
+  SilenceList* AddSilenceSegment(unsigned int dwStart, unsigned int dwEnd) override;
+  RegionList* AddUncompressRegion(unsigned int dwStart, unsigned int dwEnd) override;
+  void MergeSilenceSegments() override;
+  void MergeUncompressRegions() override;
+  void AttachBuffer(void* pData, unsigned int dwLength) override;
+  unsigned char* DetachBuffer() override { return m_pcmBuffer.DetachBuffer(); }
+  I_WavDataBuffer* GetIWaveDataBuffer() override { return &m_pcmBuffer; }
+  bool ApplyGain(double dStartGain, double dEndGain) override;
+  bool ApplyGainRange(double dStartGain, double dEndGain, unsigned int dwStartSample,
+                      unsigned int dwEndSample, unsigned short wFirstChannel,
+                      unsigned short wLastChannel) override;
+  bool Normalize() override;
+  bool NormalizeRange(unsigned int dwStartSample, unsigned int dwEndSample,
+                      unsigned short wFirstChannel, unsigned short wLastChannel) override;
+  SilenceList* GetSilenceSegmentList() override { return &m_silenceSegments; }
+  void SetSilenceSegmentList(SilenceList* pList) override;
+  RegionList* GetUncompressRegionList() override { return &m_uncompressRegions; }
+  void SetUncompressRegionList(RegionList* pList) override;
+  bool GetInfo(int nType, void** ppInfo) override;
+  int GetDCOffset() override;
+  void RemoveDCOffset() override;
+  bool Reserved45(unsigned int dwFirst, unsigned int dwSecond) override;
+  bool SetEncBuffer(const void* pData, unsigned int dwLength) override;
+  void SetEncType(tagAudioFileType eType) override { m_eEncType = eType; }
+
+  // Sets every sample of every channel inside the silence segments to silence. Segments may reach
+  // beyond the sound; a null one stops the program.
+  void MakeSilenceSegmentsMute();
+
+ private:
+  // What a range over the whole sound ends with; both wrap for a sound without samples, which every
+  // range operation then refuses or finds empty.
+  unsigned int LastSample() { return m_pcmBuffer.GetHeldSampleSize() - 1; }
+  unsigned short LastChannel() { return static_cast<unsigned short>(m_wavInfo.GetChannels() - 1); }
+  // The format with other channels and another length.
+  C_WavInfo FormatWith(unsigned short wChannels, unsigned int dwByteLength);
+  void SetByteLength(unsigned int dwLength);
+  // False when the format claims more bytes than there are, which then must not be copied.
+  bool HoldsItsBytes() { return GetBufferLength() <= m_pcmBuffer.GetLength(); }
+  // True when the PCM may be replaced by another mix of its channels.
+  bool CanMix();
+  void InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels);
+  // Left and right each show one of the channels, or silence.
+  void MixToStereo(int nLeftChannel, int nRightChannel);
+  // Both are false, and write nothing, when the bytes do not fit into the PCM buffer.
+  bool SetMonoData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwStartSample);
+  bool SetSideData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwSide,
+                   unsigned int dwStartSample);
+  int MeanValue(unsigned int dwSamplePos, unsigned short wFirstChannel,
+                unsigned short wLastChannel);
+  void AddQuietRuns(int nThreshold, unsigned int dwMinLength, unsigned int dwStartSample,
+                    unsigned int dwEndSample, unsigned short wFirstChannel,
+                    unsigned short wLastChannel);
+
+  C_WavDataBuffer m_pcmBuffer;
+  C_WavDataBuffer m_encBuffer;
+  C_WavInfo m_wavInfo;  // of the PCM; its encoded length is that of the encoded buffer
+  C_EventTagMgr m_eventTagMgr;
+  C_AudioCodecParam m_codecParam;
+  C_CLArray<C_SilenceSegment*, I_SilenceSegment*, true> m_silenceSegments;
+  C_CLArray<C_UncompressRegion*, I_UncompressRegion*, true> m_uncompressRegions;
+  C_WavDataTextInfo m_textInfo;
+  C_WavDataExtraChunkInfo m_extraChunks;
+  C_WavDataCueInfo m_cueInfo;
+  C_WavDataListInfo m_listInfo;
+  C_WavDataSamplerInfo m_samplerInfo;
+  tagAudioFileType m_eEncType = AUDIO_FILE_UNKNOWN;
+  int m_nRefCount = 0;
+};

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A sound writes itself as a file. In a source file of its own, as nothing else of a sound needs
+// the file classes.
+#include "sound/WavData.h"
+#include "sound/WavFileMaker.h"
+
+bool C_WavData::Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
+                        bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
+                        unsigned int dwCodecOption) {
+  if (GetBufferLength() == 0 || !HoldsItsBytes()) return false;
+  const auto file = MakeWavFile(eType, m_eEncType);
+  if (file == nullptr) return false;
+  file->AttachWavData(this);
+  const bool bRet = file->WriteFile(pszFileName, bEncode, bWriteCodecHead, pfnProgress,
+                                    bForceEncode, dwCodecOption);
+  file->DetachWavData();
+  return bRet;
+}

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "file/AudioFile.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "file/ChannelMap.h"
+
+namespace toolbox {
+namespace {
+
+constexpr SInt64 kCountPiece = 4096;
+// Frames that are counted at most, 18 hours of speech: a few bytes can hold very much silence.
+constexpr SInt64 kMostCounted = SInt64{1} << 30;
+// Files that are counted whatever their last frame says: what is all on one Ogg page, of 64 KiB at
+// most, is placed by that page's own claim, and seems to end where it says. Cheap to count.
+constexpr UInt64 kOnePageBytes = UInt64{128} * 1024;
+
+}  // namespace
+
+OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>& pFile) {
+  pFile.reset();
+  std::shared_ptr<C_AudioFile> pNew(new C_AudioFile);
+  OSStatus nStatus = pNew->m_descriptor.Open(path);
+  if (nStatus == noErr) nStatus = pNew->OpenContent();
+  if (nStatus == noErr) pFile = std::move(pNew);
+  return nStatus;
+}
+
+OSStatus C_AudioFile::OpenContent() {
+  // An MPEG stream has no beginning of its own: it is looked for in what is nothing else.
+  return IsKnownSound(m_descriptor) ? OpenSound() : OpenMpeg();
+}
+
+OSStatus C_AudioFile::OpenMpeg() {
+  m_pMpeg = C_MpegSound::Open(m_descriptor);
+  if (m_pMpeg == nullptr) return kAudioFileUnsupportedFileTypeError;
+  m_format = DescribeMpeg(*m_pMpeg);
+  return noErr;
+}
+
+OSStatus C_AudioFile::OpenSound() {
+  if (!OpenDecoder()) return kAudioFileUnsupportedFileTypeError;
+  if (m_info.channels <= 0 || m_info.samplerate <= 0 || m_info.frames < 0) {
+    return kAudioFileInvalidFileError;
+  }
+  if (ClaimsItsFrames(m_info)) {
+    const bool bTrue = m_descriptor.Size() > kOnePageBytes && HasItsLastFrame();
+    const SInt64 nFrames = bTrue ? m_info.frames : CountFrames();
+    if (!OpenDecoder()) return kAudioFileInvalidFileError;
+    m_info.frames = nFrames;
+  }
+  const auto format = DescribeAudioFile(m_pSound.get(), m_info, m_descriptor);
+  if (!format) return kAudioFileInvalidFileError;
+  m_format = *format;
+  m_layout = ReadChannelLayout(m_pSound.get(), m_info.channels);
+  return noErr;
+}
+
+// Begins anew with the file's first byte.
+bool C_AudioFile::OpenDecoder() {
+  m_info = {};
+  if (lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) return false;
+  m_pSound.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
+  return m_pSound != nullptr;
+}
+
+// A file that was cut, or that lies, claims frames that nobody will ever hear, and whoever waits
+// for its end would wait for them.
+bool C_AudioFile::HasItsLastFrame() {
+  if (m_info.frames == 0) return true;
+  std::vector<float> frame(static_cast<std::size_t>(m_info.channels));
+  return sf_seek(m_pSound.get(), m_info.frames - 1, SEEK_SET) == m_info.frames - 1 &&
+         sf_readf_float(m_pSound.get(), frame.data(), 1) == 1;
+}
+
+SInt64 C_AudioFile::CountFrames() {
+  if (!OpenDecoder()) return 0;
+  std::vector<float> piece(static_cast<std::size_t>(kCountPiece * m_info.channels));
+  SInt64 nFrames = 0;
+  while (nFrames < kMostCounted) {
+    const sf_count_t nRead = sf_readf_float(m_pSound.get(), piece.data(), kCountPiece);
+    if (nRead <= 0) break;
+    nFrames += nRead;
+  }
+  return nFrames;
+}
+
+std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples) {
+  const std::lock_guard lock(m_readLock);
+  if (m_pMpeg != nullptr) return m_pMpeg->Read(nFrom, nFrames, pSamples);
+  if (nFrom != m_nPosition) {
+    m_nPosition = sf_seek(m_pSound.get(), nFrom, SEEK_SET);
+    if (m_nPosition != nFrom) return 0;
+  }
+  // Block decoders would repeat the last block that they got.
+  if (m_descriptor.IsCutBeforeOffset()) return 0;
+  const sf_count_t nRead =
+      sf_readf_float(m_pSound.get(), pSamples, static_cast<sf_count_t>(nFrames));
+  if (nRead <= 0) return 0;
+  m_nPosition += nRead;
+  return static_cast<std::size_t>(nRead);
+}
+
+OSStatus C_AudioFile::ReadPackets(SInt64 nFrom, UInt32& dwPackets, UInt32& cbData, void* pBuffer) {
+  const UInt32 cbRoom = std::exchange(cbData, 0);
+  const UInt32 dwWanted = std::exchange(dwPackets, 0);
+  const UInt32 cbPacket = m_format.desc.mBytesPerPacket;
+  if (m_format.desc.mFramesPerPacket != 1 || cbPacket == 0) {
+    return kAudioFileOperationNotSupportedError;
+  }
+  if (nFrom < 0) return kAudioFileInvalidPacketOffsetError;
+  if (static_cast<UInt64>(nFrom) >= m_format.qwPackets) return kAudioFileEndOfFileError;
+
+  const UInt64 qwLeft = m_format.qwPackets - static_cast<UInt64>(nFrom);
+  const UInt64 qwTake = std::min({qwLeft, UInt64{dwWanted}, UInt64{cbRoom / cbPacket}});
+  const std::lock_guard lock(m_readLock);
+  m_nPosition = -1;
+  if (sf_seek(m_pSound.get(), nFrom, SEEK_SET) != nFrom) return kAudioFilePositionError;
+  const sf_count_t cbRead =
+      sf_read_raw(m_pSound.get(), pBuffer, static_cast<sf_count_t>(qwTake * cbPacket));
+  dwPackets = static_cast<UInt32>(std::max<sf_count_t>(cbRead, 0)) / cbPacket;
+  cbData = dwPackets * cbPacket;
+  return noErr;
+}
+
+}  // namespace toolbox

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <AudioToolbox/AudioFile.h>
+#include <sndfile.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "file/AudioFileFormat.h"
+#include "file/FileDescriptor.h"
+#include "file/MpegSound.h"
+
+namespace toolbox {
+
+// One open sound file. Reads may come from several threads: the player unit decodes frames while
+// the caller reads packets.
+class C_AudioFile {
+ public:
+  // On failure the file stays null.
+  static OSStatus Open(const std::string& path, std::shared_ptr<C_AudioFile>& pFile);
+
+  [[nodiscard]] const AudioStreamBasicDescription& Format() const noexcept { return m_format.desc; }
+  [[nodiscard]] UInt64 PacketCount() const noexcept { return m_format.qwPackets; }
+  // Bytes of an AudioChannelLayout; empty when the file carries none.
+  [[nodiscard]] const std::vector<UInt8>& ChannelLayout() const noexcept { return m_layout; }
+
+  // Decodes up to `nFrames` interleaved frames from `nFrom` on, full scale 1.0. Returns the frames
+  // decoded, 0 at the end of the file or when it cannot be read any further.
+  std::size_t ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples);
+  // See AudioFileReadPacketData.
+  OSStatus ReadPackets(SInt64 nFrom, UInt32& dwPackets, UInt32& cbData, void* pBuffer);
+
+ private:
+  C_AudioFile() = default;
+  OSStatus OpenContent();
+  OSStatus OpenMpeg();
+  OSStatus OpenSound();
+  bool OpenDecoder();
+  [[nodiscard]] bool HasItsLastFrame();
+  [[nodiscard]] SInt64 CountFrames();
+
+  struct S_Closer {
+    void operator()(SNDFILE* pSound) const noexcept { sf_close(pSound); }
+  };
+  // Closed in reverse order: the decoder first, then the descriptor under it. One of the two
+  // decoders is there.
+  C_FileDescriptor m_descriptor;
+  std::unique_ptr<C_MpegSound> m_pMpeg;
+  std::unique_ptr<SNDFILE, S_Closer> m_pSound;
+  SF_INFO m_info{};
+  S_AudioFileFormat m_format;
+  std::vector<UInt8> m_layout;
+  std::mutex m_readLock;
+  // Frame behind the last read; -1 when a raw read has moved the position.
+  SInt64 m_nPosition = 0;
+};
+
+// The open file of an identifier; null when there is none.
+[[nodiscard]] std::shared_ptr<C_AudioFile> FindAudioFile(AudioFileID audioFile);
+
+}  // namespace toolbox

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <mpg123.h>
+
+#include <memory>
+
+#include "file/FileDescriptor.h"
+
+namespace toolbox {
+
+// An MPEG audio stream. The general file library reads these as well, but tells standard error
+// about every damage in them; this says nothing.
+class C_MpegSound {
+ public:
+  // Bytes of the ID3 tags that begin a file of any kind, the first 64 of them.
+  [[nodiscard]] static UInt64 TagBytes(const C_FileDescriptor& file);
+  // Scans the whole stream. Null when no frame begins the file or follows its ID3 tags, and no run
+  // of frames is found near there, or when there are more tags. The file outlives the sound.
+  [[nodiscard]] static std::unique_ptr<C_MpegSound> Open(const C_FileDescriptor& file);
+  C_MpegSound(const C_MpegSound&) = delete;
+  C_MpegSound& operator=(const C_MpegSound&) = delete;
+
+  // Hz.
+  [[nodiscard]] UInt32 Rate() const noexcept { return m_dwRate; }
+  // 1 or 2.
+  [[nodiscard]] UInt32 Channels() const noexcept { return m_dwChannels; }
+  // 1 to 3.
+  [[nodiscard]] UInt32 Layer() const noexcept { return m_dwLayer; }
+  // MPEG frames that carry sound.
+  [[nodiscard]] UInt64 FrameCount() const noexcept { return m_qwFrames; }
+  // Samples of each channel in one MPEG frame: 384, 576 or 1152.
+  [[nodiscard]] UInt32 SamplesPerFrame() const noexcept { return m_dwSamplesPerFrame; }
+
+  // Decodes up to `nSamples` interleaved samples of each channel from sample `nFrom` on, without
+  // the encoder's padding. Returns how many; 0 at the end, and where the stream is broken or goes
+  // on in another format.
+  std::size_t Read(SInt64 nFrom, std::size_t nSamples, float* pSamples);
+
+ private:
+  struct S_Closer {
+    void operator()(mpg123_handle* pMpeg) const noexcept { mpg123_delete(pMpeg); }
+  };
+  explicit C_MpegSound(const C_FileDescriptor& file);
+  bool OpenStream();
+  bool FixFormat();
+  bool FindsProof();
+  bool Scan();
+  static mpg123_ssize_t ReadBytes(void* pThis, void* pBuffer, std::size_t cbWanted);
+  static off_t SeekBytes(void* pThis, off_t nOffset, int nWhence);
+
+  const C_FileDescriptor& m_file;
+  SInt64 m_nFileOffset = 0;
+  std::unique_ptr<mpg123_handle, S_Closer> m_pMpeg;
+  UInt32 m_dwRate = 0;
+  UInt32 m_dwChannels = 0;
+  UInt32 m_dwLayer = 0;
+  UInt64 m_qwFrames = 0;
+  UInt32 m_dwSamplesPerFrame = 0;
+  // Sample behind the last read.
+  SInt64 m_nPosition = 0;
+};
+
+}  // namespace toolbox

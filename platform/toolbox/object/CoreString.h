@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <AudioToolbox/BaseTypes.h>
+
+#include <string>
+#include <utility>
+
+#include "object/CoreObject.h"
+
+// What a CFStringRef points to: a text in well-formed UTF-8. Whoever got it by a call with "Copy"
+// in its name owns it until `CFRelease`.
+struct OpaqueCFString final : toolbox::C_CoreObject {
+  explicit OpaqueCFString(std::string strUtf8) : text(std::move(strUtf8)) {}
+  std::string text;
+};

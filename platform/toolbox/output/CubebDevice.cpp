@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output/CubebDevice.h"
+
+#include <atomic>
+#include <future>
+#include <memory>
+#include <thread>
+#include <utility>
+
+#include "output/CubebStream.h"
+#include "output/Watchdog.h"
+
+namespace toolbox {
+namespace {
+
+// What the call answers; false when it takes longer than the limit. The call runs on a thread that
+// is then left behind, so it keeps alive what it works on. Its share of that is gone before the
+// answer is there.
+template <typename F>
+bool CallService(std::chrono::milliseconds limit, F call) {
+  auto pAnswer = std::make_shared<std::promise<bool>>();
+  auto answer = pAnswer->get_future();
+  std::thread([call = std::make_unique<F>(std::move(call)), pAnswer]() mutable {
+    const bool bAnswer = (*call)();
+    call.reset();
+    pAnswer->set_value(bAnswer);
+  }).detach();
+  return answer.wait_for(limit) == std::future_status::ready && answer.get();
+}
+
+void Close(std::shared_ptr<C_CubebStream> pStream, std::chrono::milliseconds limit) {
+  CallService(limit, [pStream = std::move(pStream)] { return pStream != nullptr; });
+}
+
+// The client is called neither after a loss nor after the destruction, whatever the service does
+// with a stream that was left behind.
+class C_CubebDevice final : public I_OutputDevice {
+ public:
+  C_CubebDevice(std::shared_ptr<C_CubebStream> pStream, I_DeviceClient& client,
+                std::chrono::milliseconds limit)
+      : m_pStream(std::move(pStream)), m_client(client), m_limit(limit) {
+    m_pStream->Serve(client);
+  }
+  ~C_CubebDevice() override;
+  C_CubebDevice(const C_CubebDevice&) = delete;
+  C_CubebDevice& operator=(const C_CubebDevice&) = delete;
+
+  bool Start() override;
+  void Stop() override;
+
+ private:
+  // False when the stream had failed before.
+  bool GiveUp();
+  void OnSilence();
+
+  std::shared_ptr<C_CubebStream> m_pStream;
+  I_DeviceClient& m_client;
+  const std::chrono::milliseconds m_limit;
+  // Set by the watchdog's thread, too.
+  std::atomic<bool> m_bGivenUp{false};
+  std::unique_ptr<C_Watchdog> m_pWatchdog;
+};
+
+C_CubebDevice::~C_CubebDevice() {
+  m_pWatchdog.reset();
+  m_pStream->GiveUp();
+  const auto limit = m_bGivenUp ? std::chrono::milliseconds{0} : m_limit;
+  Close(std::move(m_pStream), limit);
+}
+
+bool C_CubebDevice::Start() {
+  if (m_bGivenUp) return false;
+  if (!CallService(m_limit, [pStream = m_pStream] { return pStream->Start(); })) {
+    GiveUp();
+    return false;
+  }
+  m_pWatchdog = std::make_unique<C_Watchdog>(
+      m_limit, [pStream = m_pStream] { return pStream->ShowsLife(); }, [this] { OnSilence(); });
+  return true;
+}
+
+void C_CubebDevice::Stop() {
+  m_pWatchdog.reset();
+  if (m_bGivenUp) return;
+  m_pStream->PlayOut();
+  if (!CallService(m_limit, [pStream = m_pStream] { return pStream->Halt(); })) GiveUp();
+}
+
+bool C_CubebDevice::GiveUp() {
+  if (!m_pStream->GiveUp()) return false;
+  m_bGivenUp = true;
+  return true;
+}
+
+void C_CubebDevice::OnSilence() {
+  if (GiveUp()) m_client.DeviceLost();
+}
+
+}  // namespace
+
+std::unique_ptr<I_OutputDevice> OpenCubebDevice(const S_OutputFormat& format,
+                                                I_DeviceClient& client,
+                                                std::chrono::milliseconds limit) {
+  auto pStream = std::make_shared<C_CubebStream>(format);
+  if (!CallService(limit, [pStream] { return pStream->Open(); })) {
+    Close(std::move(pStream), limit);
+    return nullptr;
+  }
+  return std::make_unique<C_CubebDevice>(std::move(pStream), client, limit);
+}
+
+}  // namespace toolbox

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cubeb/cubeb.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+#include "output/OutputDevice.h"
+
+namespace toolbox {
+
+// A stream of the machine's audio service. What asks the service may wait for ever on one that is
+// frozen, so those calls belong on a thread that can be left behind; so does the destruction.
+class C_CubebStream {
+ public:
+  explicit C_CubebStream(const S_OutputFormat& format) noexcept : m_format(format) {}
+
+  // Ask the service. False when it cannot play (any more).
+  bool Open();
+  bool Start();
+  bool Halt();
+
+  // Never ask it.
+  // From now on the client is asked for frames and told of a loss. It outlives the stream or is
+  // taken away by `GiveUp`.
+  void Serve(I_DeviceClient& client);
+  // Feeds zeros until everything rendered so far has been heard, or the service takes none.
+  void PlayOut();
+  // Takes the client away, for good: when this returns, it is not called any more. The stream
+  // plays no more. False when it had failed before.
+  bool GiveUp();
+  // Whether the service asked for frames since the last call of this, or is being served now.
+  bool ShowsLife();
+
+ private:
+  void AskService();
+  static long OnData(cubeb_stream* pStream, void* pThis, const void* pInput, void* pOutput,
+                     long nFrames);
+  static void OnState(cubeb_stream* pStream, void* pThis, cubeb_state state);
+  void Fill(void* pOutput, UInt32 dwFrames);
+  void Render(void* pOutput, UInt32 dwFrames);
+  void Lose();
+
+  struct S_ContextCloser {
+    void operator()(cubeb* pContext) const noexcept { cubeb_destroy(pContext); }
+  };
+  struct S_StreamCloser {
+    void operator()(cubeb_stream* pStream) const noexcept { cubeb_stream_destroy(pStream); }
+  };
+
+  const S_OutputFormat m_format;
+  // Held while the client is called.
+  std::mutex m_clientLock;
+  I_DeviceClient* m_pClient = nullptr;
+  // Lost, or given up.
+  std::atomic<bool> m_bFailed{false};
+  // While this is set the stream is fed zeros, and they are counted.
+  std::atomic<bool> m_bPlayingOut{true};
+  std::atomic<UInt32> m_dwZeroFrames{0};
+  std::atomic<bool> m_bAsked{false};
+  std::atomic<bool> m_bServing{false};
+  // The stream is closed before its context.
+  std::unique_ptr<cubeb, S_ContextCloser> m_pContext;
+  std::unique_ptr<cubeb_stream, S_StreamCloser> m_pStream;
+};
+
+}  // namespace toolbox

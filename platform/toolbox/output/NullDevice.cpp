@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output/NullDevice.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace toolbox {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr UInt64 kSlicesPerSecond = 100;
+constexpr Clock::duration kSlice = std::chrono::milliseconds(1000 / kSlicesPerSecond);
+// Further behind than this, the process was suspended: that time is not made up for in one rush.
+constexpr Clock::duration kMaxLag = std::chrono::seconds(1);
+constexpr UInt64 kMaxSlicesAtOnce = 10;
+
+// How many slices to render now, at least one; `due` becomes the time of the last of them. What is
+// overdue is asked for at once, so that a client whose calls cost as much for a few frames as for
+// many keeps up.
+UInt64 TakeDueSlices(Clock::time_point& due) {
+  const auto now = Clock::now();
+  if (now - due > kMaxLag) {
+    due = now;
+    return 1;
+  }
+  const auto nOverdue = std::min<Clock::rep>((now - due) / kSlice, kMaxSlicesAtOnce - 1);
+  due += nOverdue * kSlice;
+  return 1 + static_cast<UInt64>(nOverdue);
+}
+
+}  // namespace
+
+C_NullDevice::C_NullDevice(const S_OutputFormat& format, I_DeviceClient& client)
+    : m_format(format),
+      m_client(client),
+      m_slices((kMaxSlicesAtOnce * format.dwRate / kSlicesPerSecond + 1) * format.FrameBytes()) {}
+
+C_NullDevice::~C_NullDevice() { Stop(); }
+
+bool C_NullDevice::Start() {
+  const std::lock_guard lock(m_lock);
+  if (m_thread.joinable()) return true;
+  m_bStop = false;
+  m_thread = std::thread(&C_NullDevice::Run, this);
+  return true;
+}
+
+void C_NullDevice::Stop() {
+  const std::lock_guard lock(m_lock);
+  if (!m_thread.joinable()) return;
+  m_bStop = true;
+  m_thread.join();
+}
+
+void C_NullDevice::Run() {
+  auto due = Clock::now();
+  UInt64 qwRemainder = 0;
+  while (!m_bStop) {
+    due += kSlice;
+    std::this_thread::sleep_until(due);
+    // Rates that are no multiple of the slice rate: what is left over goes into the next slice.
+    qwRemainder += TakeDueSlices(due) * m_format.dwRate;
+    Render(static_cast<UInt32>(qwRemainder / kSlicesPerSecond));
+    qwRemainder %= kSlicesPerSecond;
+  }
+}
+
+void C_NullDevice::Render(UInt32 dwFrames) {
+  if (m_bStop) return;
+  std::fill(m_slices.begin(), m_slices.end(), UInt8{0});
+  m_client.RenderFrames(m_slices.data(), dwFrames);
+}
+
+}  // namespace toolbox

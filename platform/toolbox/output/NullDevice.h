@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "output/OutputDevice.h"
+
+namespace toolbox {
+
+// Takes the place of a device where there is none: renders in slices of 10 ms as time passes,
+// several at once when they are overdue, and plays nothing.
+class C_NullDevice final : public I_OutputDevice {
+ public:
+  C_NullDevice(const S_OutputFormat& format, I_DeviceClient& client);
+  ~C_NullDevice() override;
+  C_NullDevice(const C_NullDevice&) = delete;
+  C_NullDevice& operator=(const C_NullDevice&) = delete;
+
+  // Always true. Does nothing when it runs already.
+  bool Start() override;
+  // Waits at most for the slice under way. Does nothing when it does not run.
+  void Stop() override;
+
+ private:
+  void Run();
+  void Render(UInt32 dwFrames);
+
+  const S_OutputFormat m_format;
+  I_DeviceClient& m_client;
+  std::vector<UInt8> m_slices;
+  std::atomic<bool> m_bStop{false};
+  std::mutex m_lock;
+  std::thread m_thread;
+};
+
+}  // namespace toolbox

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output/Playback.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace toolbox {
+
+C_Playback::C_Playback(const S_OutputFormat& format, I_RenderSource& source,
+                       const OpenDeviceFunction& open)
+    : m_source(source), m_null(format, *this), m_pDevice(open(format, *this)) {
+  const std::lock_guard lock(m_lock);
+  m_bLost = m_bLost || m_pDevice == nullptr;
+}
+
+C_Playback::~C_Playback() { Stop(); }
+
+void C_Playback::Start() {
+  bool bLost = false;
+  {
+    const std::lock_guard lock(m_lock);
+    if (m_bRunning) return;
+    m_bRunning = true;
+    bLost = m_bLost;
+  }
+  if (bLost || !m_pDevice->Start()) StartSilently();
+}
+
+void C_Playback::StartSilently() {
+  const std::lock_guard lock(m_lock);
+  m_bLost = true;
+  if (!m_bAnnounced && ::isatty(STDERR_FILENO) == 1) {
+    std::fputs("no output device; playing silently in real time\n", stderr);
+  }
+  m_bAnnounced = true;
+  m_null.Start();
+}
+
+void C_Playback::Stop() {
+  bool bLost = false;
+  {
+    const std::lock_guard lock(m_lock);
+    if (!m_bRunning) return;
+    m_bRunning = false;
+    bLost = m_bLost;
+  }
+  if (!bLost) m_pDevice->Stop();
+  m_null.Stop();
+}
+
+bool C_Playback::IsRunning() const {
+  const std::lock_guard lock(m_lock);
+  return m_bRunning;
+}
+
+void C_Playback::RenderFrames(void* pFrames, UInt32 dwFrames) {
+  const std::lock_guard lock(m_renderLock);
+  m_source.RenderFrames(pFrames, dwFrames);
+}
+
+void C_Playback::DeviceLost() {
+  const std::lock_guard lock(m_lock);
+  m_bLost = true;
+  if (m_bRunning) m_null.Start();
+}
+
+}  // namespace toolbox

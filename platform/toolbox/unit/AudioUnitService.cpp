@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <AudioToolbox/AudioUnit.h>
+
+#include "unit/OutputUnit.h"
+#include "unit/Unit.h"
+
+extern "C" {
+
+OSStatus AudioUnitInitialize(AudioUnit unit) {
+  const auto pUnit = toolbox::FindUnit(unit);
+  return pUnit != nullptr ? pUnit->Initialize() : OSStatus{kAudio_ParamError};
+}
+
+OSStatus AudioUnitUninitialize(AudioUnit unit) {
+  const auto pUnit = toolbox::FindUnit(unit);
+  return pUnit != nullptr ? pUnit->Uninitialize() : OSStatus{kAudio_ParamError};
+}
+
+OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID dwID, AudioUnitScope dwScope,
+                              AudioUnitElement dwElement, const void* pData, UInt32 dwDataSize) {
+  const auto pUnit = toolbox::FindUnit(unit);
+  if (pUnit == nullptr || pData == nullptr) return kAudio_ParamError;
+  return pUnit->SetProperty({dwID, dwScope, dwElement}, pData, dwDataSize);
+}
+
+OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID dwID, AudioUnitScope dwScope,
+                              AudioUnitElement dwElement, void* pData, UInt32* pdwDataSize) {
+  const auto pUnit = toolbox::FindUnit(unit);
+  if (pUnit == nullptr || pData == nullptr || pdwDataSize == nullptr) return kAudio_ParamError;
+  return pUnit->GetProperty({dwID, dwScope, dwElement}, pData, *pdwDataSize);
+}
+
+OSStatus AudioUnitRender(AudioUnit unit, AudioUnitRenderActionFlags* /*pdwActionFlags*/,
+                         const AudioTimeStamp* pTimeStamp, UInt32 dwOutputBus,
+                         UInt32 dwNumberFrames, AudioBufferList* pData) {
+  const auto pUnit = toolbox::FindUnit(unit);
+  if (pUnit == nullptr || pTimeStamp == nullptr || pData == nullptr) return kAudio_ParamError;
+  if (dwOutputBus != 0) return kAudioUnitErr_InvalidElement;
+  return pUnit->Render(*pTimeStamp, dwNumberFrames, *pData);
+}
+
+OSStatus AudioOutputUnitStart(AudioUnit unit) {
+  const auto pOutput = std::dynamic_pointer_cast<toolbox::C_OutputUnit>(toolbox::FindUnit(unit));
+  return pOutput != nullptr ? pOutput->Start() : OSStatus{kAudio_ParamError};
+}
+
+OSStatus AudioOutputUnitStop(AudioUnit unit) {
+  const auto pOutput = std::dynamic_pointer_cast<toolbox::C_OutputUnit>(toolbox::FindUnit(unit));
+  return pOutput != nullptr ? pOutput->Stop() : OSStatus{kAudio_ParamError};
+}
+
+}  // extern "C"

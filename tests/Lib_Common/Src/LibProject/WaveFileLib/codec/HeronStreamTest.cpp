@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The head of Heron streams, and what can be told from it.
+#include "codec/HeronStream.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using heronstream::FindAudio;
+using heronstream::MakeHead;
+using heronstream::VariantOfType;
+
+TEST(HeronStream, Variants_HaveTheirBitDepthsAndModeCodes) {
+  constexpr std::array<std::array<int, 3>, 5> kRows = {
+      {{32, 4, 1}, {33, 5, 2}, {34, 6, 3}, {35, 2, 4}, {36, 3, 5}}};
+  for (const auto& [nType, nBitDepth, nMode] : kRows) {
+    const auto variant = VariantOfType(static_cast<unsigned int>(nType));
+    ASSERT_TRUE(variant) << nType;
+    EXPECT_EQ(nType, static_cast<int>(variant->eType));
+    EXPECT_EQ(nBitDepth, variant->nBitDepth) << nType;
+    EXPECT_EQ(nMode, variant->byModeCode) << nType;
+  }
+}
+
+TEST(HeronStream, OtherTypeCodes_AreNoVariant) {
+  for (const unsigned int dwType :
+       {0u, 4u, 14u, 31u, 37u, 38u, 0x8001u, 0xFFFFu, 0x10020u, 0xFFFFFFFFu})
+    EXPECT_FALSE(VariantOfType(dwType)) << dwType;
+}
+
+TEST(HeronStream, Head_HoldsModeCodeAndPlaceOfTheEvents) {
+  const auto variant = *VariantOfType(33);
+  EXPECT_EQ(0x00012C02u, MakeHead(variant, 300, 1));
+  EXPECT_EQ(0x00000402u, MakeHead(variant, 4, 70000));
+}
+
+TEST(HeronStream, HeadWithoutEvents_HasOffset0) {
+  const auto variant = *VariantOfType(36);
+  EXPECT_EQ(5u, MakeHead(variant, 300, 0));
+  EXPECT_EQ(5u, MakeHead(variant, std::uint64_t{1} << 40, 0));
+}
+
+TEST(HeronStream, EventsFrom16MebibytesOn_HaveNoPlaceInTheHead) {
+  const auto variant = *VariantOfType(32);
+  EXPECT_EQ(0xFFFFFF01u, MakeHead(variant, 0xFFFFFF, 1));
+  EXPECT_FALSE(MakeHead(variant, 0x1000000, 1));
+  EXPECT_FALSE(MakeHead(variant, std::uint64_t{1} << 32 | 4, 1));
+}
+
+TEST(HeronStream, AudioWithoutEvents_ReachesToTheEnd) {
+  const Bytes stream = {3, 0, 0, 0, 10, 11, 12};
+  const auto audio = FindAudio(stream);
+  ASSERT_TRUE(audio);
+  EXPECT_EQ(6, audio->variant.nBitDepth);
+  EXPECT_EQ((Bytes{10, 11, 12}), Bytes(audio->coded.begin(), audio->coded.end()));
+}
+
+TEST(HeronStream, AudioBeforeEvents_EndsAtTheirOffset) {
+  const Bytes stream = {4, 6, 0, 0, 10, 11, 8, 1};
+  const auto audio = FindAudio(stream);
+  ASSERT_TRUE(audio);
+  EXPECT_EQ(2, audio->variant.nBitDepth);
+  EXPECT_EQ((Bytes{10, 11}), Bytes(audio->coded.begin(), audio->coded.end()));
+}
+
+TEST(HeronStream, HeadAlone_HasNoAudio) {
+  const auto audio = FindAudio(Bytes{1, 0, 0, 0});
+  ASSERT_TRUE(audio);
+  EXPECT_TRUE(audio->coded.empty());
+}
+
+TEST(HeronStream, StreamShorterThanItsHead_IsRefused) {
+  EXPECT_FALSE(FindAudio({}));
+  EXPECT_FALSE(FindAudio(Bytes{1}));
+  EXPECT_FALSE(FindAudio(Bytes{1, 0, 0}));
+}
+
+TEST(HeronStream, UnknownModeCodes_AreRefused) {
+  for (unsigned int dwMode = 0; dwMode < 256; ++dwMode) {
+    const Bytes stream = {static_cast<unsigned char>(dwMode), 0, 0, 0, 10, 11};
+    EXPECT_EQ(dwMode >= 1 && dwMode <= 5, FindAudio(stream).has_value()) << dwMode;
+  }
+}
+
+TEST(HeronStream, OffsetsOutsideTheAudio_AreRefused) {
+  for (const unsigned int dwOffset : {1u, 2u, 3u, 8u, 9u, 255u, 0x1234u, 0xFFFFFFu}) {
+    const Bytes stream = {1,
+                          static_cast<unsigned char>(dwOffset),
+                          static_cast<unsigned char>(dwOffset >> 8),
+                          static_cast<unsigned char>(dwOffset >> 16),
+                          10,
+                          11,
+                          8,
+                          1};
+    EXPECT_FALSE(FindAudio(stream)) << dwOffset;
+  }
+  EXPECT_TRUE(FindAudio(Bytes{1, 4, 0, 0, 10, 11, 8, 1}));
+  EXPECT_TRUE(FindAudio(Bytes{1, 7, 0, 0, 10, 11, 8, 1}));
+}
+
+}  // namespace

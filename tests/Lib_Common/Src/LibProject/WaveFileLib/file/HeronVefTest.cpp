@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Heron streams in VEF containers.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "FolderTest.h"
+#include "HeronBytes.h"
+#include "SpBytes.h"
+#include "VefBytes.h"
+#include "WavFileFormat.h"
+#include "WavFileObject.h"
+#include "WrittenChunks.h"
+#include "file/HeronFile.h"
+#include "file/KestrelFile.h"
+
+namespace {
+
+using heron_test::kKinds;
+using heron_test::S_Kind;
+using testing::ElementsAre;
+
+constexpr const char* kVef = "in";
+
+C_Bytes Stream(const S_Kind& kind, std::size_t dwSamples = 500) {
+  return C_HeronBytes(kind, TestVoice(dwSamples), 16000).Take();
+}
+
+class HeronVef : public C_FolderTest {
+ protected:
+  bool Load(C_HeronFileBase& file, const C_RiffBytes& riff, bool bKeepEncoded = false) {
+    return file.LoadByName(Write(kVef, riff.Take()).c_str(), bKeepEncoded, nullptr, nullptr);
+  }
+  bool Checks(C_HeronFileBase& file, std::uint16_t wType) {
+    const C_RiffBytes riff = MonoVef(8).Chunk("vafm", VafmBytes(wType));
+    return file.CheckFormat(Write(kVef, riff.Take()).c_str(), true);
+  }
+  // Saves the sound as a container.
+  C_Bytes Converted(I_WavData& sound, tagAudioFileType eType, bool bForceEncode = false) {
+    EXPECT_TRUE(sound.Convert(eType, Path(kVef).c_str(), false, false, nullptr, bForceEncode, 0));
+    return Content(kVef);
+  }
+  C_WavFilePtr Create(bool bKeepEncoded) {
+    C_WavFileFormat format;
+    return C_WavFilePtr(
+        format.CreateWavFile(Path(kVef).c_str(), true, bKeepEncoded, nullptr, nullptr));
+  }
+};
+
+class HeronVefKind : public HeronVef, public testing::WithParamInterface<S_Kind> {};
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronVefKind, testing::ValuesIn(kKinds), heron_test::NameOf);
+
+// ---- recognising
+
+TEST_F(HeronVef, ContainerOfAKestrelStream_IsRefused) {
+  C_Heron4BitFile file;
+  EXPECT_FALSE(Checks(file, 14));
+  EXPECT_EQ(-1, file.GetContainerKind());
+}
+
+TEST_F(HeronVef, ContainersOfAnyOtherType_AreTaken) {
+  for (const std::uint16_t wType :
+       std::initializer_list<std::uint16_t>{0, 13, 15, 31, 32, 33, 34, 35, 36, 37, 0xFFFF}) {
+    C_Heron2BitFile file;
+    EXPECT_TRUE(Checks(file, wType)) << wType;
+    EXPECT_EQ(1, file.GetContainerKind());
+    EXPECT_EQ(wType, file.GetCodingType());
+  }
+  C_Heron2BitFile file;
+  EXPECT_TRUE(file.CheckFormat(Write(kVef, MonoVef(8).Take()).c_str(), true));
+  EXPECT_EQ(1, file.GetContainerKind());
+}
+
+TEST_F(HeronVef, SpHeaderInFrontOfAContainer_IsNoContainer) {
+  for (const std::uint16_t wID : {std::uint16_t{35}, std::uint16_t{14}}) {
+    const C_Bytes vef = MonoVef(8).Chunk("vdat", Stream(kKinds[0])).Take();
+    C_Heron4BitFile file;
+    EXPECT_FALSE(
+        file.CheckFormat(Write(kVef, C_SpBytes().ID(wID).Stream(vef).Take()).c_str(), true));
+  }
+}
+
+// ---- loading
+
+TEST_P(HeronVefKind, Stream_DecodesAsItDoesAlone) {
+  const C_Bytes stream = Stream(GetParam());
+  const auto wType = static_cast<std::uint16_t>(GetParam().eType);
+  const C_RiffBytes riff = MonoVef(8).Chunk("vafm", VafmBytes(wType)).Chunk("vdat", stream);
+  C_Heron6BitFile file;
+  ASSERT_TRUE(Load(file, riff));
+  EXPECT_EQ(heron_test::Decoded(stream, 16000), SamplesOf(file.GetWavData()));
+  EXPECT_EQ(GetParam().eType, file.GetWavData()->GetEncType());
+  const unsigned char* pbyEncoded = file.GetWavData()->GetEncBuffer();
+  EXPECT_EQ(stream, C_Bytes(pbyEncoded, pbyEncoded + file.GetWavData()->GetEncBufferLen()));
+}
+
+TEST_F(HeronVef, DecodedSound_IsMonoInSixteenBitsAtTheContainersRate) {
+  const auto voice = TestVoice(700);
+  C_RiffBytes riff("VEFF");
+  riff.Chunk("fmt ", FmtBytes(1, 2, 11025, 8)).Chunk("data", RampBytes(6));
+  riff.Chunk("vdat", C_HeronBytes(kKinds[0], voice, 11025).Take());
+  C_Heron4BitFile file;
+  ASSERT_TRUE(Load(file, riff));
+  EXPECT_EQ(1, file.GetWavInfo()->GetChannels());
+  EXPECT_EQ(16, file.GetWavInfo()->GetStoreBitsPerSample());
+  EXPECT_TRUE(file.GetWavInfo()->IsValueSigned());
+  EXPECT_EQ(11025u, file.GetWavInfo()->GetSampleRate());
+  EXPECT_EQ(700u, file.GetWavInfo()->GetSampleSize());
+}
+
+TEST_F(HeronVef, KeepEncoded_ReadsThePcmAsStored) {
+  C_Heron4BitFile file;
+  ASSERT_TRUE(Load(file, MonoVef(10).Chunk("vdat", Stream(kKinds[0])), true));
+  EXPECT_EQ(RampBytes(10), PcmOf(file));
+  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+}
+
+TEST_F(HeronVef, ContainerWithoutAStream_LoadsAsStoredAlone) {
+  C_Heron4BitFile file;
+  EXPECT_FALSE(Load(file, MonoVef(8)));
+  EXPECT_TRUE(Load(file, MonoVef(8), true));
+}
+
+TEST_F(HeronVef, DamagedStreams_AreFalse) {
+  C_Heron4BitFile file;
+  EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vdat", {1, 0, 0})));
+  EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vdat", {7, 0, 0, 0, 1, 2, 3, 4})));
+  EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vdat", 4096, Stream(kKinds[0]))));
+  EXPECT_TRUE(Load(file, MonoVef(8).Chunk("vdat", Stream(kKinds[0]))));
+}
+
+// ---- the factory
+
+TEST_P(HeronVefKind, Factory_MakesAFourBitFileThatKnowsItsType) {
+  const C_SoundPtr sound = MonoSound(TestVoice(700));
+  Converted(*sound, GetParam().eType);
+  for (const bool bKeepEncoded : {true, false}) {
+    const C_WavFilePtr file = Create(bKeepEncoded);
+    ASSERT_NE(nullptr, dynamic_cast<C_Heron4BitFile*>(file.get()));
+    EXPECT_EQ(static_cast<unsigned int>(GetParam().eType), file->GetCodingType());
+    EXPECT_EQ(700u, file->GetWavInfo()->GetSampleSize());
+  }
+}
+
+TEST_F(HeronVef, Factory_LeavesKestrelContainersToTheirOwnClass) {
+  Write(kVef, KestrelVefBytes(8, 2).Take());
+  for (const bool bKeepEncoded : {true, false}) {
+    const C_WavFilePtr file = Create(bKeepEncoded);
+    EXPECT_NE(nullptr, dynamic_cast<C_KestrelFile*>(file.get()));
+  }
+}
+
+TEST_F(HeronVef, KestrelStreamWithoutAType_IsFoundByTheClassThatDecodesIt) {
+  Write(kVef, MonoVef(8).Chunk("vdat", C_KestrelBytes(16000).Voice(2).Take()).Take());
+  const C_WavFilePtr decoded = Create(false);
+  EXPECT_NE(nullptr, dynamic_cast<C_KestrelFile*>(decoded.get()));
+  const C_WavFilePtr stored = Create(true);
+  EXPECT_NE(nullptr, dynamic_cast<C_Heron4BitFile*>(stored.get()));
+}
+
+// ---- saving
+
+TEST_P(HeronVefKind, WriteFileWithoutEncoding_WritesAContainerOfItsType) {
+  const C_SoundPtr sound = ExampleSound({8000, 2, 16, 16}, 700);
+  AddAnnotations(*sound);
+  const auto stream = heron_test::Encoded(*sound, GetParam().eType);
+  const C_Bytes vef = Converted(*sound, GetParam().eType);
+  EXPECT_EQ(Join({Ascii("RIFF"), U32(static_cast<std::uint32_t>(vef.size()) - 8), Ascii("VEFF")}),
+            C_Bytes(vef.begin(), vef.begin() + 12));
+  EXPECT_THAT(ChunkNames(vef),
+              ElementsAre("fmt ", "data", "cue ", "smpl", "LIST", "vafm", "vdat", "note"));
+  const auto wType = static_cast<std::uint16_t>(GetParam().eType);
+  EXPECT_EQ(Join({U16(256), U16(wType), U16(8000), U32(0), {2, 0}, U32(0)}),
+            ChunkNamed(vef, "vafm"));
+  EXPECT_EQ(stream, ChunkNamed(vef, "vdat"));
+  EXPECT_EQ(2800u, ChunkNamed(vef, "data").size());
+}
+
+TEST_P(HeronVefKind, ConvertedAndCreatedAgain_GivesTheSourcesPcmOrTheDecodedStream) {
+  const C_SoundPtr sound = MonoSound(TestVoice(3200));
+  sound->GetEventTagMgr()->AddEventBySamplePos(1, 2, 1600, "", 7);
+  const C_Bytes vef = Converted(*sound, GetParam().eType);
+  const C_WavFilePtr stored = Create(true);
+  ASSERT_NE(nullptr, stored);
+  EXPECT_EQ(SamplesOf(sound.get()), SamplesOf(stored->GetWavData()));
+  EXPECT_THAT(VefEventsOf(*stored), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
+  const C_WavFilePtr decoded = Create(false);
+  ASSERT_NE(nullptr, decoded);
+  EXPECT_EQ(heron_test::Decoded(ChunkNamed(vef, "vdat"), 16000), SamplesOf(decoded->GetWavData()));
+  EXPECT_THAT(VefEventsOf(*decoded), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
+}
+
+TEST_F(HeronVef, LoadedStream_IsWrittenUnchangedUnlessForcedOrOfAnotherType) {
+  C_Heron3BitFile file;
+  const C_Bytes stream = Stream(kKinds[4]);
+  ASSERT_TRUE(Load(file, MonoVef(8).Chunk("vafm", VafmBytes(36)).Chunk("vdat", stream)));
+  file.GetWavData()->ApplyGain(0.5, 0.5);
+  EXPECT_EQ(stream, ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT), "vdat"));
+  EXPECT_EQ(heron_test::Encoded(*file.GetWavData(), 36),
+            ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT, true), "vdat"));
+  EXPECT_EQ(heron_test::Encoded(*file.GetWavData(), 32),
+            ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_4BIT), "vdat"));
+}
+
+TEST_F(HeronVef, EncodingThatFails_LeavesTheOldFile) {
+  const C_SoundPtr sound = MonoSound(TestVoice(700), 3999);
+  const std::string strPath = Write(kVef, Ascii("before"));
+  EXPECT_FALSE(
+      sound->Convert(AUDIO_FILE_HERON_2BIT, strPath.c_str(), false, false, nullptr, true, 0));
+  EXPECT_EQ(Ascii("before"), Content(kVef));
+}
+
+}  // namespace

@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Kestrel streams in VEF containers, and behind codec heads.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "FileSizeLimit.h"
+#include "FolderTest.h"
+#include "SpBytes.h"
+#include "TestSound.h"
+#include "VefBytes.h"
+#include "WavFileFormat.h"
+#include "WavFileObject.h"
+#include "WrittenChunks.h"
+#include "file/KestrelFile.h"
+#include "file/VefFile.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+int g_nPieces = 0;
+void CountPiece(void*, unsigned int) { ++g_nPieces; }
+
+class KestrelVef : public C_FolderTest {
+ protected:
+  bool Load(C_KestrelFile& file, const C_RiffBytes& riff, bool bKeepEncoded = false) {
+    g_nPieces = 0;
+    return file.LoadByName(Write("in", riff.Take()).c_str(), bKeepEncoded, nullptr, &CountPiece);
+  }
+  // What the stream alone decodes to.
+  C_Bytes DecodedAlone(const C_Bytes& stream) {
+    C_KestrelFile file;
+    const std::string strPath = Write("alone", C_SpBytes().Stream(stream).Take());
+    EXPECT_TRUE(file.LoadByName(strPath.c_str(), false, nullptr, nullptr));
+    return PcmOf(file);
+  }
+  // Saves the sound as a container.
+  C_Bytes Converted(I_WavData& sound, bool bForceEncode = false) {
+    EXPECT_TRUE(sound.Convert(AUDIO_FILE_KESTREL, Path("vef").c_str(), false, false, nullptr,
+                              bForceEncode, 0));
+    return Content("vef");
+  }
+};
+
+// ---- recognising
+
+TEST_F(KestrelVef, CheckFormat_OfAContainer_SetsTheKindAndTheFormatAsStored) {
+  C_KestrelFile file;
+  C_RiffBytes riff("VEFF");
+  riff.Chunk("fmt ", FmtBytes(1, 2, 8000, 8))
+      .Chunk("data", RampBytes(6))
+      .Chunk("vafm", VafmBytes(14));
+  ASSERT_TRUE(file.CheckFormat(Write("in", riff.Take()).c_str(), true));
+  EXPECT_EQ(1, file.GetContainerKind());
+  EXPECT_EQ(14u, file.GetCodingType());
+  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetFileFormat());
+  EXPECT_EQ(8000u, file.GetWavInfo()->GetSampleRate());
+  EXPECT_EQ(6u, file.GetWavInfo()->GetByteLength());
+  EXPECT_EQ(2, file.GetWavInfo()->GetChannels());
+  EXPECT_EQ(44u, file.GetDataStartPos());
+}
+
+TEST_F(KestrelVef, ContainersOfHeronStreams_AreRefused) {
+  for (const std::uint16_t wType : std::initializer_list<std::uint16_t>{32, 33, 34, 35, 36}) {
+    C_KestrelFile file;
+    EXPECT_FALSE(file.CheckFormat(
+        Write("in", MonoVef(8).Chunk("vafm", VafmBytes(wType)).Take()).c_str(), true))
+        << wType;
+    EXPECT_EQ(-1, file.GetContainerKind()) << wType;
+  }
+}
+
+TEST_F(KestrelVef, ContainersOfAnyOtherType_AreTaken) {
+  for (const std::uint16_t wType :
+       std::initializer_list<std::uint16_t>{0, 1, 13, 14, 15, 31, 37, 0xFFFF}) {
+    C_KestrelFile file;
+    EXPECT_TRUE(file.CheckFormat(
+        Write("in", MonoVef(8).Chunk("vafm", VafmBytes(wType)).Take()).c_str(), true))
+        << wType;
+    EXPECT_EQ(wType, file.GetCodingType());
+  }
+  C_KestrelFile file;
+  EXPECT_TRUE(file.CheckFormat(Write("in", MonoVef(8).Take()).c_str(), true));
+  EXPECT_EQ(0u, file.GetCodingType());
+}
+
+TEST_F(KestrelVef, SpHeaderInFrontOfAContainer_IsAStreamAndNoContainer) {
+  const std::string strPath = Write("in", C_SpBytes().ID(32).Stream(MonoVef(8).Take()).Take());
+  C_KestrelFile file;
+  EXPECT_FALSE(file.CheckFormat(strPath.c_str(), true));
+}
+
+// ---- loading
+
+TEST_F(KestrelVef, LoadData_OfAContainer_DecodesTheStreamWithoutACallback) {
+  const C_Bytes stream = C_KestrelBytes(16000).Voice(3).Take();
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, KestrelVefBytes(8, 3)));
+  EXPECT_EQ(0, g_nPieces);
+  EXPECT_EQ(3u * 640, file.GetWavData()->GetBufferLength());
+  EXPECT_EQ(DecodedAlone(stream), PcmOf(file));
+  EXPECT_EQ(AUDIO_FILE_KESTREL, file.GetWavData()->GetEncType());
+  const unsigned char* pbyEncoded = file.GetWavData()->GetEncBuffer();
+  EXPECT_EQ(stream, C_Bytes(pbyEncoded, pbyEncoded + file.GetWavData()->GetEncBufferLen()));
+}
+
+TEST_F(KestrelVef, DecodedSound_IsMonoInSixteenBitsWhateverThePcmIs) {
+  C_RiffBytes riff("VEFF");
+  riff.Chunk("fmt ", FmtBytes(1, 2, 11025, 8))
+      .Chunk("data", RampBytes(6))
+      .Chunk("vafm", VafmBytes(14));
+  riff.Chunk("vdat", C_KestrelBytes(9600).Voice(2).Take());
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, riff));
+  EXPECT_EQ(1, file.GetWavInfo()->GetChannels());
+  EXPECT_EQ(16, file.GetWavInfo()->GetStoreBitsPerSample());
+  EXPECT_TRUE(file.GetWavInfo()->IsValueSigned());
+  EXPECT_EQ(11025u, file.GetWavInfo()->GetSampleRate());
+  EXPECT_EQ(640u, file.GetWavInfo()->GetSampleSize());
+}
+
+TEST_F(KestrelVef, KeepEncoded_ReadsThePcmAsStored) {
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, KestrelVefBytes(10, 3), true));
+  EXPECT_EQ(0, g_nPieces);
+  EXPECT_EQ(RampBytes(10), PcmOf(file));
+  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+}
+
+TEST_F(KestrelVef, StreamOfAnEarlierFile_IsForgotten) {
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, KestrelVefBytes(8, 5)));
+  ASSERT_TRUE(Load(file, KestrelVefBytes(10, 3), true));
+  EXPECT_EQ(RampBytes(10), PcmOf(file));
+  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetWavData()->GetEncType());
+  EXPECT_FALSE(file.WriteFile(Path("out").c_str(), false, false, nullptr, false, 0));
+  EXPECT_THAT(Entries(), ElementsAre("in"));
+}
+
+TEST_F(KestrelVef, ContainerWithoutAStream_LoadsAsStoredAlone) {
+  C_KestrelFile file;
+  EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vafm", VafmBytes(14))));
+  EXPECT_TRUE(Load(file, MonoVef(8).Chunk("vafm", VafmBytes(14)), true));
+}
+
+TEST_F(KestrelVef, DamagedStreams_AreFalse) {
+  C_KestrelFile file;
+  const C_Bytes stream = C_KestrelBytes(16000).Voice(1).Take();
+  EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vdat", {1, 2, 3})));
+  EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vdat", C_KestrelBytes(7300).Take())));
+  EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vdat", 4096, stream)));
+  EXPECT_TRUE(Load(file, MonoVef(8).Chunk("vdat", stream)));
+}
+
+TEST_F(KestrelVef, EventsOfAContainer_AreLoadedOnceAlthoughALoadIsTriedTwice) {
+  // The first attempt meets a stream that it cannot decode and events that it can.
+  C_RiffBytes riff = KestrelVefBytes(8, 2);
+  riff.Chunk("cue ", CueBytes({{1, 5, 5}})).Chunk("LIST", AdtlBytes({LablBytes(1, "(65538,7)")}));
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, riff));
+  ASSERT_TRUE(Load(file, riff));
+  EXPECT_THAT(VefEventsOf(file), ElementsAre(S_VefEventSeen{1, 2, 7, 5}));
+}
+
+TEST_F(KestrelVef, Factory_GivesAKestrelFile) {
+  C_WavFileFormat format;
+  const std::string strPath = Write("in", KestrelVefBytes(8, 2).Take());
+  for (const bool bKeepEncoded : {false, true}) {
+    const C_WavFilePtr file(
+        format.CreateWavFile(strPath.c_str(), true, bKeepEncoded, nullptr, nullptr));
+    ASSERT_NE(nullptr, dynamic_cast<C_KestrelFile*>(file.get()));
+    EXPECT_EQ(bKeepEncoded ? 8u : 1280u, file->GetWavData()->GetBufferLength());
+  }
+  const C_WavFilePtr opened(format.OpenWavFile(strPath.c_str()));
+  ASSERT_NE(nullptr, dynamic_cast<C_KestrelFile*>(opened.get()));
+  EXPECT_EQ(8u, opened->GetWavInfo()->GetByteLength());
+  EXPECT_EQ(nullptr, opened->GetWavDataBuffer());
+}
+
+// ---- saving
+
+TEST_F(KestrelVef, WriteFile_WithoutEncoding_WritesAContainer) {
+  const auto sound = MonoSound(TestVoice(320));
+  const C_Bytes file = Converted(*sound);
+  EXPECT_EQ(762u, file.size());
+  EXPECT_EQ(Join({Ascii("RIFF"), U32(754), Ascii("VEFF")}),
+            C_Bytes(file.begin(), file.begin() + 12));
+  EXPECT_THAT(ChunkNames(file), ElementsAre("fmt ", "data", "vafm", "vdat"));
+  EXPECT_EQ(VafmBytes(14), ChunkNamed(file, "vafm"));
+  EXPECT_EQ(46u, ChunkNamed(file, "vdat").size());
+  EXPECT_EQ(640u, ChunkNamed(file, "data").size());
+}
+
+TEST_F(KestrelVef, StreamStandsInFrontOfTheExtraChunks) {
+  const auto sound = ExampleSound({}, 400);
+  AddAnnotations(*sound);
+  EXPECT_THAT(ChunkNames(Converted(*sound)),
+              ElementsAre("fmt ", "data", "cue ", "smpl", "LIST", "vafm", "vdat", "note"));
+}
+
+TEST_F(KestrelVef, StreamOfAContainer_IsTheOneThatIsWrittenAlone) {
+  const auto sound = MonoSound(TestVoice(2000));
+  sound->GetAudioCodecParam()->SetBitRate(24000);
+  const C_Bytes file = Converted(*sound);
+  EXPECT_EQ(Join({U16(256), U16(14), U16(16000), U32(24000), {1, 0}, U32(0)}),
+            ChunkNamed(file, "vafm"));
+  ASSERT_TRUE(
+      sound->Convert(AUDIO_FILE_KESTREL, Path("bare").c_str(), true, false, nullptr, false, 0));
+  EXPECT_EQ(Content("bare"), ChunkNamed(file, "vdat"));
+}
+
+TEST_F(KestrelVef, StereoSound_KeepsItsPcmBesideAMonoStream) {
+  const auto sound = ExampleSound({.dwSampleRate = 8000, .wChannels = 2}, 700);
+  const C_Bytes file = Converted(*sound);
+  EXPECT_EQ(FmtBytes(1, 2, 8000, 16), ChunkNamed(file, "fmt "));
+  EXPECT_EQ(2800u, ChunkNamed(file, "data").size());
+  EXPECT_EQ(2, ChunkNamed(file, "vafm")[10]);
+  C_KestrelFile loaded;
+  ASSERT_TRUE(loaded.LoadByName(Path("vef").c_str(), false, nullptr, nullptr));
+  EXPECT_EQ(DecodedAlone(ChunkNamed(file, "vdat")), PcmOf(loaded));
+  EXPECT_EQ(1, loaded.GetWavInfo()->GetChannels());
+}
+
+TEST_F(KestrelVef, ConvertedAndCreatedAgain_GivesTheSourcesPcmOrTheDecodedStream) {
+  const auto sound = MonoSound(TestVoice(3200));
+  sound->GetEventTagMgr()->AddEventBySamplePos(1, 2, 1600, "", 7);
+  const C_Bytes file = Converted(*sound);
+  C_WavFileFormat format;
+  const C_WavFilePtr stored(
+      format.CreateWavFile(Path("vef").c_str(), true, true, nullptr, nullptr));
+  ASSERT_NE(nullptr, stored);
+  EXPECT_EQ(SamplesOf(sound.get()), SamplesOf(stored->GetWavData()));
+  EXPECT_THAT(VefEventsOf(*stored), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
+  const C_WavFilePtr decoded(
+      format.CreateWavFile(Path("vef").c_str(), true, false, nullptr, nullptr));
+  ASSERT_NE(nullptr, decoded);
+  EXPECT_EQ(DecodedAlone(ChunkNamed(file, "vdat")), PcmOf(*decoded));
+  EXPECT_THAT(VefEventsOf(*decoded), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
+}
+
+TEST_F(KestrelVef, LoadedStream_IsWrittenUnchangedUnlessForced) {
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, KestrelVefBytes(8, 5)));
+  const C_Bytes stream = C_KestrelBytes(16000).Voice(5).Take();
+  file.GetAudioCodecParam()->SetBitRate(32000);
+  EXPECT_EQ(stream, ChunkNamed(Converted(*file.GetWavData()), "vdat"));
+  EXPECT_NE(stream, ChunkNamed(Converted(*file.GetWavData(), true), "vdat"));
+  ASSERT_TRUE(file.WriteFile(Path("vef").c_str(), false, false, nullptr, false, 0));
+  EXPECT_EQ(stream, ChunkNamed(Content("vef"), "vdat"));
+}
+
+TEST_F(KestrelVef, SoundKeptAsStored_HasNoStreamToReuse) {
+  C_KestrelFile file;
+  ASSERT_TRUE(Load(file, KestrelVefBytes(640, 5), true));
+  EXPECT_FALSE(file.WriteFile(Path("out").c_str(), false, false, nullptr, false, 0));
+  EXPECT_FALSE(file.WriteFile(Path("out").c_str(), true, false, nullptr, false, 0));
+  EXPECT_THAT(Entries(), ElementsAre("in"));
+  EXPECT_TRUE(file.WriteFile(Path("out").c_str(), false, false, nullptr, true, 0));
+}
+
+TEST_F(KestrelVef, EncodingThatFails_LeavesTheOldFile) {
+  const auto sound = MonoSound(TestVoice(2000));
+  sound->GetAudioCodecParam()->SetBitRate(8000);
+  const std::string strPath = Write("vef", Ascii("before"));
+  EXPECT_FALSE(sound->Convert(AUDIO_FILE_KESTREL, strPath.c_str(), false, false, nullptr, true, 0));
+  EXPECT_EQ(Ascii("before"), Content("vef"));
+}
+
+TEST_F(KestrelVef, WithACodecHead_SixBytesStandInFrontOfTheStream) {
+  const auto sound = MonoSound(TestVoice(2000));
+  ASSERT_TRUE(
+      sound->Convert(AUDIO_FILE_KESTREL, Path("bare").c_str(), true, false, nullptr, false, 0));
+  ASSERT_TRUE(
+      sound->Convert(AUDIO_FILE_KESTREL, Path("head").c_str(), true, true, nullptr, false, 0));
+  EXPECT_EQ(Join({{0x0E, 0x00, 0x80, 0x3E, 0x00, 0x00}, Content("bare")}), Content("head"));
+}
+
+TEST_F(KestrelVef, CodecHeadOnAFullDisk_IsFalse) {
+  const auto sound = MonoSound(TestVoice(2000));
+  for (std::size_t cbLimit = 0; cbLimit < 8; ++cbLimit) {
+    const C_FileSizeLimit limit(cbLimit);
+    EXPECT_FALSE(
+        sound->Convert(AUDIO_FILE_KESTREL, Path("head").c_str(), true, true, nullptr, false, 0))
+        << cbLimit;
+  }
+}
+
+TEST_F(KestrelVef, ConvertHasNoKindForPlainContainers) {
+  const auto sound = MonoSound({1, 2});
+  for (const unsigned int dwType : {0x1001U, 0xFFFFU, 0U, 1U}) {
+    EXPECT_FALSE(sound->Convert(static_cast<tagAudioFileType>(dwType), Path("out").c_str(), false,
+                                true, nullptr, false, 0))
+        << dwType;
+  }
+  EXPECT_THAT(Entries(), IsEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,471 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Files that get a header, lose it, or are copied behind one; above all, that no file is ever lost.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <regex>
+
+#include "FileSizeLimit.h"
+#include "FolderTest.h"
+#include "InChild.h"
+#include "SpBytes.h"
+#include "file/SpHeader.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+constexpr uid_t kNobody = 65534;
+
+Bytes Pattern(std::size_t cbSize) {
+  Bytes bytes(cbSize);
+  for (std::size_t i = 0; i < cbSize; ++i) bytes[i] = static_cast<std::uint8_t>(i * 7 + i / 256);
+  return bytes;
+}
+
+C_SpHeader KestrelHeader() {
+  C_SpHeader header;
+  header.SetID(14);
+  header.SetFreq(16000);
+  return header;
+}
+
+Bytes Headed(const Bytes& stream) { return C_SpBytes().Stream(stream).Take(); }
+
+class SpFile : public C_FolderTest {
+ protected:
+  bool Prepend(const std::string& strName) {
+    return PrependSpHeader(KestrelHeader(), Path(strName).c_str());
+  }
+  bool Strip(const std::string& strSource, const std::string& strTarget) {
+    C_SpHeader header;
+    return StripSpHeader(&header, Path(strSource).c_str(), Path(strTarget).c_str());
+  }
+  bool Copy(const std::string& strSource, const std::string& strTarget) {
+    return CopyWithSpHeader(Path(strSource).c_str(), Path(strTarget).c_str(), KestrelHeader());
+  }
+  mode_t ModeOf(const std::string& strName) {
+    struct stat status {};
+    EXPECT_EQ(0, stat(Path(strName).c_str(), &status));
+    return status.st_mode & 07777;
+  }
+  uid_t OwnerOf(const std::string& strName) {
+    struct stat status {};
+    EXPECT_EQ(0, stat(Path(strName).c_str(), &status));
+    return status.st_uid;
+  }
+};
+
+// ---- prepend
+
+TEST_F(SpFile, Prepend_PutsTheHeaderInFrontOfEverySize) {
+  for (const std::size_t cbSize : {0u, 1u, 47u, 1023u, 1024u, 1025u, 2048u, 100000u}) {
+    Write("a", Pattern(cbSize));
+    EXPECT_TRUE(Prepend("a")) << cbSize;
+    EXPECT_EQ(Headed(Pattern(cbSize)), Content("a")) << cbSize;
+    EXPECT_THAT(Entries(), ElementsAre("a")) << cbSize;
+  }
+}
+
+TEST_F(SpFile, Prepend_Twice_StacksTwoHeaders) {
+  Write("a", Pattern(100));
+  EXPECT_TRUE(Prepend("a"));
+  EXPECT_TRUE(Prepend("a"));
+  EXPECT_EQ(Headed(Headed(Pattern(100))), Content("a"));
+}
+
+TEST_F(SpFile, Prepend_MissingFile_IsFalseAndCreatesNothing) {
+  EXPECT_FALSE(Prepend("missing"));
+  EXPECT_FALSE(Prepend("missing/deeper"));
+  EXPECT_FALSE(PrependSpHeader(KestrelHeader(), ""));
+  EXPECT_FALSE(PrependSpHeader(KestrelHeader(), nullptr));
+  EXPECT_THAT(Entries(), IsEmpty());
+}
+
+TEST_F(SpFile, Prepend_Directory_IsFalse) {
+  std::filesystem::create_directory(Path("d"));
+  EXPECT_FALSE(Prepend("d"));
+  EXPECT_THAT(Entries(), ElementsAre("d"));
+}
+
+TEST_F(SpFile, Prepend_EndlessDevice_IsFalseAtOnce) {
+  EXPECT_FALSE(PrependSpHeader(KestrelHeader(), "/dev/zero"));
+}
+
+// Names of what was created in a folder while it was watched.
+class C_CreationWatch {
+ public:
+  explicit C_CreationWatch(const std::string& strFolder) : m_nWatch(inotify_init1(IN_NONBLOCK)) {
+    EXPECT_GE(inotify_add_watch(m_nWatch, strFolder.c_str(), IN_CREATE), 0);
+  }
+  ~C_CreationWatch() { close(m_nWatch); }
+  C_CreationWatch(const C_CreationWatch&) = delete;
+  C_CreationWatch& operator=(const C_CreationWatch&) = delete;
+
+  std::vector<std::string> Created() const {
+    std::vector<std::string> names;
+    alignas(inotify_event) std::array<char, 4096> events{};
+    const ssize_t nRead = read(m_nWatch, events.data(), events.size());
+    for (ssize_t i = 0; i < nRead;) {
+      inotify_event event{};
+      std::memcpy(&event, &events[static_cast<std::size_t>(i)], sizeof event);
+      names.emplace_back(&events[static_cast<std::size_t>(i) + sizeof event]);
+      i += static_cast<ssize_t>(sizeof event + event.len);
+    }
+    return names;
+  }
+
+ private:
+  int m_nWatch;
+};
+
+TEST_F(SpFile, Prepend_BuildsTheNewFileBesideTheOldOneUnderAHexadecimalName) {
+  Write("voice.kst", Pattern(10));
+  const C_CreationWatch watch(Path("."));
+  ASSERT_TRUE(Prepend("voice.kst"));
+  const auto names = watch.Created();
+  ASSERT_EQ(1u, names.size());
+  EXPECT_TRUE(std::regex_match(names[0], std::regex(R"(voice\.kst\.[0-9a-f]{1,8})"))) << names[0];
+  EXPECT_THAT(Entries(), ElementsAre("voice.kst"));
+}
+
+// The generator is seeded by the first use in the process; from then on a test can steer it.
+class SpFileWithKnownNames : public SpFile {
+ protected:
+  static constexpr unsigned int kSeed = 42;
+
+  void SetUp() override {
+    SpFile::SetUp();
+    Write("first", {});
+    ASSERT_TRUE(Prepend("first"));
+    std::filesystem::remove(Path("first"));
+  }
+  static std::vector<std::string> NextNames(int nCount) {
+    std::srand(kSeed);
+    std::vector<std::string> names;
+    for (int i = 0; i < nCount; ++i) {
+      std::array<char, 16> szName{};
+      std::snprintf(szName.data(), szName.size(), "a.%x", static_cast<unsigned int>(std::rand()));
+      names.emplace_back(szName.data());
+    }
+    std::srand(kSeed);
+    return names;
+  }
+};
+
+TEST_F(SpFileWithKnownNames, Prepend_SeedsTheGeneratorOncePerProcess) {
+  Write("a", Pattern(5));
+  const auto names = NextNames(1);
+  const C_CreationWatch watch(Path("."));
+  ASSERT_TRUE(Prepend("a"));
+  EXPECT_EQ(names, watch.Created());
+}
+
+TEST_F(SpFileWithKnownNames, Prepend_StepsOverNamesThatAreTaken) {
+  const auto names = NextNames(4);
+  Write("a", Pattern(5));
+  Write(names[0], {1, 2, 3});
+  ASSERT_EQ(0, symlink("nowhere", Path(names[1]).c_str()));
+  std::filesystem::create_directory(Path(names[2]));
+  EXPECT_TRUE(Prepend("a"));
+  EXPECT_EQ(Headed(Pattern(5)), Content("a"));
+  EXPECT_EQ((Bytes{1, 2, 3}), Content(names[0]));
+  EXPECT_THAT(Entries(), UnorderedElementsAre("a", names[0], names[1], names[2]));
+}
+
+TEST_F(SpFileWithKnownNames, Prepend_GivesUpAfterTenThousandNames) {
+  const auto names = NextNames(10000);
+  Write("a", Pattern(5));
+  for (const std::string& strName : names) EXPECT_EQ(0, symlink("nowhere", Path(strName).c_str()));
+  EXPECT_FALSE(Prepend("a"));
+  EXPECT_EQ(Pattern(5), Content("a"));
+  EXPECT_EQ(10001u, Entries().size());
+
+  std::filesystem::remove(Path(names.back()));
+  std::srand(kSeed);
+  EXPECT_TRUE(Prepend("a"));
+  EXPECT_EQ(10000u, Entries().size());
+}
+
+TEST_F(SpFile, Prepend_KeepsTheMode) {
+  for (const mode_t nMode : {0600u, 0644u, 0755u, 0400u, 0444u, 04755u, 0666u, 0u}) {
+    Write("a", Pattern(5));
+    ASSERT_EQ(0, chmod(Path("a").c_str(), nMode));
+    EXPECT_TRUE(Prepend("a"));
+    EXPECT_EQ(nMode, ModeOf("a"));
+  }
+}
+
+TEST_F(SpFile, Prepend_KeepsOwnerAndGroup) {
+  if (geteuid() != 0) FAIL() << "these tests run as root";
+  Write("a", Pattern(5));
+  ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, 1));
+  ASSERT_EQ(0, chmod(Path("a").c_str(), 04750));
+  EXPECT_TRUE(Prepend("a"));
+  struct stat status {};
+  ASSERT_EQ(0, stat(Path("a").c_str(), &status));
+  EXPECT_EQ(kNobody, status.st_uid);
+  EXPECT_EQ(1u, status.st_gid);
+  EXPECT_EQ(04750u, status.st_mode & 07777);
+}
+
+TEST_F(SpFile, Prepend_ByAnotherUser_SucceedsWithThatUserAsOwnerAndNoSpecialBits) {
+  Write("a", Pattern(5));
+  ASSERT_EQ(0, chmod(Path("a").c_str(), 06755));
+  ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+  EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+  EXPECT_EQ(Headed(Pattern(5)), Content("a"));
+  EXPECT_EQ(kNobody, OwnerOf("a"));
+  EXPECT_EQ(0755u, ModeOf("a"));
+}
+
+TEST_F(SpFile, Prepend_ByTheOwner_KeepsTheSpecialBits) {
+  for (const std::size_t cbSize : {0u, 5u, 100000u}) {
+    Write("a", Pattern(cbSize));
+    ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, kNobody));
+    ASSERT_EQ(0, chmod(Path("a").c_str(), 06755));
+    ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+    EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+    EXPECT_EQ(06755u, ModeOf("a")) << cbSize;
+    std::filesystem::remove(Path("a"));
+  }
+}
+
+TEST_F(SpFile, Prepend_ByAnOwnerOutsideTheFilesGroup_DropsTheSpecialBits) {
+  constexpr gid_t kGroupOfNobodyHere = 54321;
+  Write("a", Pattern(5));
+  ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, kGroupOfNobodyHere));
+  ASSERT_EQ(0, chmod(Path("a").c_str(), 06750));
+  ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+  EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+  EXPECT_EQ(Headed(Pattern(5)), Content("a"));
+  EXPECT_EQ(kNobody, OwnerOf("a"));
+  EXPECT_EQ(0750u, ModeOf("a"));
+}
+
+TEST_F(SpFile, Prepend_ThroughALink_ReplacesTheLinkAndLeavesItsTarget) {
+  Write("real", Pattern(5));
+  ASSERT_EQ(0, symlink("real", Path("link").c_str()));
+  EXPECT_TRUE(Prepend("link"));
+  EXPECT_EQ(Headed(Pattern(5)), Content("link"));
+  EXPECT_EQ(Pattern(5), Content("real"));
+}
+
+TEST_F(SpFile, Prepend_DiskFullAtEveryByte_KeepsTheSource) {
+  const Bytes source = Pattern(2000);
+  Write("a", source);
+  for (std::size_t cbLimit = 0; cbLimit < 2048; ++cbLimit) {
+    const C_FileSizeLimit limit(cbLimit);
+    ASSERT_FALSE(Prepend("a")) << cbLimit;
+    ASSERT_EQ(source, Content("a")) << cbLimit;
+    ASSERT_THAT(Entries(), ElementsAre("a")) << cbLimit;
+  }
+  const C_FileSizeLimit limit(2048);
+  EXPECT_TRUE(Prepend("a"));
+  EXPECT_EQ(Headed(source), Content("a"));
+}
+
+TEST_F(SpFile, Prepend_FolderThatTakesNoFile_IsFalseAndKeepsTheSource) {
+  Write("a", Pattern(5));
+  ASSERT_EQ(0, chmod(Path(".").c_str(), 0755));
+  EXPECT_FALSE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+  EXPECT_EQ(Pattern(5), Content("a"));
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(SpFile, Prepend_FileThatMayNotBeRead_IsFalseAndCreatesNothing) {
+  Write("a", Pattern(5));
+  ASSERT_EQ(0, chmod(Path("a").c_str(), 0600));
+  ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+  EXPECT_FALSE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+  EXPECT_EQ(Pattern(5), Content("a"));
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(SpFile, Prepend_WhenTheRenameIsRefused_KeepsTheSourceAndRemovesTheNewFile) {
+  Write("a", Pattern(5));
+  // In a sticky folder everybody may create files, but only the owner may replace one.
+  ASSERT_EQ(0, chmod(Path(".").c_str(), 01777));
+  EXPECT_FALSE(InChildAs(kNobody, [&] { return Prepend("a"); }));
+  EXPECT_EQ(Pattern(5), Content("a"));
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(SpFile, Prepend_LongestNameThatLeavesRoomForTheSuffix_Succeeds) {
+  const std::string strName(255 - 9, 'x');
+  Write(strName, Pattern(5));
+  EXPECT_TRUE(Prepend(strName));
+  EXPECT_EQ(Headed(Pattern(5)), Content(strName));
+}
+
+TEST_F(SpFile, Prepend_NameTooLongForAnySuffix_IsFalseAndKeepsTheSource) {
+  const std::string strName(255, 'x');
+  Write(strName, Pattern(5));
+  EXPECT_FALSE(Prepend(strName));
+  EXPECT_EQ(Pattern(5), Content(strName));
+  EXPECT_THAT(Entries(), ElementsAre(strName));
+}
+
+TEST_F(SpFile, Prepend_PathOfMoreThan1024Characters_Succeeds) {
+  std::string strFolder;
+  for (int i = 0; i < 6; ++i) strFolder += std::string(200, 'd') + "/";
+  std::filesystem::create_directories(Path(strFolder));
+  Write(strFolder + "a", Pattern(5));
+  EXPECT_TRUE(Prepend(strFolder + "a"));
+  EXPECT_EQ(Headed(Pattern(5)), Content(strFolder + "a"));
+}
+
+TEST_F(SpFile, Prepend_NameWithFormatCharacters_IsTakenAsItIs) {
+  Write("%s%n%x.kst", Pattern(5));
+  EXPECT_TRUE(Prepend("%s%n%x.kst"));
+  EXPECT_EQ(Headed(Pattern(5)), Content("%s%n%x.kst"));
+  EXPECT_THAT(Entries(), ElementsAre("%s%n%x.kst"));
+}
+
+// ---- strip
+
+TEST_F(SpFile, Strip_TakesAwayWhatPrependPutThere) {
+  for (const std::size_t cbSize : {0u, 1u, 1023u, 1024u, 1025u, 5000u}) {
+    Write("a", Pattern(cbSize));
+    ASSERT_TRUE(Prepend("a"));
+    EXPECT_TRUE(Strip("a", "b")) << cbSize;
+    EXPECT_EQ(Pattern(cbSize), Content("b")) << cbSize;
+  }
+}
+
+TEST_F(SpFile, Strip_ReadsTheHeader) {
+  Write("a", C_SpBytes().ID(33).Freq(11025).Take());
+  C_SpHeader header;
+  EXPECT_TRUE(StripSpHeader(&header, Path("a").c_str(), Path("b").c_str()));
+  EXPECT_EQ(33, header.GetID());
+  EXPECT_EQ(11025u, header.GetFreq());
+}
+
+TEST_F(SpFile, Strip_FileWithoutAHeader_IsCopiedWhole) {
+  Write("a", Pattern(3000));
+  EXPECT_TRUE(Strip("a", "b"));
+  EXPECT_EQ(Pattern(3000), Content("b"));
+  Write("a", C_SpBytes().Version(253).Stream({9}).Take());
+  EXPECT_TRUE(Strip("a", "b"));
+  EXPECT_EQ(C_SpBytes().Version(253).Stream({9}).Take(), Content("b"));
+}
+
+TEST_F(SpFile, Strip_Version255_Takes48BytesAndLeavesTwoOfItsHeader) {
+  Write("a", C_SpBytes().Version(255).Gap(0).Stream({1, 2, 3}).Take());
+  EXPECT_TRUE(Strip("a", "b"));
+  EXPECT_EQ((Bytes{0, 0, 1, 2, 3}), Content("b"));
+}
+
+TEST_F(SpFile, Strip_HeaderCutShort_LeavesNothing) {
+  for (const std::size_t cbSize : {22u, 30u, 47u, 48u}) {
+    Write("a", C_SpBytes().Take(cbSize));
+    EXPECT_TRUE(Strip("a", "b")) << cbSize;
+    EXPECT_THAT(Content("b"), IsEmpty()) << cbSize;
+  }
+}
+
+TEST_F(SpFile, Strip_MissingSource_IsFalseAndLeavesTheTargetAlone) {
+  Write("b", {1, 2, 3});
+  EXPECT_FALSE(Strip("missing", "b"));
+  EXPECT_EQ((Bytes{1, 2, 3}), Content("b"));
+  EXPECT_FALSE(Strip("missing", "c"));
+  EXPECT_THAT(Entries(), ElementsAre("b"));
+}
+
+TEST_F(SpFile, Strip_TargetThatCannotBeOpened_IsFalse) {
+  Write("a", Pattern(5));
+  EXPECT_FALSE(Strip("a", "no/such/folder"));
+  C_SpHeader header;
+  EXPECT_FALSE(StripSpHeader(&header, Path("a").c_str(), nullptr));
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(SpFile, Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened) {
+  Write("a", Pattern(5000));
+  C_SpHeader header;
+  EXPECT_TRUE(StripSpHeader(&header, Path("a").c_str(), "/dev/full"));
+}
+
+TEST_F(SpFile, Strip_OntoItself_IsFalseAndKeepsTheSource) {
+  Write("a", Headed(Pattern(5)));
+  ASSERT_EQ(0, symlink("a", Path("soft").c_str()));
+  ASSERT_EQ(0, link(Path("a").c_str(), Path("hard").c_str()));
+  for (const char* pszTarget : {"a", "./a", "soft", "hard"}) {
+    EXPECT_FALSE(Strip("a", pszTarget)) << pszTarget;
+    EXPECT_EQ(Headed(Pattern(5)), Content("a")) << pszTarget;
+  }
+}
+
+// ---- copy
+
+TEST_F(SpFile, Copy_WritesTheHeaderAndTheWholeSource) {
+  for (const std::size_t cbSize : {0u, 1u, 1023u, 1024u, 1025u}) {
+    Write("a", Pattern(cbSize));
+    EXPECT_TRUE(Copy("a", "b")) << cbSize;
+    EXPECT_EQ(Headed(Pattern(cbSize)), Content("b")) << cbSize;
+    EXPECT_EQ(Pattern(cbSize), Content("a")) << cbSize;
+  }
+}
+
+TEST_F(SpFile, Copy_SourceWithAHeader_KeepsIt) {
+  Write("a", Headed(Pattern(5)));
+  EXPECT_TRUE(Copy("a", "b"));
+  EXPECT_EQ(Headed(Headed(Pattern(5))), Content("b"));
+}
+
+TEST_F(SpFile, Copy_ReplacesALongerTarget) {
+  Write("a", {1});
+  Write("b", Pattern(500));
+  EXPECT_TRUE(Copy("a", "b"));
+  EXPECT_EQ(Headed({1}), Content("b"));
+}
+
+TEST_F(SpFile, Copy_MissingSource_IsFalseAndLeavesTheTargetAlone) {
+  Write("b", {1, 2, 3});
+  EXPECT_FALSE(Copy("missing", "b"));
+  EXPECT_EQ((Bytes{1, 2, 3}), Content("b"));
+}
+
+TEST_F(SpFile, Copy_TargetThatCannotBeOpened_IsFalse) {
+  Write("a", Pattern(5));
+  EXPECT_FALSE(Copy("a", "no/such/folder"));
+  EXPECT_FALSE(CopyWithSpHeader(Path("a").c_str(), nullptr, KestrelHeader()));
+}
+
+TEST_F(SpFile, Copy_DiskFullAtEveryByte_IsFalse) {
+  Write("a", Pattern(1200));
+  for (std::size_t cbLimit = 0; cbLimit < 1248; ++cbLimit) {
+    const C_FileSizeLimit limit(cbLimit);
+    ASSERT_FALSE(Copy("a", "b")) << cbLimit;
+  }
+  const C_FileSizeLimit limit(1248);
+  EXPECT_TRUE(Copy("a", "b"));
+  EXPECT_FALSE(CopyWithSpHeader(Path("a").c_str(), "/dev/full", KestrelHeader()));
+}
+
+TEST_F(SpFile, Copy_OntoItself_IsFalseAndEnds) {
+  Write("a", Pattern(5000));
+  ASSERT_EQ(0, link(Path("a").c_str(), Path("hard").c_str()));
+  EXPECT_FALSE(Copy("a", "a"));
+  EXPECT_FALSE(Copy("a", "hard"));
+  EXPECT_EQ(Pattern(5000), Content("a"));
+}
+
+TEST_F(SpFile, Copy_DirectoryAsSource_IsFalse) {
+  std::filesystem::create_directory(Path("d"));
+  EXPECT_FALSE(Copy("d", "b"));
+}
+
+}  // namespace

@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Playback without a device, and what happens to it when the device goes.
+#include "output/Playback.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include "FakeDevice.h"
+#include "SoundServer.h"
+#include "output/CubebDevice.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using toolbox::C_Playback;
+using toolbox::S_OutputFormat;
+
+constexpr const char* kAnnouncement = "no output device; playing silently in real time";
+
+class C_CountingSource final : public toolbox::I_RenderSource {
+ public:
+  void RenderFrames(void* pFrames, UInt32 dwFrames) override {
+    const auto* pbyFrames = static_cast<const UInt8*>(pFrames);
+    bZeroed = bZeroed && std::all_of(pbyFrames, pbyFrames + dwFrames * cbFrame,
+                                     [](UInt8 byValue) { return byValue == 0; });
+    std::fill_n(static_cast<UInt8*>(pFrames), dwFrames * cbFrame, UInt8{1});
+    dwSmallest = std::min(dwSmallest.load(), dwFrames);
+    dwLargest = std::max(dwLargest.load(), dwFrames);
+    qwFrames += dwFrames;
+  }
+  [[nodiscard]] bool WaitFor(UInt64 qwWanted) const {
+    const auto limit = Clock::now() + 20s;
+    while (qwFrames < qwWanted && Clock::now() < limit) std::this_thread::sleep_for(1ms);
+    return qwFrames >= qwWanted;
+  }
+  std::size_t cbFrame = 2;
+  std::atomic<UInt64> qwFrames{0};
+  std::atomic<UInt32> dwSmallest{0xFFFFFFFF};
+  std::atomic<UInt32> dwLargest{0};
+  std::atomic<bool> bZeroed{true};
+};
+
+// What the code under test writes to standard error while this lives.
+class C_ErrorCapture {
+ public:
+  explicit C_ErrorCapture(bool bTerminal) : m_nOldError(dup(STDERR_FILENO)) {
+    int nWrite = -1;
+    if (bTerminal) {
+      EXPECT_EQ(0, openpty(&m_nRead, &nWrite, nullptr, nullptr, nullptr));
+    } else {
+      int ends[2] = {-1, -1};
+      EXPECT_EQ(0, pipe(ends));
+      m_nRead = ends[0];
+      nWrite = ends[1];
+    }
+    EXPECT_EQ(STDERR_FILENO, dup2(nWrite, STDERR_FILENO));
+    close(nWrite);
+    EXPECT_EQ(0, fcntl(m_nRead, F_SETFL, O_NONBLOCK));
+  }
+  ~C_ErrorCapture() {
+    dup2(m_nOldError, STDERR_FILENO);
+    close(m_nOldError);
+    close(m_nRead);
+  }
+  C_ErrorCapture(const C_ErrorCapture&) = delete;
+  C_ErrorCapture& operator=(const C_ErrorCapture&) = delete;
+  [[nodiscard]] std::string Text() const {
+    std::string text(4096, '\0');
+    const ssize_t nRead = read(m_nRead, text.data(), text.size());
+    text.resize(nRead > 0 ? static_cast<std::size_t>(nRead) : 0);
+    return text;
+  }
+
+ private:
+  int m_nOldError;
+  int m_nRead = -1;
+};
+
+class PlaybackTest : public testing::Test {
+ protected:
+  const S_OutputFormat m_format{16000, 1, false};
+  S_DeviceLog m_log;
+  C_CountingSource m_source;
+};
+
+TEST_F(PlaybackTest, WithoutADevice_RenderingTakesAsLongAsTheSound) {
+  m_log.bRefuseOpen = true;
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  const auto begin = Clock::now();
+  playback.Start();
+  EXPECT_TRUE(m_source.WaitFor(8000));
+  EXPECT_GE(Clock::now() - begin, 490ms);
+  playback.Stop();
+  EXPECT_EQ(160U, m_source.dwSmallest);
+  EXPECT_LE(m_source.dwLargest, 1600U);
+  EXPECT_TRUE(m_source.bZeroed);
+}
+
+TEST_F(PlaybackTest, ARateThatIsNoMultipleOfTheSlices_LosesNoFrame) {
+  m_log.bRefuseOpen = true;
+  const S_OutputFormat format{11025, 1, false};
+  C_Playback playback(format, m_source, OpenFakeDevice(m_log));
+  const auto begin = Clock::now();
+  playback.Start();
+  EXPECT_TRUE(m_source.WaitFor(11025));
+  EXPECT_GE(Clock::now() - begin, 990ms);
+  playback.Stop();
+  EXPECT_EQ(110U, m_source.dwSmallest);
+}
+
+// Each of its calls takes longer than the sound that a slice holds.
+class C_SlowSource final : public toolbox::I_RenderSource {
+ public:
+  void RenderFrames(void*, UInt32 dwFrames) override {
+    std::this_thread::sleep_for(25ms);
+    dwLargest = std::max(dwLargest.load(), dwFrames);
+    qwFrames += dwFrames;
+    ++nCalls;
+  }
+  std::atomic<UInt32> dwLargest{0};
+  std::atomic<UInt64> qwFrames{0};
+  std::atomic<UInt64> nCalls{0};
+};
+
+TEST_F(PlaybackTest, WithoutADevice_ASourceOfSlowCalls_IsAskedForMoreAtOnceAndKeepsUp) {
+  m_log.bRefuseOpen = true;
+  C_SlowSource source;
+  C_Playback playback(m_format, source, OpenFakeDevice(m_log));
+  playback.Start();
+  std::this_thread::sleep_for(500ms);
+  playback.Stop();
+  // 25 ms are 400 frames; the first slice alone is on time.
+  EXPECT_GE(source.qwFrames, 320 * (source.nCalls - 1));
+  EXPECT_GE(source.nCalls, 2U);
+  EXPECT_LE(source.dwLargest, 1600U);
+}
+
+TEST_F(PlaybackTest, AfterStop_NothingIsRendered_AndStartGoesOn) {
+  m_log.bRefuseOpen = true;
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  EXPECT_FALSE(playback.IsRunning());
+  playback.Start();
+  EXPECT_TRUE(playback.IsRunning());
+  EXPECT_TRUE(m_source.WaitFor(160));
+  playback.Stop();
+  EXPECT_FALSE(playback.IsRunning());
+  const UInt64 qwFrames = m_source.qwFrames;
+  std::this_thread::sleep_for(50ms);
+  EXPECT_EQ(qwFrames, m_source.qwFrames);
+  playback.Start();
+  EXPECT_TRUE(m_source.WaitFor(qwFrames + 160));
+}
+
+TEST_F(PlaybackTest, ADeviceThatIsThere_IsUsedAlone) {
+  {
+    C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+    playback.Start();
+    std::this_thread::sleep_for(50ms);
+    EXPECT_EQ(0U, m_source.qwFrames);
+    playback.Stop();
+  }
+  EXPECT_EQ(1, m_log.nStarted);
+  EXPECT_EQ(1, m_log.nStopped);
+  EXPECT_EQ(1, m_log.nClosed);
+}
+
+TEST_F(PlaybackTest, ADeviceThatIsLostWhilePlaying_IsFollowedByTheNullOutput) {
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  std::vector<UInt8> frames(200);
+  m_log.pClient->RenderFrames(frames.data(), 100);
+  EXPECT_EQ(100U, m_source.qwFrames);
+  std::thread([this] { m_log.pClient->DeviceLost(); }).join();
+  EXPECT_TRUE(m_source.WaitFor(1000));
+  playback.Stop();
+  EXPECT_EQ(0, m_log.nStopped);
+  const UInt64 qwFrames = m_source.qwFrames;
+  playback.Start();
+  EXPECT_TRUE(m_source.WaitFor(qwFrames + 320));
+  EXPECT_EQ(1, m_log.nStarted);
+}
+
+TEST_F(PlaybackTest, ADeviceThatIsLostWhileStopped_StartsNothing) {
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  m_log.pClient->DeviceLost();
+  std::this_thread::sleep_for(50ms);
+  EXPECT_EQ(0U, m_source.qwFrames);
+  playback.Start();
+  EXPECT_TRUE(m_source.WaitFor(160));
+  EXPECT_EQ(0, m_log.nStarted);
+}
+
+TEST_F(PlaybackTest, ADeviceThatDoesNotStart_IsReplacedByTheNullOutput) {
+  m_log.bRefuseStart = true;
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  EXPECT_TRUE(m_source.WaitFor(320));
+}
+
+TEST_F(PlaybackTest, LosingTheDeviceWhileStopping_NeverLeavesAnythingRunning) {
+  for (int i = 0; i < 50; ++i) {
+    S_DeviceLog log;
+    C_Playback playback(m_format, m_source, OpenFakeDevice(log));
+    playback.Start();
+    std::thread loser([&log] { log.pClient->DeviceLost(); });
+    playback.Stop();
+    loser.join();
+    const UInt64 qwFrames = m_source.qwFrames;
+    std::this_thread::sleep_for(12ms);
+    EXPECT_EQ(qwFrames, m_source.qwFrames);
+  }
+}
+
+TEST_F(PlaybackTest, DestroyingARunningPlayback_StopsIt) {
+  m_log.bRefuseOpen = true;
+  {
+    C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+    playback.Start();
+    EXPECT_TRUE(m_source.WaitFor(160));
+  }
+  const UInt64 qwFrames = m_source.qwFrames;
+  std::this_thread::sleep_for(30ms);
+  EXPECT_EQ(qwFrames, m_source.qwFrames);
+}
+
+TEST_F(PlaybackTest, OnATerminal_SilentPlaybackIsAnnouncedOnce) {
+  m_log.bRefuseOpen = true;
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  EXPECT_EQ("", capture.Text());
+  playback.Start();
+  EXPECT_EQ(std::string(kAnnouncement) + "\r\n", capture.Text());
+  playback.Stop();
+  playback.Start();
+  EXPECT_EQ("", capture.Text());
+}
+
+TEST_F(PlaybackTest, OnAPipe_NothingIsAnnounced) {
+  m_log.bRefuseOpen = true;
+  const C_ErrorCapture capture(/*bTerminal=*/false);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  EXPECT_TRUE(m_source.WaitFor(160));
+  EXPECT_EQ("", capture.Text());
+}
+
+TEST_F(PlaybackTest, ADeviceThatIsThere_IsNotAnnounced) {
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  EXPECT_EQ("", capture.Text());
+}
+
+class C_NoClient final : public toolbox::I_DeviceClient {
+ public:
+  void RenderFrames(void*, UInt32) override {}
+  void DeviceLost() override {}
+};
+
+TEST_F(PlaybackTest, AMachineWithoutSound_HasNoDevice_AndSaysNothing) {
+  UseNoSoundServerInThisProcess();
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_NoClient client;
+  EXPECT_EQ(nullptr, toolbox::OpenCubebDevice(m_format, client));
+  EXPECT_EQ(nullptr, toolbox::OpenCubebDevice({44100, 2, true}, client));
+  EXPECT_EQ("", capture.Text());
+}
+
+}  // namespace

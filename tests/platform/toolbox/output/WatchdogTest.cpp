@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output/Watchdog.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using toolbox::C_Watchdog;
+
+class WatchdogTest : public testing::Test {
+ protected:
+  // True when there was an alarm within `limit`.
+  bool WaitForAlarm(std::chrono::milliseconds limit) {
+    const auto end = Clock::now() + limit;
+    while (m_nAlarms == 0 && Clock::now() < end) std::this_thread::sleep_for(1ms);
+    return m_nAlarms != 0;
+  }
+  std::atomic<bool> m_bAlive{false};
+  std::atomic<int> m_nAlarms{0};
+  std::atomic<int> m_nAsked{0};
+  C_Watchdog::ShowsLife m_showsLife = [this] {
+    ++m_nAsked;
+    return m_bAlive.load();
+  };
+  std::function<void()> m_alarm = [this] { ++m_nAlarms; };
+};
+
+TEST_F(WatchdogTest, SilenceAsLongAsTheLimit_IsReportedOnce) {
+  const auto begin = Clock::now();
+  const C_Watchdog watchdog(100ms, m_showsLife, m_alarm);
+  EXPECT_TRUE(WaitForAlarm(20s));
+  EXPECT_GE(Clock::now() - begin, 100ms);
+  EXPECT_EQ(20, m_nAsked);
+  std::this_thread::sleep_for(150ms);
+  EXPECT_EQ(1, m_nAlarms);
+  EXPECT_EQ(20, m_nAsked);
+}
+
+TEST_F(WatchdogTest, LifeKeepsItQuiet_AndSilenceIsCountedFromTheLastSign) {
+  m_bAlive = true;
+  const C_Watchdog watchdog(100ms, m_showsLife, m_alarm);
+  EXPECT_FALSE(WaitForAlarm(400ms));
+  m_bAlive = false;
+  const auto begin = Clock::now();
+  EXPECT_TRUE(WaitForAlarm(20s));
+  EXPECT_GE(Clock::now() - begin, 90ms);
+}
+
+TEST_F(WatchdogTest, OneThatIsDestroyed_EndsAtOnceAndSaysNothing) {
+  const auto begin = Clock::now();
+  { const C_Watchdog watchdog(1h, m_showsLife, m_alarm); }
+  EXPECT_LT(Clock::now() - begin, 60s);
+  EXPECT_EQ(0, m_nAlarms);
+}
+
+// The child is stopped for twice the limit and finds no silence in that.
+TEST_F(WatchdogTest, TimeInWhichTheProcessStoodStill_IsNoSilence) {
+  const pid_t nChild = fork();
+  ASSERT_GE(nChild, 0);
+  if (nChild == 0) {
+    {
+      const C_Watchdog watchdog(1000ms, m_showsLife, m_alarm);
+      std::raise(SIGSTOP);
+      WaitForAlarm(100ms);
+    }
+    _exit(m_nAlarms);
+  }
+  int nStatus = 0;
+  ASSERT_EQ(nChild, waitpid(nChild, &nStatus, WUNTRACED));
+  ASSERT_TRUE(WIFSTOPPED(nStatus));
+  std::this_thread::sleep_for(2000ms);
+  ASSERT_EQ(0, kill(nChild, SIGCONT));
+  ASSERT_EQ(nChild, waitpid(nChild, &nStatus, 0));
+  ASSERT_TRUE(WIFEXITED(nStatus));
+  EXPECT_EQ(0, WEXITSTATUS(nStatus));
+}
+
+}  // namespace

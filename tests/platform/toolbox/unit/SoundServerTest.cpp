@@ -1,0 +1,367 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a real sound server hears when the toolbox plays.
+#include <gtest/gtest.h>
+#include <soxr.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+#include "PlayerGraph.h"
+#include "SoundFiles.h"
+#include "SoundServer.h"
+#include "TempFolder.h"
+#include "TestSounds.h"
+#include "output/CubebDevice.h"
+#include "unit/AudioComponent.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+// Speech as the real-time mode plays it: 16 kHz, 16 bits, mono, handed out by a render callback.
+class C_PcmOutput {
+ public:
+  explicit C_PcmOutput(std::vector<std::int16_t> samples) : m_samples(std::move(samples)) {
+    const AudioComponentDescription description = {
+        kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput, kAudioUnitManufacturer_Apple, 0, 0};
+    EXPECT_EQ(noErr,
+              AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit));
+    const AudioStreamBasicDescription format = {16000, kAudioFormatLinearPCM, 12, 2, 1, 2, 1, 16,
+                                                0};
+    EXPECT_EQ(noErr, AudioUnitSetProperty(m_unit, kAudioUnitProperty_StreamFormat,
+                                          kAudioUnitScope_Input, 0, &format, sizeof format));
+    const AURenderCallbackStruct callback = {&OnRender, this};
+    EXPECT_EQ(noErr, AudioUnitSetProperty(m_unit, kAudioUnitProperty_SetRenderCallback,
+                                          kAudioUnitScope_Input, 0, &callback, sizeof callback));
+    EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
+  }
+  ~C_PcmOutput() {
+    EXPECT_EQ(noErr, AudioUnitUninitialize(m_unit));
+    EXPECT_EQ(noErr, AudioComponentInstanceDispose(m_unit));
+  }
+  C_PcmOutput(const C_PcmOutput&) = delete;
+  C_PcmOutput& operator=(const C_PcmOutput&) = delete;
+
+  void Start() const { EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit)); }
+  void Stop() const { EXPECT_EQ(noErr, AudioOutputUnitStop(m_unit)); }
+  void Rewind() { m_nNext = 0; }
+  [[nodiscard]] bool WaitForSamples(std::size_t nSamples) const {
+    const auto limit = Clock::now() + 20s;
+    while (m_nNext < nSamples && Clock::now() < limit) std::this_thread::sleep_for(2ms);
+    return m_nNext >= nSamples;
+  }
+  void PlayAll() {
+    Rewind();
+    Start();
+    EXPECT_TRUE(WaitForSamples(m_samples.size()));
+    Stop();
+  }
+
+ private:
+  static OSStatus OnRender(void* pThis, AudioUnitRenderActionFlags*, const AudioTimeStamp*, UInt32,
+                           UInt32, AudioBufferList* pData) {
+    auto& output = *static_cast<C_PcmOutput*>(pThis);
+    const std::size_t nNext = output.m_nNext;
+    const std::size_t nWanted = pData->mBuffers[0].mDataByteSize / sizeof(std::int16_t);
+    const std::size_t nTake = std::min(nWanted, output.m_samples.size() - nNext);
+    std::copy_n(output.m_samples.data() + nNext, nTake,
+                static_cast<std::int16_t*>(pData->mBuffers[0].mData));
+    output.m_nNext = nNext + nTake;
+    return noErr;
+  }
+
+  const std::vector<std::int16_t> m_samples;
+  std::atomic<std::size_t> m_nNext{0};
+  AudioUnit m_unit = nullptr;
+};
+
+// The whole sound converted at once, by the same filter: what a listener of the graph must hear.
+std::vector<float> ConvertedAtOnce(const std::vector<float>& input, double dFrom, double dTo) {
+  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
+  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+  std::vector<float> output(
+      static_cast<std::size_t>(static_cast<double>(input.size()) * dTo / dFrom) + 16);
+  std::size_t nDone = 0;
+  EXPECT_EQ(nullptr, soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
+                                  output.size(), &nDone, &io, &quality, nullptr));
+  output.resize(nDone);
+  return output;
+}
+
+std::vector<float> AsFloat(const std::vector<std::int16_t>& samples) {
+  std::vector<float> result;
+  for (const std::int16_t nSample : samples) result.push_back(static_cast<float>(nSample) / 32768);
+  return result;
+}
+
+std::vector<float> OnBothSides(const std::vector<float>& mono) {
+  std::vector<float> stereo;
+  for (const float fSample : mono) stereo.insert(stereo.end(), {fSample, fSample});
+  return stereo;
+}
+
+TEST(SoundServerTest, SpeechThroughTheOutputUnit_IsHeardByteForByte) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const auto samples = SweepWithNoise(32000, 16000);
+  C_PcmOutput output(samples);
+  const auto sound = server.RecordUntilSame(BytesOf(samples), [&] { output.PlayAll(); });
+  EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
+  EXPECT_EQ(64000U, sound.bytes.size());
+}
+
+TEST(SoundServerTest, AFileThroughTheGraph_IsHeardAsItsOwnConversionByteForByte) {
+  C_SoundServer server(44100, "float32le", 2);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const C_TempFolder folder;
+  const auto samples = SweepWithNoise(32000, 16000);
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1, samples);
+  const auto want = OnBothSides(ConvertedAtOnce(AsFloat(samples), 16000, 44100));
+  const auto sound = server.RecordUntilSame(BytesOf(want), [&] {
+    const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+    graph.Schedule(32000);
+    graph.Start();
+    EXPECT_TRUE(graph.WaitFor(88200));
+    graph.Stop();
+  });
+  EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
+  EXPECT_EQ(88200U * 8, sound.bytes.size());
+}
+
+TEST(SoundServerTest, PauseAndResume_LoseNothingAndRepeatNothing) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const auto samples = SweepWithNoise(16000, 16000);
+  C_PcmOutput output(samples);
+  const auto got = server.RecordWhile([&] {
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(6000));
+    output.Stop();
+    std::this_thread::sleep_for(300ms);
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(16000));
+    output.Stop();
+  });
+  // Complete and in order, with the silence of the pause between.
+  EXPECT_EQ(tagSameSound::Gaps, CompareSounds(BytesOf(samples), got, 2));
+  EXPECT_GE(WithoutSilentEnds(got, 2).size(), 2U * (16000 + 4800));
+}
+
+TEST(SoundServerTest, AServerThatIsKilledWhilePlaying_StillLetsTheSoundEndInTime) {
+  C_SoundServer server(44100, "float32le", 2);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const C_TempFolder folder;
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1,
+                 SweepWithNoise(24000, 16000));
+  const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+  graph.Schedule(24000);
+  const auto begin = Clock::now();
+  graph.Start();
+  EXPECT_TRUE(graph.WaitFor(22050));
+  server.Kill();
+  EXPECT_TRUE(graph.WaitFor(66150));
+  // What the server had taken over in advance is the only time that can be saved.
+  EXPECT_GE(Clock::now() - begin, 1200ms);
+  graph.Stop();
+  // Whoever starts again hears nothing, but gets on.
+  graph.Start();
+  EXPECT_TRUE(graph.WaitFor(70000));
+  graph.Stop();
+}
+
+TEST(SoundServerTest, AServerThatIsKilledWhilePaused_IsNoticedAtTheNextStart) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_PcmOutput output(SweepWithNoise(8000, 16000));
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(2000));
+  output.Stop();
+  server.Kill();
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(8000));
+  output.Stop();
+}
+
+class C_SilentClient final : public toolbox::I_DeviceClient {
+ public:
+  void RenderFrames(void*, UInt32) override {}
+  void DeviceLost() override { bLost = true; }
+  std::atomic<bool> bLost{false};
+};
+
+TEST(SoundServerTest, AServerThatDoesNotAnswer_CountsAsNone_AndIsLeftAloneWhenItComesBack) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_SilentClient client;
+  server.Freeze();
+  const auto begin = Clock::now();
+  EXPECT_EQ(nullptr, toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms));
+  EXPECT_GE(Clock::now() - begin, 300ms);
+  server.Thaw();
+  // The one that was given up opens now, and closes itself; a new one is not disturbed by it.
+  std::this_thread::sleep_for(200ms);
+  EXPECT_NE(nullptr, toolbox::OpenCubebDevice({16000, 1, false}, client));
+  EXPECT_FALSE(client.bLost);
+}
+
+// Output units wait only so long for the service while this lives.
+class C_ShortPatience {
+ public:
+  explicit C_ShortPatience(std::chrono::milliseconds limit) {
+    toolbox::SetOpenDevice(
+        [limit](const toolbox::S_OutputFormat& format, toolbox::I_DeviceClient& client) {
+          return toolbox::OpenCubebDevice(format, client, limit);
+        });
+  }
+  ~C_ShortPatience() { toolbox::SetOpenDevice(nullptr); }
+  C_ShortPatience(const C_ShortPatience&) = delete;
+  C_ShortPatience& operator=(const C_ShortPatience&) = delete;
+};
+
+TEST(SoundServerTest, AServerThatFreezesWhilePlaying_StillLetsTheSoundEnd_AndIsLeftBehind) {
+  const C_ShortPatience patience(1000ms);
+  C_SoundServer server(44100, "float32le", 2);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const C_TempFolder folder;
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1,
+                 SweepWithNoise(24000, 16000));
+  {
+    const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+    graph.Schedule(24000);
+    graph.Start();
+    EXPECT_TRUE(graph.WaitFor(11025));
+    server.Freeze();
+    EXPECT_TRUE(graph.WaitFor(66150));
+    graph.Stop();
+    graph.Start();
+    EXPECT_TRUE(graph.WaitFor(70000));
+    graph.Stop();
+    // One that comes back to life plays on with silence of its own: the position stays.
+    const double dPosition = graph.Position();
+    server.Thaw();
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(dPosition, graph.Position());
+  }
+  // It plays for whoever comes next.
+  C_SilentClient client;
+  const auto pDevice = toolbox::OpenCubebDevice({44100, 2, true}, client);
+  ASSERT_NE(nullptr, pDevice);
+  EXPECT_TRUE(pDevice->Start());
+  pDevice->Stop();
+  EXPECT_FALSE(client.bLost);
+}
+
+TEST(SoundServerTest, AServerThatIsFrozenWhenPlaybackStops_HoldsNobodyUp) {
+  const C_ShortPatience patience(500ms);
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  const auto begin = Clock::now();
+  {
+    C_PcmOutput output(SweepWithNoise(8000, 16000));
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(2000));
+    server.Freeze();
+    output.Stop();
+    // Whoever starts again hears nothing, but gets on.
+    output.Start();
+    EXPECT_TRUE(output.WaitForSamples(8000));
+    output.Stop();
+  }
+  EXPECT_LT(Clock::now() - begin, 15s);
+}
+
+TEST(SoundServerTest, AServerThatFreezesWhilePaused_IsNoticedAtTheNextStart) {
+  const C_ShortPatience patience(500ms);
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_PcmOutput output(SweepWithNoise(8000, 16000));
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(2000));
+  output.Stop();
+  server.Freeze();
+  output.Start();
+  EXPECT_TRUE(output.WaitForSamples(8000));
+  output.Stop();
+}
+
+class C_SlowClient final : public toolbox::I_DeviceClient {
+ public:
+  void RenderFrames(void*, UInt32) override {
+    if (nCalls++ == 3) std::this_thread::sleep_for(2s);
+  }
+  void DeviceLost() override { bLost = true; }
+  std::atomic<int> nCalls{0};
+  std::atomic<bool> bLost{false};
+};
+
+TEST(SoundServerTest, ASlowClient_IsNotTakenForAFrozenServer) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  C_SlowClient client;
+  const auto pDevice = toolbox::OpenCubebDevice({16000, 1, false}, client, 1000ms);
+  ASSERT_NE(nullptr, pDevice);
+  EXPECT_TRUE(pDevice->Start());
+  const auto limit = Clock::now() + 20s;
+  while (client.nCalls < 6 && Clock::now() < limit) std::this_thread::sleep_for(2ms);
+  EXPECT_GE(client.nCalls, 6);
+  pDevice->Stop();
+  EXPECT_FALSE(client.bLost);
+}
+
+// The client goes while the service still holds the stream, which then comes back to life.
+TEST(SoundServerTest, AClientThatIsGone_IsNotAskedByAStreamThatWasLeftBehind) {
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  {
+    C_SilentClient client;
+    const auto pDevice = toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms);
+    ASSERT_NE(nullptr, pDevice);
+    EXPECT_TRUE(pDevice->Start());
+    server.Freeze();
+  }
+  server.Thaw();
+  std::this_thread::sleep_for(300ms);
+}
+
+TEST(SoundServerTest, ALengthQuery_NeedsNoServer_AndAStartWithoutOneIsSilent) {
+  UseNoSoundServerInThisProcess();
+  const C_TempFolder folder;
+  WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1,
+                 SweepWithNoise(8000, 16000));
+  const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
+  graph.Schedule(8000);
+  const auto begin = Clock::now();
+  graph.Start();
+  EXPECT_TRUE(graph.WaitFor(22050));
+  EXPECT_GE(Clock::now() - begin, 490ms);
+  graph.Stop();
+}
+
+TEST(SoundServerTest, ComparingSounds_TellsGapsFromLosses) {
+  using Bytes = std::vector<std::uint8_t>;
+  const Bytes want = {0, 0, 1, 0, 2, 2, 0, 0};
+  EXPECT_EQ((Bytes{1, 0, 2, 2}), WithoutSilentEnds(want, 2));
+  EXPECT_EQ(tagSameSound::Exact, CompareSounds(want, {1, 0, 2, 2}, 2));
+  EXPECT_EQ(tagSameSound::Gaps, CompareSounds(want, {0, 0, 1, 0, 0, 0, 2, 2}, 2));
+  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {1, 0, 2, 3}, 2));
+  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {1, 0}, 2));
+  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {}, 2));
+}
+
+}  // namespace
