@@ -65,8 +65,9 @@ class C_Record {
   // How many sounds have a lower ratio here than there.
   [[nodiscard]] int Behind(const C_Record& other, double (S_Fidelity::*ratio)() const) const {
     int nBehind = 0;
-    for (std::size_t n = 0; n < m_sounds.size(); ++n)
+    for (std::size_t n = 0; n < m_sounds.size(); ++n) {
       nBehind += (m_sounds[n].*ratio)() < (other.m_sounds[n].*ratio)() ? 1 : 0;
+    }
     return nBehind;
   }
 
@@ -89,8 +90,9 @@ struct S_Depth {
   std::vector<std::pair<std::string, C_Record>> peers;
 
   C_Record& Peer(const std::string& strName) {
-    for (auto& [strKnown, record] : peers)
+    for (auto& [strKnown, record] : peers) {
       if (strKnown == strName) return record;
+    }
     return peers.emplace_back(strName, C_Record()).second;
   }
 };
@@ -108,8 +110,9 @@ void CodeAt(int nDepth, const S_Sound& sound, const C_Workshop& workshop, S_Dept
 void CodeAtAllDepths(const S_Sound& sound, Table& table) {
   const C_Workshop workshop;
   WriteSound(sound, workshop.Path("in.wav"));
-  for (int nDepth = heron::kMinBitDepth; nDepth <= heron::kMaxBitDepth; ++nDepth)
+  for (int nDepth = heron::kMinBitDepth; nDepth <= heron::kMaxBitDepth; ++nDepth) {
     CodeAt(nDepth, sound, workshop, table[nDepth]);
+  }
 }
 
 using Cells = std::vector<std::string>;
@@ -158,9 +161,10 @@ void PrintRow(Cells cells) {
 
 void PrintHeading() {
   PrintRow(Cells(kColumns.begin(), kColumns.end()));
-  for (std::size_t n = 0; n < kColumns.size(); ++n)
+  for (std::size_t n = 0; n < kColumns.size(); ++n) {
     std::printf("|%s%c", std::string(kColumns[n].size() + 1, '-').c_str(),
                 n == kCoderColumn ? '-' : ':');
+  }
   std::puts("|");
 }
 
@@ -186,8 +190,9 @@ void PrintTable(const Table& table) {
 
 std::vector<std::string> WavFilesIn(const std::string& strFolder) {
   std::vector<std::string> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(strFolder))
+  for (const auto& entry : std::filesystem::directory_iterator(strFolder)) {
     if (entry.path().extension() == ".wav") paths.push_back(entry.path().string());
+  }
   std::sort(paths.begin(), paths.end());
   if (paths.empty()) throw std::runtime_error(strFolder + ": no WAV files");
   return paths;
@@ -217,10 +222,12 @@ void RunStep(std::string_view strStep, int nDepth, const std::string& strPath) {
   std::vector<std::uint8_t> coded;
   std::vector<std::int16_t> decoded;
   bool bDone = true;
-  if (strStep != "load")
+  if (strStep != "load") {
     bDone = heron::EncodeSamples(sound.samples, sound.nSampleRate, nDepth, &coded, {});
-  if (strStep == "decode")
+  }
+  if (strStep == "decode") {
     bDone = bDone && heron::DecodeSamples(coded, sound.nSampleRate, &decoded);
+  }
   if (!bDone) throw std::runtime_error(strPath + ": Heron fails");
   std::printf("%zu\n", sound.samples.size());
 }

@@ -56,8 +56,9 @@ BENCHMARK(WaveLoad_Seconds)->Arg(1)->Arg(60);
 // Time per event must not depend on how many there are.
 void WaveLoad_Events(benchmark::State& state) {
   const C_SoundPtr sound = ExampleSound({}, kFramesPerSecond);
-  for (unsigned int i = 0; i < static_cast<unsigned int>(state.range(0)); ++i)
+  for (unsigned int i = 0; i < static_cast<unsigned int>(state.range(0)); ++i) {
     sound->GetEventTagMgr()->AddEventBySamplePos(1, 2, i, "", 0);
+  }
   const C_FuzzFile file;
   Save(*sound, file);
   for ([[maybe_unused]] auto iteration : state) Load(file);

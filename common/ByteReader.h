@@ -66,8 +66,9 @@ class C_ByteWriter {
   }
   // The characters of a fixed field: cut at cbField, padded with zeros.
   void Text(std::string_view text, std::size_t cbField) {
-    for (std::size_t i = 0; i < cbField; ++i)
+    for (std::size_t i = 0; i < cbField; ++i) {
       U8(i < text.size() ? static_cast<std::uint8_t>(text[i]) : std::uint8_t{0});
+    }
   }
   void Zeros(std::size_t cbCount) { m_bytes.resize(m_bytes.size() + cbCount); }
 

@@ -34,8 +34,9 @@ void ssadd(std::string& s, const char* psz) {
 }
 
 char* CStdStr<char>::GetBuf(int nMinLen) {
-  if (nMinLen > 0 && size() < static_cast<std::size_t>(nMinLen))
+  if (nMinLen > 0 && size() < static_cast<std::size_t>(nMinLen)) {
     resize(static_cast<std::size_t>(nMinLen));
+  }
   return data();
 }
 

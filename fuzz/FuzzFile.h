@@ -36,8 +36,9 @@ class C_FuzzFile {
     struct stat status {};
     if (fstat(m_nFile, &status) != 0) std::abort();
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size));
-    if (pread(m_nFile, bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
+    if (pread(m_nFile, bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
       std::abort();
+    }
     return bytes;
   }
 

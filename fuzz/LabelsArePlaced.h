@@ -21,8 +21,9 @@ inline bool LabelsArePlaced(const char* pszFileName) {
     unsigned int dwID = 0;
     const wavlabels::S_LabelMeaning label = wavlabels::ParseLabel(list.GetLabelByIndex(i, &dwID));
     if (label.eKind == wavlabels::S_LabelMeaning::Kind::Other) continue;
-    if (static_cast<I_WavDataCueInfo*>(pCues)->FindCuePointByID(dwID, nullptr) == nullptr)
+    if (static_cast<I_WavDataCueInfo*>(pCues)->FindCuePointByID(dwID, nullptr) == nullptr) {
       return false;
+    }
   }
   return true;
 }

@@ -14,8 +14,9 @@ bool RangesAreEqual(List& a, List& b) {
     auto& first = *a.GetItemByIndex(i);
     auto& second = *b.GetItemByIndex(i);
     if (first.GetStartSamplePos() != second.GetStartSamplePos() ||
-        first.GetEndSamplePos() != second.GetEndSamplePos())
+        first.GetEndSamplePos() != second.GetEndSamplePos()) {
       return false;
+    }
   }
   return true;
 }
@@ -27,8 +28,9 @@ inline bool EventsAreEqual(I_CLArray<I_EventTag*>& a, I_CLArray<I_EventTag*>& b)
     I_EventTag& second = *b.GetItemByIndex(i);
     if (first.GetSamplePos() != second.GetSamplePos() ||
         first.GetMainCommandIndex() != second.GetMainCommandIndex() ||
-        first.GetSubCommandIndex() != second.GetSubCommandIndex())
+        first.GetSubCommandIndex() != second.GetSubCommandIndex()) {
       return false;
+    }
   }
   return true;
 }

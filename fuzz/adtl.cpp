@@ -37,10 +37,12 @@ void CheckEntries(C_WavDataListInfo& info, std::size_t cbData) {
   const auto nEntries = static_cast<std::size_t>(info.GetLabelCount()) +
                         static_cast<std::size_t>(info.GetLtxtCount());
   Require(nEntries * 12 <= cbData);
-  for (int i = 0; i < info.GetLabelCount(); ++i)
+  for (int i = 0; i < info.GetLabelCount(); ++i) {
     Require(std::strlen(info.GetLabelByIndex(i, nullptr)) <= C_WavDataListInfo::kMaxLabelText);
-  for (int i = 0; i < info.GetLtxtCount(); ++i)
+  }
+  for (int i = 0; i < info.GetLtxtCount(); ++i) {
     Require(info.GetLtxtByIndex(i, nullptr, nullptr) != nullptr);
+  }
 }
 
 }  // namespace

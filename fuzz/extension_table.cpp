@@ -27,8 +27,9 @@ int Expected(const std::string& strName) {
   const std::size_t nDot = strName.rfind('.');
   if (nDot == std::string::npos || strName.size() >= kMaxName) return -1;
   std::string strKey = "|";
-  for (const char c : strName.substr(nDot + 1))
+  for (const char c : strName.substr(nDot + 1)) {
     strKey += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  }
   if (strKey.size() != 4 || strKey.find('|', 1) != std::string::npos) return -1;
   strKey += '|';
   if (strPlayed.find(strKey) != std::string::npos) return 0;

@@ -135,8 +135,9 @@ void AddChunks(C_Seeds& seeds) {
   seeds.Add({"smpl_cue"}, Payload(wave, "cue "));
   seeds.Add({"smpl_cue"}, Payload(wave, "smpl"));
   for (const char* pszLabel :
-       {"u_3_7", "u_65535_0", "u__", "e_196615", "VX_Silence", "VX_PCM", "cue_end", "u-_1e_2"})
+       {"u_3_7", "u_65535_0", "u__", "e_196615", "VX_Silence", "VX_PCM", "cue_end", "u-_1e_2"}) {
     seeds.AddText({"label_text"}, pszLabel);
+  }
 }
 
 // Form and widths, channels, rate, five numbers of things, then their fields and the samples.
@@ -155,8 +156,9 @@ Bytes KestrelStream(unsigned int dwBitRate, std::size_t nFrames) {
   unsigned char* pbyStream = nullptr;
   unsigned int dwLength = 0;
   if (!codec.LoadCodec(dwBitRate) ||
-      !codec.Encode(sound.get(), dwBitRate, &pbyStream, &dwLength, nullptr))
+      !codec.Encode(sound.get(), dwBitRate, &pbyStream, &dwLength, nullptr)) {
     std::abort();
+  }
   const std::unique_ptr<unsigned char[]> owner(pbyStream);
   return {pbyStream, pbyStream + dwLength};
 }
@@ -207,9 +209,10 @@ void AddHeronStreams(C_Seeds& seeds) {
     for (unsigned int dwType = kHeronTypes.dwFirst; dwType <= kHeronTypes.dwLast; ++dwType) {
       const Bytes stream = HeronStream(*sound, static_cast<tagAudioFileType>(dwType));
       seeds.Add({"heron_stream"}, Chosen(i, stream));
-      if (kHeronSpTypes.Has(dwType) && kRates[i] == 16000)
+      if (kHeronSpTypes.Has(dwType) && kRates[i] == 16000) {
         seeds.Add({"factory", "sp_header"},
                   WithHeader(stream, static_cast<tagAudioFileType>(dwType)));
+      }
     }
     AddAnnotations(*sound);
     seeds.Add({"heron_stream"}, Chosen(i, HeronStream(*sound, AUDIO_FILE_HERON_2BIT)));
@@ -218,8 +221,9 @@ void AddHeronStreams(C_Seeds& seeds) {
 
 void AddNames(C_Seeds& seeds) {
   for (const char* pszName :
-       {"speech.kst", "SPEECH.WAV", "a.b.mp3", "no_extension", ".vea", "x.", "x.MID"})
+       {"speech.kst", "SPEECH.WAV", "a.b.mp3", "no_extension", ".vea", "x.", "x.MID"}) {
     seeds.AddText({"extension_table"}, pszName);
+  }
 }
 
 }  // namespace

@@ -102,8 +102,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   CheckKestrel(bytes, bLoads, file.GetCodingType());
   std::unique_ptr<unsigned char[]> pbyStream;
   unsigned int dwLength = 0;
-  if (file.LoadVDATChunk(bytes.Path(), &pbyStream, &dwLength))
+  if (file.LoadVDATChunk(bytes.Path(), &pbyStream, &dwLength)) {
     Require((pbyStream != nullptr) == (dwLength > 0) && dwLength < cbData);
+  }
   if (bLoads) CheckRoundTrip(file);
   return 0;
 }

@@ -50,8 +50,9 @@ void SetFormat(C_WavFile& file, vcm::C_ByteReader& reader) {
 S_Counts ReadCounts(vcm::C_ByteReader& reader) {
   S_Counts counts;
   for (unsigned int* pdwCount :
-       {&counts.dwEvents, &counts.dwSilence, &counts.dwRegions, &counts.dwLoops, &counts.dwExtra})
+       {&counts.dwEvents, &counts.dwSilence, &counts.dwRegions, &counts.dwLoops, &counts.dwExtra}) {
     *pdwCount = reader.U8() % 32;
+  }
   return counts;
 }
 

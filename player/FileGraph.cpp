@@ -133,8 +133,9 @@ void MakeFileGraph(AUGraph* pGraph, CAAudioUnit* pFileUnit,
   usleep(kSettleMicroseconds);
   // Kept: the player's own description has two channels, so it never comes here; a caller with
   // more finds the layout passed on. Pinned by ChannelLayout_GoesToTheOutputFromThreeChannelsOn.
-  if (format.mChannelsPerFrame >= kFirstSurroundChannels)
+  if (format.mChannelsPerFrame >= kFirstSurroundChannels) {
     PassChannelLayout(*pGraph, outputNode, audioFile);
+  }
 }
 
 double PrepareFileUnit(S_FileSchedule* pSchedule, const CAAudioUnit& fileUnit,

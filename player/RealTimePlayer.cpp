@@ -92,8 +92,9 @@ void Decode(C_WavFileFormat& format, const S_RealTimeDecoder& decoder) {
     // Kept: what was decoded is not released, so that the thread ends as soon as the queue has its
     // last byte. Pinned by RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
     if (I_WavFile* pIWavFile =
-            format.CreateWavFile(decoder.szPath, true, true, nullptr, OnDecodedData))
+            format.CreateWavFile(decoder.szPath, true, true, nullptr, OnDecodedData)) {
       KeepForProcess(pIWavFile, "decoded file of real-time mode: its thread ends at once");
+    }
   } catch (...) {
     // Finished with what the queue holds; nobody would hear of anything else.
     return;

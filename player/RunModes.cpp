@@ -66,8 +66,9 @@ bool PollProgress(VoxplayLoader& loader) {
   loader.m_pIVoxplay->GetPositionMs(&nPositionMs);
   // Kept: the progress is noted and shown nowhere; scripts read the output as it is. Pinned by
   // PollProgress_NotesWholeTenthsOfASecondAndPrintsNothing.
-  if (nPositionMs % kReportStepMs == 0 && nPositionMs != g_nLastReportedMs)
+  if (nPositionMs % kReportStepMs == 0 && nPositionMs != g_nLastReportedMs) {
     g_nLastReportedMs = nPositionMs;
+  }
   if (loader.m_nResult > nPositionMs) return false;
   loader.m_pIVoxplay->Stop();
   return true;

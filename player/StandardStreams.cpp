@@ -15,6 +15,7 @@ bool IsMissing(int nDescriptor) { return fcntl(nDescriptor, F_GETFD) == -1 && er
 
 // In ascending order: what is opened gets the lowest number that is free.
 void FillStandardStreams() {
-  for (const int nDescriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+  for (const int nDescriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (IsMissing(nDescriptor) && open("/dev/null", O_RDWR) != nDescriptor) return;
+  }
 }

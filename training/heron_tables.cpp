@@ -52,8 +52,9 @@ S_Sound Load(const char* pszFileName) {
   const std::unique_ptr<I_WavFile, S_Release> file(
       format.CreateWavFile(pszFileName, true, true, nullptr, nullptr));
   if (!file || file->GetWavInfo()->GetChannels() != 1 ||
-      file->GetWavInfo()->GetBitsPerSample() != 16)
+      file->GetWavInfo()->GetBitsPerSample() != 16) {
     return {};
+  }
   S_Sound sound;
   sound.nSampleRate = static_cast<int>(file->GetWavInfo()->GetSampleRate());
   sound.samples.resize(file->GetWavData()->GetBufferLength() / 2);
@@ -143,8 +144,9 @@ S_Counts<heron::kMagnitudeSymbols> MagnitudePrior(std::size_t nTable) {
   const double dMean = 8 * std::exp2((static_cast<double>(nTable) + 0.5) / 4) / 128;
   const double dRatio = dMean / (1 + dMean);
   S_Counts<heron::kMagnitudeSymbols> prior{};
-  for (std::size_t n = 0; n < prior.size(); ++n)
+  for (std::size_t n = 0; n < prior.size(); ++n) {
     prior[n] = kWeight * std::pow(dRatio, n) * (n < heron::kEscapeSymbol ? 1 - dRatio : 1);
+  }
   return prior;
 }
 
@@ -157,8 +159,9 @@ S_Counts<heron::kIndexSymbols> IndexPrior() {
 template <std::size_t kSymbols>
 void PrintRow(const char* pszIndent, const std::array<std::uint32_t, kSymbols>& row) {
   std::printf("%s{", pszIndent);
-  for (std::size_t n = 0; n < kSymbols; ++n)
+  for (std::size_t n = 0; n < kSymbols; ++n) {
     std::printf("%s%u", n == 0 ? "" : n % 16 == 0 ? ",\n    " : ", ", row[n]);
+  }
 }
 
 void Print(const S_Statistics& statistics) {

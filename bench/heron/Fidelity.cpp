@@ -63,8 +63,9 @@ double S_Fidelity::SegmentalSnr() const {
 S_Fidelity Compare(Samples original, Samples decoded, int nSampleRate) {
   S_Fidelity fidelity{Energy(original), Difference(original, decoded)};
   const auto nLength = static_cast<std::size_t>(nSampleRate) / 50;
-  for (std::size_t n = 0; original.size() - n >= nLength; n += nLength)
+  for (std::size_t n = 0; original.size() - n >= nLength; n += nLength) {
     AddSegment(original.subspan(n, nLength), decoded.subspan(n, nLength), fidelity);
+  }
   return fidelity;
 }
 

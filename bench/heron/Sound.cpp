@@ -20,12 +20,14 @@ S_Sound ReadSound(const std::string& strPath) {
   C_WavFileFormat format;
   const C_WavFilePtr file(
       format.CreateWavFile(strPath.c_str(), /*bLoadData=*/true, false, nullptr, nullptr));
-  if (!file || file->GetWavInfo() == nullptr || !Is16BitMono(*file->GetWavInfo()))
+  if (!file || file->GetWavInfo() == nullptr || !Is16BitMono(*file->GetWavInfo())) {
     throw std::runtime_error(strPath + ": not a 16-bit mono sound");
+  }
   S_Sound sound{static_cast<int>(file->GetWavInfo()->GetSampleRate()), {}};
   sound.samples.resize(file->GetWavInfo()->GetSampleSize());
-  if (!sound.samples.empty())
+  if (!sound.samples.empty()) {
     std::memcpy(sound.samples.data(), file->GetWavDataBuffer(), sound.samples.size() * 2);
+  }
   return sound;
 }
 

@@ -79,8 +79,9 @@ void CopyAttribute(int nFrom, int nTo, const char* pszName) {
 void CopyMetadata(int nFrom, int nTo, const struct stat& info) {
   static_cast<void>(fchmod(nTo, info.st_mode & kPermissions));
   const std::vector<char> names = ListAttributes(nFrom);
-  for (std::size_t i = 0; i < names.size(); i += std::string(&names[i]).size() + 1)
+  for (std::size_t i = 0; i < names.size(); i += std::string(&names[i]).size() + 1) {
     CopyAttribute(nFrom, nTo, &names[i]);
+  }
   const std::array<timespec, 2> times = {info.st_atim, info.st_mtim};
   static_cast<void>(futimens(nTo, times.data()));
 }

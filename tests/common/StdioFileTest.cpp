@@ -21,7 +21,7 @@ TEST(StdioFile, OpenFile_OfAMissingName_IsEmpty) {
 
 TEST(StdioFile, OpenFile_ToReadAPipeOrADevice_IsEmptyAtOnce) {
   const C_TempFolder folder;
-  ASSERT_EQ(0, mkfifo(folder.Path("pipe").c_str(), 0600));
+  ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
   for (const char* pszMode : {"rb", "r+b"}) {
     EXPECT_FALSE(vcm::OpenFile(folder.Path("pipe").c_str(), pszMode));
     EXPECT_FALSE(vcm::OpenFile("/dev/zero", pszMode));

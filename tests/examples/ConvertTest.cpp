@@ -37,37 +37,37 @@ class ConvertExample : public C_FolderTest {
 TEST_F(ConvertExample, ToKestrelAndBack_KeepsTheSampleRateOfTheSound) {
   for (const unsigned int dwSampleRate : {8000u, 16000u, 44100u}) {
     WriteWav("a.wav", dwSampleRate);
-    ASSERT_EQ(0, Convert("a.wav", "a.kst", {"24000"}));
+    ASSERT_EQ(Convert("a.wav", "a.kst", {"24000"}), 0);
     C_SpHeader header;
     ASSERT_TRUE(ReadSpHeader(&header, Path("a.kst").c_str()));
-    EXPECT_EQ(14, header.GetID());
-    EXPECT_EQ(dwSampleRate, header.GetFreq());
-    EXPECT_EQ(48u + 6 + 51 * 60, Content("a.kst").size());
-    ASSERT_EQ(0, Convert("a.kst", "b.wav"));
+    EXPECT_EQ(header.GetID(), 14);
+    EXPECT_EQ(header.GetFreq(), dwSampleRate);
+    EXPECT_EQ(Content("a.kst").size(), 48u + 6 + 51 * 60);
+    ASSERT_EQ(Convert("a.kst", "b.wav"), 0);
     C_WavFile back;
     ASSERT_TRUE(back.LoadByName(Path("b.wav").c_str(), true, nullptr, nullptr));
-    EXPECT_EQ(dwSampleRate, back.GetWavInfo()->GetSampleRate());
+    EXPECT_EQ(back.GetWavInfo()->GetSampleRate(), dwSampleRate);
     EXPECT_GT(Likeness(TestVoice(16123), SamplesOf(back.GetWavData()), 0), 0.98);
   }
 }
 
 TEST_F(ConvertExample, RefusedBitRate_FailsAndCreatesNothing) {
   WriteWav("a.wav", 16000);
-  EXPECT_EQ(1, Convert("a.wav", "a.kst", {"15000"}));
+  EXPECT_EQ(Convert("a.wav", "a.kst", {"15000"}), 1);
   EXPECT_THAT(Entries(), ElementsAre("a.wav"));
 }
 
 TEST_F(ConvertExample, SourceThatIsNoSound_FailsAndCreatesNothing) {
   Write("a.wav", {'n', 'o'});
-  EXPECT_EQ(1, Convert("a.wav", "b.wav"));
-  EXPECT_EQ(1, Convert("missing", "b.kst", {"16000"}));
+  EXPECT_EQ(Convert("a.wav", "b.wav"), 1);
+  EXPECT_EQ(Convert("missing", "b.kst", {"16000"}), 1);
   EXPECT_THAT(Entries(), ElementsAre("a.wav"));
 }
 
 TEST_F(ConvertExample, WrongNumberOfArguments_PrintsTheUsage) {
   const S_Run run = m_program.Run({"a.wav"});
-  EXPECT_EQ(1, run.nExit);
-  EXPECT_EQ("usage: convert IN OUT.wav | convert IN OUT.kst BITRATE\n", run.strErr);
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_EQ(run.strErr, "usage: convert IN OUT.wav | convert IN OUT.kst BITRATE\n");
 }
 
 }  // namespace

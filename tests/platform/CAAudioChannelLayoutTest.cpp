@@ -45,54 +45,53 @@ const char* const kPlacedText =
     "\t\tLabel=100, Flags=0xA, [az=-30.000000,el=12.500000,dist=1.250000]\n";
 
 TEST(CAAudioChannelLayoutTest, NoLayout_PrintsThatThereIsNone) {
-  EXPECT_EQ(kNone, Printed([](std::FILE* p) { PrintChannelLayout(nullptr, p); }));
-  EXPECT_EQ(kNone, TextOf(CAAudioChannelLayout()));
-  EXPECT_EQ(kNone, TextOf(CAAudioChannelLayout(nullptr)));
+  EXPECT_EQ(Printed([](std::FILE* p) { PrintChannelLayout(nullptr, p); }), kNone);
+  EXPECT_EQ(TextOf(CAAudioChannelLayout()), kNone);
+  EXPECT_EQ(TextOf(CAAudioChannelLayout(nullptr)), kNone);
   EXPECT_FALSE(CAAudioChannelLayout().IsValid());
-  EXPECT_EQ(nullptr, CAAudioChannelLayout().Layout());
-  EXPECT_EQ(0U, CAAudioChannelLayout().SizeInBytes());
+  EXPECT_EQ(CAAudioChannelLayout().Layout(), nullptr);
+  EXPECT_EQ(CAAudioChannelLayout().SizeInBytes(), 0U);
 }
 
 TEST(CAAudioChannelLayoutTest, ALayoutByBitmap_PrintsTheBitmap) {
-  EXPECT_EQ("\tTag=0x10000, Using Bitmap:0x3\n", TextOf(CAAudioChannelLayout::FromBitmap(3)));
-  EXPECT_EQ("\tTag=0x10000, Using Bitmap:0xFFFFFFFF\n",
-            TextOf(CAAudioChannelLayout::FromBitmap(0xFFFFFFFF)));
-  EXPECT_EQ("\tTag=0x10000, Using Bitmap:0x0\n", TextOf(CAAudioChannelLayout::FromTag(0x10000)));
+  EXPECT_EQ(TextOf(CAAudioChannelLayout::FromBitmap(3)), "\tTag=0x10000, Using Bitmap:0x3\n");
+  EXPECT_EQ(TextOf(CAAudioChannelLayout::FromBitmap(0xFFFFFFFF)),
+            "\tTag=0x10000, Using Bitmap:0xFFFFFFFF\n");
+  EXPECT_EQ(TextOf(CAAudioChannelLayout::FromTag(0x10000)), "\tTag=0x10000, Using Bitmap:0x0\n");
   // Descriptions of a layout by bitmap mean nothing.
-  EXPECT_EQ("\tTag=0x10000, Using Bitmap:0x3F\n",
-            TextOf(FromBytes(LayoutBytes(0x10000, 0x3F, 1, {kLeft}))));
+  EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0x10000, 0x3F, 1, {kLeft}))),
+            "\tTag=0x10000, Using Bitmap:0x3F\n");
 }
 
 TEST(CAAudioChannelLayoutTest, ALayoutByTag_PrintsTheTagAndNoDescription) {
-  EXPECT_EQ("\tTag=0x650002, Num Chan Descs=0\n",
-            TextOf(CAAudioChannelLayout::FromTag(kAudioChannelLayoutTag_Stereo)));
-  EXPECT_EQ("\tTag=0xFFFFFFFF, Num Chan Descs=0\n",
-            TextOf(CAAudioChannelLayout::FromTag(0xFFFFFFFF)));
-  EXPECT_EQ("\tTag=0x10001, Num Chan Descs=0\n", TextOf(CAAudioChannelLayout::FromTag(0x10001)));
+  EXPECT_EQ(TextOf(CAAudioChannelLayout::FromTag(kAudioChannelLayoutTag_Stereo)),
+            "\tTag=0x650002, Num Chan Descs=0\n");
+  EXPECT_EQ(TextOf(CAAudioChannelLayout::FromTag(0xFFFFFFFF)),
+            "\tTag=0xFFFFFFFF, Num Chan Descs=0\n");
+  EXPECT_EQ(TextOf(CAAudioChannelLayout::FromTag(0x10001)), "\tTag=0x10001, Num Chan Descs=0\n");
 }
 
 TEST(CAAudioChannelLayoutTest, DescribedChannels_PrintALineEach) {
-  EXPECT_EQ(std::string("\tTag=0x0, Num Chan Descs=1\n") + kLeftText,
-            TextOf(FromBytes(LayoutBytes(0, 0, 1, {kLeft}))));
-  EXPECT_EQ(std::string("\tTag=0x0, Num Chan Descs=3\n") + kLeftText + kPlacedText + kLeftText,
-            TextOf(FromBytes(LayoutBytes(0, 3, 3, {kLeft, kPlaced, kLeft}))));
-  EXPECT_EQ("\tTag=0x0, Num Chan Descs=0\n", TextOf(FromBytes(LayoutBytes(0, 0, 0))));
+  EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0, 0, 1, {kLeft}))),
+            std::string("\tTag=0x0, Num Chan Descs=1\n") + kLeftText);
+  EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0, 3, 3, {kLeft, kPlaced, kLeft}))),
+            std::string("\tTag=0x0, Num Chan Descs=3\n") + kLeftText + kPlacedText + kLeftText);
+  EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0, 0, 0))), "\tTag=0x0, Num Chan Descs=0\n");
   // Whatever the tag, descriptions that are there are printed.
-  EXPECT_EQ(std::string("\tTag=0x640001, Num Chan Descs=1\n") + kLeftText,
-            TextOf(FromBytes(LayoutBytes(0x640001, 0, 1, {kLeft}))));
+  EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0x640001, 0, 1, {kLeft}))),
+            std::string("\tTag=0x640001, Num Chan Descs=1\n") + kLeftText);
 }
 
 TEST(CAAudioChannelLayoutTest, ALabelOfAllOnes_PrintsAsMinusOne) {
-  EXPECT_EQ(
-      "\tTag=0x0, Num Chan Descs=1\n"
-      "\t\tLabel=-1, Flags=0xFFFFFFFF, [az=0.000000,el=0.000000,dist=0.000000]\n",
-      TextOf(FromBytes(LayoutBytes(0, 0, 1, {{0xFFFFFFFF, 0xFFFFFFFF, {0, 0, 0}}}))));
+  EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0, 0, 1, {{0xFFFFFFFF, 0xFFFFFFFF, {0, 0, 0}}}))),
+            "\tTag=0x0, Num Chan Descs=1\n"
+            "\t\tLabel=-1, Flags=0xFFFFFFFF, [az=0.000000,el=0.000000,dist=0.000000]\n");
 }
 
 TEST(CAAudioChannelLayoutTest, TheToolboxsOwnRecord_PrintsAsItIs) {
   const AudioChannelLayout layout = {0, 0, 1, {kPlaced}};
-  EXPECT_EQ(std::string("\tTag=0x0, Num Chan Descs=1\n") + kPlacedText,
-            Printed([&](std::FILE* p) { PrintChannelLayout(&layout, p); }));
+  EXPECT_EQ(Printed([&](std::FILE* p) { PrintChannelLayout(&layout, p); }),
+            std::string("\tTag=0x0, Num Chan Descs=1\n") + kPlacedText);
 }
 
 TEST(CAAudioChannelLayoutTest, ACopy_HoldsAllThatIsCountedAndOutlivesItsSource) {
@@ -100,21 +99,21 @@ TEST(CAAudioChannelLayoutTest, ACopy_HoldsAllThatIsCountedAndOutlivesItsSource) 
   {
     const CAAudioChannelLayout source = FromBytes(LayoutBytes(0, 0, 2, {kPlaced, kLeft}));
     copy = CAAudioChannelLayout(source.Layout());
-    EXPECT_NE(source.Layout(), copy.Layout());
+    EXPECT_NE(copy.Layout(), source.Layout());
   }
-  EXPECT_EQ(52U, copy.SizeInBytes());
-  EXPECT_EQ(std::string("\tTag=0x0, Num Chan Descs=2\n") + kPlacedText + kLeftText, TextOf(copy));
-  EXPECT_EQ(12U, CAAudioChannelLayout::FromBitmap(3).SizeInBytes());
+  EXPECT_EQ(copy.SizeInBytes(), 52U);
+  EXPECT_EQ(TextOf(copy), std::string("\tTag=0x0, Num Chan Descs=2\n") + kPlacedText + kLeftText);
+  EXPECT_EQ(CAAudioChannelLayout::FromBitmap(3).SizeInBytes(), 12U);
 
   CAAudioChannelLayout moved = std::move(copy);
-  EXPECT_EQ(52U, moved.SizeInBytes());
+  EXPECT_EQ(moved.SizeInBytes(), 52U);
   moved = CAAudioChannelLayout();
-  EXPECT_EQ(kNone, TextOf(moved));
+  EXPECT_EQ(TextOf(moved), kNone);
 }
 
 TEST(CAAudioChannelLayoutTest, BytesThatEndBeforeWhatTheyCount_AreNoLayout) {
   const C_LayoutBytes whole = LayoutBytes(0, 0, 2, {kLeft, kPlaced});
-  ASSERT_EQ(52U, whole.size());
+  ASSERT_EQ(whole.size(), 52U);
   for (std::size_t cbBytes = 0; cbBytes < whole.size(); ++cbBytes) {
     // Memory of exactly that size: a byte more would not be ours to read.
     const C_LayoutBytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(cbBytes));
@@ -124,23 +123,24 @@ TEST(CAAudioChannelLayoutTest, BytesThatEndBeforeWhatTheyCount_AreNoLayout) {
   EXPECT_FALSE(CAAudioChannelLayout::FromBytes(nullptr, 52).IsValid());
   // Counts whose bytes do not fit 32 bits, among them one that would wrap round to what is there.
   for (const UInt32 dwClaimed :
-       {3U, 0x0CCCCCCDU, 0x33333334U, 0x40000000U, 0x7FFFFFFFU, 0xFFFFFFFFU})
+       {3U, 0x0CCCCCCDU, 0x33333334U, 0x40000000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
     EXPECT_FALSE(FromBytes(LayoutBytes(0, 0, dwClaimed, {kLeft, kPlaced})).IsValid()) << dwClaimed;
+  }
 }
 
 TEST(CAAudioChannelLayoutTest, BytesBehindWhatIsCounted_AreLeftOut) {
   C_LayoutBytes bytes = LayoutBytes(0, 0, 1, {kLeft, kPlaced});
   bytes.resize(bytes.size() + 3, 0xFF);
   const CAAudioChannelLayout layout = FromBytes(bytes);
-  EXPECT_EQ(32U, layout.SizeInBytes());
-  EXPECT_EQ(std::string("\tTag=0x0, Num Chan Descs=1\n") + kLeftText, TextOf(layout));
+  EXPECT_EQ(layout.SizeInBytes(), 32U);
+  EXPECT_EQ(TextOf(layout), std::string("\tTag=0x0, Num Chan Descs=1\n") + kLeftText);
 }
 
 TEST(CAAudioChannelLayoutTest, BytesMayLieAnywhere) {
   C_LayoutBytes bytes = LayoutBytes(0, 0, 1, {kPlaced});
   bytes.insert(bytes.begin(), 0xFF);
-  EXPECT_EQ(std::string("\tTag=0x0, Num Chan Descs=1\n") + kPlacedText,
-            TextOf(CAAudioChannelLayout::FromBytes(bytes.data() + 1, bytes.size() - 1)));
+  EXPECT_EQ(TextOf(CAAudioChannelLayout::FromBytes(bytes.data() + 1, bytes.size() - 1)),
+            std::string("\tTag=0x0, Num Chan Descs=1\n") + kPlacedText);
 }
 
 }  // namespace

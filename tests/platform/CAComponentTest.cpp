@@ -13,59 +13,60 @@ TEST(CAComponentTest, FindsWhatExists) {
   const CAComponent player(kAudioUnitType_Generator, kAudioUnitSubType_AudioFilePlayer,
                            kAudioUnitManufacturer_Apple);
   EXPECT_TRUE(player.IsValid());
-  EXPECT_EQ(OSType{kAudioUnitType_Generator}, player.Desc().componentType);
+  EXPECT_EQ(player.Desc().componentType, OSType{kAudioUnitType_Generator});
   const CAComponent none(kAudioUnitType_Generator, kAudioUnitSubType_DefaultOutput, 0);
   EXPECT_FALSE(none.IsValid());
-  EXPECT_EQ(nullptr, none.Comp());
+  EXPECT_EQ(none.Comp(), nullptr);
   EXPECT_FALSE(CAComponent().IsValid());
 }
 
 TEST(CAComponentTest, PrintsItsAddressItsNamesAndItsDescription) {
   const CAComponent output(kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput,
                            kAudioUnitManufacturer_Apple);
-  EXPECT_EQ("CAComponent: " + Address(output.Comp()) +
+  EXPECT_EQ(Printed([&](std::FILE* p) { output.Print(p); }),
+            "CAComponent: " + Address(output.Comp()) +
                 ", Manu:Voxplay, Name:Default Output"
-                ", AudioComponentDescription: 'auou' - 'def ' - 'appl', 0x0, 0x0\n",
-            Printed([&](std::FILE* p) { output.Print(p); }));
+                ", AudioComponentDescription: 'auou' - 'def ' - 'appl', 0x0, 0x0\n");
   const CAComponent player(kAudioUnitType_Generator, kAudioUnitSubType_AudioFilePlayer,
                            kAudioUnitManufacturer_Apple);
-  EXPECT_EQ("CAComponent: " + Address(player.Comp()) +
+  EXPECT_EQ(Printed([&](std::FILE* p) { player.Print(p); }),
+            "CAComponent: " + Address(player.Comp()) +
                 ", Manu:Voxplay, Name:File Player"
-                ", AudioComponentDescription: 'augn' - 'afpl' - 'appl', 0x0, 0x0\n",
-            Printed([&](std::FILE* p) { player.Print(p); }));
+                ", AudioComponentDescription: 'augn' - 'afpl' - 'appl', 0x0, 0x0\n");
 }
 
 TEST(CAComponentTest, WithoutAComponent_PrintsNoNames) {
-  EXPECT_EQ("CAComponent: " + Address(nullptr) +
-                ", AudioComponentDescription: 0x00000000 - 0x00000000 - 0x00000000, 0x0, 0x0\n",
-            Printed([](std::FILE* p) { CAComponent().Print(p); }));
+  EXPECT_EQ(Printed([](std::FILE* p) { CAComponent().Print(p); }),
+            "CAComponent: " + Address(nullptr) +
+                ", AudioComponentDescription: 0x00000000 - 0x00000000 - 0x00000000, 0x0, 0x0\n");
   const CAComponent none(AudioComponentDescription{0x61626364, 1, 0x5C616263, 0xABCDEF01, 0x10});
-  EXPECT_EQ("CAComponent: " + Address(nullptr) +
+  EXPECT_EQ(Printed([&](std::FILE* p) { none.Print(p); }),
+            "CAComponent: " + Address(nullptr) +
                 ", AudioComponentDescription: 'abcd' - 0x00000001 - 0x5C616263"
-                ", 0xABCDEF01, 0x10\n",
-            Printed([&](std::FILE* p) { none.Print(p); }));
+                ", 0xABCDEF01, 0x10\n");
 }
 
 TEST(CAComponentTest, MadeFromAComponent_HasTheToolboxsDescriptionOfIt) {
   const CAComponent output(kAudioUnitType_Output, 0, 0);
-  EXPECT_EQ(0U, output.Desc().componentSubType);
+  EXPECT_EQ(output.Desc().componentSubType, 0U);
   const CAComponent same(output.Comp());
-  EXPECT_EQ(output.Comp(), same.Comp());
-  EXPECT_EQ(OSType{kAudioUnitSubType_DefaultOutput}, same.Desc().componentSubType);
-  EXPECT_EQ(OSType{kAudioUnitManufacturer_Apple}, same.Desc().componentManufacturer);
+  EXPECT_EQ(same.Comp(), output.Comp());
+  EXPECT_EQ(same.Desc().componentSubType, OSType{kAudioUnitSubType_DefaultOutput});
+  EXPECT_EQ(same.Desc().componentManufacturer, OSType{kAudioUnitManufacturer_Apple});
   const CAComponent none(AudioComponent{nullptr});
   EXPECT_FALSE(none.IsValid());
-  EXPECT_EQ(0U, none.Desc().componentType);
+  EXPECT_EQ(none.Desc().componentType, 0U);
 }
 
 TEST(CAComponentTest, ADescription_PrintsItsThreeCodesItsFlagsAndTheirMask) {
   const auto Print = [](const AudioComponentDescription& desc) {
     return Printed([&](std::FILE* p) { PrintComponentDescription(desc, p); });
   };
-  EXPECT_EQ("AudioComponentDescription: 'auou' - 'def ' - 'appl', 0x0, 0x0\n",
-            Print({0x61756F75, 0x64656620, 0x6170706C, 0, 0}));
-  EXPECT_EQ("AudioComponentDescription: 0x00000002 - 'a b ' - 0xFFFFFFFF, 0xDEADBEEF, 0xFFFFFFFF\n",
-            Print({2, 0x61206220, 0xFFFFFFFF, 0xDEADBEEF, 0xFFFFFFFF}));
+  EXPECT_EQ(Print({0x61756F75, 0x64656620, 0x6170706C, 0, 0}),
+            "AudioComponentDescription: 'auou' - 'def ' - 'appl', 0x0, 0x0\n");
+  EXPECT_EQ(
+      Print({2, 0x61206220, 0xFFFFFFFF, 0xDEADBEEF, 0xFFFFFFFF}),
+      "AudioComponentDescription: 0x00000002 - 'a b ' - 0xFFFFFFFF, 0xDEADBEEF, 0xFFFFFFFF\n");
 }
 
 }  // namespace

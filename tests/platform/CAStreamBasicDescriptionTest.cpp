@@ -12,39 +12,39 @@ CAStreamBasicDescription Describe(AudioFormatFlags dwFlags, UInt32 cbFrame, UInt
 }
 
 TEST(CAStreamBasicDescriptionTest, TheWordSize_IsThatOfOneSample) {
-  EXPECT_EQ(4U, Describe(41, 4, 2, 32).SampleWordSize());
-  EXPECT_EQ(2U, Describe(12, 4, 2, 16).SampleWordSize());
-  EXPECT_EQ(0U, Describe(12, 4, 0, 16).SampleWordSize());
-  EXPECT_EQ(0U, Describe(12, 0, 2, 16).SampleWordSize());
-  EXPECT_EQ(0U, CAStreamBasicDescription().SampleWordSize());
+  EXPECT_EQ(Describe(41, 4, 2, 32).SampleWordSize(), 4U);
+  EXPECT_EQ(Describe(12, 4, 2, 16).SampleWordSize(), 2U);
+  EXPECT_EQ(Describe(12, 4, 0, 16).SampleWordSize(), 0U);
+  EXPECT_EQ(Describe(12, 0, 2, 16).SampleWordSize(), 0U);
+  EXPECT_EQ(CAStreamBasicDescription().SampleWordSize(), 0U);
   // Sample and frame are the same thing only where the channels lie apart, which only PCM can.
   auto other = Describe(32, 6, 2, 16);
-  EXPECT_EQ(6U, other.SampleWordSize());
+  EXPECT_EQ(other.SampleWordSize(), 6U);
   other.mFormatID = kAudioFormatULaw;
-  EXPECT_EQ(3U, other.SampleWordSize());
-  EXPECT_EQ(1U, Describe(12, 5, 3, 8).SampleWordSize());
+  EXPECT_EQ(other.SampleWordSize(), 3U);
+  EXPECT_EQ(Describe(12, 5, 3, 8).SampleWordSize(), 1U);
 }
 
 TEST(CAStreamBasicDescriptionTest, ChangingTheChannels_KeepsTheSampleAndTheLayout) {
   auto planar = Describe(41, 4, 2, 32);
   planar.ChangeNumberChannels(1, planar.IsInterleaved());
-  EXPECT_EQ(1U, planar.NumberChannels());
-  EXPECT_EQ(4U, planar.mBytesPerFrame);
-  EXPECT_EQ(41U, planar.mFormatFlags);
+  EXPECT_EQ(planar.NumberChannels(), 1U);
+  EXPECT_EQ(planar.mBytesPerFrame, 4U);
+  EXPECT_EQ(planar.mFormatFlags, 41U);
   auto interleaved = Describe(12, 2, 1, 16);
   interleaved.ChangeNumberChannels(3, interleaved.IsInterleaved());
-  EXPECT_EQ(6U, interleaved.mBytesPerFrame);
-  EXPECT_EQ(6U, interleaved.mBytesPerPacket);
-  EXPECT_EQ(12U, interleaved.mFormatFlags);
+  EXPECT_EQ(interleaved.mBytesPerFrame, 6U);
+  EXPECT_EQ(interleaved.mBytesPerPacket, 6U);
+  EXPECT_EQ(interleaved.mFormatFlags, 12U);
   interleaved.ChangeNumberChannels(2, false);
-  EXPECT_EQ(2U, interleaved.mBytesPerFrame);
-  EXPECT_EQ(44U, interleaved.mFormatFlags);
+  EXPECT_EQ(interleaved.mBytesPerFrame, 2U);
+  EXPECT_EQ(interleaved.mFormatFlags, 44U);
   interleaved.ChangeNumberChannels(2, true);
-  EXPECT_EQ(4U, interleaved.mBytesPerFrame);
-  EXPECT_EQ(12U, interleaved.mFormatFlags);
+  EXPECT_EQ(interleaved.mBytesPerFrame, 4U);
+  EXPECT_EQ(interleaved.mFormatFlags, 12U);
   auto empty = Describe(12, 0, 0, 16);
   empty.ChangeNumberChannels(2, true);
-  EXPECT_EQ(4U, empty.mBytesPerFrame);
+  EXPECT_EQ(empty.mBytesPerFrame, 4U);
 }
 
 }  // namespace

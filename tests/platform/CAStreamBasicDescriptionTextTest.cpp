@@ -15,7 +15,7 @@ constexpr UInt32 kAllOnes = 0xFFFFFFFF;
 std::string TextOf(const AudioStreamBasicDescription& desc) {
   std::array<char, 512> text{};
   const CAStreamBasicDescription description(desc);
-  EXPECT_EQ(text.data(), description.AsText(text.data(), text.size()));
+  EXPECT_EQ(description.AsText(text.data(), text.size()), text.data());
   return text.data();
 }
 
@@ -35,7 +35,7 @@ struct S_Row {
 };
 
 void ExpectTexts(const std::vector<S_Row>& rows) {
-  for (const S_Row& row : rows) EXPECT_EQ(row.pszText, TextOf(row.desc));
+  for (const S_Row& row : rows) EXPECT_EQ(TextOf(row.desc), row.pszText);
 }
 
 TEST(StreamTextTest, WhatThePlayerPlays_IsDescribed) {
@@ -138,10 +138,9 @@ TEST(StreamTextTest, WordsOfUnknownSize_SayNothingOfPackingAndByteOrder) {
 }
 
 TEST(StreamTextTest, AWordWhoseBitsDoNotFit32Bits_IsNotTakenForASmallOne) {
-  EXPECT_EQ(
-      " 1 ch,   8000 Hz, 'lpcm' (0x00000008) 8-bit little-endian unsigned integer, "
-      "packed in 536870913 bytes low-aligned",
-      TextOf(Pcm(0x08, 8, 0x20000001)));
+  EXPECT_EQ(TextOf(Pcm(0x08, 8, 0x20000001)),
+            " 1 ch,   8000 Hz, 'lpcm' (0x00000008) 8-bit little-endian unsigned integer, "
+            "packed in 536870913 bytes low-aligned");
 }
 
 TEST(StreamTextTest, Lossless_SaysTheDepthOfItsSource) {
@@ -149,15 +148,15 @@ TEST(StreamTextTest, Lossless_SaysTheDepthOfItsSource) {
     return TextOf({44100, 0x616C6163, dwFlags, 7, dwFrames, 9, 2, 16, 0});
   };
   const std::string strHead = " 2 ch,  44100 Hz, 'alac' ";
-  EXPECT_EQ(strHead + "(0x00000001) from 16-bit source, 4096 frames/packet", Lossless(1, 4096));
-  EXPECT_EQ(strHead + "(0x00000002) from 20-bit source, 4096 frames/packet", Lossless(2, 4096));
-  EXPECT_EQ(strHead + "(0x00000003) from 24-bit source, 4096 frames/packet", Lossless(3, 4096));
-  EXPECT_EQ(strHead + "(0x00000004) from 32-bit source, 0 frames/packet", Lossless(4, 0));
+  EXPECT_EQ(Lossless(1, 4096), strHead + "(0x00000001) from 16-bit source, 4096 frames/packet");
+  EXPECT_EQ(Lossless(2, 4096), strHead + "(0x00000002) from 20-bit source, 4096 frames/packet");
+  EXPECT_EQ(Lossless(3, 4096), strHead + "(0x00000003) from 24-bit source, 4096 frames/packet");
+  EXPECT_EQ(Lossless(4, 0), strHead + "(0x00000004) from 32-bit source, 0 frames/packet");
   const std::string strUnknown = ") from UNKNOWN source bit depth, 4096 frames/packet";
-  EXPECT_EQ(strHead + "(0x00000000" + strUnknown, Lossless(0, 4096));
-  EXPECT_EQ(strHead + "(0x00000005" + strUnknown, Lossless(5, 4096));
-  EXPECT_EQ(strHead + "(0x0000000C" + strUnknown, Lossless(0xC, 4096));
-  EXPECT_EQ(strHead + "(0xFFFFFFFF" + strUnknown, Lossless(kAllOnes, 4096));
+  EXPECT_EQ(Lossless(0, 4096), strHead + "(0x00000000" + strUnknown);
+  EXPECT_EQ(Lossless(5, 4096), strHead + "(0x00000005" + strUnknown);
+  EXPECT_EQ(Lossless(0xC, 4096), strHead + "(0x0000000C" + strUnknown);
+  EXPECT_EQ(Lossless(kAllOnes, 4096), strHead + "(0xFFFFFFFF" + strUnknown);
 }
 
 TEST(StreamTextTest, EveryOtherFormat_SaysItsSizes) {
@@ -189,16 +188,17 @@ TEST(StreamTextTest, CountsOfAllOnes_PrintAsMinusOne) {
 void ExpectCut(const CAStreamBasicDescription& desc, const std::string& strWhole,
                std::size_t cbBuffer) {
   std::vector<char> buffer(cbBuffer + 16, '#');
-  EXPECT_EQ(buffer.data(), desc.AsText(buffer.data(), cbBuffer));
+  EXPECT_EQ(desc.AsText(buffer.data(), cbBuffer), buffer.data());
   std::string strExpected(buffer.size(), '#');
   if (cbBuffer != 0) {
     const std::string strCut = strWhole.substr(0, cbBuffer - 1);
     strExpected.replace(0, strCut.size() + 1, strCut.c_str(), strCut.size() + 1);
   }
   // What lies between the text and the end of the buffer is not the caller's concern.
-  for (std::size_t i = strExpected.find('\0') + 1; cbBuffer != 0 && i < cbBuffer; ++i)
+  for (std::size_t i = strExpected.find('\0') + 1; cbBuffer != 0 && i < cbBuffer; ++i) {
     buffer[i] = strExpected[i];
-  EXPECT_EQ(strExpected, std::string(buffer.begin(), buffer.end())) << cbBuffer;
+  }
+  EXPECT_EQ(std::string(buffer.begin(), buffer.end()), strExpected) << cbBuffer;
 }
 
 TEST(StreamTextTest, ABufferOfAnySize_HoldsTheBeginningOfTheText) {
@@ -213,8 +213,9 @@ TEST(StreamTextTest, ABufferOfAnySize_HoldsTheBeginningOfTheText) {
        " 2 ch,  44100 Hz, '.mp3' (0x00000000) 0 bits/channel, 0 bytes/packet, "
        "1152 frames/packet, 0 bytes/frame"}};
   for (const S_Row& row : rows) {
-    for (std::size_t cbBuffer = 0; cbBuffer <= 120; ++cbBuffer)
+    for (std::size_t cbBuffer = 0; cbBuffer <= 120; ++cbBuffer) {
       ExpectCut(CAStreamBasicDescription(row.desc), row.pszText, cbBuffer);
+    }
   }
 }
 
@@ -222,21 +223,21 @@ TEST(StreamTextTest, ABufferOfExactlyThatSize_IsAllThatIsNeeded) {
   for (std::size_t cbBuffer = 1; cbBuffer <= 80; ++cbBuffer) {
     std::vector<char> exact(cbBuffer);
     CAStreamBasicDescription(kPlayback).AsText(exact.data(), cbBuffer);
-    EXPECT_EQ(std::string(kPlaybackText).substr(0, cbBuffer - 1), exact.data());
+    EXPECT_EQ(exact.data(), std::string(kPlaybackText).substr(0, cbBuffer - 1));
   }
 }
 
 TEST(StreamTextTest, ABufferThatTheHeadFills_EndsBehindTheHead) {
   const std::string strHead = " 2 ch,  44100 Hz, 'lpcm' (0x00000029) ";
-  ASSERT_EQ(38U, strHead.size());
+  ASSERT_EQ(strHead.size(), 38U);
   std::array<char, 40> text{};
-  EXPECT_EQ(strHead, CAStreamBasicDescription(kPlayback).AsText(text.data(), 39));
-  EXPECT_EQ(strHead + "3", CAStreamBasicDescription(kPlayback).AsText(text.data(), 40));
+  EXPECT_EQ(CAStreamBasicDescription(kPlayback).AsText(text.data(), 39), strHead);
+  EXPECT_EQ(CAStreamBasicDescription(kPlayback).AsText(text.data(), 40), strHead + "3");
 }
 
 TEST(StreamTextTest, NoBuffer_IsLeftAlone) {
-  EXPECT_EQ(nullptr, CAStreamBasicDescription(kPlayback).AsText(nullptr, 0));
-  EXPECT_EQ(nullptr, CAStreamBasicDescription(kPlayback).AsText(nullptr, 80));
+  EXPECT_EQ(CAStreamBasicDescription(kPlayback).AsText(nullptr, 0), nullptr);
+  EXPECT_EQ(CAStreamBasicDescription(kPlayback).AsText(nullptr, 80), nullptr);
 }
 
 TEST(StreamTextTest, RatesBeyondAllMeasure_DoNotLeaveTheBuffer) {
@@ -245,19 +246,20 @@ TEST(StreamTextTest, RatesBeyondAllMeasure_DoNotLeaveTheBuffer) {
   std::array<char, 512> text{};
   const std::string strWhole = CAStreamBasicDescription(desc).AsText(text.data(), text.size());
   // 309 digits instead of the 6 places of a usual rate.
-  EXPECT_EQ(std::string(kPlaybackText).size() + 303, strWhole.size());
+  EXPECT_EQ(strWhole.size(), std::string(kPlaybackText).size() + 303);
   EXPECT_TRUE(strWhole.starts_with(" 2 ch, 1000000000000000"));
   EXPECT_TRUE(
       strWhole.ends_with(" Hz, 'lpcm' (0x00000029) 32-bit little-endian float, "
                          "deinterleaved"));
-  for (std::size_t cbBuffer = 0; cbBuffer <= 400; ++cbBuffer)
+  for (std::size_t cbBuffer = 0; cbBuffer <= 400; ++cbBuffer) {
     ExpectCut(CAStreamBasicDescription(desc), strWhole, cbBuffer);
+  }
 
   const std::string strTail = " Hz, 'lpcm' (0x00000029) 32-bit little-endian float, deinterleaved";
   desc.mSampleRate = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(" 2 ch,    nan" + strTail, TextOf(desc));
+  EXPECT_EQ(TextOf(desc), " 2 ch,    nan" + strTail);
   desc.mSampleRate = -std::numeric_limits<double>::infinity();
-  EXPECT_EQ(" 2 ch,   -inf" + strTail, TextOf(desc));
+  EXPECT_EQ(TextOf(desc), " 2 ch,   -inf" + strTail);
 }
 
 }  // namespace

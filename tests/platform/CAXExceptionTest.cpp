@@ -9,17 +9,17 @@ namespace {
 
 TEST(CAXExceptionTest, CarriesTheOperationAndTheStatus) {
   const CAXException thrown("AUGraphStart", -10867);
-  EXPECT_STREQ("AUGraphStart", thrown.Operation());
-  EXPECT_STREQ("AUGraphStart", thrown.what());
-  EXPECT_EQ(-10867, thrown.Error());
+  EXPECT_STREQ(thrown.Operation(), "AUGraphStart");
+  EXPECT_STREQ(thrown.what(), "AUGraphStart");
+  EXPECT_EQ(thrown.Error(), -10867);
 }
 
 TEST(CAXExceptionTest, KeepsACopyOfTheText_CutAt255Characters) {
   std::string strText(300, 'x');
   const CAXException thrown(strText.c_str(), 1);
   strText.assign(300, 'y');
-  EXPECT_EQ(std::string(255, 'x'), thrown.Operation());
-  EXPECT_STREQ("", CAXException(nullptr, 1).Operation());
+  EXPECT_EQ(thrown.Operation(), std::string(255, 'x'));
+  EXPECT_STREQ(CAXException(nullptr, 1).Operation(), "");
 }
 
 TEST(CAXExceptionTest, EveryStatusButZero_Throws) {

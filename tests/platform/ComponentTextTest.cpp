@@ -44,42 +44,42 @@ class ComponentText : public ::testing::Test {
 };
 
 TEST_F(ComponentText, ManufacturerAndUnit_ArePrintedOnTheirOwn) {
-  EXPECT_EQ(", Manu:Acme, Name:Echo", PrintedNames("Acme: Echo"));
-  EXPECT_EQ(", Name:Echo", PrintedNames("Echo"));
-  EXPECT_EQ(", Manu:Acme", PrintedNames("Acme: "));
-  EXPECT_EQ(", Name:Echo", PrintedNames(": Echo"));
-  EXPECT_EQ("", PrintedNames(": "));
-  EXPECT_EQ("", PrintedNames(""));
+  EXPECT_EQ(PrintedNames("Acme: Echo"), ", Manu:Acme, Name:Echo");
+  EXPECT_EQ(PrintedNames("Echo"), ", Name:Echo");
+  EXPECT_EQ(PrintedNames("Acme: "), ", Manu:Acme");
+  EXPECT_EQ(PrintedNames(": Echo"), ", Name:Echo");
+  EXPECT_EQ(PrintedNames(": "), "");
+  EXPECT_EQ(PrintedNames(""), "");
 }
 
 TEST_F(ComponentText, TheFirstColonWithABlank_EndsTheManufacturer) {
-  EXPECT_EQ(", Manu:Acme, Name:Echo: Long", PrintedNames("Acme: Echo: Long"));
-  EXPECT_EQ(", Name:Acme:Echo", PrintedNames("Acme:Echo"));
-  EXPECT_EQ(", Manu:A:B, Name:C", PrintedNames("A:B: C"));
-  EXPECT_EQ(", Manu:Acme, Name: Echo", PrintedNames("Acme:  Echo"));
+  EXPECT_EQ(PrintedNames("Acme: Echo: Long"), ", Manu:Acme, Name:Echo: Long");
+  EXPECT_EQ(PrintedNames("Acme:Echo"), ", Name:Acme:Echo");
+  EXPECT_EQ(PrintedNames("A:B: C"), ", Manu:A:B, Name:C");
+  EXPECT_EQ(PrintedNames("Acme:  Echo"), ", Manu:Acme, Name: Echo");
 }
 
 TEST_F(ComponentText, NamesAreTakenAsTheyAre) {
-  EXPECT_EQ(", Manu:100%s, Name:%n\n", PrintedNames("100%s: %n\n"));
-  EXPECT_EQ(", Manu:M\xC3\xBCller, Name:Echo", PrintedNames("M\xC3\xBCller: Echo"));
+  EXPECT_EQ(PrintedNames("100%s: %n\n"), ", Manu:100%s, Name:%n\n");
+  EXPECT_EQ(PrintedNames("M\xC3\xBCller: Echo"), ", Manu:M\xC3\xBCller, Name:Echo");
   const std::string strLong(5000, 'x');
-  EXPECT_EQ(", Manu:" + strLong + ", Name:" + strLong, PrintedNames(strLong + ": " + strLong));
+  EXPECT_EQ(PrintedNames(strLong + ": " + strLong), ", Manu:" + strLong + ", Name:" + strLong);
 }
 
 TEST_F(ComponentText, ANameThatCannotBeHad_IsNotPrinted) {
   m_toolbox.Fail("AudioComponentCopyName", -50);
-  EXPECT_EQ("", PrintedNames());
-  EXPECT_EQ(0, m_toolbox.Count("CFRelease"));
+  EXPECT_EQ(PrintedNames(), "");
+  EXPECT_EQ(m_toolbox.Count("CFRelease"), 0);
   m_toolbox.bComponentHasName = false;
-  EXPECT_EQ("", PrintedNames());
-  EXPECT_EQ(0, m_toolbox.Count("CFRelease"));
+  EXPECT_EQ(PrintedNames(), "");
+  EXPECT_EQ(m_toolbox.Count("CFRelease"), 0);
   m_toolbox.bComponentHasName = true;
   m_toolbox.Fail("CFStringGetMaximumSizeForEncoding", -1);
-  EXPECT_EQ("", PrintedNames());
-  EXPECT_EQ(0, m_toolbox.Count("CFStringGetCString"));
+  EXPECT_EQ(PrintedNames(), "");
+  EXPECT_EQ(m_toolbox.Count("CFStringGetCString"), 0);
   m_toolbox.Fail("CFStringGetCString", -1);
-  EXPECT_EQ("", PrintedNames());
-  EXPECT_EQ(2, m_toolbox.Count("CFRelease(name)"));
+  EXPECT_EQ(PrintedNames(), "");
+  EXPECT_EQ(m_toolbox.Count("CFRelease(name)"), 2);
 }
 
 TEST_F(ComponentText, ANameIsAskedForInUtf8AndReleasedOnce) {
@@ -87,40 +87,40 @@ TEST_F(ComponentText, ANameIsAskedForInUtf8AndReleasedOnce) {
   const CAComponent component(kDescription);
   m_toolbox.ClearLog();
   Printed([&](std::FILE* p) { component.Print(p); });
-  EXPECT_EQ((std::vector<std::string>{"AudioComponentCopyName(component)",
+  EXPECT_EQ(m_toolbox.Log(),
+            (std::vector<std::string>{"AudioComponentCopyName(component)",
                                       "CFStringGetMaximumSizeForEncoding()",
-                                      "CFStringGetCString(11, 134217984)", "CFRelease(name)"}),
-            m_toolbox.Log());
+                                      "CFStringGetCString(11, 134217984)", "CFRelease(name)"}));
 }
 
 TEST_F(ComponentText, AComponentThatDoesNotExist_IsNotAskedForItsName) {
   m_toolbox.Fail("AudioComponentFindNext", -1);
-  EXPECT_EQ("", PrintedNames());
-  EXPECT_EQ(0, m_toolbox.Count("AudioComponentCopyName"));
+  EXPECT_EQ(PrintedNames(), "");
+  EXPECT_EQ(m_toolbox.Count("AudioComponentCopyName"), 0);
 }
 
 TEST_F(ComponentText, AUnit_PrintsTheDescriptionOfItsComponent) {
   AudioUnit unit = nullptr;
-  ASSERT_EQ(noErr, AudioComponentInstanceNew(nullptr, &unit));
+  ASSERT_EQ(AudioComponentInstanceNew(nullptr, &unit), noErr);
   const CAAudioUnit wrapper(-3, unit);
-  EXPECT_EQ(kDescription.componentSubType, wrapper.Comp().Desc().componentSubType);
-  EXPECT_EQ(1, m_toolbox.Count("AudioComponentInstanceGetComponent(outputUnit)"));
+  EXPECT_EQ(wrapper.Comp().Desc().componentSubType, kDescription.componentSubType);
+  EXPECT_EQ(m_toolbox.Count("AudioComponentInstanceGetComponent(outputUnit)"), 1);
   const std::string strHead = "AudioUnit:" + Address(unit) +
                               "\n\tnode=-3\tCAComponent: " + Address(wrapper.Comp().Comp()) +
                               ", Manu:Fakes, Name:Some Unit";
-  EXPECT_EQ(strHead + kDescriptionText, Printed([&](std::FILE* p) { wrapper.Print(p); }));
+  EXPECT_EQ(Printed([&](std::FILE* p) { wrapper.Print(p); }), strHead + kDescriptionText);
 
   m_toolbox.Fail("AudioComponentGetDescription", -50);
   EXPECT_EQ(
-      strHead + ", AudioComponentDescription: 0x00000000 - 0x00000000 - 0x00000000, 0x0, 0x0\n",
-      Printed([&](std::FILE* p) { wrapper.Print(p); }));
+      Printed([&](std::FILE* p) { wrapper.Print(p); }),
+      strHead + ", AudioComponentDescription: 0x00000000 - 0x00000000 - 0x00000000, 0x0, 0x0\n");
 }
 
 TEST_F(ComponentText, NoUnitAndNoComponent_AskTheToolboxNothing) {
-  EXPECT_EQ("AudioUnit:" + Address(nullptr) + "\n",
-            Printed([](std::FILE* p) { CAAudioUnit().Print(p); }));
+  EXPECT_EQ(Printed([](std::FILE* p) { CAAudioUnit().Print(p); }),
+            "AudioUnit:" + Address(nullptr) + "\n");
   EXPECT_FALSE(CAComponent(AudioComponent{nullptr}).IsValid());
-  EXPECT_EQ(std::vector<std::string>{}, m_toolbox.Log());
+  EXPECT_EQ(m_toolbox.Log(), std::vector<std::string>{});
 }
 
 }  // namespace

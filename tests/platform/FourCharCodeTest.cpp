@@ -12,7 +12,7 @@ namespace {
 
 std::string TextOf(UInt32 dwCode) {
   std::array<char, kFourCharCodeRoom> text{};
-  EXPECT_EQ(text.data(), FourCharCodeText(dwCode, text.data()));
+  EXPECT_EQ(FourCharCodeText(dwCode, text.data()), text.data());
   return text.data();
 }
 
@@ -28,17 +28,17 @@ TEST(FourCharCodeTest, CharactersStandInQuotes_EverythingElseInHex) {
       {0x00000000, "0x00000000"}, {0xFFFFFFFF, "0xFFFFFFFF"}, {0x5C616263, "0x5C616263"},
       {0x00616263, "0x00616263"}, {0x7F414243, "0x7F414243"}, {0x1F616263, "0x1F616263"},
       {0xE4616263, "0xE4616263"}, {0xFFFFFFCE, "0xFFFFFFCE"}};
-  for (const S_Row& row : rows) EXPECT_EQ(row.pszText, TextOf(row.dwCode));
+  for (const S_Row& row : rows) EXPECT_EQ(TextOf(row.dwCode), row.pszText);
 }
 
 TEST(FourCharCodeTest, TheFirstByteDecides_TheOthersAreWrittenRaw) {
-  EXPECT_EQ("'a\x01\x02\x03'", TextOf(0x61010203));
-  EXPECT_EQ("'a\x7F\x80\xFF'", TextOf(0x617F80FF));
+  EXPECT_EQ(TextOf(0x61010203), "'a\x01\x02\x03'");
+  EXPECT_EQ(TextOf(0x617F80FF), "'a\x7F\x80\xFF'");
   // A zero among them is written as well, and whoever reads the text as one stops there.
   std::array<char, kFourCharCodeRoom> text{};
   FourCharCodeText(0x61006200, text.data());
-  EXPECT_EQ(std::string("'a\0b\0'\0", 7), std::string(text.data(), 7));
-  EXPECT_EQ("'a", TextOf(0x61000000));
+  EXPECT_EQ(std::string(text.data(), 7), std::string("'a\0b\0'\0", 7));
+  EXPECT_EQ(TextOf(0x61000000), "'a");
 }
 
 TEST(FourCharCodeTest, WhatCanBePrinted_IsAsciiWithoutTheBackslash) {
@@ -50,7 +50,7 @@ TEST(FourCharCodeTest, WhatCanBePrinted_IsAsciiWithoutTheBackslash) {
     } else {
       std::snprintf(expected.data(), expected.size(), "0x%02X616263", dwFirst);
     }
-    EXPECT_EQ(expected.data(), TextOf((dwFirst << 24) | 0x616263)) << dwFirst;
+    EXPECT_EQ(TextOf((dwFirst << 24) | 0x616263), expected.data()) << dwFirst;
   }
 }
 
@@ -59,7 +59,7 @@ TEST(FourCharCodeTest, NothingIsWrittenBehindTheRoom) {
     std::array<char, kFourCharCodeRoom + 8> buffer{};
     buffer.fill('#');
     FourCharCodeText(dwCode, buffer.data());
-    EXPECT_EQ("########", std::string(buffer.data() + kFourCharCodeRoom, 8));
+    EXPECT_EQ(std::string(buffer.data() + kFourCharCodeRoom, 8), "########");
   }
 }
 

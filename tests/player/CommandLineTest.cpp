@@ -74,21 +74,25 @@ TEST_F(CommandLine, LengthOfAMissingFile_IsMinusOneWithExitCode0) {
 }
 
 TEST_F(CommandLine, MissingFilesAndUnknownKinds_AreNotSupported) {
-  for (const char* pszName : {"missing.kst", "missing.wav", "missing", "no/folder/x.kst"})
+  for (const char* pszName : {"missing.kst", "missing.wav", "missing", "no/folder/x.kst"}) {
     ExpectFailure(m_folder.Path(pszName), kNotSupported, -1);
-  for (const char* pszName : {"x.vef", "x.txt", "x.flac", "speech", "speech.", "x.kst2"})
+  }
+  for (const char* pszName : {"x.vef", "x.txt", "x.flac", "speech", "speech.", "x.kst2"}) {
     ExpectFailure(m_folder.Write(pszName, SpeechOf(1).file), kNotSupported, -1);
+  }
   ExpectFailure("", kNotSupported, -1);
 }
 
 TEST_F(CommandLine, KindsThatThePlatformDoesNotPlay_AreADecodingFailure) {
-  for (const char* pszName : {"x.wma", "x.mid", "x.vea", "x.mp3", "x.wav"})
+  for (const char* pszName : {"x.wma", "x.mid", "x.vea", "x.mp3", "x.wav"}) {
     ExpectFailure(m_folder.Write(pszName, Ascii("no sound at all, only text")), kDecodeFailed, -2);
+  }
 }
 
 TEST_F(CommandLine, EmptyFiles_AreADecodingFailure) {
-  for (const char* pszName : {"x.wav", "x.mp3", "x.kst", "x.hrn", "x.ref", "x.pcm"})
+  for (const char* pszName : {"x.wav", "x.mp3", "x.kst", "x.hrn", "x.ref", "x.pcm"}) {
     ExpectFailure(m_folder.Write(pszName, {}), kDecodeFailed, -2);
+  }
 }
 
 TEST_F(CommandLine, Folders_AreADecodingFailure) {
@@ -178,8 +182,9 @@ TEST_F(CommandLine, LengthTakesNoTime) {
 
 TEST_F(CommandLine, EverySpellingOfTwo_AsksForTheLength) {
   const std::string strPath = m_folder.Write("x.wav", WavOf(16000, 1, Silence(32000)));
-  for (const char* pszType : {"2abc", " 2", "+2", "02", "2.9", "\t2"})
+  for (const char* pszType : {"2abc", " 2", "+2", "02", "2.9", "\t2"}) {
     ExpectRun({strPath, pszType}, "file duration: 2.000000 secs\nLength:2\n", 0);
+  }
 }
 
 // --- Normal mode
@@ -236,15 +241,17 @@ TEST_F(CommandLine, NormalModeOfAnEmptySound_EndsAtOnce) {
 
 TEST_F(CommandLine, EverySpellingOfZero_IsNormalMode) {
   const std::string strPath = m_folder.Write("x.wav", WavOf(16000, 1, Silence(160)));
-  for (const char* pszType : {"0", "abc", "", "0x2", "-0"})
+  for (const char* pszType : {"0", "abc", "", "0x2", "-0"}) {
     ExpectRun({strPath, pszType}, "file duration: 0.010000 secs\nPlaying...Finished\n", 0);
+  }
 }
 
 TEST_F(CommandLine, OtherKindsOfNames_HoldSpeechToo) {
   const S_Speech speech = SpeechOf(2);
-  for (const char* pszName : {"x.plv", "x.HRN", "x.nv4", "x.adp", "x.ref", "x.PCM", ".kst"})
+  for (const char* pszName : {"x.plv", "x.HRN", "x.nv4", "x.adp", "x.ref", "x.PCM", ".kst"}) {
     ExpectRun({m_folder.Write(pszName, speech.file), "0"},
               "file duration: 0.040000 secs\nPlaying...Finished\n", 0);
+  }
 }
 
 TEST_F(CommandLine, WavFileNamedLikeSpeech_IsDecodedLikeSpeech) {
@@ -387,10 +394,11 @@ TEST_F(CommandLine, RealTimeModeOfOddInputs_AlwaysFinishes) {
                                            m_folder.Write("other.kst", C_SpBytes().ID(99).Take()),
                                            m_folder.Write("x.vef", C_RiffBytes("VEFF").Take())};
   std::vector<std::future<S_Run>> runs;
-  for (const std::string& strInput : inputs)
+  for (const std::string& strInput : inputs) {
     runs.push_back(std::async(std::launch::async, [this, strInput] {
       return Run({strInput, "1"});
     }));
+  }
   for (auto& run : runs) {
     const S_Run result = run.get();
     EXPECT_EQ(result.strOut, kPlayed);
@@ -400,11 +408,12 @@ TEST_F(CommandLine, RealTimeModeOfOddInputs_AlwaysFinishes) {
 
 TEST_F(CommandLine, EveryOtherNumber_IsRealTimeMode) {
   std::vector<std::future<S_Run>> runs;
-  for (const char* pszType :
-       {"1", "3", "5", "7", "-1", "-2", "99999999999999999999", "4294967298", "4294967296", "1abc"})
+  for (const char* pszType : {"1", "3", "5", "7", "-1", "-2", "99999999999999999999", "4294967298",
+                              "4294967296", "1abc"}) {
     runs.push_back(std::async(std::launch::async, [this, pszType] {
       return Run({m_folder.Path("missing.wav"), pszType});
     }));
+  }
   for (auto& run : runs) {
     const S_Run result = run.get();
     EXPECT_EQ(result.strOut, kPlayed);

@@ -23,8 +23,9 @@ TEST(DiagnosticTexts, AreNotInTheProgram) {
   for (const char* pszText :
        {" ch, %6.0f Hz", "-bit source", "UNKNOWN source", "frames/packet", "-endian",
         "AudioComponentDescription: ", "CAComponent: ", ", Manu:", ", Name:", "AudioUnit:%p",
-        "\tnode=", "NULL layout", "Using Bitmap:", "Num Chan Descs=", "\t\tLabel=", "[az="})
+        "\tnode=", "NULL layout", "Using Bitmap:", "Num Chan Descs=", "\t\tLabel=", "[az="}) {
     EXPECT_FALSE(Holds(pszText)) << pszText;
+  }
 }
 
 }  // namespace

@@ -126,8 +126,9 @@ TEST_F(FileGraph, EveryFailingStepOfMake_ThrowsItsTextAndTearsNothingDown) {
       EXPECT_EQ(Thrown([&] { Make(); }), std::pair(std::string(step.pszText), nStatus));
       EXPECT_THAT(m_toolbox.Log().back(), ::testing::StartsWith(step.pszCall));
       for (const char* pszTearDown : {"AUGraphClose", "DisposeAUGraph", "AUGraphUninitialize",
-                                      "AUGraphStop", "AudioFileClose"})
+                                      "AUGraphStop", "AudioFileClose"}) {
         EXPECT_EQ(m_toolbox.Count(pszTearDown), 0) << step.pszCall << " " << pszTearDown;
+      }
     }
   }
 }
@@ -160,8 +161,9 @@ TEST_F(FileGraph, ChannelLayoutOfNoBytes_IsLeftOut) {
 
 int CountKeptLayouts() {
   int nCount = 0;
-  for (const S_Kept* pKept = GetKeptForProcess(); pKept != nullptr; pKept = pKept->pNext)
+  for (const S_Kept* pKept = GetKeptForProcess(); pKept != nullptr; pKept = pKept->pNext) {
     if (std::string(pKept->pszReason) == "layout of a graph that failed") ++nCount;
+  }
   return nCount;
 }
 

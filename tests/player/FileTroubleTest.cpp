@@ -86,8 +86,9 @@ class FileTrouble : public C_FilesTest {
   // The one file with this end that the program has in the temporary directory.
   [[nodiscard]] std::string TempFile(const std::string& strSuffix) const {
     std::string strFound;
-    for (const std::string& strName : m_temp.NewFiles())
+    for (const std::string& strName : m_temp.NewFiles()) {
       if (strName.ends_with(strSuffix)) strFound = std::string(P_tmpdir) + "/" + strName;
+    }
     return strFound;
   }
 

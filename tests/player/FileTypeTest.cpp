@@ -36,8 +36,10 @@ class FileType : public ::testing::Test {
 };
 
 TEST_F(FileType, FiveKindsArePlayedAsTheyAre) {
-  for (const char* pszExt : {"mp3", "wma", "wav", "mid", "vea", "MP3", "WMA", "WAV", "MID", "VEA"})
+  for (const char* pszExt :
+       {"mp3", "wma", "wav", "mid", "vea", "MP3", "WMA", "WAV", "MID", "VEA"}) {
     EXPECT_EQ(Check(std::string("sound.") + pszExt), kPlayed) << pszExt;
+  }
 }
 
 TEST_F(FileType, TwentyOneKindsAreDecodedFirst) {
@@ -45,8 +47,9 @@ TEST_F(FileType, TwentyOneKindsAreDecodedFirst) {
                                                "rbn", "crn", "ibs", "egr", "dnl", "nv4", "nv5",
                                                "mv4", "mv5", "nvp", "nva", "adp", "pcm", "ref"};
   ASSERT_EQ(extensions.size(), 21U);
-  for (const char* pszExt : extensions)
+  for (const char* pszExt : extensions) {
     EXPECT_EQ(Check(std::string("sound.") + pszExt), kDecoded) << pszExt;
+  }
 }
 
 TEST_F(FileType, CaseDoesNotMatter) {
@@ -62,8 +65,9 @@ TEST_F(FileType, CaseDoesNotMatter) {
 TEST_F(FileType, OtherExtensionsAreRefusedAndTheByteStays) {
   for (const char* pszName :
        {"x.vef", "x.raw", "x.wave", "x.aiff", "x.ogg", "x.flac", "x.opus", "x.txt", "x.kst2",
-        "x.kst ", "x. kst", "x.k", "x.ks", "x.wa", "x.wavx", "x.mp33", "x.mp4", "x.hrn\n"})
+        "x.kst ", "x. kst", "x.k", "x.ks", "x.wa", "x.wavx", "x.mp33", "x.mp4", "x.hrn\n"}) {
     EXPECT_EQ(Check(pszName), kRefused) << pszName;
+  }
 }
 
 TEST_F(FileType, NoExtensionIsRefused) {

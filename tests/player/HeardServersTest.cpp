@@ -63,8 +63,9 @@ TEST_F(HeardServers, AServerThatIsKilledAndComesBack_IsHeardByTheNextPlayer) {
 Pcm SamplesOf(const C_Bytes& pcm) {
   const C_Bytes sound = WithoutSilentEnds(pcm, 2);
   Pcm samples;
-  for (std::size_t i = 0; i + 1 < sound.size(); i += 2)
+  for (std::size_t i = 0; i + 1 < sound.size(); i += 2) {
     samples.push_back(static_cast<std::int16_t>(sound[i] | sound[i + 1] << 8));
+  }
   return samples;
 }
 

@@ -43,8 +43,9 @@ inline C_Bytes AsHeardInNormalMode(const C_Bytes& pcm, double dRate) {
   std::vector<float> output(
       static_cast<std::size_t>(static_cast<double>(input.size()) * kPlaybackRate / dRate) + 16);
   std::size_t nDone = 0;
-  EXPECT_EQ(nullptr, soxr_oneshot(dRate, kPlaybackRate, 1, input.data(), input.size(), nullptr,
-                                  output.data(), output.size(), &nDone, &io, &quality, nullptr));
+  EXPECT_EQ(soxr_oneshot(dRate, kPlaybackRate, 1, input.data(), input.size(), nullptr,
+                         output.data(), output.size(), &nDone, &io, &quality, nullptr),
+            nullptr);
   output.resize(nDone);
   return OnBothSides(output);
 }

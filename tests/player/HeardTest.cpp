@@ -50,10 +50,11 @@ TEST_F(Heard, AServerThatFreezesWhilePlaying_LetsBothModesFinish) {
   C_SoundServer server(16000, "s16le", 1);
   ASSERT_TRUE(server.Start());
   std::vector<std::future<S_Run>> runs;
-  for (const char* pszMode : {"0", "1"})
+  for (const char* pszMode : {"0", "1"}) {
     runs.push_back(std::async(std::launch::async, [&, pszMode] {
       return m_player.Run({strFile, pszMode}, {server.Environment()});
     }));
+  }
   std::this_thread::sleep_for(std::chrono::milliseconds(1500));
   server.Freeze();
   for (auto& running : runs) {

@@ -88,16 +88,18 @@ TEST_F(Interrupt, WithAFrozenServerOrNone_EndsBothModesAtOnce) {
   C_RunningProgram realTimePlaying = StartJob(strFile, "1", {server.Environment()});
   C_RunningProgram silent = StartJob(strFile, "0", {});
   C_RunningProgram realTimeSilent = StartJob(strFile, "1", {});
-  for (C_RunningProgram* pJob : {&playing, &realTimePlaying, &silent, &realTimeSilent})
+  for (C_RunningProgram* pJob : {&playing, &realTimePlaying, &silent, &realTimeSilent}) {
     EXPECT_TRUE(pJob->WaitForOutput("Playing..."));
+  }
   std::this_thread::sleep_for(700ms);
   server.Freeze();
   C_RunningProgram opening = StartJob(strFile, "0", {server.Environment()});
   C_RunningProgram realTimeOpening = StartJob(strFile, "1", {server.Environment()});
   std::this_thread::sleep_for(300ms);
   for (C_RunningProgram* pJob :
-       {&playing, &realTimePlaying, &silent, &realTimeSilent, &opening, &realTimeOpening})
+       {&playing, &realTimePlaying, &silent, &realTimeSilent, &opening, &realTimeOpening}) {
     ExpectEnd(*pJob);
+  }
 }
 
 // Half an hour of speech, which nobody decodes in no time.
@@ -105,8 +107,9 @@ C_Bytes LongSpeech() {
   const C_Bytes second = SpeechOf(50).stream;
   constexpr std::size_t cbHead = 6;
   C_Bytes frames;
-  for (int i = 0; i < 30 * 60; ++i)
+  for (int i = 0; i < 30 * 60; ++i) {
     frames.insert(frames.end(), second.begin() + cbHead, second.end());
+  }
   C_Bytes stream = U32(static_cast<std::uint32_t>(frames.size() + 2));
   stream.insert(stream.end(), second.begin() + 4, second.begin() + cbHead);
   stream.insert(stream.end(), frames.begin(), frames.end());
@@ -123,8 +126,9 @@ TEST_F(Interrupt, WhileDecoding_LeavesTheFileAsItWas) {
   EXPECT_EQ(m_folder.Read("x.kst"), file);
   // The sound and the WAV file that it would have gone to, which nobody comes back for.
   std::uintmax_t cbWav = 1;
-  for (const std::string& strName : m_temp.NewFiles())
+  for (const std::string& strName : m_temp.NewFiles()) {
     if (strName.ends_with(".wav")) cbWav = std::filesystem::file_size("/tmp/" + strName);
+  }
   EXPECT_EQ(cbWav, 0U) << "it was decoding";
   EXPECT_EQ(m_temp.NewFiles().size(), 2U);
 }

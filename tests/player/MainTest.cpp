@@ -74,13 +74,15 @@ TEST_F(Main, Length_IsPrintedWhateverItIsAndExitsWithZero) {
 }
 
 TEST_F(Main, PlayTypesThatReadAsTwo_AskForTheLength) {
-  for (const char* pszType : {"2", "2abc", " 2", "+2", "02", "2.9", "\t2", "002x", "\n 2"})
+  for (const char* pszType : {"2", "2abc", " 2", "+2", "02", "2.9", "\t2", "002x", "\n 2"}) {
     EXPECT_EQ(Run({"7", pszType}).strOut, "Length:7\nreleased\n") << pszType;
+  }
 }
 
 TEST_F(Main, PlayTypesThatReadAsZero_AreNormalMode) {
-  for (const char* pszType : {"0", "abc", "", "0x2", "-0", "x2", " ", "00", "+", "--2"})
+  for (const char* pszType : {"0", "abc", "", "0x2", "-0", "x2", " ", "00", "+", "--2"}) {
     EXPECT_EQ(Run({"0", pszType}).strOut, "play 0\nreleased\n") << pszType;
+  }
 }
 
 TEST_F(Main, OtherPlayTypes_AreRealTimeModeAndPassedOnWhole) {
@@ -97,9 +99,10 @@ TEST_F(Main, OtherPlayTypes_AreRealTimeModeAndPassedOnWhole) {
       {"4294967296", "4294967296"},
       {"18446744073709551618", "18446744073709551615"},
       {"99999999999999999999", "18446744073709551615"}};
-  for (const auto& [pszType, pszFlag] : types)
+  for (const auto& [pszType, pszFlag] : types) {
     EXPECT_EQ(Run({"0", pszType}).strOut, "play " + std::string(pszFlag) + "\nreleased\n")
         << pszType;
+  }
 }
 
 TEST_F(Main, ExceptionOutOfAMode_ReleasesTheHolderAndPassesOn) {

@@ -27,8 +27,9 @@ constexpr std::size_t kStreamHead = 6;  // length and bit rate
 C_Bytes RepeatedSpeech(const S_Speech& speech, std::uint32_t dwFrames) {
   const C_Bytes frames(speech.stream.begin() + kStreamHead, speech.stream.end());
   C_Bytes stream = Join({U32(2 + dwFrames * kFrameBytes), U16(16000)});
-  while (stream.size() < kStreamHead + dwFrames * kFrameBytes)
+  while (stream.size() < kStreamHead + dwFrames * kFrameBytes) {
     stream.insert(stream.end(), frames.begin(), frames.end());
+  }
   stream.resize(kStreamHead + dwFrames * kFrameBytes);
   return C_SpBytes().Stream(stream).Take();
 }

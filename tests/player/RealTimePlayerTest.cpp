@@ -54,11 +54,13 @@ class RealTimePlayer : public ::testing::Test {
   // The head start is as long as the decoder takes (ten seconds at most), as it is at full length.
   void WaitForTheDecoderInTheHeadStart() {
     m_toolbox.onPause = [this] {
-      if (m_toolbox.Log().back() != "usleep(500000)" || m_toolbox.Find("AudioOutputUnit") >= 0)
+      if (m_toolbox.Log().back() != "usleep(500000)" || m_toolbox.Find("AudioOutputUnit") >= 0) {
         return;
+      }
       const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-      while (m_decoder.byFinished.load() == 0 && std::chrono::steady_clock::now() < end)
+      while (m_decoder.byFinished.load() == 0 && std::chrono::steady_clock::now() < end) {
         std::this_thread::yield();
+      }
       EXPECT_EQ(m_decoder.byFinished.load(), 1) << "the decoder works during the head start";
     };
   }
@@ -96,8 +98,9 @@ TEST_F(RealTimePlayer, Run_CallsTheToolboxInThisOrder) {
   Lines expected = kSetUp;
   for (const char* pszCall :
        {"usleep(500000)", "AudioOutputUnitStart(outputUnit)", "usleep(10000)", "usleep(500000)",
-        "AudioOutputUnitStop(outputUnit)", "AudioUnitUninitialize(outputUnit)"})
+        "AudioOutputUnitStop(outputUnit)", "AudioUnitUninitialize(outputUnit)"}) {
     expected.emplace_back(pszCall);
+  }
   EXPECT_EQ(m_toolbox.Log(), expected);
 }
 
@@ -170,8 +173,9 @@ TEST_F(RealTimePlayer, DecodingGoesOnAfterTheHeadStart) {
   EXPECT_EQ(Play("speech.kst"), 0);
   const std::vector<UInt8> played = m_toolbox.Pulled();
   std::string strPlayed;
-  for (const UInt8 by : played)
+  for (const UInt8 by : played) {
     if (by != 0) strPlayed += static_cast<char>(by);
+  }
   EXPECT_EQ(strPlayed, "earlylate!");
 }
 
@@ -288,8 +292,9 @@ TEST_F(RealTimePlayer, FailuresOfTheRunningOutput_AreIgnored) {
 TEST_F(RealTimePlayer, RealTimeMode_KeepsProbeUnitThreadAndDecodedFile) {
   const auto Count = [](const std::string& strStart) {
     int nCount = 0;
-    for (const S_Kept* pKept = GetKeptForProcess(); pKept != nullptr; pKept = pKept->pNext)
+    for (const S_Kept* pKept = GetKeptForProcess(); pKept != nullptr; pKept = pKept->pNext) {
       if (std::string(pKept->pszReason).starts_with(strStart)) ++nCount;
+    }
     return nCount;
   };
   const Lines reasons = {"probe of real-time mode", "output unit of real-time mode",
@@ -297,8 +302,9 @@ TEST_F(RealTimePlayer, RealTimeMode_KeepsProbeUnitThreadAndDecodedFile) {
   std::vector<int> before;
   for (const std::string& strReason : reasons) before.push_back(Count(strReason));
   Play("speech.kst");
-  for (std::size_t i = 0; i < reasons.size(); ++i)
+  for (std::size_t i = 0; i < reasons.size(); ++i) {
     EXPECT_EQ(Count(reasons[i]), before[i] + 1) << reasons[i];
+  }
   EXPECT_EQ(m_toolbox.Count("AudioComponentInstanceDispose"), 0);
   const Lines calls = LibraryCalls();
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "file::Release"), 0);

@@ -64,24 +64,29 @@ bool AllLeadToTheNullDevice(pid_t nProcess, const Descriptors& descriptors) {
 
 // At the latest when "Playing..." is printed: the decoded file of normal mode is open by then.
 TEST_F(StandardStreams, ThatAreClosed_AreNotReplacedByWhatThePlayerOpens) {
-  for (const char* pszMode : {"0", "1"})
+  for (const char* pszMode : {"0", "1"}) {
     for (const Descriptors& closed : {Descriptors{1}, Descriptors{0, 1}, Descriptors{0, 1, 2}}) {
       C_RunningProgram run = StartWithout(closed, pszMode);
       const auto limit = std::chrono::steady_clock::now() + 20s;
-      while (!AllLeadToTheNullDevice(run.Pid(), closed) && std::chrono::steady_clock::now() < limit)
+      while (!AllLeadToTheNullDevice(run.Pid(), closed) &&
+             std::chrono::steady_clock::now() < limit) {
         std::this_thread::sleep_for(1ms);
+      }
       EXPECT_TRUE(AllLeadToTheNullDevice(run.Pid(), closed)) << pszMode << " " << closed.size();
     }
+  }
 }
 
 TEST_F(StandardStreams, ThatAreClosed_ChangeNothingElse) {
   const std::vector<double> leastSeconds = {0.5, 1.5, 0.0};
   std::vector<std::future<S_Run>> runs;
-  for (const char* pszMode : {"0", "1", "2"})
-    for (const Descriptors& closed : {Descriptors{0}, Descriptors{1}, Descriptors{0, 1, 2}})
+  for (const char* pszMode : {"0", "1", "2"}) {
+    for (const Descriptors& closed : {Descriptors{0}, Descriptors{1}, Descriptors{0, 1, 2}}) {
       runs.push_back(std::async(std::launch::async, [this, closed, pszMode] {
         return StartWithout(closed, pszMode).Wait();
       }));
+    }
+  }
   for (std::size_t n = 0; n < runs.size(); ++n) {
     const S_Run run = runs[n].get();
     EXPECT_EQ(run.nExit, 0) << n;
@@ -116,7 +121,7 @@ TEST_F(StandardStreams, AReaderThatLeavesWhileItPlays_LetsItPlayToTheEnd) {
 
 TEST_F(StandardStreams, OutputThatNobodyReads_IsLeftAloneWhereBrokenPipesAreIgnored) {
   std::vector<std::future<S_Run>> runs;
-  for (const char* pszMode : {"0", "1"})
+  for (const char* pszMode : {"0", "1"}) {
     runs.push_back(std::async(std::launch::async, [this, pszMode] {
       return m_player
           .Start({m_strFile, pszMode}, {},
@@ -126,6 +131,7 @@ TEST_F(StandardStreams, OutputThatNobodyReads_IsLeftAloneWhereBrokenPipesAreIgno
                  })
           .Wait();
     }));
+  }
   for (auto& running : runs) {
     const S_Run run = running.get();
     EXPECT_EQ(run.nExit, 0);

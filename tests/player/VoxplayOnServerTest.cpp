@@ -62,18 +62,22 @@ int OnState(int nState, unsigned int dwUserData) {
 // Frames of two channels as the server's floats.
 C_Bytes AsFloats(const Samples& left, const Samples& right) {
   std::vector<float> frames;
-  for (std::size_t i = 0; i < left.size(); ++i)
-    for (const std::int16_t nSample : {left[i], right[i]})
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    for (const std::int16_t nSample : {left[i], right[i]}) {
       frames.push_back(static_cast<float>(nSample) / 32768.0F);
+    }
+  }
   return BytesOf(frames);
 }
 
 // The channel of a recording alone.
 C_Bytes Channel(const C_Bytes& sound, std::size_t nChannel) {
   C_Bytes channel;
-  for (std::size_t i = 0; i + 8 <= sound.size(); i += 8)
-    for (std::size_t nByte = 0; nByte < 4; ++nByte)
+  for (std::size_t i = 0; i + 8 <= sound.size(); i += 8) {
+    for (std::size_t nByte = 0; nByte < 4; ++nByte) {
       channel.push_back(sound[i + nChannel * 4 + nByte]);
+    }
+  }
   return channel;
 }
 

@@ -108,8 +108,9 @@ TEST_F(Voxplay, Slots_StandInTheirOrder) {
   EXPECT_FALSE((CallSlot<bool, PFN_VoxplayNotify, unsigned int>(m_pPlayer, 12, nullptr, 0U)));
   EXPECT_TRUE((CallSlot<bool, float*>(m_pPlayer, 13, &fProgress)));
   EXPECT_EQ(fProgress, 0.0F);
-  for (std::size_t i = 0; i < 4; ++i)
+  for (std::size_t i = 0; i < 4; ++i) {
     EXPECT_TRUE((CallSlot<bool, int*>(m_pPlayer, 14 + i, &anValues[i])));
+  }
   EXPECT_THAT(anValues, ElementsAre(2, 2000, 0, 0));
   CallSlot<void>(m_pPlayer, 3);
   m_pPlayer = nullptr;

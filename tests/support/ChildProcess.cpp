@@ -25,9 +25,11 @@ constexpr auto kPoll = std::chrono::milliseconds(2);
 // The settings of the sanitizers pass through, nothing else does.
 std::vector<std::string> EnvironmentOf(const std::vector<std::string>& extra) {
   std::vector<std::string> all = {"PATH=/usr/bin:/bin", "HOME=/nonexistent", "LC_ALL=C"};
-  for (const char* pszName : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
-    if (const char* pszValue = std::getenv(pszName); pszValue != nullptr)
+  for (const char* pszName : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
+    if (const char* pszValue = std::getenv(pszName); pszValue != nullptr) {
       all.push_back(std::string(pszName) + "=" + pszValue);
+    }
+  }
   bool bServer = false;
   for (const std::string& strSetting : extra) bServer |= strSetting.starts_with("PULSE_SERVER=");
   if (!bServer) all.emplace_back("PULSE_SERVER=unix:/nonexistent/native");
@@ -48,8 +50,9 @@ C_RunningProgram::C_RunningProgram(pid_t nChild, int nOut, int nErr, Clock::time
     : m_nChild(nChild), m_ends{nOut, nErr}, m_start(start) {}
 
 C_RunningProgram::~C_RunningProgram() {
-  for (const int nEnd : m_ends)
+  for (const int nEnd : m_ends) {
     if (nEnd >= 0) close(nEnd);
+  }
   if (m_nChild <= 0) return;
   Send(SIGKILL);
   waitpid(m_nChild, nullptr, 0);

@@ -40,8 +40,9 @@ inline std::vector<std::uint8_t> ExamplePcm(const S_SoundFormat& format, std::si
   for (std::size_t i = 0; i < nFrames * format.wChannels; ++i) {
     auto nValue = static_cast<std::int64_t>(ExampleValue(i / format.wChannels) * (dScale - 1.0));
     if (format.wBits <= 8) nValue += static_cast<std::int64_t>(dScale);
-    for (int nShift = 0; nShift < format.wStoreBits; nShift += 8)
+    for (int nShift = 0; nShift < format.wStoreBits; nShift += 8) {
       pcm.push_back(static_cast<std::uint8_t>(nValue >> nShift));
+    }
   }
   return pcm;
 }

@@ -40,8 +40,9 @@ __attribute__((format(printf, 1, 2))) std::string Text(const char* pszFormat, ..
 
 std::string Code(OSType dwCode) {
   std::string strCode;
-  for (int nShift = 24; nShift >= 0; nShift -= 8)
+  for (int nShift = 24; nShift >= 0; nShift -= 8) {
     strCode += static_cast<char>((dwCode >> nShift) & 0xFF);
+  }
   return strCode;
 }
 
@@ -51,8 +52,9 @@ std::string Name(const void* pThing) {
   if (pThing == &g_fileUnit) return "fileUnit";
   if (pThing == &g_outputNodeUnit) return "outputNodeUnit";
   if (pThing == &g_outputUnit) return "outputUnit";
-  for (std::size_t i = 0; i < g_graphs.size(); ++i)
+  for (std::size_t i = 0; i < g_graphs.size(); ++i) {
     if (pThing == &g_graphs.at(i)) return "graph" + std::to_string(i + 1);
+  }
   return "unknown";
 }
 
@@ -152,8 +154,9 @@ std::vector<std::string> C_FakeToolbox::Log() {
 
 int C_FakeToolbox::Find(const std::string& strStart) {
   const auto log = Log();
-  for (std::size_t i = 0; i < log.size(); ++i)
+  for (std::size_t i = 0; i < log.size(); ++i) {
     if (log[i].starts_with(strStart)) return static_cast<int>(i);
+  }
   return -1;
 }
 
@@ -292,12 +295,13 @@ OSStatus AudioFileGetProperty(AudioFileID audioFile, AudioFilePropertyID dwPrope
       Fake().Call("AudioFileGetProperty",
                   Name(audioFile) + ", '" + Code(dwPropertyID) + Text("', %u", *pdwDataSize));
   if (nStatus != noErr) return nStatus;
-  if (dwPropertyID == kAudioFilePropertyDataFormat)
+  if (dwPropertyID == kAudioFilePropertyDataFormat) {
     std::memcpy(pPropertyData, &Fake().fileFormat, sizeof Fake().fileFormat);
-  else if (dwPropertyID == kAudioFilePropertyAudioDataPacketCount)
+  } else if (dwPropertyID == kAudioFilePropertyAudioDataPacketCount) {
     std::memcpy(pPropertyData, &Fake().qwPacketCount, sizeof Fake().qwPacketCount);
-  else
+  } else {
     std::memset(pPropertyData, 0x5A, *pdwDataSize);
+  }
   return noErr;
 }
 
@@ -363,8 +367,9 @@ OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID dwID, AudioUni
       Fake().Call("AudioUnitSetProperty",
                   Name(unit) + Text(", %u, scope %u, element %u, ", dwID, dwScope, dwElement) +
                       DescribeValue(dwID, pData, dwDataSize));
-  if (nStatus == noErr && dwID == kAudioUnitProperty_SetRenderCallback)
+  if (nStatus == noErr && dwID == kAudioUnitProperty_SetRenderCallback) {
     Fake().renderCallback = As<AURenderCallbackStruct>(pData);
+  }
   return nStatus;
 }
 
@@ -374,10 +379,11 @@ OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID dwID, AudioUni
       "AudioUnitGetProperty",
       Name(unit) + Text(", %u, scope %u, element %u, %u", dwID, dwScope, dwElement, *pdwDataSize));
   if (nStatus != noErr) return nStatus;
-  if (dwID == kAudioUnitProperty_ScheduleStartTimeStamp)
+  if (dwID == kAudioUnitProperty_ScheduleStartTimeStamp) {
     std::memcpy(pData, &Fake().startStamp, sizeof Fake().startStamp);
-  else
+  } else {
     std::memset(pData, 0, *pdwDataSize);
+  }
   return noErr;
 }
 
@@ -395,8 +401,9 @@ OSStatus AudioOutputUnitStop(AudioUnit unit) {
 
 OSStatus NewAUGraph(AUGraph* pGraph) {
   const OSStatus nStatus = Fake().Call("NewAUGraph", "");
-  if (nStatus == noErr)
+  if (nStatus == noErr) {
     *pGraph = Handle<AUGraph>(&g_graphs.at(static_cast<std::size_t>(Fake().NewGraph())));
+  }
   return nStatus;
 }
 

@@ -14,13 +14,13 @@ class C_FileSizeLimit {
   explicit C_FileSizeLimit(std::size_t cbLimit)
       // Without this the kernel ends the process instead of failing the write.
       : m_pfnBefore(std::signal(SIGXFSZ, SIG_IGN)) {
-    EXPECT_EQ(0, getrlimit(RLIMIT_FSIZE, &m_before));
+    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &m_before), 0);
     rlimit limit = m_before;
     limit.rlim_cur = cbLimit;
-    EXPECT_EQ(0, setrlimit(RLIMIT_FSIZE, &limit));
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
   }
   ~C_FileSizeLimit() {
-    EXPECT_EQ(0, setrlimit(RLIMIT_FSIZE, &m_before));
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &m_before), 0);
     std::signal(SIGXFSZ, m_pfnBefore);
   }
   C_FileSizeLimit(const C_FileSizeLimit&) = delete;

@@ -32,8 +32,9 @@ class C_FolderTest : public testing::Test {
   // The names in the folder, in order.
   [[nodiscard]] std::vector<std::string> Entries() const {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path()))
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {
       names.push_back(entry.path().filename().string());
+    }
     std::sort(names.begin(), names.end());
     return names;
   }
@@ -41,8 +42,10 @@ class C_FolderTest : public testing::Test {
  private:
   static std::size_t OpenDescriptors() {
     std::size_t dwCount = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator("/proc/self/fd")) {
       ++dwCount;
+    }
     return dwCount;
   }
 

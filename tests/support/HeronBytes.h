@@ -53,8 +53,8 @@ inline std::optional<Bytes> Encoded(I_WavData& sound, unsigned int dwTypeCode,
   unsigned int dwLength = 0;
   if (!codec.Encode(&sound, dwTypeCode, sound.GetAudioCodecParam(), pfnProgress, &pbyStream,
                     &dwLength)) {
-    EXPECT_EQ(nullptr, pbyStream);
-    EXPECT_EQ(0u, dwLength);
+    EXPECT_EQ(pbyStream, nullptr);
+    EXPECT_EQ(dwLength, 0u);
     return std::nullopt;
   }
   const std::unique_ptr<unsigned char[]> owner(pbyStream);
@@ -66,8 +66,9 @@ inline std::optional<std::vector<short>> Decoded(const Bytes& stream, unsigned i
   const C_SoundPtr sound(new C_WavData);
   sound->SetWavInfoData(dwSampleRate, 0, 1, 16, 16, true);
   C_HeronCodec codec;
-  if (!codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), sound.get()))
+  if (!codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), sound.get())) {
     return std::nullopt;
+  }
   return SamplesOf(sound.get());
 }
 

@@ -19,8 +19,8 @@ inline bool InChildAs(uid_t nUser, const std::function<bool()>& bStep) {
     _exit(bStep() ? 1 : 0);
   }
   int nStatus = 0;
-  EXPECT_EQ(nChild, waitpid(nChild, &nStatus, 0));
+  EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
   EXPECT_TRUE(WIFEXITED(nStatus)) << "the child was ended by signal " << WTERMSIG(nStatus);
-  EXPECT_NE(kCannotBecome, WEXITSTATUS(nStatus)) << "these tests run as root";
+  EXPECT_NE(WEXITSTATUS(nStatus), kCannotBecome) << "these tests run as root";
   return WEXITSTATUS(nStatus) == 1;
 }

@@ -17,12 +17,12 @@ class C_OfflinePlayer {
     const AudioComponentDescription description = {kAudioUnitType_Generator,
                                                    kAudioUnitSubType_AudioFilePlayer,
                                                    kAudioUnitManufacturer_Apple, 0, 0};
-    EXPECT_EQ(noErr,
-              AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit));
+    EXPECT_EQ(AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit),
+              noErr);
   }
   ~C_OfflinePlayer() {
-    EXPECT_EQ(noErr, AudioComponentInstanceDispose(m_unit));
-    EXPECT_EQ(noErr, AudioFileClose(m_audioFile));
+    EXPECT_EQ(AudioComponentInstanceDispose(m_unit), noErr);
+    EXPECT_EQ(AudioFileClose(m_audioFile), noErr);
   }
   C_OfflinePlayer(const C_OfflinePlayer&) = delete;
   C_OfflinePlayer& operator=(const C_OfflinePlayer&) = delete;
@@ -36,8 +36,8 @@ class C_OfflinePlayer {
   }
   void UseFile(const std::string& strPath) {
     m_audioFile = OpenSoundFile(strPath);
-    ASSERT_NE(nullptr, m_audioFile);
-    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduledFileIDs, m_audioFile));
+    ASSERT_NE(m_audioFile, nullptr);
+    EXPECT_EQ(Set(kAudioUnitProperty_ScheduledFileIDs, m_audioFile), noErr);
   }
   [[nodiscard]] ScheduledAudioFileRegion Region(UInt32 dwFrames) const {
     ScheduledAudioFileRegion region{};
@@ -53,21 +53,22 @@ class C_OfflinePlayer {
     AudioTimeStamp start{};
     start.mFlags = kAudioTimeStampSampleTimeValid;
     start.mSampleTime = dSampleTime;
-    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduleStartTimeStamp, start));
+    EXPECT_EQ(Set(kAudioUnitProperty_ScheduleStartTimeStamp, start), noErr);
   }
   [[nodiscard]] AudioTimeStamp StartTime() const {
     AudioTimeStamp start{};
     UInt32 cbStart = sizeof start;
-    EXPECT_EQ(noErr, AudioUnitGetProperty(m_unit, kAudioUnitProperty_ScheduleStartTimeStamp,
-                                          kAudioUnitScope_Global, 0, &start, &cbStart));
-    EXPECT_EQ(64U, cbStart);
+    EXPECT_EQ(AudioUnitGetProperty(m_unit, kAudioUnitProperty_ScheduleStartTimeStamp,
+                                   kAudioUnitScope_Global, 0, &start, &cbStart),
+              noErr);
+    EXPECT_EQ(cbStart, 64U);
     return start;
   }
   void Play(UInt32 dwFrames) {
-    EXPECT_EQ(noErr, SetRegion(Region(dwFrames)));
-    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}));
+    EXPECT_EQ(SetRegion(Region(dwFrames)), noErr);
+    EXPECT_EQ(Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}), noErr);
     StartAt(-1.0);
-    EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
+    EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
   }
   // Renders one cycle; planes are filled with a value that must not stay.
   OSStatus Cycle(UInt32 dwFrames) {
@@ -91,7 +92,7 @@ class C_OfflinePlayer {
   std::array<std::vector<float>, 2> Render(std::size_t nFrames, UInt32 dwCycle = 512) {
     std::array<std::vector<float>, 2> sides;
     while (sides[0].size() < nFrames) {
-      EXPECT_EQ(noErr, Cycle(dwCycle));
+      EXPECT_EQ(Cycle(dwCycle), noErr);
       for (std::size_t i = 0; i < 2; ++i) {
         sides.at(i).insert(sides.at(i).end(), m_planes.at(i).begin(),
                            m_planes.at(i).begin() + dwCycle);
@@ -103,10 +104,11 @@ class C_OfflinePlayer {
   void UseOneChannel() {
     AudioStreamBasicDescription format{};
     UInt32 cbFormat = sizeof format;
-    EXPECT_EQ(noErr, AudioUnitGetProperty(m_unit, kAudioUnitProperty_StreamFormat,
-                                          kAudioUnitScope_Output, 0, &format, &cbFormat));
+    EXPECT_EQ(AudioUnitGetProperty(m_unit, kAudioUnitProperty_StreamFormat, kAudioUnitScope_Output,
+                                   0, &format, &cbFormat),
+              noErr);
     format.mChannelsPerFrame = 1;
-    EXPECT_EQ(noErr, Set(kAudioUnitProperty_StreamFormat, format, kAudioUnitScope_Output));
+    EXPECT_EQ(Set(kAudioUnitProperty_StreamFormat, format, kAudioUnitScope_Output), noErr);
     m_nPlanes = 1;
   }
   void UsePlanes(UInt32 dwPlanes) { m_nPlanes = dwPlanes; }

@@ -17,8 +17,9 @@
 // Runs a command line with every "@" replaced by the folder; it is expected to succeed. Its
 // standard output.
 inline std::vector<std::uint8_t> RunIn(const C_TempFolder& folder, std::string strCommand) {
-  for (std::size_t n = 0; (n = strCommand.find('@', n)) != std::string::npos;)
+  for (std::size_t n = 0; (n = strCommand.find('@', n)) != std::string::npos;) {
     strCommand.replace(n, 1, folder.Path());
+  }
   strCommand += " > " + folder.Path("stdout") + " 2> " + folder.Path("stderr") + " < /dev/null";
   EXPECT_EQ(std::system(strCommand.c_str()), 0)  // NOLINT(cert-env33-c)
       << strCommand << "\n"

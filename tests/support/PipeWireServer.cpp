@@ -12,8 +12,9 @@ const char* const kLibraries =
 
 std::string Modules(const std::vector<std::string>& names) {
   std::string strModules = "context.modules = [";
-  for (const std::string& strName : names)
+  for (const std::string& strName : names) {
     strModules += " { name = libpipewire-module-" + strName + " }";
+  }
   return strModules + " ]\n";
 }
 

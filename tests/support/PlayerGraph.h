@@ -20,26 +20,26 @@ class C_PlayerGraph {
     const AudioComponentDescription player = {kAudioUnitType_Generator,
                                               kAudioUnitSubType_AudioFilePlayer,
                                               kAudioUnitManufacturer_Apple, 0, 0};
-    EXPECT_EQ(noErr, NewAUGraph(&m_graph));
-    EXPECT_EQ(noErr, AUGraphAddNode(m_graph, &output, &m_outputNode));
-    EXPECT_EQ(noErr, AUGraphAddNode(m_graph, &player, &m_playerNode));
-    EXPECT_EQ(noErr, AUGraphOpen(m_graph));
+    EXPECT_EQ(NewAUGraph(&m_graph), noErr);
+    EXPECT_EQ(AUGraphAddNode(m_graph, &output, &m_outputNode), noErr);
+    EXPECT_EQ(AUGraphAddNode(m_graph, &player, &m_playerNode), noErr);
+    EXPECT_EQ(AUGraphOpen(m_graph), noErr);
     AudioUnit unit = nullptr;
-    EXPECT_EQ(noErr, AUGraphNodeInfo(m_graph, m_playerNode, nullptr, &unit));
+    EXPECT_EQ(AUGraphNodeInfo(m_graph, m_playerNode, nullptr, &unit), noErr);
     m_player = CAAudioUnit(m_playerNode, unit);
-    EXPECT_EQ(noErr, m_player.SetNumberChannels(kAudioUnitScope_Output, 0, 2));
-    EXPECT_EQ(noErr, m_player.SetSampleRate(kAudioUnitScope_Output, 0, 44100.0));
-    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduledFileIDs, m_audioFile));
-    EXPECT_EQ(noErr, AUGraphConnectNodeInput(m_graph, m_playerNode, 0, m_outputNode, 0));
-    EXPECT_EQ(noErr, AUGraphInitialize(m_graph));
-    EXPECT_EQ(noErr, AUGraphAddRenderNotify(m_graph, &OnRender, this));
+    EXPECT_EQ(m_player.SetNumberChannels(kAudioUnitScope_Output, 0, 2), noErr);
+    EXPECT_EQ(m_player.SetSampleRate(kAudioUnitScope_Output, 0, 44100.0), noErr);
+    EXPECT_EQ(SetGlobal(kAudioUnitProperty_ScheduledFileIDs, m_audioFile), noErr);
+    EXPECT_EQ(AUGraphConnectNodeInput(m_graph, m_playerNode, 0, m_outputNode, 0), noErr);
+    EXPECT_EQ(AUGraphInitialize(m_graph), noErr);
+    EXPECT_EQ(AUGraphAddRenderNotify(m_graph, &OnRender, this), noErr);
   }
   ~C_PlayerGraph() {
-    EXPECT_EQ(noErr, AUGraphStop(m_graph));
-    EXPECT_EQ(noErr, AUGraphUninitialize(m_graph));
-    EXPECT_EQ(noErr, AudioFileClose(m_audioFile));
-    EXPECT_EQ(noErr, AUGraphClose(m_graph));
-    EXPECT_EQ(noErr, DisposeAUGraph(m_graph));
+    EXPECT_EQ(AUGraphStop(m_graph), noErr);
+    EXPECT_EQ(AUGraphUninitialize(m_graph), noErr);
+    EXPECT_EQ(AudioFileClose(m_audioFile), noErr);
+    EXPECT_EQ(AUGraphClose(m_graph), noErr);
+    EXPECT_EQ(DisposeAUGraph(m_graph), noErr);
   }
   C_PlayerGraph(const C_PlayerGraph&) = delete;
   C_PlayerGraph& operator=(const C_PlayerGraph&) = delete;
@@ -57,17 +57,17 @@ class C_PlayerGraph {
     region.mTimeStamp.mFlags = kAudioTimeStampSampleTimeValid;
     region.mAudioFile = m_audioFile;
     region.mFramesToPlay = dwFrames;
-    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduledFileRegion, region));
-    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}));
+    EXPECT_EQ(SetGlobal(kAudioUnitProperty_ScheduledFileRegion, region), noErr);
+    EXPECT_EQ(SetGlobal(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}), noErr);
     AudioTimeStamp start{};
     start.mFlags = kAudioTimeStampSampleTimeValid;
     start.mSampleTime = -1.0;
-    EXPECT_EQ(noErr, SetGlobal(kAudioUnitProperty_ScheduleStartTimeStamp, start));
+    EXPECT_EQ(SetGlobal(kAudioUnitProperty_ScheduleStartTimeStamp, start), noErr);
   }
   // Sample time of the latest finished cycle.
   [[nodiscard]] double Position() const { return m_dPosition; }
-  void Start() const { EXPECT_EQ(noErr, AUGraphStart(m_graph)); }
-  void Stop() const { EXPECT_EQ(noErr, AUGraphStop(m_graph)); }
+  void Start() const { EXPECT_EQ(AUGraphStart(m_graph), noErr); }
+  void Stop() const { EXPECT_EQ(AUGraphStop(m_graph), noErr); }
   // Waits for the position, as long as that can reasonably take. False when it was not reached.
   [[nodiscard]] bool WaitFor(double dPosition) const {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);

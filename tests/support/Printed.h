@@ -6,7 +6,7 @@
 #include <string>
 
 // What a function prints to the stream that it is given:
-//   EXPECT_EQ("\tNULL layout\n", Printed([](std::FILE* p) { PrintChannelLayout(nullptr, p); }));
+//   EXPECT_EQ(Printed([](std::FILE* p) { PrintChannelLayout(nullptr, p); }), "\tNULL layout\n");
 template <typename F>
 std::string Printed(const F& print) {
   char* pszText = nullptr;

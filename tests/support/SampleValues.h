@@ -39,8 +39,9 @@ inline std::vector<unsigned char> PcmBytes(const C_Values& values, const S_Forma
   for (const int nValue : values) {
     const unsigned int dwCode = (static_cast<unsigned int>(nValue) + dwOffset) &
                                 (format.wBits == 32 ? ~0U : (1U << format.wBits) - 1U);
-    for (unsigned int i = 0; i < format.wStoreBits / 8U; ++i)
+    for (unsigned int i = 0; i < format.wStoreBits / 8U; ++i) {
       pcm.push_back(static_cast<unsigned char>(dwCode >> (8U * i)));
+    }
   }
   return pcm;
 }

@@ -21,8 +21,8 @@ inline void WriteSoundFile(const std::string& strPath, int nFormat, int nRate, i
   SNDFILE* pSound = sf_open(strPath.c_str(), SFM_WRITE, &info);
   ASSERT_NE(pSound, nullptr) << sf_strerror(nullptr);
   const auto nCount = static_cast<sf_count_t>(samples.size());
-  EXPECT_EQ(nCount, sf_write_short(pSound, samples.data(), nCount));
-  EXPECT_EQ(0, sf_close(pSound));
+  EXPECT_EQ(sf_write_short(pSound, samples.data(), nCount), nCount);
+  EXPECT_EQ(sf_close(pSound), 0);
 }
 
 // Opens a file as the player does. Null on failure.
@@ -40,24 +40,25 @@ inline AudioFileID OpenSoundFile(const std::string& strPath, OSStatus* pnStatus 
 inline UInt64 PacketCount(AudioFileID audioFile) {
   UInt64 qwPackets = ~UInt64{0};
   UInt32 cbPackets = sizeof qwPackets;
-  EXPECT_EQ(noErr, AudioFileGetProperty(audioFile, kAudioFilePropertyAudioDataPacketCount,
-                                        &cbPackets, &qwPackets));
+  EXPECT_EQ(AudioFileGetProperty(audioFile, kAudioFilePropertyAudioDataPacketCount, &cbPackets,
+                                 &qwPackets),
+            noErr);
   return qwPackets;
 }
 
 inline AudioStreamBasicDescription FormatOf(AudioFileID audioFile) {
   AudioStreamBasicDescription format{};
   UInt32 cbFormat = sizeof format;
-  EXPECT_EQ(noErr,
-            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format));
-  EXPECT_EQ(40U, cbFormat);
+  EXPECT_EQ(AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format),
+            noErr);
+  EXPECT_EQ(cbFormat, 40U);
   return format;
 }
 
 inline OSStatus StatusOfOpening(const std::string& strPath) {
   OSStatus nStatus = noErr;
   const AudioFileID audioFile = OpenSoundFile(strPath, &nStatus);
-  EXPECT_EQ(nStatus == noErr, audioFile != nullptr);
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(audioFile != nullptr, nStatus == noErr);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
   return nStatus;
 }

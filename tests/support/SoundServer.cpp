@@ -209,8 +209,9 @@ void C_SoundServer::Freeze() const { SendAll(SIGSTOP); }
 void C_SoundServer::Thaw() const { SendAll(SIGCONT); }
 
 void C_SoundServer::SendAll(int nSignal) const {
-  for (const pid_t nProcess : m_processes)
+  for (const pid_t nProcess : m_processes) {
     if (nProcess > 0) kill(nProcess, nSignal);
+  }
 }
 
 std::vector<std::uint8_t> C_SoundServer::RecordWhile(const std::function<void()>& play) const {

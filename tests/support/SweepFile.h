@@ -29,14 +29,16 @@ class C_SweepFile {
 
   void Put(std::size_t nAt, std::span<const std::uint8_t> bytes) const {
     if (pwrite(m_nFile, bytes.data(), bytes.size(), static_cast<off_t>(nAt)) !=
-        static_cast<ssize_t>(bytes.size()))
+        static_cast<ssize_t>(bytes.size())) {
       std::abort();
+    }
   }
   // Little-endian, cbValue bytes.
   void PutNumber(std::size_t nAt, std::size_t cbValue, std::uint32_t dwValue) const {
     std::uint8_t bytes[4] = {};
-    for (std::size_t i = 0; i < cbValue; ++i)
+    for (std::size_t i = 0; i < cbValue; ++i) {
       bytes[i] = static_cast<std::uint8_t>(dwValue >> (8 * i));
+    }
     Put(nAt, {bytes, cbValue});
   }
   // The bytes from nAt on as they were at first.

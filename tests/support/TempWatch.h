@@ -89,17 +89,17 @@ inline S_TempUse RunWatched(const std::function<bool()>& bStep) {
 inline S_TempUse WatchTemp(const std::function<bool()>& bStep) {
   S_TempUse use;
   std::array<int, 2> pipeEnds{};
-  EXPECT_EQ(0, pipe(pipeEnds.data()));
+  EXPECT_EQ(pipe(pipeEnds.data()), 0);
   const pid_t nChild = fork();
   if (nChild == 0) {
     use = temp_watch::RunWatched(bStep);
     _exit(write(pipeEnds[1], &use, sizeof use) == sizeof use ? 0 : 1);
   }
   close(pipeEnds[1]);
-  EXPECT_EQ(static_cast<ssize_t>(sizeof use), read(pipeEnds[0], &use, sizeof use));
+  EXPECT_EQ(read(pipeEnds[0], &use, sizeof use), static_cast<ssize_t>(sizeof use));
   close(pipeEnds[0]);
   int nStatus = 0;
-  EXPECT_EQ(nChild, waitpid(nChild, &nStatus, 0));
-  EXPECT_EQ(0, nStatus);
+  EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
+  EXPECT_EQ(nStatus, 0);
   return use;
 }

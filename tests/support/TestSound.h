@@ -19,7 +19,8 @@ inline C_SoundPtr MonoSound(const std::vector<short>& samples, unsigned int dwSa
 // The PCM read as 16-bit samples, whatever the format says.
 inline std::vector<short> SamplesOf(I_WavData* pIWavData) {
   std::vector<short> samples(pIWavData->GetBufferLength() / sizeof(short));
-  if (!samples.empty())
+  if (!samples.empty()) {
     std::memcpy(samples.data(), pIWavData->GetBuffer(), samples.size() * sizeof(short));
+  }
   return samples;
 }

@@ -20,9 +20,10 @@ inline std::vector<short> TestVoice(std::size_t dwSamples) {
     const double dPitch = 140.0 + 30.0 * std::sin(2.9 * dTime) + 11.0 * std::sin(7.3 * dTime);
     dPhase += 2.0 * std::numbers::pi * dPitch / dRate;
     double dValue = 0.0;
-    for (int n = 1; n <= 16; ++n)
+    for (int n = 1; n <= 16; ++n) {
       dValue +=
           std::sin(n * dPhase) / (1.0 + 0.15 * n * n * (1.0 + 0.5 * std::sin(3.7 * dTime + n)));
+    }
     const double dSyllable = 0.55 + 0.45 * std::sin(2.0 * std::numbers::pi * 3.1 * dTime + 0.4);
     dwNoise = dwNoise * 1664525u + 1013904223u;
     const double dBreath = static_cast<double>(dwNoise >> 16) / 65536.0 - 0.5;

@@ -34,9 +34,7 @@ namespace toolbox {
 // A four-character code as the toolbox reads it: the first character is the most significant byte.
 constexpr UInt32 FourChars(const char (&szCode)[5]) noexcept {
   UInt32 dwCode = 0;
-  for (int i = 0; i < 4; ++i) {
-    dwCode = (dwCode << 8) | static_cast<unsigned char>(szCode[i]);
-  }
+  for (int i = 0; i < 4; ++i) dwCode = (dwCode << 8) | static_cast<unsigned char>(szCode[i]);
   return dwCode;
 }
 constexpr OSStatus FourCharStatus(const char (&szCode)[5]) noexcept {

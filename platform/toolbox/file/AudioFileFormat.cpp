@@ -112,8 +112,9 @@ bool IsKnownSound(const C_FileDescriptor& file) {
       FourChars("FORM"), FourChars(".snd"), FourChars("dns."), FourChars("caff"),
       FourChars("fLaC"), FourChars("OggS"), FourChars("NIST")};
   std::array<UInt8, 4> head{};
-  if (file.ReadAt(C_MpegSound::TagBytes(file), head.data(), head.size()) != head.size())
+  if (file.ReadAt(C_MpegSound::TagBytes(file), head.data(), head.size()) != head.size()) {
     return false;
+  }
   const UInt32 dwHead =
       UInt32{head[0]} << 24 | UInt32{head[1]} << 16 | UInt32{head[2]} << 8 | head[3];
   return std::find(kBeginnings.begin(), kBeginnings.end(), dwHead) != kBeginnings.end();

@@ -39,9 +39,7 @@ OSStatus FindProperty(const C_AudioFile& file, AudioFilePropertyID dwID, UInt64&
 
 void DescribePackets(AudioStreamPacketDescription* pDescriptions, UInt32 dwPackets,
                      UInt32 cbPacket) {
-  for (UInt32 i = 0; i < dwPackets; ++i) {
-    pDescriptions[i] = {SInt64{i} * cbPacket, 0, cbPacket};
-  }
+  for (UInt32 i = 0; i < dwPackets; ++i) pDescriptions[i] = {SInt64{i} * cbPacket, 0, cbPacket};
 }
 
 }  // namespace

@@ -33,8 +33,9 @@ OSStatus C_FileDescriptor::Open(const std::string& path) {
   m_fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (m_fd < 0) return StatusOfErrno(errno);
   struct stat info {};
-  if (::fstat(m_fd, &info) != 0 || !S_ISREG(info.st_mode))
+  if (::fstat(m_fd, &info) != 0 || !S_ISREG(info.st_mode)) {
     return kAudioFileUnsupportedFileTypeError;
+  }
   m_cbSize = static_cast<UInt64>(info.st_size);
   return noErr;
 }

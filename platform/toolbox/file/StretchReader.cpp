@@ -42,9 +42,7 @@ C_StretchReader::C_StretchReader(std::shared_ptr<C_AudioFile> pFile, SInt64 nSta
   if (pSoxr == nullptr) return;
   m_pConverter = std::make_unique<S_Converter>();
   m_pConverter->pSoxr.reset(pSoxr);
-  if (soxr_set_input_fn(pSoxr, &FeedConverter, this, kPieceFrames) != nullptr) {
-    m_pConverter.reset();
-  }
+  if (soxr_set_input_fn(pSoxr, &FeedConverter, this, kPieceFrames) != nullptr) m_pConverter.reset();
 }
 
 C_StretchReader::~C_StretchReader() = default;
@@ -52,9 +50,7 @@ C_StretchReader::~C_StretchReader() = default;
 bool C_StretchReader::IsUsable() const noexcept { return m_bSameRate || m_pConverter != nullptr; }
 
 std::size_t C_StretchReader::Read(std::size_t nFrames, float* pSamples) {
-  if (m_pConverter != nullptr) {
-    return soxr_output(m_pConverter->pSoxr.get(), pSamples, nFrames);
-  }
+  if (m_pConverter != nullptr) return soxr_output(m_pConverter->pSoxr.get(), pSamples, nFrames);
   std::size_t nDone = 0;
   while (nDone < nFrames) {
     const std::size_t nRead = ReadFromFile(nFrames - nDone, pSamples + nDone * m_dwChannels);

@@ -58,8 +58,9 @@ std::optional<S_WavBlocks> ReadWavBlocks(const C_FileDescriptor& file) {
     qwAt += kChunkHeaderBytes;
     const UInt32 dwCode = header->U32();
     const UInt32 dwSize = header->U32();
-    if (dwCode == LittleCode("fmt ") && !ReadFormat(file, qwAt, dwSize, blocks))
+    if (dwCode == LittleCode("fmt ") && !ReadFormat(file, qwAt, dwSize, blocks)) {
       return std::nullopt;
+    }
     if (dwCode == LittleCode("data")) {
       if (blocks.wBlockAlign == 0) return std::nullopt;
       blocks.qwDataBytes = std::min<UInt64>(dwSize, file.Size() - std::min(qwAt, file.Size()));

@@ -32,18 +32,18 @@ TEST_P(AudioFileFormatTest, PacketsAreFramesAndTheFormatIsWhatIsStored) {
   const S_FormatCase& want = GetParam();
   WriteSoundFile(m_folder.Path("a"), want.nFormat, 22050, 2, SweepWithNoise(1234, 22050, 2));
   const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a"));
-  ASSERT_NE(nullptr, audioFile);
-  EXPECT_EQ(1234U, PacketCount(audioFile));
+  ASSERT_NE(audioFile, nullptr);
+  EXPECT_EQ(PacketCount(audioFile), 1234U);
   const auto got = FormatOf(audioFile);
-  EXPECT_EQ(22050.0, got.mSampleRate);
-  EXPECT_EQ(want.dwFormat, got.mFormatID);
-  EXPECT_EQ(want.dwFlags, got.mFormatFlags);
-  EXPECT_EQ(want.dwBits, got.mBitsPerChannel);
-  EXPECT_EQ(2U, got.mChannelsPerFrame);
-  EXPECT_EQ(1U, got.mFramesPerPacket);
-  EXPECT_EQ(want.dwBits / 8 * 2, got.mBytesPerFrame);
-  EXPECT_EQ(got.mBytesPerFrame, got.mBytesPerPacket);
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(got.mSampleRate, 22050.0);
+  EXPECT_EQ(got.mFormatID, want.dwFormat);
+  EXPECT_EQ(got.mFormatFlags, want.dwFlags);
+  EXPECT_EQ(got.mBitsPerChannel, want.dwBits);
+  EXPECT_EQ(got.mChannelsPerFrame, 2U);
+  EXPECT_EQ(got.mFramesPerPacket, 1U);
+  EXPECT_EQ(got.mBytesPerFrame, want.dwBits / 8 * 2);
+  EXPECT_EQ(got.mBytesPerPacket, got.mBytesPerFrame);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 constexpr AudioFormatID kPcm = kAudioFormatLinearPCM;
@@ -97,14 +97,14 @@ TEST_F(AudioFileTest, AnAdpcmFile_HasItsBlocksAsPackets) {
                    SweepWithNoise(32000, 16000));
     const auto bytes = m_folder.Read("adpcm.wav");
     const AudioFileID audioFile = OpenSoundFile(m_folder.Path("adpcm.wav"));
-    ASSERT_NE(nullptr, audioFile);
-    EXPECT_EQ(BlocksInWav(bytes), PacketCount(audioFile));
+    ASSERT_NE(audioFile, nullptr);
+    EXPECT_EQ(PacketCount(audioFile), BlocksInWav(bytes));
     EXPECT_GT(PacketCount(audioFile), 10U);
     const auto format = FormatOf(audioFile);
-    EXPECT_EQ(nCodec == SF_FORMAT_IMA_ADPCM ? 0x6D730011U : 0x6D730002U, format.mFormatID);
-    EXPECT_EQ(Little16(bytes, 20 + 12), format.mBytesPerPacket);
-    EXPECT_EQ(Little16(bytes, 20 + 18), format.mFramesPerPacket);
-    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    EXPECT_EQ(format.mFormatID, nCodec == SF_FORMAT_IMA_ADPCM ? 0x6D730011U : 0x6D730002U);
+    EXPECT_EQ(format.mBytesPerPacket, Little16(bytes, 20 + 12));
+    EXPECT_EQ(format.mFramesPerPacket, Little16(bytes, 20 + 18));
+    EXPECT_EQ(AudioFileClose(audioFile), noErr);
   }
 }
 
@@ -116,16 +116,16 @@ TEST_F(AudioFileTest, AnAdpcmFileThatIsCutShort_HasTheWholeBlocksThatAreThere) {
   const std::size_t cbBlock = Little16(bytes, 20 + 12);
   bytes.resize(text.find("data") + 8 + 5 * cbBlock + cbBlock / 2);
   const AudioFileID audioFile = OpenSoundFile(m_folder.Write("cut.wav", bytes));
-  ASSERT_NE(nullptr, audioFile);
-  EXPECT_EQ(5U, PacketCount(audioFile));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  ASSERT_NE(audioFile, nullptr);
+  EXPECT_EQ(PacketCount(audioFile), 5U);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 TEST_F(AudioFileTest, AWavFileWithoutSamples_OpensWithNoPackets) {
   const AudioFileID audioFile = OpenPcm(0);
-  ASSERT_NE(nullptr, audioFile);
-  EXPECT_EQ(0U, PacketCount(audioFile));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  ASSERT_NE(audioFile, nullptr);
+  EXPECT_EQ(PacketCount(audioFile), 0U);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 TEST_F(AudioFileTest, APcmFileThatIsCutShort_HasTheFramesThatAreThere) {
@@ -133,9 +133,9 @@ TEST_F(AudioFileTest, APcmFileThatIsCutShort_HasTheFramesThatAreThere) {
   auto bytes = m_folder.Read("pcm.wav");
   bytes.resize(44 + 501);
   const AudioFileID audioFile = OpenSoundFile(m_folder.Write("cut.wav", bytes));
-  ASSERT_NE(nullptr, audioFile);
-  EXPECT_EQ(250U, PacketCount(audioFile));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  ASSERT_NE(audioFile, nullptr);
+  EXPECT_EQ(PacketCount(audioFile), 250U);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 TEST_F(AudioFileTest, TheLastPacket_IsReadAsItLiesInTheFile) {
@@ -144,16 +144,17 @@ TEST_F(AudioFileTest, TheLastPacket_IsReadAsItLiesInTheFile) {
   UInt32 cbData = sizeof buffer;
   UInt32 dwPackets = 1;
   AudioStreamPacketDescription description{};
-  EXPECT_EQ(noErr, AudioFileReadPacketData(audioFile, 0, &cbData, &description, 499, &dwPackets,
-                                           buffer.data()));
-  EXPECT_EQ(1U, dwPackets);
-  EXPECT_EQ(4U, cbData);
-  EXPECT_EQ(m_samples[998], buffer[0]);
-  EXPECT_EQ(m_samples[999], buffer[1]);
-  EXPECT_EQ(0, buffer[2]);
-  EXPECT_EQ(0, description.mStartOffset);
-  EXPECT_EQ(4U, description.mDataByteSize);
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(
+      AudioFileReadPacketData(audioFile, 0, &cbData, &description, 499, &dwPackets, buffer.data()),
+      noErr);
+  EXPECT_EQ(dwPackets, 1U);
+  EXPECT_EQ(cbData, 4U);
+  EXPECT_EQ(buffer[0], m_samples[998]);
+  EXPECT_EQ(buffer[1], m_samples[999]);
+  EXPECT_EQ(buffer[2], 0);
+  EXPECT_EQ(description.mStartOffset, 0);
+  EXPECT_EQ(description.mDataByteSize, 4U);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 TEST_F(AudioFileTest, ReadingPackets_NeverExceedsTheRoomNorTheFile) {
@@ -161,31 +162,31 @@ TEST_F(AudioFileTest, ReadingPackets_NeverExceedsTheRoomNorTheFile) {
   std::array<std::int16_t, 16> buffer{};
   UInt32 cbData = 7;
   UInt32 dwPackets = 100;
-  EXPECT_EQ(noErr,
-            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 10, &dwPackets, buffer.data()));
-  EXPECT_EQ(3U, dwPackets);
-  EXPECT_EQ(6U, cbData);
-  EXPECT_EQ(m_samples[12], buffer[2]);
-  EXPECT_EQ(0, buffer[3]);
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 10, &dwPackets, buffer.data()),
+            noErr);
+  EXPECT_EQ(dwPackets, 3U);
+  EXPECT_EQ(cbData, 6U);
+  EXPECT_EQ(buffer[2], m_samples[12]);
+  EXPECT_EQ(buffer[3], 0);
 
   cbData = sizeof buffer;
   dwPackets = 100;
-  EXPECT_EQ(noErr, AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 495, &dwPackets,
-                                           buffer.data()));
-  EXPECT_EQ(5U, dwPackets);
-  EXPECT_EQ(10U, cbData);
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 495, &dwPackets, buffer.data()),
+            noErr);
+  EXPECT_EQ(dwPackets, 5U);
+  EXPECT_EQ(cbData, 10U);
 
   cbData = sizeof buffer;
   dwPackets = 1;
-  EXPECT_EQ(kAudioFileEndOfFileError, AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 500,
-                                                              &dwPackets, buffer.data()));
-  EXPECT_EQ(0U, cbData);
-  EXPECT_EQ(0U, dwPackets);
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 500, &dwPackets, buffer.data()),
+            kAudioFileEndOfFileError);
+  EXPECT_EQ(cbData, 0U);
+  EXPECT_EQ(dwPackets, 0U);
   cbData = sizeof buffer;
   dwPackets = 1;
-  EXPECT_EQ(kAudioFileInvalidPacketOffsetError,
-            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, -1, &dwPackets, buffer.data()));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, -1, &dwPackets, buffer.data()),
+            kAudioFileInvalidPacketOffsetError);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 TEST_F(AudioFileTest, PacketsOfBlockCodecs_AreNotHandedOut) {
@@ -195,26 +196,26 @@ TEST_F(AudioFileTest, PacketsOfBlockCodecs_AreNotHandedOut) {
   std::array<std::uint8_t, 64> buffer{};
   UInt32 cbData = sizeof buffer;
   UInt32 dwPackets = 1;
-  EXPECT_EQ(kAudioFileOperationNotSupportedError,
-            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, buffer.data()));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, buffer.data()),
+            kAudioFileOperationNotSupportedError);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 TEST_F(AudioFileTest, WhatCannotBeOpened_SaysWhy) {
-  EXPECT_EQ(kAudioFileFileNotFoundError, StatusOfOpening(m_folder.Path("missing.wav")));
-  EXPECT_EQ(kAudioFileFileNotFoundError, StatusOfOpening(m_folder.Path("missing/a.wav")));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Path()));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("empty.wav", {})));
+  EXPECT_EQ(StatusOfOpening(m_folder.Path("missing.wav")), kAudioFileFileNotFoundError);
+  EXPECT_EQ(StatusOfOpening(m_folder.Path("missing/a.wav")), kAudioFileFileNotFoundError);
+  EXPECT_EQ(StatusOfOpening(m_folder.Path()), kAudioFileUnsupportedFileTypeError);
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("empty.wav", {})), kAudioFileUnsupportedFileTypeError);
   const std::string strPipe = m_folder.Path("pipe.wav");
-  ASSERT_EQ(0, mkfifo(strPipe.c_str(), 0600));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(strPipe));
+  ASSERT_EQ(mkfifo(strPipe.c_str(), 0600), 0);
+  EXPECT_EQ(StatusOfOpening(strPipe), kAudioFileUnsupportedFileTypeError);
 }
 
 TEST_F(AudioFileTest, AFileThatMayNotBeRead_IsAPermissionError) {
   OpenPcm(10);
   const std::string strPath = m_folder.Path("pcm.wav");
-  ASSERT_EQ(0, chmod(strPath.c_str(), 0600));
-  ASSERT_EQ(0, chmod(m_folder.Path().c_str(), 0755));
+  ASSERT_EQ(chmod(strPath.c_str(), 0600), 0);
+  ASSERT_EQ(chmod(m_folder.Path().c_str(), 0755), 0);
   constexpr uid_t kNobody = 65534;
   EXPECT_TRUE(InChildAs(kNobody, [&] {
     OSStatus nStatus = noErr;
@@ -233,12 +234,12 @@ TEST_F(AudioFileTest, WmaMidiTextAndZeros_AreUnsupportedFileTypes) {
   const std::vector<std::uint8_t> midi = {'M', 'T', 'h', 'd', 0,   0, 0, 6, 0, 0, 0,    1,    0,
                                           96,  'M', 'T', 'r', 'k', 0, 0, 0, 4, 0, 0xFF, 0x2F, 0};
   const std::vector<std::uint8_t> text(5000, 'a');
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
-            StatusOfOpening(m_folder.Write("a.wma", padded(wma))));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("a.mid", midi)));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("a.vea", text)));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
-            StatusOfOpening(m_folder.Write("a.mp3", padded({}))));
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("a.wma", padded(wma))),
+            kAudioFileUnsupportedFileTypeError);
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("a.mid", midi)), kAudioFileUnsupportedFileTypeError);
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("a.vea", text)), kAudioFileUnsupportedFileTypeError);
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("a.mp3", padded({}))),
+            kAudioFileUnsupportedFileTypeError);
 }
 
 // Every file with one damaged header byte, and every length: whatever the file library makes of it,
@@ -251,14 +252,14 @@ TEST_F(AudioFileTest, DamagedHeadersAndEveryCut_NeverCrash) {
     const auto tryOne = [&](const std::vector<std::uint8_t>& bytes) {
       const AudioFileID audioFile = OpenSoundFile(m_folder.Write("bad.wav", bytes));
       if (audioFile == nullptr) return;
-      EXPECT_NE(~UInt64{0}, PacketCount(audioFile));
+      EXPECT_NE(PacketCount(audioFile), ~UInt64{0});
       FormatOf(audioFile);
       std::array<std::uint8_t, 256> buffer{};
       UInt32 cbData = sizeof buffer;
       UInt32 dwPackets = 2;
       AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, buffer.data());
       EXPECT_LE(cbData, sizeof buffer);
-      EXPECT_EQ(noErr, AudioFileClose(audioFile));
+      EXPECT_EQ(AudioFileClose(audioFile), noErr);
     };
     for (std::size_t i = 0; i < 90 && i < good.size(); ++i) {
       for (const int nValue : {0x00, 0x01, 0x7F, 0x80, 0xFF}) {
@@ -275,70 +276,71 @@ TEST_F(AudioFileTest, ALayoutIsThereOnlyForFilesThatCarryOne) {
   const AudioFileID plain = OpenPcm(10, 16000, 2);
   UInt32 cbLayout = 99;
   UInt32 dwWritable = 99;
-  EXPECT_EQ(noErr, AudioFileGetPropertyInfo(plain, kAudioFilePropertyChannelLayout, &cbLayout,
-                                            &dwWritable));
-  EXPECT_EQ(0U, cbLayout);
-  EXPECT_EQ(0U, dwWritable);
+  EXPECT_EQ(
+      AudioFileGetPropertyInfo(plain, kAudioFilePropertyChannelLayout, &cbLayout, &dwWritable),
+      noErr);
+  EXPECT_EQ(cbLayout, 0U);
+  EXPECT_EQ(dwWritable, 0U);
   std::array<UInt8, 256> layout{};
   UInt32 cbRoom = sizeof layout;
-  EXPECT_EQ(kAudioFileUnsupportedPropertyError,
-            AudioFileGetProperty(plain, kAudioFilePropertyChannelLayout, &cbRoom, layout.data()));
-  EXPECT_EQ(noErr, AudioFileClose(plain));
+  EXPECT_EQ(AudioFileGetProperty(plain, kAudioFilePropertyChannelLayout, &cbRoom, layout.data()),
+            kAudioFileUnsupportedPropertyError);
+  EXPECT_EQ(AudioFileClose(plain), noErr);
 }
 
 TEST_F(AudioFileTest, BadArguments_AreRefused) {
   const AudioFileID audioFile = OpenPcm(10);
   AudioStreamBasicDescription format{};
   UInt32 cbFormat = 39;
-  EXPECT_EQ(kAudioFileBadPropertySizeError,
-            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format));
+  EXPECT_EQ(AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, &format),
+            kAudioFileBadPropertySizeError);
   cbFormat = 400;
-  EXPECT_EQ(kAudioFileUnsupportedPropertyError,
-            AudioFileGetProperty(audioFile, toolbox::FourChars("none"), &cbFormat, &format));
-  EXPECT_EQ(kAudioFileUnsupportedPropertyError,
-            AudioFileGetPropertyInfo(audioFile, toolbox::FourChars("none"), nullptr, nullptr));
-  EXPECT_EQ(kAudio_ParamError,
-            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, nullptr, &format));
-  EXPECT_EQ(kAudio_ParamError,
-            AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, nullptr));
+  EXPECT_EQ(AudioFileGetProperty(audioFile, toolbox::FourChars("none"), &cbFormat, &format),
+            kAudioFileUnsupportedPropertyError);
+  EXPECT_EQ(AudioFileGetPropertyInfo(audioFile, toolbox::FourChars("none"), nullptr, nullptr),
+            kAudioFileUnsupportedPropertyError);
+  EXPECT_EQ(AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, nullptr, &format),
+            kAudio_ParamError);
+  EXPECT_EQ(AudioFileGetProperty(audioFile, kAudioFilePropertyDataFormat, &cbFormat, nullptr),
+            kAudio_ParamError);
   UInt32 dwPackets = 1;
-  EXPECT_EQ(kAudio_ParamError,
-            AudioFileReadPacketData(audioFile, 0, &cbFormat, nullptr, 0, &dwPackets, nullptr));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbFormat, nullptr, 0, &dwPackets, nullptr),
+            kAudio_ParamError);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 
   AudioFileID opened = audioFile;
-  EXPECT_EQ(kAudio_ParamError, AudioFileOpenURL(nullptr, kAudioFileReadPermission, 0, &opened));
-  EXPECT_EQ(nullptr, opened);
+  EXPECT_EQ(AudioFileOpenURL(nullptr, kAudioFileReadPermission, 0, &opened), kAudio_ParamError);
+  EXPECT_EQ(opened, nullptr);
   const std::string strPath = m_folder.Path("pcm.wav");
   const CFURLRef url = CFURLCreateFromFileSystemRepresentation(
       kCFAllocatorDefault, reinterpret_cast<const UInt8*>(strPath.data()),
       static_cast<CFIndex>(strPath.size()), 0);
-  EXPECT_EQ(kAudio_ParamError, AudioFileOpenURL(url, kAudioFileReadPermission, 0, nullptr));
-  EXPECT_EQ(kAudioFilePermissionsError,
-            AudioFileOpenURL(url, kAudioFileReadWritePermission, 0, &opened));
+  EXPECT_EQ(AudioFileOpenURL(url, kAudioFileReadPermission, 0, nullptr), kAudio_ParamError);
+  EXPECT_EQ(AudioFileOpenURL(url, kAudioFileReadWritePermission, 0, &opened),
+            kAudioFilePermissionsError);
   CFRelease(url);
 }
 
 TEST_F(AudioFileTest, AStaleIdentifier_IsNotOpen_AndANullOneClosesWithSuccess) {
   const AudioFileID audioFile = OpenPcm(10);
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
-  EXPECT_EQ(kAudioFileNotOpenError, AudioFileClose(audioFile));
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
+  EXPECT_EQ(AudioFileClose(audioFile), kAudioFileNotOpenError);
   UInt64 qwPackets = 0;
   UInt32 cbPackets = sizeof qwPackets;
-  EXPECT_EQ(kAudioFileNotOpenError,
-            AudioFileGetProperty(audioFile, kAudioFilePropertyAudioDataPacketCount, &cbPackets,
-                                 &qwPackets));
-  EXPECT_EQ(kAudioFileNotOpenError,
-            AudioFileGetPropertyInfo(nullptr, kAudioFilePropertyDataFormat, nullptr, nullptr));
-  EXPECT_EQ(noErr, AudioFileClose(nullptr));
+  EXPECT_EQ(AudioFileGetProperty(audioFile, kAudioFilePropertyAudioDataPacketCount, &cbPackets,
+                                 &qwPackets),
+            kAudioFileNotOpenError);
+  EXPECT_EQ(AudioFileGetPropertyInfo(nullptr, kAudioFilePropertyDataFormat, nullptr, nullptr),
+            kAudioFileNotOpenError);
+  EXPECT_EQ(AudioFileClose(nullptr), noErr);
 }
 
 TEST_F(AudioFileTest, AUrlNeedsAPath) {
   const auto* pbyPath = reinterpret_cast<const UInt8*>("a\0b");
-  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, nullptr, 3, 0));
-  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, 0, 0));
-  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, -1, 0));
-  EXPECT_EQ(nullptr, CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, 3, 0));
+  EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, nullptr, 3, 0), nullptr);
+  EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, 0, 0), nullptr);
+  EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, -1, 0), nullptr);
+  EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, 3, 0), nullptr);
   CFRelease(nullptr);
 }
 
@@ -348,7 +350,7 @@ std::size_t OpenDescriptors() {
 }
 
 TEST_F(AudioFileTest, OpeningFailingAndClosing_LeaveNoDescriptorOpen) {
-  EXPECT_EQ(noErr, AudioFileClose(OpenPcm(10)));
+  EXPECT_EQ(AudioFileClose(OpenPcm(10)), noErr);
   const std::vector<std::uint8_t> text(100, 'x');
   m_folder.Write("text.wav", text);
   const std::size_t nBefore = OpenDescriptors();
@@ -357,7 +359,7 @@ TEST_F(AudioFileTest, OpeningFailingAndClosing_LeaveNoDescriptorOpen) {
     StatusOfOpening(m_folder.Path("text.wav"));
     StatusOfOpening(m_folder.Path());
   }
-  EXPECT_EQ(nBefore, OpenDescriptors());
+  EXPECT_EQ(OpenDescriptors(), nBefore);
 }
 
 }  // namespace

@@ -101,8 +101,8 @@ TEST_F(ChangedFileTest, AnEmptiedFile_HasNoPacketsToRead) {
   UInt32 cbData = sizeof nSample;
   UInt32 dwPackets = 1;
   AudioFileReadPacketData(m_player.File(), 0, &cbData, nullptr, kFrames - 1, &dwPackets, &nSample);
-  EXPECT_EQ(0U, dwPackets);
-  EXPECT_EQ(0U, cbData);
+  EXPECT_EQ(dwPackets, 0U);
+  EXPECT_EQ(cbData, 0U);
 }
 
 // Decoders hold some of the file back, so that silence comes a little later.

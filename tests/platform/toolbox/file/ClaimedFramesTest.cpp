@@ -25,15 +25,16 @@ class ClaimedFramesTest : public testing::Test {
   UInt64 PacketsOf(const Bytes& bytes) {
     const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x", bytes));
     const UInt64 qwPackets = audioFile != nullptr ? PacketCount(audioFile) : 999999999;
-    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    EXPECT_EQ(AudioFileClose(audioFile), noErr);
     return qwPackets;
   }
   C_TempFolder m_folder;
 };
 
 Bytes FlacThatClaims(Bytes flac, UInt64 qwFrames) {
-  for (std::size_t i = 1; i <= 4; ++i)
+  for (std::size_t i = 1; i <= 4; ++i) {
     flac.at(kFlacCountEnd - i) = static_cast<std::uint8_t>(qwFrames >> (8 * (i - 1)));
+  }
   auto& byHigh = flac.at(kFlacCountEnd - 5);
   byHigh = static_cast<std::uint8_t>((byHigh & 0xF0U) | (qwFrames >> 32 & 0x0FU));
   return flac;
@@ -49,17 +50,19 @@ Bytes OggWithLastSum(Bytes ogg, std::size_t cbPage) {
     dwSum ^= std::uint32_t{ogg[n]} << 24;
     for (int i = 0; i < 8; ++i) dwSum = dwSum << 1 ^ ((dwSum >> 31) * kPolynomial);
   }
-  for (std::size_t i = 0; i < 4; ++i)
+  for (std::size_t i = 0; i < 4; ++i) {
     ogg.at(cbPage + kSumAt + i) = static_cast<std::uint8_t>(dwSum >> (8 * i));
+  }
   return ogg;
 }
 
 TEST_F(ClaimedFramesTest, AFlacFile_HasItsFramesWhateverItClaims) {
   const Bytes flac = Sound(kFlac, 5000);
-  EXPECT_EQ(5000U, PacketsOf(flac));
+  EXPECT_EQ(PacketsOf(flac), 5000U);
   for (const UInt64 qwClaim : {UInt64{5001}, UInt64{50000}, UInt64{0x7FFFFFFF},
-                               UInt64{0x1'0000'1388}, UInt64{0xF'FFFF'FFFF}, UInt64{0}})
-    EXPECT_EQ(5000U, PacketsOf(FlacThatClaims(flac, qwClaim))) << qwClaim;
+                               UInt64{0x1'0000'1388}, UInt64{0xF'FFFF'FFFF}, UInt64{0}}) {
+    EXPECT_EQ(PacketsOf(FlacThatClaims(flac, qwClaim)), 5000U) << qwClaim;
+  }
 }
 
 TEST_F(ClaimedFramesTest, AFlacFileThatIsCut_HasTheFramesThatAreThere) {
@@ -67,7 +70,7 @@ TEST_F(ClaimedFramesTest, AFlacFileThatIsCut_HasTheFramesThatAreThere) {
   flac.resize(flac.size() / 2);
   const UInt64 qwThere = PacketsOf(flac);
   // Whole blocks of 4096.
-  EXPECT_EQ(0U, qwThere % 4096);
+  EXPECT_EQ(qwThere % 4096, 0U);
   EXPECT_GE(qwThere, 4096U);
   EXPECT_LE(qwThere, 12288U);
 }
@@ -76,34 +79,34 @@ TEST_F(ClaimedFramesTest, AFlacHeadWithoutFrames_HasNone) {
   Bytes flac = FlacThatClaims(Sound(kFlac, 5000), 0xFFFFFFFF);
   const Bytes sync = {0xFF, 0xF8};
   flac.erase(std::search(flac.begin() + 42, flac.end(), sync.begin(), sync.end()), flac.end());
-  EXPECT_EQ(0U, PacketsOf(flac));
+  EXPECT_EQ(PacketsOf(flac), 0U);
 }
 
 TEST_F(ClaimedFramesTest, AFlacFileBehindATag_IsOne) {
   Bytes tagged = {'I', 'D', '3', 3, 0, 0, 0, 0, 0, 5, 1, 2, 3, 4, 5};
   const Bytes flac = Sound(kFlac, 777);
   tagged.insert(tagged.end(), flac.begin(), flac.end());
-  EXPECT_EQ(777U, PacketsOf(tagged));
+  EXPECT_EQ(PacketsOf(tagged), 777U);
 }
 
 TEST_F(ClaimedFramesTest, FlacPackets_AreNotHandedOut) {
   const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x", Sound(kFlac, 777)));
-  EXPECT_EQ(OSType{kAudioFormatFLAC}, FormatOf(audioFile).mFormatID);
+  EXPECT_EQ(FormatOf(audioFile).mFormatID, OSType{kAudioFormatFLAC});
   std::int16_t nSample = 0;
   UInt32 cbData = sizeof nSample;
   UInt32 dwPackets = 1;
-  EXPECT_EQ(kAudioFileOperationNotSupportedError,
-            AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, &nSample));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbData, nullptr, 0, &dwPackets, &nSample),
+            kAudioFileOperationNotSupportedError);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
 }
 
 TEST_F(ClaimedFramesTest, DifferenceCodedAiff_IsCountedToo) {
   const Bytes aiff = Sound(SF_FORMAT_AIFF | SF_FORMAT_DWVW_16, 3000);
-  EXPECT_EQ(3000U, PacketsOf(aiff));
+  EXPECT_EQ(PacketsOf(aiff), 3000U);
   Bytes liar = aiff;
   const std::string strComm = "COMM";
   const auto itComm = std::search(liar.begin(), liar.end(), strComm.begin(), strComm.end());
-  ASSERT_NE(liar.end(), itComm);
+  ASSERT_NE(itComm, liar.end());
   std::fill_n(itComm + 10, 4, std::uint8_t{0x7F});
   const UInt64 qwThere = PacketsOf(liar);
   EXPECT_GE(qwThere, 3000U);
@@ -112,26 +115,27 @@ TEST_F(ClaimedFramesTest, DifferenceCodedAiff_IsCountedToo) {
 
 TEST_F(ClaimedFramesTest, WavFilesThatClaimGigabytes_HaveTheFramesThatAreThere) {
   Bytes wav = Sound(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1000);
-  for (const std::size_t cbAt : {4U, 40U})
+  for (const std::size_t cbAt : {4U, 40U}) {
     std::fill_n(wav.begin() + static_cast<std::ptrdiff_t>(cbAt), 4, std::uint8_t{0xFF});
-  EXPECT_EQ(1000U, PacketsOf(wav));
+  }
+  EXPECT_EQ(PacketsOf(wav), 1000U);
   // Sizes of 64 bits: file, data and frames.
   Bytes rf64 = Sound(SF_FORMAT_RF64 | SF_FORMAT_PCM_16, 1000);
-  ASSERT_EQ(1000U, PacketsOf(rf64));
+  ASSERT_EQ(PacketsOf(rf64), 1000U);
   const std::string strSizes = "ds64";
   const auto itSizes = std::search(rf64.begin(), rf64.end(), strSizes.begin(), strSizes.end());
-  ASSERT_NE(rf64.end(), itSizes);
+  ASSERT_NE(itSizes, rf64.end());
   for (const int nField : {0, 8, 16}) *(itSizes + 8 + nField + 4) = 0x7F;
-  EXPECT_EQ(1000U, PacketsOf(rf64));
+  EXPECT_EQ(PacketsOf(rf64), 1000U);
 }
 
 // All of it is on the page whose claim it is.
 TEST_F(ClaimedFramesTest, AShortOggFile_HasItsFramesWhateverItClaims) {
   Bytes ogg = Sound(SF_FORMAT_OGG | SF_FORMAT_VORBIS, 20000);
-  EXPECT_EQ(20000U, PacketsOf(ogg));
+  EXPECT_EQ(PacketsOf(ogg), 20000U);
   const std::string strPage = "OggS";
   const auto itPage = std::find_end(ogg.begin(), ogg.end(), strPage.begin(), strPage.end());
-  ASSERT_NE(ogg.end(), itPage);
+  ASSERT_NE(itPage, ogg.end());
   const auto cbPage = static_cast<std::size_t>(itPage - ogg.begin());
   for (const std::size_t nByte : {2U, 7U}) {
     Bytes liar = ogg;
@@ -144,26 +148,27 @@ TEST_F(ClaimedFramesTest, AShortOggFile_HasItsFramesWhateverItClaims) {
 
 TEST_F(ClaimedFramesTest, ASphereFile_HasTheFramesThatAreThere) {
   const Bytes sphere = Sound(SF_FORMAT_NIST | SF_FORMAT_PCM_16, 1000);
-  EXPECT_EQ(1000U, PacketsOf(sphere));
+  EXPECT_EQ(PacketsOf(sphere), 1000U);
   Bytes liar = sphere;
   const std::string strCount = "sample_count -i 1000";
   const auto itCount = std::search(liar.begin(), liar.end(), strCount.begin(), strCount.end());
-  ASSERT_NE(liar.end(), itCount);
+  ASSERT_NE(itCount, liar.end());
   std::fill_n(itCount + 16, 4, std::uint8_t{'9'});
-  EXPECT_EQ(1000U, PacketsOf(liar));
+  EXPECT_EQ(PacketsOf(liar), 1000U);
 }
 
 // The file library knows such kinds, and comments on their damage where the player's own lines go.
 TEST_F(ClaimedFramesTest, KindsThatNobodyPlays_AreUnsupportedWithoutAWord) {
   testing::internal::CaptureStdout();
   Bytes dump = Sound(SF_FORMAT_SDS | SF_FORMAT_PCM_16, 3000);
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("x", dump)));
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("x", dump)), kAudioFileUnsupportedFileTypeError);
   std::fill_n(dump.begin() + 9, 4, std::uint8_t{0xFF});
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("x", dump)));
-  for (const int nType : {SF_FORMAT_PAF, SF_FORMAT_VOC, SF_FORMAT_MAT5})
-    EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
-              StatusOfOpening(m_folder.Write("x", Sound(nType | SF_FORMAT_PCM_16, 100))));
-  EXPECT_EQ("", testing::internal::GetCapturedStdout());
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("x", dump)), kAudioFileUnsupportedFileTypeError);
+  for (const int nType : {SF_FORMAT_PAF, SF_FORMAT_VOC, SF_FORMAT_MAT5}) {
+    EXPECT_EQ(StatusOfOpening(m_folder.Write("x", Sound(nType | SF_FORMAT_PCM_16, 100))),
+              kAudioFileUnsupportedFileTypeError);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
 }  // namespace

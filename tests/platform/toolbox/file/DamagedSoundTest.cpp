@@ -63,10 +63,10 @@ class DamagedSoundTest : public testing::TestWithParam<S_SoundCase> {
     const AudioComponentDescription description = {kAudioUnitType_Generator,
                                                    kAudioUnitSubType_AudioFilePlayer,
                                                    kAudioUnitManufacturer_Apple, 0, 0};
-    EXPECT_EQ(noErr,
-              AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit));
+    EXPECT_EQ(AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit),
+              noErr);
   }
-  ~DamagedSoundTest() override { EXPECT_EQ(noErr, AudioComponentInstanceDispose(m_unit)); }
+  ~DamagedSoundTest() override { EXPECT_EQ(AudioComponentInstanceDispose(m_unit), noErr); }
 
   template <typename T>
   [[nodiscard]] OSStatus Set(AudioUnitPropertyID dwID, const T& value) const {
@@ -74,16 +74,16 @@ class DamagedSoundTest : public testing::TestWithParam<S_SoundCase> {
   }
   // False when the file's rate cannot be converted.
   [[nodiscard]] bool Schedule(AudioFileID audioFile) const {
-    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduledFileIDs, audioFile));
+    EXPECT_EQ(Set(kAudioUnitProperty_ScheduledFileIDs, audioFile), noErr);
     ScheduledAudioFileRegion region{};
     region.mTimeStamp.mFlags = kAudioTimeStampSampleTimeValid;
     region.mAudioFile = audioFile;
     region.mFramesToPlay = static_cast<UInt32>(PacketCount(audioFile));
-    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduledFileRegion, region));
+    EXPECT_EQ(Set(kAudioUnitProperty_ScheduledFileRegion, region), noErr);
     AudioTimeStamp start{};
     start.mFlags = kAudioTimeStampSampleTimeValid;
     start.mSampleTime = -1.0;
-    EXPECT_EQ(noErr, Set(kAudioUnitProperty_ScheduleStartTimeStamp, start));
+    EXPECT_EQ(Set(kAudioUnitProperty_ScheduleStartTimeStamp, start), noErr);
     return Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}) == noErr;
   }
   void Render(int nCycles) const {
@@ -98,7 +98,7 @@ class DamagedSoundTest : public testing::TestWithParam<S_SoundCase> {
     AudioTimeStamp stamp{};
     stamp.mFlags = kAudioTimeStampSampleTimeValid;
     for (int i = 0; i < nCycles; ++i) {
-      EXPECT_EQ(noErr, AudioUnitRender(m_unit, nullptr, &stamp, 0, kCycleFrames, &buffers.list));
+      EXPECT_EQ(AudioUnitRender(m_unit, nullptr, &stamp, 0, kCycleFrames, &buffers.list), noErr);
       stamp.mSampleTime += kCycleFrames;
     }
   }
@@ -117,14 +117,14 @@ class DamagedSoundTest : public testing::TestWithParam<S_SoundCase> {
   [[nodiscard]] bool PlayFile(const Bytes& bytes) const {
     const AudioFileID audioFile = OpenSoundFile(m_folder.Write("bad", bytes));
     if (audioFile == nullptr) return false;
-    EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
+    EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
     if (Schedule(audioFile)) {
       Render(10);
       ReadPackets(audioFile);
       Render(10);
     }
-    EXPECT_EQ(noErr, AudioUnitUninitialize(m_unit));
-    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    EXPECT_EQ(AudioUnitUninitialize(m_unit), noErr);
+    EXPECT_EQ(AudioFileClose(audioFile), noErr);
     return true;
   }
 

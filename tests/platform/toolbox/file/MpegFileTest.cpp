@@ -53,8 +53,9 @@ Bytes Joined(Bytes first, const Bytes& second) {
 // A tag of version 2.3 with a content of so many bytes.
 Bytes TagOf(const Bytes& content) {
   Bytes tag = {'I', 'D', '3', 3, 0, 0};
-  for (int nShift = 21; nShift >= 0; nShift -= 7)
+  for (int nShift = 21; nShift >= 0; nShift -= 7) {
     tag.push_back(static_cast<std::uint8_t>(content.size() >> nShift & 0x7F));
+  }
   return Joined(tag, content);
 }
 
@@ -69,7 +70,7 @@ class MpegFileTest : public testing::Test {
   UInt64 PacketsOf(const Bytes& bytes) {
     const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x.mp3", bytes));
     const UInt64 qwPackets = audioFile != nullptr ? PacketCount(audioFile) : 0;
-    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    EXPECT_EQ(AudioFileClose(audioFile), noErr);
     return qwPackets;
   }
   C_TempFolder m_folder;
@@ -87,14 +88,14 @@ TEST_F(MpegFileTest, AnMp3File_HasItsMpegFramesAsPackets) {
                    SweepWithNoise(nFrames, static_cast<unsigned>(mp3.nRate),
                                   static_cast<unsigned>(mp3.nChannels)));
     const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.mp3"));
-    ASSERT_NE(nullptr, audioFile);
-    EXPECT_EQ(CountMpegFrames(m_folder.Read("a.mp3")), PacketCount(audioFile));
+    ASSERT_NE(audioFile, nullptr);
+    EXPECT_EQ(PacketCount(audioFile), CountMpegFrames(m_folder.Read("a.mp3")));
     const auto format = FormatOf(audioFile);
-    EXPECT_EQ(static_cast<double>(mp3.nRate), format.mSampleRate);
-    EXPECT_EQ(OSType{kAudioFormatMPEGLayer3}, format.mFormatID);
-    EXPECT_EQ(mp3.dwSamplesPerFrame, format.mFramesPerPacket);
-    EXPECT_EQ(static_cast<UInt32>(mp3.nChannels), format.mChannelsPerFrame);
-    EXPECT_EQ(noErr, AudioFileClose(audioFile));
+    EXPECT_EQ(format.mSampleRate, static_cast<double>(mp3.nRate));
+    EXPECT_EQ(format.mFormatID, OSType{kAudioFormatMPEGLayer3});
+    EXPECT_EQ(format.mFramesPerPacket, mp3.dwSamplesPerFrame);
+    EXPECT_EQ(format.mChannelsPerFrame, static_cast<UInt32>(mp3.nChannels));
+    EXPECT_EQ(AudioFileClose(audioFile), noErr);
   }
 }
 
@@ -109,12 +110,12 @@ TEST_F(MpegFileTest, AnMp3FileBehindTags_IsOne_AndTagsAloneAreNone) {
   auto tagged = tags;
   tagged.insert(tagged.end(), mp3.begin(), mp3.end());
   const AudioFileID audioFile = OpenSoundFile(m_folder.Write("tagged.mp3", tagged));
-  ASSERT_NE(nullptr, audioFile);
-  EXPECT_EQ(CountMpegFrames(mp3), PacketCount(audioFile));
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError, StatusOfOpening(m_folder.Write("t.mp3", tags)));
-  EXPECT_EQ(kAudioFileUnsupportedFileTypeError,
-            StatusOfOpening(m_folder.Write("h.mp3", {mp3.begin(), mp3.begin() + 4})));
+  ASSERT_NE(audioFile, nullptr);
+  EXPECT_EQ(PacketCount(audioFile), CountMpegFrames(mp3));
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("t.mp3", tags)), kAudioFileUnsupportedFileTypeError);
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("h.mp3", {mp3.begin(), mp3.begin() + 4})),
+            kAudioFileUnsupportedFileTypeError);
 }
 
 // Decoders like to comment on damage; users of a pipeline take that for an error.
@@ -126,9 +127,9 @@ TEST_F(MpegFileTest, DamagedMp3Files_AreOpenedWithoutAWordOnStandardError) {
   auto broken = good;
   std::fill_n(broken.begin() + static_cast<std::ptrdiff_t>(good.size() / 2), 100, std::uint8_t{0});
   testing::internal::CaptureStderr();
-  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("cut.mp3", cut)));
-  EXPECT_EQ(noErr, StatusOfOpening(m_folder.Write("broken.mp3", broken)));
-  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("cut.mp3", cut)), noErr);
+  EXPECT_EQ(StatusOfOpening(m_folder.Write("broken.mp3", broken)), noErr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(MpegFileTest, Pictures_AndTagsAtTheEnd_AreNoFrames) {
@@ -137,10 +138,10 @@ TEST_F(MpegFileTest, Pictures_AndTagsAtTheEnd_AreNoFrames) {
   ASSERT_GT(qwFrames, 20U);
   // A picture may hold whole MPEG frames.
   const Bytes picture = Joined(Bytes(70000, 0x5A), mp3);
-  EXPECT_EQ(qwFrames, PacketsOf(Joined(TagOf(picture), mp3)));
+  EXPECT_EQ(PacketsOf(Joined(TagOf(picture), mp3)), qwFrames);
   Bytes trailer(128, 0);
   std::copy_n("TAGtitle", 8, trailer.begin());
-  EXPECT_EQ(qwFrames, PacketsOf(Joined(mp3, trailer)));
+  EXPECT_EQ(PacketsOf(Joined(mp3, trailer)), qwFrames);
 }
 
 TEST_F(MpegFileTest, ATagWithAFooter_MayStandBeforeFewFrames) {
@@ -153,7 +154,7 @@ TEST_F(MpegFileTest, ATagWithAFooter_MayStandBeforeFewFrames) {
   std::reverse(footer.begin(), footer.begin() + 3);
   const UInt64 qwFrames = PacketsOf(few);
   ASSERT_GE(qwFrames, 1U);
-  EXPECT_EQ(qwFrames, PacketsOf(Joined(Joined(tag, footer), few)));
+  EXPECT_EQ(PacketsOf(Joined(Joined(tag, footer), few)), qwFrames);
 }
 
 TEST_F(MpegFileTest, MoreTagsThanAnybodyWrites_AreNoSound) {
@@ -161,29 +162,29 @@ TEST_F(MpegFileTest, MoreTagsThanAnybodyWrites_AreNoSound) {
   const UInt64 qwFrames = CountMpegFrames(mp3);
   Bytes tags;
   for (int i = 0; i < 64; ++i) tags = Joined(tags, TagOf({}));
-  EXPECT_EQ(qwFrames, PacketsOf(Joined(tags, mp3)));
-  EXPECT_EQ(0U, PacketsOf(Joined(Joined(tags, TagOf({})), mp3)));
+  EXPECT_EQ(PacketsOf(Joined(tags, mp3)), qwFrames);
+  EXPECT_EQ(PacketsOf(Joined(Joined(tags, TagOf({})), mp3)), 0U);
 }
 
 TEST_F(MpegFileTest, VariableBitRate_CountsItsFrames_WhateverTheInformationFrameClaims) {
   Bytes bytes = Mp3();
   const UInt64 qwFrames = CountMpegFrames(bytes);
-  EXPECT_EQ(qwFrames, PacketsOf(bytes));
+  EXPECT_EQ(PacketsOf(bytes), qwFrames);
   const std::string strXing = "Xing";
   const auto itXing = std::search(bytes.begin(), bytes.end(), strXing.begin(), strXing.end());
-  ASSERT_NE(bytes.end(), itXing);
+  ASSERT_NE(itXing, bytes.end());
   std::fill_n(itXing + 8, 4, std::uint8_t{0x7F});
-  EXPECT_EQ(qwFrames, PacketsOf(bytes));
+  EXPECT_EQ(PacketsOf(bytes), qwFrames);
 }
 
 TEST_F(MpegFileTest, JunkInFront_IsPassedOver) {
   const Bytes mp3 = Mp3();
   const UInt64 qwFrames = CountMpegFrames(mp3);
   for (const std::size_t cbJunk : {1U, 500U, 5000U, 60000U}) {
-    EXPECT_EQ(qwFrames, PacketsOf(Joined(Bytes(cbJunk, 0), mp3))) << cbJunk;
-    EXPECT_EQ(qwFrames, PacketsOf(Joined(TagOf(Bytes(40)), Joined(Bytes(cbJunk, 'x'), mp3))));
+    EXPECT_EQ(PacketsOf(Joined(Bytes(cbJunk, 0), mp3)), qwFrames) << cbJunk;
+    EXPECT_EQ(PacketsOf(Joined(TagOf(Bytes(40)), Joined(Bytes(cbJunk, 'x'), mp3))), qwFrames);
   }
-  EXPECT_EQ(0U, PacketsOf(Joined(Bytes(70000, 0), mp3))) << "nobody looks that far";
+  EXPECT_EQ(PacketsOf(Joined(Bytes(70000, 0), mp3)), 0U) << "nobody looks that far";
 }
 
 TEST_F(MpegFileTest, AStreamThatBeginsWithinAFrame_LosesThatFrameOnly) {
@@ -194,7 +195,7 @@ TEST_F(MpegFileTest, AStreamThatBeginsWithinAFrame_LosesThatFrameOnly) {
       static_cast<std::size_t>(std::distance(
           mp3.begin() + 4, std::search(mp3.begin() + 4, mp3.end(), mp3.begin(), mp3.begin() + 2)));
   const Bytes cut(mp3.begin() + static_cast<std::ptrdiff_t>(cbFrame + cbFrame / 2), mp3.end());
-  EXPECT_EQ(CountMpegFrames(mp3) - 1, PacketsOf(cut));
+  EXPECT_EQ(PacketsOf(cut), CountMpegFrames(mp3) - 1);
 }
 
 TEST_F(MpegFileTest, AStreamThatIsCut_HasTheWholeFramesThatAreThere) {
@@ -213,19 +214,21 @@ TEST_F(MpegFileTest, ARunOfFewFrames_IsNoStreamUnlessItBeginsTheFile) {
   const UInt64 qwFrames = PacketsOf(few);
   EXPECT_GE(qwFrames, 1U);
   EXPECT_LT(qwFrames, 10U);
-  EXPECT_EQ(0U, PacketsOf(Joined(Bytes(100, 'x'), few)));
+  EXPECT_EQ(PacketsOf(Joined(Bytes(100, 'x'), few)), 0U);
 }
 
 TEST_F(MpegFileTest, WhatOnlyLooksLikeAFrame_IsUnsupported) {
   Bytes text = {0xFF, 0xFE};  // the mark of UTF-16 is a sync
-  for (int i = 0; i < 20000; ++i)
+  for (int i = 0; i < 20000; ++i) {
     text.insert(text.end(), {static_cast<std::uint8_t>('a' + i % 26), 0});
-  EXPECT_EQ(0U, PacketsOf(text));
+  }
+  EXPECT_EQ(PacketsOf(text), 0U);
   Bytes noise(200000);
   std::uint32_t dwNoise = 1;
-  for (auto& by : noise)
+  for (auto& by : noise) {
     by = static_cast<std::uint8_t>((dwNoise = dwNoise * 1664525U + 1013904223U) >> 24);
-  EXPECT_EQ(0U, PacketsOf(noise));
+  }
+  EXPECT_EQ(PacketsOf(noise), 0U);
 }
 
 }  // namespace

@@ -78,11 +78,11 @@ class WidthsTest : public testing::TestWithParam<S_Width> {
   std::vector<float> ReadElsewhere(const std::string& strPath, std::uint16_t wChannels) {
     SF_INFO info{};
     SNDFILE* pSound = sf_open(strPath.c_str(), SFM_READ, &info);
-    EXPECT_EQ(wChannels, info.channels);
+    EXPECT_EQ(info.channels, wChannels);
     std::vector<float> samples(kFrames * wChannels);
-    EXPECT_EQ(static_cast<sf_count_t>(kFrames),
-              sf_readf_float(pSound, samples.data(), info.frames));
-    EXPECT_EQ(0, sf_close(pSound));
+    EXPECT_EQ(sf_readf_float(pSound, samples.data(), info.frames),
+              static_cast<sf_count_t>(kFrames));
+    EXPECT_EQ(sf_close(pSound), 0);
     return samples;
   }
   void ExpectHeard(std::uint16_t wChannels) {
@@ -91,7 +91,7 @@ class WidthsTest : public testing::TestWithParam<S_Width> {
     const std::string strPath = m_folder.Write("a.wav", WavOf(width, wChannels, samples));
     C_OfflinePlayer player;
     player.UseFile(strPath);
-    ASSERT_EQ(kFrames, PacketCount(player.File()));
+    ASSERT_EQ(PacketCount(player.File()), kFrames);
     player.Play(kFrames);
     const auto sides = player.Render(kFrames + 400);
     const auto elsewhere = ReadElsewhere(strPath, wChannels);
@@ -100,8 +100,8 @@ class WidthsTest : public testing::TestWithParam<S_Width> {
         // One channel sounds on both sides; of more than two, the first two sound.
         const std::size_t nSample = n * wChannels + std::min<std::size_t>(i, wChannels - 1U);
         const float fWanted = ValueOf(width, &samples[nSample * width.wBits / 8U]);
-        ASSERT_EQ(fWanted, sides.at(i)[n]) << wChannels << " channels, frame " << n;
-        ASSERT_EQ(elsewhere[nSample], sides.at(i)[n]) << wChannels << " channels, frame " << n;
+        ASSERT_EQ(sides.at(i)[n], fWanted) << wChannels << " channels, frame " << n;
+        ASSERT_EQ(sides.at(i)[n], elsewhere[nSample]) << wChannels << " channels, frame " << n;
       }
     }
     for (const auto& side : sides) EXPECT_TRUE(IsSilent(side.begin() + kFrames, side.end()));

@@ -56,16 +56,16 @@ class C_ErrorCapture {
   explicit C_ErrorCapture(bool bTerminal) : m_nOldError(dup(STDERR_FILENO)) {
     int nWrite = -1;
     if (bTerminal) {
-      EXPECT_EQ(0, openpty(&m_nRead, &nWrite, nullptr, nullptr, nullptr));
+      EXPECT_EQ(openpty(&m_nRead, &nWrite, nullptr, nullptr, nullptr), 0);
     } else {
       int ends[2] = {-1, -1};
-      EXPECT_EQ(0, pipe(ends));
+      EXPECT_EQ(pipe(ends), 0);
       m_nRead = ends[0];
       nWrite = ends[1];
     }
-    EXPECT_EQ(STDERR_FILENO, dup2(nWrite, STDERR_FILENO));
+    EXPECT_EQ(dup2(nWrite, STDERR_FILENO), STDERR_FILENO);
     close(nWrite);
-    EXPECT_EQ(0, fcntl(m_nRead, F_SETFL, O_NONBLOCK));
+    EXPECT_EQ(fcntl(m_nRead, F_SETFL, O_NONBLOCK), 0);
   }
   ~C_ErrorCapture() {
     dup2(m_nOldError, STDERR_FILENO);
@@ -101,7 +101,7 @@ TEST_F(PlaybackTest, WithoutADevice_RenderingTakesAsLongAsTheSound) {
   EXPECT_TRUE(m_source.WaitFor(8000));
   EXPECT_GE(Clock::now() - begin, 490ms);
   playback.Stop();
-  EXPECT_EQ(160U, m_source.dwSmallest);
+  EXPECT_EQ(m_source.dwSmallest, 160U);
   EXPECT_LE(m_source.dwLargest, 1600U);
   EXPECT_TRUE(m_source.bZeroed);
 }
@@ -115,7 +115,7 @@ TEST_F(PlaybackTest, ARateThatIsNoMultipleOfTheSlices_LosesNoFrame) {
   EXPECT_TRUE(m_source.WaitFor(11025));
   EXPECT_GE(Clock::now() - begin, 990ms);
   playback.Stop();
-  EXPECT_EQ(110U, m_source.dwSmallest);
+  EXPECT_EQ(m_source.dwSmallest, 110U);
 }
 
 // Each of its calls takes longer than the sound that a slice holds.
@@ -156,7 +156,7 @@ TEST_F(PlaybackTest, AfterStop_NothingIsRendered_AndStartGoesOn) {
   EXPECT_FALSE(playback.IsRunning());
   const UInt64 qwFrames = m_source.qwFrames;
   std::this_thread::sleep_for(50ms);
-  EXPECT_EQ(qwFrames, m_source.qwFrames);
+  EXPECT_EQ(m_source.qwFrames, qwFrames);
   playback.Start();
   EXPECT_TRUE(m_source.WaitFor(qwFrames + 160));
 }
@@ -166,12 +166,12 @@ TEST_F(PlaybackTest, ADeviceThatIsThere_IsUsedAlone) {
     C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
     playback.Start();
     std::this_thread::sleep_for(50ms);
-    EXPECT_EQ(0U, m_source.qwFrames);
+    EXPECT_EQ(m_source.qwFrames, 0U);
     playback.Stop();
   }
-  EXPECT_EQ(1, m_log.nStarted);
-  EXPECT_EQ(1, m_log.nStopped);
-  EXPECT_EQ(1, m_log.nClosed);
+  EXPECT_EQ(m_log.nStarted, 1);
+  EXPECT_EQ(m_log.nStopped, 1);
+  EXPECT_EQ(m_log.nClosed, 1);
 }
 
 TEST_F(PlaybackTest, ADeviceThatIsLostWhilePlaying_IsFollowedByTheNullOutput) {
@@ -179,25 +179,25 @@ TEST_F(PlaybackTest, ADeviceThatIsLostWhilePlaying_IsFollowedByTheNullOutput) {
   playback.Start();
   std::vector<UInt8> frames(200);
   m_log.pClient->RenderFrames(frames.data(), 100);
-  EXPECT_EQ(100U, m_source.qwFrames);
+  EXPECT_EQ(m_source.qwFrames, 100U);
   std::thread([this] { m_log.pClient->DeviceLost(); }).join();
   EXPECT_TRUE(m_source.WaitFor(1000));
   playback.Stop();
-  EXPECT_EQ(0, m_log.nStopped);
+  EXPECT_EQ(m_log.nStopped, 0);
   const UInt64 qwFrames = m_source.qwFrames;
   playback.Start();
   EXPECT_TRUE(m_source.WaitFor(qwFrames + 320));
-  EXPECT_EQ(1, m_log.nStarted);
+  EXPECT_EQ(m_log.nStarted, 1);
 }
 
 TEST_F(PlaybackTest, ADeviceThatIsLostWhileStopped_StartsNothing) {
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   m_log.pClient->DeviceLost();
   std::this_thread::sleep_for(50ms);
-  EXPECT_EQ(0U, m_source.qwFrames);
+  EXPECT_EQ(m_source.qwFrames, 0U);
   playback.Start();
   EXPECT_TRUE(m_source.WaitFor(160));
-  EXPECT_EQ(0, m_log.nStarted);
+  EXPECT_EQ(m_log.nStarted, 0);
 }
 
 TEST_F(PlaybackTest, ADeviceThatDoesNotStart_IsReplacedByTheNullOutput) {
@@ -217,7 +217,7 @@ TEST_F(PlaybackTest, LosingTheDeviceWhileStopping_NeverLeavesAnythingRunning) {
     loser.join();
     const UInt64 qwFrames = m_source.qwFrames;
     std::this_thread::sleep_for(12ms);
-    EXPECT_EQ(qwFrames, m_source.qwFrames);
+    EXPECT_EQ(m_source.qwFrames, qwFrames);
   }
 }
 
@@ -230,19 +230,19 @@ TEST_F(PlaybackTest, DestroyingARunningPlayback_StopsIt) {
   }
   const UInt64 qwFrames = m_source.qwFrames;
   std::this_thread::sleep_for(30ms);
-  EXPECT_EQ(qwFrames, m_source.qwFrames);
+  EXPECT_EQ(m_source.qwFrames, qwFrames);
 }
 
 TEST_F(PlaybackTest, OnATerminal_SilentPlaybackIsAnnouncedOnce) {
   m_log.bRefuseOpen = true;
   const C_ErrorCapture capture(/*bTerminal=*/true);
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
-  EXPECT_EQ("", capture.Text());
+  EXPECT_EQ(capture.Text(), "");
   playback.Start();
-  EXPECT_EQ(std::string(kAnnouncement) + "\r\n", capture.Text());
+  EXPECT_EQ(capture.Text(), std::string(kAnnouncement) + "\r\n");
   playback.Stop();
   playback.Start();
-  EXPECT_EQ("", capture.Text());
+  EXPECT_EQ(capture.Text(), "");
 }
 
 TEST_F(PlaybackTest, OnAPipe_NothingIsAnnounced) {
@@ -251,14 +251,14 @@ TEST_F(PlaybackTest, OnAPipe_NothingIsAnnounced) {
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   playback.Start();
   EXPECT_TRUE(m_source.WaitFor(160));
-  EXPECT_EQ("", capture.Text());
+  EXPECT_EQ(capture.Text(), "");
 }
 
 TEST_F(PlaybackTest, ADeviceThatIsThere_IsNotAnnounced) {
   const C_ErrorCapture capture(/*bTerminal=*/true);
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   playback.Start();
-  EXPECT_EQ("", capture.Text());
+  EXPECT_EQ(capture.Text(), "");
 }
 
 class C_NoClient final : public toolbox::I_DeviceClient {
@@ -271,9 +271,9 @@ TEST_F(PlaybackTest, AMachineWithoutSound_HasNoDevice_AndSaysNothing) {
   UseNoSoundServerInThisProcess();
   const C_ErrorCapture capture(/*bTerminal=*/true);
   C_NoClient client;
-  EXPECT_EQ(nullptr, toolbox::OpenCubebDevice(m_format, client));
-  EXPECT_EQ(nullptr, toolbox::OpenCubebDevice({44100, 2, true}, client));
-  EXPECT_EQ("", capture.Text());
+  EXPECT_EQ(toolbox::OpenCubebDevice(m_format, client), nullptr);
+  EXPECT_EQ(toolbox::OpenCubebDevice({44100, 2, true}, client), nullptr);
+  EXPECT_EQ(capture.Text(), "");
 }
 
 }  // namespace

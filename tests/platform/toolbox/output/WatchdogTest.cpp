@@ -37,10 +37,10 @@ TEST_F(WatchdogTest, SilenceAsLongAsTheLimit_IsReportedOnce) {
   const C_Watchdog watchdog(100ms, m_showsLife, m_alarm);
   EXPECT_TRUE(WaitForAlarm(20s));
   EXPECT_GE(Clock::now() - begin, 100ms);
-  EXPECT_EQ(20, m_nAsked);
+  EXPECT_EQ(m_nAsked, 20);
   std::this_thread::sleep_for(150ms);
-  EXPECT_EQ(1, m_nAlarms);
-  EXPECT_EQ(20, m_nAsked);
+  EXPECT_EQ(m_nAlarms, 1);
+  EXPECT_EQ(m_nAsked, 20);
 }
 
 TEST_F(WatchdogTest, LifeKeepsItQuiet_AndSilenceIsCountedFromTheLastSign) {
@@ -57,7 +57,7 @@ TEST_F(WatchdogTest, OneThatIsDestroyed_EndsAtOnceAndSaysNothing) {
   const auto begin = Clock::now();
   { const C_Watchdog watchdog(1h, m_showsLife, m_alarm); }
   EXPECT_LT(Clock::now() - begin, 60s);
-  EXPECT_EQ(0, m_nAlarms);
+  EXPECT_EQ(m_nAlarms, 0);
 }
 
 // The child is stopped for twice the limit and finds no silence in that.
@@ -73,13 +73,13 @@ TEST_F(WatchdogTest, TimeInWhichTheProcessStoodStill_IsNoSilence) {
     _exit(m_nAlarms);
   }
   int nStatus = 0;
-  ASSERT_EQ(nChild, waitpid(nChild, &nStatus, WUNTRACED));
+  ASSERT_EQ(waitpid(nChild, &nStatus, WUNTRACED), nChild);
   ASSERT_TRUE(WIFSTOPPED(nStatus));
   std::this_thread::sleep_for(2000ms);
-  ASSERT_EQ(0, kill(nChild, SIGCONT));
-  ASSERT_EQ(nChild, waitpid(nChild, &nStatus, 0));
+  ASSERT_EQ(kill(nChild, SIGCONT), 0);
+  ASSERT_EQ(waitpid(nChild, &nStatus, 0), nChild);
   ASSERT_TRUE(WIFEXITED(nStatus));
-  EXPECT_EQ(0, WEXITSTATUS(nStatus));
+  EXPECT_EQ(WEXITSTATUS(nStatus), 0);
 }
 
 }  // namespace

@@ -58,27 +58,27 @@ TEST_F(AudioGraphTest, AGraphThatIsNeverStarted_OpensNoDevice) {
   {
     const C_PlayerGraph graph(File(1000));
     graph.Schedule(1000);
-    EXPECT_EQ(noErr, AUGraphStop(graph.Graph()));
+    EXPECT_EQ(AUGraphStop(graph.Graph()), noErr);
   }
-  EXPECT_EQ(0, m_devices.Log().nOpened);
+  EXPECT_EQ(m_devices.Log().nOpened, 0);
 }
 
 TEST_F(AudioGraphTest, TheFirstStart_OpensOneDevice_ForStereoFloatAtTheGraphsRate) {
   {
     const C_PlayerGraph graph(File(1000));
     graph.Start();
-    EXPECT_EQ(1, m_devices.Log().nOpened);
-    EXPECT_EQ(44100U, m_devices.Log().format.dwRate);
-    EXPECT_EQ(2U, m_devices.Log().format.dwChannels);
+    EXPECT_EQ(m_devices.Log().nOpened, 1);
+    EXPECT_EQ(m_devices.Log().format.dwRate, 44100U);
+    EXPECT_EQ(m_devices.Log().format.dwChannels, 2U);
     EXPECT_TRUE(m_devices.Log().format.bFloat);
     EXPECT_FALSE(m_devices.Log().format.bLongPeriods) << "positions would move in jumps";
     graph.Stop();
     graph.Start();
-    EXPECT_EQ(1, m_devices.Log().nOpened);
-    EXPECT_EQ(2, m_devices.Log().nStarted);
+    EXPECT_EQ(m_devices.Log().nOpened, 1);
+    EXPECT_EQ(m_devices.Log().nStarted, 2);
   }
-  EXPECT_EQ(2, m_devices.Log().nStopped);
-  EXPECT_EQ(1, m_devices.Log().nClosed);
+  EXPECT_EQ(m_devices.Log().nStopped, 2);
+  EXPECT_EQ(m_devices.Log().nClosed, 1);
 }
 
 TEST_F(AudioGraphTest, WhatTheDeviceGets_IsTheFileInterleaved_ThenSilence) {
@@ -94,7 +94,7 @@ TEST_F(AudioGraphTest, WhatTheDeviceGets_IsTheFileInterleaved_ThenSilence) {
 TEST_F(AudioGraphTest, ALargeRequest_IsRenderedInCyclesOf512_EachNotedBeforeAndAfter) {
   const C_PlayerGraph graph(File(3000));
   std::vector<S_Notice> notices;
-  EXPECT_EQ(noErr, AUGraphAddRenderNotify(graph.Graph(), &Note, &notices));
+  EXPECT_EQ(AUGraphAddRenderNotify(graph.Graph(), &Note, &notices), noErr);
   graph.Start();
   m_devices.Ask<float>(1200);
   m_devices.Ask<float>(10);
@@ -102,10 +102,10 @@ TEST_F(AudioGraphTest, ALargeRequest_IsRenderedInCyclesOf512_EachNotedBeforeAndA
                                       {8, 512, 1, 512}, {4, 1024, 1, 176}, {8, 1024, 1, 176},
                                       {4, 1200, 1, 10}, {8, 1200, 1, 10}};
   EXPECT_TRUE(notices == want);
-  EXPECT_EQ(noErr, AUGraphRemoveRenderNotify(graph.Graph(), &Note, &notices));
+  EXPECT_EQ(AUGraphRemoveRenderNotify(graph.Graph(), &Note, &notices), noErr);
   m_devices.Ask<float>(10);
-  EXPECT_EQ(want.size(), notices.size());
-  EXPECT_EQ(kAudio_ParamError, AUGraphRemoveRenderNotify(graph.Graph(), &Note, &notices));
+  EXPECT_EQ(notices.size(), want.size());
+  EXPECT_EQ(AUGraphRemoveRenderNotify(graph.Graph(), &Note, &notices), kAudio_ParamError);
 }
 
 TEST_F(AudioGraphTest, ANotification_MayReadTheStartTime_WhichIsKnownAfterTheFirstCycle) {
@@ -118,19 +118,19 @@ TEST_F(AudioGraphTest, ANotification_MayReadTheStartTime_WhichIsKnownAfterTheFir
     auto& seen = *static_cast<S_Seen*>(pSeen);
     AudioTimeStamp start{};
     UInt32 cbStart = sizeof start;
-    EXPECT_EQ(noErr,
-              seen.pGraph->Player().GetProperty(kAudioUnitProperty_ScheduleStartTimeStamp,
-                                                kAudioUnitScope_Global, 0, &start, &cbStart));
+    EXPECT_EQ(seen.pGraph->Player().GetProperty(kAudioUnitProperty_ScheduleStartTimeStamp,
+                                                kAudioUnitScope_Global, 0, &start, &cbStart),
+              noErr);
     seen.starts.push_back(start.mSampleTime);
     return noErr;
   };
   const C_PlayerGraph graph(File(3000));
   graph.Schedule(3000);
   S_Seen seen{&graph, {}};
-  EXPECT_EQ(noErr, AUGraphAddRenderNotify(graph.Graph(), read, &seen));
+  EXPECT_EQ(AUGraphAddRenderNotify(graph.Graph(), read, &seen), noErr);
   graph.Start();
   m_devices.Ask<float>(600);
-  EXPECT_EQ((std::vector<double>{-1.0, 0.0, 0.0, 0.0}), seen.starts);
+  EXPECT_EQ(seen.starts, (std::vector<double>{-1.0, 0.0, 0.0, 0.0}));
 }
 
 TEST_F(AudioGraphTest, StartingAgain_GoesOnWhereRenderingStopped) {
@@ -142,156 +142,156 @@ TEST_F(AudioGraphTest, StartingAgain_GoesOnWhereRenderingStopped) {
   graph.Start();
   const auto rest = m_devices.Ask<float>(2000);
   heard.insert(heard.end(), rest.begin(), rest.end());
-  EXPECT_EQ(Floats(), heard);
-  EXPECT_EQ(2536.0, graph.Position());
+  EXPECT_EQ(heard, Floats());
+  EXPECT_EQ(graph.Position(), 2536.0);
 }
 
 TEST_F(AudioGraphTest, IsRunning_FollowsStartAndStop) {
   const C_PlayerGraph graph(File(10));
   Boolean bRunning = 9;
   const auto isRunning = [&] {
-    EXPECT_EQ(noErr, AUGraphIsRunning(graph.Graph(), &bRunning));
+    EXPECT_EQ(AUGraphIsRunning(graph.Graph(), &bRunning), noErr);
     return bRunning == 1;
   };
   EXPECT_FALSE(isRunning());
   graph.Start();
   EXPECT_TRUE(isRunning());
   graph.Start();
-  EXPECT_EQ(1, m_devices.Log().nStarted);
+  EXPECT_EQ(m_devices.Log().nStarted, 1);
   graph.Stop();
   EXPECT_FALSE(isRunning());
   graph.Stop();
-  EXPECT_EQ(1, m_devices.Log().nStopped);
+  EXPECT_EQ(m_devices.Log().nStopped, 1);
 }
 
 TEST_F(AudioGraphTest, AGraphThatWasOnlyOpened_StopsUninitialisesAndCloses) {
   AUGraph graph = nullptr;
   AUNode node = 0;
-  ASSERT_EQ(noErr, NewAUGraph(&graph));
-  EXPECT_EQ(noErr, AUGraphAddNode(graph, &kOutput, &node));
-  EXPECT_EQ(noErr, AUGraphOpen(graph));
-  EXPECT_EQ(kAudioUnitErr_Uninitialized, AUGraphStart(graph));
-  EXPECT_EQ(noErr, AUGraphStop(graph));
-  EXPECT_EQ(noErr, AUGraphUninitialize(graph));
-  EXPECT_EQ(noErr, AudioFileClose(nullptr));
-  EXPECT_EQ(noErr, AUGraphClose(graph));
-  EXPECT_EQ(noErr, DisposeAUGraph(graph));
+  ASSERT_EQ(NewAUGraph(&graph), noErr);
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, &node), noErr);
+  EXPECT_EQ(AUGraphOpen(graph), noErr);
+  EXPECT_EQ(AUGraphStart(graph), kAudioUnitErr_Uninitialized);
+  EXPECT_EQ(AUGraphStop(graph), noErr);
+  EXPECT_EQ(AUGraphUninitialize(graph), noErr);
+  EXPECT_EQ(AudioFileClose(nullptr), noErr);
+  EXPECT_EQ(AUGraphClose(graph), noErr);
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
 }
 
 TEST_F(AudioGraphTest, AnEmptyGraph_StopsUninitialisesAndCloses) {
   AUGraph graph = nullptr;
-  ASSERT_EQ(noErr, NewAUGraph(&graph));
-  EXPECT_EQ(noErr, AUGraphStop(graph));
-  EXPECT_EQ(noErr, AUGraphUninitialize(graph));
-  EXPECT_EQ(noErr, AUGraphClose(graph));
-  EXPECT_EQ(kAUGraphErr_CannotDoInCurrentContext, AUGraphInitialize(graph));
-  EXPECT_EQ(noErr, AUGraphOpen(graph));
-  EXPECT_EQ(kAUGraphErr_OutputNodeErr, AUGraphInitialize(graph));
-  EXPECT_EQ(noErr, DisposeAUGraph(graph));
+  ASSERT_EQ(NewAUGraph(&graph), noErr);
+  EXPECT_EQ(AUGraphStop(graph), noErr);
+  EXPECT_EQ(AUGraphUninitialize(graph), noErr);
+  EXPECT_EQ(AUGraphClose(graph), noErr);
+  EXPECT_EQ(AUGraphInitialize(graph), kAUGraphErr_CannotDoInCurrentContext);
+  EXPECT_EQ(AUGraphOpen(graph), noErr);
+  EXPECT_EQ(AUGraphInitialize(graph), kAUGraphErr_OutputNodeErr);
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
 }
 
 TEST_F(AudioGraphTest, Nodes_GetNumbersFromOne_AndUnitsWhenTheGraphOpens) {
   AUGraph graph = nullptr;
-  ASSERT_EQ(noErr, NewAUGraph(&graph));
+  ASSERT_EQ(NewAUGraph(&graph), noErr);
   AUNode output = 0;
   AUNode player = 0;
-  EXPECT_EQ(noErr, AUGraphAddNode(graph, &kOutput, &output));
-  EXPECT_EQ(1, output);
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, &output), noErr);
+  EXPECT_EQ(output, 1);
   AudioUnit unit = nullptr;
-  EXPECT_EQ(noErr, AUGraphNodeInfo(graph, output, nullptr, &unit));
-  EXPECT_EQ(nullptr, unit);
-  EXPECT_EQ(noErr, AUGraphOpen(graph));
-  EXPECT_EQ(noErr, AUGraphAddNode(graph, &kPlayer, &player));
-  EXPECT_EQ(2, player);
+  EXPECT_EQ(AUGraphNodeInfo(graph, output, nullptr, &unit), noErr);
+  EXPECT_EQ(unit, nullptr);
+  EXPECT_EQ(AUGraphOpen(graph), noErr);
+  EXPECT_EQ(AUGraphAddNode(graph, &kPlayer, &player), noErr);
+  EXPECT_EQ(player, 2);
   AudioComponentDescription description{};
-  EXPECT_EQ(noErr, AUGraphNodeInfo(graph, player, &description, &unit));
-  EXPECT_NE(nullptr, unit);
-  EXPECT_EQ(OSType{kAudioUnitSubType_AudioFilePlayer}, description.componentSubType);
-  EXPECT_EQ(kAUGraphErr_NodeNotFound, AUGraphNodeInfo(graph, 3, nullptr, &unit));
-  EXPECT_EQ(kAUGraphErr_OutputNodeErr, AUGraphAddNode(graph, &kOutput, &output));
+  EXPECT_EQ(AUGraphNodeInfo(graph, player, &description, &unit), noErr);
+  EXPECT_NE(unit, nullptr);
+  EXPECT_EQ(description.componentSubType, OSType{kAudioUnitSubType_AudioFilePlayer});
+  EXPECT_EQ(AUGraphNodeInfo(graph, 3, nullptr, &unit), kAUGraphErr_NodeNotFound);
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, &output), kAUGraphErr_OutputNodeErr);
   const AudioComponentDescription unknown = {kAudioUnitType_Output, 0x12345678, 0, 0, 0};
-  EXPECT_EQ(kAUGraphErr_InvalidAudioUnit, AUGraphAddNode(graph, &unknown, &output));
-  EXPECT_EQ(noErr, AUGraphClose(graph));
-  EXPECT_EQ(noErr, AUGraphNodeInfo(graph, player, nullptr, &unit));
-  EXPECT_EQ(nullptr, unit);
-  EXPECT_EQ(noErr, DisposeAUGraph(graph));
+  EXPECT_EQ(AUGraphAddNode(graph, &unknown, &output), kAUGraphErr_InvalidAudioUnit);
+  EXPECT_EQ(AUGraphClose(graph), noErr);
+  EXPECT_EQ(AUGraphNodeInfo(graph, player, nullptr, &unit), noErr);
+  EXPECT_EQ(unit, nullptr);
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
 }
 
 TEST_F(AudioGraphTest, OnlyAPlayersOutputIntoTheOutputsInput_CanBeConnected_AndOnlyOnce) {
   AUGraph graph = nullptr;
-  ASSERT_EQ(noErr, NewAUGraph(&graph));
+  ASSERT_EQ(NewAUGraph(&graph), noErr);
   AUNode output = 0;
   AUNode player = 0;
-  EXPECT_EQ(noErr, AUGraphAddNode(graph, &kOutput, &output));
-  EXPECT_EQ(noErr, AUGraphAddNode(graph, &kPlayer, &player));
-  EXPECT_EQ(kAUGraphErr_NodeNotFound, AUGraphConnectNodeInput(graph, 9, 0, output, 0));
-  EXPECT_EQ(kAUGraphErr_NodeNotFound, AUGraphConnectNodeInput(graph, player, 0, 9, 0));
-  EXPECT_EQ(kAUGraphErr_InvalidConnection, AUGraphConnectNodeInput(graph, output, 0, player, 0));
-  EXPECT_EQ(kAUGraphErr_InvalidConnection, AUGraphConnectNodeInput(graph, player, 1, output, 0));
-  EXPECT_EQ(kAUGraphErr_InvalidConnection, AUGraphConnectNodeInput(graph, player, 0, output, 1));
-  EXPECT_EQ(noErr, AUGraphConnectNodeInput(graph, player, 0, output, 0));
-  EXPECT_EQ(kAUGraphErr_InvalidConnection, AUGraphConnectNodeInput(graph, player, 0, output, 0));
-  EXPECT_EQ(noErr, DisposeAUGraph(graph));
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, &output), noErr);
+  EXPECT_EQ(AUGraphAddNode(graph, &kPlayer, &player), noErr);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, 9, 0, output, 0), kAUGraphErr_NodeNotFound);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, player, 0, 9, 0), kAUGraphErr_NodeNotFound);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, output, 0, player, 0), kAUGraphErr_InvalidConnection);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, player, 1, output, 0), kAUGraphErr_InvalidConnection);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, player, 0, output, 1), kAUGraphErr_InvalidConnection);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, player, 0, output, 0), noErr);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, player, 0, output, 0), kAUGraphErr_InvalidConnection);
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
 }
 
 TEST_F(AudioGraphTest, AnOutputWithoutSource_PlaysSilence) {
   AUGraph graph = nullptr;
   AUNode node = 0;
-  ASSERT_EQ(noErr, NewAUGraph(&graph));
-  EXPECT_EQ(noErr, AUGraphAddNode(graph, &kOutput, &node));
-  EXPECT_EQ(noErr, AUGraphOpen(graph));
-  EXPECT_EQ(noErr, AUGraphInitialize(graph));
-  EXPECT_EQ(noErr, AUGraphStart(graph));
-  EXPECT_EQ(std::vector<float>(1400, 0.0F), m_devices.Ask<float>(700));
-  EXPECT_EQ(noErr, DisposeAUGraph(graph));
-  EXPECT_EQ(1, m_devices.Log().nStopped);
-  EXPECT_EQ(1, m_devices.Log().nClosed);
+  ASSERT_EQ(NewAUGraph(&graph), noErr);
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, &node), noErr);
+  EXPECT_EQ(AUGraphOpen(graph), noErr);
+  EXPECT_EQ(AUGraphInitialize(graph), noErr);
+  EXPECT_EQ(AUGraphStart(graph), noErr);
+  EXPECT_EQ(m_devices.Ask<float>(700), std::vector<float>(1400, 0.0F));
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
+  EXPECT_EQ(m_devices.Log().nStopped, 1);
+  EXPECT_EQ(m_devices.Log().nClosed, 1);
 }
 
 TEST_F(AudioGraphTest, ClosingARunningGraph_StopsIt) {
   {
     const C_PlayerGraph graph(File(10));
     graph.Start();
-    EXPECT_EQ(noErr, AUGraphClose(graph.Graph()));
-    EXPECT_EQ(1, m_devices.Log().nStopped);
-    EXPECT_EQ(1, m_devices.Log().nClosed);
+    EXPECT_EQ(AUGraphClose(graph.Graph()), noErr);
+    EXPECT_EQ(m_devices.Log().nStopped, 1);
+    EXPECT_EQ(m_devices.Log().nClosed, 1);
   }
 }
 
 TEST_F(AudioGraphTest, AfterUninitialising_TheGraphInitialisesAndStartsAnew) {
   const C_PlayerGraph graph(File(100));
   graph.Start();
-  EXPECT_EQ(noErr, AUGraphUninitialize(graph.Graph()));
-  EXPECT_EQ(1, m_devices.Log().nClosed);
-  EXPECT_EQ(kAudioUnitErr_Uninitialized, AUGraphStart(graph.Graph()));
-  EXPECT_EQ(noErr, AUGraphInitialize(graph.Graph()));
+  EXPECT_EQ(AUGraphUninitialize(graph.Graph()), noErr);
+  EXPECT_EQ(m_devices.Log().nClosed, 1);
+  EXPECT_EQ(AUGraphStart(graph.Graph()), kAudioUnitErr_Uninitialized);
+  EXPECT_EQ(AUGraphInitialize(graph.Graph()), noErr);
   graph.Schedule(100);
   graph.Start();
-  EXPECT_EQ(2, m_devices.Log().nOpened);
-  EXPECT_EQ(Floats(), m_devices.Ask<float>(100));
+  EXPECT_EQ(m_devices.Log().nOpened, 2);
+  EXPECT_EQ(m_devices.Ask<float>(100), Floats());
 }
 
 TEST_F(AudioGraphTest, NullAndStaleHandles_AreRefused) {
   AUGraph graph = nullptr;
-  ASSERT_EQ(noErr, NewAUGraph(&graph));
+  ASSERT_EQ(NewAUGraph(&graph), noErr);
   AUNode node = 0;
   Boolean bRunning = 0;
-  EXPECT_EQ(kAudio_ParamError, NewAUGraph(nullptr));
-  EXPECT_EQ(kAudio_ParamError, AUGraphAddNode(graph, nullptr, &node));
-  EXPECT_EQ(kAudio_ParamError, AUGraphAddNode(graph, &kOutput, nullptr));
-  EXPECT_EQ(kAudio_ParamError, AUGraphAddRenderNotify(graph, nullptr, nullptr));
-  EXPECT_EQ(kAudio_ParamError, AUGraphIsRunning(graph, nullptr));
-  EXPECT_EQ(noErr, DisposeAUGraph(graph));
+  EXPECT_EQ(NewAUGraph(nullptr), kAudio_ParamError);
+  EXPECT_EQ(AUGraphAddNode(graph, nullptr, &node), kAudio_ParamError);
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, nullptr), kAudio_ParamError);
+  EXPECT_EQ(AUGraphAddRenderNotify(graph, nullptr, nullptr), kAudio_ParamError);
+  EXPECT_EQ(AUGraphIsRunning(graph, nullptr), kAudio_ParamError);
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
   for (const AUGraph bad : {graph, AUGraph{nullptr}}) {
-    EXPECT_EQ(kAudio_ParamError, DisposeAUGraph(bad));
-    EXPECT_EQ(kAudio_ParamError, AUGraphOpen(bad));
-    EXPECT_EQ(kAudio_ParamError, AUGraphInitialize(bad));
-    EXPECT_EQ(kAudio_ParamError, AUGraphStart(bad));
-    EXPECT_EQ(kAudio_ParamError, AUGraphStop(bad));
-    EXPECT_EQ(kAudio_ParamError, AUGraphIsRunning(bad, &bRunning));
-    EXPECT_EQ(kAudio_ParamError, AUGraphUninitialize(bad));
-    EXPECT_EQ(kAudio_ParamError, AUGraphClose(bad));
-    EXPECT_EQ(kAudio_ParamError, AUGraphNodeInfo(bad, 1, nullptr, nullptr));
+    EXPECT_EQ(DisposeAUGraph(bad), kAudio_ParamError);
+    EXPECT_EQ(AUGraphOpen(bad), kAudio_ParamError);
+    EXPECT_EQ(AUGraphInitialize(bad), kAudio_ParamError);
+    EXPECT_EQ(AUGraphStart(bad), kAudio_ParamError);
+    EXPECT_EQ(AUGraphStop(bad), kAudio_ParamError);
+    EXPECT_EQ(AUGraphIsRunning(bad, &bRunning), kAudio_ParamError);
+    EXPECT_EQ(AUGraphUninitialize(bad), kAudio_ParamError);
+    EXPECT_EQ(AUGraphClose(bad), kAudio_ParamError);
+    EXPECT_EQ(AUGraphNodeInfo(bad, 1, nullptr, nullptr), kAudio_ParamError);
   }
 }
 

@@ -15,29 +15,29 @@ namespace {
 std::string NameOf(OSType dwType) {
   const AudioComponentDescription description = {dwType, 0, 0, 0, 0};
   CFStringRef name = nullptr;
-  EXPECT_EQ(noErr, AudioComponentCopyName(AudioComponentFindNext(nullptr, &description), &name));
+  EXPECT_EQ(AudioComponentCopyName(AudioComponentFindNext(nullptr, &description), &name), noErr);
   std::array<char, 64> text{};
-  EXPECT_EQ(1, CFStringGetCString(name, text.data(), text.size(), kCFStringEncodingUTF8));
+  EXPECT_EQ(CFStringGetCString(name, text.data(), text.size(), kCFStringEncodingUTF8), 1);
   if (name != nullptr) CFRelease(name);
   return text.data();
 }
 
 TEST(ComponentNameTest, BothComponentsNameTheirMakerAndThemselves) {
-  EXPECT_EQ("Voxplay: Default Output", NameOf(kAudioUnitType_Output));
-  EXPECT_EQ("Voxplay: File Player", NameOf(kAudioUnitType_Generator));
+  EXPECT_EQ(NameOf(kAudioUnitType_Output), "Voxplay: Default Output");
+  EXPECT_EQ(NameOf(kAudioUnitType_Generator), "Voxplay: File Player");
 }
 
 TEST(ComponentNameTest, WhatIsNoComponent_HasNoName) {
   CFStringRef name = reinterpret_cast<CFStringRef>(&name);
-  EXPECT_EQ(kAudio_ParamError, AudioComponentCopyName(nullptr, &name));
-  EXPECT_EQ(nullptr, name);
+  EXPECT_EQ(AudioComponentCopyName(nullptr, &name), kAudio_ParamError);
+  EXPECT_EQ(name, nullptr);
   const AudioComponentDescription any{};
-  EXPECT_EQ(kAudio_ParamError,
-            AudioComponentCopyName(AudioComponentFindNext(nullptr, &any), nullptr));
+  EXPECT_EQ(AudioComponentCopyName(AudioComponentFindNext(nullptr, &any), nullptr),
+            kAudio_ParamError);
   int nInvented = 0;
-  EXPECT_EQ(kAudio_ParamError,
-            AudioComponentCopyName(reinterpret_cast<AudioComponent>(&nInvented), &name));
-  EXPECT_EQ(nullptr, name);
+  EXPECT_EQ(AudioComponentCopyName(reinterpret_cast<AudioComponent>(&nInvented), &name),
+            kAudio_ParamError);
+  EXPECT_EQ(name, nullptr);
 }
 
 TEST(ComponentNameTest, AUnitKnowsItsComponent_WhileItLives) {
@@ -46,34 +46,34 @@ TEST(ComponentNameTest, AUnitKnowsItsComponent_WhileItLives) {
   const AudioComponent second = AudioComponentFindNext(first, &any);
   for (const AudioComponent component : {first, second}) {
     AudioUnit unit = nullptr;
-    ASSERT_EQ(noErr, AudioComponentInstanceNew(component, &unit));
-    EXPECT_EQ(component, AudioComponentInstanceGetComponent(unit));
-    EXPECT_EQ(noErr, AudioComponentInstanceDispose(unit));
-    EXPECT_EQ(nullptr, AudioComponentInstanceGetComponent(unit));
+    ASSERT_EQ(AudioComponentInstanceNew(component, &unit), noErr);
+    EXPECT_EQ(AudioComponentInstanceGetComponent(unit), component);
+    EXPECT_EQ(AudioComponentInstanceDispose(unit), noErr);
+    EXPECT_EQ(AudioComponentInstanceGetComponent(unit), nullptr);
   }
-  EXPECT_EQ(nullptr, AudioComponentInstanceGetComponent(nullptr));
+  EXPECT_EQ(AudioComponentInstanceGetComponent(nullptr), nullptr);
 }
 
 TEST(CoreStringTest, TheTextNeedsRoomForAllOfIt) {
   const OpaqueCFString text("Echo");
   std::array<char, 6> buffer = {'#', '#', '#', '#', '#', '#'};
-  EXPECT_EQ(0, CFStringGetCString(&text, buffer.data(), 4, kCFStringEncodingUTF8));
-  EXPECT_EQ(0, CFStringGetCString(&text, buffer.data(), 0, kCFStringEncodingUTF8));
-  EXPECT_EQ(0, CFStringGetCString(&text, buffer.data(), -1, kCFStringEncodingUTF8));
-  EXPECT_EQ("######", std::string(buffer.data(), buffer.size()));
-  EXPECT_EQ(1, CFStringGetCString(&text, buffer.data(), 5, kCFStringEncodingUTF8));
-  EXPECT_EQ(std::string("Echo\0#", 6), std::string(buffer.data(), buffer.size()));
+  EXPECT_EQ(CFStringGetCString(&text, buffer.data(), 4, kCFStringEncodingUTF8), 0);
+  EXPECT_EQ(CFStringGetCString(&text, buffer.data(), 0, kCFStringEncodingUTF8), 0);
+  EXPECT_EQ(CFStringGetCString(&text, buffer.data(), -1, kCFStringEncodingUTF8), 0);
+  EXPECT_EQ(std::string(buffer.data(), buffer.size()), "######");
+  EXPECT_EQ(CFStringGetCString(&text, buffer.data(), 5, kCFStringEncodingUTF8), 1);
+  EXPECT_EQ(std::string(buffer.data(), buffer.size()), std::string("Echo\0#", 6));
 }
 
 TEST(CoreStringTest, NothingAndOtherEncodings_AreRefused) {
   const OpaqueCFString text("Echo");
   std::array<char, 8> buffer{};
-  EXPECT_EQ(0, CFStringGetCString(nullptr, buffer.data(), 8, kCFStringEncodingUTF8));
-  EXPECT_EQ(0, CFStringGetCString(&text, nullptr, 8, kCFStringEncodingUTF8));
-  EXPECT_EQ(0, CFStringGetCString(&text, buffer.data(), 8, 0));
-  EXPECT_EQ(0, CFStringGetLength(nullptr));
-  EXPECT_EQ(-1, CFStringGetMaximumSizeForEncoding(4, 0));
-  EXPECT_EQ(-1, CFStringGetMaximumSizeForEncoding(-1, kCFStringEncodingUTF8));
+  EXPECT_EQ(CFStringGetCString(nullptr, buffer.data(), 8, kCFStringEncodingUTF8), 0);
+  EXPECT_EQ(CFStringGetCString(&text, nullptr, 8, kCFStringEncodingUTF8), 0);
+  EXPECT_EQ(CFStringGetCString(&text, buffer.data(), 8, 0), 0);
+  EXPECT_EQ(CFStringGetLength(nullptr), 0);
+  EXPECT_EQ(CFStringGetMaximumSizeForEncoding(4, 0), -1);
+  EXPECT_EQ(CFStringGetMaximumSizeForEncoding(-1, kCFStringEncodingUTF8), -1);
 }
 
 TEST(CoreStringTest, Lengths_CountUnitsOfUtf16) {
@@ -86,15 +86,15 @@ TEST(CoreStringTest, Lengths_CountUnitsOfUtf16) {
        {S_Row{"", 0}, S_Row{"a", 1}, S_Row{"\xC3\xBC", 1}, S_Row{"\xE2\x82\xAC", 1},
         S_Row{"\xF0\x9D\x84\x9E", 2}, S_Row{"a\xC3\xBC\xE2\x82\xAC\xF0\x9D\x84\x9E", 5}}) {
     const OpaqueCFString text(row.pszUtf8);
-    EXPECT_EQ(row.nLength, CFStringGetLength(&text)) << row.pszUtf8;
+    EXPECT_EQ(CFStringGetLength(&text), row.nLength) << row.pszUtf8;
     // The room that is told for that length is enough.
     EXPECT_LE(static_cast<CFIndex>(text.text.size()),
               CFStringGetMaximumSizeForEncoding(row.nLength, kCFStringEncodingUTF8));
   }
   constexpr CFIndex kMost = std::numeric_limits<CFIndex>::max();
-  EXPECT_EQ(12, CFStringGetMaximumSizeForEncoding(4, kCFStringEncodingUTF8));
-  EXPECT_EQ(kMost / 3 * 3, CFStringGetMaximumSizeForEncoding(kMost / 3, kCFStringEncodingUTF8));
-  EXPECT_EQ(-1, CFStringGetMaximumSizeForEncoding(kMost / 3 + 1, kCFStringEncodingUTF8));
+  EXPECT_EQ(CFStringGetMaximumSizeForEncoding(4, kCFStringEncodingUTF8), 12);
+  EXPECT_EQ(CFStringGetMaximumSizeForEncoding(kMost / 3, kCFStringEncodingUTF8), kMost / 3 * 3);
+  EXPECT_EQ(CFStringGetMaximumSizeForEncoding(kMost / 3 + 1, kCFStringEncodingUTF8), -1);
 }
 
 }  // namespace

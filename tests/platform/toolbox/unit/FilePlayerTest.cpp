@@ -40,8 +40,9 @@ std::vector<float> Converted(const std::vector<float>& input, double dFrom, doub
   std::vector<float> output(
       static_cast<std::size_t>(static_cast<double>(input.size()) * dTo / dFrom) + 16);
   std::size_t nDone = 0;
-  EXPECT_EQ(nullptr, soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
-                                  output.size(), &nDone, &io, &quality, nullptr));
+  EXPECT_EQ(soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
+                         output.size(), &nDone, &io, &quality, nullptr),
+            nullptr);
   output.resize(nDone);
   return output;
 }
@@ -66,9 +67,9 @@ TEST_F(FilePlayerTest, AMonoFile_SoundsOnBothSides_ConvertedWithOneFilter) {
   m_player.Play(16000);
   const auto sides = m_player.Render(45000);
   const auto want = Converted(Channel(samples, 0, 1), 16000, 44100);
-  ASSERT_EQ(44100U, want.size());
+  ASSERT_EQ(want.size(), 44100U);
   EXPECT_TRUE(std::equal(want.begin(), want.end(), sides[0].begin()));
-  EXPECT_EQ(sides[0], sides[1]);
+  EXPECT_EQ(sides[1], sides[0]);
   EXPECT_TRUE(IsSilent(sides[0].begin() + 44100, sides[0].end()));
 }
 
@@ -99,7 +100,7 @@ TEST_F(FilePlayerTest, AThereAndBackConversion_KeepsNinetyDecibelsOfTheSound) {
   m_player.Play(32000);
   const auto there = m_player.Render(88200)[0];
   const auto back = Converted(there, 44100, 16000);
-  ASSERT_EQ(32000U, back.size());
+  ASSERT_EQ(back.size(), 32000U);
   double dSignal = 0;
   double dNoise = 0;
   for (std::size_t n = 1000; n < 31000; ++n) {
@@ -119,8 +120,8 @@ TEST_F(FilePlayerTest, OfThreeChannels_TheFirstTwoSound) {
   m_player.UseFile(m_folder.Path("a.wav"));
   m_player.Play(1000);
   const auto sides = m_player.Render(1000);
-  EXPECT_EQ(Channel(samples, 0, 3), sides[0]);
-  EXPECT_EQ(Channel(samples, 1, 3), sides[1]);
+  EXPECT_EQ(sides[0], Channel(samples, 0, 3));
+  EXPECT_EQ(sides[1], Channel(samples, 1, 3));
 }
 
 TEST_F(FilePlayerTest, AnOutputOfOneChannel_GetsTheFirst) {
@@ -129,7 +130,7 @@ TEST_F(FilePlayerTest, AnOutputOfOneChannel_GetsTheFirst) {
   m_player.UseOneChannel();
   m_player.UseFile(m_folder.Path("a.wav"));
   m_player.Play(1000);
-  EXPECT_EQ(Channel(samples, 0, 2), m_player.Render(1000)[0]);
+  EXPECT_EQ(m_player.Render(1000)[0], Channel(samples, 0, 2));
 }
 
 TEST_F(FilePlayerTest, OnlyTheScheduledFrames_AreHeard) {
@@ -138,9 +139,9 @@ TEST_F(FilePlayerTest, OnlyTheScheduledFrames_AreHeard) {
   m_player.UseFile(m_folder.Path("a.wav"));
   auto region = m_player.Region(78);
   region.mStartFrame = 100;
-  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  EXPECT_EQ(m_player.SetRegion(region), noErr);
   m_player.StartAt(-1.0);
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
   const auto side = m_player.Render(1000)[0];
   const auto all = Channel(samples, 0, 1);
   EXPECT_TRUE(std::equal(side.begin(), side.begin() + 78, all.begin() + 100));
@@ -153,7 +154,7 @@ TEST_F(FilePlayerTest, MoreFramesThanTheFileHas_EndWithTheFile) {
   m_player.UseFile(m_folder.Path("a.wav"));
   m_player.Play(0xFFFFFFFFU);
   const auto side = m_player.Render(1024)[0];
-  EXPECT_NE(0.0F, side[299]);
+  EXPECT_NE(side[299], 0.0F);
   EXPECT_TRUE(IsSilent(side.begin() + 300, side.end()));
 }
 
@@ -168,17 +169,17 @@ TEST_F(FilePlayerTest, AnEmptyFile_IsSilence) {
 TEST_F(FilePlayerTest, TheStartTime_ReadsAsMinusOneUntilTheFirstCycleGivesItItsOwn) {
   Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
   m_player.UseFile(m_folder.Path("a.wav"));
-  EXPECT_EQ(0U, m_player.StartTime().mFlags);
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
-  EXPECT_EQ(noErr, m_player.Cycle(512));
-  EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(1000)));
+  EXPECT_EQ(m_player.StartTime().mFlags, 0U);
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
+  EXPECT_EQ(m_player.Cycle(512), noErr);
+  EXPECT_EQ(m_player.SetRegion(m_player.Region(1000)), noErr);
   m_player.StartAt(-1.0);
-  EXPECT_EQ(-1.0, m_player.StartTime().mSampleTime);
-  EXPECT_EQ(1U, m_player.StartTime().mFlags);
-  EXPECT_EQ(noErr, m_player.Cycle(512));
-  EXPECT_EQ(512.0, m_player.StartTime().mSampleTime);
-  EXPECT_EQ(noErr, m_player.Cycle(512));
-  EXPECT_EQ(512.0, m_player.StartTime().mSampleTime);
+  EXPECT_EQ(m_player.StartTime().mSampleTime, -1.0);
+  EXPECT_EQ(m_player.StartTime().mFlags, 1U);
+  EXPECT_EQ(m_player.Cycle(512), noErr);
+  EXPECT_EQ(m_player.StartTime().mSampleTime, 512.0);
+  EXPECT_EQ(m_player.Cycle(512), noErr);
+  EXPECT_EQ(m_player.StartTime().mSampleTime, 512.0);
 }
 
 TEST_F(FilePlayerTest, ALaterStartAndARegionsOwnTime_AreWaitedForToTheFrame) {
@@ -187,9 +188,9 @@ TEST_F(FilePlayerTest, ALaterStartAndARegionsOwnTime_AreWaitedForToTheFrame) {
   m_player.UseFile(m_folder.Path("a.wav"));
   auto region = m_player.Region(1000);
   region.mTimeStamp.mSampleTime = 300;
-  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  EXPECT_EQ(m_player.SetRegion(region), noErr);
   m_player.StartAt(700);
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
   const auto side = m_player.Render(2048)[0];
   const auto want = Channel(samples, 0, 1);
   EXPECT_TRUE(IsSilent(side.begin(), side.begin() + 1000));
@@ -200,14 +201,14 @@ TEST_F(FilePlayerTest, AClosedFile_StaysAudibleForItsRegion) {
   const auto samples = SweepWithNoise(1000, 44100);
   Write("a.wav", 44100, 1, samples);
   const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.wav"));
-  EXPECT_EQ(noErr, m_player.Set(kAudioUnitProperty_ScheduledFileIDs, audioFile));
+  EXPECT_EQ(m_player.Set(kAudioUnitProperty_ScheduledFileIDs, audioFile), noErr);
   auto region = m_player.Region(1000);
   region.mAudioFile = audioFile;
-  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  EXPECT_EQ(m_player.SetRegion(region), noErr);
   m_player.StartAt(-1.0);
-  EXPECT_EQ(noErr, AudioFileClose(audioFile));
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
-  EXPECT_EQ(Channel(samples, 0, 1), m_player.Render(1000)[0]);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
+  EXPECT_EQ(m_player.Render(1000)[0], Channel(samples, 0, 1));
 }
 
 TEST_F(FilePlayerTest, ReadingPacketsMeanwhile_DoesNotDisturbTheSound) {
@@ -219,24 +220,24 @@ TEST_F(FilePlayerTest, ReadingPacketsMeanwhile_DoesNotDisturbTheSound) {
   std::int16_t nLast = 0;
   UInt32 cbData = sizeof nLast;
   UInt32 dwPackets = 1;
-  EXPECT_EQ(noErr, AudioFileReadPacketData(m_player.File(), 0, &cbData, nullptr, 2999, &dwPackets,
-                                           &nLast));
-  EXPECT_EQ(samples[2999], nLast);
+  EXPECT_EQ(AudioFileReadPacketData(m_player.File(), 0, &cbData, nullptr, 2999, &dwPackets, &nLast),
+            noErr);
+  EXPECT_EQ(nLast, samples[2999]);
   const auto rest = m_player.Render(2488)[0];
   side.insert(side.end(), rest.begin(), rest.end());
-  EXPECT_EQ(Channel(samples, 0, 1), side);
+  EXPECT_EQ(side, Channel(samples, 0, 1));
 }
 
 TEST_F(FilePlayerTest, UninitialisingForgetsTheRegion) {
   Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
   m_player.UseFile(m_folder.Path("a.wav"));
   m_player.Play(1000);
-  EXPECT_EQ(noErr, AudioUnitUninitialize(m_player.Unit()));
-  EXPECT_EQ(kAudioUnitErr_Uninitialized, m_player.Cycle(512));
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(AudioUnitUninitialize(m_player.Unit()), noErr);
+  EXPECT_EQ(m_player.Cycle(512), kAudioUnitErr_Uninitialized);
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
   const auto side = m_player.Render(512)[0];
   EXPECT_TRUE(IsSilent(side.begin(), side.end()));
-  EXPECT_EQ(0U, m_player.StartTime().mFlags);
+  EXPECT_EQ(m_player.StartTime().mFlags, 0U);
 }
 
 TEST_F(FilePlayerTest, EveryFormatButPlanarFloat_IsRefused) {
@@ -244,76 +245,77 @@ TEST_F(FilePlayerTest, EveryFormatButPlanarFloat_IsRefused) {
   const auto set = [this](const AudioStreamBasicDescription& format) {
     return m_player.Set(kAudioUnitProperty_StreamFormat, format, kAudioUnitScope_Output);
   };
-  EXPECT_EQ(noErr, set(good));
+  EXPECT_EQ(set(good), noErr);
   for (const double dRate : {0.0, -1.0, 999.0, 192001.0, 44100.5, std::nan("")}) {
     auto bad = good;
     bad.mSampleRate = dRate;
-    EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad)) << dRate;
+    EXPECT_EQ(set(bad), kAudioUnitErr_FormatNotSupported) << dRate;
   }
   for (const UInt32 dwChannels : {0U, 3U, 0xFFFFFFFFU}) {
     auto bad = good;
     bad.mChannelsPerFrame = dwChannels;
-    EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad)) << dwChannels;
+    EXPECT_EQ(set(bad), kAudioUnitErr_FormatNotSupported) << dwChannels;
   }
   auto bad = good;
   bad.mFormatFlags = 9;
-  EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad));
+  EXPECT_EQ(set(bad), kAudioUnitErr_FormatNotSupported);
   bad = good;
   bad.mBytesPerFrame = 8;
-  EXPECT_EQ(kAudioUnitErr_FormatNotSupported, set(bad));
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
-  EXPECT_EQ(kAudioUnitErr_Initialized, set(good));
+  EXPECT_EQ(set(bad), kAudioUnitErr_FormatNotSupported);
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
+  EXPECT_EQ(set(good), kAudioUnitErr_Initialized);
 }
 
 TEST_F(FilePlayerTest, BadPropertiesScopesElementsAndSizes_AreRefused) {
   UInt32 dwValue = 0;
   const AudioUnit unit = m_player.Unit();
-  EXPECT_EQ(kAudioUnitErr_InvalidProperty, m_player.Set(9999, dwValue));
-  EXPECT_EQ(kAudioUnitErr_InvalidScope,
-            m_player.Set(kAudioUnitProperty_ScheduledFilePrime, dwValue, kAudioUnitScope_Input));
-  EXPECT_EQ(kAudioUnitErr_InvalidElement,
-            AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
-                                 kAudioUnitScope_Global, 1, &dwValue, sizeof dwValue));
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
-            AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
-                                 kAudioUnitScope_Global, 0, &dwValue, 3));
-  EXPECT_EQ(kAudio_ParamError, AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
-                                                    kAudioUnitScope_Global, 0, nullptr, 4));
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
-            m_player.Set(kAudioUnitProperty_ScheduledFileIDs, dwValue));
-  EXPECT_EQ(kAudioUnitErr_InvalidFile,
-            m_player.Set(kAudioUnitProperty_ScheduledFileIDs, AudioFileID{nullptr}));
+  EXPECT_EQ(m_player.Set(9999, dwValue), kAudioUnitErr_InvalidProperty);
+  EXPECT_EQ(m_player.Set(kAudioUnitProperty_ScheduledFilePrime, dwValue, kAudioUnitScope_Input),
+            kAudioUnitErr_InvalidScope);
+  EXPECT_EQ(AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
+                                 kAudioUnitScope_Global, 1, &dwValue, sizeof dwValue),
+            kAudioUnitErr_InvalidElement);
+  EXPECT_EQ(AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
+                                 kAudioUnitScope_Global, 0, &dwValue, 3),
+            kAudioUnitErr_InvalidPropertyValue);
+  EXPECT_EQ(AudioUnitSetProperty(unit, kAudioUnitProperty_ScheduledFilePrime,
+                                 kAudioUnitScope_Global, 0, nullptr, 4),
+            kAudio_ParamError);
+  EXPECT_EQ(m_player.Set(kAudioUnitProperty_ScheduledFileIDs, dwValue),
+            kAudioUnitErr_InvalidPropertyValue);
+  EXPECT_EQ(m_player.Set(kAudioUnitProperty_ScheduledFileIDs, AudioFileID{nullptr}),
+            kAudioUnitErr_InvalidFile);
   UInt32 cbValue = sizeof dwValue;
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
-            AudioUnitGetProperty(unit, kAudioUnitProperty_ScheduleStartTimeStamp,
-                                 kAudioUnitScope_Global, 0, &dwValue, &cbValue));
-  EXPECT_EQ(kAudioUnitErr_InvalidProperty,
-            AudioUnitGetProperty(unit, 9999, kAudioUnitScope_Global, 0, &dwValue, &cbValue));
-  EXPECT_EQ(kAudioUnitErr_PropertyNotInUse,
-            AudioUnitGetProperty(unit, kAudioUnitProperty_ScheduledFileRegion,
-                                 kAudioUnitScope_Global, 0, &dwValue, &cbValue));
+  EXPECT_EQ(AudioUnitGetProperty(unit, kAudioUnitProperty_ScheduleStartTimeStamp,
+                                 kAudioUnitScope_Global, 0, &dwValue, &cbValue),
+            kAudioUnitErr_InvalidPropertyValue);
+  EXPECT_EQ(AudioUnitGetProperty(unit, 9999, kAudioUnitScope_Global, 0, &dwValue, &cbValue),
+            kAudioUnitErr_InvalidProperty);
+  EXPECT_EQ(AudioUnitGetProperty(unit, kAudioUnitProperty_ScheduledFileRegion,
+                                 kAudioUnitScope_Global, 0, &dwValue, &cbValue),
+            kAudioUnitErr_PropertyNotInUse);
   AudioTimeStamp stamp{};
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
-            m_player.Set(kAudioUnitProperty_ScheduleStartTimeStamp, stamp));
+  EXPECT_EQ(m_player.Set(kAudioUnitProperty_ScheduleStartTimeStamp, stamp),
+            kAudioUnitErr_InvalidPropertyValue);
 }
 
 TEST_F(FilePlayerTest, RegionsThatCannotBePlayed_AreRefused) {
   Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
-  EXPECT_EQ(kAudioUnitErr_InvalidFile, m_player.SetRegion(m_player.Region(10)));
+  EXPECT_EQ(m_player.SetRegion(m_player.Region(10)), kAudioUnitErr_InvalidFile);
   m_player.UseFile(m_folder.Path("a.wav"));
   auto region = m_player.Region(10);
   region.mStartFrame = -1;
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, m_player.SetRegion(region));
+  EXPECT_EQ(m_player.SetRegion(region), kAudioUnitErr_InvalidPropertyValue);
   region = m_player.Region(10);
   region.mTimeStamp.mFlags = 0;
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, m_player.SetRegion(region));
+  EXPECT_EQ(m_player.SetRegion(region), kAudioUnitErr_InvalidPropertyValue);
   region = m_player.Region(10);
   region.mTimeStamp.mSampleTime = std::nan("");
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, m_player.SetRegion(region));
+  EXPECT_EQ(m_player.SetRegion(region), kAudioUnitErr_InvalidPropertyValue);
   region = m_player.Region(10);
   region.mLoopCount = 1;
-  EXPECT_EQ(kAudio_UnimplementedError, m_player.SetRegion(region));
-  EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(10)));
+  EXPECT_EQ(m_player.SetRegion(region), kAudio_UnimplementedError);
+  EXPECT_EQ(m_player.SetRegion(m_player.Region(10)), noErr);
 }
 
 constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
@@ -322,10 +324,10 @@ constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
 std::vector<float> DecodedElsewhere(const std::string& strPath) {
   SF_INFO info{};
   SNDFILE* pSound = sf_open(strPath.c_str(), SFM_READ, &info);
-  EXPECT_NE(nullptr, pSound);
+  EXPECT_NE(pSound, nullptr);
   std::vector<float> samples(static_cast<std::size_t>(info.frames * info.channels));
-  EXPECT_EQ(info.frames, sf_readf_float(pSound, samples.data(), info.frames));
-  EXPECT_EQ(0, sf_close(pSound));
+  EXPECT_EQ(sf_readf_float(pSound, samples.data(), info.frames), info.frames);
+  EXPECT_EQ(sf_close(pSound), 0);
   return samples;
 }
 
@@ -335,9 +337,9 @@ TEST_F(FilePlayerTest, AnMp3File_IsDecodedToItsLastSampleWithoutPadding) {
   m_player.Play(9000);
   const auto sides = m_player.Render(6000);
   const auto want = DecodedElsewhere(m_folder.Path("a.mp3"));
-  ASSERT_EQ(10000U, want.size());
+  ASSERT_EQ(want.size(), 10000U);
   for (std::size_t i = 0; i < 2; ++i) {
-    for (std::size_t n = 0; n < 5000; ++n) ASSERT_EQ(want[2 * n + i], sides.at(i)[n]) << n;
+    for (std::size_t n = 0; n < 5000; ++n) ASSERT_EQ(sides.at(i)[n], want[2 * n + i]) << n;
     EXPECT_TRUE(IsSilent(sides.at(i).begin() + 5000, sides.at(i).end()));
   }
 }
@@ -347,12 +349,12 @@ TEST_F(FilePlayerTest, AnMp3Region_BeginsWhereItSays) {
   m_player.UseFile(m_folder.Path("a.mp3"));
   auto region = m_player.Region(100);
   region.mStartFrame = 6000;
-  EXPECT_EQ(noErr, m_player.SetRegion(region));
+  EXPECT_EQ(m_player.SetRegion(region), noErr);
   m_player.StartAt(-1.0);
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
   const auto side = m_player.Render(512)[0];
   const auto all = DecodedElsewhere(m_folder.Path("a.mp3"));
-  for (std::size_t n = 0; n < 100; ++n) EXPECT_NEAR(all[6000 + n], side[n], 1e-3) << n;
+  for (std::size_t n = 0; n < 100; ++n) EXPECT_NEAR(side[n], all[6000 + n], 1e-3) << n;
   EXPECT_TRUE(IsSilent(side.begin() + 100, side.end()));
 }
 
@@ -368,24 +370,25 @@ TEST_F(FilePlayerTest, AnMp3FileThatTurnsStereo_EndsThere) {
   const auto sides = m_player.Render(20000);
   EXPECT_FALSE(IsSilent(sides[0].begin(), sides[0].begin() + 5000));
   EXPECT_TRUE(IsSilent(sides[0].begin() + 8000, sides[0].end()));
-  EXPECT_EQ(sides[0], sides[1]);
+  EXPECT_EQ(sides[1], sides[0]);
 }
 
 TEST_F(FilePlayerTest, AnEmptyListOfFiles_TakesTheFilesAway) {
   Write("a.wav", 44100, 1, SweepWithNoise(10, 44100));
   m_player.UseFile(m_folder.Path("a.wav"));
   const AudioFileID none = nullptr;
-  EXPECT_EQ(noErr, AudioUnitSetProperty(m_player.Unit(), kAudioUnitProperty_ScheduledFileIDs,
-                                        kAudioUnitScope_Global, 0, &none, 0));
-  EXPECT_EQ(kAudioUnitErr_InvalidFile, m_player.SetRegion(m_player.Region(10)));
+  EXPECT_EQ(AudioUnitSetProperty(m_player.Unit(), kAudioUnitProperty_ScheduledFileIDs,
+                                 kAudioUnitScope_Global, 0, &none, 0),
+            noErr);
+  EXPECT_EQ(m_player.SetRegion(m_player.Region(10)), kAudioUnitErr_InvalidFile);
 }
 
 TEST_F(FilePlayerTest, ARateThatNoFilterConverts_IsRefusedWhenPrimed) {
   Write("a.wav", 99, 1, SweepWithNoise(1000, 99));
   m_player.UseFile(m_folder.Path("a.wav"));
-  EXPECT_EQ(noErr, m_player.SetRegion(m_player.Region(1000)));
-  EXPECT_EQ(kAudioUnitErr_FormatNotSupported,
-            m_player.Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}));
+  EXPECT_EQ(m_player.SetRegion(m_player.Region(1000)), noErr);
+  EXPECT_EQ(m_player.Set(kAudioUnitProperty_ScheduledFilePrime, UInt32{0}),
+            kAudioUnitErr_FormatNotSupported);
 }
 
 TEST_F(FilePlayerTest, TheOddestRatesThatAreConverted_KeepTheLength) {
@@ -406,18 +409,18 @@ TEST_F(FilePlayerTest, TheOddestRatesThatAreConverted_KeepTheLength) {
 }
 
 TEST_F(FilePlayerTest, CyclesThatDoNotFit_AreRefused) {
-  EXPECT_EQ(kAudioUnitErr_Uninitialized, m_player.Cycle(512));
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_player.Unit()));
-  EXPECT_EQ(noErr, m_player.Cycle(512));
-  EXPECT_EQ(kAudioUnitErr_TooManyFramesToProcess, m_player.Cycle(513));
+  EXPECT_EQ(m_player.Cycle(512), kAudioUnitErr_Uninitialized);
+  EXPECT_EQ(AudioUnitInitialize(m_player.Unit()), noErr);
+  EXPECT_EQ(m_player.Cycle(512), noErr);
+  EXPECT_EQ(m_player.Cycle(513), kAudioUnitErr_TooManyFramesToProcess);
   m_player.UsePlanes(1);
-  EXPECT_EQ(kAudio_ParamError, m_player.Cycle(512));
+  EXPECT_EQ(m_player.Cycle(512), kAudio_ParamError);
   AudioTimeStamp stamp{};
   AudioBufferList none{};
-  EXPECT_EQ(kAudio_ParamError, AudioUnitRender(m_player.Unit(), nullptr, &stamp, 0, 1, nullptr));
-  EXPECT_EQ(kAudio_ParamError, AudioUnitRender(m_player.Unit(), nullptr, &stamp, 0, 1, &none));
-  EXPECT_EQ(kAudioUnitErr_InvalidElement,
-            AudioUnitRender(m_player.Unit(), nullptr, &stamp, 1, 1, &none));
+  EXPECT_EQ(AudioUnitRender(m_player.Unit(), nullptr, &stamp, 0, 1, nullptr), kAudio_ParamError);
+  EXPECT_EQ(AudioUnitRender(m_player.Unit(), nullptr, &stamp, 0, 1, &none), kAudio_ParamError);
+  EXPECT_EQ(AudioUnitRender(m_player.Unit(), nullptr, &stamp, 1, 1, &none),
+            kAudioUnitErr_InvalidElement);
 }
 
 }  // namespace

@@ -30,9 +30,9 @@ OSStatus Supply(void* pSource, AudioUnitRenderActionFlags*, const AudioTimeStamp
   auto& source = *static_cast<S_Source*>(pSource);
   source.asked.push_back(dwFrames);
   source.times.push_back(pStamp->mSampleTime);
-  EXPECT_EQ(1U, pData->mNumberBuffers);
-  EXPECT_EQ(1U, pData->mBuffers[0].mNumberChannels);
-  EXPECT_EQ(dwFrames * 2, pData->mBuffers[0].mDataByteSize);
+  EXPECT_EQ(pData->mNumberBuffers, 1U);
+  EXPECT_EQ(pData->mBuffers[0].mNumberChannels, 1U);
+  EXPECT_EQ(pData->mBuffers[0].mDataByteSize, dwFrames * 2);
   auto* pTo = static_cast<std::int16_t*>(pData->mBuffers[0].mData);
   source.bFirstWasZero = source.bFirstWasZero && *pTo == 0;
   const std::size_t nTake = std::min<std::size_t>(dwFrames, source.samples.size() - source.nNext);
@@ -44,20 +44,21 @@ OSStatus Supply(void* pSource, AudioUnitRenderActionFlags*, const AudioTimeStamp
 class OutputUnitTest : public testing::Test {
  protected:
   OutputUnitTest() {
-    EXPECT_EQ(noErr,
-              AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &kDefaultOutput), &m_unit));
+    EXPECT_EQ(AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &kDefaultOutput), &m_unit),
+              noErr);
   }
-  ~OutputUnitTest() override { EXPECT_EQ(noErr, AudioComponentInstanceDispose(m_unit)); }
+  ~OutputUnitTest() override { EXPECT_EQ(AudioComponentInstanceDispose(m_unit), noErr); }
   [[nodiscard]] OSStatus SetFormat(const AudioStreamBasicDescription& format) const {
     return AudioUnitSetProperty(m_unit, kAudioUnitProperty_StreamFormat, kAudioUnitScope_Input, 0,
                                 &format, sizeof format);
   }
   void Prepare() {
-    EXPECT_EQ(noErr, SetFormat(kSpeech));
+    EXPECT_EQ(SetFormat(kSpeech), noErr);
     const AURenderCallbackStruct callback = {&Supply, &m_source};
-    EXPECT_EQ(noErr, AudioUnitSetProperty(m_unit, kAudioUnitProperty_SetRenderCallback,
-                                          kAudioUnitScope_Input, 0, &callback, sizeof callback));
-    EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
+    EXPECT_EQ(AudioUnitSetProperty(m_unit, kAudioUnitProperty_SetRenderCallback,
+                                   kAudioUnitScope_Input, 0, &callback, sizeof callback),
+              noErr);
+    EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
   }
   C_FakeDevices m_devices;
   AudioUnit m_unit = nullptr;
@@ -66,69 +67,70 @@ class OutputUnitTest : public testing::Test {
 
 TEST_F(OutputUnitTest, InitialisingOpensTheDevice_UninitialisingClosesIt) {
   Prepare();
-  EXPECT_EQ(1, m_devices.Log().nOpened);
-  EXPECT_EQ(16000U, m_devices.Log().format.dwRate);
-  EXPECT_EQ(1U, m_devices.Log().format.dwChannels);
+  EXPECT_EQ(m_devices.Log().nOpened, 1);
+  EXPECT_EQ(m_devices.Log().format.dwRate, 16000U);
+  EXPECT_EQ(m_devices.Log().format.dwChannels, 1U);
   EXPECT_FALSE(m_devices.Log().format.bFloat);
   EXPECT_TRUE(m_devices.Log().format.bLongPeriods);
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
-  EXPECT_EQ(1, m_devices.Log().nOpened);
-  EXPECT_EQ(noErr, AudioUnitUninitialize(m_unit));
-  EXPECT_EQ(1, m_devices.Log().nClosed);
+  EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
+  EXPECT_EQ(m_devices.Log().nOpened, 1);
+  EXPECT_EQ(AudioUnitUninitialize(m_unit), noErr);
+  EXPECT_EQ(m_devices.Log().nClosed, 1);
 }
 
 TEST_F(OutputUnitTest, TheCallback_GetsZeroedBuffersOfWholeRequests_UpTo4096Frames) {
   Prepare();
   m_source.samples = SweepWithNoise(5000, 16000);
-  EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit));
+  EXPECT_EQ(AudioOutputUnitStart(m_unit), noErr);
   auto want = m_source.samples;
   want.resize(6200);
   auto got = m_devices.Ask<std::int16_t>(1200);
   const auto rest = m_devices.Ask<std::int16_t>(5000);
   got.insert(got.end(), rest.begin(), rest.end());
-  EXPECT_EQ(want, got);
-  EXPECT_EQ((std::vector<UInt32>{1200, 4096, 904}), m_source.asked);
-  EXPECT_EQ((std::vector<double>{0, 1200, 5296}), m_source.times);
+  EXPECT_EQ(got, want);
+  EXPECT_EQ(m_source.asked, (std::vector<UInt32>{1200, 4096, 904}));
+  EXPECT_EQ(m_source.times, (std::vector<double>{0, 1200, 5296}));
   EXPECT_TRUE(m_source.bFirstWasZero);
 }
 
 TEST_F(OutputUnitTest, StartAndStop_CanBeRepeated_AndStoppingTwiceIsNothing) {
   Prepare();
-  EXPECT_EQ(noErr, AudioOutputUnitStop(m_unit));
-  EXPECT_EQ(0, m_devices.Log().nStopped);
+  EXPECT_EQ(AudioOutputUnitStop(m_unit), noErr);
+  EXPECT_EQ(m_devices.Log().nStopped, 0);
   for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit));
-    EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit));
-    EXPECT_EQ(noErr, AudioOutputUnitStop(m_unit));
-    EXPECT_EQ(noErr, AudioOutputUnitStop(m_unit));
+    EXPECT_EQ(AudioOutputUnitStart(m_unit), noErr);
+    EXPECT_EQ(AudioOutputUnitStart(m_unit), noErr);
+    EXPECT_EQ(AudioOutputUnitStop(m_unit), noErr);
+    EXPECT_EQ(AudioOutputUnitStop(m_unit), noErr);
   }
-  EXPECT_EQ(2, m_devices.Log().nStarted);
-  EXPECT_EQ(2, m_devices.Log().nStopped);
+  EXPECT_EQ(m_devices.Log().nStarted, 2);
+  EXPECT_EQ(m_devices.Log().nStopped, 2);
 }
 
 TEST_F(OutputUnitTest, AUnitThatIsNotInitialised_DoesNotStart) {
-  EXPECT_EQ(kAudioUnitErr_Uninitialized, AudioOutputUnitStart(m_unit));
-  EXPECT_EQ(noErr, AudioOutputUnitStop(m_unit));
-  EXPECT_EQ(noErr, AudioUnitUninitialize(m_unit));
+  EXPECT_EQ(AudioOutputUnitStart(m_unit), kAudioUnitErr_Uninitialized);
+  EXPECT_EQ(AudioOutputUnitStop(m_unit), noErr);
+  EXPECT_EQ(AudioUnitUninitialize(m_unit), noErr);
 }
 
 TEST_F(OutputUnitTest, WithoutCallback_SilenceIsPlayed) {
-  EXPECT_EQ(noErr, SetFormat(kSpeech));
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
-  EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit));
-  EXPECT_EQ(std::vector<std::int16_t>(600, 0), m_devices.Ask<std::int16_t>(600));
+  EXPECT_EQ(SetFormat(kSpeech), noErr);
+  EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
+  EXPECT_EQ(AudioOutputUnitStart(m_unit), noErr);
+  EXPECT_EQ(m_devices.Ask<std::int16_t>(600), std::vector<std::int16_t>(600, 0));
 }
 
 TEST_F(OutputUnitTest, TheFormat_ReadsBackAndStaysWhileInitialised) {
-  EXPECT_EQ(noErr, SetFormat(kSpeech));
+  EXPECT_EQ(SetFormat(kSpeech), noErr);
   AudioStreamBasicDescription format{};
   UInt32 cbFormat = sizeof format;
-  EXPECT_EQ(noErr, AudioUnitGetProperty(m_unit, kAudioUnitProperty_StreamFormat,
-                                        kAudioUnitScope_Input, 0, &format, &cbFormat));
-  EXPECT_EQ(16000.0, format.mSampleRate);
-  EXPECT_EQ(12U, format.mFormatFlags);
-  EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
-  EXPECT_EQ(kAudioUnitErr_Initialized, SetFormat(kSpeech));
+  EXPECT_EQ(AudioUnitGetProperty(m_unit, kAudioUnitProperty_StreamFormat, kAudioUnitScope_Input, 0,
+                                 &format, &cbFormat),
+            noErr);
+  EXPECT_EQ(format.mSampleRate, 16000.0);
+  EXPECT_EQ(format.mFormatFlags, 12U);
+  EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
+  EXPECT_EQ(SetFormat(kSpeech), kAudioUnitErr_Initialized);
 }
 
 TEST_F(OutputUnitTest, FormatsThatNoDevicePlays_AreRefused) {
@@ -158,41 +160,41 @@ TEST_F(OutputUnitTest, BadPropertiesScopesElementsAndSizes_AreRefused) {
     const AudioStreamBasicDescription data = kSpeech;
     return AudioUnitSetProperty(m_unit, dwID, dwScope, dwElement, &data, cbData);
   };
-  EXPECT_EQ(kAudioUnitErr_InvalidProperty, set(9999, kAudioUnitScope_Input, 0, 40));
-  EXPECT_EQ(kAudioUnitErr_InvalidScope, set(8, kAudioUnitScope_Output, 0, 40));
-  EXPECT_EQ(kAudioUnitErr_InvalidElement, set(8, kAudioUnitScope_Input, 1, 40));
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, set(8, kAudioUnitScope_Input, 0, 39));
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, set(23, kAudioUnitScope_Input, 0, 15));
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue, set(19, kAudioUnitScope_Input, 0, 11));
-  EXPECT_EQ(noErr, set(19, kAudioUnitScope_Input, 0, 32));
+  EXPECT_EQ(set(9999, kAudioUnitScope_Input, 0, 40), kAudioUnitErr_InvalidProperty);
+  EXPECT_EQ(set(8, kAudioUnitScope_Output, 0, 40), kAudioUnitErr_InvalidScope);
+  EXPECT_EQ(set(8, kAudioUnitScope_Input, 1, 40), kAudioUnitErr_InvalidElement);
+  EXPECT_EQ(set(8, kAudioUnitScope_Input, 0, 39), kAudioUnitErr_InvalidPropertyValue);
+  EXPECT_EQ(set(23, kAudioUnitScope_Input, 0, 15), kAudioUnitErr_InvalidPropertyValue);
+  EXPECT_EQ(set(19, kAudioUnitScope_Input, 0, 11), kAudioUnitErr_InvalidPropertyValue);
+  EXPECT_EQ(set(19, kAudioUnitScope_Input, 0, 32), noErr);
   AudioStreamBasicDescription format{};
   UInt32 cbFormat = 39;
-  EXPECT_EQ(kAudioUnitErr_InvalidPropertyValue,
-            AudioUnitGetProperty(m_unit, 8, kAudioUnitScope_Input, 0, &format, &cbFormat));
-  EXPECT_EQ(kAudioUnitErr_InvalidScope,
-            AudioUnitGetProperty(m_unit, 8, kAudioUnitScope_Global, 0, &format, &cbFormat));
-  EXPECT_EQ(kAudioUnitErr_InvalidProperty,
-            AudioUnitGetProperty(m_unit, 23, kAudioUnitScope_Input, 0, &format, &cbFormat));
+  EXPECT_EQ(AudioUnitGetProperty(m_unit, 8, kAudioUnitScope_Input, 0, &format, &cbFormat),
+            kAudioUnitErr_InvalidPropertyValue);
+  EXPECT_EQ(AudioUnitGetProperty(m_unit, 8, kAudioUnitScope_Global, 0, &format, &cbFormat),
+            kAudioUnitErr_InvalidScope);
+  EXPECT_EQ(AudioUnitGetProperty(m_unit, 23, kAudioUnitScope_Input, 0, &format, &cbFormat),
+            kAudioUnitErr_InvalidProperty);
   AudioTimeStamp stamp{};
   AudioBufferList buffers{};
-  EXPECT_EQ(kAudioUnitErr_InvalidElement, AudioUnitRender(m_unit, nullptr, &stamp, 0, 1, &buffers));
+  EXPECT_EQ(AudioUnitRender(m_unit, nullptr, &stamp, 0, 1, &buffers), kAudioUnitErr_InvalidElement);
 }
 
 TEST_F(OutputUnitTest, NullAndStaleUnits_AreRefused) {
   AudioUnit stale = nullptr;
-  ASSERT_EQ(noErr,
-            AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &kDefaultOutput), &stale));
-  EXPECT_EQ(noErr, AudioComponentInstanceDispose(stale));
+  ASSERT_EQ(AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &kDefaultOutput), &stale),
+            noErr);
+  EXPECT_EQ(AudioComponentInstanceDispose(stale), noErr);
   for (const AudioUnit bad : {stale, AudioUnit{nullptr}}) {
     UInt32 dwValue = 0;
     UInt32 cbValue = sizeof dwValue;
-    EXPECT_EQ(kAudio_ParamError, AudioComponentInstanceDispose(bad));
-    EXPECT_EQ(kAudio_ParamError, AudioUnitInitialize(bad));
-    EXPECT_EQ(kAudio_ParamError, AudioUnitUninitialize(bad));
-    EXPECT_EQ(kAudio_ParamError, AudioUnitSetProperty(bad, 8, 1, 0, &dwValue, 4));
-    EXPECT_EQ(kAudio_ParamError, AudioUnitGetProperty(bad, 8, 1, 0, &dwValue, &cbValue));
-    EXPECT_EQ(kAudio_ParamError, AudioOutputUnitStart(bad));
-    EXPECT_EQ(kAudio_ParamError, AudioOutputUnitStop(bad));
+    EXPECT_EQ(AudioComponentInstanceDispose(bad), kAudio_ParamError);
+    EXPECT_EQ(AudioUnitInitialize(bad), kAudio_ParamError);
+    EXPECT_EQ(AudioUnitUninitialize(bad), kAudio_ParamError);
+    EXPECT_EQ(AudioUnitSetProperty(bad, 8, 1, 0, &dwValue, 4), kAudio_ParamError);
+    EXPECT_EQ(AudioUnitGetProperty(bad, 8, 1, 0, &dwValue, &cbValue), kAudio_ParamError);
+    EXPECT_EQ(AudioOutputUnitStart(bad), kAudio_ParamError);
+    EXPECT_EQ(AudioOutputUnitStop(bad), kAudio_ParamError);
   }
 }
 
@@ -200,28 +202,29 @@ TEST(AudioComponentTest, ComponentsAreFoundByWhatIsAskedFor_InTurn) {
   const AudioComponentDescription any{};
   const AudioComponent first = AudioComponentFindNext(nullptr, &any);
   const AudioComponent second = AudioComponentFindNext(first, &any);
-  EXPECT_NE(nullptr, first);
-  EXPECT_NE(nullptr, second);
-  EXPECT_NE(first, second);
-  EXPECT_EQ(nullptr, AudioComponentFindNext(second, &any));
-  EXPECT_EQ(nullptr, AudioComponentFindNext(nullptr, nullptr));
+  EXPECT_NE(first, nullptr);
+  EXPECT_NE(second, nullptr);
+  EXPECT_NE(second, first);
+  EXPECT_EQ(AudioComponentFindNext(second, &any), nullptr);
+  EXPECT_EQ(AudioComponentFindNext(nullptr, nullptr), nullptr);
   AudioComponentDescription wrong = kDefaultOutput;
   wrong.componentManufacturer = toolbox::FourChars("none");
-  EXPECT_EQ(nullptr, AudioComponentFindNext(nullptr, &wrong));
+  EXPECT_EQ(AudioComponentFindNext(nullptr, &wrong), nullptr);
   AudioComponentDescription flags = kDefaultOutput;
   flags.componentFlags = 1;
-  EXPECT_NE(nullptr, AudioComponentFindNext(nullptr, &flags));
+  EXPECT_NE(AudioComponentFindNext(nullptr, &flags), nullptr);
   flags.componentFlagsMask = 1;
-  EXPECT_EQ(nullptr, AudioComponentFindNext(nullptr, &flags));
+  EXPECT_EQ(AudioComponentFindNext(nullptr, &flags), nullptr);
 
   AudioComponentDescription description{};
-  EXPECT_EQ(noErr, AudioComponentGetDescription(AudioComponentFindNext(nullptr, &kDefaultOutput),
-                                                &description));
-  EXPECT_EQ(OSType{kAudioUnitType_Output}, description.componentType);
-  EXPECT_EQ(kAudio_ParamError, AudioComponentGetDescription(nullptr, &description));
+  EXPECT_EQ(
+      AudioComponentGetDescription(AudioComponentFindNext(nullptr, &kDefaultOutput), &description),
+      noErr);
+  EXPECT_EQ(description.componentType, OSType{kAudioUnitType_Output});
+  EXPECT_EQ(AudioComponentGetDescription(nullptr, &description), kAudio_ParamError);
   AudioUnit unit = nullptr;
-  EXPECT_EQ(kAudio_ParamError, AudioComponentInstanceNew(nullptr, &unit));
-  EXPECT_EQ(kAudio_ParamError, AudioComponentInstanceNew(first, nullptr));
+  EXPECT_EQ(AudioComponentInstanceNew(nullptr, &unit), kAudio_ParamError);
+  EXPECT_EQ(AudioComponentInstanceNew(first, nullptr), kAudio_ParamError);
 }
 
 }  // namespace

@@ -29,26 +29,28 @@ class C_PcmOutput {
   explicit C_PcmOutput(std::vector<std::int16_t> samples) : m_samples(std::move(samples)) {
     const AudioComponentDescription description = {
         kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput, kAudioUnitManufacturer_Apple, 0, 0};
-    EXPECT_EQ(noErr,
-              AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit));
+    EXPECT_EQ(AudioComponentInstanceNew(AudioComponentFindNext(nullptr, &description), &m_unit),
+              noErr);
     const AudioStreamBasicDescription format = {16000, kAudioFormatLinearPCM, 12, 2, 1, 2, 1, 16,
                                                 0};
-    EXPECT_EQ(noErr, AudioUnitSetProperty(m_unit, kAudioUnitProperty_StreamFormat,
-                                          kAudioUnitScope_Input, 0, &format, sizeof format));
+    EXPECT_EQ(AudioUnitSetProperty(m_unit, kAudioUnitProperty_StreamFormat, kAudioUnitScope_Input,
+                                   0, &format, sizeof format),
+              noErr);
     const AURenderCallbackStruct callback = {&OnRender, this};
-    EXPECT_EQ(noErr, AudioUnitSetProperty(m_unit, kAudioUnitProperty_SetRenderCallback,
-                                          kAudioUnitScope_Input, 0, &callback, sizeof callback));
-    EXPECT_EQ(noErr, AudioUnitInitialize(m_unit));
+    EXPECT_EQ(AudioUnitSetProperty(m_unit, kAudioUnitProperty_SetRenderCallback,
+                                   kAudioUnitScope_Input, 0, &callback, sizeof callback),
+              noErr);
+    EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
   }
   ~C_PcmOutput() {
-    EXPECT_EQ(noErr, AudioUnitUninitialize(m_unit));
-    EXPECT_EQ(noErr, AudioComponentInstanceDispose(m_unit));
+    EXPECT_EQ(AudioUnitUninitialize(m_unit), noErr);
+    EXPECT_EQ(AudioComponentInstanceDispose(m_unit), noErr);
   }
   C_PcmOutput(const C_PcmOutput&) = delete;
   C_PcmOutput& operator=(const C_PcmOutput&) = delete;
 
-  void Start() const { EXPECT_EQ(noErr, AudioOutputUnitStart(m_unit)); }
-  void Stop() const { EXPECT_EQ(noErr, AudioOutputUnitStop(m_unit)); }
+  void Start() const { EXPECT_EQ(AudioOutputUnitStart(m_unit), noErr); }
+  void Stop() const { EXPECT_EQ(AudioOutputUnitStop(m_unit), noErr); }
   void Rewind() { m_nNext = 0; }
   [[nodiscard]] bool WaitForSamples(std::size_t nSamples) const {
     const auto limit = Clock::now() + 20s;
@@ -87,8 +89,9 @@ std::vector<float> ConvertedAtOnce(const std::vector<float>& input, double dFrom
   std::vector<float> output(
       static_cast<std::size_t>(static_cast<double>(input.size()) * dTo / dFrom) + 16);
   std::size_t nDone = 0;
-  EXPECT_EQ(nullptr, soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
-                                  output.size(), &nDone, &io, &quality, nullptr));
+  EXPECT_EQ(soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
+                         output.size(), &nDone, &io, &quality, nullptr),
+            nullptr);
   output.resize(nDone);
   return output;
 }
@@ -112,8 +115,8 @@ TEST(SoundServerTest, SpeechThroughTheOutputUnit_IsHeardByteForByte) {
   const auto samples = SweepWithNoise(32000, 16000);
   C_PcmOutput output(samples);
   const auto sound = server.RecordUntilSame(BytesOf(samples), [&] { output.PlayAll(); });
-  EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
-  EXPECT_EQ(64000U, sound.bytes.size());
+  EXPECT_EQ(sound.same, tagSameSound::Exact) << sound.Description();
+  EXPECT_EQ(sound.bytes.size(), 64000U);
 }
 
 TEST(SoundServerTest, AFileThroughTheGraph_IsHeardAsItsOwnConversionByteForByte) {
@@ -131,8 +134,8 @@ TEST(SoundServerTest, AFileThroughTheGraph_IsHeardAsItsOwnConversionByteForByte)
     EXPECT_TRUE(graph.WaitFor(88200));
     graph.Stop();
   });
-  EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
-  EXPECT_EQ(88200U * 8, sound.bytes.size());
+  EXPECT_EQ(sound.same, tagSameSound::Exact) << sound.Description();
+  EXPECT_EQ(sound.bytes.size(), 88200U * 8);
 }
 
 TEST(SoundServerTest, PauseAndResume_LoseNothingAndRepeatNothing) {
@@ -151,7 +154,7 @@ TEST(SoundServerTest, PauseAndResume_LoseNothingAndRepeatNothing) {
     output.Stop();
   });
   // Complete and in order, with the silence of the pause between.
-  EXPECT_EQ(tagSameSound::Gaps, CompareSounds(BytesOf(samples), got, 2));
+  EXPECT_EQ(CompareSounds(BytesOf(samples), got, 2), tagSameSound::Gaps);
   EXPECT_GE(WithoutSilentEnds(got, 2).size(), 2U * (16000 + 4800));
 }
 
@@ -206,12 +209,12 @@ TEST(SoundServerTest, AServerThatDoesNotAnswer_CountsAsNone_AndIsLeftAloneWhenIt
   C_SilentClient client;
   server.Freeze();
   const auto begin = Clock::now();
-  EXPECT_EQ(nullptr, toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms));
+  EXPECT_EQ(toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms), nullptr);
   EXPECT_GE(Clock::now() - begin, 300ms);
   server.Thaw();
   // The one that was given up opens now, and closes itself; a new one is not disturbed by it.
   std::this_thread::sleep_for(200ms);
-  EXPECT_NE(nullptr, toolbox::OpenCubebDevice({16000, 1, false}, client));
+  EXPECT_NE(toolbox::OpenCubebDevice({16000, 1, false}, client), nullptr);
   EXPECT_FALSE(client.bLost);
 }
 
@@ -252,12 +255,12 @@ TEST(SoundServerTest, AServerThatFreezesWhilePlaying_StillLetsTheSoundEnd_AndIsL
     const double dPosition = graph.Position();
     server.Thaw();
     std::this_thread::sleep_for(300ms);
-    EXPECT_EQ(dPosition, graph.Position());
+    EXPECT_EQ(graph.Position(), dPosition);
   }
   // It plays for whoever comes next.
   C_SilentClient client;
   const auto pDevice = toolbox::OpenCubebDevice({44100, 2, true}, client);
-  ASSERT_NE(nullptr, pDevice);
+  ASSERT_NE(pDevice, nullptr);
   EXPECT_TRUE(pDevice->Start());
   pDevice->Stop();
   EXPECT_FALSE(client.bLost);
@@ -314,7 +317,7 @@ TEST(SoundServerTest, ASlowClient_IsNotTakenForAFrozenServer) {
   server.UseInThisProcess();
   C_SlowClient client;
   const auto pDevice = toolbox::OpenCubebDevice({16000, 1, false}, client, 1000ms);
-  ASSERT_NE(nullptr, pDevice);
+  ASSERT_NE(pDevice, nullptr);
   EXPECT_TRUE(pDevice->Start());
   const auto limit = Clock::now() + 20s;
   while (client.nCalls < 6 && Clock::now() < limit) std::this_thread::sleep_for(2ms);
@@ -331,7 +334,7 @@ TEST(SoundServerTest, AClientThatIsGone_IsNotAskedByAStreamThatWasLeftBehind) {
   {
     C_SilentClient client;
     const auto pDevice = toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms);
-    ASSERT_NE(nullptr, pDevice);
+    ASSERT_NE(pDevice, nullptr);
     EXPECT_TRUE(pDevice->Start());
     server.Freeze();
   }
@@ -356,12 +359,12 @@ TEST(SoundServerTest, ALengthQuery_NeedsNoServer_AndAStartWithoutOneIsSilent) {
 TEST(SoundServerTest, ComparingSounds_TellsGapsFromLosses) {
   using Bytes = std::vector<std::uint8_t>;
   const Bytes want = {0, 0, 1, 0, 2, 2, 0, 0};
-  EXPECT_EQ((Bytes{1, 0, 2, 2}), WithoutSilentEnds(want, 2));
-  EXPECT_EQ(tagSameSound::Exact, CompareSounds(want, {1, 0, 2, 2}, 2));
-  EXPECT_EQ(tagSameSound::Gaps, CompareSounds(want, {0, 0, 1, 0, 0, 0, 2, 2}, 2));
-  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {1, 0, 2, 3}, 2));
-  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {1, 0}, 2));
-  EXPECT_EQ(tagSameSound::Wrong, CompareSounds(want, {}, 2));
+  EXPECT_EQ(WithoutSilentEnds(want, 2), (Bytes{1, 0, 2, 2}));
+  EXPECT_EQ(CompareSounds(want, {1, 0, 2, 2}, 2), tagSameSound::Exact);
+  EXPECT_EQ(CompareSounds(want, {0, 0, 1, 0, 0, 0, 2, 2}, 2), tagSameSound::Gaps);
+  EXPECT_EQ(CompareSounds(want, {1, 0, 2, 3}, 2), tagSameSound::Wrong);
+  EXPECT_EQ(CompareSounds(want, {1, 0}, 2), tagSameSound::Wrong);
+  EXPECT_EQ(CompareSounds(want, {}, 2), tagSameSound::Wrong);
 }
 
 }  // namespace

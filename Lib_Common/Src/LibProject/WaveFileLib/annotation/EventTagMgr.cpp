@@ -185,8 +185,9 @@ int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering
 
 void C_EventTagMgr::AddEventsBySamplePos(std::span<const S_SampleEvent> events) {
   if (m_dwSampleRate == 0 || !IsInOrderOfSamples()) {
-    for (const auto& [dwSamplePos, wMain, wSub, dwData] : events)
+    for (const auto& [dwSamplePos, wMain, wSub, dwData] : events) {
       AddEventBySamplePos(wMain, wSub, dwSamplePos, "", dwData);
+    }
     return;
   }
   std::vector<std::unique_ptr<C_EventTag>> tags;
@@ -219,8 +220,9 @@ void C_EventTagMgr::MergeBySamplePos(std::vector<std::unique_ptr<C_EventTag>> ta
   m_events.InsertAt(nListed, nullptr, static_cast<int>(tags.size()));
   while (!tags.empty()) {
     const unsigned int dwNew = tags.back()->GetSamplePos();
-    for (; nListed > 0 && m_events.GetAt(nListed - 1)->GetSamplePos() > dwNew; --nListed)
+    for (; nListed > 0 && m_events.GetAt(nListed - 1)->GetSamplePos() > dwNew; --nListed) {
       m_events.SetAt(--nTarget, m_events.GetAt(nListed - 1));
+    }
     m_events.SetAt(--nTarget, tags.back().release());
     tags.pop_back();
   }

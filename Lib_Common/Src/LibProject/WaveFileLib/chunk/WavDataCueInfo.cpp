@@ -34,8 +34,9 @@ unsigned int C_CuePoint::Field(std::size_t nField) const {
 }
 
 void C_CuePoint::SetCuePointID(unsigned int dwID) {
-  for (std::size_t i = 0; i < sizeof(std::uint32_t); ++i)
+  for (std::size_t i = 0; i < sizeof(std::uint32_t); ++i) {
     m_record[i] = static_cast<std::uint8_t>(dwID >> (8 * i));
+  }
 }
 
 void C_WavDataCueInfo::Reset() {

@@ -65,8 +65,9 @@ int C_WavDataExtraChunkInfo::FindIndex(const char* pszName, const char* pszFunct
   for (int i = 0; i < GetCount(); ++i) {
     C_WavDataExtraChunk* pChunk = GetAt(i);
     VCM_ASSERT(pChunk != nullptr, pszFunction, kSource, __LINE__, "NULL != pChunk");
-    if (std::memcmp(pChunk->GetChunkName(), pszName, C_WavDataExtraChunk::kNameLength) == 0)
+    if (std::memcmp(pChunk->GetChunkName(), pszName, C_WavDataExtraChunk::kNameLength) == 0) {
       return i;
+    }
   }
   return -1;
 }

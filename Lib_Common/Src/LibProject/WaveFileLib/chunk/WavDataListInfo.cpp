@@ -37,8 +37,10 @@ void WriteLtxt(vcm::C_ByteWriter& writer, const C_WavDataListInfo::S_Ltxt& ltxt)
   writer.U32(ltxt.dwCuePointID);
   writer.U32(ltxt.dwSampleLength);
   writer.Text({ltxt.szPurpose, kPurposeLength}, kPurposeLength);
-  for (const unsigned short wField : {ltxt.wCountry, ltxt.wLanguage, ltxt.wDialect, ltxt.wCodePage})
+  for (const unsigned short wField :
+       {ltxt.wCountry, ltxt.wLanguage, ltxt.wDialect, ltxt.wCodePage}) {
     writer.U16(wField);
+  }
 }
 
 void WriteLabel(vcm::C_ByteWriter& writer, const C_WavDataListInfo::S_Label& label) {
@@ -53,8 +55,9 @@ void WriteLabel(vcm::C_ByteWriter& writer, const C_WavDataListInfo::S_Label& lab
 
 unsigned int C_WavDataListInfo::GetChunkLength() {
   std::uint64_t qwLength = kIDLength;
-  for (int i = 0; i < m_labels.GetCount(); ++i)
+  for (int i = 0; i < m_labels.GetCount(); ++i) {
     qwLength += kSubHeaderLength + kIDLength + StoredTextLength(m_labels.GetAt(i)->szText);
+  }
   const auto qwLtxts = static_cast<std::uint64_t>(m_ltxts.GetCount());
   return vcm::CheckedBytes(qwLtxts, kSubHeaderLength + kLtxtLength, qwLength).value_or(0);
 }

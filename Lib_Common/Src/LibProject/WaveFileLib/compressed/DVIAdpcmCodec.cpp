@@ -116,8 +116,9 @@ bool C_DVIAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo,
   C_Block block(pbyBlock, dwBlockBytes, pSamples, dwCapacity, dwChannels);
   const int nEights = EightsOf(codecInfo);
   std::size_t nFrame = 1;
-  for (int i = 0; i < nEights && !block.Ends(nFrame); ++i, nFrame += k4BitGroup)
+  for (int i = 0; i < nEights && !block.Ends(nFrame); ++i, nFrame += k4BitGroup) {
     block.Decode4BitGroup(nFrame);
+  }
   return true;
 }
 
@@ -137,7 +138,8 @@ bool C_DVIAdpcm3BitCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo,
   C_Block block(pbyBlock, dwBlockBytes, pSamples, dwCapacity, dwChannels);
   const int nEights = EightsOf(codecInfo);
   std::size_t nFrame = 1;
-  for (int i = 0; i < nEights && !block.Ends(nFrame); i += 3, nFrame += k3BitGroup)
+  for (int i = 0; i < nEights && !block.Ends(nFrame); i += 3, nFrame += k3BitGroup) {
     block.Decode3BitGroup(nFrame);
+  }
   return true;
 }

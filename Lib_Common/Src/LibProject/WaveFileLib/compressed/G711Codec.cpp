@@ -53,8 +53,9 @@ bool C_MuLawCodec::Decode(const C_WavFileCodecInfo& /*codecInfo*/, const unsigne
                           unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) {
   // Made anew by every call, so that decoders share nothing.
   std::array<short, 256> values{};
-  for (unsigned int dwCode = 0; dwCode < values.size(); ++dwCode)
+  for (unsigned int dwCode = 0; dwCode < values.size(); ++dwCode) {
     values[dwCode] = ExpandMuLaw(dwCode);
+  }
   C_Buffer encoded(pbyEncoded, dwEncodedBytes);
   C_Buffer output(reinterpret_cast<unsigned char*>(pSamples), dwCapacity);
   ExpandEach(encoded, output, [&](unsigned char byCode) { return values[byCode]; });

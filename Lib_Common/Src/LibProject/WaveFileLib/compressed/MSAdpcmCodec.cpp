@@ -45,8 +45,9 @@ short NextSample(S_Channel& channel, unsigned int dwCode) {
 std::vector<S_Channel> ReadHeader(C_Buffer& block, const C_WavFileCodecInfo& codecInfo,
                                   unsigned int dwChannels) {
   std::vector<S_Channel> channels(dwChannels);
-  for (S_Channel& channel : channels)
+  for (S_Channel& channel : channels) {
     channel.coefficients = codecInfo.GetMSADPCMCoefficients(block.GetByte());
+  }
   for (S_Channel& channel : channels) channel.nDelta = block.GetShort();
   for (S_Channel& channel : channels) channel.nSample1 = block.GetShort();
   for (S_Channel& channel : channels) channel.nSample2 = block.GetShort();
@@ -91,8 +92,9 @@ bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsi
   std::vector<S_Channel> channels = ReadHeader(block, codecInfo, dwChannels);
   for (const S_Channel& channel : channels) output.SetShort(channel.nSample2);
   for (const S_Channel& channel : channels) output.SetShort(channel.nSample1);
-  for (std::size_t i = 0; !block.EOB() && !output.EOB(); i = (i + 1) % dwChannels)
+  for (std::size_t i = 0; !block.EOB() && !output.EOB(); i = (i + 1) % dwChannels) {
     output.SetShort(NextSample(channels[i], block.GetNibbleHighFirst()));
+  }
   return true;
 }
 

@@ -66,8 +66,9 @@ void AddEvents(I_EventTagMgr& events, const std::vector<C_EventTagMgr::S_SampleE
     pOwnKind->AddEventsBySamplePos(placed);
     return;
   }
-  for (const auto& [dwSamplePos, wMain, wSub, dwData] : placed)
+  for (const auto& [dwSamplePos, wMain, wSub, dwData] : placed) {
     events.AddEventBySamplePos(wMain, wSub, dwSamplePos, "", dwData);
+  }
 }
 
 }  // namespace cuedevents

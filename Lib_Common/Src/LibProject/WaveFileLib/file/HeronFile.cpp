@@ -28,8 +28,10 @@ bool C_HeronFileBase::Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress
   VCM_ASSERT(piParam != nullptr, "Encode", kSource, __LINE__, "NULL != piParam");
   C_HeronCodec codec;
   unsigned char* pbyStream = nullptr;
-  if (!codec.Encode(piWavData, m_eTargetType, piParam, pfnProgress, &pbyStream, &pStream->dwLength))
+  if (!codec.Encode(piWavData, m_eTargetType, piParam, pfnProgress, &pbyStream,
+                    &pStream->dwLength)) {
     return false;
+  }
   pStream->pbyOwned.reset(pbyStream);
   pStream->pbyData = pbyStream;
   return true;

@@ -34,8 +34,9 @@ bool C_KestrelFile::Encode(I_WavData* pIMonoData, PFN_CodecProgress pfnProgress,
   C_KestrelCodec codec;
   unsigned char* pbyStream = nullptr;
   if (!codec.LoadCodec(dwBitRate)) return false;
-  if (!codec.Encode(pIMonoData, dwBitRate, &pbyStream, &pStream->dwLength, pfnProgress))
+  if (!codec.Encode(pIMonoData, dwBitRate, &pbyStream, &pStream->dwLength, pfnProgress)) {
     return false;
+  }
   pStream->pbyOwned.reset(pbyStream);
   pStream->pbyData = pbyStream;
   return true;

@@ -214,8 +214,9 @@ bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName) {
   const auto source = vcm::OpenFile(pszFileName, "rb");
   struct stat status {};
   // Anything but a regular file could be endless, and replacing it would change what it is.
-  if (!source || fstat(fileno(source.get()), &status) != 0 || !S_ISREG(status.st_mode))
+  if (!source || fstat(fileno(source.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
     return false;
+  }
   C_Replacement replacement(pszFileName);
   if (replacement.Stream() == nullptr) return false;
   return WriteSpHeader(header, replacement.Stream()) &&

@@ -126,11 +126,13 @@ bool C_VefFileBase::WriteVef(const char* pszFileName, const char* pszFormType, b
   RegenerateEvents();
   C_RiffFile riff;
   if (!wavchunks::AddSound(riff, written) || !wavchunks::AddCues(riff, *this) ||
-      !wavchunks::AddSampler(riff, *this, kWriteSite) || !wavchunks::AddLabels(riff, *this))
+      !wavchunks::AddSampler(riff, *this, kWriteSite) || !wavchunks::AddLabels(riff, *this)) {
     return false;
+  }
   if (bHeader &&
-      !(AddCodecFormat(riff, written, *GetAudioCodecParam(), eType) && WriteDataChunk(&riff)))
+      !(AddCodecFormat(riff, written, *GetAudioCodecParam(), eType) && WriteDataChunk(&riff))) {
     return false;
+  }
   return wavchunks::AddExtraChunks(riff, *this, kWriteSite, kOwnChunks) &&
          riff.Save(pszFileName, pszFormType);
 }
@@ -166,15 +168,16 @@ bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {
   for (int i = 0; i < riff.GetChunkCount(); ++i) {
     C_RiffChunk& chunk = *riff.GetChunkAt(i);
     bool bLoaded = true;
-    if (chunk.HasChunkID("cue "))
+    if (chunk.HasChunkID("cue ")) {
       bLoaded = CueInfo(*this, kCheckSite).LoadInfo(&chunk);
-    else if (chunk.HasChunkID("smpl"))
+    } else if (chunk.HasChunkID("smpl")) {
       bLoaded = SamplerInfo(*this, kCheckSite).LoadInfo(&chunk);
-    else if (chunk.HasChunkID("LIST"))
+    } else if (chunk.HasChunkID("LIST")) {
       bLoaded = ListInfo(*this, kCheckSite).LoadInfo(&chunk);
-    else if (chunk.HasChunkID(kEvents))
+    } else if (chunk.HasChunkID(kEvents)) {
       // What cannot be read is left out: a file that was cut here still has its sound.
       static_cast<void>(ExtraChunkInfo(*this, kCheckSite).AddRiffChunk(kEvents, &chunk));
+    }
     if (!bLoaded) return false;
   }
   veflabels::LoadEvents(*GetWavData(), ListInfo(*this, kCheckSite), CueInfo(*this, kCheckSite));

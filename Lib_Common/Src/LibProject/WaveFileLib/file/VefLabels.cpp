@@ -60,8 +60,9 @@ C_IDs IDsOfLabels(I_WavDataListInfo& listInfo, bool bLibrary) {
 
 C_IDs IDsOfAll(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
   C_IDs ids = IDsOfLabels(listInfo, false);
-  for (int i = 0; i < cueInfo.GetCuePointCount(); ++i)
+  for (int i = 0; i < cueInfo.GetCuePointCount(); ++i) {
     ids.insert(cueInfo.GetCuePointByIndex(i)->GetCuePointID());
+  }
   for (int i = 0; i < listInfo.GetLtxtCount(); ++i) {
     unsigned int dwID = 0;
     listInfo.GetLtxtByIndex(i, &dwID, nullptr);
@@ -72,8 +73,9 @@ C_IDs IDsOfAll(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
 
 C_IDs IDsOfLoops(I_WavDataSamplerInfo& samplerInfo) {
   C_IDs ids;
-  for (int i = 0; static_cast<unsigned int>(i) < samplerInfo.GetSampleLoopNum(); ++i)
+  for (int i = 0; static_cast<unsigned int>(i) < samplerInfo.GetSampleLoopNum(); ++i) {
     ids.insert(samplerInfo.GetSampleLoopByIndex(i)->GetCuePointID());
+  }
   return ids;
 }
 
@@ -167,8 +169,9 @@ void LoadEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInf
     unsigned int dwID = 0;
     const auto event = ParseEventLabel(listInfo.GetLabelByIndex(i, &dwID));
     const std::optional<unsigned int> dwPosition = positions.Find(dwID);
-    if (event && dwPosition)
+    if (event && dwPosition) {
       placed.push_back({*dwPosition, event->wMain, event->wSub, event->dwData});
+    }
   }
   cuedevents::AddEvents(events, placed);
 }

@@ -25,10 +25,11 @@ S_SampleForm FormOf(I_WavInfo& info) {
 S_SampleForm FormToWrite(I_WavData& wavData) {
   I_AudioCodecParam& param = *wavData.GetAudioCodecParam();
   S_SampleForm form = FormOf(*wavData.GetWavInfo());
-  if (param.IsSampleBitsSet())
+  if (param.IsSampleBitsSet()) {
     param.GetSampleBits(&form.wBits, &form.wStoreBits, &form.bSigned);
-  else if (form.wBits == 12)
+  } else if (form.wBits == 12) {
     form = {16, 16, true};
+  }
   return form;
 }
 

@@ -78,12 +78,13 @@ bool C_WavFile::WriteFile(const char* pszFileName, bool /*bEncode*/, bool /*bWri
 }
 
 bool C_WavFile::OpenRiff(C_RiffFile& riff, const char* pszFileName) {
-  if (riff.Open(pszFileName, "WAVE"))
+  if (riff.Open(pszFileName, "WAVE")) {
     SetFileFormat(AUDIO_FILE_WAVE);
-  else if (riff.Open(pszFileName, "VEMD"))
+  } else if (riff.Open(pszFileName, "VEMD")) {
     SetFileFormat(AUDIO_FILE_VEMD);
-  else
+  } else {
     return false;
+  }
   return true;
 }
 
@@ -129,14 +130,15 @@ bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
     C_RiffChunk& chunk = *riff.GetChunkAt(i);
     if (chunk.HasChunkID("fmt ") || chunk.HasChunkID("data")) continue;
     bool bLoaded = true;
-    if (chunk.HasChunkID("cue "))
+    if (chunk.HasChunkID("cue ")) {
       bLoaded = wavchunks::LoadInfo<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE, chunk);
-    else if (chunk.HasChunkID("smpl"))
+    } else if (chunk.HasChunkID("smpl")) {
       bLoaded = wavchunks::LoadInfo<I_WavDataSamplerInfo>(*this, WAV_DATA_INFO_SAMPLER, chunk);
-    else if (chunk.HasChunkID("LIST"))
+    } else if (chunk.HasChunkID("LIST")) {
       bLoaded = wavchunks::LoadInfo<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST, chunk);
-    else
+    } else {
       extra.Keep(chunk);
+    }
     if (!bLoaded) return false;
   }
   return true;

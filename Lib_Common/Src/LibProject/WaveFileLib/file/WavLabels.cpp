@@ -116,10 +116,11 @@ class C_AnnotationReader {
       return;
     }
     const auto [dwStart, dwEnd] = Range(dwPosition, m_lengths.Find(dwID));
-    if (label.eKind == S_LabelMeaning::Kind::Silence)
+    if (label.eKind == S_LabelMeaning::Kind::Silence) {
       vcm::AppendRange(m_silence, dwStart, dwEnd);
-    else
+    } else {
       vcm::AppendRange(m_regions, dwStart, dwEnd);
+    }
   }
 
   cuedevents::C_ByID m_positions;
@@ -162,8 +163,9 @@ class C_AnnotationWriter {
 
 void SaveEvents(C_AnnotationWriter& writer, I_WavData& wavData) {
   for (I_EventTag* pIEvent :
-       cuedevents::EventsOf(cuedevents::ManagerOf(wavData, kWriteSite), kWriteSite))
+       cuedevents::EventsOf(cuedevents::ManagerOf(wavData, kWriteSite), kWriteSite)) {
     writer.Event(*pIEvent);
+  }
 }
 
 void SaveSilence(C_AnnotationWriter& writer, I_WavData::SilenceList& list) {

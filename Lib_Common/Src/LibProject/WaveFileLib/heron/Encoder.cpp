@@ -24,8 +24,9 @@ void WriteCount(std::vector<std::uint8_t>& bytes, std::size_t nCount) {
 // Coefficients as a loudness.
 int LoudnessOf(std::span<const std::int32_t> coefficients) noexcept {
   std::uint64_t qwSquares = 0;
-  for (const std::int64_t nCoefficient : coefficients)
+  for (const std::int64_t nCoefficient : coefficients) {
     qwSquares += static_cast<std::uint64_t>(nCoefficient * nCoefficient);
+  }
   return Loudness(qwSquares >> 2 * kCoefficientQ, coefficients.size());
 }
 
@@ -82,8 +83,9 @@ std::vector<std::uint8_t> C_Encoder::Encode(int nOffset, const S_Progress& fnPro
     TakeFrame(m_samples, n, frame);
     transform.Transform(frame, coefficients);
     writer.Write(encoder, coefficients, steps.Next(LoudnessOf(coefficients)));
-    if (fnProgress && n > 0 && (n % kFramesPerReport == 0 || n == nFrames))
+    if (fnProgress && n > 0 && (n % kFramesPerReport == 0 || n == nFrames)) {
       fnProgress(static_cast<unsigned int>(n));
+    }
   }
   encoder.Finish(nFrames);
   return bytes;

@@ -44,8 +44,9 @@ void C_EntropyEncoder::Carry() noexcept {
 }
 
 void C_EntropyEncoder::PutTop(int nBytes) {
-  for (int n = 0; n < nBytes; ++n)
+  for (int n = 0; n < nBytes; ++n) {
     m_bytes.push_back(static_cast<std::uint8_t>(m_qwLow >> (56 - 8 * n)));
+  }
 }
 
 C_EntropyDecoder::C_EntropyDecoder(std::span<const std::uint8_t> bytes) noexcept
@@ -57,8 +58,9 @@ C_EntropyDecoder::C_EntropyDecoder(std::span<const std::uint8_t> bytes) noexcept
 std::uint32_t C_EntropyDecoder::TakeAtAnEnd(const std::uint8_t* pBytes, std::size_t nBytes,
                                             std::size_t nAt) noexcept {
   std::uint32_t nValue = 0;
-  for (std::size_t n = 0; n < 4; ++n)
+  for (std::size_t n = 0; n < 4; ++n) {
     nValue = nValue << 8 | (nAt + n < nBytes ? pBytes[nAt + n] : std::uint8_t{0});
+  }
   return nValue;
 }
 

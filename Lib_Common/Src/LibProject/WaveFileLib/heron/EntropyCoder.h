@@ -39,8 +39,9 @@ constexpr S_Cumulative<kSymbols> Accumulate(
     const std::array<std::uint16_t, kSymbols>& frequencies) noexcept {
   S_Cumulative<kSymbols> cumulative{};
   std::uint32_t nSum = 0;
-  for (std::size_t n = 0; n < kSymbols; ++n)
+  for (std::size_t n = 0; n < kSymbols; ++n) {
     cumulative[n] = static_cast<std::uint16_t>(nSum += frequencies[n]);
+  }
   return cumulative;
 }
 

@@ -64,8 +64,9 @@ inline void ForEachButterfly(const S_Pass& pass, int nRadix, T_Butterfly butterf
   const S_Rotation* pRotation = pass.rotations.data();
   const S_Complex* pIn = pass.pIn;
   S_Complex* pOut = pass.pOut;
-  for (int q = 0; q < pass.nDone; ++q)
+  for (int q = 0; q < pass.nDone; ++q) {
     butterfly([](int, const S_Complex& value) { return value; }, pIn++, pOut++);
+  }
   if (pass.nDone == 1) {
     // The first pass: each index has but one butterfly, and a loop for it would cost as much.
     for (std::ptrdiff_t j = 1; j < pass.nLeft; ++j) {
@@ -209,8 +210,9 @@ C_Fourier::C_Fourier(int nPoints)
       m_factors(Factors(nPoints)),
       m_rotations(static_cast<std::size_t>(nPoints)),
       m_scratch(static_cast<std::size_t>(nPoints)) {
-  for (int k = 0; k < nPoints; ++k)
+  for (int k = 0; k < nPoints; ++k) {
     m_rotations[static_cast<std::size_t>(k)] = BackwardRotation(k, nPoints);
+  }
 }
 
 void C_Fourier::Transform(std::span<S_Complex> values) noexcept {

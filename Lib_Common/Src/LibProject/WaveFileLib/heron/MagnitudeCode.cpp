@@ -17,8 +17,9 @@ constexpr auto ForEachTable(T_Convert convert) {
 
 constexpr S_MagnitudeCosts CostsOf(const S_MagnitudeFrequencies& frequencies) {
   S_MagnitudeCosts costs{};
-  for (std::size_t n = 0; n < kMagnitudeSymbols; ++n)
+  for (std::size_t n = 0; n < kMagnitudeSymbols; ++n) {
     costs[n] = static_cast<std::uint16_t>(kFrequencyBits * 256 - Log2Q8(frequencies[n]));
+  }
   return costs;
 }
 

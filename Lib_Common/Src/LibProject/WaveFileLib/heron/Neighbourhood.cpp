@@ -14,8 +14,9 @@ C_FrameBefore::C_FrameBefore(int nLength)
 
 void C_FrameBefore::Begin(int nIndex) noexcept {
   const C_Rescale rescale(m_nIndex, nIndex);
-  for (std::size_t k = 0; k < m_smoothed.size(); ++k)
+  for (std::size_t k = 0; k < m_smoothed.size(); ++k) {
     m_expected[k] = kLeastExpectation + rescale(m_smoothed[k]);
+  }
   m_nIndex = nIndex;
 }
 
@@ -31,8 +32,9 @@ void C_FrameBefore::End(std::span<const std::int32_t> magnitudes) noexcept {
   };
   const std::size_t nEdge = std::min<std::size_t>(2, nLength);
   for (std::size_t k = 0; k < nEdge; ++k) smooth(k, at);
-  for (std::size_t k = nEdge; k + 2 < nLength; ++k)
+  for (std::size_t k = nEdge; k + 2 < nLength; ++k) {
     smooth(k, [&](std::size_t n) { return magnitudes[n]; });
+  }
   for (std::size_t k = std::max(nEdge, nLength - nEdge); k < nLength; ++k) smooth(k, at);
 }
 

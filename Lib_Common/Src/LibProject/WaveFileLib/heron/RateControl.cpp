@@ -80,8 +80,9 @@ class C_Search {
   // first one, an octave of the step is taken as a bit per sample.
   [[nodiscard]] std::int64_t Step(const S_Pass& pass) const {
     const std::int64_t nExcess = pass.nSize - (m_nMost - m_nMost / 1536);
-    if (m_last.nSize != kNone && m_last.nSize != pass.nSize)
+    if (m_last.nSize != kNone && m_last.nSize != pass.nSize) {
       return nExcess * (pass.nOffset - m_last.nOffset) / (m_last.nSize - pass.nSize);
+    }
     return nExcess * 8 * 1024 / m_nSamples;
   }
 
@@ -110,8 +111,9 @@ std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, in
   C_Encoder::S_Progress fnFirstPass = [&](unsigned int nFramesDone) {
     if (fnProgress && nFramesDone < encoder.FrameCount()) fnProgress(nFramesDone);
   };
-  for (; !search.IsDone(); fnFirstPass = {})
+  for (; !search.IsDone(); fnFirstPass = {}) {
     search.Learn(encoder.Encode(search.Offset(), fnFirstPass));
+  }
   if (fnProgress) fnProgress(static_cast<unsigned int>(encoder.FrameCount()));
   return search.TakeBest();
 }

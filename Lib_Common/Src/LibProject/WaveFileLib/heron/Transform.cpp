@@ -43,16 +43,18 @@ std::vector<std::int64_t> ScaledWindow(int nLength) {
   const auto nScale = static_cast<std::int64_t>(
       SquareRoot((std::uint64_t{1} << 61) / static_cast<std::uint64_t>(nLength)));
   std::vector<std::int64_t> window(static_cast<std::size_t>(nLength));
-  for (int n = 0; n < nLength; ++n)
+  for (int n = 0; n < nLength; ++n) {
     window[static_cast<std::size_t>(n)] = RoundShift(PowerSine(n, nLength) * nScale, 60 - kWindowQ);
+  }
   return window;
 }
 
 std::vector<S_Rotation> Dct4Rotations(int nLength) {
   std::vector<S_Rotation> rotations(static_cast<std::size_t>(nLength / 2));
-  for (int n = 0; n < nLength / 2; ++n)
+  for (int n = 0; n < nLength / 2; ++n) {
     rotations[static_cast<std::size_t>(n)] =
         BackwardRotation(8 * n + 1, std::int64_t{16} * nLength);
+  }
   return rotations;
 }
 
@@ -75,8 +77,9 @@ C_LappedTransform::C_LappedTransform(int nLength)
 std::span<const S_Complex> C_LappedTransform::Transform(
     std::span<const std::int32_t> values) noexcept {
   const std::size_t nLast = values.size() - 1;
-  for (std::size_t n = 0; n < m_points.size(); ++n)
+  for (std::size_t n = 0; n < m_points.size(); ++n) {
     m_points[n] = Rotate({values[2 * n], values[nLast - 2 * n]}, m_rotations[n]);
+  }
   m_fourier.Transform(m_points);
   return m_points;
 }

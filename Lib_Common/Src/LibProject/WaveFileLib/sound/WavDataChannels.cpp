@@ -69,8 +69,9 @@ I_WavData* C_WavData::CreateChannelData(unsigned short wChannelNo, unsigned int 
                                         unsigned int dwSampleCount) {
   const unsigned short wChannels = m_wavInfo.GetChannels();
   const std::uint64_t qwEndSample = std::uint64_t{dwStartSample} + dwSampleCount;
-  if (wChannelNo >= wChannels || qwEndSample > m_pcmBuffer.GetUnwrappedHeldSampleSize())
+  if (wChannelNo >= wChannels || qwEndSample > m_pcmBuffer.GetUnwrappedHeldSampleSize()) {
     return nullptr;
+  }
 
   const unsigned short wStoreBits = m_wavInfo.GetStoreBitsPerSample();
   const std::size_t cbFrom = std::uint64_t{dwStartSample} * wStoreBits >> 3;

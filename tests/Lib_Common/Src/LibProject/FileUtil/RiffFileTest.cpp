@@ -115,8 +115,9 @@ TEST_F(RiffFile, SafeCloseFile_TwiceIsHarmless) {
 
 TEST_F(RiffFile, RiffSizeBelowFour_ListsToTheEndOfFile) {
   const Lines both = {"aaaa@20+4", "bbbb@32+2"};
-  for (const std::uint32_t dwSize : {0u, 1u, 2u, 3u})
+  for (const std::uint32_t dwSize : {0u, 1u, 2u, 3u}) {
     EXPECT_EQ(ListingOf(TwoChunks().RiffSize(dwSize).Take()), both) << dwSize;
+  }
   EXPECT_EQ(ListingOf(TwoChunks().RiffSize(4).Take()), Lines{});
 }
 
@@ -275,8 +276,9 @@ TEST_F(RiffFile, AnySizeFields_NeverTakeTheListingOutOfTheFile) {
                                    .RiffSize(dwRiff)
                                    .Take()));
         EXPECT_LE(file.GetChunkCount(), 3);
-        for (int i = 0; i < file.GetChunkCount(); ++i)
+        for (int i = 0; i < file.GetChunkCount(); ++i) {
           EXPECT_LE(file.GetChunkAt(i)->GetDataPos(), 12u + 16u + 11u);
+        }
       }
     }
   }

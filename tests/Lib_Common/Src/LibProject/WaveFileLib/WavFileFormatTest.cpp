@@ -85,8 +85,9 @@ TEST_F(WavFileFormat, KindsHaveTheNumbersThatFilesCarry) {
 TEST_F(WavFileFormat, TheSpHeadersIdentifierIsTheKindWhateverItIs) {
   EXPECT_EQ(Format(File(SpFile(14, KestrelStream(1)))), AUDIO_FILE_KESTREL);
   for (const std::uint16_t wID :
-       std::initializer_list<std::uint16_t>{0, 7, 32, 36, 0x1101, 0x8001, 0xFFFE, 0xFFFF})
+       std::initializer_list<std::uint16_t>{0, 7, 32, 36, 0x1101, 0x8001, 0xFFFE, 0xFFFF}) {
     EXPECT_EQ(static_cast<unsigned int>(Format(File(SpFile(wID, {})))), wID);
+  }
 }
 
 TEST_F(WavFileFormat, RiffSoundFilesAreWaveFiles) {
@@ -306,11 +307,13 @@ TEST_F(WavFileFormat, AnExceptionOutOfALoadLeavesNoObject) {
 }
 
 TEST_F(WavFileFormat, SupportIsAskedOfTheFirstFormatTagOnly) {
-  for (const std::uint16_t wTag : std::initializer_list<std::uint16_t>{1, 2, 6, 7, 11})
+  for (const std::uint16_t wTag : std::initializer_list<std::uint16_t>{1, 2, 6, 7, 11}) {
     EXPECT_TRUE(IsSupported(WithTag(wTag))) << wTag;
+  }
   for (const std::uint16_t wTag :
-       std::initializer_list<std::uint16_t>{0, 3, 0x0011, 0x0101, 0x0055, 0xFFFE, 0xFFFF})
+       std::initializer_list<std::uint16_t>{0, 3, 0x0011, 0x0101, 0x0055, 0xFFFE, 0xFFFF}) {
     EXPECT_FALSE(IsSupported(WithTag(wTag))) << wTag;
+  }
   C_RiffBytes firstGood("WAVE");
   EXPECT_TRUE(IsSupported(firstGood.Chunk("fmt ", U16(1)).Chunk("fmt ", U16(0x0011))));
   C_RiffBytes firstBad("WAVE");

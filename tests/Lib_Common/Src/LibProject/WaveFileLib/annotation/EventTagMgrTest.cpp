@@ -25,8 +25,9 @@ std::vector<unsigned int> TimesIn(Tags* pList) {
 // The sub indexes, which the tests use to tell tags apart.
 std::vector<int> NamesIn(Tags* pList) {
   std::vector<int> names;
-  for (int i = 0; i < pList->GetSize(); ++i)
+  for (int i = 0; i < pList->GetSize(); ++i) {
     names.push_back(pList->GetItemByIndex(i)->GetSubCommandIndex());
+  }
   return names;
 }
 
@@ -161,10 +162,11 @@ TEST_F(EventTagMgr, AddEventsBySamplePos_IsTheSameAsAddingOneByOne) {
       const unsigned int dwPos = Below(12);
       const bool bTime = Below(3) == 0;
       Both([&](C_EventTagMgr& mgr) {
-        if (bTime)
+        if (bTime) {
           mgr.AddEvent(1, wName, dwPos, "", 0);
-        else
+        } else {
           mgr.AddEventBySamplePos(1, wName, dwPos, "", 0);
+        }
       });
     }
     // Other rates leave some of the lists unsorted.
@@ -173,8 +175,9 @@ TEST_F(EventTagMgr, AddEventsBySamplePos_IsTheSameAsAddingOneByOne) {
     std::vector<C_EventTagMgr::S_SampleEvent> events(Below(12));
     for (unsigned short wSub = 0; auto& event : events) event = {Below(12), 2, wSub++};
     together.AddEventsBySamplePos(events);
-    for (const auto& event : events)
+    for (const auto& event : events) {
       oneByOne.AddEventBySamplePos(event.wMain, event.wSub, event.dwSamplePos, "", 0);
+    }
     ASSERT_EQ(NamesIn(together.GetEventList()), NamesIn(oneByOne.GetEventList())) << nRound;
     ASSERT_EQ(TimesIn(together.GetEventList()), TimesIn(oneByOne.GetEventList())) << nRound;
   }
@@ -474,8 +477,9 @@ class C_CountedTag : public C_EventTag {
 };
 
 void AddCounted(C_EventTagMgr& mgr, int nCount) {
-  for (int i = 0; i < nCount; ++i)
+  for (int i = 0; i < nCount; ++i) {
     static_cast<C_EventTagMgr::EventList*>(mgr.GetEventList())->Add(new C_CountedTag);
+  }
 }
 
 }  // namespace

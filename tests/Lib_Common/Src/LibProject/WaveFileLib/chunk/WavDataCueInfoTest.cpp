@@ -33,8 +33,9 @@ class WavDataCueInfo : public ::testing::Test {
   }
   [[nodiscard]] std::vector<unsigned int> IDs() {
     std::vector<unsigned int> ids;
-    for (int i = 0; i < m_info.GetCuePointCount(); ++i)
+    for (int i = 0; i < m_info.GetCuePointCount(); ++i) {
       ids.push_back(m_info.GetCuePointByIndex(i)->GetCuePointID());
+    }
     return ids;
   }
   [[nodiscard]] int IndexOf(unsigned int dwID) {
@@ -187,8 +188,9 @@ TEST_F(WavDataCueInfo, HundredsOfThousandsOfPoints_AreAddedAndFoundInLinearTime)
   for (unsigned int i = 0; i < kPoints; ++i) ASSERT_TRUE(Add(i * 107897u, i));
   for (unsigned int i = 0; i < kPoints; ++i) ASSERT_TRUE(Add(i * 107897u, i + 1));
   EXPECT_EQ(m_info.GetCuePointCount(), static_cast<int>(kPoints));
-  for (unsigned int i = 0; i < kPoints; ++i)
+  for (unsigned int i = 0; i < kPoints; ++i) {
     ASSERT_EQ(m_info.FindCuePointByID(i * 107897u, nullptr)->GetPosition(), i + 1);
+  }
   const C_Bytes saved = Saved(m_info);
   EXPECT_TRUE(Load(m_info, saved));
   EXPECT_EQ(Saved(m_info), saved);

@@ -256,11 +256,13 @@ TEST_F(WavDataListInfo, Label_EndsAtItsFirstZero) {
 }
 
 TEST_F(WavDataListInfo, SubChunkTooShortForItsFields_Fails) {
-  for (std::uint32_t dwSize = 0; dwSize < 4; ++dwSize)
+  for (std::uint32_t dwSize = 0; dwSize < 4; ++dwSize) {
     EXPECT_FALSE(Load(m_info, List({ChunkBytes("labl", dwSize, C_Bytes(64))}))) << dwSize;
+  }
   EXPECT_TRUE(Load(m_info, List({ChunkBytes("labl", C_Bytes(4))})));
-  for (std::uint32_t dwSize = 0; dwSize < 20; ++dwSize)
+  for (std::uint32_t dwSize = 0; dwSize < 20; ++dwSize) {
     EXPECT_FALSE(Load(m_info, List({ChunkBytes("ltxt", dwSize, C_Bytes(64))}))) << dwSize;
+  }
   EXPECT_TRUE(Load(m_info, List({ChunkBytes("ltxt", C_Bytes(20))})));
 }
 

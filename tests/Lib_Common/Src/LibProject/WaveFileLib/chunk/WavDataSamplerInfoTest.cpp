@@ -246,8 +246,9 @@ TEST_F(WavDataSamplerInfo, NullLoop_StopsSaving) {
 }
 
 TEST_F(WavDataSamplerInfo, Renumber_ChangesOrRemovesLoops) {
-  for (const unsigned int dwID : {1U, 2U, 3U})
+  for (const unsigned int dwID : {1U, 2U, 3U}) {
     m_info.AddSampleLoop(dwID, LOOP_ALTERNATING, 10 * dwID, 20 * dwID, 4, 5);
+  }
   m_info.Renumber([](unsigned int dwID) {
     return dwID == 2 ? std::nullopt : std::optional<unsigned int>(dwID + 100);
   });

@@ -33,8 +33,9 @@ C_Bytes WithField(C_Bytes payload, std::size_t nAt, std::uint16_t wValue) {
 TEST(WavFileCodecInfo, ExactlyFiveTagsAreAccepted) {
   std::vector<unsigned int> accepted;
   for (unsigned int dwTag = 0; dwTag <= 0xFFFF; ++dwTag) {
-    if (C_WavFileCodecInfo::IsAcceptedTag(static_cast<unsigned short>(dwTag)))
+    if (C_WavFileCodecInfo::IsAcceptedTag(static_cast<unsigned short>(dwTag))) {
       accepted.push_back(dwTag);
+    }
   }
   EXPECT_EQ(accepted, (std::vector<unsigned int>{1, 2, 6, 7, 11}));
 }
@@ -90,8 +91,9 @@ TEST(WavFileCodecInfo, CoefficientCountBeyondThePayloadIsRefused) {
 }
 
 TEST(WavFileCodecInfo, ZerosThatWouldDivideAreRefused) {
-  for (const std::uint16_t wTag : std::initializer_list<std::uint16_t>{1, 6, 7})
+  for (const std::uint16_t wTag : std::initializer_list<std::uint16_t>{1, 6, 7}) {
     EXPECT_FALSE(Accepts(FmtBytes(wTag, 0, 8000, 16))) << wTag;
+  }
   EXPECT_FALSE(Accepts(WithField(BlockFmtBytes(11, 505, {}), 2, 0)));
   EXPECT_FALSE(Accepts(WithField(MSAdpcmBytes(7, 28), 2, 0)));
   EXPECT_FALSE(Accepts(WithField(BlockFmtBytes(11, 505, {}), 12, 0)));

@@ -51,25 +51,26 @@ TEST_P(HeronRoundTrip, EverySampleRate_GivesAsManySamplesAndTheSameSound) {
   for (const unsigned int dwRate : {4000u, 8000u, 11025u, 16000u, 22050u, 44100u, 48000u}) {
     const auto voice = TestVoice(dwRate / 4);
     const auto decoded = RoundTrip(*MonoSound(voice, dwRate));
-    ASSERT_EQ(voice.size(), decoded.size()) << dwRate;
+    ASSERT_EQ(decoded.size(), voice.size()) << dwRate;
     // No sound that is shifted, scaled or inverted comes near this.
     EXPECT_GT(Snr(voice, decoded), 3.0 + 2.0 * GetParam().nBitDepth) << dwRate;
   }
 }
 
 TEST_P(HeronRoundTrip, EveryLengthAroundAFrame_IsKept) {
-  for (const std::size_t dwSamples : {1u, 2u, 79u, 80u, 81u, 159u, 160u, 161u, 319u, 320u, 321u})
-    EXPECT_EQ(dwSamples, RoundTrip(*MonoSound(TestVoice(dwSamples), 8000)).size());
+  for (const std::size_t dwSamples : {1u, 2u, 79u, 80u, 81u, 159u, 160u, 161u, 319u, 320u, 321u}) {
+    EXPECT_EQ(RoundTrip(*MonoSound(TestVoice(dwSamples), 8000)).size(), dwSamples);
+  }
 }
 
 TEST_P(HeronRoundTrip, ExtremeSounds_KeepTheirLengths) {
   for (const short nValue : {short{0}, short{1}, short{-1}, short{32767}, short{-32768}}) {
-    EXPECT_EQ(700u, RoundTrip(*MonoSound(std::vector<short>(700, nValue), 8000)).size());
-    EXPECT_EQ(1u, RoundTrip(*MonoSound({nValue}, 48000)).size());
+    EXPECT_EQ(RoundTrip(*MonoSound(std::vector<short>(700, nValue), 8000)).size(), 700u);
+    EXPECT_EQ(RoundTrip(*MonoSound({nValue}, 48000)).size(), 1u);
   }
   std::vector<short> square;
   for (int i = 0; i < 700; ++i) square.push_back(i % 2 == 0 ? short{32767} : short{-32768});
-  EXPECT_EQ(700u, RoundTrip(*MonoSound(square, 8000)).size());
+  EXPECT_EQ(RoundTrip(*MonoSound(square, 8000)).size(), 700u);
 }
 
 TEST_P(HeronRoundTrip, SoundsOfOtherFormats_ComeBackAsTheirMix) {
@@ -79,7 +80,7 @@ TEST_P(HeronRoundTrip, SoundsOfOtherFormats_ComeBackAsTheirMix) {
     const C_SoundPtr sound = ExampleSound(format, 5000);
     const auto mix = monomix::SamplesOf(*sound);
     const auto decoded = RoundTrip(*sound);
-    ASSERT_EQ(mix->size(), decoded.size());
+    ASSERT_EQ(decoded.size(), mix->size());
     EXPECT_GT(Snr(*mix, decoded), 3.0 + 2.0 * GetParam().nBitDepth) << format.wBits;
   }
 }
@@ -88,7 +89,7 @@ TEST_P(HeronRoundTrip, Events_ChangeNoSample) {
   const C_SoundPtr sound = MonoSound(TestVoice(6000), 8000);
   const auto plain = RoundTrip(*sound);
   sound->GetEventTagMgr()->AddEventBySamplePos(1, 2, 3000, "", 0);
-  EXPECT_EQ(plain, RoundTrip(*sound));
+  EXPECT_EQ(RoundTrip(*sound), plain);
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, HeronRoundTrip, testing::ValuesIn(kKinds), heron_test::NameOf);
@@ -102,13 +103,13 @@ TEST(HeronDecoder, SoundBecomesSixteenBitMonoAtItsRate) {
   SetSound(sound, {1, 2, 3, 4}, {.wChannels = 2, .wBits = 8, .wStoreBits = 8, .dwRate = 8000});
   ASSERT_TRUE(Decode(SomeStream(), &sound));
   I_WavInfo& info = *sound.GetWavInfo();
-  EXPECT_EQ(8000u, info.GetSampleRate());
-  EXPECT_EQ(1000u, info.GetByteLength());
-  EXPECT_EQ(1, info.GetChannels());
-  EXPECT_EQ(16, info.GetBitsPerSample());
-  EXPECT_EQ(16, info.GetStoreBitsPerSample());
+  EXPECT_EQ(info.GetSampleRate(), 8000u);
+  EXPECT_EQ(info.GetByteLength(), 1000u);
+  EXPECT_EQ(info.GetChannels(), 1);
+  EXPECT_EQ(info.GetBitsPerSample(), 16);
+  EXPECT_EQ(info.GetStoreBitsPerSample(), 16);
   EXPECT_TRUE(info.IsValueSigned());
-  EXPECT_EQ(500u, info.GetSampleSize());
+  EXPECT_EQ(info.GetSampleSize(), 500u);
 }
 
 TEST(HeronDecoder, EventsOfTheStream_AreNotRebuilt) {
@@ -116,7 +117,7 @@ TEST(HeronDecoder, EventsOfTheStream_AreNotRebuilt) {
   sound.SetWavInfoData(8000, 0, 1, 16, 16, true);
   ASSERT_TRUE(
       Decode(C_HeronBytes(kKinds[0], TestVoice(500), 8000).Events({0x20, 4, 1, 2}).Take(), &sound));
-  EXPECT_EQ(0, sound.GetEventTagMgr()->GetEventList()->GetSize());
+  EXPECT_EQ(sound.GetEventTagMgr()->GetEventList()->GetSize(), 0);
 }
 
 TEST(HeronDecoder, EventBytes_HaveNoInfluence) {
@@ -124,14 +125,14 @@ TEST(HeronDecoder, EventBytes_HaveNoInfluence) {
   ASSERT_TRUE(plain);
   for (const Bytes& events : {Bytes{0xFF}, Bytes{8, 0}, Bytes(300, 0x20)}) {
     const auto stream = C_HeronBytes(kKinds[0], TestVoice(500), 8000).Events(events).Take();
-    EXPECT_EQ(plain, Decoded(stream, 8000));
+    EXPECT_EQ(Decoded(stream, 8000), plain);
   }
 }
 
 TEST(HeronDecoder, SameStream_GivesTheSameSamples) {
   const auto first = Decoded(SomeStream(), 8000);
   Decoded(C_HeronBytes(kKinds[2], TestVoice(900), 16000).Take(), 16000);
-  EXPECT_EQ(first, Decoded(SomeStream(), 8000));
+  EXPECT_EQ(Decoded(SomeStream(), 8000), first);
 }
 
 TEST(HeronDecoder, RefusedStream_LeavesTheSoundAsItWas) {
@@ -139,7 +140,7 @@ TEST(HeronDecoder, RefusedStream_LeavesTheSoundAsItWas) {
   SetSound(sound, {1, 2, 3}, {.dwRate = 8000});
   EXPECT_FALSE(Decode(C_HeronBytes(kKinds[0], TestVoice(500), 8000).Mode(6).Take(), &sound));
   EXPECT_FALSE(Decode(Bytes{1, 0, 0, 0}, &sound));
-  EXPECT_EQ((C_Values{1, 2, 3}), ValuesOf(sound));
+  EXPECT_EQ(ValuesOf(sound), (C_Values{1, 2, 3}));
 }
 
 // ---- what is refused
@@ -147,8 +148,9 @@ TEST(HeronDecoder, RefusedStream_LeavesTheSoundAsItWas) {
 TEST(HeronDecoder, StreamsWithoutAudio_AreRefused) {
   for (const S_Kind& kind : kKinds) {
     const C_HeronBytes stream = C_HeronBytes(kind, TestVoice(10), 8000).Coded({});
-    for (std::size_t cbSize = 0; cbSize <= 4; ++cbSize)
+    for (std::size_t cbSize = 0; cbSize <= 4; ++cbSize) {
       EXPECT_FALSE(Decoded(stream.Take(cbSize), 8000)) << cbSize;
+    }
   }
   EXPECT_FALSE(
       Decoded(C_HeronBytes(kKinds[0], TestVoice(10), 8000).Coded({}).Events({8, 1}).Take(), 8000));
@@ -165,15 +167,17 @@ TEST(HeronDecoder, UnknownModes_AreRefused) {
 
 TEST(HeronDecoder, ImpossibleOffsets_AreRefused) {
   const auto cbStream = static_cast<std::uint32_t>(SomeStream().size());
-  for (const std::uint32_t dwOffset : {1u, 2u, 3u, 4u, cbStream, cbStream + 1, 0xFFFFFFu})
+  for (const std::uint32_t dwOffset : {1u, 2u, 3u, 4u, cbStream, cbStream + 1, 0xFFFFFFu}) {
     EXPECT_FALSE(
         Decoded(C_HeronBytes(kKinds[0], TestVoice(500), 8000).Offset(dwOffset).Take(), 8000))
         << dwOffset;
+  }
 }
 
 TEST(HeronDecoder, OtherSampleRates_AreRefused) {
-  for (const unsigned int dwRate : {0u, 1u, 3999u, 48001u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu})
+  for (const unsigned int dwRate : {0u, 1u, 3999u, 48001u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
     EXPECT_FALSE(Decoded(SomeStream(), dwRate)) << dwRate;
+  }
 }
 
 TEST(HeronDecoder, NullArguments_AreRefused) {

@@ -41,23 +41,23 @@ class HeronEncode : public testing::TestWithParam<S_Kind> {};
 TEST_P(HeronEncode, SoundWithoutEvents_IsAHeadWithoutOffsetAndItsAudio) {
   const auto voice = TestVoice(1000);
   const auto stream = Encoded(*MonoSound(voice, 8000), GetParam().eType);
-  EXPECT_EQ(C_HeronBytes(GetParam(), voice, 8000).Take(), stream);
-  EXPECT_EQ((Bytes{GetParam().byMode, 0, 0, 0}), Bytes(stream->begin(), stream->begin() + 4));
+  EXPECT_EQ(stream, C_HeronBytes(GetParam(), voice, 8000).Take());
+  EXPECT_EQ(Bytes(stream->begin(), stream->begin() + 4), (Bytes{GetParam().byMode, 0, 0, 0}));
 }
 
 TEST_P(HeronEncode, SoundWithEvents_HasTheirStreamBehindItsAudio) {
   const auto voice = TestVoice(160 * 320);
   const C_SoundPtr sound = MonoSound(voice, 8000);
   AddEvent(*sound, 1, 2, 100 * 160);
-  EXPECT_EQ(C_HeronBytes(GetParam(), voice, 8000).Events({8, 0x60, 0x20, 4, 1, 2, 8, 0xE0}).Take(),
-            Encoded(*sound, GetParam().eType));
+  EXPECT_EQ(Encoded(*sound, GetParam().eType),
+            C_HeronBytes(GetParam(), voice, 8000).Events({8, 0x60, 0x20, 4, 1, 2, 8, 0xE0}).Take());
 }
 
 TEST_P(HeronEncode, SameSound_GivesTheSameBytes) {
   const C_SoundPtr sound = MonoSound(TestVoice(3000), 11025);
   const auto first = Encoded(*sound, GetParam().eType);
   Encoded(*MonoSound(TestVoice(500), 44100), GetParam().eType);
-  EXPECT_EQ(first, Encoded(*sound, GetParam().eType));
+  EXPECT_EQ(Encoded(*sound, GetParam().eType), first);
 }
 
 TEST_P(HeronEncode, SeveralThreads_DoNotDisturbEachOther) {
@@ -73,8 +73,8 @@ TEST_P(HeronEncode, SeveralThreads_DoNotDisturbEachOther) {
   std::thread second(encode, 16000u, &other);
   first.join();
   second.join();
-  EXPECT_EQ(alone, beside);
-  EXPECT_EQ(C_HeronBytes(kind, TestVoice(4000), 16000).Take(), other);
+  EXPECT_EQ(beside, alone);
+  EXPECT_EQ(other, C_HeronBytes(kind, TestVoice(4000), 16000).Take());
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, HeronEncode, testing::ValuesIn(kKinds), heron_test::NameOf);
@@ -83,8 +83,8 @@ TEST(HeronEncoder, EventBytes_AreTheLowHalvesOfTheCommands) {
   const auto voice = TestVoice(160);
   const C_SoundPtr sound = MonoSound(voice, 8000);
   AddEvent(*sound, 0x0102, 0xFE03, 0);
-  EXPECT_EQ(C_HeronBytes(kKinds[0], voice, 8000).Events({0x20, 4, 2, 3}).Take(),
-            Encoded(*sound, 32));
+  EXPECT_EQ(Encoded(*sound, 32),
+            C_HeronBytes(kKinds[0], voice, 8000).Events({0x20, 4, 2, 3}).Take());
 }
 
 TEST(HeronEncoder, FramesOfEvents_FollowTheSampleRate) {
@@ -94,10 +94,9 @@ TEST(HeronEncoder, FramesOfEvents_FollowTheSampleRate) {
     const C_SoundPtr sound = MonoSound(voice, dwRate);
     AddEvent(*sound, 1, 2, dwFrame * 32 - 1);
     AddEvent(*sound, 3, 4, dwFrame * 32);
-    EXPECT_EQ(C_HeronBytes(kKinds[4], voice, static_cast<int>(dwRate))
-                  .Events({0x20, 4, 1, 2, 8, 0x20, 0x28, 5, 3, 4})
-                  .Take(),
-              Encoded(*sound, 36))
+    EXPECT_EQ(Encoded(*sound, 36), C_HeronBytes(kKinds[4], voice, static_cast<int>(dwRate))
+                                       .Events({0x20, 4, 1, 2, 8, 0x20, 0x28, 5, 3, 4})
+                                       .Take())
         << dwRate;
   }
 }
@@ -106,15 +105,15 @@ TEST(HeronEncoder, PartOfAFrameAtTheEnd_CountsAsAFrame) {
   const auto voice = TestVoice(160 * 31 + 1);
   const C_SoundPtr sound = MonoSound(voice, 8000);
   AddEvent(*sound, 1, 2, 0);
-  EXPECT_EQ(C_HeronBytes(kKinds[0], voice, 8000).Events({0x20, 4, 1, 2, 8, 0x20}).Take(),
-            Encoded(*sound, 32));
+  EXPECT_EQ(Encoded(*sound, 32),
+            C_HeronBytes(kKinds[0], voice, 8000).Events({0x20, 4, 1, 2, 8, 0x20}).Take());
 }
 
 TEST(HeronEncoder, EventBehindTheSound_MakesAStreamOfOneGap) {
   const auto voice = TestVoice(160);
   const C_SoundPtr sound = MonoSound(voice, 8000);
   AddEvent(*sound, 1, 2, 160 * 32);
-  EXPECT_EQ(C_HeronBytes(kKinds[0], voice, 8000).Events({8, 1}).Take(), Encoded(*sound, 32));
+  EXPECT_EQ(Encoded(*sound, 32), C_HeronBytes(kKinds[0], voice, 8000).Events({8, 1}).Take());
 }
 
 // ---- sounds of other formats
@@ -127,9 +126,9 @@ TEST(HeronEncoder, SoundsOfOtherFormats_AreCodedAsTheirMix) {
     const C_SoundPtr sound = ExampleSound(format, 700);
     const auto mix = monomix::SamplesOf(*sound);
     ASSERT_TRUE(mix);
-    ASSERT_EQ(700u, mix->size());
-    EXPECT_EQ(C_HeronBytes(kKinds[0], *mix, static_cast<int>(format.dwSampleRate)).Take(),
-              Encoded(*sound, 32))
+    ASSERT_EQ(mix->size(), 700u);
+    EXPECT_EQ(Encoded(*sound, 32),
+              C_HeronBytes(kKinds[0], *mix, static_cast<int>(format.dwSampleRate)).Take())
         << format.wChannels << " channels of " << format.wBits;
   }
 }
@@ -140,7 +139,7 @@ TEST(HeronEncoder, AlikeChannels_AreCodedAsOneOfThem) {
   for (const short nSample : voice) stereo.insert(stereo.end(), {nSample, nSample});
   C_WavData sound;
   SetSound(sound, stereo, {.wChannels = 2, .dwRate = 8000});
-  EXPECT_EQ(Encoded(*MonoSound(voice, 8000), 32), Encoded(sound, 32));
+  EXPECT_EQ(Encoded(sound, 32), Encoded(*MonoSound(voice, 8000), 32));
 }
 
 TEST(HeronEncoder, TheSoundItself_StaysAsItWas) {
@@ -148,9 +147,9 @@ TEST(HeronEncoder, TheSoundItself_StaysAsItWas) {
   AddEvent(*sound, 1, 2, 3);
   const auto before = BytesOf(*sound);
   ASSERT_TRUE(Encoded(*sound, 32));
-  EXPECT_EQ(before, BytesOf(*sound));
-  EXPECT_EQ(2, sound->GetWavInfo()->GetChannels());
-  EXPECT_EQ(1, sound->GetEventTagMgr()->GetEventList()->GetSize());
+  EXPECT_EQ(BytesOf(*sound), before);
+  EXPECT_EQ(sound->GetWavInfo()->GetChannels(), 2);
+  EXPECT_EQ(sound->GetEventTagMgr()->GetEventList()->GetSize(), 1);
 }
 
 // ---- reports
@@ -162,7 +161,7 @@ TEST(HeronEncoder, LastRecord_IsTheNumberOf32FrameGroups) {
     g_records.clear();
     ASSERT_TRUE(Encoded(*MonoSound(TestVoice(dwFrames * 80), 4000), 32, Record));
     ASSERT_FALSE(g_records.empty());
-    EXPECT_EQ(dwGroups, g_records.back().dwValue) << dwFrames;
+    EXPECT_EQ(g_records.back().dwValue, dwGroups) << dwFrames;
   }
 }
 
@@ -171,7 +170,7 @@ TEST(HeronEncoder, Records_CountTheGroupsThatAreDone) {
   ASSERT_TRUE(Encoded(*MonoSound(TestVoice(70 * 80), 4000), 32, Record));
   EXPECT_THAT(ValuesReported(), ElementsAre(1, 2, 3));
   for (const S_CodecProgress& record : g_records) {
-    EXPECT_EQ(S_CodecProgress::kProgress, record.dwKind);
+    EXPECT_EQ(record.dwKind, S_CodecProgress::kProgress);
     EXPECT_THAT(record.szText, Each('\0'));
   }
 }
@@ -187,7 +186,7 @@ std::string Printed(bool bVerbose, unsigned int dwFrames, unsigned int dwTypeCod
   const C_SoundPtr sound = MonoSound(TestVoice(dwFrames * 80), 4000);
   C_HeronCodec codec;
   codec.SetVerbose(bVerbose);
-  EXPECT_EQ(bVerbose, codec.IsVerbose());
+  EXPECT_EQ(codec.IsVerbose(), bVerbose);
   unsigned char* pbyStream = nullptr;
   unsigned int dwLength = 0;
   testing::internal::CaptureStdout();
@@ -198,15 +197,15 @@ std::string Printed(bool bVerbose, unsigned int dwFrames, unsigned int dwTypeCod
 
 TEST(HeronEncoder, VerboseCodec_PrintsFiftyDotsAndHowItEnded) {
   const std::string strDots(50, '.');
-  EXPECT_EQ(strDots + "ok", Printed(true, 1, 32));
-  EXPECT_EQ(strDots + "ok", Printed(true, 70, 36));
-  EXPECT_EQ(strDots + "fail", Printed(true, 70, 37));
+  EXPECT_EQ(Printed(true, 1, 32), strDots + "ok");
+  EXPECT_EQ(Printed(true, 70, 36), strDots + "ok");
+  EXPECT_EQ(Printed(true, 70, 37), strDots + "fail");
 }
 
 TEST(HeronEncoder, NewCodec_PrintsNothing) {
   EXPECT_FALSE(C_HeronCodec().IsVerbose());
-  EXPECT_EQ("", Printed(false, 70, 32));
-  EXPECT_EQ("", Printed(false, 70, 37));
+  EXPECT_EQ(Printed(false, 70, 32), "");
+  EXPECT_EQ(Printed(false, 70, 37), "");
 }
 
 std::string g_strSeen;
@@ -227,24 +226,27 @@ TEST(HeronEncoder, Dots_GrowWithTheWork) {
   testing::internal::CaptureStdout();
   EXPECT_TRUE(codec.Encode(sound.get(), 32, nullptr, RecordOutput, &pbyStream, &dwLength));
   const std::unique_ptr<unsigned char[]> owner(pbyStream);
-  EXPECT_EQ(std::string(25, '.'), g_strSeen);
-  EXPECT_EQ(std::string(25, '.') + "ok", testing::internal::GetCapturedStdout());
+  EXPECT_EQ(g_strSeen, std::string(25, '.'));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(25, '.') + "ok");
 }
 
 // ---- what is refused
 
 TEST(HeronEncoder, OtherTypeCodes_AreRefused) {
   const C_SoundPtr sound = MonoSound(TestVoice(200), 8000);
-  for (const unsigned int dwType : {0u, 1u, 4u, 14u, 31u, 37u, 38u, 0x8001u, 0xFFFFu, 0x10020u})
+  for (const unsigned int dwType : {0u, 1u, 4u, 14u, 31u, 37u, 38u, 0x8001u, 0xFFFFu, 0x10020u}) {
     EXPECT_FALSE(Encoded(*sound, dwType)) << dwType;
+  }
 }
 
 TEST(HeronEncoder, SampleRatesFrom4000To48000_AreTaken) {
-  for (const unsigned int dwRate : {4000u, 4001u, 8000u, 22050u, 47999u, 48000u})
+  for (const unsigned int dwRate : {4000u, 4001u, 8000u, 22050u, 47999u, 48000u}) {
     EXPECT_TRUE(Encoded(*MonoSound(TestVoice(300), dwRate), 32)) << dwRate;
+  }
   for (const unsigned int dwRate :
-       {0u, 1u, 3999u, 48001u, 96000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu})
+       {0u, 1u, 3999u, 48001u, 96000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
     EXPECT_FALSE(Encoded(*MonoSound(TestVoice(300), dwRate), 32)) << dwRate;
+  }
 }
 
 TEST(HeronEncoder, SoundsWithoutSamples_AreRefused) {
@@ -270,18 +272,18 @@ TEST(HeronEncoder, NullArguments_AreRefused) {
   unsigned int dwLength = 5;
   C_HeronCodec codec;
   EXPECT_FALSE(codec.Encode(nullptr, 32, nullptr, nullptr, &pbyStream, &dwLength));
-  EXPECT_EQ(nullptr, pbyStream);
-  EXPECT_EQ(0u, dwLength);
+  EXPECT_EQ(pbyStream, nullptr);
+  EXPECT_EQ(dwLength, 0u);
   EXPECT_FALSE(codec.Encode(sound.get(), 32, nullptr, nullptr, nullptr, &dwLength));
   EXPECT_FALSE(codec.Encode(sound.get(), 32, nullptr, nullptr, &pbyStream, nullptr));
 }
 
 TEST(HeronEncoder, Codec_HasNoEntryPointsOfAFrameCoder) {
   const C_HeronCodec codec;
-  EXPECT_EQ(nullptr, codec.GetEncoderInit());
-  EXPECT_EQ(nullptr, codec.GetEncodeFrame());
-  EXPECT_EQ(nullptr, codec.GetDecoderInit());
-  EXPECT_EQ(nullptr, codec.GetDecodeFrame());
+  EXPECT_EQ(codec.GetEncoderInit(), nullptr);
+  EXPECT_EQ(codec.GetEncodeFrame(), nullptr);
+  EXPECT_EQ(codec.GetDecoderInit(), nullptr);
+  EXPECT_EQ(codec.GetDecodeFrame(), nullptr);
 }
 
 }  // namespace

@@ -21,33 +21,34 @@ TEST(HeronStream, Variants_HaveTheirBitDepthsAndModeCodes) {
   for (const auto& [nType, nBitDepth, nMode] : kRows) {
     const auto variant = VariantOfType(static_cast<unsigned int>(nType));
     ASSERT_TRUE(variant) << nType;
-    EXPECT_EQ(nType, static_cast<int>(variant->eType));
-    EXPECT_EQ(nBitDepth, variant->nBitDepth) << nType;
-    EXPECT_EQ(nMode, variant->byModeCode) << nType;
+    EXPECT_EQ(static_cast<int>(variant->eType), nType);
+    EXPECT_EQ(variant->nBitDepth, nBitDepth) << nType;
+    EXPECT_EQ(variant->byModeCode, nMode) << nType;
   }
 }
 
 TEST(HeronStream, OtherTypeCodes_AreNoVariant) {
   for (const unsigned int dwType :
-       {0u, 4u, 14u, 31u, 37u, 38u, 0x8001u, 0xFFFFu, 0x10020u, 0xFFFFFFFFu})
+       {0u, 4u, 14u, 31u, 37u, 38u, 0x8001u, 0xFFFFu, 0x10020u, 0xFFFFFFFFu}) {
     EXPECT_FALSE(VariantOfType(dwType)) << dwType;
+  }
 }
 
 TEST(HeronStream, Head_HoldsModeCodeAndPlaceOfTheEvents) {
   const auto variant = *VariantOfType(33);
-  EXPECT_EQ(0x00012C02u, MakeHead(variant, 300, 1));
-  EXPECT_EQ(0x00000402u, MakeHead(variant, 4, 70000));
+  EXPECT_EQ(MakeHead(variant, 300, 1), 0x00012C02u);
+  EXPECT_EQ(MakeHead(variant, 4, 70000), 0x00000402u);
 }
 
 TEST(HeronStream, HeadWithoutEvents_HasOffset0) {
   const auto variant = *VariantOfType(36);
-  EXPECT_EQ(5u, MakeHead(variant, 300, 0));
-  EXPECT_EQ(5u, MakeHead(variant, std::uint64_t{1} << 40, 0));
+  EXPECT_EQ(MakeHead(variant, 300, 0), 5u);
+  EXPECT_EQ(MakeHead(variant, std::uint64_t{1} << 40, 0), 5u);
 }
 
 TEST(HeronStream, EventsFrom16MebibytesOn_HaveNoPlaceInTheHead) {
   const auto variant = *VariantOfType(32);
-  EXPECT_EQ(0xFFFFFF01u, MakeHead(variant, 0xFFFFFF, 1));
+  EXPECT_EQ(MakeHead(variant, 0xFFFFFF, 1), 0xFFFFFF01u);
   EXPECT_FALSE(MakeHead(variant, 0x1000000, 1));
   EXPECT_FALSE(MakeHead(variant, std::uint64_t{1} << 32 | 4, 1));
 }
@@ -56,16 +57,16 @@ TEST(HeronStream, AudioWithoutEvents_ReachesToTheEnd) {
   const Bytes stream = {3, 0, 0, 0, 10, 11, 12};
   const auto audio = FindAudio(stream);
   ASSERT_TRUE(audio);
-  EXPECT_EQ(6, audio->variant.nBitDepth);
-  EXPECT_EQ((Bytes{10, 11, 12}), Bytes(audio->coded.begin(), audio->coded.end()));
+  EXPECT_EQ(audio->variant.nBitDepth, 6);
+  EXPECT_EQ(Bytes(audio->coded.begin(), audio->coded.end()), (Bytes{10, 11, 12}));
 }
 
 TEST(HeronStream, AudioBeforeEvents_EndsAtTheirOffset) {
   const Bytes stream = {4, 6, 0, 0, 10, 11, 8, 1};
   const auto audio = FindAudio(stream);
   ASSERT_TRUE(audio);
-  EXPECT_EQ(2, audio->variant.nBitDepth);
-  EXPECT_EQ((Bytes{10, 11}), Bytes(audio->coded.begin(), audio->coded.end()));
+  EXPECT_EQ(audio->variant.nBitDepth, 2);
+  EXPECT_EQ(Bytes(audio->coded.begin(), audio->coded.end()), (Bytes{10, 11}));
 }
 
 TEST(HeronStream, HeadAlone_HasNoAudio) {
@@ -83,7 +84,7 @@ TEST(HeronStream, StreamShorterThanItsHead_IsRefused) {
 TEST(HeronStream, UnknownModeCodes_AreRefused) {
   for (unsigned int dwMode = 0; dwMode < 256; ++dwMode) {
     const Bytes stream = {static_cast<unsigned char>(dwMode), 0, 0, 0, 10, 11};
-    EXPECT_EQ(dwMode >= 1 && dwMode <= 5, FindAudio(stream).has_value()) << dwMode;
+    EXPECT_EQ(FindAudio(stream).has_value(), dwMode >= 1 && dwMode <= 5) << dwMode;
   }
 }
 

@@ -66,14 +66,14 @@ TEST(HeronTemp, TwoPrivateFilesWhileEncoding_AreGoneAfterwards) {
   });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 2);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(HeronTemp, AreGoneAfterACallbackThatThrows) {
   const auto use = WatchTemp([] { return ThrowsInCall(1) && ThrowsInCall(2); });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 4);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(HeronTemp, AreGoneAfterEveryKindOfRefusal) {
@@ -84,7 +84,7 @@ TEST(HeronTemp, AreGoneAfterEveryKindOfRefusal) {
   });
   EXPECT_FALSE(use.bResult);
   EXPECT_GE(use.nCreated, 6);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(HeronTemp, DiskFullAtAnyByte_IsFalseAndLeavesNothing) {
@@ -99,7 +99,7 @@ TEST(HeronTemp, DiskFullAtAnyByte_IsFalseAndLeavesNothing) {
   });
   EXPECT_FALSE(use.bResult);
   EXPECT_GE(use.nCreated, 40);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
   const C_FileSizeLimit limit(Encoded(*SoundWithEvents(), 35)->size());
   EXPECT_TRUE(Encode());
 }
@@ -115,8 +115,8 @@ TEST(HeronTemp, Decoding_NeedsNoFile) {
            !heron_test::Decoded({1, 2, 3, 4}, 4000);
   });
   EXPECT_TRUE(use.bResult);
-  EXPECT_EQ(2, use.nCreated);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nCreated, 2);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 }  // namespace

@@ -58,11 +58,11 @@ TEST(KestrelDecode, Every800thRateFrom4800To32000_DecodesAsTheBareCoderDoes) {
     const auto stream = C_KestrelBytes(dwBitRate).Voice(12);
     const auto decoded = Decode(stream.Take());
     EXPECT_TRUE(decoded.bResult) << dwBitRate;
-    EXPECT_EQ(kestrel_test::DecodeWords(dwBitRate, stream.GetWords()), decoded.samples)
+    EXPECT_EQ(decoded.samples, kestrel_test::DecodeWords(dwBitRate, stream.GetWords()))
         << dwBitRate;
-    EXPECT_EQ(12u * 320, decoded.samples.size()) << dwBitRate;
+    EXPECT_EQ(decoded.samples.size(), 12u * 320) << dwBitRate;
   }
-  EXPECT_EQ(35, nRates);
+  EXPECT_EQ(nRates, 35);
 }
 
 bool IsDecodableRate(unsigned int dwBitRate) {
@@ -75,8 +75,8 @@ TEST(KestrelDecode, AllStoredRates_AreAcceptedOrRefusedByTheCoder) {
   for (unsigned int dwBitRate = 0; dwBitRate < 65536; ++dwBitRate) {
     int nWords = 0;
     int nSamples = 0;
-    ASSERT_EQ(IsDecodableRate(dwBitRate),
-              codec.GetDecoderInit()(dwBitRate, &nWords, &nSamples) == 0)
+    ASSERT_EQ(codec.GetDecoderInit()(dwBitRate, &nWords, &nSamples) == 0,
+              IsDecodableRate(dwBitRate))
         << dwBitRate;
   }
 }
@@ -88,7 +88,7 @@ TEST(KestrelDecode, RatesThatTheCoderRefuses_AreRefused) {
   for (unsigned int dwBitRate = 0; dwBitRate < 65536;
        dwBitRate += dwBitRate % 800U < 2U ? 1U : 133U) {
     const auto stream = C_KestrelBytes(dwBitRate).Take();
-    ASSERT_EQ(IsDecodableRate(dwBitRate), codec.Decode(stream.data(), 6, sound.get(), nullptr))
+    ASSERT_EQ(codec.Decode(stream.data(), 6, sound.get(), nullptr), IsDecodableRate(dwBitRate))
         << dwBitRate;
   }
 }
@@ -104,22 +104,22 @@ TEST(KestrelDecode, RateThatIsRefused_FailsBeforeTheFirstFrame) {
 TEST(KestrelDecode, Callback_GetsEachFrameOnceAndInOrder) {
   const auto decoded = Decode(C_KestrelBytes(16000).Voice(50).Take());
   ASSERT_TRUE(decoded.bResult);
-  EXPECT_EQ(50u, g_lengths.size());
+  EXPECT_EQ(g_lengths.size(), 50u);
   EXPECT_THAT(g_lengths, Each(640u));
-  ASSERT_EQ(decoded.samples.size() * 2, g_pieces.size());
-  EXPECT_EQ(0, std::memcmp(decoded.samples.data(), g_pieces.data(), g_pieces.size()));
+  ASSERT_EQ(g_pieces.size(), decoded.samples.size() * 2);
+  EXPECT_EQ(std::memcmp(decoded.samples.data(), g_pieces.data(), g_pieces.size()), 0);
 }
 
 TEST(KestrelDecode, WithoutACallback_GivesTheSame) {
   const auto stream = C_KestrelBytes(9600).Voice(5).Take();
-  EXPECT_EQ(Decode(stream).samples, Decode(stream, nullptr).samples);
+  EXPECT_EQ(Decode(stream, nullptr).samples, Decode(stream).samples);
 }
 
 void SpoilPiece(void* pData, unsigned int dwLength) { std::memset(pData, 0x55, dwLength); }
 
 TEST(KestrelDecode, CallbackThatChangesItsPiece_DoesNotChangeTheSound) {
   const auto stream = C_KestrelBytes(16000).Voice(5).Take();
-  EXPECT_EQ(Decode(stream).samples, Decode(stream, SpoilPiece).samples);
+  EXPECT_EQ(Decode(stream, SpoilPiece).samples, Decode(stream).samples);
 }
 
 TEST(KestrelDecode, FormatOfTheSound_StaysAndItsLengthIsThatOfTheFrames) {
@@ -130,9 +130,9 @@ TEST(KestrelDecode, FormatOfTheSound_StaysAndItsLengthIsThatOfTheFrames) {
   codec.LoadCodec(0);
   ASSERT_TRUE(
       codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), sound.get(), nullptr));
-  EXPECT_EQ(8000u, sound->GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(3u * 640, sound->GetBufferLength());
-  EXPECT_EQ(960u, sound->GetWavInfo()->GetSampleSize());
+  EXPECT_EQ(sound->GetWavInfo()->GetSampleRate(), 8000u);
+  EXPECT_EQ(sound->GetBufferLength(), 3u * 640);
+  EXPECT_EQ(sound->GetWavInfo()->GetSampleSize(), 960u);
 }
 
 TEST(KestrelDecode, HeadAlone_DecodesToNoSamples) {
@@ -141,8 +141,8 @@ TEST(KestrelDecode, HeadAlone_DecodesToNoSamples) {
   C_KestrelCodec codec;
   codec.LoadCodec(0);
   EXPECT_TRUE(codec.Decode(stream.data(), 6, sound.get(), RecordPiece));
-  EXPECT_EQ(0u, sound->GetBufferLength());
-  EXPECT_NE(nullptr, sound->GetBuffer());
+  EXPECT_EQ(sound->GetBufferLength(), 0u);
+  EXPECT_NE(sound->GetBuffer(), nullptr);
 }
 
 TEST(KestrelDecode, AgainAfterAnyHistory_GivesTheSameSamples) {
@@ -150,7 +150,7 @@ TEST(KestrelDecode, AgainAfterAnyHistory_GivesTheSameSamples) {
   const auto expected = Decode(stream).samples;
   Decode(C_KestrelBytes(4800).Words(std::vector<std::uint16_t>(60, 0xFFFF)).Take());
   EXPECT_FALSE(Decode(C_KestrelBytes(7300).Voice(2).Take()).bResult);
-  EXPECT_EQ(expected, Decode(stream).samples);
+  EXPECT_EQ(Decode(stream).samples, expected);
 }
 
 TEST(KestrelDecode, AnEncodeBetweenItsFrames_ChangesNothing) {
@@ -159,14 +159,15 @@ TEST(KestrelDecode, AnEncodeBetweenItsFrames_ChangesNothing) {
   const auto encodeInBetween = [](void*, unsigned int) {
     kestrel_test::EncodeWords(32000, TestVoice(640));
   };
-  EXPECT_EQ(expected, Decode(stream, encodeInBetween).samples);
+  EXPECT_EQ(Decode(stream, encodeInBetween).samples, expected);
 }
 
 // ---- lengths that lie
 
 TEST(KestrelDecode, FewerThanSixBytes_AreRefusedWithoutReadingOn) {
-  for (std::size_t cbSize = 0; cbSize < 6; ++cbSize)
+  for (std::size_t cbSize = 0; cbSize < 6; ++cbSize) {
     EXPECT_FALSE(Decode(C_KestrelBytes(16000).Take(cbSize)).bResult) << cbSize;
+  }
 }
 
 TEST(KestrelDecode, NullBytes_AreRefused) {
@@ -195,14 +196,14 @@ TEST(KestrelDecode, Length2Or3_IsTheHeadAlone) {
 TEST(KestrelDecode, OddLength_IsRoundedDownToWords) {
   const auto decoded = Decode(C_KestrelBytes(16000).Voice(1).Claim(43).Take());
   EXPECT_TRUE(decoded.bResult);
-  EXPECT_EQ(320u, decoded.samples.size());
+  EXPECT_EQ(decoded.samples.size(), 320u);
 }
 
 TEST(KestrelDecode, LengthBelowTheBytes_DecodesWhatItClaims) {
   const auto whole = Decode(C_KestrelBytes(16000).Voice(50).Take());
   const auto decoded = Decode(C_KestrelBytes(16000).Voice(50).Claim(1962).Take());
   EXPECT_TRUE(decoded.bResult);
-  ASSERT_EQ(49u * 320, decoded.samples.size());
+  ASSERT_EQ(decoded.samples.size(), 49u * 320);
   EXPECT_TRUE(std::equal(decoded.samples.begin(), decoded.samples.end(), whole.samples.begin()));
 }
 
@@ -212,13 +213,13 @@ TEST(KestrelDecode, LengthThatLeavesAPartialFrame_FailsAfterAllWholeFrames) {
     const auto decoded = Decode(bytes.Take());
     EXPECT_FALSE(decoded.bResult) << dwMore;
     EXPECT_THAT(decoded.samples, IsEmpty()) << dwMore;
-    EXPECT_EQ(3u, g_lengths.size()) << dwMore;
+    EXPECT_EQ(g_lengths.size(), 3u) << dwMore;
   }
 }
 
 TEST(KestrelDecode, LengthThatLeavesAPartialFrame_FailsAlsoWhereTheBytesEndEarlier) {
   EXPECT_FALSE(Decode(C_KestrelBytes(16000).Voice(3).Claim(2 + 6 * 40 + 2).Take()).bResult);
-  EXPECT_EQ(3u, g_lengths.size());
+  EXPECT_EQ(g_lengths.size(), 3u);
 }
 
 TEST(KestrelDecode, LengthAbove65535_IsReadWhole) {
@@ -226,7 +227,7 @@ TEST(KestrelDecode, LengthAbove65535_IsReadWhole) {
   const auto decoded =
       Decode(C_KestrelBytes(16000).Words(std::vector<std::uint16_t>(35000)).Claim(dwClaim).Take());
   EXPECT_TRUE(decoded.bResult);
-  EXPECT_EQ(1750u * 320, decoded.samples.size());
+  EXPECT_EQ(decoded.samples.size(), 1750u * 320);
 }
 
 // What a stream of 3 frames cut at cbSize bytes decodes to: whole words up to there, then zeros.
@@ -243,8 +244,8 @@ TEST(KestrelDecode, StreamCutAtEveryByte_PlaysWhatItHolds) {
   for (std::size_t cbSize = 6 + 8; cbSize <= 126; ++cbSize) {
     const auto decoded = Decode(stream.Take(cbSize));
     EXPECT_TRUE(decoded.bResult) << cbSize;
-    EXPECT_EQ(ExpectedOfCut(stream, cbSize), decoded.samples) << cbSize;
-    EXPECT_EQ((cbSize - 6 + 39) / 40, g_lengths.size()) << cbSize;
+    EXPECT_EQ(decoded.samples, ExpectedOfCut(stream, cbSize)) << cbSize;
+    EXPECT_EQ(g_lengths.size(), (cbSize - 6 + 39) / 40) << cbSize;
   }
 }
 
@@ -252,7 +253,7 @@ TEST(KestrelDecode, BytesBelowASixteenthOfTheLength_FailBeforeTheFirstFrame) {
   // 7 frames of 9 words: 128 bytes claimed, of which 8 are a sixteenth.
   const auto stream = C_KestrelBytes(7200).Voice(7);
   EXPECT_TRUE(Decode(stream.Take(4 + 8)).bResult);
-  EXPECT_EQ(1u, g_lengths.size());
+  EXPECT_EQ(g_lengths.size(), 1u);
   EXPECT_FALSE(Decode(stream.Take(4 + 7)).bResult);
   EXPECT_THAT(g_lengths, IsEmpty());
 }
@@ -260,7 +261,7 @@ TEST(KestrelDecode, BytesBelowASixteenthOfTheLength_FailBeforeTheFirstFrame) {
 TEST(KestrelDecode, OneFrameHeld_IsEnoughForAClaimOf16FramesAndNotOf17) {
   // 42 bytes behind the length field; 16 times that is 672.
   EXPECT_TRUE(Decode(C_KestrelBytes(16000).Voice(1).Claim(2 + 16 * 40).Take()).bResult);
-  EXPECT_EQ(1u, g_lengths.size());
+  EXPECT_EQ(g_lengths.size(), 1u);
   EXPECT_FALSE(Decode(C_KestrelBytes(16000).Voice(1).Claim(2 + 17 * 40).Take()).bResult);
   EXPECT_THAT(g_lengths, IsEmpty());
 }
@@ -284,17 +285,17 @@ TEST(KestrelDecode, PcmThatDoesNotFit32Bits_IsRefusedBeforeTheFirstFrame) {
 TEST(KestrelDecode, FrameSize_ComesFromTheCoderNotFromTheStream) {
   // 40 bytes are two frames of 10 words at 8000 and a frame of 20 at 16000.
   const std::vector<std::uint16_t> words(20);
-  EXPECT_EQ(640u, Decode(C_KestrelBytes(8000).Words(words).Take()).samples.size());
-  EXPECT_EQ(320u, Decode(C_KestrelBytes(16000).Words(words).Take()).samples.size());
+  EXPECT_EQ(Decode(C_KestrelBytes(8000).Words(words).Take()).samples.size(), 640u);
+  EXPECT_EQ(Decode(C_KestrelBytes(16000).Words(words).Take()).samples.size(), 320u);
   EXPECT_FALSE(Decode(C_KestrelBytes(24000).Words(words).Take()).bResult);
 }
 
 TEST(KestrelDecode, WordsAreLittleEndian) {
   auto bytes = C_KestrelBytes(16000).Voice(1);
   const auto stream = bytes.Take();
-  EXPECT_EQ(bytes.GetWords()[0] & 0xFF, stream[6]);
-  EXPECT_EQ(bytes.GetWords()[0] >> 8, stream[7]);
-  EXPECT_EQ(kestrel_test::DecodeWords(16000, bytes.GetWords()), Decode(stream).samples);
+  EXPECT_EQ(stream[6], bytes.GetWords()[0] & 0xFF);
+  EXPECT_EQ(stream[7], bytes.GetWords()[0] >> 8);
+  EXPECT_EQ(Decode(stream).samples, kestrel_test::DecodeWords(16000, bytes.GetWords()));
 }
 
 TEST(KestrelDecode, AnyWords_DecodeWithoutFault) {
@@ -323,7 +324,7 @@ TEST(KestrelDecode, Failure_LeavesThePcmThatTheSoundHad) {
   codec.LoadCodec(0);
   EXPECT_FALSE(
       codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), sound.get(), nullptr));
-  EXPECT_EQ(voice, SamplesOf(sound.get()));
+  EXPECT_EQ(SamplesOf(sound.get()), voice);
 }
 
 class C_NoBufferSound : public C_WavData {
@@ -373,7 +374,7 @@ TEST(KestrelDecode, CallbackThatThrows_PassesThroughAndTheNextDecodeWorks) {
   for (int nPiece = 1; nPiece <= 3; ++nPiece) {
     g_nPiecesUntilThrow = nPiece;
     EXPECT_THROW(Decode(stream, ThrowingPiece), std::runtime_error) << nPiece;
-    EXPECT_EQ(expected, Decode(stream).samples) << nPiece;
+    EXPECT_EQ(Decode(stream).samples, expected) << nPiece;
   }
 }
 

@@ -35,8 +35,8 @@ S_Encoded EncodeSound(I_WavData* piWavData, unsigned int dwBitRate,
   unsigned int dwEncDataLen = 4711;
   S_Encoded encoded;
   encoded.bResult = codec.Encode(piWavData, dwBitRate, &pbyEncData, &dwEncDataLen, pfnProgress);
-  EXPECT_EQ(encoded.bResult, pbyEncData != nullptr);
-  EXPECT_EQ(encoded.bResult, dwEncDataLen != 0);
+  EXPECT_EQ(pbyEncData != nullptr, encoded.bResult);
+  EXPECT_EQ(dwEncDataLen != 0, encoded.bResult);
   if (pbyEncData != nullptr) encoded.stream.assign(pbyEncData, pbyEncData + dwEncDataLen);
   delete[] pbyEncData;
   return encoded;
@@ -53,33 +53,35 @@ unsigned int PayloadOf(const Bytes& stream) { return vcm::C_ByteReader(stream).U
 
 TEST(KestrelCodec, LoadCodec_FillsTheFourEntries_WhichAreNullBefore) {
   C_KestrelCodec codec;
-  EXPECT_EQ(nullptr, codec.GetEncoderInit());
-  EXPECT_EQ(nullptr, codec.GetEncodeFrame());
-  EXPECT_EQ(nullptr, codec.GetDecoderInit());
-  EXPECT_EQ(nullptr, codec.GetDecodeFrame());
+  EXPECT_EQ(codec.GetEncoderInit(), nullptr);
+  EXPECT_EQ(codec.GetEncodeFrame(), nullptr);
+  EXPECT_EQ(codec.GetDecoderInit(), nullptr);
+  EXPECT_EQ(codec.GetDecodeFrame(), nullptr);
   EXPECT_TRUE(codec.LoadCodec(0));
-  EXPECT_EQ(&KestrelEncoderInit, codec.GetEncoderInit());
-  EXPECT_EQ(&KestrelEncodeFrame, codec.GetEncodeFrame());
-  EXPECT_EQ(&KestrelDecoderInit, codec.GetDecoderInit());
-  EXPECT_EQ(&KestrelDecodeFrame, codec.GetDecodeFrame());
+  EXPECT_EQ(codec.GetEncoderInit(), &KestrelEncoderInit);
+  EXPECT_EQ(codec.GetEncodeFrame(), &KestrelEncodeFrame);
+  EXPECT_EQ(codec.GetDecoderInit(), &KestrelDecoderInit);
+  EXPECT_EQ(codec.GetDecodeFrame(), &KestrelDecodeFrame);
 }
 
 TEST(KestrelCodec, LoadCodec_IsTrueForEveryRate) {
   C_KestrelCodec codec;
-  for (const unsigned int dwBitRate : {0u, 1u, 7200u, 15000u, 65535u, 0xFFFFFFFFu})
+  for (const unsigned int dwBitRate : {0u, 1u, 7200u, 15000u, 65535u, 0xFFFFFFFFu}) {
     EXPECT_TRUE(codec.LoadCodec(dwBitRate)) << dwBitRate;
+  }
 }
 
 TEST(KestrelCodec, BaseHoldsATablePointerAndFourEntries) {
-  EXPECT_EQ(5 * sizeof(void*), sizeof(C_VXAudioCodec));
+  EXPECT_EQ(sizeof(C_VXAudioCodec), 5 * sizeof(void*));
   EXPECT_TRUE(std::has_virtual_destructor_v<C_VXAudioCodec>);
 }
 
 TEST(KestrelCodec, IsSupportedBitRate_HoldsForEightRatesOnly) {
   const std::set<unsigned int> supported(kRates.begin(), kRates.end());
   const C_KestrelCodec codec;
-  for (unsigned int dwBitRate = 0; dwBitRate < 140000; ++dwBitRate)
-    ASSERT_EQ(supported.contains(dwBitRate), codec.IsSupportedBitRate(dwBitRate)) << dwBitRate;
+  for (unsigned int dwBitRate = 0; dwBitRate < 140000; ++dwBitRate) {
+    ASSERT_EQ(codec.IsSupportedBitRate(dwBitRate), supported.contains(dwBitRate)) << dwBitRate;
+  }
   EXPECT_FALSE(codec.IsSupportedBitRate(0xFFFFFFFF));
 }
 
@@ -92,31 +94,34 @@ TEST(KestrelEncode, OneSecond_HasTheSizeOfItsRate) {
   for (const auto& [dwBitRate, dwPayload] : payloads) {
     const auto encoded = EncodeVoice(16000, dwBitRate);
     ASSERT_TRUE(encoded.bResult) << dwBitRate;
-    EXPECT_EQ(dwPayload + 4, encoded.stream.size()) << dwBitRate;
+    EXPECT_EQ(encoded.stream.size(), dwPayload + 4) << dwBitRate;
     vcm::C_ByteReader reader(encoded.stream);
-    EXPECT_EQ(dwPayload, reader.U32()) << dwBitRate;
-    EXPECT_EQ(dwBitRate, reader.U16());
+    EXPECT_EQ(reader.U32(), dwPayload) << dwBitRate;
+    EXPECT_EQ(reader.U16(), dwBitRate);
   }
 }
 
 TEST(KestrelEncode, BitRate0_Is16000) {
-  EXPECT_EQ(EncodeVoice(2000, 16000).stream, EncodeVoice(2000, 0).stream);
+  EXPECT_EQ(EncodeVoice(2000, 0).stream, EncodeVoice(2000, 16000).stream);
 }
 
 TEST(KestrelEncode, OtherBitRates_AreRefused) {
   const std::set<unsigned int> supported(kRates.begin(), kRates.end());
-  for (unsigned int dwBitRate = 800; dwBitRate <= 33600; dwBitRate += 800)
-    EXPECT_EQ(supported.contains(dwBitRate), EncodeVoice(320, dwBitRate).bResult) << dwBitRate;
-  for (const unsigned int dwBitRate : {1u, 15000u, 15999u, 16001u, 65536u + 16000u, 0xFFFFFFFFu})
+  for (unsigned int dwBitRate = 800; dwBitRate <= 33600; dwBitRate += 800) {
+    EXPECT_EQ(EncodeVoice(320, dwBitRate).bResult, supported.contains(dwBitRate)) << dwBitRate;
+  }
+  for (const unsigned int dwBitRate : {1u, 15000u, 15999u, 16001u, 65536u + 16000u, 0xFFFFFFFFu}) {
     EXPECT_FALSE(EncodeVoice(320, dwBitRate).bResult) << dwBitRate;
+  }
 }
 
 TEST(KestrelEncode, NumberOfFrames_IsThatOfStartedFramesAndTwoBelowOneFrame) {
   const std::map<std::size_t, std::size_t> frames = {
       {1, 2},   {2, 2},   {159, 2}, {318, 2}, {319, 2}, {320, 1},    {321, 2},
       {639, 2}, {640, 2}, {641, 3}, {960, 3}, {961, 4}, {16000, 50}, {16001, 51}};
-  for (const auto& [dwSamples, dwFrames] : frames)
-    EXPECT_EQ(2 + dwFrames * 40, PayloadOf(EncodeVoice(dwSamples, 16000).stream)) << dwSamples;
+  for (const auto& [dwSamples, dwFrames] : frames) {
+    EXPECT_EQ(PayloadOf(EncodeVoice(dwSamples, 16000).stream), 2 + dwFrames * 40) << dwSamples;
+  }
 }
 
 // ---- content
@@ -135,7 +140,7 @@ TEST(KestrelEncode, WritesTheCodersWords_WithoutTheFirstWholeFrameAndWithOneOfSi
   for (const unsigned int dwBitRate : kRates) {
     for (const std::size_t dwSamples : {1u, 319u, 320u, 321u, 640u, 1000u}) {
       const auto voice = TestVoice(dwSamples);
-      EXPECT_EQ(Expected(voice, dwBitRate), EncodeSound(MonoSound(voice).get(), dwBitRate).stream)
+      EXPECT_EQ(EncodeSound(MonoSound(voice).get(), dwBitRate).stream, Expected(voice, dwBitRate))
           << dwBitRate << ", " << dwSamples;
     }
   }
@@ -144,9 +149,10 @@ TEST(KestrelEncode, WritesTheCodersWords_WithoutTheFirstWholeFrameAndWithOneOfSi
 TEST(KestrelEncode, SampleRateOfTheSound_HasNoInfluence) {
   const auto voice = TestVoice(1500);
   const auto expected = EncodeSound(MonoSound(voice).get(), 16000).stream;
-  for (const unsigned int dwSampleRate : {0u, 8000u, 44100u, 0xFFFFFFFFu})
-    EXPECT_EQ(expected, EncodeSound(MonoSound(voice, dwSampleRate).get(), 16000).stream)
+  for (const unsigned int dwSampleRate : {0u, 8000u, 44100u, 0xFFFFFFFFu}) {
+    EXPECT_EQ(EncodeSound(MonoSound(voice, dwSampleRate).get(), 16000).stream, expected)
         << dwSampleRate;
+  }
 }
 
 TEST(KestrelEncode, AgainAfterAnyHistory_GivesTheSameBytes) {
@@ -155,15 +161,16 @@ TEST(KestrelEncode, AgainAfterAnyHistory_GivesTheSameBytes) {
   EXPECT_FALSE(EncodeVoice(777, 4800).bResult);
   const std::vector<short> loud(640, -32768);
   EncodeSound(MonoSound(loud).get(), 32000);
-  EXPECT_EQ(expected, EncodeVoice(3000, 24000).stream);
+  EXPECT_EQ(EncodeVoice(3000, 24000).stream, expected);
 }
 
 TEST(KestrelEncode, ExtremeSamples_GiveAStreamOfTheRightSize) {
   for (const short nSample : {short{-32768}, short{32767}, short{0}, short{-1}}) {
     const std::vector<short> samples(961, nSample);
-    for (const unsigned int dwBitRate : kRates)
-      EXPECT_EQ(6 + 4 * dwBitRate / 400,
-                EncodeSound(MonoSound(samples).get(), dwBitRate).stream.size());
+    for (const unsigned int dwBitRate : kRates) {
+      EXPECT_EQ(EncodeSound(MonoSound(samples).get(), dwBitRate).stream.size(),
+                6 + 4 * dwBitRate / 400);
+    }
   }
 }
 
@@ -224,10 +231,10 @@ void RecordProgress(const S_CodecProgress* pProgress) {
 }
 
 TEST(KestrelEncodeProgress, Record_IsKindThen256BytesThenValue) {
-  EXPECT_EQ(264u, sizeof(S_CodecProgress));
-  EXPECT_EQ(0u, offsetof(S_CodecProgress, dwKind));
-  EXPECT_EQ(4u, offsetof(S_CodecProgress, szText));
-  EXPECT_EQ(260u, offsetof(S_CodecProgress, dwValue));
+  EXPECT_EQ(sizeof(S_CodecProgress), 264u);
+  EXPECT_EQ(offsetof(S_CodecProgress, dwKind), 0u);
+  EXPECT_EQ(offsetof(S_CodecProgress, szText), 4u);
+  EXPECT_EQ(offsetof(S_CodecProgress, dwValue), 260u);
 }
 
 TEST(KestrelEncodeProgress, IsSentAtTheStartBeforeEachWholeFrameAndAtTheEnd) {
@@ -260,7 +267,7 @@ TEST(KestrelEncodeProgress, CallbackThatThrows_LeavesNothingBehind) {
   for (int nCall = 1; nCall <= 4; ++nCall) {
     g_nCallsUntilThrow = nCall;
     EXPECT_THROW(EncodeVoice(700, 16000, ThrowingProgress), std::runtime_error) << nCall;
-    EXPECT_EQ(expected, EncodeVoice(700, 16000).stream) << nCall;
+    EXPECT_EQ(EncodeVoice(700, 16000).stream, expected) << nCall;
   }
 }
 

@@ -67,7 +67,7 @@ TEST(KestrelEncodeTemp, IsGoneAfterSuccess) {
   const auto use = WatchTemp([] { return Encode(); });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 1);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(KestrelEncodeTemp, IsGoneAfterACallbackThatThrows) {
@@ -77,7 +77,7 @@ TEST(KestrelEncodeTemp, IsGoneAfterACallbackThatThrows) {
   });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 2);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(KestrelEncodeTemp, DiskFullAtEveryByte_IsFalseAndLeavesNothing) {
@@ -91,7 +91,7 @@ TEST(KestrelEncodeTemp, DiskFullAtEveryByte_IsFalseAndLeavesNothing) {
   });
   EXPECT_FALSE(use.bResult);
   EXPECT_GE(use.nCreated, static_cast<int>(cbStream));
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
   const C_FileSizeLimit limit(cbStream);
   EXPECT_TRUE(Encode());
 }
@@ -106,8 +106,9 @@ bool g_bPrivateFile = false;
 void LookAtTemporaryFile(void*, unsigned int) {
   for (const auto& entry : std::filesystem::directory_iterator(P_tmpdir)) {
     struct stat status {};
-    if (entry.path().filename().string().size() == 10 && stat(entry.path().c_str(), &status) == 0)
+    if (entry.path().filename().string().size() == 10 && stat(entry.path().c_str(), &status) == 0) {
       g_bPrivateFile = (status.st_mode & 07777) == 0600 && S_ISREG(status.st_mode);
+    }
   }
 }
 
@@ -116,14 +117,14 @@ TEST(KestrelDecodeTemp, IsPrivateWhileItIsThereAndGoneAfterwards) {
       WatchTemp([] { return Decode(ThreeFrames(), LookAtTemporaryFile) && g_bPrivateFile; });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 1);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(KestrelDecodeTemp, IsMadeBeforeTheStreamIsLookedAt) {
   const auto use = WatchTemp([] { return Decode({}) || Decode({0, 0, 0}); });
   EXPECT_FALSE(use.bResult);
   EXPECT_GE(use.nCreated, 2);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(KestrelDecodeTemp, IsGoneAfterACallbackThatThrows) {
@@ -133,7 +134,7 @@ TEST(KestrelDecodeTemp, IsGoneAfterACallbackThatThrows) {
   });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 2);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(KestrelDecodeTemp, IsGoneAfterEveryKindOfFailure) {
@@ -145,7 +146,7 @@ TEST(KestrelDecodeTemp, IsGoneAfterEveryKindOfFailure) {
   });
   EXPECT_FALSE(use.bResult);
   EXPECT_GE(use.nCreated, 4);
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
 }
 
 TEST(KestrelDecodeTemp, DiskFullAtAnyPoint_IsFalseAndLeavesNothing) {
@@ -158,7 +159,7 @@ TEST(KestrelDecodeTemp, DiskFullAtAnyPoint_IsFalseAndLeavesNothing) {
   });
   EXPECT_FALSE(use.bResult);
   EXPECT_GE(use.nCreated, static_cast<int>(kThreeFramesPcm / 13));
-  EXPECT_EQ(0, use.nLeft);
+  EXPECT_EQ(use.nLeft, 0);
   const C_FileSizeLimit limit(kThreeFramesPcm);
   EXPECT_TRUE(Decode(ThreeFrames()));
 }

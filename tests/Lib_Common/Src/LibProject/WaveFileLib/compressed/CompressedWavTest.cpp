@@ -48,8 +48,9 @@ std::vector<S_Kind> AllKinds() {
 
 C_Bytes PcmBytes(const C_Samples& samples) {
   C_Bytes bytes;
-  for (const short nSample : samples)
+  for (const short nSample : samples) {
     bytes = Join({bytes, U16(static_cast<std::uint16_t>(nSample))});
+  }
   return bytes;
 }
 

@@ -146,15 +146,17 @@ TEST(DVIAdpcmCodec, ReservedByteDoesNotMatter) {
 }
 
 TEST(DVIAdpcmCodec, FourBits_WholeGroupsOfEightOnly) {
-  for (const int nSamples : {9, 10, 15, 16})
+  for (const int nSamples : {9, 10, 15, 16}) {
     EXPECT_EQ(Block4(Four(1, 12, static_cast<std::uint16_t>(nSamples)),
                      Join({kMonoBlock, C_Bytes(4, 0x11)}), 18),
               kMonoSamples)
         << nSamples;
-  for (const int nSamples : {1, 2, 8})
+  }
+  for (const int nSamples : {1, 2, 8}) {
     EXPECT_EQ(Block4(Four(1, 8, static_cast<std::uint16_t>(nSamples)), kMonoBlock, 18),
               UntouchedFrom(kMonoSamples, 1))
         << nSamples;
+  }
 }
 
 TEST(DVIAdpcmCodec, NoSamplesPerBlock_GivesNoGroups) {
@@ -166,19 +168,21 @@ TEST(DVIAdpcmCodec, NoSamplesPerBlock_GivesNoGroups) {
 }
 
 TEST(DVIAdpcmCodec, FourBits_BlockEndsWithItsBytes) {
-  for (std::size_t cb = 4; cb <= 8; ++cb)
+  for (std::size_t cb = 4; cb <= 8; ++cb) {
     EXPECT_EQ(Block4(Four(1, 8, 9), FirstOf(kMonoBlock, cb), 18),
               UntouchedFrom(kMonoSamples, 1 + 2 * (cb - 4)))
         << cb;
+  }
   C_Samples expected = kStereoSamples;
   for (std::size_t i = 3; i < expected.size(); i += 2) expected[i] = kUntouched;
   EXPECT_EQ(Block4(Four(2, 16, 9), FirstOf(kStereoBlock, 12), 36), expected);
 }
 
 TEST(DVIAdpcmCodec, FourBits_RoomMayEndAnywhere) {
-  for (unsigned int dwRoom = 0; dwRoom <= 36; ++dwRoom)
+  for (unsigned int dwRoom = 0; dwRoom <= 36; ++dwRoom) {
     EXPECT_EQ(Block4(Four(2, 16, 9), kStereoBlock, dwRoom), FirstOf(kStereoSamples, dwRoom / 2))
         << dwRoom;
+  }
 }
 
 TEST(DVIAdpcmCodec, BlockShorterThanItsHeader_GivesNothing) {
@@ -245,17 +249,19 @@ TEST(DVIAdpcmCodec, ThreeBits_LargeBlockEndsWithItsBytes) {
 // Eight codes in three bytes: of two bytes five codes are whole, of one byte two.
 TEST(DVIAdpcmCodec, ThreeBits_CodeThatTheEndCutsIsNotDecoded) {
   const std::size_t wholeCodes[] = {0, 2, 5, 8, 10, 13, 16, 18, 21, 24, 26, 29, 32};
-  for (std::size_t cb = 0; cb <= 12; ++cb)
+  for (std::size_t cb = 0; cb <= 12; ++cb) {
     EXPECT_EQ(Block3(Three(1, 16, 33), FirstOf(kThreeBitBlock, 4 + cb), 66),
               UntouchedFrom(kThreeBitSamples, 1 + wholeCodes[cb]))
         << cb;
+  }
 }
 
 TEST(DVIAdpcmCodec, ThreeBits_RoomMayEndAnywhere) {
-  for (unsigned int dwRoom = 0; dwRoom <= 66; ++dwRoom)
+  for (unsigned int dwRoom = 0; dwRoom <= 66; ++dwRoom) {
     EXPECT_EQ(Block3(Three(1, 16, 33), kThreeBitBlock, dwRoom),
               FirstOf(kThreeBitSamples, dwRoom / 2))
         << dwRoom;
+  }
 }
 
 // A group of two channels of which only half fits: both channels have their first 16 samples.

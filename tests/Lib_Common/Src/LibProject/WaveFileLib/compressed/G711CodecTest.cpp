@@ -86,8 +86,9 @@ TEST(G711Codec, ALaw_SignIsTheTopBitAlone) {
 
 TEST(G711Codec, ALaw_Segment6BeginsAt8196) {
   const C_Samples values = AllValues<C_ALawCodec>();
-  for (std::size_t nMantissa = 0; nMantissa < 16; ++nMantissa)
+  for (std::size_t nMantissa = 0; nMantissa < 16; ++nMantissa) {
     EXPECT_EQ(values[(0xE0 | nMantissa) ^ 0x55], 8196 + 512 * static_cast<int>(nMantissa));
+  }
 }
 
 TEST(G711Codec, ValuesAreTheSameAtEveryCall) {

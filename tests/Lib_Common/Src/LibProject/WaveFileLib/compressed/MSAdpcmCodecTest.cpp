@@ -99,8 +99,9 @@ TEST(MSAdpcmCodec, RestShorterThanItsHeader_TakesSamplesAway) {
 }
 
 TEST(MSAdpcmCodec, SizeBelowZeroIsZero) {
-  for (unsigned int dwBytes = 1; dwBytes <= 6; ++dwBytes)
+  for (unsigned int dwBytes = 1; dwBytes <= 6; ++dwBytes) {
     EXPECT_EQ(Size(Ms(1, 256, 500), dwBytes), 0u) << dwBytes;
+  }
   EXPECT_EQ(Size(Ms(65535, 2, 0), 0xFFFFFFFF), 0u);
 }
 
@@ -235,8 +236,9 @@ TEST(MSAdpcmCodec, DeltaThatGrowsForever_StaysWithin32Bits) {
   EXPECT_EQ(Block(Mono(), growing, 804), expected);
   const C_Bytes both = Join({{0}, Shorts({32767, 0, 0}), C_Bytes(200, 0x87)});
   const C_Samples samples = Block(Mono(), both, 804);
-  for (std::size_t i = 2; i < samples.size(); ++i)
+  for (std::size_t i = 2; i < samples.size(); ++i) {
     EXPECT_EQ(samples[i], i % 2 == 0 ? -32768 : 32767) << i;
+  }
 }
 
 TEST(MSAdpcmCodec, LargestCoefficientsDoNotOverflow) {

@@ -39,7 +39,7 @@ TEST_F(CodecHead, CodecHead_OfALibrarysType_HasVersionZero) {
         33U, 34U, 35U, 36U, 37U, 38U, 48U, 80U, 81U, 82U, 83U, 84U, 129U, 130U}) {
     const S_Head head = HeadOf(dwType, 16000);
     EXPECT_TRUE(head.bWritten) << dwType;
-    EXPECT_EQ(Bytes({static_cast<std::uint8_t>(dwType), 0, 0x80, 0x3E, 0, 0}), head.bytes)
+    EXPECT_EQ(head.bytes, Bytes({static_cast<std::uint8_t>(dwType), 0, 0x80, 0x3E, 0, 0}))
         << dwType;
   }
 }
@@ -48,9 +48,8 @@ TEST_F(CodecHead, TypesWithAFixedVersion_Have4096) {
   for (const unsigned int dwType : {1U, 64U, 131U, 132U, 257U}) {
     const S_Head head = HeadOf(dwType, 44100);
     EXPECT_TRUE(head.bWritten) << dwType;
-    EXPECT_EQ(Bytes({static_cast<std::uint8_t>(dwType), static_cast<std::uint8_t>(dwType >> 8),
-                     0x44, 0xAC, 0x00, 0x10}),
-              head.bytes)
+    EXPECT_EQ(head.bytes, Bytes({static_cast<std::uint8_t>(dwType),
+                                 static_cast<std::uint8_t>(dwType >> 8), 0x44, 0xAC, 0x00, 0x10}))
         << dwType;
   }
 }
@@ -68,15 +67,14 @@ TEST_F(CodecHead, CodecHead_OfAnUnknownType_LeavesFourBytesAndFails) {
                                     85U, 128U, 133U, 256U, 258U, 0xFFFFU}) {
     const S_Head head = HeadOf(dwType, 16000);
     EXPECT_FALSE(head.bWritten) << dwType;
-    EXPECT_EQ(Bytes({static_cast<std::uint8_t>(dwType), static_cast<std::uint8_t>(dwType >> 8),
-                     0x80, 0x3E}),
-              head.bytes)
+    EXPECT_EQ(head.bytes, Bytes({static_cast<std::uint8_t>(dwType),
+                                 static_cast<std::uint8_t>(dwType >> 8), 0x80, 0x3E}))
         << dwType;
   }
 }
 
 TEST_F(CodecHead, RatesFrom65536On_LoseTheirUpperBits) {
-  EXPECT_EQ(Bytes({14, 0, 0x00, 0x77, 0, 0}), HeadOf(14, 96000).bytes);
+  EXPECT_EQ(HeadOf(14, 96000).bytes, Bytes({14, 0, 0x00, 0x77, 0, 0}));
 }
 
 TEST_F(CodecHead, FullDisk_IsFalse) {
@@ -99,7 +97,7 @@ TEST(CodecVersionTable, EachTypeHasItsLibrary) {
   for (const S_CodecVersionRow& row : kCodecVersions) {
     if (row.pszLibraryName != nullptr) found[row.dwFirstType] = row.pszLibraryName;
   }
-  EXPECT_EQ(names, found);
+  EXPECT_EQ(found, names);
 }
 
 }  // namespace

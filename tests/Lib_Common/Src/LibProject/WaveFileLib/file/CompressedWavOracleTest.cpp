@@ -146,8 +146,9 @@ TEST_F(CompressedWavOracle, FilesOfSox) {
                           " @/sound.raw -e " + pszFormat + " @/a.wav");
       const C_Samples ours = ReadByUs("a.wav");
       ExpectSame(ours, ReadBySox("a.wav"), sound.size(), "sox " + strWhat);
-      if (nChannels <= 2)
+      if (nChannels <= 2) {
         ExpectSame(ours, ReadBySndfile(m_folder.Path("a.wav")), sound.size(), "sndfile " + strWhat);
+      }
     }
   }
 }
@@ -214,12 +215,13 @@ TEST_F(CompressedWavOracle, RandomMSAdpcmBlocks) {
     C_Bytes encoded = RandomBytes(std::size_t{1000} * wAlign, wChannels);
     for (std::size_t i = 0; i < encoded.size(); ++i) {
       const std::size_t nAt = i % wAlign;
-      if (nAt < wChannels)
+      if (nAt < wChannels) {
         encoded[i] = static_cast<std::uint8_t>(encoded[i] % 7);
-      else if (nAt >= wChannels && nAt < std::size_t{3} * wChannels)
+      } else if (nAt >= wChannels && nAt < std::size_t{3} * wChannels) {
         encoded[i] = (nAt - wChannels) % 2 == 0 ? encoded[i] : std::uint8_t{0};
-      else if (nAt >= cbHead && encoded[i] % 16 != 0)
+      } else if (nAt >= cbHead && encoded[i] % 16 != 0) {
         encoded[i] = static_cast<std::uint8_t>((encoded[i] & 0x33U) | (encoded[i] & 0x04U) * 0x33U);
+      }
     }
     WriteBlocks("a.wav", {WAVE_TAG_MS_ADPCM, wChannels, wAlign, 116, 4}, encoded);
     const C_Samples ours = ReadByUs("a.wav");
@@ -242,8 +244,9 @@ TEST_F(CompressedWavOracle, ThreeBitBlocks) {
         // Within each channel's twelve bytes, every third bit from the first one on is the lowest
         // of a code.
         const std::size_t nByte = (nAt - cbHead) / cbHead % 3 * 4 + (nAt - cbHead) % 4;
-        for (std::size_t nBit = 0; nBit < 8; ++nBit)
+        for (std::size_t nBit = 0; nBit < 8; ++nBit) {
           if ((nByte * 8 + nBit) % 3 == 0) theirs[i] &= static_cast<std::uint8_t>(~(1U << nBit));
+        }
       } else if (nAt % 4 >= 2) {
         theirs[i] = nAt % 4 == 2 ? static_cast<std::uint8_t>(theirs[i] % 89) : std::uint8_t{0};
       }
@@ -285,8 +288,9 @@ TEST_F(CompressedWavOracle, MuLawValuesAreWithinAStepOfTheReference) {
   const C_Samples theirs = ReadBySndfile(m_folder.Path("a.wav"));
   ASSERT_EQ(ours.size(), 256u);
   ASSERT_EQ(theirs.size(), 256u);
-  for (std::size_t nCode = 0; nCode < 256; ++nCode)
+  for (std::size_t nCode = 0; nCode < 256; ++nCode) {
     EXPECT_LT(std::abs(ours[nCode] - theirs[nCode]), (1024 >> (nCode >> 4 & 7)) + 100) << nCode;
+  }
 }
 
 // The reference gives the middle of each step as a number below or above zero, ours is its lower

@@ -91,10 +91,10 @@ INSTANTIATE_TEST_SUITE_P(Kinds, HeronKind, testing::ValuesIn(kKinds), heron_test
 // ---- recognising
 
 TEST_P(HeronKind, NewObject_IsNotOpenedAndLoadsNothing) {
-  EXPECT_EQ(-1, m_file->GetContainerKind());
+  EXPECT_EQ(m_file->GetContainerKind(), -1);
   EXPECT_FALSE(m_file->IsForceEncode());
-  EXPECT_EQ(0u, m_file->GetCodingType());
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, m_file->GetFileFormat());
+  EXPECT_EQ(m_file->GetCodingType(), 0u);
+  EXPECT_EQ(m_file->GetFileFormat(), AUDIO_FILE_UNKNOWN);
   EXPECT_FALSE(m_file->LoadData(true, nullptr, nullptr));
   EXPECT_FALSE(m_file->LoadData(false, nullptr, nullptr));
   const C_SoundPtr sound(new C_WavData);
@@ -106,13 +106,13 @@ TEST_P(HeronKind, SpHeaderOfFourFiveOrSixBits_IsAccepted) {
   for (const std::uint16_t wID : {std::uint16_t{32}, std::uint16_t{33}, std::uint16_t{34}}) {
     const std::string strPath = WriteHeron(wID, Stream(GetParam()), 11025);
     ASSERT_TRUE(m_file->CheckFormat(strPath.c_str(), true)) << wID;
-    EXPECT_EQ(0, m_file->GetContainerKind());
-    EXPECT_EQ(wID, m_file->GetCodingType());
-    EXPECT_EQ(11025u, m_file->GetWavInfo()->GetSampleRate());
-    EXPECT_EQ(0u, m_file->GetWavInfo()->GetByteLength());
-    EXPECT_EQ(1, m_file->GetWavInfo()->GetChannels());
-    EXPECT_EQ(16, m_file->GetWavInfo()->GetBitsPerSample());
-    EXPECT_EQ(16, m_file->GetWavInfo()->GetStoreBitsPerSample());
+    EXPECT_EQ(m_file->GetContainerKind(), 0);
+    EXPECT_EQ(m_file->GetCodingType(), wID);
+    EXPECT_EQ(m_file->GetWavInfo()->GetSampleRate(), 11025u);
+    EXPECT_EQ(m_file->GetWavInfo()->GetByteLength(), 0u);
+    EXPECT_EQ(m_file->GetWavInfo()->GetChannels(), 1);
+    EXPECT_EQ(m_file->GetWavInfo()->GetBitsPerSample(), 16);
+    EXPECT_EQ(m_file->GetWavInfo()->GetStoreBitsPerSample(), 16);
     EXPECT_TRUE(m_file->GetWavInfo()->IsValueSigned());
   }
 }
@@ -121,9 +121,9 @@ TEST_P(HeronKind, SpHeaderOfTwoOrThreeBits_IsRefused) {
   for (const std::uint16_t wID : {std::uint16_t{35}, std::uint16_t{36}}) {
     const std::string strPath = WriteHeron(wID, Stream(GetParam()));
     EXPECT_FALSE(m_file->CheckFormat(strPath.c_str(), true)) << wID;
-    EXPECT_EQ(-1, m_file->GetContainerKind());
-    EXPECT_EQ(0u, m_file->GetCodingType());
-    EXPECT_EQ(nullptr, Create()) << wID;
+    EXPECT_EQ(m_file->GetContainerKind(), -1);
+    EXPECT_EQ(m_file->GetCodingType(), 0u);
+    EXPECT_EQ(Create(), nullptr) << wID;
   }
 }
 
@@ -131,16 +131,16 @@ TEST_P(HeronKind, OtherIdentifiers_AreRefused) {
   for (const std::uint16_t wID :
        std::initializer_list<std::uint16_t>{0, 14, 31, 37, 0x2000, 0x8001, 0xFFFE}) {
     EXPECT_FALSE(m_file->CheckFormat(WriteHeron(wID, Stream(GetParam())).c_str(), true)) << wID;
-    EXPECT_EQ(-1, m_file->GetContainerKind());
+    EXPECT_EQ(m_file->GetContainerKind(), -1);
   }
 }
 
 TEST_P(HeronKind, CheckFormatWithoutInfo_SetsTheKindAlone) {
   const std::string strPath = WriteHeron(33, Stream(GetParam()));
   ASSERT_TRUE(m_file->CheckFormat(strPath.c_str(), false));
-  EXPECT_EQ(0, m_file->GetContainerKind());
-  EXPECT_EQ(0u, m_file->GetCodingType());
-  EXPECT_EQ(nullptr, m_file->GetWavData());
+  EXPECT_EQ(m_file->GetContainerKind(), 0);
+  EXPECT_EQ(m_file->GetCodingType(), 0u);
+  EXPECT_EQ(m_file->GetWavData(), nullptr);
 }
 
 TEST_P(HeronKind, WhatHasNoHeader_IsRefused) {
@@ -154,8 +154,8 @@ TEST_P(HeronKind, BareStream_IsOpenedByNoClass) {
   const C_SoundPtr sound = MonoSound(TestVoice(700), 8000);
   ASSERT_TRUE(Convert(*sound, GetParam().eType, "in"));
   EXPECT_FALSE(m_file->CheckFormat(Path("in").c_str(), true));
-  EXPECT_EQ(65535, GetSpFileID(Path("in").c_str()));
-  EXPECT_EQ(nullptr, Create());
+  EXPECT_EQ(GetSpFileID(Path("in").c_str()), 65535);
+  EXPECT_EQ(Create(), nullptr);
 }
 
 // ---- loading
@@ -165,13 +165,13 @@ TEST_P(HeronKind, Load_DecodesAnyVariantAndKeepsTheStream) {
     const Bytes stream = Stream(kind, 1111, 16000);
     const std::string strPath = WriteHeron(34, stream, 16000);
     ASSERT_TRUE(Load(*m_file)) << kind.nBitDepth;
-    EXPECT_EQ(heron_test::Decoded(stream, 16000), SamplesOf(m_file->GetWavData()));
-    EXPECT_EQ(1111u, m_file->GetWavInfo()->GetSampleSize());
-    EXPECT_EQ(stream, EncodedFormOf(m_file->GetWavData()));
-    EXPECT_EQ(AUDIO_FILE_HERON_6BIT, m_file->GetWavData()->GetEncType());
-    EXPECT_EQ(34u, m_file->GetCodingType());
-    EXPECT_EQ(strPath, m_file->GetFileName());
-    EXPECT_EQ(16000u, m_file->GetWavData()->GetEventTagMgr()->GetSampleRate());
+    EXPECT_EQ(SamplesOf(m_file->GetWavData()), heron_test::Decoded(stream, 16000));
+    EXPECT_EQ(m_file->GetWavInfo()->GetSampleSize(), 1111u);
+    EXPECT_EQ(EncodedFormOf(m_file->GetWavData()), stream);
+    EXPECT_EQ(m_file->GetWavData()->GetEncType(), AUDIO_FILE_HERON_6BIT);
+    EXPECT_EQ(m_file->GetCodingType(), 34u);
+    EXPECT_EQ(m_file->GetFileName(), strPath);
+    EXPECT_EQ(m_file->GetWavData()->GetEventTagMgr()->GetSampleRate(), 16000u);
   }
 }
 
@@ -180,8 +180,8 @@ TEST_F(HeronFile, Load_HandsOutNoPieces) {
   g_nPieces = 0;
   C_Heron4BitFile file;
   EXPECT_TRUE(file.LoadByName(Path("in").c_str(), true, "option", CountPiece));
-  EXPECT_EQ(0, g_nPieces);
-  EXPECT_EQ(700u, file.GetWavInfo()->GetSampleSize());
+  EXPECT_EQ(g_nPieces, 0);
+  EXPECT_EQ(file.GetWavInfo()->GetSampleSize(), 700u);
 }
 
 TEST_F(HeronFile, Load_RatesThatTheCodecDoesNotTake_AreFalse) {
@@ -214,7 +214,7 @@ TEST_F(HeronFile, Load_Version255_ReadsTheStreamTwoBytesEarlyAndFails) {
   C_Heron4BitFile file;
   EXPECT_TRUE(file.OpenByName(Path("in").c_str()));
   EXPECT_FALSE(Load(file));
-  EXPECT_EQ(Stream(kKinds[0]).size() + 2, file.GetWavData()->GetEncBufferLen());
+  EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), Stream(kKinds[0]).size() + 2);
 }
 
 TEST_F(HeronFile, Load_FileThatIsGone_IsFalse) {
@@ -237,9 +237,9 @@ TEST_F(HeronFile, Factory_MakesAFourBitFileOfEveryIdentifierThatItTakes) {
     if (kind.eType > 34) continue;
     WriteHeron(static_cast<std::uint16_t>(kind.eType), Stream(kind));
     const C_WavFilePtr file = Create();
-    ASSERT_NE(nullptr, dynamic_cast<C_Heron4BitFile*>(file.get())) << kind.nBitDepth;
-    EXPECT_EQ(static_cast<unsigned int>(kind.eType), file->GetCodingType());
-    EXPECT_EQ(700u, file->GetWavInfo()->GetSampleSize());
+    ASSERT_NE(dynamic_cast<C_Heron4BitFile*>(file.get()), nullptr) << kind.nBitDepth;
+    EXPECT_EQ(file->GetCodingType(), static_cast<unsigned int>(kind.eType));
+    EXPECT_EQ(file->GetWavInfo()->GetSampleSize(), 700u);
   }
 }
 
@@ -251,15 +251,15 @@ TEST_F(HeronFile, Factory_LeavesKestrelFilesToTheirOwnClass) {
   header.SetFreq(16000);
   ASSERT_TRUE(PrependSpHeader(header, Path("in").c_str()));
   const C_WavFilePtr file = Create();
-  EXPECT_NE(nullptr, dynamic_cast<C_KestrelFile*>(file.get()));
+  EXPECT_NE(dynamic_cast<C_KestrelFile*>(file.get()), nullptr);
 }
 
 TEST_F(HeronFile, Factory_OpensTheFormatWithoutItsSamples) {
   C_WavFileFormat format;
   const C_WavFilePtr file(format.OpenWavFile(WriteHeron(32, Stream(kKinds[0])).c_str()));
-  ASSERT_NE(nullptr, file);
-  EXPECT_EQ(0u, file->GetWavInfo()->GetByteLength());
-  EXPECT_EQ(48u + Stream(kKinds[0]).size(), file->GetFileLength());
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(file->GetWavInfo()->GetByteLength(), 0u);
+  EXPECT_EQ(file->GetFileLength(), 48u + Stream(kKinds[0]).size());
 }
 
 // ---- saving
@@ -268,16 +268,16 @@ TEST_P(HeronKind, WriteFile_WritesTheStreamOfItsVariant) {
   const C_SoundPtr sound = MonoSound(TestVoice(700), 8000);
   m_file->AttachWavData(sound.get());
   ASSERT_TRUE(Save(*m_file, "out", false));
-  EXPECT_EQ(Stream(GetParam()), Content("out"));
-  EXPECT_EQ(GetParam().eType, m_file->GetTargetType());
+  EXPECT_EQ(Content("out"), Stream(GetParam()));
+  EXPECT_EQ(m_file->GetTargetType(), GetParam().eType);
 }
 
 TEST_P(HeronKind, Convert_WritesTheStreamOfItsVariant) {
   const C_SoundPtr sound = ExampleSound({11025, 2, 16, 16}, 700);
   AddAnnotations(*sound);
   ASSERT_TRUE(Convert(*sound, GetParam().eType, "out"));
-  EXPECT_EQ(Encoded(*sound, GetParam().eType), Content("out"));
-  EXPECT_EQ(GetParam().byMode, Content("out")[0]);
+  EXPECT_EQ(Content("out"), Encoded(*sound, GetParam().eType));
+  EXPECT_EQ(Content("out")[0], GetParam().byMode);
 }
 
 TEST_P(HeronKind, WriteFile_WithACodecHead_BeginsWithTypeAndRate) {
@@ -287,7 +287,7 @@ TEST_P(HeronKind, WriteFile_WithACodecHead_BeginsWithTypeAndRate) {
   Bytes expected = {byType, 0, 0x40, 0x1F, 0, 0};
   const Bytes stream = Stream(GetParam());
   expected.insert(expected.end(), stream.begin(), stream.end());
-  EXPECT_EQ(expected, Content("out"));
+  EXPECT_EQ(Content("out"), expected);
 }
 
 TEST_P(HeronKind, SaveThenPrependThenLoad_GivesTheSoundBack) {
@@ -308,10 +308,10 @@ TEST_F(HeronFile, StreamThatIsThere_IsWrittenEvenWhenThePcmWasChanged) {
   file.GetWavData()->ApplyGain(0.0, 0.0);
   g_values.clear();
   ASSERT_TRUE(file.WriteFile(Path("out").c_str(), true, false, RecordProgress, false, 0));
-  EXPECT_EQ(Stream(kKinds[1]), Content("out"));
+  EXPECT_EQ(Content("out"), Stream(kKinds[1]));
   EXPECT_THAT(g_values, IsEmpty());
   ASSERT_TRUE(Convert(*file.GetWavData(), AUDIO_FILE_HERON_5BIT, "other"));
-  EXPECT_EQ(Stream(kKinds[1]), Content("other"));
+  EXPECT_EQ(Content("other"), Stream(kKinds[1]));
 }
 
 TEST_F(HeronFile, ForcedEncoding_MakesANewStream) {
@@ -320,8 +320,8 @@ TEST_F(HeronFile, ForcedEncoding_MakesANewStream) {
   ASSERT_TRUE(Load(file));
   file.GetWavData()->ApplyGain(0.0, 0.0);
   ASSERT_TRUE(Save(file, "out", true));
-  EXPECT_EQ(Encoded(*file.GetWavData(), 33), Content("out"));
-  EXPECT_NE(Stream(kKinds[1]), Content("out"));
+  EXPECT_EQ(Content("out"), Encoded(*file.GetWavData(), 33));
+  EXPECT_NE(Content("out"), Stream(kKinds[1]));
 }
 
 TEST_F(HeronFile, StreamOfAnotherVariant_IsNotReused) {
@@ -329,7 +329,7 @@ TEST_F(HeronFile, StreamOfAnotherVariant_IsNotReused) {
   C_Heron5BitFile file;
   ASSERT_TRUE(Load(file));
   ASSERT_TRUE(Convert(*file.GetWavData(), AUDIO_FILE_HERON_6BIT, "out"));
-  EXPECT_EQ(Encoded(*file.GetWavData(), 34), Content("out"));
+  EXPECT_EQ(Content("out"), Encoded(*file.GetWavData(), 34));
 }
 
 TEST_F(HeronFile, CodingTypeWithoutItsStream_IsFalseAndCreatesNothing) {
@@ -348,7 +348,7 @@ TEST_F(HeronFile, SoundsThatCannotBeEncoded_AreFalseAndLeaveAnOlderFile) {
   EXPECT_FALSE(Convert(*MonoSound({}, 8000), AUDIO_FILE_HERON_4BIT, "out"));
   C_Heron4BitFile file;
   EXPECT_FALSE(Save(file, "out", true));
-  EXPECT_EQ((Bytes{1, 2, 3}), Content("out"));
+  EXPECT_EQ(Content("out"), (Bytes{1, 2, 3}));
 }
 
 TEST_F(HeronFile, WriteFile_ReportsTheGroups) {
@@ -390,10 +390,10 @@ TEST_P(HeronKind, WriteDataChunk_AddsTheStreamAsVdat) {
   C_RiffFile riff;
   ASSERT_TRUE(m_file->WriteDataChunk(&riff));
   C_RiffChunk* pChunk = riff.FindChunk("vdat", 0);
-  ASSERT_NE(nullptr, pChunk);
+  ASSERT_NE(pChunk, nullptr);
   Bytes stored(pChunk->GetDataLength());
   EXPECT_TRUE(pChunk->GetData(stored.data(), pChunk->GetDataLength(), 0));
-  EXPECT_EQ(Stream(GetParam()), stored);
+  EXPECT_EQ(stored, Stream(GetParam()));
 }
 
 TEST_F(HeronFile, WriteDataChunk_WithoutStreamOrContainer_IsFalse) {
@@ -404,7 +404,7 @@ TEST_F(HeronFile, WriteDataChunk_WithoutStreamOrContainer_IsFalse) {
   file.AttachWavData(sound.get());
   EXPECT_FALSE(file.WriteDataChunk(&riff));
   EXPECT_FALSE(file.WriteDataChunk(nullptr));
-  EXPECT_EQ(0, riff.GetChunkCount());
+  EXPECT_EQ(riff.GetChunkCount(), 0);
 }
 
 // ---- interface
@@ -416,7 +416,7 @@ TEST_F(HeronFile, Variants_AreOfOneBase) {
   EXPECT_TRUE((std::is_base_of_v<C_HeronFileBase, C_Heron5BitFile>));
   EXPECT_TRUE((std::is_base_of_v<C_HeronFileBase, C_Heron6BitFile>));
   EXPECT_TRUE((std::is_base_of_v<C_WavFileBase, C_HeronFileBase>));
-  EXPECT_EQ(sizeof(C_HeronFileBase), sizeof(C_Heron2BitFile));
+  EXPECT_EQ(sizeof(C_Heron2BitFile), sizeof(C_HeronFileBase));
 }
 
 TEST_F(HeronFile, OperationsStandInTheirSlots) {
@@ -424,18 +424,18 @@ TEST_F(HeronFile, OperationsStandInTheirSlots) {
   C_Heron4BitFile file;
   const char* pszPath = strPath.c_str();
   ASSERT_TRUE(CallSlot<bool>(&file, 21, pszPath, true));
-  EXPECT_EQ(0, file.GetContainerKind());
+  EXPECT_EQ(file.GetContainerKind(), 0);
   ASSERT_TRUE(file.OpenByName(pszPath));
   EXPECT_TRUE(CallSlot<bool>(&file, 22, false, static_cast<const char*>(nullptr),
                              static_cast<PFN_DecodedData>(nullptr)));
-  EXPECT_EQ(700u, file.GetWavInfo()->GetSampleSize());
+  EXPECT_EQ(file.GetWavInfo()->GetSampleSize(), 700u);
   const std::string strCopy = Path("out");
   EXPECT_TRUE(CallSlot<bool>(&file, 23, strCopy.c_str(), true, false,
                              static_cast<PFN_CodecProgress>(nullptr), false, 0u));
-  EXPECT_EQ(Stream(kKinds[0]), Content("out"));
+  EXPECT_EQ(Content("out"), Stream(kKinds[0]));
   C_RiffFile riff;
   EXPECT_TRUE(CallSlot<bool>(&file, 24, &riff));
-  EXPECT_EQ(1, riff.GetChunkCount());
+  EXPECT_EQ(riff.GetChunkCount(), 1);
 }
 
 class C_SoundWithoutParameters : public C_WavData {

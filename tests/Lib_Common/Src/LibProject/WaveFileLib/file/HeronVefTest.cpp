@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, HeronVefKind, testing::ValuesIn(kKinds), heron_t
 TEST_F(HeronVef, ContainerOfAKestrelStream_IsRefused) {
   C_Heron4BitFile file;
   EXPECT_FALSE(Checks(file, 14));
-  EXPECT_EQ(-1, file.GetContainerKind());
+  EXPECT_EQ(file.GetContainerKind(), -1);
 }
 
 TEST_F(HeronVef, ContainersOfAnyOtherType_AreTaken) {
@@ -63,12 +63,12 @@ TEST_F(HeronVef, ContainersOfAnyOtherType_AreTaken) {
        std::initializer_list<std::uint16_t>{0, 13, 15, 31, 32, 33, 34, 35, 36, 37, 0xFFFF}) {
     C_Heron2BitFile file;
     EXPECT_TRUE(Checks(file, wType)) << wType;
-    EXPECT_EQ(1, file.GetContainerKind());
-    EXPECT_EQ(wType, file.GetCodingType());
+    EXPECT_EQ(file.GetContainerKind(), 1);
+    EXPECT_EQ(file.GetCodingType(), wType);
   }
   C_Heron2BitFile file;
   EXPECT_TRUE(file.CheckFormat(Write(kVef, MonoVef(8).Take()).c_str(), true));
-  EXPECT_EQ(1, file.GetContainerKind());
+  EXPECT_EQ(file.GetContainerKind(), 1);
 }
 
 TEST_F(HeronVef, SpHeaderInFrontOfAContainer_IsNoContainer) {
@@ -88,10 +88,10 @@ TEST_P(HeronVefKind, Stream_DecodesAsItDoesAlone) {
   const C_RiffBytes riff = MonoVef(8).Chunk("vafm", VafmBytes(wType)).Chunk("vdat", stream);
   C_Heron6BitFile file;
   ASSERT_TRUE(Load(file, riff));
-  EXPECT_EQ(heron_test::Decoded(stream, 16000), SamplesOf(file.GetWavData()));
-  EXPECT_EQ(GetParam().eType, file.GetWavData()->GetEncType());
+  EXPECT_EQ(SamplesOf(file.GetWavData()), heron_test::Decoded(stream, 16000));
+  EXPECT_EQ(file.GetWavData()->GetEncType(), GetParam().eType);
   const unsigned char* pbyEncoded = file.GetWavData()->GetEncBuffer();
-  EXPECT_EQ(stream, C_Bytes(pbyEncoded, pbyEncoded + file.GetWavData()->GetEncBufferLen()));
+  EXPECT_EQ(C_Bytes(pbyEncoded, pbyEncoded + file.GetWavData()->GetEncBufferLen()), stream);
 }
 
 TEST_F(HeronVef, DecodedSound_IsMonoInSixteenBitsAtTheContainersRate) {
@@ -101,18 +101,18 @@ TEST_F(HeronVef, DecodedSound_IsMonoInSixteenBitsAtTheContainersRate) {
   riff.Chunk("vdat", C_HeronBytes(kKinds[0], voice, 11025).Take());
   C_Heron4BitFile file;
   ASSERT_TRUE(Load(file, riff));
-  EXPECT_EQ(1, file.GetWavInfo()->GetChannels());
-  EXPECT_EQ(16, file.GetWavInfo()->GetStoreBitsPerSample());
+  EXPECT_EQ(file.GetWavInfo()->GetChannels(), 1);
+  EXPECT_EQ(file.GetWavInfo()->GetStoreBitsPerSample(), 16);
   EXPECT_TRUE(file.GetWavInfo()->IsValueSigned());
-  EXPECT_EQ(11025u, file.GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(700u, file.GetWavInfo()->GetSampleSize());
+  EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), 11025u);
+  EXPECT_EQ(file.GetWavInfo()->GetSampleSize(), 700u);
 }
 
 TEST_F(HeronVef, KeepEncoded_ReadsThePcmAsStored) {
   C_Heron4BitFile file;
   ASSERT_TRUE(Load(file, MonoVef(10).Chunk("vdat", Stream(kKinds[0])), true));
-  EXPECT_EQ(RampBytes(10), PcmOf(file));
-  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+  EXPECT_EQ(PcmOf(file), RampBytes(10));
+  EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
 }
 
 TEST_F(HeronVef, ContainerWithoutAStream_LoadsAsStoredAlone) {
@@ -136,9 +136,9 @@ TEST_P(HeronVefKind, Factory_MakesAFourBitFileThatKnowsItsType) {
   Converted(*sound, GetParam().eType);
   for (const bool bKeepEncoded : {true, false}) {
     const C_WavFilePtr file = Create(bKeepEncoded);
-    ASSERT_NE(nullptr, dynamic_cast<C_Heron4BitFile*>(file.get()));
-    EXPECT_EQ(static_cast<unsigned int>(GetParam().eType), file->GetCodingType());
-    EXPECT_EQ(700u, file->GetWavInfo()->GetSampleSize());
+    ASSERT_NE(dynamic_cast<C_Heron4BitFile*>(file.get()), nullptr);
+    EXPECT_EQ(file->GetCodingType(), static_cast<unsigned int>(GetParam().eType));
+    EXPECT_EQ(file->GetWavInfo()->GetSampleSize(), 700u);
   }
 }
 
@@ -146,16 +146,16 @@ TEST_F(HeronVef, Factory_LeavesKestrelContainersToTheirOwnClass) {
   Write(kVef, KestrelVefBytes(8, 2).Take());
   for (const bool bKeepEncoded : {true, false}) {
     const C_WavFilePtr file = Create(bKeepEncoded);
-    EXPECT_NE(nullptr, dynamic_cast<C_KestrelFile*>(file.get()));
+    EXPECT_NE(dynamic_cast<C_KestrelFile*>(file.get()), nullptr);
   }
 }
 
 TEST_F(HeronVef, KestrelStreamWithoutAType_IsFoundByTheClassThatDecodesIt) {
   Write(kVef, MonoVef(8).Chunk("vdat", C_KestrelBytes(16000).Voice(2).Take()).Take());
   const C_WavFilePtr decoded = Create(false);
-  EXPECT_NE(nullptr, dynamic_cast<C_KestrelFile*>(decoded.get()));
+  EXPECT_NE(dynamic_cast<C_KestrelFile*>(decoded.get()), nullptr);
   const C_WavFilePtr stored = Create(true);
-  EXPECT_NE(nullptr, dynamic_cast<C_Heron4BitFile*>(stored.get()));
+  EXPECT_NE(dynamic_cast<C_Heron4BitFile*>(stored.get()), nullptr);
 }
 
 // ---- saving
@@ -165,15 +165,15 @@ TEST_P(HeronVefKind, WriteFileWithoutEncoding_WritesAContainerOfItsType) {
   AddAnnotations(*sound);
   const auto stream = heron_test::Encoded(*sound, GetParam().eType);
   const C_Bytes vef = Converted(*sound, GetParam().eType);
-  EXPECT_EQ(Join({Ascii("RIFF"), U32(static_cast<std::uint32_t>(vef.size()) - 8), Ascii("VEFF")}),
-            C_Bytes(vef.begin(), vef.begin() + 12));
+  EXPECT_EQ(C_Bytes(vef.begin(), vef.begin() + 12),
+            Join({Ascii("RIFF"), U32(static_cast<std::uint32_t>(vef.size()) - 8), Ascii("VEFF")}));
   EXPECT_THAT(ChunkNames(vef),
               ElementsAre("fmt ", "data", "cue ", "smpl", "LIST", "vafm", "vdat", "note"));
   const auto wType = static_cast<std::uint16_t>(GetParam().eType);
-  EXPECT_EQ(Join({U16(256), U16(wType), U16(8000), U32(0), {2, 0}, U32(0)}),
-            ChunkNamed(vef, "vafm"));
-  EXPECT_EQ(stream, ChunkNamed(vef, "vdat"));
-  EXPECT_EQ(2800u, ChunkNamed(vef, "data").size());
+  EXPECT_EQ(ChunkNamed(vef, "vafm"),
+            Join({U16(256), U16(wType), U16(8000), U32(0), {2, 0}, U32(0)}));
+  EXPECT_EQ(ChunkNamed(vef, "vdat"), stream);
+  EXPECT_EQ(ChunkNamed(vef, "data").size(), 2800u);
 }
 
 TEST_P(HeronVefKind, ConvertedAndCreatedAgain_GivesTheSourcesPcmOrTheDecodedStream) {
@@ -181,12 +181,12 @@ TEST_P(HeronVefKind, ConvertedAndCreatedAgain_GivesTheSourcesPcmOrTheDecodedStre
   sound->GetEventTagMgr()->AddEventBySamplePos(1, 2, 1600, "", 7);
   const C_Bytes vef = Converted(*sound, GetParam().eType);
   const C_WavFilePtr stored = Create(true);
-  ASSERT_NE(nullptr, stored);
-  EXPECT_EQ(SamplesOf(sound.get()), SamplesOf(stored->GetWavData()));
+  ASSERT_NE(stored, nullptr);
+  EXPECT_EQ(SamplesOf(stored->GetWavData()), SamplesOf(sound.get()));
   EXPECT_THAT(VefEventsOf(*stored), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
   const C_WavFilePtr decoded = Create(false);
-  ASSERT_NE(nullptr, decoded);
-  EXPECT_EQ(heron_test::Decoded(ChunkNamed(vef, "vdat"), 16000), SamplesOf(decoded->GetWavData()));
+  ASSERT_NE(decoded, nullptr);
+  EXPECT_EQ(SamplesOf(decoded->GetWavData()), heron_test::Decoded(ChunkNamed(vef, "vdat"), 16000));
   EXPECT_THAT(VefEventsOf(*decoded), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
 }
 
@@ -195,11 +195,11 @@ TEST_F(HeronVef, LoadedStream_IsWrittenUnchangedUnlessForcedOrOfAnotherType) {
   const C_Bytes stream = Stream(kKinds[4]);
   ASSERT_TRUE(Load(file, MonoVef(8).Chunk("vafm", VafmBytes(36)).Chunk("vdat", stream)));
   file.GetWavData()->ApplyGain(0.5, 0.5);
-  EXPECT_EQ(stream, ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT), "vdat"));
-  EXPECT_EQ(heron_test::Encoded(*file.GetWavData(), 36),
-            ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT, true), "vdat"));
-  EXPECT_EQ(heron_test::Encoded(*file.GetWavData(), 32),
-            ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_4BIT), "vdat"));
+  EXPECT_EQ(ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT), "vdat"), stream);
+  EXPECT_EQ(ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT, true), "vdat"),
+            heron_test::Encoded(*file.GetWavData(), 36));
+  EXPECT_EQ(ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_4BIT), "vdat"),
+            heron_test::Encoded(*file.GetWavData(), 32));
 }
 
 TEST_F(HeronVef, EncodingThatFails_LeavesTheOldFile) {
@@ -207,7 +207,7 @@ TEST_F(HeronVef, EncodingThatFails_LeavesTheOldFile) {
   const std::string strPath = Write(kVef, Ascii("before"));
   EXPECT_FALSE(
       sound->Convert(AUDIO_FILE_HERON_2BIT, strPath.c_str(), false, false, nullptr, true, 0));
-  EXPECT_EQ(Ascii("before"), Content(kVef));
+  EXPECT_EQ(Content(kVef), Ascii("before"));
 }
 
 }  // namespace

@@ -69,26 +69,26 @@ class KestrelFile : public C_FolderTest {
 
 TEST_F(KestrelFile, NewObject_IsNotOpenedAndDoesNotForceEncoding) {
   C_KestrelFile file;
-  EXPECT_EQ(-1, file.GetContainerKind());
+  EXPECT_EQ(file.GetContainerKind(), -1);
   EXPECT_FALSE(file.IsForceEncode());
-  EXPECT_EQ(0u, file.GetCodingType());
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetFileFormat());
+  EXPECT_EQ(file.GetCodingType(), 0u);
+  EXPECT_EQ(file.GetFileFormat(), AUDIO_FILE_UNKNOWN);
 }
 
 TEST_F(KestrelFile, CheckFormat_WithInfo_SetsFormatAndCodingType) {
   const std::string strPath = WriteKestrel("a", Stream(2));
   C_KestrelFile file;
   ASSERT_TRUE(file.CheckFormat(strPath.c_str(), true));
-  EXPECT_EQ(0, file.GetContainerKind());
-  EXPECT_EQ(14u, file.GetCodingType());
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetFileFormat());
+  EXPECT_EQ(file.GetContainerKind(), 0);
+  EXPECT_EQ(file.GetCodingType(), 14u);
+  EXPECT_EQ(file.GetFileFormat(), AUDIO_FILE_UNKNOWN);
   I_WavInfo* pIWavInfo = file.GetWavInfo();
-  ASSERT_NE(nullptr, pIWavInfo);
-  EXPECT_EQ(16000u, pIWavInfo->GetSampleRate());
-  EXPECT_EQ(0u, pIWavInfo->GetByteLength());
-  EXPECT_EQ(1, pIWavInfo->GetChannels());
-  EXPECT_EQ(16, pIWavInfo->GetBitsPerSample());
-  EXPECT_EQ(16, pIWavInfo->GetStoreBitsPerSample());
+  ASSERT_NE(pIWavInfo, nullptr);
+  EXPECT_EQ(pIWavInfo->GetSampleRate(), 16000u);
+  EXPECT_EQ(pIWavInfo->GetByteLength(), 0u);
+  EXPECT_EQ(pIWavInfo->GetChannels(), 1);
+  EXPECT_EQ(pIWavInfo->GetBitsPerSample(), 16);
+  EXPECT_EQ(pIWavInfo->GetStoreBitsPerSample(), 16);
   EXPECT_TRUE(pIWavInfo->IsValueSigned());
 }
 
@@ -96,9 +96,9 @@ TEST_F(KestrelFile, CheckFormat_WithoutInfo_SetsTheKindAlone) {
   const std::string strPath = WriteKestrel("a", Stream(2));
   C_KestrelFile file;
   ASSERT_TRUE(file.CheckFormat(strPath.c_str(), false));
-  EXPECT_EQ(0, file.GetContainerKind());
-  EXPECT_EQ(0u, file.GetCodingType());
-  EXPECT_EQ(nullptr, file.GetWavData());
+  EXPECT_EQ(file.GetContainerKind(), 0);
+  EXPECT_EQ(file.GetCodingType(), 0u);
+  EXPECT_EQ(file.GetWavData(), nullptr);
 }
 
 TEST_F(KestrelFile, CheckFormat_OtherIdentifier_IsFalse) {
@@ -108,8 +108,8 @@ TEST_F(KestrelFile, CheckFormat_OtherIdentifier_IsFalse) {
     const std::string strPath = Write("a", C_SpBytes().ID(wID).Stream(Stream(2)).Take());
     C_KestrelFile file;
     EXPECT_FALSE(file.CheckFormat(strPath.c_str(), true)) << wID;
-    EXPECT_EQ(-1, file.GetContainerKind()) << wID;
-    EXPECT_EQ(0u, file.GetCodingType()) << wID;
+    EXPECT_EQ(file.GetContainerKind(), -1) << wID;
+    EXPECT_EQ(file.GetCodingType(), 0u) << wID;
   }
 }
 
@@ -121,23 +121,23 @@ TEST_F(KestrelFile, CheckFormat_WhatHasNoHeader_IsFalse) {
   EXPECT_FALSE(file.CheckFormat(Path("missing").c_str(), true));
   EXPECT_FALSE(file.CheckFormat(Path(".").c_str(), true));
   EXPECT_FALSE(file.CheckFormat(nullptr, true));
-  EXPECT_EQ(-1, file.GetContainerKind());
+  EXPECT_EQ(file.GetContainerKind(), -1);
 }
 
 TEST_F(KestrelFile, Factory_DoesNotOpenABareStream) {
   C_WavFileFormat format;
-  EXPECT_EQ(nullptr,
-            format.CreateWavFile(Write("a", Stream(2)).c_str(), true, true, nullptr, nullptr));
+  EXPECT_EQ(format.CreateWavFile(Write("a", Stream(2)).c_str(), true, true, nullptr, nullptr),
+            nullptr);
 }
 
 TEST_F(KestrelFile, Factory_OpensTheFormatWithoutItsSamples) {
   C_WavFileFormat format;
   I_WavFile* pIFile = format.OpenWavFile(WriteKestrel("a", Stream(2)).c_str());
-  ASSERT_NE(nullptr, pIFile);
-  EXPECT_EQ(16000u, pIFile->GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(0u, pIFile->GetWavInfo()->GetByteLength());
-  EXPECT_EQ(48u + 6 + 80, pIFile->GetFileLength());
-  EXPECT_EQ(0u, pIFile->GetWavData()->GetEncBufferLen());
+  ASSERT_NE(pIFile, nullptr);
+  EXPECT_EQ(pIFile->GetWavInfo()->GetSampleRate(), 16000u);
+  EXPECT_EQ(pIFile->GetWavInfo()->GetByteLength(), 0u);
+  EXPECT_EQ(pIFile->GetFileLength(), 48u + 6 + 80);
+  EXPECT_EQ(pIFile->GetWavData()->GetEncBufferLen(), 0u);
   pIFile->Release();
 }
 
@@ -148,16 +148,16 @@ TEST_F(KestrelFile, Load_DecodesAndKeepsTheStream) {
   const std::string strPath = WriteKestrel("a", stream.Take());
   C_KestrelFile file;
   ASSERT_TRUE(Load(file, "a"));
-  EXPECT_EQ(kestrel_test::DecodeWords(16000, stream.GetWords()), SamplesOf(file.GetWavData()));
-  EXPECT_EQ(50u * 640, file.GetWavInfo()->GetByteLength());
-  EXPECT_EQ(1000u, file.GetWavInfo()->GetTimeLength());
-  EXPECT_EQ(stream.Take(), BytesOfEncBuffer(file.GetWavData()));
-  EXPECT_EQ(file.GetFileLength() - 48, file.GetWavData()->GetEncBufferLen());
-  EXPECT_EQ(AUDIO_FILE_KESTREL, file.GetWavData()->GetEncType());
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetFileFormat());
-  EXPECT_EQ(14u, file.GetCodingType());
-  EXPECT_EQ(strPath, file.GetFileName());
-  EXPECT_EQ(16000u, file.GetWavData()->GetEventTagMgr()->GetSampleRate());
+  EXPECT_EQ(SamplesOf(file.GetWavData()), kestrel_test::DecodeWords(16000, stream.GetWords()));
+  EXPECT_EQ(file.GetWavInfo()->GetByteLength(), 50u * 640);
+  EXPECT_EQ(file.GetWavInfo()->GetTimeLength(), 1000u);
+  EXPECT_EQ(BytesOfEncBuffer(file.GetWavData()), stream.Take());
+  EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), file.GetFileLength() - 48);
+  EXPECT_EQ(file.GetWavData()->GetEncType(), AUDIO_FILE_KESTREL);
+  EXPECT_EQ(file.GetFileFormat(), AUDIO_FILE_UNKNOWN);
+  EXPECT_EQ(file.GetCodingType(), 14u);
+  EXPECT_EQ(file.GetFileName(), strPath);
+  EXPECT_EQ(file.GetWavData()->GetEventTagMgr()->GetSampleRate(), 16000u);
 }
 
 TEST_F(KestrelFile, Load_KeepEncodedAndCodecOption_HaveNoInfluence) {
@@ -166,8 +166,8 @@ TEST_F(KestrelFile, Load_KeepEncodedAndCodecOption_HaveNoInfluence) {
   ASSERT_TRUE(kept.LoadByName(strPath.c_str(), true, nullptr, nullptr));
   C_KestrelFile plain;
   ASSERT_TRUE(plain.LoadByName(strPath.c_str(), false, "32000", nullptr));
-  EXPECT_EQ(SamplesOf(kept.GetWavData()), SamplesOf(plain.GetWavData()));
-  EXPECT_EQ(BytesOfEncBuffer(kept.GetWavData()), BytesOfEncBuffer(plain.GetWavData()));
+  EXPECT_EQ(SamplesOf(plain.GetWavData()), SamplesOf(kept.GetWavData()));
+  EXPECT_EQ(BytesOfEncBuffer(plain.GetWavData()), BytesOfEncBuffer(kept.GetWavData()));
 }
 
 TEST_F(KestrelFile, Load_Callback_GetsEveryFrame) {
@@ -175,9 +175,9 @@ TEST_F(KestrelFile, Load_Callback_GetsEveryFrame) {
   g_lengths.clear();
   C_WavFileFormat format;
   I_WavFile* pIFile = format.CreateWavFile(strPath.c_str(), true, true, nullptr, RecordPiece);
-  ASSERT_NE(nullptr, pIFile);
+  ASSERT_NE(pIFile, nullptr);
   pIFile->Release();
-  EXPECT_EQ(50u, g_lengths.size());
+  EXPECT_EQ(g_lengths.size(), 50u);
   EXPECT_THAT(g_lengths, Each(640u));
 }
 
@@ -187,15 +187,15 @@ TEST_F(KestrelFile, Load_OtherSampleRate_IsTakenFromTheHeaderAndChangesNoSample)
     Write("a", C_SpBytes().Freq(dwRate).Stream(stream.Take()).Take());
     C_KestrelFile file;
     ASSERT_TRUE(Load(file, "a"));
-    EXPECT_EQ(dwRate, file.GetWavInfo()->GetSampleRate());
-    EXPECT_EQ(3u * 320, file.GetWavInfo()->GetSampleSize());
+    EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), dwRate);
+    EXPECT_EQ(file.GetWavInfo()->GetSampleSize(), 3u * 320);
     ASSERT_TRUE(
         file.Convert(AUDIO_FILE_WAVE, Path("a.wav").c_str(), true, false, nullptr, false, 0));
     vcm::C_ByteWriter rate;
     rate.U32(dwRate);
     const auto wav = Content("a.wav");
-    EXPECT_EQ(rate.Data(), Bytes(wav.begin() + 24, wav.begin() + 28));
-    EXPECT_EQ(44u + 3 * 640, wav.size());
+    EXPECT_EQ(Bytes(wav.begin() + 24, wav.begin() + 28), rate.Data());
+    EXPECT_EQ(wav.size(), 44u + 3 * 640);
   }
 }
 
@@ -204,8 +204,8 @@ TEST_F(KestrelFile, Load_SampleRate0OrGreatest_IsKept) {
     Write("a", C_SpBytes().Freq(dwRate).Stream(Stream(3)).Take());
     C_KestrelFile file;
     EXPECT_TRUE(Load(file, "a"));
-    EXPECT_EQ(dwRate, file.GetWavInfo()->GetSampleRate());
-    EXPECT_EQ(dwRate == 1 ? 960000u : 0u, file.GetWavInfo()->GetTimeLength());
+    EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), dwRate);
+    EXPECT_EQ(file.GetWavInfo()->GetTimeLength(), dwRate == 1 ? 960000u : 0u);
   }
 }
 
@@ -221,7 +221,7 @@ TEST_F(KestrelFile, Load_Version255_ReadsTheStreamTwoBytesEarlyAndFails) {
   C_KestrelFile file;
   EXPECT_TRUE(file.OpenByName(Path("a").c_str()));
   EXPECT_FALSE(Load(file, "a"));
-  EXPECT_EQ(Bytes(bytes.begin() + 48, bytes.end()), BytesOfEncBuffer(file.GetWavData()));
+  EXPECT_EQ(BytesOfEncBuffer(file.GetWavData()), Bytes(bytes.begin() + 48, bytes.end()));
 }
 
 TEST_F(KestrelFile, Load_FileCutAtEveryByte_PlaysWhatItHoldsOrFails) {
@@ -231,9 +231,9 @@ TEST_F(KestrelFile, Load_FileCutAtEveryByte_PlaysWhatItHoldsOrFails) {
     C_KestrelFile file;
     // Behind the header and the length field there must be a sixteenth of 122 bytes.
     const bool bExpected = cbSize >= 48 + 4 + 8;
-    ASSERT_EQ(bExpected, Load(file, "a")) << cbSize;
+    ASSERT_EQ(Load(file, "a"), bExpected) << cbSize;
     if (!bExpected) continue;
-    EXPECT_EQ((cbSize - 54 + 39) / 40 * 640, file.GetWavInfo()->GetByteLength()) << cbSize;
+    EXPECT_EQ(file.GetWavInfo()->GetByteLength(), (cbSize - 54 + 39) / 40 * 640) << cbSize;
   }
 }
 
@@ -244,7 +244,7 @@ TEST_F(KestrelFile, Load_HeaderCutShort_OpensAndHasNoStream) {
     EXPECT_TRUE(file.OpenByName(Path("a").c_str())) << cbSize;
     EXPECT_EQ(cbSize < 30 ? 8000u : 16000u, file.GetWavInfo()->GetSampleRate());
     EXPECT_FALSE(Load(file, "a")) << cbSize;
-    EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+    EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
   }
 }
 
@@ -253,14 +253,14 @@ TEST_F(KestrelFile, Load_StreamThatDoesNotFit32Bits_IsRefusedUnread) {
   std::filesystem::resize_file(Path("a"), 48 + 126 + (std::uintmax_t{1} << 32));
   C_KestrelFile file;
   EXPECT_FALSE(Load(file, "a"));
-  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+  EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
 }
 
 TEST_F(KestrelFile, Load_HeadOfAStreamAlone_HasNoSamples) {
   WriteKestrel("a", Stream(0));
   C_KestrelFile file;
   EXPECT_TRUE(Load(file, "a"));
-  EXPECT_EQ(0u, file.GetWavInfo()->GetByteLength());
+  EXPECT_EQ(file.GetWavInfo()->GetByteLength(), 0u);
   EXPECT_FALSE(
       file.Convert(AUDIO_FILE_WAVE, Path("a.wav").c_str(), true, false, nullptr, false, 0));
 }
@@ -297,7 +297,7 @@ TEST_F(KestrelFile, LoadData_FileThatLostItsHeaderMeanwhile_IsReadWhole) {
   ASSERT_TRUE(file.OpenByName(Path("a").c_str()));
   Write("a", Stream(2));
   EXPECT_TRUE(file.LoadData(true, nullptr, nullptr));
-  EXPECT_EQ(2u * 640, file.GetWavInfo()->GetByteLength());
+  EXPECT_EQ(file.GetWavInfo()->GetByteLength(), 2u * 640);
 }
 
 TEST_F(KestrelFile, Load_AnotherFileWithTheSameObject_ReplacesEverything) {
@@ -306,9 +306,9 @@ TEST_F(KestrelFile, Load_AnotherFileWithTheSameObject_ReplacesEverything) {
   C_KestrelFile file;
   ASSERT_TRUE(Load(file, "a"));
   ASSERT_TRUE(Load(file, "b"));
-  EXPECT_EQ(8000u, file.GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(2u * 640, file.GetWavInfo()->GetByteLength());
-  EXPECT_EQ(Stream(2), BytesOfEncBuffer(file.GetWavData()));
+  EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), 8000u);
+  EXPECT_EQ(file.GetWavInfo()->GetByteLength(), 2u * 640);
+  EXPECT_EQ(BytesOfEncBuffer(file.GetWavData()), Stream(2));
 }
 
 TEST_F(KestrelFile, Load_IntoAnAttachedSound_FillsIt) {
@@ -317,8 +317,8 @@ TEST_F(KestrelFile, Load_IntoAnAttachedSound_FillsIt) {
   C_KestrelFile file;
   file.AttachWavData(sound.get());
   EXPECT_TRUE(Load(file, "a"));
-  EXPECT_EQ(sound.get(), file.DetachWavData());
-  EXPECT_EQ(4u * 640, sound->GetBufferLength());
+  EXPECT_EQ(file.DetachWavData(), sound.get());
+  EXPECT_EQ(sound->GetBufferLength(), 4u * 640);
 }
 
 TEST_F(KestrelFile, Sample_DecodesToFiveSecondsOfSpeech) {
@@ -326,8 +326,8 @@ TEST_F(KestrelFile, Sample_DecodesToFiveSecondsOfSpeech) {
   const std::string strSample = (root / "samples" / "Test.kst").string();
   C_KestrelFile file;
   ASSERT_TRUE(file.LoadByName(strSample.c_str(), true, nullptr, nullptr));
-  EXPECT_EQ(16000u, file.GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(5040u, file.GetWavInfo()->GetTimeLength());
+  EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), 16000u);
+  EXPECT_EQ(file.GetWavInfo()->GetTimeLength(), 5040u);
   const auto samples = SamplesOf(file.GetWavData());
   EXPECT_GT(*std::max_element(samples.begin(), samples.end()), 10000);
   EXPECT_LT(*std::max_element(samples.begin(), samples.begin() + 3000), 200);
@@ -341,9 +341,9 @@ TEST_F(KestrelFile, WriteFile_WritesTheBareStreamWithoutAHeader) {
   file.AttachWavData(sound.get());
   ASSERT_TRUE(Save(file, "a", false));
   const Bytes bytes = Content("a");
-  EXPECT_EQ(EncodedBy(sound.get(), 16000), bytes);
-  EXPECT_EQ((Bytes{0xD2, 0x07, 0, 0, 0x80, 0x3E}), Bytes(bytes.begin(), bytes.begin() + 6));
-  EXPECT_EQ(65535, GetSpFileID(Path("a").c_str()));
+  EXPECT_EQ(bytes, EncodedBy(sound.get(), 16000));
+  EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 6), (Bytes{0xD2, 0x07, 0, 0, 0x80, 0x3E}));
+  EXPECT_EQ(GetSpFileID(Path("a").c_str()), 65535);
   file.DetachWavData();
 }
 
@@ -352,9 +352,9 @@ TEST_F(KestrelFile, WriteFile_TakesTheBitRateOfTheCodecParameters) {
   sound->GetAudioCodecParam()->SetBitRate(24000);
   ASSERT_TRUE(
       sound->Convert(AUDIO_FILE_KESTREL, Path("a").c_str(), true, false, nullptr, false, 0));
-  EXPECT_EQ(EncodedBy(sound.get(), 24000), Content("a"));
-  EXPECT_EQ(0xC0, Content("a")[4]);
-  EXPECT_EQ(0x5D, Content("a")[5]);
+  EXPECT_EQ(Content("a"), EncodedBy(sound.get(), 24000));
+  EXPECT_EQ(Content("a")[4], 0xC0);
+  EXPECT_EQ(Content("a")[5], 0x5D);
 }
 
 TEST_F(KestrelFile, WriteFile_RefusedBitRate_IsFalseAndCreatesNothing) {
@@ -373,7 +373,7 @@ TEST_F(KestrelFile, WriteFile_RefusedBitRate_LeavesAnOlderTargetAsItWas) {
   sound->GetAudioCodecParam()->SetBitRate(8000);
   EXPECT_FALSE(
       sound->Convert(AUDIO_FILE_KESTREL, Path("a").c_str(), true, false, nullptr, true, 0));
-  EXPECT_EQ((Bytes{1, 2, 3}), Content("a"));
+  EXPECT_EQ(Content("a"), (Bytes{1, 2, 3}));
 }
 
 TEST_F(KestrelFile, WriteFile_StoresForceEncodeWhateverItsResult) {
@@ -398,9 +398,9 @@ TEST_F(KestrelFile, WriteFile_EightBitSound_IsWidenedFirst) {
   ASSERT_TRUE(wide);
   ASSERT_TRUE(
       sound->Convert(AUDIO_FILE_KESTREL, Path("a").c_str(), true, false, nullptr, false, 0));
-  EXPECT_EQ(EncodedBy(wide.get(), 16000), Content("a"));
-  EXPECT_EQ(8, sound->GetWavInfo()->GetBitsPerSample());
-  EXPECT_EQ(2000u, sound->GetBufferLength());
+  EXPECT_EQ(Content("a"), EncodedBy(wide.get(), 16000));
+  EXPECT_EQ(sound->GetWavInfo()->GetBitsPerSample(), 8);
+  EXPECT_EQ(sound->GetBufferLength(), 2000u);
 }
 
 TEST_F(KestrelFile, WriteFile_StereoSound_IsConvertedToItsWidthBeforeItIsMixedDown) {
@@ -411,9 +411,9 @@ TEST_F(KestrelFile, WriteFile_StereoSound_IsConvertedToItsWidthBeforeItIsMixedDo
   mixed->ConvertToMono();
   ASSERT_TRUE(
       sound->Convert(AUDIO_FILE_KESTREL, Path("a").c_str(), true, false, nullptr, false, 0));
-  EXPECT_EQ(EncodedBy(mixed.get(), 16000), Content("a"));
-  EXPECT_EQ(2, sound->GetWavInfo()->GetChannels());
-  EXPECT_EQ(before, Bytes(sound->GetBuffer(), sound->GetBuffer() + sound->GetBufferLength()));
+  EXPECT_EQ(Content("a"), EncodedBy(mixed.get(), 16000));
+  EXPECT_EQ(sound->GetWavInfo()->GetChannels(), 2);
+  EXPECT_EQ(Bytes(sound->GetBuffer(), sound->GetBuffer() + sound->GetBufferLength()), before);
 }
 
 TEST_F(KestrelFile, WriteFile_AfterALoad_WritesTheLoadedStreamEvenWhenThePcmWasChanged) {
@@ -423,10 +423,10 @@ TEST_F(KestrelFile, WriteFile_AfterALoad_WritesTheLoadedStreamEvenWhenThePcmWasC
   file.GetWavData()->ApplyGain(0.0, 0.0);
   file.GetAudioCodecParam()->SetBitRate(32000);
   ASSERT_TRUE(file.Convert(AUDIO_FILE_KESTREL, Path("b").c_str(), true, false, nullptr, false, 0));
-  EXPECT_EQ(Stream(20), Content("b"));
+  EXPECT_EQ(Content("b"), Stream(20));
   g_kinds.clear();
   ASSERT_TRUE(file.WriteFile(Path("c").c_str(), true, false, RecordProgress, false, 0));
-  EXPECT_EQ(Stream(20), Content("c"));
+  EXPECT_EQ(Content("c"), Stream(20));
   EXPECT_THAT(g_kinds, IsEmpty());
 }
 
@@ -436,7 +436,7 @@ TEST_F(KestrelFile, WriteFile_ForcedAfterALoad_EncodesAgain) {
   ASSERT_TRUE(Load(file, "a"));
   file.GetAudioCodecParam()->SetBitRate(32000);
   ASSERT_TRUE(file.Convert(AUDIO_FILE_KESTREL, Path("b").c_str(), true, false, nullptr, true, 0));
-  EXPECT_EQ(EncodedBy(file.GetWavData(), 32000), Content("b"));
+  EXPECT_EQ(Content("b"), EncodedBy(file.GetWavData(), 32000));
 }
 
 TEST_F(KestrelFile, WriteFile_KestrelSoundWithoutItsStream_IsFalseAndCreatesNothing) {
@@ -501,14 +501,14 @@ TEST_F(KestrelFile, WriteDataChunk_AddsTheStreamAsVdat) {
   file.AttachWavData(sound.get());
   C_RiffFile riff;
   ASSERT_TRUE(file.WriteDataChunk(&riff));
-  ASSERT_EQ(1, riff.GetChunkCount());
+  ASSERT_EQ(riff.GetChunkCount(), 1);
   const Bytes stream = EncodedBy(sound.get(), 7200);
   C_RiffChunk* pChunk = riff.FindChunk("vdat", 0);
-  ASSERT_NE(nullptr, pChunk);
-  ASSERT_EQ(stream.size(), pChunk->GetDataLength());
+  ASSERT_NE(pChunk, nullptr);
+  ASSERT_EQ(pChunk->GetDataLength(), stream.size());
   Bytes stored(stream.size());
   EXPECT_TRUE(pChunk->GetData(stored.data(), pChunk->GetDataLength(), 0));
-  EXPECT_EQ(stream, stored);
+  EXPECT_EQ(stored, stream);
 }
 
 TEST_F(KestrelFile, WriteDataChunk_AfterALoad_AddsTheLoadedStream) {
@@ -519,7 +519,7 @@ TEST_F(KestrelFile, WriteDataChunk_AfterALoad_AddsTheLoadedStream) {
   ASSERT_TRUE(file.WriteDataChunk(&riff));
   ASSERT_TRUE(riff.Save(Path("b").c_str(), "VEFF"));
   const Bytes saved = Content("b");
-  EXPECT_EQ(Stream(20), Bytes(saved.begin() + 20, saved.end()));
+  EXPECT_EQ(Bytes(saved.begin() + 20, saved.end()), Stream(20));
 }
 
 TEST_F(KestrelFile, WriteDataChunk_UsesTheForceEncodeOfTheLastWriteFile) {
@@ -530,7 +530,7 @@ TEST_F(KestrelFile, WriteDataChunk_UsesTheForceEncodeOfTheLastWriteFile) {
   ASSERT_TRUE(Save(file, "b", true));
   C_RiffFile riff;
   ASSERT_TRUE(file.WriteDataChunk(&riff));
-  EXPECT_EQ(Content("b").size(), riff.GetChunkAt(0)->GetDataLength());
+  EXPECT_EQ(riff.GetChunkAt(0)->GetDataLength(), Content("b").size());
 }
 
 TEST_F(KestrelFile, WriteDataChunk_WithoutStreamOrContainer_IsFalse) {
@@ -542,7 +542,7 @@ TEST_F(KestrelFile, WriteDataChunk_WithoutStreamOrContainer_IsFalse) {
   file.AttachWavData(sound.get());
   EXPECT_FALSE(file.WriteDataChunk(&riff));
   EXPECT_FALSE(file.WriteDataChunk(nullptr));
-  EXPECT_EQ(0, riff.GetChunkCount());
+  EXPECT_EQ(riff.GetChunkCount(), 0);
 }
 
 // ---- interface
@@ -552,18 +552,18 @@ TEST_F(KestrelFile, OperationsStandInTheirSlots) {
   C_KestrelFile file;
   const char* pszPath = strPath.c_str();
   ASSERT_TRUE(CallSlot<bool>(&file, 21, pszPath, true));
-  EXPECT_EQ(0, file.GetContainerKind());
+  EXPECT_EQ(file.GetContainerKind(), 0);
   ASSERT_TRUE(Load(file, "a"));
   g_lengths.clear();
   EXPECT_TRUE(CallSlot<bool>(&file, 22, true, static_cast<const char*>(nullptr), &RecordPiece));
-  EXPECT_EQ(4u, g_lengths.size());
+  EXPECT_EQ(g_lengths.size(), 4u);
   const std::string strCopy = Path("b");
   EXPECT_TRUE(CallSlot<bool>(&file, 23, strCopy.c_str(), true, false,
                              static_cast<PFN_CodecProgress>(nullptr), false, 0u));
-  EXPECT_EQ(Stream(4), Content("b"));
+  EXPECT_EQ(Content("b"), Stream(4));
   C_RiffFile riff;
   EXPECT_TRUE(CallSlot<bool>(&file, 24, &riff));
-  EXPECT_EQ(1, riff.GetChunkCount());
+  EXPECT_EQ(riff.GetChunkCount(), 1);
 }
 
 class C_SoundWithoutParameters : public C_WavData {
@@ -604,8 +604,8 @@ TEST_P(KestrelAlignment, EncodeThenDecode_IsAlignedInTime) {
   for (const std::size_t dwSamples : {16000u, 16123u}) {
     const auto voice = TestVoice(dwSamples);
     const auto decoded = RoundTrip(voice);
-    EXPECT_EQ((dwSamples + 319) / 320 * 320, decoded.size());
-    EXPECT_EQ(0, BestLag(voice, decoded, 400));
+    EXPECT_EQ(decoded.size(), (dwSamples + 319) / 320 * 320);
+    EXPECT_EQ(BestLag(voice, decoded, 400), 0);
     EXPECT_GT(Likeness(voice, decoded, 0), GetParam() >= 16000 ? 0.97 : 0.9);
   }
 }
@@ -613,8 +613,8 @@ TEST_P(KestrelAlignment, EncodeThenDecode_IsAlignedInTime) {
 TEST_P(KestrelAlignment, EncodeThenDecodeOfLessThanAFrame_IsOneFrameLate) {
   const auto voice = TestVoice(319);
   const auto decoded = RoundTrip(voice);
-  EXPECT_EQ(640u, decoded.size());
-  EXPECT_EQ(320, BestLag(voice, decoded, 400));
+  EXPECT_EQ(decoded.size(), 640u);
+  EXPECT_EQ(BestLag(voice, decoded, 400), 320);
 }
 
 INSTANTIATE_TEST_SUITE_P(EncodeRates, KestrelAlignment,

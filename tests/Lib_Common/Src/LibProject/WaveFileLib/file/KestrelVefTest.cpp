@@ -53,13 +53,13 @@ TEST_F(KestrelVef, CheckFormat_OfAContainer_SetsTheKindAndTheFormatAsStored) {
       .Chunk("data", RampBytes(6))
       .Chunk("vafm", VafmBytes(14));
   ASSERT_TRUE(file.CheckFormat(Write("in", riff.Take()).c_str(), true));
-  EXPECT_EQ(1, file.GetContainerKind());
-  EXPECT_EQ(14u, file.GetCodingType());
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetFileFormat());
-  EXPECT_EQ(8000u, file.GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(6u, file.GetWavInfo()->GetByteLength());
-  EXPECT_EQ(2, file.GetWavInfo()->GetChannels());
-  EXPECT_EQ(44u, file.GetDataStartPos());
+  EXPECT_EQ(file.GetContainerKind(), 1);
+  EXPECT_EQ(file.GetCodingType(), 14u);
+  EXPECT_EQ(file.GetFileFormat(), AUDIO_FILE_UNKNOWN);
+  EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), 8000u);
+  EXPECT_EQ(file.GetWavInfo()->GetByteLength(), 6u);
+  EXPECT_EQ(file.GetWavInfo()->GetChannels(), 2);
+  EXPECT_EQ(file.GetDataStartPos(), 44u);
 }
 
 TEST_F(KestrelVef, ContainersOfHeronStreams_AreRefused) {
@@ -68,7 +68,7 @@ TEST_F(KestrelVef, ContainersOfHeronStreams_AreRefused) {
     EXPECT_FALSE(file.CheckFormat(
         Write("in", MonoVef(8).Chunk("vafm", VafmBytes(wType)).Take()).c_str(), true))
         << wType;
-    EXPECT_EQ(-1, file.GetContainerKind()) << wType;
+    EXPECT_EQ(file.GetContainerKind(), -1) << wType;
   }
 }
 
@@ -79,11 +79,11 @@ TEST_F(KestrelVef, ContainersOfAnyOtherType_AreTaken) {
     EXPECT_TRUE(file.CheckFormat(
         Write("in", MonoVef(8).Chunk("vafm", VafmBytes(wType)).Take()).c_str(), true))
         << wType;
-    EXPECT_EQ(wType, file.GetCodingType());
+    EXPECT_EQ(file.GetCodingType(), wType);
   }
   C_KestrelFile file;
   EXPECT_TRUE(file.CheckFormat(Write("in", MonoVef(8).Take()).c_str(), true));
-  EXPECT_EQ(0u, file.GetCodingType());
+  EXPECT_EQ(file.GetCodingType(), 0u);
 }
 
 TEST_F(KestrelVef, SpHeaderInFrontOfAContainer_IsAStreamAndNoContainer) {
@@ -98,12 +98,12 @@ TEST_F(KestrelVef, LoadData_OfAContainer_DecodesTheStreamWithoutACallback) {
   const C_Bytes stream = C_KestrelBytes(16000).Voice(3).Take();
   C_KestrelFile file;
   ASSERT_TRUE(Load(file, KestrelVefBytes(8, 3)));
-  EXPECT_EQ(0, g_nPieces);
-  EXPECT_EQ(3u * 640, file.GetWavData()->GetBufferLength());
-  EXPECT_EQ(DecodedAlone(stream), PcmOf(file));
-  EXPECT_EQ(AUDIO_FILE_KESTREL, file.GetWavData()->GetEncType());
+  EXPECT_EQ(g_nPieces, 0);
+  EXPECT_EQ(file.GetWavData()->GetBufferLength(), 3u * 640);
+  EXPECT_EQ(PcmOf(file), DecodedAlone(stream));
+  EXPECT_EQ(file.GetWavData()->GetEncType(), AUDIO_FILE_KESTREL);
   const unsigned char* pbyEncoded = file.GetWavData()->GetEncBuffer();
-  EXPECT_EQ(stream, C_Bytes(pbyEncoded, pbyEncoded + file.GetWavData()->GetEncBufferLen()));
+  EXPECT_EQ(C_Bytes(pbyEncoded, pbyEncoded + file.GetWavData()->GetEncBufferLen()), stream);
 }
 
 TEST_F(KestrelVef, DecodedSound_IsMonoInSixteenBitsWhateverThePcmIs) {
@@ -114,28 +114,28 @@ TEST_F(KestrelVef, DecodedSound_IsMonoInSixteenBitsWhateverThePcmIs) {
   riff.Chunk("vdat", C_KestrelBytes(9600).Voice(2).Take());
   C_KestrelFile file;
   ASSERT_TRUE(Load(file, riff));
-  EXPECT_EQ(1, file.GetWavInfo()->GetChannels());
-  EXPECT_EQ(16, file.GetWavInfo()->GetStoreBitsPerSample());
+  EXPECT_EQ(file.GetWavInfo()->GetChannels(), 1);
+  EXPECT_EQ(file.GetWavInfo()->GetStoreBitsPerSample(), 16);
   EXPECT_TRUE(file.GetWavInfo()->IsValueSigned());
-  EXPECT_EQ(11025u, file.GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(640u, file.GetWavInfo()->GetSampleSize());
+  EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), 11025u);
+  EXPECT_EQ(file.GetWavInfo()->GetSampleSize(), 640u);
 }
 
 TEST_F(KestrelVef, KeepEncoded_ReadsThePcmAsStored) {
   C_KestrelFile file;
   ASSERT_TRUE(Load(file, KestrelVefBytes(10, 3), true));
-  EXPECT_EQ(0, g_nPieces);
-  EXPECT_EQ(RampBytes(10), PcmOf(file));
-  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
+  EXPECT_EQ(g_nPieces, 0);
+  EXPECT_EQ(PcmOf(file), RampBytes(10));
+  EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
 }
 
 TEST_F(KestrelVef, StreamOfAnEarlierFile_IsForgotten) {
   C_KestrelFile file;
   ASSERT_TRUE(Load(file, KestrelVefBytes(8, 5)));
   ASSERT_TRUE(Load(file, KestrelVefBytes(10, 3), true));
-  EXPECT_EQ(RampBytes(10), PcmOf(file));
-  EXPECT_EQ(0u, file.GetWavData()->GetEncBufferLen());
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, file.GetWavData()->GetEncType());
+  EXPECT_EQ(PcmOf(file), RampBytes(10));
+  EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
+  EXPECT_EQ(file.GetWavData()->GetEncType(), AUDIO_FILE_UNKNOWN);
   EXPECT_FALSE(file.WriteFile(Path("out").c_str(), false, false, nullptr, false, 0));
   EXPECT_THAT(Entries(), ElementsAre("in"));
 }
@@ -171,13 +171,13 @@ TEST_F(KestrelVef, Factory_GivesAKestrelFile) {
   for (const bool bKeepEncoded : {false, true}) {
     const C_WavFilePtr file(
         format.CreateWavFile(strPath.c_str(), true, bKeepEncoded, nullptr, nullptr));
-    ASSERT_NE(nullptr, dynamic_cast<C_KestrelFile*>(file.get()));
-    EXPECT_EQ(bKeepEncoded ? 8u : 1280u, file->GetWavData()->GetBufferLength());
+    ASSERT_NE(dynamic_cast<C_KestrelFile*>(file.get()), nullptr);
+    EXPECT_EQ(file->GetWavData()->GetBufferLength(), bKeepEncoded ? 8u : 1280u);
   }
   const C_WavFilePtr opened(format.OpenWavFile(strPath.c_str()));
-  ASSERT_NE(nullptr, dynamic_cast<C_KestrelFile*>(opened.get()));
-  EXPECT_EQ(8u, opened->GetWavInfo()->GetByteLength());
-  EXPECT_EQ(nullptr, opened->GetWavDataBuffer());
+  ASSERT_NE(dynamic_cast<C_KestrelFile*>(opened.get()), nullptr);
+  EXPECT_EQ(opened->GetWavInfo()->GetByteLength(), 8u);
+  EXPECT_EQ(opened->GetWavDataBuffer(), nullptr);
 }
 
 // ---- saving
@@ -185,13 +185,13 @@ TEST_F(KestrelVef, Factory_GivesAKestrelFile) {
 TEST_F(KestrelVef, WriteFile_WithoutEncoding_WritesAContainer) {
   const auto sound = MonoSound(TestVoice(320));
   const C_Bytes file = Converted(*sound);
-  EXPECT_EQ(762u, file.size());
-  EXPECT_EQ(Join({Ascii("RIFF"), U32(754), Ascii("VEFF")}),
-            C_Bytes(file.begin(), file.begin() + 12));
+  EXPECT_EQ(file.size(), 762u);
+  EXPECT_EQ(C_Bytes(file.begin(), file.begin() + 12),
+            Join({Ascii("RIFF"), U32(754), Ascii("VEFF")}));
   EXPECT_THAT(ChunkNames(file), ElementsAre("fmt ", "data", "vafm", "vdat"));
-  EXPECT_EQ(VafmBytes(14), ChunkNamed(file, "vafm"));
-  EXPECT_EQ(46u, ChunkNamed(file, "vdat").size());
-  EXPECT_EQ(640u, ChunkNamed(file, "data").size());
+  EXPECT_EQ(ChunkNamed(file, "vafm"), VafmBytes(14));
+  EXPECT_EQ(ChunkNamed(file, "vdat").size(), 46u);
+  EXPECT_EQ(ChunkNamed(file, "data").size(), 640u);
 }
 
 TEST_F(KestrelVef, StreamStandsInFrontOfTheExtraChunks) {
@@ -205,23 +205,23 @@ TEST_F(KestrelVef, StreamOfAContainer_IsTheOneThatIsWrittenAlone) {
   const auto sound = MonoSound(TestVoice(2000));
   sound->GetAudioCodecParam()->SetBitRate(24000);
   const C_Bytes file = Converted(*sound);
-  EXPECT_EQ(Join({U16(256), U16(14), U16(16000), U32(24000), {1, 0}, U32(0)}),
-            ChunkNamed(file, "vafm"));
+  EXPECT_EQ(ChunkNamed(file, "vafm"),
+            Join({U16(256), U16(14), U16(16000), U32(24000), {1, 0}, U32(0)}));
   ASSERT_TRUE(
       sound->Convert(AUDIO_FILE_KESTREL, Path("bare").c_str(), true, false, nullptr, false, 0));
-  EXPECT_EQ(Content("bare"), ChunkNamed(file, "vdat"));
+  EXPECT_EQ(ChunkNamed(file, "vdat"), Content("bare"));
 }
 
 TEST_F(KestrelVef, StereoSound_KeepsItsPcmBesideAMonoStream) {
   const auto sound = ExampleSound({.dwSampleRate = 8000, .wChannels = 2}, 700);
   const C_Bytes file = Converted(*sound);
-  EXPECT_EQ(FmtBytes(1, 2, 8000, 16), ChunkNamed(file, "fmt "));
-  EXPECT_EQ(2800u, ChunkNamed(file, "data").size());
-  EXPECT_EQ(2, ChunkNamed(file, "vafm")[10]);
+  EXPECT_EQ(ChunkNamed(file, "fmt "), FmtBytes(1, 2, 8000, 16));
+  EXPECT_EQ(ChunkNamed(file, "data").size(), 2800u);
+  EXPECT_EQ(ChunkNamed(file, "vafm")[10], 2);
   C_KestrelFile loaded;
   ASSERT_TRUE(loaded.LoadByName(Path("vef").c_str(), false, nullptr, nullptr));
-  EXPECT_EQ(DecodedAlone(ChunkNamed(file, "vdat")), PcmOf(loaded));
-  EXPECT_EQ(1, loaded.GetWavInfo()->GetChannels());
+  EXPECT_EQ(PcmOf(loaded), DecodedAlone(ChunkNamed(file, "vdat")));
+  EXPECT_EQ(loaded.GetWavInfo()->GetChannels(), 1);
 }
 
 TEST_F(KestrelVef, ConvertedAndCreatedAgain_GivesTheSourcesPcmOrTheDecodedStream) {
@@ -231,13 +231,13 @@ TEST_F(KestrelVef, ConvertedAndCreatedAgain_GivesTheSourcesPcmOrTheDecodedStream
   C_WavFileFormat format;
   const C_WavFilePtr stored(
       format.CreateWavFile(Path("vef").c_str(), true, true, nullptr, nullptr));
-  ASSERT_NE(nullptr, stored);
-  EXPECT_EQ(SamplesOf(sound.get()), SamplesOf(stored->GetWavData()));
+  ASSERT_NE(stored, nullptr);
+  EXPECT_EQ(SamplesOf(stored->GetWavData()), SamplesOf(sound.get()));
   EXPECT_THAT(VefEventsOf(*stored), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
   const C_WavFilePtr decoded(
       format.CreateWavFile(Path("vef").c_str(), true, false, nullptr, nullptr));
-  ASSERT_NE(nullptr, decoded);
-  EXPECT_EQ(DecodedAlone(ChunkNamed(file, "vdat")), PcmOf(*decoded));
+  ASSERT_NE(decoded, nullptr);
+  EXPECT_EQ(PcmOf(*decoded), DecodedAlone(ChunkNamed(file, "vdat")));
   EXPECT_THAT(VefEventsOf(*decoded), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
 }
 
@@ -246,10 +246,10 @@ TEST_F(KestrelVef, LoadedStream_IsWrittenUnchangedUnlessForced) {
   ASSERT_TRUE(Load(file, KestrelVefBytes(8, 5)));
   const C_Bytes stream = C_KestrelBytes(16000).Voice(5).Take();
   file.GetAudioCodecParam()->SetBitRate(32000);
-  EXPECT_EQ(stream, ChunkNamed(Converted(*file.GetWavData()), "vdat"));
-  EXPECT_NE(stream, ChunkNamed(Converted(*file.GetWavData(), true), "vdat"));
+  EXPECT_EQ(ChunkNamed(Converted(*file.GetWavData()), "vdat"), stream);
+  EXPECT_NE(ChunkNamed(Converted(*file.GetWavData(), true), "vdat"), stream);
   ASSERT_TRUE(file.WriteFile(Path("vef").c_str(), false, false, nullptr, false, 0));
-  EXPECT_EQ(stream, ChunkNamed(Content("vef"), "vdat"));
+  EXPECT_EQ(ChunkNamed(Content("vef"), "vdat"), stream);
 }
 
 TEST_F(KestrelVef, SoundKeptAsStored_HasNoStreamToReuse) {
@@ -266,7 +266,7 @@ TEST_F(KestrelVef, EncodingThatFails_LeavesTheOldFile) {
   sound->GetAudioCodecParam()->SetBitRate(8000);
   const std::string strPath = Write("vef", Ascii("before"));
   EXPECT_FALSE(sound->Convert(AUDIO_FILE_KESTREL, strPath.c_str(), false, false, nullptr, true, 0));
-  EXPECT_EQ(Ascii("before"), Content("vef"));
+  EXPECT_EQ(Content("vef"), Ascii("before"));
 }
 
 TEST_F(KestrelVef, WithACodecHead_SixBytesStandInFrontOfTheStream) {
@@ -275,7 +275,7 @@ TEST_F(KestrelVef, WithACodecHead_SixBytesStandInFrontOfTheStream) {
       sound->Convert(AUDIO_FILE_KESTREL, Path("bare").c_str(), true, false, nullptr, false, 0));
   ASSERT_TRUE(
       sound->Convert(AUDIO_FILE_KESTREL, Path("head").c_str(), true, true, nullptr, false, 0));
-  EXPECT_EQ(Join({{0x0E, 0x00, 0x80, 0x3E, 0x00, 0x00}, Content("bare")}), Content("head"));
+  EXPECT_EQ(Content("head"), Join({{0x0E, 0x00, 0x80, 0x3E, 0x00, 0x00}, Content("bare")}));
 }
 
 TEST_F(KestrelVef, CodecHeadOnAFullDisk_IsFalse) {

@@ -58,12 +58,12 @@ class SpFile : public C_FolderTest {
   }
   mode_t ModeOf(const std::string& strName) {
     struct stat status {};
-    EXPECT_EQ(0, stat(Path(strName).c_str(), &status));
+    EXPECT_EQ(stat(Path(strName).c_str(), &status), 0);
     return status.st_mode & 07777;
   }
   uid_t OwnerOf(const std::string& strName) {
     struct stat status {};
-    EXPECT_EQ(0, stat(Path(strName).c_str(), &status));
+    EXPECT_EQ(stat(Path(strName).c_str(), &status), 0);
     return status.st_uid;
   }
 };
@@ -74,7 +74,7 @@ TEST_F(SpFile, Prepend_PutsTheHeaderInFrontOfEverySize) {
   for (const std::size_t cbSize : {0u, 1u, 47u, 1023u, 1024u, 1025u, 2048u, 100000u}) {
     Write("a", Pattern(cbSize));
     EXPECT_TRUE(Prepend("a")) << cbSize;
-    EXPECT_EQ(Headed(Pattern(cbSize)), Content("a")) << cbSize;
+    EXPECT_EQ(Content("a"), Headed(Pattern(cbSize))) << cbSize;
     EXPECT_THAT(Entries(), ElementsAre("a")) << cbSize;
   }
 }
@@ -83,7 +83,7 @@ TEST_F(SpFile, Prepend_Twice_StacksTwoHeaders) {
   Write("a", Pattern(100));
   EXPECT_TRUE(Prepend("a"));
   EXPECT_TRUE(Prepend("a"));
-  EXPECT_EQ(Headed(Headed(Pattern(100))), Content("a"));
+  EXPECT_EQ(Content("a"), Headed(Headed(Pattern(100))));
 }
 
 TEST_F(SpFile, Prepend_MissingFile_IsFalseAndCreatesNothing) {
@@ -136,7 +136,7 @@ TEST_F(SpFile, Prepend_BuildsTheNewFileBesideTheOldOneUnderAHexadecimalName) {
   const C_CreationWatch watch(Path("."));
   ASSERT_TRUE(Prepend("voice.kst"));
   const auto names = watch.Created();
-  ASSERT_EQ(1u, names.size());
+  ASSERT_EQ(names.size(), 1u);
   EXPECT_TRUE(std::regex_match(names[0], std::regex(R"(voice\.kst\.[0-9a-f]{1,8})"))) << names[0];
   EXPECT_THAT(Entries(), ElementsAre("voice.kst"));
 }
@@ -170,75 +170,75 @@ TEST_F(SpFileWithKnownNames, Prepend_SeedsTheGeneratorOncePerProcess) {
   const auto names = NextNames(1);
   const C_CreationWatch watch(Path("."));
   ASSERT_TRUE(Prepend("a"));
-  EXPECT_EQ(names, watch.Created());
+  EXPECT_EQ(watch.Created(), names);
 }
 
 TEST_F(SpFileWithKnownNames, Prepend_StepsOverNamesThatAreTaken) {
   const auto names = NextNames(4);
   Write("a", Pattern(5));
   Write(names[0], {1, 2, 3});
-  ASSERT_EQ(0, symlink("nowhere", Path(names[1]).c_str()));
+  ASSERT_EQ(symlink("nowhere", Path(names[1]).c_str()), 0);
   std::filesystem::create_directory(Path(names[2]));
   EXPECT_TRUE(Prepend("a"));
-  EXPECT_EQ(Headed(Pattern(5)), Content("a"));
-  EXPECT_EQ((Bytes{1, 2, 3}), Content(names[0]));
+  EXPECT_EQ(Content("a"), Headed(Pattern(5)));
+  EXPECT_EQ(Content(names[0]), (Bytes{1, 2, 3}));
   EXPECT_THAT(Entries(), UnorderedElementsAre("a", names[0], names[1], names[2]));
 }
 
 TEST_F(SpFileWithKnownNames, Prepend_GivesUpAfterTenThousandNames) {
   const auto names = NextNames(10000);
   Write("a", Pattern(5));
-  for (const std::string& strName : names) EXPECT_EQ(0, symlink("nowhere", Path(strName).c_str()));
+  for (const std::string& strName : names) EXPECT_EQ(symlink("nowhere", Path(strName).c_str()), 0);
   EXPECT_FALSE(Prepend("a"));
-  EXPECT_EQ(Pattern(5), Content("a"));
-  EXPECT_EQ(10001u, Entries().size());
+  EXPECT_EQ(Content("a"), Pattern(5));
+  EXPECT_EQ(Entries().size(), 10001u);
 
   std::filesystem::remove(Path(names.back()));
   std::srand(kSeed);
   EXPECT_TRUE(Prepend("a"));
-  EXPECT_EQ(10000u, Entries().size());
+  EXPECT_EQ(Entries().size(), 10000u);
 }
 
 TEST_F(SpFile, Prepend_KeepsTheMode) {
   for (const mode_t nMode : {0600u, 0644u, 0755u, 0400u, 0444u, 04755u, 0666u, 0u}) {
     Write("a", Pattern(5));
-    ASSERT_EQ(0, chmod(Path("a").c_str(), nMode));
+    ASSERT_EQ(chmod(Path("a").c_str(), nMode), 0);
     EXPECT_TRUE(Prepend("a"));
-    EXPECT_EQ(nMode, ModeOf("a"));
+    EXPECT_EQ(ModeOf("a"), nMode);
   }
 }
 
 TEST_F(SpFile, Prepend_KeepsOwnerAndGroup) {
   if (geteuid() != 0) FAIL() << "these tests run as root";
   Write("a", Pattern(5));
-  ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, 1));
-  ASSERT_EQ(0, chmod(Path("a").c_str(), 04750));
+  ASSERT_EQ(chown(Path("a").c_str(), kNobody, 1), 0);
+  ASSERT_EQ(chmod(Path("a").c_str(), 04750), 0);
   EXPECT_TRUE(Prepend("a"));
   struct stat status {};
-  ASSERT_EQ(0, stat(Path("a").c_str(), &status));
-  EXPECT_EQ(kNobody, status.st_uid);
-  EXPECT_EQ(1u, status.st_gid);
-  EXPECT_EQ(04750u, status.st_mode & 07777);
+  ASSERT_EQ(stat(Path("a").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kNobody);
+  EXPECT_EQ(status.st_gid, 1u);
+  EXPECT_EQ(status.st_mode & 07777, 04750u);
 }
 
 TEST_F(SpFile, Prepend_ByAnotherUser_SucceedsWithThatUserAsOwnerAndNoSpecialBits) {
   Write("a", Pattern(5));
-  ASSERT_EQ(0, chmod(Path("a").c_str(), 06755));
-  ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+  ASSERT_EQ(chmod(Path("a").c_str(), 06755), 0);
+  ASSERT_EQ(chmod(Path(".").c_str(), 0777), 0);
   EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
-  EXPECT_EQ(Headed(Pattern(5)), Content("a"));
-  EXPECT_EQ(kNobody, OwnerOf("a"));
-  EXPECT_EQ(0755u, ModeOf("a"));
+  EXPECT_EQ(Content("a"), Headed(Pattern(5)));
+  EXPECT_EQ(OwnerOf("a"), kNobody);
+  EXPECT_EQ(ModeOf("a"), 0755u);
 }
 
 TEST_F(SpFile, Prepend_ByTheOwner_KeepsTheSpecialBits) {
   for (const std::size_t cbSize : {0u, 5u, 100000u}) {
     Write("a", Pattern(cbSize));
-    ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, kNobody));
-    ASSERT_EQ(0, chmod(Path("a").c_str(), 06755));
-    ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+    ASSERT_EQ(chown(Path("a").c_str(), kNobody, kNobody), 0);
+    ASSERT_EQ(chmod(Path("a").c_str(), 06755), 0);
+    ASSERT_EQ(chmod(Path(".").c_str(), 0777), 0);
     EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
-    EXPECT_EQ(06755u, ModeOf("a")) << cbSize;
+    EXPECT_EQ(ModeOf("a"), 06755u) << cbSize;
     std::filesystem::remove(Path("a"));
   }
 }
@@ -246,21 +246,21 @@ TEST_F(SpFile, Prepend_ByTheOwner_KeepsTheSpecialBits) {
 TEST_F(SpFile, Prepend_ByAnOwnerOutsideTheFilesGroup_DropsTheSpecialBits) {
   constexpr gid_t kGroupOfNobodyHere = 54321;
   Write("a", Pattern(5));
-  ASSERT_EQ(0, chown(Path("a").c_str(), kNobody, kGroupOfNobodyHere));
-  ASSERT_EQ(0, chmod(Path("a").c_str(), 06750));
-  ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+  ASSERT_EQ(chown(Path("a").c_str(), kNobody, kGroupOfNobodyHere), 0);
+  ASSERT_EQ(chmod(Path("a").c_str(), 06750), 0);
+  ASSERT_EQ(chmod(Path(".").c_str(), 0777), 0);
   EXPECT_TRUE(InChildAs(kNobody, [&] { return Prepend("a"); }));
-  EXPECT_EQ(Headed(Pattern(5)), Content("a"));
-  EXPECT_EQ(kNobody, OwnerOf("a"));
-  EXPECT_EQ(0750u, ModeOf("a"));
+  EXPECT_EQ(Content("a"), Headed(Pattern(5)));
+  EXPECT_EQ(OwnerOf("a"), kNobody);
+  EXPECT_EQ(ModeOf("a"), 0750u);
 }
 
 TEST_F(SpFile, Prepend_ThroughALink_ReplacesTheLinkAndLeavesItsTarget) {
   Write("real", Pattern(5));
-  ASSERT_EQ(0, symlink("real", Path("link").c_str()));
+  ASSERT_EQ(symlink("real", Path("link").c_str()), 0);
   EXPECT_TRUE(Prepend("link"));
-  EXPECT_EQ(Headed(Pattern(5)), Content("link"));
-  EXPECT_EQ(Pattern(5), Content("real"));
+  EXPECT_EQ(Content("link"), Headed(Pattern(5)));
+  EXPECT_EQ(Content("real"), Pattern(5));
 }
 
 TEST_F(SpFile, Prepend_DiskFullAtEveryByte_KeepsTheSource) {
@@ -269,37 +269,37 @@ TEST_F(SpFile, Prepend_DiskFullAtEveryByte_KeepsTheSource) {
   for (std::size_t cbLimit = 0; cbLimit < 2048; ++cbLimit) {
     const C_FileSizeLimit limit(cbLimit);
     ASSERT_FALSE(Prepend("a")) << cbLimit;
-    ASSERT_EQ(source, Content("a")) << cbLimit;
+    ASSERT_EQ(Content("a"), source) << cbLimit;
     ASSERT_THAT(Entries(), ElementsAre("a")) << cbLimit;
   }
   const C_FileSizeLimit limit(2048);
   EXPECT_TRUE(Prepend("a"));
-  EXPECT_EQ(Headed(source), Content("a"));
+  EXPECT_EQ(Content("a"), Headed(source));
 }
 
 TEST_F(SpFile, Prepend_FolderThatTakesNoFile_IsFalseAndKeepsTheSource) {
   Write("a", Pattern(5));
-  ASSERT_EQ(0, chmod(Path(".").c_str(), 0755));
+  ASSERT_EQ(chmod(Path(".").c_str(), 0755), 0);
   EXPECT_FALSE(InChildAs(kNobody, [&] { return Prepend("a"); }));
-  EXPECT_EQ(Pattern(5), Content("a"));
+  EXPECT_EQ(Content("a"), Pattern(5));
   EXPECT_THAT(Entries(), ElementsAre("a"));
 }
 
 TEST_F(SpFile, Prepend_FileThatMayNotBeRead_IsFalseAndCreatesNothing) {
   Write("a", Pattern(5));
-  ASSERT_EQ(0, chmod(Path("a").c_str(), 0600));
-  ASSERT_EQ(0, chmod(Path(".").c_str(), 0777));
+  ASSERT_EQ(chmod(Path("a").c_str(), 0600), 0);
+  ASSERT_EQ(chmod(Path(".").c_str(), 0777), 0);
   EXPECT_FALSE(InChildAs(kNobody, [&] { return Prepend("a"); }));
-  EXPECT_EQ(Pattern(5), Content("a"));
+  EXPECT_EQ(Content("a"), Pattern(5));
   EXPECT_THAT(Entries(), ElementsAre("a"));
 }
 
 TEST_F(SpFile, Prepend_WhenTheRenameIsRefused_KeepsTheSourceAndRemovesTheNewFile) {
   Write("a", Pattern(5));
   // In a sticky folder everybody may create files, but only the owner may replace one.
-  ASSERT_EQ(0, chmod(Path(".").c_str(), 01777));
+  ASSERT_EQ(chmod(Path(".").c_str(), 01777), 0);
   EXPECT_FALSE(InChildAs(kNobody, [&] { return Prepend("a"); }));
-  EXPECT_EQ(Pattern(5), Content("a"));
+  EXPECT_EQ(Content("a"), Pattern(5));
   EXPECT_THAT(Entries(), ElementsAre("a"));
 }
 
@@ -307,14 +307,14 @@ TEST_F(SpFile, Prepend_LongestNameThatLeavesRoomForTheSuffix_Succeeds) {
   const std::string strName(255 - 9, 'x');
   Write(strName, Pattern(5));
   EXPECT_TRUE(Prepend(strName));
-  EXPECT_EQ(Headed(Pattern(5)), Content(strName));
+  EXPECT_EQ(Content(strName), Headed(Pattern(5)));
 }
 
 TEST_F(SpFile, Prepend_NameTooLongForAnySuffix_IsFalseAndKeepsTheSource) {
   const std::string strName(255, 'x');
   Write(strName, Pattern(5));
   EXPECT_FALSE(Prepend(strName));
-  EXPECT_EQ(Pattern(5), Content(strName));
+  EXPECT_EQ(Content(strName), Pattern(5));
   EXPECT_THAT(Entries(), ElementsAre(strName));
 }
 
@@ -324,13 +324,13 @@ TEST_F(SpFile, Prepend_PathOfMoreThan1024Characters_Succeeds) {
   std::filesystem::create_directories(Path(strFolder));
   Write(strFolder + "a", Pattern(5));
   EXPECT_TRUE(Prepend(strFolder + "a"));
-  EXPECT_EQ(Headed(Pattern(5)), Content(strFolder + "a"));
+  EXPECT_EQ(Content(strFolder + "a"), Headed(Pattern(5)));
 }
 
 TEST_F(SpFile, Prepend_NameWithFormatCharacters_IsTakenAsItIs) {
   Write("%s%n%x.kst", Pattern(5));
   EXPECT_TRUE(Prepend("%s%n%x.kst"));
-  EXPECT_EQ(Headed(Pattern(5)), Content("%s%n%x.kst"));
+  EXPECT_EQ(Content("%s%n%x.kst"), Headed(Pattern(5)));
   EXPECT_THAT(Entries(), ElementsAre("%s%n%x.kst"));
 }
 
@@ -341,7 +341,7 @@ TEST_F(SpFile, Strip_TakesAwayWhatPrependPutThere) {
     Write("a", Pattern(cbSize));
     ASSERT_TRUE(Prepend("a"));
     EXPECT_TRUE(Strip("a", "b")) << cbSize;
-    EXPECT_EQ(Pattern(cbSize), Content("b")) << cbSize;
+    EXPECT_EQ(Content("b"), Pattern(cbSize)) << cbSize;
   }
 }
 
@@ -349,23 +349,23 @@ TEST_F(SpFile, Strip_ReadsTheHeader) {
   Write("a", C_SpBytes().ID(33).Freq(11025).Take());
   C_SpHeader header;
   EXPECT_TRUE(StripSpHeader(&header, Path("a").c_str(), Path("b").c_str()));
-  EXPECT_EQ(33, header.GetID());
-  EXPECT_EQ(11025u, header.GetFreq());
+  EXPECT_EQ(header.GetID(), 33);
+  EXPECT_EQ(header.GetFreq(), 11025u);
 }
 
 TEST_F(SpFile, Strip_FileWithoutAHeader_IsCopiedWhole) {
   Write("a", Pattern(3000));
   EXPECT_TRUE(Strip("a", "b"));
-  EXPECT_EQ(Pattern(3000), Content("b"));
+  EXPECT_EQ(Content("b"), Pattern(3000));
   Write("a", C_SpBytes().Version(253).Stream({9}).Take());
   EXPECT_TRUE(Strip("a", "b"));
-  EXPECT_EQ(C_SpBytes().Version(253).Stream({9}).Take(), Content("b"));
+  EXPECT_EQ(Content("b"), C_SpBytes().Version(253).Stream({9}).Take());
 }
 
 TEST_F(SpFile, Strip_Version255_Takes48BytesAndLeavesTwoOfItsHeader) {
   Write("a", C_SpBytes().Version(255).Gap(0).Stream({1, 2, 3}).Take());
   EXPECT_TRUE(Strip("a", "b"));
-  EXPECT_EQ((Bytes{0, 0, 1, 2, 3}), Content("b"));
+  EXPECT_EQ(Content("b"), (Bytes{0, 0, 1, 2, 3}));
 }
 
 TEST_F(SpFile, Strip_HeaderCutShort_LeavesNothing) {
@@ -379,7 +379,7 @@ TEST_F(SpFile, Strip_HeaderCutShort_LeavesNothing) {
 TEST_F(SpFile, Strip_MissingSource_IsFalseAndLeavesTheTargetAlone) {
   Write("b", {1, 2, 3});
   EXPECT_FALSE(Strip("missing", "b"));
-  EXPECT_EQ((Bytes{1, 2, 3}), Content("b"));
+  EXPECT_EQ(Content("b"), (Bytes{1, 2, 3}));
   EXPECT_FALSE(Strip("missing", "c"));
   EXPECT_THAT(Entries(), ElementsAre("b"));
 }
@@ -400,11 +400,11 @@ TEST_F(SpFile, Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened) {
 
 TEST_F(SpFile, Strip_OntoItself_IsFalseAndKeepsTheSource) {
   Write("a", Headed(Pattern(5)));
-  ASSERT_EQ(0, symlink("a", Path("soft").c_str()));
-  ASSERT_EQ(0, link(Path("a").c_str(), Path("hard").c_str()));
+  ASSERT_EQ(symlink("a", Path("soft").c_str()), 0);
+  ASSERT_EQ(link(Path("a").c_str(), Path("hard").c_str()), 0);
   for (const char* pszTarget : {"a", "./a", "soft", "hard"}) {
     EXPECT_FALSE(Strip("a", pszTarget)) << pszTarget;
-    EXPECT_EQ(Headed(Pattern(5)), Content("a")) << pszTarget;
+    EXPECT_EQ(Content("a"), Headed(Pattern(5))) << pszTarget;
   }
 }
 
@@ -414,28 +414,28 @@ TEST_F(SpFile, Copy_WritesTheHeaderAndTheWholeSource) {
   for (const std::size_t cbSize : {0u, 1u, 1023u, 1024u, 1025u}) {
     Write("a", Pattern(cbSize));
     EXPECT_TRUE(Copy("a", "b")) << cbSize;
-    EXPECT_EQ(Headed(Pattern(cbSize)), Content("b")) << cbSize;
-    EXPECT_EQ(Pattern(cbSize), Content("a")) << cbSize;
+    EXPECT_EQ(Content("b"), Headed(Pattern(cbSize))) << cbSize;
+    EXPECT_EQ(Content("a"), Pattern(cbSize)) << cbSize;
   }
 }
 
 TEST_F(SpFile, Copy_SourceWithAHeader_KeepsIt) {
   Write("a", Headed(Pattern(5)));
   EXPECT_TRUE(Copy("a", "b"));
-  EXPECT_EQ(Headed(Headed(Pattern(5))), Content("b"));
+  EXPECT_EQ(Content("b"), Headed(Headed(Pattern(5))));
 }
 
 TEST_F(SpFile, Copy_ReplacesALongerTarget) {
   Write("a", {1});
   Write("b", Pattern(500));
   EXPECT_TRUE(Copy("a", "b"));
-  EXPECT_EQ(Headed({1}), Content("b"));
+  EXPECT_EQ(Content("b"), Headed({1}));
 }
 
 TEST_F(SpFile, Copy_MissingSource_IsFalseAndLeavesTheTargetAlone) {
   Write("b", {1, 2, 3});
   EXPECT_FALSE(Copy("missing", "b"));
-  EXPECT_EQ((Bytes{1, 2, 3}), Content("b"));
+  EXPECT_EQ(Content("b"), (Bytes{1, 2, 3}));
 }
 
 TEST_F(SpFile, Copy_TargetThatCannotBeOpened_IsFalse) {
@@ -457,10 +457,10 @@ TEST_F(SpFile, Copy_DiskFullAtEveryByte_IsFalse) {
 
 TEST_F(SpFile, Copy_OntoItself_IsFalseAndEnds) {
   Write("a", Pattern(5000));
-  ASSERT_EQ(0, link(Path("a").c_str(), Path("hard").c_str()));
+  ASSERT_EQ(link(Path("a").c_str(), Path("hard").c_str()), 0);
   EXPECT_FALSE(Copy("a", "a"));
   EXPECT_FALSE(Copy("a", "hard"));
-  EXPECT_EQ(Pattern(5000), Content("a"));
+  EXPECT_EQ(Content("a"), Pattern(5000));
 }
 
 TEST_F(SpFile, Copy_DirectoryAsSource_IsFalse) {

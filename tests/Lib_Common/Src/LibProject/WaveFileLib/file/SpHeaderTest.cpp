@@ -28,7 +28,7 @@ class SpHeader : public C_FolderTest {
     const std::string strPath = Path("written");
     std::FILE* pFile = std::fopen(strPath.c_str(), "wb");
     EXPECT_TRUE(WriteSpHeader(header, pFile));
-    EXPECT_EQ(0, std::fclose(pFile));
+    EXPECT_EQ(std::fclose(pFile), 0);
     return Content("written");
   }
 };
@@ -43,24 +43,24 @@ TEST_F(SpHeader, Write_KestrelAt16000_GivesThese48Bytes) {
                     0x52, 0x4F, 0x4E, 0x49, 0x43, 0x20, 0x53, 0x50, 0x00, 0x00,
                     0xFE, 0x02, 0x0E, 0x00, 0x10, 0x00, 0x80, 0x3E, 0x00, 0x00};
   expected.resize(48);
-  EXPECT_EQ(expected, Written(header));
+  EXPECT_EQ(Written(header), expected);
 }
 
 TEST_F(SpHeader, Default_IsVersion254Kind2Format16At8000) {
   const C_SpHeader header;
-  EXPECT_EQ(254, header.GetVersion());
-  EXPECT_EQ(2, header.GetKind());
-  EXPECT_EQ(0, header.GetID());
-  EXPECT_EQ(16, header.GetFormat());
-  EXPECT_EQ(8000u, header.GetFreq());
-  EXPECT_EQ(C_SpBytes().ID(0).Freq(8000).Take(), Written(header));
+  EXPECT_EQ(header.GetVersion(), 254);
+  EXPECT_EQ(header.GetKind(), 2);
+  EXPECT_EQ(header.GetID(), 0);
+  EXPECT_EQ(header.GetFormat(), 16);
+  EXPECT_EQ(header.GetFreq(), 8000u);
+  EXPECT_EQ(Written(header), C_SpBytes().ID(0).Freq(8000).Take());
 }
 
 TEST_F(SpHeader, Write_FullConstructor_PutsEveryFieldAtItsOffset) {
   const C_SpHeader header(0xA1, 0xB2B1, 0xC2C1, 0xD4D3D2D1, 0xE4E3E2E1, 0xF2F1, 0x77, 0x44332211);
   const Bytes bytes = Written(header);
-  ASSERT_EQ(48u, bytes.size());
-  EXPECT_EQ(254, bytes[20]);
+  ASSERT_EQ(bytes.size(), 48u);
+  EXPECT_EQ(bytes[20], 254);
   const Bytes fields(bytes.begin() + 21, bytes.end());
   EXPECT_THAT(fields, testing::ElementsAre(0xA1, 0xB1, 0xB2, 0xC1, 0xC2, 0xD1, 0xD2, 0xD3, 0xD4,
                                            0xE1, 0xE2, 0xE3, 0xE4, 0xF1, 0xF2, 0x77, 0x11, 0x22,
@@ -73,12 +73,12 @@ TEST_F(SpHeader, Write_TwiceAtTheStreamsPosition_GivesTwoHeaders) {
   EXPECT_TRUE(WriteSpHeader(C_SpHeader(), pFile));
   EXPECT_TRUE(WriteSpHeader(C_SpHeader(), pFile));
   std::fclose(pFile);
-  EXPECT_EQ(96u, Content("two").size());
+  EXPECT_EQ(Content("two").size(), 96u);
 }
 
 TEST_F(SpHeader, Write_ToAFullDisk_IsFalse) {
   std::FILE* pFile = std::fopen("/dev/full", "wb");
-  ASSERT_NE(nullptr, pFile);
+  ASSERT_NE(pFile, nullptr);
   std::setvbuf(pFile, nullptr, _IONBF, 0);
   EXPECT_FALSE(WriteSpHeader(C_SpHeader(), pFile));
   std::fclose(pFile);
@@ -92,16 +92,16 @@ TEST_F(SpHeader, Read_EveryField_ComesBack) {
                          .Freq(0xD4D3D2D1)
                          .Values(0xE4E3E2E1, 0xF2F1, 0x77, 0x44332211);
   ASSERT_TRUE(Read(bytes.Take(), &header));
-  EXPECT_EQ(C_SpHeader(2, 0xB2B1, 0xC2C1, 0xD4D3D2D1, 0xE4E3E2E1, 0xF2F1, 0x77, 0x44332211),
-            header);
-  EXPECT_EQ(0xB2B1, header.GetID());
-  EXPECT_EQ(0xC2C1, header.GetFormat());
-  EXPECT_EQ(0xD4D3D2D1, header.GetFreq());
-  EXPECT_EQ(0xE4E3E2E1, header.GetValue30());
-  EXPECT_EQ(0xF2F1, header.GetValue34());
-  EXPECT_EQ(0x77, header.GetValue36());
-  EXPECT_EQ(0x44332211u, header.GetValue37());
-  EXPECT_EQ(bytes.Take(), Written(header));
+  EXPECT_EQ(header,
+            C_SpHeader(2, 0xB2B1, 0xC2C1, 0xD4D3D2D1, 0xE4E3E2E1, 0xF2F1, 0x77, 0x44332211));
+  EXPECT_EQ(header.GetID(), 0xB2B1);
+  EXPECT_EQ(header.GetFormat(), 0xC2C1);
+  EXPECT_EQ(header.GetFreq(), 0xD4D3D2D1);
+  EXPECT_EQ(header.GetValue30(), 0xE4E3E2E1);
+  EXPECT_EQ(header.GetValue34(), 0xF2F1);
+  EXPECT_EQ(header.GetValue36(), 0x77);
+  EXPECT_EQ(header.GetValue37(), 0x44332211u);
+  EXPECT_EQ(Written(header), bytes.Take());
 }
 
 TEST_F(SpHeader, Read_ReservedBytes_AreNotLookedAt) {
@@ -109,13 +109,13 @@ TEST_F(SpHeader, Read_ReservedBytes_AreNotLookedAt) {
   std::fill(bytes.begin() + 41, bytes.end(), std::uint8_t{0xEE});
   C_SpHeader header;
   ASSERT_TRUE(Read(bytes, &header));
-  EXPECT_EQ(C_SpBytes().Take(), Written(header));
+  EXPECT_EQ(Written(header), C_SpBytes().Take());
 }
 
 TEST_F(SpHeader, Read_OlderText_IsAcceptedAndWrittenAsTheCurrentOne) {
   C_SpHeader header;
   ASSERT_TRUE(Read(C_SpBytes().Text("ORBITAL SPEECH").Take(), &header));
-  EXPECT_EQ(C_SpBytes().Text(kText).Take(), Written(header));
+  EXPECT_EQ(Written(header), C_SpBytes().Text(kText).Take());
 }
 
 TEST_F(SpHeader, Read_TextIsComparedUpToItsNul) {
@@ -145,16 +145,18 @@ TEST_F(SpHeader, Read_AnyBitOfSignatureAndTextFlipped_IsRefused) {
 }
 
 TEST_F(SpHeader, Read_OnlyVersions254And255_AreAccepted) {
-  for (unsigned int dwVersion = 0; dwVersion < 256; ++dwVersion)
-    EXPECT_EQ(dwVersion >= 254,
-              IsRecognised(C_SpBytes().Version(static_cast<std::uint8_t>(dwVersion))))
+  for (unsigned int dwVersion = 0; dwVersion < 256; ++dwVersion) {
+    EXPECT_EQ(IsRecognised(C_SpBytes().Version(static_cast<std::uint8_t>(dwVersion))),
+              dwVersion >= 254)
         << dwVersion;
+  }
 }
 
 TEST_F(SpHeader, Read_OnlyKind2_IsAccepted) {
-  for (unsigned int dwKind = 0; dwKind < 256; ++dwKind)
-    EXPECT_EQ(dwKind == 2, IsRecognised(C_SpBytes().Kind(static_cast<std::uint8_t>(dwKind))))
+  for (unsigned int dwKind = 0; dwKind < 256; ++dwKind) {
+    EXPECT_EQ(IsRecognised(C_SpBytes().Kind(static_cast<std::uint8_t>(dwKind))), dwKind == 2)
         << dwKind;
+  }
 }
 
 TEST_F(SpHeader, Version255_SkipsTwoBytesBehindTheFormatWordAndReadsBackAs254) {
@@ -162,8 +164,8 @@ TEST_F(SpHeader, Version255_SkipsTwoBytesBehindTheFormatWordAndReadsBackAs254) {
   const auto bytes =
       C_SpBytes().Version(255).Gap(0xDEAD).Freq(16000).Values(0x01020304, 0x0506, 7, 0x08090A0B);
   ASSERT_TRUE(Read(bytes.Take(), &header));
-  EXPECT_EQ(254, header.GetVersion());
-  EXPECT_EQ(C_SpHeader(2, 14, 16, 16000, 0x01020304, 0x0506, 7, 0x08090A0B), header);
+  EXPECT_EQ(header.GetVersion(), 254);
+  EXPECT_EQ(header, C_SpHeader(2, 14, 16, 16000, 0x01020304, 0x0506, 7, 0x08090A0B));
 }
 
 // What a header cut at cbSize bytes reads as, when its last fields begin dwShift bytes later.
@@ -184,8 +186,8 @@ TEST_F(SpHeader, Read_FileCutAtEveryByte_KeepsTheDefaultsOfWhatIsMissing) {
       C_SpBytes().Format(0x1122).Freq(0x33445566).Values(0x778899AA, 0xBBCC, 0xDD, 0xEEFF0011);
   for (std::size_t cbSize = 0; cbSize <= 48; ++cbSize) {
     C_SpHeader header;
-    EXPECT_EQ(cbSize >= 22, Read(bytes.Take(cbSize), &header)) << cbSize;
-    EXPECT_EQ(cbSize >= 22 ? CutHeader(cbSize, 0) : C_SpHeader(), header) << cbSize;
+    EXPECT_EQ(Read(bytes.Take(cbSize), &header), cbSize >= 22) << cbSize;
+    EXPECT_EQ(header, cbSize >= 22 ? CutHeader(cbSize, 0) : C_SpHeader()) << cbSize;
   }
 }
 
@@ -198,49 +200,49 @@ TEST_F(SpHeader, Read_Version255CutAtEveryByte_KeepsTheDefaultsOfWhatIsMissing) 
                          .Values(0x778899AA, 0xBBCC, 0xDD, 0xEEFF0011);
   for (std::size_t cbSize = 0; cbSize <= 50; ++cbSize) {
     C_SpHeader header;
-    EXPECT_EQ(cbSize >= 22, Read(bytes.Take(cbSize), &header)) << cbSize;
-    EXPECT_EQ(cbSize >= 22 ? CutHeader(cbSize, 2) : C_SpHeader(), header) << cbSize;
+    EXPECT_EQ(Read(bytes.Take(cbSize), &header), cbSize >= 22) << cbSize;
+    EXPECT_EQ(header, cbSize >= 22 ? CutHeader(cbSize, 2) : C_SpHeader()) << cbSize;
   }
 }
 
 TEST_F(SpHeader, Read_WhenRefused_LeavesTheDefaults) {
   C_SpHeader header(9, 1, 2, 3, 4, 5, 6, 7);
   EXPECT_FALSE(ReadSpHeader(&header, Path("missing").c_str()));
-  EXPECT_EQ(C_SpHeader(), header);
+  EXPECT_EQ(header, C_SpHeader());
   EXPECT_FALSE(Read(C_SpBytes().Kind(3).Take(), &header));
-  EXPECT_EQ(C_SpHeader(), header);
+  EXPECT_EQ(header, C_SpHeader());
   EXPECT_FALSE(Read({}, &header));
-  EXPECT_EQ(C_SpHeader(), header);
+  EXPECT_EQ(header, C_SpHeader());
 }
 
 TEST_F(SpHeader, Read_DirectoryOrNullName_IsFalse) {
   C_SpHeader header;
   EXPECT_FALSE(ReadSpHeader(&header, Path(".").c_str()));
   EXPECT_FALSE(ReadSpHeader(&header, nullptr));
-  EXPECT_EQ(65535, GetSpFileID(nullptr));
+  EXPECT_EQ(GetSpFileID(nullptr), 65535);
 }
 
 TEST_F(SpHeader, IdentifierOfAFile_Is65535WithoutAHeader) {
-  EXPECT_EQ(14, GetSpFileID(Write("a", C_SpBytes().Take()).c_str()));
-  EXPECT_EQ(36, GetSpFileID(Write("b", C_SpBytes().ID(36).Take()).c_str()));
-  EXPECT_EQ(65535, GetSpFileID(Write("c", C_SpBytes().ID(65535).Take()).c_str()));
-  EXPECT_EQ(65535, GetSpFileID(Write("d", C_SpBytes().Version(253).Take()).c_str()));
-  EXPECT_EQ(65535, GetSpFileID(Path("missing").c_str()));
-  EXPECT_EQ(0, GetSpFileID(Write("e", C_SpBytes().Take(22)).c_str()));
+  EXPECT_EQ(GetSpFileID(Write("a", C_SpBytes().Take()).c_str()), 14);
+  EXPECT_EQ(GetSpFileID(Write("b", C_SpBytes().ID(36).Take()).c_str()), 36);
+  EXPECT_EQ(GetSpFileID(Write("c", C_SpBytes().ID(65535).Take()).c_str()), 65535);
+  EXPECT_EQ(GetSpFileID(Write("d", C_SpBytes().Version(253).Take()).c_str()), 65535);
+  EXPECT_EQ(GetSpFileID(Path("missing").c_str()), 65535);
+  EXPECT_EQ(GetSpFileID(Write("e", C_SpBytes().Take(22)).c_str()), 0);
 }
 
 TEST_F(SpHeader, Dword24_HoldsTheFormatWordAndTheLowHalfOfTheFrequency) {
   const std::string strPath = Write("a", C_SpBytes().ID(14).Freq(16000).Take());
-  EXPECT_EQ(14, ReadSpWord22(strPath.c_str()));
-  EXPECT_EQ(0x3E800010u, ReadSpDword24(strPath.c_str()));
-  EXPECT_EQ(0, ReadSpWord34(strPath.c_str()));
+  EXPECT_EQ(ReadSpWord22(strPath.c_str()), 14);
+  EXPECT_EQ(ReadSpDword24(strPath.c_str()), 0x3E800010u);
+  EXPECT_EQ(ReadSpWord34(strPath.c_str()), 0);
   const std::string strDefault = Write("b", C_SpBytes().ID(0).Freq(8000).Take());
-  EXPECT_EQ(524288016u, ReadSpDword24(strDefault.c_str()));
+  EXPECT_EQ(ReadSpDword24(strDefault.c_str()), 524288016u);
 }
 
 TEST_F(SpHeader, Word34_IsThe16BitValue) {
   const auto bytes = C_SpBytes().Values(0, 0xABCD, 0, 0).Take();
-  EXPECT_EQ(0xABCD, ReadSpWord34(Write("a", bytes).c_str()));
+  EXPECT_EQ(ReadSpWord34(Write("a", bytes).c_str()), 0xABCD);
 }
 
 TEST_F(SpHeader, WriteDword24_ReplacesFormatWordAndLowHalfOfTheFrequencyInPlace) {
@@ -249,31 +251,31 @@ TEST_F(SpHeader, WriteDword24_ReplacesFormatWordAndLowHalfOfTheFrequencyInPlace)
   EXPECT_TRUE(WriteSpDword24(strPath.c_str(), 0x12345678));
   C_SpHeader header;
   ASSERT_TRUE(ReadSpHeader(&header, strPath.c_str()));
-  EXPECT_EQ(0x5678, header.GetFormat());
-  EXPECT_EQ(0x00AB1234u, header.GetFreq());
+  EXPECT_EQ(header.GetFormat(), 0x5678);
+  EXPECT_EQ(header.GetFreq(), 0x00AB1234u);
   bytes[24] = 0x78;
   bytes[25] = 0x56;
   bytes[26] = 0x34;
   bytes[27] = 0x12;
-  EXPECT_EQ(bytes, Content("a"));
+  EXPECT_EQ(Content("a"), bytes);
 }
 
 TEST_F(SpHeader, FixedOffsets_DoNotAskForASignature) {
   Bytes bytes(36);
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i);
   const std::string strPath = Write("a", bytes);
-  EXPECT_EQ(0x1716, ReadSpWord22(strPath.c_str()));
-  EXPECT_EQ(0x1B1A1918u, ReadSpDword24(strPath.c_str()));
-  EXPECT_EQ(0x2322, ReadSpWord34(strPath.c_str()));
+  EXPECT_EQ(ReadSpWord22(strPath.c_str()), 0x1716);
+  EXPECT_EQ(ReadSpDword24(strPath.c_str()), 0x1B1A1918u);
+  EXPECT_EQ(ReadSpWord34(strPath.c_str()), 0x2322);
   EXPECT_TRUE(WriteSpDword24(strPath.c_str(), 0xFFFFFFFF));
-  EXPECT_EQ(0xFFFFFFFFu, ReadSpDword24(strPath.c_str()));
+  EXPECT_EQ(ReadSpDword24(strPath.c_str()), 0xFFFFFFFFu);
 }
 
 TEST_F(SpHeader, FixedOffsets_OfAFileThatCannotBeOpened_AreZero) {
   const std::string strPath = Path("missing");
-  EXPECT_EQ(0, ReadSpWord22(strPath.c_str()));
-  EXPECT_EQ(0, ReadSpWord34(strPath.c_str()));
-  EXPECT_EQ(0u, ReadSpDword24(strPath.c_str()));
+  EXPECT_EQ(ReadSpWord22(strPath.c_str()), 0);
+  EXPECT_EQ(ReadSpWord34(strPath.c_str()), 0);
+  EXPECT_EQ(ReadSpDword24(strPath.c_str()), 0u);
   EXPECT_FALSE(WriteSpDword24(strPath.c_str(), 1));
   EXPECT_THAT(Entries(), testing::IsEmpty());
 }
@@ -281,9 +283,9 @@ TEST_F(SpHeader, FixedOffsets_OfAFileThatCannotBeOpened_AreZero) {
 TEST_F(SpHeader, FixedOffsets_BehindTheEndOfTheFile_AreZero) {
   for (std::size_t cbSize = 0; cbSize <= 36; ++cbSize) {
     const std::string strPath = Write("a", Bytes(cbSize, 0xFF));
-    EXPECT_EQ(cbSize >= 24 ? 0xFFFF : 0, ReadSpWord22(strPath.c_str())) << cbSize;
-    EXPECT_EQ(cbSize >= 28 ? 0xFFFFFFFFu : 0u, ReadSpDword24(strPath.c_str())) << cbSize;
-    EXPECT_EQ(cbSize >= 36 ? 0xFFFF : 0, ReadSpWord34(strPath.c_str())) << cbSize;
+    EXPECT_EQ(ReadSpWord22(strPath.c_str()), cbSize >= 24 ? 0xFFFF : 0) << cbSize;
+    EXPECT_EQ(ReadSpDword24(strPath.c_str()), cbSize >= 28 ? 0xFFFFFFFFu : 0u) << cbSize;
+    EXPECT_EQ(ReadSpWord34(strPath.c_str()), cbSize >= 36 ? 0xFFFF : 0) << cbSize;
   }
 }
 

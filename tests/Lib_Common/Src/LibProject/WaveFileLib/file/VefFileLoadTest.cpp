@@ -47,40 +47,41 @@ C_RiffBytes VefWithEvents() {
 }
 
 TEST_F(VefFileLoad, NewObject_HasNoKindAndNoSound) {
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, m_file.GetFileFormat());
-  EXPECT_EQ(0u, m_file.GetCodingType());
-  EXPECT_EQ(nullptr, m_file.GetWavData());
+  EXPECT_EQ(m_file.GetFileFormat(), AUDIO_FILE_UNKNOWN);
+  EXPECT_EQ(m_file.GetCodingType(), 0u);
+  EXPECT_EQ(m_file.GetWavData(), nullptr);
 }
 
 TEST_F(VefFileLoad, Samples_AreReadAsStored) {
   ASSERT_TRUE(Load(MonoVef(9)));
-  EXPECT_EQ(RampBytes(9), PcmOf(m_file));
-  EXPECT_EQ(44u, m_file.GetDataStartPos());
-  EXPECT_EQ(53u, m_file.GetFileLength());
+  EXPECT_EQ(PcmOf(m_file), RampBytes(9));
+  EXPECT_EQ(m_file.GetDataStartPos(), 44u);
+  EXPECT_EQ(m_file.GetFileLength(), 53u);
   I_WavInfo* pIWavInfo = m_file.GetWavInfo();
-  EXPECT_EQ(16000u, pIWavInfo->GetSampleRate());
-  EXPECT_EQ(1, pIWavInfo->GetChannels());
-  EXPECT_EQ(16, pIWavInfo->GetBitsPerSample());
-  EXPECT_EQ(16, pIWavInfo->GetStoreBitsPerSample());
+  EXPECT_EQ(pIWavInfo->GetSampleRate(), 16000u);
+  EXPECT_EQ(pIWavInfo->GetChannels(), 1);
+  EXPECT_EQ(pIWavInfo->GetBitsPerSample(), 16);
+  EXPECT_EQ(pIWavInfo->GetStoreBitsPerSample(), 16);
   EXPECT_TRUE(pIWavInfo->IsValueSigned());
-  EXPECT_EQ(AUDIO_FILE_UNKNOWN, m_file.GetFileFormat());
+  EXPECT_EQ(m_file.GetFileFormat(), AUDIO_FILE_UNKNOWN);
 }
 
 TEST_F(VefFileLoad, EightBits_AreUnsigned) {
   ASSERT_TRUE(Check(C_RiffBytes("VEFF").Chunk("fmt ", FmtBytes(1, 2, 8000, 8))));
-  EXPECT_EQ(8, m_file.GetWavInfo()->GetStoreBitsPerSample());
+  EXPECT_EQ(m_file.GetWavInfo()->GetStoreBitsPerSample(), 8);
   EXPECT_FALSE(m_file.GetWavInfo()->IsValueSigned());
 }
 
 TEST_F(VefFileLoad, CheckFormat_WithoutInfo_MakesNoSound) {
   EXPECT_TRUE(Check(VefWithEvents().Chunk("vafm", VafmBytes(14)), false));
-  EXPECT_EQ(nullptr, m_file.GetWavData());
-  EXPECT_EQ(0u, m_file.GetCodingType());
+  EXPECT_EQ(m_file.GetWavData(), nullptr);
+  EXPECT_EQ(m_file.GetCodingType(), 0u);
 }
 
 TEST_F(VefFileLoad, OtherForms_AreRefused) {
-  for (const char* pszForm : {"WAVE", "VEMD", "veff", "VEF "})
+  for (const char* pszForm : {"WAVE", "VEMD", "veff", "VEF "}) {
     EXPECT_FALSE(Check(MonoWav(8, pszForm))) << pszForm;
+  }
   EXPECT_FALSE(m_file.CheckFormat(Write("empty", {}).c_str(), true));
   EXPECT_FALSE(m_file.CheckFormat(Path("missing").c_str(), true));
   EXPECT_FALSE(m_file.CheckFormat(nullptr, true));
@@ -104,20 +105,20 @@ TEST_F(VefFileLoad, LaterFormatAndDataCount) {
   C_RiffBytes riff = MonoVef(8);
   riff.Chunk("fmt ", FmtBytes(1, 2, 8000, 8)).Chunk("data", {5, 6, 7, 8});
   ASSERT_TRUE(Load(riff));
-  EXPECT_EQ(8000u, m_file.GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(C_Bytes({5, 6, 7, 8}), PcmOf(m_file));
+  EXPECT_EQ(m_file.GetWavInfo()->GetSampleRate(), 8000u);
+  EXPECT_EQ(PcmOf(m_file), C_Bytes({5, 6, 7, 8}));
 }
 
 TEST_F(VefFileLoad, WithoutData_LoadsAnEmptySound) {
   EXPECT_TRUE(Load(C_RiffBytes("VEFF").Chunk("fmt ", FmtBytes(1, 1, 16000, 16))));
-  EXPECT_EQ(0u, m_file.GetWavData()->GetBufferLength());
+  EXPECT_EQ(m_file.GetWavData()->GetBufferLength(), 0u);
 }
 
 TEST_F(VefFileLoad, MissingSamples_AreZero) {
   C_RiffBytes riff("VEFF");
   riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", 6, {1, 2, 3});
   ASSERT_TRUE(Load(riff));
-  EXPECT_EQ(C_Bytes({1, 2, 3, 0, 0, 0}), PcmOf(m_file));
+  EXPECT_EQ(PcmOf(m_file), C_Bytes({1, 2, 3, 0, 0, 0}));
 }
 
 TEST_F(VefFileLoad, DataBeyondReason_IsRefusedWithoutMemory) {
@@ -133,57 +134,58 @@ TEST_F(VefFileLoad, LoadData_BeforeAnything_IsFalse) {
 }
 
 TEST_F(VefFileLoad, CodingType_IsThatOfTheCodecFormat) {
-  EXPECT_EQ(14u, CodingType({VafmBytes(14)}));
-  EXPECT_EQ(32u, CodingType({VafmBytes(32)}));
-  EXPECT_EQ(0xFFFFu, CodingType({VafmBytes(0xFFFF)}));
-  EXPECT_EQ(14u, CodingType({Join({VafmBytes(14), {9, 9, 9}})})) << "longer than it needs to be";
+  EXPECT_EQ(CodingType({VafmBytes(14)}), 14u);
+  EXPECT_EQ(CodingType({VafmBytes(32)}), 32u);
+  EXPECT_EQ(CodingType({VafmBytes(0xFFFF)}), 0xFFFFu);
+  EXPECT_EQ(CodingType({Join({VafmBytes(14), {9, 9, 9}})}), 14u) << "longer than it needs to be";
 }
 
 TEST_F(VefFileLoad, CodecFormatThatDoesNotCount_LeavesLinear) {
-  EXPECT_EQ(0u, CodingType({}));
+  EXPECT_EQ(CodingType({}), 0u);
   C_Bytes shorter = VafmBytes(14);
   shorter.pop_back();
-  EXPECT_EQ(0u, CodingType({shorter}));
-  EXPECT_EQ(0u, CodingType({{}}));
-  for (const std::uint16_t wVersion : std::initializer_list<std::uint16_t>{0, 1, 255, 257, 512})
-    EXPECT_EQ(0u, CodingType({VafmBytes(14, wVersion)})) << wVersion;
+  EXPECT_EQ(CodingType({shorter}), 0u);
+  EXPECT_EQ(CodingType({{}}), 0u);
+  for (const std::uint16_t wVersion : std::initializer_list<std::uint16_t>{0, 1, 255, 257, 512}) {
+    EXPECT_EQ(CodingType({VafmBytes(14, wVersion)}), 0u) << wVersion;
+  }
 }
 
 TEST_F(VefFileLoad, FirstCodecFormatThatCounts_Counts) {
-  EXPECT_EQ(14u, CodingType({VafmBytes(14), VafmBytes(32)}));
-  EXPECT_EQ(32u, CodingType({VafmBytes(14, 1), VafmBytes(32), VafmBytes(14)}));
+  EXPECT_EQ(CodingType({VafmBytes(14), VafmBytes(32)}), 14u);
+  EXPECT_EQ(CodingType({VafmBytes(14, 1), VafmBytes(32), VafmBytes(14)}), 32u);
 }
 
 TEST_F(VefFileLoad, CodingType_OfAnEarlierFile_IsForgotten) {
-  EXPECT_EQ(14u, CodingType({VafmBytes(14)}));
-  EXPECT_EQ(0u, CodingType({}));
+  EXPECT_EQ(CodingType({VafmBytes(14)}), 14u);
+  EXPECT_EQ(CodingType({}), 0u);
 }
 
 TEST_F(VefFileLoad, EventLabels_BecomeEvents) {
   ASSERT_TRUE(Check(VefWithEvents()));
   EXPECT_THAT(VefEventsOf(m_file),
               ElementsAre(S_VefEventSeen{0x8000, 0, 0xFFFFFFFF, 50}, S_VefEventSeen{1, 2, 7, 100}));
-  EXPECT_EQ(3, List(m_file).GetLabelCount());
-  EXPECT_EQ(3, Cues(m_file).GetCuePointCount());
+  EXPECT_EQ(List(m_file).GetLabelCount(), 3);
+  EXPECT_EQ(Cues(m_file).GetCuePointCount(), 3);
 }
 
 TEST_F(VefFileLoad, RepeatedLoads_GiveTheEventsOnce) {
   ASSERT_TRUE(Load(VefWithEvents().Chunk("vevt", {1, 2, 3})));
   ASSERT_TRUE(m_file.CheckFormat(m_file.GetFileName(), true));
   ASSERT_TRUE(m_file.LoadByName(Path("in").c_str(), true, nullptr, nullptr));
-  EXPECT_EQ(2u, VefEventsOf(m_file).size());
-  EXPECT_EQ(3, List(m_file).GetLabelCount());
-  EXPECT_EQ(1, Extra(m_file).GetSize());
+  EXPECT_EQ(VefEventsOf(m_file).size(), 2u);
+  EXPECT_EQ(List(m_file).GetLabelCount(), 3);
+  EXPECT_EQ(Extra(m_file).GetSize(), 1);
 }
 
 TEST_F(VefFileLoad, AnnotationsOfAnEarlierFile_AreForgotten) {
   ASSERT_TRUE(Check(VefWithEvents().Chunk("smpl", SmplBytes(1, 2)).Chunk("vevt", {1})));
   ASSERT_TRUE(Check(MonoVef(8)));
   EXPECT_THAT(VefEventsOf(m_file), IsEmpty());
-  EXPECT_EQ(0, List(m_file).GetLabelCount());
-  EXPECT_EQ(0, Cues(m_file).GetCuePointCount());
-  EXPECT_EQ(0u, Sampler(m_file).GetSampleLoopNum());
-  EXPECT_EQ(0, Extra(m_file).GetSize());
+  EXPECT_EQ(List(m_file).GetLabelCount(), 0);
+  EXPECT_EQ(Cues(m_file).GetCuePointCount(), 0);
+  EXPECT_EQ(Sampler(m_file).GetSampleLoopNum(), 0u);
+  EXPECT_EQ(Extra(m_file).GetSize(), 0);
 }
 
 TEST_F(VefFileLoad, LabelsOfEqualTexts_AreAsManyEvents) {
@@ -191,7 +193,7 @@ TEST_F(VefFileLoad, LabelsOfEqualTexts_AreAsManyEvents) {
       Check(MonoVef(8)
                 .Chunk("cue ", CueBytes({{1, 5, 5}}))
                 .Chunk("LIST", AdtlBytes({LablBytes(1, "(65538,7)"), LablBytes(1, "(65538,7)")}))));
-  EXPECT_EQ(2u, VefEventsOf(m_file).size());
+  EXPECT_EQ(VefEventsOf(m_file).size(), 2u);
 }
 
 TEST_F(VefFileLoad, LabelsWithoutACuePoint_AreNoEvents) {
@@ -229,24 +231,22 @@ TEST_F(VefFileLoad, OfOtherChunks_OnlyEventChunksAreKept) {
   riff.Chunk("junk", {1}).Chunk("vevt", {1, 2, 3}).Chunk("vafm", VafmBytes(14));
   riff.Chunk("vdat", {4}).Chunk("fact", {5}).Chunk("vevt", {6});
   ASSERT_TRUE(Check(riff));
-  ASSERT_EQ(2, Extra(m_file).GetSize());
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_STREQ("vevt", Extra(m_file).GetItemByIndex(i)->GetChunkName());
-  }
+  ASSERT_EQ(Extra(m_file).GetSize(), 2);
+  for (int i = 0; i < 2; ++i) EXPECT_STREQ(Extra(m_file).GetItemByIndex(i)->GetChunkName(), "vevt");
   unsigned char* pbyData = nullptr;
-  ASSERT_EQ(3u, Extra(m_file).GetChunkByName("vevt")->GetChunkData(&pbyData));
-  EXPECT_EQ(C_Bytes({1, 2, 3}), C_Bytes(pbyData, pbyData + 3));
+  ASSERT_EQ(Extra(m_file).GetChunkByName("vevt")->GetChunkData(&pbyData), 3u);
+  EXPECT_EQ(C_Bytes(pbyData, pbyData + 3), C_Bytes({1, 2, 3}));
 }
 
 TEST_F(VefFileLoad, EventChunkThatTheFileCuts_IsLeftOut) {
   EXPECT_TRUE(Check(MonoVef(8).Chunk("vevt", 9, {1, 2, 3})));
-  EXPECT_EQ(0, Extra(m_file).GetSize());
+  EXPECT_EQ(Extra(m_file).GetSize(), 0);
 }
 
 TEST_F(VefFileLoad, Loops_AreRead) {
   ASSERT_TRUE(Check(MonoVef(8).Chunk("smpl", SmplBytes(1, 3))));
-  ASSERT_EQ(1u, Sampler(m_file).GetSampleLoopNum());
-  EXPECT_EQ(3u, Sampler(m_file).GetSampleLoopByIndex(0)->GetEndSampleOffset());
+  ASSERT_EQ(Sampler(m_file).GetSampleLoopNum(), 1u);
+  EXPECT_EQ(Sampler(m_file).GetSampleLoopByIndex(0)->GetEndSampleOffset(), 3u);
 }
 
 TEST_F(VefFileLoad, InfoChunksTooShortForTheirFirstField_AreLeftOut) {
@@ -270,17 +270,17 @@ TEST_F(VefFileLoad, WrittenAndReadBack_GivesEverything) {
   writer.SetCodingType(14);
   ASSERT_TRUE(writer.WriteFile(Path("a").c_str(), false, true, nullptr, false, 0));
   ASSERT_TRUE(m_file.LoadByName(Path("a").c_str(), true, nullptr, nullptr));
-  EXPECT_EQ(PcmOf(writer), PcmOf(m_file));
-  EXPECT_EQ(2, m_file.GetWavInfo()->GetChannels());
-  EXPECT_EQ(14u, m_file.GetCodingType());
-  EXPECT_EQ(VefEventsOf(writer), VefEventsOf(m_file));
-  EXPECT_EQ(3u, VefEventsOf(m_file).size());
-  EXPECT_EQ(1u, Sampler(m_file).GetSampleLoopNum());
-  EXPECT_NE(nullptr, Extra(m_file).GetChunkByName("vevt"));
+  EXPECT_EQ(PcmOf(m_file), PcmOf(writer));
+  EXPECT_EQ(m_file.GetWavInfo()->GetChannels(), 2);
+  EXPECT_EQ(m_file.GetCodingType(), 14u);
+  EXPECT_EQ(VefEventsOf(m_file), VefEventsOf(writer));
+  EXPECT_EQ(VefEventsOf(m_file).size(), 3u);
+  EXPECT_EQ(Sampler(m_file).GetSampleLoopNum(), 1u);
+  EXPECT_NE(Extra(m_file).GetChunkByName("vevt"), nullptr);
   ASSERT_TRUE(m_file.WriteFile(Path("b").c_str(), false, true, nullptr, false, 0));
   ASSERT_TRUE(m_file.LoadByName(Path("b").c_str(), true, nullptr, nullptr));
   ASSERT_TRUE(m_file.WriteFile(Path("c").c_str(), false, true, nullptr, false, 0));
-  EXPECT_EQ(Content("b"), Content("c"));
+  EXPECT_EQ(Content("c"), Content("b"));
 }
 
 TEST_F(VefFileLoad, AWavFilesEvents_TravelOnceThroughAContainer) {
@@ -292,8 +292,8 @@ TEST_F(VefFileLoad, AWavFilesEvents_TravelOnceThroughAContainer) {
   C_VefFile writer;
   writer.AttachWavData(wav->GetWavData());
   ASSERT_TRUE(writer.WriteFile(Path("b").c_str(), false, false, nullptr, false, 0));
-  EXPECT_EQ(CueBytes({{1, 20, 20}}), ChunkNamed(Content("b"), "cue "));
-  EXPECT_EQ(AdtlBytes({LablBytes(1, "(196615,0)")}), ChunkNamed(Content("b"), "LIST"));
+  EXPECT_EQ(ChunkNamed(Content("b"), "cue "), CueBytes({{1, 20, 20}}));
+  EXPECT_EQ(ChunkNamed(Content("b"), "LIST"), AdtlBytes({LablBytes(1, "(196615,0)")}));
 }
 
 TEST_F(VefFileLoad, ManyLabels_AreReadInTime) {
@@ -303,13 +303,15 @@ TEST_F(VefFileLoad, ManyLabels_AreReadInTime) {
   vcm::C_ByteWriter labels;
   labels.Text("adtl", 4);
   for (std::uint32_t i = 0; i < kLabels; ++i) {
-    for (const std::uint32_t dwField : {kLabels - i, 5U, 0x61746164U, 0U, 0U, 5U})
+    for (const std::uint32_t dwField : {kLabels - i, 5U, 0x61746164U, 0U, 0U, 5U}) {
       cues.U32(dwField);
+    }
     labels.Bytes(LablBytes(i + 1, "(65538,7)"));
   }
   ASSERT_TRUE(Load(MonoVef(8).Chunk("cue ", cues.Data()).Chunk("LIST", labels.Data())));
-  EXPECT_EQ(kLabels, static_cast<unsigned int>(
-                         m_file.GetWavData()->GetEventTagMgr()->GetEventList()->GetSize()));
+  EXPECT_EQ(
+      static_cast<unsigned int>(m_file.GetWavData()->GetEventTagMgr()->GetEventList()->GetSize()),
+      kLabels);
   EXPECT_TRUE(m_file.WriteFile(Path("out").c_str(), false, true, nullptr, false, 0));
 }
 
@@ -329,24 +331,24 @@ class VefStream : public C_FolderTest {
 
 TEST_F(VefStream, LoadVDATChunk_GivesThePayload) {
   ASSERT_TRUE(LoadVdat(MonoVef(8).Chunk("vdat", {1, 2, 3})));
-  EXPECT_EQ(C_Bytes({1, 2, 3}), Data());
+  EXPECT_EQ(Data(), C_Bytes({1, 2, 3}));
 }
 
 TEST_F(VefStream, LoadVDATChunk_GivesTheFirstOfTwo) {
   ASSERT_TRUE(LoadVdat(MonoVef(8).Chunk("vdat", {1, 2}).Chunk("vdat", {3, 4, 5})));
-  EXPECT_EQ(C_Bytes({1, 2}), Data());
+  EXPECT_EQ(Data(), C_Bytes({1, 2}));
 }
 
 TEST_F(VefStream, ContainerWithoutAStream_IsTrueWithNothing) {
   ASSERT_TRUE(LoadVdat(MonoVef(8)));
-  EXPECT_EQ(nullptr, m_pbyData);
-  EXPECT_EQ(0u, m_dwLength);
+  EXPECT_EQ(m_pbyData, nullptr);
+  EXPECT_EQ(m_dwLength, 0u);
 }
 
 TEST_F(VefStream, NoContainer_IsFalse) {
   EXPECT_FALSE(LoadVdat(MonoWav(8).Chunk("vdat", {1, 2})));
-  EXPECT_EQ(nullptr, m_pbyData);
-  EXPECT_EQ(0u, m_dwLength);
+  EXPECT_EQ(m_pbyData, nullptr);
+  EXPECT_EQ(m_dwLength, 0u);
   EXPECT_FALSE(m_file.LoadVDATChunk(Path("missing").c_str(), &m_pbyData, &m_dwLength));
 }
 
@@ -356,8 +358,8 @@ TEST_F(VefStream, StreamThatTheFileDoesNotHold_IsFalseWithoutMemory) {
     ResetLargestAllocation();
     EXPECT_FALSE(LoadVdat(MonoVef(8).Chunk("vdat", dwClaim, {1, 2, 3}))) << dwClaim;
     EXPECT_LT(LargestAllocation(), 1U << 20) << dwClaim;
-    EXPECT_EQ(nullptr, m_pbyData);
-    EXPECT_EQ(0u, m_dwLength);
+    EXPECT_EQ(m_pbyData, nullptr);
+    EXPECT_EQ(m_dwLength, 0u);
   }
 }
 
@@ -374,9 +376,9 @@ TEST_F(VefStream, PlatformTwo_AllocatesOneByteMore) {
   const std::string strPath = Write("in", riff.Take());
   ResetLargestAllocation();
   ASSERT_TRUE(m_file.LoadVDATChunk(strPath.c_str(), &m_pbyData, &m_dwLength));
-  EXPECT_EQ(kStream + 1, LargestAllocation());
-  EXPECT_EQ(kStream, m_dwLength);
-  EXPECT_EQ(0, m_pbyData[kStream]);
+  EXPECT_EQ(LargestAllocation(), kStream + 1);
+  EXPECT_EQ(m_dwLength, kStream);
+  EXPECT_EQ(m_pbyData[kStream], 0);
 }
 
 TEST_F(VefStream, OtherPlatforms_AllocateTheStreamAlone) {
@@ -386,7 +388,7 @@ TEST_F(VefStream, OtherPlatforms_AllocateTheStreamAlone) {
     m_file.GetAudioCodecParam()->SetPlatform(static_cast<tagAudioCodecPlatform>(dwPlatform));
     ResetLargestAllocation();
     ASSERT_TRUE(m_file.LoadVDATChunk(strPath.c_str(), &m_pbyData, &m_dwLength));
-    EXPECT_EQ(kStream, LargestAllocation()) << dwPlatform;
+    EXPECT_EQ(LargestAllocation(), kStream) << dwPlatform;
   }
 }
 

@@ -141,8 +141,9 @@ TEST(VefFileSweep, RandomDamage_IsSurvivedByTheFactory) {
   std::size_t nLoaded = 0;
   for (int i = 0; i < 3000; ++i) {
     const std::size_t nChanges = 1 + random() % 4;
-    for (std::size_t k = 0; k < nChanges; ++k)
+    for (std::size_t k = 0; k < nChanges; ++k) {
       file.PutNumber(12 + random() % (bytes.size() - 12), 1, random() % 256);
+    }
     const C_WavFilePtr loaded(
         format.CreateWavFile(file.Path().c_str(), true, i % 2 == 0, nullptr, nullptr));
     if (loaded) ++nLoaded;

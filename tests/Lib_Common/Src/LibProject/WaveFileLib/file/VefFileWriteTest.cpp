@@ -48,25 +48,23 @@ class VefFileWrite : public C_FolderTest {
 };
 
 TEST_F(VefFileWrite, WithoutAnnotations_OnlyFormatAndDataAreWritten) {
-  EXPECT_EQ(Join({Ascii("RIFF"),
-                  U32(44),
-                  Ascii("VEFF"),
-                  Ascii("fmt "),
-                  U32(16),
-                  FmtBytes(1, 1, 16000, 16),
-                  Ascii("data"),
-                  U32(8),
-                  {1, 0, 2, 0, 3, 0, 4, 0}}),
-            Written());
+  EXPECT_EQ(Written(), Join({Ascii("RIFF"),
+                             U32(44),
+                             Ascii("VEFF"),
+                             Ascii("fmt "),
+                             U32(16),
+                             FmtBytes(1, 1, 16000, 16),
+                             Ascii("data"),
+                             U32(8),
+                             {1, 0, 2, 0, 3, 0, 4, 0}}));
 }
 
 TEST_F(VefFileWrite, WithTheHeaderFlag_CodecFormatFollowsTheData) {
   m_file.SetCodingType(14);
   const C_Bytes file = Written(true);
   EXPECT_THAT(ChunkNames(file), ElementsAre("fmt ", "data", "vafm"));
-  EXPECT_EQ(C_Bytes({0x00, 0x01, 0x0E, 0x00, 0x80, 0x3E, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00,
-                     0x00, 0x00, 0x00}),
-            ChunkNamed(file, "vafm"));
+  EXPECT_EQ(ChunkNamed(file, "vafm"), C_Bytes({0x00, 0x01, 0x0E, 0x00, 0x80, 0x3E, 0x00, 0x00, 0x00,
+                                               0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00}));
 }
 
 TEST_F(VefFileWrite, CodecFormat_HoldsTheCodecParametersAndTheChannels) {
@@ -74,15 +72,15 @@ TEST_F(VefFileWrite, CodecFormat_HoldsTheCodecParametersAndTheChannels) {
   m_sound->GetAudioCodecParam()->SetPlatform(AUDIO_CODEC_PLATFORM_FALLBACK);
   m_file.SetWavInfoData(8000, 2, 16, 16, true);
   m_file.SetCodingType(0x12345);
-  EXPECT_EQ(C_Bytes({0x00, 0x01, 0x45, 0x23, 0x40, 0x1F, 0x04, 0x03, 0x02, 0x01, 0x02, 0x02, 0x00,
-                     0x00, 0x00, 0x00}),
-            ChunkNamed(Written(true), "vafm"));
+  EXPECT_EQ(ChunkNamed(Written(true), "vafm"),
+            C_Bytes({0x00, 0x01, 0x45, 0x23, 0x40, 0x1F, 0x04, 0x03, 0x02, 0x01, 0x02, 0x02, 0x00,
+                     0x00, 0x00, 0x00}));
 }
 
 TEST_F(VefFileWrite, CodecFormat_KeepsTheLowHalfOfTheRate) {
   m_file.SetWavInfoData(96000, 1, 16, 16, true);
   const C_Bytes vafm = ChunkNamed(Written(true), "vafm");
-  EXPECT_EQ(U16(30464), C_Bytes(vafm.begin() + 4, vafm.begin() + 6));
+  EXPECT_EQ(C_Bytes(vafm.begin() + 4, vafm.begin() + 6), U16(30464));
 }
 
 TEST_F(VefFileWrite, AllChunks_StandInTheirOrder) {
@@ -94,7 +92,7 @@ TEST_F(VefFileWrite, AllChunks_StandInTheirOrder) {
   const C_Bytes file = Written(true);
   EXPECT_THAT(ChunkNames(file),
               ElementsAre("fmt ", "data", "cue ", "smpl", "LIST", "vafm", "vevt", "note"));
-  EXPECT_EQ(Ascii("abc"), ChunkNamed(file, "vevt"));
+  EXPECT_EQ(ChunkNamed(file, "vevt"), Ascii("abc"));
 }
 
 TEST_F(VefFileWrite, OddChunks_GetNoPadByte) {
@@ -104,10 +102,9 @@ TEST_F(VefFileWrite, OddChunks_GetNoPadByte) {
   sound->SetBuffer("abc", 3);
   m_file.AttachWavData(sound.get());
   Extra(m_file).AddChunk("note", "x", 1);
-  EXPECT_EQ(
-      Join({Ascii("RIFF"), U32(48), Ascii("VEFF"), Ascii("fmt "), U32(16), FmtBytes(1, 1, 8000, 8),
-            Ascii("data"), U32(3), Ascii("abc"), Ascii("note"), U32(1), Ascii("x")}),
-      Written());
+  EXPECT_EQ(Written(), Join({Ascii("RIFF"), U32(48), Ascii("VEFF"), Ascii("fmt "), U32(16),
+                             FmtBytes(1, 1, 8000, 8), Ascii("data"), U32(3), Ascii("abc"),
+                             Ascii("note"), U32(1), Ascii("x")}));
 }
 
 TEST_F(VefFileWrite, OwnChunksOfAnotherFile_AreNotPassedOn) {
@@ -120,9 +117,9 @@ TEST_F(VefFileWrite, Events_BecomeCuePointsAndLabels) {
   AddEvent(1, 2, 3, 7);
   AddEvent(0x8000, 0, 1, 0xFFFFFFFF);
   const C_Bytes file = Written();
-  EXPECT_EQ(CueBytes({{1, 1, 1}, {2, 3, 3}}), ChunkNamed(file, "cue "));
-  EXPECT_EQ(AdtlBytes({LablBytes(1, "(-2147483648,-1)"), LablBytes(2, "(65538,7)")}),
-            ChunkNamed(file, "LIST"));
+  EXPECT_EQ(ChunkNamed(file, "cue "), CueBytes({{1, 1, 1}, {2, 3, 3}}));
+  EXPECT_EQ(ChunkNamed(file, "LIST"),
+            AdtlBytes({LablBytes(1, "(-2147483648,-1)"), LablBytes(2, "(65538,7)")}));
 }
 
 TEST_F(VefFileWrite, SilenceSegmentsAndRegions_AreNotWritten) {
@@ -137,8 +134,8 @@ TEST_F(VefFileWrite, WrittenTwice_IsTheSameFile) {
   List(m_file).AddLabel(1, "Verse");
   List(m_file).AddLtxt(1, 2, "rgn ");
   const C_Bytes first = Written(true);
-  EXPECT_EQ(first, Written(true));
-  EXPECT_EQ(first, Written(true));
+  EXPECT_EQ(Written(true), first);
+  EXPECT_EQ(Written(true), first);
 }
 
 TEST_F(VefFileWrite, LibraryLabels_GoWithTheirCuePointsAndTexts) {
@@ -149,8 +146,8 @@ TEST_F(VefFileWrite, LibraryLabels_GoWithTheirCuePointsAndTexts) {
     List(m_file).AddLtxt(10 + i, 1, "rgn ");
   }
   EXPECT_THAT(ChunkNames(Written()), ElementsAre("fmt ", "data"));
-  EXPECT_EQ(0, Cues(m_file).GetCuePointCount());
-  EXPECT_EQ(0, List(m_file).GetLtxtCount());
+  EXPECT_EQ(Cues(m_file).GetCuePointCount(), 0);
+  EXPECT_EQ(List(m_file).GetLtxtCount(), 0);
 }
 
 TEST_F(VefFileWrite, CuePointsOfTheUser_Stay) {
@@ -162,7 +159,7 @@ TEST_F(VefFileWrite, CuePointsOfTheUser_Stay) {
   Written();
   EXPECT_THAT(CuePoints(), ElementsAre(Pair(4, 2), Pair(9, 3), Pair(1, 0)));
   EXPECT_THAT(LabelsOf(m_file), ElementsAre(Pair(4, "e_196615"), Pair(1, "(65538,7)")));
-  EXPECT_EQ(1, List(m_file).GetLtxtCount());
+  EXPECT_EQ(List(m_file).GetLtxtCount(), 1);
 }
 
 TEST_F(VefFileWrite, IdentifiersOfEvents_AreTakenFromTheUsersAnnotations) {
@@ -185,18 +182,18 @@ TEST_F(VefFileWrite, IdentifiersOfEvents_AreTakenFromTheUsersAnnotations) {
                                             Pair(1, "(65537,0)"), Pair(2, "(131074,0)")));
   unsigned int dwID = 0;
   unsigned int dwSamples = 0;
-  EXPECT_STREQ("rgn ", List(m_file).GetLtxtByIndex(0, &dwID, &dwSamples));
-  EXPECT_EQ(6u, dwID);
-  EXPECT_EQ(77u, dwSamples);
-  ASSERT_EQ(2u, Sampler(m_file).GetSampleLoopNum());
+  EXPECT_STREQ(List(m_file).GetLtxtByIndex(0, &dwID, &dwSamples), "rgn ");
+  EXPECT_EQ(dwID, 6u);
+  EXPECT_EQ(dwSamples, 77u);
+  ASSERT_EQ(Sampler(m_file).GetSampleLoopNum(), 2u);
   I_WavDataSampleLoop* pLoop = Sampler(m_file).GetSampleLoopByIndex(0);
-  EXPECT_EQ(6u, pLoop->GetCuePointID());
-  EXPECT_EQ(LOOP_BACKWARD, pLoop->GetType());
-  EXPECT_EQ(1u, pLoop->GetStartSampleOffset());
-  EXPECT_EQ(2u, pLoop->GetEndSampleOffset());
-  EXPECT_EQ(3u, pLoop->GetFraction());
-  EXPECT_EQ(4u, pLoop->GetPlayCount());
-  EXPECT_EQ(4u, Sampler(m_file).GetSampleLoopByIndex(1)->GetCuePointID());
+  EXPECT_EQ(pLoop->GetCuePointID(), 6u);
+  EXPECT_EQ(pLoop->GetType(), LOOP_BACKWARD);
+  EXPECT_EQ(pLoop->GetStartSampleOffset(), 1u);
+  EXPECT_EQ(pLoop->GetEndSampleOffset(), 2u);
+  EXPECT_EQ(pLoop->GetFraction(), 3u);
+  EXPECT_EQ(pLoop->GetPlayCount(), 4u);
+  EXPECT_EQ(Sampler(m_file).GetSampleLoopByIndex(1)->GetCuePointID(), 4u);
 }
 
 TEST_F(VefFileWrite, CuePointWithALabelOfBothKinds_IsTheUsers) {
@@ -220,7 +217,7 @@ TEST_F(VefFileWrite, RenumberedTexts_KeepAllTheirFields) {
   ASSERT_TRUE(file.WriteFile(Path("out").c_str(), false, false, nullptr, false, 0));
   C_Bytes renumbered = ltxt;
   renumbered[8] = 2;
-  EXPECT_EQ(AdtlBytes({renumbered, LablBytes(1, "(65538,0)")}), ChunkNamed(Content("out"), "LIST"));
+  EXPECT_EQ(ChunkNamed(Content("out"), "LIST"), AdtlBytes({renumbered, LablBytes(1, "(65538,0)")}));
 }
 
 TEST_F(VefFileWrite, CuePointsOfOneIdentifier_StayApart) {
@@ -230,8 +227,8 @@ TEST_F(VefFileWrite, CuePointsOfOneIdentifier_StayApart) {
   ASSERT_TRUE(file.LoadByName(strPath.c_str(), true, nullptr, nullptr));
   file.GetWavData()->GetEventTagMgr()->AddEventBySamplePos(1, 2, 0, "", 0);
   ASSERT_TRUE(file.WriteFile(Path("out").c_str(), false, false, nullptr, false, 0));
-  EXPECT_EQ(CueBytes({{2, 2, 2}, {2, 3, 3}, {8, 1, 1}, {1, 0, 0}}),
-            ChunkNamed(Content("out"), "cue "));
+  EXPECT_EQ(ChunkNamed(Content("out"), "cue "),
+            CueBytes({{2, 2, 2}, {2, 3, 3}, {8, 1, 1}, {1, 0, 0}}));
 }
 
 TEST_F(VefFileWrite, TextsWithoutLabels_AreWritten) {
@@ -242,9 +239,9 @@ TEST_F(VefFileWrite, TextsWithoutLabels_AreWritten) {
 TEST_F(VefFileWrite, TwelveBits_AreWrittenAsSixteen) {
   m_file.SetWavInfoData(16000, 1, 12, 16, true);
   const C_Bytes file = Written();
-  EXPECT_EQ(FmtBytes(1, 1, 16000, 16), ChunkNamed(file, "fmt "));
-  EXPECT_EQ(C_Bytes({16, 0, 32, 0, 48, 0, 64, 0}), ChunkNamed(file, "data"));
-  EXPECT_EQ(12, m_sound->GetWavInfo()->GetBitsPerSample());
+  EXPECT_EQ(ChunkNamed(file, "fmt "), FmtBytes(1, 1, 16000, 16));
+  EXPECT_EQ(ChunkNamed(file, "data"), C_Bytes({16, 0, 32, 0, 48, 0, 64, 0}));
+  EXPECT_EQ(m_sound->GetWavInfo()->GetBitsPerSample(), 12);
 }
 
 TEST_F(VefFileWrite, TargetWidths_AreThoseOfTheCodecParameters) {
@@ -252,10 +249,10 @@ TEST_F(VefFileWrite, TargetWidths_AreThoseOfTheCodecParameters) {
   const std::vector<short> samples = {-32768, -256, 0, 256, 32512};
   m_file.SetBuffer(samples.data(), 10);
   const C_Bytes file = Written();
-  EXPECT_EQ(FmtBytes(1, 1, 16000, 8), ChunkNamed(file, "fmt "));
-  EXPECT_EQ(C_Bytes({0, 127, 128, 129, 255}), ChunkNamed(file, "data"));
+  EXPECT_EQ(ChunkNamed(file, "fmt "), FmtBytes(1, 1, 16000, 8));
+  EXPECT_EQ(ChunkNamed(file, "data"), C_Bytes({0, 127, 128, 129, 255}));
   m_file.SetWavInfoData(16000, 2, 16, 16, true);
-  EXPECT_EQ(FmtBytes(1, 2, 16000, 8), ChunkNamed(Written(), "fmt ")) << "channels stay";
+  EXPECT_EQ(ChunkNamed(Written(), "fmt "), FmtBytes(1, 2, 16000, 8)) << "channels stay";
 }
 
 TEST_F(VefFileWrite, WidthsThatCannotBeMade_CreateNothing) {
@@ -274,13 +271,13 @@ TEST_F(VefFileWrite, WithoutASound_IsFalse) {
 TEST_F(VefFileWrite, FormType_IsTheArgument) {
   ASSERT_TRUE(m_file.WriteVef(Path("out").c_str(), "VEMD", false, AUDIO_FILE_KESTREL));
   const C_Bytes file = Content("out");
-  EXPECT_EQ(Ascii("VEMD"), C_Bytes(file.begin() + 8, file.begin() + 12));
+  EXPECT_EQ(C_Bytes(file.begin() + 8, file.begin() + 12), Ascii("VEMD"));
 }
 
 TEST_F(VefFileWrite, WriteDataChunk_AddsNothing) {
   C_RiffFile riff;
   EXPECT_TRUE(m_file.WriteDataChunk(&riff));
-  EXPECT_EQ(0, riff.GetChunkCount());
+  EXPECT_EQ(riff.GetChunkCount(), 0);
   EXPECT_TRUE(m_file.WriteDataChunk(nullptr));
 }
 
@@ -297,7 +294,7 @@ TEST_F(VefFileWrite, DiskFullAtEveryByte_IsFalse) {
     const C_FileSizeLimit limit(cbLimit);
     ASSERT_FALSE(m_file.WriteFile(Path("out").c_str(), false, true, nullptr, false, 0)) << cbLimit;
   }
-  EXPECT_EQ(cbWhole, Written(true).size());
+  EXPECT_EQ(Written(true).size(), cbWhole);
 }
 
 }  // namespace

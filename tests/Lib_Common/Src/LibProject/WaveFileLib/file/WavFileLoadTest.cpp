@@ -50,8 +50,9 @@ TEST_F(WavFileLoad, BothFormsOpenAndReportTheirKind) {
 }
 
 TEST_F(WavFileLoad, OtherFormsAreRefused) {
-  for (const char* pszForm : {"VEFF", "AVI ", "wave", "WAV ", "vemd", "VEM "})
+  for (const char* pszForm : {"VEFF", "AVI ", "wave", "WAV ", "vemd", "VEM "}) {
     EXPECT_FALSE(Checks(File(MonoWav(8, pszForm)))) << pszForm;
+  }
 }
 
 TEST_F(WavFileLoad, WhatIsNoRiffFileIsRefused) {
@@ -159,10 +160,12 @@ TEST_F(WavFileLoad, EmptyOrCutFormatIsRefused) {
 
 TEST_F(WavFileLoad, FormatShorterThanItsRecordIsRefused) {
   const C_Bytes fmt = Join({FmtBytes(1, 1, 8000, 16), U16(0), C_Bytes(22)});
-  for (std::ptrdiff_t cb = 0; cb < 16; ++cb)
+  for (std::ptrdiff_t cb = 0; cb < 16; ++cb) {
     EXPECT_FALSE(Checks(File(WithFmt(Slice(fmt, 0, cb))))) << cb;
-  for (const std::ptrdiff_t cb : {16, 17, 18, 40})
+  }
+  for (const std::ptrdiff_t cb : {16, 17, 18, 40}) {
     EXPECT_TRUE(Loads(File(WithFmt(Slice(fmt, 0, cb))))) << cb;
+  }
 }
 
 TEST_F(WavFileLoad, ChannelsOrBitsOfZeroAreRefused) {

@@ -44,8 +44,9 @@ std::vector<int> ValuesOf(const C_Bytes& pcm, std::uint16_t wBits) {
   std::vector<int> values;
   for (std::size_t i = 0; i + cbSample <= pcm.size(); i += cbSample) {
     std::uint32_t dwValue = 0;
-    for (std::size_t k = 0; k < cbSample; ++k)
+    for (std::size_t k = 0; k < cbSample; ++k) {
       dwValue = dwValue >> 8 | std::uint32_t{pcm[i + k]} << 24;
+    }
     if (wBits == 8) dwValue ^= 0x80000000u;
     values.push_back(static_cast<int>(dwValue));
   }

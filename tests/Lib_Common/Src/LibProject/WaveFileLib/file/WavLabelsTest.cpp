@@ -66,14 +66,16 @@ TEST(WavLabels, TheOlderSingleNumberIsRead) {
 TEST(WavLabels, RangesAreNamedExactly) {
   EXPECT_EQ(ParseLabel("VX_Silence").eKind, S_LabelMeaning::Kind::Silence);
   EXPECT_EQ(ParseLabel("VX_PCM").eKind, S_LabelMeaning::Kind::Region);
-  for (const char* pszText : {"VX_silence", "vx_PCM", "VX_PCM ", " VX_PCM", "VX_Silenc", "VX_PC"})
+  for (const char* pszText : {"VX_silence", "vx_PCM", "VX_PCM ", " VX_PCM", "VX_Silenc", "VX_PC"}) {
     EXPECT_EQ(ParseLabel(pszText), kOther) << pszText;
+  }
 }
 
 TEST(WavLabels, AnyOtherTextMeansNothing) {
   for (const char* pszText :
-       {"", "u_3", "u", "_", "__", "_e", "(65538,7)", "hello", "U_3_7", "E_5", "1_2_3", "_3_7u"})
+       {"", "u_3", "u", "_", "__", "_e", "(65538,7)", "hello", "U_3_7", "E_5", "1_2_3", "_3_7u"}) {
     EXPECT_EQ(ParseLabel(pszText), kOther) << pszText;
+  }
 }
 
 TEST(WavLabels, ACompletedEventWinsOverWhatFollows) {

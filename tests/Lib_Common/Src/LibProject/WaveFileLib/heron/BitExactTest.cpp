@@ -17,8 +17,9 @@ class C_Checksum {
   template <typename T_Value>
   void AddAll(const std::vector<T_Value>& values) {
     for (const T_Value value : values) {
-      for (std::size_t n = 0; n < sizeof(T_Value); ++n)
+      for (std::size_t n = 0; n < sizeof(T_Value); ++n) {
         Add(static_cast<std::uint8_t>(static_cast<std::uint64_t>(value) >> (8 * n)));
+      }
     }
   }
   [[nodiscard]] std::uint64_t Sum() const { return m_qwSum; }

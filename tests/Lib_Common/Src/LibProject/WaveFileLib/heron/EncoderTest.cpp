@@ -127,9 +127,10 @@ TEST(HeronRateControl, SizesOfManySounds_AreFilledToAThousandth) {
 TEST(HeronRateControl, ASteadyTone_FillsItsSize) {
   // All frames are as loud: no offset may make them all change their steps at one time.
   S_Sound tone(16000);
-  for (std::size_t n = 0; n < tone.size(); ++n)
+  for (std::size_t n = 0; n < tone.size(); ++n) {
     tone[n] =
         static_cast<std::int16_t>(std::lround(9000 * std::sin(0.31 * static_cast<double>(n))));
+  }
   const std::size_t nMost = 16000 * 4 / 8 - kHeadBytes;
   const std::size_t nSize = EncodeWithin(tone, 8000, 4, {}).size();
   EXPECT_LE(nSize, nMost);

@@ -56,8 +56,9 @@ void CheckRoundTrip(const S_Frequencies<kSymbols>& frequencies, std::size_t nCou
   EXPECT_LE(static_cast<double>(bytes.size()), dBits / 8 * 1.00001 + 3);
   EXPECT_GE(static_cast<double>(bytes.size()), dBits / 8 - 8);
   C_CodeReader reader(bytes);
-  for (std::size_t n = 0; n < nCount; ++n)
+  for (std::size_t n = 0; n < nCount; ++n) {
     ASSERT_EQ(ReadSymbol(reader, frequencies), symbols[n]) << n;
+  }
   EXPECT_GE(reader.Unread(), 0);
 }
 
@@ -104,8 +105,9 @@ void CheckCarries(const S_Bytes& number, const S_Frequencies<kSymbols>& frequenc
       });
       if (!bytes.empty()) (bytes[0] == number[0] ? bTurned : bStayed) = true;
       C_CodeReader reader(bytes);
-      for (const std::size_t nSymbol : symbols)
+      for (const std::size_t nSymbol : symbols) {
         ASSERT_EQ(ReadSymbol(reader, frequencies), nSymbol) << nRun << ' ' << nAfter;
+      }
     }
   }
   EXPECT_TRUE(bTurned);
@@ -200,8 +202,9 @@ TEST(HeronRangeCoder, AnyBytes_GiveSymbolsOfTheTable) {
   for (const int nFill : {0x00, 0xFF, -1}) {
     C_Random random(6);
     S_Bytes bytes(10000);
-    for (std::uint8_t& byByte : bytes)
+    for (std::uint8_t& byByte : bytes) {
       byByte = nFill < 0 ? random.Byte() : static_cast<std::uint8_t>(nFill);
+    }
     C_CodeReader reader(bytes);
     for (int n = 0; n < 20000; ++n) {
       ASSERT_LT(ReadSymbol(reader, kMixed), 5u);

@@ -60,8 +60,9 @@ TEST(HeronFixedPoint, Log2_NeverFalls) {
 }
 
 TEST(HeronFixedPoint, QuartersOfAnOctave_AreRounded) {
-  for (int n = 0; n < 4; ++n)
+  for (int n = 0; n < 4; ++n) {
     EXPECT_EQ(kQuarterOctave[n], std::lround(65536 * std::exp2(n / 4.0))) << n;
+  }
 }
 
 TEST(HeronLoudness, IsTheLogarithmOfTheMeanSquare) {

@@ -18,9 +18,10 @@ using S_Points = std::vector<S_Complex>;
 std::vector<std::complex<double>> Direct(const S_Points& in) {
   const std::size_t nPoints = in.size();
   std::vector<std::complex<double>> turns(nPoints);
-  for (std::size_t n = 0; n < nPoints; ++n)
+  for (std::size_t n = 0; n < nPoints; ++n) {
     turns[n] = std::polar(
         1.0, -2 * std::numbers::pi * static_cast<double>(n) / static_cast<double>(nPoints));
+  }
   std::vector<std::complex<double>> out(nPoints);
   for (std::size_t k = 0; k < nPoints; ++k) {
     for (std::size_t n = 0; n < nPoints; ++n) {
@@ -49,8 +50,9 @@ double LargestError(S_Points points) {
 S_Points RandomPoints(int nPoints, std::int64_t nAmplitude) {
   test::C_Random random(static_cast<std::uint64_t>(nPoints));
   S_Points points(static_cast<std::size_t>(nPoints));
-  for (S_Complex& point : points)
+  for (S_Complex& point : points) {
     point = {random.Between(-nAmplitude, nAmplitude), random.Between(-nAmplitude, nAmplitude)};
+  }
   return points;
 }
 
@@ -67,17 +69,19 @@ double Bound(int nPoints, double dAmplitude) {
 }
 
 TEST(HeronFourier, SmallValues_AreRightToUnits) {
-  for (const int nPoints : Sizes())
+  for (const int nPoints : Sizes()) {
     EXPECT_LE(LargestError(RandomPoints(nPoints, 1000)), Bound(nPoints, 1000)) << nPoints;
+  }
 }
 
 TEST(HeronFourier, LargeValues_AreRightToTheRotationsPrecision) {
   // 480 values of modulus sqrt(2) * 2^28.5 together have 2^37.9.
   constexpr double kAmplitude = 379625062;
-  for (const int nPoints : Sizes())
+  for (const int nPoints : Sizes()) {
     EXPECT_LE(LargestError(RandomPoints(nPoints, static_cast<std::int64_t>(kAmplitude))),
               Bound(nPoints, kAmplitude))
         << nPoints;
+  }
 }
 
 TEST(HeronFourier, OneValue_TurnsThroughAllOutputs) {

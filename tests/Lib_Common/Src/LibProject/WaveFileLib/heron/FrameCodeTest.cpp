@@ -76,8 +76,9 @@ TEST(HeronFrameCode, EveryStepIndex_ComesBackFromFramesOfItsOwn) {
   C_Random random(1);
   for (int nIndex = 0; nIndex < kSteps; ++nIndex) {
     std::vector<S_Frame> frames;
-    for (const double dMost : {0.4, 1.0, 5.0, 50.0, 1e4, 1e8})
+    for (const double dMost : {0.4, 1.0, 5.0, 50.0, 1e4, 1e8}) {
       frames.push_back(RandomFrame(random, 40, nIndex, dMost));
+    }
     ASSERT_NO_FATAL_FAILURE(CheckRoundTrip(frames)) << nIndex;
   }
 }
@@ -144,8 +145,9 @@ S_Bytes Escaped(std::uint32_t nIndex) {
 }
 
 TEST(HeronFrameCode, EscapedIndicesFrom72_AreRefused) {
-  for (std::uint32_t nIndex = 0; nIndex < 128; ++nIndex)
+  for (std::uint32_t nIndex = 0; nIndex < 128; ++nIndex) {
     EXPECT_EQ(ReadsIndex(Escaped(nIndex)), nIndex < 72) << nIndex;
+  }
 }
 
 TEST(HeronFrameCode, DifferencesThatLeaveTheRange_AreRefused) {
@@ -172,8 +174,9 @@ TEST(HeronFrameCode, ACoefficientAboveTheLargest_IsRefused) {
     return Written([&](C_CodeWriter& encoder) {
       test::WriteSymbol(encoder, kIndexFrequencies, 31);
       encoder.WriteRaw(kSteps - 1, 7);
-      for (int k = 0; k < 2; ++k)
+      for (int k = 0; k < 2; ++k) {
         test::WriteMagnitude(encoder, 0, ClassOf(kLeastExpectation), k == 0 ? nLevel : 0, false);
+      }
     });
   };
   const std::int32_t nMost = LargestMultiple(kSteps - 1) / 2;

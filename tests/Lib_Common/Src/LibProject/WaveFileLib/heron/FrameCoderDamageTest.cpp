@@ -165,14 +165,16 @@ TEST_P(HeronStreams, ThatAreDamaged_AreRefusedOrDecoded) {
   C_Random random(2);
   std::vector<S_Bytes> streams;
   for (const std::size_t nSamples : {20u, 100u, 127u}) {
-    for (const auto& [strName, samples] : test::SoundsOf(nSamples))
+    for (const auto& [strName, samples] : test::SoundsOf(nSamples)) {
       streams.push_back(Encode(samples, GetParam().nSampleRate, 5));
+    }
   }
   for (int n = 0; n < GetParam().nStreams; ++n) {
     S_Bytes coded = streams[random.Below(static_cast<std::uint32_t>(streams.size()))];
     const std::size_t nCount = coded[0];
-    for (std::uint32_t nHarms = 1 + random.Below(4); nHarms > 0 && coded.size() > 4; --nHarms)
+    for (std::uint32_t nHarms = 1 + random.Below(4); nHarms > 0 && coded.size() > 4; --nHarms) {
       Damage(random, coded);
+    }
     ASSERT_NO_FATAL_FAILURE(Try(coded, nCount));
   }
   // Neither end of the test is missed: much harm is not noticed, some is.

@@ -239,18 +239,21 @@ TEST(HeronRefusals, NoSamples_AreNotEncoded) {
 TEST(HeronRefusals, RatesAndDepthsOutsideTheirRange_AreNotEncoded) {
   const S_Sound sound = TestVoice(1000);
   S_Bytes coded = {1, 2, 3};
-  for (const int nSampleRate : {-1, 0, 3999, 48001, 96000})
+  for (const int nSampleRate : {-1, 0, 3999, 48001, 96000}) {
     EXPECT_FALSE(EncodeSamples(sound, nSampleRate, 4, &coded, {})) << nSampleRate;
-  for (const int nBitDepth : {-2, 0, 1, 7, 16})
+  }
+  for (const int nBitDepth : {-2, 0, 1, 7, 16}) {
     EXPECT_FALSE(EncodeSamples(sound, 8000, nBitDepth, &coded, {})) << nBitDepth;
+  }
   EXPECT_EQ(coded, (S_Bytes{1, 2, 3}));
 }
 
 TEST(HeronRefusals, RatesOutsideTheirRange_AreNotDecoded) {
   const S_Bytes coded = Encode(TestVoice(1000), 8000, 4);
   S_Sound sound = {7};
-  for (const int nSampleRate : {-1, 0, 3999, 48001})
+  for (const int nSampleRate : {-1, 0, 3999, 48001}) {
     EXPECT_FALSE(DecodeSamples(coded, nSampleRate, &sound)) << nSampleRate;
+  }
   EXPECT_EQ(sound, S_Sound{7});
 }
 

@@ -24,8 +24,9 @@ using test::Written;
 std::vector<std::int32_t> Expectations() {
   std::vector<std::int32_t> expectations;
   for (int nOctave = 3; nOctave < 22; ++nOctave) {
-    for (int nQuarter = 4; nQuarter < 8; ++nQuarter)
+    for (int nQuarter = 4; nQuarter < 8; ++nQuarter) {
       expectations.push_back(static_cast<std::int32_t>(nQuarter) << (nOctave - 2));
+    }
   }
   return expectations;
 }
@@ -88,8 +89,9 @@ TEST(HeronLevel, EveryOneInEveryClassAndBothQuantisers_ComesBackWithItsSign) {
       const S_MagnitudeClass magnitudeClass = ClassAt(nExpectation);
       const auto levels = Levels();
       const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
-        for (const std::int32_t nLevel : levels)
+        for (const std::int32_t nLevel : levels) {
           WriteMagnitude(writer, nQuantiser, magnitudeClass, nLevel, nLevel % 3 == 1);
+        }
       });
       C_CodeReader reader(bytes);
       for (const std::int32_t nLevel : levels) {
@@ -106,8 +108,9 @@ TEST(HeronLevel, EveryOneInEveryClassAndBothQuantisers_ComesBackWithItsSign) {
 // Bits that 1000 times this level take, measured.
 double BitsOf(std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel) {
   const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
-    for (int n = 0; n < 1000; ++n)
+    for (int n = 0; n < 1000; ++n) {
       WriteMagnitude(writer, nQuantiser, magnitudeClass, nLevel, n % 2 == 0);
+    }
   });
   return 8 * static_cast<double>(bytes.size());
 }
@@ -146,8 +149,9 @@ TEST(HeronLevel, AnEscapeThatNeverEnds_IsRefused) {
 TEST(HeronQuantiser, TheMachine_HasEightTransitions) {
   const std::size_t expected[4][2] = {{0, 2}, {2, 0}, {1, 3}, {3, 1}};
   for (std::size_t nState = 0; nState < kStates; ++nState) {
-    for (unsigned short wLevel = 0; wLevel < 10; ++wLevel)
+    for (unsigned short wLevel = 0; wLevel < 10; ++wLevel) {
       EXPECT_EQ(NextState(nState, wLevel), expected[nState][wLevel % 2]) << nState << ' ' << wLevel;
+    }
   }
   EXPECT_EQ(kFirstState, 0u);
 }

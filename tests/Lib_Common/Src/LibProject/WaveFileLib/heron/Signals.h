@@ -51,8 +51,9 @@ inline S_Sound Noise(std::size_t nSamples, std::uint64_t qwSeed = 1) {
 // Full scale, nHalfPeriod samples up and as many down.
 inline S_Sound Square(std::size_t nSamples, std::size_t nHalfPeriod) {
   S_Sound sound(nSamples);
-  for (std::size_t n = 0; n < nSamples; ++n)
+  for (std::size_t n = 0; n < nSamples; ++n) {
     sound[n] = n / nHalfPeriod % 2 == 0 ? std::int16_t{32767} : std::int16_t{-32768};
+  }
   return sound;
 }
 

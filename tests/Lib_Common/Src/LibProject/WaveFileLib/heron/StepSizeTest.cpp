@@ -18,8 +18,9 @@ TEST(HeronStepSize, HalfSteps_AreAnEighthTo2Power14AndThreeQuarters) {
   EXPECT_EQ(HalfStep(3), 54);
   EXPECT_EQ(HalfStep(12), 256);
   EXPECT_EQ(HalfStep(71), 7053952);
-  for (int nIndex = 0; nIndex < kSteps; ++nIndex)
+  for (int nIndex = 0; nIndex < kSteps; ++nIndex) {
     EXPECT_NEAR(HalfStep(nIndex), 32 * std::exp2(nIndex / 4.0), 0.5 + HalfStep(nIndex) / 65536.0);
+  }
 }
 
 TEST(HeronStepSize, TheLargestMultiple_IsTheLastWithinTheLargestCoefficient) {

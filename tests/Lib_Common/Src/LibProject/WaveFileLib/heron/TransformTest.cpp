@@ -20,8 +20,9 @@ class C_Cosines {
  public:
   explicit C_Cosines(int nLength)
       : m_nLength(nLength), m_turn(static_cast<std::size_t>(8 * nLength)) {
-    for (std::size_t n = 0; n < m_turn.size(); ++n)
+    for (std::size_t n = 0; n < m_turn.size(); ++n) {
       m_turn[n] = std::cos(2 * pi * static_cast<double>(n) / static_cast<double>(m_turn.size()));
+    }
   }
   [[nodiscard]] double At(int n, int k) const {
     const std::int64_t nParts = std::int64_t{2 * n + 1 + m_nLength} * (2 * k + 1);
@@ -51,8 +52,9 @@ std::vector<double> Direct(const S_Sound& samples) {
   std::vector<double> out(static_cast<std::size_t>(nLength));
   for (int k = 0; k < nLength; ++k) {
     double dSum = 0;
-    for (int n = 0; n < 2 * nLength; ++n)
+    for (int n = 0; n < 2 * nLength; ++n) {
       dSum += windowed[static_cast<std::size_t>(n)] * cosines.At(n, k);
+    }
     out[static_cast<std::size_t>(k)] = std::sqrt(2.0 / nLength) * dSum;
   }
   return out;
@@ -71,9 +73,10 @@ S_Coefficients Forward(const S_Sound& samples) {
 S_Sound LoudestFor(int nLength, int k) {
   const C_Cosines cosines(nLength);
   S_Sound samples(static_cast<std::size_t>(2 * nLength));
-  for (int n = 0; n < 2 * nLength; ++n)
+  for (int n = 0; n < 2 * nLength; ++n) {
     samples[static_cast<std::size_t>(n)] =
         cosines.At(n, k) > 0 ? std::int16_t{-32768} : std::int16_t{32767};
+  }
   return samples;
 }
 
@@ -111,8 +114,9 @@ TEST_P(HeronTransform, Coefficients_AreThoseOfTheDefinition) {
   for (const auto& [strName, samples] : test::SoundsOf(Samples(2))) {
     const auto expected = Direct(samples);
     const auto coefficients = Forward(samples);
-    for (std::size_t k = 0; k < expected.size(); ++k)
+    for (std::size_t k = 0; k < expected.size(); ++k) {
       ASSERT_NEAR(coefficients[k] / 256.0, expected[k], 1 / 16.0) << strName << ' ' << k;
+    }
   }
 }
 
@@ -127,8 +131,9 @@ TEST_P(HeronTransform, TheLoudestSamples_StayBelowTheLargestCoefficient) {
 }
 
 TEST_P(HeronTransform, ThereAndBack_GivesEverySample) {
-  for (const auto& [strName, samples] : test::SoundsOf(Samples(5)))
+  for (const auto& [strName, samples] : test::SoundsOf(Samples(5))) {
     EXPECT_EQ(ThereAndBack(samples, GetParam()), samples) << strName;
+  }
 }
 
 TEST_P(HeronTransform, LargestCoefficients_GiveSamplesWithinTheirLimits) {
@@ -137,8 +142,9 @@ TEST_P(HeronTransform, LargestCoefficients_GiveSamplesWithinTheirLimits) {
   const auto nMost = static_cast<std::int32_t>(kMaxCoefficient);
   for (const int nSigns : {0, 1, 2, 3}) {
     S_Coefficients coefficients(Samples(1));
-    for (std::size_t k = 0; k < coefficients.size(); ++k)
+    for (std::size_t k = 0; k < coefficients.size(); ++k) {
       coefficients[k] = (k & static_cast<unsigned>(nSigns)) != 0 ? -nMost : nMost;
+    }
     inverse.Transform(coefficients, samples);
     inverse.Transform(coefficients, samples);
     // So much of everything cannot be silent.
@@ -153,8 +159,9 @@ TEST_P(HeronTransform, RisingWindow_IsTheScaledPowerSine) {
   ASSERT_EQ(transform.RisingWindow().size(), Samples(1));
   const auto window = Window(GetParam());
   const double dScale = std::sqrt(2.0 / GetParam()) * std::exp2(28);
-  for (std::size_t n = 0; n < Samples(1); ++n)
+  for (std::size_t n = 0; n < Samples(1); ++n) {
     ASSERT_NEAR(static_cast<double>(transform.RisingWindow()[n]), window[n] * dScale, 16) << n;
+  }
 }
 
 TEST(HeronTransformState, ANewObject_HasSilenceBefore) {

@@ -74,9 +74,10 @@ S_Coefficients RandomCoefficients(std::uint64_t qwSeed, double dMostSteps, int n
   test::C_Random random(qwSeed);
   const auto nMost = static_cast<std::int64_t>(dMostSteps * std::exp2(nIndex / 4.0 - 2) * 256);
   S_Coefficients coefficients(kLength);
-  for (std::int32_t& nValue : coefficients)
+  for (std::int32_t& nValue : coefficients) {
     nValue =
         static_cast<std::int32_t>(random.Between(-nMost, nMost) * random.Between(0, 100) / 100);
+  }
   return coefficients;
 }
 
@@ -102,8 +103,9 @@ TEST(HeronTrellis, ItsChoice_CostsLessThanTheNearestLevels) {
 TEST(HeronTrellis, LargeCoefficients_AreDistortedLessThanByAPlainQuantiser) {
   // A quantiser of step 2 half steps leaves 1/3; the trellis pays nothing more in bits.
   S_Outcome all;
-  for (std::uint64_t qwSeed = 1; qwSeed <= 40; ++qwSeed)
+  for (std::uint64_t qwSeed = 1; qwSeed <= 40; ++qwSeed) {
     all.dDistortion += OfSearch(RandomCoefficients(qwSeed, 1000, 12), 12).dDistortion;
+  }
   EXPECT_LT(all.dDistortion / (40 * kLength), 0.30);
 }
 

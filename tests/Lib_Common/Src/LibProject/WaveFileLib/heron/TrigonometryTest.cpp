@@ -54,8 +54,9 @@ TEST(HeronTrigonometry, BothSidesOfEveryOctant_AreWithinEightUnits) {
 
 TEST(HeronTrigonometry, EveryPartOfTheWholesInUse_IsWithinEightUnits) {
   for (const int nWhole : {1, 3, 7, 40, 80, 441, 479, 480, 1280, 3840, 7664, 15360}) {
-    for (int nPart = 0; nPart < nWhole; ++nPart)
+    for (int nPart = 0; nPart < nWhole; ++nPart) {
       ASSERT_LE(ErrorOf(nPart, nWhole), 8) << nPart << '/' << nWhole;
+    }
   }
 }
 

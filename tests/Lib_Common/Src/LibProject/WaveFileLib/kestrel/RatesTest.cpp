@@ -148,8 +148,9 @@ TEST_P(Rate, ExtremeSamples_EncodeAndDecode) {
   std::mt19937 random(GetParam().dwRate);
   for (int n = 0; n < 60; ++n) {
     S_Frame samples;
-    for (auto& nSample : samples)
+    for (auto& nSample : samples) {
       nSample = random() % 2 == 0 ? std::int16_t{-32768} : std::int16_t{32767};
+    }
     if (n % 3 == 0) samples.fill(-32768);
     S_Words words{};
     m_encoder.Encode(samples, words);

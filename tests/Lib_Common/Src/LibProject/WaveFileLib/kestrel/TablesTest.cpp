@@ -85,9 +85,9 @@ TEST(Tables, QuantiserSteps_ShrinkBySqrt2PerCategory) {
   }
   EXPECT_NEAR(kDeadZone.front() / 8192.0, 0.3, 0.001);
   EXPECT_EQ(kDeadZone.back() / 8192.0, 0.5);
-  EXPECT_NEAR(kNoiseFillFactor[0] / 32768.0, std::pow(2.0, -2.5), 0.0001);
-  EXPECT_NEAR(kNoiseFillFactor[1] / 32768.0, std::pow(2.0, -2.0), 0.0001);
-  EXPECT_NEAR(kNoiseFillFactor[2] / 32768.0, std::pow(2.0, -0.5), 0.0001);
+  EXPECT_NEAR(std::pow(2.0, -2.5), kNoiseFillFactor[0] / 32768.0, 0.0001);
+  EXPECT_NEAR(std::pow(2.0, -2.0), kNoiseFillFactor[1] / 32768.0, 0.0001);
+  EXPECT_NEAR(std::pow(2.0, -0.5), kNoiseFillFactor[2] / 32768.0, 0.0001);
 }
 
 TEST(Tables, PerCategoryConstants_AreThoseOfTheFormat) {

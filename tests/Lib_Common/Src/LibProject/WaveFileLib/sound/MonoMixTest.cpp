@@ -18,44 +18,44 @@ std::optional<Samples> Mix(const C_Values& values, const S_Format& format) {
 }
 
 TEST(MonoMix, SixteenBitMono_IsTakenAsItIs) {
-  EXPECT_EQ((Samples{0, 1, -1, 32767, -32768}), Mix({0, 1, -1, 32767, -32768}, {}));
+  EXPECT_EQ(Mix({0, 1, -1, 32767, -32768}, {}), (Samples{0, 1, -1, 32767, -32768}));
 }
 
 TEST(MonoMix, OtherWidths_AreScaledTowardZero) {
-  EXPECT_EQ((Samples{0, 256, -256, 32512, -32768}),
-            Mix({0, 1, -1, 127, -128}, {.wBits = 8, .wStoreBits = 8, .bSigned = false}));
-  EXPECT_EQ((Samples{16, -16, 32752, -32768}), Mix({1, -1, 2047, -2048}, {.wBits = 12}));
-  EXPECT_EQ((Samples{0, 1, -1, 32767, -32768}),
-            Mix({255, 256, -511, 8388607, -8388608}, {.wBits = 24, .wStoreBits = 32}));
-  EXPECT_EQ((Samples{0, 1, -1, 32767}),
-            Mix({65535, 65536, -65536, 2147483647}, {.wBits = 32, .wStoreBits = 32}));
+  EXPECT_EQ(Mix({0, 1, -1, 127, -128}, {.wBits = 8, .wStoreBits = 8, .bSigned = false}),
+            (Samples{0, 256, -256, 32512, -32768}));
+  EXPECT_EQ(Mix({1, -1, 2047, -2048}, {.wBits = 12}), (Samples{16, -16, 32752, -32768}));
+  EXPECT_EQ(Mix({255, 256, -511, 8388607, -8388608}, {.wBits = 24, .wStoreBits = 32}),
+            (Samples{0, 1, -1, 32767, -32768}));
+  EXPECT_EQ(Mix({65535, 65536, -65536, 2147483647}, {.wBits = 32, .wStoreBits = 32}),
+            (Samples{0, 1, -1, 32767}));
 }
 
 TEST(MonoMix, UnsignedSixteenBits_AreCentred) {
-  EXPECT_EQ((Samples{0, 1, -32768}), Mix({0, 1, -32768}, {.bSigned = false}));
+  EXPECT_EQ(Mix({0, 1, -32768}, {.bSigned = false}), (Samples{0, 1, -32768}));
 }
 
 TEST(MonoMix, Stereo_IsAveragedTowardZero) {
-  EXPECT_EQ((Samples{15, -15, 0, 32767, -32768, -1}),
-            Mix({10, 21, -10, -21, 1, -2, 32767, 32767, -32768, -32768, -1, -2}, {.wChannels = 2}));
+  EXPECT_EQ(Mix({10, 21, -10, -21, 1, -2, 32767, 32767, -32768, -32768, -1, -2}, {.wChannels = 2}),
+            (Samples{15, -15, 0, 32767, -32768, -1}));
 }
 
 TEST(MonoMix, AnyNumberOfChannels_IsAveragedFrameByFrame) {
-  EXPECT_EQ((Samples{2, 20}), Mix({1, 2, 3, 10, 20, 30}, {.wChannels = 3}));
-  EXPECT_EQ((Samples{3, -3}), Mix({1, 2, 3, 4, 5, 6, -1, -2, -3, -4, -5, -6}, {.wChannels = 6}));
-  EXPECT_EQ((Samples{32512, -32768}),
-            Mix({127, 127, 127, 127, 127, -128, -128, -128, -128, -128},
-                {.wChannels = 5, .wBits = 8, .wStoreBits = 8, .bSigned = false}));
+  EXPECT_EQ(Mix({1, 2, 3, 10, 20, 30}, {.wChannels = 3}), (Samples{2, 20}));
+  EXPECT_EQ(Mix({1, 2, 3, 4, 5, 6, -1, -2, -3, -4, -5, -6}, {.wChannels = 6}), (Samples{3, -3}));
+  EXPECT_EQ(Mix({127, 127, 127, 127, 127, -128, -128, -128, -128, -128},
+                {.wChannels = 5, .wBits = 8, .wStoreBits = 8, .bSigned = false}),
+            (Samples{32512, -32768}));
 }
 
 TEST(MonoMix, NarrowStereo_IsScaledBeforeItIsAveraged) {
-  EXPECT_EQ((Samples{128}),
-            Mix({0, 1}, {.wChannels = 2, .wBits = 8, .wStoreBits = 8, .bSigned = false}));
+  EXPECT_EQ(Mix({0, 1}, {.wChannels = 2, .wBits = 8, .wStoreBits = 8, .bSigned = false}),
+            (Samples{128}));
 }
 
 TEST(MonoMix, MostChannels_DoNotOverflow) {
-  EXPECT_EQ(Samples{-32768}, Mix(C_Values(65535, -32768), {.wChannels = 65535}));
-  EXPECT_EQ(Samples{32767}, Mix(C_Values(65535, 32767), {.wChannels = 65535}));
+  EXPECT_EQ(Mix(C_Values(65535, -32768), {.wChannels = 65535}), Samples{-32768});
+  EXPECT_EQ(Mix(C_Values(65535, 32767), {.wChannels = 65535}), Samples{32767});
 }
 
 TEST(MonoMix, LongSounds_AreMixedToTheirLastFrame) {
@@ -66,16 +66,16 @@ TEST(MonoMix, LongSounds_AreMixedToTheirLastFrame) {
   }
   const auto mix = Mix(values, {.wChannels = 2});
   ASSERT_TRUE(mix);
-  ASSERT_EQ(131075u, mix->size());
-  for (std::size_t i = 0; i < mix->size(); ++i) ASSERT_EQ(i % 1000 + 1, (*mix)[i]) << i;
+  ASSERT_EQ(mix->size(), 131075u);
+  for (std::size_t i = 0; i < mix->size(); ++i) ASSERT_EQ((*mix)[i], i % 1000 + 1) << i;
 }
 
 TEST(MonoMix, PartOfAFrameAtTheEnd_IsLeftOut) {
-  EXPECT_EQ(Samples{15}, Mix({10, 20, 30}, {.wChannels = 2}));
+  EXPECT_EQ(Mix({10, 20, 30}, {.wChannels = 2}), Samples{15});
 }
 
 TEST(MonoMix, SoundWithoutSamples_IsEmptyAndWithoutABuffer_IsRefused) {
-  EXPECT_EQ(Samples{}, Mix({}, {}));
+  EXPECT_EQ(Mix({}, {}), Samples{});
   C_WavData nothing;
   EXPECT_FALSE(monomix::SamplesOf(nothing));
 }
@@ -110,8 +110,8 @@ TEST(MonoMix, TheSoundItself_StaysAsItWas) {
   SetSound(sound, {10, 21}, {.wChannels = 2});
   const auto before = BytesOf(sound);
   ASSERT_TRUE(monomix::SamplesOf(sound));
-  EXPECT_EQ(before, BytesOf(sound));
-  EXPECT_EQ(2, sound.GetWavInfo()->GetChannels());
+  EXPECT_EQ(BytesOf(sound), before);
+  EXPECT_EQ(sound.GetWavInfo()->GetChannels(), 2);
 }
 
 }  // namespace

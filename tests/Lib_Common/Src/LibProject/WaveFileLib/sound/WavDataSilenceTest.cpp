@@ -273,8 +273,9 @@ C_Ranges FoundByTheBook(const C_Values& values, unsigned int dwChannels, int nTh
       llRunStart = -1;
     }
   }
-  if (llRunStart >= 0 && dwCount - 1 - llRunStart >= dwMinLength)
+  if (llRunStart >= 0 && dwCount - 1 - llRunStart >= dwMinLength) {
     found.emplace_back(llRunStart, dwCount - 1);
+  }
   return found;
 }
 

@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Checks the table of floors in docs/ARCHITECTURE.md against the code. It fails when
+#   - a folder with sources is not in the table, or the table names a folder without any,
+#   - a file includes one from a higher floor, or from another room of its own floor,
+#   - the platform includes something of the library,
+#   - an include between quotes names no file of ours, or could mean several.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+table=docs/ARCHITECTURE.md
+library=Lib_Common/Src/LibProject  # the table leaves this out
+failed=0
+fail() {
+  echo "check-floors: $*" >&2
+  failed=1
+}
+
+# The rows look like this: | 7 | `player/`, `platform/` | what lives there |
+declare -A floor
+while IFS='|' read -r _ number names _; do
+  for name in $names; do
+    name=${name//[\`,]/}
+    name=${name%/}
+    [[ -d $library/$name ]] && name=$library/$name
+    floor[$name]=${number// /}
+  done
+done < <(grep -E '^\| *[0-9]+ *\| *`' "$table")
+((${#floor[@]})) || fail "$table has no table of floors"
+
+mapfile -t files < <(scripts/sources.sh | tr '\0' '\n' | sed 's|^\./||' |
+  grep -E '^(common|Lib_Common|platform|player|bench|fuzz|training|examples|tests/support)/')
+declare -A peopled
+for file in "${files[@]}"; do peopled[${file%/*}]=1; done
+for room in "${!peopled[@]}"; do
+  [[ -n ${floor[$room]:-} ]] || fail "$room/ is not in the table of floors in $table"
+done
+for room in "${!floor[@]}"; do
+  [[ -n ${peopled[$room]:-} ]] || fail "$table lists $room/, where no source stands"
+done
+
+# The folders that includes begin at. Programs of a wing look into their own first.
+roots=(common "$library/WaveFileLib" "$library/FileUtil" platform platform/toolbox player fuzz tests/support)
+
+# Sets found to the files that an include of the file could mean.
+resolve() {
+  local file=$1 name=$2 root
+  found=()
+  for root in "${file%/*}" "${file%%/*}"; do
+    [[ -e $root/$name ]] && found=("$root/$name") && return
+  done
+  for root in "${roots[@]}"; do
+    [[ -e $root/$name ]] && found+=("$root/$name")
+  done
+  return 0
+}
+
+while IFS=: read -r file line include; do
+  name=${include#*[\"<]}
+  name=${name%%[\">]*}
+  resolve "$file" "$name"
+  if ((${#found[@]} == 0)); then
+    [[ $include != *\"* ]] || fail "$file:$line: \"$name\" is no file of ours"
+    continue
+  fi
+  ((${#found[@]} == 1)) || fail "$file:$line: \"$name\" could be ${found[*]}"
+  from=${file%/*}
+  to=${found[0]%/*}
+  [[ $from != "$to" ]] || continue
+  if ((${floor[$to]:-0} >= ${floor[$from]:-0})); then
+    fail "$file:$line: an include goes up: $from/ (floor ${floor[$from]:-?}) to $to/ (floor ${floor[$to]:-?})"
+  fi
+  [[ $from != platform* || $to != "$library"* ]] || fail "$file:$line: the platform knows the library"
+done < <(grep -nHE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' "${files[@]}")
+exit "$failed"
