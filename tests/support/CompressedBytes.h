@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "WavBytes.h"
-#include "chunk/WavFileCodecInfo.h"
+#include "compressed/WavFileCodecInfo.h"
 
 // 16-bit values as the bytes of a file.
 inline C_Bytes Shorts(std::initializer_list<int> values) {

@@ -13,8 +13,8 @@
 #include <optional>
 #include <vector>
 
-#include "chunk/WavFileCodecInfo.h"
 #include "compressed/MSAdpcmCodec.h"
+#include "compressed/WavFileCodecInfo.h"
 #include "interface/I_WavData.h"
 
 namespace compressedwav {

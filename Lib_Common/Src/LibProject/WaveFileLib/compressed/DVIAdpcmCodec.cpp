@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "chunk/WavFileCodecInfo.h"
 #include "compressed/CodecBuffer.h"
 #include "compressed/TablesAdpcm.h"
+#include "compressed/WavFileCodecInfo.h"
 
 namespace {
 

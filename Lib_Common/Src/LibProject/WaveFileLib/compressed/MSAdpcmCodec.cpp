@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "CheckedSize.h"
-#include "chunk/WavFileCodecInfo.h"
 #include "compressed/CodecBuffer.h"
 #include "compressed/TablesAdpcm.h"
+#include "compressed/WavFileCodecInfo.h"
 
 namespace {
 

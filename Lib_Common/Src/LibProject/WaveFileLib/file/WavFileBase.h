@@ -11,7 +11,7 @@
 #include <string>
 
 #include "StdioFile.h"
-#include "chunk/WavFileCodecInfo.h"
+#include "compressed/WavFileCodecInfo.h"
 #include "interface/I_WavFile.h"
 
 class C_RiffChunk;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "chunk/WavFileCodecInfo.h"
+#include "compressed/WavFileCodecInfo.h"
 
 #include <algorithm>
 
