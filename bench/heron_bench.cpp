@@ -27,8 +27,8 @@
 #include "heron/Coders.h"
 #include "heron/Configuration.h"
 #include "heron/Fidelity.h"
-#include "heron/FrameCoder.h"
 #include "heron/Sound.h"
+#include "heron/SoundCoder.h"
 
 namespace {
 

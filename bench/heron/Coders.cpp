@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "heron/Fidelity.h"
-#include "heron/FrameCoder.h"
+#include "heron/SoundCoder.h"
 
 namespace {
 

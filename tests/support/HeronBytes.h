@@ -18,7 +18,7 @@
 #include "TestSound.h"
 #include "TestVoice.h"
 #include "codec/HeronCodec.h"
-#include "heron/FrameCoder.h"
+#include "heron/SoundCoder.h"
 
 namespace heron_test {
 

@@ -20,7 +20,7 @@
 #include "codec/HeronEventStream.h"
 #include "codec/HeronStream.h"
 #include "heron/Configuration.h"
-#include "heron/FrameCoder.h"
+#include "heron/SoundCoder.h"
 #include "interface/I_WavData.h"
 #include "sound/MonoMix.h"
 

@@ -5,7 +5,7 @@
 //   offset size  field
 //   0      1     mode code: the variant, see the table in the .cpp
 //   1      3     offset of the event stream from the start of the stream, 0 when there is none
-//   4      n     coded audio (heron/FrameCoder.h)
+//   4      n     coded audio (heron/SoundCoder.h)
 //   4 + n  m     event stream (HeronEventStream.h), to the end
 #pragma once
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "heron/EntropyCoder.h"
-#include "heron/FrameCode.h"
+#include "heron/FrameSyntax.h"
 #include "heron/Transform.h"
 
 namespace heron {

@@ -6,7 +6,7 @@
 #include "heron/Configuration.h"
 #include "heron/EntropyCoder.h"
 #include "heron/FixedPoint.h"
-#include "heron/FrameCode.h"
+#include "heron/FrameSyntax.h"
 #include "heron/Loudness.h"
 #include "heron/StepSize.h"
 #include "heron/Transform.h"

@@ -3,7 +3,7 @@
 // Codes a whole sound. The coded audio is
 //
 //   count of samples   7 bits a byte, lowest first, bit 7 set on all but the last; 1..2^32-1
-//   frames             ceil(count / N) + 1 frames of N coefficients (FrameCode.h) in the two
+//   frames             ceil(count / N) + 1 frames of N coefficients (FrameSyntax.h) in the two
 //                      sequences of EntropyCoder.h; samples behind the last one count as silence
 //
 // Padding gives it at least as many bytes as the samples have frames.

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "Signals.h"
-#include "heron/FrameCoder.h"
+#include "heron/SoundCoder.h"
 
 namespace heron {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "heron/FrameCode.h"
+#include "heron/FrameSyntax.h"
 
 #include <cstddef>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Frames of coefficients, there and back.
-#include "heron/FrameCode.h"
+#include "heron/FrameSyntax.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "heron/FrameCoder.h"
+#include "heron/SoundCoder.h"
 
 #include <algorithm>
 #include <cstddef>

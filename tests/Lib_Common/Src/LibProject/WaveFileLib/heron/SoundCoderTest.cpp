@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The two entries to the frame coder with whole sounds.
-#include "heron/FrameCoder.h"
+#include "heron/SoundCoder.h"
 
 #include <gtest/gtest.h>
 

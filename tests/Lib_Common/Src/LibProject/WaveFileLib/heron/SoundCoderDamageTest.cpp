@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Signals.h"
-#include "heron/FrameCoder.h"
+#include "heron/SoundCoder.h"
 
 namespace heron {
 namespace {
