@@ -2,10 +2,11 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Measures the Heron codec on a folder of 16-bit mono WAV files: bits, signal-to-noise ratios and
-# what other coders reach with the same bits, then the instructions per sample of both directions.
+# what other coders reach with the same bits, then the instructions per sample for encoding and
+# decoding.
 #
-#   bench/heron.sh FOLDER [FILE]     (instructions are counted on FILE, the folder's file of middle
-#                                     size unless given)
+#   bench/heron.sh FOLDER [FILE]     (instructions are counted on FILE, by default on the
+#                                     folder's file of median size)
 set -euo pipefail
 (($# == 1 || $# == 2)) || {
   echo "usage: ${0##*/} FOLDER [FILE]" >&2
@@ -18,7 +19,7 @@ bench=$root/build/bench/bin/heron_bench
 cmake -S "$root" --preset bench >&2
 cmake --build "$root/build/bench" --target heron_bench --parallel "$(nproc)" >&2
 
-# What a run of the program executes, in instructions.
+# The number of instructions that a run of the program executes.
 instructions() {
   valgrind --tool=callgrind --callgrind-out-file=/dev/null "$bench" "$@" 2>&1 >/dev/null |
     sed -n 's/.*Collected : //p'

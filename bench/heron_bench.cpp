@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the Heron codec makes of the 16-bit mono WAV files of a folder, beside what others make of
-// them with the same number of bits, as a table of plain text; and one codec step by itself, for
-// counting its instructions. bench/heron.sh runs both:
+// Compares what the Heron codec makes of the 16-bit mono WAV files in a folder with what other
+// coders make of them with the same number of bits, and prints a table of plain text. It also runs
+// one codec step by itself, for counting its instructions. bench/heron.sh runs both:
 //
 //   bench/heron.sh FOLDER
 //
@@ -32,7 +32,7 @@
 
 namespace {
 
-// As it comes, and with the most that it can do for the ratio: all effort, noise not shaped.
+// With its defaults, and set for the highest ratio: all effort, and no noise shaping.
 constexpr const char* kWavPack = "WavPack -b";
 constexpr const char* kWavPackBest = "WavPack -b -hhx6 -s0";
 
@@ -41,7 +41,7 @@ constexpr auto kColumns = std::to_array<std::string_view>(
      "gain SNR", "gain segm.", "gain mean SNR", "gain mean segm.", "behind SNR", "behind segm."});
 constexpr std::size_t kCoderColumn = 1;
 
-// What one coder did at one depth.
+// The results of one coder at one depth.
 class C_Record {
  public:
   void Add(const S_Sound& sound, const S_Coded& coded) {
@@ -51,7 +51,7 @@ class C_Record {
     m_dSamples += static_cast<double>(sound.samples.size());
   }
   [[nodiscard]] double BitsPerSample() const { return m_dBits / m_dSamples; }
-  // Of all sounds as if they were one.
+  // Over all sounds as if they were one.
   [[nodiscard]] double Snr() const { return m_all.Snr(); }
   [[nodiscard]] double SegmentalSnr() const { return m_all.SegmentalSnr(); }
 
@@ -62,7 +62,7 @@ class C_Record {
     for (const S_Fidelity& sound : m_sounds) dLowest = std::min(dLowest, sound.Snr());
     return dLowest;
   }
-  // How many sounds have a lower ratio here than there.
+  // The number of sounds that have a lower ratio in this record than in the other.
   [[nodiscard]] int Behind(const C_Record& other, double (S_Fidelity::*ratio)() const) const {
     int nBehind = 0;
     for (std::size_t n = 0; n < m_sounds.size(); ++n) {
@@ -149,7 +149,7 @@ Cells Gains(const C_Record& heron, const C_Record& peer) {
           std::to_string(heron.Behind(peer, &S_Fidelity::SegmentalSnr))};
 }
 
-// Each column is as wide as its title; the coder's name alone stands at the left.
+// Each column is as wide as its title. Only the coder's name is left-aligned.
 void PrintRow(Cells cells) {
   cells.resize(kColumns.size());
   for (std::size_t n = 0; n < cells.size(); ++n) {

@@ -12,8 +12,8 @@
 
 namespace vcm {
 
-// Reads fields in file order. A read past the end gives 0 and clears Ok() for good, so a parser
-// reads all its fields and asks once.
+// Reads fields in file order. A read past the end returns 0 and clears Ok() for good, so a parser
+// can read all its fields and check once.
 class C_ByteReader {
  public:
   explicit C_ByteReader(std::span<const std::uint8_t> bytes) noexcept : m_bytes(bytes) {}
@@ -64,7 +64,7 @@ class C_ByteWriter {
   void Bytes(std::span<const std::uint8_t> bytes) {
     m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
   }
-  // The characters of a fixed field: cut at cbField, padded with zeros.
+  // Writes text into a fixed field: cut at cbField characters, or padded with zeros.
   void Text(std::string_view text, std::size_t cbField) {
     for (std::size_t i = 0; i < cbField; ++i) {
       U8(i < text.size() ? static_cast<std::uint8_t>(text[i]) : std::uint8_t{0});

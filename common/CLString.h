@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The one text type of the library, and null-safe assignment and append.
+// The library's only text type, and null-safe assignment and append.
 #pragma once
 
 #include <locale>
 #include <string>
 
-// Assigns psz to s. Null erases s. psz may point into s itself (terminator included): s then keeps
-// its own tail from there on, by length, so that embedded NULs survive.
+// Assigns psz to s. Null erases s. psz may point into s itself, even at its terminator: s then
+// keeps its tail from that point on. The tail is taken by length, so embedded NULs survive.
 void ssasn(std::string& s, const char* psz);
 
 // Appends psz to s. Null changes nothing. psz may point into s itself.
@@ -22,13 +22,14 @@ class CStdStr<char> : public std::string {
  public:
   using std::string::string;
 
-  // A writable buffer of at least nMinLen characters (new ones are NUL); end with RelBuf.
+  // Returns a writable buffer of at least nMinLen characters (new ones are NUL). Call RelBuf when
+  // done.
   char* GetBuf(int nMinLen);
-  // Sets the length to nNewLen, or to the text before the first NUL when it is negative.
+  // Sets the length to nNewLen. If nNewLen is negative, cuts the text at its first NUL.
   void RelBuf(int nNewLen);
-  // Erases the text (not a question; that is empty()).
+  // Erases the text. To ask whether the text is empty, call empty().
   void Empty() { clear(); }
-  // Upper-cases under the global locale.
+  // Converts the text to upper case with the global locale.
   void MakeUpper() { ToUpper(std::locale()); }
   CStdStr& ToUpper(const std::locale& loc);
   // Implicit on purpose: texts are passed wherever a C string is expected.
@@ -39,7 +40,7 @@ class CStdStr<char> : public std::string {
 class I_CLString {
  public:
   virtual const char* GetContent() const = 0;    // 1, never null; valid until the next change
-  virtual void SetContent(const char* psz) = 0;  // 2, null empties
+  virtual void SetContent(const char* psz) = 0;  // 2, null erases the text
   virtual void Empty() = 0;                      // 3, erases the text
   virtual ~I_CLString() = default;               // 4
 };
@@ -59,7 +60,7 @@ class C_CLString : public I_CLString {
   void SetContent(const char* psz) override { ssasn(m_strText, psz); }
   void Empty() override { m_strText.Empty(); }
 
-  // The text's own buffer access and case conversion.
+  // Gives access to the text's buffer and case conversion.
   CStdStr<char>& Text() { return m_strText; }
 
  private:

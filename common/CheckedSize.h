@@ -9,7 +9,8 @@
 
 namespace vcm {
 
-// qwCount * dwEach + qwExtra when the result fits 32 bits (the width of every size in RIFF).
+// Returns qwCount * dwEach + qwExtra, or nothing when the result does not fit in 32 bits (the width
+// of every size in RIFF).
 constexpr std::optional<std::uint32_t> CheckedBytes(std::uint64_t qwCount, std::uint32_t dwEach,
                                                     std::uint64_t qwExtra = 0) noexcept {
   constexpr std::uint64_t qwMax = std::numeric_limits<std::uint64_t>::max();

@@ -11,8 +11,8 @@
 namespace vcm {
 namespace {
 
-// A pipe holds whoever opens it until somebody writes, a terminal whoever reads it until somebody
-// types, and no sound can be had from either: it is read from several places.
+// Opening a pipe blocks until somebody writes to it, and reading a terminal blocks until somebody
+// types. Neither can hold a sound anyway, because a sound is read from several places in its file.
 bool CanBeRead(const char* pszPath) {
   struct stat info {};
   return stat(pszPath, &info) != 0 || S_ISREG(info.st_mode) || S_ISDIR(info.st_mode);
@@ -59,7 +59,8 @@ std::optional<std::uint64_t> Tell(std::FILE* pFile) noexcept {
 std::optional<std::uint64_t> SizeAndSeekEnd(std::FILE* pFile) noexcept {
   if (fseeko(pFile, 0, SEEK_END) != 0) return std::nullopt;
   const auto qwSize = Tell(pFile);
-  // A directory opens for reading and reports an absurd end; no file of ours is that long.
+  // A directory can be opened for reading and then reports an absurd end position. None of our
+  // files is that long.
   constexpr std::uint64_t qwAbsurd = std::uint64_t{1} << 62;
   if (!qwSize || *qwSize >= qwAbsurd) return std::nullopt;
   return qwSize;

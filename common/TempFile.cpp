@@ -13,9 +13,9 @@ namespace {
 
 constexpr int kAttempts = 100;
 
-// The C library's own generator is deprecated by linkers for the race between name and creation;
-// that race is closed here by CreateExclusive, and the name keeps its form: P_tmpdir, a beginning
-// and six characters of the portable set.
+// Linkers warn about the C library's own generator because of the race between choosing a name and
+// creating the file. CreateExclusive closes that race here. The name keeps its form: P_tmpdir, a
+// prefix and six characters of the portable set.
 std::string LibraryTempName(const char* pszPrefix) {
   static constexpr std::string_view kLetters =
       "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";

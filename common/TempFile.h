@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Temporary files. Names have the directory that the C library's temporary-name function gives, and
-// its form unless another beginning is asked for; TMPDIR and every other environment variable are
-// ignored on purpose, so that a file is found in the same place however the program was started.
+// Temporary files. Their names use the directory that the C library's temporary-name function uses,
+// and the same form unless the caller asks for another prefix. TMPDIR and every other environment
+// variable are ignored on purpose, so that a file is found in the same place however the program
+// was started.
 #pragma once
 
 #include <string>
@@ -12,18 +13,19 @@
 
 namespace vcm {
 
-// What the C library's own temporary names begin with.
+// The prefix of the C library's own temporary names.
 inline constexpr const char* kTempPrefix = "file";
 
-// A fresh temporary name (nothing is created): pszPrefix, six characters, and pszSuffix (".wav", ""
-// ...). Empty when no name is left.
+// Returns a new temporary path and creates nothing. The file name is pszPrefix, six characters and
+// pszSuffix (".wav", "" ...). Empty when no unused name was found.
 [[nodiscard]] std::string TempName(const char* pszSuffix, const char* pszPrefix = kTempPrefix);
 
-// Creates strPath for writing and reading, exclusively, mode 0600, without following a link. Empty
-// when it exists or cannot be made.
+// Creates strPath exclusively for reading and writing, with mode 0600 and without following a link.
+// Empty when the file exists or cannot be created.
 [[nodiscard]] C_FilePtr CreateExclusive(const std::string& strPath);
 
-// Removes the file of a path at destruction, unless it is kept. Owns the file, not a stream of it.
+// Removes the file at a path on destruction, unless Keep() was called. Owns the file, but no stream
+// of it.
 class C_RemovedAtEnd {
  public:
   C_RemovedAtEnd() = default;
@@ -34,7 +36,7 @@ class C_RemovedAtEnd {
 
   // Empty when there is nothing to remove.
   [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
-  // Leaves the file where it is, and gives its path.
+  // Leaves the file where it is and returns its path.
   std::string Keep() noexcept { return std::exchange(m_strPath, {}); }
 
  private:
@@ -52,7 +54,7 @@ class C_TempFile {
   // The open stream ("w+b"); null when the file could not be created.
   [[nodiscard]] std::FILE* Stream() const noexcept { return m_file.get(); }
   [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
-  // Gives up the stream; the file is still removed at destruction.
+  // Hands over the stream; the file is still removed on destruction.
   [[nodiscard]] C_FilePtr TakeStream() noexcept { return std::move(m_file); }
 
  private:

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The one assertion of the system: always on, in every build.
+// The only assertion of the system. It is always on, in every build.
 //
-// A failed assertion prints function, source, line and expression on standard error and aborts. All
-// four are passed as data, because support tools and users' logs know these sites by fixed names
-// and line numbers that must survive every edit of the source.
+// A failed assertion prints function, source, line and expression on standard error and aborts. The
+// place that asserts passes all four. Function and source are fixed names that support tools and
+// users' logs know, so they must survive every edit of the source. The line is fixed only where a
+// number is passed: callers know these lines by number, and they must survive every edit, too. All
+// other places pass __LINE__, which changes with the source.
 #pragma once
 
 // Prints one line, "<function>: <source>:<line>: assertion failed: <text>", and aborts.
@@ -20,7 +22,7 @@
 
 namespace vcm {
 
-// Function and source of assertions in steps that several functions share.
+// The function and source that assertions print in steps shared by several functions.
 struct S_AssertSite {
   const char* pszFunction;
   const char* pszSource;

@@ -20,7 +20,7 @@ class C_FuzzFile {
   explicit C_FuzzFile(std::span<const std::uint8_t> bytes = {})
       : m_nFile(memfd_create("fuzz", MFD_CLOEXEC)),
         m_strPath("/proc/self/fd/" + std::to_string(m_nFile)) {
-    // A fuzzer that could not hand over its input would report success for nothing.
+    // A fuzzer that cannot hand over its input would report success without testing anything.
     if (m_nFile < 0 || !WriteAll(bytes)) std::abort();
   }
   ~C_FuzzFile() { static_cast<void>(close(m_nFile)); }
@@ -31,7 +31,7 @@ class C_FuzzFile {
   // renamed, so operations that replace their file fail on it.
   [[nodiscard]] const char* Path() const noexcept { return m_strPath.c_str(); }
 
-  // What the file holds now.
+  // The bytes that the file holds now.
   [[nodiscard]] std::vector<std::uint8_t> Bytes() const {
     struct stat status {};
     if (fstat(m_nFile, &status) != 0) std::abort();

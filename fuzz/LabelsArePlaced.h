@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A label that names an annotation without a cue point to place it stops the program, on purpose.
-// It is the one thing in a file that does, so the fuzzers leave such files alone.
+// Nothing else in a file does that, so the fuzzers skip such files.
 #pragma once
 
 #include "file/WavFile.h"
 #include "file/WavLabels.h"
 #include "interface/I_WavDataInfo.h"
 
-// True for a RIFF sound file that may be loaded, and for anything that is none.
+// True for a RIFF sound file that may be loaded, and for a file that is not a RIFF sound file.
 inline bool LabelsArePlaced(const char* pszFileName) {
   C_WavFile file;
   void* pList = nullptr;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a fuzzer knows must hold. Stops the fuzzer, in every build, so that it keeps the input.
+// States what must hold. When it does not, the fuzzer stops, in every build, and so keeps the
+// input.
 #pragma once
 
 #include <cstdlib>

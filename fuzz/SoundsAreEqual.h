@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a RIFF sound file carries of a sound, compared.
+// Compares what a RIFF sound file carries of two sounds.
 #pragma once
 
 #include <algorithm>

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as the payload of a "LIST" chunk: load labels and labelled texts, and save them.
+// Treats any bytes as the payload of a "LIST" chunk: loads labels and labelled texts, and saves
+// them.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target adtl
 //   build/fuzz/bin/adtl -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
 //
-// Input: the payload, from "adtl" on. Seeds: what our own writer saves.
+// Input: the payload, beginning with "adtl". Seeds: what our own writer saves.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>

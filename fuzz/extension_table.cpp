@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any file name through the extension table: what it says must agree with a table and a rule of its
-// own. The name is tried as it is, and as the name of an existing file where one can be made.
+// Looks up any file name in the extension table: the answer must agree with a table and a rule of
+// this fuzzer's own. The name is tried as it is and, where possible, also as the name of an
+// existing file.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,7 +20,8 @@ namespace {
 constexpr std::size_t kMaxName = 1024;
 constexpr unsigned char kUntouched = 7;
 
-// "PLAYED|DECODED" for the upper-cased text after the last dot.
+// 0 for a file that is played as it is, 1 for a file that is decoded first, -1 for any other. The
+// upper-cased text after the last dot decides.
 int Expected(const std::string& strName) {
   static const std::string strPlayed = "|MP3|WMA|WAV|MID|VEA|";
   static const std::string strDecoded =

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a file of any kind, through the entry that the player uses.
+// Opens any bytes as a file of any kind, through the entry point that the player uses.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target factory
 //   build/fuzz/bin/factory -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
 
   const C_WavFilePtr opened(format.OpenWavFile(bytes.Path()));
   if (opened) {
-    // Containers have no kind of their own: their object says by its coding type what is in them.
+    // Containers have no kind of their own: the coding type of their object says what they contain.
     C_RiffFile riff;
     Require(eKind != AUDIO_FILE_UNKNOWN || riff.Open(bytes.Path(), "VEFF"));
     Require(opened->GetWavDataBuffer() == nullptr);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a Heron stream, at a sample rate that the first byte chooses: through the codec, and
-// behind an SP header through the file class.
+// Decodes any bytes as a Heron stream, at a sample rate chosen by the first byte: through the
+// codec, and after an SP header through the file class.
 //
 //   scripts/fuzz.sh 60 heron_stream
 #include <algorithm>
@@ -21,7 +21,7 @@
 namespace {
 
 constexpr std::array<unsigned int, 6> kRates = {4000, 8000, 11025, 16000, 44100, 48000};
-// A byte may stand for a whole frame: longer streams take their time and show nothing new.
+// One byte may stand for a whole frame. Longer streams take more time and show nothing new.
 constexpr std::size_t kMaxStream = 512;
 
 std::vector<std::uint8_t> Pcm(I_WavData* pIWavData) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any samples at any of the eight rates to a stream and back: the number of frames is right, and
-// the same samples give the same stream again.
+// Encodes any samples at any of the eight rates and decodes them again: the number of frames is
+// right, and the same samples produce the same stream again.
 //
 //   scripts/fuzz.sh 60 kestrel_encode_decode
 //

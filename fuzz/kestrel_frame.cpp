@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Kestrel frames to samples, at every rate, with the decoder's state carried from frame to frame.
+// Decodes Kestrel frames to samples at every rate, with the decoder's state carried from frame to
+// frame.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target kestrel_frame
 //   build/fuzz/bin/kestrel_frame -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
 //
-// Input: one byte that chooses the rate, then frame words, 16-bit little-endian; a last frame that
-// is cut off is filled up with zeros. What is decoded is encoded again, so that the encoder meets
-// signals that no microphone gives.
+// Input: one byte that chooses the rate, then frame words, 16-bit little-endian. A last frame that
+// is cut off is padded with zeros. What is decoded is encoded again, so that the encoder meets
+// signals that no microphone produces.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -33,7 +34,8 @@ std::vector<std::uint16_t> WordsOf(std::span<const std::uint8_t> bytes,
   return words;
 }
 
-// What holds for every frame: nothing above the coded regions, and a shift that the transform has.
+// Checks what holds for every frame: nothing lies above the coded regions, and the transform
+// supports the shift.
 void Check(std::span<const std::uint16_t> words, int nRegions) {
   kestrel::S_NoiseGenerator noise;
   const auto frame = kestrel::UnpackFrame(words, nRegions, noise);

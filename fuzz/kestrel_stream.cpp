@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a Kestrel stream: through the codec, and behind an SP header through the file class.
+// Decodes any bytes as a Kestrel stream: through the codec, and after an SP header through the file
+// class.
 //
 //   scripts/fuzz.sh 60 kestrel_stream
 #include <cstddef>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as the text of a label, against a second reading of the same rules.
+// Parses any bytes as the text of a label and compares the result with a second implementation of
+// the same rules.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target label_text
 //   build/fuzz/bin/label_text -max_len=128 -max_total_time=60 CORPUS_DIRECTORY
@@ -17,7 +18,8 @@ namespace {
 
 using wavlabels::S_LabelMeaning;
 
-// Digit by digit: blanks, a sign, digits, of the first 31 characters; held at the 64-bit limits.
+// Reads blanks, a sign and digits, digit by digit, from the first 31 characters only. The value
+// stops at the 64-bit limits.
 unsigned int SlowNumber(std::string strText) {
   strText = strText.substr(0, 31);
   std::size_t n = strText.find_first_not_of(" \t\n\v\f\r");
@@ -40,8 +42,8 @@ S_LabelMeaning SlowEvent(unsigned int dwMain, unsigned int dwSub) {
           static_cast<unsigned short>(dwSub)};
 }
 
-// The same rules by searching: an underscore belongs to the "u" when one stands before it, else to
-// the "e" when one stands before it.
+// Applies the same rules by searching: an underscore belongs to the "u" if there is one before it,
+// otherwise to the "e" if there is one before it.
 S_LabelMeaning SlowParse(const std::string& strText) {
   const std::size_t nU = strText.find('u');
   const std::size_t nE = strText.find('e');

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Makes the inputs that the fuzzers start from, with the library's own writers, so that they begin
-// deep inside the formats: one folder per fuzzer. Run by scripts/fuzz.sh; by hand:
+// deep inside the formats. Each fuzzer has one folder. scripts/fuzz.sh runs this program; by hand:
 //
 //   build/fuzz/bin/make_seeds build/fuzz/seeds
 #include <array>
@@ -39,7 +39,7 @@ class C_Seeds {
  public:
   explicit C_Seeds(std::string strRoot) : m_strRoot(std::move(strRoot)) {}
 
-  // The same input for each of these fuzzers.
+  // Adds the same input for each of these fuzzers.
   void Add(std::initializer_list<const char*> fuzzers, std::span<const std::uint8_t> bytes) {
     for (const char* pszFuzzer : fuzzers) {
       const std::string strFolder = m_strRoot + "/" + pszFuzzer;
@@ -65,14 +65,14 @@ Bytes WaveFile(I_WavData& sound, tagAudioFileType eType) {
   return file.Bytes();
 }
 
-// Files of codecs are containers when they are written without encoding.
+// Codec files are containers when they are written without encoding.
 Bytes Container(I_WavData& sound, tagAudioFileType eType) {
   const C_FuzzFile file;
   if (!sound.Convert(eType, file.Path(), false, false, nullptr, true, 0)) std::abort();
   return file.Bytes();
 }
 
-// The payload of the first such chunk of a RIFF file.
+// The payload of the first chunk of a RIFF file that has this identifier.
 Bytes Payload(const Bytes& wave, const char* pszID) {
   const C_FuzzFile file(wave);
   C_RiffFile riff;
@@ -98,7 +98,7 @@ void AddWaves(C_Seeds& seeds) {
   }
 }
 
-// Three blocks and a part of one, under the tag of each kind.
+// Three whole blocks and a part of another, under the tag of each kind.
 void AddCompressedWaves(C_Seeds& seeds) {
   for (const S_Blocks& blocks : OneOfEachKind()) {
     const Bytes encoded = ExamplePcm({8000, 1, 8, 8}, std::size_t{3} * blocks.wBlockAlign + 19);
@@ -107,7 +107,8 @@ void AddCompressedWaves(C_Seeds& seeds) {
   }
 }
 
-// A cue point, a label and a text of the user's, where an event will want the identifier.
+// A cue point, a label and a text of the user's, with an identifier that an event will want as
+// well.
 void AddMarkOfTheUser(I_WavData& sound) {
   void* pInfo = nullptr;
   sound.GetInfo(WAV_DATA_INFO_CUE, &pInfo);
@@ -140,7 +141,7 @@ void AddChunks(C_Seeds& seeds) {
   }
 }
 
-// Form and widths, channels, rate, five numbers of things, then their fields and the samples.
+// The form and widths, channels, rate and five counts, then the counted fields and the samples.
 void AddDescriptions(C_Seeds& seeds) {
   for (std::uint8_t byForm = 0; byForm < 16; ++byForm) {
     Bytes description = {byForm, 2, 0x80, 0x3E, 0, 0, 2, 1, 1, 1, 1};
@@ -173,7 +174,7 @@ Bytes WithHeader(const Bytes& stream, tagAudioFileType eType = AUDIO_FILE_KESTRE
   return target.Bytes();
 }
 
-// The fuzzers of the coder choose a rate by the first byte, the rest is what they code.
+// The first byte of the coder's fuzzers chooses a rate; the rest is what they code.
 Bytes Chosen(std::size_t nChoice, std::span<const std::uint8_t> rest) {
   Bytes bytes = {static_cast<std::uint8_t>(nChoice)};
   bytes.insert(bytes.end(), rest.begin(), rest.end());
@@ -201,7 +202,7 @@ Bytes HeronStream(I_WavData& sound, tagAudioFileType eType) {
   return {pbyStream, pbyStream + dwLength};
 }
 
-// The fuzzer chooses a sample rate by the first byte, in this order.
+// The first byte chooses one of these sample rates, in this order.
 void AddHeronStreams(C_Seeds& seeds) {
   constexpr std::array<unsigned int, 6> kRates = {4000, 8000, 11025, 16000, 44100, 48000};
   for (std::size_t i = 0; i < kRates.size(); ++i) {

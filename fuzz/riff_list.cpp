@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a RIFF file: list, read every payload, parse payloads as chunks, write back.
+// Treats any bytes as a RIFF file: lists the chunks, reads every payload, parses payloads as chunks
+// and writes the file back.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target riff_list
 //   build/fuzz/bin/riff_list -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
@@ -20,7 +21,7 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// A payload is given when the file holds it whole, as it stands there, and not otherwise.
+// A payload is returned, unchanged, if the file holds all of it, and not otherwise.
 void CheckPayload(C_RiffChunk& chunk, Bytes file) {
   const std::uint64_t qwEnd = std::uint64_t{chunk.GetDataPos()} + chunk.GetDataLength();
   const bool bHeld = chunk.GetDataLength() > 0 && qwEnd <= file.size();
@@ -52,8 +53,8 @@ void CheckFile(C_RiffFile& riff, Bytes file) {
   }
 }
 
-// What was read and written holds the same chunks when it is read again. Lists with payloads that
-// the file cut are left out: zeros are written for them, up to 4 GiB.
+// A list that was read and written has the same chunks when it is read again. Lists with payloads
+// that the end of the file cuts are skipped: zeros are written for the missing bytes, up to 4 GiB.
 void CheckSave(C_RiffFile& riff, const char* pszFormType, std::size_t cbFile) {
   if (riff.GetChunks().GetTrueChunksLength() > cbFile) return;
   const C_FuzzFile target;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as the payload of a "cue " and of a "smpl" chunk: load, find every cue point, save.
+// Treats any bytes as the payload of a "cue " and of a "smpl" chunk: loads it, finds every cue
+// point and saves it.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target smpl_cue
 //   build/fuzz/bin/smpl_cue -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
@@ -30,7 +31,8 @@ Bytes Save(Info& info) {
   return payload;
 }
 
-// A payload in memory always loads, asks for no more than it was, and saves what loads the same.
+// A payload in memory always loads. It asks for no more bytes than it had, and what it saves loads
+// and saves the same again.
 template <typename Info>
 void CheckRoundTrip(Info& info, I_WavInfo* pWavInfo, C_RiffChunk& chunk, unsigned int cbLeast) {
   Require(info.LoadInfo(&chunk));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a file with an SP header: recognised or not, cut anywhere, stripped and copied.
+// Treats any bytes as a file with an SP header: recognised or not, cut anywhere, stripped and
+// copied.
 //
 //   scripts/fuzz.sh 60 sp_header
 #include <algorithm>
@@ -15,7 +16,7 @@
 
 namespace {
 
-// A recognised header comes back from the file that it is written to.
+// A recognised header is read back unchanged from the file that it is written to.
 void CheckWrite(const C_SpHeader& header) {
   const C_FuzzFile nothing;
   const C_FuzzFile written;

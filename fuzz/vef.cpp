@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a VEF container: as stored and decoded; and what was loaded is written and loaded
-// again, the same.
+// Loads any bytes as a VEF container, as stored and decoded. What was loaded is written and loaded
+// again, and must be the same.
 //
 //   scripts/fuzz.sh 60 vef
 //
@@ -31,8 +31,8 @@ bool Write(C_VefFile& file, const C_FuzzFile& bytes) {
   return file.WriteFile(bytes.Path(), false, true, nullptr, false, 0);
 }
 
-// Lengths beyond the file are believed up to a bound; filling megabytes with zeros shows nothing
-// more than filling some.
+// Claimed lengths beyond the file are believed up to a bound. Filling megabytes with zeros shows
+// nothing that a few kilobytes do not.
 bool IsSlow(I_WavInfo& info, std::size_t cbFile) {
   constexpr std::size_t kQuick = 1U << 16;
   return info.GetByteLength() > cbFile + kQuick;
@@ -59,12 +59,13 @@ std::vector<std::pair<unsigned int, std::string>> Labels(I_WavFile& file) {
   return labels;
 }
 
-// Written and read, the sound is the same; written once more, the file is.
+// The sound is the same after it is written and read. Written once more, the file is the same too.
 void CheckRoundTrip(C_VefFile& file) {
   const C_FuzzFile first;
   const C_FuzzFile second;
   if (!Write(file, first)) {
-    // 12 bits stored in 12 have no conversion to the 16 that would be written.
+    // Samples of 12 bits that are stored in 12 bits cannot be converted to the 16 that would be
+    // written.
     Require(file.GetWavInfo()->GetBitsPerSample() == 12);
     return;
   }
@@ -95,7 +96,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   const bool bChecks = file.CheckFormat(bytes.Path(), false);
   const bool bOpens = file.OpenByName(bytes.Path());
   Require(bChecks || !bOpens);
-  // No container, nothing to look at; an SP header is the business of other fuzzers.
+  // Files that are not containers are of no interest here. Other fuzzers handle SP headers.
   if (!bOpens || IsSlow(*file.GetWavInfo(), cbData)) return bChecks ? 0 : -1;
   Require(file.GetWavDataBuffer() == nullptr);
   const bool bLoads = Load(file, bytes, true);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a RIFF sound file: check, open, load; and what was loaded is written and loaded
-// again, the same.
+// Checks, opens and loads any bytes as a RIFF sound file. What was loaded is written and loaded
+// again, and must be the same.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target wav_load
 //   build/fuzz/bin/wav_load -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
@@ -26,20 +26,21 @@ bool Write(C_WavFile& file, const C_FuzzFile& bytes) {
   return file.WriteFile(bytes.Path(), true, false, nullptr, false, 0);
 }
 
-// Lengths beyond the file are believed up to a bound; filling megabytes with zeros shows nothing
-// more than filling some.
+// Claimed lengths beyond the file are believed up to a bound. Filling megabytes with zeros shows
+// nothing that a few kilobytes do not.
 bool IsSlow(I_WavInfo& info, std::size_t cbFile) {
   constexpr std::size_t kQuick = 1U << 16;
   return info.GetByteLength() > cbFile + kQuick &&
          info.GetByteLength() <= cbFile + C_WavFile::kMaxMissingBytes;
 }
 
-// Written and read, the sound is the same; written once more, the file is.
+// The sound is the same after it is written and read. Written once more, the file is the same too.
 void CheckRoundTrip(C_WavFile& file) {
   const C_FuzzFile first;
   const C_FuzzFile second;
   if (!Write(file, first)) {
-    // 12 bits stored in 12 have no conversion to the 16 that would be written.
+    // Samples of 12 bits that are stored in 12 bits cannot be converted to the 16 that would be
+    // written.
     Require(file.GetWavInfo()->GetBitsPerSample() == 12);
     return;
   }

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any sound with any annotations, written and read: nothing that travels is lost or changed.
+// Writes and reads any sound with any annotations: nothing that a file carries is lost or changed.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target wav_write_read
 //   build/fuzz/bin/wav_write_read -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
 //
-// Input: form and widths (1 byte), channels (1), rate (4), numbers of events, silence segments,
+// Input: form and widths (1 byte), channels (1), rate (4), the counts of events, silence segments,
 // regions, loops and extra chunks (1 each), then their fields, then the samples. Fields beyond the
-// input are 0.
+// end of the input are 0.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -43,7 +43,7 @@ void SetFormat(C_WavFile& file, vcm::C_ByteReader& reader) {
   file.SetFileFormat(dwShape % 2 == 0 ? AUDIO_FILE_WAVE : AUDIO_FILE_VEMD);
   const unsigned short wBits = kWidths[dwShape / 2 % kWidths.size()];
   const auto wChannels = static_cast<unsigned short>(1 + reader.U8());
-  const unsigned int dwRate = reader.U32() | 1;  // events need one
+  const unsigned int dwRate = reader.U32() | 1;  // events need a rate
   file.SetWavInfoData(dwRate, wChannels, wBits, wBits, wBits > 8);
 }
 

@@ -20,8 +20,8 @@ AudioChannelLayout Head(AudioChannelLayoutTag dwTag, AudioChannelBitmap dwBitmap
   return layout;
 }
 
-// Kept: counts and labels print as signed numbers; the label of a channel that is not known, all
-// ones, reads -1. Pinned by ALabelOfAllOnes_PrintsAsMinusOne.
+// Kept: counts and labels print as signed numbers, so the label of an unknown channel, all ones,
+// reads as -1. Pinned by ALabelOfAllOnes_PrintsAsMinusOne.
 int Signed(UInt32 dw) noexcept { return static_cast<int>(dw); }
 
 void PrintDescription(const AudioChannelDescription& desc, std::FILE* pStream) {

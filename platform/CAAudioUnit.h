@@ -8,8 +8,8 @@
 #include "CAComponent.h"
 #include "CAStreamBasicDescription.h"
 
-// An audio unit and the graph node that it belongs to. Owns neither: the graph does. Every
-// operation returns the toolbox's status, 0 on success; on an empty wrapper the toolbox refuses the
+// An audio unit and the graph node that it belongs to. Owns neither of them; the graph does. Every
+// operation returns the toolbox's status, 0 on success. On an empty wrapper the toolbox rejects the
 // null unit.
 class CAAudioUnit {
  public:
@@ -20,15 +20,15 @@ class CAAudioUnit {
   [[nodiscard]] AUNode GetAUNode() const noexcept { return m_node; }
   [[nodiscard]] AudioUnit AU() const noexcept { return m_unit; }
 
-  // The component that the unit was made from; an empty one for an empty wrapper.
+  // The component that the unit was made from; an empty component for an empty wrapper.
   [[nodiscard]] CAComponent Comp() const noexcept {
     return IsValid() ? CAComponent(AudioComponentInstanceGetComponent(m_unit)) : CAComponent();
   }
-  // For debugging: "AudioUnit:" and the unit's address on one line; on the next, when there is a
-  // unit, its node and its component. The stream is open.
+  // Prints for debugging: one line with "AudioUnit:" and the unit's address and, when there is a
+  // unit, a second line with its node and its component. The stream is open.
   void Print(std::FILE* pStream) const;
 
-  // `*pdwDataSize` is the room on entry and the bytes written on return.
+  // On entry `*pdwDataSize` is the size of the buffer, on return the number of bytes written.
   OSStatus GetProperty(AudioUnitPropertyID dwID, AudioUnitScope dwScope, AudioUnitElement dwElement,
                        void* pData, UInt32* pdwDataSize) const;
   OSStatus SetProperty(AudioUnitPropertyID dwID, AudioUnitScope dwScope, AudioUnitElement dwElement,

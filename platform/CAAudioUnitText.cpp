@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Apart from the class, so that a program which prints no unit does not carry its texts.
+// Separate from the class, so that a program that prints no units does not carry these strings.
 #include "CAAudioUnit.h"
 
 void CAAudioUnit::Print(std::FILE* pStream) const {

@@ -6,13 +6,14 @@
 #include <cstdio>
 #include <string>
 
-// The two halves of a component's name, in UTF-8; empty where one is not known.
+// The two halves of a component's name, in UTF-8. A half is empty when it is not known.
 struct S_ComponentNames {
   std::string strManufacturer;
   std::string strUnit;
 };
 
-// A component together with the description that it was looked up by, or its own. Owns nothing.
+// A component together with a description: the one that it was looked up by, or its own. Owns
+// nothing.
 class CAComponent {
  public:
   CAComponent() noexcept = default;
@@ -21,7 +22,8 @@ class CAComponent {
       : m_component(AudioComponentFindNext(nullptr, &desc)), m_desc(desc) {}
   CAComponent(OSType dwType, OSType dwSubType, OSType dwManufacturer) noexcept
       : CAComponent(AudioComponentDescription{dwType, dwSubType, dwManufacturer, 0, 0}) {}
-  // A component and the toolbox's description of it: all zero for null, and where it has none.
+  // A component and the toolbox's description of it. The description is all zero for a null
+  // component, or when the toolbox has none.
   explicit CAComponent(AudioComponent component) noexcept;
 
   [[nodiscard]] bool IsValid() const noexcept { return m_component != nullptr; }
@@ -31,8 +33,8 @@ class CAComponent {
   // The toolbox names a component "Manufacturer: Unit name". A name without ": " is that of a unit
   // whose manufacturer is not known.
   [[nodiscard]] S_ComponentNames Names() const;
-  // One line for debugging: "CAComponent: ", the component's address, ", Manu:" and ", Name:" with
-  // the names that are known, then ", " and the description's line. The stream is open.
+  // Prints one line for debugging: "CAComponent: " and the component's address, ", Manu:" and ",
+  // Name:" with the names that are known, then ", " and the description's line. The stream is open.
   void Print(std::FILE* pStream) const;
 
  private:
@@ -40,7 +42,7 @@ class CAComponent {
   AudioComponentDescription m_desc{};
 };
 
-// One line for debugging with the three codes, the flags and their mask:
+// Prints one line for debugging with the three codes, the flags and their mask:
 //   AudioComponentDescription: 'auou' - 'def ' - 'appl', 0x0, 0x0
 // The stream is open.
 void PrintComponentDescription(const AudioComponentDescription& desc, std::FILE* pStream);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Apart from the class, so that a program which prints no description does not carry its texts.
+// Separate from the class, so that a program that prints no descriptions does not carry these
+// strings.
 #include <algorithm>
 #include <array>
 #include <cstdarg>
@@ -11,8 +12,8 @@
 
 namespace {
 
-// Appends to a buffer of fixed size. The text in it always ends with a zero; what does not fit is
-// cut. A buffer of no bytes, or none at all, is left alone.
+// Appends text to a buffer of fixed size. The text always ends with a zero, and whatever does not
+// fit is cut off. A null buffer, or a buffer of 0 bytes, is left alone.
 class C_BoundedText {
  public:
   C_BoundedText(char* pszBuffer, std::size_t cbBuffer) noexcept
@@ -22,7 +23,7 @@ class C_BoundedText {
 
  private:
   char* m_pszEnd;
-  // What is left of the buffer, the zero at the end included.
+  // Bytes left in the buffer, including the terminating zero.
   std::size_t m_cbRoom;
 };
 
@@ -39,7 +40,7 @@ void C_BoundedText::Append(const char* pszFormat, ...) noexcept {
   *m_pszEnd = '\0';
 }
 
-// Kept: counts print as signed numbers. A field that was never set, all ones, is seen at once as
+// Kept: counts print as signed numbers, so that a field that was never set, all ones, stands out as
 // -1. Pinned by CountsOfAllOnes_PrintAsMinusOne.
 int Signed(UInt32 dwCount) noexcept { return static_cast<int>(dwCount); }
 
@@ -49,7 +50,7 @@ void AppendHead(C_BoundedText& text, const CAStreamBasicDescription& desc) noexc
               FourCharCodeText(desc.mFormatID, code.data()), desc.mFormatFlags);
 }
 
-// The flags of 'alac' number the depths that its sources can have; 0 for every other number.
+// The flags of 'alac' number the depths that its sources can have. Returns 0 for any other number.
 int LosslessSourceBits(AudioFormatFlags dwFlags) noexcept {
   constexpr std::array<int, 5> kBits = {0, 16, 20, 24, 32};
   return dwFlags < kBits.size() ? kBits[dwFlags] : 0;
@@ -95,12 +96,13 @@ const char* NumberFormat(const CAStreamBasicDescription& desc) noexcept {
   return Has(desc, kAudioFormatFlagIsSignedInteger) ? " signed integer" : " unsigned integer";
 }
 
-// Nothing is said of samples that fill their words, nor of words whose size is not known.
+// Says nothing about samples that fill their words, or when the word size is not known.
 void AppendPacking(C_BoundedText& text, const CAStreamBasicDescription& desc) noexcept {
   const UInt32 cbWord = desc.SampleWordSize();
   if (cbWord == 0 || UInt64{cbWord} * 8 == desc.mBitsPerChannel) return;
-  // Kept: packing and alignment read as one phrase, with a comma before it and none in it: both say
-  // where the sample lies in its word. Pinned by SamplesThatDoNotFillTheirWords_SayHowTheyLie.
+  // Kept: packing and alignment read as one phrase, with a comma before it and none inside it,
+  // because both say where the sample lies in its word. Pinned by
+  // SamplesThatDoNotFillTheirWords_SayHowTheyLie.
   text.Append(", %s in %d bytes %s", Has(desc, kAudioFormatFlagIsPacked) ? "packed" : "unpacked",
               Signed(cbWord),
               Has(desc, kAudioFormatFlagIsAlignedHigh) ? "high-aligned" : "low-aligned");

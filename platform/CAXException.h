@@ -6,10 +6,10 @@
 #include <array>
 #include <exception>
 
-// A platform audio call that failed: which operation, and the status that it returned.
+// A platform audio call that failed: the operation and the status that it returned.
 class CAXException : public std::exception {
  public:
-  // The text is copied; what does not fit `kMaxOperation` - 1 characters is cut. Null reads as "".
+  // Copies the text and cuts it to `kMaxOperation` - 1 characters. A null pointer counts as "".
   CAXException(const char* pszOperation, OSStatus nError) noexcept;
 
   [[nodiscard]] const char* Operation() const noexcept { return m_szOperation.data(); }
@@ -23,7 +23,7 @@ class CAXException : public std::exception {
   OSStatus m_nError;
 };
 
-// The one rule by which every status is tested: not zero, whatever its sign, throws.
+// The one rule by which every status is tested: anything but zero throws, whatever its sign.
 inline void XThrowIfError(OSStatus nError, const char* pszOperation) {
   if (nError != noErr) throw CAXException(pszOperation, nError);
 }

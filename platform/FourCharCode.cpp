@@ -11,9 +11,9 @@ constexpr int ByteOf(UInt32 dwCode, int nByte) noexcept {
 }
 
 constexpr bool BeginsPrintable(UInt32 dwCode) noexcept {
-  // Kept: the first byte decides for all four, so that a letter with control bytes behind it is
-  // written raw between the quotes; a zero among them ends the text for whoever reads it as one.
-  // Every code of the toolbox is four characters or a small number, and logs are searched for both
+  // Kept: the first byte decides for all four. When control bytes follow a printable byte they are
+  // written raw between the quotes, and a zero among them ends the string early. This stays because
+  // every toolbox code is either four characters or a small number, and people search logs for both
   // forms. Pinned by TheFirstByteDecides_TheOthersAreWrittenRaw.
   const int nFirst = ByteOf(dwCode, 0);
   return nFirst >= 0x20 && nFirst < 0x7F && nFirst != '\\';

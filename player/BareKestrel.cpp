@@ -13,16 +13,16 @@ constexpr unsigned int kSpeechRate = 16000;
 }  // namespace
 
 vcm::C_RemovedAtEnd CopyAsKestrel(const char* pszFileName) {
-  // Owned before it exists: nothing may stop us between the two.
+  // Owned before it exists, so that nothing can fail between creating it and owning it.
   vcm::C_RemovedAtEnd copy(vcm::TempName(".kst"));
   if (copyfile(pszFileName, copy.Path().c_str(), nullptr, COPYFILE_ALL) != 0) {
-    static_cast<void>(copy.Keep());  // a file of that name would be somebody else's
+    static_cast<void>(copy.Keep());  // a file with that name would be somebody else's
     return {};
   }
   C_SpHeader header;
   header.SetID(AUDIO_FILE_KESTREL);
   header.SetFreq(kSpeechRate);
-  // A copy that got no header is no Kestrel file, and whoever loads it finds out.
+  // A copy without a header is not a Kestrel file; whoever loads it will find out.
   static_cast<void>(PrependSpHeader(header, copy.Path().c_str()));
   return copy;
 }

@@ -22,8 +22,8 @@ int DecodeBareKestrel(C_WavFileFormat& format, const char* pszInput, const char*
   C_KestrelFile kestrel;
   if (!kestrel.LoadByName(copy.Path().c_str(), true, nullptr, nullptr)) return kDecodingFailed;
   if (const int nResult = WriteWav(kestrel, pszWavPath); nResult != kDecodedToWav) return nResult;
-  // Kept: the copy is opened and written once more the way every other file is, which proves that
-  // the header took. Pinned by BareStream_IsWrittenTwice.
+  // Kept: the copy is opened and written once more, the way every other file is, which proves that
+  // its header is valid. Pinned by BareStream_IsWrittenTwice.
   const C_WavFilePtr reopened = LoadFile(format, copy.Path().c_str());
   return reopened ? WriteWav(*reopened, pszWavPath) : kReopenFailed;
 }

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any sound file that the library knows, as a WAV file that the platform can play.
+// Turns any sound file that the library knows into a WAV file that the platform can play.
 #pragma once
 
 inline constexpr int kDecodedToWav = 0;
 inline constexpr int kReopenFailed = 1;
 inline constexpr int kDecodingFailed = 2;
 
-// Decodes pszInput and writes the PCM to pszWavPath. What the library does not know is taken for a
-// Kestrel stream without a header, given one in a temporary copy, and read again from there.
-// kDecodedToWav, kReopenFailed when that copy could not be read a second time, kDecodingFailed.
+// Decodes pszInput and writes the PCM to pszWavPath. A file that the library does not know is taken
+// for a Kestrel stream without a header: a temporary copy is given one and read instead. Returns
+// kDecodedToWav, kReopenFailed when that copy could not be opened a second time, or
+// kDecodingFailed.
 int DecodeToWav(const char* pszInput, const char* pszWavPath);

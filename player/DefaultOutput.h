@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Where both modes play to.
+// The output that both playing modes use.
 #pragma once
 
 #include <AudioToolbox/AudioToolbox.h>

@@ -20,12 +20,12 @@ constexpr UInt32 kFirstSurroundChannels = 3;
 constexpr Float64 kStartWithNextCycle = -1.0;
 constexpr double kSpeechRate = 16000.0;
 
-// The channel layout of a file, as many bytes as the file says.
+// A buffer for the channel layout of a file, as large as the file says.
 class C_LayoutBytes {
  public:
   explicit C_LayoutBytes(UInt32 cbLayout) : m_pbyLayout(new std::byte[cbLayout]) {}
-  // Kept: a platform call that fails leaves the layout allocated, as nothing of a half-built graph
-  // is torn down. Pinned by ChannelLayout_IsKeptWhenALaterCallFails.
+  // Kept: a platform call that fails leaves the layout allocated, because nothing of a half-built
+  // graph is torn down. Pinned by ChannelLayout_IsKeptWhenALaterCallFails.
   ~C_LayoutBytes() {
     if (m_pbyLayout) KeepForProcess(m_pbyLayout.release(), "layout of a graph that failed");
   }
@@ -131,8 +131,9 @@ void MakeFileGraph(AUGraph* pGraph, CAAudioUnit* pFileUnit,
                 "AUGraphConnectNodeInput");
   XThrowIfError(AUGraphInitialize(*pGraph), "AUGraphInitialize");
   usleep(kSettleMicroseconds);
-  // Kept: the player's own description has two channels, so it never comes here; a caller with
-  // more finds the layout passed on. Pinned by ChannelLayout_GoesToTheOutputFromThreeChannelsOn.
+  // Kept: the player's own description has two channels, so the player never gets here. A caller
+  // with more channels has the layout passed on. Pinned by
+  // ChannelLayout_GoesToTheOutputFromThreeChannelsOn.
   if (format.mChannelsPerFrame >= kFirstSurroundChannels) {
     PassChannelLayout(*pGraph, outputNode, audioFile);
   }
@@ -145,7 +146,8 @@ double PrepareFileUnit(S_FileSchedule* pSchedule, const CAAudioUnit& fileUnit,
   pSchedule->dSampleRate = format.mSampleRate;
   ScheduleWholeFile(fileUnit, *pSchedule, audioFile);
   PrimeAndSetStart(fileUnit);
-  // Kept: the divisor is the rate of decoded speech whatever the rate of the file; what polls for
-  // the end counts on the same number. Pinned by Duration_DividesBySixteenThousandForEveryRate.
+  // Kept: the divisor is the rate of decoded speech, whatever the rate of the file. The code that
+  // polls for the end relies on the same number. Pinned by
+  // Duration_DividesBySixteenThousandForEveryRate.
   return static_cast<double>(pSchedule->dwFramesPerPacket * pSchedule->qwPacketCount) / kSpeechRate;
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxName = 1024;  // the terminator included
+constexpr std::size_t kMaxName = 1024;  // including the terminator
 
 struct S_Extension {
   std::string_view text;

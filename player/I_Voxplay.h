@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The player: one object that opens and plays a file, or plays a Kestrel file while it is being
-// decoded. Used from one thread.
+// decoded. It is used from one thread only.
 #pragma once
 
 // Called on every change of state; its result is ignored.
 using PFN_VoxplayNotify = int (*)(int nState, unsigned int dwUserData);
 
-// Operations that drive the platform's audio services let CAXException pass where they say so.
-// The trailing numbers are the slots of the virtual table. There is no virtual destructor: Release
-// ends the object.
+// Operations that drive the platform's audio services throw CAXException where their comments say
+// so. The trailing numbers are the slots of the virtual table. There is no virtual destructor:
+// Release ends the object.
 class I_Voxplay {
  public:
   static constexpr int kStopped = 0;
@@ -19,16 +19,17 @@ class I_Voxplay {
 
   // Results of Open.
   static constexpr int kOpened = 0;
+  // The platform refused, or a stream that was given a header could not be opened again.
   static constexpr int kPlatformFailed = 1;
   static constexpr int kDecodeFailed = 2;
   static constexpr int kNotSupported = 3;
 
-  // Starts or resumes. True, and nothing happens, when nothing is opened or it plays already.
-  // Throws.
+  // Starts or resumes. Does nothing when nothing is opened or it is already playing. Always true;
+  // throws.
   virtual bool Play() = 0;   // 1
   virtual bool Stop() = 0;   // 2, true; throws
   virtual bool Pause() = 0;  // 3, true; throws
-  // Tears down and deletes the object. A failing platform call throws, and the object stays.
+  // Tears down and deletes the object. When a platform call fails it throws, and the object stays.
   virtual void Release() = 0;    // 4
   virtual int Reserved5() = 0;   // 5, 0
   virtual int Reserved6() = 0;   // 6, 0
@@ -36,15 +37,19 @@ class I_Voxplay {
   virtual int Reserved8() = 0;   // 8, 0
   virtual int Reserved9() = 0;   // 9, 0
   virtual int Reserved10() = 0;  // 10, 0
-  // Plays a Kestrel file while it is being decoded; returns when the playback has ended: 0, or 1
-  // when there is no output.
+  // Plays a Kestrel file while it is being decoded. Returns when playback has ended: 0, or 1 when
+  // there is no output.
   virtual int PlayRealTime(const char* pszFileName) = 0;  // 11
-  // Prepares a file for Play: 0, or one of the failures above. Never throws.
+  // Prepares a file for Play. Returns kOpened (0) or one of the failures above. Never throws. When
+  // a file was open before, the position stays where that file ended until the first render cycle
+  // of the new one.
   virtual int Open(const char* pszFileName) = 0;  // 12
-  // Before a file is opened: true, and nothing is stored. Then: false for null. Throws.
+  // Before a file is opened it stores nothing and returns true. After that it returns false for
+  // null. Throws.
   virtual bool SetNotify(PFN_VoxplayNotify pfnNotify, unsigned int dwUserData) = 0;  // 13
-  // All true. Nothing opened or played yet counts as 0. The progress is position divided by
-  // duration: not a number, or infinite, while the duration is 0.
+  // All are true. The duration is 0 until a file is opened, the position until it is played. The
+  // progress is position divided by duration: it is not a number, or is infinite, while the
+  // duration is 0.
   virtual bool GetProgress(float* pfProgress) = 0;      // 14
   virtual bool GetDuration(int* pnSeconds) = 0;         // 15
   virtual bool GetDurationMs(int* pnMilliseconds) = 0;  // 16
@@ -55,5 +60,5 @@ class I_Voxplay {
   ~I_Voxplay() = default;
 };
 
-// Makes a player; the caller ends it with Release. 0 on success.
+// Makes a player, which the caller ends with Release. Returns 0 on success.
 int CreateVoxplay(I_Voxplay** ppIVoxplay);

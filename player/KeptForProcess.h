@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the player leaves unreleased on purpose, each thing with the reason. Everything here stays
-// reachable to the end of the process, so that leak checks stay sharp for everything else. Safe to
-// use from every thread.
+// What the player deliberately does not release, each thing with the reason. Everything in this
+// list stays reachable until the process ends, so that leak checks stay sharp for everything else.
+// Safe to use from every thread.
 #pragma once
 
 #include <atomic>
@@ -12,7 +12,7 @@ struct S_Kept {
   const S_Kept* pNext = nullptr;
 };
 
-// The latest thing kept, which leads to the earlier ones; null when there is none.
+// The latest entry, which links to the earlier ones; null when nothing was kept.
 const S_Kept* GetKeptForProcess();
 
 // For KeepForProcess. The entry is never freed.

@@ -20,8 +20,8 @@ C_PcmQueue::~C_PcmQueue() {
 
 void C_PcmQueue::Write(const void* pData, std::uint32_t cbData) {
   pthread_mutex_lock(&m_lock);
-  // Kept: the lock stays held when the data does not fit. A sound of that length has no place in
-  // real-time mode, and playing on with a piece missing would go unnoticed. Pinned by
+  // Kept: the lock stays held when the data does not fit. A sound that long has no place in
+  // real-time mode, and if playback went on with a piece missing nobody would notice. Pinned by
   // Write_ThatDoesNotFit_LeavesTheLockHeld.
   if (std::uint64_t{GetCount()} + cbData > kMaxHeld) return;
   if (cbData != 0) std::memcpy(m_pbyWrite, pData, cbData);
@@ -35,9 +35,9 @@ void C_PcmQueue::Read(void* pDestination, std::uint32_t cbWanted) {
   const std::uint32_t cbTaken = std::min(GetCount(), cbWanted);
   const std::uint32_t cbRest = GetCount() - cbTaken;
   if (cbTaken != 0) std::memcpy(pDestination, m_pbyBase, cbTaken);
-  // Kept: the rest moves to the front through a copy, and the whole block is cleared, on every
-  // read. Whatever is behind the held bytes is silence that way, whoever looks at the block, and no
-  // index can run astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockBehindIt.
+  // Kept: every read moves the rest to the front through a copy and clears the whole block. That
+  // way the bytes after the held ones are silence, whoever looks at the block, and no index can go
+  // astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockBehindIt.
   const auto rest = std::make_unique_for_overwrite<std::uint8_t[]>(cbRest);
   std::memcpy(rest.get(), m_pbyBase + cbTaken, cbRest);
   std::memset(m_pbyBase, 0, kBlockBytes);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The queue between the decoder and the loudspeaker in real-time mode: bytes go in at the end, come
-// out at the front. The held bytes always start at the base of one 32 MiB block (no wrap-around);
-// the bytes behind them are zero. One writing and one reading thread.
+// The queue between the decoder and the loudspeaker in real-time mode: bytes go in at the end and
+// come out at the front. The held bytes always start at the base of one 32 MiB block (no
+// wrap-around); the bytes after them are zero. One thread writes and one thread reads.
 #pragma once
 
 #include <pthread.h>
@@ -21,12 +21,12 @@ class C_PcmQueue {
   C_PcmQueue& operator=(const C_PcmQueue&) = delete;
 
   // Appends cbData bytes. Data that would make the queue hold more than kMaxHeld is dropped, and
-  // the queue is stuck from then on: every later Write, and Read of a queue that is not empty,
-  // waits for ever.
+  // the queue is stuck from then on: every later Write, and every Read of a queue that is not
+  // empty, waits forever.
   void Write(const void* pData, std::uint32_t cbData);
 
-  // Takes up to cbWanted bytes from the front. What lies behind the bytes taken in pDestination is
-  // left as it is; an empty queue leaves all of it so, and does not wait for the lock.
+  // Takes up to cbWanted bytes from the front. The rest of pDestination is left as it is. On an
+  // empty queue that is all of it, and Read does not wait for the lock.
   void Read(void* pDestination, std::uint32_t cbWanted);
 
   // Bytes held. Never waits.
@@ -47,7 +47,7 @@ class C_PcmQueue {
   pthread_mutex_t m_lock;
 };
 
-// Kept: the one queue of the process exists, allocated and zeroed, in every mode and before the
-// command line is read, so that real-time mode never waits for memory. Pinned by
+// Kept: the only queue of the process is allocated and zeroed in every mode, before the command
+// line is read, so that real-time mode never waits for memory. Pinned by
 // TheProcessWideQueue_IsZeroedBeforeMainBegins.
 extern C_PcmQueue g_pcmQueue;

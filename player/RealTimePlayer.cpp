@@ -32,8 +32,8 @@ constexpr AudioStreamBasicDescription kSpeech = {
     16,
     0};
 
-// Kept: the unit is not disposed of, whether its set-up fails or the playback has ended; its device
-// goes with the process. Pinned by FailingSetUp_ReturnsOneAndDisposesOfNothing.
+// Kept: the unit is never disposed of, neither when its set-up fails nor when playback has ended;
+// its device goes with the process. Pinned by FailingSetUp_ReturnsOneAndDisposesOfNothing.
 AudioUnit NewOutput() {
   AudioUnit unit = nullptr;
   AudioComponent component = AudioComponentFindNext(nullptr, &kDefaultOutput);
@@ -64,13 +64,13 @@ bool Probe(C_WavFileFormat& format, const char* pszFileName) {
     return false;
   }
   if (pIWavFile == nullptr) return false;
-  // Kept: the probe stays open to the end of the process; it holds no samples. Pinned by
+  // Kept: the probe stays open until the end of the process; it holds no samples. Pinned by
   // RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
   KeepForProcess(pIWavFile, "probe of real-time mode: holds no samples");
   return true;
 }
 
-// False, and the field is empty, when the path does not fit.
+// False when the path does not fit; the field is empty then.
 bool SetPath(S_RealTimeDecoder* pDecoder, const char* pszPath) {
   std::memset(pDecoder->szPath, 0, sizeof pDecoder->szPath);
   const std::size_t nLength = std::strlen(pszPath);
@@ -79,8 +79,8 @@ bool SetPath(S_RealTimeDecoder* pDecoder, const char* pszPath) {
   return true;
 }
 
-// Kept: a copy made for a bare stream stays in the temporary directory, since the decoder may still
-// read it when the player is gone. Pinned by RealTimeModeOfABareStream_LeavesItsCopy.
+// Kept: a copy made for a bare stream stays in the temporary directory, because the decoder may
+// still be reading it when the player is gone. Pinned by RealTimeModeOfABareStream_LeavesItsCopy.
 void ChooseFile(S_RealTimeDecoder* pDecoder, C_WavFileFormat& format, const char* pszFileName) {
   const bool bKnown = Probe(format, pszFileName);
   const bool bFits = SetPath(pDecoder, pszFileName);
@@ -89,14 +89,14 @@ void ChooseFile(S_RealTimeDecoder* pDecoder, C_WavFileFormat& format, const char
 
 void Decode(C_WavFileFormat& format, const S_RealTimeDecoder& decoder) {
   try {
-    // Kept: what was decoded is not released, so that the thread ends as soon as the queue has its
-    // last byte. Pinned by RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
+    // Kept: the decoded file is not released, so that the thread ends as soon as the last byte is
+    // in the queue. Pinned by RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
     if (I_WavFile* pIWavFile =
             format.CreateWavFile(decoder.szPath, true, true, nullptr, OnDecodedData)) {
       KeepForProcess(pIWavFile, "decoded file of real-time mode: its thread ends at once");
     }
   } catch (...) {
-    // Finished with what the queue holds; nobody would hear of anything else.
+    // Decoding ends with what the queue holds; there is nobody to report the failure to.
     return;
   }
 }
@@ -109,8 +109,8 @@ void* DecodeThread(void* pArgument) {
   return nullptr;
 }
 
-// Kept: the thread is never joined. All that is wanted of it is in the queue when it says that it
-// has finished, and how it ends keeps nobody waiting. Pinned by
+// Kept: the thread is never joined. Everything that is wanted from it is in the queue when it says
+// that it has finished, and nobody waits for the thread itself to end. Pinned by
 // RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
 void StartDecoder(S_RealTimeDecoder* pDecoder) {
   pDecoder->byFinished.store(0, std::memory_order_release);
@@ -122,7 +122,8 @@ void StartDecoder(S_RealTimeDecoder* pDecoder) {
                  "decoder thread of real-time mode: ends by itself, never joined");
 }
 
-// Finished is asked before the count: what the decoder wrote before it finished is in the count.
+// The finished flag is read before the count, so that the count includes everything that the
+// decoder wrote.
 bool IsDone(const S_RealTimeDecoder& decoder) {
   return decoder.byFinished.load(std::memory_order_acquire) != 0 && g_pcmQueue.GetCount() == 0;
 }
@@ -147,7 +148,7 @@ int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFile
 
 void OnDecodedData(void* pData, unsigned int dwLength) { g_pcmQueue.Write(pData, dwLength); }
 
-// Kept: frames that the queue does not hold are left as the platform handed them; it hands out
+// Kept: frames that the queue cannot fill are left as the platform passed them in, which is
 // silence. Pinned by RenderPcm_LeavesWhatTheQueueCannotFill.
 OSStatus RenderPcm(void* /*pRefCon*/, AudioUnitRenderActionFlags* /*pdwActionFlags*/,
                    const AudioTimeStamp* /*pTimeStamp*/, UInt32 /*dwBusNumber*/,

@@ -14,7 +14,8 @@ bool CreatePlayer(VoxplayLoader& loader) {
   return loader.m_pfnCreate(&loader.m_pIVoxplay) == 0;
 }
 
-// The pointer is cleared first: a holder that is released later must not release it again.
+// The pointer is cleared first, because the holder is released later and must not release the
+// player again.
 int Fail(VoxplayLoader& loader, int nResult) {
   std::exchange(loader.m_pIVoxplay, nullptr)->Release();
   return nResult;
@@ -27,7 +28,7 @@ int OpenFile(VoxplayLoader& loader, const char* pszFileName) {
               nOpened == I_Voxplay::kNotSupported ? kResultNotSupported : kResultDecodeFailed);
 }
 
-// Without the flush nobody would see the text before the playback has ended.
+// Without the flush nobody would see the text before playback has ended.
 void Announce() {
   std::fputs("Playing...", stdout);
   std::fflush(stdout);
@@ -51,8 +52,8 @@ int RunPlay(VoxplayLoader& loader, const char* pszFileName, unsigned long ulReal
   if (!CreatePlayer(loader)) return 0;
   if (ulRealTime != 0) {
     Announce();
-    // Kept: whatever real-time mode reports, the run counts as finished; listeners without an
-    // output device get the same exit code. Pinned by RealTimeMode_IgnoresWhatThePlayerReports.
+    // Kept: the run counts as finished whatever real-time mode reports, so that listeners without
+    // an output device get the same exit code. Pinned by RealTimeMode_IgnoresWhatThePlayerReports.
     static_cast<void>(loader.m_pIVoxplay->PlayRealTime(pszFileName));
   } else if (const int nResult = PlayNormal(loader, pszFileName); nResult != 0) {
     return nResult;
@@ -64,8 +65,8 @@ int RunPlay(VoxplayLoader& loader, const char* pszFileName, unsigned long ulReal
 bool PollProgress(VoxplayLoader& loader) {
   int nPositionMs = 0;
   loader.m_pIVoxplay->GetPositionMs(&nPositionMs);
-  // Kept: the progress is noted and shown nowhere; scripts read the output as it is. Pinned by
-  // PollProgress_NotesWholeTenthsOfASecondAndPrintsNothing.
+  // Kept: the progress is recorded but shown nowhere, because scripts read the output as it is.
+  // Pinned by PollProgress_NotesWholeTenthsOfASecondAndPrintsNothing.
   if (nPositionMs % kReportStepMs == 0 && nPositionMs != g_nLastReportedMs) {
     g_nLastReportedMs = nPositionMs;
   }

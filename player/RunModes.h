@@ -13,17 +13,17 @@ inline constexpr int kResultDecodeFailed = -2;
 inline constexpr int kResultLoadFailed = -3;
 inline constexpr int kResultPlayFailed = -4;
 
-// Plays the file to its end: in real-time mode when ulRealTime is not 0, else in normal mode.
-// Prints "Playing..." and "Finished". 0, kResultNotSupported, kResultDecodeFailed or
+// Plays the file to its end: in real-time mode when ulRealTime is not 0, otherwise in normal mode.
+// Prints "Playing..." and "Finished". Returns 0, kResultNotSupported, kResultDecodeFailed or
 // kResultPlayFailed.
 int RunPlay(VoxplayLoader& loader, const char* pszFileName, unsigned long ulRealTime);
 
-// One look at the position. True, and the player is stopped, when it has reached the duration in
-// the holder.
+// Looks at the position once. When it has reached the duration in the holder, stops the player and
+// returns true.
 bool PollProgress(VoxplayLoader& loader);
 
 // The last position that was a multiple of 100 ms, over all polls of the process.
 int GetLastReportedMs();
 
-// The length in whole seconds, kResultNotSupported or kResultDecodeFailed.
+// Returns the length in whole seconds, kResultNotSupported or kResultDecodeFailed.
 int RunGetLength(VoxplayLoader& loader, const char* pszFileName);

@@ -13,7 +13,7 @@ bool IsMissing(int nDescriptor) { return fcntl(nDescriptor, F_GETFD) == -1 && er
 
 }  // namespace
 
-// In ascending order: what is opened gets the lowest number that is free.
+// In ascending order, because a file that is opened gets the lowest free number.
 void FillStandardStreams() {
   for (const int nDescriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (IsMissing(nDescriptor) && open("/dev/null", O_RDWR) != nDescriptor) return;

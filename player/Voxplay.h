@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The player behind I_Voxplay. Normal mode: Open decodes the file to a temporary WAV file if need
-// be and builds a graph for it; the graph's render thread reports to RenderNotify, the position
-// operations read what it left. Real-time mode is PlayRealTime and shares nothing with that.
+// The player behind I_Voxplay. In normal mode, Open decodes the file to a temporary WAV file if
+// need be and builds a graph for it. The graph's render thread reports to RenderNotify, and the
+// position operations read what it left. Real-time mode is PlayRealTime and shares nothing with
+// normal mode.
 #pragma once
 
 #include <AudioToolbox/AudioToolbox.h>
@@ -20,7 +21,7 @@ class C_Voxplay final : public I_Voxplay {
  public:
   static constexpr std::size_t kPathField = 1024;
 
-  // Chooses the name of the temporary WAV file; nothing is created.
+  // Chooses the name of the temporary WAV file, but does not create the file.
   C_Voxplay();
   C_Voxplay(const C_Voxplay&) = delete;
   C_Voxplay& operator=(const C_Voxplay&) = delete;
@@ -45,8 +46,8 @@ class C_Voxplay final : public I_Voxplay {
   bool GetPositionMs(int* pnMilliseconds) override;
 
  private:
-  // The latest finished render cycle. The record belongs to the render thread; its sample time is
-  // there once more for the thread that asks for positions.
+  // The latest finished render cycle. The record belongs to the render thread; a second copy of its
+  // sample time is for the thread that asks for positions.
   struct S_LastRender {
     AudioTimeStamp stamp{};
     std::atomic<double> dSampleTime{0.0};
@@ -79,7 +80,7 @@ class C_Voxplay final : public I_Voxplay {
   S_FileSchedule m_schedule;
   std::uint64_t m_qwFramesPlayed = 0;
   S_LastRender m_lastRender;
-  unsigned char m_byStartCaptured = 0;  // the render thread's
+  unsigned char m_byStartCaptured = 0;  // only for the render thread
   double m_dDuration = 0.0;             // seconds
   S_RealTimeDecoder m_decoder;
 };

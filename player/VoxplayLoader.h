@@ -10,8 +10,8 @@ struct VoxplayLoader {
 
   // Releases the player, if there is one, and forgets how it was made.
   //
-  // Kept: the pointer to the player stays, so that what looks at the holder afterwards still sees
-  // that a mode ran; whoever releases the player earlier clears it. Pinned by
+  // Kept: the pointer to the player stays, so that code that looks at the holder afterwards still
+  // sees that a mode ran. Code that releases the player earlier clears it. Pinned by
   // Release_ClearsTheFactoryAndLeavesThePlayerPointer.
   void Release();
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// VoxplaySampleCode <FileName> <PlayType>: plays one file, or tells its length.
+// VoxplaySampleCode <FileName> <PlayType>: plays one file, or prints its length.
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -20,8 +20,8 @@ struct S_Message {
   const char* pszText;
 };
 
-// Kept: kResultLoadFailed has its message although no mode gives it now; it is part of what users
-// of the program are promised. Pinned by EveryFailure_HasItsMessageAndExitCode255.
+// Kept: kResultLoadFailed has a message although no mode returns it now; the message is part of
+// what users of the program are promised. Pinned by EveryFailure_HasItsMessageAndExitCode255.
 constexpr std::array<S_Message, 4> kMessages = {{
     {kResultPlayFailed, "Play input file failed !!"},
     {kResultLoadFailed, "Load Voxplay.dll failed !!"},
@@ -29,8 +29,8 @@ constexpr std::array<S_Message, 4> kMessages = {{
     {kResultNotSupported, "The input file is not supported format !!"},
 }};
 
-// Kept: "Example:" and the example stand on one line, and "(Default)" does not make the play type
-// optional; the text is compared byte for byte by the programs that wrap this one. Pinned by
+// Kept: "Example:" and the example are on one line, and "(Default)" does not make the play type
+// optional. The programs that wrap this one compare the text byte for byte. Pinned by
 // WrongArgumentCount_PrintsTheUsage.
 void PrintUsage() {
   std::puts("\nUsage: VoxplaySampleCode <FileName> <PlayType>");
@@ -45,7 +45,7 @@ void PrintUsage() {
   std::putchar('\n');
 }
 
-// The exit code for a result of RunPlay.
+// Prints the message for a result of RunPlay, if there is one, and returns the exit code.
 int Report(int nResult) {
   const auto* const pMessage =
       std::find_if(kMessages.begin(), kMessages.end(),
@@ -73,8 +73,9 @@ int main(int argc, char* argv[]) {
     PrintUsage();
     return kExitFailed;
   }
-  // Where the size of files is limited, writing beyond fails then, as it does on a full disk, and
-  // what was begun is removed; the signal would end the program and leave it.
+  // Where the size of files is limited, writing beyond the limit then fails as it does on a full
+  // disk, and the unfinished file is removed. The signal would end the program and leave that file
+  // behind.
   static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   VoxplayLoader loader;
   int nExitCode = 0;

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Formats every source file in place; with --check changes nothing and fails where it would.
+# Formats every source file in place. With --check it changes nothing and fails when a file would
+# change.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

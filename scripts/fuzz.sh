@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Builds the fuzzers, makes their seeds and runs every fuzzer (or those named) for a while, as many
-# at a time as there are processors. Fails on the first crash, leak, hang or excess of memory, whose
-# input is then in build/fuzz/findings.
+# Builds the fuzzers, makes their seeds and runs every fuzzer (or only those named) for a while, as
+# many at a time as there are processors. A fuzzer stops at its first crash, leak, hang or excessive
+# use of memory. The script fails then, and the input is in build/fuzz/findings.
 #
 #   scripts/fuzz.sh [SECONDS [FUZZER...]]     (20 seconds each unless given)
 set -euo pipefail

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Plays in both modes under the thread sanitizer, with a sound server and without, and tries the
+# Plays in both modes under the thread sanitizer, with and without a sound server, and tests the
 # parts that threads share.
 #
 #   scripts/races.sh
@@ -20,7 +20,7 @@ try PcmQueueTest
 try RealTimePlayerTest
 try PlaybackTest
 TSAN_OPTIONS+=:suppressions=$PWD/tests/support/tsan-suppressions.txt try VoxplayOnServerTest
-# Clearing the queue takes the sanitizer so long that recordings of real-time mode have gaps: it is
-# played where nobody listens.
+# Under the sanitizer, clearing the queue takes so long that recordings of real-time mode have gaps.
+# So that mode is played only where nothing is recorded.
 try CommandLineTest --gtest_filter='CommandLine.NormalMode*:CommandLine.RealTimeMode*'
 try HeardTest --gtest_filter='Heard.NormalMode*'

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Lists the C++ files of the project below its root, sorted, each followed by a NUL.
+# Lists the C++ files of the project, relative to its root and sorted, each followed by a NUL.
 #
 #   scripts/sources.sh [SUFFIX...]     (cpp and h unless given)
 set -euo pipefail

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Installs what the tests need, builds them and runs every one.
+# Installs what the tests need, builds them and runs all of them.
 #
 #   scripts/test.sh [PRESET [CTEST ARGUMENTS...]]     (preset dev unless given)
 set -euo pipefail
@@ -9,7 +9,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 preset=${1:-dev}
 shift $(($# > 0))
 
-# The sanitizers' builds are clang's.
+# The sanitizer builds use clang.
 packages=test
 [[ $preset == *san* ]] && packages=ci
 "$root/scripts/install-deps.sh" "$packages"

@@ -2,8 +2,9 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Makes the speech that the Heron tables were trained on, from the recorded prompts of Debian's
-# packages asterisk-core-sounds-{en,es,fr,it,ru}-{wav,g722} and asterisk-prompt-it-menardi-wav:
-# 8 kHz as they are, 16 kHz decoded from G.722. Nothing of it is committed.
+# packages asterisk-core-sounds-{en,es,fr,it,ru}-{wav,g722} and asterisk-prompt-it-menardi-wav. The
+# 8 kHz files are copied as they are, the 16 kHz files are decoded from G.722. None of them is
+# committed.
 #
 #   training/make_speech.sh FOLDER     (FOLDER/8k/*.wav and FOLDER/16k/*.wav)
 set -euo pipefail
@@ -14,8 +15,8 @@ mkdir -p "$out/8k" "$out/16k"
 
 milliseconds() { echo $(($(stat -c %s "$1") / 16)); }
 
-# The prompts that the codec is measured with in English stay out, in the other languages too: the
-# first ones in order that last 3 to 12 s, 110 s of them.
+# The English measurements of the codec use the first prompts in order that last 3 to 12 s, until
+# they add up to 110 s. These prompts are left out, in the other languages too.
 measured=$(
   total=0
   cd "$sounds/en_US_f_Allison"
@@ -29,7 +30,8 @@ measured=$(
   done
 )
 
-# take VOICE TAG SECONDS: prompts of 1.5 to 15 s in an order that is shuffled the same way each time.
+# take VOICE TAG SECONDS: copies prompts of 1.5 to 15 s, in an order that is shuffled the same way
+# each time, until they add up to SECONDS.
 take() {
   local voice=$1 tag=$2 left=$(($3 * 1000)) file name
   while IFS= read -r file; do

@@ -2,11 +2,12 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Trains the tables of the Heron codec on folders of speech (16-bit mono WAV files) and writes them
-# to heron/Tables.h. Starts from the tables that are there; three rounds are enough from any.
+# to heron/Tables.h. It starts from the tables in that file; three rounds are enough from any
+# starting point.
 #
 #   training/train_heron.sh FOLDER...
 #
-# The tables in the tree come from what make_speech.sh makes.
+# The tables in the tree were trained on what make_speech.sh makes.
 set -euo pipefail
 (($#)) || { echo "usage: train_heron.sh FOLDER..." >&2; exit 2; }
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -16,7 +17,7 @@ mapfile -d '' sounds < <(find "$@" -name '*.wav' -print0 | LC_ALL=C sort -z)
 cmake --preset bench >/dev/null
 for round in 1 2 3; do
   cmake --build build/bench --parallel "$(nproc)" --target heron_tables >/dev/null
-  # The introduction of the file stays; what follows its last fixed line is made anew.
+  # The beginning of the file stays; everything after its last fixed line is made anew.
   {
     sed '/^using S_MagnitudeFrequencies/q' "$tables"
     echo

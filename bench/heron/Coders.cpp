@@ -20,7 +20,8 @@ void Require(bool bHolds, const char* pszWhat) {
   if (!bHolds) throw std::runtime_error(pszWhat);
 }
 
-// The samples of the original's time. Some coders append up to a byte's worth of silence.
+// Cuts the decoded sound to the length of the original: some coders append up to a byte's worth of
+// silence.
 S_Coded InTime(const S_Sound& original, std::size_t cbCoded, std::vector<std::int16_t> decoded) {
   Require(decoded.size() >= original.samples.size(), "a decoded sound is too short");
   decoded.resize(original.samples.size());
@@ -54,14 +55,14 @@ std::size_t Distance(std::size_t a, std::size_t b) { return a > b ? a - b : b - 
 
 // Leaves the coded sound as "out.wv".
 void PackAt(C_WavPackRate rate, const std::string& strOptions, const C_Workshop& workshop) {
-  // Nothing of the original's header is kept: every byte serves the sound.
+  // The original's header is dropped, so that every byte serves the sound.
   workshop.Run("wavpack -q -y -r -b" + std::to_string(rate.Bits()) + " " + strOptions +
                " in.wav -o out.wv");
 }
 
-// Leaves the nearest coded sound as "best.wv". The size follows the rate almost on a line, with
-// some bytes of jitter that halving an interval would stumble over: the rate is corrected by what
-// is missing.
+// Leaves the coded sound that comes nearest to cbWanted bytes as "best.wv". The size follows the
+// rate almost linearly, with a few bytes of jitter that bisection would stumble over. So the rate
+// is corrected by the bytes that are missing.
 void PackNearest(const S_Sound& sound, const std::string& strOptions, std::size_t cbWanted,
                  const C_Workshop& workshop) {
   constexpr int kMaxTries = 8;
@@ -126,7 +127,7 @@ S_Coded CodeWithCompanding(const S_Sound& sound, int nBits) {
 S_Coded CodeWithG726(const S_Sound& sound, int nBits, const C_Workshop& workshop) {
   const std::string strForm = " -f g726 -code_size " + std::to_string(nBits);
   const std::string strQuietly = "ffmpeg -nostdin -v error -y";
-  // Rates other than 8000 Hz are not the standard's.
+  // Without this option, ffmpeg accepts only 8000 Hz.
   workshop.Run(strQuietly + " -i in.wav -c:a g726 -strict unofficial" + strForm + " out.g726");
   workshop.Run(strQuietly + strForm + " -sample_rate " + std::to_string(sound.nSampleRate) +
                " -i out.g726 -c:a pcm_s16le back.wav");

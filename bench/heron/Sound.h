@@ -12,8 +12,8 @@ struct S_Sound {
   std::vector<std::int16_t> samples;
 };
 
-// The sound of a file. std::runtime_error, naming the file, unless it is 16-bit mono.
+// Reads the sound of a file. Throws std::runtime_error, naming the file, unless it is 16-bit mono.
 S_Sound ReadSound(const std::string& strPath);
 
-// Writes a WAV file with nothing in it but the sound. std::runtime_error when it cannot.
+// Writes a WAV file that contains only the sound. Throws std::runtime_error when it cannot.
 void WriteSound(const S_Sound& sound, const std::string& strPath);

@@ -102,7 +102,7 @@ int Fail(int nError) {
 int copyfile(const char* pszFrom, const char* pszTo, copyfile_state_t /*state*/,
              copyfile_flags_t dwFlags) {
   if (dwFlags != COPYFILE_ALL) return Fail(ENOTSUP);
-  // Without O_NONBLOCK a pipe would hold the open for ever.
+  // Without O_NONBLOCK, opening a pipe would wait forever.
   const C_Descriptor from(open(pszFrom, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat info {};
   if (!from.IsOpen() || fstat(from.Get(), &info) != 0) return -1;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The platform's file copy, for machines that have none. The subset that the player uses: the whole
-// of a regular file to a name that does not exist yet.
+// The platform's file copy, for machines that have none. Only the part that the player uses: it
+// copies the whole of a regular file to a name that does not exist yet.
 #pragma once
 
 #include <cstdint>
@@ -18,11 +18,12 @@ enum : copyfile_flags_t {
 };
 
 extern "C" {
-// Copies the data, then the permission bits, the attributes and the times as far as the target's
-// file system takes them. The target is created exclusively, mode 0600 until the data is in, and
-// no link is followed there. 0, or -1 with errno set and nothing left behind: the source is missing
-// or no regular file (folders, pipes and devices are never read), the target exists, a write fails,
-// or the flags are not COPYFILE_ALL (ENOTSUP). The state is ignored.
+// Copies the data, then the permission bits, the extended attributes and the times, as far as the
+// target's file system accepts them. The target is created exclusively and has mode 0600 until the
+// data is written; no link is followed there. Returns 0, or -1 with errno set and no new file left
+// behind. It fails when the source is missing or is not a regular file (folders, pipes and devices
+// are never read), when the target exists, when a write fails, or when the flags are not
+// COPYFILE_ALL (ENOTSUP). The state is ignored.
 int copyfile(const char* pszFrom, const char* pszTo, copyfile_state_t state,
              copyfile_flags_t dwFlags);
 }

@@ -13,7 +13,7 @@ using namespace std::string_literals;
 
 namespace {
 
-// Upper-cases 'x' alone.
+// Upper-cases only 'x'.
 class C_OnlyX : public std::ctype<char> {
  protected:
   const char* do_toupper(char* pFirst, const char* pLast) const override {

@@ -16,8 +16,8 @@ namespace {
 
 using C_LayoutBytes = std::vector<std::uint8_t>;
 
-// The bytes of a layout as the toolbox hands them out; what is claimed may differ from what
-// follows.
+// The bytes of a layout as the toolbox hands them out. The claimed number of descriptions may
+// differ from the descriptions that follow.
 C_LayoutBytes LayoutBytes(UInt32 dwTag, UInt32 dwBitmap, UInt32 dwClaimed,
                           const std::vector<AudioChannelDescription>& descriptions = {}) {
   const std::array<UInt32, 3> head = {dwTag, dwBitmap, dwClaimed};
@@ -58,7 +58,7 @@ TEST(CAAudioChannelLayoutTest, ALayoutByBitmap_PrintsTheBitmap) {
   EXPECT_EQ(TextOf(CAAudioChannelLayout::FromBitmap(0xFFFFFFFF)),
             "\tTag=0x10000, Using Bitmap:0xFFFFFFFF\n");
   EXPECT_EQ(TextOf(CAAudioChannelLayout::FromTag(0x10000)), "\tTag=0x10000, Using Bitmap:0x0\n");
-  // Descriptions of a layout by bitmap mean nothing.
+  // In a layout by bitmap, descriptions are ignored.
   EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0x10000, 0x3F, 1, {kLeft}))),
             "\tTag=0x10000, Using Bitmap:0x3F\n");
 }
@@ -77,7 +77,7 @@ TEST(CAAudioChannelLayoutTest, DescribedChannels_PrintALineEach) {
   EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0, 3, 3, {kLeft, kPlaced, kLeft}))),
             std::string("\tTag=0x0, Num Chan Descs=3\n") + kLeftText + kPlacedText + kLeftText);
   EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0, 0, 0))), "\tTag=0x0, Num Chan Descs=0\n");
-  // Whatever the tag, descriptions that are there are printed.
+  // Descriptions are printed whatever the tag, except in a layout by bitmap.
   EXPECT_EQ(TextOf(FromBytes(LayoutBytes(0x640001, 0, 1, {kLeft}))),
             std::string("\tTag=0x640001, Num Chan Descs=1\n") + kLeftText);
 }
@@ -115,13 +115,14 @@ TEST(CAAudioChannelLayoutTest, BytesThatEndBeforeWhatTheyCount_AreNoLayout) {
   const C_LayoutBytes whole = LayoutBytes(0, 0, 2, {kLeft, kPlaced});
   ASSERT_EQ(whole.size(), 52U);
   for (std::size_t cbBytes = 0; cbBytes < whole.size(); ++cbBytes) {
-    // Memory of exactly that size: a byte more would not be ours to read.
+    // Memory of exactly this size: one byte more would not be ours to read.
     const C_LayoutBytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(cbBytes));
     EXPECT_FALSE(FromBytes(cut).IsValid()) << cbBytes;
   }
   EXPECT_FALSE(CAAudioChannelLayout::FromBytes(nullptr, 0).IsValid());
   EXPECT_FALSE(CAAudioChannelLayout::FromBytes(nullptr, 52).IsValid());
-  // Counts whose bytes do not fit 32 bits, among them one that would wrap round to what is there.
+  // Counts that need more bytes than there are. For most, the number of bytes does not fit 32 bits,
+  // and for some it would wrap to one that is there.
   for (const UInt32 dwClaimed :
        {3U, 0x0CCCCCCDU, 0x33333334U, 0x40000000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
     EXPECT_FALSE(FromBytes(LayoutBytes(0, 0, dwClaimed, {kLeft, kPlaced})).IsValid()) << dwClaimed;

@@ -54,7 +54,7 @@ TEST(CAAudioUnitTest, PrintsItsUnitItsNodeAndTheUnitsComponent) {
   EXPECT_EQ(CAAudioUnit(7, unit).Comp().Comp(), component.Comp());
   EXPECT_EQ(AudioComponentInstanceDispose(unit), noErr);
   EXPECT_FALSE(CAAudioUnit(7, unit).Comp().IsValid());
-  // A wrapper that outlived its unit still prints, without a component.
+  // A wrapper that outlives its unit still prints, without a component.
   EXPECT_EQ(Printed([&](std::FILE* p) { CAAudioUnit(7, unit).Print(p); }),
             "AudioUnit:" + Address(unit) + "\n\tnode=7\tCAComponent: " + Address(nullptr) +
                 ", AudioComponentDescription: 0x00000000 - 0x00000000 - 0x00000000, 0x0, 0x0\n");

@@ -17,7 +17,8 @@ TEST(CAStreamBasicDescriptionTest, TheWordSize_IsThatOfOneSample) {
   EXPECT_EQ(Describe(12, 4, 0, 16).SampleWordSize(), 0U);
   EXPECT_EQ(Describe(12, 0, 2, 16).SampleWordSize(), 0U);
   EXPECT_EQ(CAStreamBasicDescription().SampleWordSize(), 0U);
-  // Sample and frame are the same thing only where the channels lie apart, which only PCM can.
+  // A sample and a frame are the same only where each channel has its own buffer, and only PCM can
+  // have that.
   auto other = Describe(32, 6, 2, 16);
   EXPECT_EQ(other.SampleWordSize(), 6U);
   other.mFormatID = kAudioFormatULaw;

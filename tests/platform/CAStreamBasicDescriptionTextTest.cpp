@@ -88,7 +88,7 @@ TEST(StreamTextTest, FixedPoint_SaysWholeAndFractionBits) {
         " 1 ch,   8000 Hz, 'lpcm' (0x00000C0C) 8.24-bit little-endian signed integer"},
        {Pcm(0x8C, 16, 2),
         " 1 ch,   8000 Hz, 'lpcm' (0x0000008C) 15.1-bit little-endian signed integer"},
-       // All six bits, and none of those beside them.
+       // All six bits count, and none of the bits beside them.
        {Pcm(0x1F8C, 64, 8),
         " 1 ch,   8000 Hz, 'lpcm' (0x00001F8C) 1.63-bit little-endian signed integer"},
        {Pcm(0x204C, 16, 2),
@@ -184,7 +184,7 @@ TEST(StreamTextTest, CountsOfAllOnes_PrintAsMinusOne) {
                 "packed in -1 bytes high-aligned, deinterleaved"}});
 }
 
-// The whole text, cut to what a buffer of so many bytes can hold.
+// Expects the whole text, cut to what a buffer of cbBuffer bytes can hold.
 void ExpectCut(const CAStreamBasicDescription& desc, const std::string& strWhole,
                std::size_t cbBuffer) {
   std::vector<char> buffer(cbBuffer + 16, '#');
@@ -194,7 +194,7 @@ void ExpectCut(const CAStreamBasicDescription& desc, const std::string& strWhole
     const std::string strCut = strWhole.substr(0, cbBuffer - 1);
     strExpected.replace(0, strCut.size() + 1, strCut.c_str(), strCut.size() + 1);
   }
-  // What lies between the text and the end of the buffer is not the caller's concern.
+  // The caller does not care what lies between the text and the end of the buffer.
   for (std::size_t i = strExpected.find('\0') + 1; cbBuffer != 0 && i < cbBuffer; ++i) {
     buffer[i] = strExpected[i];
   }
@@ -245,7 +245,7 @@ TEST(StreamTextTest, RatesBeyondAllMeasure_DoNotLeaveTheBuffer) {
   desc.mSampleRate = 1e308;
   std::array<char, 512> text{};
   const std::string strWhole = CAStreamBasicDescription(desc).AsText(text.data(), text.size());
-  // 309 digits instead of the 6 places of a usual rate.
+  // The rate takes 309 digits instead of the 6 places of a usual rate.
   EXPECT_EQ(strWhole.size(), std::string(kPlaybackText).size() + 303);
   EXPECT_TRUE(strWhole.starts_with(" 2 ch, 1000000000000000"));
   EXPECT_TRUE(

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The texts of components and units on a toolbox that can name its component as it likes.
+// The texts of components and units, on a toolbox that can give its component any name.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -24,7 +24,7 @@ class ComponentText : public ::testing::Test {
     m_toolbox.Reset();
     m_toolbox.componentDescription = kDescription;
   }
-  // What stands between the address and the description.
+  // The text between the address and the description.
   std::string PrintedNames() {
     const CAComponent component(kDescription);
     const std::string strText = Printed([&](std::FILE* p) { component.Print(p); });

@@ -44,7 +44,8 @@ class CommandLine : public ::testing::Test {
     EXPECT_EQ(run.strOut, strOut) << arguments.at(0) << " " << arguments.at(1);
     EXPECT_EQ(run.nExit, nExit) << arguments.at(0) << " " << arguments.at(1);
   }
-  // Whatever cannot be played: the same answer in both modes that look at it, and no file left.
+  // Expects a file that cannot be played to fail in both modes that look at it, and to leave no
+  // file.
   void ExpectFailure(const std::string& strPath, const char* pszMessage, int nLength) {
     ExpectRun({strPath, "0"}, pszMessage, 255);
     ExpectRun({strPath, "2"}, "Length:" + std::to_string(nLength) + "\n", 0);
@@ -421,7 +422,7 @@ TEST_F(CommandLine, EveryOtherNumber_IsRealTimeMode) {
   }
 }
 
-// --- Standard error, and what the program carries
+// --- Standard error, and what the program contains
 
 TEST_F(CommandLine, WithoutADevice_ATerminalIsToldWhenPlaybackStarts) {
   const char* const kLine = "no output device; playing silently in real time\r\n";

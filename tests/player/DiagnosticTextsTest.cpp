@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The texts of streams, layouts, components and units are for whoever debugs; the program prints
-// none of them, and does not even carry them. What it does print, the tests of its runs compare
-// whole.
+// The texts of streams, layouts, components and units are meant for debugging. The program prints
+// none of them and does not even contain them. The tests that run the program compare all of its
+// output.
 #include <gtest/gtest.h>
 
 #include <fstream>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A player that writes down what it is asked and answers what a test wants, and the function that
-// makes it. Takes the place of the real ones.
+// A player that records what it is asked and answers what a test wants, and the function that makes
+// it. They take the place of the real ones.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@ struct S_FakePlayer {
   bool bReleaseThrows = false;
   int nDuration = 2;
   int nDurationMs = 2000;
-  std::vector<int> positionsMs = {2000};  // poll by poll; then the last one for ever
+  std::vector<int> positionsMs = {2000};  // one per poll; then the last one forever
 
   std::vector<std::string> calls;
   int nAlive = 0;

@@ -48,7 +48,7 @@ class FileGraph : public ::testing::Test {
   double Prepare(const AudioStreamBasicDescription& format = kStereo) {
     return PrepareFileUnit(&m_schedule, m_unit, format, m_file);
   }
-  // The text of the exception that the work throws, and its status.
+  // The text and the status of the exception that the work throws.
   template <typename Work>
   static std::pair<std::string, OSStatus> Thrown(Work work) {
     try {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Names that files have in the world, by every way that a file takes through the program: played as
-// it is, decoded first, in real time with a header and without one.
+// File names as they occur in practice, on every way that a file takes through the program: played
+// as it is, decoded first, and in real time with and without a header.
 #include <unistd.h>
 
 #include <filesystem>
@@ -23,7 +23,7 @@ class FileNames : public C_FilesTest {
     EXPECT_EQ(played.strOut, strExpected) << strName;
     EXPECT_EQ(played.nExit, 0) << strName;
   }
-  // Speech sounds for 0.2 s; the two pauses around it take one second.
+  // The speech lasts 0.2 s; the two pauses around it take one second.
   void ExpectHeard(std::future<S_Run> run, const std::string& strName) {
     const S_Run played = run.get();
     EXPECT_EQ(played.strOut, kRealTimeOutput) << strName;
@@ -34,7 +34,8 @@ class FileNames : public C_FilesTest {
     std::string strName;
     std::vector<std::future<S_Run>> runs;
   };
-  // Begins to play a file of this name by every way, named as seen from its folder.
+  // Starts to play a file with this name in every way. The program runs in the file's folder and
+  // gets the name relative to that folder.
   S_Ways BeginEveryWay(const std::string& strName) {
     const auto enter = [this] {
       if (chdir(m_folder.Path().c_str()) != 0) _exit(1);
@@ -58,7 +59,7 @@ class FileNames : public C_FilesTest {
     ExpectHeard(std::move(ways.runs.at(4)), ways.strName);
     EXPECT_EQ(m_folder.Read(ways.strName + "2.kst"), m_speech.stream);
   }
-  // A path into the folder with so many characters in front of the extension and its digit.
+  // A name whose full path has nPath characters before the digit and the extension.
   std::string LongName(std::size_t nPath) {
     std::string strName;
     while (m_folder.Path(strName).size() + 210 < nPath) strName += std::string(200, 'd') + "/";
@@ -70,7 +71,8 @@ class FileNames : public C_FilesTest {
   C_TempFolder m_folder;
 };
 
-// A minus in front is no option, a format is text, and bytes that are no text are kept too.
+// A leading minus does not make a name an option, a format is plain text, and bytes that are not
+// text are kept too.
 TEST_F(FileNames, OddNames_ArePlayedByEveryWay) {
   const std::string strUtf8 =
       "Gr\xC3\xBC\xC3\x9F"
@@ -85,7 +87,7 @@ TEST_F(FileNames, OddNames_ArePlayedByEveryWay) {
   EXPECT_EQ(m_temp.NewFiles().size(), 3 * names.size()) << "two decoded files and a copy of each";
 }
 
-// Every way has its own room for the path.
+// Every way has a path buffer of its own.
 TEST_F(FileNames, TheLongestPath_Fits_AndOneMoreDoesNot) {
   const std::string strName = LongName(kLongestPath - 5);
   const std::string strFile = m_folder.Write(strName + "1.kst", m_speech.file);

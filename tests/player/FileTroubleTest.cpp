@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files that change while they are played, and names that lead to no file. Whatever happens, the
-// program plays on or is silent to the end of the sound that it began with.
+// Files that change while they are played, and names that do not lead to a regular file. Whatever
+// happens, the program plays on, or is silent, to the end of the sound with which it began.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -52,7 +52,8 @@ class FileTrouble : public C_FilesTest {
  protected:
   FileTrouble() : m_speech(SpeechOf(15)) {}
 
-  // Plays the file, and once it has begun and `wait` has passed, changes what `strChanged` gives.
+  // Plays the file. Once that has begun and `wait` has passed, changes the file that `strChanged`
+  // names.
   S_Run PlayAndChange(const std::string& strPath, const char* pszMode, const S_Change& change,
                       std::chrono::milliseconds wait,
                       const std::function<std::string()>& strChanged) const {
@@ -62,7 +63,7 @@ class FileTrouble : public C_FilesTest {
     change.pfnDo(strChanged());
     return program.Wait();
   }
-  // Every change to a file of its own, side by side.
+  // Makes every change, each to a file of its own, all at the same time.
   void ChangeEveryWay(const std::string& strKind, const C_Bytes& bytes, const char* pszMode,
                       const std::string& strOut, double dSeconds, std::chrono::milliseconds wait) {
     std::vector<std::future<void>> runs;
@@ -83,7 +84,7 @@ class FileTrouble : public C_FilesTest {
     EXPECT_EQ(run.nExit, 0) << strWhat;
     EXPECT_GE(run.dSeconds, dSeconds) << strWhat;
   }
-  // The one file with this end that the program has in the temporary directory.
+  // The file with this suffix that the program has in the temporary directory.
   [[nodiscard]] std::string TempFile(const std::string& strSuffix) const {
     std::string strFound;
     for (const std::string& strName : m_temp.NewFiles()) {
@@ -106,7 +107,8 @@ TEST_F(FileTrouble, AFileThatWasDecodedFirst_IsNotNeededAnyMore) {
                  0.3, 0ms);
 }
 
-// The program may be about to look at the file, to copy it or to read it, or may be done with it.
+// At that time the program may be about to look at the file, to copy it or to read it, or may be
+// done with it.
 TEST_F(FileTrouble, RealTimeModeOfAFileThatChanges_Finishes) {
   std::vector<std::future<void>> all;
   for (const auto wait : {0ms, 400ms}) {
@@ -148,7 +150,7 @@ TEST_F(FileTrouble, TheCopyOfABareStream_MayGoOnceItIsThere) {
   EXPECT_EQ(m_temp.NewFiles(), std::vector<std::string>{});
 }
 
-// Whoever opened a pipe for reading would wait for somebody to write; what is in one stays there.
+// Opening a pipe for reading would wait for a writer. What a pipe holds stays in it.
 TEST_F(FileTrouble, PipesAndDevices_AreNotReadAndNotWaitedFor) {
   std::vector<std::future<void>> runs;
   const std::string strFull = m_folder.Path("full.kst");

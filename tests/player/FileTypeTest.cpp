@@ -18,7 +18,7 @@ constexpr unsigned char kUntouched = 7;
 
 class FileType : public ::testing::Test {
  protected:
-  // What CheckFileType says about an existing file of that name, and the byte it leaves.
+  // What CheckFileType says about an existing file with this name, and the byte that it leaves.
   std::pair<bool, unsigned char> Check(const std::string& strName) {
     m_folder.Write(strName, {1, 2, 3});
     return CheckPath(m_folder.Path(strName));

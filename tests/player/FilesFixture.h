@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The real program on files of all sorts, without a sound server; many runs go side by side.
+// The real program on files of all sorts, without a sound server. Many runs go on at the same time.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,7 +26,8 @@ class C_FilesTest : public ::testing::Test {
  protected:
   using Prepare = std::function<void()>;
 
-  // Runs the program beside the test; it ends by itself and says nothing on standard error.
+  // Runs the program beside the test. The program must end by itself and say nothing on standard
+  // error.
   [[nodiscard]] std::future<S_Run> Beside(const std::string& strPath, const char* pszMode,
                                           const Prepare& prepare = {}) const {
     return std::async(std::launch::async, [this, strPath, pszMode, prepare] {
@@ -40,8 +41,8 @@ class C_FilesTest : public ::testing::Test {
                           const Prepare& prepare = {}) const {
     return Beside(strPath, pszMode, prepare).get();
   }
-  // What cannot be decoded: said so in both modes that look at it, and real-time mode is a second
-  // of silence.
+  // Expects a file that cannot be decoded: both modes that look at it say so, and real-time mode
+  // plays a second of silence.
   void ExpectUndecoded(const std::string& strPath, const Prepare& prepare = {}) const {
     auto normal = Beside(strPath, "0", prepare);
     auto length = Beside(strPath, "2", prepare);

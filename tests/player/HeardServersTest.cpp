@@ -35,7 +35,7 @@ void ExpectPlayed(std::future<S_Run> running) {
   EXPECT_EQ(run.nExit, 0);
 }
 
-// Who played when it died plays on in silence; who comes after it is heard.
+// Whoever was playing when the server died plays on in silence. The next player is heard.
 TEST_F(HeardServers, AServerThatIsKilledAndComesBack_IsHeardByTheNextPlayer) {
   const S_Speech speech = SpeechOf(100);
   const std::string strFile = m_folder.Write("x.kst", speech.file);
@@ -73,7 +73,7 @@ int SampleAt(const Pcm& sound, std::size_t nIndex) {
   return nIndex < sound.size() ? sound[nIndex] : 0;
 }
 
-// Whether `mix` is `first` and, from some sample on, `second` on top of it.
+// Whether `mix` is `first` with `second` added from some sample on.
 bool IsMixOf(const Pcm& mix, const Pcm& first, const Pcm& second) {
   std::size_t nSecond = 0;
   while (nSecond < mix.size() && mix[nSecond] == SampleAt(first, nSecond)) ++nSecond;

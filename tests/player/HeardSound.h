@@ -28,7 +28,7 @@ inline std::vector<float> AsFloat(const C_Bytes& pcm) {
   return result;
 }
 
-// Frames of two channels that are alike, as bytes.
+// Frames of two equal channels, as bytes.
 inline C_Bytes OnBothSides(const std::vector<float>& mono) {
   std::vector<float> stereo;
   for (const float fSample : mono) stereo.insert(stereo.end(), {fSample, fSample});
@@ -52,7 +52,7 @@ inline C_Bytes AsHeardInNormalMode(const C_Bytes& pcm, double dRate) {
 
 class Heard : public ::testing::Test {
  protected:
-  // Plays the file on the server and compares what it heard.
+  // Plays the file on the server and compares what was heard.
   void ExpectHeard(C_SoundServer& server, const C_Program::Texts& arguments, const C_Bytes& want,
                    const std::string& strOutput, double dLeastSeconds) {
     ASSERT_TRUE(server.Start());
@@ -68,7 +68,7 @@ class Heard : public ::testing::Test {
   }
 
   C_Program m_player{VOXPLAY_PLAYER};
-  // Takes what the player leaves there along: up to 34 MB when it is interrupted.
+  // Removes what the player leaves there: up to 34 MB when it is interrupted.
   C_PrivateTemp m_temp;
   C_TempFolder m_folder;
 };

@@ -44,7 +44,7 @@ TEST_F(Heard, NormalModeOfAWavFile_IsItsSoundAtItsOwnSpeed) {
               OnBothSides(AsFloat(pcm)), "file duration: 1.378125 secs\nPlaying...Finished\n", 0.5);
 }
 
-// Nobody hears the end of it, but the program comes to its own.
+// Nobody hears the end of the sound, but the program still comes to its end.
 TEST_F(Heard, AServerThatFreezesWhilePlaying_LetsBothModesFinish) {
   const std::string strFile = m_folder.Write("x.kst", SpeechOf(150).file);
   C_SoundServer server(16000, "s16le", 1);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The real program where the user interrupts or suspends it: Ctrl-C and Ctrl-Z.
+// The real program when the user interrupts or suspends it: Ctrl-C and Ctrl-Z.
 #include <gtest/gtest.h>
 #include <signal.h>  // NOLINT(modernize-deprecated-headers): kill
 #include <unistd.h>
@@ -24,12 +24,13 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-// Far beyond an end at once, far below the wait for a service that does not answer.
+// Much longer than an immediate end takes, and much shorter than the wait for a service that does
+// not answer.
 constexpr auto kHangs = 3s;
 
 class Interrupt : public ::testing::Test {
  protected:
-  // A process group of its own, as a shell makes one for each job.
+  // Starts the program in a process group of its own, as a shell does for each job.
   [[nodiscard]] C_RunningProgram StartJob(const std::string& strFile, const char* pszMode,
                                           const C_Program::Texts& environment) const {
     return m_player.Start({strFile, pszMode}, environment, [] {
@@ -43,7 +44,7 @@ class Interrupt : public ::testing::Test {
   C_TempFolder m_folder;
 };
 
-// Interrupts every process of the job; all of them are gone soon.
+// Interrupts every process of the job and expects them all to be gone soon.
 void ExpectEnd(C_RunningProgram& job) {
   const pid_t nJob = job.Pid();
   const auto begin = Clock::now();
@@ -56,13 +57,13 @@ void ExpectEnd(C_RunningProgram& job) {
   EXPECT_TRUE(kill(-nJob, 0) == -1 && errno == ESRCH) << "somebody is left";
 }
 
-// How long a recording of 16 kHz, 16 bits and one channel is silent at its end.
+// How many seconds of silence end a recording of 16 kHz, 16 bits and one channel.
 double SilentEndSeconds(const std::vector<std::uint8_t>& sound) {
   const auto last = std::find_if(sound.rbegin(), sound.rend(), [](auto by) { return by != 0; });
   return static_cast<double>(last - sound.rbegin()) / 32000.0;
 }
 
-// What the recording has after the end of both is half a second.
+// The recording goes on for half a second after both programs have ended.
 TEST_F(Interrupt, WhilePlaying_EndsTheSoundOfBothModesAtOnce) {
   const std::string strFile = m_folder.Write("x.kst", SpeechOf(150).file);
   C_SoundServer server(16000, "s16le", 1);
@@ -102,7 +103,7 @@ TEST_F(Interrupt, WithAFrozenServerOrNone_EndsBothModesAtOnce) {
   }
 }
 
-// Half an hour of speech, which nobody decodes in no time.
+// Half an hour of speech, which takes some time to decode.
 C_Bytes LongSpeech() {
   const C_Bytes second = SpeechOf(50).stream;
   constexpr std::size_t cbHead = 6;
@@ -124,7 +125,8 @@ TEST_F(Interrupt, WhileDecoding_LeavesTheFileAsItWas) {
   while (m_temp.NewFiles().size() < 2 && Clock::now() < limit) std::this_thread::sleep_for(1ms);
   ExpectEnd(job);
   EXPECT_EQ(m_folder.Read("x.kst"), file);
-  // The sound and the WAV file that it would have gone to, which nobody comes back for.
+  // Two files are left behind: the sound decoded so far, and the WAV file that would have received
+  // it. Nobody comes back for them.
   std::uintmax_t cbWav = 1;
   for (const std::string& strName : m_temp.NewFiles()) {
     if (strName.ends_with(".wav")) cbWav = std::filesystem::file_size("/tmp/" + strName);
@@ -133,7 +135,8 @@ TEST_F(Interrupt, WhileDecoding_LeavesTheFileAsItWas) {
   EXPECT_EQ(m_temp.NewFiles().size(), 2U);
 }
 
-// What was under way when it stopped has been heard, what comes after it goes on with it.
+// The sound that was under way when the player stopped is still heard. What comes after it goes on
+// from there.
 TEST_F(Interrupt, ASuspendedPlayer_PlaysOnWhereItWas) {
   const S_Speech speech = SpeechOf(75);
   const std::string strFile = m_folder.Write("x.kst", speech.file);
@@ -157,7 +160,8 @@ TEST_F(Interrupt, ASuspendedPlayer_PlaysOnWhereItWas) {
       EXPECT_EQ(run.strErr, "");
     }
   });
-  // Exact on a machine so busy that nothing was heard yet when it stopped.
+  // The result is Exact only on a machine so busy that nothing had been heard yet when the player
+  // stopped.
   EXPECT_NE(CompareSounds(speech.pcm, got, 2), tagSameSound::Wrong);
 }
 

@@ -23,7 +23,7 @@ bool IsZero(const std::uint8_t* pbyFrom, std::size_t cbCount) {
   return std::all_of(pbyFrom, pbyFrom + cbCount, [](std::uint8_t by) { return by == 0; });
 }
 
-// What the process-wide queue is like when main begins.
+// The state of the process-wide queue when main begins.
 struct S_AtStart {
   bool bZero;
   std::uint32_t dwCount;
@@ -118,7 +118,7 @@ TEST(PcmQueue, HoldsOneByteLessThanTheBlock) {
   EXPECT_EQ(std::memcmp(queue.GetBase(), data.data() + 1000, data.size() - 1000), 0);
 }
 
-// Runs something on a queue in a child process. True when it came to its end within a second.
+// Runs the work in a child process. True when it ends within a second.
 template <typename Work>
 bool Ends(Work work) {
   const pid_t nChild = fork();
@@ -135,7 +135,7 @@ bool Ends(Work work) {
 
 TEST(PcmQueue, Write_ThatDoesNotFit_LeavesTheLockHeld) {
   const std::vector<std::uint8_t> data(kBlock, 1);
-  // The same without the overflow, so that the second expectation says something.
+  // The same without an overflow, so that the second expectation proves something.
   EXPECT_TRUE(Ends([&] {
     C_PcmQueue queue;
     queue.Write(data.data(), kBlock - 1);
@@ -163,7 +163,7 @@ TEST(PcmQueue, Write_ThatDoesNotFit_IsDropped) {
   EXPECT_EQ(Held(*pQueue), "ab");
   EXPECT_EQ(pQueue->GetWritePosition(), pQueue->GetBase() + 2);
   EXPECT_TRUE(IsZero(pQueue->GetBase() + 2, kBlock - 2));
-  // Its lock is held for ever, and a held lock must not be destroyed.
+  // Its lock is held forever, and a held lock must not be destroyed.
   static C_PcmQueue* pKept = nullptr;
   pKept = pQueue;
   EXPECT_NE(pKept, nullptr);

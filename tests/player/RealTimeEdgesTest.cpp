@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Real-time mode where it is odd: sounds that it cannot hold, and streams that fail at their end.
+// Odd cases of real-time mode: sounds that it cannot hold, and streams that fail at their end.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -19,11 +19,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Kestrel speech of 16000 bit/s.
+// Kestrel speech at 16000 bit/s.
 constexpr std::uint32_t kFrameBytes = 40;
 constexpr std::size_t kStreamHead = 6;  // length and bit rate
 
-// The frames of the speech, over and over, behind a header.
+// The frames of the speech, over and over, after a header.
 C_Bytes RepeatedSpeech(const S_Speech& speech, std::uint32_t dwFrames) {
   const C_Bytes frames(speech.stream.begin() + kStreamHead, speech.stream.end());
   C_Bytes stream = Join({U32(2 + dwFrames * kFrameBytes), U16(16000)});
@@ -34,7 +34,7 @@ C_Bytes RepeatedSpeech(const S_Speech& speech, std::uint32_t dwFrames) {
   return C_SpBytes().Stream(stream).Take();
 }
 
-// Processor time of all its threads so far.
+// The processor time that all threads of the process have used so far.
 double CpuSeconds(pid_t nProcess) {
   std::ifstream file("/proc/" + std::to_string(nProcess) + "/stat");
   std::string strLine;
@@ -48,7 +48,7 @@ double CpuSeconds(pid_t nProcess) {
   return (dUser + dSystem) / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
-// True when the program does next to nothing for half a second: it neither decodes nor plays.
+// True once the program does almost nothing for half a second: it neither decodes nor plays.
 bool WaitUntilStuck(pid_t nProcess) {
   for (int i = 0; i < 100; ++i) {
     const double dBefore = CpuSeconds(nProcess);
@@ -77,8 +77,8 @@ TEST_F(Heard, RealTimeModeOfHalfAnHour_IsStuckWhenTheQueueIsFull_AndStillEndsByI
   EXPECT_EQ(run.strOut, "Playing...");
   EXPECT_EQ(run.strErr, "");
   EXPECT_EQ(run.nSignal, SIGINT);
-  // What was heard before, if the decoder left the time for any, is the beginning of the sound. The
-  // server gets more than a tenth of a second in advance, which no load can interrupt.
+  // What was heard before, if the decoder left time for anything, is the beginning of the sound.
+  // The server gets more than a tenth of a second in advance, and no load can interrupt that.
   C_Bytes heard = WithoutSilentEnds(recorded, 2);
   heard.resize(std::min<std::size_t>(heard.size(), 3200));
   EXPECT_TRUE(std::equal(heard.begin(), heard.end(), WithoutSilentEnds(speech.pcm, 2).begin()));

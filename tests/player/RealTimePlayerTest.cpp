@@ -51,7 +51,8 @@ class RealTimePlayer : public ::testing::Test {
       }
     };
   }
-  // The head start is as long as the decoder takes (ten seconds at most), as it is at full length.
+  // Lets the head start last as long as the decoder takes (ten seconds at most). At its full length
+  // it would be long enough as well.
   void WaitForTheDecoderInTheHeadStart() {
     m_toolbox.onPause = [this] {
       if (m_toolbox.Log().back() != "usleep(500000)" || m_toolbox.Find("AudioOutputUnit") >= 0) {
@@ -64,7 +65,8 @@ class RealTimePlayer : public ::testing::Test {
       EXPECT_EQ(m_decoder.byFinished.load(), 1) << "the decoder works during the head start";
     };
   }
-  // The calls of the library; the decoder's format object ends on its own thread, at any time.
+  // The library's calls, without the end of the decoder's format object: that happens on the
+  // decoder's own thread, at any time.
   Lines LibraryCalls() {
     Lines lines = m_library.Log();
     std::erase(lines, "~C_WavFileFormat");
@@ -242,7 +244,8 @@ TEST_F(RealTimePlayer, NoName_IsAFileThatCannotBeDecoded) {
   EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
 }
 
-// A decoder that ends after the playback must not take the player's part of it along.
+// The decoder thread may end after playback, when the player's part of the decoder may be gone. So
+// it says that it has finished before its format object ends.
 TEST_F(RealTimePlayer, FinishedIsSet_BeforeTheDecodersFormatEnds) {
   std::atomic<std::thread::id> decoderThread;
   std::atomic<int> nFinished{-1};

@@ -24,7 +24,7 @@ class RunModes : public ::testing::Test {
     m_loader.Release();
     EXPECT_EQ(g_player.nAlive, 0);
   }
-  // Runs and gives result and output.
+  // Runs the play mode, returns its result and keeps its output.
   int Play(unsigned long ulRealTime) {
     CaptureStdout();
     const int nResult = RunPlay(m_loader, "a file.kst", ulRealTime);

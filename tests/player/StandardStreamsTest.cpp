@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The real program where its standard streams are closed, or nobody reads what it prints.
+// The real program when its standard streams are closed, or when nobody reads what it prints.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -41,7 +41,7 @@ class StandardStreams : public ::testing::Test {
   std::string m_strFile = m_folder.Write("x.kst", m_speech.file);
 };
 
-// In the child: standard output is a pipe that nobody reads.
+// Runs in the child: makes standard output a pipe that nobody reads.
 void BreakOutput() {
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC) != 0) _exit(1);
@@ -49,7 +49,7 @@ void BreakOutput() {
   dup2(ends[1], STDOUT_FILENO);
 }
 
-// What a descriptor of a process leads to; empty for none.
+// What a descriptor of a process leads to; empty when it is not open.
 std::string Target(pid_t nProcess, int nDescriptor) {
   std::error_code error;
   return std::filesystem::read_symlink(
@@ -62,7 +62,8 @@ bool AllLeadToTheNullDevice(pid_t nProcess, const Descriptors& descriptors) {
   });
 }
 
-// At the latest when "Playing..." is printed: the decoded file of normal mode is open by then.
+// This holds at the latest when "Playing..." is printed: normal mode has its decoded file open by
+// then.
 TEST_F(StandardStreams, ThatAreClosed_AreNotReplacedByWhatThePlayerOpens) {
   for (const char* pszMode : {"0", "1"}) {
     for (const Descriptors& closed : {Descriptors{1}, Descriptors{0, 1}, Descriptors{0, 1, 2}}) {
@@ -97,7 +98,7 @@ TEST_F(StandardStreams, ThatAreClosed_ChangeNothingElse) {
   EXPECT_EQ(m_folder.Read("x.kst"), m_speech.file);
 }
 
-// As with every program in a pipeline: the first text that nobody will read ends it.
+// As with every program in a pipeline, the first text that nobody will read ends it.
 TEST_F(StandardStreams, OutputThatNobodyReads_EndsThePlayerQuietly) {
   for (const char* pszMode : {"0", "1", "2"}) {
     const S_Run run = m_player.Start({m_strFile, pszMode}, {}, BreakOutput).Wait();

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A temporary directory that is full, read-only or gone. What needs it fails as every file does
-// that cannot be decoded; nothing is left behind, and the user's files are as they were.
+// A temporary directory that is full, read-only or gone. Whatever needs it fails like any file that
+// cannot be decoded. Nothing is left behind, and the user's files stay as they were.
 //
-// Such directories need the right to mount; without it the tests that mount try nothing and pass,
-// and a limit on the size of files stands for the full disk.
+// Setting up such directories needs the right to mount. Without it, the tests that mount do nothing
+// and pass, and a limit on the size of files stands in for the full disk.
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -24,7 +24,7 @@ C_Bytes ReadBytes(const std::string& strPath) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// Something else over the temporary directory.
+// Mounts something else over the temporary directory.
 class C_MountedTemp {
  public:
   C_MountedTemp(const char* pszSource, const char* pszType, unsigned long ulFlags,
@@ -50,7 +50,7 @@ class TempTrouble : public C_FilesTest {
     std::error_code error;
     std::filesystem::remove_all(m_strInputs, error);
   }
-  // Relative, and so to be found whatever is mounted.
+  // A relative path, so that it is found whatever is mounted.
   [[nodiscard]] std::string Input(const std::string& strName) const {
     return m_strInputs + "/" + strName;
   }
@@ -106,8 +106,8 @@ TEST_F(TempTrouble, Gone_NothingIsDecoded) {
   ExpectOnlyTheWavFilePlays();
 }
 
-// One page is free, or two, or three: decoding runs into the end of the disk at another place each
-// time, until the last time everything fits.
+// One page is free, or two, or three: each time, decoding fills the disk at a different point,
+// until everything fits the last time.
 TEST_F(TempTrouble, FillingUpMeanwhile_LeavesNothingHalfWritten) {
   if (!m_temp.IsPrivate()) return;
   const std::size_t nSoundPages = (44 + m_speech.pcm.size() + m_nPage - 1) / m_nPage;
@@ -128,7 +128,7 @@ TEST_F(TempTrouble, FillingUpMeanwhile_LeavesNothingHalfWritten) {
   ExpectInputsUnharmed();
 }
 
-// The copy stays as every copy does. There is no room for a header, so nothing is heard of it.
+// The copy stays, as every copy does. There is no room for a header, so nothing of it is heard.
 TEST_F(TempTrouble, RoomForTheCopyButNotForItsHeader_IsSilenceAndLeavesTheWholeCopy) {
   if (!m_temp.IsPrivate()) return;
   const C_MountedTemp temp("voxplay-test", "tmpfs", 0, SizeOfPages(1));

@@ -67,8 +67,8 @@ TEST_F(Voxplay, SecondDecode_ReplacesTheFirst) {
   EXPECT_EQ(m_temp.NewFiles(), first);
 }
 
-// Whoever puts a link in the place of the decoded file between two runs gets nothing written
-// through it.
+// If somebody puts a link in the place of the decoded file between two runs, nothing is written
+// through that link.
 TEST_F(Voxplay, LinkInThePlaceOfTheDecodedFile_IsReplacedAndNotFollowed) {
   EXPECT_EQ(Open("x.kst"), 0);
   const std::string strWav = std::string(P_tmpdir) + "/" + m_temp.NewFiles().at(0);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A player on a library and a toolbox that only write down what they are asked.
+// A player on a library and a toolbox that only record what they are asked.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ class Voxplay : public ::testing::Test {
     if (m_pPlayer != nullptr) m_pPlayer->Release();
   }
 
-  // Opens an existing file of that name; what was printed goes to m_strOutput.
+  // Opens an existing file with this name. What was printed goes to m_strOutput.
   int Open(const std::string& strName) {
     const std::string strPath = m_folder.Write(strName, {1});
     testing::internal::CaptureStdout();

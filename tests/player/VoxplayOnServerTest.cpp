@@ -42,7 +42,7 @@ int PositionMs(I_Voxplay& player) {
   return nPosition;
 }
 
-// False when the position is not reached in any reasonable time.
+// Waits for the position. False when it is not reached in any reasonable time.
 bool WaitForMs(I_Voxplay& player, int nMs) {
   const auto limit = Clock::now() + 20s;
   while (PositionMs(player) < nMs) {
@@ -59,7 +59,7 @@ int OnState(int nState, unsigned int dwUserData) {
   return 0;
 }
 
-// Frames of two channels as the server's floats.
+// Frames of two channels, as floats in the form that the server uses.
 C_Bytes AsFloats(const Samples& left, const Samples& right) {
   std::vector<float> frames;
   for (std::size_t i = 0; i < left.size(); ++i) {
@@ -70,7 +70,7 @@ C_Bytes AsFloats(const Samples& left, const Samples& right) {
   return BytesOf(frames);
 }
 
-// The channel of a recording alone.
+// One channel of a recording.
 C_Bytes Channel(const C_Bytes& sound, std::size_t nChannel) {
   C_Bytes channel;
   for (std::size_t i = 0; i + 8 <= sound.size(); i += 8) {
@@ -127,7 +127,7 @@ TEST_F(VoxplayOnServer, PauseAndStop_LoseAndRepeatNothing_WhenItPlaysOn) {
   EXPECT_EQ(g_states, (States{{2, 77}, {1, 77}, {2, 77}, {0, 77}, {2, 77}, {0, 77}}));
   const C_Bytes want = AsFloats(samples, samples);
   EXPECT_EQ(CompareSounds(want, got, 8), tagSameSound::Gaps);
-  // Two silences of 0.3 s between.
+  // Two silences of 0.3 s are in between.
   EXPECT_GE(WithoutSilentEnds(got, 8).size(), want.size() + std::size_t{8} * kRate * 6 / 10);
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The player from play to release, and where it stands meanwhile.
+// The player from play to release, and its position meanwhile.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

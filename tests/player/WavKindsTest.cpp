@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// WAV files of every width, rate and number of channels, through the real program as they are.
+// WAV files of every width, rate and number of channels, played as they are by the real program.
 #include <array>
 
 #include "FilesFixture.h"
@@ -31,7 +31,7 @@ constexpr std::array<S_Kind, 11> kKinds = {{{"8", kPcm, 8, false},
 constexpr std::array<std::uint32_t, 8> kRates = {8000,  11025, 16000, 22050,
                                                  32000, 44100, 48000, 96000};
 
-// So many frames of silence.
+// A WAV file with nFrames frames of silence.
 C_Bytes SilentWav(const S_Kind& kind, std::uint32_t dwRate, std::uint16_t wChannels,
                   std::size_t nFrames) {
   const auto wAlign = static_cast<std::uint16_t>(wChannels * kind.wBits / 8);
@@ -48,7 +48,8 @@ C_Bytes SilentWav(const S_Kind& kind, std::uint32_t dwRate, std::uint16_t wChann
 
 class WavKinds : public C_FilesTest {
  protected:
-  // Every fourth rate with another number of channels, side by side; 1600 frames count as 0.1 s.
+  // Plays every fourth rate, each with another number of channels, all at the same time. 1600
+  // frames count as 0.1 s.
   void PlayAtRates(const S_Kind& kind, std::size_t nFirst) {
     std::vector<std::future<S_Run>> runs;
     for (std::size_t i = nFirst % 4; i < kRates.size(); i += 4) {

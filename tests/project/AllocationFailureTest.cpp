@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Every allocation fails in turn: an operation answers false or lets std::bad_alloc through, leaks
+// Every allocation fails in turn. An operation returns false or lets std::bad_alloc through, leaks
 // nothing, loses nothing, and works the next time.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -41,7 +41,7 @@ bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn) {
     EXPECT_TRUE(operation.Run());
     EXPECT_TRUE(operation.IsWhole());
   }
-  // Everything has been done once more by now, so all that may live is what lived before.
+  // Everything has been done once more by now, so only what lived before may live.
   operation.Prepare();
   EXPECT_EQ(C_FaultyNew::Living(), nLiving);
   return faults.WasHit();

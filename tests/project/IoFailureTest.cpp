@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Every call of the file functions fails in turn, and every disk is full at some byte: whatever
+// Every call of the file functions fails in turn, and every disk is full at some byte. Whatever
 // happens, an operation says so, loses nothing and leaves nothing behind.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -32,7 +32,7 @@ void ExpectNoFileLeft(const C_FaultyIo& faults, const C_SweptOperation& operatio
   }
 }
 
-// The next attempt, with nothing in its way, does all of it.
+// The next attempt, without any faults, does everything.
 void ExpectSecondAttemptWorks(C_SweptOperation& operation) {
   EXPECT_TRUE(operation.Run());
   EXPECT_TRUE(operation.IsWhole());
@@ -94,7 +94,8 @@ INSTANTIATE_TEST_SUITE_P(All, IoFailureTest,
                          testing::Combine(testing::ValuesIn(SweptOperationNames()), kFaults),
                          NameOf);
 
-// Files that the process writes end at a size; it is the disk that is full, not the pipe to ctest.
+// Limits the size of the files that the process writes. That stands for a full disk, and leaves the
+// pipe to ctest alone.
 class C_FullDisk {
  public:
   explicit C_FullDisk(rlim_t cbRoom) : m_pfnBefore(std::signal(SIGXFSZ, SIG_IGN)) {

@@ -41,7 +41,7 @@ C_SoundPtr AnnotatedSoundFor(tagAudioFileType eType) {
   return AnnotatedSound(kHeronTypes.Has(eType) ? kHeronFrames : kFrames);
 }
 
-// Files of codecs are streams of their own, or containers when they are written without encoding.
+// Codec files hold a bare stream, or are containers when they are written without encoding.
 enum class Form { Own, Container };
 
 bool Write(I_WavData& sound, tagAudioFileType eType, const std::string& strPath,
@@ -64,7 +64,7 @@ Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
   return folder.Read("made");
 }
 
-// Loads a file by the factory.
+// Loads a file with the factory.
 class C_LoadOperation : public C_SweptOperation {
  public:
   C_LoadOperation(const C_TempFolder& folder, Bytes source, bool bKeepEncoded)
@@ -81,7 +81,7 @@ class C_LoadOperation : public C_SweptOperation {
     return m_file != nullptr;
   }
   bool IsWhole() override { return Pcm() == m_pcm && Events() == m_nEvents; }
-  // Never more than there is; samples whose bytes could not be read are silent.
+  // Never more than the file has. Samples whose bytes could not be read are silent.
   bool IsCutShort() override { return Pcm().size() <= m_pcm.size() && Events() <= m_nEvents; }
 
  private:
@@ -122,10 +122,10 @@ class C_SaveOperation : public C_SweptOperation {
   Bytes m_expected;
 };
 
-// Makes one file from another by one call.
+// Makes one file from another with a single call.
 class C_FileOperation : public C_SweptOperation {
  public:
-  // Stripping a header reports whether its target could be opened, and no more than that.
+  // Stripping a header only reports whether its target could be opened.
   enum class Reports { AllThatWasDone, OnlyTheOpening };
   using Action = std::function<bool(C_FileOperation&)>;
   C_FileOperation(const C_TempFolder& folder, Bytes source, Action action, Reports eReports)
@@ -139,7 +139,7 @@ class C_FileOperation : public C_SweptOperation {
   bool IsWhole() override {
     return m_eReports == Reports::OnlyTheOpening ? IsCutShort() : Result() == m_expected;
   }
-  // A header that could not be read is not recognised, and stays in front of the copy.
+  // A header that could not be read is not recognised, and stays before the stream in the copy.
   bool IsCutShort() override {
     return Result().size() <= std::max(m_source.size(), m_expected.size());
   }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The operations of the library that touch files, in a form in which each can be made to fail at
-// every step: prepare, run, look at what came out.
+// every step: prepare, run, look at the result.
 #pragma once
 
 #include <cstdint>
@@ -19,16 +19,16 @@ class C_SweptOperation {
   C_SweptOperation(const C_SweptOperation&) = delete;
   C_SweptOperation& operator=(const C_SweptOperation&) = delete;
 
-  // Source as new, no target, nothing left over from the run before.
+  // Makes the source new, and leaves no target and nothing from the run before.
   void Prepare();
-  // The operation itself, and nothing of the test's own.
+  // Only the operation itself, with nothing of the test's own.
   virtual bool Run() = 0;
-  // After a Run that was true: whether all of it was done.
+  // After a Run that returned true: whether all of it was done.
   virtual bool IsWhole() = 0;
-  // After a Run that was true although the source could not be read to its end: whether it stands
-  // for a source that ends early, which is how files that were cut short are read.
+  // After a Run that returned true although the source could not be read to its end: whether the
+  // result is that of a source that ends early. That is how files that were cut short are read.
   virtual bool IsCutShort() { return false; }
-  // After a Run that was false: whether the source is as it was before.
+  // After a Run that returned false: whether the source is as it was before.
   [[nodiscard]] bool IsSourceIntact() const { return m_folder.Read("source") == m_source; }
 
   [[nodiscard]] const std::string& Source() const { return m_strSource; }

@@ -22,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 constexpr double kLimitSeconds = 120.0;
 constexpr auto kPoll = std::chrono::milliseconds(2);
 
-// The settings of the sanitizers pass through, nothing else does.
+// Only the settings of the sanitizers pass through.
 std::vector<std::string> EnvironmentOf(const std::vector<std::string>& extra) {
   std::vector<std::string> all = {"PATH=/usr/bin:/bin", "HOME=/nonexistent", "LC_ALL=C"};
   for (const char* pszName : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
@@ -89,7 +89,7 @@ void C_RunningProgram::Collect(const std::function<bool()>& bEnough) {
   }
 }
 
-// Appends what there is to read.
+// Appends what can be read.
 void C_RunningProgram::ReadEnd(std::size_t nEnd, std::string& strText) {
   std::array<char, 65536> piece;
   const ssize_t nGot = read(m_ends[nEnd], piece.data(), piece.size());
@@ -161,7 +161,7 @@ C_RunningProgram C_Program::StartWith(const Texts& arguments, const Texts& envir
   const auto start = Clock::now();
   const pid_t nChild = fork();
   if (nChild == 0) {
-    // Some of what is tried never ends by itself; it must not outlive a test that is broken off.
+    // Some of the runs never end by themselves. They must not outlive a test that is broken off.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != nParent) _exit(127);
     dup2(out[1], STDOUT_FILENO);

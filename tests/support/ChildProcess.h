@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Runs a program as a user would and tells what it printed, how it ended and how long it took.
+// Runs a program as a user would and reports what it printed, how it ended and how long it took.
 //
 //   const C_Program player(VOXPLAY_PLAYER);
 //   const S_Run run = player.Run({"speech.kst", "2"});
 //   EXPECT_EQ(run.strOut, "Length:5\n");
 //
-// What happens to it while it runs:
+// To act on it while it runs:
 //
 //   C_RunningProgram run = player.Start({"speech.kst", "1"});
 //   ASSERT_TRUE(run.WaitForOutput("Playing..."));
@@ -33,23 +33,23 @@ struct S_Run {
   double dFirstOutput = 0.0;  // seconds until the first byte on standard output
 };
 
-// A program that was started. Whatever still runs after two minutes is ended.
+// A program that was started. If it still runs after two minutes, it is killed.
 class C_RunningProgram {
  public:
-  // Takes the descriptors over.
+  // Takes over the descriptors.
   C_RunningProgram(pid_t nChild, int nOut, int nErr, std::chrono::steady_clock::time_point start);
-  // Ends the program if it was not waited for.
+  // Kills the program if it was not waited for.
   ~C_RunningProgram();
   C_RunningProgram(const C_RunningProgram&) = delete;
   C_RunningProgram& operator=(const C_RunningProgram&) = delete;
 
   [[nodiscard]] pid_t Pid() const { return m_nChild; }
   void Send(int nSignal) const;
-  // True as soon as the text stands in its standard output; false when that ends without it.
+  // True as soon as its standard output contains the text; false when that output ends without it.
   [[nodiscard]] bool WaitForOutput(const std::string& strText);
-  // Nobody reads its standard output any more.
+  // Closes our end of its standard output, so that nobody reads it any longer.
   void CloseOutput();
-  // Waits for its end. Once.
+  // Waits for the program to end. May be called only once.
   [[nodiscard]] S_Run Wait();
 
  private:
@@ -68,14 +68,14 @@ class C_Program {
  public:
   using Texts = std::vector<std::string>;
 
-  // Opens the program at once, so that it can be run when its path is hidden later.
+  // Opens the program at once, so that it can be run even if its path is hidden later.
   explicit C_Program(const std::string& strPath);
   ~C_Program();
   C_Program(const C_Program&) = delete;
   C_Program& operator=(const C_Program&) = delete;
 
-  // Runs it with these arguments, and these settings ("NAME=value") added to its environment.
-  // Whatever still runs after two minutes is ended.
+  // Runs it with these arguments, and with these settings ("NAME=value") added to its environment.
+  // If it still runs after two minutes, it is killed.
   [[nodiscard]] S_Run Run(const Texts& arguments, const Texts& environment = {}) const;
   // The same with a terminal as standard error.
   [[nodiscard]] S_Run RunOnTerminal(const Texts& arguments) const;

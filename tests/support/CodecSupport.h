@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Decoders of compressed WAV data with their format records, on memory whose end is watched.
+// Calls decoders of compressed WAV data with their format records, on memory whose end is watched.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -22,10 +22,10 @@ inline C_WavFileCodecInfo InfoOf(const C_Bytes& fmt) {
 }
 inline C_WavFileCodecInfo InfoOf(const S_Blocks& blocks) { return InfoOf(BlockFmt(blocks)); }
 
-// What a place holds that no decoder wrote to.
+// The value of a sample that no decoder wrote.
 constexpr short kUntouched = 0x5A5A;
 
-// Room for samples. Finds writes behind its end, with any build.
+// Room for samples. Detects writes past its end in any build.
 class C_Room {
  public:
   explicit C_Room(unsigned int dwBytes)
@@ -40,7 +40,7 @@ class C_Room {
   C_Room& operator=(const C_Room&) = delete;
 
   short* Data() { return m_samples.data(); }
-  // The whole samples that there is room for.
+  // The whole samples that fit into the room.
   [[nodiscard]] C_Samples Samples() const {
     return {m_samples.begin(), m_samples.begin() + static_cast<std::ptrdiff_t>(m_dwBytes / 2)};
   }
@@ -50,7 +50,7 @@ class C_Room {
   C_Samples m_samples;
 };
 
-// The samples, kUntouched where none was written.
+// The decoded samples, or kUntouched where no sample was written.
 inline C_Samples DecodeBlock(C_MSAdpcmCodec& codec, const C_WavFileCodecInfo& info,
                              const C_Bytes& block, unsigned int dwCapacity) {
   C_Room room(dwCapacity);

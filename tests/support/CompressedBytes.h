@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RIFF files with compressed sounds in them. Nothing of ours writes such files.
+// RIFF files with compressed sounds. None of our own code writes such files.
 #pragma once
 
 #include <cstdint>
@@ -28,12 +28,12 @@ struct S_Blocks {
   std::uint32_t dwRate = 8000;
 };
 
-// The seven pairs that every MS ADPCM file of others has.
+// The seven pairs that every MS ADPCM file of other programs has.
 inline C_Bytes StandardPairs() {
   return Shorts({256, 0, 512, -256, 0, 0, 192, 64, 240, 0, 460, -208, 392, -232});
 }
 
-// The "fmt " payload: for tag 2 with these coefficient pairs.
+// The "fmt " payload. For tag 2 it has these coefficient pairs.
 inline C_Bytes BlockFmt(const S_Blocks& blocks, const C_Bytes& pairs = StandardPairs()) {
   const C_Bytes fmt = Join({U16(blocks.wTag), U16(blocks.wChannels), U32(blocks.dwRate),
                             U32(blocks.dwRate), U16(blocks.wBlockAlign), U16(blocks.wBits)});

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sounds that are alike on every run: a voice-like tone with noise in it, in any format, and
-// everything that can be attached to one.
+// Sounds that are the same in every run: a voice-like tone with noise in it, in any format, and
+// everything that can be attached to a sound.
 #pragma once
 
 #include <cmath>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A device that plays when the test says so, and can refuse, fail and disappear.
+// A device that plays when the test says so, and that can refuse, fail and disappear.
 #pragma once
 
 #include <cstring>
@@ -51,7 +51,7 @@ inline toolbox::OpenDeviceFunction OpenFakeDevice(S_DeviceLog& log) {
   };
 }
 
-// Units created while this lives open fake devices.
+// Units that are created while this object lives open fake devices.
 class C_FakeDevices {
  public:
   C_FakeDevices() { toolbox::SetOpenDevice(OpenFakeDevice(m_log)); }
@@ -60,7 +60,8 @@ class C_FakeDevices {
   C_FakeDevices& operator=(const C_FakeDevices&) = delete;
 
   [[nodiscard]] S_DeviceLog& Log() { return m_log; }
-  // Lets the latest device ask for so many frames at once, of `T` samples. Interleaved.
+  // Makes the latest device ask for dwFrames frames at once. Returns the interleaved samples, of
+  // type `T`.
   template <typename T>
   std::vector<T> Ask(UInt32 dwFrames) {
     std::vector<T> samples(std::size_t{dwFrames} * m_log.format.dwChannels);

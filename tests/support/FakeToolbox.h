@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A toolbox that plays nothing: it writes down every call with its arguments, fails those that a
+// A toolbox that plays nothing: it records every call with its arguments, fails the calls that a
 // test names, and lets the test drive the render thread. It also takes the place of usleep, so that
 // pauses show in the log and take a millisecond at most. Link it instead of the real toolbox.
 #pragma once
@@ -18,25 +18,26 @@
 
 class C_FakeToolbox {
  public:
-  // The one that the calls go to.
+  // The object that the calls go to.
   static C_FakeToolbox& Get();
 
-  // Everything as before the first call.
+  // Makes everything as it was before the first call.
   void Reset();
 
   // What was called so far, one line for each call: "AUGraphStart(graph1)". The same pause several
   // times in a row is one line.
   std::vector<std::string> Log();
-  // Where a line that begins with strStart stands in the log for the first time; -1 for nowhere.
+  // The index of the first line of the log that begins with strStart, or -1 when there is no such
+  // line.
   int Find(const std::string& strStart);
   int Count(const std::string& strStart);
   void ClearLog();
 
-  // The nOccurrence-th call of that name (from now on, counted from 1) gives nStatus and has no
-  // effect. AudioComponentFindNext and the URL give null instead.
+  // The nOccurrence-th call with this name (from now on, counted from 1) returns nStatus and has no
+  // effect. AudioComponentFindNext and the URL return null instead.
   void Fail(const std::string& strName, OSStatus nStatus, int nOccurrence = 1);
 
-  // One render cycle's notification, as the graph would give it.
+  // Makes the notification of one render cycle, as the graph would.
   OSStatus Notify(AudioUnitRenderActionFlags dwFlags, double dSampleTime);
   [[nodiscard]] bool HasNotify() const { return m_notify.inputProc != nullptr; }
 
@@ -51,7 +52,7 @@ class C_FakeToolbox {
   AudioTimeStamp startStamp{};
   Boolean bRunning = 0;
 
-  // What the one component answers; without a name it gives success and no string.
+  // What the one component answers. Without a name it returns success and no string.
   bool bComponentHasName = true;
   std::string strComponentName = "Fakes: Some Unit";
   AudioComponentDescription componentDescription{};
@@ -63,7 +64,7 @@ class C_FakeToolbox {
   UInt8 bySliceFill = 0;
   std::vector<UInt8> Pulled();
 
-  // For the toolbox functions: writes the call down and says what it gives.
+  // For the toolbox functions: records the call and returns the status for it.
   OSStatus Call(const std::string& strName, const std::string& strArguments);
   void SetNotify(AURenderCallback callback, void* pRefCon) { m_notify = {callback, pRefCon}; }
   int NewGraph() { return m_nGraphs++; }

@@ -10,7 +10,8 @@
 #include <cstdio>
 #include <map>
 
-// The linker sends calls of fopen to __wrap_fopen and those of __real_fopen to the library's.
+// The linker sends calls of fopen to __wrap_fopen, and calls of __real_fopen to the library's
+// fopen.
 int RealOpen(const char*, int, ...) asm("__real_open");
 std::FILE* RealFopen(const char*, const char*) asm("__real_fopen");
 std::FILE* RealFdopen(int, const char*) asm("__real_fdopen");
@@ -50,7 +51,7 @@ struct S_State {
 };
 S_State g_state;
 
-// Counts the call on strFile; true when it is one that fails.
+// Counts the call on strFile. True when this call must fail.
 bool Fails(const std::string& strFile, bool bReading = false) {
   if (!g_state.bArmed) return false;
   ++g_state.nCalls;
@@ -129,7 +130,7 @@ int WrapFsync(int nDescriptor) {
   return Fails(g_state.descriptors[nDescriptor]) ? -1 : RealFsync(nDescriptor);
 }
 
-// A close that reports failure has closed all the same.
+// A close that reports failure has still closed the file.
 int WrapFclose(std::FILE* pFile) {
   const bool bFails = Fails(pFile);
   g_state.streams.erase(pFile);

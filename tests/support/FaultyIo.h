@@ -15,12 +15,12 @@
 #include <vector>
 
 struct S_IoFault {
-  int nCall = 0;             // which call is hit, counted from 1; 0: none
-  bool bFromThenOn = false;  // every later one as well
+  int nCall = 0;             // the call that is hit, counted from 1; 0: no call
+  bool bFromThenOn = false;  // every later call is hit as well
   bool bCutShort = false;    // a transfer of bytes does half of what it was asked, and says so
 };
 
-// One at a time, and for calls of one thread at a time.
+// Only one of these may live at a time, and it counts the calls of one thread at a time.
 class C_FaultyIo {
  public:
   explicit C_FaultyIo(S_IoFault fault);
@@ -28,13 +28,13 @@ class C_FaultyIo {
   C_FaultyIo(const C_FaultyIo&) = delete;
   C_FaultyIo& operator=(const C_FaultyIo&) = delete;
 
-  // The library works again; what was recorded stays.
+  // Makes the library work again; what was recorded stays.
   void Stop();
 
   [[nodiscard]] bool WasHit() const;
-  // The first failing call was to read, to open for reading, or about a position.
+  // Whether the first failing call was to read, to open for reading, or about a position.
   [[nodiscard]] bool WasHitReading() const;
-  // The file that the first failing call worked on; empty when that is not known.
+  // The file on which the first failing call worked; empty when that is not known.
   [[nodiscard]] const std::string& Victim() const;
   // Every file that was opened for writing or created.
   [[nodiscard]] const std::vector<std::string>& Written() const;

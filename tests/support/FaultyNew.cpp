@@ -40,7 +40,7 @@ void Free(void* pData) noexcept {
 void* operator new(std::size_t cb) { return Allocate(cb); }
 void operator delete(void* pData) noexcept { Free(pData); }
 void operator delete(void* pData, std::size_t) noexcept { Free(pData); }
-// Under the address sanitizer its own versions stand in for the library's, so all are replaced.
+// The address sanitizer puts its own versions in the place of the library's, so all are replaced.
 void* operator new[](std::size_t cb) { return Allocate(cb); }
 void operator delete[](void* pData) noexcept { Free(pData); }
 void operator delete[](void* pData, std::size_t) noexcept { Free(pData); }

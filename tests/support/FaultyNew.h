@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Makes operator new fail on purpose. A program that links voxplay_faulty_new has the operators
-// replaced by versions that count what lives, and that throw when they are told to.
+// replaced by versions that count living allocations, and that throw when they are told to.
 #pragma once
 
 #include <cstddef>
 
-// One at a time, and for allocations of one thread at a time.
+// Only one of these may live at a time, and it counts the allocations of one thread at a time.
 class C_FaultyNew {
  public:
-  // The nCall-th allocation from here fails, counted from 1; every later one as well when
-  // bFromThenOn.
+  // The nCall-th allocation from here fails, counted from 1. With bFromThenOn, every later one
+  // fails as well.
   C_FaultyNew(int nCall, bool bFromThenOn);
   ~C_FaultyNew();
   C_FaultyNew(const C_FaultyNew&) = delete;
   C_FaultyNew& operator=(const C_FaultyNew&) = delete;
 
-  // Allocations work again.
+  // Makes allocations work again.
   void Stop();
   [[nodiscard]] bool WasHit() const;
 

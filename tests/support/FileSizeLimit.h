@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A disk that is full: while one of these lives, no file of the process can grow beyond a size.
+// Stands for a full disk: while one of these lives, no file of the process can grow beyond a size.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -22,14 +22,14 @@ class C_FolderTest : public testing::Test {
   [[nodiscard]] std::string Path(const std::string& strName) const {
     return m_folder.Path(strName);
   }
-  // Its path.
+  // Writes the file and returns its path.
   std::string Write(const std::string& strName, const std::vector<std::uint8_t>& bytes) const {
     return m_folder.Write(strName, bytes);
   }
   [[nodiscard]] std::vector<std::uint8_t> Content(const std::string& strName) const {
     return m_folder.Read(strName);
   }
-  // The names in the folder, in order.
+  // The names in the folder, sorted.
   [[nodiscard]] std::vector<std::string> Entries() const {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Runs a piece of a test in a process of its own, as another user: root is refused nothing, so
-// whatever needs a refused permission has to run as somebody else.
+// Runs a piece of a test in a process of its own, as another user. Root is never refused anything,
+// so whatever needs a refused permission has to run as somebody else.
 #pragma once
 
 #include <gtest/gtest.h>

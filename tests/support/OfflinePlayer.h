@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The file-player unit without a device: what it would send there, frame by frame.
+// The file-player unit without a device. Returns what it would send to one, frame by frame.
 #pragma once
 
 #include <algorithm>
@@ -70,7 +70,7 @@ class C_OfflinePlayer {
     StartAt(-1.0);
     EXPECT_EQ(AudioUnitInitialize(m_unit), noErr);
   }
-  // Renders one cycle; planes are filled with a value that must not stay.
+  // Renders one cycle. The planes are filled beforehand with a value that must not stay.
   OSStatus Cycle(UInt32 dwFrames) {
     for (auto& plane : m_planes) plane.fill(77.0F);
     struct {
@@ -88,7 +88,7 @@ class C_OfflinePlayer {
     if (nStatus == noErr) m_dSampleTime += dwFrames;
     return nStatus;
   }
-  // What both planes hold after rendering so many frames in cycles of `dwCycle`.
+  // What both planes hold after rendering nFrames frames in cycles of `dwCycle`.
   std::array<std::vector<float>, 2> Render(std::size_t nFrames, UInt32 dwCycle = 512) {
     std::array<std::vector<float>, 2> sides;
     while (sides[0].size() < nFrames) {

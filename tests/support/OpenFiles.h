@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a test leaves open.
+// Counts the files that a test leaves open.
 #pragma once
 
 #include <filesystem>

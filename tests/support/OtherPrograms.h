@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Other people's programs on the files of a test. A program that includes this runs them through
-// the shell.
+// Runs other people's programs on the files of a test, through the shell.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,7 +13,7 @@
 
 #include "TempFolder.h"
 
-// Runs a command line with every "@" replaced by the folder; it is expected to succeed. Its
+// Runs a command line with every "@" replaced by the folder, and expects it to succeed. Returns its
 // standard output.
 inline std::vector<std::uint8_t> RunIn(const C_TempFolder& folder, std::string strCommand) {
   for (std::size_t n = 0; (n = strCommand.find('@', n)) != std::string::npos;) {

@@ -18,7 +18,7 @@ std::string Modules(const std::vector<std::string>& names) {
   return strModules + " ]\n";
 }
 
-// One rate for all, so that nothing is resampled.
+// One rate for everything, so that nothing is resampled.
 std::string DaemonConfiguration(const std::string& strRate) {
   return "context.properties = { core.daemon = true core.name = pipewire-0 support.dbus = false"
          " default.clock.rate = " +
@@ -49,7 +49,7 @@ std::string ManagerConfiguration() {
          " { name = main.lua, type = config/lua } ]\n";
 }
 
-// What links a player to the sink, and nothing that looks for hardware.
+// Loads what links a player to the sink, and nothing that looks for hardware.
 const char* const kManagerScript = R"(components = {}
 local function module(name)
   components[name] = { "libwireplumber-module-" .. name, type = "module", args = {} }
@@ -86,7 +86,7 @@ void C_PipeWireServer::WriteConfiguration() const {
   WriteText(Path("main.lua.d/player.lua"), kManagerScript);
 }
 
-// The later ones give up when they do not find the first.
+// The later programs give up when they do not find the first.
 void C_PipeWireServer::LaunchAll() {
   WriteConfiguration();
   std::filesystem::remove(Path("pipewire-0"));

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The other sound server that players meet: PipeWire, with its session manager and the service that
-// speaks PulseAudio's protocol. Needs no message bus. Its sink always has two channels, of float
-// samples; what is played in another form is converted, and exact where that is.
+// speaks PulseAudio's protocol. It needs no message bus. Its sink always has two channels of float
+// samples. Sound in another form is converted, and stays exact where the conversion is exact.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@
 
 class C_PipeWireServer final : public C_SoundServer {
  public:
-  // The format is the recording's.
+  // strFormat is the format of the recording.
   C_PipeWireServer(unsigned nRate, std::string strFormat)
       : C_SoundServer(nRate, std::move(strFormat), 2) {}
 

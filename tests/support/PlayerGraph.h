@@ -51,7 +51,7 @@ class C_PlayerGraph {
   OSStatus SetGlobal(AudioUnitPropertyID dwID, const T& value) const {
     return m_player.SetProperty(dwID, kAudioUnitScope_Global, 0, &value, sizeof value);
   }
-  // The whole file from its first frame, at the next cycle.
+  // Schedules the first dwFrames frames of the file, to start at the next cycle.
   void Schedule(UInt32 dwFrames) const {
     ScheduledAudioFileRegion region{};
     region.mTimeStamp.mFlags = kAudioTimeStampSampleTimeValid;
@@ -64,11 +64,11 @@ class C_PlayerGraph {
     start.mSampleTime = -1.0;
     EXPECT_EQ(SetGlobal(kAudioUnitProperty_ScheduleStartTimeStamp, start), noErr);
   }
-  // Sample time of the latest finished cycle.
+  // The sample time of the latest finished cycle.
   [[nodiscard]] double Position() const { return m_dPosition; }
   void Start() const { EXPECT_EQ(AUGraphStart(m_graph), noErr); }
   void Stop() const { EXPECT_EQ(AUGraphStop(m_graph), noErr); }
-  // Waits for the position, as long as that can reasonably take. False when it was not reached.
+  // Waits for the position as long as that can reasonably take. False when it is not reached.
   [[nodiscard]] bool WaitFor(double dPosition) const {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (m_dPosition < dPosition) {

@@ -2,8 +2,8 @@
 #pragma once
 
 // What most tests spend their compile time on, compiled once for all of them. Only the build reads
-// this: each test still includes what it uses, and the sanitizers' build, which goes without, sees
-// to it.
+// this: each test still includes what it uses. The sanitizers' build, which goes without this
+// header, makes sure of that.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The temporary directory for one test alone: what the process and its children find there is a
-// fresh empty folder, so that its listing is exact however many tests run beside. Needs the right
-// to mount; without it the listing is the difference to what was there before, and the tests that
-// use this share the resource lock "temp_directory".
+// A temporary directory for one test: the process and its children find a fresh, empty folder in
+// its place, so that its listing is exact however many tests run at the same time. This needs the
+// right to mount. Without it, the listing is the difference from what was there before, and the
+// tests that use this must run alone; tests/CMakeLists.txt sees to that.
 //
 // Paths into the temporary directory that were valid before are hidden while the object lives.
 #pragma once
@@ -42,7 +42,8 @@ class C_PrivateTemp {
 
   // False where mounting is refused.
   [[nodiscard]] bool IsPrivate() const { return m_bPrivate; }
-  // The names of the library's temporary files that are there now and were not before, sorted.
+  // The sorted names of the files that are in the temporary directory now and were not before,
+  // except those that begin with "voxplay-test-".
   [[nodiscard]] std::vector<std::string> NewFiles() const {
     std::vector<std::string> fresh;
     const std::vector<std::string> now = List();

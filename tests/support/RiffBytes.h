@@ -27,7 +27,7 @@ inline C_Bytes U32(std::uint32_t dwValue) {
   return writer.Take();
 }
 
-// The parts, one behind the other: Join({Ascii("adtl"), U32(7)}).
+// The parts, one after the other: Join({Ascii("adtl"), U32(7)}).
 inline C_Bytes Join(std::initializer_list<C_Bytes> parts) {
   C_Bytes all;
   for (const C_Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sounds for tests, given by their sample values and looked at the same way.
+// Sounds for tests, made from sample values and read back as sample values.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ struct S_Format {
 
 using C_Values = std::vector<int>;
 
-// Numbers that are the same on every run.
+// Numbers that are the same in every run.
 class C_Random {
  public:
   explicit C_Random(unsigned int dwSeed) : m_engine(dwSeed) {}

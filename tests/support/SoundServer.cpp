@@ -15,8 +15,8 @@
 #include <thread>
 #include <utility>
 
-// The client libraries are not built for the thread sanitizer, which therefore misses how their own
-// threads keep apart.
+// The client libraries are not built for the thread sanitizer, so it does not see how their own
+// threads synchronise.
 #if defined(__SANITIZE_THREAD__)
 extern "C" const char* __tsan_default_suppressions() {  // NOLINT: the sanitizer's name
   return "race:libpulse\nrace:libcubeb\n";
@@ -27,7 +27,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A busy machine makes the service miss a beat now and then; gaps in every recording are no chance.
+// A busy machine makes the service miss a beat now and then. Gaps in every recording are no
+// coincidence.
 constexpr int kTries = 5;
 constexpr auto kPoll = 10ms;
 constexpr auto kPatience = 15s;
@@ -41,8 +42,8 @@ bool WaitUntil(const std::function<bool()>& bReached) {
   return true;
 }
 
-// Runs a program with nothing but PATH and `environment`, its output in a file. The child ends with
-// this process, however that ends.
+// Runs a program with only PATH and `environment` set, and with its output in a file. The child
+// ends with this process, however this process ends.
 pid_t Spawn(const std::vector<std::string>& environment, const std::vector<std::string>& command,
             const std::string& strOutput) {
   const char* pszPath = getenv("PATH");
@@ -166,8 +167,8 @@ bool C_SoundServer::Start() {
   return WaitUntil([this] { return Answers(); });
 }
 
-// norewinds: without it the sink has already handed out, and takes back, the first milliseconds of
-// every stream, and the recording misses them.
+// Without norewinds, the sink hands out the first milliseconds of every stream and then takes them
+// back, so that the recording misses them.
 void C_SoundServer::LaunchAll() {
   const std::string strSink = "module-null-sink sink_name=rec rate=" + std::to_string(m_nRate) +
                               " format=" + m_strFormat +
@@ -188,7 +189,7 @@ void C_SoundServer::WaitForFile(const char* pszName) const {
   WaitUntil([&] { return std::filesystem::exists(Path(pszName)); });
 }
 
-// Some kinds answer before they have their sink.
+// Some kinds of server answer before they have their sink.
 bool C_SoundServer::Answers() const {
   const pid_t nAsker =
       Spawn({Environment(), "HOME=" + m_strFolder}, {"pactl", "get-default-sink"}, Path("info"));

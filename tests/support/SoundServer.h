@@ -12,7 +12,7 @@
 //
 // What is played arrives unchanged, byte for byte, only in the sink's own rate and format. Silence
 // at both ends is removed from both sides of a comparison: a recording begins and ends with some.
-// The server needs neither a network, a message bus nor a user's configuration, and runs as root.
+// The server needs no network, no message bus and no user's configuration, and it runs as root.
 #pragma once
 
 #include <sys/types.h>
@@ -30,11 +30,11 @@ enum class tagSameSound {
   Wrong,  // something is missing or different
 };
 
-// Frames of `cbFrame` bytes without those at both ends that are all zero.
+// The sound without the frames of `cbFrame` bytes at both ends that are all zero.
 [[nodiscard]] std::vector<std::uint8_t> WithoutSilentEnds(const std::vector<std::uint8_t>& sound,
                                                           std::size_t cbFrame);
 
-// Compares without silence at both ends.
+// Compares without the silence at both ends.
 [[nodiscard]] tagSameSound CompareSounds(const std::vector<std::uint8_t>& want,
                                          const std::vector<std::uint8_t>& got, std::size_t cbFrame);
 
@@ -57,15 +57,15 @@ class C_SoundServer {
   C_SoundServer(const C_SoundServer&) = delete;
   C_SoundServer& operator=(const C_SoundServer&) = delete;
 
-  // True when the server answers. One that was killed can be started again, in its old place.
+  // True when the server answers. A server that was killed can be started again, in its old place.
   bool Start();
-  // Ends the server at once, without giving it time to say goodbye.
+  // Ends the server at once, without giving it time to close its connections.
   void Kill();
   // Stops the server from running, so that it answers nothing; and lets it run again.
   void Freeze() const;
   void Thaw() const;
 
-  // "PULSE_SERVER=unix:..." for the environment of a program that shall play on this server.
+  // "PULSE_SERVER=unix:..." for the environment of a program that is to play on this server.
   [[nodiscard]] std::string Environment() const;
   // Makes this process play on this server.
   void UseInThisProcess() const;
@@ -73,7 +73,8 @@ class C_SoundServer {
   // What the sink played while `play` ran and for 0.5 s afterwards, raw. Empty when the recording
   // could not be started.
   [[nodiscard]] std::vector<std::uint8_t> RecordWhile(const std::function<void()>& play) const;
-  // Records `play`; when everything arrived but with gaps, again, up to five times in all.
+  // Records `play`. When everything arrived but with gaps, records it again, up to five times in
+  // all.
   [[nodiscard]] S_Recording RecordUntilSame(const std::vector<std::uint8_t>& want,
                                             const std::function<void()>& play) const;
   [[nodiscard]] std::size_t FrameBytes() const;
@@ -83,7 +84,7 @@ class C_SoundServer {
   virtual void LaunchAll();
   // Starts one of them, with PATH and these settings as its environment.
   void Launch(const Texts& environment, const Texts& command);
-  // Returns when the file is there, or will not be any more.
+  // Waits until the file exists, for 15 seconds at most.
   void WaitForFile(const char* pszName) const;
   [[nodiscard]] const std::string& Folder() const { return m_strFolder; }
   [[nodiscard]] std::string Path(const char* pszName) const { return m_strFolder + "/" + pszName; }
@@ -100,6 +101,6 @@ class C_SoundServer {
   std::vector<pid_t> m_processes;
 };
 
-// Makes this process find neither a sound server nor a sound card, wherever it runs. Not to be
+// Makes this process find neither a sound server nor a sound card, wherever it runs. This cannot be
 // undone.
 void UseNoSoundServerInThisProcess();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Builds the bytes of files with an SP header, field by field, so that what is wrong in one shows
-// in the test.
+// Builds the bytes of files with an SP header, field by field, so that each test shows what is
+// wrong in its file.
 #pragma once
 
 #include <cstddef>

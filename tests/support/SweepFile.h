@@ -33,7 +33,7 @@ class C_SweepFile {
       std::abort();
     }
   }
-  // Little-endian, cbValue bytes.
+  // Writes the value as cbValue bytes, little-endian.
   void PutNumber(std::size_t nAt, std::size_t cbValue, std::uint32_t dwValue) const {
     std::uint8_t bytes[4] = {};
     for (std::size_t i = 0; i < cbValue; ++i) {
@@ -41,7 +41,7 @@ class C_SweepFile {
     }
     Put(nAt, {bytes, cbValue});
   }
-  // The bytes from nAt on as they were at first.
+  // Restores cbCount bytes from nAt on to what they were at first.
   void Repair(std::size_t nAt, std::size_t cbCount) const {
     Put(nAt, std::span(m_bytes).subspan(nAt, cbCount));
   }

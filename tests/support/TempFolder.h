@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A folder of its own for one test, gone with everything in it when the test ends.
+// A folder of its own for one test. It is removed with everything in it when the test ends.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ class C_TempFolder {
   [[nodiscard]] std::string Path(const std::string& strName) const {
     return m_strPath + "/" + strName;
   }
-  // Creates or overwrites a file in the folder. Its path.
+  // Creates or overwrites a file in the folder. Returns its path.
   std::string Write(const std::string& strName, const std::vector<std::uint8_t>& bytes) const {
     std::ofstream file(Path(strName), std::ios::binary | std::ios::trunc);
     file.write(reinterpret_cast<const char*>(bytes.data()),
@@ -43,7 +43,7 @@ class C_TempFolder {
     EXPECT_TRUE(file.flush().good());
     return Path(strName);
   }
-  // The content of a file in the folder; empty when there is none.
+  // The content of a file in the folder; empty when the file does not exist.
   [[nodiscard]] std::vector<std::uint8_t> Read(const std::string& strName) const {
     std::ifstream file(Path(strName), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
@@ -51,7 +51,7 @@ class C_TempFolder {
   [[nodiscard]] bool Has(const std::string& strName) const {
     return std::filesystem::exists(std::filesystem::symlink_status(Path(strName)));
   }
-  // For tests that end with nothing left behind.
+  // For tests that leave nothing behind when they end.
   [[nodiscard]] bool IsEmpty() const { return std::filesystem::is_empty(m_strPath); }
 
  private:

@@ -9,7 +9,8 @@
 #include <cstring>
 #include <vector>
 
-// A sweep with noise on it; `nChannels` interleaved, different on each. No frame is zero.
+// A sweep with added noise. `nChannels` channels are interleaved, each one different. No frame is
+// zero.
 inline std::vector<std::int16_t> SweepWithNoise(std::size_t nFrames, unsigned nRate,
                                                 unsigned nChannels = 1) {
   std::vector<std::int16_t> samples;

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Calls virtual functions by their place in the table, as callers do that were compiled against
-// another version of a header: the order of an interface is part of it.
+// Calls virtual functions by their place in the table, like callers that were compiled against
+// another version of a header. The order of an interface is part of the interface.
 //
-// Slots count from 0 in order of declaration. A virtual destructor takes two (complete, deleting).
+// Slots count from 0 in order of declaration. A virtual destructor takes two slots (complete,
+// deleting).
 #pragma once
 
 #include <cstddef>
@@ -15,8 +16,8 @@
 #define VTABLE_CALLS_UNTYPED
 #endif
 
-// The function in slot nSlot of an object's table. Needs the table layout of the Itanium C++ ABI,
-// and an ABI that passes the object as a first argument; both hold on every target of ours.
+// Calls the function in slot nSlot of an object's table. Needs the table layout of the Itanium C++
+// ABI, and an ABI that passes the object as a first argument. Both hold on all our targets.
 template <typename Result, typename... Args, typename Interface>
 VTABLE_CALLS_UNTYPED Result CallSlot(Interface* pObject, std::size_t nSlot, Args... args) {
   using Function = Result (*)(void*, Args...);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// VEF containers, for C_RiffBytes, and what a sound that was read from one holds.
+// VEF containers, for C_RiffBytes, and the contents of sounds that were read from them.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 #include "WavBytes.h"
 #include "interface/I_WavFile.h"
 
-// A "vafm" payload as it is written.
+// A "vafm" payload as the library writes it.
 inline C_Bytes VafmBytes(std::uint16_t wType, std::uint16_t wVersion = 256) {
   return Join({U16(wVersion), U16(wType), U16(16000), U32(0), {1, 0}, U32(0)});
 }

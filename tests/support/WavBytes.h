@@ -9,7 +9,7 @@
 
 #include "RiffBytes.h"
 
-// The plain 16-byte format record, block align and byte rate as they should be.
+// The plain 16-byte format record, with the correct block align and byte rate.
 inline C_Bytes FmtBytes(std::uint16_t wTag, std::uint16_t wChannels, std::uint32_t dwRate,
                         std::uint16_t wBits) {
   const auto wBlockAlign = static_cast<std::uint16_t>(wChannels * ((wBits + 7) / 8));

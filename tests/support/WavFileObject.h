@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sound file objects with an owner, and their parts without casts.
+// Sound file objects that are owned, and access to their parts without casts.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ using C_WavObjectPtr = std::unique_ptr<C_WavFile, S_WavFileReleaser>;
 
 inline C_WavObjectPtr MakeWav() { return C_WavObjectPtr(new C_WavFile); }
 
-// A loaded file; a test failure, and an object without samples, when it does not load.
+// A loaded file. When it does not load, the test fails and the object has no samples.
 inline C_WavObjectPtr LoadWav(const std::string& strPath) {
   C_WavObjectPtr file = MakeWav();
   EXPECT_TRUE(file->LoadByName(strPath.c_str(), true, nullptr, nullptr)) << strPath;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The chunks of a RIFF file that the library wrote, by name and payload, as they stand.
+// The chunks of a RIFF file that the library wrote, by name and payload, in their order.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ inline std::vector<std::string> ChunkNames(const C_Bytes& file) {
   return names;
 }
 
-// The first of that name.
+// The payload of the first chunk with this name.
 inline C_Bytes ChunkNamed(const C_Bytes& file, const std::string& strName) {
   for (const auto& [strFound, payload] : ChunksOf(file)) {
     if (strFound == strName) return payload;

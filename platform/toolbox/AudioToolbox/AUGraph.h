@@ -4,7 +4,8 @@
 #include <AudioToolbox/AudioUnit.h>
 
 // The audio processing graph: owns units as nodes, connects them and drives them from the output
-// node. It opens its device at its first start; a graph that is never started needs none.
+// node. It opens its device when it is first started; a graph that is never started needs no
+// device.
 
 using AUGraph = struct OpaqueAUGraph*;
 using AUNode = SInt32;
@@ -28,24 +29,25 @@ OSStatus AUGraphAddNode(AUGraph graph, const AudioComponentDescription* pDescrip
 OSStatus AUGraphOpen(AUGraph graph);
 // Stops the graph and disposes of its units; the nodes stay.
 OSStatus AUGraphClose(AUGraph graph);
-// Description and unit of a node; either pointer may be null. The unit is null before
-// `AUGraphOpen`.
+// Returns the description and the unit of a node; either pointer may be null. The unit is null
+// before `AUGraphOpen`.
 OSStatus AUGraphNodeInfo(AUGraph graph, AUNode node, AudioComponentDescription* pDescription,
                          AudioUnit* pUnit);
 OSStatus AUGraphConnectNodeInput(AUGraph graph, AUNode sourceNode, UInt32 dwSourceOutput,
                                  AUNode destNode, UInt32 dwDestInput);
 OSStatus AUGraphInitialize(AUGraph graph);
-// Stops and uninitialises the units; succeeds when they are not initialised.
+// Stops and uninitialises the units; also succeeds when they are not initialised.
 OSStatus AUGraphUninitialize(AUGraph graph);
 
-// Called before (kAudioUnitRenderAction_PreRender) and after (kAudioUnitRenderAction_PostRender)
-// each cycle with the cycle's time stamp. A cycle has at most 512 frames.
+// The callback is called before (kAudioUnitRenderAction_PreRender) and after
+// (kAudioUnitRenderAction_PostRender) each cycle with the cycle's time stamp. A cycle has at most
+// 512 frames, or 4096 when a render callback feeds interleaved frames to the output.
 OSStatus AUGraphAddRenderNotify(AUGraph graph, AURenderCallback callback, void* pRefCon);
 OSStatus AUGraphRemoveRenderNotify(AUGraph graph, AURenderCallback callback, void* pRefCon);
 
-// Starting again after a stop goes on where rendering stopped.
+// Starting again after a stop continues where rendering stopped.
 OSStatus AUGraphStart(AUGraph graph);
-// Returns when what was rendered has been heard; when the graph does not run it returns at once.
+// Returns once everything rendered has been played; returns at once when the graph is not running.
 OSStatus AUGraphStop(AUGraph graph);
 OSStatus AUGraphIsRunning(AUGraph graph, Boolean* pbIsRunning);
 }

@@ -3,9 +3,9 @@
 
 #include <AudioToolbox/CoreAudioTypes.h>
 
-// The audio file service: opens a sound file and answers what it holds. A packet is the smallest
-// stretch that decodes on its own: one frame of PCM and G.711, one block of an ADPCM WAV file, one
-// MPEG frame.
+// The audio file service: opens a sound file and reports what it holds. A packet is the smallest
+// stretch that decodes on its own: one frame of PCM or G.711, one block of a block codec in a WAV
+// file, one MPEG frame. In every other format each decoded frame counts as a packet.
 
 using AudioFileID = struct OpaqueAudioFileID*;
 using AudioFileTypeID = UInt32;
@@ -43,23 +43,26 @@ enum : OSStatus {
 };
 
 extern "C" {
-// Opens the file for reading and stores its identifier, null on failure. Only the read permission
-// is supported; the type hint is ignored, the content decides.
+// Opens the file for reading and stores its identifier, or null on failure. Only the read
+// permission is supported. The type hint is ignored: the content decides.
 OSStatus AudioFileOpenURL(CFURLRef fileRef, AudioFilePermissions permissions,
                           AudioFileTypeID dwFileTypeHint, AudioFileID* pAudioFile);
-// Closes the file. A null identifier is a file that was never opened: nothing to do, success.
+// Closes the file. A null identifier stands for a file that was never opened; closing it does
+// nothing and succeeds.
 OSStatus AudioFileClose(AudioFileID audioFile);
-// Size of a property in bytes and whether it can be set (never). Either pointer may be null.
+// Returns the size of a property in bytes and whether it can be set (never). Either pointer may be
+// null.
 OSStatus AudioFileGetPropertyInfo(AudioFileID audioFile, AudioFilePropertyID dwPropertyID,
                                   UInt32* pdwDataSize, UInt32* pdwWritable);
-// Copies a property. `*pdwDataSize` is the room on entry and the bytes written on return.
+// Copies a property. On entry `*pdwDataSize` is the size of the buffer, on return the number of
+// bytes written.
 OSStatus AudioFileGetProperty(AudioFileID audioFile, AudioFilePropertyID dwPropertyID,
                               UInt32* pdwDataSize, void* pPropertyData);
-// Copies whole stored packets of PCM and G.711 files, as they lie in the file. `*pdwNumBytes` is
-// the room and `*pdwNumPackets` the wish on entry; both are what was copied on return. End of file
-// with nothing copied is kAudioFileEndOfFileError; files of other formats give
-// kAudioFileOperationNotSupportedError. The cache flag is ignored, packet descriptions are filled
-// when asked for.
+// Copies whole stored packets of PCM and G.711 files, exactly as they lie in the file. On entry
+// `*pdwNumBytes` is the size of the buffer and `*pdwNumPackets` the number of packets wanted; on
+// return both say what was copied. Starting at or after the end of the file gives
+// kAudioFileEndOfFileError; files of other formats give kAudioFileOperationNotSupportedError. The
+// cache flag is ignored. Packet descriptions are filled in when the pointer to them is not null.
 OSStatus AudioFileReadPacketData(AudioFileID audioFile, Boolean bUseCache, UInt32* pdwNumBytes,
                                  AudioStreamPacketDescription* pPacketDescriptions,
                                  SInt64 nStartingPacket, UInt32* pdwNumPackets, void* pBuffer);

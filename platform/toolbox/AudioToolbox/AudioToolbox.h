@@ -2,8 +2,8 @@
 #pragma once
 
 // The part of the desktop audio toolbox that the player uses, for machines without that toolbox. On
-// a machine that has it this folder is not on the include path and the system's own header is
-// found.
+// a machine that has the toolbox, this folder is not on the include path, so the system's own
+// header is found.
 
 #include <AudioToolbox/AUGraph.h>
 #include <AudioToolbox/AudioFile.h>

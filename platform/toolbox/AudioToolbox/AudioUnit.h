@@ -72,8 +72,9 @@ enum : AudioUnitRenderActionFlags {
   kAudioUnitRenderAction_OutputIsSilence = 1U << 4,
 };
 
-// Fills `dwNumberFrames` frames, or is told before and after a cycle that they are filled. Called
-// on the render thread; must not call back into the toolbox except to read properties.
+// Fills `dwNumberFrames` frames or, as a notification, is called before and after the cycle that
+// fills them. It runs on the render thread and must not call back into the toolbox except to read
+// properties.
 using AURenderCallback = OSStatus (*)(void* pRefCon, AudioUnitRenderActionFlags* pdwActionFlags,
                                       const AudioTimeStamp* pTimeStamp, UInt32 dwBusNumber,
                                       UInt32 dwNumberFrames, AudioBufferList* pData);
@@ -88,8 +89,8 @@ using ScheduledAudioFileRegionCompletionProc = void (*)(void* pUserData,
                                                         ScheduledAudioFileRegion* pRegion,
                                                         OSStatus nResult);
 
-// A stretch of a file to play. Frames are the file's own, counted at the file's own rate; the time
-// stamp is relative to the start time of the unit.
+// A stretch of a file to play. Its frames are frames of the file, counted at the file's own rate.
+// The time stamp is relative to the start time of the unit.
 struct ScheduledAudioFileRegion {
   AudioTimeStamp mTimeStamp;
   ScheduledAudioFileRegionCompletionProc mCompletionProc;
@@ -101,15 +102,17 @@ struct ScheduledAudioFileRegion {
 };
 
 extern "C" {
-// The next component behind `component` (null: the first) that matches; null when there is none.
+// Returns the next matching component after `component`, or the first one when `component` is null;
+// null when no other component matches.
 AudioComponent AudioComponentFindNext(AudioComponent component,
                                       const AudioComponentDescription* pDescription);
 OSStatus AudioComponentGetDescription(AudioComponent component,
                                       AudioComponentDescription* pDescription);
-// The component's name, "Manufacturer: Unit name"; the caller releases it with `CFRelease`. Null on
-// failure.
+// Stores the component's name, "Manufacturer: Unit name", or null on failure. The caller releases
+// the name with `CFRelease`.
 OSStatus AudioComponentCopyName(AudioComponent component, CFStringRef* pName);
-// A new unit of the component, to be given up with `AudioComponentInstanceDispose`.
+// Makes a new unit of the component. The caller disposes of it with
+// `AudioComponentInstanceDispose`.
 OSStatus AudioComponentInstanceNew(AudioComponent component, AudioComponentInstance* pInstance);
 OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance);
 // The component that the unit was made from; null when there is no such unit.
@@ -119,18 +122,18 @@ OSStatus AudioUnitInitialize(AudioUnit unit);
 OSStatus AudioUnitUninitialize(AudioUnit unit);
 OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID dwID, AudioUnitScope dwScope,
                               AudioUnitElement dwElement, const void* pData, UInt32 dwDataSize);
-// `*pdwDataSize` is the room on entry and the bytes written on return.
+// On entry `*pdwDataSize` is the size of the buffer, on return the number of bytes written.
 OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID dwID, AudioUnitScope dwScope,
                               AudioUnitElement dwElement, void* pData, UInt32* pdwDataSize);
-// Renders one slice of a generator without a device, in the format of its output. The buffers are
-// the caller's. The output unit answers kAudioUnitErr_InvalidElement.
+// Renders one slice of a generator without a device, in the format of its output. The caller owns
+// the buffers. The output unit returns kAudioUnitErr_InvalidElement.
 OSStatus AudioUnitRender(AudioUnit unit, AudioUnitRenderActionFlags* pdwActionFlags,
                          const AudioTimeStamp* pTimeStamp, UInt32 dwOutputBus,
                          UInt32 dwNumberFrames, AudioBufferList* pData);
 
-// Starts and stops a default output unit that is used without a graph. Starting again after a stop
-// goes on. Stopping returns when what was rendered has been heard; when the unit does not run it
-// returns at once.
+// Start and stop a default output unit that is used without a graph. Starting again after a stop
+// continues where rendering stopped. Stopping returns once everything rendered has been played; it
+// returns at once when the unit is not running.
 OSStatus AudioOutputUnitStart(AudioUnit unit);
 OSStatus AudioOutputUnitStop(AudioUnit unit);
 }

@@ -58,20 +58,21 @@ enum : CFStringEncoding {
 extern "C" {
 extern const CFAllocatorRef kCFAllocatorDefault;
 
-// A file URL of the path's `nBufLen` bytes; the caller releases it with `CFRelease`. Null when the
-// path is null, empty or holds a zero byte. The allocator is ignored.
+// Makes a file URL from the `nBufLen` bytes of the path; the caller releases it with `CFRelease`.
+// Null when the path is null, is empty or contains a zero byte. The allocator is ignored.
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* pbyBuffer,
                                                  CFIndex nBufLen, Boolean bIsDirectory);
-// Gives up one reference to a URL or a string. Null is ignored.
+// Releases a URL or a string. Null is ignored.
 void CFRelease(CFTypeRef cf);
 
 // Length of the text in 16-bit units of UTF-16; 0 for null.
 CFIndex CFStringGetLength(CFStringRef text);
-// The most bytes that so many units can take, without a zero behind them. Only UTF-8 is known; -1
-// for every other encoding, for a negative length, and where the number would not fit.
+// Returns the most bytes that `nLength` units can take, without a terminating zero. Only UTF-8 is
+// supported. Returns -1 for any other encoding, for a negative length, and when the result would
+// not fit.
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex nLength, CFStringEncoding dwEncoding);
-// Copies the text with a zero behind it. 0 (false) when it does not fit `cbBuffer` bytes whole, for
-// null, and for every encoding but UTF-8.
+// Copies the text and a terminating zero. Returns 0 (false) when they do not fit into `cbBuffer`
+// bytes, when the text or the buffer is null, and for any encoding but UTF-8.
 Boolean CFStringGetCString(CFStringRef text, char* pszBuffer, CFIndex cbBuffer,
                            CFStringEncoding dwEncoding);
 }

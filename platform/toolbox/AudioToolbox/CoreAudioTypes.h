@@ -40,7 +40,7 @@ enum : AudioFormatID {
   kAudioFormatMPEGLayer2 = toolbox::FourChars(".mp2"),
   kAudioFormatMPEGLayer3 = toolbox::FourChars(".mp3"),
   kAudioFormatFLAC = toolbox::FourChars("flac"),
-  // WAV codecs carry "ms" followed by the 16-bit tag of their format chunk.
+  // The code of a WAV codec is "ms" followed by the 16-bit tag of its format chunk.
   kAudioFormatDVIIntelIMA = 0x6D730011,
   kAudioFormatMicrosoftGSM = 0x6D730031,
 };
@@ -58,7 +58,7 @@ enum : AudioFormatFlags {
   kLinearPCMFormatFlagIsSignedInteger = kAudioFormatFlagIsSignedInteger,
   kLinearPCMFormatFlagIsPacked = kAudioFormatFlagIsPacked,
   kLinearPCMFormatFlagIsNonInterleaved = kAudioFormatFlagIsNonInterleaved,
-  // Six bits count the fraction bits of fixed-point samples; 0 for whole numbers.
+  // Six bits hold the number of fraction bits in fixed-point samples; 0 for integers.
   kLinearPCMFormatFlagsSampleFractionShift = 7,
   kLinearPCMFormatFlagsSampleFractionMask = 0x3F << kLinearPCMFormatFlagsSampleFractionShift,
 };
@@ -69,7 +69,8 @@ struct AudioBuffer {
   void* mData;
 };
 
-// `mNumberBuffers` buffers follow; the array is declared with one because it is of open length.
+// The list holds `mNumberBuffers` buffers; the array is declared with one because its length
+// varies.
 struct AudioBufferList {
   UInt32 mNumberBuffers;
   AudioBuffer mBuffers[1];
@@ -122,8 +123,8 @@ struct AudioChannelDescription {
 };
 static_assert(sizeof(AudioChannelDescription) == 20);
 
-// `mNumberChannelDescriptions` descriptions follow; the array is declared with one because it is of
-// open length.
+// The layout holds `mNumberChannelDescriptions` descriptions; the array is declared with one
+// because its length varies.
 struct AudioChannelLayout {
   AudioChannelLayoutTag mChannelLayoutTag;
   AudioChannelBitmap mChannelBitmap;
@@ -132,7 +133,7 @@ struct AudioChannelLayout {
 };
 static_assert(sizeof(AudioChannelLayout) == 32);
 
-// The low 16 bits of a tag count its channels.
+// The low 16 bits of a tag hold its number of channels.
 enum : AudioChannelLayoutTag {
   kAudioChannelLayoutTag_UseChannelDescriptions = 0,
   kAudioChannelLayoutTag_UseChannelBitmap = 1U << 16,

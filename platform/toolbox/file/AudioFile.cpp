@@ -12,10 +12,12 @@ namespace toolbox {
 namespace {
 
 constexpr SInt64 kCountPiece = 4096;
-// Frames that are counted at most, 18 hours of speech: a few bytes can hold very much silence.
+// Counting stops at this many frames, 18 hours of speech, because a few bytes can hold a great deal
+// of silence.
 constexpr SInt64 kMostCounted = SInt64{1} << 30;
-// Files that are counted whatever their last frame says: what is all on one Ogg page, of 64 KiB at
-// most, is placed by that page's own claim, and seems to end where it says. Cheap to count.
+// Files up to this size are counted even when their last frame decodes. An Ogg stream that lies on
+// one page, of at most 64 KiB, is placed by what that page claims, so it always seems to end where
+// it says. Counting such a file is cheap.
 constexpr UInt64 kOnePageBytes = UInt64{128} * 1024;
 
 }  // namespace
@@ -30,7 +32,7 @@ OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>
 }
 
 OSStatus C_AudioFile::OpenContent() {
-  // An MPEG stream has no beginning of its own: it is looked for in what is nothing else.
+  // An MPEG stream has no beginning of its own, so it is looked for in files that are nothing else.
   return IsKnownSound(m_descriptor) ? OpenSound() : OpenMpeg();
 }
 
@@ -59,7 +61,7 @@ OSStatus C_AudioFile::OpenSound() {
   return noErr;
 }
 
-// Begins anew with the file's first byte.
+// Starts again at the first byte of the file.
 bool C_AudioFile::OpenDecoder() {
   m_info = {};
   if (lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) return false;
@@ -67,8 +69,8 @@ bool C_AudioFile::OpenDecoder() {
   return m_pSound != nullptr;
 }
 
-// A file that was cut, or that lies, claims frames that nobody will ever hear, and whoever waits
-// for its end would wait for them.
+// A file that was cut, or that lies, claims frames that can never be decoded, and whoever waits for
+// its end would wait for those frames.
 bool C_AudioFile::HasItsLastFrame() {
   if (m_info.frames == 0) return true;
   std::vector<float> frame(static_cast<std::size_t>(m_info.channels));
@@ -95,7 +97,7 @@ std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pS
     m_nPosition = sf_seek(m_pSound.get(), nFrom, SEEK_SET);
     if (m_nPosition != nFrom) return 0;
   }
-  // Block decoders would repeat the last block that they got.
+  // Otherwise block decoders would repeat the last block that they got.
   if (m_descriptor.IsCutBeforeOffset()) return 0;
   const sf_count_t nRead =
       sf_readf_float(m_pSound.get(), pSamples, static_cast<sf_count_t>(nFrames));

@@ -19,7 +19,7 @@ namespace toolbox {
 // the caller reads packets.
 class C_AudioFile {
  public:
-  // On failure the file stays null.
+  // `pFile` is null on failure.
   static OSStatus Open(const std::string& path, std::shared_ptr<C_AudioFile>& pFile);
 
   [[nodiscard]] const AudioStreamBasicDescription& Format() const noexcept { return m_format.desc; }
@@ -27,8 +27,8 @@ class C_AudioFile {
   // Bytes of an AudioChannelLayout; empty when the file carries none.
   [[nodiscard]] const std::vector<UInt8>& ChannelLayout() const noexcept { return m_layout; }
 
-  // Decodes up to `nFrames` interleaved frames from `nFrom` on, full scale 1.0. Returns the frames
-  // decoded, 0 at the end of the file or when it cannot be read any further.
+  // Decodes up to `nFrames` interleaved frames from `nFrom` on, with full scale at 1.0. Returns the
+  // number of frames decoded; 0 at the end of the file or when it cannot be read any further.
   std::size_t ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples);
   // See AudioFileReadPacketData.
   OSStatus ReadPackets(SInt64 nFrom, UInt32& dwPackets, UInt32& cbData, void* pBuffer);
@@ -45,8 +45,8 @@ class C_AudioFile {
   struct S_Closer {
     void operator()(SNDFILE* pSound) const noexcept { sf_close(pSound); }
   };
-  // Closed in reverse order: the decoder first, then the descriptor under it. One of the two
-  // decoders is there.
+  // Closed in reverse order: the decoder first, then the descriptor that it reads. Exactly one of
+  // the two decoders exists.
   C_FileDescriptor m_descriptor;
   std::unique_ptr<C_MpegSound> m_pMpeg;
   std::unique_ptr<SNDFILE, S_Closer> m_pSound;
@@ -54,11 +54,12 @@ class C_AudioFile {
   S_AudioFileFormat m_format;
   std::vector<UInt8> m_layout;
   std::mutex m_readLock;
-  // Frame behind the last read; -1 when a raw read has moved the position.
+  // The frame after the last one read; -1 when a raw read or a failed seek has made the position
+  // unknown.
   SInt64 m_nPosition = 0;
 };
 
-// The open file of an identifier; null when there is none.
+// The open file with this identifier; null when there is no such file.
 [[nodiscard]] std::shared_ptr<C_AudioFile> FindAudioFile(AudioFileID audioFile);
 
 }  // namespace toolbox

@@ -73,7 +73,7 @@ AudioFormatID MpegFormatOf(UInt32 dwLayer) {
   return kAudioFormatMPEGLayer3;
 }
 
-// Block codecs in WAV carry "ms" and the tag of their format chunk as format code.
+// The format code of a block codec in WAV is "ms" followed by the tag of its format chunk.
 S_AudioFileFormat DescribeBlocks(const SF_INFO& info, const S_WavBlocks& blocks) {
   S_AudioFileFormat format{StreamOf(info, FourChars("ms\0\0") | blocks.wFormatTag),
                            blocks.qwDataBytes / blocks.wBlockAlign};
@@ -92,7 +92,7 @@ bool IsWav(const SF_INFO& info) {
 
 bool IsFlac(const SF_INFO& info) { return (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC; }
 
-// Empty when the samples do not lie in the file as they are.
+// Empty when the file does not store its samples one by one.
 std::optional<S_SampleFormat> StoredSamplesOf(const SF_INFO& info) {
   return IsFlac(info) ? std::nullopt : SampleFormatOf(info.format & SF_FORMAT_SUBMASK);
 }

@@ -10,27 +10,27 @@
 
 namespace toolbox {
 
-// What a file holds, in the terms of the audio file service.
+// What a file holds, in terms of the audio file service.
 struct S_AudioFileFormat {
   AudioStreamBasicDescription desc{};
   UInt64 qwPackets = 0;
 };
 
-// Whether the file, behind ID3 tags, begins like one of the kinds that the audio file service
-// opens: RIFF and its 64-bit forms, AIFF, AU, CAF, FLAC, Ogg, and SPHERE, in which speech corpora
-// have their ".wav" files. The file library knows more, and tells standard output about damage in
-// some of them.
+// Whether the file, after any ID3 tags, begins like one of the kinds that the audio file service
+// opens: RIFF with its big-endian and 64-bit forms, AIFF, AU, CAF, FLAC, Ogg, and SPHERE, the
+// format of the ".wav" files of speech corpora. The file library knows more kinds, but reports
+// damage in some of them on standard output.
 [[nodiscard]] bool IsKnownSound(const C_FileDescriptor& file);
 
-// True when the frames of an opened file are what it claims, false when they are counted from the
-// bytes that it holds.
+// True when the frame count of an opened file is only what the file claims, false when it comes
+// from the bytes that the file holds.
 [[nodiscard]] bool ClaimsItsFrames(const SF_INFO& info);
 
-// Packets are MPEG frames.
+// Describes an MPEG stream. Its packets are MPEG frames.
 [[nodiscard]] S_AudioFileFormat DescribeMpeg(const C_MpegSound& sound);
 
-// Describes any other opened file. Packets of PCM and G.711 are frames, of block codecs in WAV
-// files whole blocks; of every other codec the decoded frames are counted. Empty when the file
+// Describes any other opened file. A packet is one frame of PCM and G.711, one whole block of a
+// block codec in a WAV file, and one decoded frame of every other codec. Empty when the file
 // contradicts itself.
 [[nodiscard]] std::optional<S_AudioFileFormat> DescribeAudioFile(SNDFILE* pSound,
                                                                  const SF_INFO& info,

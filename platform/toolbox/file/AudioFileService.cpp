@@ -11,14 +11,14 @@
 namespace toolbox {
 namespace {
 
-// Never destroyed: a file that the program leaves open at exit is given back by the system, and
-// late callers still find a table.
+// Never destroyed, so that late callers still find a table. The system closes the files that the
+// program leaves open at exit.
 C_HandleTable<AudioFileID, C_AudioFile>& Files() {
   static auto& table = *new C_HandleTable<AudioFileID, C_AudioFile>;
   return table;
 }
 
-// The bytes of a property, in memory that lives as long as the file or in `qwCount`.
+// Points `bytes` at the value of a property, which lives as long as the file or lies in `qwCount`.
 OSStatus FindProperty(const C_AudioFile& file, AudioFilePropertyID dwID, UInt64& qwCount,
                       std::span<const UInt8>& bytes) {
   switch (dwID) {

@@ -17,17 +17,18 @@ class C_FileDescriptor {
   C_FileDescriptor(const C_FileDescriptor&) = delete;
   C_FileDescriptor& operator=(const C_FileDescriptor&) = delete;
 
-  // 0, kAudioFileFileNotFoundError, kAudioFilePermissionsError, or
-  // kAudioFileUnsupportedFileTypeError for what is no regular file. Never waits, not even for a
-  // pipe.
+  // Returns 0, kAudioFileFileNotFoundError, kAudioFilePermissionsError,
+  // kAudioFileUnsupportedFileTypeError for anything but a regular file, or
+  // kAudioFileUnspecifiedError. Never waits, not even for a pipe.
   OSStatus Open(const std::string& path);
   [[nodiscard]] int Get() const noexcept { return m_fd; }
-  // When it was opened.
+  // Size of the file in bytes when it was opened.
   [[nodiscard]] UInt64 Size() const noexcept { return m_cbSize; }
   // True when the file has become shorter since it was opened, and ends at or before the
   // descriptor's own offset.
   [[nodiscard]] bool IsCutBeforeOffset() const noexcept;
-  // Bytes copied; fewer than asked only at the end of the file or on a read error.
+  // Returns the number of bytes copied, fewer than wanted only at the end of the file or on a read
+  // error.
   std::size_t ReadAt(UInt64 qwOffset, void* pBuffer, std::size_t cbWanted) const;
 
  private:

@@ -11,17 +11,18 @@ namespace {
 
 constexpr std::size_t kTagHeaderBytes = 10;
 constexpr std::size_t kFooterFlag = 0x10;
-// More tags than anybody writes: a file of nothing else would be walked for minutes.
+// More tags than anybody writes. Without this limit, walking a file of nothing but tags would take
+// minutes.
 constexpr int kMostTags = 64;
-// How much that is no frame is passed over: padding, tags of other makers, the rest of a frame that
-// was cut.
+// How many bytes that are not frames are skipped: padding, other kinds of tags, the rest of a frame
+// that was cut.
 constexpr long kMostJunkBytes = 65536;
-// Frames that must follow each other without a gap where a stream does not begin with the file:
-// programs and pictures hold bytes that look like one or two.
+// How many frames must follow each other without a gap when the stream does not begin with the
+// file. Programs and pictures hold bytes that look like one or two frames.
 constexpr int kProvingFrames = 10;
 
-// Bytes of the ID3 tag at a position, 0 when there is none. Its size has seven bits to the byte,
-// and counts neither the header nor its copy at the end.
+// Bytes of the ID3 tag at a position; 0 when there is no tag. The size field uses seven bits of
+// each byte, and counts neither the header nor the copy of the header at the end.
 UInt64 TagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
   std::array<UInt8, kTagHeaderBytes> head{};
   if (file.ReadAt(qwAt, head.data(), head.size()) != head.size()) return 0;
@@ -32,7 +33,8 @@ UInt64 TagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
   return qwSize + (bFooter ? 2 : 1) * kTagHeaderBytes;
 }
 
-// Sync, and none of the values of layer, bit rate and sample rate that no stream has.
+// Checks the sync bits and rejects the values of layer, bit rate and sample rate that no stream
+// has.
 bool IsFrameHeader(const std::array<UInt8, 4>& head) {
   const bool bSync = head[0] == 0xFF && (head[1] & 0xE0U) == 0xE0U;
   return bSync && (head[1] & 0x06U) != 0 && (head[2] & 0xF0U) != 0xF0U &&
@@ -76,8 +78,8 @@ bool C_MpegSound::OpenStream() {
          mpg123_open_handle(pMpeg, this) == MPG123_OK;
 }
 
-// The format of the first frame is that of the sound: a stream that changes it ends there, instead
-// of filling buffers that were made for another.
+// The first frame decides the format of the sound. A stream that changes its format ends there,
+// because the buffers were made for the first format.
 bool C_MpegSound::FixFormat() {
   long nRate = 0;
   int nChannels = 0;
@@ -90,7 +92,7 @@ bool C_MpegSound::FixFormat() {
          mpg123_format(m_pMpeg.get(), nRate, nChannels, nEncoding) == MPG123_OK;
 }
 
-// Moves the position; what has proved the stream is not played.
+// Moves the position, so the object that proves the stream is not the one that plays it.
 bool C_MpegSound::FindsProof() {
   if (!OpenStream() || !FixFormat()) return false;
   off_t nNext = -1;

@@ -9,14 +9,15 @@
 
 namespace toolbox {
 
-// An MPEG audio stream. The general file library reads these as well, but tells standard error
-// about every damage in them; this says nothing.
+// An MPEG audio stream. The general file library reads these as well, but reports all damage in
+// them on standard error; this class prints nothing.
 class C_MpegSound {
  public:
-  // Bytes of the ID3 tags that begin a file of any kind, the first 64 of them.
+  // Bytes of the ID3 tags at the start of a file of any kind; at most 64 tags are counted.
   [[nodiscard]] static UInt64 TagBytes(const C_FileDescriptor& file);
-  // Scans the whole stream. Null when no frame begins the file or follows its ID3 tags, and no run
-  // of frames is found near there, or when there are more tags. The file outlives the sound.
+  // Opens the stream and scans all of it. Null when neither the file itself nor what follows its
+  // ID3 tags begins with a frame, and no run of frames is found near there. Also null when there
+  // are more than 64 tags. The file outlives the sound.
   [[nodiscard]] static std::unique_ptr<C_MpegSound> Open(const C_FileDescriptor& file);
   C_MpegSound(const C_MpegSound&) = delete;
   C_MpegSound& operator=(const C_MpegSound&) = delete;
@@ -32,9 +33,9 @@ class C_MpegSound {
   // Samples of each channel in one MPEG frame: 384, 576 or 1152.
   [[nodiscard]] UInt32 SamplesPerFrame() const noexcept { return m_dwSamplesPerFrame; }
 
-  // Decodes up to `nSamples` interleaved samples of each channel from sample `nFrom` on, without
-  // the encoder's padding. Returns how many; 0 at the end, and where the stream is broken or goes
-  // on in another format.
+  // Decodes up to `nSamples` samples of each channel, interleaved, from sample `nFrom` on and
+  // without the encoder's padding. Returns how many were decoded; 0 at the end, and where the
+  // stream is broken or continues in another format.
   std::size_t Read(SInt64 nFrom, std::size_t nSamples, float* pSamples);
 
  private:
@@ -57,7 +58,7 @@ class C_MpegSound {
   UInt32 m_dwLayer = 0;
   UInt64 m_qwFrames = 0;
   UInt32 m_dwSamplesPerFrame = 0;
-  // Sample behind the last read.
+  // The sample after the last one read.
   SInt64 m_nPosition = 0;
 };
 

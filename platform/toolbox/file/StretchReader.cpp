@@ -8,9 +8,9 @@
 namespace toolbox {
 namespace {
 
-// One render slice; the converter asks for its input in pieces of at most this.
+// One render slice; the converter asks for its input in pieces of at most this size.
 constexpr std::size_t kPieceFrames = 512;
-// Conversions outside these need filters of absurd length.
+// Converting rates outside this range would need filters of absurd length.
 constexpr double kMinFileRate = 100;
 constexpr double kMaxFileRate = 1000000;
 

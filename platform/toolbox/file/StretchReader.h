@@ -8,24 +8,25 @@
 
 namespace toolbox {
 
-// Reads one stretch of a file as float frames at another rate, in order. Of more than two channels
-// the first two are kept. At the file's own rate samples pass unchanged; otherwise the whole
-// stretch is converted with one filter, so that its length is the stretch's times the ratio of the
-// rates.
+// Reads one stretch of a file in order, as float frames at another rate. Only the first two
+// channels are kept. At the file's own rate the samples pass unchanged. Otherwise one filter
+// converts the whole stretch, so that its length is the length of the stretch times the ratio of
+// the rates.
 class C_StretchReader {
  public:
-  // `qwFrames` are the file's own; fewer come when the file ends first.
+  // `qwFrames` counts frames of the file; fewer are read when the file ends first.
   C_StretchReader(std::shared_ptr<C_AudioFile> pFile, SInt64 nStartFrame, UInt64 qwFrames,
                   double dOutputRate);
   ~C_StretchReader();
   C_StretchReader(const C_StretchReader&) = delete;
   C_StretchReader& operator=(const C_StretchReader&) = delete;
 
-  // False when the rates cannot be converted into each other.
+  // False when the file's rate cannot be converted to the output's.
   [[nodiscard]] bool IsUsable() const noexcept;
   // 1 or 2.
   [[nodiscard]] UInt32 Channels() const noexcept { return m_dwChannels; }
-  // Interleaved frames of `Channels()` samples; fewer than asked only at the end of the stretch.
+  // Reads interleaved frames of `Channels()` samples. Returns fewer than wanted only at the end of
+  // the stretch.
   std::size_t Read(std::size_t nFrames, float* pSamples);
 
  private:

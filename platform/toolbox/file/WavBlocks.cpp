@@ -33,7 +33,7 @@ bool IsRiffWave(const C_FileDescriptor& file) {
   return fields->U32() == LittleCode("WAVE");
 }
 
-// False when the chunk is too short to say.
+// False when the chunk is too short or gives the block size as 0.
 bool ReadFormat(const C_FileDescriptor& file, UInt64 qwAt, UInt32 dwSize, S_WavBlocks& blocks) {
   std::array<std::uint8_t, kFormatBytes> bytes{};
   if (dwSize < kFormatBytes) return false;
@@ -51,7 +51,7 @@ std::optional<S_WavBlocks> ReadWavBlocks(const C_FileDescriptor& file) {
   if (!IsRiffWave(file)) return std::nullopt;
   S_WavBlocks blocks;
   std::array<std::uint8_t, kChunkHeaderBytes> bytes{};
-  // Every turn moves by at least a header, so the walk ends with the file.
+  // Every step moves forward by at least one header, so the walk ends with the file.
   for (UInt64 qwAt = kRiffHeaderBytes;;) {
     auto header = ReadFields(file, qwAt, bytes);
     if (!header) return std::nullopt;

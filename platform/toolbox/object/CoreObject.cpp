@@ -5,7 +5,8 @@
 
 extern "C" {
 
-// Every object has this class as its first and only base, so that its address is the object's.
+// This class is the first and only base of every object, so an object and its base have the same
+// address.
 void CFRelease(CFTypeRef cf) { delete static_cast<const toolbox::C_CoreObject*>(cf); }
 
 }  // extern "C"

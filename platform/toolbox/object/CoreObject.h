@@ -3,7 +3,7 @@
 
 namespace toolbox {
 
-// What every reference that `CFRelease` takes points to. One owner each: nothing shares them.
+// The base of everything that `CFRelease` takes. Each object has one owner; nothing is shared.
 class C_CoreObject {
  public:
   C_CoreObject() = default;

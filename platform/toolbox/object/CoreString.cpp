@@ -7,8 +7,8 @@
 namespace toolbox {
 namespace {
 
-// Units of UTF-16 that begin with this byte of UTF-8: none with one that continues a character, two
-// with one that begins a character of four bytes.
+// Number of UTF-16 units that a byte of UTF-8 begins: 0 for a byte that continues a character, 2
+// for the first byte of a four-byte character, 1 for any other.
 CFIndex UnitsOf(char ch) {
   const auto byLead = static_cast<unsigned char>(ch);
   if ((byLead & 0xC0) == 0x80) return 0;

@@ -8,7 +8,7 @@
 
 #include "object/CoreObject.h"
 
-// What a CFStringRef points to: a text in well-formed UTF-8. Whoever got it by a call with "Copy"
+// What a CFStringRef points to: text in well-formed UTF-8. Whoever gets it from a call with "Copy"
 // in its name owns it until `CFRelease`.
 struct OpaqueCFString final : toolbox::C_CoreObject {
   explicit OpaqueCFString(std::string strUtf8) : text(std::move(strUtf8)) {}

@@ -8,7 +8,7 @@
 
 #include "object/CoreObject.h"
 
-// What a CFURLRef points to: a path of the file system. The creator owns it until `CFRelease`.
+// What a CFURLRef points to: a path in the file system. The creator owns it until `CFRelease`.
 struct OpaqueCFURL final : toolbox::C_CoreObject {
   explicit OpaqueCFURL(std::string strPath) : path(std::move(strPath)) {}
   std::string path;

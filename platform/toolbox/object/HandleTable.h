@@ -9,8 +9,8 @@
 namespace toolbox {
 
 // The live objects behind the handles that callers hold. A handle is a number that is never used
-// twice, so a stale or invented one is not found instead of reaching freed memory; whoever found an
-// object keeps it alive while using it. Safe to use from several threads.
+// twice, so a stale or invented handle finds nothing instead of reaching freed memory. Whoever
+// finds an object keeps it alive while using it. Safe to use from several threads.
 template <typename Handle, typename T>
 class C_HandleTable {
  public:
@@ -20,13 +20,13 @@ class C_HandleTable {
     m_objects.emplace(handle, std::move(pObject));
     return handle;
   }
-  // Null when the handle names nothing.
+  // Null when no object has this handle.
   [[nodiscard]] std::shared_ptr<T> Find(Handle handle) const {
     const std::lock_guard lock(m_lock);
     const auto it = m_objects.find(handle);
     return it != m_objects.end() ? it->second : nullptr;
   }
-  // Forgets the handle and gives the object back.
+  // Removes the handle and returns its object; null when no object has this handle.
   std::shared_ptr<T> Remove(Handle handle) {
     const std::lock_guard lock(m_lock);
     const auto node = m_objects.extract(handle);

@@ -8,13 +8,13 @@
 namespace toolbox {
 namespace {
 
-// Shorter ones underrun under load: at the least that the service offers, sound was lost in about
-// one run of five. The service asks for a quarter of it at a time, or a bit more.
+// Shorter latencies underrun under load: at the shortest that the service offers, sound was lost in
+// about one run in five. The service asks for a quarter of the latency at a time, or slightly more.
 constexpr UInt32 kLatencyMs = 100;
 constexpr UInt32 kLongLatencyMs = 400;
-// The service holds at most the latency; the rest covers what the device itself still holds.
+// The service holds at most the latency; this extra time covers what the device itself still holds.
 constexpr UInt32 kExtraPlayOutMs = 50;
-// How much longer than the latency a busy service may take to ask for the zeros.
+// How much longer than that a busy service may take to ask for the zeros.
 constexpr std::chrono::seconds kPlayOutPatience{1};
 constexpr std::chrono::milliseconds kPlayOutPoll{2};
 
@@ -47,8 +47,8 @@ bool C_CubebStream::Open() {
   return true;
 }
 
-// Starting a stream whose service has just died aborts the process inside the library. After an
-// answer, or the lack of one, its death is known here.
+// When the service has just died, starting a stream makes the library abort the process. Once the
+// service has answered, or failed to answer, this class knows whether it has died.
 void C_CubebStream::AskService() {
   cubeb_device_collection devices{};
   if (cubeb_enumerate_devices(m_pContext.get(), CUBEB_DEVICE_TYPE_OUTPUT, &devices) == CUBEB_OK) {
@@ -71,8 +71,9 @@ void C_CubebStream::Serve(I_DeviceClient& client) {
   if (!m_bFailed) m_pClient = &client;
 }
 
-// The drain of the audio services loses the last 2 to 25 ms, and their position stops short of the
-// end. Zeros that have been taken over prove that everything before them has left.
+// The drain of the audio services loses the last 2 to 25 ms, and the position that they report
+// stops short of the end. So the stream is fed zeros instead: once the service has taken enough of
+// them, everything before them has been played.
 void C_CubebStream::PlayOut() {
   m_dwZeroFrames = 0;
   m_bPlayingOut = true;

@@ -11,27 +11,29 @@
 
 namespace toolbox {
 
-// A stream of the machine's audio service. What asks the service may wait for ever on one that is
-// frozen, so those calls belong on a thread that can be left behind; so does the destruction.
+// A stream of the machine's audio service. Calls that ask the service may wait forever when it is
+// frozen, so they belong on a thread that can be left behind; so does the destruction.
 class C_CubebStream {
  public:
   explicit C_CubebStream(const S_OutputFormat& format) noexcept : m_format(format) {}
 
-  // Ask the service. False when it cannot play (any more).
+  // These operations ask the service. False when it cannot play, or can no longer play.
   bool Open();
   bool Start();
   bool Halt();
 
-  // Never ask it.
+  // The operations below never ask the service.
+
   // From now on the client is asked for frames and told of a loss. It outlives the stream or is
   // taken away by `GiveUp`.
   void Serve(I_DeviceClient& client);
-  // Feeds zeros until everything rendered so far has been heard, or the service takes none.
+  // Feeds zeros until everything rendered so far has been played, or the service takes no more.
   void PlayOut();
-  // Takes the client away, for good: when this returns, it is not called any more. The stream
-  // plays no more. False when it had failed before.
+  // Takes the client away for good: once this returns, the client is no longer called. The stream
+  // plays no more. False when it had already failed.
   bool GiveUp();
-  // Whether the service asked for frames since the last call of this, or is being served now.
+  // Whether the service has asked for frames since the last call of this operation, or is being
+  // served right now.
   bool ShowsLife();
 
  private:

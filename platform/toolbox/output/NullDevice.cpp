@@ -10,13 +10,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr UInt64 kSlicesPerSecond = 100;
 constexpr Clock::duration kSlice = std::chrono::milliseconds(1000 / kSlicesPerSecond);
-// Further behind than this, the process was suspended: that time is not made up for in one rush.
+// A longer lag means that the process was suspended; that time is not made up for in one rush.
 constexpr Clock::duration kMaxLag = std::chrono::seconds(1);
 constexpr UInt64 kMaxSlicesAtOnce = 10;
 
-// How many slices to render now, at least one; `due` becomes the time of the last of them. What is
-// overdue is asked for at once, so that a client whose calls cost as much for a few frames as for
-// many keeps up.
+// Returns how many slices to render now, at least one, and moves `due` to the time of the last of
+// them. Overdue slices are rendered in one call, so that a client whose calls cost as much for a
+// few frames as for many keeps up.
 UInt64 TakeDueSlices(Clock::time_point& due) {
   const auto now = Clock::now();
   if (now - due > kMaxLag) {
@@ -58,7 +58,7 @@ void C_NullDevice::Run() {
   while (!m_bStop) {
     due += kSlice;
     std::this_thread::sleep_until(due);
-    // Rates that are no multiple of the slice rate: what is left over goes into the next slice.
+    // When the rate is not a multiple of the slice rate, the remainder goes into the next slice.
     qwRemainder += TakeDueSlices(due) * m_format.dwRate;
     Render(static_cast<UInt32>(qwRemainder / kSlicesPerSecond));
     qwRemainder %= kSlicesPerSecond;

@@ -10,8 +10,8 @@
 
 namespace toolbox {
 
-// Takes the place of a device where there is none: renders in slices of 10 ms as time passes,
-// several at once when they are overdue, and plays nothing.
+// Takes the place of a missing device: renders in slices of 10 ms in real time, several at once
+// when they are overdue, and plays nothing.
 class C_NullDevice final : public I_OutputDevice {
  public:
   C_NullDevice(const S_OutputFormat& format, I_DeviceClient& client);
@@ -19,9 +19,10 @@ class C_NullDevice final : public I_OutputDevice {
   C_NullDevice(const C_NullDevice&) = delete;
   C_NullDevice& operator=(const C_NullDevice&) = delete;
 
-  // Always true. Does nothing when it runs already.
+  // Always true. Does nothing when the device is already running.
   bool Start() override;
-  // Waits at most for the slice under way. Does nothing when it does not run.
+  // Waits at most for the slice that is being rendered. Does nothing when the device is not
+  // running.
   void Stop() override;
 
  private:

@@ -14,8 +14,8 @@ struct S_OutputFormat {
   UInt32 dwRate = 0;
   UInt32 dwChannels = 0;
   bool bFloat = false;
-  // The client may work long for each call, however little it is asked for: a device that can
-  // choose asks it seldom, for much at once and well ahead.
+  // The client may need a long time for each call, however few frames it is asked for. A device
+  // that can choose asks seldom, for many frames at once and well ahead.
   bool bLongPeriods = false;
 
   [[nodiscard]] std::size_t FrameBytes() const noexcept {
@@ -23,29 +23,30 @@ struct S_OutputFormat {
   }
 };
 
-// Who a device plays for. Both calls come from a thread of the device.
+// The client that a device plays for. Both calls come from a thread of the device.
 class I_DeviceClient {
  public:
   // Fills `dwFrames` frames; the memory is zero on entry.
   virtual void RenderFrames(void* pFrames, UInt32 dwFrames) = 0;  // 1
-  // The device will ask for nothing any more, although nobody stopped it.
+  // The device will no longer ask for frames, although nobody stopped it.
   virtual void DeviceLost() = 0;  // 2
 
  protected:
   ~I_DeviceClient() = default;
 };
 
-// A device that is open and plays between `Start` and `Stop`; it can be started again.
+// An open device. It plays between `Start` and `Stop`, and can be started again.
 class I_OutputDevice {
  public:
   virtual ~I_OutputDevice() = default;
-  // False when the device cannot play (any more).
+  // False when the device cannot play, or can no longer play.
   virtual bool Start() = 0;  // 1
-  // Returns when everything rendered so far has been heard, and asks for nothing afterwards.
+  // Returns once everything rendered so far has been played; asks for no more frames after that.
   virtual void Stop() = 0;  // 2
 };
 
-// Opens the default device of the machine; null when there is none. The client outlives the device.
+// Opens the default device of the machine; null when there is no device. The client outlives the
+// device.
 using OpenDeviceFunction =
     std::function<std::unique_ptr<I_OutputDevice>(const S_OutputFormat&, I_DeviceClient&)>;
 

@@ -9,7 +9,7 @@
 
 namespace toolbox {
 
-// Where frames are rendered; see I_DeviceClient::RenderFrames.
+// What renders the frames; see I_DeviceClient::RenderFrames.
 class I_RenderSource {
  public:
   virtual void RenderFrames(void* pFrames, UInt32 dwFrames) = 0;  // 1
@@ -18,8 +18,8 @@ class I_RenderSource {
   ~I_RenderSource() = default;
 };
 
-// Plays a source on the machine's device, or on the null device where there is none or where it was
-// lost, so that a started playback always goes on in real time.
+// Plays a source on the machine's device. When there is no device, or it is lost, the null device
+// takes over, so that a started playback always continues in real time.
 class C_Playback final : private I_DeviceClient {
  public:
   // Opens the device. The source outlives the playback.
@@ -28,9 +28,9 @@ class C_Playback final : private I_DeviceClient {
   C_Playback(const C_Playback&) = delete;
   C_Playback& operator=(const C_Playback&) = delete;
 
-  // Both do nothing when there is nothing to change.
+  // `Start` and `Stop` do nothing when there is nothing to change.
   void Start();
-  // Returns when everything rendered so far has been heard.
+  // Returns once everything rendered so far has been played.
   void Stop();
   [[nodiscard]] bool IsRunning() const;
 
@@ -40,9 +40,10 @@ class C_Playback final : private I_DeviceClient {
   void StartSilently();
 
   I_RenderSource& m_source;
-  // Keeps a device that is about to be lost and the null device apart.
+  // Keeps a device that is about to be lost and the null device from rendering at the same time.
   std::mutex m_renderLock;
-  // Never held while the device is called: the device may be waiting in `DeviceLost` for it.
+  // Never held while the device is called, because the device may be waiting for it in
+  // `DeviceLost`.
   mutable std::mutex m_lock;
   bool m_bRunning = false;
   bool m_bLost = false;

@@ -6,8 +6,8 @@
 namespace toolbox {
 namespace {
 
-// Silence is counted in ticks and not read off a clock: a process that was stopped and continued
-// finds one tick gone, however long it stood still.
+// Silence is counted in ticks, not read from a clock. A process that was stopped and continued
+// loses only one tick, however long it was stopped.
 constexpr int kTicks = 20;
 
 }  // namespace
@@ -36,7 +36,7 @@ void C_Watchdog::Run() {
   m_onSilence();
 }
 
-// False when a tick passed instead.
+// Waits for one tick. True when the watch is to end, false when the tick has passed.
 bool C_Watchdog::WaitForEnd() {
   std::unique_lock lock(m_lock);
   return m_changed.wait_for(lock, m_tick, [this] { return m_bEnd; });

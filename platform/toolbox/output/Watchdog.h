@@ -9,17 +9,18 @@
 
 namespace toolbox {
 
-// Watches something that shows signs of life of its own accord, from construction on, on a thread
-// of its own.
+// Watches something that shows signs of life by itself. It starts with its construction and runs on
+// its own thread.
 class C_Watchdog {
  public:
-  // Answers whether there was life since it was last asked.
+  // Says whether there was a sign of life since the last call.
   using ShowsLife = std::function<bool()>;
 
-  // Calls `onSilence` once, when there was no life for `limit`, and watches no longer. Time in
-  // which this process itself did not run does not count.
+  // Calls `onSilence` once, after `limit` without a sign of life, and then stops watching. Time
+  // during which this process itself did not run does not count.
   C_Watchdog(std::chrono::milliseconds limit, ShowsLife showsLife, std::function<void()> onSilence);
-  // Returns when neither function will be called any more. Not to be called from either.
+  // Returns once neither function will be called any longer. Must not be called from either of
+  // them.
   ~C_Watchdog();
   C_Watchdog(const C_Watchdog&) = delete;
   C_Watchdog& operator=(const C_Watchdog&) = delete;

@@ -5,8 +5,8 @@
 
 namespace toolbox {
 
-// How output units open their device from now on; an empty function restores the machine's device.
-// Only for code that tries the toolbox out against a device of its own.
+// Sets how output units made from now on open their device; an empty function restores the
+// machine's device. Only for code that tests the toolbox with a device of its own.
 void SetOpenDevice(OpenDeviceFunction open);
 
 }  // namespace toolbox

@@ -148,7 +148,7 @@ OSStatus C_AudioGraph::Uninitialize() {
   return UninitializeUnits();
 }
 
-// The output goes first: nothing is pulled from the others afterwards.
+// The output is uninitialised first, so that nothing is pulled from the other units afterwards.
 OSStatus C_AudioGraph::UninitializeUnits() {
   if (const auto pOutput = Output()) {
     pOutput->Uninitialize();

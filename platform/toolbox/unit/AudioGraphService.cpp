@@ -7,7 +7,7 @@
 namespace toolbox {
 namespace {
 
-// Never destroyed: late callers still find a table.
+// Never destroyed, so that late callers still find a table.
 C_HandleTable<AUGraph, C_AudioGraph>& Graphs() {
   static auto& table = *new C_HandleTable<AUGraph, C_AudioGraph>;
   return table;

@@ -23,7 +23,7 @@ constexpr uid_t kNobody = 65534;
 
 class CopyFile : public ::testing::Test {
  protected:
-  // The result of a copy, and what errno says about it.
+  // The result of a copy, and errno after it.
   std::pair<int, int> Copy(const std::string& strFrom, const std::string& strTo) {
     errno = 0;
     const int nResult =

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The part of the audio-file library that the player calls, as a record of those calls whose
-// answers a test chooses. This folder stands before the library's own on the include path.
+// The part of the audio-file library that the player calls. It records those calls, and a test
+// chooses the answers. This folder comes before the library's own on the include path.
 #pragma once
 
 #include <deque>
@@ -12,7 +12,7 @@
 
 #include "interface/I_WavFile.h"
 
-// A file object of which the player may call Convert and Release; everything else answers nothing.
+// A file object on which the player may call Convert and Release. All other operations do nothing.
 class C_FakeWavFile : public I_WavFile {
  public:
   explicit C_FakeWavFile(std::string strName) : m_strName(std::move(strName)) {}
@@ -60,17 +60,17 @@ class C_FakeLibrary {
   static C_FakeLibrary& Get();
   void Reset();
 
-  // What CreateWavFile, LoadByName and Convert answer, call by call; then the last one for ever.
+  // What CreateWavFile, LoadByName and Convert answer, call by call; then the last answer forever.
   std::deque<bool> creates = {true};
   std::deque<bool> loads = {true};
   std::deque<bool> converts = {true};
   // Called inside CreateWavFile, on the calling thread.
   std::function<void(const char* pszPath, PFN_DecodedData pfnData)> onCreate;
   std::function<void(const char* pszPath)> onConvert;
-  // Called at the end of every format object, on its thread.
+  // Called when a format object ends, on the thread that ends it.
   std::function<void()> onFormatEnd;
 
-  // One line for each call, paths of temporary files as "<temporary>.kst".
+  // One line for each call. Paths of temporary files appear as "<temporary>.kst".
   std::vector<std::string> Log();
   void Call(const std::string& strLine);
   void FormatEnds();
@@ -81,5 +81,5 @@ class C_FakeLibrary {
   std::vector<std::string> m_log;
 };
 
-// A name of the C library's form, as "<temporary>" and what follows it.
+// A name of the C library's form becomes "<temporary>" and what follows it.
 std::string ShortName(const char* pszPath);

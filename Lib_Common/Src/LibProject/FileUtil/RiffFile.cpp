@@ -26,7 +26,8 @@ bool SameID(std::span<const std::uint8_t> bytes, const char* pszID) {
   return std::memcmp(bytes.data(), pszID, kIDLength) == 0;
 }
 
-// The size of a file's chunk list, when the header is that of a RIFF file of the form type.
+// Returns the length of the file's chunk list, or nothing when the header is not that of a RIFF
+// file of this form type.
 std::optional<std::uint32_t> ReadFileHeader(std::FILE* pFile, const char* pszFormType) {
   std::array<std::uint8_t, kFileHeaderLength> header{};
   if (!vcm::ReadExact(pFile, header)) return std::nullopt;
@@ -34,8 +35,8 @@ std::optional<std::uint32_t> ReadFileHeader(std::FILE* pFile, const char* pszFor
   const bool bRiff = SameID(reader.Bytes(kIDLength), "RIFF");
   const std::uint32_t dwRiffSize = reader.U32();
   if (!bRiff || !SameID(reader.Bytes(kIDLength), pszFormType)) return std::nullopt;
-  // Kept: sizes below 4 wrap, and the listing then runs to the end of the file: writers that never
-  // came back to fill in the size leave 0 there. Pinned by RiffSizeBelowFour_ListsToTheEndOfFile.
+  // Kept: sizes below 4 wrap, and the listing then runs to the end of the file. Writers that never
+  // come back to fill in the size leave 0 there. Pinned by RiffSizeBelowFour_ListsToTheEndOfFile.
   return dwRiffSize - static_cast<std::uint32_t>(kIDLength);
 }
 
@@ -47,8 +48,8 @@ bool WriteFileHeader(std::FILE* pFile, std::uint32_t dwRiffSize, const char* psz
   return vcm::WriteExact(pFile, writer.Data());
 }
 
-// Leaves the stream on the first byte that is not zero. The number of zero bytes passed, modulo
-// 2^32; empty at the end of the file.
+// Moves the stream to the first byte that is not zero. Returns the number of zero bytes skipped,
+// modulo 2^32, or nothing at the end of the file.
 std::optional<std::uint32_t> SkipZeros(std::FILE* pFile) {
   std::uint32_t dwZeros = 0;
   int nByte = std::getc(pFile);
@@ -57,7 +58,8 @@ std::optional<std::uint32_t> SkipZeros(std::FILE* pFile) {
   return dwZeros;
 }
 
-// The chunk whose header stands at the stream's position, which moves behind its payload.
+// Reads the chunk header at the stream's position and moves the stream past the payload. Null when
+// the header cannot be read or the payload starts beyond 4 GiB.
 std::unique_ptr<C_RiffChunk> ReadChunk(const C_RiffStreamPtr& stream) {
   std::array<std::uint8_t, kChunkHeaderLength> header{};
   if (!vcm::ReadExact(stream->pFile, header)) return nullptr;
@@ -123,9 +125,9 @@ bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwL
   while (dwRemaining >= kChunkHeaderLength) {
     const auto dwZeros = SkipZeros(stream->pFile);
     if (!dwZeros) break;
-    // Kept: the count may wrap and is not looked at again before the header, so a chunk behind the
-    // zeros is listed even when the RIFF size ends inside them: old writers leave their zero filler
-    // out of the size. Pinned by ZeroRunAcrossTheRiffEnd_ListsTheChunkBehindIt.
+    // Kept: the count may wrap and is not checked again before the header is read. A chunk after
+    // the zeros is therefore listed even when the RIFF size ends inside them. Old writers leave
+    // their zero filler out of the size. Pinned by ZeroRunAcrossTheRiffEnd_ListsTheChunkBehindIt.
     dwRemaining -= *dwZeros;
     auto chunk = ReadChunk(stream);
     if (!chunk) break;
@@ -169,8 +171,8 @@ bool C_RiffChunk::GetData(void* pDst, unsigned int dwLength, unsigned int dwOffs
   if (m_pbyData) {
     std::memcpy(pDst, m_pbyData.get() + dwOffset, dwLength);
   } else {
-    // Kept: only the call that meets a payload cut short reports it; later ones answer, with
-    // zeros, so that callers who asked once get through such files. Pinned by
+    // Kept: only the call that finds the payload cut short reports it. Later calls succeed and
+    // return zeros, so that callers that checked once get through such files. Pinned by
     // GetDataAfterAFailedRead_GivesZerosAndIsTrue.
     std::memset(pDst, 0, dwLength);
   }
@@ -204,14 +206,14 @@ bool C_RiffChunk::Write(std::FILE* pFile) {
   header.Text({m_achID, kIDLength}, kIDLength);
   header.U32(m_dwSize);
   if (!vcm::WriteExact(pFile, header.Data())) return false;
-  // A pipe has no positions, and takes the file all the same.
+  // A pipe has no positions, but the file can still be written to it.
   const std::uint64_t qwDataPos = vcm::Tell(pFile).value_or(kMaxSize);
   if (qwDataPos > kMaxSize) return false;
   m_dwDataPos = static_cast<std::uint32_t>(qwDataPos);
   return WriteData(pFile);
 }
 
-// The file's length is asked before memory is: a header may claim 4 GiB.
+// Checks the file's length before allocating memory, because a header may claim 4 GiB.
 bool C_RiffChunk::ReadPayload() {
   if (!m_stream || m_stream->pFile == nullptr) return false;
   std::FILE* pFile = m_stream->pFile;

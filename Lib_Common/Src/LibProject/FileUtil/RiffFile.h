@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RIFF files as flat, ordered lists of chunks whose payloads stay on disk until they are asked for,
-// and new RIFF files from chunks assembled in memory.
+// Reads RIFF files as flat, ordered lists of chunks, whose payloads stay on disk until they are
+// asked for. Writes new RIFF files from chunks assembled in memory.
 //
 //   offset  size  field (integers are little-endian)
 //        0     4  "RIFF"
@@ -9,9 +9,9 @@
 //        8     4  form type, four characters ("WAVE" ...)
 //       12        chunks, back to back: identifier (4), size (4), payload (size)
 //
-// Kept: sizes never include pad bytes, the writer writes none and the reader skips zero bytes in
-// front of a chunk header, so that files with and without pad bytes both read. Pinned by
-// OddChunk_ReadsWithAndWithoutPad and Save_WritesNoPadBytes.
+// Kept: sizes never include pad bytes, the writer writes no pad bytes, and the reader skips zero
+// bytes before a chunk header. Files with and without pad bytes can therefore both be read. Pinned
+// by OddChunk_ReadsWithAndWithoutPad and Save_WritesNoPadBytes.
 #pragma once
 
 #include <cstdint>
@@ -23,8 +23,8 @@
 
 class C_RiffChunk;
 
-// The stream that chunks read from, shared between a file and its chunks: closing the file empties
-// it, and the chunks see that.
+// The stream that chunks read from, shared between a file and its chunks. Closing the file sets
+// pFile to null, so the chunks know that the file is closed.
 struct S_RiffStream {
   std::FILE* pFile = nullptr;
 };
@@ -36,27 +36,28 @@ class C_RiffChunkList : public C_CLArray<C_RiffChunk*, C_RiffChunk*, true> {
   C_RiffChunkList();
   ~C_RiffChunkList() override;
 
-  // Sum over the chunks of (size + 8), modulo 2^32. Sub-chunks are not looked at.
+  // Sum over the chunks of (size + 8), modulo 2^32. Sub-chunks are not counted.
   [[nodiscard]] unsigned int GetChunksLength() const;
-  // The same sum, whole.
+  // The same sum in full, not modulo 2^32.
   [[nodiscard]] std::uint64_t GetTrueChunksLength() const;
-  // The first chunk at index >= nStart with that identifier (four characters), null when none.
+  // The first chunk at index >= nStart with this identifier (four characters), or null.
   [[nodiscard]] C_RiffChunk* FindChunk(const char* pszID, int nStart) const;
-  // Appends a chunk in memory, without payload, and returns it; the list owns it.
+  // Appends a chunk in memory, without a payload, and returns it; the list owns it.
   C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
   // Appends the chunks that start within dwLength bytes from the stream's position. Always true: a
-  // header that cannot be read ends the listing. The stream must outlive the reading of payloads.
+  // header that cannot be read only ends the listing. The stream must stay open until the payloads
+  // have been read.
   bool LoadChunks(std::FILE* pFile, unsigned int dwLength);
   bool LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwLength);
-  // Writes every chunk, header then payload. False when the stream takes no more.
+  // Writes every chunk, header then payload. False when a write fails.
   bool WriteChunks(std::FILE* pFile);
-  // Moves the stream on by dwCount bytes; past the end is allowed.
+  // Moves the stream forward by dwCount bytes, even past the end of the file.
   static bool Skip(std::FILE* pFile, unsigned int dwCount);
 };
 
 class C_RiffChunk : public I_RiffChunk {
  public:
-  // A chunk in memory: its size is fixed here, its payload comes from SetData or from sub-chunks.
+  // A chunk in memory: its size is fixed here; its payload comes from SetData or from sub-chunks.
   C_RiffChunk(const char* pszID, unsigned int dwSize);
   // A chunk on disk whose payload begins at dwDataPos.
   C_RiffChunk(const char* pszID, unsigned int dwSize, unsigned int dwDataPos,
@@ -64,8 +65,9 @@ class C_RiffChunk : public I_RiffChunk {
   ~C_RiffChunk() override;
 
   unsigned int GetDataLength() override { return m_dwSize; }
-  // The first call reads the whole payload, later ones copy from memory. False when the size is 0,
-  // when there is neither payload nor open file, and when the range leaves the payload.
+  // The first call reads the whole payload; later calls copy from memory. False when the size is 0,
+  // when the range goes past the end of the payload, and when there is neither a payload nor an
+  // open file. A call whose read fails is false too; the calls after it give zeros.
   bool GetData(void* pDst, unsigned int dwLength, unsigned int dwOffset) override;
   void SetData(const void* pSrc) override;
 
@@ -80,9 +82,10 @@ class C_RiffChunk : public I_RiffChunk {
 
   // Appends the payload's chunks to the sub-chunk list. False without an open file.
   bool LoadSubChunks();
-  // Writes the payload: the bytes when there are any, otherwise the sub-chunks, which may be none.
+  // Writes the payload: its bytes if they are in memory, zeros if reading them has failed, and
+  // otherwise the sub-chunks, of which there may be none.
   bool WriteData(std::FILE* pFile);
-  // Writes header and payload, and notes where the payload went.
+  // Writes the header and the payload, and remembers the position of the payload.
   bool Write(std::FILE* pFile);
 
  private:
@@ -97,9 +100,10 @@ class C_RiffChunk : public I_RiffChunk {
   C_RiffChunkList m_subChunks;
 };
 
-// One file. Closed after construction, SafeCloseFile, Save, and an Open that failed. For reading:
-// Open, then the chunks wanted; unread payloads are lost when the file is closed. For writing:
-// AddChunk for each chunk in file order, SetData on each, then Save.
+// One file. It is closed after construction, after SafeCloseFile and Save, and after an Open that
+// failed. To read: call Open, then use the chunks wanted. Payloads that were not read before the
+// file is closed are lost. To write: call AddChunk for each chunk in file order, SetData on each,
+// then Save.
 class C_RiffFile {
  public:
   C_RiffFile() = default;
@@ -107,14 +111,15 @@ class C_RiffFile {
   C_RiffFile(const C_RiffFile&) = delete;
   C_RiffFile& operator=(const C_RiffFile&) = delete;
 
-  // Lists the chunks of a file of that form type (four characters).
+  // Opens a file of this form type (four characters) and lists its chunks. False when the file
+  // cannot be opened or is of another type.
   bool Open(const char* pszPath, const char* pszFormType);
   // Writes the list; a failed write leaves a partial file. A list too long for the 32-bit RIFF size
   // is refused before the target is touched.
   bool Save(const char* pszPath, const char* pszFormType);
   C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
   [[nodiscard]] int GetChunkCount() const { return m_chunks.GetCount(); }
-  // std::out_of_range outside the list.
+  // Throws std::out_of_range for an index outside the list.
   [[nodiscard]] C_RiffChunk* GetChunkAt(int nIndex) const { return m_chunks.GetAt(nIndex); }
   [[nodiscard]] C_RiffChunk* FindChunk(const char* pszID, int nStart) const;
   [[nodiscard]] C_RiffChunkList& GetChunks() { return m_chunks; }

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The one entry through which a sound file of any kind is opened. Knows all file classes and tries
-// them in a fixed order: RIFF sound files, then Kestrel files.
+// The one entry through which an application opens a sound file of any kind. It knows all file
+// classes and tries them in a fixed order: RIFF sound files (WAVE and VEMD), then Heron files, then
+// Kestrel files. Both codecs also open VEF containers: those that name Kestrel go to Kestrel only,
+// all others to Heron first, and to Kestrel when Heron cannot load them.
+//
+// A null name counts as a file that cannot be opened.
 #pragma once
 
 #include <memory>
@@ -15,29 +19,46 @@ class C_WavFileFormat : public I_WavFileFormat {
   C_WavFileFormat(const C_WavFileFormat&) = delete;
   C_WavFileFormat& operator=(const C_WavFileFormat&) = delete;
 
+  // Deletes the object, which must have been made with new.
   void Release() override;
-  // The identifier of the file's SP header when it has one, otherwise AUDIO_FILE_WAVE for both RIFF
-  // forms, otherwise AUDIO_FILE_UNKNOWN.
+  // The identifier of the file's SP header when it has one, otherwise AUDIO_FILE_WAVE for a RIFF
+  // sound file of either form that the library reads. AUDIO_FILE_UNKNOWN for everything else, also
+  // for VEF containers.
   tagAudioFileType GetFileFormat(const char* pszFileName) override;
-  // False for every kind but AUDIO_FILE_WAVE.
+  // True for a RIFF sound file when eType is AUDIO_FILE_WAVE. False for every other kind.
   bool IsFileFormat(const char* pszFileName, tagAudioFileType eType) override;
+  // Opens a file as an object of the first class that accepts and loads it; null when no class
+  // does. The caller ends the object with one Release.
+  //
+  //   bLoadData       true: loads the samples. false: the sound gets its format and informational
+  //                   chunks only, and the arguments below have no effect
+  //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside the
+  //                   stream; the sound then has no encoded form. false: decodes the stream
+  //   pszCodecOption  has no effect anywhere
+  //   pfnData         gets the pieces of a Kestrel stream after an SP header while they are decoded;
+  //                   may be null. Never called for any other file
+  //
+  // A load that fails is tried a second time, see below.
   I_WavFile* CreateWavFile(const char* pszFileName, bool bLoadData, bool bKeepEncoded,
                            const char* pszCodecOption, PFN_DecodedData pfnData) override;
+  // The same with bLoadData false.
   I_WavFile* OpenWavFile(const char* pszFileName) override;
-  // Looks at the first format tag of a RIFF file of form "WAVE", and at nothing else.
+  // Looks only at the first format tag of a RIFF file of form "WAVE"; false for any other file.
   bool IsSupportedFormat(const char* pszFileName) override;
+  // Always true, because the codecs are part of the library.
   bool IsCodecAvailable() override { return true; }
 
-  // RIFF sound files of both forms.
+  // True for a RIFF sound file of either form that the library reads.
   bool IsWavFile(const char* pszFileName);
 
-  // Opens the file as class T. On failure pOut is null and the object is gone.
+  // Opens the file as class T; the arguments are those above. On success pOut is the new object,
+  // which the caller ends with Release. On failure pOut is null and no object is left.
   //
-  // Kept: a load that fails is tried once more, with the codec parameters' platform set to
-  // AUDIO_CODEC_PLATFORM_FALLBACK, although pieces that were handed to pfnData are then handed over
-  // twice; some streams load only so. Pinned by AStreamThatFailsAtItsEndIsHeardTwice.
+  // Kept: a load that fails is tried once more, with the platform of the codec parameters set to
+  // AUDIO_CODEC_PLATFORM_FALLBACK, although pfnData then gets the same pieces twice. Some streams
+  // load only this way. Pinned by AStreamThatFailsAtItsEndIsHeardTwice.
   //
-  // T: default constructor, LoadByName, OpenByName, GetAudioCodecParam.
+  // T needs a default constructor, LoadByName, OpenByName and GetAudioCodecParam.
   template <typename T>
   static bool CreateWavFile(T*& pOut, const char* pszFileName, bool bLoadData, bool bKeepEncoded,
                             const char* pszCodecOption, PFN_DecodedData pfnData) {

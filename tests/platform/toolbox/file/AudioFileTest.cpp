@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The audio file service: what it opens, what it says about it, what it refuses.
+// The audio file service: what it opens, what it says about a file, and what it refuses.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -83,7 +83,7 @@ UInt32 Little32(const std::vector<std::uint8_t>& bytes, std::size_t cbAt) {
   return Little16(bytes, cbAt) | static_cast<UInt32>(Little16(bytes, cbAt + 2)) << 16;
 }
 
-// Data bytes divided by block align, read from the file's bytes by plain search.
+// The data bytes divided by the block align, both found in the file's bytes by a plain search.
 UInt64 BlocksInWav(const std::vector<std::uint8_t>& bytes) {
   const std::string text(bytes.begin(), bytes.end());
   const std::size_t cbFormat = text.find("fmt ") + 8;
@@ -242,8 +242,9 @@ TEST_F(AudioFileTest, WmaMidiTextAndZeros_AreUnsupportedFileTypes) {
             kAudioFileUnsupportedFileTypeError);
 }
 
-// Every file with one damaged header byte, and every length: whatever the file library makes of it,
-// nothing crashes, and what opens answers its properties and can be read.
+// Damages each of the first 90 bytes in turn, and cuts the file to each length below 90. Whatever
+// the file library makes of that, nothing crashes, and what opens answers its properties and can be
+// read.
 TEST_F(AudioFileTest, DamagedHeadersAndEveryCut_NeverCrash) {
   for (const int nCodec : {SF_FORMAT_PCM_16, SF_FORMAT_IMA_ADPCM, SF_FORMAT_MS_ADPCM}) {
     WriteSoundFile(m_folder.Path("good.wav"), SF_FORMAT_WAV | nCodec, 16000, 1,

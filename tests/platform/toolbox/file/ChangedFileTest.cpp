@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files that change under the unit that plays them: it goes on with what there is, and is silent
-// behind it.
+// Files that change while a unit plays them: it goes on with what is left, and is silent after
+// that.
 #include <filesystem>
 
 #include "OfflinePlayer.h"
@@ -16,7 +16,7 @@ constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
 
 class ChangedFileTest : public testing::Test {
  protected:
-  // Plays the file's first frames.
+  // Plays the first frames of the file.
   void Begin(int nFormat = SF_FORMAT_WAV | SF_FORMAT_PCM_16) {
     WriteSoundFile(m_strPath, nFormat, 44100, 1, SweepWithNoise(kFrames, 44100));
     {
@@ -29,7 +29,7 @@ class ChangedFileTest : public testing::Test {
     m_player.Play(kFrames);
     m_heard = m_player.Render(kHeard)[0];
   }
-  // Plays on behind the end.
+  // Plays on past the end.
   void GoOn() {
     const auto rest = m_player.Render(kFrames)[0];
     m_heard.insert(m_heard.end(), rest.begin(), rest.end());
@@ -105,7 +105,7 @@ TEST_F(ChangedFileTest, AnEmptiedFile_HasNoPacketsToRead) {
   EXPECT_EQ(cbData, 0U);
 }
 
-// Decoders hold some of the file back, so that silence comes a little later.
+// Decoders hold back some of the file, so that silence comes a little later.
 TEST_F(ChangedFileTest, CompressedKindsThatShrink_AreSilentAtTheEnd) {
   for (const int nFormat :
        {kMp3, SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM, SF_FORMAT_WAV | SF_FORMAT_MS_ADPCM,

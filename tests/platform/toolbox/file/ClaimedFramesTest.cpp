@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sound files that claim more than they hold: what is counted is what can be heard, since whoever
-// plays a file waits for as long as the count says.
+// Sound files that claim more than they hold. Only frames that can be heard are counted, because
+// whoever plays a file waits for as long as the count says.
 #include <algorithm>
 
 #include "SoundFiles.h"
@@ -21,7 +21,7 @@ class ClaimedFramesTest : public testing::Test {
     WriteSoundFile(m_folder.Path("good"), nFormat, 16000, 1, SweepWithNoise(nFrames, 16000));
     return m_folder.Read("good");
   }
-  // The packets of a file of these bytes; 999999999 when it does not open.
+  // The packets of a file of these bytes, or 999999999 when it does not open.
   UInt64 PacketsOf(const Bytes& bytes) {
     const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x", bytes));
     const UInt64 qwPackets = audioFile != nullptr ? PacketCount(audioFile) : 999999999;
@@ -40,7 +40,7 @@ Bytes FlacThatClaims(Bytes flac, UInt64 qwFrames) {
   return flac;
 }
 
-// The sum over an Ogg page that is the last, put right.
+// Corrects the checksum of the last Ogg page, which begins at cbPage.
 Bytes OggWithLastSum(Bytes ogg, std::size_t cbPage) {
   constexpr std::uint32_t kPolynomial = 0x04C11DB7;
   constexpr std::size_t kSumAt = 22;
@@ -69,7 +69,7 @@ TEST_F(ClaimedFramesTest, AFlacFileThatIsCut_HasTheFramesThatAreThere) {
   Bytes flac = Sound(kFlac, 20000);
   flac.resize(flac.size() / 2);
   const UInt64 qwThere = PacketsOf(flac);
-  // Whole blocks of 4096.
+  // Only whole blocks of 4096 frames count.
   EXPECT_EQ(qwThere % 4096, 0U);
   EXPECT_GE(qwThere, 4096U);
   EXPECT_LE(qwThere, 12288U);
@@ -119,7 +119,7 @@ TEST_F(ClaimedFramesTest, WavFilesThatClaimGigabytes_HaveTheFramesThatAreThere) 
     std::fill_n(wav.begin() + static_cast<std::ptrdiff_t>(cbAt), 4, std::uint8_t{0xFF});
   }
   EXPECT_EQ(PacketsOf(wav), 1000U);
-  // Sizes of 64 bits: file, data and frames.
+  // 64-bit sizes of the file, the data and the frames.
   Bytes rf64 = Sound(SF_FORMAT_RF64 | SF_FORMAT_PCM_16, 1000);
   ASSERT_EQ(PacketsOf(rf64), 1000U);
   const std::string strSizes = "ds64";
@@ -129,7 +129,7 @@ TEST_F(ClaimedFramesTest, WavFilesThatClaimGigabytes_HaveTheFramesThatAreThere) 
   EXPECT_EQ(PacketsOf(rf64), 1000U);
 }
 
-// All of it is on the page whose claim it is.
+// The whole sound is on the page that makes the claim.
 TEST_F(ClaimedFramesTest, AShortOggFile_HasItsFramesWhateverItClaims) {
   Bytes ogg = Sound(SF_FORMAT_OGG | SF_FORMAT_VORBIS, 20000);
   EXPECT_EQ(PacketsOf(ogg), 20000U);
@@ -157,7 +157,8 @@ TEST_F(ClaimedFramesTest, ASphereFile_HasTheFramesThatAreThere) {
   EXPECT_EQ(PacketsOf(liar), 1000U);
 }
 
-// The file library knows such kinds, and comments on their damage where the player's own lines go.
+// The file library knows these kinds, and prints comments on their damage where the player prints
+// its own lines.
 TEST_F(ClaimedFramesTest, KindsThatNobodyPlays_AreUnsupportedWithoutAWord) {
   testing::internal::CaptureStdout();
   Bytes dump = Sound(SF_FORMAT_SDS | SF_FORMAT_PCM_16, 3000);

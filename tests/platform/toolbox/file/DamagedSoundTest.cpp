@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sound files with damage anywhere: whatever the decoders make of them, what opens can be asked,
-// read and played to its end, and nothing is read or written where it should not be.
+// Sound files with damage anywhere. Whatever the decoders make of them, a file that opens can be
+// queried, read and played to the end, and nothing is read or written out of bounds.
 #include <algorithm>
 #include <array>
 #include <random>
@@ -28,7 +28,8 @@ class C_Damage {
  public:
   explicit C_Damage(unsigned nSeed) : m_random(nSeed) {}
 
-  // One to six bytes or 32-bit words replaced, most of them in the head; at times a cut.
+  // Replaces one to six bytes or 32-bit words, most of them in the head, and sometimes cuts the
+  // file.
   Bytes Do(Bytes bytes) {
     for (int n = Below(6) + 1; n > 0; --n) ReplaceSome(bytes);
     if (Below(4) == 0) bytes.resize(static_cast<std::size_t>(Below(Size(bytes))) + 1);
@@ -142,7 +143,7 @@ TEST_P(DamagedSoundTest, IsRefusedOrPlaysToItsEnd) {
   C_Damage damage(1);
   int nOpened = 0;
   for (int i = 0; i < kDamages; ++i) nOpened += PlayFile(damage.Do(good)) ? 1 : 0;
-  // Neither all harmless nor all refused at the door.
+  // The damage is not always harmless, and the file is not always refused when it is opened.
   EXPECT_GT(nOpened, 0);
   EXPECT_LT(nOpened, kDamages);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// MPEG files as they are found: behind tags and junk, with information frames that lie, cut.
+// MPEG files as they are found in practice: after tags and junk, with false information frames, or
+// cut.
 #include <algorithm>
 #include <array>
 #include <string>
@@ -14,7 +15,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
 
-// MPEG frames by their headers, the information frame of the encoder left out. Layer 3 only.
+// Counts MPEG frames by their headers, without the encoder's information frame. Layer 3 only.
 UInt64 CountMpegFrames(const std::vector<std::uint8_t>& bytes) {
   constexpr std::array kVersion1Rates = {0,   32,  40,  48,  56,  64,  80, 96,
                                          112, 128, 160, 192, 224, 256, 320};
@@ -50,7 +51,7 @@ Bytes Joined(Bytes first, const Bytes& second) {
   return first;
 }
 
-// A tag of version 2.3 with a content of so many bytes.
+// A tag of version 2.3 with this content.
 Bytes TagOf(const Bytes& content) {
   Bytes tag = {'I', 'D', '3', 3, 0, 0};
   for (int nShift = 21; nShift >= 0; nShift -= 7) {
@@ -66,7 +67,7 @@ class MpegFileTest : public testing::Test {
     WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 16000, 1, SweepWithNoise(16000, 16000));
     return m_folder.Read("a.mp3");
   }
-  // The packets of a file of these bytes; 0 when it does not open.
+  // The packets of a file of these bytes, or 0 when it does not open.
   UInt64 PacketsOf(const Bytes& bytes) {
     const AudioFileID audioFile = OpenSoundFile(m_folder.Write("x.mp3", bytes));
     const UInt64 qwPackets = audioFile != nullptr ? PacketCount(audioFile) : 0;
@@ -102,7 +103,7 @@ TEST_F(MpegFileTest, AnMp3File_HasItsMpegFramesAsPackets) {
 TEST_F(MpegFileTest, AnMp3FileBehindTags_IsOne_AndTagsAloneAreNone) {
   WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 16000, 1, SweepWithNoise(8000, 16000));
   const auto mp3 = m_folder.Read("a.mp3");
-  // Two tags: 10 bytes of header and 130 or 0 of content.
+  // Two tags: each has 10 bytes of header; the first has 130 bytes of content, the second none.
   std::vector<std::uint8_t> tags = {'I', 'D', '3', 4, 0, 0, 0, 0, 1, 2};
   tags.resize(140);
   const std::vector<std::uint8_t> second = {'I', 'D', '3', 4, 0, 0, 0, 0, 0, 0};
@@ -118,7 +119,7 @@ TEST_F(MpegFileTest, AnMp3FileBehindTags_IsOne_AndTagsAloneAreNone) {
             kAudioFileUnsupportedFileTypeError);
 }
 
-// Decoders like to comment on damage; users of a pipeline take that for an error.
+// Decoders like to comment on damage. Users of a pipeline would take that for an error.
 TEST_F(MpegFileTest, DamagedMp3Files_AreOpenedWithoutAWordOnStandardError) {
   WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 16000, 1, SweepWithNoise(16000, 16000));
   const auto good = m_folder.Read("a.mp3");
@@ -189,7 +190,7 @@ TEST_F(MpegFileTest, JunkInFront_IsPassedOver) {
 
 TEST_F(MpegFileTest, AStreamThatBeginsWithinAFrame_LosesThatFrameOnly) {
   const Bytes mp3 = Mp3();
-  // The information frame is gone, and half of the next one.
+  // The information frame is gone, and so is half of the next frame.
   const std::size_t cbFrame =
       4 +
       static_cast<std::size_t>(std::distance(
@@ -218,7 +219,7 @@ TEST_F(MpegFileTest, ARunOfFewFrames_IsNoStreamUnlessItBeginsTheFile) {
 }
 
 TEST_F(MpegFileTest, WhatOnlyLooksLikeAFrame_IsUnsupported) {
-  Bytes text = {0xFF, 0xFE};  // the mark of UTF-16 is a sync
+  Bytes text = {0xFF, 0xFE};  // the UTF-16 byte order mark looks like a sync
   for (int i = 0; i < 20000; ++i) {
     text.insert(text.end(), {static_cast<std::uint8_t>('a' + i % 26), 0});
   }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What is heard of WAV files of every width and number of channels: their samples, exactly.
+// WAV files of every width and number of channels: exactly their samples are heard.
 #include <cstring>
 
 #include "OfflinePlayer.h"
@@ -42,7 +42,7 @@ C_Bytes SamplesOf(const S_Width& width, std::size_t nSamples) {
   return bytes;
 }
 
-// What a stored sample is worth, full scale 1.
+// The value of a stored sample, with full scale 1.
 float ValueOf(const S_Width& width, const std::uint8_t* pbySample) {
   if (width.wTag == kFloat && width.wBits == 64) {
     double dValue = 0;
@@ -97,7 +97,8 @@ class WidthsTest : public testing::TestWithParam<S_Width> {
     const auto elsewhere = ReadElsewhere(strPath, wChannels);
     for (std::size_t n = 0; n < kFrames; ++n) {
       for (std::size_t i = 0; i < 2; ++i) {
-        // One channel sounds on both sides; of more than two, the first two sound.
+        // A single channel is heard on both sides. Of more than two channels, only the first two
+        // are heard.
         const std::size_t nSample = n * wChannels + std::min<std::size_t>(i, wChannels - 1U);
         const float fWanted = ValueOf(width, &samples[nSample * width.wBits / 8U]);
         ASSERT_EQ(sides.at(i)[n], fWanted) << wChannels << " channels, frame " << n;

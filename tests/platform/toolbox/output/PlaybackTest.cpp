@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Playback without a device, and what happens to it when the device goes.
+// Playback without a device, and what happens to playback when the device goes away.
 #include "output/Playback.h"
 
 #include <fcntl.h>
@@ -50,7 +50,7 @@ class C_CountingSource final : public toolbox::I_RenderSource {
   std::atomic<bool> bZeroed{true};
 };
 
-// What the code under test writes to standard error while this lives.
+// Captures what the code under test writes to standard error while this object lives.
 class C_ErrorCapture {
  public:
   explicit C_ErrorCapture(bool bTerminal) : m_nOldError(dup(STDERR_FILENO)) {
@@ -118,7 +118,7 @@ TEST_F(PlaybackTest, ARateThatIsNoMultipleOfTheSlices_LosesNoFrame) {
   EXPECT_EQ(m_source.dwSmallest, 110U);
 }
 
-// Each of its calls takes longer than the sound that a slice holds.
+// Each of its calls takes longer than the sound in one slice.
 class C_SlowSource final : public toolbox::I_RenderSource {
  public:
   void RenderFrames(void*, UInt32 dwFrames) override {
@@ -139,7 +139,7 @@ TEST_F(PlaybackTest, WithoutADevice_ASourceOfSlowCalls_IsAskedForMoreAtOnceAndKe
   playback.Start();
   std::this_thread::sleep_for(500ms);
   playback.Stop();
-  // 25 ms are 400 frames; the first slice alone is on time.
+  // 25 ms are 400 frames. Only the first slice is on time.
   EXPECT_GE(source.qwFrames, 320 * (source.nCalls - 1));
   EXPECT_GE(source.nCalls, 2U);
   EXPECT_LE(source.dwLargest, 1600U);

@@ -60,7 +60,7 @@ TEST_F(WatchdogTest, OneThatIsDestroyed_EndsAtOnceAndSaysNothing) {
   EXPECT_EQ(m_nAlarms, 0);
 }
 
-// The child is stopped for twice the limit and finds no silence in that.
+// The child is stopped for twice the limit and does not count that time as silence.
 TEST_F(WatchdogTest, TimeInWhichTheProcessStoodStill_IsNoSilence) {
   const pid_t nChild = fork();
   ASSERT_GE(nChild, 0);

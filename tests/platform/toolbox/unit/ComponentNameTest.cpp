@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The toolbox's strings, and the names that it gives its components with them.
+// The toolbox's strings, and the names that its components have as such strings.
 #include <AudioToolbox/AudioToolbox.h>
 #include <gtest/gtest.h>
 
@@ -81,13 +81,13 @@ TEST(CoreStringTest, Lengths_CountUnitsOfUtf16) {
     const char* pszUtf8;
     CFIndex nLength;
   };
-  // One character each of one, two, three and four bytes, and all of them.
+  // No character; one character of one, two, three or four bytes; and all of these together.
   for (const S_Row& row :
        {S_Row{"", 0}, S_Row{"a", 1}, S_Row{"\xC3\xBC", 1}, S_Row{"\xE2\x82\xAC", 1},
         S_Row{"\xF0\x9D\x84\x9E", 2}, S_Row{"a\xC3\xBC\xE2\x82\xAC\xF0\x9D\x84\x9E", 5}}) {
     const OpaqueCFString text(row.pszUtf8);
     EXPECT_EQ(CFStringGetLength(&text), row.nLength) << row.pszUtf8;
-    // The room that is told for that length is enough.
+    // The size reported for that length is large enough.
     EXPECT_LE(static_cast<CFIndex>(text.text.size()),
               CFStringGetMaximumSizeForEncoding(row.nLength, kCFStringEncodingUTF8));
   }

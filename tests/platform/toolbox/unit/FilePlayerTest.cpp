@@ -86,8 +86,8 @@ TEST_F(FilePlayerTest, TheConversion_DoesNotDependOnTheSizeOfTheCycles) {
   }
 }
 
-// A sweep from 200 Hz to 3 kHz, where speech has its strength. Towards 7 kHz the filter falls off
-// by up to a hundredth of a decibel, which nobody hears but this measure would.
+// A sweep from 200 Hz to 3 kHz, where speech is strongest. Towards 7 kHz the filter falls off by up
+// to a hundredth of a decibel. Nobody hears that, but this measurement would show it.
 TEST_F(FilePlayerTest, AThereAndBackConversion_KeepsNinetyDecibelsOfTheSound) {
   std::vector<std::int16_t> band(32000);
   for (std::size_t n = 0; n < band.size(); ++n) {
@@ -320,7 +320,7 @@ TEST_F(FilePlayerTest, RegionsThatCannotBePlayed_AreRefused) {
 
 constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
 
-// What another decoder makes of the file; interleaved.
+// The samples that another decoder reads from the file, interleaved.
 std::vector<float> DecodedElsewhere(const std::string& strPath) {
   SF_INFO info{};
   SNDFILE* pSound = sf_open(strPath.c_str(), SFM_READ, &info);
@@ -358,7 +358,7 @@ TEST_F(FilePlayerTest, AnMp3Region_BeginsWhereItSays) {
   EXPECT_TRUE(IsSilent(side.begin() + 100, side.end()));
 }
 
-// The second stream would need buffers twice as large as the first.
+// The second stream would need buffers twice as large as those of the first.
 TEST_F(FilePlayerTest, AnMp3FileThatTurnsStereo_EndsThere) {
   WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 44100, 1, SweepWithNoise(5000, 44100));
   WriteSoundFile(m_folder.Path("b.mp3"), kMp3, 44100, 2, SweepWithNoise(5000, 44100, 2));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The default output unit used without a graph, over a device that the test drives.
+// The default output unit without a graph, on a device that the test drives.
 #include <algorithm>
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a real sound server hears when the toolbox plays.
+// What a real sound server receives when the toolbox plays.
 #include <gtest/gtest.h>
 #include <soxr.h>
 
@@ -82,7 +82,7 @@ class C_PcmOutput {
   AudioUnit m_unit = nullptr;
 };
 
-// The whole sound converted at once, by the same filter: what a listener of the graph must hear.
+// The whole sound converted at once with the same filter: what must be heard from the graph.
 std::vector<float> ConvertedAtOnce(const std::vector<float>& input, double dFrom, double dTo) {
   const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
   const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
@@ -153,7 +153,7 @@ TEST(SoundServerTest, PauseAndResume_LoseNothingAndRepeatNothing) {
     EXPECT_TRUE(output.WaitForSamples(16000));
     output.Stop();
   });
-  // Complete and in order, with the silence of the pause between.
+  // The sound is complete and in order, with the silence of the pause in between.
   EXPECT_EQ(CompareSounds(BytesOf(samples), got, 2), tagSameSound::Gaps);
   EXPECT_GE(WithoutSilentEnds(got, 2).size(), 2U * (16000 + 4800));
 }
@@ -172,10 +172,10 @@ TEST(SoundServerTest, AServerThatIsKilledWhilePlaying_StillLetsTheSoundEndInTime
   EXPECT_TRUE(graph.WaitFor(22050));
   server.Kill();
   EXPECT_TRUE(graph.WaitFor(66150));
-  // What the server had taken over in advance is the only time that can be saved.
+  // Only the sound that the server had already taken over can shorten the time.
   EXPECT_GE(Clock::now() - begin, 1200ms);
   graph.Stop();
-  // Whoever starts again hears nothing, but gets on.
+  // Whoever starts again hears nothing, but playback goes on.
   graph.Start();
   EXPECT_TRUE(graph.WaitFor(70000));
   graph.Stop();
@@ -212,13 +212,13 @@ TEST(SoundServerTest, AServerThatDoesNotAnswer_CountsAsNone_AndIsLeftAloneWhenIt
   EXPECT_EQ(toolbox::OpenCubebDevice({16000, 1, false}, client, 300ms), nullptr);
   EXPECT_GE(Clock::now() - begin, 300ms);
   server.Thaw();
-  // The one that was given up opens now, and closes itself; a new one is not disturbed by it.
+  // The device that was given up opens now and closes itself. That does not disturb a new device.
   std::this_thread::sleep_for(200ms);
   EXPECT_NE(toolbox::OpenCubebDevice({16000, 1, false}, client), nullptr);
   EXPECT_FALSE(client.bLost);
 }
 
-// Output units wait only so long for the service while this lives.
+// While this object lives, output units wait only this long for the service.
 class C_ShortPatience {
  public:
   explicit C_ShortPatience(std::chrono::milliseconds limit) {
@@ -251,13 +251,13 @@ TEST(SoundServerTest, AServerThatFreezesWhilePlaying_StillLetsTheSoundEnd_AndIsL
     graph.Start();
     EXPECT_TRUE(graph.WaitFor(70000));
     graph.Stop();
-    // One that comes back to life plays on with silence of its own: the position stays.
+    // A server that comes back to life plays silence of its own: the position stays the same.
     const double dPosition = graph.Position();
     server.Thaw();
     std::this_thread::sleep_for(300ms);
     EXPECT_EQ(graph.Position(), dPosition);
   }
-  // It plays for whoever comes next.
+  // The server plays for the next client.
   C_SilentClient client;
   const auto pDevice = toolbox::OpenCubebDevice({44100, 2, true}, client);
   ASSERT_NE(pDevice, nullptr);
@@ -278,7 +278,7 @@ TEST(SoundServerTest, AServerThatIsFrozenWhenPlaybackStops_HoldsNobodyUp) {
     EXPECT_TRUE(output.WaitForSamples(2000));
     server.Freeze();
     output.Stop();
-    // Whoever starts again hears nothing, but gets on.
+    // Whoever starts again hears nothing, but playback goes on.
     output.Start();
     EXPECT_TRUE(output.WaitForSamples(8000));
     output.Stop();
@@ -326,7 +326,7 @@ TEST(SoundServerTest, ASlowClient_IsNotTakenForAFrozenServer) {
   EXPECT_FALSE(client.bLost);
 }
 
-// The client goes while the service still holds the stream, which then comes back to life.
+// The client goes away while the service still holds its stream, which then comes back to life.
 TEST(SoundServerTest, AClientThatIsGone_IsNotAskedByAStreamThatWasLeftBehind) {
   C_SoundServer server(16000, "s16le", 1);
   ASSERT_TRUE(server.Start());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A moment of a sound with a command attached. The moment is kept in the unit in which it was set
-// and converted to the other one through the sample rate on request.
+// A moment in a sound with a command attached. The moment is kept in the unit in which it was set,
+// and converted to the other unit through the sample rate on request.
 #pragma once
 
 #include "CLString.h"
@@ -15,26 +15,26 @@ enum E_EventPosUnit : unsigned int {
 
 class C_EventTag : public I_EventTag {
  public:
-  // dwCommandIndex holds the main index in its upper 16 bits and the sub index in its lower ones.
-  // dwPos is in the unit of eUnit.
+  // dwCommandIndex holds the main index in its upper 16 bits and the sub index in its lower 16.
+  // dwPos is in the unit that eUnit names.
   C_EventTag(unsigned int dwCommandIndex, unsigned int dwPos, const char* pszDescription,
              unsigned int dwData, unsigned int dwSampleRate, E_EventPosUnit eUnit);
 
   unsigned short GetMainCommandIndex() override;
   unsigned short GetSubCommandIndex() override;
   void SetCommandIndex(unsigned short wMain, unsigned short wSub) override;
-  // Truncated; a moment beyond what 32 bits hold gives their largest value.
+  // Truncated; a moment that does not fit in 32 bits gives 2^32 - 1.
   unsigned int GetTime() override;
   void SetTime(unsigned int dwTime) override;
   const char* GetDescription() override { return m_strDescription.GetContent(); }
   void SetDescription(const char* pszDescription) override;
   unsigned int GetData() override { return m_dwData; }
   void SetData(unsigned int dwData) override { m_dwData = dwData; }
-  // Truncated; a moment beyond what 32 bits hold gives their largest value.
+  // Truncated; a moment that does not fit in 32 bits gives 2^32 - 1.
   unsigned int GetSamplePos() override;
   void SetSamplePos(unsigned int dwSamplePos) override;
 
-  // For conversions from now on; the moment stays as it was set.
+  // The rate for conversions from now on; the moment itself stays as it was set.
   void SetSampleRate(unsigned int dwSampleRate) { m_dwSampleRate = dwSampleRate; }
 
  private:

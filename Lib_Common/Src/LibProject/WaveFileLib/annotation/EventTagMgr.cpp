@@ -35,7 +35,7 @@ auto WithCommand(unsigned short wMain, unsigned short wSub) {
 
 }  // namespace
 
-// What an insertion sorts by, and how its assertions are known to support tools.
+// What an insertion sorts by, and the names and lines by which support tools know its assertions.
 struct C_EventTagMgr::S_Ordering {
   unsigned int (C_EventTag::*pfnKey)();
   const char* pszFunction;
@@ -72,8 +72,8 @@ I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByCommand(unsigned short wMain,
   return Collect(WithCommand(wMain, wSub), "GetEventsByCommand");
 }
 
-// Kept: tags pass through their time, so moments set in samples lose what is below a millisecond;
-// files made so far hold moments rounded this way. Pinned by
+// Kept: tags are added by their time, so moments set in samples lose everything below a
+// millisecond. Existing files hold moments rounded this way. Pinned by
 // AddEvents_GoesThroughTheTimeAndLosesSamples.
 bool C_EventTagMgr::AddEvents(I_CLArray<I_EventTag*>* pList) {
   std::vector<I_EventTag*> tags;
@@ -104,8 +104,9 @@ I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsBySamplePos(unsigned int dwSampl
   return Collect(AtSample(dwSamplePos), "GetEventsBySamplePos");
 }
 
-// Kept: the list is not sorted again, although tags set as times and tags set in samples may change
-// places under a new rate; callers hold indexes into it. Pinned by SetSampleRate_DoesNotSortAgain.
+// Kept: the list is not sorted again, although a new rate may change the order of tags set as times
+// and tags set in samples. Callers hold indexes into the list. Pinned by
+// SetSampleRate_DoesNotSortAgain.
 void C_EventTagMgr::SetSampleRate(unsigned int dwSampleRate) {
   if (dwSampleRate == m_dwSampleRate) return;
   m_dwSampleRate = dwSampleRate;
@@ -116,8 +117,8 @@ void C_EventTagMgr::SetSampleRate(unsigned int dwSampleRate) {
   }
 }
 
-// Kept: taking out is not deleting, here and in the operations below; callers move tags between
-// managers this way. Pinned by RemoveEvent_LeavesTheTagAlive.
+// Kept: taking a tag out of the list does not delete it, here and in the operations below. Callers
+// move tags between managers this way. Pinned by RemoveEvent_LeavesTheTagAlive.
 bool C_EventTagMgr::RemoveEvent(int nIndex) {
   if (nIndex < 0 || nIndex >= m_events.GetCount()) return false;
   m_events.RemoveAt(nIndex, 1);
@@ -155,9 +156,9 @@ I_EventTag* C_EventTagMgr::Insert(std::unique_ptr<C_EventTag> tag, const S_Order
   return tag.release();
 }
 
-// Behind the tags of equal key that a binary search lands on. In a sorted list that is behind all
-// of them; in a list that a new sample rate left unsorted the probes decide, so they stay as they
-// are.
+// Returns the position after the tags of equal key that a binary search lands on. In a sorted list
+// this is after all of them. In a list that a new sample rate left unsorted, the result depends on
+// which tags the search looks at, so the search must not change.
 int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering) const {
   const int nCount = m_events.GetCount();
   if (nCount == 0) return 0;
@@ -173,7 +174,7 @@ int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering
     if (dwKey < dwMiddleKey) {
       nHigh = nMiddle;
     } else if (dwKey > dwMiddleKey) {
-      nLow = nMiddle + 1;  // at most nHigh, which the middle is below
+      nLow = nMiddle + 1;  // at most nHigh, because nMiddle < nHigh
     } else {
       nLow = nMiddle;
       break;
@@ -202,7 +203,8 @@ void C_EventTagMgr::AddEventsBySamplePos(std::span<const S_SampleEvent> events) 
   MergeBySamplePos(std::move(tags));
 }
 
-// A list with a null in it is in no order: adding one by one meets the null as it always did.
+// A list that contains null does not count as in order: the tags are then added one by one, which
+// treats the null as it always did.
 bool C_EventTagMgr::IsInOrderOfSamples() const {
   unsigned int dwBefore = 0;
   for (int i = 0; i < m_events.GetCount(); ++i) {
@@ -213,7 +215,8 @@ bool C_EventTagMgr::IsInOrderOfSamples() const {
   return true;
 }
 
-// Places sorted tags into the sorted list from its end, each behind the tags of equal moment.
+// Merges sorted tags into the sorted list from its end. Each tag goes after the tags with the same
+// moment.
 void C_EventTagMgr::MergeBySamplePos(std::vector<std::unique_ptr<C_EventTag>> tags) {
   int nListed = m_events.GetCount();
   int nTarget = nListed + static_cast<int>(tags.size());

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The event tags of one sound, in ascending order of their moment. The manager deletes the tags
-// that are in its list when it dies; tags taken out by the Remove... operations (other than
-// RemoveAllEvents) are the caller's.
+// The event tags of one sound, in ascending order of their moment. On destruction the manager
+// deletes the tags in its list. Tags taken out by the Remove... operations (except RemoveAllEvents)
+// belong to the caller.
 #pragma once
 
 #include <memory>
@@ -15,7 +15,7 @@
 
 class C_EventTagMgr : public I_EventTagMgr {
  public:
-  // An event without description.
+  // An event without a description.
   struct S_SampleEvent {
     unsigned int dwSamplePos = 0;
     unsigned short wMain = 0;
@@ -36,7 +36,7 @@ class C_EventTagMgr : public I_EventTagMgr {
   I_CLArray<I_EventTag*>* GetEventsByTime(unsigned int dwTime) override;
   I_CLArray<I_EventTag*>* GetEventsByCommand(unsigned short wMain, unsigned short wSub) override;
   I_CLArray<I_EventTag*>* GetEventList() override { return &m_events; }
-  // Copies the tags as they stand when the call begins, so the own list may be given.
+  // Copies the tags that pList holds when the call begins, so pList may be this manager's own list.
   bool AddEvents(I_CLArray<I_EventTag*>* pList) override;
   // Needs a sample rate: without one the program stops.
   I_EventTag* AddEventBySamplePos(unsigned short wMain, unsigned short wSub,
@@ -53,8 +53,8 @@ class C_EventTagMgr : public I_EventTagMgr {
   bool RemoveEventBySamplePos(unsigned int dwSamplePos, int nOccurrence) override;
   bool RemoveEventByCommand(unsigned short wMain, unsigned short wSub, int nOccurrence) override;
 
-  // The same as AddEventBySamplePos for each of them in turn, but n log n in their number as long
-  // as the list is in order of samples: a file may hold 100,000 of them at one moment.
+  // Has the same effect as AddEventBySamplePos for each event in turn. As long as the list is in
+  // sample order, n events take only n log n time: a file may hold 100,000 events at one moment.
   void AddEventsBySamplePos(std::span<const S_SampleEvent> events);
 
  private:

@@ -8,8 +8,8 @@
 
 namespace {
 
-// The last position that a range can meet another one at; a range without samples still meets those
-// that hold its start.
+// The last position at which a range can meet another one. A range without samples still meets the
+// ranges that hold its start.
 unsigned int LastPosition(const S_SampleRange& range) {
   return std::max(range.dwStart, range.dwEnd);
 }
@@ -58,7 +58,7 @@ class C_RangeGroups {
   }
 
   std::vector<std::size_t> m_groupOf;
-  std::vector<std::size_t> m_first;  // of each group
+  std::vector<std::size_t> m_first;  // first range of each group
   std::vector<std::size_t> m_next;
   std::vector<std::size_t> m_previous;
 };
@@ -70,8 +70,8 @@ std::size_t NextHeld(const std::vector<S_SampleRange>& ranges, std::size_t nInde
   return nIndex;
 }
 
-// The turn of range i: merges it with the first one of its group that it meets. Returns the one of
-// the two that is no longer needed.
+// Takes the turn of range i: merges it with the first range of its group that it meets. Returns the
+// index of the range that is no longer needed, or kNone when range i meets no other.
 std::size_t MergeOne(std::vector<S_SampleRange>& ranges, const C_RangeGroups& groups,
                      std::size_t i) {
   S_SampleRange& a = ranges[i];
@@ -105,8 +105,8 @@ void MergeSampleRanges(std::vector<S_SampleRange>& ranges) {
     }
     ranges[nRemoved].bRemoved = true;
     groups.Remove(nRemoved);
-    // A range that goes from before the current one moves the rest of the list forward by one, past
-    // the range whose turn would be next.
+    // When a range before the current one is removed, the rest of the list counts as moved forward
+    // by one. The range that would be next therefore loses its turn.
     i = NextHeld(ranges, nRemoved < i ? nNext : i);
   }
 }

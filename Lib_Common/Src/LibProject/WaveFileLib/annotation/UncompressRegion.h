@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A stretch of samples that is to be stored without compression.
-// Both ends are inclusive and in samples; nothing checks their order.
+// A stretch of samples that is to be stored without compression. Both ends are inclusive and in
+// samples; nothing checks their order.
 #pragma once
 
 #include "interface/I_SampleRange.h"
 
-// Kept: no virtual destructor, because the table of operations has five entries for the callers
-// that are built against it. Lists delete items through this type. Pinned by
-// Range_HasNoVirtualDestructor.
+// Kept: there is no virtual destructor, because callers are built against a virtual table with five
+// entries. Lists delete items through this type. Pinned by Range_HasNoVirtualDestructor.
 class C_UncompressRegion final : public I_UncompressRegion {
  public:
   C_UncompressRegion(unsigned int dwStart, unsigned int dwEnd)

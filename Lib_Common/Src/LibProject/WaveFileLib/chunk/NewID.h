@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How the annotations of a sound change their cue point identifiers together.
+// Lets all annotations of a sound change their cue point identifiers in the same way.
 #pragma once
 
 #include <functional>
@@ -8,7 +8,8 @@
 
 namespace vcm {
 
-// The new identifier for an old one; empty removes what carries it.
+// Returns the new identifier for an old one, or nothing if whatever carries the old one is to be
+// removed.
 using C_NewID = std::function<std::optional<unsigned int>(unsigned int dwID)>;
 
 }  // namespace vcm

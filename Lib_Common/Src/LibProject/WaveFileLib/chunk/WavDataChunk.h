@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the info objects share in reading and writing their chunks.
+// The functions that the info objects share for reading and writing their chunks.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@
 
 namespace vcm {
 
-// cb bytes from qwOffset within the payload; empty when they are not all there.
+// Reads cb bytes from qwOffset within the payload; empty when the payload does not hold them all.
 template <std::size_t cb>
 std::optional<std::array<std::uint8_t, cb>> ReadField(I_RiffChunk& chunk, std::uint64_t qwOffset) {
   std::array<std::uint8_t, cb> field{};
@@ -23,7 +23,8 @@ std::optional<std::array<std::uint8_t, cb>> ReadField(I_RiffChunk& chunk, std::u
   return field;
 }
 
-// Records that are whole in a payload of cbPayload bytes, of dwClaimed ones from cbHeader on.
+// The number of complete records in a payload of cbPayload bytes that claims dwClaimed records from
+// cbHeader on.
 constexpr std::uint32_t WholeRecords(std::uint32_t dwClaimed, std::uint32_t cbPayload,
                                      std::uint32_t cbHeader, std::uint32_t cbRecord) noexcept {
   if (cbPayload < cbHeader) return 0;

@@ -3,7 +3,7 @@
 // The cue points of a sound ("cue " chunk).
 //
 //   offset  size  field (little-endian)
-//        0     4  number of records; records that the payload does not hold whole are not read
+//        0     4  number of records; records that the payload cuts short are not read
 //        4    24  each record: identifier, position in samples, data chunk identifier ("data"),
 //                 chunk start, block start, sample offset (4 bytes each)
 #pragma once
@@ -33,7 +33,7 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
     unsigned int GetBlockStart() override { return Field(4); }
     unsigned int GetSampleOffset() override { return Field(5); }
 
-    // The record as it stands in the file, 24 bytes.
+    // The record as it is in the file, 24 bytes.
     [[nodiscard]] const unsigned char* GetCuePointBuffer() const { return m_record.data(); }
     void SetRecord(const Record& record) { m_record = record; }
     void SetCuePointID(unsigned int dwID);
@@ -42,18 +42,18 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
     [[nodiscard]] unsigned int Field(std::size_t nField) const;
 
     Record m_record;
-    // The format whose samples the positions count.
+    // The positions count samples of this format.
     [[maybe_unused]] I_WavInfo* m_pIWavInfo;
   };
   using CuePointList = C_CLArray<C_CuePoint*, I_WavDataCuePoint*, true>;
 
-  // The wave info is borrowed and outlives this object.
+  // The wave info is borrowed and must outlive this object.
   explicit C_WavDataCueInfo(I_WavInfo* pIWavInfo) : m_pIWavInfo(pIWavInfo) {}
 
   bool IsValid() override { return GetCuePointCount() > 0; }
   void Reset() override;
   int GetCuePointCount() override { return m_cuePoints.GetCount(); }
-  // std::out_of_range outside the list.
+  // Throws std::out_of_range for an index outside the list.
   I_WavDataCuePoint* GetCuePointByIndex(int nIndex) override;
   I_WavDataCuePoint* FindCuePointByID(unsigned int dwID, int* pnIndex) override;
   bool AddCuePoint(unsigned int dwID, unsigned int dwPosition, unsigned int dwDataChunkID,
@@ -61,18 +61,19 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
                    unsigned int dwSampleOffset) override;
   bool RemoveCuePointByIndex(int nIndex) override;
   bool RemoveCuePointByID(unsigned int dwID) override;
-  // 0 when the chunk would not fit 32 bits; it cannot be saved then.
+  // 0 when the chunk would not fit in 32 bits; it then cannot be saved.
   unsigned int GetChunkLength() override;
   // Replaces the cue points.
   bool LoadInfo(I_RiffChunk* pChunk) override;
   bool SaveInfo(I_RiffChunk* pChunk) override;
 
-  // Each point gets the identifier that newID gives for its own; one that gets none is removed.
-  // Points of one identifier stay apart. Throws nothing that newID does not.
+  // Gives each point the identifier that newID returns for its current one, and removes the points
+  // for which newID returns nothing. Points that get the same identifier stay separate. Throws only
+  // what newID throws.
   void Renumber(const vcm::C_NewID& newID);
 
  protected:
-  // Change it through the operations above only: they keep the index of identifiers true.
+  // Change the list only through the operations above: they keep the index of identifiers correct.
   CuePointList m_cuePoints;
 
  private:
@@ -81,9 +82,9 @@ class C_WavDataCueInfo : public I_WavDataCueInfo {
   void ForgetFrom(int nIndex);
 
   I_WavInfo* m_pIWavInfo;
-  // The first index of each identifier among the first m_nIndexed points; finding goes on from
-  // there, so that every point is looked at once however many searches there are. Sorted rather
-  // than hashed, so that no choice of identifiers in a file makes the search slow.
+  // The first index of each identifier among the first m_nIndexed points. A search continues from
+  // there, so each point is looked at only once, however many searches are made. The map is sorted
+  // rather than hashed, so that no choice of identifiers in a file makes the search slow.
   std::map<unsigned int, int> m_firstByID;
   int m_nIndexed = 0;
 };

@@ -46,8 +46,8 @@ bool C_WavDataExtraChunkInfo::DelChunkByName(const char* pszName) {
 
 bool C_WavDataExtraChunkInfo::AddRiffChunk(const char* pszName, I_RiffChunk* pChunk) {
   const unsigned int dwLength = pChunk->GetDataLength();
-  // Asking for nothing shows whether the payload is there before memory is taken for it: a file may
-  // claim 4 GiB.
+  // Asking for zero bytes first shows whether the payload can be read, before memory is allocated
+  // for it. A file may claim 4 GiB.
   std::uint8_t byUnused = 0;
   if (dwLength > 0 && !pChunk->GetData(&byUnused, 0, 0)) return false;
   auto data = MakeBuffer(dwLength);

@@ -13,7 +13,7 @@ class C_WavDataExtraChunk : public I_WavDataExtraChunk {
  public:
   static constexpr std::size_t kNameLength = 4;
 
-  // Takes over the payload. pszName: four characters.
+  // Takes ownership of the payload. pszName points to four characters.
   C_WavDataExtraChunk(const char* pszName, std::unique_ptr<std::uint8_t[]> data,
                       unsigned int dwLength);
 
@@ -33,8 +33,8 @@ class C_WavDataExtraChunkInfo
  public:
   bool AddChunk(const char* pszName, const void* pData, unsigned int dwLength) override;
   bool DelChunkByName(const char* pszName) override;
-  // An empty chunk is kept without buffer. False, and nothing added, when the payload cannot be
-  // read whole.
+  // An empty chunk is kept without a buffer. False when the payload cannot be read completely;
+  // nothing is added then.
   bool AddRiffChunk(const char* pszName, I_RiffChunk* pChunk) override;
   I_WavDataExtraChunk* GetChunkByName(const char* pszName) override;
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The five info objects of a sound, by kind: cue points, text, sampler loops, labels, extra chunks.
-// A sound owns one of each.
+// The five info objects of a sound: cue points, text, sampler loops, labels and extra chunks. A
+// sound owns one of each.
 //
-// Each loads itself from a chunk (false: the chunk is damaged), says how many bytes it needs, and
-// saves itself into a chunk made with that length (false: the chunk has another length). A chunk
-// too short for its first field holds nothing: loading it succeeds and changes nothing.
+// Cue points, sampler loops and labels load themselves from a chunk (false: the chunk is damaged).
+// They say how many bytes they need, and save themselves into a chunk made with that length (false:
+// the chunk has another length). Loading a chunk that is too short for its header succeeds and
+// changes nothing.
 #pragma once
 
 #include "chunk/WavDataCueInfo.h"

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The labels and labelled texts of a sound ("LIST" chunk of type "adtl"). Both refer to cue points
-// by identifier; whether those exist is not checked.
+// by identifier; nothing checks that those cue points exist.
 //
 //   offset  size  field (little-endian)
 //        0     4  "adtl"
 //        4        sub-chunks: identifier (4), size (4), payload, pad byte after an odd size
-//   "labl" payload: cue point identifier (4), text with its terminating zero and a zero to even
+//   "labl" payload: cue point identifier (4), text, terminating zero, one more zero if odd
 //   "ltxt" payload: cue point identifier (4), sample length (4), purpose (4, "rgn "), country,
-//   language, dialect, code page (2 each); a text behind them is not read
+//   language, dialect, code page (2 each); a text after them is not read
 //
-// Kept: the zero that makes a label even is counted in its size, against the habit of RIFF, because
-// our devices advance by the size alone. Pinned by LabelPadding_IsCountedInTheSize.
+// Kept: the zero that pads a label to an even length is counted in its size, unlike other padding
+// in RIFF. Our devices advance by the size only. Pinned by LabelPadding_IsCountedInTheSize.
 #pragma once
 
 #include <cstdint>
@@ -42,30 +42,31 @@ class C_WavDataListInfo : public I_WavDataListInfo {
   using LabelList = C_CLArray<S_Label*, S_Label*, true>;
   using LtxtList = C_CLArray<S_Ltxt*, S_Ltxt*, true>;
 
-  // 0 when the chunk would not fit 32 bits; it cannot be saved then.
+  // 0 when the chunk would not fit in 32 bits; it then cannot be saved.
   unsigned int GetChunkLength() override;
   int GetLabelCount() override { return m_labels.GetCount(); }
   void RemoveAllLabels() override { m_labels.RemoveAll(); }
-  // std::out_of_range outside the list. pdwID may be null.
+  // Throws std::out_of_range for an index outside the list. pdwID may be null.
   const char* GetLabelByIndex(int nIndex, unsigned int* pdwID) override;
-  // A null text is an empty one.
+  // A null text counts as an empty one.
   bool AddLabel(unsigned int dwID, const char* pszText) override;
   int GetLtxtCount() override { return m_ltxts.GetCount(); }
   void RemoveAllLtxts() override { m_ltxts.RemoveAll(); }
-  // std::out_of_range outside the list. Both pointers may be null.
+  // Throws std::out_of_range for an index outside the list. Both pointers may be null.
   const char* GetLtxtByIndex(int nIndex, unsigned int* pdwID,
                              unsigned int* pdwSampleLength) override;
-  // A purpose of fewer than four characters is padded with zeros; null is four zeros.
+  // A purpose of fewer than four characters is padded with zeros; null gives four zeros.
   bool AddLtxt(unsigned int dwID, unsigned int dwSampleLength, const char* pszPurpose) override;
-  // Replaces labels and texts; lists of other types are left alone and succeed. False when a
-  // sub-chunk does not fit; what was read before it stays.
+  // Replaces the labels and texts. A list of another type changes nothing and is a success. False
+  // when a sub-chunk is too long for the chunk or too short for its fields; what was read before it
+  // stays.
   bool LoadInfo(I_RiffChunk* pChunk) override;
   bool SaveInfo(I_RiffChunk* pChunk) override;
 
   // Removes the labels whose text bRemove accepts.
   void RemoveLabels(bool (*bRemove)(const char* pszText));
-  // Each label and each text gets the identifier that newID gives for its own; one that gets none
-  // is removed. Throws nothing that newID does not.
+  // Gives each label and each text the identifier that newID returns for its current one, and
+  // removes those for which newID returns nothing. Throws only what newID throws.
   void Renumber(const vcm::C_NewID& newID);
 
  private:

@@ -8,8 +8,8 @@
 //       36    24  each loop: cue point identifier, type, start, end, fraction, play count
 //        .        the sampler's own data
 //
-// Kept: the sampler's own data is not read, and saved as zeros of its length: devices that mind the
-// length find it, and none gets data of another sound. Pinned by
+// Kept: the sampler's own data is not read, and is saved as zeros of the same length. Devices that
+// check the length find it unchanged, and no device gets data of another sound. Pinned by
 // SamplerOwnData_IsNotReadAndIsSavedAsZeros.
 #pragma once
 
@@ -22,7 +22,7 @@
 
 class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
  public:
-  // A loop as in the file; start and end in samples.
+  // A loop as it is in the file; start and end in samples.
   struct S_SampleLoop {
     unsigned int dwCuePointID;
     unsigned int dwType;
@@ -50,7 +50,7 @@ class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
     void SetCuePointID(unsigned int dwID) { m_record.dwCuePointID = dwID; }
 
    private:
-    // Bytes in front of a sample frame, modulo 2^32.
+    // Bytes before a sample frame, modulo 2^32.
     [[nodiscard]] unsigned int ByteOffset(unsigned int dwSample) const;
 
     S_SampleLoop m_record;
@@ -58,11 +58,11 @@ class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
   };
   using SampleLoopList = C_CLArray<C_SampleLoop*, I_WavDataSampleLoop*, true>;
 
-  // The wave info is borrowed and outlives this object.
+  // The wave info is borrowed and must outlive this object.
   explicit C_WavDataSamplerInfo(I_WavInfo* pIWavInfo) : m_pIWavInfo(pIWavInfo) {}
 
-  // Kept: a header alone is not worth a chunk, so it is lost when a sound is written back. Pinned
-  // by SamplerWithoutLoops_IsNotValid.
+  // Kept: a header without loops is not worth a chunk, so it is lost when a sound is written back.
+  // Pinned by SamplerWithoutLoops_IsNotValid.
   bool IsValid() override { return m_loops.GetCount() > 0; }
   void Reset() override;
   void ResetSampleLoopInformation() override { m_loops.RemoveAll(); }
@@ -83,27 +83,28 @@ class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
   void SetSMPTEFormat(tagSMPTEFormat eFormat) override { m_header.eSMPTEFormat = eFormat; }
   void SetSMPTEOffset(unsigned int dwOffset) override { m_header.dwSMPTEOffset = dwOffset; }
   void GetSamplerData(unsigned int dwLength) override { m_header.dwSamplerData = dwLength; }
-  // std::out_of_range outside the list.
+  // Throws std::out_of_range for an index outside the list.
   I_WavDataSampleLoop* GetSampleLoopByIndex(int nIndex) override;
   bool AddSampleLoop(unsigned int dwCuePointID, tagLoopType eType, unsigned int dwStart,
                      unsigned int dwEnd, unsigned int dwFraction,
                      unsigned int dwPlayCount) override;
   bool RemoveSampleLoopByIndex(int nIndex) override;
-  // 0 when the chunk would not fit 32 bits; it cannot be saved then.
+  // 0 when the chunk would not fit in 32 bits; it then cannot be saved.
   unsigned int GetChunkLength() override;
-  // Replaces header and loops. The sampler data length is cut to what the payload holds.
+  // Replaces the header and the loops. The sampler data length is limited to what the payload
+  // holds.
   bool LoadInfo(I_RiffChunk* pChunk) override;
   bool SaveInfo(I_RiffChunk* pChunk) override;
 
-  // Each loop gets the cue point identifier that newID gives for its own; one that gets none is
-  // removed. Throws nothing that newID does not.
+  // Gives each loop the cue point identifier that newID returns for its current one, and removes
+  // the loops for which newID returns nothing. Throws only what newID throws.
   void Renumber(const vcm::C_NewID& newID);
 
  protected:
   SampleLoopList m_loops;
 
  private:
-  // Without the number of loops, which is that of the list.
+  // Does not store the number of loops, which is the length of the list.
   struct S_Header {
     unsigned int dwManufactureID = 0;
     unsigned int dwProductID = 0;

@@ -3,9 +3,9 @@
 // Heron, the family of codecs for sound at 2 to 6 bits per sample: a whole sound to one stream
 // (HeronStream.h) and back.
 //
-// The unit of the audio and of the events is a frame of 20 ms. Sample rates from 4000 to 48000 Hz
-// are taken. The encoder works through two temporary files, which are gone when it returns, also by
-// an exception of a callback. Codecs are independent of each other: any number may work at the same
+// Audio and events are divided into frames of 20 ms. Sample rates from 4000 to 48000 Hz are
+// accepted. The encoder works through two temporary files, which it removes before it returns, even
+// when a callback throws. Codecs are independent of each other: any number may work at the same
 // time, each in one thread.
 #pragma once
 
@@ -15,29 +15,31 @@
 class I_AudioCodecParam;
 class I_WavData;
 
-// The frame coder takes whole sounds, so that the entry points of the base stay null.
+// The frame coder takes whole sounds, so the entry points of the base class stay null.
 class C_HeronCodec : public C_VXAudioCodec {
  public:
   // Shows the progress of Encode on standard output; off in a new codec.
   void SetVerbose(bool bVerbose) { m_bVerbose = bVerbose; }
   [[nodiscard]] bool IsVerbose() const { return m_bVerbose; }
 
-  // Decodes a stream of dwEncDataLen bytes at the sample rate of piWavData into a new PCM buffer of
-  // 16 bits and one channel, with as many samples as were encoded. The events of the stream are not
-  // looked at: their bytes hold the low halves of the commands only, from which no event can be
-  // made. False, and the sound as it was, for null, another sample rate, and whatever no encoder
-  // writes.
+  // Decodes a stream of dwEncDataLen bytes at the sample rate of piWavData. The sound gets a new
+  // PCM buffer of 16 bits and one channel, with as many samples as were encoded. The events of the
+  // stream are not read: they hold only the low bytes of the commands, from which no event can be
+  // made. False, with the sound unchanged, for a null argument, another sample rate, and a stream
+  // that no encoder writes.
   bool Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen, I_WavData* piWavData);
 
-  // Encodes the sound, of any supported width and number of channels (MonoMix.h), with its events
-  // as the variant dwTypeCode (AUDIO_FILE_HERON_2BIT ... AUDIO_FILE_HERON_6BIT). The codec
-  // parameters have no influence: the variant says it all. pfnProgress may be null; it gets records
-  // of kind kProgress with the number of 32-frame groups that are done, the last one with all.
+  // Encodes the sound, of any supported width and number of channels (MonoMix.h), with its events,
+  // as the variant dwTypeCode (AUDIO_FILE_HERON_2BIT ... AUDIO_FILE_HERON_6BIT). piParam has no
+  // effect and may be null, because the variant says everything. pfnProgress may be null; it gets
+  // records of kind kProgress with the number of 32-frame groups that are done, in the last record
+  // all of them.
   //
   // On success *ppbyEncData is a new array of *pdwEncDataLen bytes, which the caller frees with
-  // array delete; on failure they are null and 0. False for null, for an unknown variant, another
-  // sample rate and a sound without samples, and for a sound with events whose audio takes 16 MiB
-  // or more, which their offset could not reach over.
+  // delete[]. On failure they are null and 0. False for any other null argument, for an unknown
+  // variant, for another sample rate, and for a sound without samples. Also false for a sound with
+  // events whose audio takes 16 MiB or more, because the offset of the events has only 24 bits, and
+  // when a temporary file cannot be written.
   bool Encode(I_WavData* piWavData, unsigned int dwTypeCode, I_AudioCodecParam* piParam,
               PFN_CodecProgress pfnProgress, unsigned char** ppbyEncData,
               unsigned int* pdwEncDataLen);

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the Heron encoder shows on standard output when it is told to: a row of dots that grows with
-// the work, and how it ended. Nothing else of the library prints. The line is left open; whoever
-// switches this on ends it.
+// the work, and then "ok" or "fail". Nothing else in the library writes there. The line is not
+// ended; whoever switches this on ends it.
 #pragma once
 
 class C_HeronDots {
  public:
-  static constexpr unsigned int kDots = 50;  // of a whole row
+  static constexpr unsigned int kDots = 50;  // dots in a whole row
 
   explicit C_HeronDots(bool bVerbose) : m_bVerbose(bVerbose) {}
 

@@ -23,7 +23,8 @@ std::optional<S_Variant> Find(Value S_Variant::*pMember, Value value) {
   return pFound == kVariants.end() ? std::nullopt : std::optional(*pFound);
 }
 
-// The end of the coded audio as the head says; empty when no stream of cbStream bytes has it there.
+// The end of the coded audio that the head names; empty when a stream of cbStream bytes cannot end
+// its audio there.
 std::optional<std::size_t> AudioEnd(std::uint32_t dwHead, std::size_t cbStream) {
   const std::size_t cbOffset = dwHead >> kOffsetShift;
   if (cbOffset == 0) return cbStream;

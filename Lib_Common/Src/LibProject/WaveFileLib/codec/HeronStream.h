@@ -4,7 +4,7 @@
 //
 //   offset size  field
 //   0      1     mode code: the variant, see the table in the .cpp
-//   1      3     offset of the event stream from the start of the stream, 0 when there is none
+//   1      3     offset of the event stream from the start of the stream, 0 without events
 //   4      n     coded audio (heron/SoundCoder.h)
 //   4 + n  m     event stream (HeronEventStream.h), to the end
 #pragma once
@@ -26,7 +26,7 @@ struct S_Variant {
   std::uint8_t byModeCode;
 };
 
-// Empty when dwType is no Heron kind.
+// The variant of a file type; empty when dwType is not a Heron type.
 std::optional<S_Variant> VariantOfType(unsigned int dwType);
 
 // The head of a stream whose coded audio ends at qwAudioEnd, counted from the start of the stream,
@@ -40,8 +40,9 @@ struct S_Audio {
   std::span<const unsigned char> coded;
 };
 
-// The audio in a stream. Empty for a stream that no encoder writes: shorter than its head, of an
-// unknown mode, or with events that would begin inside the head or at the end or behind it.
+// The audio in a stream, whose bytes the result refers to. Empty for a stream that no encoder
+// writes: one that is shorter than its head, has an unknown mode, or has events that would begin
+// inside the head, at the end of the stream or after it.
 std::optional<S_Audio> FindAudio(std::span<const unsigned char> stream);
 
 }  // namespace heronstream

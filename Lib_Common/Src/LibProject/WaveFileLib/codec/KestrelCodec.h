@@ -9,8 +9,8 @@
 //   6      n*W*2 n frames of W = bit rate / 800 words of 16 bits; each holds 320 samples (20 ms)
 //
 // The frame coder keeps its state in process-wide storage: at most one Kestrel encode and one
-// Kestrel decode may run at a time in a process. Both work through a temporary file, which is gone
-// when they return, also by an exception of a callback.
+// Kestrel decode may run at a time in a process. Each works through a temporary file, which it
+// removes before it returns, even when a callback throws.
 #pragma once
 
 #include "codec/VXAudioCodec.h"
@@ -22,35 +22,38 @@ class C_KestrelCodec : public C_VXAudioCodec {
  public:
   static constexpr unsigned int kDefaultBitRate = 16000;
 
-  // Binds the frame coder; always true. Called before each Encode and Decode, which are false
-  // without it. The bit rate has no influence.
+  // Binds the frame coder; always true. Must be called before the first Encode or Decode, which
+  // return false without it. dwBitRate has no effect.
   bool LoadCodec(unsigned int dwBitRate);
 
-  // The rates that Encode takes: 7200, 9600, 12000, 14400, 16000, 20000, 24000 and 32000 bit/s.
-  // Decode takes every multiple of 800 from 4800 to 32000.
+  // True for the rates that Encode takes: 7200, 9600, 12000, 14400, 16000, 20000, 24000 and 32000
+  // bit/s. Decode takes every multiple of 800 from 4800 to 32000.
   [[nodiscard]] bool IsSupportedBitRate(unsigned int dwBitRate) const;
 
-  // Decodes a stream of dwEncDataLen bytes into a new PCM buffer of piWavData, whose format is left
-  // as it is. pfnData may be null; it gets the samples of each frame.
+  // Decodes a stream of dwEncDataLen bytes into a new PCM buffer of piWavData. Only the length of
+  // its format changes. The samples are 16-bit mono. pfnData may be null; it gets the 640 bytes of
+  // each frame.
   //
-  // The length field says how many frames there are, and it must claim whole frames. Where the
-  // bytes end before the claim, the rest of the frame that they cut is taken as zero words and
-  // decoding ends behind it, successfully: a file cut short plays what it holds. False, before the
-  // first frame, when they hold less than a sixteenth of the claim, and when the PCM would not fit
-  // 32 bits.
+  // The length field must claim a whole number of frames. When the bytes end before that, decoding
+  // still succeeds: missing words of the last frame count as zero, and later frames are left out,
+  // so a file that is cut plays what it holds. False, before the first frame, for null or a stream
+  // shorter than its head, for a rate that Decode does not take, when the bytes are less than a
+  // sixteenth of the claim, when the PCM would not fit 32 bits, and when the temporary file cannot
+  // be made. False after the last frame when the claim ends within a frame.
   //
-  // A null piWavData stops the program, or is false where assertions of the codec are compiled out
-  // (NDEBUG).
+  // A null piWavData stops the program. Where assertions of the codec are compiled out (NDEBUG),
+  // the result is false instead.
   bool Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen, I_WavData* piWavData,
               PFN_DecodedData pfnData);
 
-  // Encodes the PCM of piWavData, which must be 16-bit mono; its sample rate is not looked at.
-  // Bit rate 0 means kDefaultBitRate. On success *ppbyEncData is a new array of *pdwEncDataLen
-  // bytes, which the caller frees with array delete; on failure they are null and 0. pfnProgress
-  // may be null.
+  // Encodes the PCM of piWavData, which must be 16-bit mono; its sample rate is not looked at. Bit
+  // rate 0 means kDefaultBitRate. On success *ppbyEncData is a new array of *pdwEncDataLen bytes,
+  // which the caller frees with delete[]. On failure they are null and 0. False for a rate that is
+  // not supported, for a sound with no samples or with fewer bytes than 16-bit samples take, and
+  // when the temporary file cannot be written. pfnProgress may be null.
   //
-  // A null piWavData, ppbyEncData or pdwEncDataLen stops the program, or is false where assertions
-  // of the codec are compiled out (NDEBUG).
+  // A null piWavData, ppbyEncData or pdwEncDataLen stops the program. Where assertions of the codec
+  // are compiled out (NDEBUG), the result is false instead.
   bool Encode(I_WavData* piWavData, unsigned int dwBitRate, unsigned char** ppbyEncData,
               unsigned int* pdwEncDataLen, PFN_CodecProgress pfnProgress);
 };

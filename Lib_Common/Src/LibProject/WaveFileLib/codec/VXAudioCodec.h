@@ -6,9 +6,10 @@
 
 class C_VXAudioCodec {
  public:
-  // Both inits: 0 = ready, otherwise the bit rate is refused. The counts are written in every case.
+  // Both inits return 0 when ready, and another number when the bit rate is refused. The counts are
+  // written in either case.
   using PFN_Init = int (*)(unsigned int dwBitRate, int* pnWordsPerFrame, int* pnSamplesPerFrame);
-  // Both frame steps: 0 = success. The buffers hold one frame of words and of samples.
+  // Both frame steps return 0 on success. The buffers hold one frame of words and of samples.
   using PFN_EncodeFrame = int (*)(const short* pSamples, unsigned short* pwFrameWords);
   using PFN_DecodeFrame = int (*)(const unsigned short* pwFrameWords, short* pSamples);
 

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A cursor over a caller's bytes that also takes half bytes, as the ADPCM decoders need it: one for
-// the encoded block, one for the samples that come out.
+// A cursor over a caller's bytes that can also read half bytes. The ADPCM decoders use one for the
+// encoded block and one for the decoded samples.
 //
-// It never leaves the bytes: what is read past the end is 0, what is written there is dropped, and
-// in both cases EOB is true from then on. A value that the end cuts is not read or written in part.
+// The cursor never leaves the bytes: a read past the end gives 0, a write there is dropped, and EOB
+// is true from then on. A value that is cut by the end is neither read nor written in part.
 #pragma once
 
 #include <cstddef>
 
 class C_Buffer {
  public:
-  // Refers to the bytes, which must outlive the buffer. Over constant ones, writing only moves.
+  // Refers to the bytes, which must outlive the buffer; null counts as no bytes. In constant bytes,
+  // SetShort only moves the cursor.
   C_Buffer(const unsigned char* pbyData, std::size_t cbData);
   C_Buffer(unsigned char* pbyData, std::size_t cbData);
   virtual ~C_Buffer() = default;
@@ -21,20 +22,21 @@ class C_Buffer {
   [[nodiscard]] bool EOB() const { return m_cbPos >= m_cbData; }
   // False between the two halves of a byte.
   [[nodiscard]] bool IsByteAligned() const { return m_bByteAligned; }
-  // The byte that comes next, or whose second half comes next; at most the size.
+  // Index of the byte that comes next, or whose second half comes next; at most the size.
   [[nodiscard]] std::size_t GetPos() const { return m_cbPos; }
 
   // Little-endian, from the byte at GetPos() on.
   short GetShort();
   void SetShort(short nValue);
-  // Between the halves of a byte: two halves, the one that is left in the upper bits.
+  // Between the two halves of a byte, this takes the half that is left and the next one; the half
+  // that is left becomes the upper bits.
   unsigned char GetByte();
-  // 0 to 15. A byte is taken as two halves by the same operation; mixing them is the caller's own
-  // choice.
+  // 0 to 15. Both halves of a byte should be read by the same operation; whoever mixes the two
+  // operations must know what comes out.
   unsigned char GetNibbleHighFirst();
   unsigned char GetNibbleLowFirst();
 
-  // These two leave the cursor at the beginning of a byte.
+  // These two leave the cursor at the beginning of a byte, or at the end when they go past it.
   void SetPos(std::size_t cbPos);
   void Skip(std::size_t cbCount);
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The compressed formats of RIFF sound files (tags 2, 6, 7 and 11): which decoder each one has, and
-// the way from the file to 16-bit PCM.
+// The compressed formats of RIFF sound files (tags 2, 6, 7 and 11): which decoder each format has,
+// and how a file becomes 16-bit PCM.
 //
-// What a file claims is never allocated: the encoded bytes are those that are there, and the PCM is
-// refused when the encoded bytes cannot account for it by far.
+// Memory is not allocated for what a file merely claims. Only the encoded bytes that the file holds
+// are read, and PCM is refused when it is far longer than these bytes can account for.
 #pragma once
 
 #include <cstdint>
@@ -19,27 +19,28 @@
 
 namespace compressedwav {
 
-// PCM that the encoded bytes of a file do not account for, because its blocks claim more samples
-// than they hold, is silent up to this many bytes, and beyond it the file is refused.
+// The blocks of a file may claim more samples than they hold. Up to this many bytes of PCM that the
+// encoded bytes do not account for are silence; beyond that, the file is refused.
 constexpr unsigned int kMaxSilentBytes = 64U << 20;
 
-// Null for linear PCM, and for DVI ADPCM of other than 3 or 4 bits.
+// Null for linear PCM, for a tag that the library does not read, and for DVI ADPCM of a width other
+// than 3 or 4 bits.
 [[nodiscard]] std::unique_ptr<C_MSAdpcmCodec> MakeDecoder(const C_WavFileCodecInfo& codecInfo);
 
-// The record at a position of a file, read as far as its tag needs. None when it is cut, refused,
-// or of another tag.
+// The format record at byte qwPosition of a file, read as far as its tag needs. Empty when the
+// record is cut, is refused, or has another tag.
 [[nodiscard]] std::optional<C_WavFileCodecInfo> ReadFormat(std::FILE* pFile,
                                                            std::uint64_t qwPosition,
                                                            unsigned short wFormatTag);
 
-// At most dwLength bytes from a position on, as many as the file holds. None when the file has no
-// size or cannot be positioned.
+// The bytes from qwPosition on, as many as the file holds, at most dwLength. Empty when the file
+// has no size or cannot be positioned.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> ReadPayload(std::FILE* pFile,
                                                                    std::uint64_t qwPosition,
                                                                    unsigned int dwLength);
 
-// Replaces PCM and format of the sound by what the bytes decode to. False, and the sound unchanged,
-// when there is no decoder or the PCM would be too long.
+// Replaces PCM and format of the sound by what the bytes decode to. False, with the sound
+// unchanged, when there is no decoder or the PCM would be too long.
 [[nodiscard]] bool Decode(const C_WavFileCodecInfo& codecInfo,
                           const std::vector<std::uint8_t>& encoded, I_WavData& wavData);
 

@@ -7,26 +7,27 @@
 //               reserved byte
 //   4K     ..   groups: for each channel in turn eight codes in 4 bytes, or 32 codes in 12 bytes
 //
-// Four-bit codes lie low half first, three-bit codes in a stream of bits whose lowest comes first.
-// A code that the end of the block cuts is not decoded.
+// Four-bit codes are stored low half first. Three-bit codes form a stream of bits, the lowest bit
+// first. A code that is cut by the end of the block is not decoded.
 #pragma once
 
 #include "compressed/MSAdpcmCodec.h"
 
-// Kept: sizes of four-bit sounds follow the rule of MS ADPCM, which counts 6 header bytes of each
-// channel though there are 4, and no sample in them though there is one, so that a sound whose last
-// block is partial ends five frames early, or more when that block lacks its own header; lengths
-// stored beside such sounds were computed like that. Pinned by FourBitSizes_CountSixHeaderBytes.
+// Kept: the sizes of four-bit sounds follow the rule of MS ADPCM. It counts 6 header bytes for each
+// channel although there are 4, and no sample in them although there is one. A sound whose last
+// block is partial therefore ends five frames early, or more when that block is shorter than its
+// header. Lengths stored beside such sounds were computed like that. Pinned by
+// FourBitSizes_CountSixHeaderBytes.
 class C_DVIAdpcmCodec : public C_MSAdpcmCodec {
  public:
-  // (P - 1) / 8 groups at most.
+  // Decodes (P - 1) / 8 groups at most (P as in MSAdpcmCodec.h).
   bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
                    short* pSamples, unsigned int dwBlockBytes, unsigned int dwCapacity) override;
 };
 
 class C_DVIAdpcm3BitCodec : public C_MSAdpcmCodec {
  public:
-  // A rest of r bytes counts as (r - 6K) x 8 / 3 samples.
+  // A rest of r bytes after the whole blocks counts as (r - 6K) x 8 / 3 samples.
   std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
                                              unsigned int dwEncodedBytes) override;
   bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,

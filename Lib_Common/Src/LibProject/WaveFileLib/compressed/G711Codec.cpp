@@ -10,9 +10,10 @@
 
 namespace {
 
-// Kept: not the reference expansion. Full scale is reached on both sides, the steps are a thirty-
-// second of the segment's end, and the codes next to zero are -1 and 0; sounds that were made and
-// levelled with these values must not change. Pinned by MuLaw_ExpandsToTheLibrarysOwnValues.
+// Kept: this is not the reference expansion. Full scale is reached on both sides, the steps are a
+// thirty-second of the segment's end, and the codes next to zero are -1 and 0. Sounds that were
+// made and levelled with these values must not change. Pinned by
+// MuLaw_ExpandsToTheLibrarysOwnValues.
 short ExpandMuLaw(unsigned int dwCode) {
   if (dwCode == 127) return -1;
   if (dwCode == 255) return 0;
@@ -25,8 +26,8 @@ short ExpandMuLaw(unsigned int dwCode) {
   return static_cast<short>(nValue);
 }
 
-// Kept: sign and magnitude, not two's complement, and the lower end of each step, not its middle;
-// whoever mixes or edits such sounds has always had to live with it. Pinned by
+// Kept: the result is sign and magnitude, not two's complement, and the lower end of each step, not
+// its middle. Whoever mixes or edits such sounds has always had to live with it. Pinned by
 // ALaw_ExpandsToSignAndMagnitude.
 short ExpandALaw(unsigned int dwCode) {
   constexpr unsigned int kEvenBits = 0x55;
@@ -51,7 +52,7 @@ std::optional<unsigned int> C_G711Codec::GetDecodedSize(const C_WavFileCodecInfo
 
 bool C_MuLawCodec::Decode(const C_WavFileCodecInfo& /*codecInfo*/, const unsigned char* pbyEncoded,
                           unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) {
-  // Made anew by every call, so that decoders share nothing.
+  // Each call makes the table anew, so that decoders share nothing.
   std::array<short, 256> values{};
   for (unsigned int dwCode = 0; dwCode < values.size(); ++dwCode) {
     values[dwCode] = ExpandMuLaw(dwCode);

@@ -15,8 +15,8 @@
 namespace {
 
 constexpr unsigned int kHeaderBytes = 7;  // of each channel
-// What GetDecodedSize takes off a rest instead: the two samples in a header count as the byte that
-// their codes would take.
+// What GetDecodedSize subtracts from a rest instead of kHeaderBytes: the two samples in a header
+// count as the one byte that their codes would take.
 constexpr std::int64_t kCountedHeader = 6;
 constexpr std::int64_t kMinDelta = 16;
 constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
@@ -24,8 +24,8 @@ constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
 struct S_Channel {
   S_MSAdpcmInfo::S_Coefficients coefficients;
   int nDelta = 0;
-  short nSample1 = 0;  // the last one
-  short nSample2 = 0;  // the one before it
+  short nSample1 = 0;  // the last sample
+  short nSample2 = 0;  // the sample before that
 };
 
 short NextSample(S_Channel& channel, unsigned int dwCode) {
@@ -61,8 +61,8 @@ std::optional<unsigned int> C_MSAdpcmCodec::GetDecodedSize(const C_WavFileCodecI
   return GetAdpcmSize(codecInfo, dwEncodedBytes, 2, 1);
 }
 
-// Kept: what is left behind the whole blocks is one more block however short it is, a single byte
-// included; a sound that ends within a block is heard up to there. Pinned by
+// Kept: what is left after the whole blocks counts as one more block, however short it is, even a
+// single byte. A sound that ends within a block plays up to its end. Pinned by
 // OneByteBehindWholeBlocks_IsABlockOfItsOwn.
 bool C_MSAdpcmCodec::Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
                             unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) {
@@ -103,7 +103,8 @@ std::optional<unsigned int> C_MSAdpcmCodec::GetAdpcmSize(const C_WavFileCodecInf
                                                          int nBytes) {
   const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
   if (pcm.wBlockAlign == 0 || pcm.wChannels == 0) return 0;
-  // All factors at their largest still fit 64 bits, and what is cut off here fits no 32.
+  // The product fits 64 bits even when all factors are at their largest, and whatever is cut off
+  // here does not fit 32 bits.
   constexpr std::uint64_t kPlenty = std::uint64_t{1} << 40;
   const std::uint64_t qwBlocks = dwEncodedBytes / pcm.wBlockAlign;
   const std::uint64_t qwWhole = qwBlocks * codecInfo.GetSamplesPerBlock() * pcm.wChannels;

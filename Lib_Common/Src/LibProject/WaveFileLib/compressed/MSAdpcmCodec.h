@@ -21,7 +21,7 @@
 //   7K     ..   half bytes, the high one first, for each channel in turn
 //
 // Decoders hold no state. In what follows B is the block align, K the number of channels and P the
-// samples per block of the format record. Nothing is decoded when B or K is 0.
+// samples per block of the format record. The block decoders decode nothing when B or K is 0.
 #pragma once
 
 #include <optional>
@@ -35,26 +35,26 @@ class C_MSAdpcmCodec {
   C_MSAdpcmCodec(const C_MSAdpcmCodec&) = delete;
   C_MSAdpcmCodec& operator=(const C_MSAdpcmCodec&) = delete;
 
-  // How many bytes of PCM the encoded bytes count as: P x K samples for each whole block, and
-  // (r - 6K) x 2 for a rest of r bytes, which takes samples away when r is smaller than 6K.
-  // 0 when that leaves less than none; nothing when it does not fit 32 bits.
+  // The number of PCM bytes that the encoded bytes count as: P x K samples for each whole block,
+  // and (r - 6K) x 2 samples for a rest of r bytes, which subtracts samples when r is smaller than
+  // 6K. 0 when the sum is below 0; empty when the result does not fit 32 bits.
   virtual std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
                                                      unsigned int dwEncodedBytes);  // 2
-  // Decodes block by block, the rest as a shorter block. At most dwCapacity bytes are written,
-  // whole samples only, interleaved; samples for which input is missing are left as they are.
-  // Always true.
+  // Decodes block by block, and a rest as a shorter block. Writes at most dwCapacity bytes to
+  // pSamples: whole samples only, interleaved. Samples for which input is missing are left as they
+  // are. Always true.
   virtual bool Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
                       unsigned int dwEncodedBytes, short* pSamples,
                       unsigned int dwCapacity);  // 3
-  // Decodes one block until its bytes or the dwCapacity bytes at pSamples end. A block shorter than
-  // its header gives nothing. Always true.
+  // Decodes one block until its bytes end or the dwCapacity bytes at pSamples are full. A block
+  // shorter than its header gives nothing. Always true.
   virtual bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
                            short* pSamples, unsigned int dwBlockBytes,
                            unsigned int dwCapacity);  // 4
 
  protected:
-  // The ADPCM rule of GetDecodedSize, with (r - 6K) x nSamples / nBytes for the rest, cut towards
-  // zero.
+  // The ADPCM rule of GetDecodedSize, with (r - 6K) x nSamples / nBytes samples for the rest,
+  // rounded toward zero.
   static std::optional<unsigned int> GetAdpcmSize(const C_WavFileCodecInfo& codecInfo,
                                                   unsigned int dwEncodedBytes, int nSamples,
                                                   int nBytes);

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Tables of the ADPCM decoders: the MS ADPCM adaptation table, the IMA ADPCM step table and index
-// tables, as those two standards print them.
+// Tables of the ADPCM decoders: the adaptation table of MS ADPCM, and the step table and the index
+// tables of IMA ADPCM, with the values that all decoders of these formats use.
 #pragma once
 
 #include <algorithm>
 #include <array>
 #include <numeric>
 
-// The factor, in 256ths, by which a code changes the delta; indexed by the code as unsigned number.
+// The factor, in 256ths, by which a code changes the delta; indexed by the code as an unsigned
+// number.
 inline constexpr std::array<int, 16> kMSAdpcmAdaptation = {230, 230, 230, 230, 307, 409, 512, 614,
                                                            768, 614, 512, 409, 307, 230, 230, 230};
-// But for the smallest code, codes of one size adapt alike.
+// Except for the smallest code, codes of the same size adapt alike.
 static_assert(std::equal(kMSAdpcmAdaptation.begin() + 1, kMSAdpcmAdaptation.begin() + 8,
                          kMSAdpcmAdaptation.rbegin()));
 static_assert(std::accumulate(kMSAdpcmAdaptation.begin(), kMSAdpcmAdaptation.end(), 0) == 6062);

@@ -13,7 +13,8 @@
 
 namespace {
 
-// The bytes behind the SP header, all of them without one. Empty on failure.
+// The bytes after the SP header, or the whole file when it has no SP header. Empty on failure, and
+// for a stream that does not fit 32 bits.
 std::vector<unsigned char> ReadStream(const char* pszFileName) {
   C_SpHeader header;
   const std::uint64_t qwStart = ReadSpHeader(&header, pszFileName) ? C_SpHeader::kBytes : 0;
@@ -67,8 +68,9 @@ bool C_CodecFileBase::WriteAs(tagAudioFileType eType, const char* pszFileName, b
   if (!bEncode) return WriteVef(pszFileName, "VEFF", /*bHeader=*/true, eType);
   S_Stream stream;
   if (!MakeStream(pfnProgress, &stream)) return false;
-  // Kept: a bare stream, which no class opens; whoever wants to open it prepends an SP header.
-  // Pinned by WriteFile_WritesTheBareStreamWithoutAHeader, BareStream_IsOpenedByNoClass.
+  // Kept: this writes a bare stream, although no file class opens one. To open it again, callers
+  // prepend an SP header. Pinned by WriteFile_WritesTheBareStreamWithoutAHeader,
+  // BareStream_IsOpenedByNoClass.
   std::optional<tagAudioFileType> eHeadType;
   if (bWriteCodecHead) eHeadType = eType;
   return WriteStreamFile(pszFileName, stream, eHeadType);
@@ -95,14 +97,14 @@ bool C_CodecFileBase::LoadSpStream(PFN_DecodedData pfnData) {
   return TakeStream(stream.data(), static_cast<unsigned int>(stream.size()), pfnData);
 }
 
-// Kept: no piece is handed over while a container is decoded; whoever listens to pieces would take
-// them for the PCM that the container stores beside the stream. Pinned by
+// Kept: no pieces are handed over while a container is decoded. Whoever listens to the pieces would
+// take them for the PCM that the container stores beside the stream. Pinned by
 // LoadData_OfAContainer_DecodesTheStreamWithoutACallback.
 bool C_CodecFileBase::LoadVefStream() {
   std::unique_ptr<unsigned char[]> pbyStream;
   unsigned int dwLength = 0;
   if (!LoadVDATChunk(GetFileName(), &pbyStream, &dwLength)) return false;
-  // What was decoded is mono in 16 bits, whatever the PCM beside it is.
+  // The decoded sound is 16-bit mono, whatever the PCM beside the stream is.
   GetWavData()->SetWavInfoData(GetWavInfo()->GetSampleRate(), 0, 1, 16, 16, true);
   return TakeStream(pbyStream.get(), dwLength, nullptr);
 }

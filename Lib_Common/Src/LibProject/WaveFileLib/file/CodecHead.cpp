@@ -14,8 +14,9 @@ bool HasNoHead(unsigned int dwType) {
   return dwType == AUDIO_FILE_WAVE || dwType == AUDIO_FILE_VEMD || dwType == 0x1001;
 }
 
-// Kept: 0 for every name, as no codec is a library of its own here; readers know that version for a
-// codec that was built in. Pinned by CodecHead_OfALibrarysType_HasVersionZero.
+// Kept: the version is 0 for every library, because no codec is a library of its own here. Readers
+// know 0 as the version of a codec that was built in. Pinned by
+// CodecHead_OfALibrarysType_HasVersionZero.
 constexpr unsigned short VersionOfLibrary(const char* /*pszLibraryName*/) { return 0; }
 
 std::optional<unsigned short> VersionOf(unsigned int dwType) {
@@ -29,8 +30,8 @@ std::optional<unsigned short> VersionOf(unsigned int dwType) {
 
 }  // namespace
 
-// Kept: type and rate are written before the version is looked up, so that a type without one
-// leaves four bytes behind; tools tell by them which type was refused. Pinned by
+// Kept: type and rate are written before the version is looked up, so a type without a version
+// leaves four bytes in the file. Tools read from them which type was refused. Pinned by
 // CodecHead_OfAnUnknownType_LeavesFourBytesAndFails.
 bool WriteCodecHead(std::FILE* pFile, tagAudioFileType eType, unsigned int dwSampleRate) {
   if (HasNoHead(eType)) return true;

@@ -9,12 +9,13 @@
 struct S_CodecVersionRow {
   unsigned int dwFirstType;
   unsigned int dwLastType;     // inclusive
-  const char* pszLibraryName;  // asked for its version; null: kFixedCodecVersion
+  const char* pszLibraryName;  // the library that has the version; null: kFixedCodecVersion
 };
 
 inline constexpr unsigned short kFixedCodecVersion = 4096;
 
-// The names are keys as the codecs' makers spell them, "DLL" and "dll" alike.
+// The names are keys, spelt as the makers of the codecs spell them: some with "DLL", some with
+// "dll".
 inline constexpr std::array<S_CodecVersionRow, 21> kCodecVersions = {{
     {1, 1, nullptr},           {3, 3, "Lark.DLL"},    {5, 6, "Plover.DLL"},
     {7, 7, "Ibis.DLL"},        {8, 8, "Egret.DLL"},   {9, 9, "Ibis.DLL"},
@@ -24,7 +25,7 @@ inline constexpr std::array<S_CodecVersionRow, 21> kCodecVersions = {{
     {48, 48, "Rook.DLL"},      {64, 64, nullptr},     {80, 84, "Gannet.dll"},
     {129, 130, "Petrel.DLL"},  {131, 132, nullptr},   {257, 257, nullptr},
 }};
-// In order, without overlap.
+// The rows are in ascending order and do not overlap.
 static_assert(std::adjacent_find(kCodecVersions.begin(), kCodecVersions.end(),
                                  [](const S_CodecVersionRow& row, const S_CodecVersionRow& next) {
                                    return row.dwFirstType > row.dwLastType ||

@@ -26,7 +26,7 @@ constexpr vcm::S_AssertSite kCheckSite{"CheckFormat", kSource};
 using C_IDs = std::set<unsigned int>;
 using C_IDMap = std::map<unsigned int, unsigned int>;
 
-// A number exactly as it is printed with "%d".
+// The number in a text that is exactly what "%d" prints; empty for any other text.
 std::optional<int> PrintedNumber(std::string_view text) {
   int nValue = 0;
   const auto [pEnd, error] = std::from_chars(text.data(), text.data() + text.size(), nValue);
@@ -34,7 +34,8 @@ std::optional<int> PrintedNumber(std::string_view text) {
   return nValue;
 }
 
-// The two numbers between prefix, separator and suffix.
+// The two numbers of a text made of prefix, number, separator, number and suffix; empty for any
+// other text.
 std::optional<std::pair<int, int>> TwoNumbers(std::string_view text, std::string_view prefix,
                                               char chSeparator, std::string_view suffix) {
   if (text.size() < prefix.size() + suffix.size()) return std::nullopt;
@@ -79,7 +80,7 @@ C_IDs IDsOfLoops(I_WavDataSamplerInfo& samplerInfo) {
   return ids;
 }
 
-// New identifiers for those of the ids that the events 1 .. dwEvents take.
+// New identifiers for those of the ids that the events need for themselves, 1 to dwEvents.
 C_IDMap MakeWay(const C_IDs& ids, const C_IDs& taken, unsigned int dwEvents) {
   C_IDMap newIDs;
   unsigned int dwFree = dwEvents + 1;
@@ -103,10 +104,11 @@ struct S_Annotations {
   C_WavDataSamplerInfo& samplerInfo;
 };
 
-// The cue points and texts of identifiers that a label of the user's names too are the user's.
+// Removes the labels of the library, and the cue points and texts that belong to them. Cue points
+// and texts are the user's, and stay, when a label of the user has their identifier, too.
 //
-// Whatever may find no memory is done before the first change, here and below: half of these
-// changes would turn cue points of events into cue points of the user.
+// Here and below, everything that may run out of memory is done before the first change: half of
+// these changes would turn cue points of events into cue points of the user.
 void RemoveLibraryLabels(const S_Annotations& annotations) {
   const C_IDs library = IDsOfLabels(annotations.listInfo, true);
   const C_IDs user = IDsOfLabels(annotations.listInfo, false);
@@ -134,9 +136,9 @@ void RenumberBehind(unsigned int dwEvents, const S_Annotations& annotations) {
 }  // namespace
 
 std::string EventLabel(const S_EventLabel& event) {
-  // Kept: signed numbers, although neither a command nor data is ever below zero; the label of main
-  // index 0x8000 begins with a minus sign, and readers expect it. Pinned by
-  // EventLabels_AreSignedDecimals.
+  // Kept: the numbers are signed, although neither a command nor data is ever below zero. The
+  // command of main index 0x8000 therefore begins with a minus sign, and readers expect it. Pinned
+  // by EventLabels_AreSignedDecimals.
   const auto nCommand = static_cast<int>(std::uint32_t{event.wMain} << 16 | event.wSub);
   const auto nData = static_cast<int>(event.dwData);
   std::string text = "(";
@@ -183,7 +185,7 @@ void SaveEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInf
   auto* const pOwnList = dynamic_cast<C_WavDataListInfo*>(&listInfo);
   auto* const pOwnCues = dynamic_cast<C_WavDataCueInfo*>(&cueInfo);
   auto* const pOwnSampler = dynamic_cast<C_WavDataSamplerInfo*>(&samplerInfo);
-  // The info objects of other kinds of sounds cannot be renumbered; events are added to them.
+  // Info objects of other classes cannot be renumbered; events are only added to them.
   if (pOwnList != nullptr && pOwnCues != nullptr && pOwnSampler != nullptr) {
     const S_Annotations annotations{*pOwnList, *pOwnCues, *pOwnSampler};
     RemoveLibraryLabels(annotations);

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How the events of a sound travel in a VEF container: the event with index i as cue point i + 1 at
-// its sample position, with a label "(<command>,<data>)". The command holds the main index in its
-// upper 16 bits and the sub index in its lower ones; both numbers are signed decimals of 32 bits.
+// How the events of a sound are stored in a VEF container. The event with index i becomes cue point
+// i + 1 at its sample position, with the label "(<command>,<data>)". The command holds the main
+// index in its upper 16 bits and the sub index in its lower 16 bits. Both numbers are signed
+// decimals of 32 bits.
 //
-// Kept: silence segments and regions do not travel, unlike in WAV files (WavLabels.h); players of
-// these containers would take them for marks of the user's. Pinned by
+// Kept: silence segments and regions are not stored, unlike in WAV files (WavLabels.h). Players of
+// these containers would take them for marks of the user. Pinned by
 // SilenceSegmentsAndRegions_AreNotWritten.
 #pragma once
 
@@ -27,22 +28,23 @@ struct S_EventLabel {
 
 std::string EventLabel(const S_EventLabel& event);
 
-// The event that a text was made of; empty for a text that EventLabel never gives, with a space or
-// a number beyond 32 bits in it, say.
+// The event that a text stands for. Empty for a text that EventLabel never returns, for example one
+// with a space or with a number beyond 32 bits. pszText must not be null, here and below.
 std::optional<S_EventLabel> ParseEventLabel(const char* pszText);
 
-// Is the text exactly one that the library gives its own labels: "(%d,%d)", "u_%d_%d", "VX_Silence"
-// or "VX_PCM" with numbers as they are printed?
+// True when the text is exactly one that the library gives its own labels: "(%d,%d)", "u_%d_%d",
+// "VX_Silence" or "VX_PCM", with numbers as they are printed.
 bool IsLibraryLabel(const char* pszText);
 
-// The events of the labels replace those of the sound. Labels without a cue point are passed over;
-// sounds without a sample rate get no events, which could not be placed.
+// Replaces the events of the sound by those of the labels. Labels without a cue point are skipped.
+// A sound without a sample rate ends up without events, because they could not be placed.
 void LoadEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo);
 
-// Cue points and labels become those of the sound's events and, in front of them, those of the
-// user. The user's are all but the labels that IsLibraryLabel accepts and the cue points and texts
-// of identifiers that have such labels only. Where the user's identifiers are those of events, they
-// change to the lowest free ones behind the events, in cue points, labels, texts and loops alike.
+// Rewrites cue points and labels: first those of the user, then those of the sound's events.
+// Everything is the user's except the labels that IsLibraryLabel accepts, and the cue points and
+// texts whose identifiers have only such labels. When the user's identifiers are those of events,
+// they change to the lowest free ones after the events, in cue points, labels, texts and loops
+// alike. To info objects of other classes than the library's own, events are only added.
 void SaveEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo,
                 I_WavDataSamplerInfo& samplerInfo);
 

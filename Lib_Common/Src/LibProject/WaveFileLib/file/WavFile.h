@@ -4,17 +4,17 @@
 //
 //   chunk    read                              written
 //   "fmt "   tag 1, 2, 6, 7 or 11              always, 16 bytes, tag 1
-//   "data"   the samples; none is no failure   always
+//   "data"   the samples; may be missing       always
 //   "cue "   cue points                        when there are annotations
 //   "smpl"   sampler information               when there are loops
 //   "LIST"   of type "adtl": labels            when there are annotations
 //   others   kept verbatim                     unless empty
 //
 // A later "fmt " or "data" chunk counts instead of an earlier one. Events, silence segments and
-// uncompressed regions travel as cue points with labels (WavLabels.h).
+// uncompressed regions are stored as cue points with labels (WavLabels.h).
 //
-// Compressed sounds (MS ADPCM, A-law, mu-law, DVI ADPCM) become 16-bit PCM as they load, and stay
-// that: what is written is always linear.
+// Compressed sounds (MS ADPCM, A-law, mu-law, DVI ADPCM) become 16-bit PCM when they are loaded,
+// and stay PCM: what is written is always linear.
 #pragma once
 
 #include <optional>
@@ -23,38 +23,63 @@
 
 class C_RiffFile;
 
+// One object can load several files, one after another. All of them go into the same sound:
+//
+//   format, PCM                  replaced; opening a file removes the PCM of an earlier one
+//   coding type                  replaced, but A-law and mu-law leave it as it was
+//   events                       those of the file are added to those that the sound has
+//   silence segments, regions    replaced, even when the new file has none
+//   cue points                   replaced when the new file has a "cue " chunk, otherwise they stay
+//   sampler information          replaced when the new file has a "smpl" chunk
+//   labels and labelled texts    replaced when the new file has a "LIST" chunk of type "adtl"
+//   extra chunks                 replaced when the new file has some
+//   encoded form                 stays, but its type becomes the file format
+//   codec parameters             stay
+//
+// The events, segments and regions are made by LoadData, everything else by opening the file.
+// Labels that stay count as labels of the new file: what they name is made again, and one that has
+// lost its cue point stops the program (WavLabels.h). To start afresh, use a new object.
 class C_WavFile : public C_WavFileBase {
  public:
   C_WavFile() = default;
   ~C_WavFile() override = default;
 
-  // With bWithInfo also fills format and informational chunks of the sound. A "cue ", "smpl" or
-  // "LIST" chunk shorter than its first field, and any other chunk that the file cuts, are left
-  // out. The file is closed on return and its name is not kept.
+  // Accepts RIFF files of both forms with a format that the library reads. With bWithInfo, also
+  // fills the format and the informational chunks of the sound. A "cue " or "LIST" chunk of less
+  // than 4 bytes, a "smpl" chunk of less than 36 bytes, and any chunk of another name that the file
+  // cuts are left out; a "cue ", "smpl" or "LIST" chunk with other damage makes the result false.
+  // GetFileFormat tells the form afterwards, even when the format is refused. The file is closed on
+  // return and its name is not kept.
   bool CheckFormat(const char* pszFileName, bool bWithInfo) override;  // 21
-  // Reads samples and annotations of the file that was opened by name; the arguments have no
-  // effect. Samples that the file lacks are zero, see C_WavFileBase::kMaxMissingBytes; a compressed
-  // sound has as many as the bytes that are there decode to. Events are added to those that the
-  // sound has.
+  // Reads samples and annotations of the file that OpenByName opened; the arguments have no effect.
+  // Samples that the file lacks are zero, see C_WavFileBase::kMaxMissingBytes. A compressed sound
+  // has as many samples as the bytes in the file decode to. False without a sound, and when the
+  // file cannot be read, lacks more samples or cannot be decoded.
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
-  // Writes the sound as the form that GetFileFormat says; false, and nothing written, for any other
-  // kind. Its cue points and labels are replaced by those of its annotations. Samples are written
-  // in the widths of the sound's codec parameters when these have any; 12 bits are written as 16.
-  // The arguments after the first have no effect. A failed write may leave a partial file.
+  // Writes the sound in the form that GetFileFormat names: AUDIO_FILE_WAVE or AUDIO_FILE_VEMD. An
+  // existing file is replaced. Only pszFileName has an effect; the codec files give the other
+  // arguments their meaning. Samples are written in the widths of the sound's codec parameters when
+  // these are set; otherwise 12 bits are written as 16. The sound's own cue points and labels are
+  // replaced by those of its annotations.
+  //
+  // False, and no file touched, without a sound or its PCM, for any other kind, and for widths that
+  // cannot be converted. The target is opened only when the whole file is assembled. A failure
+  // while writing is false, too, and may leave a partial file.
   bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                  PFN_CodecProgress pfnProgress, bool bForceEncode,
                  unsigned int dwCodecOption) override;  // 23
 
  private:
-  // The sound of a file as linear PCM.
+  // The size of a file's sound as linear PCM.
   struct S_LinearForm {
     unsigned int dwByteLength = 0;
     unsigned short wBits = 0;
   };
 
   bool OpenRiff(C_RiffFile& riff, const char* pszFileName);
-  // Sets the coding type, too. None for a sound that is longer than its length can say.
+  // Also sets the coding type. Empty for a file without a format, and for a sound whose length in
+  // bytes does not fit 32 bits.
   std::optional<S_LinearForm> DescribeLinearForm();
   std::optional<S_LinearForm> DescribeDecodedForm() const;
   bool LoadInfoChunks(C_RiffFile& riff);

@@ -24,9 +24,9 @@ C_WavFileBase::~C_WavFileBase() { SafeDeleteWavData(); }
 
 int C_WavFileBase::AddRef() { return ++m_nRefCount; }
 
-// Kept: the creator's reference is not counted, so the call that ends a new object answers 0 as the
-// one before it would; callers pair each AddRef with one Release and add one for the creation.
-// Pinned by Release_EndsTheObjectOnlyWhenNoExtraReferenceIsLeft.
+// Kept: the creator's reference is not counted, so the Release that deletes the object returns 0,
+// as the Release before it does. Callers pair each AddRef with one Release and add one for the
+// creation. Pinned by Release_EndsTheObjectOnlyWhenNoExtraReferenceIsLeft.
 int C_WavFileBase::Release() {
   if (m_nRefCount < 1) {
     delete this;
@@ -131,15 +131,15 @@ bool C_WavFileBase::FindFormatAndData(C_RiffFile& riff) {
 
 void C_WavFileBase::SetLinearForm(unsigned int dwByteLength, unsigned short wBits) {
   const S_PcmFormatRecord record = m_codecInfo.GetPCMWAVEFORMAT();
-  // Samples of an earlier file would be fewer than the new length says.
+  // The samples of an earlier file may be fewer than the new length says, so they are removed.
   m_pIWavData->AttachBuffer(nullptr, 0);
   m_pIWavData->DetachBuffer();
   m_pIWavData->SetWavInfoData(record.dwSamplesPerSec, dwByteLength, record.wChannels, wBits, wBits,
                               wBits > 8);
 }
 
-// Kept: a file cut within its samples loads all the same, at its full length with silence where
-// nothing is left; recordings broken off on the way stay playable. Pinned by
+// Kept: a file that is cut within its samples still loads, at its full length and with zeros for
+// the missing samples. Recordings that broke off stay playable. Pinned by
 // MissingTailOfTheDataIsZero.
 bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
   const std::uint64_t dwLength = m_pIWavData->GetBufferLength();

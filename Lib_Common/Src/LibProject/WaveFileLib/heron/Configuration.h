@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a sound must be like to be coded, and how it is cut.
+// What a sound must be like to be coded, and how long its frames are.
 #pragma once
 
 namespace heron {
@@ -9,14 +9,14 @@ inline constexpr int kMinSampleRate = 4000;  // Hz
 inline constexpr int kMaxSampleRate = 48000;
 inline constexpr int kMinBitDepth = 2;  // bits per sample
 inline constexpr int kMaxBitDepth = 6;
-// Bytes of a stream before the coded audio; they count as part of what a sound may take.
+// Bytes of a stream before the coded audio. They count towards the size that a sound may take.
 inline constexpr int kHeadBytes = 4;
 
 constexpr bool IsSupportedSampleRate(int nSampleRate) noexcept {
   return nSampleRate >= kMinSampleRate && nSampleRate <= kMaxSampleRate;
 }
 
-// Samples of a frame: 20 ms, rounded down to an even number.
+// Samples per frame: 20 ms, rounded down to an even number.
 constexpr int FrameLength(int nSampleRate) noexcept { return nSampleRate / 100 * 2; }
 
 inline constexpr int kMaxFrameLength = FrameLength(kMaxSampleRate);

@@ -39,7 +39,7 @@ C_Decoder::C_Decoder(std::span<const std::uint8_t> frames, std::size_t nSamples,
       m_coefficients(static_cast<std::size_t>(nLength)) {}
 
 bool C_Decoder::DecodeFrame(std::span<std::int16_t> samples) noexcept {
-  // The first frame of coefficients only starts the lap.
+  // The first frame of coefficients only starts the overlap; the second one overwrites its samples.
   for (int nFrames = m_bLapRead ? 1 : 2; nFrames > 0; --nFrames) {
     if (!m_reader.Read(m_decoder, m_coefficients) || m_decoder.Unread() < 0) return false;
     m_transform.Transform(m_coefficients, samples);

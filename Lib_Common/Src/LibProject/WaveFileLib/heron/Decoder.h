@@ -15,29 +15,29 @@
 
 namespace heron {
 
-// The count of samples that coded audio begins with.
+// The sample count that coded audio begins with.
 struct S_Count {
   std::uint64_t qwCount;
-  std::size_t nBytes;  // that it took
+  std::size_t nBytes;  // bytes that the count takes
 };
-// Empty when it does not end within five bytes.
+// Empty when the count does not end within five bytes.
 std::optional<S_Count> ReadCount(std::span<const std::uint8_t> coded) noexcept;
 
 class C_Decoder {
  public:
-  // Reads the count. Empty for a rate that is not supported, for a count of 0 or more than 32 bits,
-  // and for a count of more frames than there are bytes, which no encoder writes. coded must
-  // outlive the object.
+  // Reads the count. Empty for a rate that is not supported, and for a count that is missing, 0 or
+  // longer than 32 bits. Also empty when the count needs more frames than there are bytes, which no
+  // encoder writes. coded must outlive the object.
   static std::optional<C_Decoder> Open(std::span<const std::uint8_t> coded, int nSampleRate);
 
-  // Samples that all frames give together, 1..2^32-1.
+  // Samples in all frames together, 1..2^32-1.
   [[nodiscard]] std::size_t SampleCount() const noexcept { return m_nSamples; }
   // Samples per frame; the last frame holds the rest.
   [[nodiscard]] std::size_t Length() const noexcept { return m_coefficients.size(); }
-  // Decodes the next frame into samples, Length() of them. False for what no encoder writes; the
-  // object is of no use then.
+  // Decodes the next frame into samples, which has Length() values. False for data that no encoder
+  // writes; the object is then unusable.
   bool DecodeFrame(std::span<std::int16_t> samples) noexcept;
-  // Behind the last frame: nothing is left of the bytes but what an encoder leaves.
+  // Call this after the last frame: true when no more bytes are left than an encoder leaves.
   [[nodiscard]] bool IsAtTheEnd() const noexcept;
 
  private:

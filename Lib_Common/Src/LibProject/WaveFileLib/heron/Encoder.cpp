@@ -21,7 +21,7 @@ void WriteCount(std::vector<std::uint8_t>& bytes, std::size_t nCount) {
   bytes.push_back(static_cast<std::uint8_t>(nCount));
 }
 
-// Coefficients as a loudness.
+// The loudness of a frame, from its coefficients.
 int LoudnessOf(std::span<const std::int32_t> coefficients) noexcept {
   std::uint64_t qwSquares = 0;
   for (const std::int64_t nCoefficient : coefficients) {
@@ -30,13 +30,14 @@ int LoudnessOf(std::span<const std::int32_t> coefficients) noexcept {
   return Loudness(qwSquares >> 2 * kCoefficientQ, coefficients.size());
 }
 
-// Chooses the step index of one frame after the other.
+// Chooses the step index of each frame in turn.
 class C_StepChoice {
  public:
   explicit C_StepChoice(int nOffset) : m_nOffset(nOffset) {}
 
   int Next(int nLoudness) noexcept {
-    // Loudness counts 6 dB of level as 512 and the index as 4 * 256: 5/8 of it are 5/4 here.
+    // 6 dB of level are 512 in loudness and 4 * 256 in the index, so 5/8 of the level is a factor
+    // of 5/4 here.
     const int nWanted = m_nOffset + 5 * nLoudness / 4 + m_nCarried;
     const int nIndex = (nWanted + 128) >> 8;
     m_nCarried = nWanted - (nIndex << 8);
@@ -45,12 +46,13 @@ class C_StepChoice {
 
  private:
   int m_nOffset;
-  // What rounding took goes to the next frame: in a sound of steady loudness all frames would
-  // otherwise change their steps at one offset, and no offset would fill the size that is allowed.
+  // The rounding error, which is carried over to the next frame. Otherwise all frames of a sound
+  // with steady loudness would change their steps at the same offset, and no offset would fill the
+  // size that is allowed.
   int m_nCarried = 0;
 };
 
-// Frame nFrame, with silence behind the end.
+// Copies frame nFrame of the samples, with silence after the end of the sound.
 void TakeFrame(std::span<const std::int16_t> samples, std::size_t nFrame,
                std::span<std::int16_t> frame) {
   const std::size_t nAt = std::min(nFrame * frame.size(), samples.size());

@@ -38,7 +38,7 @@ void C_EntropyEncoder::WriteInterval(std::uint32_t nBelow, std::uint32_t nFreque
   m_qwRange <<= 32;
 }
 
-// The sequence as a whole stays below 1, so there is a byte to take the carry.
+// The sequence as a whole stays below 1, so there is always a byte that can take the carry.
 void C_EntropyEncoder::Carry() noexcept {
   for (std::size_t n = m_bytes.size(); n > m_nFirst && ++m_bytes[n - 1] == 0; --n) continue;
 }

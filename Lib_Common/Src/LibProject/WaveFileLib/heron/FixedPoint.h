@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The integer arithmetic that both directions are defined in. Qn means that a value counts
+// The integer arithmetic that both directions are defined in. Qn means that a value counts units of
 // 2^-n; shifts to the right round down.
 #pragma once
 

@@ -4,8 +4,9 @@
 //
 //   out[k] = sum over n of in[n] * exp(-2 pi i n k / points)
 //
-// One pass for each factor of the number of points (4, then 2, then odd primes), each in sorted
-// order. Fast when the factors are small, right for any number.
+// There is one pass for each factor of the number of points (4, then 2, then odd primes), and every
+// pass keeps its values in sorted order. The transform works for any number of points and is fast
+// when the factors are small.
 #pragma once
 
 #include <cstdint>
@@ -31,8 +32,8 @@ inline constexpr int kMaxPoints = 480;
 // exp(-2 pi i nPart / nWhole).
 S_Rotation BackwardRotation(std::int64_t nPart, std::int64_t nWhole) noexcept;
 
-// The value turned, and divided by 2^kDown; rounded down. Products need |value| < 2^38.5 to stay
-// within 64 bits.
+// Rotates the value and divides it by 2^kDown, rounding down. |value| must be below 2^38.5 to keep
+// the products within 64 bits.
 template <int kDown = 0>
 constexpr S_Complex Rotate(const S_Complex& value, const S_Rotation& rotation) noexcept {
   constexpr int kShift = kRotationQ + kDown;
@@ -47,8 +48,8 @@ class C_Fourier {
 
   [[nodiscard]] int Points() const noexcept { return m_nPoints; }
 
-  // Transforms values, which has the object's number of points; the moduli of all its values
-  // together must stay below 2^38.5. Not to be called on one object by two threads at a time.
+  // Transforms values, which must have as many points as the object. The sum of the moduli of all
+  // values must stay below 2^38.5. Two threads must not call this on one object at the same time.
   void Transform(std::span<S_Complex> values) noexcept;
 
  private:

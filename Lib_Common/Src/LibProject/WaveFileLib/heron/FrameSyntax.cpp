@@ -66,7 +66,7 @@ bool C_FrameReader::Read(C_EntropyDecoder& decoder, std::span<std::int32_t> coef
   m_before.Begin(m_nIndex);
   const std::int32_t nHalfStep = HalfStep(m_nIndex);
   const auto qwLargest = static_cast<std::uint64_t>(LargestMultiple(m_nIndex));
-  // A copy, so that its state can stay in registers while coefficients are written.
+  // Work on a copy, so that its state can stay in registers while coefficients are written.
   C_EntropyDecoder local = decoder;
   S_Below below;
   std::size_t nState = kFirstState;

@@ -11,9 +11,9 @@
 
 namespace heron {
 
-// 256 * log2 of the mean square, from the sum of the squares of nCount samples (at least one). What
-// is softer than a root mean square of 20, the hiss of a quiet room in 16-bit recordings, counts as
-// if it had that: nobody wants bits spent on it.
+// 256 * log2 of the mean square, from the sum of the squares of nCount samples (at least one). The
+// hiss of a quiet room in 16-bit recordings has a root mean square of about 20. Anything softer
+// counts as 20, because nobody wants bits spent on it.
 constexpr int Loudness(std::uint64_t qwSquares, std::size_t nCount) noexcept {
   constexpr std::uint64_t kLeastMeanSquare = std::uint64_t{20} * 20;
   return Log2Q8(std::max(kLeastMeanSquare, qwSquares / nCount));

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Trellis-coded quantisation: two quantisers of step 2 half steps take turns, as a machine of four
-// states says. Quantiser 0 has the even multiples of the half step, quantiser 1 zero and the odd
-// ones. The parity of each level moves the machine on, so the encoder reaches nearly all points of
-// the half-step grid by choosing its path, and pays for levels of the whole step.
+// Trellis-coded quantisation: two quantisers, each with a step of two half steps, take turns as
+// directed by a machine with four states. Quantiser 0 has the even multiples of the half step;
+// quantiser 1 has zero and the odd multiples. The parity of each level moves the machine to its
+// next state. By choosing its path, the encoder reaches nearly all points of the half-step grid,
+// but pays only for levels of the whole step.
 #pragma once
 
 #include <array>
@@ -17,7 +18,7 @@ inline constexpr std::size_t kStates = 4;
 // The state that each frame begins with.
 inline constexpr std::size_t kFirstState = 0;
 
-// From each state, by the parity of the level: even, odd.
+// The next state: for each state, first after an even level, then after an odd one.
 inline constexpr std::array<std::uint8_t, 2 * kStates> kNextState = {0, 2, 2, 0, 1, 3, 3, 1};
 
 constexpr std::size_t NextState(std::size_t nState, std::uint64_t qwLevel) noexcept {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Finds the step sizes with which a whole sound fills what it may take.
+// Finds the step sizes with which a whole sound fills the size that it may take.
 #pragma once
 
 #include <cstddef>
@@ -12,11 +12,12 @@
 
 namespace heron {
 
-// The coded audio of samples (1..2^32-1) at nSampleRate for nBitDepth bits per sample: with the
-// stream's head it takes at most samples * nBitDepth / 8 bytes, and usually no more than a 500th
-// less, 200th where that is hard to meet. Sounds that all steps leave smaller, like silence, take
-// less; sounds too short for their own frames' side information (some tens of samples) take
-// what they need. fnProgress hears of frames in rising order, the last one when all is done.
+// Returns the coded audio of samples (1..2^32-1) at nSampleRate for nBitDepth bits per sample. With
+// the stream's head it takes at most samples * nBitDepth / 8 bytes. It is usually no more than a
+// 500th smaller than that, or a 200th where that is hard to meet. Sounds that stay smaller at any
+// step size, like silence, take less. Sounds too short for the side information of their own frames
+// (some tens of samples) take what they need. fnProgress gets frame counts in rising order, the
+// last one when everything is done.
 std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, int nSampleRate,
                                        int nBitDepth, const C_Encoder::S_Progress& fnProgress);
 

@@ -25,11 +25,12 @@ bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
                    std::vector<std::int16_t>* pSamples) {
   auto decoder = C_Decoder::Open(coded, nSampleRate);
   if (!decoder) return false;
-  // Whole frames; the last one is cut to the sound's end.
+  // Decodes whole frames; the last one is cut at the end of the sound.
   const std::size_t nLength = decoder->Length();
   std::vector<std::int16_t> samples;
-  // Room for what coded audio of this size holds as a rule. Silence may hold far more: it makes
-  // its room as it is decoded, since damage can claim as much.
+  // Reserve room for as many samples as coded audio of this size usually holds. Silence may hold
+  // far more, but damaged data can claim that too, so the room for it grows only while it is
+  // decoded.
   samples.reserve(std::min(decoder->SampleCount(), coded.size() * 8 / kMinBitDepth) + nLength);
   for (std::size_t nAt = 0; nAt < decoder->SampleCount(); nAt += nLength) {
     samples.resize(nAt + nLength);

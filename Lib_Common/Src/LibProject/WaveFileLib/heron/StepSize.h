@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The quantiser's grid. Coefficients of a frame are multiples of its half step, whose size is
+// The quantiser's grid. The coefficients of a frame are multiples of its half step, whose size is
 //
 //   half step = round(q[index mod 4] * 2^floor(index / 4) / 2^11) in Q8, index 0..71
 //
-// with q = kQuarterOctave, so about 32 * 2^(index / 4): 1/8 to 2^14.75 in the unit of samples (the
-// transform is orthonormal), 1.5 dB apart. The table's rounding shows at the coarse end.
+// with q = kQuarterOctave. This is about 32 * 2^(index / 4), or 1/8 to 2^14.75 in the unit of
+// samples (the transform is orthonormal), in steps of 1.5 dB. The rounding of the table shows at
+// the coarse end.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +18,7 @@
 namespace heron {
 
 inline constexpr int kSteps = 72;
-// Coefficients in half steps, as the quantiser compares them.
+// The Q format of coefficients counted in half steps, as the quantiser compares them.
 inline constexpr int kScaledQ = 8;
 
 // Half step in Q8.
@@ -25,12 +26,12 @@ constexpr std::int32_t HalfStep(int nIndex) noexcept {
   return static_cast<std::int32_t>(RoundShift(kQuarterOctave[nIndex & 3] << (nIndex / 4), 11));
 }
 
-// The most half steps that do not exceed kMaxCoefficient.
+// The largest number of half steps that does not exceed kMaxCoefficient.
 constexpr std::int32_t LargestMultiple(int nIndex) noexcept {
   return static_cast<std::int32_t>(kMaxCoefficient / HalfStep(nIndex));
 }
 
-// Counts coefficients in half steps.
+// Converts coefficients to half steps.
 class C_ToHalfSteps {
  public:
   explicit constexpr C_ToHalfSteps(int nIndex) noexcept
@@ -47,11 +48,12 @@ class C_ToHalfSteps {
   std::int64_t m_nInverse;
 };
 
-// Counts half steps of one index, or fractions of them, in those of another, about: the ratio has 8
-// bits behind the point, and from 2^9 on it is halved until it is below that.
+// Converts half steps of one index, or fractions of them, to those of another index. The ratio is
+// approximate: its mantissa has 8 bits after the point, and a ratio of 2^9 or more is halved until
+// it is below 2^9.
 class C_Rescale {
  public:
-  static constexpr std::uint32_t kMost = 1u << 22;  // that it takes: times 430 it fits 32 bits
+  static constexpr std::uint32_t kMost = 1u << 22;  // largest input: times 430 it fits 32 bits
 
   constexpr C_Rescale(int nFrom, int nTo) noexcept
       : m_nFactor(static_cast<std::uint32_t>(kQuarterOctave[(nFrom - nTo + kSteps) & 3] >> 8)),

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The frequencies of the Heron codec's symbols, counted in recorded speech by
-// training/train_heron.sh. Each row has the sum 2^15.
+// training/train_heron.sh. Each row adds up to 2^15.
 #pragma once
 
 #include <array>

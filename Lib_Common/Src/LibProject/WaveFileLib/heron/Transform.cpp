@@ -12,10 +12,11 @@ namespace heron {
 namespace {
 
 constexpr int kWindowQ = 28;
-// Of the samples between fold and DCT-IV. Forward, what they have more than the coefficients keeps
-// the rounding inside the transform below the coefficients' own. Back, N of the largest
-// coefficients times the window's sqrt(2/N), twice, stay within 64 bits: 2 * sqrt(2 * 960) * 2^21 *
-// 2^6 * 2^28.
+// The Q formats of the samples between the fold and the DCT-IV. In the forward direction, the extra
+// bits keep the rounding inside the transform below that of the coefficients. In the inverse
+// direction, the sum of two products has to fit in 64 bits. Each product is at most N of the
+// largest coefficients times the sqrt(2/N) of the window, so the sum is at most 2 * sqrt(2 * 960) *
+// 2^21 * 2^6 * 2^28.
 constexpr int kFoldedQ = 14;
 constexpr int kUnfoldedQ = 6;
 
@@ -31,7 +32,8 @@ std::uint64_t SquareRoot(std::uint64_t qwSquare) noexcept {
 
 // w[n] in Q30.
 std::int64_t PowerSine(int n, int nLength) noexcept {
-  // sin^2(a) = (1 - cos(2a)) / 2, here in Q31 halved to Q30.
+  // sin^2(a) = (1 - cos(2a)) / 2. The difference in Q30 is sin^2(a) in Q31, and halving it gives
+  // Q30.
   const std::int64_t nOne = std::int64_t{1} << 30;
   const std::int64_t nSquare =
       (nOne - CirclePoint(2 * n + 1, std::int64_t{4} * nLength).nCosine) / 2;
@@ -97,7 +99,7 @@ void C_ForwardTransform::Transform(std::span<const std::int16_t> samples,
   const auto window = m_transform.RisingWindow();
   for (std::size_t n = 0; n < nHalf; ++n) {
     const std::size_t nMirror = nLength - 1 - n;
-    // Old samples rise, new ones fall.
+    // The old samples get the rising half of the window, the new ones the falling half.
     const std::int64_t nOld =
         std::int64_t{m_history[n]} * window[n] - std::int64_t{m_history[nMirror]} * window[nMirror];
     const std::int64_t nNew = std::int64_t{samples[nHalf - 1 - n]} * window[nHalf + n] +
@@ -117,8 +119,9 @@ void C_ForwardTransform::Transform(std::span<const std::int16_t> samples,
 C_InverseTransform::C_InverseTransform(int nLength)
     : m_transform(nLength), m_falling(static_cast<std::size_t>(nLength / 2)) {}
 
-// Value v of the first half of the DCT-IV's result falls, in the frame after, on the samples that
-// value N-1-v of the second half rises on. Both are parts of one number.
+// Value v of the first half of the DCT-IV's result fades out in the next frame. It fades out over
+// the samples on which value N-1-v of that frame's second half fades in. Values v and N-1-v are the
+// two parts of one complex number.
 void C_InverseTransform::Transform(std::span<const std::int32_t> coefficients,
                                    std::span<std::int16_t> samples) noexcept {
   constexpr int kDown = kCoefficientQ - kUnfoldedQ;
@@ -126,7 +129,7 @@ void C_InverseTransform::Transform(std::span<const std::int32_t> coefficients,
   const std::size_t nPoints = m_falling.size();
   const auto window = m_transform.RisingWindow();
   const auto points = m_transform.Transform(coefficients);
-  // Samples n and N-1-n come from a value of the frame before and one of this frame, turned.
+  // Samples n and N-1-n are one value of the previous frame and one of this frame, rotated.
   const auto lap = [&](std::size_t n, std::int64_t& nFalling, std::int64_t nNew) {
     const std::size_t nMirror = 2 * nPoints - 1 - n;
     samples[n] = Limit16(RoundShift(nFalling * window[nMirror] + nNew * window[n], kSumQ));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sines and cosines from integers alone, so that every machine gets the same ones.
+// Sines and cosines from integers only, so that every machine gets the same values.
 #pragma once
 
 #include <cstdint>

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How codecs report while they work. Callbacks run on the calling thread; what they are handed is
-// valid during the call only.
+// How codecs report while they work. Callbacks run on the calling thread; the data passed to them
+// is valid only during the call.
 #pragma once
 
-// Receives each decoded piece of PCM: its bytes and their count.
+// Receives each piece of decoded PCM: its bytes and their count.
 using PFN_DecodedData = void (*)(void* pData, unsigned int dwLength);
 
-// What an encoder reports.
+// What an encoder reports. Only the Kestrel encoder reports kStart. kProgress says how much is
+// done: in samples for Kestrel, in groups of 32 frames for Heron.
 struct S_CodecProgress {
   static constexpr unsigned int kStart = 3;     // dwValue: total sample count
-  static constexpr unsigned int kProgress = 4;  // dwValue: samples encoded so far
+  static constexpr unsigned int kProgress = 4;  // dwValue: samples or groups encoded so far
 
   unsigned int dwKind = 0;
   char szText[256] = {};  // reserved, all zero

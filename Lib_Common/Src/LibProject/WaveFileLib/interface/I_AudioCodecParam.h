@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The options of one encoding run. Values are stored as given; the codecs that read them say what
-// they mean.
+// The options of one encoding run. Values are stored as given; the codecs that read them define
+// what they mean.
 #pragma once
 
 // The platform that encoded data is made for.
@@ -12,12 +12,12 @@ enum tagAudioCodecPlatform : unsigned int {
 
 class I_AudioCodecParam {
  public:
-  // Back to the defaults.
+  // Resets all options to their defaults.
   virtual void Clear() = 0;  // 1
   virtual void SetSampleBits(unsigned short wBitsPerSample, unsigned short wStoreBitsPerSample,
                              bool bValueSigned) = 0;  // 2
   virtual bool IsSampleBitsSet() = 0;                 // 3
-  // Writes all three, set or not; no pointer may be null.
+  // Writes all three values, even if they were never set; no pointer may be null.
   virtual void GetSampleBits(unsigned short* pwBitsPerSample, unsigned short* pwStoreBitsPerSample,
                              bool* pbValueSigned) = 0;            // 4
   virtual void SetPlatform(tagAudioCodecPlatform ePlatform) = 0;  // 5
@@ -28,7 +28,7 @@ class I_AudioCodecParam {
   virtual unsigned int GetBitRate() = 0;                          // 10
   virtual void SetSilenceCondition(unsigned int dwFirst, unsigned int dwSecond) = 0;  // 11
   virtual bool IsSilenceConditionSet() = 0;                                           // 12
-  // Writes both, set or not; no pointer may be null.
+  // Writes both values, even if they were never set; no pointer may be null.
   virtual void GetSilenceCondition(unsigned int* pdwFirst, unsigned int* pdwSecond) = 0;  // 13
   virtual void SetCodingQuality(unsigned int dwQuality) = 0;                              // 14
   virtual unsigned int GetCodingQuality() = 0;                                            // 15

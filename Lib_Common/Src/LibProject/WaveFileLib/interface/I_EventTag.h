@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Moments of a sound with a command attached, and the ordered set of them that a sound owns.
+// Moments in a sound with a command attached, and the ordered set of them that a sound owns.
 #pragma once
 
 #include "CLArray.h"
@@ -25,15 +25,15 @@ class I_EventTag {
   virtual ~I_EventTag() = default;                          // 12
 };
 
-// Tags in ascending order of their moment. Tags taken out by the Remove... operations (other than
-// RemoveAllEvents) are not deleted: they pass to the caller.
+// Tags in ascending order of their moment. Tags taken out by the Remove... operations (except
+// RemoveAllEvents) are not deleted: they then belong to the caller.
 class I_EventTagMgr {
  public:
   // Both adders return the new tag, which the manager owns.
   virtual I_EventTag* AddEvent(unsigned short wMain, unsigned short wSub, unsigned int dwTime,
                                const char* pszDescription, unsigned int dwData) = 0;  // 1
   virtual void RemoveAllEvents() = 0;                                                 // 2, deletes
-  // The queries share one result list, which each of them empties first.
+  // All queries share one result list, and each query empties it first.
   virtual I_CLArray<I_EventTag*>* GetEventsByTime(unsigned int dwTime) = 0;  // 3
   virtual I_CLArray<I_EventTag*>* GetEventsByCommand(unsigned short wMain,
                                                      unsigned short wSub) = 0;  // 4
@@ -49,7 +49,7 @@ class I_EventTagMgr {
   virtual void RemoveEventsByTime(unsigned int dwTime) = 0;                            // 12
   virtual void RemoveEventsBySamplePos(unsigned int dwSamplePos) = 0;                  // 13
   virtual void RemoveEventsByCommand(unsigned short wMain, unsigned short wSub) = 0;   // 14
-  // The nOccurrence-th match, counted from 0; false when there is none.
+  // Removes the nOccurrence-th match, counted from 0; false when there is no such match.
   virtual bool RemoveEventByTime(unsigned int dwTime, int nOccurrence) = 0;            // 15
   virtual bool RemoveEventBySamplePos(unsigned int dwSamplePos, int nOccurrence) = 0;  // 16
   virtual bool RemoveEventByCommand(unsigned short wMain, unsigned short wSub,

@@ -38,12 +38,13 @@ class I_WavData {
   virtual void SetWavInfoData(unsigned int dwSampleRate, unsigned int dwByteLength,
                               unsigned short wChannels, unsigned short wBitsPerSample,
                               unsigned short wStoreBitsPerSample, bool bValueSigned) = 0;  // 10
-  // PCM and format of another sound, whose buffer is as long as its format says. False for null, or
-  // when this PCM buffer is attached.
+  // Takes copies of PCM and format of another sound, whose buffer must be as long as its format
+  // says. False for null, or when this PCM buffer is attached.
   virtual bool CopyWavData(I_WavData* pSrc) = 0;  // 11
-  // A new owned PCM buffer, not cleared, in place of the old one.
+  // Replaces the PCM by a new buffer of the sound's own, which is not cleared. dwLength is in
+  // bytes.
   virtual unsigned char* AllocBuffer(unsigned int dwLength) = 0;  // 12
-  // A copy of the bytes in place of the old PCM buffer; false when that is attached.
+  // Replaces the PCM by a copy of the bytes. False when the PCM buffer is attached.
   virtual bool SetBuffer(const void* pData, unsigned int dwLength) = 0;  // 13
   // Changes sample widths and signedness in place; bExact false stores negative values one step
   // lower. False when the PCM buffer is attached or a width is not supported.
@@ -56,54 +57,71 @@ class I_WavData {
   // A mono sound with a part of one channel; null outside the sound.
   virtual I_WavData* CreateChannelData(unsigned short wChannelNo, unsigned int dwStartSample,
                                        unsigned int dwSampleCount) = 0;  // 17
-  // Writes all bytes of a mono source, taken in this sound's stored width, into one side of this
-  // sound. With several channels, the frames are those of stereo. False, and nothing written, for a
-  // channel that does not exist or when the bytes do not fit.
+  // Writes all bytes of a mono source into one channel of this sound. The bytes are taken as
+  // samples of this sound's stored width. If this sound has several channels, it is taken as
+  // stereo. False, and nothing written, for a channel that does not exist or when the bytes do not
+  // fit. nReserved has no effect.
   virtual bool SetChannelData(I_WavData* pSrc, unsigned short wChannelNo,
                               unsigned int dwStartSample, int nReserved) = 0;  // 18
-  // Mixing does nothing when the PCM buffer is attached.
-  // The average of the channels, right for stereo; mono stays as it is.
+  // The three mixing operations do nothing when the PCM buffer is attached.
+  // Mixes the channels to their average. This is right for stereo; for more channels the frames are
+  // still taken as stereo. Mono stays as it is.
   virtual void ConvertToMono() = 0;  // 19
-  // The first two channels, mono on both sides; stereo stays as it is.
+  // Keeps the first two channels, or puts mono on both sides. Stereo stays as it is.
   virtual void ConvertToStereo() = 0;  // 20
-  // bRight 0: the first channel on the left; otherwise the second one (of mono the only one) on the
-  // right. The other side is silent.
+  // bRight 0 puts the first channel on the left. Any other value puts the second channel on the
+  // right, or the only one of mono. The other side is silent.
   virtual void ConvertToStereoWithSilence(unsigned short bRight) = 0;  // 21
   virtual I_AudioCodecParam* GetAudioCodecParam() = 0;                 // 22
-  // Writes the sound as a file of kind eType. False, and nothing written, when there is no PCM or
-  // the kind is none that can be written.
+  // Writes the sound as a file. False, and nothing written, when the byte length of the PCM is 0 or
+  // when files of kind eType cannot be written.
+  //   eType            AUDIO_FILE_WAVE, AUDIO_FILE_VEMD, AUDIO_FILE_KESTREL or one of
+  //                    AUDIO_FILE_HERON_...
+  // WAVE and VEMD are always PCM, in the widths of the codec parameters if these have any; the
+  // other arguments have no effect on them. For the codecs:
+  //   bEncode          true: the bare encoded stream, which no class opens before it is given an SP
+  //                    header (PrependSpHeader). False: a VEF container that holds the PCM, the
+  //                    annotations and the stream.
+  //   bWriteCodecHead  with bEncode: the 6-byte codec head (CodecHead.h) before the stream.
+  //   pfnProgress      may be null; it is told how far the encoder is.
+  //   bForceEncode     false: when the sound's encoded form is of kind eType already, those bytes
+  //   are
+  //                    written and the PCM is not encoded again, even if it was changed. True:
+  //                    always encode.
+  //   dwCodecOption    no effect.
   virtual bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
                        bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
                        unsigned int dwCodecOption) = 0;  // 23
   virtual I_EventTagMgr* GetEventTagMgr() = 0;           // 24
-  // Silence detection. The threshold is on a 12-bit scale, 2047 at most; the minimum length is in
-  // samples. bReplace first removes the segments that start or end in the range. A range that
-  // reaches beyond the sound ends with it. Returns the sound's own list; null, and nothing changed,
-  // for a greater threshold or a first channel above the last.
+  // Detects silence and adds a segment for each quiet stretch. dwThreshold is on a 12-bit scale, at
+  // most 2047; dwMinLength is in samples. bReplace first removes the segments that start or end in
+  // the range. A range that reaches beyond the sound ends with the sound. Returns the sound's own
+  // list; null, and nothing changed, for a greater threshold or a first channel above the last.
   virtual SilenceList* DetectSilence(unsigned int dwThreshold, unsigned int dwMinLength,
                                      bool bReplace) = 0;  // 25
   virtual SilenceList* DetectSilenceRange(unsigned int dwThreshold, unsigned int dwMinLength,
                                           unsigned int dwStartSample, unsigned int dwEndSample,
                                           unsigned short wFirstChannel, unsigned short wLastChannel,
                                           bool bReplace) = 0;  // 26
-  // Both append, merge and return the sound's own list.
+  // Both append a range, merge the list and return the sound's own list.
   virtual SilenceList* AddSilenceSegment(unsigned int dwStart, unsigned int dwEnd) = 0;   // 27
   virtual RegionList* AddUncompressRegion(unsigned int dwStart, unsigned int dwEnd) = 0;  // 28
-  // One pass over a list in which each item takes in the first other one that it shares a sample
-  // with. The order stays, and items that only touch stay apart.
+  // Both walk once over the list and merge each item with the first other item that it shares a
+  // sample with. The order stays, and items that only touch stay apart.
   virtual void MergeSilenceSegments() = 0;    // 29
   virtual void MergeUncompressRegions() = 0;  // 30
-  // The PCM is the caller's memory, which must outlive its use here and is never freed.
+  // Uses the caller's memory as PCM. It must outlive its use here and is never freed.
   virtual void AttachBuffer(void* pData, unsigned int dwLength) = 0;  // 31
   virtual unsigned char* DetachBuffer() = 0;                          // 32, null unless attached
   virtual I_WavDataBuffer* GetIWaveDataBuffer() = 0;                  // 33
-  // A gain that goes from dStartGain toward dEndGain in steps of 1024 samples; values clip. False
-  // for a range that ends outside the sound.
+  // Applies a gain that goes from dStartGain towards dEndGain in steps of 1024 samples. Values
+  // clip. False for a range that ends outside the sound.
   virtual bool ApplyGain(double dStartGain, double dEndGain) = 0;  // 34
   virtual bool ApplyGainRange(double dStartGain, double dEndGain, unsigned int dwStartSample,
                               unsigned int dwEndSample, unsigned short wFirstChannel,
                               unsigned short wLastChannel) = 0;  // 35
-  // The gain that brings the largest value before the last sample of the range to full scale.
+  // Applies the gain that brings the largest value before the last sample of the range to full
+  // scale.
   virtual bool Normalize() = 0;  // 36
   virtual bool NormalizeRange(unsigned int dwStartSample, unsigned int dwEndSample,
                               unsigned short wFirstChannel, unsigned short wLastChannel) = 0;  // 37
@@ -111,22 +129,22 @@ class I_WavData {
   virtual void SetSilenceSegmentList(SilenceList* pList) = 0;   // 39, copies start and end
   virtual RegionList* GetUncompressRegionList() = 0;            // 40
   virtual void SetUncompressRegionList(RegionList* pList) = 0;  // 41, copies start and end
-  // nType is a tagWavDataInfo; *ppInfo gets the matching interface pointer (I_WavDataCueInfo*,
-  // I_WavDataTextInfo*, I_WavDataSamplerInfo*, I_WavDataListInfo*, I_WavDataExtraChunkInfo*), null
-  // for any other type.
+  // nType is a tagWavDataInfo. *ppInfo becomes a pointer to the matching interface
+  // (I_WavDataCueInfo, I_WavDataTextInfo, I_WavDataSamplerInfo, I_WavDataListInfo or
+  // I_WavDataExtraChunkInfo); for any other type it becomes null, and the result is false.
   virtual bool GetInfo(int nType, void** ppInfo) = 0;  // 42
-  // The mean of the first channel, as the iterator sees it; right for mono.
+  // The mean of the first channel as the iterator sees it, which is right for mono.
   virtual int GetDCOffset() = 0;  // 43
   // Subtracts that mean from every channel; values clip.
   virtual void RemoveDCOffset() = 0;                                         // 44
   virtual bool Reserved45(unsigned int dwFirst, unsigned int dwSecond) = 0;  // 45, true
-  // A copy of the bytes in place of the old encoded form; false for null with a length.
+  // Replaces the encoded form by a copy of the bytes. False for null with a length.
   virtual bool SetEncBuffer(const void* pData, unsigned int dwLength) = 0;  // 46
   virtual void SetEncType(tagAudioFileType eType) = 0;                      // 47
   virtual ~I_WavData() = default;                                           // 48, 49
 };
 
-// Ends a sound of one's own with the one Release that it needs.
+// Ends a sound with the one Release that its owner owes it.
 struct S_WavDataReleaser {
   void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
 };

@@ -5,7 +5,8 @@
 
 class C_WavDataBufferIterator;
 
-// Walks one channel. Made and owned by a buffer; valid until the buffer makes another one or dies.
+// Walks one channel. A buffer makes and owns it. It is valid until the buffer makes another one or
+// is destroyed.
 class I_WavDataBufferIterator {
  public:
   virtual void SetDataPos(unsigned int dwSamplePos) = 0;  // 1
@@ -18,17 +19,18 @@ class I_WavDataBufferIterator {
 
 class I_WavDataBuffer {
  public:
-  // The value of one sample; a channel that does not exist stops the program. Positions are the
-  // caller's responsibility.
+  // The value of one sample. A channel that does not exist stops the program; a position outside
+  // the data gives 0.
   virtual int GetSampleValueInt(unsigned int dwSamplePos, unsigned short wChannelNo) = 0;  // 1
-  // Stores a value without clipping it.
+  // Stores a value without clipping it. A channel that does not exist stops the program; a position
+  // outside the data is ignored.
   virtual void SetSampleValueInt(unsigned int dwSamplePos, int nValue,
                                  unsigned short wChannelNo) = 0;  // 2
   // The largest absolute value of samples [dwStartSample, dwEndSample) and channels [wFirstChannel,
-  // wLastChannel]; -1 for a range outside the data.
+  // wLastChannel]. -1 when sample dwEndSample or channel wLastChannel does not exist.
   virtual int GetMaxAbsValue(unsigned int dwStartSample, unsigned int dwEndSample,
                              unsigned short wFirstChannel, unsigned short wLastChannel) = 0;  // 3
-  // Replaces the iterator made before, which dies. Never deleted by the caller.
+  // Deletes the iterator made before and returns a new one. The caller never deletes it.
   virtual C_WavDataBufferIterator* CreateIterator(unsigned int dwSamplePos,
                                                   unsigned short wChannelNo) = 0;  // 4
   virtual ~I_WavDataBuffer() = default;                                            // 5

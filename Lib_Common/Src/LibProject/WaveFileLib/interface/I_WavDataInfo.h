@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The informational chunks of a RIFF sound file, as objects that load themselves from a chunk, say
-// how long their chunk is, and save themselves into one of that length.
+// The informational chunks of a RIFF sound file, as objects. Most of them load themselves from a
+// chunk, say how long their chunk is, and save themselves into a chunk of that length.
 #pragma once
 
 #include "CLArray.h"
 #include "I_RiffChunk.h"
 
-// The kinds that I_WavData::GetInfo tells apart.
+// The kinds of information that I_WavData::GetInfo returns.
 enum tagWavDataInfo : int {
   WAV_DATA_INFO_CUE = 1,
   WAV_DATA_INFO_TEXT = 2,
@@ -50,7 +50,7 @@ class I_WavDataCueInfo {
   virtual void Reset() = 0;                                       // 2
   virtual int GetCuePointCount() = 0;                             // 3
   virtual I_WavDataCuePoint* GetCuePointByIndex(int nIndex) = 0;  // 4
-  // The first point with that identifier, null when none; *pnIndex (may be null) gets its index.
+  // The first point with this identifier, or null. *pnIndex gets its index; pnIndex may be null.
   virtual I_WavDataCuePoint* FindCuePointByID(unsigned int dwID, int* pnIndex) = 0;  // 5
   // A point whose identifier is already present is overwritten in place.
   virtual bool AddCuePoint(unsigned int dwID, unsigned int dwPosition, unsigned int dwDataChunkID,
@@ -108,7 +108,7 @@ class I_WavDataSamplerInfo {
   virtual void SetMIDIPitchFraction(unsigned int dwFraction) = 0;  // 17
   virtual void SetSMPTEFormat(tagSMPTEFormat eFormat) = 0;         // 18
   virtual void SetSMPTEOffset(unsigned int dwOffset) = 0;          // 19
-  // Kept: the setter of the data length carries the getter's name, and callers are compiled against
+  // Kept: the setter of the data length has the getter's name, because callers are compiled against
   // it. Pinned by SamplerDataLength_IsSetThroughTheGettersName.
   virtual void GetSamplerData(unsigned int dwLength) = 0;             // 20
   virtual I_WavDataSampleLoop* GetSampleLoopByIndex(int nIndex) = 0;  // 21
@@ -128,14 +128,14 @@ class I_WavDataListInfo {
   virtual unsigned int GetChunkLength() = 0;  // 1, bytes
   virtual int GetLabelCount() = 0;            // 2
   virtual void RemoveAllLabels() = 0;         // 3
-  // The text (owned by the list); *pdwID gets the cue point identifier.
+  // Returns the text, which the list owns; *pdwID gets the cue point identifier.
   virtual const char* GetLabelByIndex(int nIndex, unsigned int* pdwID) = 0;  // 4
-  // Appends, also when the identifier is already present; at most 64 characters are kept.
+  // Appends a label, even if the identifier is already present; at most 64 characters are kept.
   virtual bool AddLabel(unsigned int dwID, const char* pszText) = 0;  // 5
   virtual int GetLtxtCount() = 0;                                     // 6
   virtual void RemoveAllLtxts() = 0;                                  // 7
-  // The purpose: four characters, zeros among them or not, and a terminating zero; owned by the
-  // list.
+  // Returns the purpose, which the list owns: four characters, any of which may be zero, and a
+  // terminating zero.
   virtual const char* GetLtxtByIndex(int nIndex, unsigned int* pdwID,
                                      unsigned int* pdwSampleLength) = 0;  // 8
   virtual bool AddLtxt(unsigned int dwID, unsigned int dwSampleLength,
@@ -148,22 +148,23 @@ class I_WavDataListInfo {
 // Any other chunk, kept verbatim.
 class I_WavDataExtraChunk {
  public:
-  // Four characters, zeros among them or not, and a terminating zero.
+  // Four characters, any of which may be zero, and a terminating zero.
   virtual const char* GetChunkName() = 0;  // 1
-  // The length in bytes; *ppbyData gets the chunk's own buffer, null when it is empty.
+  // Returns the length in bytes. *ppbyData gets the chunk's own buffer, or null when the chunk is
+  // empty.
   virtual unsigned int GetChunkData(unsigned char** ppbyData) = 0;  // 2
   virtual ~I_WavDataExtraChunk() = default;                         // 3
 };
 
-// A list with four more operations, which stand between RemoveAll and the destructor.
+// A list with four more operations, whose slots lie between RemoveAll and the destructor.
 class I_WavDataExtraChunkInfo {
  public:
   virtual int GetSize() const = 0;                                    // 1
   virtual I_WavDataExtraChunk* GetItemByIndex(int nIndex) const = 0;  // 2, std::out_of_range
   virtual void RemoveItemByIndex(int nIndex) = 0;                     // 3
   virtual void RemoveAll() = 0;                                       // 4
-  // Names are four characters. Data is copied; length 0 keeps no buffer. False for a length without
-  // data.
+  // Names are four characters. The data is copied; with length 0, no buffer is kept. False when the
+  // length is above 0 and pData is null.
   virtual bool AddChunk(const char* pszName, const void* pData, unsigned int dwLength) = 0;  // 5
   virtual bool DelChunkByName(const char* pszName) = 0;  // 6, first match; false when none
   // Reads the whole payload of the chunk.

@@ -27,39 +27,48 @@ class I_WavFileInfo {
 
 class I_WavFile : public I_WavFileInfo {
  public:
-  // Refers to a sound of the caller's, which must outlive the attachment.
+  // Uses a sound of the caller's, which must outlive the attachment. A sound of the file's own is
+  // released first.
   virtual void AttachWavData(I_WavData* pIWavData) = 0;  // 7
   virtual I_WavData* DetachWavData() = 0;                // 8, null unless attached
   virtual I_WavData* GetWavData() = 0;                   // 9, borrowed; null when there is none
-  virtual unsigned char* GetWavDataBuffer() = 0;         // 10, the PCM
-  virtual bool CopyWavData(I_WavData* pSrc) = 0;         // 11
-  virtual void SetWavInfo(I_WavInfo* pIWavInfo) = 0;     // 12
+  // The next four are the operations of I_WavData with the same names. The last three of them make
+  // the sound first when there is none.
+  virtual unsigned char* GetWavDataBuffer() = 0;      // 10, the PCM; null without a sound
+  virtual bool CopyWavData(I_WavData* pSrc) = 0;      // 11
+  virtual void SetWavInfo(I_WavInfo* pIWavInfo) = 0;  // 12
   virtual void SetWavInfoData(unsigned int dwSampleRate, unsigned short wChannels,
                               unsigned short wBitsPerSample, unsigned short wStoreBitsPerSample,
                               bool bValueSigned) = 0;  // 13, keeps the byte length
   virtual bool SetBuffer(const void* pData, unsigned int dwLength) = 0;  // 14
-  virtual I_AudioCodecParam* GetAudioCodecParam() = 0;                   // 15
+  // The options for writing; makes the sound first when there is none.
+  virtual I_AudioCodecParam* GetAudioCodecParam() = 0;  // 15
+  // Writes the sound as a file of another kind: see I_WavData::Convert. False without a sound.
   virtual bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
                        bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
                        unsigned int dwCodecOption) = 0;    // 16
   virtual bool GetDataInfo(int nType, void** ppInfo) = 0;  // 17, as I_WavData::GetInfo
   virtual ~I_WavFile() = default;                          // 18, 19
   virtual unsigned int GetDataStartPos() = 0;              // 20, stream offset of the samples
-  // Is this the class for that file? With bWithInfo the wave data gets the format and the
-  // informational chunks.
+  // True when this class reads that file. With bWithInfo the sound, which is made first when there
+  // is none, gets the format and the informational chunks of the file.
   virtual bool CheckFormat(const char* pszFileName, bool bWithInfo) = 0;  // 21
-  // Reads the sound of the file that was checked and named. Codec files pass each decoded piece to
-  // pfnData when it is given.
+  // Reads the samples of the file that was checked and named; for use by the classes themselves.
+  //   bKeepEncoded    of a VEF container that a codec class opened: true reads the PCM that it
+  //                   stores, false decodes its stream. No effect on other files.
+  //   pszCodecOption  no effect; null will do.
+  //   pfnData         may be null. It is given each decoded frame of a Kestrel stream that stands
+  //                   after an SP header, and nothing of other files.
   virtual bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                         PFN_DecodedData pfnData) = 0;  // 22
-  // Writes the sound; false without one. The arguments after the name are the codec files': see
-  // there.
+  // Writes the sound as the class's own kind of file; false without a sound. The arguments are
+  // those of I_WavData::Convert.
   virtual bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                          PFN_CodecProgress pfnProgress, bool bForceEncode,
                          unsigned int dwCodecOption) = 0;  // 23
 };
 
-// Ends a file object of one's own with the one Release that it needs.
+// Ends a file object with the one Release that its owner owes it.
 struct S_WavFileReleaser {
   void operator()(I_WavFile* pIWavFile) const { pIWavFile->Release(); }
 };

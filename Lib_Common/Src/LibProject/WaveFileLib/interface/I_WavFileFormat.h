@@ -10,10 +10,22 @@ class I_WavFileFormat {
   virtual void Release() = 0;  // 1, deletes; never call it on an object that was not made with new
   virtual tagAudioFileType GetFileFormat(const char* pszFileName) = 0;             // 2
   virtual bool IsFileFormat(const char* pszFileName, tagAudioFileType eType) = 0;  // 3
-  // The object of the first class that opens the file, null when none does; the caller releases it.
+  // Opens a sound file of any kind that the library reads. Returns an object of the first class
+  // that opens it, which the caller ends with Release; null when no class does.
+  //   bLoadData       true: the whole sound, in memory. False: only its format and its
+  //   informational
+  //                   chunks; the events, silence segments and regions of a WAV file are made from
+  //                   those chunks when the samples load. The other arguments then have no effect.
+  // The last three are those of I_WavFile::LoadData:
+  //   bKeepEncoded    of a VEF container: true for the PCM that it stores, false for its stream,
+  //                   decoded.
+  //   pszCodecOption  no effect.
+  //   pfnData         may be null; called with each decoded frame of a Kestrel file. A load that
+  //                   fails is tried once more, and then hands over the first frames again.
   virtual I_WavFile* CreateWavFile(const char* pszFileName, bool bLoadData, bool bKeepEncoded,
                                    const char* pszCodecOption, PFN_DecodedData pfnData) = 0;  // 4
-  virtual I_WavFile* OpenWavFile(const char* pszFileName) = 0;  // 5, without samples
+  // CreateWavFile without samples.
+  virtual I_WavFile* OpenWavFile(const char* pszFileName) = 0;  // 5
   virtual bool IsSupportedFormat(const char* pszFileName) = 0;  // 6
   virtual bool IsCodecAvailable() = 0;                          // 7
   virtual ~I_WavFileFormat() = default;                         // 8, 9

@@ -11,11 +11,11 @@ class I_WavInfo {
   virtual unsigned int GetTimeLength() = 0;  // 1
   // Length of the PCM data in bytes.
   virtual unsigned int GetByteLength() = 0;  // 2
-  // Length of the encoded form in bytes, 0 when none is held.
+  // Length of the encoded form in bytes; 0 when there is no encoded form.
   virtual unsigned int GetEncByteLen() = 0;  // 3
   // Samples per second per channel.
   virtual unsigned int GetSampleRate() = 0;  // 4
-  // Number of sample frames. Channels and stored bits must have been set.
+  // Number of sample frames; 0 until channels and stored bits have been set.
   virtual unsigned int GetSampleSize() = 0;  // 5
   // Significant bits of one sample value.
   virtual unsigned short GetBitsPerSample() = 0;  // 6
@@ -32,7 +32,7 @@ class I_WavInfo {
   virtual void SetSampleRate(unsigned int dwSampleRate) = 0;  // 13
   // Copies everything but the encoded length.
   virtual void SetInfo(I_WavInfo* pIWavInfo) = 0;  // 14
-  // Sets these six and nothing else.
+  // Sets these six values and nothing else.
   virtual void SetInfoData(unsigned int dwSampleRate, unsigned int dwByteLength,
                            unsigned short wChannels, unsigned short wBitsPerSample,
                            unsigned short wStoreBitsPerSample, bool bValueSigned) = 0;  // 15

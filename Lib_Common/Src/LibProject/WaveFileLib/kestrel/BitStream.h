@@ -3,8 +3,9 @@
 // The bits of one frame in 16-bit words: bit 0 of the frame is the most significant bit of word 0,
 // bit 16 that of word 1. Fields follow one another without gaps, each most significant bit first.
 //
-// Neither direction ever leaves the frame. What is written past its end is dropped, what is read
-// past it is 0, and both go on counting, so that a caller sees by how much the frame was too small.
+// Neither direction ever leaves the frame. Bits written past its end are dropped, and bits read
+// past its end are 0. Both directions still count these bits, so that a caller sees by how much the
+// frame was too small.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +18,7 @@ namespace kestrel {
 
 class C_BitWriter {
  public:
-  // Clears the words, which stay the caller's.
+  // Clears the words, which the caller keeps.
   explicit C_BitWriter(std::span<std::uint16_t> words) noexcept;
 
   // The low nBits (0..32) of dwValue.

@@ -10,7 +10,7 @@ namespace kestrel {
 namespace {
 
 constexpr int kBalances = kControlValues - 1;
-constexpr int kFullValueBits = 320;  // of the bits beyond this only 5/8 count
+constexpr int kFullValueBits = 320;  // beyond this, only 5/8 of the bits count
 constexpr int kOffsetMargin = 32;
 
 int ExpectedBits(int nCategory) { return kExpectedBits[Index(RealCategory(nCategory))]; }
@@ -65,7 +65,7 @@ class C_Categoriser {
     return assignment;
   }
 
-  // The largest offset, in binary search, that does not spend too little.
+  // The largest offset that does not spend too little, found by binary search.
   int FindOffset() const {
     int nOffset = -32;
     for (int nStep = 32; nStep > 0; nStep /= 2) {
@@ -79,8 +79,8 @@ class C_Categoriser {
     return m_nOffset - m_envelope[Index(nRegion)] - 2 * assignment.categories[Index(nRegion)];
   }
 
-  // The bounds 99 and -99 matter for damaged frames: an excess beyond them is no candidate, and
-  // without a candidate the last choice holds.
+  // The bounds 99 and -99 matter only for damaged frames: a region whose excess is beyond them is
+  // no candidate, and without a candidate the last choice is used again.
   void Refine() {
     int nBest = 99;
     for (int r = 0; r < m_nRegions; ++r) {
@@ -111,7 +111,8 @@ class C_Categoriser {
   int m_nOffset;
   S_Assignment m_rich;
   S_Assignment m_poor;
-  // Refinements grow to the front from the middle, coarsenings to the back.
+  // Refinements are stored from the middle towards the front, coarsenings from the middle towards
+  // the back.
   std::array<int, kBalances + kBalances> m_balances{};
   int m_nFront = kBalances;
   int m_nBack = kBalances;

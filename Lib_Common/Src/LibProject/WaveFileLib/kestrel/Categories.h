@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Shares the bits of a frame out over its regions. From the envelope alone, so that encoder and
-// decoder agree without a bit spent, each region gets a category (0 finest .. 7 noise only), and a
-// list of 15 balances leads from a choice that costs a little too much to one that costs a little
+// Shares out the bits of a frame over its regions. Everything follows from the envelope, so encoder
+// and decoder agree without spending a bit. Each region gets a category (0 finest .. 7 noise only).
+// A list of 15 balances leads from a choice that costs a little too much to one that costs a little
 // too little. The control value (0..15) in the frame says how many of them apply.
 #pragma once
 
@@ -16,8 +16,8 @@ inline constexpr int kControlBits = 4;
 inline constexpr int kControlValues = 1 << kControlBits;
 
 // Category per region. It can go past 7 when nothing is left to coarsen (and below 0 in damaged
-// frames); such a category counts on, so that taking a step back leads to the one before, and
-// stands for its nearest real one.
+// frames). Such a category keeps counting, so that a step back returns to the previous one. It
+// stands for the nearest real category.
 using S_Categories = std::array<int, kMaxRegions>;
 
 struct S_Categorisation {
@@ -25,10 +25,10 @@ struct S_Categorisation {
   std::array<int, kControlValues - 1> balances;  // region that the n-th balance coarsens by one
 };
 
-// The category that a counted one stands for: 0..7.
+// The real category (0..7) that a counted one stands for.
 int RealCategory(int nCategory) noexcept;
 
-// nAvailableBits: what envelope and control leave of the frame; may be negative.
+// nAvailableBits: the bits of the frame that envelope and control leave over; may be negative.
 S_Categorisation Categorise(int nAvailableBits, const S_Envelope& envelope, int nRegions) noexcept;
 
 // Applies the first nControl balances.

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Frame words to samples. A plain object without shared state: any number may work side by side.
+// Decodes frame words to samples. A decoder is a plain object without shared state: any number of
+// them may work side by side.
 //
-// Any words decode. A frame that contradicts itself is damaged: the last good frame is repeated in
-// its place once, after that there is silence until the next good one.
+// Any words can be decoded. A frame that contradicts itself counts as damaged: the last good frame
+// is repeated once in its place, and after that there is silence until the next good frame.
 #pragma once
 
 #include <cstdint>
@@ -31,11 +32,11 @@ class C_Decoder {
  public:
   // At 16000 bit/s.
   constexpr C_Decoder() noexcept = default;
-  // Configures for the bit rate and forgets every frame before. See Configure for the result.
+  // Configures for the bit rate and forgets all earlier frames. See Configure for the result.
   const S_Configuration& Init(std::uint32_t dwBitRate) noexcept;
   [[nodiscard]] const S_Configuration& Configuration() const noexcept { return m_configuration; }
 
-  // words: nWordsPerFrame words at least, of which so many are read.
+  // words holds at least nWordsPerFrame words; only that many are read.
   void Decode(std::span<const std::uint16_t> words,
               std::span<std::int16_t, kSamplesPerFrame> samples) noexcept;
 
@@ -49,11 +50,12 @@ struct S_UnpackedFrame {
   bool bDamaged = false;
 };
 
-// Reads a frame out of all of words. The generator moves on in a damaged frame as in a good one.
+// Reads a frame from all of words. The generator moves on in a damaged frame just as in a good one.
 S_UnpackedFrame UnpackFrame(std::span<const std::uint16_t> words, int nRegions,
                             S_NoiseGenerator& noise) noexcept;
 
-// What is to be heard for the frame.
+// Returns the spectrum to play for the frame. For a damaged frame this is lastGood, which then
+// becomes silence.
 S_Spectrum Conceal(const S_UnpackedFrame& frame, S_Spectrum& lastGood) noexcept;
 
 }  // namespace kestrel

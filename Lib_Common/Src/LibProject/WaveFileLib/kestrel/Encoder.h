@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Samples to frame words. A plain object without shared state: any number may work side by side.
+// Encodes samples to frame words. An encoder is a plain object without shared state: any number of
+// them may work side by side.
 //
 // A frame holds: envelope | control, 4 bits | vectors of the regions in order | ones up to its end.
-// What does not fit is cut off.
+// Anything that does not fit is cut off.
 #pragma once
 
 #include <cstdint>
@@ -14,18 +15,18 @@
 namespace kestrel {
 
 struct S_EncoderState {
-  S_Frame history{};  // the frame before
+  S_Frame history{};  // the previous frame
 };
 
 class C_Encoder {
  public:
   // At 16000 bit/s.
   constexpr C_Encoder() noexcept = default;
-  // Configures for the bit rate and forgets every frame before. See Configure for the result.
+  // Configures for the bit rate and forgets all earlier frames. See Configure for the result.
   const S_Configuration& Init(std::uint32_t dwBitRate) noexcept;
   [[nodiscard]] const S_Configuration& Configuration() const noexcept { return m_configuration; }
 
-  // words: room for nWordsPerFrame words at least, of which so many are written.
+  // words has room for at least nWordsPerFrame words; only that many are written.
   void Encode(std::span<const std::int16_t, kSamplesPerFrame> samples,
               std::span<std::uint16_t> words) noexcept;
 
@@ -34,7 +35,7 @@ class C_Encoder {
   S_EncoderState m_state;
 };
 
-// What an encoder does with the coefficients of a frame; fills all of words.
+// Encodes the coefficients of a frame; fills all of words.
 void EncodeCoefficients(S_Frame coefficients, int nShift, int nRegions,
                         std::span<std::uint16_t> words) noexcept;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The measures of a frame, the same at every bit rate: 20 ms at 16 kHz, as many coefficients as
+// The dimensions of a frame, the same at every bit rate: 20 ms at 16 kHz, as many coefficients as
 // samples, regions of 20 coefficients (500 Hz).
 #pragma once
 
@@ -22,7 +22,7 @@ using S_Frame = std::array<std::int16_t, kSamplesPerFrame>;
 using S_Region = std::span<std::int16_t, kRegionSize>;
 using S_ConstRegion = std::span<const std::int16_t, kRegionSize>;
 
-// Regions, categories and symbols are computed with as ints, and never negative where they index.
+// Regions, categories and symbols are computed as ints. They are never negative where they index.
 constexpr std::size_t Index(int nValue) noexcept { return static_cast<std::size_t>(nValue); }
 
 // nRegion: 0..13.

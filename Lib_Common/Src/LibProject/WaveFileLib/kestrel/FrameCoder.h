@@ -4,12 +4,12 @@
 // (320 samples) to one frame of 16-bit words, and back.
 //
 //   init(bit rate) -> words per frame     once per stream
-//   frame, frame, frame ...               each builds on the one before
+//   frame, frame, frame ...               each builds on the previous one
 //
-// There is one encoder and one decoder per process, independent of each other and unguarded: at
-// most one encode and one decode may run at a time. Before the first init both stand as if they had
-// been initialised at 16000 bit/s. Code that needs several coders uses kestrel::C_Encoder and
-// kestrel::C_Decoder.
+// There is one encoder and one decoder per process. They are independent of each other and
+// unguarded: at most one encode and one decode may run at a time. Before the first init, both
+// behave as if they had been initialised at 16000 bit/s. Code that needs several coders uses
+// kestrel::C_Encoder and kestrel::C_Decoder.
 #pragma once
 
 #include <cstdio>

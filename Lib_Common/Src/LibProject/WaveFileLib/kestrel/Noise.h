@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The noise that stands in for coefficients without bits: plus or minus one level per region, the
-// signs from a random generator that runs on from frame to frame.
+// The noise that stands in for coefficients that got no bits: plus or minus one level per region.
+// The signs come from a random generator that runs on from frame to frame.
 #pragma once
 
 #include <array>

@@ -12,13 +12,13 @@ namespace kestrel {
 
 using S_PowerEntries = std::array<int, kMaxRegions>;
 
-// Scales every coded region into the quantiser's range; the entries that CodeRegion needs.
+// Scales every coded region into the quantiser's range. Returns the entries that CodeRegion needs.
 S_PowerEntries RescaleRegions(S_Frame& coefficients, const S_Envelope& envelope, int nShift,
                               int nRegions) noexcept;
 
 struct S_CodedFrame {
   std::array<S_CodedRegion, kMaxRegions> regions{};
-  int nBits = 0;     // of all regions; above what is available only with the last control value
+  int nBits = 0;     // of all regions; above nAvailableBits only with the last control value
   int nControl = 0;  // 0..15
 };
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Predicates that the constant tables state about themselves at compile time.
+// Predicates that the constant tables assert about themselves at compile time.
 #pragma once
 
 #include <algorithm>
@@ -46,7 +46,7 @@ constexpr bool AllProductsAre(const auto& left, const auto& right, int nProduct)
                     [=](int nA, int nB) { return nA * nB == nProduct; });
 }
 
-// From entry nFirst to nLast an entry is twice the one two before it, to within rounding.
+// From entry nFirst to nLast, each entry is twice the one two places before it, to within rounding.
 constexpr bool DoublesEveryOtherEntry(const auto& table, std::size_t nFirst, std::size_t nLast) {
   for (std::size_t i = nFirst + 2; i <= nLast; ++i) {
     const int nMiss = table[i] - 2 * table[i - 2];

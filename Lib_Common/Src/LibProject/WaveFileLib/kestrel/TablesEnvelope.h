@@ -15,8 +15,8 @@ namespace kestrel {
 // Entry of region power index 0 in the two tables below.
 inline constexpr int kPowerIndexZero = 24;
 
-// Standard deviation of a region, integer: 2^((n - 24) / 2). 0 where the value is below half and
-// from entry 54 on, above what 16 bits can scale.
+// Standard deviation of a region, integer: 2^((n - 24) / 2). It is 0 where the value is below one
+// half, and from entry 54 on, where the value no longer fits in 16 bits.
 inline constexpr std::array<std::int16_t, 64> kStandardDeviation = {
     0,    0,    0,    0,     0,     0,     0,   0,   0,   0,   0,   0,   0,    0,    0,    0,
     0,    0,    0,    0,     0,     0,     1,   1,   1,   1,   2,   3,   4,    6,    8,    11,
@@ -38,8 +38,8 @@ static_assert(NeverRises(kStandardDeviationInverse));
 inline constexpr int kLowestPowerStep = -12;
 inline constexpr int kPowerStepSymbols = 24;
 
-// Code words of the symbol for regions 1..13 (entry 0 is region 1); most probable around the slope
-// of a speech spectrum. A complete prefix code per region.
+// Code words of the symbol for regions 1..13 (entry 0 is region 1). The most probable differences
+// lie around the slope of a speech spectrum. Each region has a complete prefix code.
 inline constexpr std::array<std::array<S_Code, kPowerStepSymbols>, 13> kPowerStepCodes = {
     {{{{4, 8},   {6, 38},  {5, 18},    {5, 10},    {4, 7},     {4, 6},     {4, 3},     {4, 2},
        {4, 0},   {4, 1},   {3, 7},     {3, 6},     {3, 5},     {4, 4},     {5, 11},    {7, 78},

@@ -33,15 +33,16 @@ inline constexpr std::array<std::int16_t, kCategories> kStepSizeInverse = {
     23167, 16384, 11585, 8192, 5793, 4096, 2896, 2896};
 static_assert(NeverRises(kStepSizeInverse));
 
-// Rounding offset of the quantiser (0.5 less the dead zone), in two parts: Q13, and the two bits
-// below it. 0.3 for category 0, rising to 0.5 for category 6.
+// Rounding offset of the quantiser (0.5 minus the dead zone), in two parts: Q13, and the two bits
+// below it. It is 0.3 for category 0 and rises to 0.5 for category 6.
 inline constexpr std::array<std::int16_t, kCategories> kDeadZone = {2457, 2703, 2949, 3195,
                                                                     3440, 3686, 4096, 4096};
 inline constexpr std::array<std::int16_t, kCategories> kDeadZoneLowBits = {2, 1, 0, 0, 3, 2, 0, 0};
 static_assert(NeverFalls(kDeadZone) && AllWithin(kDeadZoneLowBits, 0, 3));
 
-// Reconstruction level of a bin relative to the standard deviation, Q12; the centroids of measured
-// coefficients, so without a formula. Bins that a category does not have are 0.
+// Reconstruction level of a bin relative to the standard deviation, Q12. The levels are the
+// centroids of measured coefficients, so they have no formula. Bins that a category does not have
+// are 0.
 inline constexpr std::array<std::array<std::int16_t, 16>, kCategories> kCentroid = {
     {{{0, 1606, 3119, 4586, 6049, 7502, 8941, 10406, 11851, 13292, 14736, 16146, 17566, 19351, 0,
        0}},

@@ -5,7 +5,7 @@
 // vector; sign bits of the bins that are not zero follow it in the frame.
 //
 // Some rare vectors share the code word of a neighbour with the same zeros, so a code has fewer
-// words than entries: coding goes by table index, decoding by tree.
+// words than entries. Coding therefore uses the table index, and decoding uses the tree.
 #pragma once
 
 #include <array>

@@ -15,8 +15,8 @@ namespace {
 constexpr int kHighestPowerEntry = 40;
 constexpr std::size_t kMaxDimension = 5;
 
-// Magnitude to bin for one category and power: the inverse of step * standard deviation in Q13 with
-// two more bits, and the rounding offset, kept in the same two parts.
+// Maps magnitudes to bins for one category and power. It holds the inverse of step * standard
+// deviation in Q13 plus two more bits, and the rounding offset in the same two parts.
 struct S_Quantiser {
   int nInverse;
   int nInverseLowBits;
@@ -77,10 +77,10 @@ std::optional<int> ReadVectorIndex(C_BitReader& reader, std::span<const S_TreeNo
   return -nNode;
 }
 
-// Kept: the sign moves on with the value, not with the bin. Under a small deviation a bin comes out
-// as 0, and its sign then serves the next coefficient of the vector; the streams that are about
-// were decoded that way from the first, and a decoder that kept bins and signs together would play
-// other samples. Pinned by ABinThatComesOutAsZero_LeavesItsSignToTheNext.
+// Kept: a sign is used up by a value that is not 0, not by a bin that is not 0. With a small
+// deviation a bin can come out as 0, and its sign then serves the next coefficient of the vector.
+// Existing streams have been decoded that way from the start; a decoder that kept bins and signs
+// together would play other samples. Pinned by ABinThatComesOutAsZero_LeavesItsSignToTheNext.
 void Dequantise(const S_Bins& bins, int nSigns, int nSignBits, int nCategory,
                 std::int16_t nDeviation, std::span<std::int16_t> coefficients) {
   for (std::size_t i = 0; i < coefficients.size(); ++i) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Coefficients of a region as vectors of quantised bins: a code word for the magnitudes of a
-// vector, then one sign bit (1 = positive) for each bin that is not 0.
+// Codes the coefficients of a region as vectors of quantised bins: a code word for the magnitudes
+// of a vector, then one sign bit (1 = positive) for each bin that is not 0.
 #pragma once
 
 #include <array>
@@ -24,8 +24,8 @@ struct S_CodedRegion {
   int nBits = 0;
 };
 
-// Scales a region down where its power is beyond the quantiser's range. nPowerEntry is the region's
-// entry in the table of standard deviations at the shift of its coefficients (7..66); returns the
+// Scales a region down if its power is beyond the quantiser's range. nPowerEntry is the region's
+// entry in the table of standard deviations at the shift of its coefficients (7..66). Returns the
 // entry after scaling (7..40).
 int RescaleRegion(S_Region region, int nPowerEntry) noexcept;
 
@@ -33,8 +33,8 @@ int RescaleRegion(S_Region region, int nPowerEntry) noexcept;
 S_CodedRegion CodeRegion(S_ConstRegion region, int nCategory, int nPowerEntry) noexcept;
 void WriteRegion(C_BitWriter& writer, const S_CodedRegion& coded) noexcept;
 
-// Reads a region of category 0..6. False when the frame's bits run out; the region then holds the
-// vectors before, and a vector's signs stay unread if not all of them are there.
+// Reads a region of category 0..6. False when the frame's bits run out. The region then holds the
+// vectors read before that; a vector's signs stay unread if the frame does not hold them all.
 bool ReadRegion(C_BitReader& reader, int nCategory, std::int16_t nDeviation,
                 S_Region region) noexcept;
 

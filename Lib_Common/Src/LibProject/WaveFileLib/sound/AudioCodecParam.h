@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The options of one encoding run. Made with its defaults, filled by the caller of an encoding,
-// read by the codec.
+// The options of one encoding run. A sound makes them with the defaults below, callers set them,
+// and codecs and writers read them. The library itself reads only the sample bits (when a file is
+// written), the bit rate (by Kestrel, in bit/s) and the platform; all other options are only kept
+// for the caller.
 #pragma once
 
 #include "interface/I_AudioCodecParam.h"

@@ -12,10 +12,10 @@ namespace monomix {
 namespace {
 
 constexpr std::uint32_t kSampleBytes = 2;
-// Short enough for the width conversion, whose count of bits wraps at half a gibibyte.
+// Short enough for the width conversion, where the count of bits wraps at half a gibibyte.
 constexpr unsigned int kBlockFrames = 65536;
 
-// Counted here in 64 bits: the format's own count wraps too. nChannels is not 0.
+// Counts in 64 bits, because the format's own count wraps too. nChannels must not be 0.
 std::optional<unsigned int> CountFrames(I_WavData& wavData, std::int32_t nChannels) {
   const auto qwFrameBits =
       static_cast<std::uint64_t>(nChannels) * wavData.GetWavInfo()->GetStoreBitsPerSample();
@@ -25,7 +25,7 @@ std::optional<unsigned int> CountFrames(I_WavData& wavData, std::int32_t nChanne
   return static_cast<unsigned int>(qwFrames);
 }
 
-// Adds the samples of one channel from dwStart on to the sums, of which there is one per frame.
+// Adds the samples of one channel, from frame dwStart on, to the sums. There is one sum per frame.
 bool AddChannel(I_WavData& wavData, unsigned short wChannel, unsigned int dwStart,
                 std::span<std::int32_t> sums) {
   const auto dwFrames = static_cast<unsigned int>(sums.size());
@@ -41,7 +41,7 @@ bool AddChannel(I_WavData& wavData, unsigned short wChannel, unsigned int dwStar
 // Appends the mix of dwFrames frames from dwStart on.
 bool MixBlock(I_WavData& wavData, std::int32_t nChannels, unsigned int dwStart,
               unsigned int dwFrames, std::vector<short>& mix) {
-  // 65,535 channels of 16 bits stay within 32.
+  // The sum of 65,535 channels of 16 bits fits 32 bits.
   std::vector<std::int32_t> sums(dwFrames);
   for (std::int32_t i = 0; i < nChannels; ++i) {
     if (!AddChannel(wavData, static_cast<unsigned short>(i), dwStart, sums)) return false;
@@ -57,7 +57,7 @@ std::optional<std::vector<short>> SamplesOf(I_WavData& wavData) {
   if (wavData.GetBuffer() == nullptr || nChannels == 0) return std::nullopt;
   const auto dwFrames = CountFrames(wavData, nChannels);
   if (!dwFrames) return std::nullopt;
-  // Grows with what is there: the format may claim more.
+  // Grows with the samples that are mixed, because the format may claim more than the sound holds.
   std::vector<short> mix;
   for (unsigned int dwDone = 0; dwDone < *dwFrames;) {
     const unsigned int dwBlock = std::min(kBlockFrames, *dwFrames - dwDone);

@@ -10,10 +10,11 @@
 
 namespace monomix {
 
-// Each sample is brought to 16 bits as I_WavData::CreateBitsConvertedData does, exactly; those of a
-// frame are then averaged, toward zero. Other than I_WavData::ConvertToMono this is right for any
-// number of channels. Empty when there is no PCM, when the widths are not supported, when the sound
-// holds fewer bytes than its format says, and when the result would not fit the length of a buffer.
+// Each sample is converted to 16 bits as by I_WavData::CreateBitsConvertedData with bExact. The
+// samples of a frame are then averaged, rounded toward zero. Unlike I_WavData::ConvertToMono, this
+// is right for any number of channels. Empty when there is no PCM, when the widths are not
+// supported, when the sound holds fewer bytes than its format says, and when the result would not
+// fit the length of a buffer.
 std::optional<std::vector<short>> SamplesOf(I_WavData& wavData);
 
 }  // namespace monomix

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The sound object that every reader, codec and the player exchange.
+// The sound object that readers, codecs and the player exchange. I_WavData.h says what the
+// operations do, what their arguments mean and who owns the results.
 //
-// The operations are defined in files by what they do: WavData (life, buffers, format),
+// The operations are defined in several files, by what they do: WavData (life, buffers, format),
 // WavDataSilence (segments and regions), WavDataGain (gain, normalising, DC offset), WavDataWidth
 // (sample widths), WavDataChannels (mixing, extraction), WavDataConvert (writing a file).
 #pragma once
@@ -53,6 +54,9 @@ class C_WavData : public I_WavData {
   void ConvertToStereo() override;
   void ConvertToStereoWithSilence(unsigned short bRight) override;
   I_AudioCodecParam* GetAudioCodecParam() override { return &m_codecParam; }
+  // Writes the sound with WriteFile of the class for eType, which says what the other arguments
+  // mean: C_WavFile, C_HeronFileBase or C_KestrelFile. The encoded form can be reused when
+  // GetEncType is eType.
   bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                PFN_CodecProgress pfnProgress, bool bForceEncode,
                unsigned int dwCodecOption) override;
@@ -88,26 +92,26 @@ class C_WavData : public I_WavData {
   bool SetEncBuffer(const void* pData, unsigned int dwLength) override;
   void SetEncType(tagAudioFileType eType) override { m_eEncType = eType; }
 
-  // Sets every sample of every channel inside the silence segments to silence. Segments may reach
-  // beyond the sound; a null one stops the program.
+  // Sets every sample of every channel inside the silence segments to 0. Segments may reach beyond
+  // the sound. A null segment stops the program.
   void MakeSilenceSegmentsMute();
 
  private:
-  // What a range over the whole sound ends with; both wrap for a sound without samples, which every
-  // range operation then refuses or finds empty.
+  // The ends of a range over the whole sound. Both wrap for a sound without samples; every range
+  // operation then refuses the range or finds it empty.
   unsigned int LastSample() { return m_pcmBuffer.GetHeldSampleSize() - 1; }
   unsigned short LastChannel() { return static_cast<unsigned short>(m_wavInfo.GetChannels() - 1); }
-  // The format with other channels and another length.
+  // The sound's format with another channel count and another length in bytes.
   C_WavInfo FormatWith(unsigned short wChannels, unsigned int dwByteLength);
   void SetByteLength(unsigned int dwLength);
-  // False when the format claims more bytes than there are, which then must not be copied.
+  // False when the format claims more bytes than the buffer holds; such PCM must not be copied.
   bool HoldsItsBytes() { return GetBufferLength() <= m_pcmBuffer.GetLength(); }
   // True when the PCM may be replaced by another mix of its channels.
   bool CanMix();
   void InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels);
-  // Left and right each show one of the channels, or silence.
+  // Each side gets one of the channels, or silence.
   void MixToStereo(int nLeftChannel, int nRightChannel);
-  // Both are false, and write nothing, when the bytes do not fit into the PCM buffer.
+  // Both return false, and write nothing, when the bytes do not fit into the PCM buffer.
   bool SetMonoData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwStartSample);
   bool SetSideData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwSide,
                    unsigned int dwStartSample);

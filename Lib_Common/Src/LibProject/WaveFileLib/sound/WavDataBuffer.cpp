@@ -75,8 +75,8 @@ int C_WavDataBuffer::GetMaxAbsValue(unsigned int dwStartSample, unsigned int dwE
       wLastChannel >= Channels()) {
     return -1;
   }
-  // Kept: the end sample is not looked at, though it must exist; peaks found this way are those
-  // that existing sounds were normalised to. Pinned by MaxAbsValue_LeavesOutTheEndSample.
+  // Kept: the end sample is not looked at, although it must exist. Existing sounds were normalised
+  // to peaks found this way. Pinned by MaxAbsValue_LeavesOutTheEndSample.
   const unsigned int dwEnd = std::min(dwEndSample, GetHeldSampleSize());
   int nMax = 0;
   for (unsigned int dwSample = dwStartSample; dwSample < dwEnd; ++dwSample) {
@@ -90,7 +90,7 @@ int C_WavDataBuffer::GetMaxAbsValue(unsigned int dwStartSample, unsigned int dwE
 
 C_WavDataBufferIterator* C_WavDataBuffer::CreateIterator(unsigned int dwSamplePos,
                                                          unsigned short wChannelNo) {
-  // Kept: there is one iterator per buffer and the one handed out before dies here, so that callers
+  // Kept: a buffer has one iterator, and the one handed out before is deleted here, so that callers
   // need not delete any. Pinned by CreateIterator_DeletesTheOneBefore.
   m_pIterator.reset();
   m_pIterator = std::make_unique<C_WavDataBufferIterator>(*this, dwSamplePos, wChannelNo);
@@ -219,8 +219,8 @@ void C_WavDataBufferIterator::SetPos(unsigned int dwSamplePos) {
       (std::uint64_t{m_wChannels} * dwSamplePos + m_wChannelNo) * (m_wStoreBitsPerSample >> 3U);
 }
 
-// Kept: the unit is as wide as a whole frame, so with several channels the samples behind this one
-// show in its upper bytes; conversions of existing multi-channel sounds depend on what this gives.
+// Kept: the unit is as wide as a whole frame, so with several channels the samples after this one
+// appear in its upper bytes. Conversions of existing multi-channel sounds depend on these values.
 // Pinned by Iterator_StereoSeesTheOtherChannelInItsUpperBytes.
 int C_WavDataBufferIterator::GetValue() const {
   if (!IsUnitWidth(m_wFrameStep)) return 0;
@@ -233,8 +233,8 @@ void C_WavDataBufferIterator::SetValue(int nValue, bool bExact) {
   const int nClipped = std::clamp(nValue, m_nMinimum, m_nMaximum);
   const auto dwValue = static_cast<unsigned int>(nClipped);
   unsigned int dwUnit = m_bValueSigned ? dwValue & m_dwValueMask : dwValue + m_dwSignBit;
-  // Kept: the inexact path stores negative values one step lower, also at the minimum, where that
-  // wraps to the maximum; encoders were tuned on sounds converted this way. Pinned by
+  // Kept: the inexact path stores negative values one step lower, even at the minimum, where that
+  // wraps to the maximum. Encoders were tuned on sounds converted this way. Pinned by
   // InexactSetValue_StoresNegativeValuesOneStepLower.
   if (m_bValueSigned && nClipped < 0 && !bExact) --dwUnit;
   m_buffer.WriteUnit(m_qwOffset, m_wFrameStep, dwUnit, m_dwAccessMask);

@@ -2,10 +2,10 @@
 //
 // Interleaved little-endian PCM, owned or attached, and an iterator that walks one channel of it.
 //
-// Two ways of access, which differ on purpose:
+// There are two ways of access, which differ on purpose:
 //   accessors  one sample of the stored width at (position, channel); right for any channel count
 //   iterator   a unit as wide as a whole frame at the channel's sample; right for mono. With more
-//              channels it also sees the samples behind its own, and frames that are not 1, 2 or 4
+//              channels it also sees the samples after its own, and frames that are not 1, 2 or 4
 //              bytes wide read 0 and cannot be written
 // Neither leaves the memory that the buffer was given: what lies beyond reads as 0 and is not
 // written.
@@ -32,31 +32,33 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   C_WavDataBufferIterator* CreateIterator(unsigned int dwSamplePos,
                                           unsigned short wChannelNo) override;
 
-  // Refers to the format, which must outlive the buffer, and derives the masks from it. To be
-  // called again after every change of the format. Null stops the program.
+  // Refers to the format, which must outlive the buffer, and derives the masks from it. Call it
+  // again after every change of the format. Null stops the program.
   void SetWavInfo(I_WavInfo* pIWavInfo);
+  // Null when the buffer has no memory.
   unsigned char* GetBuffer() { return m_pbyBuffer; }
-  // Bytes of memory behind GetBuffer().
+  // Bytes of memory at GetBuffer().
   unsigned int GetLength() const { return m_dwLength; }
   I_WavInfo* GetWavInfo() { return m_pIWavInfo; }
   bool IsBufferAttached() const { return m_bAttached; }
 
-  // Sample frames that are both counted by the format and held in memory; 0 without either.
+  // Sample frames that are counted by the format and also held in memory; 0 without a format or
+  // memory.
   unsigned int GetHeldSampleSize();
-  // The same without the wrap of the format's count at half a gibibyte: the bound of positions that
-  // a caller names, which may be any within the memory.
+  // The same, but without the wrap of the format's count at half a gibibyte. Positions that a
+  // caller names are checked against this number, because they may lie anywhere in the memory.
   unsigned int GetUnwrappedHeldSampleSize();
 
   // Frees owned memory, forgets attached memory.
   void SafeDeleteBuffer();
   // Forgets attached memory and returns it. Owned memory stays: the result is then null.
   unsigned char* DetachBuffer();
-  // An owned copy of the bytes, which may be part of the buffer that is replaced. Of null an empty
-  // one.
+  // Holds an owned copy of the bytes, which may be part of the buffer that is replaced. Null gives
+  // an empty buffer.
   void CopyBuffer(const void* pData, unsigned int dwLength);
-  // Owned memory, not cleared; not null even for length 0.
+  // Holds new owned memory, not cleared, and returns it; not null even for length 0.
   unsigned char* AllocBuffer(unsigned int dwLength);
-  // The caller's memory, which must outlive its use here and is never freed.
+  // Refers to the caller's memory, which must outlive its use here and is never freed.
   void AttachBuffer(void* pData, unsigned int dwLength);
 
  private:
@@ -64,11 +66,11 @@ class C_WavDataBuffer : public I_WavDataBuffer {
 
   void Hold(unsigned char* pbyBuffer, unsigned int dwLength, bool bAttached);
   unsigned short Channels();
-  // Where a sample lies, in bytes; none when the buffer does not hold it whole or the stored width
-  // is not 8, 16 or 32 bits.
+  // The byte offset of a sample; empty when the buffer does not hold the sample completely or the
+  // stored width is not 8, 16 or 32 bits.
   std::optional<std::uint64_t> SampleOffset(unsigned int dwSamplePos, unsigned short wChannelNo,
                                             unsigned short wChannels) const;
-  // Little-endian units of up to four bytes, at any offset.
+  // Access to little-endian units of up to four bytes, at any offset.
   unsigned int ReadUnit(std::uint64_t qwOffset, unsigned int cbUnit) const;
   void WriteUnit(std::uint64_t qwOffset, unsigned int cbUnit, unsigned int dwUnit,
                  unsigned int dwMask);
@@ -97,7 +99,7 @@ class C_WavDataBufferIterator : public I_WavDataBufferIterator {
   int GetDataValue() override { return GetValue(); }
   void SetDataValue(int nValue) override { SetValue(nValue, true); }
 
-  // Any position may be taken, also one outside the sound.
+  // Any position is allowed, even one outside the sound.
   void SetPos(unsigned int dwSamplePos);
   void Next() { m_qwOffset += m_wFrameStep; }
   void Prev() { m_qwOffset -= m_wFrameStep; }
@@ -107,8 +109,8 @@ class C_WavDataBufferIterator : public I_WavDataBufferIterator {
 
  private:
   C_WavDataBuffer& m_buffer;
-  // The current sample, in bytes from the start: an address outside the buffer must not even be
-  // formed, an offset may. Before the start it wraps to a value beyond every end.
+  // The current sample, in bytes from the start. This is an offset because an address outside the
+  // buffer must not even be formed. Before the start, it wraps to a value beyond every end.
   std::uint64_t m_qwOffset = 0;
   unsigned short m_wChannels = 0;
   unsigned short m_wChannelNo = 0;

@@ -39,8 +39,8 @@ void MixDown(C_WavDataBuffer& samples, unsigned short wChannels, unsigned int dw
     unsigned int dwSum = 0;
     for (C_WavDataBufferIterator& source : sources) {
       dwSum += static_cast<unsigned int>(source.GetValue());
-      // Kept: a frame is taken to be two samples long whatever the channel count. Stereo is what
-      // gets mixed; sounds of more channels have always come out this way. Pinned by
+      // Kept: a frame counts as two samples, whatever the channel count. Stereo is what gets mixed;
+      // sounds of more channels have always come out this way. Pinned by
       // ConvertToMono_OfMoreThanTwoChannels_AdvancesByTwoSamples.
       source.Next();
       source.Next();

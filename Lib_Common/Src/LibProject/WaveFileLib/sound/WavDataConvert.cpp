@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A sound writes itself as a file. In a source file of its own, as nothing else of a sound needs
-// the file classes.
+// A sound writes itself as a file. This has a source file of its own, because nothing else in a
+// sound needs the file classes.
 #include "sound/WavData.h"
 #include "sound/WavFileMaker.h"
 

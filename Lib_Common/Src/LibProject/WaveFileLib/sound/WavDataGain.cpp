@@ -14,7 +14,8 @@ constexpr unsigned int kGainBlock = 1024;
 // The largest magnitude of a sample, 1 << (bits - 1).
 double FullScale(unsigned short wBits) { return static_cast<double>(1U << ((wBits - 1U) & 31U)); }
 
-// Clipped, then truncated toward zero. Gains may be infinite, and infinity times zero is no number.
+// Clipped, then truncated toward zero. Gains may be infinite, and infinity times zero is not a
+// number.
 int ScaledValue(int nValue, double dGain, double dFullScale) {
   const double dScaled = nValue * dGain;
   if (dScaled != dScaled) return 0;
@@ -47,7 +48,7 @@ bool C_WavData::ApplyGainRange(double dStartGain, double dEndGain, unsigned int 
     double dGain = dStartGain;
     for (std::int64_t qnDone = 0; qnDone < qnCount; ++qnDone, it.Next()) {
       // Kept: the gain grows by one sample's step for a whole block, so a ramp hardly leaves its
-      // start; sounds are faded by calling this for short ranges. Pinned by
+      // start. Sounds are faded by calling this for short ranges. Pinned by
       // GainRamp_IsAStaircaseOf1024Samples.
       if (qnDone != 0 && qnDone % kGainBlock == 0) dGain += dStep;
       it.SetValue(ScaledValue(it.GetValue(), dGain, dFullScale), true);
@@ -63,7 +64,7 @@ bool C_WavData::NormalizeRange(unsigned int dwStartSample, unsigned int dwEndSam
   const int nPeak =
       m_pcmBuffer.GetMaxAbsValue(dwStartSample, dwEndSample, wFirstChannel, wLastChannel);
   if (nPeak < 0) return false;
-  if (nPeak == 0) return true;  // silence has nothing to be made louder
+  if (nPeak == 0) return true;  // silence cannot be made louder
   const double dGain = FullScale(m_wavInfo.GetBitsPerSample()) / nPeak;
   return ApplyGainRange(dGain, dGain, dwStartSample, dwEndSample, wFirstChannel, wLastChannel);
 }
@@ -71,8 +72,8 @@ bool C_WavData::NormalizeRange(unsigned int dwStartSample, unsigned int dwEndSam
 int C_WavData::GetDCOffset() {
   const unsigned int dwSamples = m_pcmBuffer.GetHeldSampleSize();
   if (dwSamples == 0) return 0;
-  // Kept: the sum wraps in 32 bits, so long loud sounds report an offset that is not theirs;
-  // offsets stored beside sounds were taken this way. Pinned by DCOffset_SumWrapsIn32Bits.
+  // Kept: the sum wraps in 32 bits, so long loud sounds report a wrong offset. The offsets stored
+  // beside existing sounds were computed this way. Pinned by DCOffset_SumWrapsIn32Bits.
   unsigned int dwSum = 0;
   C_WavDataBufferIterator it(m_pcmBuffer, 0, 0);
   for (unsigned int i = 0; i < dwSamples; ++i, it.Next()) {

@@ -13,22 +13,22 @@
 
 namespace {
 
-// The length of qwSamples samples, when it fits 32 bits.
+// The length of qwSamples samples in bytes; empty when it does not fit 32 bits.
 std::optional<unsigned int> ConvertedByteLength(std::uint64_t qwSamples,
                                                 unsigned short wStoreBits) {
-  // Kept: rounds with +1, not +7. All the same for whole bytes, which are the only widths that
-  // conversion takes. Pinned by ConvertedLength_IsThatOfWholeSamples.
+  // Kept: this rounds with +1, not +7. That makes no difference for whole bytes, the only widths
+  // that conversion takes. Pinned by ConvertedLength_IsThatOfWholeSamples.
   const std::uint64_t qwLength = (qwSamples * wStoreBits + 1) >> 3;
   return vcm::CheckedBytes(qwLength, 1);
 }
 
-// The value with its magnitude moved from one width to the other. Negative values go toward zero
-// like positive ones.
+// The value with its magnitude shifted from one width to the other. Negative values are rounded
+// toward zero, like positive ones.
 int RescaledValue(int nValue, int nFromBits, int nToBits) {
   const std::int64_t qnValue = nValue;
   std::int64_t qnMagnitude = qnValue < 0 ? -qnValue : qnValue;
   if (nToBits > nFromBits) {
-    // Frame-wide values of several channels may have no room for the shift: they clip.
+    // Frame-wide values of several channels may be too large for the shift; they clip.
     qnMagnitude = qnMagnitude > (std::int64_t{1} << 31 >> (nToBits - nFromBits))
                       ? std::int64_t{1} << 31
                       : qnMagnitude << (nToBits - nFromBits);

@@ -11,8 +11,8 @@ bool IsSupportBitsPerSample(unsigned short wBitsPerSample, unsigned short wStore
 
 unsigned int C_WavInfo::GetTimeLength() {
   if (m_dwSampleRate == 0) return 0;
-  // Kept: seconds first, then thousandths, so that 1.001 s shows as 1000 ms; displays and cue
-  // sheets made with the library count on these values. Pinned by
+  // Kept: seconds first, then thousandths, so that 1.001 s comes out as 1000 ms. Displays and cue
+  // sheets made with the library rely on these values. Pinned by
   // TimeLength_DividesBeforeItMultiplies.
   const double dMilliseconds = static_cast<double>(GetSampleSize()) / m_dwSampleRate * 1000.0;
   constexpr unsigned int dwMax = std::numeric_limits<unsigned int>::max();
@@ -21,8 +21,8 @@ unsigned int C_WavInfo::GetTimeLength() {
 
 unsigned int C_WavInfo::GetSampleSize() {
   if (m_wChannels == 0 || m_wStoreBitsPerSample == 0) return 0;
-  // Kept: the count of bits wraps at 32 bits, so sounds of 512 MiB and more count too few samples;
-  // every size derived from this count has always agreed with it. Pinned by
+  // Kept: the count of bits wraps at 32 bits, so sounds of 512 MiB and more count too few samples.
+  // Every size derived from this count has always agreed with it. Pinned by
   // SampleSize_WrapsFromHalfAGibibyteOn.
   return m_dwByteLength * 8U / m_wStoreBitsPerSample / m_wChannels;
 }

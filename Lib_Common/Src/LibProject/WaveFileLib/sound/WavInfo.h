@@ -5,8 +5,8 @@
 
 #include "interface/I_WavInfo.h"
 
-// Two-byte packing is the layout that this record has always been declared with; the alignment
-// beside it keeps the pointer to the virtual table where the processor wants it.
+// This record has always been declared with two-byte packing. The alignment beside it keeps the
+// pointer to the virtual table where the processor wants it.
 #pragma pack(push, 2)
 class alignas(void*) C_WavInfo : public I_WavInfo {
  public:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Chunks, their payloads and lists of them.
+// Chunks, their payloads and lists of chunks.
 #include <gtest/gtest.h>
 
 #include <type_traits>
@@ -15,7 +15,7 @@ namespace {
 
 class RiffChunk : public C_RiffFixture {
  protected:
-  // A file with one chunk "aaaa" that claims dwClaimed bytes and holds these.
+  // Opens a file with one chunk "aaaa" that claims dwClaimed bytes and holds this payload.
   C_RiffChunk* OpenOne(std::uint32_t dwClaimed, const C_Bytes& payload) {
     EXPECT_TRUE(Open(m_file, C_RiffBytes("WAVE").Chunk("aaaa", dwClaimed, payload).Take()));
     return m_file.GetChunkAt(0);

@@ -223,7 +223,7 @@ TEST_F(RiffFile, IdentifierThatStartsWithZeros_IsEatenAsFiller) {
 }
 
 TEST_F(RiffFile, PayloadsPastFourGiB_AreNotListed) {
-  // Sparse: two chunks whose payloads begin below 4 GiB, one whose payload does not.
+  // A sparse file: the payloads of two chunks begin below 4 GiB, that of the third does not.
   const std::string strPath =
       m_folder.Write("in", C_RiffBytes("WAVE").Chunk("huge", 0xFFFFFFE0u, {}).RiffSize(3).Take());
   const auto out = vcm::OpenFile(strPath.c_str(), "r+b");

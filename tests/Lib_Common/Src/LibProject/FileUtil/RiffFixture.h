@@ -18,7 +18,7 @@ class C_RiffFixture : public ::testing::Test {
   bool Open(C_RiffFile& file, const C_Bytes& bytes, const char* pszFormType = "WAVE") {
     return file.Open(m_folder.Write("in", bytes).c_str(), pszFormType);
   }
-  // Saves and gives the bytes of the target.
+  // Saves the file and returns the bytes of the target.
   C_Bytes Saved(C_RiffFile& file, const char* pszFormType = "WAVE") {
     EXPECT_TRUE(file.Save(m_folder.Path("out").c_str(), pszFormType));
     return m_folder.Read("out");

@@ -39,7 +39,7 @@ class WavFileFormat : public testing::Test {
   C_WavFileFormat m_format;
 };
 
-// An SP header with that identifier, and a stream behind it.
+// An SP header with this identifier, followed by a stream.
 C_Bytes SpFile(std::uint16_t wID, const C_Bytes& stream) {
   return Join({U32(0xFF00FF00),
                Ascii("VOXELTRONIC SP"),
@@ -56,7 +56,7 @@ C_Bytes SpFile(std::uint16_t wID, const C_Bytes& stream) {
                stream});
 }
 
-// A Kestrel stream at 16,000 bit/s with nFrames frames of zero words and dwExtra bytes more.
+// A Kestrel stream at 16,000 bit/s with nFrames frames of zero words and dwExtra more bytes.
 C_Bytes KestrelStream(std::uint32_t nFrames, std::uint32_t dwExtra = 0) {
   const std::uint32_t dwWords = nFrames * 40 + dwExtra;
   return Join({U32(2 + dwWords), U16(16000), C_Bytes(dwWords)});
@@ -218,7 +218,7 @@ TEST_F(WavFileFormat, AStreamThatFailsAtItsEndIsHeardTwice) {
   EXPECT_EQ(s_dwBytes, 10u * 640);
 }
 
-// The attempt as such, on a class that tells what it is asked.
+// The attempt itself, on a file class that records what it is asked to do.
 
 namespace {
 
@@ -226,7 +226,7 @@ struct S_Log {
   int nLiving = 0;
   int nLoads = 0;
   int nOpens = 0;
-  int nSucceedsAt = 1;  // which call opens or loads; 0: none
+  int nSucceedsAt = 1;  // the call that opens or loads; 0: no call
   std::string strArguments;
   tagAudioCodecPlatform ePlatform = AUDIO_CODEC_PLATFORM_DEFAULT;
 };
@@ -253,7 +253,7 @@ class C_LoggingFile {
   C_AudioCodecParam m_param;
 };
 
-// One attempt that succeeds at call nSucceedsAt; the object, if any, is gone afterwards.
+// Makes one attempt that succeeds at call nSucceedsAt, and deletes the object if there is one.
 bool Attempt(int nSucceedsAt, bool bLoadData, bool bKeepEncoded = true,
              PFN_DecodedData pfnData = nullptr) {
   g_log = {};
@@ -364,7 +364,7 @@ TEST_F(WavFileFormat, TheOperationsStandInTheirSlots) {
   EXPECT_TRUE((CallSlot<bool>(pFormat, 5, pszPath)));
   EXPECT_FALSE((CallSlot<bool>(pFormat, 5, m_folder.Path().c_str())));
   EXPECT_TRUE(CallSlot<bool>(pFormat, 6));
-  CallSlot<void>(pFormat, 0);  // Release, the leak checker sees that it deletes
+  CallSlot<void>(pFormat, 0);  // Release: the leak checker sees that it deletes
   CallSlot<void>(static_cast<I_WavFileFormat*>(new C_WavFileFormat), 8);
 }
 

@@ -22,7 +22,7 @@ std::vector<unsigned int> TimesIn(Tags* pList) {
   return times;
 }
 
-// The sub indexes, which the tests use to tell tags apart.
+// The sub indexes, by which the tests distinguish the tags.
 std::vector<int> NamesIn(Tags* pList) {
   std::vector<int> names;
   for (int i = 0; i < pList->GetSize(); ++i) {
@@ -169,7 +169,7 @@ TEST_F(EventTagMgr, AddEventsBySamplePos_IsTheSameAsAddingOneByOne) {
         }
       });
     }
-    // Other rates leave some of the lists unsorted.
+    // A different rate leaves some of the lists unsorted.
     const unsigned int dwRate = 500 + Below(2) * 500;
     Both([&](C_EventTagMgr& mgr) { mgr.SetSampleRate(dwRate); });
     std::vector<C_EventTagMgr::S_SampleEvent> events(Below(12));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Silence segments and uncompressed regions: two classes of their own that behave alike.
+// Silence segments and uncompressed regions: two separate classes that behave alike.
 #include <gtest/gtest.h>
 
 #include <type_traits>

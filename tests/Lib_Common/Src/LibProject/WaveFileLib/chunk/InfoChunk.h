@@ -38,7 +38,7 @@ C_Bytes Saved(Info& info) {
   return PayloadOf(chunk);
 }
 
-// A chunk that the file cuts: it claims dwClaimed bytes, and the file ends behind these.
+// A chunk that is cut off: it claims dwClaimed bytes, but the file ends after this payload.
 class C_CutChunk {
  public:
   C_CutChunk(std::uint32_t dwClaimed, const C_Bytes& payload) {

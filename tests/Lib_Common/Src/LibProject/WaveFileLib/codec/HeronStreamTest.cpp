@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The head of Heron streams, and what can be told from it.
+// The head of Heron streams, and what it says.
 #include "codec/HeronStream.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The temporary files that the codec works through: made in the right moment, private, and gone
+// The temporary files of the codec are made at the right moment, are private, and are removed
 // whatever happens.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -51,7 +51,7 @@ void ThrowInTime() {
 void ThrowingProgress(const S_CodecProgress*) { ThrowInTime(); }
 void ThrowingPiece(void*, unsigned int) { ThrowInTime(); }
 
-// True when the step threw in call nCall of its callback.
+// True when the step throws in call nCall of its callback.
 template <typename Step>
 bool Throws(int nCall, const Step& step) {
   g_nCallsUntilThrow = nCall;

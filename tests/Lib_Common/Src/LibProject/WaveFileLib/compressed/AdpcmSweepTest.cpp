@@ -25,7 +25,7 @@ class C_Shapes {
     for (std::uint8_t& by : bytes) by = static_cast<std::uint8_t>(m_engine());
     return bytes;
   }
-  // A record that files may have; channels and block align are not 0 there.
+  // A record that a file may have: channels and block align are never 0.
   C_WavFileCodecInfo Record() {
     const std::uint16_t wTag = m_engine() % 2 == 0 ? WAVE_TAG_MS_ADPCM : WAVE_TAG_DVI_ADPCM;
     const auto notZero = [](std::uint16_t w) { return std::max(w, std::uint16_t{1}); };
@@ -48,7 +48,7 @@ std::vector<std::unique_ptr<C_MSAdpcmCodec>> AllCodecs() {
   return codecs;
 }
 
-// Less room gives the beginning of the same samples.
+// With less room, decoding writes the beginning of the same samples.
 void ExpectBeginning(const C_Samples& beginning, const C_Samples& all) {
   ASSERT_LE(beginning.size(), all.size());
   EXPECT_TRUE(std::equal(beginning.begin(), beginning.end(), all.begin()));
@@ -73,8 +73,8 @@ TEST(AdpcmSweep, RandomBlocksOfRandomShapesStayWithinTheirRoom) {
   }
 }
 
-// Where the sizes fit, decoding into as much room as GetDecodedSize says fills all of it that comes
-// from blocks which hold what they claim.
+// When the blocks are whole and their size matches their number of samples, GetDecodedSize is
+// exact. Decoding into as much room as it says then fills all of that room.
 TEST(AdpcmSweep, WholeBlocksFillTheirRoom) {
   C_DVIAdpcmCodec four;
   C_DVIAdpcm3BitCodec three;

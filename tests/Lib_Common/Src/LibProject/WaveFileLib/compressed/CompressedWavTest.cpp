@@ -58,7 +58,7 @@ C_RiffBytes FileOf(const S_Kind& kind, std::string_view formType = "WAVE") {
   return ::CompressedWav(kind.blocks, kind.encoded, formType);
 }
 
-// nBytes of mu-law codes, of which the file has those given.
+// A file that claims dwClaimed bytes of mu-law codes and holds these codes.
 C_RiffBytes MuLawFile(std::uint32_t dwClaimed, const C_Bytes& codes) {
   C_RiffBytes riff("WAVE");
   return riff.Chunk("fmt ", BlockFmt({WAVE_TAG_MULAW, 1, 1, 0, 8})).Chunk("data", dwClaimed, codes);
@@ -73,7 +73,7 @@ class CompressedWav : public C_FolderTest {
  protected:
   std::string File(const C_RiffBytes& riff) { return Write("sound.wav", riff.Take()); }
   C_WavObjectPtr Load(const C_RiffBytes& riff) { return LoadWav(File(riff)); }
-  // An object that was opened on one file and loads another one under the same name.
+  // Opens an object on one file, then lets it load another one under the same name.
   bool LoadsAfterChange(const C_RiffBytes& before, const C_RiffBytes& after) {
     m_file = MakeWav();
     EXPECT_TRUE(m_file->OpenByName(File(before).c_str()));

@@ -82,7 +82,7 @@ TEST(DVIAdpcmCodec, ThreeBitSizesCountEightSamplesInThreeBytes) {
 
 TEST(DVIAdpcmCodec, ShortRestsTakeSamplesAway) {
   EXPECT_EQ(C_DVIAdpcmCodec().GetDecodedSize(InfoOf(Four(1, 256, 505)), 257), 990u);
-  // -5 * 8 / 3 is -13, cut towards zero.
+  // -5 * 8 / 3 is -13, truncated towards zero.
   EXPECT_EQ(C_DVIAdpcm3BitCodec().GetDecodedSize(InfoOf(Three(1, 196, 513)), 197), 1000u);
   EXPECT_EQ(C_DVIAdpcm3BitCodec().GetDecodedSize(InfoOf(Three(1, 196, 513)), 1), 0u);
 }
@@ -117,7 +117,7 @@ TEST(DVIAdpcmCodec, FourBits_SamplesAreClamped) {
   EXPECT_EQ(Block4(Four(1, 8, 9), Join({Head(-32000, 88), C_Bytes(4, 0xFF)}), 18), expected);
 }
 
-// Code 0 gives an eighth of the step, and lowers the index by one; the step that follows is that of
+// Code 0 adds an eighth of the step and lowers the index by one. The step that follows is that of
 // the index below.
 TEST(DVIAdpcmCodec, StepsAreThoseOfTheTable) {
   int nIndex = 88;
@@ -225,7 +225,8 @@ TEST(DVIAdpcmCodec, ThreeBits_NextGroupGoesOn32FramesLater) {
   }
 }
 
-// (P - 1) / 8 is 3 up to P = 32 and 4 from P = 33 on: one group by 3, two groups by 4.
+// P is the number of samples per block. (P - 1) / 8 is 3 up to P = 32, which makes one group, and 4
+// from P = 33 on, which makes two groups.
 TEST(DVIAdpcmCodec, ThreeBitGroups_AreCountedAsThreeEights) {
   const C_Bytes block = Join({kThreeBitBlock, C_Bytes(24)});
   C_Samples written = Block3(Three(1, 40, 33), block, 200);
@@ -246,7 +247,7 @@ TEST(DVIAdpcmCodec, ThreeBits_LargeBlockEndsWithItsBytes) {
   EXPECT_EQ(samples[513], kUntouched);
 }
 
-// Eight codes in three bytes: of two bytes five codes are whole, of one byte two.
+// Three bytes hold eight codes: two bytes hold five whole codes, and one byte holds two.
 TEST(DVIAdpcmCodec, ThreeBits_CodeThatTheEndCutsIsNotDecoded) {
   const std::size_t wholeCodes[] = {0, 2, 5, 8, 10, 13, 16, 18, 21, 24, 26, 29, 32};
   for (std::size_t cb = 0; cb <= 12; ++cb) {
@@ -264,7 +265,7 @@ TEST(DVIAdpcmCodec, ThreeBits_RoomMayEndAnywhere) {
   }
 }
 
-// A group of two channels of which only half fits: both channels have their first 16 samples.
+// Only half of a group of two channels fits: both channels have their first 16 samples.
 TEST(DVIAdpcmCodec, ThreeBits_RoomThatEndsWithinAGroup_HoldsAllChannels) {
   const C_Bytes codes(kThreeBitBlock.begin() + 4, kThreeBitBlock.end());
   const C_Bytes block = Join({Head(100, 0), Head(100, 0), codes, codes});

@@ -145,7 +145,7 @@ TEST(G711Codec, OutputThatIsTooLarge_IsLeftBehindTheInput) {
   EXPECT_EQ(Decode(codec, MuLawInfo(), {}, 2), C_Samples{kUntouched});
 }
 
-// The block of MS ADPCM, by inheritance.
+// DecodeBlock is that of MS ADPCM, by inheritance.
 TEST(G711Codec, BlocksAreThoseOfTheBase) {
   const auto info = InfoOf(S_Blocks{WAVE_TAG_MS_ADPCM, 1, 9, 6});
   const C_Bytes block = Join({{0}, Shorts({16, 100, 50}), {0x1F, 0x78}});

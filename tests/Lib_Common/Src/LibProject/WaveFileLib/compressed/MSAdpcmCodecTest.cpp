@@ -21,7 +21,7 @@ static_assert(std::is_base_of_v<C_MSAdpcmCodec, C_G711Codec>);
 static_assert(std::is_base_of_v<C_G711Codec, C_MuLawCodec>);
 static_assert(std::is_base_of_v<C_G711Codec, C_ALawCodec>);
 
-// Writes down what the block loop asks for.
+// Records what the block loop asks for.
 class C_RecordingCodec : public C_MSAdpcmCodec {
  public:
   struct S_Call {
@@ -118,13 +118,14 @@ TEST(MSAdpcmCodec, SizesAreComputedIn64Bits) {
   EXPECT_EQ(Size(Ms(1, 1, 1), 0x80000000), std::nullopt);
   EXPECT_EQ(Size(Ms(1, 256, 65535), 256 * 32768), 0xFFFF0000u);
   EXPECT_EQ(Size(Ms(1, 256, 65535), 256 * 32769), std::nullopt);
-  // 65535 * 65535 * 2^32 samples: more bytes than 64 bits can count.
+  // 65535 * 65535 * (2^32 - 1) samples take more bytes than 64 bits can count.
   EXPECT_EQ(Size(Ms(65535, 1, 65535), 0xFFFFFFFF), std::nullopt);
-  // A multiple of 2^32, nearly: 65536 * 65535 is none, 2 * that wraps to a small number.
+  // 65536 * 65535 samples can be counted in 32 bits. Their bytes, twice as many, cannot: in 32 bits
+  // they would wrap to 0xFFFE0000.
   EXPECT_EQ(Size(Ms(65535, 1, 32768), 2), std::nullopt);
 }
 
-// A rest that takes samples away brings a size back that was just too large.
+// A size that is just too large for 32 bits fits again when an incomplete block takes samples away.
 TEST(MSAdpcmCodec, SizeJustBeyond32BitsComesBackByTheRest) {
   EXPECT_EQ(Size(Ms(1, 2, 1), 0xFFFFFFFF), 0xFFFFFFFEu - 20u);
   EXPECT_EQ(Size(Ms(2, 65535, 65535), 65535u * 16384), 0xFFFF0000u);
@@ -171,7 +172,7 @@ TEST(MSAdpcmCodec, NothingIsDecodedWithoutInputChannelsOrBlocks) {
 }
 
 TEST(MSAdpcmCodec, DecodingIsTrueWhateverTheBlocksSay) {
-  C_RecordingCodec codec;  // its blocks say false, CallsOf expects true
+  C_RecordingCodec codec;  // its blocks return false, CallsOf expects true
   EXPECT_EQ(codec.CallsOf(Mono(), 256, 0).size(), 1u);
 }
 
@@ -202,7 +203,7 @@ TEST(MSAdpcmCodec, HighHalfComesFirst) {
   EXPECT_EQ(Block(Mono(), block, 8), (C_Samples{0, 0, 100, 0}));
 }
 
-// With the pair (0, 0) a sample is delta times code: the next one, coded 1, shows the delta.
+// With the pair (0, 0), a sample is delta times code. The next sample, coded as 1, shows the delta.
 TEST(MSAdpcmCodec, EveryCodeAdaptsTheDeltaByItsFactor) {
   const int factors[] = {230, 230, 230, 230, 307, 409, 512, 614,
                          768, 614, 512, 409, 307, 230, 230, 230};

@@ -147,7 +147,7 @@ TEST(WavFileCodecInfo, HandsOutTheBlockFormat) {
   EXPECT_EQ(info.GetDVIADPCMInfo().wfx.wExtraSize, 32);
   EXPECT_EQ(info.GetWAVEFORMATEX().wExtraSize, 32);
   EXPECT_EQ(info.GetWAVEFORMATEX().pcm.dwSamplesPerSec, 22050u);
-  EXPECT_EQ(info.GetMSADPCMInfo().wCoefficientCount, 0);  // behind a 20-byte record
+  EXPECT_EQ(info.GetMSADPCMInfo().wCoefficientCount, 0);  // follows a 20-byte record
 }
 
 TEST(WavFileCodecInfo, HandsOutCoefficientPairs) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Other people's encoders and decoders of compressed WAV files against ours. Files of others carry
-// DVI ADPCM as tag 0x0011, ours as 11: the tag is changed on the way.
+// Compares other people's encoders and decoders of compressed WAV files with ours. Their files mark
+// DVI ADPCM with tag 0x0011, ours with 11, so the tag is changed on the way.
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
@@ -65,7 +65,7 @@ C_Samples RealSound(std::size_t nChannels) {
   return samples;
 }
 
-// Numbers that are the same in every run.
+// Bytes that look random but are the same in every run.
 C_Bytes RandomBytes(std::size_t cbCount, unsigned int dwSeed) {
   std::mt19937 engine(dwSeed);
   C_Bytes bytes(cbCount);
@@ -75,7 +75,7 @@ C_Bytes RandomBytes(std::size_t cbCount, unsigned int dwSeed) {
 
 class CompressedWavOracle : public testing::Test {
  protected:
-  // What we make of a file of theirs.
+  // The samples that we read from one of their files.
   C_Samples ReadByUs(const std::string& strName) {
     C_Bytes bytes = m_folder.Read(strName);
     EXPECT_GT(bytes.size(), 22u);
@@ -90,8 +90,8 @@ class CompressedWavOracle : public testing::Test {
   C_Samples ReadByFfmpeg(const std::string& strName) {
     return SamplesIn(RunIn(m_folder, "ffmpeg -v error -i @/" + strName + " -f s16le -"));
   }
-  // Decoders differ in how many samples of a last block they give; ours must have all that the
-  // sound had, and theirs must agree as far as they go.
+  // Decoders differ in how many samples of the last block they return. Both must return all samples
+  // of the sound, and must agree as far as the shorter result goes.
   void ExpectSame(const C_Samples& ours, const C_Samples& theirs, std::size_t nSound,
                   const std::string& strWhat) {
     const std::size_t nCompared = std::min(ours.size(), theirs.size());
@@ -100,7 +100,7 @@ class CompressedWavOracle : public testing::Test {
         ours.begin(), ours.begin() + static_cast<std::ptrdiff_t>(nCompared), theirs.begin());
     EXPECT_EQ(differ.first - ours.begin(), static_cast<std::ptrdiff_t>(nCompared)) << strWhat;
   }
-  // Blocks without regard to what they mean, in a file of theirs.
+  // Writes blocks, whatever their content means, to a file in their form.
   void WriteBlocks(const std::string& strName, S_Blocks blocks, const C_Bytes& encoded) {
     C_RiffBytes riff("WAVE");
     if (blocks.wTag == WAVE_TAG_DVI_ADPCM) {
@@ -120,8 +120,8 @@ class CompressedWavOracle : public testing::Test {
 
 }  // namespace
 
-// --- Real sounds, encoded by three encoders, decoded by two decoders and by us. The third decoder,
-// ffmpeg's, rounds otherwise than the standards print it.
+// --- Real sounds, encoded by three encoders, and decoded by two decoders and by us. The third
+// decoder, ffmpeg's, is left out here because it rounds differently.
 
 TEST_F(CompressedWavOracle, FilesOfSndfile) {
   for (const int nChannels : {1, 2}) {
@@ -170,8 +170,8 @@ TEST_F(CompressedWavOracle, FilesOfFfmpeg) {
 
 // --- Every state and code
 
-// One block for each step index and each code: the sample that it makes, and what follows from the
-// step that it leads to.
+// One block for each step index and each code. It shows the sample that the code makes, and the
+// samples that follow from the step to which it leads.
 TEST_F(CompressedWavOracle, EveryStepWithEveryFourBitCode) {
   C_Bytes encoded;
   for (int nIndex = 0; nIndex <= 88; ++nIndex) {
@@ -207,7 +207,7 @@ TEST_F(CompressedWavOracle, RandomFourBitBlocks) {
   }
 }
 
-// Mostly small codes: others keep the delta in 16 bits, which it must not leave then.
+// Mostly small codes: other decoders hold the delta in 16 bits, so it must not grow beyond them.
 TEST_F(CompressedWavOracle, RandomMSAdpcmBlocks) {
   for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2}) {
     const std::size_t cbHead = std::size_t{7} * wChannels;
@@ -231,8 +231,9 @@ TEST_F(CompressedWavOracle, RandomMSAdpcmBlocks) {
   }
 }
 
-// ffmpeg multiplies where the part of a step that each bit stands for is added here; both agree on
-// the codes whose lowest bit is 0. It also lets the channels take turns of four bytes, not twelve.
+// ffmpeg multiplies, where our decoder adds the part of a step that each bit stands for. Both agree
+// on the codes whose lowest bit is 0. ffmpeg also alternates the channels every four bytes, not
+// every twelve.
 TEST_F(CompressedWavOracle, ThreeBitBlocks) {
   for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2}) {
     const auto wAlign = static_cast<std::uint16_t>((4 + 192) * wChannels);
@@ -241,8 +242,8 @@ TEST_F(CompressedWavOracle, ThreeBitBlocks) {
     for (std::size_t i = 0; i < theirs.size(); ++i) {
       const std::size_t nAt = i % wAlign;
       if (nAt >= cbHead) {
-        // Within each channel's twelve bytes, every third bit from the first one on is the lowest
-        // of a code.
+        // In each channel's twelve bytes, every third bit, beginning with the first, is the lowest
+        // bit of a code.
         const std::size_t nByte = (nAt - cbHead) / cbHead % 3 * 4 + (nAt - cbHead) % 4;
         for (std::size_t nBit = 0; nBit < 8; ++nBit) {
           if ((nByte * 8 + nBit) % 3 == 0) theirs[i] &= static_cast<std::uint8_t>(~(1U << nBit));
@@ -270,7 +271,7 @@ TEST_F(CompressedWavOracle, ThreeBitBlocks) {
   }
 }
 
-// --- G.711: our values are our own, but near the reference
+// --- G.711: our values are our own, but close to the reference
 
 namespace {
 
@@ -293,8 +294,8 @@ TEST_F(CompressedWavOracle, MuLawValuesAreWithinAStepOfTheReference) {
   }
 }
 
-// The reference gives the middle of each step as a number below or above zero, ours is its lower
-// end as sign and magnitude; segment 6 begins 4 higher.
+// The reference decodes a code to the middle of its step, as a signed number. Ours decodes it to
+// the lower end of the step, as sign and magnitude; our segment 6 begins 4 higher.
 TEST_F(CompressedWavOracle, ALawMagnitudesAreHalfAStepBelowTheReference) {
   m_folder.Write("a.wav", AllCodes(WAVE_TAG_ALAW).Take());
   const C_Samples ours = ReadByUs("a.wav");

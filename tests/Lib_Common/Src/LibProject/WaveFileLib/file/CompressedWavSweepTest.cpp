@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Compressed files that are cut or damaged everywhere. What loads must also be writable and load
-// again.
+// Compressed files that are cut at every byte or damaged in every place. Whatever loads must also
+// be writable and load again.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,7 +18,7 @@ struct S_File {
   std::size_t nFormatEnd;
 };
 
-// Two blocks and a rest.
+// Two whole blocks and a remainder of 11 bytes.
 std::vector<S_File> AllFiles() {
   std::vector<S_File> files;
   for (const S_Blocks& blocks : OneOfEachKind()) {
@@ -28,11 +28,12 @@ std::vector<S_File> AllFiles() {
   return files;
 }
 
-// Loads, writes, loads again. True when the file loads.
+// Loads, writes and loads again. True when the file loads.
 bool RoundTrip(const C_SweepFile& file, const C_SweepFile& target) {
   const C_WavObjectPtr sound = MakeWav();
   if (!sound->LoadByName(file.Path().c_str(), true, nullptr, nullptr)) return false;
-  // Lies about the length that are just believed: seen, and too big to be copied about.
+  // A false length that is just small enough to be believed. The sound has loaded, but is too big
+  // to copy around.
   if (sound->GetWavData()->GetBufferLength() > 1u << 20) return true;
   if (!Write(*sound, target.Path())) return sound->GetWavInfo()->GetBitsPerSample() == 12;
   EXPECT_EQ(PcmOf(*LoadWav(target.Path())), PcmOf(*sound));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Kestrel streams in VEF containers, and behind codec heads.
+// Kestrel streams in VEF containers and after codec heads.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ class KestrelVef : public C_FolderTest {
     g_nPieces = 0;
     return file.LoadByName(Write("in", riff.Take()).c_str(), bKeepEncoded, nullptr, &CountPiece);
   }
-  // What the stream alone decodes to.
+  // What the stream decodes to by itself.
   C_Bytes DecodedAlone(const C_Bytes& stream) {
     C_KestrelFile file;
     const std::string strPath = Write("alone", C_SpBytes().Stream(stream).Take());
@@ -156,7 +156,7 @@ TEST_F(KestrelVef, DamagedStreams_AreFalse) {
 }
 
 TEST_F(KestrelVef, EventsOfAContainer_AreLoadedOnceAlthoughALoadIsTriedTwice) {
-  // The first attempt meets a stream that it cannot decode and events that it can.
+  // Both attempts load the same container. The second must not add its events again.
   C_RiffBytes riff = KestrelVefBytes(8, 2);
   riff.Chunk("cue ", CueBytes({{1, 5, 5}})).Chunk("LIST", AdtlBytes({LablBytes(1, "(65538,7)")}));
   C_KestrelFile file;

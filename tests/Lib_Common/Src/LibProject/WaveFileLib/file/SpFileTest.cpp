@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files that get a header, lose it, or are copied behind one; above all, that no file is ever lost.
+// Adding a header to a file, removing it, and copying a file with a header. Above all, no file is
+// ever lost.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -104,7 +105,7 @@ TEST_F(SpFile, Prepend_EndlessDevice_IsFalseAtOnce) {
   EXPECT_FALSE(PrependSpHeader(KestrelHeader(), "/dev/zero"));
 }
 
-// Names of what was created in a folder while it was watched.
+// Collects the names that are created in a folder while it is watched.
 class C_CreationWatch {
  public:
   explicit C_CreationWatch(const std::string& strFolder) : m_nWatch(inotify_init1(IN_NONBLOCK)) {
@@ -141,7 +142,7 @@ TEST_F(SpFile, Prepend_BuildsTheNewFileBesideTheOldOneUnderAHexadecimalName) {
   EXPECT_THAT(Entries(), ElementsAre("voice.kst"));
 }
 
-// The generator is seeded by the first use in the process; from then on a test can steer it.
+// The first use in the process seeds the generator; from then on a test can control it.
 class SpFileWithKnownNames : public SpFile {
  protected:
   static constexpr unsigned int kSeed = 42;

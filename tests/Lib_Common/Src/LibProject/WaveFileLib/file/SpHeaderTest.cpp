@@ -130,7 +130,7 @@ TEST_F(SpHeader, Read_TextIsComparedUpToItsNul) {
 }
 
 TEST_F(SpHeader, Read_TextWithoutTerminator_IsComparedWithinItsField) {
-  // Version and kind would continue the text, were it read on.
+  // The version and kind fields would continue the text if the comparison read past its field.
   EXPECT_FALSE(IsRecognised(C_SpBytes().Text("VOXELTRONIC SPXX")));
 }
 
@@ -168,7 +168,8 @@ TEST_F(SpHeader, Version255_SkipsTwoBytesBehindTheFormatWordAndReadsBackAs254) {
   EXPECT_EQ(header, C_SpHeader(2, 14, 16, 16000, 0x01020304, 0x0506, 7, 0x08090A0B));
 }
 
-// What a header cut at cbSize bytes reads as, when its last fields begin dwShift bytes later.
+// The values that are read from a header that is cut at cbSize bytes and whose last fields begin
+// dwShift bytes later.
 C_SpHeader CutHeader(std::size_t cbSize, std::size_t dwShift) {
   const auto pick = [&](std::size_t dwEnd, auto whole, auto fallback) {
     return cbSize >= dwEnd ? whole : fallback;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// VEF containers: what is read.
+// Reading VEF containers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// VEF containers that are cut or damaged everywhere. What loads must also be writable and load
-// again.
+// VEF containers that are cut at every byte or damaged in every place. Whatever loads must also be
+// writable and load again.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,7 +17,7 @@
 
 namespace {
 
-// Every kind of chunk, with labels of events, of the user and of WAV files.
+// Every kind of chunk, with labels of events, labels of the user and labels of WAV files.
 C_Bytes RichContainer() {
   C_RiffBytes riff = MonoVef(8);
   riff.Chunk("cue ", CueBytes({{1, 3, 3}, {2, 10, 10}}))
@@ -47,13 +47,13 @@ std::vector<S_Chunk> LayoutOf(const C_Bytes& file) {
 }
 
 struct S_Outcome {
-  bool bStored = false;   // the PCM as stored
-  bool bDecoded = false;  // the stream
+  bool bStored = false;   // the PCM loads as stored
+  bool bDecoded = false;  // the stream loads decoded
 
   friend bool operator==(const S_Outcome&, const S_Outcome&) = default;
 };
 
-// What a container cut to cb bytes must do.
+// How a container that is cut to cb bytes must load.
 S_Outcome OutcomeWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
   S_Outcome outcome;
   for (const S_Chunk& chunk : layout) {
@@ -73,13 +73,14 @@ bool LoadsDecoded(const std::string& strPath) {
   return file.LoadByName(strPath.c_str(), false, nullptr, nullptr);
 }
 
-// Loads, writes, loads again, writes again. True when the container loads.
+// Loads, writes and loads again. True when the container loads.
 bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
   C_VefFile file;
   if (!file.LoadByName(strPath.c_str(), true, nullptr, nullptr)) return false;
-  // Lies about the length that are just believed: seen, and too big to be copied about.
+  // A false length that is just small enough to be believed. The sound has loaded, but is too big
+  // to copy around.
   if (file.GetWavData()->GetBufferLength() > 1u << 20) return true;
-  // Widths that no conversion knows are refused by the writer; nothing else is.
+  // The writer refuses only widths that no conversion supports.
   if (!Write(file, target.Path())) {
     EXPECT_EQ(file.GetWavInfo()->GetBitsPerSample(), 12);
     return true;

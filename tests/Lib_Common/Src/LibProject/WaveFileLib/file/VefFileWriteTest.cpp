@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// VEF containers: what is written.
+// Writing VEF containers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -175,7 +175,7 @@ TEST_F(VefFileWrite, IdentifiersOfEvents_AreTakenFromTheUsersAnnotations) {
   Sampler(m_file).AddSampleLoop(2, LOOP_BACKWARD, 1, 2, 3, 4);
   Sampler(m_file).AddSampleLoop(4, LOOP_FORWARD, 5, 6, 7, 8);
   Written();
-  // 3 and 4 are taken, by a cue point and by a loop.
+  // 3 and 4 are already used, by a cue point and by a loop.
   EXPECT_THAT(CuePoints(),
               ElementsAre(Pair(6, 3), Pair(3, 2), Pair(5, 1), Pair(0, 0), Pair(1, 0), Pair(2, 1)));
   EXPECT_THAT(LabelsOf(m_file), ElementsAre(Pair(6, "Verse"), Pair(5, "Intro"),

@@ -14,7 +14,7 @@
 
 namespace {
 
-// A file object that tells what happens to it.
+// A file object that records what happens to it.
 class C_TestFile : public C_WavFileBase {
  public:
   explicit C_TestFile(bool* pbDeleted = nullptr) : m_pbDeleted(pbDeleted) {}
@@ -31,7 +31,7 @@ class C_TestFile : public C_WavFileBase {
     m_bKeepEncoded = bKeepEncoded;
     m_pszCodecOption = pszCodecOption;
     m_pfnData = pfnData;
-    // As a decoder does that learns the rate from the stream.
+    // Like a decoder that learns the rate from the stream.
     PrepareWavData()->GetWavInfo()->SetSampleRate(22050);
     return m_bLoad;
   }
@@ -97,7 +97,7 @@ TEST(WavFileBase, AttachedDataIsLentAndComesBack) {
     EXPECT_EQ(file.DetachWavData(), pData);
     EXPECT_EQ(file.GetWavData(), nullptr);
     EXPECT_EQ(file.DetachWavData(), nullptr);
-    // What the file makes afterwards is its own.
+    // What the file makes afterwards belongs to the file.
     file.PrepareWavData();
     EXPECT_EQ(file.DetachWavData(), nullptr);
     file.AttachWavData(pData);

@@ -35,7 +35,7 @@ C_RiffBytes WithFmt(const C_Bytes& fmt) {
   return riff.Chunk("fmt ", fmt).Chunk("data", RampBytes(64));
 }
 
-// A loaded object holds these bytes as its PCM.
+// The bytes from index nFrom up to, but not including, nTo.
 C_Bytes Slice(const C_Bytes& bytes, std::ptrdiff_t nFrom, std::ptrdiff_t nTo) {
   return {bytes.begin() + nFrom, bytes.begin() + nTo};
 }
@@ -505,7 +505,7 @@ TEST_F(WavFileLoad, OfSeveralCuePointsWithOneIdentifierTheFirstCounts) {
   EXPECT_EQ(EventsOf(*Load(riff)), (std::vector<S_EventSeen>{{1, 2, 77}}));
 }
 
-// So many that a sort which does not keep the order of equals shows.
+// Enough entries to reveal a sort that does not keep the order of equal entries.
 TEST_F(WavFileLoad, OfVeryManyEqualIdentifiersTheFirstCounts) {
   std::vector<S_CueBytes> cues;
   C_Bytes labels = LablBytes(5, "VX_PCM");
@@ -648,8 +648,8 @@ double CpuSeconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-// nLabels events, the last first, each with a cue point and a labelled text of its own. The
-// identifiers are far apart, so that a table indexed by their low bits would hold them all in one
+// nLabels events in reverse order, each with a cue point and a labelled text of its own. The
+// identifiers are far apart, so that a table indexed by their low bits would put them all in one
 // place.
 C_Bytes ManyLabels(std::uint32_t nLabels) {
   vcm::C_ByteWriter cue;
@@ -684,8 +684,8 @@ TEST_F(WavFileLoad, TenTimesTheLabelsCostAboutTenTimesTheWork) {
   };
   const double dSmall = cost(5'000);
   const double dLarge = cost(50'000);
-  // A quadratic step would make it 100 times; caches and the machine's noise allow some more than
-  // 10.
+  // A quadratic step would make it 100 times as much. The limit of 40 leaves room above 10 for
+  // caches and for noise on the machine.
   EXPECT_LT(dLarge, 40 * dSmall) << dSmall << " s for 5000, " << dLarge << " s for 50000";
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Other people's readers and writers of sound files against ours.
+// Compares other people's readers and writers of sound files with ours.
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
@@ -139,7 +139,7 @@ TEST_P(WavFileOracle, WeReadWhatSoxWrites) {
   const std::string strRaw =
       std::string("-t raw -r 11025 -e ") + (GetParam().wBits == 8 ? "unsigned" : "signed") +
       " -b " + std::to_string(GetParam().wBits) + " -c " + std::to_string(GetParam().wChannels);
-  // The plain form of the format record, whatever the width.
+  // wavpcm has the plain form of the format record, whatever the width.
   Run("sox -D " + strRaw + " @/in.raw -t wavpcm @/theirs.wav");
   const C_WavObjectPtr file = LoadWav(m_folder.Path("theirs.wav"));
   ExpectShape(*file, GetParam(), 11025);
@@ -166,7 +166,7 @@ TEST_F(WavFileOracle, SndfileSeesOurRangesAsCuePoints) {
   file->GetWavData()->AddSilenceSegment(5000, 5999);
   file->GetWavData()->AddUncompressRegion(7000, 7100);
   ASSERT_TRUE(Write(*file, m_folder.Path("ours.wav")));
-  // It gives up a list at the first labelled text, so that the names stay empty there.
+  // sndfile stops reading a list at the first labelled text, so the names stay empty here.
   const SF_CUES cues = CuesOf("ours.wav");
   ASSERT_EQ(cues.cue_count, 2u);
   EXPECT_EQ(cues.cue_points[0].sample_offset, 5000u);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files that are cut or damaged everywhere. What loads must also be writable and load again.
+// Files that are cut at every byte or damaged in every place. Whatever loads must also be writable
+// and load again.
 #include <gtest/gtest.h>
 
 #include "OpenFiles.h"
@@ -23,8 +24,9 @@ C_RiffBytes RichFile() {
   return riff;
 }
 
-// The same shape, short enough for its head to hold every kind of chunk, with a label that means
-// nothing: a label that means something stops the program when damage takes its cue point away.
+// The same kinds of chunks, but short enough for the head to hold them all, and with a label that
+// means nothing. A label that means something stops the program when damage takes its cue point
+// away.
 C_RiffBytes QuietFile() {
   C_RiffBytes riff = MonoWav(8);
   riff.Chunk("LIST", AdtlBytes({LtxtBytes(1, 5), LablBytes(1, "hello")}))
@@ -50,7 +52,7 @@ std::vector<S_Chunk> LayoutOf(const C_Bytes& file) {
   return chunks;
 }
 
-// What a file cut to cb bytes must do.
+// Whether a file that is cut to cb bytes must load.
 bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
   bool bFormat = false;
   for (const S_Chunk& chunk : layout) {
@@ -64,13 +66,14 @@ bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
   return bFormat;
 }
 
-// Loads, writes, loads again. True when the file loads.
+// Loads, writes and loads again. True when the file loads.
 bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
   const C_WavObjectPtr file = MakeWav();
   if (!file->LoadByName(strPath.c_str(), true, nullptr, nullptr)) return false;
-  // Lies about the length that are just believed: seen, and too big to be copied about.
+  // A false length that is just small enough to be believed. The sound has loaded, but is too big
+  // to copy around.
   if (file->GetWavData()->GetBufferLength() > 1u << 20) return true;
-  // Widths that no conversion knows are refused by the writer; nothing else is.
+  // The writer refuses only widths that no conversion supports.
   if (!Write(*file, target.Path())) {
     EXPECT_EQ(file->GetWavInfo()->GetBitsPerSample(), 12);
     return true;
@@ -84,7 +87,7 @@ bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
   return true;
 }
 
-// The questions of detection and factory, whatever their answers.
+// Asks the questions of detection and factory, whatever the answers.
 void AskAll(const std::string& strPath) {
   C_WavFileFormat format;
   static_cast<void>(format.GetFileFormat(strPath.c_str()));
@@ -128,7 +131,7 @@ TEST(WavFileSweep, EveryValueInTheHead_AndEveryFifthInTheNextBytes_AreSurvived) 
     const std::uint32_t dwStep = nAt < kHead ? 1 : 5;
     for (std::uint32_t dwValue = 0; dwValue < 256; dwValue += dwStep) {
       file.PutNumber(nAt, 1, dwValue);
-      // The whole way for some values of each byte; loading for the others.
+      // The whole round trip for some values of each byte, and only loading for the others.
       const bool bWholeWay = dwValue % 15 == 0;
       const bool bLoaded = bWholeWay ? RoundTrip(file.Path(), target) : Loads(file.Path());
       nLoaded += bLoaded ? 1u : 0u;

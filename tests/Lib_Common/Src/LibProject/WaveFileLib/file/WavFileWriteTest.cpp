@@ -17,7 +17,7 @@ class WavFileWrite : public testing::Test {
   C_WavObjectPtr Load(const C_RiffBytes& riff) {
     return LoadWav(m_folder.Write("in.wav", riff.Take()));
   }
-  // What the object writes; a test failure when it does not.
+  // What the object writes. The test fails when writing fails.
   C_Bytes Written(I_WavFile& file) {
     EXPECT_TRUE(Write(file, m_folder.Path("out.wav")));
     return m_folder.Read("out.wav");
@@ -353,7 +353,7 @@ TEST_F(WavFileWrite, WidthsThatCannotBeConvertedFail) {
   EXPECT_FALSE(m_folder.Has("none.wav"));
 }
 
-// The widths are settled before anything of the sound is touched.
+// The widths are settled before anything in the sound is touched.
 TEST_F(WavFileWrite, AWidthThatCannotBeConvertedLeavesCuePointsAndLabelsAlone) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 24))
@@ -367,7 +367,7 @@ TEST_F(WavFileWrite, AWidthThatCannotBeConvertedLeavesCuePointsAndLabelsAlone) {
   EXPECT_EQ(LabelsOf(*file), (std::vector<std::pair<unsigned int, std::string>>{{17, "hello"}}));
 }
 
-// The form is looked at last: what would have been written stands in the infos by then.
+// The form is checked last: by then the infos hold what would have been written.
 TEST_F(WavFileWrite, AKindThatIsNotWrittenStillRegeneratesTheAnnotations) {
   const C_WavObjectPtr file = AnnotatedSound();
   file->SetFileFormat(AUDIO_FILE_KESTREL);
@@ -417,7 +417,7 @@ TEST_F(WavFileWrite, ConvertToKindsThatCannotBeWrittenFails) {
 
 namespace {
 
-// A sound whose parts can be taken away.
+// A sound whose parts can be made to go missing.
 class C_BrokenData : public C_WavData {
  public:
   bool GetInfo(int nType, void** ppInfo) override {

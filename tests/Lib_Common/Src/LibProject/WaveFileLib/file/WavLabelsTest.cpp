@@ -84,11 +84,12 @@ TEST(WavLabels, ACompletedEventWinsOverWhatFollows) {
 }
 
 TEST(WavLabels, TheUnderscoresOfTwoNumbersAreTakenFirst) {
-  // With "u" seen, the next two underscores belong to it although an "e" waits for one.
+  // Once a "u" has been seen, the next two underscores belong to it, although an "e" is waiting for
+  // one.
   EXPECT_EQ(ParseLabel("ue_4_5"), Event(4, 5));
-  // One underscore is not enough for it, and the "e" got none.
+  // One underscore is not enough for the "u", and the "e" gets none.
   EXPECT_EQ(ParseLabel("ue_4"), kOther);
-  // The "e" came first and took the first underscore, so the scan ended there.
+  // The "e" comes first and takes the first underscore, so the scan ends there.
   EXPECT_EQ(ParseLabel("e_u"), Event(0, 0));
 }
 
@@ -101,7 +102,7 @@ TEST(WavLabels, AtMost31CharactersOfANumberAreRead) {
 }
 
 TEST(WavLabels, NumbersBeyondEveryWidthAreDefined) {
-  // 2^63 - 1 is the most that is counted to; its low bits are all set.
+  // Numbers stop at 2^63 - 1, whose low bits are all set.
   EXPECT_EQ(ParseLabel("u_9999999999999999999999999999999_1"), Event(65535, 1));
   EXPECT_EQ(ParseLabel("u_-9999999999999999999999999999999_1"), Event(0, 1));
   EXPECT_EQ(ParseLabel("e_9999999999999999999999999999999"), Event(65535, 65535));
@@ -146,7 +147,7 @@ TEST(WavLabelsDeathTest, ALabelWithoutTextStopsTheProgram) {
 
 namespace {
 
-// A manager that is not the library's own, in front of one that is.
+// A manager that is not the library's own but forwards every call to one that is.
 class C_ForeignEventTagMgr : public I_EventTagMgr {
  public:
   using Tags = I_CLArray<I_EventTag*>;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One pass of the encoder, the search for the offset that fills a size, and the decoder frame by
+// One pass of the encoder, the search for the offset that fills a size, and decoding frame by
 // frame.
 #include "heron/Encoder.h"
 
@@ -17,7 +17,7 @@ namespace {
 using S_Bytes = std::vector<std::uint8_t>;
 using test::S_Sound;
 
-// All frames of the stream, with what the last one holds behind the end.
+// All frames of the stream, including what the last frame holds after the end of the sound.
 S_Sound Frames(const S_Bytes& coded, int nSampleRate) {
   auto decoder = C_Decoder::Open(coded, nSampleRate);
   EXPECT_TRUE(decoder);
@@ -125,7 +125,7 @@ TEST(HeronRateControl, SizesOfManySounds_AreFilledToAThousandth) {
 }
 
 TEST(HeronRateControl, ASteadyTone_FillsItsSize) {
-  // All frames are as loud: no offset may make them all change their steps at one time.
+  // All frames are equally loud. No offset may make them all change their steps at once.
   S_Sound tone(16000);
   for (std::size_t n = 0; n < tone.size(); ++n) {
     tone[n] =

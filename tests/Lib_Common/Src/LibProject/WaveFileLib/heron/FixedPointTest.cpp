@@ -31,7 +31,7 @@ TEST(HeronFixedPoint, Log2OfPowersOfTwo_IsExactAndOneBelowIsOneLess) {
     const std::uint64_t qwPower = std::uint64_t{1} << n;
     EXPECT_EQ(Log2Q8(qwPower), 256 * n);
     if (n <= 8) continue;
-    // One less and one more are less than 1/256 of an octave away.
+    // The values one below and one above are less than 1/256 of an octave away.
     EXPECT_EQ(Log2Q8(qwPower - 1), 256 * n - 1) << n;
     EXPECT_EQ(Log2Q8(qwPower + 1), 256 * n) << n;
   }
@@ -45,7 +45,8 @@ TEST(HeronFixedPoint, Log2_IsTheLogarithmRoundedDown) {
   for (int n = 0; n < 100000; ++n) {
     const std::uint64_t qwValue = std::max<std::uint64_t>(1, random.Bits() >> random.Below(64));
     const auto dLog = static_cast<double>(256 * std::log2(static_cast<long double>(qwValue)));
-    // Squaring loses a little: what is that close to a whole number may come out below it.
+    // Squaring loses a little precision: a logarithm just above a whole number may come out below
+    // it.
     ASSERT_GE(Log2Q8(qwValue), std::floor(dLog - 1e-5)) << qwValue;
     ASSERT_LE(Log2Q8(qwValue), std::floor(dLog + 1e-9)) << qwValue;
   }

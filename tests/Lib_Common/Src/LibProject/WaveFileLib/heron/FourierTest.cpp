@@ -14,7 +14,7 @@ namespace {
 
 using S_Points = std::vector<S_Complex>;
 
-// The definition, in floating point.
+// The definition of the transform, in floating point.
 std::vector<std::complex<double>> Direct(const S_Points& in) {
   const std::size_t nPoints = in.size();
   std::vector<std::complex<double>> turns(nPoints);
@@ -33,7 +33,7 @@ std::vector<std::complex<double>> Direct(const S_Points& in) {
   return out;
 }
 
-// The largest distance of an output from where it should be.
+// The largest distance of an output from its expected value.
 double LargestError(S_Points points) {
   const auto expected = Direct(points);
   C_Fourier(static_cast<int>(points.size())).Transform(points);
@@ -46,7 +46,7 @@ double LargestError(S_Points points) {
   return dLargest;
 }
 
-// Points in a square of twice the amplitude.
+// Random points in a square whose sides are twice the amplitude.
 S_Points RandomPoints(int nPoints, std::int64_t nAmplitude) {
   test::C_Random random(static_cast<std::uint64_t>(nPoints));
   S_Points points(static_cast<std::size_t>(nPoints));
@@ -62,8 +62,8 @@ std::vector<int> Sizes() {
   return sizes;
 }
 
-// Rotations are Q24: each value may be off by 2^-24 of itself in each pass. What rounding takes off
-// the values, less than a unit each, adds up.
+// Rotations are Q24, so each value may be off by 2^-24 of itself in each pass. Rounding also takes
+// less than a unit off each value, and that adds up.
 double Bound(int nPoints, double dAmplitude) {
   return 4 + nPoints / 2.0 + nPoints * dAmplitude * std::exp2(-25);
 }
@@ -75,7 +75,7 @@ TEST(HeronFourier, SmallValues_AreRightToUnits) {
 }
 
 TEST(HeronFourier, LargeValues_AreRightToTheRotationsPrecision) {
-  // 480 values of modulus sqrt(2) * 2^28.5 together have 2^37.9.
+  // 480 values of modulus sqrt(2) * 2^28.5 add up to 2^37.9.
   constexpr double kAmplitude = 379625062;
   for (const int nPoints : Sizes()) {
     EXPECT_LE(LargestError(RandomPoints(nPoints, static_cast<std::int64_t>(kAmplitude))),
@@ -96,7 +96,7 @@ TEST(HeronFourier, OneValue_TurnsThroughAllOutputs) {
 
 TEST(HeronFourier, EqualValues_MeetInTheFirstOutputAtTheMostThatFits) {
   for (const int nPoints : Sizes()) {
-    // 2^38.5 in the end, all of it in one output.
+    // All values add up to 2^38.5, in one output.
     const auto nEach = static_cast<std::int64_t>(std::exp2(38.5) / nPoints);
     S_Points points(static_cast<std::size_t>(nPoints), S_Complex{-nEach, 0});
     C_Fourier(nPoints).Transform(points);

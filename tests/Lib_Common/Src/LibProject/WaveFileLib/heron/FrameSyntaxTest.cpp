@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Frames of coefficients, there and back.
+// Round trips of frames of coefficients.
 #include "heron/FrameSyntax.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ struct S_Frame {
 
 double HalfStep(int nIndex) { return std::exp2(nIndex / 4.0 - 3); }
 
-// Coefficients that fall towards the high frequencies, up to nMost steps of the index.
+// Coefficients that fall towards the high frequencies, up to dMost steps of the index.
 S_Frame RandomFrame(C_Random& random, std::size_t nLength, int nIndex, double dMost) {
   const double dLargest = std::min(dMost * 2 * HalfStep(nIndex) * 256, std::exp2(28) - 1);
   S_Frame frame{S_Coefficients(nLength), nIndex};
@@ -47,10 +47,10 @@ S_Bytes Write(const std::vector<S_Frame>& frames) {
   });
 }
 
-// Each coefficient within one step of what was written; what became zero within two.
+// Each coefficient is within one step of what was written, or within two steps if it became zero.
 void ExpectAlike(const S_Frame& frame, const S_Coefficients& read) {
   for (std::size_t k = 0; k < read.size(); ++k) {
-    // Quarters of an octave have 16 bits behind the point.
+    // Quarters of an octave have 16 fractional bits.
     const double dStep =
         2 * HalfStep(frame.nIndex) * 256 + std::abs(frame.coefficients[k]) / 65536.0 + 2;
     ASSERT_NEAR(read[k], frame.coefficients[k], read[k] == 0 ? 2 * dStep : dStep)
@@ -151,7 +151,7 @@ TEST(HeronFrameCode, EscapedIndicesFrom72_AreRefused) {
 }
 
 TEST(HeronFrameCode, DifferencesThatLeaveTheRange_AreRefused) {
-  // From one frame of two zeros at each index by each difference.
+  // Starts with a frame of two zeros at each index and applies each difference to it.
   for (const int nFrom : {0, 3, 14, 15, 16, 56, 57, 70, 71}) {
     for (std::size_t nSymbol = 0; nSymbol <= 30; ++nSymbol) {
       const S_Bytes bytes = Written([&](C_CodeWriter& encoder) {
@@ -169,7 +169,8 @@ TEST(HeronFrameCode, DifferencesThatLeaveTheRange_AreRefused) {
 }
 
 TEST(HeronFrameCode, ACoefficientAboveTheLargest_IsRefused) {
-  // The coarsest step, whose 97th multiple of half of it is too large; levels by the first class.
+  // The coarsest step: the 77th multiple of its half step is too large. The levels are coded with
+  // the first class.
   const auto withLevel = [](std::int32_t nLevel) {
     return Written([&](C_CodeWriter& encoder) {
       test::WriteSymbol(encoder, kIndexFrequencies, 31);

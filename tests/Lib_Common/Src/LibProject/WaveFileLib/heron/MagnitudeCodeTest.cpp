@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The code of one coefficient, and the machine that chooses between the two quantisers.
+// The code of one coefficient, and the state machine that chooses between the two quantisers.
 #include "heron/MagnitudeCode.h"
 
 #include <gtest/gtest.h>
@@ -74,7 +74,8 @@ TEST(HeronMagnitudeClass, TheLargestExpectations_HaveOneToo) {
     EXPECT_LT(ClassAt(n).nTable, kMagnitudeTables) << n;
     EXPECT_GE(ClassAt(n).nShift, 15) << n;
   }
-  // What the frame before and the coefficients below it reach together needs all 32 bits.
+  // The previous frame and the coefficients below can together reach a value that needs all 32
+  // bits.
   EXPECT_EQ(ClassOf(0x80000000u).nTable, 24u);
   EXPECT_EQ(ClassOf(0xFFFFFFFFu).nTable, 27u);
   EXPECT_EQ(ClassOf(0xFFFFFFFFu).nShift, 23);
@@ -105,7 +106,7 @@ TEST(HeronLevel, EveryOneInEveryClassAndBothQuantisers_ComesBackWithItsSign) {
   }
 }
 
-// Bits that 1000 times this level take, measured.
+// Measures how many bits 1000 copies of this level take.
 double BitsOf(std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel) {
   const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
     for (int n = 0; n < 1000; ++n) {
@@ -131,7 +132,7 @@ TEST(HeronLevelCost, IsWhatTheLevelTakes) {
 }
 
 TEST(HeronLevel, AnEscapeThatNeverEnds_IsRefused) {
-  // All symbols there are, and nothing but zero bits behind them.
+  // Every possible symbol, followed by nothing but zero bits.
   int nRefused = 0;
   for (std::uint32_t nHigh = 0; nHigh < 65536; ++nHigh) {
     S_Bytes bytes = {static_cast<std::uint8_t>(nHigh >> 8), static_cast<std::uint8_t>(nHigh)};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Numbers and sounds to test the Heron frame coder with: the same ones in every run and everywhere.
+// Numbers and sounds for testing the Heron frame coder: the same in every run and on every machine.
 #pragma once
 
 #include <algorithm>
@@ -27,7 +27,7 @@ class C_Random {
     m_qwState ^= m_qwState << 17;
     return m_qwState;
   }
-  // 0..nLimit-1.
+  // A number from 0 to nLimit - 1.
   std::uint32_t Below(std::uint32_t nLimit) noexcept {
     return static_cast<std::uint32_t>((Bits() >> 32) * nLimit >> 32);
   }
@@ -83,7 +83,7 @@ inline std::vector<S_NamedSound> SoundsOf(std::size_t nSamples) {
           {"impulse", Impulse(nSamples, nSamples / 2, 32767)}};
 }
 
-// dB; 200 for equal sounds, -200 for such of different lengths.
+// In dB: 200 for equal sounds, -200 for sounds of different lengths.
 inline double SignalToNoise(const S_Sound& sound, const S_Sound& decoded) {
   if (sound.size() != decoded.size()) return -200;
   double dSignal = 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Bytes that no encoder wrote: they are refused or give some sound, and nothing else happens.
+// Bytes that no encoder wrote are refused or decode to some sound, and nothing else happens.
 #include <gtest/gtest.h>
 
 #include "Signals.h"
@@ -55,7 +55,8 @@ TEST(HeronCount, MoreThan32Bits_AreRefused) {
 }
 
 TEST(HeronCount, MoreFramesThanBytes_AreRefusedBeforeAnythingIsDecoded) {
-  // 2^32-1 samples in few bytes; then one frame of 160 more than there are bytes.
+  // 2^32-1 samples in few bytes and in 100,000 bytes. Then counts that need more bytes than there
+  // are.
   EXPECT_TRUE(IsRefused({0xFF, 0xFF, 0xFF, 0xFF, 0x0F}));
   EXPECT_TRUE(IsRefused(WithZeros({0xFF, 0xFF, 0xFF, 0xFF, 0x0F}, 100000)));
   EXPECT_TRUE(IsRefused({0xA1, 0x03, 0}));  // 417 of at most 480: too short for its frames
@@ -104,7 +105,7 @@ struct S_Trial {
 
 class HeronStreams : public testing::TestWithParam<S_Trial> {
  protected:
-  // Decodes; what comes out has the length that the stream tells.
+  // Decodes the stream. The output must have the length that the stream claims.
   void Try(const S_Bytes& coded, std::size_t nCount) {
     S_Sound sound;
     const bool bDecoded = DecodeSamples(coded, GetParam().nSampleRate, &sound);
@@ -129,7 +130,7 @@ TEST_P(HeronStreams, OfRandomBytes_AreRefusedOrDecoded) {
     const std::uint32_t nCount = 1 + random.Below(127);
     S_Bytes coded(2 + random.Below(60));
     for (std::uint8_t& byByte : coded) byByte = random.Byte();
-    // Zeros at the end are what the encoder leaves out, and stand for small values.
+    // The encoder leaves out zeros at the end; they stand for small values.
     if (n % 2 == 0) coded.resize(coded.size() + random.Below(40));
     coded[0] = static_cast<std::uint8_t>(nCount);
     ASSERT_NO_FATAL_FAILURE(Try(coded, nCount));
@@ -137,7 +138,7 @@ TEST_P(HeronStreams, OfRandomBytes_AreRefusedOrDecoded) {
   EXPECT_GT(m_nRefused, 0);
 }
 
-// One of the ways in which bytes come to harm.
+// Damages the bytes in one of five ways.
 void Damage(C_Random& random, S_Bytes& coded) {
   const auto at = [&] {
     return coded.begin() + 1 + random.Below(static_cast<std::uint32_t>(coded.size() - 1));
@@ -177,7 +178,7 @@ TEST_P(HeronStreams, ThatAreDamaged_AreRefusedOrDecoded) {
     }
     ASSERT_NO_FATAL_FAILURE(Try(coded, nCount));
   }
-  // Neither end of the test is missed: much harm is not noticed, some is.
+  // Both outcomes must occur: much of the damage goes unnoticed, some is noticed.
   EXPECT_GT(m_nDecoded, 0);
   EXPECT_GT(m_nRefused, 0);
 }

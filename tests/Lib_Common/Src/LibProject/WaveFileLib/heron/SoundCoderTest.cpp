@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The two entries to the frame coder with whole sounds.
+// The two entry points of the frame coder, with whole sounds.
 #include "heron/SoundCoder.h"
 
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ TEST_P(HeronDepths, FillButDoNotExceedTheirBitsPerSample) {
 }
 
 TEST_P(HeronDepths, GiveTheSoundBackInItsPlaceAndLength) {
-  // Twelve samples more than whole frames.
+  // Twelve samples more than a whole number of frames.
   const auto voice = TestVoice(16012);
   const auto decoded = Decode(Encode(voice, 16000, GetParam()), 16000);
   ASSERT_EQ(decoded.size(), voice.size());
@@ -56,7 +56,7 @@ TEST_P(HeronDepths, GiveTheSoundBackInItsPlaceAndLength) {
 // ---- lengths
 
 class HeronLengths : public testing::TestWithParam<std::size_t> {};
-// Of frames of 160 samples: less than one, one and its neighbours, several.
+// In frames of 160 samples: less than one frame, one frame and its neighbours, several frames.
 INSTANTIATE_TEST_SUITE_P(Samples, HeronLengths,
                          testing::Values(1, 2, 39, 40, 41, 79, 80, 81, 159, 160, 161, 319, 320, 321,
                                          1000, 5119, 5120, 5121));
@@ -74,7 +74,7 @@ TEST_P(HeronLengths, OfAllSounds_AreKeptWithinTheirSize) {
 }
 
 TEST_P(HeronLengths, OfOneSteadySoundAtSixBits_AreHeard) {
-  // Of a sound of some samples, there is room for its side information and little else.
+  // A sound of only a few samples has room for its side information and little else.
   if (GetParam() < 79) return;
   const S_Sound steady = test::Steady(GetParam(), 12345);
   const double dRatio = SignalToNoise(steady, Decode(Encode(steady, 8000, 6), 8000));
@@ -82,8 +82,8 @@ TEST_P(HeronLengths, OfOneSteadySoundAtSixBits_AreHeard) {
 }
 
 TEST(HeronSounds, TheLoudestCoefficientInASilentSound_ComesBack) {
-  // Full scale with the signs of one cosine of the transform, 1.16 million in one coefficient at
-  // 48 kHz; the silence around it leaves room for the finest step.
+  // Full scale with the signs of one cosine of the transform makes one coefficient of 1.16 million
+  // at 48 kHz. The silence around it leaves room for the finest step.
   constexpr int kFrame = 960;
   constexpr int kCoefficient = 100;
   S_Sound sound(50 * kFrame);
@@ -138,7 +138,7 @@ TEST(HeronSounds, SixBits_GiveLoudSoundsBack) {
 }
 
 TEST(HeronSounds, LoudNoise_ComesBackAsWellAsItsBitsAllow) {
-  // No code gives noise without shape more than 6.02 dB a bit; this one loses less than a bit.
+  // No coder gets more than 6.02 dB per bit out of white noise; this one loses less than a bit.
   const S_Sound noise = test::Noise(16000);
   for (int nBitDepth = 2; nBitDepth <= 6; ++nBitDepth) {
     const double dRatio = SignalToNoise(noise, Decode(Encode(noise, 16000, nBitDepth), 16000));
@@ -159,7 +159,7 @@ TEST(HeronSounds, ASoftSoundBeforeALoudOne_StaysSilentUntilItsFrame) {
   const S_Sound noise = test::Noise(3200);
   std::copy(noise.begin(), noise.end(), sound.begin() + 6400);
   const S_Sound decoded = Decode(Encode(sound, 16000, 4), 16000);
-  // The lap reaches one frame of 320 samples back.
+  // The overlap reaches back by one frame of 320 samples.
   EXPECT_TRUE(std::all_of(decoded.begin(), decoded.begin() + 6400 - 320,
                           [](std::int16_t nSample) { return std::abs(nSample) <= 1; }));
 }

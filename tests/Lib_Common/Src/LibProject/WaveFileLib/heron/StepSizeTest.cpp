@@ -77,7 +77,7 @@ TEST(HeronRescale, FurthestIndices_RoundDownToNothingOrMeetTheLimit) {
   EXPECT_EQ(C_Rescale(0, 71)(1 << 18), 1u);
   EXPECT_EQ(C_Rescale(71, 0)(1), 430u);  // 2^8.75 in whole numbers
   EXPECT_EQ(C_Rescale(71, 0)(C_Rescale::kMost), 430u << 22);
-  // From 2^9 on the ratio is halved until it is below that.
+  // A ratio of 2^9 or more is halved until it is below 2^9.
   EXPECT_EQ(C_Rescale(35, 0)(1), 430u);
   EXPECT_EQ(C_Rescale(36, 0)(1), 256u);
   EXPECT_EQ(C_Rescale(37, 0)(1), 304u);

@@ -43,7 +43,7 @@ std::vector<double> Window(int nLength) {
   return window;
 }
 
-// The definition: the coefficients of 2N samples.
+// The definition of the transform: the coefficients of 2N samples.
 std::vector<double> Direct(const S_Sound& samples) {
   const int nLength = static_cast<int>(samples.size()) / 2;
   const C_Cosines cosines(nLength);
@@ -69,7 +69,7 @@ S_Coefficients Forward(const S_Sound& samples) {
   return coefficients;
 }
 
-// The samples of full scale that give coefficient k its largest value.
+// The full-scale samples that give coefficient k its largest value.
 S_Sound LoudestFor(int nLength, int k) {
   const C_Cosines cosines(nLength);
   S_Sound samples(static_cast<std::size_t>(2 * nLength));
@@ -80,7 +80,8 @@ S_Sound LoudestFor(int nLength, int k) {
   return samples;
 }
 
-// What comes back, the first frame (silence) left out, with a frame of silence behind the sound.
+// Transforms the sound, followed by a frame of silence, and transforms it back. Leaves out the
+// first frame that comes back, which is silence.
 S_Sound ThereAndBack(const S_Sound& sound, int nLength) {
   const auto nFrame = static_cast<std::size_t>(nLength);
   C_ForwardTransform forward(nLength);
@@ -106,7 +107,8 @@ class HeronTransform : public testing::TestWithParam<int> {
     return static_cast<std::size_t>(GetParam()) * nFrames;
   }
 };
-// Lengths of all kinds: the shortest, of rates in use, of primes (166 = 2 * 83, 958 = 2 * 479).
+// Lengths of all kinds: the shortest, those of rates in use, and those with large prime factors
+// (166 = 2 * 83, 958 = 2 * 479).
 INSTANTIATE_TEST_SUITE_P(Lengths, HeronTransform,
                          testing::Values(2, 4, 6, 80, 160, 166, 220, 320, 440, 882, 958, 960));
 
@@ -147,7 +149,7 @@ TEST_P(HeronTransform, LargestCoefficients_GiveSamplesWithinTheirLimits) {
     }
     inverse.Transform(coefficients, samples);
     inverse.Transform(coefficients, samples);
-    // So much of everything cannot be silent.
+    // Such large coefficients must reach full scale somewhere.
     EXPECT_TRUE(std::find(samples.begin(), samples.end(), 32767) != samples.end() ||
                 std::find(samples.begin(), samples.end(), -32768) != samples.end())
         << nSigns;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int32_t kOne = 1 << 30;
 
-// The larger error of the two coordinates, in units.
+// The larger of the errors of the two coordinates, in units.
 double ErrorOf(std::int64_t nPart, std::int64_t nWhole) {
   const long double dAngle = 2 * std::numbers::pi_v<long double> * static_cast<long double>(nPart) /
                              static_cast<long double>(nWhole);

@@ -57,7 +57,8 @@ TEST(Categorise, WithIndicesFarBelowTheTable_RefinesTheFirstRegionBelowZero) {
 }
 
 TEST(Categorise, Ties_RefineTheLowestAndCoarsenTheHighestRegion) {
-  // Equal regions, so every choice is a tie. Refinements lead the list with the latest first.
+  // All regions are equal, so every choice is a tie. Refinements come first in the list, beginning
+  // with the most recent one.
   const S_Categorisation result = Categorise(100, Flat(0), 8);
   S_Categorisation applied = result;
   ApplyBalances(applied, 15);

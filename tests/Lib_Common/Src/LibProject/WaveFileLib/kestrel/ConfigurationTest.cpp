@@ -57,7 +57,7 @@ TEST(Configuration, RatesBeyond16Bits_GiveTheDefault) {
   }
 }
 
-// Through the entry points, which set both outputs whatever they return.
+// Called through the entry points, which set both outputs whatever they return.
 struct S_InitCase {
   unsigned int dwRate;
   int nWords;

@@ -64,7 +64,7 @@ TEST_P(DecoderAtRate, FramesOfSpeech_GiveTheirSpectrumAndSamples) {
 
 INSTANTIATE_TEST_SUITE_P(Rates, DecoderAtRate, testing::ValuesIn(test::kStageRates));
 
-// A frame of silence leaves most of its bits as padding, so that its last bit is an easy lie.
+// Most bits of a silent frame are padding, so its last bit is easy to falsify.
 std::vector<std::uint16_t> QuietFrame() {
   C_Encoder encoder;
   std::vector<std::uint16_t> words(20);
@@ -95,7 +95,8 @@ TEST(UnpackFrame, AnIndexOutOfRange_IsDamageWhereverItStands) {
       std::vector<std::uint16_t> words(20);
       C_BitWriter writer(words);
       WriteEnvelope(writer, envelope, 14);
-      // With control 15 it does not matter where the bits of the vectors end, but for the padding.
+      // With control 15, the position where the bits of the vectors end matters only for the
+      // padding.
       writer.PadWithOnes();
       EXPECT_EQ(Unpack(words).bDamaged, nPower == 25) << nRegion;
     }
@@ -103,7 +104,7 @@ TEST(UnpackFrame, AnIndexOutOfRange_IsDamageWhereverItStands) {
 }
 
 TEST(UnpackFrame, EnvelopeBeyondTheEnd_IsDamageAtTheLowestRate) {
-  // The envelope with the longest code words, 103 bits of 96.
+  // The envelope with the longest code words takes 103 bits, but a frame has only 96.
   S_Envelope envelope = {-6, 2, 13, 24, 12, 1, 12, 23};
   std::vector<std::uint16_t> words(6);
   C_BitWriter writer(words);
@@ -205,7 +206,7 @@ TEST(Conceal, ADamagedFrame_RepeatsTheLastGoodOneOnceAndThenIsSilent) {
   EXPECT_EQ(Conceal(good, lastGood).coefficients[0], 11);
 }
 
-// What the bias of the transform leaves of silence.
+// What the bias of the transform makes of silence.
 S_Frame SteadySilence() {
   S_Overlap overlap{};
   S_Frame samples;
@@ -240,7 +241,7 @@ TEST(Decoder, Init_RestoresEverything) {
   for (int nFrame = 0; nFrame < 40; ++nFrame) Decode(used, speech.Frame(nFrame));
   used.Init(16000);
   C_Decoder fresh;
-  // The damaged frame shows whether a last good frame is left over.
+  // The damaged frame shows whether a last good frame was left over.
   const std::vector<std::uint16_t> damaged(20, 0);
   EXPECT_EQ(Decode(used, damaged), Decode(fresh, damaged));
   for (int nFrame = 31; nFrame < 40; ++nFrame) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The entry points over the one encoder and the one decoder of the process.
+// The entry points, which share the one encoder and the one decoder of the process.
 #include "kestrel/FrameCoder.h"
 
 #include <gtest/gtest.h>

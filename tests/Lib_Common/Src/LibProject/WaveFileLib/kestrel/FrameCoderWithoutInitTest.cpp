@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A program of its own, because nothing in the process may have called an init before.
+// A separate program, because nothing in the process may have called an init before.
 #include <gtest/gtest.h>
 
 #include "VectorFiles.h"

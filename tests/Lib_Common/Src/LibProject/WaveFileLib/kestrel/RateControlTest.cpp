@@ -53,8 +53,8 @@ TEST(RateControl, BitsToSpare_EndsAtControlZero) {
 }
 
 TEST(RateControl, CategoriesAboveTheNoiseCategory_CostNothingAndStepBackToIt) {
-  // All balances on region 0, which starts as noise: seven steps up, seven down, and it is noise
-  // again; a category that did not count on would have become a coded one.
+  // All balances apply to region 0, which starts as noise. Seven steps up and seven down make it
+  // noise again. If the category did not count beyond noise, it would have become a coded one.
   S_Categorisation categorisation{};
   categorisation.categories.fill(7);
   S_Frame coefficients;

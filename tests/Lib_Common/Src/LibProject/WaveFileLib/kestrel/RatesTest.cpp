@@ -22,7 +22,7 @@ constexpr int kFrames = 100;
 struct S_RateCase {
   std::uint32_t dwRate;
   std::uint32_t dwWordsCrc;    // of the first 100 frames of speech.pcm, encoded
-  std::uint32_t dwSamplesCrc;  // and decoded
+  std::uint32_t dwSamplesCrc;  // of the same frames, decoded again
 };
 
 std::vector<S_RateCase> ReadRates() {
@@ -127,7 +127,7 @@ TEST_P(Rate, GoodFramesWithFlippedBits_Decode) {
 TEST_P(Rate, FramesOfZeros_AreSilent) {
   S_Overlap overlap{};
   for (int n = 0; n < 5; ++n) {
-    // Damaged throughout, so that only the bias of the transform is left.
+    // Every frame is damaged, so only the bias of the transform is left.
     S_Frame silence;
     InverseTransform(overlap, S_Frame{}, 0, silence);
     EXPECT_EQ(Decode(0), silence) << n;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Whole streams, exact to the bit in both directions: speech, noise, sweeps and other signals at
-// eleven rates, and damaged and hand-made frames for the decoder alone.
+// eleven rates. Damaged and hand-made frames are for the decoder only.
 #include <gtest/gtest.h>
 
 #include "VectorFiles.h"

@@ -101,7 +101,7 @@ TEST(MagnitudeShift, FollowsTheLargestMagnitude) {
   EXPECT_EQ(shiftOf(-100), 8);
   EXPECT_EQ(shiftOf(6999), 2);
   EXPECT_EQ(shiftOf(7000), 1);
-  // 437 counts as 438, so both stand on the same side of the step.
+  // 437 counts as 438, so both fall on the same side of the step.
   EXPECT_EQ(shiftOf(436), 6);
   EXPECT_EQ(shiftOf(437), 5);
   EXPECT_EQ(shiftOf(438), 5);
@@ -113,7 +113,7 @@ TEST(MagnitudeShift, LoudThroughout_LosesOneBit) {
   S_Frame half{};
   std::fill_n(half.begin(), 127, std::int16_t{20000});
   EXPECT_EQ(MagnitudeShift(half), 0);
-  // The comparison is strict: 128 equal values have their own magnitude as the 128th of their sum.
+  // The comparison is strict: a 128th of the sum of 128 equal values equals their own magnitude.
   half[127] = 20000;
   EXPECT_EQ(MagnitudeShift(half), 0);
   half[128] = 20000;
@@ -143,7 +143,7 @@ TEST(ScaleDown, ShiftsRightDoublesOrKeeps) {
 }
 
 TEST(InverseButterflies, TheDifference_AddsTheLimitedNegative) {
-  // The first pass makes -1 and -32768 neighbours; their difference is -1 + 32767 then, and not the
+  // The first pass makes -1 and -32768 neighbours. Their difference then is -1 + 32767, not the
   // 32767 that a plain subtraction gives.
   S_Frame in{};
   in[0] = in[1] = -1;

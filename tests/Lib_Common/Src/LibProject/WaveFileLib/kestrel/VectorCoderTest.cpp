@@ -67,7 +67,7 @@ TEST(CodeRegion, LargestMagnitudes_StopAtTheLargestBin) {
   }
 }
 
-// Every category and power, with the reader on the other side of the writer.
+// Every coded category at several powers: the reader reads what the writer wrote.
 TEST(CodeRegion, ReadRegion_GivesTheSignsAndAboutTheValuesBack) {
   std::mt19937 random(7);
   for (int nCategory = 0; nCategory < 7; ++nCategory) {
@@ -138,8 +138,8 @@ TEST(ReadRegion, BitsThatEndInsideACodeWord_AreAllTaken) {
 }
 
 TEST(ReadRegion, SignsThatDoNotFit_StayUnread) {
-  // A vector of category 6 with five bins; its five signs follow at the very end of a frame of
-  // which only a few bits are left.
+  // A vector of category 6 with five bins comes at the very end of a frame, where only three bits
+  // are left for its five signs.
   const S_Code code = kVectorCodes[6][31];
   std::array<std::uint16_t, 1> words{};
   const int nLead = 16 - code.byBits - 3;

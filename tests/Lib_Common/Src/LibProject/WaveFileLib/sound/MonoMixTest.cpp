@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sounds of every format as 16-bit mono samples.
+// Sounds of every format, mixed to 16-bit mono samples.
 #include "sound/MonoMix.h"
 
 #include <gtest/gtest.h>

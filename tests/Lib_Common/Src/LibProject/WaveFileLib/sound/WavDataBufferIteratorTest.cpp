@@ -43,7 +43,7 @@ TEST(WavDataBufferIterator, SecondChannel_ReadsIntoTheNextFrame) {
 
 TEST(WavDataBufferIterator, WideAccess_NeverLeavesTheBuffer) {
   C_Sound sound = Stereo16({1, 2, 3, 4});
-  EXPECT_EQ(sound.At(1, 1).GetValue(), 4);  // the two bytes behind the end read as 0
+  EXPECT_EQ(sound.At(1, 1).GetValue(), 4);  // the two bytes after the end read as 0
   sound.At(1, 1).SetValue(-7, true);
   EXPECT_EQ(sound.Bytes(), Le16({1, 2, 3, -7}));
   C_Sound quad({1, 2, 3, 4, 5, 6, 7, 8}, 4, 8, 8, true);
@@ -67,7 +67,7 @@ TEST(WavDataBufferIterator, PositionsOutsideTheBuffer_ReadZeroBytesAndWriteNothi
   it.Next();
   EXPECT_EQ(it.GetValue(), 1);
   EXPECT_EQ(sound.Bytes(), Le16({1, 2}));
-  // Bytes beyond are 0, which is the lowest value of unsigned data.
+  // Bytes beyond the end read as 0, which is the lowest value of unsigned data.
   EXPECT_EQ(C_Sound({0x90}, 1, 8, 8, false).At(1).GetValue(), -128);
 }
 
@@ -89,7 +89,8 @@ TEST(WavDataBufferIterator, OtherFrameWidths_ReadZeroAndWriteNothing) {
 }
 
 TEST(WavDataBufferIterator, FrameStep_IsCutTo16Bits) {
-  // 4 bytes x 32769 channels = 131076 bytes, which is 4 in 16 bits: read as one wide unit.
+  // 4 bytes x 32769 channels = 131076 bytes, which is 4 in 16 bits: the frame is read as one wide
+  // unit.
   C_Sound sound({1, 0, 0, 0}, 32769, 32, 32, true);
   EXPECT_EQ(sound.At(0).GetValue(), 1);
 }
@@ -203,7 +204,7 @@ TEST(WavDataBufferIterator, Interface_HasItsSlotsInOrder) {
   EXPECT_EQ((CallSlot<int>(pIterator, 3)), -3);
   CallSlot<void>(pIterator, 2);
   EXPECT_EQ((CallSlot<int>(pIterator, 3)), 2);
-  // Slot 5 writes exactly: no step lower.
+  // Slot 5 writes the exact value, not one step lower.
   CallSlot<void, int>(pIterator, 4, -1);
   EXPECT_EQ(sound.Bytes(), Le16({1, -1, -3}));
 }

@@ -138,7 +138,7 @@ TEST(WavDataBuffer, PositionsOutsideTheBuffer_ReadZeroAndWriteNothing) {
     sound.Buffer().SetSampleValueInt(dwPos, 5, 0);
     EXPECT_EQ(sound.Bytes(), Le16({7, 8, 9})) << dwPos;
   }
-  // The last sample is half there.
+  // The buffer holds only half of the last sample.
   C_Sound cut({1, 0, 2}, 1, 16, 16, true);
   EXPECT_EQ(cut.Buffer().GetSampleValueInt(1, 0), 0);
   cut.Buffer().SetSampleValueInt(1, 5, 0);
@@ -146,7 +146,7 @@ TEST(WavDataBuffer, PositionsOutsideTheBuffer_ReadZeroAndWriteNothing) {
 }
 
 TEST(WavDataBuffer, PositionTimesChannels_DoesNotWrap) {
-  // 0x80000000 * 2 channels would be sample 0 again in 32 bits.
+  // In 32 bits, 0x80000000 * 2 channels would be sample 0 again.
   C_Sound sound = Stereo16({7, 8});
   EXPECT_EQ(sound.Buffer().GetSampleValueInt(0x80000000u, 0), 0);
   sound.Buffer().SetSampleValueInt(0x80000000u, 5, 1);
@@ -353,7 +353,7 @@ TEST(WavDataBuffer, HeldSampleSize_WrapsWithTheFormatAndUnwrappedDoesNot) {
   C_WavInfo info;
   info.SetInfoData(8000, 0x20000002, 1, 16, 16, true);
   C_WavDataBuffer buffer;
-  buffer.AttachBuffer(&byAny, 0x20000002);  // never looked at
+  buffer.AttachBuffer(&byAny, 0x20000002);  // never read
   buffer.SetWavInfo(&info);
   EXPECT_EQ(buffer.GetHeldSampleSize(), 1u);
   EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 0x10000001u);
@@ -365,7 +365,7 @@ TEST(WavDataBuffer, HeldSampleSize_WrapsWithTheFormatAndUnwrappedDoesNot) {
   EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 2u);
   buffer.DetachBuffer();
   EXPECT_EQ(buffer.GetUnwrappedHeldSampleSize(), 0u);
-  // More samples than a count holds: of one bit each.
+  // One-bit samples: there are more of them than a count can hold.
   buffer.AttachBuffer(&byAny, 0xFFFFFFFF);
   info.SetInfoData(8000, 0xFFFFFFFF, 1, 1, 1, true);
   buffer.SetWavInfo(&info);
@@ -391,10 +391,10 @@ TEST(WavDataBuffer, Interface_DestructorStandsInTheLastSlot) {
   pBuffer->AllocBuffer(100);
   pBuffer->CreateIterator(0, 0);
   CallSlot<void>(static_cast<I_WavDataBuffer*>(pBuffer), 5);
-  // Freed wholly: the leak check of the sanitizer builds says so.
+  // Everything is freed: the leak check of the sanitizer builds would report it otherwise.
 }
 
-// A slow model of both ways of access, on arbitrary-precision arithmetic.
+// A slow model of both ways of access, in 64-bit arithmetic.
 class C_Model {
  public:
   C_Model(unsigned int dwBits, unsigned int dwStore, bool bSigned)

@@ -86,7 +86,7 @@ TEST(WavDataChannels, CreateChannelData_OfUnsupportedWidths_StaysInside) {
   const C_Pcm pcm{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
   sound.SetBuffer(pcm.data(), 12);
   sound.SetWavInfoData(8000, 12, 1, 12, 12, true);
-  // Eight samples; two of them from the third byte on.
+  // Eight samples of 12 bits. Samples 2 and 3 are the bytes 3 to 5.
   const C_SoundPtr part(sound.CreateChannelData(0, 2, 2));
   EXPECT_EQ(BytesOf(*part), (C_Pcm{4, 5, 6}));
   sound.SetWavInfoData(8000, 12, 2, 24, 24, true);
@@ -137,10 +137,10 @@ TEST(WavDataChannels, SetChannelData_StrideIsThatOfTwoChannels) {
 TEST(WavDataChannels, SetChannelData_TakesTheSourcesBytesInTheSoundsOwnWidth) {
   C_WavData sound;
   SetSound(sound, C_Values(4, 0), Format16(2));
-  // Four 8-bit samples are two 16-bit ones.
+  // Four 8-bit samples count as two 16-bit samples.
   EXPECT_TRUE(SetChannel(sound, {-127, -126, -125, -124}, 0, 0, Format8(1)));
   EXPECT_EQ(BytesOf(sound), (C_Pcm{1, 2, 0, 0, 3, 4, 0, 0}));
-  // So are both channels of a stereo source.
+  // Both channels of a stereo frame count as two samples as well.
   SetSound(sound, C_Values(4, 0), Format16(2));
   EXPECT_TRUE(SetChannel(sound, {5, 6}, 1, 0, Format16(2)));
   EXPECT_EQ(ValuesOf(sound), (C_Values{0, 5, 0, 6}));
@@ -260,7 +260,7 @@ TEST(WavDataChannels, ConvertToMono_LengthIsRoundedUp) {
   SetSound(sound, {10, 20, 30, 40}, Format16(2));
   sound.SetBuffer(sound.GetBuffer(), 7);
   sound.ConvertToMono();
-  // One whole frame, and three bytes of which the last one was never written.
+  // One whole frame becomes one sample. The three bytes after it add two bytes that nothing writes.
   EXPECT_EQ(BytesOf(sound), (C_Pcm{15, 0, 0, 0}));
   EXPECT_EQ(sound.GetBufferLength(), 4u);
 }

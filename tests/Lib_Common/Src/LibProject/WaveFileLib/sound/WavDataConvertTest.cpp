@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How a sound uses the file object that it writes itself with. The maker of file objects is this
-// file's, so that every call is seen.
+// How a sound uses the file object with which it writes itself. This file defines the maker of file
+// objects, so that it sees every call.
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -64,7 +64,7 @@ TEST(WavDataFile, KestrelBytesThatTheSoundHolds_AreWrittenUnchanged) {
   sound.SetEncType(AUDIO_FILE_KESTREL);
   EXPECT_TRUE(ConvertTo(sound, 14, folder.Path("a.kst")));
   EXPECT_EQ(folder.Read("a.kst"), encoded);
-  // An edit of the samples does not reach bytes that are already encoded.
+  // Editing the samples does not change bytes that are already encoded.
   EXPECT_TRUE(sound.ApplyGain(0.0, 0.0));
   EXPECT_TRUE(ConvertTo(sound, 14, folder.Path("b.kst")));
   EXPECT_EQ(folder.Read("b.kst"), encoded);

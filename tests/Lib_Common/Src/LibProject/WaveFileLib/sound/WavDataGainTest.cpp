@@ -33,7 +33,7 @@ TEST(WavDataGain, Step_IsForOneSampleLessThanTheCount) {
   // 1025 samples make 1024 steps of 1/1024 each: the second block's gain is 0.9990234375.
   EXPECT_EQ(AfterGain(C_Values(1025, 10000), 1.0, 0.0)[1023], 10000);
   EXPECT_EQ(AfterGain(C_Values(1025, 10000), 1.0, 0.0)[1024], 9990);
-  // 32 bits tell it from a step of 1/1025.
+  // 32-bit samples show the difference from a step of 1/1025.
   const C_Values wide = AfterGain(C_Values(1025, 1 << 30), 1.0, 0.0, {1, 32, 32, true, 8000});
   EXPECT_EQ(wide[1024], (1 << 30) - (1 << 20));
 }
@@ -113,7 +113,8 @@ TEST(WavDataGain, AttachedSamples_ChangeInPlace) {
 }
 
 TEST(WavDataGain, Stereo_GoesThroughTheFrameWideIterator) {
-  // Left sees right in its upper half: 100 + 1 * 65536 clips; right at the end sees nothing more.
+  // The left sample sees the right one in its upper half: 100 + 1 * 65536 clips. The right sample
+  // is at the end and sees nothing more.
   const S_Format stereo{2, 16, 16, true, 8000};
   EXPECT_EQ(AfterGain({100, 1}, 1.0, 1.0, stereo), (C_Values{32767, 1}));
   EXPECT_EQ(AfterGain({100, 0}, 2.0, 2.0, stereo), (C_Values{200, 0}));
@@ -129,7 +130,7 @@ TEST(WavDataGain, EditsBesideABuffersOwnIterator_LeaveItAlive) {
   EXPECT_EQ(pIterator->GetDataValue(), 10);
 }
 
-// A slow model of the staircase on mono sound.
+// A slow model of the stepped gain, on mono sound.
 C_Values GainByTheBook(C_Values values, double dStart, double dEnd, std::size_t nFirst,
                        std::size_t nLast, int nBits) {
   const double dCount = static_cast<double>(nLast - nFirst + 1);
@@ -259,7 +260,8 @@ TEST(WavDataGain, RemoveDCOffset_SubtractsTheSameFromEveryChannel) {
   C_WavData sound;
   SetSound(sound, {10, 0, 10, 0}, {2, 16, 16, true, 8000});
   sound.RemoveDCOffset();
-  // Left first: its upper half shows right, 0. Then right sees the next frame's left.
+  // Left comes first: its upper half shows the right sample, 0. Then right sees the left sample of
+  // the next frame.
   EXPECT_EQ(sound.GetIWaveDataBuffer()->GetSampleValueInt(0, 0), 0);
   EXPECT_EQ(sound.GetIWaveDataBuffer()->GetSampleValueInt(1, 0), 0);
   EXPECT_EQ(sound.GetIWaveDataBuffer()->GetSampleValueInt(0, 1), -10);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What sounds do when memory runs out, and that they give back what they took.
+// What sounds do when memory runs out. They also free everything that they allocated.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -57,7 +57,8 @@ bool RanOut(const S_Operation& operation, C_WavData& sound) {
   return false;
 }
 
-// One sound, one operation whose nCall-th allocation fails; true when there was such an allocation.
+// Runs one operation on one sound, with the nCall-th allocation failing. True when there was such
+// an allocation.
 bool FailsAt(const S_Operation& operation, int nCall, bool bFromThenOn) {
   C_WavData sound;
   SetSound(sound, {1, 2, 3, 4, 5, 6}, kStereo);

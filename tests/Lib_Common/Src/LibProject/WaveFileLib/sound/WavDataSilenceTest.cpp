@@ -87,7 +87,7 @@ TEST(WavDataSilence, OppositeChannels_AreQuiet) {
 TEST(WavDataSilence, Mean_TruncatesTowardZero) {
   const S_Format stereo{2, 16, 16, true, 8000};
   EXPECT_EQ(Detected({1, 0, 1, 0}, 0, 0, stereo), (C_Ranges{{0, 1}}));
-  EXPECT_EQ(Detected({-3, 0, -3, 0}, 0, 0, stereo), (C_Ranges{{0, 1}}));  // -1.5 is -1
+  EXPECT_EQ(Detected({-3, 0, -3, 0}, 0, 0, stereo), (C_Ranges{{0, 1}}));  // -1.5 truncates to -1
   EXPECT_EQ(Detected({-4, 0, -4, 0}, 0, 0, stereo), C_Ranges{});
   EXPECT_EQ(Detected({2, 0, 2, 0}, 0, 0, stereo), C_Ranges{});
 }
@@ -103,7 +103,8 @@ TEST(WavDataSilence, Mean_IsOverTheChannelsAskedFor) {
 }
 
 TEST(WavDataSilence, SumOfChannels_WrapsIn32Bits) {
-  // Twice 2^30 wraps to -2^31, whose half is below every bound; twice 2^31 wraps to 0.
+  // Twice 2^30 wraps to -2^31. Half of that, -2^30, is within the bound of threshold 2047 but not
+  // within that of 1023. Twice -2^31 wraps to 0.
   const S_Format stereo{2, 32, 32, true, 8000};
   const int nMin = -2147483647 - 1;
   EXPECT_EQ(Detected({nMin, nMin, nMin, nMin}, 0, 0, stereo), (C_Ranges{{0, 1}}));
@@ -193,7 +194,7 @@ TEST(WavDataSilence, Replace_RemovesSegmentsThatStartOrEndInTheRange) {
        C_Ranges{{0, 9}, {15, 25}, {30, 40}, {50, 60}, {61, 70}, {5000, 6000}}) {
     sound.AddSilenceSegment(dwStart, dwEnd);
   }
-  // Ends inside, wholly inside and starts on the last sample.
+  // The removed segments end inside the range, lie wholly inside it, or start on its last sample.
   EXPECT_EQ(RangesOf(sound.DetectSilenceRange(0, 0, 20, 50, 0, 0, true)),
             (C_Ranges{{0, 9}, {61, 70}, {5000, 6000}}));
 }
@@ -373,8 +374,8 @@ TEST(WavDataSilence, Merge_AgreesWithTheRuleForRandomLists) {
   }
 }
 
-// Many groups of overlapping ranges whose members stand far apart in the list, so that a removal in
-// one group moves the turn of another.
+// Many groups of overlapping ranges whose members are far apart in the list, so that a removal in
+// one group moves the turn of another group.
 TEST(WavDataSilence, Merge_AgreesWithTheRuleForLongLists) {
   C_Random random(8);
   for (int nRound = 0; nRound < 200; ++nRound) {
@@ -404,17 +405,17 @@ TEST(WavDataSilence, Merge_AgreesWithTheRuleAtTheEndsOfTheRange) {
 }
 
 TEST(WavDataSilence, MergeOfVeryManySegments_EndsInTime) {
-  // Apart from one another, and in no order: each would be compared with every other one.
+  // The segments do not touch and are in no order: each would be compared with every other one.
   std::vector<unsigned int> order(400000);
   std::iota(order.begin(), order.end(), 0U);
   std::shuffle(order.begin(), order.end(), std::mt19937(5));
   C_Ranges ranges;
   for (const unsigned int i : order) ranges.emplace_back(i * 10 + 1, i * 10 + 9);
   EXPECT_EQ(MergedOnce(ranges), ranges);
-  // All the same: half goes with each pass.
+  // All segments are the same: each pass removes half of them.
   const C_Ranges same(400000, {0, 8});
   EXPECT_EQ(MergedOnce(same).size(), 200000u);
-  // One long one over all.
+  // One long segment covers all the others.
   ranges.emplace_back(0, 0xFFFFFFFFu);
   EXPECT_EQ(MergedOnce(ranges), (C_Ranges{{0, 0xFFFFFFFFu}}));
 }

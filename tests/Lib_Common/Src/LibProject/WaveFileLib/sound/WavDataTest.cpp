@@ -17,7 +17,7 @@ namespace {
 
 using C_Pcm = std::vector<unsigned char>;
 
-// Says when it dies.
+// Counts its destructions.
 class C_MortalSound : public C_WavData {
  public:
   explicit C_MortalSound(int& nDeaths) : m_nDeaths(nDeaths) {}
@@ -110,11 +110,11 @@ TEST(WavData, FormatThatClaimsMoreThanIsHeld_IsNotCopied) {
   EXPECT_NE(C_SoundPtr(sound.Clone()), nullptr);
 }
 
-// Frames of so many channels that few of them make a sound whose count of samples wraps.
+// Frames with so many channels that relatively few frames make a sound whose sample count wraps.
 constexpr unsigned int kManyChannels = 65535;
 constexpr unsigned int kManyFrames = 8193;
 
-// More than half a gibibyte, of which only the values that are set are touched.
+// More than half a gibibyte. Only the values that are set touch their memory.
 class C_HugeSound : public C_WavData {
  public:
   C_HugeSound() {
@@ -427,7 +427,7 @@ TEST(WavData, GetInfo_GivesTheFiveKinds) {
   EXPECT_EQ(InfoOf<I_WavDataSamplerInfo>(sound, 3)->GetChunkLength(), 36u);
   EXPECT_EQ(InfoOf<I_WavDataListInfo>(sound, 4)->GetLabelCount(), 0);
   EXPECT_EQ(InfoOf<I_WavDataExtraChunkInfo>(sound, 5)->GetSize(), 0);
-  // The same objects each time.
+  // The objects are the same each time.
   EXPECT_EQ(InfoOf<void>(sound, 5), InfoOf<void>(sound, 5));
 }
 
@@ -450,7 +450,7 @@ TEST(WavData, SamplerOffsets_FollowTheFormat) {
   EXPECT_EQ(pSampler->GetSampleLoopByIndex(0)->GetStartByteOffset(), 100u);
 }
 
-// Programs built against the library look at these parts at fixed places.
+// Programs built against the library access these parts at fixed places.
 TEST(WavData, Parts_LieInTheirOrder) {
   C_WavData sound;
   const std::vector<const void*> parts = {sound.GetIWaveDataBuffer(),
@@ -470,11 +470,11 @@ TEST(WavData, Parts_LieInTheirOrder) {
     EXPECT_TRUE(std::less<>()(pLow, pAt)) << "part " << &pPart - parts.data();
     pLow = pAt;
   }
-  // Between the PCM and the format lies the encoded buffer, of the same size as the PCM's.
+  // The encoded buffer lies between the PCM and the format and is as large as the PCM's buffer.
   const auto* pPcm = static_cast<const unsigned char*>(parts[0]);
   const auto* pFormat = static_cast<const unsigned char*>(parts[1]);
   EXPECT_EQ(pFormat - pPcm, static_cast<std::ptrdiff_t>(2 * sizeof(C_WavDataBuffer)));
-  // Behind the last one, the encoded kind and the count of references.
+  // The encoded kind and the reference count follow the last part.
   const auto* pEnd = reinterpret_cast<const unsigned char*>(&sound) + sizeof sound;
   unsigned int dwKind = 0;
   int nCount = -1;
@@ -492,7 +492,7 @@ TEST(WavData, ReservedOperation_IsTrue) {
 
 // ---- the table of operations ----
 
-// Notes which operation each slot reaches.
+// Records which operation each slot reaches.
 class C_SlotProbe : public I_WavData {
  public:
   int AddRef() override { return Note(1); }
@@ -590,7 +590,7 @@ TEST(WavData, Interface_HasItsSlotsInOrder) {
   C_SlotProbe probe;
   I_WavData* pSound = &probe;
   for (std::size_t nSlot = 1; nSlot <= 47; ++nSlot) {
-    // The probe looks at no argument, so that none need be passed.
+    // The probe ignores its arguments, so none need to be passed.
     CallSlot<void>(pSound, nSlot - 1);
     EXPECT_EQ(probe.Last(), static_cast<int>(nSlot));
   }
@@ -599,7 +599,7 @@ TEST(WavData, Interface_HasItsSlotsInOrder) {
 TEST(WavData, Interface_DestructorsStandInTheLastTwoSlots) {
   C_SlotProbe::s_nDeaths = 0;
   I_WavData* pSound = new C_SlotProbe();
-  CallSlot<void>(pSound, 48);  // the deleting one
+  CallSlot<void>(pSound, 48);  // the deleting destructor
   EXPECT_EQ(C_SlotProbe::s_nDeaths, 1);
 }
 

@@ -75,7 +75,7 @@ TEST(WavDataWidth, Converted_HasItsFormat) {
   EXPECT_EQ(pInfo->GetStoreBitsPerSample(), 32);
   EXPECT_FALSE(pInfo->IsValueSigned());
   EXPECT_EQ(converted->GetEventTagMgr()->GetSampleRate(), 11025u);
-  // The source is as it was.
+  // The source is unchanged.
   EXPECT_EQ(ValuesOf(sound), (C_Values{1, 2, 3, 4}));
 }
 
@@ -168,7 +168,7 @@ TEST(WavDataWidth, Stereo_InheritsFrameWideReads) {
 }
 
 TEST(WavDataWidth, FramesThatIteratorsCannotWrite_BecomeZeros) {
-  // 32-bit stereo frames are 8 bytes wide: nothing is written, and nothing old shows.
+  // 32-bit stereo frames are 8 bytes wide: nothing is written, and no old bytes show.
   for (int nRound = 0; nRound < 4; ++nRound) {
     const C_SoundPtr converted =
         Converted(C_Values(2000, 1000), kStereo16, {2, 32, 32, true, 8000});
@@ -180,7 +180,7 @@ TEST(WavDataWidth, FramesThatIteratorsCannotWrite_BecomeZeros) {
 }
 
 TEST(WavDataWidth, WidenedFrameWideValues_Clip) {
-  // 8-bit stereo reads (1, 1) as 257, which has no room in 16 bits once widened.
+  // 8-bit stereo reads (1, 1) as 257, which does not fit 16 bits once it is widened.
   EXPECT_EQ(ConvertedValues({1, 1}, {2, 8, 8, true, 8000}, kStereo16), (C_Values{32767, 256}));
 }
 

@@ -113,7 +113,7 @@ TEST(WavInfo, SetInfo_CopiesEverythingButTheEncodedLength) {
   EXPECT_EQ(source.GetEncByteLen(), 99u);
 }
 
-// A format that is not one of ours.
+// A format object that is not one of ours.
 class C_ForeignInfo : public I_WavInfo {
  public:
   unsigned int GetTimeLength() override { return 1; }
@@ -231,7 +231,7 @@ TEST(WavInfo, Layout_IsPackedByTwoAndAlignedForItsTable) {
   EXPECT_EQ(sizeof(C_WavInfo) % alignof(void*), 0u);
   C_WavInfo info = Info(0x01020304, 0x11121314, 0x2122, 0x3132, 0x4142);
   info.SetEncByteLen(0x51525354);
-  // The flag and one pad byte behind the table's pointer, then the fields with nothing in between.
+  // The flag and one pad byte follow the pointer to the table. Then come the fields without gaps.
   std::array<unsigned char, 18> fields{};
   ASSERT_GE(sizeof info, sizeof(void*) + 2 + fields.size());
   std::memcpy(fields.data(), reinterpret_cast<const unsigned char*>(&info) + sizeof(void*) + 2,
