@@ -6,8 +6,8 @@
 //   cmake --preset bench && cmake --build --preset bench --target kestrel_bench
 //   build/bench/bin/kestrel_bench
 //
-// 50 frames per second are real time. The sound is made here: the harmonics of a voice whose pitch
-// and loudness move as in speech, with a little noise.
+// 50 frames per second are real time. The sound is generated here: the harmonics of a voice whose
+// pitch and loudness move as in speech, with a little noise.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -42,20 +42,20 @@ std::vector<std::int16_t> Speech() {
   return samples;
 }
 
-// The frames of a sound, one after the other and over again.
-template <typename T_Value>
+// Hands out the frames of a sound one after the other, and starts again after the last.
+template <typename Value>
 class C_Frames {
  public:
-  C_Frames(const std::vector<T_Value>& values, std::size_t nPerFrame)
+  C_Frames(const std::vector<Value>& values, std::size_t nPerFrame)
       : m_values(values), m_nPerFrame(nPerFrame) {}
-  std::span<const T_Value> Next() {
+  std::span<const Value> Next() {
     if (m_values.size() - m_nAt < m_nPerFrame) m_nAt = 0;
     m_nAt += m_nPerFrame;
     return m_values.subspan(m_nAt - m_nPerFrame, m_nPerFrame);
   }
 
  private:
-  std::span<const T_Value> m_values;
+  std::span<const Value> m_values;
   std::size_t m_nPerFrame;
   std::size_t m_nAt = 0;
 };

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The one list type of the library: a vector of item pointers, handed out as interface pointers,
-// that owns its items or not. Not synchronised: a list belongs to one object and one thread.
+// The library's only list type: a vector of item pointers, handed out as interface pointers. A list
+// may or may not own its items. It is not synchronised: a list belongs to one object and one
+// thread.
 #pragma once
 
 #include <memory>
@@ -20,12 +21,12 @@ class I_CLArray {
 };
 
 // The implementation of Interface (I_CLArray<I>, or a richer interface that extends it).
-// T is the stored pointer type, bOwn says whether removed items are deleted (through T).
+// T is the stored pointer type; bOwn says whether removed items are deleted (through T).
 template <typename Interface, typename T, typename I, bool bOwn>
 class C_CLCustomArray : public Interface {
  public:
   C_CLCustomArray() = default;
-  // A copy refers to the same items, which only a list that does not own them may do.
+  // A copy refers to the same items, so only a list that does not own them can be copied.
   C_CLCustomArray(const C_CLCustomArray& other) requires(!bOwn) = default;
   C_CLCustomArray(const C_CLCustomArray&) requires(bOwn) = delete;
   C_CLCustomArray& operator=(const C_CLCustomArray&) = delete;
@@ -36,40 +37,40 @@ class C_CLCustomArray : public Interface {
   void RemoveItemByIndex(int nIndex) override { RemoveAt(nIndex, 1); }
   void RemoveAll() override {
     if constexpr (bOwn) {
-      // During destruction this is the size that this class knows, and that is meant.
+      // During destruction this call gets this class's own size, which is intended.
       // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall)
       for (int i = 0; i < this->GetSize(); ++i) delete GetAt(i);
     }
     m_items.clear();
   }
 
-  // GetSize() through the virtual call: a subclass that overrides it changes both.
+  // Calls GetSize() virtually, so a subclass that overrides GetSize() changes both.
   int GetCount() const { return this->GetSize(); }
 
-  // std::out_of_range for an index outside 0 .. GetSize() - 1, negative ones included.
+  // Throws std::out_of_range for an index outside 0 .. GetSize() - 1, including negative ones.
   T GetAt(int nIndex) const { return m_items.at(static_cast<std::size_t>(nIndex)); }
 
-  // Kept: no range check, and the overwritten item is never deleted, even by an owning list;
-  // callers swap items in and out this way. Pinned by SetAt_LeavesTheOverwrittenItemAlive.
+  // Kept: there is no range check, and even an owning list never deletes the overwritten item.
+  // Callers swap items in and out this way. Pinned by SetAt_LeavesTheOverwrittenItemAlive.
   T& SetAt(int nIndex, T item) {
     T& slot = m_items[static_cast<std::size_t>(nIndex)];
     slot = item;
     return slot;
   }
 
-  // The index of the new last item.
+  // Appends the item and returns its index.
   int Add(T item) {
     m_items.push_back(item);
     return this->GetSize() - 1;
   }
 
-  // nCount copies of item before position nIndex; position GetSize() appends.
+  // Inserts nCount copies of item before position nIndex; position GetSize() appends.
   void InsertAt(int nIndex, T item, int nCount) requires(!bOwn) {
     m_items.insert(m_items.begin() + nIndex, static_cast<std::size_t>(nCount), item);
   }
 
-  // nCount items from nIndex on, which must lie inside the list. An owning list deletes them in
-  // ascending order first.
+  // Removes nCount items from nIndex on; they must lie inside the list. An owning list first
+  // deletes them in ascending order.
   void RemoveAt(int nIndex, int nCount) {
     const auto first = m_items.begin() + nIndex;
     const auto last = first + nCount;
@@ -83,7 +84,7 @@ class C_CLCustomArray : public Interface {
   std::vector<T> m_items;
 };
 
-// The list type that the data model declares its lists with.
+// The list type that the data model uses.
 template <typename T, typename I, bool bOwn>
 class C_CLArray : public C_CLCustomArray<I_CLArray<I>, T, I, bOwn> {
  public:
@@ -94,24 +95,25 @@ class C_CLArray : public C_CLCustomArray<I_CLArray<I>, T, I, bOwn> {
 
 namespace vcm {
 
-// Appends an item to a list that owns its items and returns it. When the list finds no memory, the
-// item dies with the exception.
+// Appends an item to a list that owns its items, and returns the item. If there is no memory left,
+// this throws and the item is deleted.
 template <typename List, typename Item>
 Item* AddOwned(List& list, std::unique_ptr<Item> item) {
   list.Add(item.get());
   return item.release();
 }
 
-// Removes the items that bKeep refuses from a list that owns its items; the others stay in their
-// order. bKeep sees each item once.
+// Deletes the items for which bKeep returns false from a list that owns its items; the others keep
+// their order. Calls bKeep(pItem) once for each item, from the first to the last. This takes linear
+// time, unlike removing the items one by one.
 template <typename List, typename Keep>
 void KeepIf(List& list, Keep bKeep) {
   int nKept = 0;
   for (int i = 0; i < list.GetCount(); ++i) {
-    const auto item = list.GetAt(i);
-    if (!bKeep(*item)) continue;
+    auto* const pItem = list.GetAt(i);
+    if (!bKeep(pItem)) continue;
     list.SetAt(i, list.GetAt(nKept));
-    list.SetAt(nKept++, item);
+    list.SetAt(nKept++, pItem);
   }
   list.RemoveAt(nKept, list.GetCount() - nKept);
 }

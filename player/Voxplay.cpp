@@ -20,12 +20,25 @@ namespace {
 constexpr std::uint32_t kLastPacketRoom = 1024;
 constexpr double kMsPerSecond = 1000.0;
 
-// Towards zero; what is below zero or not a number is 0, what is too large the largest.
+// Rounds towards zero. What is below zero or not a number becomes 0, and what is too large becomes
+// the largest value.
 template <typename T>
 T Truncate(double dValue) {
   constexpr T most = std::numeric_limits<T>::max();
   if (!(dValue > 0.0)) return 0;
   return dValue >= static_cast<double>(most) ? most : static_cast<T>(dValue);
+}
+
+// The result of Open for what DecodeToWav returned.
+int OpenResultOf(int nDecoded) {
+  switch (nDecoded) {
+    case kDecodedToWav:
+      return I_Voxplay::kOpened;
+    case kReopenFailed:
+      return I_Voxplay::kPlatformFailed;
+    default:
+      return I_Voxplay::kDecodeFailed;
+  }
 }
 
 class C_FileUrl {
@@ -46,8 +59,8 @@ class C_FileUrl {
   CFURLRef m_url;
 };
 
-// Kept: what the file says about its format is read and then replaced as a whole; the graph always
-// plays the one format that every output takes. Pinned by
+// Kept: what the file says about its format is read and then replaced completely, because the graph
+// always plays the one format that every output accepts. Pinned by
 // Open_GivesTheGraphTheFixedFormatForEveryFile.
 AudioStreamBasicDescription ReadPlaybackFormat(AudioFileID audioFile) {
   AudioStreamBasicDescription format{};
@@ -58,7 +71,7 @@ AudioStreamBasicDescription ReadPlaybackFormat(AudioFileID audioFile) {
   return format;
 }
 
-// Reads past everything that was played, so that the file is left at its end.
+// Reads the last packet, so that the file is left at its end.
 void ReadLastPacket(AudioFileID audioFile, UInt64 qwPacketCount) {
   UInt8 abyPacket[kLastPacketRoom] = {};
   UInt32 cbPacket = sizeof abyPacket;
@@ -100,7 +113,8 @@ bool C_Voxplay::Stop() {
 
 bool C_Voxplay::Pause() {
   if (m_graph != nullptr) XThrowIfError(AUGraphStop(m_graph), "AUGraphStop");
-  // Kept: paused even when nothing is opened. Pinned by Pause_WithoutAGraph_StillCountsAsPaused.
+  // Kept: the state becomes paused even when nothing is opened. Pinned by
+  // Pause_WithoutAGraph_StillCountsAsPaused.
   SetState(kPaused);
   return true;
 }
@@ -125,8 +139,8 @@ int C_Voxplay::Open(const char* pszFileName) {
 }
 
 bool C_Voxplay::SetNotify(PFN_VoxplayNotify pfnNotify, unsigned int dwUserData) {
-  // Kept: before a file is opened nothing is stored and nothing refused, so that callers may set
-  // their callback at any time and again once the file is there. Pinned by
+  // Kept: before a file is opened the callback is neither stored nor refused, so that callers may
+  // set it at any time and again once the file is open. Pinned by
   // SetNotify_WithoutAGraph_StoresNothingAndSucceeds.
   if (m_graph == nullptr) return true;
   if (pfnNotify == nullptr) return false;
@@ -174,13 +188,13 @@ int C_Voxplay::OpenFile(const char* pszFileName) {
   if (!CheckFileType(pszFileName, &byNeedsDecoding)) return kNotSupported;
   const char* pszPath = pszFileName;
   if (byNeedsDecoding != 0) {
-    if (const int nResult = DecodeToTempWav(pszFileName); nResult != 0) return nResult;
+    if (const int nResult = DecodeToTempWav(pszFileName); nResult != kOpened) return nResult;
     pszPath = m_szTempWavPath;
   }
   OpenAudioFile(pszPath);
   const AudioStreamBasicDescription format = ReadPlaybackFormat(m_audioFile);
   MakeFileGraph(&m_graph, &m_fileUnit, format, m_audioFile);
-  // A graph that reports no cycles still plays; only the position stands still.
+  // Without the notification the graph still plays; only the position stands still.
   static_cast<void>(AUGraphAddRenderNotify(m_graph, RenderNotify, this));
   m_dDuration = PrepareFileUnit(&m_schedule, m_fileUnit, format, m_audioFile);
   std::printf("file duration: %f secs\n", m_dDuration);
@@ -193,8 +207,8 @@ int C_Voxplay::DecodeToTempWav(const char* pszFileName) {
   static_cast<void>(unlink(m_szTempWavPath));
   if (!vcm::CreateExclusive(m_szTempWavPath)) return kDecodeFailed;
   vcm::C_RemovedAtEnd wav(m_szTempWavPath);
-  const int nResult = DecodeToWav(pszFileName, m_szTempWavPath);
-  if (nResult == kDecodedToWav) wav.Keep();
+  const int nResult = OpenResultOf(DecodeToWav(pszFileName, m_szTempWavPath));
+  if (nResult == kOpened) wav.Keep();
   return nResult;
 }
 
@@ -205,8 +219,8 @@ void C_Voxplay::OpenAudioFile(const char* pszPath) {
                 "AudioFileOpenURL");
 }
 
-// A file is closed together with its graph only. One that never got a graph, or that another file
-// takes the place of, is not.
+// A file is closed only together with its graph. A file that never got a graph, or that is replaced
+// by another file, stays open.
 void C_Voxplay::KeepOpenFile() {
   if (m_audioFile != nullptr) KeepForProcess(m_audioFile, "file that was opened and not closed");
 }

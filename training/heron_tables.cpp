@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Prints the tables of the Heron codec (heron/Tables.h) as they follow from recorded speech: codes
-// every WAV file named on the command line (16-bit mono) at 2 to 6 bits per sample with the tables
-// as they are, and counts the symbols. train_heron.sh runs it until the tables settle.
+// Prints the tables of the Heron codec (heron/Tables.h) as they follow from recorded speech. It
+// codes every WAV file named on the command line (16-bit mono) at 2 to 6 bits per sample with the
+// present tables, and counts the symbols. train_heron.sh runs it until the tables settle.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -62,7 +62,7 @@ S_Sound Load(const char* pszFileName) {
   return sound;
 }
 
-// The symbols of one frame, found again from its coefficients: they are multiples of the half step.
+// Recovers the symbols of one frame from its coefficients, which are multiples of the half step.
 class C_FrameCounter {
  public:
   C_FrameCounter(int nLength, S_Statistics& statistics)
@@ -98,7 +98,7 @@ class C_FrameCounter {
   }
 
   int m_nIndex = heron::kFirstIndex;
-  heron::C_FrameBefore m_before;
+  heron::C_PreviousFrame m_before;
   std::vector<std::int32_t> m_magnitudes;
   S_Statistics& m_statistics;
 };
@@ -112,7 +112,7 @@ void CountSymbols(const std::vector<std::uint8_t>& coded, int nSampleRate,
   heron::C_FrameReader reader(nLength);
   C_FrameCounter counter(nLength, statistics);
   std::vector<std::int32_t> coefficients(static_cast<std::size_t>(nLength));
-  // One frame more than the samples fill.
+  // Reads one frame more than the samples fill.
   std::uint64_t qwLeft = count->qwCount + static_cast<unsigned>(nLength);
   while (reader.Read(decoder, coefficients)) {
     counter.Count(coefficients, reader.StepIndex());
@@ -121,8 +121,8 @@ void CountSymbols(const std::vector<std::uint8_t>& coded, int nSampleRate,
   }
 }
 
-// Frequencies that sum up to the range coder's total, each at least 1. A little of a geometric
-// distribution around the same mean is added, for symbols that the material happens not to have.
+// Frequencies that add up to the range coder's total, each at least 1. A little of a geometric
+// distribution around the same mean is added, for symbols that the material happens not to contain.
 template <std::size_t kSymbols>
 std::array<std::uint32_t, kSymbols> Frequencies(const S_Counts<kSymbols>& counts,
                                                 const S_Counts<kSymbols>& prior) {

@@ -60,7 +60,7 @@ class C_FiveMoreList : public OwningList {
   int GetSize() const override { return OwningList::GetSize() + 5; }
 };
 
-// Reports more items only while it is told to.
+// Reports more items than it has, but only while it is told to.
 class C_StretchedList : public OwningList {
  public:
   int GetSize() const override { return OwningList::GetSize() + nExtra; }
@@ -246,7 +246,7 @@ TEST_F(CLArray, GetItemByIndex_ConvertsToTheInterface) {
 TEST_F(CLArray, KeepIf_RemovesWhatIsRefusedAndKeepsTheOrder) {
   OwningList list;
   Fill(list, 7);
-  vcm::KeepIf(list, [](C_Item& item) { return item.Number() % 3 != 0; });
+  vcm::KeepIf(list, [](C_Item* pItem) { return pItem->Number() % 3 != 0; });
   EXPECT_EQ(NumbersIn(list), (std::vector{1, 2, 4, 5}));
   std::sort(g_deleted.begin(), g_deleted.end());
   EXPECT_EQ(g_deleted, (std::vector{0, 3, 6}));
@@ -254,13 +254,13 @@ TEST_F(CLArray, KeepIf_RemovesWhatIsRefusedAndKeepsTheOrder) {
 
 TEST_F(CLArray, KeepIf_OfAllNoneOrNothing_KeepsThat) {
   OwningList list;
-  vcm::KeepIf(list, [](C_Item&) { return false; });
+  vcm::KeepIf(list, [](C_Item*) { return false; });
   EXPECT_EQ(list.GetSize(), 0);
   Fill(list, 3);
-  vcm::KeepIf(list, [](C_Item&) { return true; });
+  vcm::KeepIf(list, [](C_Item*) { return true; });
   EXPECT_EQ(NumbersIn(list), (std::vector{0, 1, 2}));
   EXPECT_TRUE(g_deleted.empty());
-  vcm::KeepIf(list, [](C_Item&) { return false; });
+  vcm::KeepIf(list, [](C_Item*) { return false; });
   EXPECT_EQ(list.GetSize(), 0);
   EXPECT_EQ(g_deleted.size(), 3u);
 }

@@ -16,8 +16,8 @@
 
 namespace {
 
-using heron_test::kKinds;
-using heron_test::S_Kind;
+using heron::test::kKinds;
+using heron::test::S_Kind;
 
 constexpr std::size_t kSamples = 3200;
 constexpr const char* kLength = "file duration: 0.200000 secs\nLength:0\n";
@@ -50,7 +50,7 @@ class HeronPlay : public testing::TestWithParam<S_Kind> {
     std::ifstream file(std::string(P_tmpdir) + "/" + names.front(), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   }
-  // A container with the stream beside the sound itself.
+  // A container that holds the stream and also the sound itself.
   std::string WriteVef(const S_Kind& kind) {
     std::string strPath = m_folder.Path("vef.hrn");
     EXPECT_TRUE(MonoSound(TestVoice(kSamples))
@@ -62,7 +62,7 @@ class HeronPlay : public testing::TestWithParam<S_Kind> {
   C_PrivateTemp m_temp;
   C_TempFolder m_folder;
 };
-INSTANTIATE_TEST_SUITE_P(Kinds, HeronPlay, testing::ValuesIn(kKinds), heron_test::NameOf);
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronPlay, testing::ValuesIn(kKinds), heron::test::NameOf);
 
 TEST_P(HeronPlay, FileBehindAnSpHeader_PlaysWithFourFiveOrSixBits) {
   const C_Bytes stream = Stream(GetParam());
@@ -75,7 +75,7 @@ TEST_P(HeronPlay, FileBehindAnSpHeader_PlaysWithFourFiveOrSixBits) {
     return;
   }
   ExpectRun(strPath, "0", kPlayed, 0);
-  EXPECT_EQ(WavOf(16000, 1, PcmBytes(*heron_test::Decoded(stream, 16000))), LeftFile());
+  EXPECT_EQ(WavOf(16000, 1, PcmBytes(*heron::test::Decoded(stream, 16000))), LeftFile());
 }
 
 TEST_P(HeronPlay, Container_PlaysTheSoundThatItStores) {
@@ -89,7 +89,7 @@ TEST_P(HeronPlay, BareStream_IsADecodingFailure) {
 }
 
 class HeronPlayOnce : public HeronPlay {};
-INSTANTIATE_TEST_SUITE_P(FourBits, HeronPlayOnce, testing::Values(kKinds[0]), heron_test::NameOf);
+INSTANTIATE_TEST_SUITE_P(FourBits, HeronPlayOnce, testing::Values(kKinds[0]), heron::test::NameOf);
 
 TEST_P(HeronPlayOnce, RealTimeMode_IsASecondOfSilence) {
   const std::string strPath =

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Builds Heron streams with whatever lie a test needs, and codes with the codec and with the bare
-// frame coder, as the measure for what the codec makes of a whole sound.
+// Builds Heron streams with whatever lie a test needs. Codes with the codec, and with the bare
+// frame coder as the measure for what the codec makes of a whole sound.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 #include "codec/HeronCodec.h"
 #include "heron/SoundCoder.h"
 
-namespace heron_test {
+namespace heron::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -72,18 +72,18 @@ inline std::optional<std::vector<short>> Decoded(const Bytes& stream, unsigned i
   return SamplesOf(sound.get());
 }
 
-}  // namespace heron_test
+}  // namespace heron::test
 
 class C_HeronBytes {
  public:
   using Bytes = std::vector<std::uint8_t>;
 
-  C_HeronBytes(const heron_test::S_Kind& kind, const std::vector<short>& samples, int nSampleRate)
-      : m_byMode(kind.byMode), m_coded(heron_test::Coded(samples, nSampleRate, kind.nBitDepth)) {}
+  C_HeronBytes(const heron::test::S_Kind& kind, const std::vector<short>& samples, int nSampleRate)
+      : m_byMode(kind.byMode), m_coded(heron::test::Coded(samples, nSampleRate, kind.nBitDepth)) {}
 
   C_HeronBytes& Mode(std::uint8_t byMode) { return m_byMode = byMode, *this; }
   C_HeronBytes& Coded(const Bytes& coded) { return m_coded = coded, *this; }
-  // Behind the audio; the head says where, unless told otherwise.
+  // The events follow the audio; the head says where, unless it is told otherwise.
   C_HeronBytes& Events(const Bytes& events) {
     m_events = events;
     return Offset(static_cast<std::uint32_t>(4 + m_coded.size()));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Builds Kestrel streams frame by frame, with whatever lie a test needs, and decodes and encodes
-// with the bare frame coder, as the measure for what the codec makes of a whole stream.
+// Builds Kestrel streams frame by frame, with whatever lie a test needs. Decodes and encodes with
+// the bare frame coder, as the measure for what the codec makes of a whole stream.
 #pragma once
 
 #include <array>
@@ -14,12 +14,12 @@
 #include "TestVoice.h"
 #include "kestrel/FrameCoder.h"
 
-namespace kestrel_test {
+namespace kestrel::test {
 
 constexpr std::size_t kFrameSamples = 320;
 
-// The words of the frames that the coder makes of these samples, a last part frame filled up with
-// silence.
+// The words of the frames that the coder makes of these samples. An incomplete last frame is filled
+// up with silence.
 inline std::vector<std::uint16_t> EncodeWords(unsigned int dwBitRate,
                                               std::span<const short> samples) {
   int nWords = 0;
@@ -52,7 +52,7 @@ inline std::vector<short> DecodeWords(unsigned int dwBitRate,
   return samples;
 }
 
-}  // namespace kestrel_test
+}  // namespace kestrel::test
 
 class C_KestrelBytes {
  public:
@@ -63,7 +63,7 @@ class C_KestrelBytes {
   // nFrames frames of a voice.
   C_KestrelBytes& Voice(std::size_t nFrames) {
     return Words(
-        kestrel_test::EncodeWords(m_dwBitRate, TestVoice(nFrames * kestrel_test::kFrameSamples)));
+        kestrel::test::EncodeWords(m_dwBitRate, TestVoice(nFrames * kestrel::test::kFrameSamples)));
   }
   C_KestrelBytes& Words(const std::vector<std::uint16_t>& words) {
     m_words.insert(m_words.end(), words.begin(), words.end());

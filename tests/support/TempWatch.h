@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a piece of a test does in the directory for temporary files. It runs in a process with a
-// temporary directory of its own, so that other tests do not show; where the system does not grant
-// one, it runs in the real directory, where files of others may be counted as created, and files
-// of others that are left are waited for.
+// Watches what a piece of a test does in the directory for temporary files. The piece runs in a
+// process with a temporary directory of its own, so that other tests do not show. Where the system
+// does not grant one, it runs in the real directory. There, files of other tests may be counted as
+// created, and it waits for files of others that are left to go.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,10 +26,10 @@
 struct S_TempUse {
   bool bResult = false;  // what the step returned
   int nCreated = 0;      // files that were created
-  int nLeft = 0;         // of these, how many there still are
+  int nLeft = 0;         // how many of these still exist
 };
 
-namespace temp_watch {
+namespace tempwatch {
 
 inline bool MakePrivate() {
   return unshare(CLONE_NEWNS) == 0 &&
@@ -37,7 +37,7 @@ inline bool MakePrivate() {
          mount("voxplay-test", P_tmpdir, "tmpfs", 0, "mode=1777") == 0;
 }
 
-// The names that the library gives: a beginning and six characters.
+// True for the names that the library gives: a prefix and six characters.
 inline bool IsOfTheLibrary(const std::string& strName) {
   return (strName.size() == 10 && strName.starts_with("file")) ||
          (strName.size() == 14 &&
@@ -84,7 +84,7 @@ inline S_TempUse RunWatched(const std::function<bool()>& bStep) {
   return use;
 }
 
-}  // namespace temp_watch
+}  // namespace tempwatch
 
 inline S_TempUse WatchTemp(const std::function<bool()>& bStep) {
   S_TempUse use;
@@ -92,7 +92,7 @@ inline S_TempUse WatchTemp(const std::function<bool()>& bStep) {
   EXPECT_EQ(pipe(pipeEnds.data()), 0);
   const pid_t nChild = fork();
   if (nChild == 0) {
-    use = temp_watch::RunWatched(bStep);
+    use = tempwatch::RunWatched(bStep);
     _exit(write(pipeEnds[1], &use, sizeof use) == sizeof use ? 0 : 1);
   }
   close(pipeEnds[1]);

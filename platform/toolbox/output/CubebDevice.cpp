@@ -13,14 +13,14 @@
 namespace toolbox {
 namespace {
 
-// What the call answers; false when it takes longer than the limit. The call runs on a thread that
-// is then left behind, so it keeps alive what it works on. Its share of that is gone before the
-// answer is there.
-template <typename F>
-bool CallService(std::chrono::milliseconds limit, F call) {
+// Returns what the call returns, or false when it takes longer than the limit. The call runs on a
+// thread that is then left behind, so it must keep alive whatever it works on. It has released all
+// of that by the time its result is available.
+template <typename Call>
+bool CallService(std::chrono::milliseconds limit, Call call) {
   auto pAnswer = std::make_shared<std::promise<bool>>();
   auto answer = pAnswer->get_future();
-  std::thread([call = std::make_unique<F>(std::move(call)), pAnswer]() mutable {
+  std::thread([call = std::make_unique<Call>(std::move(call)), pAnswer]() mutable {
     const bool bAnswer = (*call)();
     call.reset();
     pAnswer->set_value(bAnswer);
@@ -32,8 +32,8 @@ void Close(std::shared_ptr<C_CubebStream> pStream, std::chrono::milliseconds lim
   CallService(limit, [pStream = std::move(pStream)] { return pStream != nullptr; });
 }
 
-// The client is called neither after a loss nor after the destruction, whatever the service does
-// with a stream that was left behind.
+// The client is not called after a loss or after the destruction of the device, whatever the
+// service does with a stream that was left behind.
 class C_CubebDevice final : public I_OutputDevice {
  public:
   C_CubebDevice(std::shared_ptr<C_CubebStream> pStream, I_DeviceClient& client,
@@ -49,14 +49,14 @@ class C_CubebDevice final : public I_OutputDevice {
   void Stop() override;
 
  private:
-  // False when the stream had failed before.
+  // False when the stream had already failed.
   bool GiveUp();
   void OnSilence();
 
   std::shared_ptr<C_CubebStream> m_pStream;
   I_DeviceClient& m_client;
   const std::chrono::milliseconds m_limit;
-  // Set by the watchdog's thread, too.
+  // Also set by the watchdog's thread.
   std::atomic<bool> m_bGivenUp{false};
   std::unique_ptr<C_Watchdog> m_pWatchdog;
 };

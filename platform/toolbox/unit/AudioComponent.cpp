@@ -8,7 +8,7 @@
 
 #include "object/CoreString.h"
 #include "object/HandleTable.h"
-#include "output/CubebDevice.h"
+#include "output/DefaultDevice.h"
 #include "unit/FilePlayerUnit.h"
 #include "unit/OutputUnit.h"
 
@@ -16,20 +16,20 @@
 struct OpaqueAudioComponent {
   AudioComponentDescription description;
   const char* pszName;
-  std::shared_ptr<toolbox::C_Unit> (*pCreate)();
+  std::shared_ptr<toolbox::I_Unit> (*pCreate)();
 };
 
 namespace toolbox {
 namespace {
 
-// A live unit and what it was made from.
+// A live unit and the component that it was made from.
 struct S_Instance {
   AudioComponent component;
-  std::shared_ptr<C_Unit> pUnit;
+  std::shared_ptr<I_Unit> pUnit;
 };
 
 C_HandleTable<AudioUnit, S_Instance>& Instances() {
-  // Never destroyed: late callers still find a table.
+  // Never destroyed, so that late callers still find a table.
   static auto& table = *new C_HandleTable<AudioUnit, S_Instance>;
   return table;
 }
@@ -44,16 +44,13 @@ S_OpenDevice& OpenDevice() {
   return openDevice;
 }
 
-std::shared_ptr<C_Unit> CreateOutput() {
+std::shared_ptr<I_Unit> CreateOutput() {
   S_OpenDevice& device = OpenDevice();
   const std::lock_guard lock(device.lock);
-  if (device.open) return std::make_shared<C_OutputUnit>(device.open);
-  return std::make_shared<C_OutputUnit>([](const S_OutputFormat& format, I_DeviceClient& client) {
-    return OpenCubebDevice(format, client);
-  });
+  return std::make_shared<C_OutputUnit>(device.open ? device.open : &OpenDefaultDevice);
 }
 
-std::shared_ptr<C_Unit> CreateFilePlayer() { return std::make_shared<C_FilePlayerUnit>(); }
+std::shared_ptr<I_Unit> CreateFilePlayer() { return std::make_shared<C_FilePlayerUnit>(); }
 
 std::array<OpaqueAudioComponent, 2>& Components() {
   static std::array<OpaqueAudioComponent, 2> components = {
@@ -86,7 +83,7 @@ bool Matches(const AudioComponentDescription& has, const AudioComponentDescripti
 
 }  // namespace
 
-std::shared_ptr<C_Unit> FindUnit(AudioUnit unit) {
+std::shared_ptr<I_Unit> FindUnit(AudioUnit unit) {
   const auto pInstance = Instances().Find(unit);
   return pInstance != nullptr ? pInstance->pUnit : nullptr;
 }

@@ -11,8 +11,9 @@
 
 namespace toolbox {
 
-// What stands behind an AUGraph: nodes, their units while the graph is open, connections, and the
-// render notifications. Every operation is the AUGraph call of the same name; see there.
+// The object behind an AUGraph: nodes, their units while the graph is open, connections, and the
+// render notifications. Every operation does what the AUGraph call of the same name does; see
+// there.
 class C_AudioGraph {
  public:
   C_AudioGraph() = default;
@@ -38,20 +39,20 @@ class C_AudioGraph {
     AUNode node;
     AudioComponentDescription description;
     AudioUnit unit;
-    std::shared_ptr<C_Unit> pUnit;
+    std::shared_ptr<I_Unit> pUnit;
   };
   S_Node* Find(AUNode node);
   OSStatus OpenNode(S_Node& node);
   OSStatus InitializeUnits();
   OSStatus UninitializeUnits();
-  // The unit of the output node; null while the graph is closed or has none.
+  // The unit of the output node; null while the graph is closed or has no output node.
   std::shared_ptr<C_OutputUnit> Output();
   void CloseUnits();
 
   std::mutex m_lock;
   std::vector<S_Node> m_nodes;
   AUNode m_lastNode = 0;
-  // Node that feeds the output node; 0 is none.
+  // The node that feeds the output node; 0 when there is none.
   AUNode m_sourceNode = 0;
   std::vector<AURenderCallbackStruct> m_notifies;
   bool m_bOpen = false;

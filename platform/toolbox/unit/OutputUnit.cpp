@@ -7,17 +7,6 @@
 namespace toolbox {
 namespace {
 
-constexpr AudioStreamBasicDescription kDefaultFormat = {
-    44100.0,
-    kAudioFormatLinearPCM,
-    kAudioFormatFlagIsFloat | kAudioFormatFlagIsPacked | kAudioFormatFlagIsNonInterleaved,
-    sizeof(float),
-    1,
-    sizeof(float),
-    2,
-    32,
-    0};
-
 bool IsFloat(const AudioStreamBasicDescription& format) {
   return (format.mFormatFlags & kAudioFormatFlagIsFloat) != 0;
 }
@@ -55,7 +44,7 @@ OSStatus CheckLayout(UInt32 cbData) {
 }  // namespace
 
 C_OutputUnit::C_OutputUnit(OpenDeviceFunction open)
-    : m_open(std::move(open)), m_format(kDefaultFormat) {}
+    : m_open(std::move(open)), m_format(kDefaultUnitFormat) {}
 
 C_OutputUnit::~C_OutputUnit() { Uninitialize(); }
 
@@ -135,7 +124,7 @@ OSStatus C_OutputUnit::Render(const AudioTimeStamp& /*stamp*/, UInt32 /*dwFrames
   return kAudioUnitErr_InvalidElement;
 }
 
-void C_OutputUnit::Connect(std::shared_ptr<C_Unit> pSource) {
+void C_OutputUnit::Connect(std::shared_ptr<I_Unit> pSource) {
   const std::lock_guard lock(m_renderLock);
   m_pSource = std::move(pSource);
 }
@@ -185,8 +174,8 @@ void C_OutputUnit::RenderFrames(void* pFrames, UInt32 dwFrames) {
   }
 }
 
-// A callback may take as long for a few frames as for many; it gets them in one call wherever no
-// unit and no plane limits it.
+// A callback may take as long for a few frames as for many, so it gets them all in one call unless
+// a connected unit or the planes limit their number.
 UInt32 C_OutputUnit::MaxSliceFrames() const noexcept {
   return m_pSource == nullptr && !IsPlanar() ? kMaxCallbackFrames : kMaxSliceFrames;
 }
@@ -223,8 +212,8 @@ bool C_OutputUnit::IsPlanar() const noexcept {
   return (m_format.mFormatFlags & kAudioFormatFlagIsNonInterleaved) != 0;
 }
 
-// Interleaved frames are rendered where the device wants them, others into planes of our own.
-// Either memory is zero before the callback sees it, because one that has nothing to say writes
+// Interleaved frames are rendered straight into the device's memory, planar frames into our own
+// planes. Both are zero before the callback sees them, because a callback that has no data writes
 // nothing.
 AudioBufferList& C_OutputUnit::PointBuffersAt(UInt8* pbyFrames, UInt32 dwFrames) {
   auto& buffers = *reinterpret_cast<AudioBufferList*>(m_bufferList.data());

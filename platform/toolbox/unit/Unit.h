@@ -8,22 +8,35 @@
 
 namespace toolbox {
 
-// The most frames of one render cycle, so that positions advance finely however much a device asks
-// for at once.
+// The most frames that a unit renders in one cycle. Short cycles let positions advance finely,
+// however many frames a device asks for at once.
 inline constexpr UInt32 kMaxSliceFrames = 512;
 
-// Which property of which part of a unit.
+// What a unit plays until it is told another format: float stereo at 44.1 kHz, not interleaved, so
+// that sizes are those of one channel.
+inline constexpr AudioStreamBasicDescription kDefaultUnitFormat = {
+    44100.0,
+    kAudioFormatLinearPCM,
+    kAudioFormatFlagIsFloat | kAudioFormatFlagIsPacked | kAudioFormatFlagIsNonInterleaved,
+    sizeof(float),
+    1,
+    sizeof(float),
+    2,
+    32,
+    0};
+
+// The address of a property within a unit.
 struct S_PropertyAddress {
   AudioUnitPropertyID dwID;
   AudioUnitScope dwScope;
   AudioUnitElement dwElement;
 };
 
-// What stands behind an AudioUnit. Results are the published status codes. Data pointers are not
-// null; sizes are still to be checked.
-class C_Unit {
+// The object behind an AudioUnit. Results are the published status codes. Data pointers are never
+// null; the units check the sizes themselves.
+class I_Unit {
  public:
-  virtual ~C_Unit() = default;
+  virtual ~I_Unit() = default;
   virtual OSStatus Initialize() = 0;    // 1
   virtual OSStatus Uninitialize() = 0;  // 2
   virtual OSStatus SetProperty(const S_PropertyAddress& address, const void* pData,
@@ -35,7 +48,7 @@ class C_Unit {
                           AudioBufferList& buffers) = 0;  // 5
 };
 
-// Copies a property of a fixed size in.
+// Copies a property of a fixed size from the caller's data.
 template <typename T>
 OSStatus CopyIn(T& value, const void* pData, UInt32 cbData) {
   if (cbData != sizeof(T)) return kAudioUnitErr_InvalidPropertyValue;
@@ -43,7 +56,7 @@ OSStatus CopyIn(T& value, const void* pData, UInt32 cbData) {
   return noErr;
 }
 
-// Copies a property of a fixed size out; the caller's room may be larger.
+// Copies a property of a fixed size to the caller's buffer, which may be larger.
 template <typename T>
 OSStatus CopyOut(const T& value, void* pData, UInt32& cbData) {
   if (cbData < sizeof(T)) return kAudioUnitErr_InvalidPropertyValue;
@@ -52,13 +65,13 @@ OSStatus CopyOut(const T& value, void* pData, UInt32& cbData) {
   return noErr;
 }
 
-// Whether an address names the one element of the scope that a property lives in.
+// Checks that an address names the only element of the scope that its property belongs to.
 [[nodiscard]] OSStatus CheckAddress(const S_PropertyAddress& address, AudioUnitScope dwScope);
 
-// Rates that every output accepts.
+// Whether every output accepts this sample rate.
 [[nodiscard]] bool IsOutputRate(double dRate) noexcept;
 
-// The unit of a handle; null when there is none.
-[[nodiscard]] std::shared_ptr<C_Unit> FindUnit(AudioUnit unit);
+// The unit with this handle; null when there is no such unit.
+[[nodiscard]] std::shared_ptr<I_Unit> FindUnit(AudioUnit unit);
 
 }  // namespace toolbox

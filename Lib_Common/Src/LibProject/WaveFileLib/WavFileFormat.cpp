@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "WavFileFormat.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
 #include "ByteReader.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
+#include "compressed/WavFileCodecInfo.h"
 #include "file/HeronFile.h"
 #include "file/KestrelFile.h"
 #include "file/SpHeader.h"
@@ -22,29 +24,55 @@ struct S_FormatCheck {
   bool (C_WavFileFormat::*pfnCheck)(const char* pszFileName);
 };
 
-// Kept: one row, although the check accepts the form "VEMD" too; such a file is reported as a WAVE
-// file here and as VEMD by its own object. Pinned by VemdFile_IsAWaveFileToDetection.
+// Kept: there is one row, although its check accepts the form "VEMD" too. Such a file is reported
+// as a WAVE file here, and as VEMD by its own object. Pinned by VemdFile_IsAWaveFileToDetection.
 constexpr std::array<S_FormatCheck, 1> kFormatChecks = {
     {{AUDIO_FILE_WAVE, &C_WavFileFormat::IsWavFile}}};
 
-// The classes are tried in the order given.
-template <typename... Classes, typename... Arguments>
-I_WavFile* FirstThatOpens(const Arguments&... arguments) {
-  I_WavFile* pIWavFile = nullptr;
-  const auto tryClass = [&]<typename T>(T* pFile) {
-    if (C_WavFileFormat::CreateWavFile(pFile, arguments...)) pIWavFile = pFile;
-    return pIWavFile != nullptr;
-  };
-  static_cast<void>((tryClass(static_cast<Classes*>(nullptr)) || ...));
-  return pIWavFile;
+template <typename File>
+I_WavFile* Open(const char* pszFileName, bool bLoadData, bool bKeepEncoded,
+                const char* pszCodecOption, PFN_DecodedData pfnData) {
+  File* pFile = nullptr;
+  C_WavFileFormat::CreateWavFile(pFile, pszFileName, bLoadData, bKeepEncoded, pszCodecOption,
+                                 pfnData);
+  return pFile;
+}
+
+std::unique_ptr<I_WavFile> MakeRiffFile(tagAudioFileType eType, tagAudioFileType /*eEncodedType*/) {
+  auto file = std::make_unique<C_WavFile>();
+  file->SetFileFormat(eType);
+  return file;
 }
 
 template <typename File>
-std::unique_ptr<I_WavFile> MakeCodecFile(tagAudioFileType eEncodedType) {
+std::unique_ptr<I_WavFile> MakeCodecFile(tagAudioFileType /*eType*/,
+                                         tagAudioFileType eEncodedType) {
   auto file = std::make_unique<File>();
   file->SetCodingType(eEncodedType);
   return file;
 }
+
+// A kind of file that can be written, and the class that stands for it.
+struct S_FileClass {
+  tagAudioFileType eType;
+  // Opens a file with the class; null for a kind whose class has an earlier row.
+  decltype(&Open<C_WavFile>) pfnOpen;
+  // Makes an object that writes files of the kind.
+  decltype(&MakeRiffFile) pfnMake;
+};
+
+// The classes are tried from top to bottom, and the order matters: RIFF sound files are opened
+// before any codec is asked, and the first Heron class takes every Heron file.
+constexpr std::array<S_FileClass, 8> kFileClasses = {{
+    {AUDIO_FILE_WAVE, &Open<C_WavFile>, &MakeRiffFile},
+    {AUDIO_FILE_VEMD, nullptr, &MakeRiffFile},
+    {AUDIO_FILE_HERON_4BIT, &Open<C_Heron4BitFile>, &MakeCodecFile<C_Heron4BitFile>},
+    {AUDIO_FILE_HERON_5BIT, &Open<C_Heron5BitFile>, &MakeCodecFile<C_Heron5BitFile>},
+    {AUDIO_FILE_HERON_6BIT, &Open<C_Heron6BitFile>, &MakeCodecFile<C_Heron6BitFile>},
+    {AUDIO_FILE_HERON_2BIT, &Open<C_Heron2BitFile>, &MakeCodecFile<C_Heron2BitFile>},
+    {AUDIO_FILE_HERON_3BIT, &Open<C_Heron3BitFile>, &MakeCodecFile<C_Heron3BitFile>},
+    {AUDIO_FILE_KESTREL, &Open<C_KestrelFile>, &MakeCodecFile<C_KestrelFile>},
+}};
 
 bool HasAcceptedTag(C_RiffChunk& chunk) {
   std::array<std::uint8_t, 2> tag{};
@@ -75,9 +103,13 @@ bool C_WavFileFormat::IsFileFormat(const char* pszFileName, tagAudioFileType eTy
 I_WavFile* C_WavFileFormat::CreateWavFile(const char* pszFileName, bool bLoadData,
                                           bool bKeepEncoded, const char* pszCodecOption,
                                           PFN_DecodedData pfnData) {
-  return FirstThatOpens<C_WavFile, C_Heron4BitFile, C_Heron5BitFile, C_Heron6BitFile,
-                        C_Heron2BitFile, C_Heron3BitFile, C_KestrelFile>(
-      pszFileName, bLoadData, bKeepEncoded, pszCodecOption, pfnData);
+  for (const S_FileClass& row : kFileClasses) {
+    if (row.pfnOpen == nullptr) continue;
+    I_WavFile* const pIWavFile =
+        row.pfnOpen(pszFileName, bLoadData, bKeepEncoded, pszCodecOption, pfnData);
+    if (pIWavFile != nullptr) return pIWavFile;
+  }
+  return nullptr;
 }
 
 I_WavFile* C_WavFileFormat::OpenWavFile(const char* pszFileName) {
@@ -92,8 +124,8 @@ bool C_WavFileFormat::IsSupportedFormat(const char* pszFileName) {
     VCM_ASSERT(pChunk != nullptr, "IsSupportedFormat", kSource, __LINE__, "pChunk != NULL");
     if (pChunk->HasChunkID("fmt ")) return HasAcceptedTag(*pChunk);
   }
-  // Kept: a file without a format counts as supported; whoever asks opens it next and learns why it
-  // is not. Pinned by FileWithoutFormat_CountsAsSupported.
+  // Kept: a file without a format counts as supported. Callers open the file next and then learn
+  // why it is not. Pinned by FileWithoutFormat_CountsAsSupported.
   return true;
 }
 
@@ -103,26 +135,6 @@ bool C_WavFileFormat::IsWavFile(const char* pszFileName) {
 }
 
 std::unique_ptr<I_WavFile> MakeWavFile(tagAudioFileType eType, tagAudioFileType eEncodedType) {
-  switch (eType) {
-    case AUDIO_FILE_WAVE:
-    case AUDIO_FILE_VEMD: {
-      auto file = std::make_unique<C_WavFile>();
-      file->SetFileFormat(eType);
-      return file;
-    }
-    case AUDIO_FILE_KESTREL:
-      return MakeCodecFile<C_KestrelFile>(eEncodedType);
-    case AUDIO_FILE_HERON_4BIT:
-      return MakeCodecFile<C_Heron4BitFile>(eEncodedType);
-    case AUDIO_FILE_HERON_5BIT:
-      return MakeCodecFile<C_Heron5BitFile>(eEncodedType);
-    case AUDIO_FILE_HERON_6BIT:
-      return MakeCodecFile<C_Heron6BitFile>(eEncodedType);
-    case AUDIO_FILE_HERON_2BIT:
-      return MakeCodecFile<C_Heron2BitFile>(eEncodedType);
-    case AUDIO_FILE_HERON_3BIT:
-      return MakeCodecFile<C_Heron3BitFile>(eEncodedType);
-    default:
-      return nullptr;
-  }
+  const auto* const pRow = std::ranges::find(kFileClasses, eType, &S_FileClass::eType);
+  return pRow == kFileClasses.end() ? nullptr : pRow->pfnMake(eType, eEncodedType);
 }

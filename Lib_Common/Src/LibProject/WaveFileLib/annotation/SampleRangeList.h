@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the lists of silence segments and of uncompressed regions have in common. List is a
-// C_CLArray that owns its items; null items, which callers can only put there through the array
-// itself, are passed over.
+// The operations that lists of silence segments and lists of uncompressed regions share. List is a
+// C_CLArray that owns its items. Null items are skipped; callers can only put them there through
+// the array itself.
 #pragma once
 
 #include <memory>
@@ -23,21 +23,6 @@ void AppendRange(List& list, unsigned int dwStart, unsigned int dwEnd) {
   AddOwned(list, std::make_unique<ItemOf<List>>(dwStart, dwEnd));
 }
 
-// Deletes the items that bRemove(item) picks, which is asked for each in order; the others keep
-// their order. Linear, unlike removing them one by one.
-template <typename List, typename Predicate>
-void RemoveItemsIf(List& list, Predicate bRemove) {
-  int nKept = 0;
-  for (int i = 0; i < list.GetCount(); ++i) {
-    auto* const pItem = list.GetAt(i);
-    if (bRemove(pItem)) continue;
-    list.SetAt(i, list.GetAt(nKept));
-    list.SetAt(nKept, pItem);
-    ++nKept;
-  }
-  list.RemoveAt(nKept, list.GetCount() - nKept);
-}
-
 template <typename List>
 void MergeItems(List& list) {
   std::vector<S_SampleRange> ranges;
@@ -54,11 +39,10 @@ void MergeItems(List& list) {
     items[i]->SetEndSamplePos(ranges[i].dwEnd);
   }
   std::size_t nRange = 0;
-  RemoveItemsIf(list,
-                [&](const auto* pItem) { return pItem != nullptr && ranges[nRange++].bRemoved; });
+  KeepIf(list, [&](const auto* pItem) { return pItem == nullptr || !ranges[nRange++].bRemoved; });
 }
 
-// Replaces the items by copies of another list's.
+// Replaces the items with copies of those in another list.
 template <typename List, typename Source>
 void CopyItems(List& list, const Source* pSource) {
   list.RemoveAll();

@@ -115,15 +115,15 @@ bool C_WavDataCueInfo::SaveInfo(I_RiffChunk* pChunk) {
 
 void C_WavDataCueInfo::Renumber(const vcm::C_NewID& newID) {
   ForgetFrom(0);
-  vcm::KeepIf(m_cuePoints, [&newID](C_CuePoint& point) {
-    const std::optional<unsigned int> dwID = newID(point.GetCuePointID());
-    if (dwID) point.SetCuePointID(*dwID);
+  vcm::KeepIf(m_cuePoints, [&newID](C_CuePoint* pCuePoint) {
+    const std::optional<unsigned int> dwID = newID(pCuePoint->GetCuePointID());
+    if (dwID) pCuePoint->SetCuePointID(*dwID);
     return dwID.has_value();
   });
 }
 
-// The result of a walk from the front, which stops at the first match: only points before it are
-// looked at.
+// Returns what a walk from the front would return. That walk stops at the first match, so only the
+// points before it are looked at.
 int C_WavDataCueInfo::FindIndex(unsigned int dwID) {
   const auto known = m_firstByID.find(dwID);
   if (known != m_firstByID.end()) return known->second;

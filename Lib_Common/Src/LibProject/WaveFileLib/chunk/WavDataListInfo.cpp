@@ -21,7 +21,7 @@ constexpr std::string_view kListType = "adtl";
 constexpr std::string_view kLabel = "labl";
 constexpr std::string_view kLtxt = "ltxt";
 
-// Text, terminating zero, and a zero more when that makes an odd number.
+// Bytes of the text and its terminating zero, plus one more zero when that makes an odd number.
 std::uint32_t StoredTextLength(const char* pszText) {
   return static_cast<std::uint32_t>(std::strlen(pszText) + 2) & ~1u;
 }
@@ -100,7 +100,7 @@ bool C_WavDataListInfo::LoadInfo(I_RiffChunk* pChunk) {
   RemoveAllLabels();
   RemoveAllLtxts();
   std::uint64_t qwPosition = kListType.size();
-  // A header at the very end, with nothing behind it, is not looked at.
+  // A header at the very end, with nothing after it, is ignored.
   while (qwPosition + kSubHeaderLength < qwEnd) {
     const auto header = vcm::ReadField<kSubHeaderLength>(*pChunk, qwPosition);
     if (!header) return false;
@@ -116,8 +116,8 @@ bool C_WavDataListInfo::LoadInfo(I_RiffChunk* pChunk) {
   return true;
 }
 
-// Kept: all texts stand in front of all labels; readers in the field want to know a region's length
-// when they meet its name. Pinned by SaveInfo_WritesTextsBeforeLabels.
+// Kept: all texts come before all labels. Readers in the field want to know the length of a region
+// when they reach its name. Pinned by SaveInfo_WritesTextsBeforeLabels.
 bool C_WavDataListInfo::SaveInfo(I_RiffChunk* pChunk) {
   vcm::C_ByteWriter writer;
   writer.Text(kListType, kIDLength);
@@ -127,13 +127,13 @@ bool C_WavDataListInfo::SaveInfo(I_RiffChunk* pChunk) {
 }
 
 void C_WavDataListInfo::RemoveLabels(bool (*bRemove)(const char* pszText)) {
-  vcm::KeepIf(m_labels, [bRemove](const S_Label& label) { return !bRemove(label.szText); });
+  vcm::KeepIf(m_labels, [bRemove](const S_Label* pLabel) { return !bRemove(pLabel->szText); });
 }
 
 void C_WavDataListInfo::Renumber(const vcm::C_NewID& newID) {
-  const auto renumber = [&newID](auto& item) {
-    const std::optional<unsigned int> dwID = newID(item.dwCuePointID);
-    if (dwID) item.dwCuePointID = *dwID;
+  const auto renumber = [&newID](auto* pItem) {
+    const std::optional<unsigned int> dwID = newID(pItem->dwCuePointID);
+    if (dwID) pItem->dwCuePointID = *dwID;
     return dwID.has_value();
   };
   vcm::KeepIf(m_labels, renumber);

@@ -113,9 +113,9 @@ bool C_WavDataSamplerInfo::SaveInfo(I_RiffChunk* pChunk) {
 }
 
 void C_WavDataSamplerInfo::Renumber(const vcm::C_NewID& newID) {
-  vcm::KeepIf(m_loops, [&newID](C_SampleLoop& loop) {
-    const std::optional<unsigned int> dwID = newID(loop.GetCuePointID());
-    if (dwID) loop.SetCuePointID(*dwID);
+  vcm::KeepIf(m_loops, [&newID](C_SampleLoop* pLoop) {
+    const std::optional<unsigned int> dwID = newID(pLoop->GetCuePointID());
+    if (dwID) pLoop->SetCuePointID(*dwID);
     return dwID.has_value();
   });
 }

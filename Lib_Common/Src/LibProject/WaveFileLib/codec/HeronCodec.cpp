@@ -5,8 +5,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <limits>
-#include <memory>
 #include <optional>
 #include <span>
 #include <utility>
@@ -19,6 +17,7 @@
 #include "codec/HeronDots.h"
 #include "codec/HeronEventStream.h"
 #include "codec/HeronStream.h"
+#include "codec/TempStream.h"
 #include "heron/Configuration.h"
 #include "heron/SoundCoder.h"
 #include "interface/I_WavData.h"
@@ -36,28 +35,6 @@ std::optional<int> CoderRate(I_WavData& wavData) {
   const unsigned int dwSampleRate = wavData.GetWavInfo()->GetSampleRate();
   const auto nSampleRate = static_cast<int>(std::min(dwSampleRate, unsigned{INT_MAX}));
   return heron::IsSupportedSampleRate(nSampleRate) ? std::optional(nSampleRate) : std::nullopt;
-}
-
-struct S_Bytes {
-  std::unique_ptr<unsigned char[]> pbyData;
-  unsigned int dwLength = 0;
-
-  [[nodiscard]] std::span<const std::uint8_t> View() const { return {pbyData.get(), dwLength}; }
-};
-
-// What a temporary file holds when it has been written to its end. Empty when not everything
-// reached the disk, when it cannot be read back, and when its size does not fit 32 bits.
-std::optional<S_Bytes> ReadBack(vcm::C_TempFile& tempFile) {
-  if (!vcm::CloseChecked(tempFile.TakeStream())) return std::nullopt;
-  const auto file = vcm::OpenFile(tempFile.Path().c_str(), "rb");
-  const auto qwSize = file ? vcm::SizeAndSeekEnd(file.get()) : std::nullopt;
-  if (!qwSize || *qwSize > std::numeric_limits<unsigned int>::max()) return std::nullopt;
-  S_Bytes bytes;
-  bytes.dwLength = static_cast<unsigned int>(*qwSize);
-  bytes.pbyData = std::make_unique_for_overwrite<unsigned char[]>(bytes.dwLength);
-  const std::span<std::uint8_t> target(bytes.pbyData.get(), bytes.dwLength);
-  if (!vcm::SeekTo(file.get(), 0) || !vcm::ReadExact(file.get(), target)) return std::nullopt;
-  return bytes;
 }
 
 // Tells the caller and whoever watches how far the encoder is.
@@ -135,11 +112,11 @@ bool WriteAudio(const S_Task& task, C_Progress& progress, std::FILE* pFile) {
 }
 
 bool WriteEvents(const S_Task& task, I_EventTagMgr& eventMgr, std::FILE* pFile) {
-  const auto events = heronevents::EventsOf(eventMgr, task.dwSamplesPerFrame);
+  const auto events = heroneventstream::EventsOf(eventMgr, task.dwSamplesPerFrame);
   if (events.empty()) return true;
   vcm::C_ByteWriter writer;
   unsigned int dwGroups = 0;
-  heronevents::WriteEventStream({0, task.CountFrames()}, events, &dwGroups, &writer);
+  heroneventstream::WriteEventStream({0, task.CountFrames()}, events, &dwGroups, &writer);
   return vcm::WriteExact(pFile, writer.Data());
 }
 
@@ -156,8 +133,8 @@ bool Complete(const heronstream::S_Variant& variant, std::span<const std::uint8_
          vcm::WriteExact(pFile, head.Data());
 }
 
-std::optional<S_Bytes> EncodeStream(I_WavData& wavData, unsigned int dwTypeCode,
-                                    C_Progress& progress) {
+std::optional<tempstream::S_Bytes> EncodeStream(I_WavData& wavData, unsigned int dwTypeCode,
+                                                C_Progress& progress) {
   vcm::C_TempFile audioFile("", "temp_enc");
   vcm::C_TempFile eventFile("", "temp_evt");
   if (audioFile.Stream() == nullptr || eventFile.Stream() == nullptr) return std::nullopt;
@@ -166,9 +143,9 @@ std::optional<S_Bytes> EncodeStream(I_WavData& wavData, unsigned int dwTypeCode,
       !WriteEvents(*task, *wavData.GetEventTagMgr(), eventFile.Stream())) {
     return std::nullopt;
   }
-  const auto events = ReadBack(eventFile);
+  const auto events = tempstream::ReadBack(eventFile);
   if (!events || !Complete(task->variant, events->View(), audioFile.Stream())) return std::nullopt;
-  return ReadBack(audioFile);
+  return tempstream::ReadBack(audioFile);
 }
 
 // Replaces the PCM of a sound, whose sample rate stays.
@@ -204,8 +181,5 @@ bool C_HeronCodec::Encode(I_WavData* piWavData, unsigned int dwTypeCode,
   C_Progress progress(m_bVerbose, pfnProgress);
   auto stream = EncodeStream(*piWavData, dwTypeCode, progress);
   progress.End(stream.has_value());
-  if (!stream) return false;
-  *pdwEncDataLen = stream->dwLength;
-  *ppbyEncData = stream->pbyData.release();
-  return true;
+  return tempstream::HandOver(std::move(stream), ppbyEncData, pdwEncDataLen);
 }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace heronevents {
+namespace heroneventstream {
 namespace {
 
 constexpr std::uint64_t kGroupFrames = 32;
@@ -101,4 +101,4 @@ unsigned int WriteEventStream(const S_FrameRange& range, std::span<const S_Heron
   return range.dwCount;
 }
 
-}  // namespace heronevents
+}  // namespace heroneventstream

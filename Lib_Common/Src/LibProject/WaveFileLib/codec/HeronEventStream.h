@@ -23,7 +23,7 @@
 #include "ByteReader.h"
 #include "interface/I_EventTag.h"
 
-namespace heronevents {
+namespace heroneventstream {
 
 struct S_HeronEvent {
   unsigned int dwFrame = 0;
@@ -49,4 +49,4 @@ std::vector<S_HeronEvent> EventsOf(I_EventTagMgr& eventMgr, unsigned int dwSampl
 unsigned int WriteEventStream(const S_FrameRange& range, std::span<const S_HeronEvent> events,
                               unsigned int* pdwGroups, vcm::C_ByteWriter* pOut);
 
-}  // namespace heronevents
+}  // namespace heroneventstream

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <span>
 #include <utility>
@@ -16,10 +15,11 @@
 #include "StdioFile.h"
 #include "TempFile.h"
 #include "VcmAssert.h"
+#include "codec/TempStream.h"
 #include "interface/I_WavData.h"
 #include "kestrel/FrameCoder.h"
 
-// The argument checks of this codec are for its developers: a release build answers false instead.
+// The argument checks of this codec are for developers: a release build returns false instead.
 #ifdef NDEBUG
 #define CODEC_ASSERT(bHolds, pszFunction, nLine, pszText) static_cast<void>(0)
 #else
@@ -29,15 +29,16 @@
 
 namespace {
 
-// Kept: eight rates, although the coder takes every multiple of 800 from 4800 on, and decoding too:
-// these are the ones that devices in the field were tested with. Pinned by
-// IsSupportedBitRate_HoldsForEightRatesOnly.
+// Kept: encoding takes only eight rates, although the coder and decoding take every multiple of 800
+// from 4800 to 32000. These eight are the ones that devices in the field were tested with. Pinned
+// by IsSupportedBitRate_HoldsForEightRatesOnly.
 constexpr std::array<unsigned int, 8> kEncodeRates = {7200,  9600,  12000, 14400,
                                                       16000, 20000, 24000, 32000};
 constexpr std::size_t kLengthField = 4;
 constexpr std::int64_t kWordBytes = 2;
 constexpr std::int64_t kSampleBytes = 2;
-// A length field that claims more than this many times what there is belongs to no Kestrel stream.
+// A length field that claims more than this many times the bytes after it is not that of a Kestrel
+// stream.
 constexpr std::uint64_t kMaxClaim = 16;
 
 // One frame as the coder takes it; the sizes come from its init.
@@ -55,29 +56,12 @@ std::optional<S_Frame> StartCoder(C_VXAudioCodec::PFN_Init pfnInit, unsigned int
                  std::vector<short>(static_cast<std::size_t>(nSamples))};
 }
 
-// A temporary file that was written to its end, opened again to be read.
-struct S_Result {
-  vcm::C_FilePtr file;
-  unsigned int dwSize;
-};
-
-// Empty when not everything reached the disk, or when the size does not fit 32 bits.
-std::optional<S_Result> Finish(vcm::C_TempFile& tempFile) {
-  if (!vcm::CloseChecked(tempFile.TakeStream())) return std::nullopt;
-  auto file = vcm::OpenFile(tempFile.Path().c_str(), "rb");
-  if (!file) return std::nullopt;
-  const auto qwSize = vcm::SizeAndSeekEnd(file.get());
-  if (!qwSize || *qwSize > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
-  if (!vcm::SeekTo(file.get(), 0)) return std::nullopt;
-  return S_Result{std::move(file), static_cast<unsigned int>(*qwSize)};
-}
-
 // ---- decoding
 
-// What the head of a stream claims, and the frames behind it.
+// What the head of a stream claims, and the frames after it.
 struct S_Stream {
   unsigned int dwBitRate;
-  std::int64_t nWords;  // words that the length claims behind the head; negative: not even a head
+  std::int64_t nWords;  // words that the length claims after the head; negative: not even a head
   vcm::C_ByteReader frames;
 };
 
@@ -90,14 +74,14 @@ std::optional<S_Stream> ReadHead(std::span<const std::uint8_t> bytes) {
   return S_Stream{dwBitRate, std::int64_t{dwClaimed / kWordBytes} - 1, reader};
 }
 
-// Frames that decoding will give: as many as claimed, but none that begins behind the last byte.
+// The number of frames to decode: as many as claimed, but none that begins after the last byte.
 std::int64_t CountFrames(const S_Stream& stream, std::int64_t nWordsPerFrame) {
   const std::int64_t cbFrame = nWordsPerFrame * kWordBytes;
   const auto cbHeld = static_cast<std::int64_t>(stream.frames.Remaining());
   return std::min(stream.nWords / nWordsPerFrame, (cbHeld + cbFrame - 1) / cbFrame);
 }
 
-// The cursor reads 0 behind the last byte, which completes a frame that the end cuts.
+// The reader returns 0 after the last byte, which completes a frame that is cut by the end.
 void TakeWords(vcm::C_ByteReader& reader, std::span<unsigned short> words) {
   for (unsigned short& wWord : words) wWord = reader.U16();
 }
@@ -120,15 +104,15 @@ bool DecodeFrames(C_VXAudioCodec::PFN_DecodeFrame pfnDecodeFrame, S_Stream& stre
     if (!WriteSamples(pFile, frame.samples)) return false;
     if (pfnData != nullptr) pfnData(frame.samples.data(), static_cast<unsigned int>(cbFrame));
   }
-  // Kept: a claim that ends within a frame fails the decode although all its whole frames were
-  // decoded and reported, so that files cut by faulty tools are noticed. Pinned by
+  // Kept: a length that ends within a frame makes decoding fail, although all whole frames were
+  // decoded and reported by then. Files cut by faulty tools are noticed this way. Pinned by
   // LengthThatLeavesAPartialFrame_FailsAfterAllWholeFrames.
   return stream.nWords >= 0 && stream.nWords % nWords == 0;
 }
 
 // ---- encoding
 
-// The PCM of a sound; empty when it holds fewer bytes than its format says it has samples.
+// The PCM of a 16-bit mono sound; empty when it has fewer bytes than its format claims.
 std::span<const std::uint8_t> MonoPcm(I_WavData* piWavData) {
   const std::uint8_t* pbyPcm = piWavData->GetBuffer();
   const std::uint64_t qwSamples = piWavData->GetWavInfo()->GetSampleSize();
@@ -145,7 +129,7 @@ void Report(PFN_CodecProgress pfnProgress, unsigned int dwKind, unsigned int dwS
   pfnProgress(&progress);
 }
 
-// Writes the frames of one stream behind its head.
+// Writes the head and the frames of one stream.
 class C_FrameWriter {
  public:
   C_FrameWriter(C_VXAudioCodec::PFN_EncodeFrame pfnEncodeFrame, S_Frame frame, std::FILE* pFile)
@@ -153,7 +137,7 @@ class C_FrameWriter {
 
   [[nodiscard]] std::size_t SamplesPerFrame() const { return m_frame.samples.size(); }
 
-  // The length is not known yet; until it is, its place is held by blanks.
+  // The length is not known yet, so blanks hold its place.
   bool WriteHead(unsigned int dwBitRate) {
     vcm::C_ByteWriter writer;
     writer.Text("    ", kLengthField);
@@ -161,7 +145,7 @@ class C_FrameWriter {
     return vcm::WriteExact(m_pFile, writer.Data());
   }
 
-  // Encodes the samples at the reader, with silence where fewer than a frame are left.
+  // Encodes the next frame of samples; where the reader has fewer left, silence fills the frame.
   bool Encode(vcm::C_ByteReader& reader) {
     for (short& nSample : m_frame.samples) nSample = reader.I16();
     return m_pfnEncodeFrame(m_frame.samples.data(), m_frame.words.data()) == 0;
@@ -184,11 +168,11 @@ class C_FrameWriter {
   C_VXAudioCodec::PFN_EncodeFrame m_pfnEncodeFrame;
   S_Frame m_frame;
   std::FILE* m_pFile;
-  std::uint32_t m_dwWords = 1;  // the bit rate counts
+  std::uint32_t m_dwWords = 1;  // the bit rate counts as one
 };
 
 // Kept: the first whole frame is encoded but not written, and one frame of silence ends the stream.
-// The coder lags one frame behind, so that decoding gives the sound back in its place. Pinned by
+// The coder is one frame late, so decoding returns the sound in its place. Pinned by
 // EncodeThenDecode_IsAlignedInTime.
 bool EncodeFrames(C_FrameWriter& writer, std::span<const std::uint8_t> pcm,
                   PFN_CodecProgress pfnProgress) {
@@ -230,10 +214,10 @@ bool C_KestrelCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncD
   auto frame = StartCoder(m_pfnDecoderInit, stream->dwBitRate);
   if (!frame) return false;
   if (!DecodeFrames(m_pfnDecodeFrame, *stream, *frame, pcmFile.Stream(), pfnData)) return false;
-  const auto result = Finish(pcmFile);
-  if (!result) return false;
-  unsigned char* pbyPcm = piWavData->AllocBuffer(result->dwSize);
-  return pbyPcm != nullptr && vcm::ReadExact(result->file.get(), {pbyPcm, result->dwSize});
+  const auto pcm = tempstream::Reopen(pcmFile);
+  if (!pcm) return false;
+  unsigned char* pbyPcm = piWavData->AllocBuffer(pcm->dwSize);
+  return pbyPcm != nullptr && vcm::ReadExact(pcm->file.get(), {pbyPcm, pcm->dwSize});
 }
 
 bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,
@@ -257,11 +241,5 @@ bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,
   if (!writer.WriteHead(dwBitRate) || !EncodeFrames(writer, pcm, pfnProgress)) return false;
   if (!writer.WriteLength()) return false;
   Report(pfnProgress, S_CodecProgress::kProgress, dwSamples);
-  const auto result = Finish(streamFile);
-  if (!result) return false;
-  auto pbyStream = std::make_unique<unsigned char[]>(result->dwSize);
-  if (!vcm::ReadExact(result->file.get(), {pbyStream.get(), result->dwSize})) return false;
-  *pdwEncDataLen = result->dwSize;
-  *ppbyEncData = pbyStream.release();
-  return true;
+  return tempstream::HandOver(tempstream::ReadBack(streamFile), ppbyEncData, pdwEncDataLen);
 }

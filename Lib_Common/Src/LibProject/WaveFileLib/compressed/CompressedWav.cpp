@@ -5,10 +5,8 @@
 #include <cstddef>
 #include <span>
 
-#include "ByteReader.h"
 #include "StdioFile.h"
-#include "compressed/DVIAdpcmCodec.h"
-#include "compressed/G711Codec.h"
+#include "compressed/WavTags.h"
 
 namespace compressedwav {
 
@@ -16,19 +14,6 @@ namespace {
 
 // No code is shorter than three bits, and each becomes two bytes.
 constexpr std::uint64_t kMaxExpansion = 6;
-
-// The part of a record that tells its length.
-std::size_t HeadBytes(unsigned short wFormatTag) {
-  if (wFormatTag == WAVE_TAG_MS_ADPCM) return C_WavFileCodecInfo::kMSAdpcmHeadBytes;
-  if (wFormatTag == WAVE_TAG_DVI_ADPCM) return C_WavFileCodecInfo::kDviAdpcmBytes;
-  return S_PcmFormatRecord::kBytes;
-}
-
-std::size_t CoefficientBytes(const std::vector<std::uint8_t>& head) {
-  vcm::C_ByteReader reader(head);
-  reader.Skip(C_WavFileCodecInfo::kDviAdpcmBytes);
-  return std::size_t{4} * reader.U16();
-}
 
 bool IsAccountedFor(std::uint64_t qwPcm, std::uint64_t qwEncoded) {
   const std::uint64_t qwMost = qwEncoded * kMaxExpansion;
@@ -38,32 +23,19 @@ bool IsAccountedFor(std::uint64_t qwPcm, std::uint64_t qwEncoded) {
 }  // namespace
 
 std::unique_ptr<C_MSAdpcmCodec> MakeDecoder(const C_WavFileCodecInfo& codecInfo) {
-  const unsigned short wBits = codecInfo.GetPCMWAVEFORMAT().wBitsPerSample;
-  switch (codecInfo.GetFormatTag()) {
-    case WAVE_TAG_MS_ADPCM:
-      return std::make_unique<C_MSAdpcmCodec>();
-    case WAVE_TAG_ALAW:
-      return std::make_unique<C_ALawCodec>();
-    case WAVE_TAG_MULAW:
-      return std::make_unique<C_MuLawCodec>();
-    case WAVE_TAG_DVI_ADPCM:
-      if (wBits == 4) return std::make_unique<C_DVIAdpcmCodec>();
-      if (wBits == 3) return std::make_unique<C_DVIAdpcm3BitCodec>();
-      return nullptr;
-    default:
-      return nullptr;
-  }
+  const S_WavTag* const pTag = FindWavTag(codecInfo.GetFormatTag());
+  if (pTag == nullptr || pTag->pfnMakeDecoder == nullptr) return nullptr;
+  return pTag->pfnMakeDecoder(codecInfo.GetPCMWAVEFORMAT().wBitsPerSample);
 }
 
 std::optional<C_WavFileCodecInfo> ReadFormat(std::FILE* pFile, std::uint64_t qwPosition,
                                              unsigned short wFormatTag) {
-  std::vector<std::uint8_t> record(HeadBytes(wFormatTag));
-  if (!vcm::SeekTo(pFile, qwPosition) || !vcm::ReadExact(pFile, record)) return std::nullopt;
-  if (wFormatTag == WAVE_TAG_MS_ADPCM) {
-    const std::size_t cbHead = record.size();
-    record.resize(cbHead + CoefficientBytes(record));
-    if (!vcm::ReadExact(pFile, std::span(record).subspan(cbHead))) return std::nullopt;
-  }
+  const S_WavTag* const pTag = FindWavTag(wFormatTag);
+  if (pTag == nullptr || !vcm::SeekTo(pFile, qwPosition)) return std::nullopt;
+  std::vector<std::uint8_t> record(pTag->cbHead);
+  if (!vcm::ReadExact(pFile, record)) return std::nullopt;
+  record.resize(RecordBytes(*pTag, record));
+  if (!vcm::ReadExact(pFile, std::span(record).subspan(pTag->cbHead))) return std::nullopt;
   C_WavFileCodecInfo codecInfo;
   if (!codecInfo.SetFormat(record) || codecInfo.GetFormatTag() != wFormatTag) return std::nullopt;
   return codecInfo;
@@ -88,7 +60,7 @@ bool Decode(const C_WavFileCodecInfo& codecInfo, const std::vector<std::uint8_t>
   const std::optional<unsigned int> dwPcm = decoder->GetDecodedSize(codecInfo, dwEncoded);
   if (!dwPcm || !IsAccountedFor(*dwPcm, dwEncoded)) return false;
   unsigned char* pbyPcm = wavData.AllocBuffer(*dwPcm);
-  // A block may hold fewer samples than it counts as: the others are silence.
+  // A block may hold fewer samples than it counts for; the missing ones are silence.
   std::fill_n(pbyPcm, *dwPcm, static_cast<unsigned char>(0));
   const bool bDecoded = decoder->Decode(codecInfo, encoded.data(), dwEncoded,
                                         reinterpret_cast<short*>(pbyPcm), *dwPcm);

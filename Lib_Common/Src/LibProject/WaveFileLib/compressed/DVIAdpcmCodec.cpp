@@ -12,7 +12,7 @@
 namespace {
 
 constexpr unsigned int kHeaderBytes = 4;  // of each channel
-constexpr std::size_t k4BitGroup = 8;     // codes of a channel
+constexpr std::size_t k4BitGroup = 8;     // codes of one channel
 constexpr std::size_t k3BitGroup = 32;
 
 struct S_Channel {
@@ -42,7 +42,7 @@ void Apply3Bits(S_Channel& channel, unsigned int dwCode) {
   channel.Move((dwCode & 4U) != 0 ? -nDifference : nDifference, kIma3BitIndexSteps[dwCode & 3U]);
 }
 
-// A block that is being decoded: where its groups come from and its samples go.
+// A block that is being decoded: where its groups come from, and where its samples go.
 class C_Block {
  public:
   C_Block(const unsigned char* pbyBlock, unsigned int dwBlockBytes, short* pSamples,
@@ -59,7 +59,7 @@ class C_Block {
     }
   }
 
-  // Neither groups nor places for their samples are left from frame nFrame on.
+  // True when no groups are left, or when there is no room for samples from frame nFrame on.
   [[nodiscard]] bool Ends(std::size_t nFrame) const {
     return m_channels.empty() || m_input.EOB() || nFrame >= m_nFrames;
   }
@@ -97,13 +97,36 @@ class C_Block {
 
   C_Buffer m_input;
   C_Buffer m_output;
-  std::size_t m_nFrames;  // that begin within the capacity
+  std::size_t m_nFrames;  // frames that begin within the capacity
   std::vector<S_Channel> m_channels;
 };
 
-// Behind the first sample, in eights; a block of no samples has none.
-int EightsOf(const C_WavFileCodecInfo& codecInfo) {
-  return (codecInfo.GetSamplesPerBlock() - 1) / 8;
+// How a block is made of groups.
+struct S_Groups {
+  std::size_t nFrames;  // frames that a group decodes to
+  int nEights;          // eights that a group counts as
+  void (C_Block::*pfnDecode)(std::size_t nFrame);
+};
+
+constexpr S_Groups k4BitGroups = {k4BitGroup, 1, &C_Block::Decode4BitGroup};
+// Kept: a group holds four eights but is counted as three, so more groups are tried than the
+// samples per block ask for. The block's own end is what counts, and blocks whose number is too
+// small play to that end. Pinned by ThreeBitGroups_AreCountedAsThreeEights.
+constexpr S_Groups k3BitGroups = {k3BitGroup, 3, &C_Block::Decode3BitGroup};
+
+void DecodeGroups(const S_Groups& groups, const C_WavFileCodecInfo& codecInfo,
+                  const unsigned char* pbyBlock, unsigned int dwBlockBytes, short* pSamples,
+                  unsigned int dwCapacity) {
+  const unsigned int dwChannels = codecInfo.GetPCMWAVEFORMAT().wChannels;
+  if (dwChannels == 0) return;
+  C_Block block(pbyBlock, dwBlockBytes, pSamples, dwCapacity, dwChannels);
+  // The samples after the first one, in eights; a block without samples has no eights.
+  const int nEights = (codecInfo.GetSamplesPerBlock() - 1) / 8;
+  std::size_t nFrame = 1;
+  for (int i = 0; i < nEights && !block.Ends(nFrame); i += groups.nEights) {
+    (block.*groups.pfnDecode)(nFrame);
+    nFrame += groups.nFrames;
+  }
 }
 
 }  // namespace
@@ -111,14 +134,7 @@ int EightsOf(const C_WavFileCodecInfo& codecInfo) {
 bool C_DVIAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo,
                                   const unsigned char* pbyBlock, short* pSamples,
                                   unsigned int dwBlockBytes, unsigned int dwCapacity) {
-  const unsigned int dwChannels = codecInfo.GetPCMWAVEFORMAT().wChannels;
-  if (dwChannels == 0) return true;
-  C_Block block(pbyBlock, dwBlockBytes, pSamples, dwCapacity, dwChannels);
-  const int nEights = EightsOf(codecInfo);
-  std::size_t nFrame = 1;
-  for (int i = 0; i < nEights && !block.Ends(nFrame); ++i, nFrame += k4BitGroup) {
-    block.Decode4BitGroup(nFrame);
-  }
+  DecodeGroups(k4BitGroups, codecInfo, pbyBlock, dwBlockBytes, pSamples, dwCapacity);
   return true;
 }
 
@@ -127,19 +143,9 @@ std::optional<unsigned int> C_DVIAdpcm3BitCodec::GetDecodedSize(const C_WavFileC
   return GetAdpcmSize(codecInfo, dwEncodedBytes, 8, 3);
 }
 
-// Kept: a group has four eights but is counted as three, so that more groups are tried than samples
-// per block says; the block's own end is what counts, and blocks whose number is too small play to
-// that end. Pinned by ThreeBitGroups_AreCountedAsThreeEights.
 bool C_DVIAdpcm3BitCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo,
                                       const unsigned char* pbyBlock, short* pSamples,
                                       unsigned int dwBlockBytes, unsigned int dwCapacity) {
-  const unsigned int dwChannels = codecInfo.GetPCMWAVEFORMAT().wChannels;
-  if (dwChannels == 0) return true;
-  C_Block block(pbyBlock, dwBlockBytes, pSamples, dwCapacity, dwChannels);
-  const int nEights = EightsOf(codecInfo);
-  std::size_t nFrame = 1;
-  for (int i = 0; i < nEights && !block.Ends(nFrame); i += 3, nFrame += k3BitGroup) {
-    block.Decode3BitGroup(nFrame);
-  }
+  DecodeGroups(k3BitGroups, codecInfo, pbyBlock, dwBlockBytes, pSamples, dwCapacity);
   return true;
 }

@@ -4,61 +4,33 @@
 #include <algorithm>
 
 #include "ByteReader.h"
+#include "chunk/PcmFormat.h"
 
 namespace {
 
-bool IsBlockCodec(unsigned short wFormatTag) noexcept {
-  return wFormatTag == WAVE_TAG_MS_ADPCM || wFormatTag == WAVE_TAG_DVI_ADPCM;
-}
-
-S_PcmFormatRecord ReadPcm(vcm::C_ByteReader& reader) noexcept {
-  S_PcmFormatRecord pcm;
-  pcm.wFormatTag = reader.U16();
-  pcm.wChannels = reader.U16();
-  pcm.dwSamplesPerSec = reader.U32();
-  pcm.dwAvgBytesPerSec = reader.U32();
-  pcm.wBlockAlign = reader.U16();
-  pcm.wBitsPerSample = reader.U16();
-  return pcm;
-}
-
 S_DviAdpcmInfo ReadBlockFormat(vcm::C_ByteReader& reader) noexcept {
   S_DviAdpcmInfo info;
-  info.wfx.pcm = ReadPcm(reader);
+  info.wfx.pcm = pcmformat::Read(reader);
   info.wfx.wExtraSize = reader.U16();
   info.wSamplesPerBlock = reader.U16();
   return info;
 }
 
-// The length of the record that the payload begins with, also when the payload is shorter.
-std::size_t RecordBytes(unsigned short wFormatTag, std::span<const std::uint8_t> payload) noexcept {
-  if (wFormatTag == WAVE_TAG_DVI_ADPCM) return C_WavFileCodecInfo::kDviAdpcmBytes;
-  if (wFormatTag != WAVE_TAG_MS_ADPCM) return S_PcmFormatRecord::kBytes;
-  vcm::C_ByteReader reader(payload);
-  reader.Skip(C_WavFileCodecInfo::kDviAdpcmBytes);
-  const std::size_t nCoefficients = reader.U16();
-  return C_WavFileCodecInfo::kMSAdpcmHeadBytes + 4 * nCoefficients;
-}
-
-bool HasDivisors(const S_PcmFormatRecord& pcm) noexcept {
+bool HasDivisors(const S_WavTag& tag, const S_PcmFormatRecord& pcm) noexcept {
   if (pcm.wChannels == 0) return false;
   if (pcm.wFormatTag == WAVE_TAG_PCM && pcm.wBitsPerSample == 0) return false;
-  return !IsBlockCodec(pcm.wFormatTag) || pcm.wBlockAlign != 0;
+  return !tag.bBlocks || pcm.wBlockAlign != 0;
 }
 
 }  // namespace
 
-bool C_WavFileCodecInfo::IsAcceptedTag(unsigned short wFormatTag) noexcept {
-  return IsBlockCodec(wFormatTag) || wFormatTag == WAVE_TAG_PCM || wFormatTag == WAVE_TAG_ALAW ||
-         wFormatTag == WAVE_TAG_MULAW;
-}
-
 bool C_WavFileCodecInfo::SetFormat(std::span<const std::uint8_t> payload) {
   Clear();
   vcm::C_ByteReader reader(payload);
-  const S_PcmFormatRecord pcm = ReadPcm(reader);
-  if (!reader.Ok() || !IsAcceptedTag(pcm.wFormatTag) || !HasDivisors(pcm)) return false;
-  const std::size_t cbRecord = RecordBytes(pcm.wFormatTag, payload);
+  const S_PcmFormatRecord pcm = pcmformat::Read(reader);
+  const S_WavTag* const pTag = FindWavTag(pcm.wFormatTag);
+  if (!reader.Ok() || pTag == nullptr || !HasDivisors(*pTag, pcm)) return false;
+  const std::size_t cbRecord = RecordBytes(*pTag, payload);
   if (cbRecord > payload.size()) return false;
   const auto record = payload.first(cbRecord);
   m_record.assign(record.begin(), record.end());
@@ -71,7 +43,7 @@ unsigned short C_WavFileCodecInfo::GetFormatTag() const noexcept {
 
 S_PcmFormatRecord C_WavFileCodecInfo::GetPCMWAVEFORMAT() const noexcept {
   vcm::C_ByteReader reader(m_record);
-  return ReadPcm(reader);
+  return pcmformat::Read(reader);
 }
 
 S_WaveFormatEx C_WavFileCodecInfo::GetWAVEFORMATEX() const noexcept {

@@ -1,84 +1,130 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the files of the library's own codecs share. They hold an encoded stream
+// What the files of the library's own codecs share. They hold an encoded stream in one of two
+// forms:
 //
-//   behind an SP header (SpHeader.h): the sound gets the sample rate that the header names, or
-//   in a VEF container (VefFileBase.h): the sound gets the sample rate of the container,
+//   after an SP header (SpHeader.h): the sound gets the sample rate that the header names
+//   in a VEF container (VefFileBase.h): the sound gets the sample rate of the container
 //
-// one channel and 16 bits. A derived class says which types are its own and codes its streams.
+// A decoded sound has one channel and 16 bits. A derived class says which types are its own, and
+// encodes and decodes its streams.
 #pragma once
 
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "file/VefFileBase.h"
 
 class C_RiffFile;
 
+// One object can load several files, one after another. What a load replaces in the sound depends
+// on the form of the file:
+//
+//   VEF container   as C_VefFileBase says
+//   SP header       opening the file replaces the format, with length 0, and the coding type;
+//                   LoadData then replaces the PCM, the encoded form and its type. Events, silence
+//                   segments, regions, cue points, labels, loops and extra chunks of an earlier
+//                   file stay, because a file with an SP header says nothing about them.
 class C_CodecFileBase : public C_VefFileBase {
  public:
-  // How the file stores its stream.
+  // The form in which the file stores its stream.
   enum tagContainerKind : signed char {
     kNotOpened = -1,
     kSpHeader = 0,
     kVefContainer = 1,
   };
 
-  // Files with an SP header need one of the own types, and sounds get the header's. Others must be
-  // VEF containers that do not say a foreign type.
+  // Accepts a file with an SP header whose identifier is one of the class's own types, and a VEF
+  // container that does not name a type of another codec. A file with any other SP header is
+  // refused. With bWithInfo, the sound gets the format, and a VEF container also gives it its
+  // annotations.
   bool CheckFormat(const char* pszFileName, bool bWithInfo) override;  // 21
-  // Decodes the stream of the file that was opened by name; the sound keeps a copy of it as its
-  // encoded form. Of a container, nothing is handed to pfnData, and with bKeepEncoded the PCM is
-  // read as stored instead. pszCodecOption has no effect.
+  // Reads the sound of the file that OpenByName opened.
+  //
+  //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside the
+  //                   stream; the sound then has no encoded form. false: decodes the stream
+  //   pszCodecOption  has no effect
+  //   pfnData         gets the pieces of a Kestrel stream after an SP header, one frame each, while
+  //                   they are decoded; may be null. Never called for a container or for Heron
+  //
+  // A sound whose stream is decoded keeps a copy of the stream as its encoded form. False when no
+  // file is open, when the file cannot be read, and when it holds no stream or one that cannot be
+  // decoded.
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
 
-  // Adds the stream, made as by WriteFile with its last bForceEncode, to pRiffFile as chunk "vdat".
+  // Adds the stream to pRiffFile as chunk "vdat". The stream is made as by WriteFile, with the
+  // bForceEncode of the last WriteFile (false before the first). False for null, without a sound,
+  // and when there is no stream to add.
   bool WriteDataChunk(C_RiffFile* pRiffFile) override;  // 24
 
+  // bForceEncode of the last WriteFile, even of one that failed; false before the first.
   [[nodiscard]] bool IsForceEncode() const { return m_bForceEncode; }
+  // The form of the last file that CheckFormat accepted, with or without bWithInfo.
   [[nodiscard]] tagContainerKind GetContainerKind() const { return m_eContainerKind; }
 
  protected:
   struct S_Family {
-    S_AudioFileTypes spTypes;          // own types behind an SP header
-    S_AudioFileTypes foreignVefTypes;  // what containers of other codecs say
+    S_AudioFileTypes spTypes;  // the types that the class takes after an SP header
+    // The types that containers of other codecs name. The ranges must outlive the object.
+    std::span<const S_AudioFileTypes> foreignVefTypes;
   };
-  // A stream that is borrowed from the sound or, when pbyOwned is set, was encoded for this use.
+  // A stream that is borrowed from the sound, or that was encoded for this use and is held by
+  // pbyOwned.
   struct S_Stream {
     std::unique_ptr<unsigned char[]> pbyOwned;
     const unsigned char* pbyData = nullptr;
     unsigned int dwLength = 0;
+
+    // Takes ownership of the array that an encoder returned. Does not set dwLength.
+    void Own(unsigned char* pbyStream) {
+      pbyOwned.reset(pbyStream);
+      pbyData = pbyStream;
+    }
   };
 
   explicit C_CodecFileBase(const S_Family& family) : m_family(family) {}
 
-  // Writes the sound as a bare stream of the type, without an SP header; with bWriteCodecHead
-  // behind a codec head (CodecHead.h). When the coding type is that type already and bForceEncode
-  // is false, the encoded form that the sound carries is written unchanged. Without bEncode, writes
-  // a VEF container that holds the sound and that stream. The target is created when the stream is
-  // complete, not before; a failed write may leave a partial file.
+  // Writes the sound as a file of type eType. An existing file is replaced. This is also the
+  // meaning of the arguments of WriteFile in the derived classes:
+  //
+  //   bEncode          true: the file is the bare stream, never with an SP header. false: the file is
+  //                    a VEF container with the sound as PCM, its annotations and the stream
+  //   bWriteCodecHead  with bEncode: true puts the 6-byte codec head (CodecHead.h) before the stream.
+  //                    No effect on a container
+  //   pfnProgress      gets the reports of the encoder (CodecCallback.h); may be null. Never called
+  //                    for a container, nor when the encoded form of the sound is written
+  //   bForceEncode     false: when the object's coding type is eType already, the encoded form that
+  //                    the sound carries is written unchanged, even if the PCM was edited since.
+  //                    true: the PCM is always encoded
+  //
+  // False without a sound, when the sound cannot be encoded, and when its encoded form is to be
+  // written but it carries none. The target is opened only when the stream or the container is
+  // complete. An existing file therefore survives every failure except one while writing, which may
+  // leave a partial file.
   bool WriteAs(tagAudioFileType eType, const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                PFN_CodecProgress pfnProgress, bool bForceEncode);
-  // Is the sound's encoded form to be written instead of a new one?
+  // True when the sound's encoded form is to be written instead of a new stream.
   [[nodiscard]] bool ReusesStream(unsigned int dwType) {
     return !m_bForceEncode && GetCodingType() == dwType;
   }
-  // The sound's encoded form; false when there is none.
+  // Lends the sound's encoded form; false when the sound has none.
   bool BorrowStream(S_Stream* pStream);
 
  private:
-  // Decodes a stream, null when empty, into the sound, which is there.
+  // Decodes the stream into the sound. The sound exists; pbyStream may be null when the stream is
+  // empty.
   virtual bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                             PFN_DecodedData pfnData) = 0;  // 25
-  // The stream that is to be written: the sound's encoded form or a new one.
+  // Makes the stream that is to be written: the sound's encoded form or a new stream.
   virtual bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) = 0;  // 26
-  // Creates the file, with a codec head of the type when one is given.
+  // Writes the file: a codec head of the type, when a type is given, then the stream.
   bool WriteStreamFile(const char* pszFileName, const S_Stream& stream,
                        std::optional<tagAudioFileType> eHeadType);
   bool LoadSpStream(PFN_DecodedData pfnData);
   bool LoadVefStream();
-  // Gives the sound the stream as its encoded form, and decodes it.
+  // Gives the sound a copy of the stream as its encoded form, and decodes the stream.
   bool TakeStream(const unsigned char* pbyStream, unsigned int dwLength, PFN_DecodedData pfnData);
 
   S_Family m_family;

@@ -32,8 +32,7 @@ bool C_HeronFileBase::Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress
                     &pStream->dwLength)) {
     return false;
   }
-  pStream->pbyOwned.reset(pbyStream);
-  pStream->pbyData = pbyStream;
+  pStream->Own(pbyStream);
   return true;
 }
 

@@ -11,6 +11,8 @@
 // they cannot read must not come into use. Pinned by SpHeaderOfTwoOrThreeBits_IsRefused.
 #pragma once
 
+#include <array>
+
 #include "file/CodecFileBase.h"
 
 class C_HeronFileBase : public C_CodecFileBase {
@@ -25,11 +27,13 @@ class C_HeronFileBase : public C_CodecFileBase {
 
  protected:
   explicit C_HeronFileBase(tagAudioFileType eTargetType)
-      : C_CodecFileBase({kHeronSpTypes, kKestrelTypes}), m_eTargetType(eTargetType) {}
+      : C_CodecFileBase({kHeronSpTypes, kForeignTypes}), m_eTargetType(eTargetType) {}
 
   void SetTargetType(tagAudioFileType eTargetType) { m_eTargetType = eTargetType; }
 
  private:
+  static constexpr std::array kForeignTypes = {kKestrelTypes};
+
   // Nothing is handed to pfnData: a stream is decoded as a whole.
   bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                     PFN_DecodedData pfnData) override;

@@ -37,8 +37,7 @@ bool C_KestrelFile::Encode(I_WavData* pIMonoData, PFN_CodecProgress pfnProgress,
   if (!codec.Encode(pIMonoData, dwBitRate, &pbyStream, &pStream->dwLength, pfnProgress)) {
     return false;
   }
-  pStream->pbyOwned.reset(pbyStream);
-  pStream->pbyData = pbyStream;
+  pStream->Own(pbyStream);
   return true;
 }
 

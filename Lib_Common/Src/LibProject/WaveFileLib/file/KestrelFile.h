@@ -4,11 +4,13 @@
 // a VEF container: see CodecFileBase.h.
 #pragma once
 
+#include <array>
+
 #include "file/CodecFileBase.h"
 
 class C_KestrelFile : public C_CodecFileBase {
  public:
-  C_KestrelFile() : C_CodecFileBase({kKestrelTypes, kHeronTypes}) {}
+  C_KestrelFile() : C_CodecFileBase({kKestrelTypes, kForeignTypes}) {}
   ~C_KestrelFile() override = default;
 
   // Writes Kestrel, at the bit rate of the sound's codec parameters: see C_CodecFileBase::WriteAs.
@@ -18,6 +20,8 @@ class C_KestrelFile : public C_CodecFileBase {
                  unsigned int dwCodecOption) override;  // 23
 
  private:
+  static constexpr std::array kForeignTypes = {kHeronTypes};
+
   bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                     PFN_DecodedData pfnData) override;
   bool Encode(I_WavData* pIMonoData, PFN_CodecProgress pfnProgress, S_Stream* pStream);

@@ -2,7 +2,7 @@
 #include "file/VefFile.h"
 
 bool C_VefFile::CheckFormat(const char* pszFileName, bool bWithInfo) {
-  return CheckVefFormat(pszFileName, bWithInfo, kNoTypes);
+  return CheckVefFormat(pszFileName, bWithInfo, {});
 }
 
 bool C_VefFile::LoadData(bool /*bKeepEncoded*/, const char* /*pszCodecOption*/,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/VefFileBase.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -15,6 +16,8 @@
 
 namespace {
 
+using wavchunks::RequiredInfo;
+
 constexpr const char* kSource = "WaveFileLib/VefFile";
 constexpr vcm::S_AssertSite kWriteSite{"WriteVef", kSource};
 constexpr vcm::S_AssertSite kCheckSite{"CheckFormat", kSource};
@@ -22,7 +25,7 @@ constexpr const char* kFormType = "VEFF";
 constexpr const char* kCodecFormat = "vafm";
 constexpr const char* kStream = "vdat";
 constexpr const char* kEvents = "vevt";
-// What the container says itself is nobody's extra chunk.
+// The container writes these chunks itself; extra chunks of these names are left out.
 constexpr std::array<const char*, 2> kOwnChunks = {kCodecFormat, kStream};
 constexpr unsigned int kCodecFormatBytes = 16;
 constexpr unsigned short kCodecFormatVersion = 256;
@@ -33,7 +36,7 @@ bool AddCodecFormat(C_RiffFile& riff, I_WavData& wavData, I_AudioCodecParam& par
   vcm::C_ByteWriter writer;
   writer.U16(kCodecFormatVersion);
   writer.U16(static_cast<std::uint16_t>(eType));
-  // Kept: rates from 65536 Hz on lose their upper bits; the field never grew, and readers take the
+  // Kept: rates from 65536 Hz on lose their upper bits. The field never grew, and readers take the
   // rate from the format chunk. Pinned by CodecFormat_KeepsTheLowHalfOfTheRate.
   writer.U16(static_cast<std::uint16_t>(info.GetSampleRate()));
   writer.U32(param.GetBitRate());
@@ -43,7 +46,7 @@ bool AddCodecFormat(C_RiffFile& riff, I_WavData& wavData, I_AudioCodecParam& par
   return wavchunks::AddChunk(riff, kCodecFormat, writer.Data().data(), kCodecFormatBytes);
 }
 
-// The type code of a "vafm" chunk that counts.
+// The type code in a "vafm" chunk; empty when the chunk is too short or has another version.
 std::optional<unsigned int> TypeOf(C_RiffChunk& chunk) {
   std::array<std::uint8_t, kCodecFormatBytes> record{};
   if (!chunk.GetData(record.data(), kCodecFormatBytes, 0)) return std::nullopt;
@@ -52,7 +55,7 @@ std::optional<unsigned int> TypeOf(C_RiffChunk& chunk) {
   return reader.U16();
 }
 
-// Linear when the container does not say.
+// The coding type that the container names; linear when it names none.
 unsigned int CodingTypeOf(C_RiffFile& riff) {
   std::optional<unsigned int> dwType;
   for (int i = 0; i < riff.GetChunkCount() && !dwType; ++i) {
@@ -60,34 +63,6 @@ unsigned int CodingTypeOf(C_RiffFile& riff) {
     if (chunk.HasChunkID(kCodecFormat)) dwType = TypeOf(chunk);
   }
   return dwType.value_or(C_WavFileBase::kCodingLinear);
-}
-
-template <typename Info>
-Info& ExistingInfo(C_WavFileBase& file, tagWavDataInfo eType, const vcm::S_AssertSite& site,
-                   const char* pszText) {
-  auto* pInfo = wavchunks::InfoOf<Info>(file, eType);
-  VCM_ASSERT(pInfo != nullptr, site.pszFunction, site.pszSource, __LINE__, pszText);
-  return *pInfo;
-}
-
-I_WavDataCueInfo& CueInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
-  return ExistingInfo<I_WavDataCueInfo>(file, WAV_DATA_INFO_CUE, site,
-                                        "bRet && (pICueInfo != NULL)");
-}
-
-I_WavDataSamplerInfo& SamplerInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
-  return ExistingInfo<I_WavDataSamplerInfo>(file, WAV_DATA_INFO_SAMPLER, site,
-                                            "bRet && (pISamplerInfo != NULL)");
-}
-
-I_WavDataListInfo& ListInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
-  return ExistingInfo<I_WavDataListInfo>(file, WAV_DATA_INFO_LIST, site,
-                                         "bRet && (pIListInfo != NULL)");
-}
-
-I_WavDataExtraChunkInfo& ExtraChunkInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
-  return ExistingInfo<I_WavDataExtraChunkInfo>(file, WAV_DATA_INFO_EXTRA_CHUNK, site,
-                                               "bRet && (pIExtraChunkInfo != NULL)");
 }
 
 }  // namespace
@@ -101,12 +76,14 @@ bool C_VefFileBase::LoadVDATChunk(const char* pszFileName,
   if (!riff.Open(pszFileName, kFormType)) return false;
   I_AudioCodecParam* piParam = GetAudioCodecParam();
   VCM_ASSERT(nullptr != piParam, "LoadVDATChunk", kSource, __LINE__, "NULL != piParam");
-  // Kept: the first one counts, while of other chunks the last does; streams that are appended
-  // later are for players that know more. Pinned by LoadVDATChunk_GivesTheFirstOfTwo.
+  // Kept: the first "vdat" chunk counts, although the last "fmt " and "data" chunks do. Streams
+  // that are appended later are for players that know more. Pinned by
+  // LoadVDATChunk_GivesTheFirstOfTwo.
   C_RiffChunk* pChunk = riff.FindChunk(kStream, 0);
   if (pChunk == nullptr) return true;
   const unsigned int dwLength = pChunk->GetDataLength();
-  // Reads the payload, or learns that the file does not hold it, before memory is asked for.
+  // Reads the payload, or finds out that the file does not hold it, before memory is allocated
+  // here.
   if (!pChunk->GetData(nullptr, 0, 0)) return false;
   const std::size_t cbMore = piParam->GetPlatform() == AUDIO_CODEC_PLATFORM_FALLBACK ? 1 : 0;
   auto pbyData = std::make_unique<unsigned char[]>(std::size_t{dwLength} + cbMore);
@@ -138,12 +115,13 @@ bool C_VefFileBase::WriteVef(const char* pszFileName, const char* pszFormType, b
 }
 
 bool C_VefFileBase::CheckVefFormat(const char* pszFileName, bool bWithInfo,
-                                   const S_AudioFileTypes& foreign) {
+                                   std::span<const S_AudioFileTypes> foreign) {
   C_RiffFile riff;
   if (!riff.Open(pszFileName, kFormType)) return false;
   if (!FindFormatAndData(riff) || m_codecInfo.GetFormatTag() != WAVE_TAG_PCM) return false;
   const unsigned int dwType = CodingTypeOf(riff);
-  if (foreign.Has(dwType)) return false;
+  const auto bHasType = [dwType](const S_AudioFileTypes& types) { return types.Has(dwType); };
+  if (std::ranges::any_of(foreign, bHasType)) return false;
   if (!bWithInfo) return true;
   PrepareWavData();
   SetCodingType(dwType);
@@ -169,39 +147,43 @@ bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {
     C_RiffChunk& chunk = *riff.GetChunkAt(i);
     bool bLoaded = true;
     if (chunk.HasChunkID("cue ")) {
-      bLoaded = CueInfo(*this, kCheckSite).LoadInfo(&chunk);
+      bLoaded = RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite).LoadInfo(&chunk);
     } else if (chunk.HasChunkID("smpl")) {
-      bLoaded = SamplerInfo(*this, kCheckSite).LoadInfo(&chunk);
+      bLoaded = RequiredInfo<I_WavDataSamplerInfo>(*this, kCheckSite).LoadInfo(&chunk);
     } else if (chunk.HasChunkID("LIST")) {
-      bLoaded = ListInfo(*this, kCheckSite).LoadInfo(&chunk);
+      bLoaded = RequiredInfo<I_WavDataListInfo>(*this, kCheckSite).LoadInfo(&chunk);
     } else if (chunk.HasChunkID(kEvents)) {
-      // What cannot be read is left out: a file that was cut here still has its sound.
-      static_cast<void>(ExtraChunkInfo(*this, kCheckSite).AddRiffChunk(kEvents, &chunk));
+      // A chunk that cannot be read is left out: a file that was cut here still has its sound.
+      auto& extraChunkInfo = RequiredInfo<I_WavDataExtraChunkInfo>(*this, kCheckSite);
+      static_cast<void>(extraChunkInfo.AddRiffChunk(kEvents, &chunk));
     }
     if (!bLoaded) return false;
   }
-  veflabels::LoadEvents(*GetWavData(), ListInfo(*this, kCheckSite), CueInfo(*this, kCheckSite));
+  auto& listInfo = RequiredInfo<I_WavDataListInfo>(*this, kCheckSite);
+  veflabels::LoadEvents(*GetWavData(), listInfo, RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite));
   return true;
 }
 
-// A container says all that there is to say about its sound: nothing of an earlier file, or of an
-// earlier attempt at this one, may be added to it.
+// A container says everything that there is to say about its annotations. Nothing of an earlier
+// file, or of an earlier attempt at this file, may be mixed with them.
 void C_VefFileBase::ForgetAnnotations() {
-  CueInfo(*this, kCheckSite).Reset();
-  SamplerInfo(*this, kCheckSite).Reset();
-  ListInfo(*this, kCheckSite).RemoveAllLabels();
-  ListInfo(*this, kCheckSite).RemoveAllLtxts();
-  ExtraChunkInfo(*this, kCheckSite).RemoveAll();
+  RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite).Reset();
+  RequiredInfo<I_WavDataSamplerInfo>(*this, kCheckSite).Reset();
+  auto& listInfo = RequiredInfo<I_WavDataListInfo>(*this, kCheckSite);
+  listInfo.RemoveAllLabels();
+  listInfo.RemoveAllLtxts();
+  RequiredInfo<I_WavDataExtraChunkInfo>(*this, kCheckSite).RemoveAll();
 }
 
-// The stream of an earlier file would be written beside the samples of this one.
+// Otherwise the stream of an earlier file would be written beside the samples of this one.
 bool C_VefFileBase::ForgetStream() {
   GetWavData()->SetEncType(AUDIO_FILE_UNKNOWN);
   return GetWavData()->SetEncBuffer(nullptr, 0);
 }
 
 void C_VefFileBase::RegenerateEvents() {
-  I_WavDataCueInfo& cueInfo = CueInfo(*this, kWriteSite);
-  I_WavDataListInfo& listInfo = ListInfo(*this, kWriteSite);
-  veflabels::SaveEvents(*GetWavData(), listInfo, cueInfo, SamplerInfo(*this, kWriteSite));
+  auto& cueInfo = RequiredInfo<I_WavDataCueInfo>(*this, kWriteSite);
+  auto& listInfo = RequiredInfo<I_WavDataListInfo>(*this, kWriteSite);
+  auto& samplerInfo = RequiredInfo<I_WavDataSamplerInfo>(*this, kWriteSite);
+  veflabels::SaveEvents(*GetWavData(), listInfo, cueInfo, samplerInfo);
 }

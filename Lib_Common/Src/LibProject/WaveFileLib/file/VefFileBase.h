@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What all files share that can be VEF containers: RIFF files of form "VEFF" with a sound as PCM,
-// its annotations and, for the library's own codecs, the sound as an encoded stream.
+// What the classes share whose files can be VEF containers. These are RIFF files of form "VEFF"
+// that hold a sound as PCM, its annotations and, for the library's own codecs, also its encoded
+// stream.
 //
 //   chunk    written                                     read
-//   "fmt "   always, 16 bytes                            format tag 1 (linear PCM); must be there
+//   "fmt "   always, 16 bytes                            format tag 1 (linear PCM); required
 //   "data"   always                                      the samples as stored
 //   "cue "   when there are cue points                   cue points
 //   "smpl"   when there are loops                        sampler information
 //   "LIST"   when there are labels or texts              labels; those of events become events
 //   "vafm"   with the header flag                        the coding type
-//   "vdat"   with the header flag, by WriteDataChunk     the encoded stream, on its own
-//   others   the sound's extra chunks, unless empty      "vevt" alone, as an extra chunk
+//   "vdat"   with the header flag, by WriteDataChunk     the encoded stream, by LoadVDATChunk
+//   others   the sound's extra chunks, unless empty      only "vevt", as an extra chunk
 //
 // "vafm" (little-endian), 16 bytes:
 //
@@ -24,42 +25,57 @@
 //   11     1    platform of the codec parameters
 //   12     4    0
 //
-// The first record of 16 bytes or more with version 256 counts; others are passed over.
+// The first record of 16 bytes or more with version 256 counts; other records are skipped.
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include "file/WavFileBase.h"
 
 class C_RiffFile;
 
+// One object can load several containers, one after another. Opening a container already replaces
+// everything that containers store: the format, the coding type, the events, the cue points,
+// labels, texts and loops, and the extra chunks, even where the new file has none. The PCM and the
+// encoded form of an earlier file are removed. Silence segments, regions and codec parameters stay,
+// because containers do not store them.
 class C_VefFileBase : public C_WavFileBase {
  public:
-  // Adds the encoded stream to a container that is being written, as chunk "vdat".
+  // Adds the encoded stream, as chunk "vdat", to a container that is being written. False when that
+  // fails, which ends the writing.
   virtual bool WriteDataChunk(C_RiffFile* pRiffFile) = 0;  // 24
 
-  // The payload of the first "vdat" chunk, null and 0 (and true) in a container that has none.
-  // False when the file is no container or that chunk cannot be read whole; the outputs are then
-  // null and 0. Platform 2 of the codec parameters adds a zero behind the payload that the length
-  // does not count.
+  // Reads the encoded stream of a container, the payload of its first "vdat" chunk. *ppbyData gets
+  // a new array and *pdwLength its length in bytes; neither pointer may be null. A container
+  // without such a chunk gives null and 0, and true. False when the file is not a container, and
+  // when the chunk is empty or cannot be read completely; the outputs are then null and 0. With
+  // platform 2 of the codec parameters, the array has one more zero byte at its end, which the
+  // length does not count. Makes the sound when there is none.
   bool LoadVDATChunk(const char* pszFileName, std::unique_ptr<unsigned char[]>* ppbyData,
                      unsigned int* pdwLength);
 
  protected:
-  // Writes the sound as a RIFF file of that form type (four characters), "vafm" with eType and the
-  // stream of WriteDataChunk included when bHeader is set. The sound's cue points and labels get
-  // its events (VefLabels.h). Samples are written as wavchunks::ConvertForWriting gives them. The
-  // target is opened when all is assembled, not before: a file that stood there survives every
-  // failure but one of the disk.
+  // Writes the sound as a RIFF file of form pszFormType (four characters). With bHeader, the file
+  // also gets "vafm" with eType and the stream of WriteDataChunk. The sound's own cue points and
+  // labels are first brought up to date with its events (VefLabels.h). Samples are written in the
+  // widths that wavchunks::ConvertForWriting gives them. False without a sound, for widths that
+  // cannot be converted, when the PCM is missing, and when WriteDataChunk fails. The target is
+  // opened only when the whole file is assembled. An existing file therefore survives every failure
+  // except one while writing.
   bool WriteVef(const char* pszFileName, const char* pszFormType, bool bHeader,
                 tagAudioFileType eType);
-  // False for containers whose "vafm" has a type of the foreign range. With bWithInfo the sound's
-  // format, coding type, annotations and "vevt" chunk become those of the file, and it loses its
-  // encoded form; a "cue ", "smpl" or "LIST" shorter than its first field is left out.
-  bool CheckVefFormat(const char* pszFileName, bool bWithInfo, const S_AudioFileTypes& foreign);
-  // The samples as stored, of the file that was opened by name.
+  // True for a container with linear PCM whose coding type is in none of the foreign ranges. With
+  // bWithInfo, the sound's format and annotations and the object's coding type become those of the
+  // file, see above. A "cue " or "LIST" chunk of less than 4 bytes and a "smpl" chunk of less than
+  // 36 bytes are left out. Any other of these chunks that cannot be read makes the result false,
+  // and then part of the sound is replaced already.
+  bool CheckVefFormat(const char* pszFileName, bool bWithInfo,
+                      std::span<const S_AudioFileTypes> foreign);
+  // Reads the stored samples of the file that OpenByName opened. False without a sound, and where
+  // LoadStoredPcm is.
   bool LoadVefAsStored();
-  // Adds a chunk "vdat" with these bytes.
+  // Adds a chunk "vdat" with a copy of these bytes.
   static bool AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData, unsigned int dwLength);
 
  private:

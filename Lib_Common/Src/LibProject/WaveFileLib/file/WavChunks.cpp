@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "ByteReader.h"
+#include "chunk/PcmFormat.h"
 
 namespace wavchunks {
 namespace {
@@ -21,7 +22,7 @@ S_SampleForm FormOf(I_WavInfo& info) {
   return {info.GetBitsPerSample(), info.GetStoreBitsPerSample(), info.IsValueSigned()};
 }
 
-// 12-bit samples are ours alone: no reader of sound files would scale them right.
+// Only this library knows 12-bit samples: other readers of sound files would not scale them right.
 S_SampleForm FormToWrite(I_WavData& wavData) {
   I_AudioCodecParam& param = *wavData.GetAudioCodecParam();
   S_SampleForm form = FormOf(*wavData.GetWavInfo());
@@ -37,12 +38,7 @@ bool AddFormat(C_RiffFile& riff, I_WavInfo& info) {
   S_PcmFormatRecord record;
   info.GetWaveFormat(&record);
   vcm::C_ByteWriter writer;
-  writer.U16(record.wFormatTag);
-  writer.U16(record.wChannels);
-  writer.U32(record.dwSamplesPerSec);
-  writer.U32(record.dwAvgBytesPerSec);
-  writer.U16(record.wBlockAlign);
-  writer.U16(record.wBitsPerSample);
+  pcmformat::Write(record, writer);
   return AddChunk(riff, "fmt ", writer.Data().data(), S_PcmFormatRecord::kBytes);
 }
 
@@ -84,20 +80,18 @@ bool AddSound(C_RiffFile& riff, I_WavData& wavData) {
 }
 
 bool AddCues(C_RiffFile& riff, C_WavFileBase& file) {
-  auto* pICueInfo = InfoOf<I_WavDataCueInfo>(file, WAV_DATA_INFO_CUE);
+  auto* pICueInfo = InfoOf<I_WavDataCueInfo>(file);
   if (pICueInfo == nullptr) return false;
   return !pICueInfo->IsValid() || AddInfo(riff, "cue ", *pICueInfo);
 }
 
 bool AddSampler(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSite& site) {
-  auto* pISamplerInfo = InfoOf<I_WavDataSamplerInfo>(file, WAV_DATA_INFO_SAMPLER);
-  VCM_ASSERT(pISamplerInfo != nullptr, site.pszFunction, site.pszSource, __LINE__,
-             "bRet && (pISamplerInfo != NULL)");
-  return !pISamplerInfo->IsValid() || AddInfo(riff, "smpl", *pISamplerInfo);
+  auto& samplerInfo = RequiredInfo<I_WavDataSamplerInfo>(file, site);
+  return !samplerInfo.IsValid() || AddInfo(riff, "smpl", samplerInfo);
 }
 
 bool AddLabels(C_RiffFile& riff, C_WavFileBase& file) {
-  auto* pIListInfo = InfoOf<I_WavDataListInfo>(file, WAV_DATA_INFO_LIST);
+  auto* pIListInfo = InfoOf<I_WavDataListInfo>(file);
   if (pIListInfo == nullptr) return false;
   const bool bEmpty = pIListInfo->GetLabelCount() == 0 && pIListInfo->GetLtxtCount() == 0;
   return bEmpty || AddInfo(riff, "LIST", *pIListInfo);
@@ -105,11 +99,9 @@ bool AddLabels(C_RiffFile& riff, C_WavFileBase& file) {
 
 bool AddExtraChunks(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSite& site,
                     std::span<const char* const> omitted) {
-  auto* pIExtraChunkInfo = InfoOf<I_WavDataExtraChunkInfo>(file, WAV_DATA_INFO_EXTRA_CHUNK);
-  VCM_ASSERT(pIExtraChunkInfo != nullptr, site.pszFunction, site.pszSource, __LINE__,
-             "bRet && (pIExtraChunkInfo != NULL)");
-  for (int i = 0; i < pIExtraChunkInfo->GetSize(); ++i) {
-    I_WavDataExtraChunk* pIExtraChunk = pIExtraChunkInfo->GetItemByIndex(i);
+  auto& extraChunkInfo = RequiredInfo<I_WavDataExtraChunkInfo>(file, site);
+  for (int i = 0; i < extraChunkInfo.GetSize(); ++i) {
+    I_WavDataExtraChunk* pIExtraChunk = extraChunkInfo.GetItemByIndex(i);
     VCM_ASSERT(nullptr != pIExtraChunk, site.pszFunction, site.pszSource, __LINE__,
                "NULL != pIExtraChunk");
     unsigned char* pbyData = nullptr;

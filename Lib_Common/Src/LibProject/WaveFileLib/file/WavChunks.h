@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The chunks of RIFF sound files, as all file kinds of that build read and write them:
+// The chunks of RIFF sound files, as all file classes that use them read and write them:
 //
 //   "fmt "  the plain 16-byte format record (PcmFormatRecord.h)
 //   "data"  the samples
 //   "cue ", "smpl", "LIST"  what the sound's info objects save (I_WavDataInfo.h)
 //   others  the sound's extra chunks, verbatim
 //
-// The Add functions append to a file that is being assembled in memory. False when a chunk cannot
-// be added or filled, which ends the writing.
+// The Add functions append to a file that is being assembled in memory. They return false when a
+// chunk cannot be added or filled, which ends the writing.
 #pragma once
 
 #include <optional>
@@ -21,34 +21,68 @@
 
 namespace wavchunks {
 
-// The info object of that kind, null when the file has no sound or the sound no such object. Info
-// must be the interface that belongs to eType.
+// What goes with each interface of info objects: the kind to ask for, and the text of the assertion
+// that stops the program when the object is missing.
 template <typename Info>
-Info* InfoOf(C_WavFileBase& file, tagWavDataInfo eType) {
+struct S_InfoTraits;
+template <>
+struct S_InfoTraits<I_WavDataCueInfo> {
+  static constexpr tagWavDataInfo kKind = WAV_DATA_INFO_CUE;
+  static constexpr const char* kMissing = "bRet && (pICueInfo != NULL)";
+};
+template <>
+struct S_InfoTraits<I_WavDataSamplerInfo> {
+  static constexpr tagWavDataInfo kKind = WAV_DATA_INFO_SAMPLER;
+  static constexpr const char* kMissing = "bRet && (pISamplerInfo != NULL)";
+};
+template <>
+struct S_InfoTraits<I_WavDataListInfo> {
+  static constexpr tagWavDataInfo kKind = WAV_DATA_INFO_LIST;
+  static constexpr const char* kMissing = "bRet && (pIListInfo != NULL)";
+};
+template <>
+struct S_InfoTraits<I_WavDataExtraChunkInfo> {
+  static constexpr tagWavDataInfo kKind = WAV_DATA_INFO_EXTRA_CHUNK;
+  static constexpr const char* kMissing = "bRet && (pIExtraChunkInfo != NULL)";
+};
+
+// The file's info object; null when the file has no sound, or the sound has no such object.
+template <typename Info>
+Info* InfoOf(C_WavFileBase& file) {
   void* pInfo = nullptr;
-  return file.GetDataInfo(eType, &pInfo) ? static_cast<Info*>(pInfo) : nullptr;
+  return file.GetDataInfo(S_InfoTraits<Info>::kKind, &pInfo) ? static_cast<Info*>(pInfo) : nullptr;
 }
 
+// The same, for callers to whom a missing object is an error in the program: the program stops.
 template <typename Info>
-bool LoadInfo(C_WavFileBase& file, tagWavDataInfo eType, C_RiffChunk& chunk) {
-  Info* pInfo = InfoOf<Info>(file, eType);
+Info& RequiredInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
+  Info* pInfo = InfoOf<Info>(file);
+  VCM_ASSERT(pInfo != nullptr, site.pszFunction, site.pszSource, __LINE__,
+             S_InfoTraits<Info>::kMissing);
+  return *pInfo;
+}
+
+// Loads the chunk into the file's info object. False when the object is missing or cannot load it.
+template <typename Info>
+bool LoadInfo(C_WavFileBase& file, C_RiffChunk& chunk) {
+  Info* pInfo = InfoOf<Info>(file);
   return pInfo != nullptr && pInfo->LoadInfo(&chunk);
 }
 
-// The sound in the sample widths of its codec parameters when these have any, with 12-bit samples
-// as 16-bit ones otherwise. Holds null when the sound itself is in that form; empty when it cannot
-// be converted.
+// A copy of the sound in the sample widths that its codec parameters set. When they set none,
+// 12-bit samples become 16-bit ones. Holds null when the sound already has these widths, and is
+// empty when the sound cannot be converted.
 std::optional<C_WavDataPtr> ConvertForWriting(I_WavData& wavData);
 
-// pData may be null when dwLength is 0.
+// Adds a chunk with a copy of the data. pData may be null when dwLength is 0.
 bool AddChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned int dwLength);
-// "fmt " and "data".
+// Adds "fmt " and "data".
 bool AddSound(C_RiffFile& riff, I_WavData& wavData);
-// The next four add nothing, and succeed, when there is nothing to save.
+// The next four succeed without adding anything when there is nothing to save.
 bool AddCues(C_RiffFile& riff, C_WavFileBase& file);
 bool AddSampler(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSite& site);
 bool AddLabels(C_RiffFile& riff, C_WavFileBase& file);
-// All but empty ones and those whose name is among omitted.
+// Adds all extra chunks except empty ones and those whose name is in omitted.
 bool AddExtraChunks(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSite& site,
                     std::span<const char* const> omitted = {});
 

@@ -4,6 +4,7 @@
 #include "RiffFile.h"
 #include "VcmAssert.h"
 #include "compressed/CompressedWav.h"
+#include "compressed/WavTags.h"
 #include "file/WavChunks.h"
 #include "file/WavLabels.h"
 #include "interface/I_WavDataInfo.h"
@@ -13,8 +14,8 @@ namespace {
 constexpr const char* kSource = "WaveFileLib/WavFile";
 constexpr vcm::S_AssertSite kWriteSite{"WriteFile", kSource};
 
-// Keeps the chunks that nobody interprets. Those of the last file go when the first of this one
-// comes.
+// Keeps the chunks that nothing else reads. When the first one of this file comes, those of an
+// earlier file are removed.
 class C_ExtraChunkKeeper {
  public:
   explicit C_ExtraChunkKeeper(I_WavDataExtraChunkInfo* pInfo) : m_pInfo(pInfo) {}
@@ -23,7 +24,7 @@ class C_ExtraChunkKeeper {
     if (m_pInfo == nullptr) return;
     if (m_bFirst) m_pInfo->RemoveAll();
     m_bFirst = false;
-    // What cannot be read is left out: a file that was cut in one of these still has its sound.
+    // A chunk that cannot be read is left out: a file that was cut in it still has its sound.
     static_cast<void>(m_pInfo->AddRiffChunk(chunk.GetChunkID(), &chunk));
   }
 
@@ -89,28 +90,16 @@ bool C_WavFile::OpenRiff(C_RiffFile& riff, const char* pszFileName) {
 }
 
 std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeLinearForm() {
-  switch (m_codecInfo.GetFormatTag()) {
-    case WAVE_TAG_PCM:
-      SetCodingType(kCodingLinear);
-      return S_LinearForm{m_dwDataLength, m_wStoredBits};
-    case WAVE_TAG_MS_ADPCM:
-      SetCodingType(kCodingMSAdpcm);
-      return DescribeDecodedForm();
-    case WAVE_TAG_DVI_ADPCM:
-      SetCodingType(kCodingDviAdpcm);
-      return DescribeDecodedForm();
-    case WAVE_TAG_ALAW:
-    case WAVE_TAG_MULAW:
-      // Kept: these two have no number of their own and leave the coding type as it was, 0 in a new
-      // object; who reads it asks for the blocks of ADPCM. Pinned by G711LeavesTheCodingTypeAlone.
-      return DescribeDecodedForm();
-    default:
-      return std::nullopt;
-  }
+  const S_WavTag* const pTag = FindWavTag(m_codecInfo.GetFormatTag());
+  if (pTag == nullptr) return std::nullopt;
+  if (pTag->eCoding) SetCodingType(*pTag->eCoding);
+  if (pTag->eTag == WAVE_TAG_PCM) return S_LinearForm{m_dwDataLength, m_wStoredBits};
+  return DescribeDecodedForm();
 }
 
-// Kept: DVI ADPCM of other than 3 or 4 bits opens, at the length of its data, though it does not
-// load; its format and its chunks can be looked at. Pinned by DviOfOtherWidthsOpensAndDoesNotLoad.
+// Kept: DVI ADPCM of a width other than 3 or 4 bits opens, with the length of its data, but does
+// not load. Its format and its chunks can still be looked at. Pinned by
+// DviOfOtherWidthsOpensAndDoesNotLoad.
 std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeDecodedForm() const {
   constexpr unsigned short kDecodedBits = 16;
   const auto decoder = compressedwav::MakeDecoder(m_codecInfo);
@@ -120,22 +109,21 @@ std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeDecodedForm() const {
   return S_LinearForm{*dwLength, kDecodedBits};
 }
 
-// Kept: a "LIST" of another type than "adtl" is neither understood nor kept, while any other chunk
-// is kept and written back; titles in INFO lists are lost by loading and saving, as they always
-// were. Pinned by InfoListsAreLost and OtherChunksAreKeptVerbatim.
+// Kept: a "LIST" chunk of a type other than "adtl" is neither understood nor kept, while chunks of
+// other names are kept and written back. Titles in INFO lists are lost by loading and saving, as
+// they always were. Pinned by InfoListsAreLost and OtherChunksAreKeptVerbatim.
 bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
-  C_ExtraChunkKeeper extra(
-      wavchunks::InfoOf<I_WavDataExtraChunkInfo>(*this, WAV_DATA_INFO_EXTRA_CHUNK));
+  C_ExtraChunkKeeper extra(wavchunks::InfoOf<I_WavDataExtraChunkInfo>(*this));
   for (int i = 0; i < riff.GetChunkCount(); ++i) {
     C_RiffChunk& chunk = *riff.GetChunkAt(i);
     if (chunk.HasChunkID("fmt ") || chunk.HasChunkID("data")) continue;
     bool bLoaded = true;
     if (chunk.HasChunkID("cue ")) {
-      bLoaded = wavchunks::LoadInfo<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE, chunk);
+      bLoaded = wavchunks::LoadInfo<I_WavDataCueInfo>(*this, chunk);
     } else if (chunk.HasChunkID("smpl")) {
-      bLoaded = wavchunks::LoadInfo<I_WavDataSamplerInfo>(*this, WAV_DATA_INFO_SAMPLER, chunk);
+      bLoaded = wavchunks::LoadInfo<I_WavDataSamplerInfo>(*this, chunk);
     } else if (chunk.HasChunkID("LIST")) {
-      bLoaded = wavchunks::LoadInfo<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST, chunk);
+      bLoaded = wavchunks::LoadInfo<I_WavDataListInfo>(*this, chunk);
     } else {
       extra.Keep(chunk);
     }
@@ -147,30 +135,28 @@ bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
 bool C_WavFile::LoadSamples(std::FILE* pFile) {
   const unsigned short wFormatTag = m_codecInfo.GetFormatTag();
   if (wFormatTag == WAVE_TAG_PCM) return LoadStoredPcm(pFile);
-  // The file may have changed since its format was checked: the record that counts is read again.
+  // The file may have changed since its format was checked, so its format record is read again.
   const auto codecInfo = compressedwav::ReadFormat(pFile, m_dwFormatPos, wFormatTag);
   if (!codecInfo) return false;
   const auto encoded = compressedwav::ReadPayload(pFile, m_dwDataStartPos, m_dwDataLength);
   return encoded && compressedwav::Decode(*codecInfo, *encoded, *GetWavData());
 }
 
-// Kept: silence segments and regions are replaced, events are added to those that are there, so
-// that a sound can collect the events of several files. Pinned by
+// Kept: silence segments and regions are replaced, but events are added to those that the sound
+// has, so that a sound can collect the events of several files. Pinned by
 // AnnotationsOfTheSoundAreReplacedButEventsAreAdded.
 void C_WavFile::LoadAnnotations() {
-  auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST);
-  auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE);
+  auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this);
+  auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this);
   if (pIListInfo == nullptr || pICueInfo == nullptr) return;
   wavlabels::LoadAnnotations(*GetWavData(), *pIListInfo, *pICueInfo);
   GetWavData()->SetEncType(GetFileFormat());
 }
 
-// Kept: cue points and labels of other makers are lost here, because identifiers and texts always
-// say what the annotations say and nothing else. Pinned by Write_DropsCuePointsAndLabelsOfOthers.
+// Kept: cue points and labels of other makers are lost here, because those in a file always say
+// what the annotations say and nothing else. Pinned by Write_DropsCuePointsAndLabelsOfOthers.
 void C_WavFile::RegenerateAnnotations() {
-  auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this, WAV_DATA_INFO_CUE);
-  VCM_ASSERT(pICueInfo != nullptr, "WriteFile", kSource, __LINE__, "bRet && (pICueInfo != NULL)");
-  auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this, WAV_DATA_INFO_LIST);
-  VCM_ASSERT(pIListInfo != nullptr, "WriteFile", kSource, __LINE__, "bRet && (pIListInfo != NULL)");
-  wavlabels::SaveAnnotations(*GetWavData(), *pIListInfo, *pICueInfo);
+  auto& cueInfo = wavchunks::RequiredInfo<I_WavDataCueInfo>(*this, kWriteSite);
+  auto& listInfo = wavchunks::RequiredInfo<I_WavDataListInfo>(*this, kWriteSite);
+  wavlabels::SaveAnnotations(*GetWavData(), listInfo, cueInfo);
 }

@@ -20,9 +20,9 @@ class C_RiffFile;
 class C_WavFileBase : public I_WavFile {
  public:
   // Values of GetCodingType.
-  static constexpr unsigned int kCodingLinear = 0;
-  static constexpr unsigned int kCodingMSAdpcm = 1;
-  static constexpr unsigned int kCodingDviAdpcm = 2;
+  static constexpr unsigned int kCodingLinear = WAV_CODING_LINEAR;
+  static constexpr unsigned int kCodingMSAdpcm = WAV_CODING_MS_ADPCM;
+  static constexpr unsigned int kCodingDviAdpcm = WAV_CODING_DVI_ADPCM;
 
   // Names are kept in a field of this many characters, terminator included; longer ones are
   // refused, never cut.

@@ -28,12 +28,12 @@ using C_SilenceList = C_CLArray<C_SilenceSegment*, I_SilenceSegment*, true>;
 using C_RegionList = C_CLArray<C_UncompressRegion*, I_UncompressRegion*, true>;
 
 // Finds the characters of a pattern in their order, not necessarily side by side.
-template <std::size_t N>
+template <std::size_t nSize>
 class C_PatternCursor {
  public:
-  explicit C_PatternCursor(const char (&szPattern)[N + 1]) : m_pattern(szPattern, N) {}
+  explicit C_PatternCursor(const char (&szPattern)[nSize + 1]) : m_pattern(szPattern, nSize) {}
 
-  bool IsComplete() const { return m_nMatched == N; }
+  bool IsComplete() const { return m_nMatched == nSize; }
   bool Advance(char c, std::size_t nPosition) {
     if (c != m_pattern[m_nMatched]) return false;
     m_positions[m_nMatched++] = nPosition;
@@ -43,7 +43,7 @@ class C_PatternCursor {
 
  private:
   std::string_view m_pattern;
-  std::size_t m_positions[N] = {};
+  std::size_t m_positions[nSize] = {};
   std::size_t m_nMatched = 0;
 };
 

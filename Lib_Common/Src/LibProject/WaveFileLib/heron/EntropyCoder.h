@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The two sequences that a stream's numbers are written to. They share one run of bytes: symbols
-// fill it from its front, raw bits from its end, and padding of zero bytes may lie between them.
+// The two sequences that the numbers of a stream are written to. They share one run of bytes:
+// symbols fill it from the front, raw bits from the end, and padding of zero bytes may lie between
+// them.
 //
 // Symbols go through a range coder: a symbol of a table with total 2^15 takes 15 - log2(its
 // frequency) bits. Both directions hold the same 64-bit range, at first 2^64 - 1:
 //
 //   unit = range >> 15;  low += unit * sum of the frequencies below;  range = unit * frequency
-//   then, if range < 2^32: the top four bytes of low go out, highest first; low and range are
+//   then, if range < 2^32: the top four bytes of low are written, highest first; low and range are
 //   shifted up by 32 bits
 //
-// low counts as one long number with the bytes that went out: it carries into them. At the end the
-// encoder writes the fewest bytes that lie in the interval whatever follows them.
+// low and the bytes already written form one long number, so low can carry into those bytes. At the
+// end the encoder writes the fewest bytes that lie in the interval whatever follows them.
 //
-// Raw bits, which are as often 0 as 1, are packed lowest first into bytes that stand in reverse:
+// Raw bits, which are 0 as often as 1, are packed lowest first. Their bytes are in reverse order:
 // the first bits are in the last byte.
 #pragma once
 
@@ -30,24 +31,26 @@ inline constexpr int kFrequencyBits = 15;
 inline constexpr std::uint32_t kFrequencyTotal = 1u << kFrequencyBits;
 inline constexpr int kMaxRawBits = 24;
 
-// Of each symbol, the sum of the frequencies up to it and with it; the last is kFrequencyTotal.
-template <std::size_t kSymbols>
-using S_Cumulative = std::array<std::uint16_t, kSymbols>;
+// For each symbol, the sum of the frequencies up to and including it; the last one is
+// kFrequencyTotal.
+template <std::size_t nSymbols>
+using S_Cumulative = std::array<std::uint16_t, nSymbols>;
 
-template <std::size_t kSymbols>
-constexpr S_Cumulative<kSymbols> Accumulate(
-    const std::array<std::uint16_t, kSymbols>& frequencies) noexcept {
-  S_Cumulative<kSymbols> cumulative{};
+template <std::size_t nSymbols>
+constexpr S_Cumulative<nSymbols> Accumulate(
+    const std::array<std::uint16_t, nSymbols>& frequencies) noexcept {
+  S_Cumulative<nSymbols> cumulative{};
   std::uint32_t nSum = 0;
-  for (std::size_t n = 0; n < kSymbols; ++n) {
+  for (std::size_t n = 0; n < nSymbols; ++n) {
     cumulative[n] = static_cast<std::uint16_t>(nSum += frequencies[n]);
   }
   return cumulative;
 }
 
-// Every symbol can be coded, and they fill the interval: what both directions rely on.
-template <std::size_t kSymbols>
-constexpr bool IsWhole(const S_Cumulative<kSymbols>& cumulative) noexcept {
+// True when every symbol can be coded and the symbols fill the interval. Both directions rely on
+// this.
+template <std::size_t nSymbols>
+constexpr bool IsWhole(const S_Cumulative<nSymbols>& cumulative) noexcept {
   std::uint32_t nBelow = 0;
   for (const std::uint16_t nUpTo : cumulative) {
     if (nUpTo <= nBelow) return false;
@@ -62,16 +65,16 @@ class C_EntropyEncoder {
   explicit C_EntropyEncoder(std::vector<std::uint8_t>& bytes) noexcept
       : m_bytes(bytes), m_nFirst(bytes.size()) {}
 
-  // nSymbol: one of the table with a frequency of at least 1.
-  template <std::size_t kSymbols>
-  void WriteSymbol(const S_Cumulative<kSymbols>& cumulative, std::size_t nSymbol) {
+  // nSymbol must be a symbol of the table with a frequency of at least 1.
+  template <std::size_t nSymbols>
+  void WriteSymbol(const S_Cumulative<nSymbols>& cumulative, std::size_t nSymbol) {
     const std::uint32_t nBelow = nSymbol == 0 ? 0u : cumulative[nSymbol - 1];
     WriteInterval(nBelow, cumulative[nSymbol] - nBelow);
   }
   // nValue < 2^nBits, nBits 0..kMaxRawBits.
   void WriteRaw(std::uint32_t nValue, int nBits);
-  // Ends both sequences; pads until bytes has nLeastSize bytes in all. Nothing may be written
-  // after.
+  // Ends both sequences and pads until bytes has at least nLeastSize bytes in all. Nothing may be
+  // written after this.
   void Finish(std::size_t nLeastSize);
 
  private:
@@ -84,7 +87,7 @@ class C_EntropyEncoder {
   std::uint64_t m_qwLow = 0;
   std::uint64_t m_qwRange = ~std::uint64_t{0};
   std::vector<std::uint8_t> m_raw;
-  std::uint64_t m_qwRawBits = 0;  // those that fill no byte yet
+  std::uint64_t m_qwRawBits = 0;  // bits that do not fill a byte yet
   int m_nRawBits = 0;
 };
 
@@ -95,13 +98,14 @@ class C_EntropyDecoder {
 
   explicit C_EntropyDecoder(std::span<const std::uint8_t> bytes) noexcept;
 
-  // The symbol of the table, 0..kSymbols-1.
-  template <std::size_t kSymbols>
-  std::size_t ReadSymbol(const S_Cumulative<kSymbols>& cumulative) noexcept {
+  // Reads a symbol of the table, 0..nSymbols-1.
+  template <std::size_t nSymbols>
+  std::size_t ReadSymbol(const S_Cumulative<nSymbols>& cumulative) noexcept {
     const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
-    // The range is a little wider than its symbols; damaged bytes may point behind the last one.
+    // The range is a little wider than its symbols, so damaged bytes may point past the last
+    // symbol.
     const std::uint64_t qwAt = std::min<std::uint64_t>(m_qwCode / qwUnit, kFrequencyTotal - 1);
-    // Small symbols are the likely ones.
+    // Search from the first symbol on, because small symbols are the most likely.
     std::size_t nSymbol = 0;
     std::uint64_t qwBelow = 0;
     std::uint64_t qwUpTo = cumulative[0];
@@ -130,8 +134,8 @@ class C_EntropyDecoder {
     m_nRawBits -= nBits;
     return nValue;
   }
-  // Bytes that were not read: 0 to 8 where all was, and no padding is there. Negative when more was
-  // read than there is; what has been read from then on means nothing.
+  // Bytes that were not read: 0 to 8 when everything was read and there is no padding. Negative
+  // when more bytes were read than there are; values read from then on mean nothing.
   [[nodiscard]] std::ptrdiff_t Unread() const noexcept {
     const std::size_t nRead =
         m_nFront - kAhead + m_nBack - static_cast<std::size_t>(m_nRawBits / 8);
@@ -139,20 +143,20 @@ class C_EntropyDecoder {
   }
 
  private:
-  // Four bytes from nAt on, highest first; 0 for each that is not there. nAt may have wrapped below
-  // 0.
+  // Four bytes from nAt on, highest first. Bytes outside the data count as 0, also when nAt has
+  // wrapped below 0.
   [[nodiscard]] std::uint32_t Take4(std::size_t nAt) const noexcept {
     if (nAt >= m_nBytes || m_nBytes - nAt < 4) return TakeAtAnEnd(m_pBytes, m_nBytes, nAt);
     return std::uint32_t{m_pBytes[nAt]} << 24 | std::uint32_t{m_pBytes[nAt + 1]} << 16 |
            std::uint32_t{m_pBytes[nAt + 2]} << 8 | m_pBytes[nAt + 3];
   }
-  // Takes no object, whose state could not stay in registers if its address went elsewhere.
+  // Static, because the object's state could not stay in registers if its address were passed on.
   static std::uint32_t TakeAtAnEnd(const std::uint8_t* pBytes, std::size_t nBytes,
                                    std::size_t nAt) noexcept;
 
   const std::uint8_t* m_pBytes;
   std::size_t m_nBytes;
-  // Bytes read from the front, and from the end; also such as are not there.
+  // Bytes read from the front and from the end, including reads outside the data.
   std::size_t m_nFront = 0;
   std::size_t m_nBack = 0;
   std::uint64_t m_qwCode = 0;

@@ -21,7 +21,7 @@ constexpr S_Complex Difference(const S_Complex& a, const S_Complex& b) noexcept 
 constexpr S_Complex Scaled(const S_Complex& a, std::int64_t nFactor) noexcept {
   return {a.nRe * nFactor, a.nIm * nFactor};
 }
-// From Q24, rounded down.
+// Converts from Q24 to integers, rounding down.
 constexpr S_Complex Shift(const S_Complex& a) noexcept {
   return {a.nRe >> kRotationQ, a.nIm >> kRotationQ};
 }
@@ -43,9 +43,9 @@ std::vector<int> Factors(int nPoints) {
 
 // One pass: what it reads and writes, and where its butterflies find their values.
 //
-// The pass has taken nDone points together already and takes nRadix groups of them together, of
-// which nLeft remain: butterfly (nLeftIndex, nDoneIndex) reads nRadix values that are
-// nLeft * nDone apart and writes them nDone apart.
+// Earlier passes have combined the points into groups of nDone. This pass combines nRadix such
+// groups into one, which leaves nLeft groups. Butterfly (nLeftIndex, nDoneIndex) reads nRadix
+// values that are nLeft * nDone apart and writes its results nDone apart.
 struct S_Pass {
   int nRadix;
   int nLeft;
@@ -57,10 +57,10 @@ struct S_Pass {
   [[nodiscard]] int InStride() const noexcept { return nLeft * nDone; }
 };
 
-// Calls butterfly(rotate, pIn, pOut) for each butterfly; rotate(k, value) turns output k. Those
-// with index 0, in the last pass all, need no turning.
-template <typename T_Butterfly>
-inline void ForEachButterfly(const S_Pass& pass, int nRadix, T_Butterfly butterfly) noexcept {
+// Calls butterfly(rotate, pIn, pOut) for each butterfly; rotate(k, value) rotates output k.
+// Butterflies with nLeftIndex 0 need no rotation. In the last pass, this means all of them.
+template <typename Butterfly>
+inline void ForEachButterfly(const S_Pass& pass, int nRadix, Butterfly butterfly) noexcept {
   const S_Rotation* pRotation = pass.rotations.data();
   const S_Complex* pIn = pass.pIn;
   S_Complex* pOut = pass.pOut;
@@ -68,7 +68,8 @@ inline void ForEachButterfly(const S_Pass& pass, int nRadix, T_Butterfly butterf
     butterfly([](int, const S_Complex& value) { return value; }, pIn++, pOut++);
   }
   if (pass.nDone == 1) {
-    // The first pass: each index has but one butterfly, and a loop for it would cost as much.
+    // In the first pass each index has only one butterfly, and a loop for it would cost as much
+    // again.
     for (std::ptrdiff_t j = 1; j < pass.nLeft; ++j) {
       const auto turned = [pRotation, j](int k, const S_Complex& value) {
         return Rotate(value, pRotation[k * j]);
@@ -110,9 +111,9 @@ void RunRadix4(const S_Pass& pass) noexcept {
   });
 }
 
-// The transform of kRadix values, kRadix odd; 0: of as many as the pass says. The sums and the
-// differences of values n and radix - n, times cosines and sines, give outputs k and radix - k
-// together.
+// The transform of kRadix values, where kRadix is odd; kRadix 0 takes the radix from the pass. The
+// sums and the differences of values n and radix - n, times cosines and sines, give outputs k and
+// radix - k together.
 template <int kRadix>
 void RunOdd(const S_Pass& pass) noexcept {
   constexpr std::size_t kMostPairs = (kRadix > 0 ? kRadix : kMaxPoints) / 2;
@@ -153,7 +154,7 @@ void RunOdd(const S_Pass& pass) noexcept {
   });
 }
 
-// As RunOdd, with fewer products: cos(72) and cos(144) degrees are -1/4 +- sqrt(5)/4.
+// Like RunOdd, but with fewer products, because cos(72) and cos(144) degrees are -1/4 +- sqrt(5)/4.
 void RunRadix5(const S_Pass& pass) noexcept {
   constexpr std::int64_t kRoot5Quarter = 9378749;  // Q24
   const std::ptrdiff_t nIn = pass.InStride();

@@ -6,9 +6,9 @@
 namespace heron {
 namespace {
 
-template <typename T_Row, typename T_Convert>
-constexpr auto ForEachTable(T_Convert convert) {
-  S_MagnitudeRows<T_Row> rows{};
+template <typename Row, typename Convert>
+constexpr auto ForEachTable(Convert convert) {
+  S_MagnitudeRows<Row> rows{};
   for (std::size_t n = 0; n < kMagnitudeTables; ++n) {
     for (std::size_t q = 0; q < kQuantisers; ++q) rows[n][q] = convert(kMagnitudeFrequencies[q][n]);
   }

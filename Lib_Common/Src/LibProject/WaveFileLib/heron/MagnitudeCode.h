@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The code of one coefficient. Its expectation (Neighbourhood.h) and its quantiser (Quantiser.h)
-// choose one of the tables; the level k is then
+// choose one of the tables. The level k is then coded as
 //
 //   symbol  min(k >> shift, 15) by the table
-//   escape  for symbol 15: e = (k >> shift) - 14 as raw bits: one 0 for each bit of e behind its
+//   escape  for symbol 15: e = (k >> shift) - 14 as raw bits: one 0 for each bit of e after its
 //           first, a 1, then those bits
 //   raw     the low `shift` bits of k
 //   sign    unless k is 0, one more raw bit, 1 for negative
 //
-// Expectations double every four tables. The last four tables serve the upper octaves together:
-// each octave codes one bit more of k as it is.
+// Expectations double every four tables. The last four tables serve kHighestOctave and all octaves
+// above it: kHighestOctave codes the lowest bit of k as it is, and each octave above it codes one
+// bit more.
 #pragma once
 
 #include <algorithm>
@@ -33,8 +34,8 @@ inline constexpr int kLowestOctave = 3;  // 8 = 2^3, the least expectation
 inline constexpr int kHighestOctave =
     kLowestOctave + kMagnitudeTables / 4 - 1;  // the first with a shift
 
-// The table of each expectation below 2^(kHighestOctave + 1): by its octave and the two bits behind
-// its first.
+// The table of each expectation below 2^(kHighestOctave + 1), found by its octave and by the two
+// bits after its first bit.
 inline constexpr auto kTableOf = [] {
   std::array<std::uint8_t, 2 << kHighestOctave> tables{};
   for (std::size_t n = std::size_t{1} << kLowestOctave; n < tables.size(); ++n) {
@@ -47,7 +48,7 @@ inline constexpr auto kTableOf = [] {
 
 // nExpectation 8..2^32-1.
 constexpr S_MagnitudeClass ClassOf(std::uint32_t nExpectation) noexcept {
-  // The bit set changes no octave and spares the machine a case for 0.
+  // Setting the lowest bit does not change the octave and spares the machine a special case for 0.
   const int nOctave = 31 ^ std::countl_zero(nExpectation | 1);
   const int nAbove = std::max(nOctave - kHighestOctave, 0);
   return {kTableOf[nExpectation >> nAbove], std::max(nOctave - kHighestOctave + 1, 0)};
@@ -59,12 +60,12 @@ inline constexpr int kLevelBits = 24;
 inline constexpr std::uint32_t kEscapeSymbol = kMagnitudeSymbols - 1;
 
 using S_MagnitudeCumulative = S_Cumulative<kMagnitudeSymbols>;
-// Bits that each symbol takes, in 1/256.
+// The bits that each symbol takes, in units of 1/256 bit.
 using S_MagnitudeCosts = std::array<std::uint16_t, kMagnitudeSymbols>;
 
 // By table and quantiser.
-template <typename T_Row>
-using S_MagnitudeRows = std::array<std::array<T_Row, kQuantisers>, kMagnitudeTables>;
+template <typename Row>
+using S_MagnitudeRows = std::array<std::array<Row, kQuantisers>, kMagnitudeTables>;
 extern const S_MagnitudeRows<S_MagnitudeCumulative> kMagnitudeCumulative;
 extern const S_MagnitudeRows<S_MagnitudeCosts> kMagnitudeCosts;
 
@@ -72,18 +73,18 @@ void WriteLevel(C_EntropyEncoder& encoder, std::size_t nQuantiser,
                 const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel, bool bNegative);
 
 // nExcess (at least 1) as raw bits: the escape of a level that is nExcess - 1 above what the
-// symbols reach. Reading gives 2^32 for what is longer than any level's.
+// symbols reach. Reading returns 2^32 for an escape longer than that of any level.
 void WriteEscape(C_EntropyEncoder& encoder, std::uint32_t nExcess);
 std::uint64_t ReadEscape(C_EntropyDecoder& decoder) noexcept;
 
-// The level without its sign, below 2^56. Above 2^kLevelBits it is none that an encoder writes; an
-// escape that is too long gives 2^32 or more.
+// Reads a level without its sign; the result is below 2^56. No encoder writes a level above
+// 2^kLevelBits; an escape that is too long gives 2^32 or more.
 inline std::uint64_t ReadLevel(C_EntropyDecoder& decoder, std::size_t nQuantiser,
                                const S_MagnitudeClass& magnitudeClass) noexcept {
   std::uint64_t qwLevel = decoder.ReadSymbol<kMagnitudeSymbols>(
       kMagnitudeCumulative[magnitudeClass.nTable][nQuantiser]);
   if (qwLevel == kEscapeSymbol) {
-    // Through a copy: an object whose address goes elsewhere cannot stay in registers.
+    // Uses a copy, because an object whose address is passed on cannot stay in registers.
     C_EntropyDecoder copy = decoder;
     qwLevel += ReadEscape(copy) - 1;
     decoder = copy;
@@ -92,7 +93,7 @@ inline std::uint64_t ReadLevel(C_EntropyDecoder& decoder, std::size_t nQuantiser
   return qwLevel << magnitudeClass.nShift | decoder.ReadRaw(magnitudeClass.nShift);
 }
 
-// Bits that a level takes, its sign included, in 1/256.
+// The bits that a level takes, including its sign, in units of 1/256 bit.
 inline std::int32_t LevelCost(const S_MagnitudeCosts& costs, int nShift,
                               std::int32_t nLevel) noexcept {
   constexpr int kBitCost = 256;

@@ -8,11 +8,11 @@
 
 namespace heron {
 
-C_FrameBefore::C_FrameBefore(int nLength)
+C_PreviousFrame::C_PreviousFrame(int nLength)
     : m_smoothed(static_cast<std::size_t>(nLength)),
       m_expected(static_cast<std::size_t>(nLength), kLeastExpectation) {}
 
-void C_FrameBefore::Begin(int nIndex) noexcept {
+void C_PreviousFrame::Begin(int nIndex) noexcept {
   const C_Rescale rescale(m_nIndex, nIndex);
   for (std::size_t k = 0; k < m_smoothed.size(); ++k) {
     m_expected[k] = kLeastExpectation + rescale(m_smoothed[k]);
@@ -20,8 +20,8 @@ void C_FrameBefore::Begin(int nIndex) noexcept {
   m_nIndex = nIndex;
 }
 
-// Beyond either end there is nothing.
-void C_FrameBefore::End(std::span<const std::int32_t> magnitudes) noexcept {
+// Positions beyond either end of the frame count as 0.
+void C_PreviousFrame::End(std::span<const std::int32_t> magnitudes) noexcept {
   const std::size_t nLength = magnitudes.size();
   const auto at = [&](std::size_t k) { return k < nLength ? magnitudes[k] : 0; };
   const auto smooth = [&](std::size_t k, auto value) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How large a coefficient will probably be, told from its neighbours: the three below it in the
-// frame and the five around it in the frame before. Their weighted sum chooses the table that the
-// coefficient is coded with.
+// Estimates how large a coefficient is from its neighbours: the three below it in the frame and the
+// five around it in the previous frame. Their weighted sum chooses the table that the coefficient
+// is coded with.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace heron {
 
-// The three last magnitudes of a frame in half steps, the nearest first.
+// The last three magnitudes of a frame in half steps, the nearest first.
 struct S_Below {
   std::int32_t n1 = 0;
   std::int32_t n2 = 0;
@@ -22,18 +22,18 @@ struct S_Below {
   }
 };
 
-// An expectation counts 64ths of a half step: the sum of the neighbours' magnitudes, in half steps,
-// times these weights, and kLeastExpectation. The weights are the ones under which a Laplace
-// distribution with that mean spends the fewest bits on recorded speech at 8 and 16 kHz, 2 to 6
-// bits together. Expectations choose tables alone, so the tables, which were counted under these
-// weights, hold what they leave of a bias.
+// An expectation counts 64ths of a half step. It is kLeastExpectation plus the sum of the
+// neighbours' magnitudes, in half steps, times these weights. With these weights, a Laplace
+// distribution with that mean spends the fewest bits on recorded speech at 8 and 16 kHz, over all
+// depths of 2 to 6 bits together. Expectations serve only to choose tables. The tables were counted
+// under these weights, so they make up for any bias that the weights leave.
 inline constexpr std::int32_t kWeightBelow1 = 30;
 inline constexpr std::int32_t kWeightBelow2 = 12;
 inline constexpr std::int32_t kWeightBelow3 = 5;
-inline constexpr std::int32_t kWeightBefore0 = 8;  // the same coefficient one frame before
-inline constexpr std::int32_t kWeightBefore1 = 5;  // its neighbours there
+inline constexpr std::int32_t kWeightBefore0 = 8;  // the same coefficient in the previous frame
+inline constexpr std::int32_t kWeightBefore1 = 5;  // its direct neighbours there
 inline constexpr std::int32_t kWeightBefore2 = 2;
-// What is expected where all neighbours are zero: an eighth of a half step.
+// The expectation where all neighbours are zero: an eighth of a half step.
 inline constexpr std::uint32_t kLeastExpectation = 8;
 
 // The weighted sum of the neighbours below: less than 2^30 for magnitudes up to 2^24.
@@ -42,16 +42,16 @@ constexpr std::uint32_t FromBelow(const S_Below& below) noexcept {
                                     kWeightBelow3 * below.n3);
 }
 
-// The frame before, as the one being coded sees it.
-class C_FrameBefore {
+// The previous frame as the frame being coded sees it.
+class C_PreviousFrame {
  public:
   // nLength: coefficients per frame. The frame before the first one is silent.
-  explicit C_FrameBefore(int nLength);
+  explicit C_PreviousFrame(int nLength);
 
   // Starts a frame with step index nIndex.
   void Begin(int nIndex) noexcept;
-  // What the frame before adds to the expectation of coefficient k, with
-  // kLeastExpectation: 8..2^31, which FromBelow can be added to in 32 bits.
+  // The part of the expectation of coefficient k that comes from the previous frame, including
+  // kLeastExpectation. It is 8..2^31, so that FromBelow can be added to it in 32 bits.
   [[nodiscard]] std::uint32_t Expectation(std::size_t k) const noexcept { return m_expected[k]; }
   // Ends the frame: its magnitudes in half steps, each at most 2^24.
   void End(std::span<const std::int32_t> magnitudes) noexcept;

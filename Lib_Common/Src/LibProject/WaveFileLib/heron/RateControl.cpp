@@ -10,9 +10,26 @@
 namespace heron {
 namespace {
 
-// Passes by secants. Short sounds get more: they are cheap to code, and their sizes jump.
+// Passes that use secants. Short sounds get more of them: they are cheap to code, and their sizes
+// jump.
 constexpr std::size_t kSecantPasses = 5;
 constexpr std::size_t kSamplesForMorePasses = 16000;
+
+// The first offset: a plane through the offsets that the search found for recorded telephone speech
+// at 8 kHz. It misses them by about half an octave of step size. Only the number of passes depends
+// on it.
+constexpr int kFirstOffsetBase = 1600;
+constexpr int kFirstOffsetPerBit = -1147;  // for each bit per sample
+// For each unit of the mean loudness, in quarters.
+constexpr int kFirstOffsetPerLoudnessInQuarters = 3;
+
+// Fractions of the size that is allowed, as their reciprocals. They are choices: a smaller share of
+// unused bytes would cost more passes than it is worth.
+constexpr std::int64_t kUnusedAfterSecants = 512;  // may stay unused while secants are left
+constexpr std::int64_t kUnusedAfterHalving = 200;  // may stay unused after that
+constexpr std::int64_t kAimedBelow = 1536;         // a third of the first: secants overshoot
+
+constexpr std::int64_t kBitsPerByte = 8;
 
 // The mean loudness of the frames; there is at least one sample.
 int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
@@ -27,10 +44,11 @@ int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
   return static_cast<int>(nTotal / static_cast<std::int64_t>(nFrames));
 }
 
-// Where speech usually ends up; anything will do, a good guess saves passes.
+// The offset at which speech usually ends up. Any value will do, but a good guess saves passes.
 int FirstOffset(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth) {
   const int nLoudness = MeanLoudness(samples, static_cast<std::size_t>(FrameLength(nSampleRate)));
-  return 1600 + nLoudness * 3 / 4 - 1147 * nBitDepth;
+  return kFirstOffsetBase + nLoudness * kFirstOffsetPerLoudnessInQuarters / 4 +
+         kFirstOffsetPerBit * nBitDepth;
 }
 
 struct S_Pass {
@@ -38,8 +56,8 @@ struct S_Pass {
   std::int64_t nSize;
 };
 
-// Approaches the size with secants, inside what is known to be too fine and coarse enough, and
-// where they do not get near, by halving that.
+// Approaches the size with secants, between an offset known to be too fine and one known to be
+// coarse enough. If the secants do not get close, it halves that interval instead.
 class C_Search {
  public:
   C_Search(std::size_t nMost, std::size_t nSamples, int nFirstOffset)
@@ -51,7 +69,7 @@ class C_Search {
   // The offset to try next.
   [[nodiscard]] int Offset() const { return m_nOffset; }
 
-  // Takes what it gave.
+  // Takes the coded audio that this offset gave.
   void Learn(std::vector<std::uint8_t> coded) {
     const S_Pass pass{m_nOffset, static_cast<std::int64_t>(coded.size())};
     const bool bFits = pass.nSize <= m_nMost;
@@ -63,10 +81,11 @@ class C_Search {
     m_last = pass;
   }
 
-  // The best is close enough, or nothing is left to try.
+  // True when the best result is close enough or nothing is left to try.
   [[nodiscard]] bool IsDone() const {
     const std::int64_t nUnused = m_nMost - static_cast<std::int64_t>(m_best.size());
-    const bool bClose = m_bFits && nUnused <= m_nMost / (m_nSecantsLeft > 0 ? 512 : 200);
+    const std::int64_t nShare = m_nSecantsLeft > 0 ? kUnusedAfterSecants : kUnusedAfterHalving;
+    const bool bClose = m_bFits && nUnused <= m_nMost / nShare;
     return bClose || m_nFine + 1 >= m_nCoarse;
   }
   std::vector<std::uint8_t> TakeBest() { return std::move(m_best); }
@@ -76,14 +95,15 @@ class C_Search {
     return static_cast<int>(std::clamp<std::int64_t>(nOffset, m_nFine + 1, m_nCoarse - 1));
   }
 
-  // From the last pass to where a line through the last two meets the size aimed at. Behind the
-  // first one, an octave of the step is taken as a bit per sample.
+  // The change of offset from this pass to where a line through the last two passes meets the
+  // target size. After the first pass, an octave of the step size is assumed to be worth one bit
+  // per sample.
   [[nodiscard]] std::int64_t Step(const S_Pass& pass) const {
-    const std::int64_t nExcess = pass.nSize - (m_nMost - m_nMost / 1536);
+    const std::int64_t nExcess = pass.nSize - (m_nMost - m_nMost / kAimedBelow);
     if (m_last.nSize != kNone && m_last.nSize != pass.nSize) {
       return nExcess * (pass.nOffset - m_last.nOffset) / (m_last.nSize - pass.nSize);
     }
-    return nExcess * 8 * 1024 / m_nSamples;
+    return nExcess * kBitsPerByte * C_Encoder::kOffsetsPerOctave / m_nSamples;
   }
 
   static constexpr std::int64_t kNone = -1;
@@ -107,7 +127,8 @@ std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, in
   const C_Encoder encoder(samples, nSampleRate);
   C_Search search(nMost > kHeadBytes ? nMost - kHeadBytes : 0, samples.size(),
                   FirstOffset(samples, nSampleRate, nBitDepth));
-  // The first pass reports all frames but the last, which is done when the last pass is.
+  // The first pass reports all frames except the last one, which is reported when the last pass is
+  // done.
   C_Encoder::S_Progress fnFirstPass = [&](unsigned int nFramesDone) {
     if (fnProgress && nFramesDone < encoder.FrameCount()) fnProgress(nFramesDone);
   };

@@ -16,15 +16,16 @@ namespace {
 // Above any sum of costs, and far enough below the limit to be added to.
 constexpr std::uint64_t kUnreachable = std::numeric_limits<std::uint64_t>::max() / 4;
 
-// Half a half step, Q8. What is smaller becomes zero, even where another level would lead to states
-// in which the zeros behind it were cheaper: silence stays silent.
+// Half a half step, Q8. Anything smaller becomes zero, even where another level would lead to
+// states in which the zeros after it were cheaper. That way silence stays silent.
 constexpr std::int64_t kLeastForALevel = 1 << (kScaledQ - 1);
 
-// What 1/256 bit is worth in squared half steps, Q16: 0.48 squared half steps a bit, an eighth of
-// a squared step. Measured: at 0.4 to 0.56 the signal-to-noise ratio is within 0.05 dB.
+// The price of 1/256 bit in squared half steps, Q16. A bit costs 0.48 squared half steps, which is
+// an eighth of a squared step. In measurements, the signal-to-noise ratio stays within 0.05 dB for
+// prices from 0.4 to 0.56.
 constexpr std::uint64_t kBitWeight = 123;
 
-// The levels of one coefficient as one quantiser and one class see them.
+// The levels of one coefficient as seen by one quantiser and one class.
 struct S_Pricing {
   std::int64_t nScaled;
   std::size_t nQuantiser;
@@ -62,7 +63,8 @@ void C_Trellis::Extend(const S_Paths& paths, std::int64_t nScaled, std::uint32_t
       next[nTo] = {qwCost, path.below.Then(HalfSteps(nQuantiser, nLevel))};
       choices[nTo] = {nLevel, static_cast<std::uint8_t>(nState)};
     };
-    // The two levels around the coefficient; zero, which is cheap, also from one further.
+    // Consider the two levels around the coefficient. Zero is cheap, so consider it also when it is
+    // one level further away.
     const std::int32_t nLower = pricing.Lower();
     consider(nLower);
     if (nScaled >= kLeastForALevel) consider(nLower + 1);
@@ -71,7 +73,7 @@ void C_Trellis::Extend(const S_Paths& paths, std::int64_t nScaled, std::uint32_t
 }
 
 void C_Trellis::Search(std::span<const std::int32_t> coefficients, int nIndex,
-                       const C_FrameBefore& before, std::span<std::int32_t> levels) noexcept {
+                       const C_PreviousFrame& before, std::span<std::int32_t> levels) noexcept {
   const C_ToHalfSteps toHalfSteps(nIndex);
   S_Paths paths;
   S_Paths next;

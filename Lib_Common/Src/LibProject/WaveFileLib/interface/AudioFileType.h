@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The kind of a sound file. Files with an SP header name their kind themselves, so a value need not
-// be one of the enumerators: any 16-bit number may stand here.
+// be one of the enumerators: it can be any 16-bit number.
 #pragma once
 
 enum tagAudioFileType : unsigned int {
@@ -16,7 +16,7 @@ enum tagAudioFileType : unsigned int {
   AUDIO_FILE_UNKNOWN = 0xFFFF,
 };
 
-// Types from first to last; none when the first is greater.
+// Types from first to last.
 struct S_AudioFileTypes {
   unsigned int dwFirst;
   unsigned int dwLast;
@@ -26,7 +26,6 @@ struct S_AudioFileTypes {
   }
 };
 
-inline constexpr S_AudioFileTypes kNoTypes{1, 0};
 inline constexpr S_AudioFileTypes kKestrelTypes{AUDIO_FILE_KESTREL, AUDIO_FILE_KESTREL};
 inline constexpr S_AudioFileTypes kHeronTypes{AUDIO_FILE_HERON_4BIT, AUDIO_FILE_HERON_3BIT};
 inline constexpr S_AudioFileTypes kHeronSpTypes{AUDIO_FILE_HERON_4BIT, AUDIO_FILE_HERON_6BIT};

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The fixed-point operators that the frame coder is defined in: 16- and 32-bit two's complement
-// values, each result limited to its width. Inner expressions are exact; Saturate is the one place
-// that limits. Shifts to the right round down.
+// The fixed-point operators that the frame coder is defined in. They work on 16- and 32-bit two's
+// complement values and limit each result to its width. Inner expressions are exact; only Saturate
+// limits. Shifts to the right round down.
 //
 //   16 bits: Add Sub Neg Mag MulQ15 Shl Norm     32 bits: LMul LMac LShl     32 to 16: Round
-//   Wrap16 is the one that is meant to wrap.
+//   Only Wrap16 is meant to wrap.
 #pragma once
 
 #include <bit>
@@ -14,12 +14,12 @@
 
 namespace kestrel {
 
-// nValue limited to the range of T_Narrow.
-template <typename T_Narrow, typename T_Wide>
-constexpr T_Narrow Saturate(T_Wide nValue) noexcept {
-  constexpr T_Wide nLowest = std::numeric_limits<T_Narrow>::min();
-  constexpr T_Wide nHighest = std::numeric_limits<T_Narrow>::max();
-  return static_cast<T_Narrow>(nValue < nLowest ? nLowest : nValue > nHighest ? nHighest : nValue);
+// nValue limited to the range of Narrow.
+template <typename Narrow, typename Wide>
+constexpr Narrow Saturate(Wide nValue) noexcept {
+  constexpr Wide nLowest = std::numeric_limits<Narrow>::min();
+  constexpr Wide nHighest = std::numeric_limits<Narrow>::max();
+  return static_cast<Narrow>(nValue < nLowest ? nLowest : nValue > nHighest ? nHighest : nValue);
 }
 
 constexpr std::int16_t Saturate16(std::int32_t nValue) noexcept {
@@ -77,7 +77,7 @@ constexpr std::int16_t Round(std::int32_t nA) noexcept {
   return static_cast<std::int16_t>(Saturate32(std::int64_t{nA} + 0x8000) >> 16);
 }
 
-// The 16 low bits of nA as a signed value. Wraps, and is meant to.
+// The 16 low bits of nA as a signed value. Wraps on purpose.
 constexpr std::int16_t Wrap16(std::int32_t nA) noexcept {
   return static_cast<std::int16_t>(static_cast<std::uint16_t>(static_cast<std::uint32_t>(nA)));
 }

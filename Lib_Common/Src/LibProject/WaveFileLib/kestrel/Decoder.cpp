@@ -13,8 +13,8 @@
 namespace kestrel {
 namespace {
 
-// False when the bits ran out on the way. The region in which they do becomes noise as a whole, and
-// so does every one behind it.
+// False when the bits ran out on the way. The region in which they ran out becomes noise as a
+// whole, and so does every region after it.
 bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Scale& scale,
                  int nRegions, S_NoiseGenerator& noise, S_Frame& coefficients) {
   bool bEnough = true;
@@ -30,12 +30,12 @@ bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Sc
   return bEnough;
 }
 
-// A frame ends in ones.
-// Kept: where the bits ran out, the check looks at one fewer than are left. Those are the first of
-// a vector's signs and not padding, so a frame that the encoder had to cut may count as damaged
-// though it is not; every decoder of these streams conceals such frames. Pinned by
+// A valid frame ends in ones.
+// Kept: where the bits ran out, the check leaves out the last of the bits that remain. Those bits
+// are the first signs of a vector and not padding, so a frame that the encoder had to cut may count
+// as damaged although it is not. Every decoder of these streams conceals such frames. Pinned by
 // SignsThatDoNotFit_AreTakenForPaddingButForTheLast.
-bool IsSoundEnd(C_BitReader& reader, bool bEnough, int nControl) {
+bool IsValidEnd(C_BitReader& reader, bool bEnough, int nControl) {
   const int nLeft = reader.BitsLeft() - (bEnough ? 0 : 1);
   if (nLeft < 0) return nControl == kControlValues - 1;
   for (int n = 0; n < nLeft; ++n) {
@@ -74,7 +74,7 @@ S_UnpackedFrame UnpackFrame(std::span<const std::uint16_t> words, int nRegions,
   frame.spectrum.nShift = scale.nShift;
   const bool bEnough = ReadRegions(reader, categorisation.categories, scale, nRegions, noise,
                                    frame.spectrum.coefficients);
-  frame.bDamaged = !IsSoundEnd(reader, bEnough, nControl) || !IsSoundEnvelope(envelope, nRegions);
+  frame.bDamaged = !IsValidEnd(reader, bEnough, nControl) || !IsValidEnvelope(envelope, nRegions);
   return frame;
 }
 

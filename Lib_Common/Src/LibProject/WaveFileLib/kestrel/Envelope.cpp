@@ -23,7 +23,7 @@ std::int32_t Energy(S_ConstRegion region) {
   return Saturate32(nEnergy);
 }
 
-// Entries outside the table exist in damaged frames only, which are never heard.
+// Only damaged frames have entries outside the table, and they are never played.
 std::int16_t StandardDeviation(int nEntry) {
   const bool bInside = nEntry >= 0 && nEntry < static_cast<int>(kStandardDeviation.size());
   return bInside ? kStandardDeviation[Index(nEntry)] : std::int16_t{0};
@@ -78,7 +78,7 @@ S_Envelope ReadEnvelope(C_BitReader& reader, int nRegions) noexcept {
   return envelope;
 }
 
-bool IsSoundEnvelope(const S_Envelope& envelope, int nRegions) noexcept {
+bool IsValidEnvelope(const S_Envelope& envelope, int nRegions) noexcept {
   return std::all_of(envelope.begin(), envelope.begin() + nRegions,
                      [](int nPower) { return nPower >= kLowestPower && nPower <= kHighestPower; });
 }

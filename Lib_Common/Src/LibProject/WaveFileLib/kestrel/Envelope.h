@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The spectral envelope: one power index per coded region, a step of one being a factor sqrt(2) of
-// the region's standard deviation (index 0 means 1). In the frame:
+// The spectral envelope: one power index per coded region. A step of one is a factor of sqrt(2) in
+// the region's standard deviation, and index 0 means a deviation of 1. In the frame:
 //
 //   5 bits             index of region 0, + 7
-//   code word          per further region: difference to the region before, coded per region
+//   code word          per further region: difference from the previous region, coded per region
 #pragma once
 
 #include <array>
@@ -16,7 +16,7 @@
 
 namespace kestrel {
 
-// Range of a power index in a sound frame; region 0 starts at -6 in what we write.
+// Range of a power index in a valid frame; in what we write, region 0 starts at -6.
 inline constexpr int kLowestPower = -15;
 inline constexpr int kHighestPower = 24;
 
@@ -24,20 +24,20 @@ inline constexpr int kHighestPower = 24;
 // frame can hold any index from -163 to 167.
 using S_Envelope = std::array<int, kMaxRegions>;
 
-// Encoder, in this order.
+// Encoder steps, in this order.
 
-// Index of one region whose coefficients carry 2^nShift.
+// Index of one region whose coefficients are scaled by 2^nShift.
 int RegionPower(S_ConstRegion region, int nShift) noexcept;
 S_Envelope MeasureEnvelope(const S_Frame& coefficients, int nShift, int nRegions) noexcept;
-// Raises valleys in front of peaks that the code could not climb out of, and limits the indices.
+// Raises a valley before a peak where the code could not climb to the peak, and limits the indices.
 void ShapeEnvelope(S_Envelope& envelope, int nRegions) noexcept;
-// Writes the envelope, and leaves in it the indices as the decoder will see them.
+// Writes the envelope and changes its indices to those that the decoder will see.
 void WriteEnvelope(C_BitWriter& writer, S_Envelope& envelope, int nRegions) noexcept;
 
-// Decoder.
+// Decoder steps.
 
 S_Envelope ReadEnvelope(C_BitReader& reader, int nRegions) noexcept;
-[[nodiscard]] bool IsSoundEnvelope(const S_Envelope& envelope, int nRegions) noexcept;
+[[nodiscard]] bool IsValidEnvelope(const S_Envelope& envelope, int nRegions) noexcept;
 
 // The scale that the decoder works in.
 struct S_Scale {

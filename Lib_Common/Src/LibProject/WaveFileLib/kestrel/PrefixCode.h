@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Prefix codes in the two shapes that the frame needs: a list of code words for writing, a tree for
-// reading. The predicates prove a pair of tables sound at compile time; DecodeSymbol relies on
+// reading. The predicates prove a pair of tables valid at compile time; DecodeSymbol relies on
 // them.
 #pragma once
 
@@ -17,14 +17,14 @@ struct S_Code {
   std::uint16_t wWord;
 };
 
-// Where bit 0 and bit 1 lead: a value above 0 is the next node, else it is minus the symbol. Node 0
-// is the root.
+// Where bit 0 and bit 1 lead: a value above 0 is the next node; any other value is minus the
+// symbol. Node 0 is the root.
 using S_TreeNode = std::array<std::int16_t, 2>;
 
-// nextBit: () -> 0 or 1. Ends for every sequence of bits, because children stand behind their
-// parents (TreeIsSound).
-template <typename F_NextBit>
-constexpr int DecodeSymbol(const auto& tree, F_NextBit nextBit) {
+// nextBit: () -> 0 or 1. Decoding ends for every sequence of bits, because children come after
+// their parents (IsValidTree).
+template <typename NextBit>
+constexpr int DecodeSymbol(const auto& tree, NextBit nextBit) {
   int nNode = 0;
   do {
     nNode = tree[static_cast<std::size_t>(nNode)][static_cast<std::size_t>(nextBit())];
@@ -32,8 +32,8 @@ constexpr int DecodeSymbol(const auto& tree, F_NextBit nextBit) {
   return -nNode;
 }
 
-// Children stand behind their parents and inside the table; leaves are symbols below nSymbols.
-constexpr bool TreeIsSound(const auto& tree, int nSymbols) {
+// Children come after their parents and lie inside the table; leaves are symbols below nSymbols.
+constexpr bool IsValidTree(const auto& tree, int nSymbols) {
   const int nNodes = static_cast<int>(tree.size());
   for (int n = 0; n < nNodes; ++n) {
     for (const int nNext : tree[static_cast<std::size_t>(n)]) {
@@ -43,7 +43,7 @@ constexpr bool TreeIsSound(const auto& tree, int nSymbols) {
   return true;
 }
 
-// The bits of one code word, and zeros behind it.
+// The bits of one code word, followed by zeros.
 class C_CodeWordBits {
  public:
   explicit constexpr C_CodeWordBits(S_Code code) : m_code(code) {}
@@ -58,9 +58,9 @@ class C_CodeWordBits {
   int m_nTaken = 0;
 };
 
-// Every code word leads to a leaf, and with its last bit.
+// Every code word leads to a leaf, exactly with its last bit.
 constexpr bool TreeDecodesEveryCode(const auto& tree, const auto& codes) {
-  if (!TreeIsSound(tree, static_cast<int>(codes.size()))) return false;
+  if (!IsValidTree(tree, static_cast<int>(codes.size()))) return false;
   for (const S_Code& code : codes) {
     C_CodeWordBits bits(code);
     DecodeSymbol(tree, [&bits] { return bits(); });
@@ -69,7 +69,7 @@ constexpr bool TreeDecodesEveryCode(const auto& tree, const auto& codes) {
   return true;
 }
 
-// Moreover, the tree gives every symbol back from its own code word.
+// In addition, the tree decodes every code word to its own symbol.
 constexpr bool TreeMatchesItsCode(const auto& tree, const auto& codes) {
   for (std::size_t nSymbol = 0; nSymbol < codes.size(); ++nSymbol) {
     const int nDecoded = DecodeSymbol(tree, C_CodeWordBits(codes[nSymbol]));

@@ -18,10 +18,10 @@ constexpr std::size_t kLastBlock = 2 * kKernel;  // the butterflies end where th
 
 std::int16_t HalfOf(std::int32_t nSum) { return static_cast<std::int16_t>(nSum >> 1); }
 
-// One butterfly pass: sums of neighbours to the front of each block, differences to its back in
-// reverse.
-template <typename F_Sum, typename F_Difference>
-S_Frame ButterflyPass(const S_Frame& in, std::size_t nBlock, F_Sum sum, F_Difference difference) {
+// One butterfly pass: sums of neighbours go to the front of each block, and differences to its back
+// in reverse order.
+template <typename Sum, typename Difference>
+S_Frame ButterflyPass(const S_Frame& in, std::size_t nBlock, Sum sum, Difference difference) {
   S_Frame out;
   for (std::size_t nStart = 0; nStart < kLength; nStart += nBlock) {
     for (std::size_t i = 0; i < nBlock / 2; ++i) {
@@ -48,8 +48,8 @@ S_Frame Kernels(const S_Frame& in, const S_CoreMatrix& matrix) {
   return out;
 }
 
-// One rotation pass over blocks of twice the table's length. nHeadroom is what the table's Q format
-// lacks to Q15.
+// One rotation pass over blocks of twice the table's length. nHeadroom is the number of bits that
+// the table's Q format lacks to be Q15.
 S_Frame RotationPass(const S_Frame& in, std::span<const S_Rotation> rotations, int nHeadroom) {
   const std::size_t nHalfBlock = rotations.size();
   const std::size_t nBlock = 2 * nHalfBlock;
@@ -60,7 +60,7 @@ S_Frame RotationPass(const S_Frame& in, std::span<const S_Rotation> rotations, i
       const auto [nCosine, nMinusSine] = rotations[i];
       const std::int16_t nA = in[nStart + i];
       const std::int16_t nD = in[nStart + nHalfBlock + i];
-      // The second half of a block comes with alternating signs.
+      // The values in the second half of a block have alternating signs.
       const bool bOdd = i % 2 != 0;
       out[nStart + i] = rounded(LMac(LMul(nCosine, nA), bOdd ? nMinusSine : Neg(nMinusSine), nD));
       out[nStart + nBlock - 1 - i] =
@@ -70,13 +70,13 @@ S_Frame RotationPass(const S_Frame& in, std::span<const S_Rotation> rotations, i
   return out;
 }
 
-template <typename T_Passes>
-S_Frame Rotations(S_Frame values, const T_Passes& passes, int nHeadroom) {
+template <typename Passes>
+S_Frame Rotations(S_Frame values, const Passes& passes, int nHeadroom) {
   for (const auto& rotations : passes) values = RotationPass(values, rotations, nHeadroom);
   return values;
 }
 
-// The first inverse pass halves and is dithered, so that its rounding has no bias.
+// The first inverse pass halves its values and is dithered, so that the rounding has no bias.
 S_Frame DitheredButterflies(const S_Frame& in) {
   S_Frame out;
   for (std::size_t i = 0; i < kHalf; ++i) {
@@ -133,13 +133,13 @@ int MagnitudeShift(const S_Frame& windowed) noexcept {
   }
   int nShift = 0;
   if (nLargest < 14000) {
-    // 9587 / 2^19 brings the largest magnitude to 0..255; below 438 it needs the one more to get
-    // there.
+    // 9587 / 2^19 brings the largest magnitude to 0..255. Below 438, adding one makes up for
+    // rounding down.
     const std::int32_t nBiased = nLargest < 438 ? nLargest + 1 : nLargest;
     const int nNorm = Norm(static_cast<std::int16_t>(2 * nBiased * 9587 >> 20));
     nShift = nNorm == 0 ? kHighestShift : nNorm - 6;
   }
-  // Frames that are loud throughout get one bit of headroom more than frames with single peaks.
+  // Frames that are loud throughout get one more bit of headroom than frames with single peaks.
   return nLargest < nSum >> 7 ? nShift - 1 : nShift;
 }
 
@@ -169,7 +169,7 @@ S_Frame ForwardRotations(S_Frame values) noexcept {
 
 S_Frame InverseButterflies(const S_Frame& coefficients) noexcept {
   S_Frame values = DitheredButterflies(coefficients);
-  // Not Sub: for nB = -32768 it gives one more than adding the limited negative.
+  // Not Sub: for nB = -32768, Sub gives one more than adding the limited negative.
   const auto difference = [](std::int16_t nA, std::int16_t nB) { return Add(nA, Neg(nB)); };
   for (std::size_t nBlock = kHalf; nBlock >= kLastBlock; nBlock /= 2) {
     values = ButterflyPass(values, nBlock, Add, difference);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Silence: finding it, keeping it as segments, making it total. And the uncompressed regions, whose
-// list follows the same rules.
+// Silence: finding it, keeping it as segments, muting the segments. Also the uncompressed regions,
+// whose list follows the same rules.
 #include <algorithm>
 #include <cstdint>
 #include <utility>
@@ -37,9 +37,9 @@ C_WavData::SilenceList* C_WavData::DetectSilenceRange(unsigned int dwThreshold,
   if (dwThreshold > kMaxThreshold || wFirstChannel > wLastChannel) return nullptr;
   if (bReplace) {
     const S_SampleRange range{dwStartSample, dwEndSample};
-    vcm::RemoveItemsIf(m_silenceSegments, [&](C_SilenceSegment* pSegment) {
-      return pSegment != nullptr && (range.Holds(pSegment->GetStartSamplePos()) ||
-                                     range.Holds(pSegment->GetEndSamplePos()));
+    vcm::KeepIf(m_silenceSegments, [&](C_SilenceSegment* pSegment) {
+      return pSegment == nullptr || !(range.Holds(pSegment->GetStartSamplePos()) ||
+                                      range.Holds(pSegment->GetEndSamplePos()));
     });
   }
   if (m_pcmBuffer.GetUnwrappedHeldSampleSize() > 0) {
@@ -59,7 +59,7 @@ void C_WavData::AddQuietRuns(int nThreshold, unsigned int dwMinLength, unsigned 
   for (std::uint64_t qwSample = dwStartSample; qwSample <= dwEndSample; ++qwSample) {
     const auto dwSample = static_cast<unsigned int>(qwSample);
     const int nMean = MeanValue(dwSample, wFirstChannel, wLastChannel);
-    // The lower bound is the complement, as two's complement has one value more below zero.
+    // The lower bound is the complement, because two's complement has one more value below zero.
     const bool bQuiet = ~nThreshold <= nMean && nMean <= nThreshold;
     if (bQuiet && !bInRun) dwRunStart = dwSample;
     if (!bQuiet && bInRun && dwSample - dwRunStart >= dwMinLength) {
@@ -67,8 +67,8 @@ void C_WavData::AddQuietRuns(int nThreshold, unsigned int dwMinLength, unsigned 
     }
     bInRun = bQuiet;
   }
-  // Kept: a run that reaches the end needs one sample more than one that ends before it; segments
-  // in existing files were found this way. Pinned by RunUpToTheEnd_NeedsOneSampleMore.
+  // Kept: a run that reaches the end must be one sample longer than a run that ends before it.
+  // Segments in existing files were found this way. Pinned by RunUpToTheEnd_NeedsOneSampleMore.
   if (bInRun && dwEndSample - dwRunStart >= dwMinLength) {
     vcm::AppendRange(m_silenceSegments, dwRunStart, dwEndSample);
   }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Heron streams that were damaged, cut or never were any: decoding ends, with samples or without,
-// and does not depend on anything but the bytes.
+// Heron streams that are damaged or cut, and bytes that never were a stream. Decoding always ends,
+// with samples or without, and depends on nothing but the bytes.
 #include <gtest/gtest.h>
 #include <stdlib.h>  // NOLINT(modernize-deprecated-headers): getenv
 
@@ -12,13 +12,13 @@
 
 namespace {
 
-using heron_test::Bytes;
-using heron_test::Decoded;
-using heron_test::kKinds;
-using heron_test::S_Kind;
+using heron::test::Bytes;
+using heron::test::Decoded;
+using heron::test::kKinds;
+using heron::test::S_Kind;
 
-// Streams per test and kind: what a run of all tests has time for, or VOXPLAY_HERON_STREAMS, of
-// which 50000 make 100,000 of each kind.
+// The number of streams per test and kind. The default fits into a run of all tests;
+// VOXPLAY_HERON_STREAMS overrides it. 50000 makes 100,000 streams of each kind.
 int CountStreams() {
   const char* pszCount = getenv("VOXPLAY_HERON_STREAMS");
   return pszCount == nullptr ? 2000 : std::stoi(pszCount);
@@ -37,7 +37,7 @@ class C_Damage {
     for (std::uint8_t& byValue : bytes) byValue = Byte();
     return bytes;
   }
-  // One to four bytes changed, and sometimes a part cut off or noise added at the end.
+  // Changes one to four bytes, and sometimes cuts off a part or adds noise at the end.
   Bytes Of(Bytes stream) {
     for (std::size_t i = Below(4) + 1; i > 0; --i) stream[Below(stream.size())] = Byte();
     if (Below(4) == 0) stream.resize(Below(stream.size()) + 1);
@@ -100,6 +100,6 @@ TEST_P(HeronDamage, StreamOfOneRepeatedByte_EndsInSamplesOrARefusal) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, HeronDamage, testing::ValuesIn(kKinds), heron_test::NameOf);
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronDamage, testing::ValuesIn(kKinds), heron::test::NameOf);
 
 }  // namespace

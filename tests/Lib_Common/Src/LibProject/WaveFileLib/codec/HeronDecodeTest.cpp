@@ -12,18 +12,18 @@
 
 namespace {
 
-using heron_test::Bytes;
-using heron_test::Decoded;
-using heron_test::Encoded;
-using heron_test::kKinds;
-using heron_test::S_Kind;
+using heron::test::Bytes;
+using heron::test::Decoded;
+using heron::test::Encoded;
+using heron::test::kKinds;
+using heron::test::S_Kind;
 
 bool Decode(const Bytes& stream, I_WavData* piWavData) {
   C_HeronCodec codec;
   return codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), piWavData);
 }
 
-// Energy of the samples over that of the difference, in dB.
+// The ratio of the energy of the samples to that of the difference, in dB.
 double Snr(const std::vector<short>& samples, const std::vector<short>& decoded) {
   double dSignal = 0.0;
   double dNoise = 1e-9;
@@ -52,7 +52,7 @@ TEST_P(HeronRoundTrip, EverySampleRate_GivesAsManySamplesAndTheSameSound) {
     const auto voice = TestVoice(dwRate / 4);
     const auto decoded = RoundTrip(*MonoSound(voice, dwRate));
     ASSERT_EQ(decoded.size(), voice.size()) << dwRate;
-    // No sound that is shifted, scaled or inverted comes near this.
+    // A sound that is shifted, scaled or inverted comes nowhere near this.
     EXPECT_GT(Snr(voice, decoded), 3.0 + 2.0 * GetParam().nBitDepth) << dwRate;
   }
 }
@@ -92,7 +92,7 @@ TEST_P(HeronRoundTrip, Events_ChangeNoSample) {
   EXPECT_EQ(RoundTrip(*sound), plain);
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, HeronRoundTrip, testing::ValuesIn(kKinds), heron_test::NameOf);
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronRoundTrip, testing::ValuesIn(kKinds), heron::test::NameOf);
 
 // ---- what decoding does to the sound
 

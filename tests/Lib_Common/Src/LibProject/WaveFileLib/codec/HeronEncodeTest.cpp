@@ -13,10 +13,10 @@
 
 namespace {
 
-using heron_test::Bytes;
-using heron_test::Encoded;
-using heron_test::kKinds;
-using heron_test::S_Kind;
+using heron::test::Bytes;
+using heron::test::Encoded;
+using heron::test::kKinds;
+using heron::test::S_Kind;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -77,7 +77,7 @@ TEST_P(HeronEncode, SeveralThreads_DoNotDisturbEachOther) {
   EXPECT_EQ(other, C_HeronBytes(kind, TestVoice(4000), 16000).Take());
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, HeronEncode, testing::ValuesIn(kKinds), heron_test::NameOf);
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronEncode, testing::ValuesIn(kKinds), heron::test::NameOf);
 
 TEST(HeronEncoder, EventBytes_AreTheLowHalvesOfTheCommands) {
   const auto voice = TestVoice(160);
@@ -181,7 +181,7 @@ TEST(HeronEncoder, FailedEncoding_ReportsNoEnd) {
   EXPECT_THAT(g_records, IsEmpty());
 }
 
-// What a codec prints while it encodes so many frames.
+// What a codec prints while it encodes dwFrames frames.
 std::string Printed(bool bVerbose, unsigned int dwFrames, unsigned int dwTypeCode) {
   const C_SoundPtr sound = MonoSound(TestVoice(dwFrames * 80), 4000);
   C_HeronCodec codec;

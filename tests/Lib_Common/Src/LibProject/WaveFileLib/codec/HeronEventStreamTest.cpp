@@ -12,21 +12,21 @@
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using heronevents::S_FrameRange;
-using heronevents::S_HeronEvent;
+using heroneventstream::S_FrameRange;
+using heroneventstream::S_HeronEvent;
 using Events = std::vector<S_HeronEvent>;
 
 Bytes Stream(const S_FrameRange& range, const Events& events) {
   vcm::C_ByteWriter writer;
   unsigned int dwGroups = 0;
-  EXPECT_EQ(heronevents::WriteEventStream(range, events, &dwGroups, &writer), range.dwCount);
+  EXPECT_EQ(heroneventstream::WriteEventStream(range, events, &dwGroups, &writer), range.dwCount);
   return writer.Take();
 }
 Bytes Stream(unsigned int dwFrames, const Events& events) {
   return Stream(S_FrameRange{0, dwFrames}, events);
 }
 
-// nCount events on one frame; the commands count from 0.
+// Adds nCount events on one frame; their commands count up from 0.
 void AddMany(Events& events, unsigned int dwFrame, int nCount) {
   for (int i = 0; i < nCount; ++i) {
     events.push_back({dwFrame, static_cast<std::uint8_t>(i), std::uint8_t{0xEE}});
@@ -110,7 +110,7 @@ TEST(HeronEventStream, GroupCounter_GoesOnFromCallToCall) {
   const Events events = {{0, 1, 2}};
   for (const std::uint8_t byMarker : Bytes{0x20, 0x28, 0x30, 0x38, 0x20}) {
     vcm::C_ByteWriter writer;
-    heronevents::WriteEventStream({0, 31}, events, &dwGroups, &writer);
+    heroneventstream::WriteEventStream({0, 31}, events, &dwGroups, &writer);
     EXPECT_EQ(writer.Data()[0], byMarker);
   }
   EXPECT_EQ(dwGroups, 5u);
@@ -192,7 +192,7 @@ TEST(HeronEventsOf, PositionsBecomeFrames) {
   for (const unsigned int dwPos : {0u, 159u, 160u, 0xFFFFFFFFu}) {
     mgr.AddEventBySamplePos(1, 2, dwPos, "", 0);
   }
-  EXPECT_EQ(heronevents::EventsOf(mgr, 160),
+  EXPECT_EQ(heroneventstream::EventsOf(mgr, 160),
             (Events{{0, 1, 2}, {0, 1, 2}, {1, 1, 2}, {26843545, 1, 2}}));
 }
 
@@ -200,29 +200,29 @@ TEST(HeronEventsOf, Commands_LoseTheirHighBytes) {
   C_EventTagMgr mgr;
   mgr.SetSampleRate(8000);
   mgr.AddEventBySamplePos(0x0102, 0xFFFE, 0, "text", 7);
-  EXPECT_EQ(heronevents::EventsOf(mgr, 160), (Events{{0, 0x02, 0xFE}}));
+  EXPECT_EQ(heroneventstream::EventsOf(mgr, 160), (Events{{0, 0x02, 0xFE}}));
 }
 
 TEST(HeronEventsOf, TimesCountInTheSampleRate) {
   C_EventTagMgr mgr;
   mgr.SetSampleRate(8000);
   mgr.AddEvent(1, 2, 20, "", 0);
-  EXPECT_EQ(heronevents::EventsOf(mgr, 160), (Events{{1, 1, 2}}));
+  EXPECT_EQ(heroneventstream::EventsOf(mgr, 160), (Events{{1, 1, 2}}));
 }
 
 TEST(HeronEventsOf, ListThatARateChangeLeftUnsorted_IsSortedByFrame) {
   C_EventTagMgr mgr;
   mgr.SetSampleRate(8000);
   mgr.AddEvent(1, 0, 1000, "", 0);             // sample 8000, later 48000
-  mgr.AddEventBySamplePos(2, 0, 9000, "", 0);  // stays
-  mgr.AddEventBySamplePos(3, 0, 9001, "", 0);  // the same frame, behind it
+  mgr.AddEventBySamplePos(2, 0, 9000, "", 0);  // keeps its sample
+  mgr.AddEventBySamplePos(3, 0, 9001, "", 0);  // the same frame, after it
   mgr.SetSampleRate(48000);
-  EXPECT_EQ(heronevents::EventsOf(mgr, 960), (Events{{9, 2, 0}, {9, 3, 0}, {50, 1, 0}}));
+  EXPECT_EQ(heroneventstream::EventsOf(mgr, 960), (Events{{9, 2, 0}, {9, 3, 0}, {50, 1, 0}}));
 }
 
 TEST(HeronEventsOf, SoundWithoutEvents_HasNone) {
   C_EventTagMgr mgr;
-  EXPECT_TRUE(heronevents::EventsOf(mgr, 160).empty());
+  EXPECT_TRUE(heroneventstream::EventsOf(mgr, 160).empty());
 }
 
 }  // namespace

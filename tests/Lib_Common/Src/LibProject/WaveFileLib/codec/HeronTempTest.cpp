@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The temporary files that the Heron encoder works through: named as they are expected to be,
-// private, and gone whatever happens.
+// The temporary files of the Heron encoder have the expected names, are private, and are removed
+// whatever happens.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -19,9 +19,9 @@
 
 namespace {
 
-using heron_test::Encoded;
+using heron::test::Encoded;
 
-// 40 frames, so that there is a record while the files are there.
+// 40 frames, so that a progress record arrives while the files exist.
 C_SoundPtr SoundWithEvents() {
   C_SoundPtr sound = MonoSound(TestVoice(40 * 80), 4000);
   sound->GetEventTagMgr()->AddEventBySamplePos(1, 2, 100, "", 0);
@@ -111,8 +111,8 @@ TEST(HeronTemp, WithoutATemporaryDirectory_EncodingIsFalse) {
 
 TEST(HeronTemp, Decoding_NeedsNoFile) {
   const auto use = WatchTemp([] {
-    return heron_test::Decoded(*Encoded(*SoundWithEvents(), 35), 4000).has_value() &&
-           !heron_test::Decoded({1, 2, 3, 4}, 4000);
+    return heron::test::Decoded(*Encoded(*SoundWithEvents(), 35), 4000).has_value() &&
+           !heron::test::Decoded({1, 2, 3, 4}, 4000);
   });
   EXPECT_TRUE(use.bResult);
   EXPECT_EQ(use.nCreated, 2);

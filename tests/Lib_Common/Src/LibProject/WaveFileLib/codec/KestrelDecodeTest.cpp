@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The codec from stream to sound, above all from streams that lie.
+// The codec from stream to sound, above all with streams that lie.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using Bytes = std::vector<std::uint8_t>;
 using testing::Each;
 using testing::IsEmpty;
 
-// Pieces that the callback got, one after the other, and their lengths.
+// The pieces that the callback received, one after the other, and their lengths.
 Bytes g_pieces;
 std::vector<unsigned int> g_lengths;
 
@@ -34,7 +34,7 @@ struct S_Decoded {
 };
 
 S_Decoded Decode(const Bytes& stream, PFN_DecodedData pfnData = RecordPiece) {
-  // A copy without a byte to spare, so that reading on is noticed.
+  // A copy of exactly this size, so that reading past the end is noticed.
   const auto pbyExact = std::make_unique<unsigned char[]>(stream.size());
   std::copy(stream.begin(), stream.end(), pbyExact.get());
   g_pieces.clear();
@@ -58,7 +58,7 @@ TEST(KestrelDecode, Every800thRateFrom4800To32000_DecodesAsTheBareCoderDoes) {
     const auto stream = C_KestrelBytes(dwBitRate).Voice(12);
     const auto decoded = Decode(stream.Take());
     EXPECT_TRUE(decoded.bResult) << dwBitRate;
-    EXPECT_EQ(decoded.samples, kestrel_test::DecodeWords(dwBitRate, stream.GetWords()))
+    EXPECT_EQ(decoded.samples, kestrel::test::DecodeWords(dwBitRate, stream.GetWords()))
         << dwBitRate;
     EXPECT_EQ(decoded.samples.size(), 12u * 320) << dwBitRate;
   }
@@ -157,7 +157,7 @@ TEST(KestrelDecode, AnEncodeBetweenItsFrames_ChangesNothing) {
   const auto stream = C_KestrelBytes(16000).Voice(6).Take();
   const auto expected = Decode(stream).samples;
   const auto encodeInBetween = [](void*, unsigned int) {
-    kestrel_test::EncodeWords(32000, TestVoice(640));
+    kestrel::test::EncodeWords(32000, TestVoice(640));
   };
   EXPECT_EQ(Decode(stream, encodeInBetween).samples, expected);
 }
@@ -230,13 +230,14 @@ TEST(KestrelDecode, LengthAbove65535_IsReadWhole) {
   EXPECT_EQ(decoded.samples.size(), 1750u * 320);
 }
 
-// What a stream of 3 frames cut at cbSize bytes decodes to: whole words up to there, then zeros.
+// The samples of a stream of 3 frames that is cut at cbSize bytes: whole words up to there, then
+// zeros.
 std::vector<short> ExpectedOfCut(const C_KestrelBytes& stream, std::size_t cbSize) {
   auto words = stream.GetWords();
   const std::size_t dwHeld = (cbSize - 6) / 2;
   std::fill(words.begin() + static_cast<std::ptrdiff_t>(dwHeld), words.end(), std::uint16_t{0});
   words.resize((cbSize - 6 + 39) / 40 * 20);
-  return kestrel_test::DecodeWords(16000, words);
+  return kestrel::test::DecodeWords(16000, words);
 }
 
 TEST(KestrelDecode, StreamCutAtEveryByte_PlaysWhatItHolds) {
@@ -259,7 +260,7 @@ TEST(KestrelDecode, BytesBelowASixteenthOfTheLength_FailBeforeTheFirstFrame) {
 }
 
 TEST(KestrelDecode, OneFrameHeld_IsEnoughForAClaimOf16FramesAndNotOf17) {
-  // 42 bytes behind the length field; 16 times that is 672.
+  // 42 bytes follow the length field; 16 times that is 672.
   EXPECT_TRUE(Decode(C_KestrelBytes(16000).Voice(1).Claim(2 + 16 * 40).Take()).bResult);
   EXPECT_EQ(g_lengths.size(), 1u);
   EXPECT_FALSE(Decode(C_KestrelBytes(16000).Voice(1).Claim(2 + 17 * 40).Take()).bResult);
@@ -295,7 +296,7 @@ TEST(KestrelDecode, WordsAreLittleEndian) {
   const auto stream = bytes.Take();
   EXPECT_EQ(stream[6], bytes.GetWords()[0] & 0xFF);
   EXPECT_EQ(stream[7], bytes.GetWords()[0] >> 8);
-  EXPECT_EQ(Decode(stream).samples, kestrel_test::DecodeWords(16000, bytes.GetWords()));
+  EXPECT_EQ(Decode(stream).samples, kestrel::test::DecodeWords(16000, bytes.GetWords()));
 }
 
 TEST(KestrelDecode, AnyWords_DecodeWithoutFault) {

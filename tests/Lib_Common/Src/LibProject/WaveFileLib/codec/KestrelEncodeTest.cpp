@@ -126,11 +126,11 @@ TEST(KestrelEncode, NumberOfFrames_IsThatOfStartedFramesAndTwoBelowOneFrame) {
 
 // ---- content
 
-// The stream as the bare coder gives it.
+// The stream that the bare coder makes.
 Bytes Expected(const std::vector<short>& samples, unsigned int dwBitRate) {
   std::vector<short> padded = samples;
   padded.resize((samples.size() + 319) / 320 * 320 + 320);
-  auto words = kestrel_test::EncodeWords(dwBitRate, padded);
+  auto words = kestrel::test::EncodeWords(dwBitRate, padded);
   const auto nWords = static_cast<std::ptrdiff_t>(dwBitRate / 800);
   if (samples.size() >= 320) words.erase(words.begin(), words.begin() + nWords);
   return C_KestrelBytes(dwBitRate).Words(words).Take();

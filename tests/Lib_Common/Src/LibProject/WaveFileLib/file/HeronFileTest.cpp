@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Heron files behind an SP header: recognising, loading, saving. Containers are tested in
-// HeronVefTest.cpp.
+// Heron files with an SP header: recognising, loading, saving. HeronVefTest.cpp tests containers.
 #include "file/HeronFile.h"
 
 #include <gmock/gmock.h>
@@ -22,10 +21,10 @@
 
 namespace {
 
-using heron_test::Bytes;
-using heron_test::Encoded;
-using heron_test::kKinds;
-using heron_test::S_Kind;
+using heron::test::Bytes;
+using heron::test::Encoded;
+using heron::test::kKinds;
+using heron::test::S_Kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -81,12 +80,12 @@ class HeronFile : public C_FolderTest {
   }
 };
 
-// Every class does what is tested here.
+// Every file class must pass these tests.
 class HeronKind : public HeronFile, public testing::WithParamInterface<S_Kind> {
  protected:
   std::unique_ptr<C_HeronFileBase> m_file = MakeFile(GetParam().eType);
 };
-INSTANTIATE_TEST_SUITE_P(Kinds, HeronKind, testing::ValuesIn(kKinds), heron_test::NameOf);
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronKind, testing::ValuesIn(kKinds), heron::test::NameOf);
 
 // ---- recognising
 
@@ -165,7 +164,7 @@ TEST_P(HeronKind, Load_DecodesAnyVariantAndKeepsTheStream) {
     const Bytes stream = Stream(kind, 1111, 16000);
     const std::string strPath = WriteHeron(34, stream, 16000);
     ASSERT_TRUE(Load(*m_file)) << kind.nBitDepth;
-    EXPECT_EQ(SamplesOf(m_file->GetWavData()), heron_test::Decoded(stream, 16000));
+    EXPECT_EQ(SamplesOf(m_file->GetWavData()), heron::test::Decoded(stream, 16000));
     EXPECT_EQ(m_file->GetWavInfo()->GetSampleSize(), 1111u);
     EXPECT_EQ(EncodedFormOf(m_file->GetWavData()), stream);
     EXPECT_EQ(m_file->GetWavData()->GetEncType(), AUDIO_FILE_HERON_6BIT);

@@ -16,8 +16,8 @@
 
 namespace {
 
-using heron_test::kKinds;
-using heron_test::S_Kind;
+using heron::test::kKinds;
+using heron::test::S_Kind;
 using testing::ElementsAre;
 
 constexpr const char* kVef = "in";
@@ -48,7 +48,7 @@ class HeronVef : public C_FolderTest {
 };
 
 class HeronVefKind : public HeronVef, public testing::WithParamInterface<S_Kind> {};
-INSTANTIATE_TEST_SUITE_P(Kinds, HeronVefKind, testing::ValuesIn(kKinds), heron_test::NameOf);
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronVefKind, testing::ValuesIn(kKinds), heron::test::NameOf);
 
 // ---- recognising
 
@@ -88,7 +88,7 @@ TEST_P(HeronVefKind, Stream_DecodesAsItDoesAlone) {
   const C_RiffBytes riff = MonoVef(8).Chunk("vafm", VafmBytes(wType)).Chunk("vdat", stream);
   C_Heron6BitFile file;
   ASSERT_TRUE(Load(file, riff));
-  EXPECT_EQ(SamplesOf(file.GetWavData()), heron_test::Decoded(stream, 16000));
+  EXPECT_EQ(SamplesOf(file.GetWavData()), heron::test::Decoded(stream, 16000));
   EXPECT_EQ(file.GetWavData()->GetEncType(), GetParam().eType);
   const unsigned char* pbyEncoded = file.GetWavData()->GetEncBuffer();
   EXPECT_EQ(C_Bytes(pbyEncoded, pbyEncoded + file.GetWavData()->GetEncBufferLen()), stream);
@@ -163,7 +163,7 @@ TEST_F(HeronVef, KestrelStreamWithoutAType_IsFoundByTheClassThatDecodesIt) {
 TEST_P(HeronVefKind, WriteFileWithoutEncoding_WritesAContainerOfItsType) {
   const C_SoundPtr sound = ExampleSound({8000, 2, 16, 16}, 700);
   AddAnnotations(*sound);
-  const auto stream = heron_test::Encoded(*sound, GetParam().eType);
+  const auto stream = heron::test::Encoded(*sound, GetParam().eType);
   const C_Bytes vef = Converted(*sound, GetParam().eType);
   EXPECT_EQ(C_Bytes(vef.begin(), vef.begin() + 12),
             Join({Ascii("RIFF"), U32(static_cast<std::uint32_t>(vef.size()) - 8), Ascii("VEFF")}));
@@ -186,7 +186,7 @@ TEST_P(HeronVefKind, ConvertedAndCreatedAgain_GivesTheSourcesPcmOrTheDecodedStre
   EXPECT_THAT(VefEventsOf(*stored), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
   const C_WavFilePtr decoded = Create(false);
   ASSERT_NE(decoded, nullptr);
-  EXPECT_EQ(SamplesOf(decoded->GetWavData()), heron_test::Decoded(ChunkNamed(vef, "vdat"), 16000));
+  EXPECT_EQ(SamplesOf(decoded->GetWavData()), heron::test::Decoded(ChunkNamed(vef, "vdat"), 16000));
   EXPECT_THAT(VefEventsOf(*decoded), ElementsAre(S_VefEventSeen{1, 2, 7, 1600}));
 }
 
@@ -197,9 +197,9 @@ TEST_F(HeronVef, LoadedStream_IsWrittenUnchangedUnlessForcedOrOfAnotherType) {
   file.GetWavData()->ApplyGain(0.5, 0.5);
   EXPECT_EQ(ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT), "vdat"), stream);
   EXPECT_EQ(ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_3BIT, true), "vdat"),
-            heron_test::Encoded(*file.GetWavData(), 36));
+            heron::test::Encoded(*file.GetWavData(), 36));
   EXPECT_EQ(ChunkNamed(Converted(*file.GetWavData(), AUDIO_FILE_HERON_4BIT), "vdat"),
-            heron_test::Encoded(*file.GetWavData(), 32));
+            heron::test::Encoded(*file.GetWavData(), 32));
 }
 
 TEST_F(HeronVef, EncodingThatFails_LeavesTheOldFile) {

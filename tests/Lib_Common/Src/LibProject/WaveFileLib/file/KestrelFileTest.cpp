@@ -39,7 +39,7 @@ Bytes BytesOfEncBuffer(I_WavData* pIWavData) {
   return {pbyData, pbyData + pIWavData->GetEncBufferLen()};
 }
 
-// What the codec makes of a sound that is 16-bit mono already.
+// What the codec makes of a sound that is already 16-bit mono.
 Bytes EncodedBy(I_WavData* pIWavData, unsigned int dwBitRate) {
   C_KestrelCodec codec;
   codec.LoadCodec(dwBitRate);
@@ -56,7 +56,7 @@ class KestrelFile : public C_FolderTest {
   std::string WriteKestrel(const std::string& strName, const Bytes& stream) {
     return Write(strName, C_SpBytes().Stream(stream).Take());
   }
-  // Saves a sound as WriteFile does with encoding and without a codec head.
+  // Saves a sound with WriteFile, encoded and without a codec head.
   bool Save(C_KestrelFile& file, const std::string& strName, bool bForceEncode) {
     return file.WriteFile(Path(strName).c_str(), true, false, nullptr, bForceEncode, 0);
   }
@@ -148,7 +148,7 @@ TEST_F(KestrelFile, Load_DecodesAndKeepsTheStream) {
   const std::string strPath = WriteKestrel("a", stream.Take());
   C_KestrelFile file;
   ASSERT_TRUE(Load(file, "a"));
-  EXPECT_EQ(SamplesOf(file.GetWavData()), kestrel_test::DecodeWords(16000, stream.GetWords()));
+  EXPECT_EQ(SamplesOf(file.GetWavData()), kestrel::test::DecodeWords(16000, stream.GetWords()));
   EXPECT_EQ(file.GetWavInfo()->GetByteLength(), 50u * 640);
   EXPECT_EQ(file.GetWavInfo()->GetTimeLength(), 1000u);
   EXPECT_EQ(BytesOfEncBuffer(file.GetWavData()), stream.Take());
@@ -229,7 +229,7 @@ TEST_F(KestrelFile, Load_FileCutAtEveryByte_PlaysWhatItHoldsOrFails) {
   for (std::size_t cbSize = 0; cbSize <= whole.size(); ++cbSize) {
     Write("a", Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(cbSize)));
     C_KestrelFile file;
-    // Behind the header and the length field there must be a sixteenth of 122 bytes.
+    // After the header and the length field there must be at least a sixteenth of 122 bytes.
     const bool bExpected = cbSize >= 48 + 4 + 8;
     ASSERT_EQ(Load(file, "a"), bExpected) << cbSize;
     if (!bExpected) continue;
@@ -387,7 +387,7 @@ TEST_F(KestrelFile, WriteFile_StoresForceEncodeWhateverItsResult) {
 TEST_F(KestrelFile, WriteFile_WithoutASound_IsFalse) {
   C_KestrelFile file;
   EXPECT_FALSE(Save(file, "a", false));
-  file.GetAudioCodecParam();  // makes an empty one
+  file.GetAudioCodecParam();  // makes an empty sound
   EXPECT_FALSE(Save(file, "a", true));
   EXPECT_THAT(Entries(), IsEmpty());
 }

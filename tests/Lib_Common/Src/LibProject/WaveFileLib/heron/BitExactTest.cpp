@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The bytes and samples that every machine and compiler must arrive at. A change of these numbers
-// is a change of the format: streams in the field would sound different, or not at all.
+// The bytes and samples that every machine and compiler must produce. If these numbers change, the
+// format has changed: existing streams would sound different, or not at all.
 #include <gtest/gtest.h>
 
 #include "Signals.h"
@@ -10,14 +10,14 @@
 namespace heron {
 namespace {
 
-// Checksum FNV-1a of 64 bits.
+// A 64-bit FNV-1a checksum.
 class C_Checksum {
  public:
   void Add(std::uint8_t byByte) { m_qwSum = (m_qwSum ^ byByte) * 0x100000001B3u; }
-  template <typename T_Value>
-  void AddAll(const std::vector<T_Value>& values) {
-    for (const T_Value value : values) {
-      for (std::size_t n = 0; n < sizeof(T_Value); ++n) {
+  template <typename Value>
+  void AddAll(const std::vector<Value>& values) {
+    for (const Value value : values) {
+      for (std::size_t n = 0; n < sizeof(Value); ++n) {
         Add(static_cast<std::uint8_t>(static_cast<std::uint64_t>(value) >> (8 * n)));
       }
     }
@@ -28,7 +28,7 @@ class C_Checksum {
   std::uint64_t m_qwSum = 0xCBF29CE484222325u;
 };
 
-// Square waves of three pitches under a stepwise loudness, with noise: made of integers alone.
+// Square waves of three pitches with noise, whose loudness changes in steps. Made of integers only.
 test::S_Sound IntegerSound(std::size_t nSamples) {
   test::C_Random random(7);
   test::S_Sound sound(nSamples);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The entropy coder in the few words in which the tests speak of it.
+// Short names and helpers with which the tests use the entropy coder.
 #pragma once
 
 #include <array>
@@ -33,9 +33,9 @@ std::size_t ReadSymbol(C_CodeReader& reader, const S_Frequencies<kSymbols>& freq
   return reader.ReadSymbol<kSymbols>(Accumulate(frequencies));
 }
 
-// The bytes that fnWrite(writer) leads to.
-template <typename T_Write>
-S_Bytes Written(T_Write fnWrite) {
+// The bytes that fnWrite(writer) produces.
+template <typename Write>
+S_Bytes Written(Write fnWrite) {
   S_Bytes bytes;
   C_CodeWriter writer(bytes);
   fnWrite(writer);
@@ -57,7 +57,7 @@ inline void WriteMagnitude(C_CodeWriter& writer, std::size_t nQuantiser,
   WriteLevel(writer, nQuantiser, magnitudeClass, nLevel, bNegative);
 }
 
-// A level and whether it is negative; empty for what no writer writes.
+// A level and whether it is negative. Empty for a code that no writer writes.
 inline std::optional<std::pair<std::int32_t, bool>> ReadMagnitude(
     C_CodeReader& reader, std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass) {
   const std::uint64_t qwLevel = ReadLevel(reader, nQuantiser, magnitudeClass);

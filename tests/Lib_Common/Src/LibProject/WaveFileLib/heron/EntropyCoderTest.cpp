@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Symbols and raw bits, there and back, in as few bytes as their chances allow.
+// Round trips of symbols and raw bits, in as few bytes as their probabilities allow.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -20,7 +20,7 @@ using test::S_Frequencies;
 using test::WriteSymbol;
 using test::Written;
 
-// The most one-sided table there is, at either end, and others.
+// The most one-sided tables possible, at either end, and some others.
 constexpr S_Frequencies<16> kFirstLikely = {32753, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
 constexpr S_Frequencies<16> kLastLikely = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 32753};
 constexpr S_Frequencies<2> kEven = {16384, 16384};
@@ -28,7 +28,7 @@ constexpr S_Frequencies<3> kThirds = {10923, 10922, 10923};
 constexpr S_Frequencies<5> kMixed = {1, 30000, 2, 2000, 765};
 constexpr S_Frequencies<1> kCertain = {32768};
 
-// A symbol as likely as the table says.
+// Draws a symbol with the probability that the table gives it.
 template <std::size_t kSymbols>
 std::size_t Draw(C_Random& random, const S_Frequencies<kSymbols>& frequencies) {
   std::uint32_t nAt = random.Below(kFrequencyTotal);
@@ -37,8 +37,8 @@ std::size_t Draw(C_Random& random, const S_Frequencies<kSymbols>& frequencies) {
   return nSymbol;
 }
 
-// nCount symbols as likely as the table says, or any with equal chance: there and back, and no
-// longer than they have to be.
+// Writes nCount symbols and reads them back. They are drawn with the probabilities of the table, or
+// all with equal chance. They must come back and take no more bytes than necessary.
 template <std::size_t kSymbols>
 void CheckRoundTrip(const S_Frequencies<kSymbols>& frequencies, std::size_t nCount,
                     bool bAsLikely) {
@@ -78,9 +78,9 @@ TEST(HeronRangeCoder, UnlikelySymbols_ComeBackAndTakeFifteenBits) {
 
 TEST(HeronRangeCoder, ACertainSymbol_TakesNothing) { CheckRoundTrip(kCertain, 50000, true); }
 
-// The symbols of a sequence whose interval always holds the number that the bytes are: the bytes
-// that go out stay as close below it as they can, and only what follows decides whether a carry
-// turns them over.
+// The symbols of a sequence whose interval always contains the number that the bytes of `number`
+// stand for. The bytes that are written stay as close below that number as they can, and only the
+// symbols that follow decide whether a carry turns them over.
 template <std::size_t kSymbols>
 std::vector<std::size_t> SymbolsAround(S_Bytes number, const S_Frequencies<kSymbols>& frequencies,
                                        std::size_t nCount) {
@@ -138,9 +138,9 @@ TEST(HeronRangeCoder, RawBitsOfEveryWidth_ComeBackAndTakeTheirBits) {
   }
 }
 
-// Calls the operation for each of 200,000 symbols and raw values in a mixture.
-template <typename T_Likely, typename T_Mixed, typename T_Raw>
-void ForEachOfAMixture(T_Likely fnLikely, T_Mixed fnMixed, T_Raw fnRaw) {
+// Calls one of the operations for each of 200,000 symbols and raw values in a mixture.
+template <typename Likely, typename Mixed, typename Raw>
+void ForEachOfAMixture(Likely fnLikely, Mixed fnMixed, Raw fnRaw) {
   C_Random random(4);
   for (int n = 0; n < 200000; ++n) {
     const std::uint32_t nKind = random.Below(3);

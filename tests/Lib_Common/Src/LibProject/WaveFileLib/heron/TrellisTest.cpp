@@ -17,23 +17,24 @@ using S_Levels = std::vector<std::int32_t>;
 
 constexpr std::size_t kLength = 160;
 
-C_FrameBefore SilenceBefore(int nIndex) {
-  C_FrameBefore before(kLength);
+C_PreviousFrame SilenceBefore(int nIndex) {
+  C_PreviousFrame before(kLength);
   before.Begin(nIndex);
   return before;
 }
 
-// What a choice of levels comes to.
+// What a choice of levels amounts to.
 struct S_Outcome {
   double dDistortion = 0;  // squared half steps
   double dBits = 0;
   double dLargestError = 0;  // half steps, of coefficients that did not become zero
 };
 
-// Follows the machine through the frame; fnLevel(k, quantiser, coefficient in half steps) chooses.
-template <typename T_Level>
-S_Outcome Follow(const S_Coefficients& coefficients, int nIndex, T_Level fnLevel) {
-  const C_FrameBefore before = SilenceBefore(nIndex);
+// Runs the state machine through the frame. fnLevel(k, quantiser, coefficient in half steps)
+// chooses each level.
+template <typename Level>
+S_Outcome Follow(const S_Coefficients& coefficients, int nIndex, Level fnLevel) {
+  const C_PreviousFrame before = SilenceBefore(nIndex);
   S_Outcome outcome;
   S_Below below;
   std::size_t nState = kFirstState;
@@ -81,7 +82,7 @@ S_Coefficients RandomCoefficients(std::uint64_t qwSeed, double dMostSteps, int n
   return coefficients;
 }
 
-// What half a squared half step a bit, about what the search takes, makes of both.
+// The cost of both, at about half a squared half step per bit, which is about what the search uses.
 double Cost(const S_Outcome& outcome) { return outcome.dDistortion + 0.48 * outcome.dBits; }
 
 TEST(HeronTrellis, ItsChoice_CostsLessThanTheNearestLevels) {
@@ -101,7 +102,8 @@ TEST(HeronTrellis, ItsChoice_CostsLessThanTheNearestLevels) {
 }
 
 TEST(HeronTrellis, LargeCoefficients_AreDistortedLessThanByAPlainQuantiser) {
-  // A quantiser of step 2 half steps leaves 1/3; the trellis pays nothing more in bits.
+  // A plain quantiser with a step of 2 half steps leaves a distortion of 1/3; the trellis stays
+  // below that without paying for it in bits.
   S_Outcome all;
   for (std::uint64_t qwSeed = 1; qwSeed <= 40; ++qwSeed) {
     all.dDistortion += OfSearch(RandomCoefficients(qwSeed, 1000, 12), 12).dDistortion;

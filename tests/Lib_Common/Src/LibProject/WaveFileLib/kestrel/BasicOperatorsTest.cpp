@@ -16,14 +16,14 @@ constexpr std::int16_t kMax16 = 32767;
 constexpr std::int32_t kMin32 = -2147483647 - 1;
 constexpr std::int32_t kMax32 = 2147483647;
 
-// The same limits, said in floating point: every value here is exact in a double.
+// The same limits, expressed in floating point: every value here is exact in a double.
 int Limited16(double value) { return static_cast<int>(std::clamp(value, -32768.0, 32767.0)); }
 std::int32_t Limited32(double value) {
   return static_cast<std::int32_t>(std::clamp(value, -2147483648.0, 2147483647.0));
 }
 
-template <typename F_Check>
-void ForEach16(F_Check check) {
+template <typename Check>
+void ForEach16(Check check) {
   for (int nValue = -32768; nValue <= 32767; ++nValue) check(static_cast<std::int16_t>(nValue));
 }
 
@@ -77,7 +77,7 @@ TEST(BasicOperators, LMul_DoublesAndSaturatesOnlyAtMinusOneSquared) {
 TEST(BasicOperators, LMac_SaturatesAtEveryStep) {
   EXPECT_EQ(LMac(kMax32, 1, 1), kMax32);
   EXPECT_EQ(LMac(kMin32, 1, -1), kMin32);
-  // A sum limited at its end would come back to the highest value.
+  // If the sum were limited only at its end, it would come back to the highest value.
   EXPECT_EQ(LMac(LMac(kMax32, 1, 1), -1, 1), kMax32 - 2);
   EXPECT_EQ(LMac(-2, kMin16, kMin16), kMax32 - 2);
   EXPECT_EQ(LMac(0, 0, 0), 0);

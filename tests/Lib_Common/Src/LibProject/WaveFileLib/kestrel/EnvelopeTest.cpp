@@ -51,7 +51,7 @@ TEST_P(EnvelopeAtRate, FrameWords_GiveTheIndicesAndTheScaleBack) {
         << nFrame;
     EXPECT_EQ(kMaxWordsPerFrame * kBitsPerWord - reader.BitsLeft(),
               m_stages.Value(nFrame, "envelope_bits"));
-    EXPECT_TRUE(IsSoundEnvelope(envelope, m_nRegions));
+    EXPECT_TRUE(IsValidEnvelope(envelope, m_nRegions));
     EXPECT_EQ(ScaleOf(envelope, m_nRegions).nShift, m_stages.Value(nFrame, "decoded_mag_shift"));
   }
 }
@@ -138,15 +138,15 @@ TEST(ReadEnvelope, PastTheEnd_ReadsZerosAndEnds) {
   EXPECT_LT(reader.BitsLeft(), 0);
 }
 
-TEST(IsSoundEnvelope, LooksAtCodedRegionsOnly) {
+TEST(IsValidEnvelope, LooksAtCodedRegionsOnly) {
   S_Envelope envelope{};
   envelope[3] = -15;
   envelope[7] = 24;
   envelope[8] = 25;
-  EXPECT_TRUE(IsSoundEnvelope(envelope, 8));
-  EXPECT_FALSE(IsSoundEnvelope(envelope, 10));
+  EXPECT_TRUE(IsValidEnvelope(envelope, 8));
+  EXPECT_FALSE(IsValidEnvelope(envelope, 10));
   envelope[3] = -16;
-  EXPECT_FALSE(IsSoundEnvelope(envelope, 8));
+  EXPECT_FALSE(IsValidEnvelope(envelope, 8));
 }
 
 TEST(ScaleOf, QuietFrames_TakeTheLargestShift) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The formulas that the comments of the tables give, against the entries.
+// Compares the table entries with the formulas that the comments of the tables give.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -46,8 +46,8 @@ TEST(Tables, Kernels_AreCosines) {
   ExpectCore(kSynthesisCore, 0.9);
 }
 
-template <typename T_Passes>
-void ExpectRotations(const T_Passes& passes, double scale) {
+template <typename Passes>
+void ExpectRotations(const Passes& passes, double scale) {
   std::size_t nHalfBlock = 10;
   for (const auto& pass : passes) {
     ASSERT_EQ(pass.size(), nHalfBlock);
@@ -109,9 +109,9 @@ void AddTo(std::vector<std::int16_t>& entries, const S_Rotation& rotation) {
   AddTo(entries, rotation.nCosine);
   AddTo(entries, rotation.nMinusSine);
 }
-template <typename T_Row>
-requires requires(const T_Row& row) { row.begin(); }
-void AddTo(std::vector<std::int16_t>& entries, const T_Row& row) {
+template <typename Row>
+requires requires(const Row& row) { row.begin(); }
+void AddTo(std::vector<std::int16_t>& entries, const Row& row) {
   for (const auto& entry : row) AddTo(entries, entry);
 }
 
@@ -121,7 +121,8 @@ std::uint32_t CrcOf(const auto& table) {
   return test::Crc32(entries);
 }
 
-// Speech does not come by every entry: these hold the ones that no stream of the tests uses.
+// Speech does not use every entry: these tests also pin the entries that no stream of the tests
+// uses.
 TEST(Tables, EveryEntryOfTheTransform_IsTheStandards) {
   EXPECT_EQ(CrcOf(kAnalysisWindow), 0x2239E6C5u);
   EXPECT_EQ(CrcOf(kAnalysisBias), 0xFDB7821Fu);
@@ -157,7 +158,7 @@ TEST(Tables, EveryVectorCodeAndTree_IsTheStandards) {
   }
 }
 
-// Bins that are not 0 in a vector index.
+// The number of bins in a vector index that are not 0.
 int NonZeroBins(int nIndex, int nBase) {
   int nCount = 0;
   for (; nIndex > 0; nIndex /= nBase) nCount += nIndex % nBase != 0 ? 1 : 0;

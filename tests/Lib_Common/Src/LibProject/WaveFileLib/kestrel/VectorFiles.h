@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reads the vectors in tests/data/kestrel; its README.md describes the files. A file that is
-// missing or does not parse throws, which fails the test that wanted it.
+// Reads the vectors in tests/data/kestrel; its README.md describes the files. A function throws
+// when its file is missing or does not parse, and that fails the test that wanted the file.
 #pragma once
 
 #include <array>
@@ -28,15 +28,15 @@ inline std::ifstream OpenVectorFile(const std::string& name) {
 }
 
 // Little-endian 16-bit values of a whole file.
-template <typename T_Value>
-std::vector<T_Value> ReadValues(const std::string& name) {
+template <typename Value>
+std::vector<Value> ReadValues(const std::string& name) {
   auto file = OpenVectorFile(name);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  std::vector<T_Value> values;
+  std::vector<Value> values;
   for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
     const auto wLow = static_cast<std::uint8_t>(bytes[i]);
     const auto wHigh = static_cast<std::uint8_t>(bytes[i + 1]);
-    values.push_back(static_cast<T_Value>(static_cast<std::uint16_t>(wHigh << 8 | wLow)));
+    values.push_back(static_cast<Value>(static_cast<std::uint16_t>(wHigh << 8 | wLow)));
   }
   return values;
 }
@@ -60,7 +60,7 @@ inline S_Frame FrameOf(const std::vector<std::int16_t>& samples, int nFrame) {
 
 struct S_Stream {
   std::string name;   // of the .bits file, without its extension
-  std::string input;  // the .pcm file that encodes to it; empty where there is none
+  std::string input;  // the .pcm file that encodes to it; empty when there is no such file
   std::uint32_t dwRate = 0;
   std::size_t nWordsPerFrame = 0;
   std::size_t nFrames = 0;
@@ -112,12 +112,12 @@ class C_Stages {
   [[nodiscard]] int Value(int nFrame, const std::string& name) const {
     return Values(nFrame, name).at(0);
   }
-  template <typename T_Array>
-  [[nodiscard]] T_Array As(int nFrame, const std::string& name) const {
-    T_Array array{};
+  template <typename Array>
+  [[nodiscard]] Array As(int nFrame, const std::string& name) const {
+    Array array{};
     const auto& values = Values(nFrame, name);
     for (std::size_t i = 0; i < values.size(); ++i) {
-      array.at(i) = static_cast<typename T_Array::value_type>(values[i]);
+      array.at(i) = static_cast<typename Array::value_type>(values[i]);
     }
     return array;
   }
@@ -132,16 +132,16 @@ class C_Stages {
 
 inline const std::array<std::uint32_t, 2> kStageRates = {16000, 7200};
 
-template <typename T_Range>
-std::vector<int> ToInts(const T_Range& range, std::size_t nCount) {
+template <typename Range>
+std::vector<int> ToInts(const Range& range, std::size_t nCount) {
   return {std::begin(range), std::next(std::begin(range), static_cast<std::ptrdiff_t>(nCount))};
 }
 
 // CRC-32 (reflected, polynomial 0xEDB88320) of the values as little-endian bytes.
 class C_Crc32 {
  public:
-  template <typename T_Value>
-  void Add(std::span<const T_Value> values) {
+  template <typename Value>
+  void Add(std::span<const Value> values) {
     for (const auto value : values) {
       AddByte(static_cast<std::uint32_t>(value) & 0xFF);
       AddByte(static_cast<std::uint32_t>(value) >> 8 & 0xFF);

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output/DefaultDevice.h"
+
+#include <array>
+
+#include "output/CubebDevice.h"
+
+namespace toolbox {
+namespace {
+
+std::unique_ptr<I_OutputDevice> OpenCubeb(const S_OutputFormat& format, I_DeviceClient& client) {
+  return OpenCubebDevice(format, client);
+}
+
+// Asked in this order.
+constexpr std::array kBackends = {&OpenCubeb};
+
+}  // namespace
+
+std::unique_ptr<I_OutputDevice> OpenDefaultDevice(const S_OutputFormat& format,
+                                                  I_DeviceClient& client) {
+  for (const auto pfnOpen : kBackends) {
+    if (auto device = pfnOpen(format, client)) return device;
+  }
+  return nullptr;
+}
+
+}  // namespace toolbox
