@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Voxplay::flags carries what every target of ours is compiled with: language level, warnings, and
-# the instrumentation that a preset asks for. Nothing is set globally.
+# Voxplay::flags holds what all our targets are compiled with: language level, warnings, and the
+# instrumentation that a preset asks for. Nothing is set globally.
 add_library(voxplay_flags INTERFACE)
 add_library(Voxplay::flags ALIAS voxplay_flags)
 target_compile_features(voxplay_flags INTERFACE cxx_std_20)
@@ -17,8 +17,8 @@ if(VOXPLAY_SANITIZE)
   target_compile_options(voxplay_flags INTERFACE
     -fsanitize=${VOXPLAY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(voxplay_flags INTERFACE -fsanitize=${VOXPLAY_SANITIZE})
-  # With its checks compiled in, GCC sees values as unset that are not, in the standard library's own
-  # headers; the build without sanitizers keeps the warning.
+  # With the sanitizer's checks compiled in, GCC wrongly warns of unset values in the standard
+  # library's own headers. The build without sanitizers keeps the warning.
   target_compile_options(voxplay_flags INTERFACE
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   if(VOXPLAY_SANITIZE MATCHES "undefined")
@@ -26,7 +26,7 @@ if(VOXPLAY_SANITIZE)
   endif()
 endif()
 if(VOXPLAY_FUZZERS)
-  # Coverage guidance reaches as far as this flag: into every target, not only into the fuzzers.
+  # This flag gives coverage guidance to every target, not only to the fuzzers.
   target_compile_options(voxplay_flags INTERFACE -fsanitize=fuzzer-no-link)
   target_link_options(voxplay_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
@@ -35,8 +35,8 @@ if(VOXPLAY_COVERAGE)
   target_link_options(voxplay_flags INTERFACE --coverage)
 endif()
 
-# For code that only calculates: without the optimiser, it takes the tests of a debug build most of
-# their time.
+# For code that only calculates. Without the optimiser, it takes up most of the time of the tests in
+# a debug build.
 add_library(voxplay_arithmetic INTERFACE)
 add_library(Voxplay::arithmetic ALIAS voxplay_arithmetic)
 target_compile_options(voxplay_arithmetic INTERFACE $<$<CONFIG:Debug>:-O1>)

@@ -1,18 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Turns any sound file that the library reads into a WAV file, or into a Kestrel file at a bit
-// rate:
+// Turns any sound file that the library reads into a WAV file, or into a Kestrel file. From a fresh
+// clone:
 //
-//   cmake --build --preset dev --target convert
-//   build/dev/bin/convert speech.kst speech.wav
-//   build/dev/bin/convert speech.wav speech.kst 16000
+//   scripts/install-deps.sh library
+//   cmake --preset library
+//   cmake --build --preset library --target convert
+//   build/library/bin/convert samples/Test.kst hello.wav
+//   build/library/bin/convert hello.wav hello.kst 16000
+//
+// The target's extension says what is written: ".wav" or ".kst". A target that exists already stays
+// as it is.
 //
 // Kestrel is made for speech at 16 kHz. Sound at another rate is not resampled: it is encoded as it
 // is, and plays at its own speed because the file names its rate.
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <string_view>
 
 #include "WavFileFormat.h"
+#include "codec/KestrelCodec.h"
 #include "file/SpHeader.h"
 
 namespace {
@@ -40,17 +50,67 @@ bool ConvertToKestrel(const char* pszSource, const char* pszTarget, unsigned int
   return bDone && PrependSpHeader(header, pszTarget);
 }
 
-bool Run(int argc, char** argv) {
-  if (argc == 3) return ConvertToWav(argv[1], argv[2]);
-  if (argc != 4) return false;
-  const auto dwBitRate = static_cast<unsigned int>(std::strtoul(argv[3], nullptr, 10));
-  return ConvertToKestrel(argv[1], argv[2], dwBitRate);
+int Fail(const std::string& strWhy) {
+  static_cast<void>(std::fprintf(stderr, "convert: %s\n", strWhy.c_str()));
+  return EXIT_FAILURE;
+}
+
+int Usage() {
+  static_cast<void>(
+      std::fputs("usage: convert IN OUT.wav | convert IN OUT.kst [BITRATE]\n", stderr));
+  return EXIT_FAILURE;
+}
+
+// 0 for a text that is no bit rate which Kestrel encodes at.
+unsigned int BitRateOf(std::string_view text) {
+  unsigned int dwBitRate = 0;
+  const char* const pEnd = text.data() + text.size();
+  const auto [pStop, error] = std::from_chars(text.data(), pEnd, dwBitRate);
+  const bool bNumber = error == std::errc() && pStop == pEnd;
+  return bNumber && C_KestrelCodec().IsSupportedBitRate(dwBitRate) ? dwBitRate : 0;
+}
+
+// Why the source cannot be converted; empty when the library reads it and it holds samples.
+std::string WhyNot(const char* pszSource) {
+  std::FILE* const pFile = std::fopen(pszSource, "rb");
+  if (pFile == nullptr) return std::string(pszSource) + " cannot be opened";
+  static_cast<void>(std::fclose(pFile));
+  C_WavFileFormat format;
+  const C_WavFilePtr file(format.CreateWavFile(pszSource, true, true, nullptr, nullptr));
+  if (!file) return std::string(pszSource) + " is no sound file that the library reads";
+  if (file->GetWavInfo()->GetSampleSize() == 0) return std::string(pszSource) + " holds no samples";
+  return {};
+}
+
+int Run(const char* pszSource, const char* pszTarget, const char* pszBitRate) {
+  const std::string strExtension = std::filesystem::path(pszTarget).extension().string();
+  const bool bKestrel = strExtension == ".kst";
+  if (!bKestrel && strExtension != ".wav") {
+    return Fail(std::string(pszTarget) + " ends neither in .wav nor in .kst");
+  }
+  if (pszBitRate != nullptr && !bKestrel) return Fail("a WAV file has no bit rate to choose");
+  unsigned int dwBitRate = C_KestrelCodec::kDefaultBitRate;
+  if (pszBitRate != nullptr) dwBitRate = BitRateOf(pszBitRate);
+  if (dwBitRate == 0) {
+    return Fail(std::string(pszBitRate) +
+                " is none of Kestrel's bit rates: 7200, 9600, 12000, 14400, 16000, 20000, 24000, "
+                "32000");
+  }
+  std::error_code error;
+  if (std::filesystem::exists(std::filesystem::symlink_status(pszTarget, error))) {
+    return Fail(std::string(pszTarget) + " exists already");
+  }
+  if (const std::string strWhy = WhyNot(pszSource); !strWhy.empty()) return Fail(strWhy);
+  const bool bDone = bKestrel ? ConvertToKestrel(pszSource, pszTarget, dwBitRate)
+                              : ConvertToWav(pszSource, pszTarget);
+  if (bDone) return EXIT_SUCCESS;
+  std::filesystem::remove(pszTarget, error);  // what a full disk has left
+  return Fail(std::string(pszTarget) + " could not be written");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (Run(argc, argv)) return EXIT_SUCCESS;
-  static_cast<void>(std::fputs("usage: convert IN OUT.wav | convert IN OUT.kst BITRATE\n", stderr));
-  return EXIT_FAILURE;
+  if (argc != 3 && argc != 4) return Usage();
+  return Run(argv[1], argv[2], argc == 4 ? argv[3] : nullptr);
 }

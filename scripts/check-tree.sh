@@ -74,6 +74,34 @@ done < <(find "${rooms[@]}" Lib_Common/Src/LibProject/FileUtil player -maxdepth 
 if grep -nE '\b(TODO|FIXME|XXX)\b' "${sources[@]}"; then fail "unfinished work is marked"; fi
 if grep -nE '\b(GTEST_SKIP|DISABLED_)' "${sources[@]}"; then fail "a test is switched off"; fi
 
+
+# What is the same everywhere, as far as clang-format and clang-tidy do not see to it.
+comparison='(EXPECT|ASSERT)_(EQ|NE|STREQ|STRNE|LT|LE|GT|GE|NEAR|DOUBLE_EQ|FLOAT_EQ)'
+constant="-?[0-9][0-9a-fA-FxXuUlL.']*|\"[^\"]*\"|'[^']+'|true|false|nullptr|noErr"
+if grep -nE "$comparison\(($constant), " "${sources[@]}"; then
+  fail "an expectation expects the constant first; the actual value comes first"
+fi
+# A body on its own line has braces, and a short one without a comment stands on the line above.
+if ! awk -v most=100 '
+  function indent(line) { return match(line, /[^ ]/) }
+  function is_head(line) {
+    return line ~ /^ *(for|while|if) / && gsub(/\(/, "(", line) == gsub(/\)/, ")", line)
+  }
+  FNR == 1 { before = above = "" }
+  is_head(above) && above ~ /\)$/ && indent($0) == indent(above) + 2 && !/^ *(\{|\/\/)/ {
+    print FILENAME ":" FNR ": a body on its own line has no braces"; bad = 1
+  }
+  is_head(before) && before ~ /\) \{$/ && /^ *}$/ && indent($0) == indent(before) &&
+    above ~ /;$/ && before above !~ /\/\// && indent(above) == indent(before) + 2 &&
+    above !~ /^ *(for|while|if|do|switch|case|else|EXPECT|ASSERT)/ &&
+    length(before) - 1 + length(above) - indent(above) + 1 <= most {
+    print FILENAME ":" FNR - 1 ": this body fits on the line above"; bad = 1
+  }
+  { before = above; above = $0 }
+  END { exit bad }' "${sources[@]}"; then
+  fail "a body is not laid out as everywhere else"
+fi
+
 while IFS= read -r file; do fail "$file is larger than 1.9 MB"; done < <(
   find . \( -path ./build -o -path ./.git \) -prune -o -type f -size +1900k -print)
 
@@ -83,7 +111,14 @@ snippet=$(sed -n '/^```cpp$/,/^```$/p' README.md | sed '/^```/d')
   fail "the README's code is not part of examples/convert.cpp"
 
 # Every kept oddity names the test that pins it, and the test exists.
-tests=$(cat $(find tests -name '*.cpp'))
+# Macros may span lines: join them first.
+mapfile -t names < <(find tests -name '*.cpp' -exec cat {} + | tr '\n' ' ' |
+  grep -oE '\<(TYPED_)?TEST(_[FP])?\( *[A-Za-z0-9_]+, *[A-Za-z0-9_]+' | sed 's/.*, *//')
+declare -A is_test
+for name in "${names[@]}"; do
+  is_test[$name]=1
+  [[ $name =~ ^[A-Z][A-Za-z0-9]*_[A-Za-z0-9_]+$ ]] || fail "the test name $name does not have the form What_Outcome"
+done
 mapfile -t keeping < <(grep -lE 'Kept:|Pinned by' "${code[@]}")
 for file in "${keeping[@]}"; do
   # Comments flow over lines: join them first.
@@ -94,7 +129,7 @@ for file in "${keeping[@]}"; do
   ((${#pins[@]} >= kept)) || fail "$file: $kept times Kept:, ${#pins[@]} times Pinned by"
   for pin in "${pins[@]}"; do
     for name in ${pin//,/ }; do
-      [[ $name == and ]] || grep -qwF "$name" <<<"$tests" || fail "$file: no test is called $name"
+      [[ $name == and || -n ${is_test[$name]:-} ]] || fail "$file: no test is called $name"
     done
   done
 done

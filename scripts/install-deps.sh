@@ -5,26 +5,29 @@
 # all of them are there.
 #
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
+#   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
 #   scripts/install-deps.sh bench    what builds the player, the benchmarks and what they compare with
 #   scripts/install-deps.sh coverage what the tests need and the coverage reporter
 set -euo pipefail
 
+library=(g++ cmake make)
 # cubeb finds the sound service's client library at run time, so no package depends on it.
-player=(g++ cmake make pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
+player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
 tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
   ffmpeg)
 ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev)
 
 case "${1:-player}" in
+  library) wanted=("${library[@]}") ;;
   player) wanted=("${player[@]}") ;;
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
   bench) wanted=("${player[@]}" libbenchmark-dev ffmpeg wavpack valgrind) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   *)
-    echo "usage: ${0##*/} [player|test|ci|bench|coverage]" >&2
+    echo "usage: ${0##*/} [player|library|test|ci|bench|coverage]" >&2
     exit 2
     ;;
 esac

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Runs clang-tidy over the given sources; when none is given over all but the tests, for which walking
-# the test framework takes as long as everything else. Two compilers and the sanitizers check those.
+# Runs clang-tidy over the given sources. When no file is given, it checks everything but the tests,
+# because walking through the test framework takes as long as everything else. Two compilers and the
+# sanitizers check the tests.
 #
 #   scripts/tidy.sh [FILE...]
 #   scripts/tidy.sh --all        the tests, too
@@ -12,14 +13,15 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 
-# Configured only, never built: a database whose flags clang understands, for every target there is.
+# This preset is only configured, never built. It gives a database of every target, with flags that
+# clang understands.
 cmake --preset tidy >"$log" 2>&1 || {
   cat "$log" >&2
   exit 1
 }
 database=build/tidy/compile_commands.json
 
-# A source that several targets build is checked as the first of them builds it, not once for each.
+# A source that several targets build is checked only once, as the first of them builds it.
 mkdir -p build/tidy/once
 awk 'BEGIN { printf "[" }
   /^\{/ { entry = ""; next }
@@ -37,13 +39,14 @@ check() {
 export -f check
 
 if [[ ${1:-} == --all ]]; then
-  scripts/sources.sh cpp
+  # A consumer of the library is a project of its own.
+  scripts/sources.sh cpp | grep -zv '^\./tests/consumer/'
 elif (($#)); then
   for file in "$@"; do (cd "$here" && realpath -z --relative-to="$OLDPWD" "$file"); done
 else
   scripts/sources.sh cpp | grep -zv '^\./tests/'
 fi >"$log"
-# A source that no target builds would be checked with guessed flags: it is an error by itself.
+# A source that no target builds would be checked with guessed flags, so it counts as an error.
 while IFS= read -r -d '' file; do
   grep -qF "\"file\": \"$PWD/${file#./}\"" "$database" || {
     echo "tidy: no target builds $file" >&2

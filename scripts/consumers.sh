@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Checks that the library can be used without the player: built by itself where no audio package can
+# be found, and as a subfolder of another project, with position-independent archives and with shared
+# libraries.
+#
+#   scripts/consumers.sh
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+scripts/install-deps.sh library
+jobs=$(nproc)
+
+# What the player's packages are found by is switched off.
+cmake --preset library -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
+cmake --build --preset library --parallel "$jobs"
+
+build() {
+  local folder=build/consumer-$1
+  shift
+  cmake -S tests/consumer -B "$folder" "$@"
+  cmake --build "$folder" --parallel "$jobs"
+  ctest --test-dir "$folder" --output-on-failure
+  # The consumer's own test is the only one: the library brings none along.
+  [[ $(ctest --test-dir "$folder" -N) == *"Total Tests: 1" ]] || {
+    echo "consumers: the library brings its tests into a consumer's project" >&2
+    exit 1
+  }
+}
+build archives -DCMAKE_POSITION_INDEPENDENT_CODE=ON
+build shared -DBUILD_SHARED_LIBS=ON
