@@ -37,7 +37,7 @@ void C_PcmQueue::Read(void* pDestination, std::uint32_t cbWanted) {
   if (cbTaken != 0) std::memcpy(pDestination, m_pbyBase, cbTaken);
   // Kept: every read moves the rest to the front through a copy and clears the whole block. That
   // way the bytes after the held ones are silence, whoever looks at the block, and no index can go
-  // astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockBehindIt.
+  // astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockAfterIt.
   const auto rest = std::make_unique_for_overwrite<std::uint8_t[]>(cbRest);
   std::memcpy(rest.get(), m_pbyBase + cbTaken, cbRest);
   std::memset(m_pbyBase, 0, kBlockBytes);

@@ -183,7 +183,7 @@ TEST_F(CLArray, Add_TakesItsResultFromTheOverriddenGetSize) {
   list.nExtra = 0;
 }
 
-TEST_F(CLArray, RemoveAll_WalksToTheOverriddenGetSizeAndClearsOnlyBehindTheWalk) {
+TEST_F(CLArray, RemoveAll_WalksToTheOverriddenGetSizeAndClearsOnlyAfterTheWalk) {
   C_StretchedList list;
   Fill(list, 2);
   list.nExtra = 1;
@@ -203,7 +203,7 @@ TEST_F(CLArray, Destruction_IgnoresAnOverriddenGetSize) {
   EXPECT_EQ(g_deleted, (std::vector{0, 1}));
 }
 
-TEST_F(CLArray, InsertAt_PutsCopiesInFrontOfThePosition) {
+TEST_F(CLArray, InsertAt_PutsCopiesBeforeThePosition) {
   C_Item first(1);
   C_Item second(2);
   BorrowingList list;
@@ -243,7 +243,7 @@ TEST_F(CLArray, GetItemByIndex_ConvertsToTheInterface) {
   EXPECT_EQ(pItem, static_cast<I_Item*>(list.GetAt(0)));
 }
 
-TEST_F(CLArray, KeepIf_RemovesWhatIsRefusedAndKeepsTheOrder) {
+TEST_F(CLArray, KeepIf_RemovesRefusedItemsAndKeepsTheOrder) {
   OwningList list;
   Fill(list, 7);
   vcm::KeepIf(list, [](C_Item* pItem) { return pItem->Number() % 3 != 0; });

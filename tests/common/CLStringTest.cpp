@@ -101,7 +101,7 @@ TEST(Ssadd, OwnTextWithEmbeddedNul_AppendsUpToTheNul) {
   EXPECT_EQ(s.size(), 7u);
 }
 
-TEST(StdStr, IsAStdStringThatConvertsToACString) {
+TEST(StdStr, Type_IsAStdStringThatConvertsToACString) {
   EXPECT_TRUE((std::is_base_of_v<std::string, CStdStr<char>>));
   EXPECT_TRUE((std::is_convertible_v<CStdStr<char>, const char*>));
   const CStdStr<char> s("abc");

@@ -65,7 +65,7 @@ TEST(TempFile, CreateExclusive_MakesAPrivateFile) {
   EXPECT_EQ(info.st_mode & 07777, static_cast<mode_t>(S_IRUSR | S_IWUSR));
 }
 
-TEST(TempFile, CreateExclusive_RefusesWhatIsThere) {
+TEST(TempFile, CreateExclusive_RefusesWhatExists) {
   const C_TempFolder folder;
   folder.Write("file", {1, 2, 3});
   EXPECT_FALSE(vcm::CreateExclusive(folder.Path("file")));

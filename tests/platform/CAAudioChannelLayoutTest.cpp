@@ -129,7 +129,7 @@ TEST(CAAudioChannelLayoutTest, BytesThatEndBeforeWhatTheyCount_AreNoLayout) {
   }
 }
 
-TEST(CAAudioChannelLayoutTest, BytesBehindWhatIsCounted_AreLeftOut) {
+TEST(CAAudioChannelLayoutTest, BytesAfterTheCountedOnes_AreLeftOut) {
   C_LayoutBytes bytes = LayoutBytes(0, 0, 1, {kLeft, kPlaced});
   bytes.resize(bytes.size() + 3, 0xFF);
   const CAAudioChannelLayout layout = FromBytes(bytes);
@@ -137,7 +137,7 @@ TEST(CAAudioChannelLayoutTest, BytesBehindWhatIsCounted_AreLeftOut) {
   EXPECT_EQ(TextOf(layout), std::string("\tTag=0x0, Num Chan Descs=1\n") + kLeftText);
 }
 
-TEST(CAAudioChannelLayoutTest, BytesMayLieAnywhere) {
+TEST(CAAudioChannelLayoutTest, Bytes_MayLieAnywhere) {
   C_LayoutBytes bytes = LayoutBytes(0, 0, 1, {kPlaced});
   bytes.insert(bytes.begin(), 0xFF);
   EXPECT_EQ(TextOf(CAAudioChannelLayout::FromBytes(bytes.data() + 1, bytes.size() - 1)),

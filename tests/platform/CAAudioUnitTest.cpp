@@ -38,7 +38,7 @@ TEST(CAAudioUnitTest, AnEmptyWrapper_IsRefusedByTheToolbox) {
   EXPECT_NE(empty.SetSampleRate(kAudioUnitScope_Output, 0, 44100), noErr);
 }
 
-TEST(CAAudioUnitTest, PrintsItsUnitItsNodeAndTheUnitsComponent) {
+TEST(CAAudioUnitTest, Print_WritesTheUnitItsNodeAndTheUnitsComponent) {
   const CAComponent component(kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput,
                               kAudioUnitManufacturer_Apple);
   AudioUnit unit = nullptr;

@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(CAComponentTest, FindsWhatExists) {
+TEST(CAComponentTest, Constructor_FindsWhatExists) {
   const CAComponent player(kAudioUnitType_Generator, kAudioUnitSubType_AudioFilePlayer,
                            kAudioUnitManufacturer_Apple);
   EXPECT_TRUE(player.IsValid());
@@ -20,7 +20,7 @@ TEST(CAComponentTest, FindsWhatExists) {
   EXPECT_FALSE(CAComponent().IsValid());
 }
 
-TEST(CAComponentTest, PrintsItsAddressItsNamesAndItsDescription) {
+TEST(CAComponentTest, Print_WritesItsAddressItsNamesAndItsDescription) {
   const CAComponent output(kAudioUnitType_Output, kAudioUnitSubType_DefaultOutput,
                            kAudioUnitManufacturer_Apple);
   EXPECT_EQ(Printed([&](std::FILE* p) { output.Print(p); }),

@@ -227,7 +227,7 @@ TEST(StreamTextTest, ABufferOfExactlyThatSize_IsAllThatIsNeeded) {
   }
 }
 
-TEST(StreamTextTest, ABufferThatTheHeadFills_EndsBehindTheHead) {
+TEST(StreamTextTest, BufferThatTheHeadFills_EndsAfterTheHead) {
   const std::string strHead = " 2 ch,  44100 Hz, 'lpcm' (0x00000029) ";
   ASSERT_EQ(strHead.size(), 38U);
   std::array<char, 40> text{};

@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(CAXExceptionTest, CarriesTheOperationAndTheStatus) {
+TEST(CAXExceptionTest, Exception_CarriesTheOperationAndTheStatus) {
   const CAXException thrown("AUGraphStart", -10867);
   EXPECT_STREQ(thrown.Operation(), "AUGraphStart");
   EXPECT_STREQ(thrown.what(), "AUGraphStart");

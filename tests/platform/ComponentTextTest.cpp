@@ -59,7 +59,7 @@ TEST_F(ComponentText, TheFirstColonWithABlank_EndsTheManufacturer) {
   EXPECT_EQ(PrintedNames("Acme:  Echo"), ", Manu:Acme, Name: Echo");
 }
 
-TEST_F(ComponentText, NamesAreTakenAsTheyAre) {
+TEST_F(ComponentText, Names_AreTakenAsTheyAre) {
   EXPECT_EQ(PrintedNames("100%s: %n\n"), ", Manu:100%s, Name:%n\n");
   EXPECT_EQ(PrintedNames("M\xC3\xBCller: Echo"), ", Manu:M\xC3\xBCller, Name:Echo");
   const std::string strLong(5000, 'x');
@@ -82,7 +82,7 @@ TEST_F(ComponentText, ANameThatCannotBeHad_IsNotPrinted) {
   EXPECT_EQ(m_toolbox.Count("CFRelease(name)"), 2);
 }
 
-TEST_F(ComponentText, ANameIsAskedForInUtf8AndReleasedOnce) {
+TEST_F(ComponentText, Name_IsAskedForInUtf8AndReleasedOnce) {
   m_toolbox.strComponentName = "Acme: Echo";
   const CAComponent component(kDescription);
   m_toolbox.ClearLog();

@@ -55,7 +55,7 @@ TEST(FourCharCodeTest, WhatCanBePrinted_IsAsciiWithoutTheBackslash) {
   }
 }
 
-TEST(FourCharCodeTest, NothingIsWrittenBehindTheRoom) {
+TEST(FourCharCodeTest, Text_IsNeverWrittenBeyondTheRoom) {
   for (const UInt32 dwCode : {0x6C70636DU, 1U, 0xFFFFFFFFU}) {
     std::array<char, kFourCharCodeRoom + 8> buffer{};
     buffer.fill('#');

@@ -126,7 +126,7 @@ TEST_F(CommandLine, SpeechWithoutFrames_IsADecodingFailure) {
   ExpectFailure(m_folder.Write("x.kst", C_SpBytes().Stream(stream).Take()), kDecodeFailed, -2);
 }
 
-TEST_F(CommandLine, OtherCodecBehindTheHeader_IsADecodingFailure) {
+TEST_F(CommandLine, OtherCodecAfterTheHeader_IsADecodingFailure) {
   ExpectFailure(m_folder.Write("x.kst", C_SpBytes().ID(99).Stream(SpeechOf(3).stream).Take()),
                 kDecodeFailed, -2);
 }
@@ -174,7 +174,7 @@ TEST_F(CommandLine, LengthOfSpeech_DecodesItFirst) {
   EXPECT_EQ(C_Bytes(wav.begin() + 44, wav.end()), speech.pcm);
 }
 
-TEST_F(CommandLine, LengthTakesNoTime) {
+TEST_F(CommandLine, Length_TakesNoTime) {
   const std::string strPath = m_folder.Write("x.wav", WavOf(16000, 1, Silence(16000 * 300)));
   const S_Run run = Run({strPath, "2"});
   EXPECT_EQ(run.strOut, "file duration: 300.000000 secs\nLength:300\n");
@@ -202,7 +202,7 @@ TEST_F(CommandLine, NormalModeOfSpeech_TakesAsLongAsTheSound) {
   EXPECT_EQ(C_Bytes(wav.begin() + 44, wav.end()), speech.pcm);
 }
 
-TEST_F(CommandLine, DecodedFile_IsItsOwnersAlone) {
+TEST_F(CommandLine, DecodedFile_IsReadableByItsOwnerOnly) {
   ExpectRun({m_folder.Write("x.kst", SpeechOf(1).file), "2"},
             "file duration: 0.020000 secs\nLength:0\n", 0);
   ASSERT_EQ(m_temp.NewFiles().size(), 1U);
@@ -355,7 +355,7 @@ TEST_F(CommandLine, RealTimeModeOfABareStream_LeavesItsCopy) {
   EXPECT_EQ(copy, speech.file);
 }
 
-TEST_F(CommandLine, RealTimeModeSaysPlayingFirst) {
+TEST_F(CommandLine, RealTimeMode_SaysPlayingFirst) {
   const S_Run run = Run({m_folder.Path("missing.kst"), "1"});
   EXPECT_EQ(run.strOut, kPlayed);
   EXPECT_GE(run.dSeconds - run.dFirstOutput, 1.0);
@@ -437,7 +437,7 @@ TEST_F(CommandLine, WithoutADevice_ATerminalIsToldWhenPlaybackStarts) {
   EXPECT_EQ(length.strErr, "");
 }
 
-TEST(Program, CarriesEveryMessageAndOperationText) {
+TEST(Program, Executable_CarriesEveryMessageAndOperationText) {
   const C_Bytes program = ReadFile(VOXPLAY_PLAYER);
   for (const char* pszText : {"Play input file failed !!",
                               "Load Voxplay.dll failed !!",
@@ -471,7 +471,7 @@ TEST(Program, CarriesEveryMessageAndOperationText) {
         << pszText;
 }
 
-TEST(Program, IsCalledVoxplaySampleCode) {
+TEST(Program, Executable_IsCalledVoxplaySampleCode) {
   EXPECT_EQ(std::filesystem::path(VOXPLAY_PLAYER).filename(), "VoxplaySampleCode");
 }
 

@@ -16,7 +16,7 @@ std::string ProgramBytes() {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-TEST(DiagnosticTexts, AreNotInTheProgram) {
+TEST(DiagnosticTexts, Texts_AreNotInTheProgram) {
   const std::string strProgram = ProgramBytes();
   const auto Holds = [&](const char* psz) { return strProgram.find(psz) != std::string::npos; };
   ASSERT_TRUE(Holds("Playing..."));

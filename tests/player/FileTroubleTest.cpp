@@ -102,7 +102,7 @@ TEST_F(FileTrouble, AWavFileThatChangesWhileItPlays_IsPolledToTheEndItHad) {
                  "file duration: 0.500000 secs\nPlaying...Finished\n", 0.5, 0ms);
 }
 
-TEST_F(FileTrouble, AFileThatWasDecodedFirst_IsNotNeededAnyMore) {
+TEST_F(FileTrouble, FileThatWasDecodedFirst_IsNoLongerNeeded) {
   ChangeEveryWay(".kst", m_speech.file, "0", "file duration: 0.300000 secs\nPlaying...Finished\n",
                  0.3, 0ms);
 }

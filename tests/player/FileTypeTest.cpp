@@ -35,14 +35,14 @@ class FileType : public ::testing::Test {
   const std::pair<bool, unsigned char> kRefused = {false, kUntouched};
 };
 
-TEST_F(FileType, FiveKindsArePlayedAsTheyAre) {
+TEST_F(FileType, FiveKinds_ArePlayedAsTheyAre) {
   for (const char* pszExt :
        {"mp3", "wma", "wav", "mid", "vea", "MP3", "WMA", "WAV", "MID", "VEA"}) {
     EXPECT_EQ(Check(std::string("sound.") + pszExt), kPlayed) << pszExt;
   }
 }
 
-TEST_F(FileType, TwentyOneKindsAreDecodedFirst) {
+TEST_F(FileType, TwentyOneKinds_AreDecodedFirst) {
   const std::vector<const char*> extensions = {"plv", "kst", "rok", "hrn", "trn", "wrn", "fnc",
                                                "rbn", "crn", "ibs", "egr", "dnl", "nv4", "nv5",
                                                "mv4", "mv5", "nvp", "nva", "adp", "pcm", "ref"};
@@ -52,7 +52,7 @@ TEST_F(FileType, TwentyOneKindsAreDecodedFirst) {
   }
 }
 
-TEST_F(FileType, CaseDoesNotMatter) {
+TEST_F(FileType, Case_DoesNotMatter) {
   EXPECT_EQ(Check("song.mp3"), kPlayed);
   EXPECT_EQ(Check("Song.Mp3"), kPlayed);
   EXPECT_EQ(Check("SONG.MP3"), kPlayed);
@@ -62,7 +62,7 @@ TEST_F(FileType, CaseDoesNotMatter) {
   EXPECT_EQ(Check("speech.nV4"), kDecoded);
 }
 
-TEST_F(FileType, OtherExtensionsAreRefusedAndTheByteStays) {
+TEST_F(FileType, OtherExtensions_AreRefusedAndTheByteStays) {
   for (const char* pszName :
        {"x.vef", "x.raw", "x.wave", "x.aiff", "x.ogg", "x.flac", "x.opus", "x.txt", "x.kst2",
         "x.kst ", "x. kst", "x.k", "x.ks", "x.wa", "x.wavx", "x.mp33", "x.mp4", "x.hrn\n"}) {
@@ -70,13 +70,13 @@ TEST_F(FileType, OtherExtensionsAreRefusedAndTheByteStays) {
   }
 }
 
-TEST_F(FileType, NoExtensionIsRefused) {
+TEST_F(FileType, MissingExtension_IsRefused) {
   EXPECT_EQ(Check("speech."), kRefused);
   EXPECT_EQ(Check("kst"), kRefused);
   EXPECT_EQ(Check("wav"), kRefused);
 }
 
-TEST_F(FileType, OnlyTheLastDotCounts) {
+TEST_F(FileType, SeveralDots_CountAsTheLastOnly) {
   EXPECT_EQ(Check("a.kst.wav"), kPlayed);
   EXPECT_EQ(Check("a.wav.kst"), kDecoded);
   EXPECT_EQ(Check("x.tar.gz.MP3"), kPlayed);
@@ -102,12 +102,12 @@ TEST_F(FileType, FolderWithAKnownExtension_Passes) {
   EXPECT_EQ(CheckPath(m_folder.Path("x.wav")), kPlayed);
 }
 
-TEST_F(FileType, DotInTheFolderNameAlone_IsRefused) {
+TEST_F(FileType, DotOnlyInTheFolderName_IsRefused) {
   std::filesystem::create_directory(m_folder.Path("dir.wav"));
   EXPECT_EQ(Check("dir.wav/file"), kRefused);
 }
 
-TEST_F(FileType, SymbolicLinkIsFollowed) {
+TEST_F(FileType, SymbolicLink_IsFollowed) {
   m_folder.Write("there", {1});
   ASSERT_EQ(symlink(m_folder.Path("there").c_str(), m_folder.Path("link.kst").c_str()), 0);
   EXPECT_EQ(CheckPath(m_folder.Path("link.kst")), kDecoded);
@@ -116,7 +116,7 @@ TEST_F(FileType, SymbolicLinkIsFollowed) {
 }
 
 // Opening a pipe for reading would wait for a writer.
-TEST_F(FileType, TheContentIsNotRead) {
+TEST_F(FileType, Content_IsNotRead) {
   ASSERT_EQ(mkfifo(m_folder.Path("pipe.wav").c_str(), 0600), 0);
   EXPECT_EQ(CheckPath(m_folder.Path("pipe.wav")), kPlayed);
 }
@@ -143,7 +143,7 @@ TEST_F(FileType, HugeNames_AreRefused) {
   EXPECT_EQ(CheckPath("." + std::string(5000, 'k')), kRefused);
 }
 
-TEST(GetFileExt, GivesTheTextAfterTheLastDot) {
+TEST(GetFileExt, Extension_IsTheTextAfterTheLastDot) {
   char szExt[1024] = {};
   EXPECT_STREQ(GetFileExt("a.b.kst", szExt), "kst");
   EXPECT_EQ(GetFileExt("a.b.kst", szExt), szExt);

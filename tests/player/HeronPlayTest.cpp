@@ -64,7 +64,7 @@ class HeronPlay : public testing::TestWithParam<S_Kind> {
 };
 INSTANTIATE_TEST_SUITE_P(Kinds, HeronPlay, testing::ValuesIn(kKinds), heron::test::NameOf);
 
-TEST_P(HeronPlay, FileBehindAnSpHeader_PlaysWithFourFiveOrSixBits) {
+TEST_P(HeronPlay, FileAfterAnSpHeader_PlaysWithFourFiveOrSixBits) {
   const C_Bytes stream = Stream(GetParam());
   const auto wID = static_cast<std::uint16_t>(GetParam().eType);
   const std::string strPath =

@@ -48,7 +48,7 @@ TEST(PcmQueue, New_IsEmptyAndAllZero) {
   EXPECT_TRUE(IsZero(queue.GetBase(), kBlock));
 }
 
-TEST(PcmQueue, Write_AppendsBehindWhatIsHeld) {
+TEST(PcmQueue, Write_AppendsAfterTheHeldBytes) {
   C_PcmQueue queue;
   queue.Write("abcd", 4);
   EXPECT_EQ(queue.GetCount(), 4U);
@@ -66,7 +66,7 @@ TEST(PcmQueue, WriteOfNothing_ChangesNothing) {
   EXPECT_EQ(Held(queue), "x");
 }
 
-TEST(PcmQueue, Read_MovesTheRestToTheBaseAndClearsTheBlockBehindIt) {
+TEST(PcmQueue, Read_MovesTheRestToTheBaseAndClearsTheBlockAfterIt) {
   C_PcmQueue queue;
   queue.Write("abcdef", 6);
   std::array<char, 4> taken{};
@@ -104,7 +104,7 @@ TEST(PcmQueue, ReadOfAnEmptyQueue_TouchesNothing) {
   EXPECT_EQ(strTaken, std::string(64, '\xAA'));
 }
 
-TEST(PcmQueue, HoldsOneByteLessThanTheBlock) {
+TEST(PcmQueue, Queue_HoldsOneByteLessThanTheBlock) {
   C_PcmQueue queue;
   std::vector<std::uint8_t> data(kBlock - 1);
   std::iota(data.begin(), data.end(), std::uint8_t{0});

@@ -121,7 +121,7 @@ TEST_F(RealTimePlayer, FileThatTheLibraryKnows_IsProbedAndDecodedWhereItIs) {
   EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
 }
 
-TEST_F(RealTimePlayer, OutputIsSetUpBeforeTheFileIsProbed) {
+TEST_F(RealTimePlayer, Output_IsSetUpBeforeTheFileIsProbed) {
   m_library.onCreate = [this](const char* /*pszPath*/, PFN_DecodedData pfnData) {
     if (pfnData == nullptr) {
       EXPECT_EQ(m_toolbox.Log(), kSetUp);
@@ -147,7 +147,7 @@ TEST_F(RealTimePlayer, FailingSetUp_ReturnsOneAndDisposesOfNothing) {
   EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
 }
 
-TEST_F(RealTimePlayer, WhatIsDecoded_IsPlayedWholeAndInOrder) {
+TEST_F(RealTimePlayer, DecodedSamples_ArePlayedWholeAndInOrder) {
   std::vector<UInt8> bytes(64000);
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<UInt8>(1 + i * 5 % 251);
   DecodesTo(bytes, 640);
@@ -161,7 +161,7 @@ TEST_F(RealTimePlayer, WhatIsDecoded_IsPlayedWholeAndInOrder) {
   EXPECT_TRUE(std::all_of(played.begin() + 64000, played.end(), [](UInt8 by) { return by == 0; }));
 }
 
-TEST_F(RealTimePlayer, DecodingGoesOnAfterTheHeadStart) {
+TEST_F(RealTimePlayer, Decoding_GoesOnAfterTheHeadStart) {
   m_library.onCreate = [this](const char* /*pszPath*/, PFN_DecodedData pfnData) {
     if (pfnData == nullptr) return;
     char szPiece[] = "early";
@@ -181,7 +181,7 @@ TEST_F(RealTimePlayer, DecodingGoesOnAfterTheHeadStart) {
   EXPECT_EQ(strPlayed, "earlylate!");
 }
 
-TEST_F(RealTimePlayer, TheRunEndsOnlyWhenTheQueueIsEmpty) {
+TEST_F(RealTimePlayer, Run_EndsOnlyWhenTheQueueIsEmpty) {
   DecodesTo(std::vector<UInt8>(6400, 9), 640);
   m_toolbox.cbSlice = 64;
   EXPECT_EQ(Play("speech.kst"), 0);
@@ -203,7 +203,7 @@ TEST_F(RealTimePlayer, UnknownFile_IsCopiedGivenAHeaderAndLeft) {
                           "CreateWavFile(<temporary>.kst, true, true, null, callback)"));
 }
 
-TEST_F(RealTimePlayer, PathField_IsClearedBehindTheName) {
+TEST_F(RealTimePlayer, PathField_IsClearedAfterTheName) {
   std::memset(m_decoder.szPath, 'x', sizeof m_decoder.szPath);
   Play("speech.kst");
   EXPECT_STREQ(m_decoder.szPath, "speech.kst");
@@ -313,7 +313,7 @@ TEST_F(RealTimePlayer, RealTimeMode_KeepsProbeUnitThreadAndDecodedFile) {
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "file::Release"), 0);
 }
 
-TEST_F(RealTimePlayer, RenderPcm_FillsTheFirstBufferAloneByItsSize) {
+TEST_F(RealTimePlayer, RenderPcm_FillsOnlyTheFirstBufferByItsSize) {
   char szData[] = "abcdefgh";
   OnDecodedData(szData, 8);
   UInt8 abyFirst[4] = {0xAA, 0xAA, 0xAA, 0xAA};

@@ -53,7 +53,7 @@ TEST_F(Voxplay, BareStreamWhoseDecodingThrows_LeavesNothing) {
   EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
 }
 
-TEST_F(Voxplay, DecodedFile_IsReadableByItsOwnerAlone) {
+TEST_F(Voxplay, DecodedFile_IsReadableByItsOwnerOnly) {
   EXPECT_EQ(Open("x.kst"), 0);
   struct stat info {};
   ASSERT_EQ(stat((std::string(P_tmpdir) + "/" + m_temp.NewFiles().at(0)).c_str(), &info), 0);

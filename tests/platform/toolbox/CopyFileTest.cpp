@@ -184,7 +184,7 @@ TEST_F(CopyFile, SourceThatMayNotBeRead_Fails) {
   EXPECT_FALSE(m_folder.Has("to"));
 }
 
-TEST_F(CopyFile, NoDescriptorStaysOpen) {
+TEST_F(CopyFile, Copy_LeavesNoDescriptorOpen) {
   const auto Open = [] {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
                          std::filesystem::directory_iterator());

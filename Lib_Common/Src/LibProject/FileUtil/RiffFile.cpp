@@ -127,7 +127,7 @@ bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwL
     if (!dwZeros) break;
     // Kept: the count may wrap and is not checked again before the header is read. A chunk after
     // the zeros is therefore listed even when the RIFF size ends inside them. Old writers leave
-    // their zero filler out of the size. Pinned by ZeroRunAcrossTheRiffEnd_ListsTheChunkBehindIt.
+    // their zero filler out of the size. Pinned by ZeroRunAcrossTheRiffEnd_ListsTheChunkAfterIt.
     dwRemaining -= *dwZeros;
     auto chunk = ReadChunk(stream);
     if (!chunk) break;

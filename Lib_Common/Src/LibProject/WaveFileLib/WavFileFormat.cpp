@@ -134,7 +134,7 @@ bool C_WavFileFormat::IsWavFile(const char* pszFileName) {
   return file.CheckFormat(pszFileName, false);
 }
 
-std::unique_ptr<I_WavFile> MakeWavFile(tagAudioFileType eType, tagAudioFileType eEncodedType) {
+std::unique_ptr<I_WavFile> vcm::MakeWavFile(tagAudioFileType eType, tagAudioFileType eEncodedType) {
   const auto* const pRow = std::ranges::find(kFileClasses, eType, &S_FileClass::eType);
   return pRow == kFileClasses.end() ? nullptr : pRow->pfnMake(eType, eEncodedType);
 }

@@ -32,11 +32,11 @@ class C_WavFileFormat : public I_WavFileFormat {
   //
   //   bLoadData       true: loads the samples. false: the sound gets its format and informational
   //                   chunks only, and the arguments below have no effect
-  //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside the
-  //                   stream; the sound then has no encoded form. false: decodes the stream
+  //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside
+  //                   the stream; the sound then has no encoded form. false: decodes the stream
   //   pszCodecOption  has no effect anywhere
-  //   pfnData         gets the pieces of a Kestrel stream after an SP header while they are decoded;
-  //                   may be null. Never called for any other file
+  //   pfnData         gets the pieces of a Kestrel stream after an SP header while they are
+  //                   decoded; may be null. Never called for any other file
   //
   // A load that fails is tried a second time, see below.
   I_WavFile* CreateWavFile(const char* pszFileName, bool bLoadData, bool bKeepEncoded,
@@ -56,7 +56,7 @@ class C_WavFileFormat : public I_WavFileFormat {
   //
   // Kept: a load that fails is tried once more, with the platform of the codec parameters set to
   // AUDIO_CODEC_PLATFORM_FALLBACK, although pfnData then gets the same pieces twice. Some streams
-  // load only this way. Pinned by AStreamThatFailsAtItsEndIsHeardTwice.
+  // load only this way. Pinned by StreamThatFailsAtItsEnd_IsHeardTwice.
   //
   // T needs a default constructor, LoadByName, OpenByName and GetAudioCodecParam.
   template <typename T>

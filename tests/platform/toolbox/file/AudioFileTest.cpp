@@ -28,7 +28,7 @@ class AudioFileFormatTest : public testing::TestWithParam<S_FormatCase> {
   C_TempFolder m_folder;
 };
 
-TEST_P(AudioFileFormatTest, PacketsAreFramesAndTheFormatIsWhatIsStored) {
+TEST_P(AudioFileFormatTest, Packets_AreFramesAndTheFormatIsWhatIsStored) {
   const S_FormatCase& want = GetParam();
   WriteSoundFile(m_folder.Path("a"), want.nFormat, 22050, 2, SweepWithNoise(1234, 22050, 2));
   const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a"));
@@ -273,7 +273,7 @@ TEST_F(AudioFileTest, DamagedHeadersAndEveryCut_NeverCrash) {
   }
 }
 
-TEST_F(AudioFileTest, ALayoutIsThereOnlyForFilesThatCarryOne) {
+TEST_F(AudioFileTest, Layout_ExistsOnlyForFilesThatCarryOne) {
   const AudioFileID plain = OpenPcm(10, 16000, 2);
   UInt32 cbLayout = 99;
   UInt32 dwWritable = 99;
@@ -336,7 +336,7 @@ TEST_F(AudioFileTest, AStaleIdentifier_IsNotOpen_AndANullOneClosesWithSuccess) {
   EXPECT_EQ(AudioFileClose(nullptr), noErr);
 }
 
-TEST_F(AudioFileTest, AUrlNeedsAPath) {
+TEST_F(AudioFileTest, Url_NeedsAPath) {
   const auto* pbyPath = reinterpret_cast<const UInt8*>("a\0b");
   EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, nullptr, 3, 0), nullptr);
   EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, pbyPath, 0, 0), nullptr);

@@ -69,7 +69,7 @@ TEST_F(ChangedFileTest, Grown_EndsWhereItEnded) {
   ExpectWholeSound();
 }
 
-TEST_F(ChangedFileTest, Shrunk_IsSilentBehindItsNewEnd) {
+TEST_F(ChangedFileTest, ShrunkFile_IsSilentAfterItsNewEnd) {
   Begin();
   std::filesystem::resize_file(m_strPath, 44 + 3000 * 2);
   GoOn();

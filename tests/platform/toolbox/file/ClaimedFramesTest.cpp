@@ -82,7 +82,7 @@ TEST_F(ClaimedFramesTest, AFlacHeadWithoutFrames_HasNone) {
   EXPECT_EQ(PacketsOf(flac), 0U);
 }
 
-TEST_F(ClaimedFramesTest, AFlacFileBehindATag_IsOne) {
+TEST_F(ClaimedFramesTest, FlacFileAfterATag_IsRecognised) {
   Bytes tagged = {'I', 'D', '3', 3, 0, 0, 0, 0, 0, 5, 1, 2, 3, 4, 5};
   const Bytes flac = Sound(kFlac, 777);
   tagged.insert(tagged.end(), flac.begin(), flac.end());

@@ -133,7 +133,7 @@ class DamagedSoundTest : public testing::TestWithParam<S_SoundCase> {
   AudioUnit m_unit = nullptr;
 };
 
-TEST_P(DamagedSoundTest, IsRefusedOrPlaysToItsEnd) {
+TEST_P(DamagedSoundTest, DamagedFile_IsRefusedOrPlaysToItsEnd) {
   const S_SoundCase& sound = GetParam();
   WriteSoundFile(m_folder.Path("good"), sound.nFormat, sound.nRate, sound.nChannels,
                  SweepWithNoise(3000, static_cast<unsigned>(sound.nRate),

@@ -100,7 +100,7 @@ TEST_F(MpegFileTest, AnMp3File_HasItsMpegFramesAsPackets) {
   }
 }
 
-TEST_F(MpegFileTest, AnMp3FileBehindTags_IsOne_AndTagsAloneAreNone) {
+TEST_F(MpegFileTest, Mp3FileAfterTags_IsRecognised_AndTagsOnlyAreNot) {
   WriteSoundFile(m_folder.Path("a.mp3"), kMp3, 16000, 1, SweepWithNoise(8000, 16000));
   const auto mp3 = m_folder.Read("a.mp3");
   // Two tags: each has 10 bytes of header; the first has 130 bytes of content, the second none.

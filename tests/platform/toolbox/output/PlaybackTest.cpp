@@ -161,7 +161,7 @@ TEST_F(PlaybackTest, AfterStop_NothingIsRendered_AndStartGoesOn) {
   EXPECT_TRUE(m_source.WaitFor(qwFrames + 160));
 }
 
-TEST_F(PlaybackTest, ADeviceThatIsThere_IsUsedAlone) {
+TEST_F(PlaybackTest, DeviceThatExists_IsTheOnlyOneUsed) {
   {
     C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
     playback.Start();
@@ -254,7 +254,7 @@ TEST_F(PlaybackTest, OnAPipe_NothingIsAnnounced) {
   EXPECT_EQ(capture.Text(), "");
 }
 
-TEST_F(PlaybackTest, ADeviceThatIsThere_IsNotAnnounced) {
+TEST_F(PlaybackTest, DeviceThatExists_IsNotAnnounced) {
   const C_ErrorCapture capture(/*bTerminal=*/true);
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   playback.Start();

@@ -22,12 +22,12 @@ std::string NameOf(OSType dwType) {
   return text.data();
 }
 
-TEST(ComponentNameTest, BothComponentsNameTheirMakerAndThemselves) {
+TEST(ComponentNameTest, BothComponents_NameTheirMakerAndThemselves) {
   EXPECT_EQ(NameOf(kAudioUnitType_Output), "Voxplay: Default Output");
   EXPECT_EQ(NameOf(kAudioUnitType_Generator), "Voxplay: File Player");
 }
 
-TEST(ComponentNameTest, WhatIsNoComponent_HasNoName) {
+TEST(ComponentNameTest, AnythingElse_HasNoName) {
   CFStringRef name = reinterpret_cast<CFStringRef>(&name);
   EXPECT_EQ(AudioComponentCopyName(nullptr, &name), kAudio_ParamError);
   EXPECT_EQ(name, nullptr);
@@ -54,7 +54,7 @@ TEST(ComponentNameTest, AUnitKnowsItsComponent_WhileItLives) {
   EXPECT_EQ(AudioComponentInstanceGetComponent(nullptr), nullptr);
 }
 
-TEST(CoreStringTest, TheTextNeedsRoomForAllOfIt) {
+TEST(CoreStringTest, Text_NeedsRoomForAllOfIt) {
   const OpaqueCFString text("Echo");
   std::array<char, 6> buffer = {'#', '#', '#', '#', '#', '#'};
   EXPECT_EQ(CFStringGetCString(&text, buffer.data(), 4, kCFStringEncodingUTF8), 0);

@@ -228,7 +228,7 @@ TEST_F(FilePlayerTest, ReadingPacketsMeanwhile_DoesNotDisturbTheSound) {
   EXPECT_EQ(side, Channel(samples, 0, 1));
 }
 
-TEST_F(FilePlayerTest, UninitialisingForgetsTheRegion) {
+TEST_F(FilePlayerTest, Uninitialise_ForgetsTheRegion) {
   Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
   m_player.UseFile(m_folder.Path("a.wav"));
   m_player.Play(1000);

@@ -232,7 +232,7 @@ class C_ShortPatience {
   C_ShortPatience& operator=(const C_ShortPatience&) = delete;
 };
 
-TEST(SoundServerTest, AServerThatFreezesWhilePlaying_StillLetsTheSoundEnd_AndIsLeftBehind) {
+TEST(SoundServerTest, ServerThatFreezesWhilePlaying_StillLetsTheSoundEnd_AndIsLeftBehind) {
   const C_ShortPatience patience(1000ms);
   C_SoundServer server(44100, "float32le", 2);
   ASSERT_TRUE(server.Start());
@@ -327,7 +327,7 @@ TEST(SoundServerTest, ASlowClient_IsNotTakenForAFrozenServer) {
 }
 
 // The client goes away while the service still holds its stream, which then comes back to life.
-TEST(SoundServerTest, AClientThatIsGone_IsNotAskedByAStreamThatWasLeftBehind) {
+TEST(SoundServerTest, ClientThatIsGone_IsNotAskedByAStreamThatWasLeftBehind) {
   C_SoundServer server(16000, "s16le", 1);
   ASSERT_TRUE(server.Start());
   server.UseInThisProcess();

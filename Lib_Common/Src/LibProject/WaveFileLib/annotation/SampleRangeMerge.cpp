@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <numeric>
 
+namespace vcm {
 namespace {
 
 // The last position at which a range can meet another one. A range without samples still meets the
@@ -125,3 +126,5 @@ std::vector<S_SampleRange> UnionOfSampleRanges(std::vector<S_SampleRange> ranges
   }
   return covered;
 }
+
+}  // namespace vcm

@@ -5,6 +5,8 @@
 
 #include <vector>
 
+namespace vcm {
+
 // Samples dwStart to dwEnd, both inclusive. A range whose end is before its start holds no samples.
 struct S_SampleRange {
   unsigned int dwStart = 0;
@@ -29,3 +31,5 @@ void MergeSampleRanges(std::vector<S_SampleRange>& ranges);
 
 // The samples that the ranges cover, as ascending ranges that neither overlap nor touch.
 std::vector<S_SampleRange> UnionOfSampleRanges(std::vector<S_SampleRange> ranges);
+
+}  // namespace vcm

@@ -30,21 +30,21 @@ constexpr std::uint32_t kSampleBytes = 2;
 // The frame coder's rate control counts the head.
 static_assert(heronstream::kHeadBytes == heron::kHeadBytes);
 
-// The rate as the frame coder takes it; empty for one that it does not take.
+// The sound's rate as the frame coder takes it; empty for a rate that it does not take.
 std::optional<int> CoderRate(I_WavData& wavData) {
   const unsigned int dwSampleRate = wavData.GetWavInfo()->GetSampleRate();
   const auto nSampleRate = static_cast<int>(std::min(dwSampleRate, unsigned{INT_MAX}));
   return heron::IsSupportedSampleRate(nSampleRate) ? std::optional(nSampleRate) : std::nullopt;
 }
 
-// Tells the caller and whoever watches how far the encoder is.
+// Reports how far the encoder is, to the callback and, if verbose, on standard output.
 class C_Progress {
  public:
   C_Progress(bool bVerbose, PFN_CodecProgress pfnProgress)
       : m_dots(bVerbose), m_pfnProgress(pfnProgress) {}
 
   void Begin(unsigned int dwFrames) { m_dwFrames = dwFrames; }
-  // Whole groups alone are reported, each once, and the last one by End.
+  // Reports only whole groups, no number twice, and leaves the last group to End.
   void Advance(unsigned int dwFramesDone) {
     m_dots.Advance(dwFramesDone, m_dwFrames);
     const unsigned int dwGroups = dwFramesDone / kGroupFrames;
@@ -71,11 +71,11 @@ class C_Progress {
 
   C_HeronDots m_dots;
   PFN_CodecProgress m_pfnProgress;
-  unsigned int m_dwFrames = 0;  // that there are
-  unsigned int m_dwGroups = 0;  // that were reported
+  unsigned int m_dwFrames = 0;  // frames of the sound
+  unsigned int m_dwGroups = 0;  // groups reported so far
 };
 
-// What is encoded, and as what.
+// What is to be encoded, and as which variant.
 struct S_Task {
   heronstream::S_Variant variant;
   std::vector<short> samples;
@@ -97,7 +97,7 @@ std::optional<S_Task> MakeTask(I_WavData& wavData, unsigned int dwTypeCode) {
                 static_cast<unsigned int>(heron::FrameLength(*nSampleRate))};
 }
 
-// Writes the coded audio behind the place of the head, which is not known yet.
+// Writes the coded audio after a placeholder for the head, which is not known yet.
 bool WriteAudio(const S_Task& task, C_Progress& progress, std::FILE* pFile) {
   std::vector<unsigned char> coded;
   const auto fnFrames = [&](unsigned int dwDone) { progress.Advance(dwDone); };
@@ -120,7 +120,7 @@ bool WriteEvents(const S_Task& task, I_EventTagMgr& eventMgr, std::FILE* pFile) 
   return vcm::WriteExact(pFile, writer.Data());
 }
 
-// Puts the head before the audio and the events behind it.
+// Writes the events after the audio, and the head over its placeholder.
 bool Complete(const heronstream::S_Variant& variant, std::span<const std::uint8_t> events,
               std::FILE* pFile) {
   const auto qwAudioEnd = vcm::Tell(pFile);
@@ -148,7 +148,7 @@ std::optional<tempstream::S_Bytes> EncodeStream(I_WavData& wavData, unsigned int
   return tempstream::ReadBack(audioFile);
 }
 
-// Replaces the PCM of a sound, whose sample rate stays.
+// Replaces the PCM of the sound by 16-bit mono samples. The sample rate stays.
 bool SetSamples(I_WavData& wavData, const std::vector<short>& samples) {
   const auto dwLength = vcm::CheckedBytes(samples.size(), kSampleBytes);
   if (!dwLength || *dwLength == 0) return false;

@@ -25,8 +25,8 @@ class C_HeronCodec : public C_VXAudioCodec {
   // Decodes a stream of dwEncDataLen bytes at the sample rate of piWavData. The sound gets a new
   // PCM buffer of 16 bits and one channel, with as many samples as were encoded. The events of the
   // stream are not read: they hold only the low bytes of the commands, from which no event can be
-  // made. False, with the sound unchanged, for a null argument, another sample rate, and a stream
-  // that no encoder writes.
+  // made. False, with the sound unchanged, for a null argument, a sample rate outside the range
+  // above, and a stream that no encoder writes.
   bool Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen, I_WavData* piWavData);
 
   // Encodes the sound, of any supported width and number of channels (MonoMix.h), with its events,
@@ -37,9 +37,9 @@ class C_HeronCodec : public C_VXAudioCodec {
   //
   // On success *ppbyEncData is a new array of *pdwEncDataLen bytes, which the caller frees with
   // delete[]. On failure they are null and 0. False for any other null argument, for an unknown
-  // variant, for another sample rate, and for a sound without samples. Also false for a sound with
-  // events whose audio takes 16 MiB or more, because the offset of the events has only 24 bits, and
-  // when a temporary file cannot be written.
+  // variant, for a sample rate outside the range above, and for a sound without samples. Also false
+  // for a sound with events whose audio takes 16 MiB or more, because the offset of the events has
+  // only 24 bits, and when a temporary file cannot be written.
   bool Encode(I_WavData* piWavData, unsigned int dwTypeCode, I_AudioCodecParam* piParam,
               PFN_CodecProgress pfnProgress, unsigned char** ppbyEncData,
               unsigned int* pdwEncDataLen);

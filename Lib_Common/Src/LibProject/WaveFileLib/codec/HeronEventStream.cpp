@@ -32,8 +32,8 @@ void WriteGap(std::uint64_t qwFrames, vcm::C_ByteWriter& out) {
   WriteLongGap(qwFrames, out);
 }
 
-// The commands of the group that begins at frame qwGroup. Takes the events before the group's end
-// off the front of *pEvents.
+// Returns the commands of the group that begins at frame qwGroup. Removes the events before the end
+// of the group from the front of *pEvents.
 std::vector<std::uint8_t> TakeGroup(std::uint64_t qwGroup, std::span<const S_HeronEvent>* pEvents) {
   std::vector<std::uint8_t> commands;
   std::optional<unsigned int> dwFrameBefore;
@@ -41,8 +41,9 @@ std::vector<std::uint8_t> TakeGroup(std::uint64_t qwGroup, std::span<const S_Her
        *pEvents = pEvents->subspan(1)) {
     const S_HeronEvent& event = pEvents->front();
     if (event.dwFrame < qwGroup) continue;
-    // Kept: a full group still takes the first event of each later frame, so that no frame goes
-    // without; readers look for at least one. Pinned by FullGroup_TakesOneEventOfEachLaterFrame.
+    // Kept: a full group still takes the first event of each later frame, so that no frame with
+    // events is left out. Readers look for at least one. Pinned by
+    // FullGroup_TakesOneEventOfEachLaterFrame.
     if (commands.size() >= kFullGroup && event.dwFrame == dwFrameBefore) continue;
     commands.push_back(event.byMain);
     commands.push_back(event.bySub);
@@ -55,8 +56,8 @@ void WriteGroup(const std::vector<std::uint8_t>& commands, unsigned int dwGroups
                 vcm::C_ByteWriter& out) {
   const unsigned int dwCounter = dwGroups & 3U;
   out.U8(static_cast<std::uint8_t>((dwCounter + 4) * 8));
-  // Kept: of more than 63 events the count loses its high bits; the byte has six for it, and no
-  // sound in use comes near. Pinned by CountOf64Events_IsCutTo0.
+  // Kept: with more than 63 events, the count loses its high bits. The byte has six bits for it,
+  // and no sound in use comes near that number. Pinned by CountOf64Events_IsCutTo0.
   out.U8(static_cast<std::uint8_t>(commands.size() / 2 * 4 | dwCounter));
   out.Bytes(commands);
 }
@@ -69,13 +70,14 @@ std::vector<S_HeronEvent> EventsOf(I_EventTagMgr& eventMgr, unsigned int dwSampl
   for (int i = 0; i < pIEventList->GetSize(); ++i) {
     I_EventTag* pIEvent = pIEventList->GetItemByIndex(i);
     if (pIEvent == nullptr) continue;
-    // Kept: of each command the low byte alone, which is all that the stream has room for. Pinned
-    // by Commands_LoseTheirHighBytes.
+    // Kept: only the low byte of each command is taken, because the stream has no room for more.
+    // Pinned by Commands_LoseTheirHighBytes.
     events.push_back({pIEvent->GetSamplePos() / dwSamplesPerFrame,
                       static_cast<unsigned char>(pIEvent->GetMainCommandIndex()),
                       static_cast<unsigned char>(pIEvent->GetSubCommandIndex())});
   }
-  // A change of the sample rate moves the events that were set as times and does not sort the list.
+  // A change of the sample rate moves the events that were set as times but does not sort the list,
+  // so it may be out of order here.
   std::ranges::stable_sort(events, {}, &S_HeronEvent::dwFrame);
   return events;
 }
@@ -95,7 +97,7 @@ unsigned int WriteEventStream(const S_FrameRange& range, std::span<const S_Heron
     if (qwEnd - qwGroup < kGroupFrames) break;
     qwGroup += kGroupFrames;
   }
-  // Kept: the frames of a last group that is not whole are not counted; readers take the end of the
+  // Kept: the frames of an incomplete last group are not counted. Readers take the end of the
   // stream for the end of the sound. Pinned by LastGap_LeavesOutAGroupThatIsNotWhole.
   WriteGap(qwEventGroup ? qwGroup - *qwEventGroup : range.dwCount, *pOut);
   return range.dwCount;

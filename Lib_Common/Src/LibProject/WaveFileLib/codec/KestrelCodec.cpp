@@ -172,7 +172,7 @@ class C_FrameWriter {
 };
 
 // Kept: the first whole frame is encoded but not written, and one frame of silence ends the stream.
-// The coder is one frame late, so decoding returns the sound in its place. Pinned by
+// The coder is one frame late, so decoding puts the sound back in its place. Pinned by
 // EncodeThenDecode_IsAlignedInTime.
 bool EncodeFrames(C_FrameWriter& writer, std::span<const std::uint8_t> pcm,
                   PFN_CodecProgress pfnProgress) {

@@ -30,9 +30,9 @@ class C_KestrelCodec : public C_VXAudioCodec {
   // bit/s. Decode takes every multiple of 800 from 4800 to 32000.
   [[nodiscard]] bool IsSupportedBitRate(unsigned int dwBitRate) const;
 
-  // Decodes a stream of dwEncDataLen bytes into a new PCM buffer of piWavData. Only the length of
-  // its format changes. The samples are 16-bit mono. pfnData may be null; it gets the 640 bytes of
-  // each frame.
+  // Decodes a stream of dwEncDataLen bytes into a new PCM buffer of piWavData. The samples are
+  // 16-bit mono, but only the length in the sound's format changes: callers set the rest. pfnData
+  // may be null; it gets the 640 bytes of each frame.
   //
   // The length field must claim a whole number of frames. When the bytes end before that, decoding
   // still succeeds: missing words of the last frame count as zero, and later frames are left out,

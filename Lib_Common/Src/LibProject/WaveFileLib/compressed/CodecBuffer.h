@@ -31,8 +31,8 @@ class C_Buffer {
   // Between the two halves of a byte, this takes the half that is left and the next one; the half
   // that is left becomes the upper bits.
   unsigned char GetByte();
-  // 0 to 15. Both halves of a byte should be read by the same operation; whoever mixes the two
-  // operations must know what comes out.
+  // 0 to 15. Read both halves of a byte with the same operation, unless a mix of the two is really
+  // wanted.
   unsigned char GetNibbleHighFirst();
   unsigned char GetNibbleLowFirst();
 

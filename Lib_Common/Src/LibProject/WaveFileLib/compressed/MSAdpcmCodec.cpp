@@ -63,7 +63,7 @@ std::optional<unsigned int> C_MSAdpcmCodec::GetDecodedSize(const C_WavFileCodecI
 
 // Kept: what is left after the whole blocks counts as one more block, however short it is, even a
 // single byte. A sound that ends within a block plays up to its end. Pinned by
-// OneByteBehindWholeBlocks_IsABlockOfItsOwn.
+// OneByteAfterWholeBlocks_IsABlockOfItsOwn.
 bool C_MSAdpcmCodec::Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
                             unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) {
   const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();

@@ -28,7 +28,7 @@ std::unique_ptr<C_MSAdpcmCodec> MakeDvi(unsigned short wBits) {
 
 // Kept: A-law and mu-law have no coding type of their own and leave it as it was, 0 in a new
 // object. Callers read it only to find out about the blocks of ADPCM. Pinned by
-// G711LeavesTheCodingTypeAlone.
+// G711_LeavesTheCodingTypeAsItWas.
 constexpr std::array<S_WavTag, 5> kTags = {{
     {WAVE_TAG_PCM, S_PcmFormatRecord::kBytes, false, false, WAV_CODING_LINEAR, nullptr},
     {WAVE_TAG_MS_ADPCM, C_WavFileCodecInfo::kMSAdpcmHeadBytes, true, true, WAV_CODING_MS_ADPCM,

@@ -87,7 +87,7 @@ bool C_CodecFileBase::WriteStreamFile(const char* pszFileName, const S_Stream& s
   auto file = vcm::OpenFile(pszFileName, "wb");
   if (!file) return false;
   const bool bHead =
-      !eHeadType || WriteCodecHead(file.get(), *eHeadType, GetWavInfo()->GetSampleRate());
+      !eHeadType || codechead::Write(file.get(), *eHeadType, GetWavInfo()->GetSampleRate());
   const bool bWritten = bHead && vcm::WriteExact(file.get(), {stream.pbyData, stream.dwLength});
   return vcm::CloseChecked(std::move(file)) && bWritten;
 }

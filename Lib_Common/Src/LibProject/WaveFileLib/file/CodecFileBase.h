@@ -42,15 +42,16 @@ class C_CodecFileBase : public C_VefFileBase {
   bool CheckFormat(const char* pszFileName, bool bWithInfo) override;  // 21
   // Reads the sound of the file that OpenByName opened.
   //
-  //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside the
-  //                   stream; the sound then has no encoded form. false: decodes the stream
+  //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside
+  //                   the stream; the sound then has no encoded form. false: decodes the stream
   //   pszCodecOption  has no effect
   //   pfnData         gets the pieces of a Kestrel stream after an SP header, one frame each, while
   //                   they are decoded; may be null. Never called for a container or for Heron
   //
-  // A sound whose stream is decoded keeps a copy of the stream as its encoded form. False when no
-  // file is open, when the file cannot be read, and when it holds no stream or one that cannot be
-  // decoded.
+  // A sound whose stream is decoded keeps a copy of the stream as its encoded form. Without an
+  // encoded form, the sound can be written as the type that it was loaded from only with
+  // bForceEncode. False when no file is open, when the file cannot be read, and when it holds no
+  // stream or one that cannot be decoded.
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
 
@@ -89,10 +90,10 @@ class C_CodecFileBase : public C_VefFileBase {
   // Writes the sound as a file of type eType. An existing file is replaced. This is also the
   // meaning of the arguments of WriteFile in the derived classes:
   //
-  //   bEncode          true: the file is the bare stream, never with an SP header. false: the file is
-  //                    a VEF container with the sound as PCM, its annotations and the stream
-  //   bWriteCodecHead  with bEncode: true puts the 6-byte codec head (CodecHead.h) before the stream.
-  //                    No effect on a container
+  //   bEncode          true: the file is the bare stream, never with an SP header. false: the file
+  //                    is a VEF container with the sound as PCM, its annotations and the stream
+  //   bWriteCodecHead  with bEncode: true puts the 6-byte codec head (CodecHead.h) before the
+  //                    stream. No effect on a container
   //   pfnProgress      gets the reports of the encoder (CodecCallback.h); may be null. Never called
   //                    for a container, nor when the encoded form of the sound is written
   //   bForceEncode     false: when the object's coding type is eType already, the encoded form that

@@ -8,6 +8,7 @@
 #include "StdioFile.h"
 #include "file/CodecVersionTable.h"
 
+namespace codechead {
 namespace {
 
 bool HasNoHead(unsigned int dwType) {
@@ -33,7 +34,7 @@ std::optional<unsigned short> VersionOf(unsigned int dwType) {
 // Kept: type and rate are written before the version is looked up, so a type without a version
 // leaves four bytes in the file. Tools read from them which type was refused. Pinned by
 // CodecHead_OfAnUnknownType_LeavesFourBytesAndFails.
-bool WriteCodecHead(std::FILE* pFile, tagAudioFileType eType, unsigned int dwSampleRate) {
+bool Write(std::FILE* pFile, tagAudioFileType eType, unsigned int dwSampleRate) {
   if (HasNoHead(eType)) return true;
   vcm::C_ByteWriter writer;
   writer.U16(static_cast<std::uint16_t>(eType));
@@ -42,3 +43,5 @@ bool WriteCodecHead(std::FILE* pFile, tagAudioFileType eType, unsigned int dwSam
   if (wVersion) writer.U16(*wVersion);
   return vcm::WriteExact(pFile, writer.Data()) && wVersion.has_value();
 }
+
+}  // namespace codechead

@@ -35,8 +35,8 @@ C_ByID Positions(I_WavDataCueInfo& cueInfo) {
 
 void AddPoint(I_WavDataCueInfo& cueInfo, I_WavDataListInfo& listInfo, unsigned int dwID,
               unsigned int dwSamplePos, const char* pszLabel) {
-  // In this order: should the second find no memory, a label without a cue point means nothing,
-  // while a cue point without a label would be the user's.
+  // The label comes first, in case memory runs out before the cue point: a label without a cue
+  // point means nothing, but a cue point without a label would count as the user's.
   listInfo.AddLabel(dwID, pszLabel);
   cueInfo.AddCuePoint(dwID, dwSamplePos, kDataChunkID, 0, 0, dwSamplePos);
 }

@@ -39,9 +39,9 @@ bool C_HeronFileBase::Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress
 bool C_HeronFileBase::MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) {
   I_WavData* pIWavData = GetWavData();
   if (pIWavData == nullptr) return false;
-  // Kept: a stream that is there is stored as it is, also when the PCM was edited since; coding it
-  // again would cost quality, and who wants that forces it. Pinned by
-  // StreamThatIsThere_IsWrittenEvenWhenThePcmWasChanged.
+  // Kept: a stream that the sound carries is written unchanged, even when the PCM was edited in the
+  // meantime. Encoding again would cost quality, and callers who want that set bForceEncode. Pinned
+  // by ExistingStream_IsWrittenEvenWhenThePcmWasChanged.
   if (ReusesStream(m_eTargetType)) return BorrowStream(pStream);
   return Encode(pIWavData, pfnProgress, pStream);
 }

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files that hold a Heron stream (HeronCodec.h) behind an SP header or in a VEF container: see
+// Files that hold a Heron stream (HeronCodec.h) after an SP header or in a VEF container: see
 // CodecFileBase.h.
 //
-// Every class opens the files of every variant: the stream says itself which one it is. They differ
-// in what they write.
+// All classes open the same files, because the stream itself says which variant it is. The classes
+// differ only in the variant that they write.
 //
-// Kept: behind an SP header the identifiers of 4, 5 and 6 bits (32, 33, 34) are taken and those of
-// 2 and 3 bits (35, 36) are not: players in the field know the first three alone, and a header that
-// they cannot read must not come into use. Pinned by SpHeaderOfTwoOrThreeBits_IsRefused.
+// Kept: after an SP header, the identifiers of 4, 5 and 6 bits (32, 33, 34) are accepted, but those
+// of 2 and 3 bits (35, 36) are refused. Players in the field know only the first three, and a
+// header that they cannot read must not come into use. Pinned by
+// SpHeaderOfTwoOrThreeBits_IsRefused.
 #pragma once
 
 #include <array>
@@ -17,7 +18,10 @@
 
 class C_HeronFileBase : public C_CodecFileBase {
  public:
-  // Writes the target type: see C_CodecFileBase::WriteAs. dwCodecOption has no effect.
+  // Writes a file of the target type: with bEncode the bare stream, otherwise a VEF container that
+  // holds the PCM and the stream. C_CodecFileBase::WriteAs says what the arguments mean;
+  // dwCodecOption has no effect. The encoder takes any supported width and any channel count, at
+  // 4000 to 48000 Hz.
   bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                  PFN_CodecProgress pfnProgress, bool bForceEncode,
                  unsigned int dwCodecOption) override;  // 23
@@ -34,7 +38,7 @@ class C_HeronFileBase : public C_CodecFileBase {
  private:
   static constexpr std::array kForeignTypes = {kKestrelTypes};
 
-  // Nothing is handed to pfnData: a stream is decoded as a whole.
+  // pfnData is never called, because the stream is decoded as a whole.
   bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                     PFN_DecodedData pfnData) override;
   bool Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress, S_Stream* pStream);

@@ -47,9 +47,9 @@ bool C_KestrelFile::MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream)
   const C_WavDataPtr mono(pIWavData->CreateBitsConvertedData(16, 16, true, true));
   if (!mono) return false;
   mono->ConvertToMono();
-  // Kept: a stream that is there is stored as it is, also when the PCM was edited since; coding it
-  // again would cost quality, and who wants that forces it. Pinned by
-  // WriteFile_AfterALoad_WritesTheLoadedStreamEvenWhenThePcmWasChanged.
+  // Kept: a stream that the sound carries is written unchanged, even when the PCM was edited in the
+  // meantime. Encoding again would cost quality, and callers who want that set bForceEncode. Pinned
+  // by WriteFile_AfterALoad_WritesTheLoadedStreamEvenWhenThePcmWasChanged.
   if (ReusesStream(AUDIO_FILE_KESTREL)) return BorrowStream(pStream);
   return Encode(mono.get(), pfnProgress, pStream);
 }

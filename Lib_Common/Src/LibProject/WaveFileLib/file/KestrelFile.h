@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A file that holds a Kestrel stream (KestrelCodec.h) behind an SP header with identifier 14 or in
-// a VEF container: see CodecFileBase.h.
+// A file that holds a Kestrel stream (KestrelCodec.h) after an SP header with identifier 14 or in a
+// VEF container: see CodecFileBase.h.
 #pragma once
 
 #include <array>
@@ -13,8 +13,11 @@ class C_KestrelFile : public C_CodecFileBase {
   C_KestrelFile() : C_CodecFileBase({kKestrelTypes, kForeignTypes}) {}
   ~C_KestrelFile() override = default;
 
-  // Writes Kestrel, at the bit rate of the sound's codec parameters: see C_CodecFileBase::WriteAs.
-  // dwCodecOption has no effect.
+  // Writes a Kestrel file: with bEncode the bare stream, otherwise a VEF container that holds the
+  // PCM and the stream. C_CodecFileBase::WriteAs says what the arguments mean; dwCodecOption has no
+  // effect. The bit rate is that of the sound's codec parameters
+  // (C_KestrelCodec::IsSupportedBitRate, 0 means 16000 bit/s). The sound is converted to 16 bits
+  // and to mono first, but it is not resampled: Kestrel is made for 16 kHz.
   bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                  PFN_CodecProgress pfnProgress, bool bForceEncode,
                  unsigned int dwCodecOption) override;  // 23

@@ -31,7 +31,8 @@ constexpr unsigned int kVersion = 254;
 constexpr unsigned int kKind = 2;
 // Signature, text, version and kind: what a file must hold to be recognised.
 constexpr std::size_t kRecognisedBytes = 22;
-// A version 255 header holds two bytes more behind its format word; nothing is read beyond that.
+// A version 255 header has two more bytes after its format word. Nothing beyond this length is
+// read.
 constexpr std::size_t kLongestHeader = C_SpHeader::kBytes + 2;
 constexpr std::size_t kCopyBytes = 1024;
 constexpr int kNameAttempts = 10000;
@@ -48,7 +49,7 @@ bool IsKnownText(std::span<const std::uint8_t> text) {
          std::strncmp(szText.data(), kOldText, kTextBytes) == 0;
 }
 
-// The version when these bytes begin a header, else 0.
+// The header's version when these bytes begin a header, otherwise 0.
 unsigned int RecognisedVersion(vcm::C_ByteReader& reader) {
   if (reader.Remaining() < kRecognisedBytes || reader.U32() != kSignature) return 0;
   if (!IsKnownText(reader.Bytes(kTextBytes))) return 0;
@@ -56,13 +57,14 @@ unsigned int RecognisedVersion(vcm::C_ByteReader& reader) {
   return dwVersion >= kVersion && reader.U8() == kKind ? dwVersion : 0;
 }
 
-// A field that the file does not hold whole is missing, and so is everything behind it.
+// A field that the file does not hold completely is missing, and so are all fields after it. A
+// missing field keeps its default.
 template <typename T>
 void TakeField(const vcm::C_ByteReader& reader, T value, T& field) {
   if (reader.Ok()) field = value;
 }
 
-// Copies to the end of pFrom; true when that was reached and everything could be written.
+// Copies the rest of pFrom. True when its end was reached and everything could be written.
 bool CopyRest(std::FILE* pFrom, std::FILE* pTo) {
   std::array<std::uint8_t, kCopyBytes> chunk;
   std::size_t cbRead = 0;
@@ -72,7 +74,8 @@ bool CopyRest(std::FILE* pFrom, std::FILE* pTo) {
   return std::ferror(pFrom) == 0;
 }
 
-// Opening such a target for writing would empty the source that is about to be copied to it.
+// True when pszOther names the file that pFile reads. Opening such a target for writing would empty
+// the source before it is copied.
 bool IsSameFile(std::FILE* pFile, const char* pszOther) {
   struct stat one {};
   struct stat other {};
@@ -81,7 +84,7 @@ bool IsSameFile(std::FILE* pFile, const char* pszOther) {
 }
 
 unsigned int RandomNumber() {
-  // Names are created exclusively, so the generator need not be unpredictable.
+  // Files are created exclusively, so their names need not be unpredictable.
   static const bool bSeeded = [] {
     std::srand(static_cast<unsigned int>(std::time(nullptr)));
     return true;
@@ -98,7 +101,8 @@ std::string SiblingName(const char* pszFileName) {
   return szName.data();
 }
 
-// The new version of a file, beside it under a name of its own until it takes the file's place.
+// The new version of a file. It lies beside the old file under a name of its own until it takes the
+// old file's place.
 class C_Replacement {
  public:
   explicit C_Replacement(const char* pszFileName) {
@@ -118,9 +122,9 @@ class C_Replacement {
 
   [[nodiscard]] std::FILE* Stream() const { return m_file.get(); }
 
-  // Owner first: a change of owner takes the special mode bits away, and without it they must not
-  // be given to a file that now belongs to somebody else. Nothing may be written afterwards, which
-  // would take them away again.
+  // Sets the owner before the mode, because a change of owner clears the special mode bits. These
+  // bits are left out when the owner or the group cannot be set: the new file then belongs to
+  // somebody else. Write nothing after this call, because a write would clear the bits again.
   [[nodiscard]] bool TakeOwnerAndMode(const struct stat& model) const {
     if (std::fflush(m_file.get()) != 0) return false;
     const int nDescriptor = fileno(m_file.get());
@@ -142,7 +146,7 @@ class C_Replacement {
   vcm::C_FilePtr m_file;
 };
 
-// The cbField bytes at qwOffset as a little-endian number; 0 when the file does not hold them.
+// The cbField bytes at qwOffset as a little-endian number; 0 when the file does not hold them all.
 unsigned int ReadAt(const char* pszFileName, std::uint64_t qwOffset, std::size_t cbField) {
   std::array<std::uint8_t, sizeof(std::uint32_t)> field{};
   const auto file = vcm::OpenFile(pszFileName, "rb");
@@ -176,9 +180,9 @@ bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName) {
   if (dwVersion == 0) return false;
   TakeField(reader, reader.U16(), pHeader->m_wID);
   TakeField(reader, reader.U16(), pHeader->m_wFormat);
-  // Kept: the two bytes more of version 255 are stepped over here, yet callers take every header
-  // as 48 bytes and every header in memory is version 254; players in the field do the same. Pinned
-  // by Version255_SkipsTwoBytesBehindTheFormatWordAndReadsBackAs254.
+  // Kept: the two extra bytes of version 255 are skipped here, but callers count every header as 48
+  // bytes, and every header in memory has version 254. Players in the field do the same. Pinned by
+  // Version255_SkipsTwoBytesAfterTheFormatWordAndReadsBackAs254.
   if (dwVersion > kVersion) reader.Skip(2);
   TakeField(reader, reader.U32(), pHeader->m_dwFrequency);
   TakeField(reader, reader.U32(), pHeader->m_dwValue30);
@@ -213,7 +217,7 @@ unsigned short GetSpFileID(const char* pszFileName) {
 bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName) {
   const auto source = vcm::OpenFile(pszFileName, "rb");
   struct stat status {};
-  // Anything but a regular file could be endless, and replacing it would change what it is.
+  // Any other file could be endless, and replacing it would turn it into a regular file.
   if (!source || fstat(fileno(source.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
     return false;
   }
@@ -231,8 +235,9 @@ bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTa
   if (!vcm::SeekTo(source.get(), bHeader ? C_SpHeader::kBytes : 0)) return false;
   const auto target = vcm::OpenFile(pszTarget, "wb");
   if (!target) return false;
-  // Kept: only opening the target counts, because callers judge the stripped file by its contents.
-  // Pinned by Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened.
+  // Kept: the result is true once the target is open, even when the copy fails, because callers
+  // judge the stripped file by its contents. Pinned by
+  // Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened.
   static_cast<void>(CopyRest(source.get(), target.get()));
   return true;
 }
@@ -254,8 +259,8 @@ unsigned short ReadSpWord34(const char* pszFileName) {
   return static_cast<unsigned short>(ReadAt(pszFileName, kOffsetValue34, sizeof(std::uint16_t)));
 }
 
-// Kept: 24 is where an older layout had one 32-bit field; tools address it so, although the format
-// word and half of the frequency stand there now. Pinned by
+// Kept: this reads 32 bits at offset 24, where an older layout had one field. Tools still ask for
+// it, although the format word and half of the frequency are there now. Pinned by
 // Dword24_HoldsTheFormatWordAndTheLowHalfOfTheFrequency.
 unsigned int ReadSpDword24(const char* pszFileName) {
   return ReadAt(pszFileName, kOffsetFormat, sizeof(std::uint32_t));

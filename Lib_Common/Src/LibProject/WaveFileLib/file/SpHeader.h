@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The SP header: 48 bytes in front of a bare codec stream that name the codec and the sample rate.
+// The SP header: 48 bytes before a bare codec stream. They name the codec and the sample rate.
 // Little-endian, packed:
 //
 //   offset size field            default
@@ -17,15 +17,15 @@
 //   37     4    value            0
 //   41     7    reserved         0
 //
-// Every function below reports a file that cannot be opened as its result (false, 0, or kNoID) and
-// leaves the files of the caller as they were.
+// For a file that cannot be opened, and for a null name, every function below returns false, 0 or
+// kNoID, and leaves the caller's files as they were. No other pointer may be null.
 #pragma once
 
 #include <cstdio>
 
 class C_SpHeader final {
  public:
-  // Size in a file. A recognised header counts as this long whatever its version.
+  // Size in a file, in bytes. Every recognised header counts as this long, whatever its version.
   static constexpr unsigned int kBytes = 48;
   // The identifier of a file that has no header.
   static constexpr unsigned short kNoID = 65535;
@@ -68,35 +68,38 @@ class C_SpHeader final {
   unsigned char m_abyReserved[7] = {};
 };
 
-// Recognises the header of a file. It needs the signature, the current or the older text, version
-// 254 or 255 and kind 2, so 22 bytes; fields that a file shorter than a whole header does not hold
-// keep their defaults. After false *pHeader holds the defaults.
+// Reads the header at the start of a file. The first 22 bytes decide whether there is one: the
+// signature, the current or the older text, version 254 or 255, and kind 2. Fields that a shorter
+// file does not hold keep their defaults. After false, *pHeader holds the defaults.
 bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName);
 
-// Writes the 48 bytes at the position of the stream.
+// Writes the 48 bytes at the position of the stream. False when a write fails.
 bool WriteSpHeader(const C_SpHeader& header, std::FILE* pFile);
 
-// The identifier in the header of a file, C_SpHeader::kNoID when it has none.
+// The identifier in the header of a file; C_SpHeader::kNoID when the file has no header.
 unsigned short GetSpFileID(const char* pszFileName);
 
-// Puts the header in front of a file, also when it has one already. The new file is built beside
-// the old one, takes its mode (and its owner where that is allowed) and replaces it in one step;
-// whatever fails on the way, the old file stays untouched and nothing is left beside it. Regular
-// files only.
+// Puts the header before the contents of a file, even when the file has a header already. The new
+// file is built beside the old one, gets its mode (and its owner where that is allowed), and
+// replaces it in one step. On failure the old file is unchanged and nothing is left beside it.
+// Regular files only.
 bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName);
 
-// Copies a file without its header, if it has one, and reads the header to *pHeader as ReadSpHeader
-// does. The target must be another file than the source.
+// Copies a file without its header; a file that has no header is copied whole. *pHeader gets the
+// header as from ReadSpHeader. An existing target is replaced. False when either file cannot be
+// opened, or when the target is the source. A copy that fails later still gives true.
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget);
 
-// Writes the header and then the whole source, also when that has a header of its own. The target
-// must be another file than the source. True when everything was written.
+// Writes the header and then the whole source, even when the source has a header of its own. An
+// existing target is replaced. False when either file cannot be opened, when the target is the
+// source, and when a write fails, which may leave a partial target.
 bool CopyWithSpHeader(const char* pszSource, const char* pszTarget, const C_SpHeader& header);
 
-// Access at fixed offsets, whatever the file holds: no signature is asked for, and a field of which
-// the file does not hold every byte reads as 0.
+// Access at fixed offsets, whatever the file holds: the signature is not checked. A field that the
+// file does not hold completely reads as 0.
 unsigned short ReadSpWord22(const char* pszFileName);  // the identifier
 unsigned short ReadSpWord34(const char* pszFileName);  // the 16-bit value
-// Format word (low half) and the low half of the frequency (high half).
+// The format word in the low half, and the low half of the frequency in the high half.
 unsigned int ReadSpDword24(const char* pszFileName);
+// Overwrites the same four bytes in place. False when a write fails.
 bool WriteSpDword24(const char* pszFileName, unsigned int dwValue);

@@ -17,7 +17,7 @@ class C_VefFile : public C_VefFileBase {
   bool CheckFormat(const char* pszFileName, bool bWithInfo) override;  // 21
   // Reads the stored samples of the file that OpenByName opened; the arguments have no effect.
   // Samples that the file lacks are zero, see C_WavFileBase::kMaxMissingBytes. False without a
-  // sound, and when the file cannot be read or lacks more.
+  // sound, and when the file cannot be read or lacks more than that.
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
   // Writes a container with the PCM and the annotations, never with an encoded stream.

@@ -76,8 +76,8 @@ bool C_VefFileBase::LoadVDATChunk(const char* pszFileName,
   if (!riff.Open(pszFileName, kFormType)) return false;
   I_AudioCodecParam* piParam = GetAudioCodecParam();
   VCM_ASSERT(nullptr != piParam, "LoadVDATChunk", kSource, __LINE__, "NULL != piParam");
-  // Kept: the first "vdat" chunk counts, although the last "fmt " and "data" chunks do. Streams
-  // that are appended later are for players that know more. Pinned by
+  // Kept: of several "vdat" chunks the first counts, unlike "fmt " and "data", where the last one
+  // does. Streams that are appended later are for players that know more. Pinned by
   // LoadVDATChunk_GivesTheFirstOfTwo.
   C_RiffChunk* pChunk = riff.FindChunk(kStream, 0);
   if (pChunk == nullptr) return true;

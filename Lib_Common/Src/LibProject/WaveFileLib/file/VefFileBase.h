@@ -72,8 +72,8 @@ class C_VefFileBase : public C_WavFileBase {
   // and then part of the sound is replaced already.
   bool CheckVefFormat(const char* pszFileName, bool bWithInfo,
                       std::span<const S_AudioFileTypes> foreign);
-  // Reads the stored samples of the file that OpenByName opened. False without a sound, and where
-  // LoadStoredPcm is.
+  // Reads the stored samples of the file that OpenByName opened. False without a sound, when the
+  // file cannot be opened, and when LoadStoredPcm fails.
   bool LoadVefAsStored();
   // Adds a chunk "vdat" with a copy of these bytes.
   static bool AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData, unsigned int dwLength);

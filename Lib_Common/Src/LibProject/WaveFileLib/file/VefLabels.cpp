@@ -97,7 +97,7 @@ unsigned int NewOf(const C_IDMap& newIDs, unsigned int dwID) {
   return newID == newIDs.end() ? dwID : newID->second;
 }
 
-// The annotations of a sound of our own kind, which can be changed in place.
+// The annotations of a sound of the library's own class, which can be changed in place.
 struct S_Annotations {
   C_WavDataListInfo& listInfo;
   C_WavDataCueInfo& cueInfo;

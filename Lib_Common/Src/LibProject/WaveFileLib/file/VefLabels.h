@@ -18,6 +18,7 @@
 
 namespace veflabels {
 
+// What the label of an event says.
 struct S_EventLabel {
   unsigned short wMain = 0;
   unsigned short wSub = 0;
@@ -26,6 +27,7 @@ struct S_EventLabel {
   friend bool operator==(const S_EventLabel&, const S_EventLabel&) = default;
 };
 
+// The text of an event's label.
 std::string EventLabel(const S_EventLabel& event);
 
 // The event that a text stands for. Empty for a text that EventLabel never returns, for example one

@@ -99,7 +99,7 @@ std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeLinearForm() {
 
 // Kept: DVI ADPCM of a width other than 3 or 4 bits opens, with the length of its data, but does
 // not load. Its format and its chunks can still be looked at. Pinned by
-// DviOfOtherWidthsOpensAndDoesNotLoad.
+// DviOfOtherWidths_OpensAndDoesNotLoad.
 std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeDecodedForm() const {
   constexpr unsigned short kDecodedBits = 16;
   const auto decoder = compressedwav::MakeDecoder(m_codecInfo);
@@ -111,7 +111,7 @@ std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeDecodedForm() const {
 
 // Kept: a "LIST" chunk of a type other than "adtl" is neither understood nor kept, while chunks of
 // other names are kept and written back. Titles in INFO lists are lost by loading and saving, as
-// they always were. Pinned by InfoListsAreLost and OtherChunksAreKeptVerbatim.
+// they always were. Pinned by InfoLists_AreLost and OtherChunks_AreKeptVerbatim.
 bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
   C_ExtraChunkKeeper extra(wavchunks::InfoOf<I_WavDataExtraChunkInfo>(*this));
   for (int i = 0; i < riff.GetChunkCount(); ++i) {
@@ -144,7 +144,7 @@ bool C_WavFile::LoadSamples(std::FILE* pFile) {
 
 // Kept: silence segments and regions are replaced, but events are added to those that the sound
 // has, so that a sound can collect the events of several files. Pinned by
-// AnnotationsOfTheSoundAreReplacedButEventsAreAdded.
+// AnnotationsOfTheSound_AreReplacedButEventsAreAdded.
 void C_WavFile::LoadAnnotations() {
   auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this);
   auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this);

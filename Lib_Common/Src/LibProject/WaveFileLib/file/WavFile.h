@@ -37,8 +37,9 @@ class C_RiffFile;
 //   codec parameters             stay
 //
 // The events, segments and regions are made by LoadData, everything else by opening the file.
-// Labels that stay count as labels of the new file: what they name is made again, and one that has
-// lost its cue point stops the program (WavLabels.h). To start afresh, use a new object.
+// Labels that stay count as labels of the new file: what they name is made again, and a label of
+// that kind that has lost its cue point stops the program (WavLabels.h). To start afresh, use a new
+// object.
 class C_WavFile : public C_WavFileBase {
  public:
   C_WavFile() = default;
@@ -54,7 +55,7 @@ class C_WavFile : public C_WavFileBase {
   // Reads samples and annotations of the file that OpenByName opened; the arguments have no effect.
   // Samples that the file lacks are zero, see C_WavFileBase::kMaxMissingBytes. A compressed sound
   // has as many samples as the bytes in the file decode to. False without a sound, and when the
-  // file cannot be read, lacks more samples or cannot be decoded.
+  // file cannot be read, lacks more than that or cannot be decoded.
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
   // Writes the sound in the form that GetFileFormat names: AUDIO_FILE_WAVE or AUDIO_FILE_VEMD. An

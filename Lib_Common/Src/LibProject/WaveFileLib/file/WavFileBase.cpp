@@ -140,7 +140,7 @@ void C_WavFileBase::SetLinearForm(unsigned int dwByteLength, unsigned short wBit
 
 // Kept: a file that is cut within its samples still loads, at its full length and with zeros for
 // the missing samples. Recordings that broke off stay playable. Pinned by
-// MissingTailOfTheDataIsZero.
+// MissingTailOfTheData_IsZero.
 bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
   const std::uint64_t dwLength = m_pIWavData->GetBufferLength();
   const std::optional<std::uint64_t> qwFileSize = vcm::SizeAndSeekEnd(pFile);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What all sound file classes share: the name and kind of the file, and the sound that it holds,
-// made by the file (then owned) or lent by the caller (attached). Derived classes say which files
-// are theirs (CheckFormat), and read and write them (LoadData, WriteFile).
+// What all sound file classes share: the name and the kind of the file, and the sound that it
+// holds. The sound is either made by the file object, which then owns it, or lent by the caller
+// (attached). Derived classes say which files are theirs (CheckFormat), and read and write them
+// (LoadData, WriteFile).
 //
 // Reference-counted: a new object has count 0 and lives until one more Release than AddRef calls.
 // One object is used by one thread at a time.
@@ -17,17 +18,22 @@
 class C_RiffChunk;
 class C_RiffFile;
 
+// One object can open several files, one after another. They all go into the same sound, so
+// pointers to the sound stay valid. Codec parameters always stay; each derived class says what else
+// of an earlier file stays. When a file fails to open, the name and the length of the earlier file
+// stay, but parts of the sound may be replaced already.
 class C_WavFileBase : public I_WavFile {
  public:
-  // Values of GetCodingType.
+  // Values of GetCodingType. For codec files and containers, it is the file type of the encoded
+  // stream, or kCodingLinear for a container that names none.
   static constexpr unsigned int kCodingLinear = WAV_CODING_LINEAR;
   static constexpr unsigned int kCodingMSAdpcm = WAV_CODING_MS_ADPCM;
   static constexpr unsigned int kCodingDviAdpcm = WAV_CODING_DVI_ADPCM;
 
-  // Names are kept in a field of this many characters, terminator included; longer ones are
+  // Names are kept in a field of this many characters, including the terminator. Longer names are
   // refused, never cut.
   static constexpr std::size_t kFileNameField = 1024;
-  // How much of the PCM a file may fail to hold although its "data" chunk claims it.
+  // How many bytes of PCM a file may lack although its "data" chunk claims them.
   static constexpr unsigned int kMaxMissingBytes = 64U << 20;
 
   C_WavFileBase() = default;
@@ -43,11 +49,18 @@ class C_WavFileBase : public I_WavFile {
   unsigned int GetCodingType() override { return m_dwCodingType; }
   I_WavInfo* GetWavInfo() override;
 
+  // Uses a sound of the caller's, without counting a reference: the sound must outlive the
+  // attachment. Releases a sound of the file's own first. Null leaves the file without a sound.
+  // Gives the events of the sound its sample rate.
   void AttachWavData(I_WavData* pIWavData) override;
+  // Ends the attachment and returns the sound; the file then has none. Null when no sound is
+  // attached.
   I_WavData* DetachWavData() override;
+  // Both are borrowed, and null when the file has no sound. The buffer is the PCM.
   I_WavData* GetWavData() override { return m_pIWavData; }
   unsigned char* GetWavDataBuffer() override;
-  // These make the sound first when there is none.
+  // These make the sound first when there is none. Apart from that, they do what the operations of
+  // the same names in I_WavData do; SetWavInfoData keeps the byte length.
   bool CopyWavData(I_WavData* pSrc) override;
   void SetWavInfo(I_WavInfo* pIWavInfo) override;
   void SetWavInfoData(unsigned int dwSampleRate, unsigned short wChannels,
@@ -55,42 +68,49 @@ class C_WavFileBase : public I_WavFile {
                       bool bValueSigned) override;
   bool SetBuffer(const void* pData, unsigned int dwLength) override;
   I_AudioCodecParam* GetAudioCodecParam() override;
-  // These two need a sound: false without one.
+  // These two need a sound: false without one. Both do what I_WavData says: Convert writes a file
+  // of kind eType, and GetDataInfo is GetInfo.
   bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                PFN_CodecProgress pfnProgress, bool bForceEncode,
                unsigned int dwCodecOption) override;
   bool GetDataInfo(int nType, void** ppInfo) override;
+  // Offset in bytes of the samples in the RIFF file that CheckFormat last looked at; 0 before the
+  // first and for a file without a "data" chunk.
   unsigned int GetDataStartPos() override { return m_dwDataStartPos; }
 
-  // Opens the file without its samples: checks the format, fills format and informational chunks,
-  // keeps name and length. False also for a name that does not fit, and for files of 4 GiB and
-  // more.
+  // Opens the file without its samples: checks the format, fills the format and the informational
+  // chunks of the sound, and keeps name and length. The file does not stay open. False for a file
+  // that the class does not accept, for null, for a name that does not fit its field, and for files
+  // of 4 GiB and more.
   bool OpenByName(const char* pszFileName);
-  // The same, then the samples (LoadData gets the last three arguments) and the sample rate of the
-  // events.
+  // Does the same, and then loads the samples (LoadData gets the last three arguments) and gives
+  // the events the sample rate of the sound. False when either step fails.
   bool LoadByName(const char* pszFileName, bool bKeepEncoded, const char* pszCodecOption,
                   PFN_DecodedData pfnData);
 
-  // For whoever makes the object; loading a file sets both anew.
+  // For whoever makes the object: the kind that C_WavFile writes, and the type of the encoded form
+  // that the sound carries. Of the classes, only C_WavFile sets the file format anew when it opens
+  // a file. All set the coding type, except for A-law and mu-law files (WavTags.cpp).
   void SetFileFormat(tagAudioFileType eFormat) { m_eFileFormat = eFormat; }
   void SetCodingType(unsigned int dwCodingType) { m_dwCodingType = dwCodingType; }
 
  protected:
-  // The sound; an owned one is made when there is none. Never null.
+  // The file's sound, never null. When the file has no sound, this makes an owned one first.
   I_WavData* PrepareWavData();
   // Releases an owned sound; an attached one is kept.
   void SafeDeleteWavData();
 
-  // Takes note of the last "fmt " and the last "data" chunk in the members below; without such a
-  // chunk they are as in a new object. False for a format record that is refused.
+  // Puts what the last "fmt " and the last "data" chunk say into the members below. The format
+  // record is empty without a "fmt " chunk; length and position are 0 without a "data" chunk. False
+  // for a format record that is refused.
   bool FindFormatAndData(C_RiffFile& riff);
-  // The sound gets the rate and the channels of the format record, the given length and width, and
-  // loses the samples of an earlier file.
+  // Gives the sound the rate and the channel count of the format record, and the given length in
+  // bytes and width in bits. More than 8 bits are signed. Removes the samples of an earlier file.
   void SetLinearForm(unsigned int dwByteLength, unsigned short wBits);
 
-  // Reads as many bytes as the wave info says from GetDataStartPos() on into the sound's own
-  // buffer. Bytes that the file lacks are zero; false, and nothing allocated, when it lacks more
-  // than kMaxMissingBytes.
+  // Reads as many bytes as the wave info says, from GetDataStartPos() on, into a new buffer of the
+  // sound. Bytes that the file lacks are zero. False when it lacks more than kMaxMissingBytes;
+  // nothing is allocated then. False also when the file cannot be read.
   bool LoadStoredPcm(std::FILE* pFile);
 
   // The format record that CheckFormat found.
@@ -103,7 +123,7 @@ class C_WavFileBase : public I_WavFile {
  private:
   bool TakeFormat(C_RiffChunk& chunk);
   bool KeepNameAndLength(const char* pszFileName);
-  // The sound's events count in its own sample rate.
+  // Gives the sound's events the sample rate of the sound.
   void SetEventSampleRate();
 
   int m_nRefCount = 0;

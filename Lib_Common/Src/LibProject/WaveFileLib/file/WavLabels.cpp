@@ -27,7 +27,7 @@ constexpr const char* kRangePurpose = "rgn ";
 using C_SilenceList = C_CLArray<C_SilenceSegment*, I_SilenceSegment*, true>;
 using C_RegionList = C_CLArray<C_UncompressRegion*, I_UncompressRegion*, true>;
 
-// Finds the characters of a pattern in their order, not necessarily side by side.
+// Finds the characters of a pattern in their order, but not necessarily next to each other.
 template <std::size_t nSize>
 class C_PatternCursor {
  public:
@@ -47,8 +47,8 @@ class C_PatternCursor {
   std::size_t m_nMatched = 0;
 };
 
-// A decimal number as atoi reads it, of the first 31 characters at most. Numbers beyond 32 bits
-// keep their low bits.
+// The decimal number at the start of the text, as atoi reads it; at most 31 characters are read. A
+// number beyond 32 bits keeps its low 32 bits; one beyond 64 bits is limited to 64 bits first.
 int Number(std::string_view text) {
   const std::string strDigits(text.substr(0, 31));
   return static_cast<int>(std::strtoll(strDigits.c_str(), nullptr, 10));
@@ -59,7 +59,7 @@ S_LabelMeaning Event(int nMain, int nSub) {
           static_cast<unsigned short>(nSub)};
 }
 
-// The samples of a range label: an end before the start when the length is 0.
+// First and last sample of a range label. With length 0, the end lies before the start.
 std::pair<unsigned int, unsigned int> Range(unsigned int dwStart, unsigned int dwLength) {
   return {dwStart, dwStart + dwLength - 1};
 }
@@ -75,8 +75,8 @@ class C_RangeLengths {
     }
     m_lengths.Sort();
   }
-  // Kept: an identifier without a labelled text takes the length of the last one in the file, as
-  // readers of these files always have; without any, it is 0. Pinned by
+  // Kept: an identifier without a labelled text gets the length of the last one in the file, as
+  // readers of these files have always done. Without any labelled text the length is 0. Pinned by
   // RangeWithoutItsLabelledText_TakesTheLastOne.
   [[nodiscard]] unsigned int Find(unsigned int dwID) const {
     return m_lengths.Find(dwID).value_or(m_dwLast);
@@ -190,9 +190,9 @@ void SaveRegions(C_AnnotationWriter& writer, I_WavData::RegionList& list) {
 
 }  // namespace
 
-// Kept: the characters of "u__" need not stand side by side, so that ordinary words with an "u" and
-// two underscores, or an "e" and one, are events too; files in use rely on labels with such
-// prefixes. Pinned by LabelTexts_MeanWhatTheirLettersSay.
+// Kept: the characters of "u__" and "e_" need not be next to each other, so ordinary words with a
+// "u" and two underscores after it, or an "e" and one underscore, are events, too. Files in use
+// rely on labels with such prefixes. Pinned by LabelTexts_MeanWhatTheirLettersSay.
 S_LabelMeaning ParseLabel(const char* pszText) {
   const std::string_view text(pszText);
   C_PatternCursor<3> twoNumbers("u__");
@@ -209,7 +209,7 @@ S_LabelMeaning ParseLabel(const char* pszText) {
   if (text == kSilenceLabel) return {.eKind = S_LabelMeaning::Kind::Silence};
   if (text == kRegionLabel) return {.eKind = S_LabelMeaning::Kind::Region};
   if (!oneNumber.IsComplete()) return {};
-  // The older form with both indices in one number; read, never written.
+  // The older form with both indices in one number. It is read but never written.
   const int nBoth = Number(text.substr(oneNumber.Position(1) + 1));
   return Event(nBoth >> 16, nBoth);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How the annotations of a sound travel in a RIFF file: as cue points with "adtl" labels.
+// How the annotations of a sound are stored in a RIFF file: as cue points with "adtl" labels.
 //
 //   annotation            cue point at       label text          labelled text
 //   event (main, sub)     sample position    "u_<main>_<sub>"    none
@@ -9,8 +9,8 @@
 //
 // Cue point identifiers count from 1: events first, then silence segments, then regions.
 //
-// Kept: what an event says beyond its two indices (description, data) does not travel; old readers
-// take the text for the indices and nothing else. Pinned by DescriptionAndDataOfEventsDoNotTravel.
+// Kept: an event's description and data are not stored. Old readers take the text for the two
+// indices and nothing else. Pinned by DescriptionAndDataOfEvents_DoNotTravel.
 #pragma once
 
 #include <string>
@@ -33,16 +33,17 @@ struct S_LabelMeaning {
   friend bool operator==(const S_LabelMeaning&, const S_LabelMeaning&) = default;
 };
 
-// What a label text means. Never fails: a text that follows none of the forms is Other, numbers
-// that are none are 0, and numbers that are too big keep their low 16 bits.
+// What a label text means. Never fails: a text of any other form is Other, a text in place of a
+// number counts as 0, and an index that is too big keeps its low 16 bits. pszText must not be null.
 S_LabelMeaning ParseLabel(const char* pszText);
 
 // The text of an event's label.
 std::string EventLabel(unsigned short wMain, unsigned short wSub);
 
-// Adds an event to the sound for each label of an event, and replaces its silence segments and
-// uncompressed regions by those of the labels. A label of these kinds whose identifier has no cue
-// point stops the program. Sounds without a sample rate get no events, which could not be placed.
+// Adds an event to the sound for each label of an event, and replaces the sound's silence segments
+// and uncompressed regions by those of the labels. A label of these kinds whose identifier has no
+// cue point stops the program. A sound without a sample rate gets no events, because they could not
+// be placed.
 void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo);
 
 // Replaces all cue points, labels and labelled texts by those of the sound's annotations.

@@ -112,6 +112,7 @@ class C_WavData : public I_WavData {
   // Each side gets one of the channels, or silence.
   void MixToStereo(int nLeftChannel, int nRightChannel);
   // Both return false, and write nothing, when the bytes do not fit into the PCM buffer.
+  // SetSideData does so for an unsupported width, too.
   bool SetMonoData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwStartSample);
   bool SetSideData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwSide,
                    unsigned int dwStartSample);

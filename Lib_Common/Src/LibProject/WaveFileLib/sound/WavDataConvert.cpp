@@ -9,7 +9,7 @@ bool C_WavData::Convert(tagAudioFileType eType, const char* pszFileName, bool bE
                         bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
                         unsigned int dwCodecOption) {
   if (GetBufferLength() == 0 || !HoldsItsBytes()) return false;
-  const auto file = MakeWavFile(eType, m_eEncType);
+  const auto file = vcm::MakeWavFile(eType, m_eEncType);
   if (file == nullptr) return false;
   file->AttachWavData(this);
   const bool bRet = file->WriteFile(pszFileName, bEncode, bWriteCodecHead, pfnProgress,

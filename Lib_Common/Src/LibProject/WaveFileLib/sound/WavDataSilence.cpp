@@ -36,7 +36,7 @@ C_WavData::SilenceList* C_WavData::DetectSilenceRange(unsigned int dwThreshold,
                                                       unsigned short wLastChannel, bool bReplace) {
   if (dwThreshold > kMaxThreshold || wFirstChannel > wLastChannel) return nullptr;
   if (bReplace) {
-    const S_SampleRange range{dwStartSample, dwEndSample};
+    const vcm::S_SampleRange range{dwStartSample, dwEndSample};
     vcm::KeepIf(m_silenceSegments, [&](C_SilenceSegment* pSegment) {
       return pSegment == nullptr || !(range.Holds(pSegment->GetStartSamplePos()) ||
                                       range.Holds(pSegment->GetEndSamplePos()));
@@ -111,7 +111,7 @@ void C_WavData::SetUncompressRegionList(RegionList* pList) {
 }
 
 void C_WavData::MakeSilenceSegmentsMute() {
-  std::vector<S_SampleRange> ranges;
+  std::vector<vcm::S_SampleRange> ranges;
   for (int i = 0; i < m_silenceSegments.GetCount(); ++i) {
     C_SilenceSegment* pSilenceSegment = m_silenceSegments.GetAt(i);
     VCM_ASSERT(pSilenceSegment != nullptr, "MakeSilenceSegmentsMute", "WaveFileLib/WavData", 1280,
@@ -120,7 +120,7 @@ void C_WavData::MakeSilenceSegmentsMute() {
   }
   // Each sample is written once, however many segments cover it and however far they reach.
   const unsigned int dwSamples = m_pcmBuffer.GetUnwrappedHeldSampleSize();
-  for (const S_SampleRange& range : UnionOfSampleRanges(std::move(ranges))) {
+  for (const vcm::S_SampleRange& range : vcm::UnionOfSampleRanges(std::move(ranges))) {
     for (unsigned int dwSample = range.dwStart; dwSample < dwSamples && dwSample <= range.dwEnd;
          ++dwSample) {
       for (unsigned int dwChannel = 0; dwChannel < m_wavInfo.GetChannels(); ++dwChannel) {

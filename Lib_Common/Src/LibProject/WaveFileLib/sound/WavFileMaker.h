@@ -8,7 +8,11 @@
 
 #include "interface/I_WavFile.h"
 
+namespace vcm {
+
 // Makes a file object that writes files of kind eType; null when the kind cannot be written. Codec
 // files are told the kind of the encoded form that the sound holds (eEncodedType), so that they can
 // store it unchanged.
 std::unique_ptr<I_WavFile> MakeWavFile(tagAudioFileType eType, tagAudioFileType eEncodedType);
+
+}  // namespace vcm

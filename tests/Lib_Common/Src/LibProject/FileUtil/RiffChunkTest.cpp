@@ -188,7 +188,7 @@ TEST_F(RiffChunk, Operations_StandInTheirSlots) {
   CallSlot<void>(pIChunk, 4);
 }
 
-TEST(RiffChunkList, IsAnOwningListOfChunks) {
+TEST(RiffChunkList, List_OwnsItsChunks) {
   EXPECT_TRUE((std::is_base_of_v<C_CLArray<C_RiffChunk*, C_RiffChunk*, true>, C_RiffChunkList>));
   C_RiffChunkList list;
   list.AddChunk("aaaa", 1);
@@ -237,7 +237,7 @@ TEST(RiffChunkList, NullEntry_StopsTheProgram) {
   EXPECT_EQ(list.FindChunk("aaaa", 1), nullptr);
 }
 
-TEST(RiffChunkList, FindChunk_StopsAtTheMatchInFrontOfANull) {
+TEST(RiffChunkList, FindChunk_StopsAtTheMatchBeforeANull) {
   C_RiffChunkList list;
   C_RiffChunk* pChunk = list.AddChunk("aaaa", 1);
   list.Add(nullptr);

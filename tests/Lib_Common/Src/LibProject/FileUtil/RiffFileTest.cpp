@@ -149,7 +149,7 @@ TEST_F(RiffFile, ZeroFiller_CountsAgainstTheRiffSize) {
   EXPECT_EQ(ListingOf(C_RiffBytes(file).RiffSize(4 + 25).Take()).size(), 2u);
 }
 
-TEST_F(RiffFile, ZeroRunAcrossTheRiffEnd_ListsTheChunkBehindIt) {
+TEST_F(RiffFile, ZeroRunAcrossTheRiffEnd_ListsTheChunkAfterIt) {
   const auto First = C_RiffBytes("WAVE").Chunk("aaaa", {1, 2, 3, 4});
   EXPECT_EQ(ListingOf(C_RiffBytes(First).Zeros(9).Chunk("tail", {7}).RiffSize(4 + 12 + 9).Take()),
             (Lines{"aaaa@20+4", "tail@41+1"}));
@@ -193,7 +193,7 @@ TEST_F(RiffFile, ChunkPastTheRiffSize_IsKeptAndEndsTheListing) {
   EXPECT_EQ(ListingOf(TwoChunks().RiffSize(4 + 11).Take()), (Lines{"aaaa@20+4"}));
 }
 
-TEST_F(RiffFile, RiffSizeBeyondTheFile_ListsWhatIsThere) {
+TEST_F(RiffFile, RiffSizeBeyondTheFile_ListsTheChunksThatExist) {
   EXPECT_EQ(ListingOf(TwoChunks().RiffSize(1000).Take()).size(), 2u);
   EXPECT_EQ(ListingOf(TwoChunks().RiffSize(0xFFFFFFFFu).Take()).size(), 2u);
 }

@@ -69,7 +69,7 @@ C_RiffBytes WithTag(std::uint16_t wTag) {
 
 }  // namespace
 
-TEST_F(WavFileFormat, KindsHaveTheNumbersThatFilesCarry) {
+TEST_F(WavFileFormat, Kinds_HaveTheNumbersThatFilesCarry) {
   EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_KESTREL), 14u);
   EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_HERON_4BIT), 32u);
   EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_HERON_5BIT), 33u);
@@ -82,7 +82,7 @@ TEST_F(WavFileFormat, KindsHaveTheNumbersThatFilesCarry) {
   EXPECT_EQ(sizeof(tagAudioFileType), 4u);
 }
 
-TEST_F(WavFileFormat, TheSpHeadersIdentifierIsTheKindWhateverItIs) {
+TEST_F(WavFileFormat, SpHeadersIdentifier_IsTheKindWhateverItIs) {
   EXPECT_EQ(Format(File(SpFile(14, KestrelStream(1)))), AUDIO_FILE_KESTREL);
   for (const std::uint16_t wID :
        std::initializer_list<std::uint16_t>{0, 7, 32, 36, 0x1101, 0x8001, 0xFFFE, 0xFFFF}) {
@@ -90,7 +90,7 @@ TEST_F(WavFileFormat, TheSpHeadersIdentifierIsTheKindWhateverItIs) {
   }
 }
 
-TEST_F(WavFileFormat, RiffSoundFilesAreWaveFiles) {
+TEST_F(WavFileFormat, RiffSoundFiles_AreWaveFiles) {
   EXPECT_EQ(Format(File(MonoWav(8))), AUDIO_FILE_WAVE);
 }
 
@@ -102,7 +102,7 @@ TEST_F(WavFileFormat, VemdFile_IsAWaveFileToDetection) {
   EXPECT_EQ(file->GetFileFormat(), AUDIO_FILE_VEMD);
 }
 
-TEST_F(WavFileFormat, AnythingElseIsUnknown) {
+TEST_F(WavFileFormat, AnyOtherFile_IsUnknown) {
   EXPECT_EQ(Format(File(MonoWav(8, "VEFF"))), AUDIO_FILE_UNKNOWN);
   EXPECT_EQ(Format(File(WithTag(0x0011))), AUDIO_FILE_UNKNOWN);
   EXPECT_EQ(Format(File(Ascii("some text"))), AUDIO_FILE_UNKNOWN);
@@ -112,7 +112,7 @@ TEST_F(WavFileFormat, AnythingElseIsUnknown) {
   EXPECT_EQ(m_format.GetFileFormat(nullptr), AUDIO_FILE_UNKNOWN);
 }
 
-TEST_F(WavFileFormat, OnlyWaveIsAKindThatCanBeAskedFor) {
+TEST_F(WavFileFormat, IsFileFormat_KnowsOnlyWave) {
   const std::string strWave = File(MonoWav(8));
   const std::string strKestrel = m_folder.Write("k", SpFile(14, KestrelStream(1)));
   const std::string strVemd = m_folder.Write("v", MonoWav(8, "VEMD").Take());
@@ -128,13 +128,13 @@ TEST_F(WavFileFormat, OnlyWaveIsAKindThatCanBeAskedFor) {
   }
 }
 
-TEST_F(WavFileFormat, IsWavFileTakesBothForms) {
+TEST_F(WavFileFormat, IsWavFile_TakesBothForms) {
   EXPECT_TRUE(m_format.IsWavFile(File(MonoWav(8)).c_str()));
   EXPECT_TRUE(m_format.IsWavFile(File(MonoWav(8, "VEMD")).c_str()));
   EXPECT_FALSE(m_format.IsWavFile(File(MonoWav(8, "VEFF")).c_str()));
 }
 
-TEST_F(WavFileFormat, TheObjectOfTheClassThatOpensTheFileIsMade) {
+TEST_F(WavFileFormat, CreateWavFile_MakesTheObjectOfTheClassThatOpensTheFile) {
   const C_WavFilePtr wave = Create(File(MonoWav(8)));
   EXPECT_NE(dynamic_cast<C_WavFile*>(wave.get()), nullptr);
   EXPECT_EQ(PcmOf(*wave), RampBytes(8));
@@ -144,7 +144,7 @@ TEST_F(WavFileFormat, TheObjectOfTheClassThatOpensTheFileIsMade) {
   EXPECT_EQ(kestrel->GetWavData()->GetBufferLength(), 3u * 640);
 }
 
-TEST_F(WavFileFormat, WhatNoClassOpensGivesNothing) {
+TEST_F(WavFileFormat, FileThatNoClassOpens_GivesNothing) {
   EXPECT_EQ(Create(File(Ascii("text"))), nullptr);
   EXPECT_EQ(Create(File(C_Bytes{})), nullptr);
   EXPECT_EQ(Create(File(WithTag(0x0011))), nullptr);
@@ -157,7 +157,7 @@ TEST_F(WavFileFormat, WhatNoClassOpensGivesNothing) {
   EXPECT_EQ(Open(File(Ascii("text"))), nullptr);
 }
 
-TEST_F(WavFileFormat, TryingLeavesNoTrace) {
+TEST_F(WavFileFormat, FailedAttempts_LeaveNoTrace) {
   const std::string strGood = m_folder.Write("good", MonoWav(8).Take());
   const std::string strBad = m_folder.Write("bad", Ascii("RIFF but no"));
   const std::ptrdiff_t nOpen = CountOpenFiles();
@@ -169,7 +169,7 @@ TEST_F(WavFileFormat, TryingLeavesNoTrace) {
   EXPECT_EQ(CountOpenFiles(), nOpen);
 }
 
-TEST_F(WavFileFormat, NothingIsPrintedWhateverHappens) {
+TEST_F(WavFileFormat, Factory_PrintsNothingWhateverHappens) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
   const C_WavFilePtr file = Create(File(MonoWav(8).Chunk("cue ", CueBytes({{1, 2, 3}}))));
@@ -183,7 +183,7 @@ TEST_F(WavFileFormat, NothingIsPrintedWhateverHappens) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST_F(WavFileFormat, OpenGivesFormatAndChunksButNoSamples) {
+TEST_F(WavFileFormat, OpenWavFile_GivesFormatAndChunksButNoSamples) {
   C_RiffBytes riff = MonoWav(8);
   riff.Chunk("cue ", CueBytes({{1, 2, 3}})).Chunk("fact", U32(4));
   const std::string strPath = File(riff);
@@ -198,14 +198,14 @@ TEST_F(WavFileFormat, OpenGivesFormatAndChunksButNoSamples) {
   EXPECT_EQ(file->GetFileLength(), std::filesystem::file_size(strPath));
 }
 
-TEST_F(WavFileFormat, PlatformStaysUnsetWhenTheFirstAttemptSucceeds) {
+TEST_F(WavFileFormat, FirstAttemptThatSucceeds_LeavesThePlatformUnset) {
   EXPECT_EQ(Create(File(MonoWav(8)))->GetAudioCodecParam()->GetPlatform(),
             AUDIO_CODEC_PLATFORM_DEFAULT);
   EXPECT_EQ(Create(File(SpFile(14, KestrelStream(1))))->GetAudioCodecParam()->GetPlatform(),
             AUDIO_CODEC_PLATFORM_DEFAULT);
 }
 
-TEST_F(WavFileFormat, AStreamThatFailsAtItsEndIsHeardTwice) {
+TEST_F(WavFileFormat, StreamThatFailsAtItsEnd_IsHeardTwice) {
   static unsigned int s_dwBytes = 0;
   static unsigned int s_dwCalls = 0;
   const PFN_DecodedData pfnCount = [](void*, unsigned int dwLength) {
@@ -269,7 +269,7 @@ bool Attempt(int nSucceedsAt, bool bLoadData, bool bKeepEncoded = true,
 
 }  // namespace
 
-TEST_F(WavFileFormat, LoadingPassesTheArgumentsThrough) {
+TEST_F(WavFileFormat, Load_PassesTheArgumentsThrough) {
   EXPECT_TRUE(Attempt(1, true));
   EXPECT_EQ(g_log.strArguments, "name keep option none");
   EXPECT_EQ(g_log.nLoads, 1);
@@ -278,7 +278,7 @@ TEST_F(WavFileFormat, LoadingPassesTheArgumentsThrough) {
   EXPECT_EQ(g_log.strArguments, "name drop option data");
 }
 
-TEST_F(WavFileFormat, AFailedLoadIsTriedOnceMoreWithTheFallbackPlatform) {
+TEST_F(WavFileFormat, FailedLoad_IsTriedOnceMoreWithTheFallbackPlatform) {
   EXPECT_TRUE(Attempt(2, true));
   EXPECT_EQ(g_log.nLoads, 2);
   EXPECT_EQ(static_cast<unsigned int>(g_log.ePlatform), 2u);
@@ -286,7 +286,7 @@ TEST_F(WavFileFormat, AFailedLoadIsTriedOnceMoreWithTheFallbackPlatform) {
   EXPECT_EQ(g_log.nLoads, 2);
 }
 
-TEST_F(WavFileFormat, OpeningIsTriedOnce) {
+TEST_F(WavFileFormat, Open_IsTriedOnce) {
   EXPECT_TRUE(Attempt(1, false));
   EXPECT_EQ(g_log.strArguments, "name");
   EXPECT_EQ(g_log.nLoads, 0);
@@ -294,7 +294,7 @@ TEST_F(WavFileFormat, OpeningIsTriedOnce) {
   EXPECT_EQ(g_log.nOpens, 1);
 }
 
-TEST_F(WavFileFormat, AnExceptionOutOfALoadLeavesNoObject) {
+TEST_F(WavFileFormat, ExceptionOutOfALoad_LeavesNoObject) {
   class C_ThrowingFile : public C_LoggingFile {
    public:
     bool LoadByName(const char*, bool, const char*, PFN_DecodedData) { throw 1; }
@@ -306,7 +306,7 @@ TEST_F(WavFileFormat, AnExceptionOutOfALoadLeavesNoObject) {
   EXPECT_EQ(g_log.nLiving, 0);
 }
 
-TEST_F(WavFileFormat, SupportIsAskedOfTheFirstFormatTagOnly) {
+TEST_F(WavFileFormat, IsSupportedFormat_AsksTheFirstFormatTagOnly) {
   for (const std::uint16_t wTag : std::initializer_list<std::uint16_t>{1, 2, 6, 7, 11}) {
     EXPECT_TRUE(IsSupported(WithTag(wTag))) << wTag;
   }
@@ -326,7 +326,7 @@ TEST_F(WavFileFormat, FileWithoutFormat_CountsAsSupported) {
   EXPECT_TRUE(IsSupported(riff.Chunk("data", RampBytes(4)).Chunk("fmt", {})));
 }
 
-TEST_F(WavFileFormat, FormatThatCannotBeReadIsNotSupported) {
+TEST_F(WavFileFormat, FormatThatCannotBeRead_IsNotSupported) {
   C_RiffBytes empty("WAVE");
   EXPECT_FALSE(IsSupported(empty.Chunk("fmt ", {})));
   C_RiffBytes tooShort("WAVE");
@@ -335,7 +335,7 @@ TEST_F(WavFileFormat, FormatThatCannotBeReadIsNotSupported) {
   EXPECT_FALSE(IsSupported(cut.Chunk("fmt ", 16, U16(1))));
 }
 
-TEST_F(WavFileFormat, OtherFormsAreNotSupported) {
+TEST_F(WavFileFormat, OtherForms_AreNotSupported) {
   EXPECT_FALSE(IsSupported(MonoWav(8, "VEMD")));
   EXPECT_FALSE(IsSupported(MonoWav(8, "VEFF")));
   EXPECT_FALSE(m_format.IsSupportedFormat(m_folder.Path("missing").c_str()));
@@ -344,9 +344,9 @@ TEST_F(WavFileFormat, OtherFormsAreNotSupported) {
   EXPECT_FALSE(m_format.IsSupportedFormat(File(SpFile(14, {})).c_str()));
 }
 
-TEST_F(WavFileFormat, CodecsAreAlwaysAvailable) { EXPECT_TRUE(m_format.IsCodecAvailable()); }
+TEST_F(WavFileFormat, Codecs_AreAlwaysAvailable) { EXPECT_TRUE(m_format.IsCodecAvailable()); }
 
-TEST_F(WavFileFormat, TheOperationsStandInTheirSlots) {
+TEST_F(WavFileFormat, Operations_StandInTheirSlots) {
   const std::string strPath = File(MonoWav(8));
   const char* pszPath = strPath.c_str();
   I_WavFileFormat* pFormat = new C_WavFileFormat;
@@ -370,19 +370,19 @@ TEST_F(WavFileFormat, TheOperationsStandInTheirSlots) {
 
 template <typename File>
 void ExpectHeron(tagAudioFileType eType) {
-  const auto file = MakeWavFile(eType, AUDIO_FILE_KESTREL);
+  const auto file = vcm::MakeWavFile(eType, AUDIO_FILE_KESTREL);
   EXPECT_NE(dynamic_cast<File*>(file.get()), nullptr) << eType;
   EXPECT_EQ(file->GetCodingType(), 14u);
 }
 
-TEST_F(WavFileFormat, FilesToWriteAreMadeByKind) {
+TEST_F(WavFileFormat, FilesToWrite_AreMadeByKind) {
   for (const tagAudioFileType eType : {AUDIO_FILE_WAVE, AUDIO_FILE_VEMD}) {
-    const auto file = MakeWavFile(eType, AUDIO_FILE_KESTREL);
+    const auto file = vcm::MakeWavFile(eType, AUDIO_FILE_KESTREL);
     ASSERT_NE(dynamic_cast<C_WavFile*>(file.get()), nullptr);
     EXPECT_EQ(file->GetFileFormat(), eType);
     EXPECT_EQ(file->GetCodingType(), 0u);
   }
-  const auto kestrel = MakeWavFile(AUDIO_FILE_KESTREL, AUDIO_FILE_HERON_4BIT);
+  const auto kestrel = vcm::MakeWavFile(AUDIO_FILE_KESTREL, AUDIO_FILE_HERON_4BIT);
   ASSERT_NE(dynamic_cast<C_KestrelFile*>(kestrel.get()), nullptr);
   EXPECT_EQ(kestrel->GetCodingType(), 32u);
   ExpectHeron<C_Heron4BitFile>(AUDIO_FILE_HERON_4BIT);
@@ -391,7 +391,7 @@ TEST_F(WavFileFormat, FilesToWriteAreMadeByKind) {
   ExpectHeron<C_Heron2BitFile>(AUDIO_FILE_HERON_2BIT);
   ExpectHeron<C_Heron3BitFile>(AUDIO_FILE_HERON_3BIT);
   for (const unsigned int dwType : {0u, 1u, 13u, 31u, 37u, 0x1001u, 0xFFFFu}) {
-    EXPECT_EQ(MakeWavFile(static_cast<tagAudioFileType>(dwType), AUDIO_FILE_UNKNOWN), nullptr)
+    EXPECT_EQ(vcm::MakeWavFile(static_cast<tagAudioFileType>(dwType), AUDIO_FILE_UNKNOWN), nullptr)
         << dwType;
   }
 }

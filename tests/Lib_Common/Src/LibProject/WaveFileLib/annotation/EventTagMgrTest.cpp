@@ -91,7 +91,7 @@ TEST_F(EventTagMgr, AddEvent_KeepsTheListInOrderOfTime) {
   EXPECT_EQ(Names(), (std::vector{6, 1, 3, 4, 2, 5}));
 }
 
-TEST_F(EventTagMgr, AddEvent_PutsEqualTimesBehindEachOther_ForEveryArrangement) {
+TEST_F(EventTagMgr, AddEvent_PutsEqualTimesAfterEachOther_ForEveryArrangement) {
   std::mt19937 random(7);
   for (int nRound = 0; nRound < 200; ++nRound) {
     C_EventTagMgr mgr;

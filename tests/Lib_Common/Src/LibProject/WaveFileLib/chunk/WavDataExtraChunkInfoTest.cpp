@@ -110,7 +110,7 @@ TEST_F(WavDataExtraChunkInfo, AddRiffChunk_WithoutPayload_Fails) {
   EXPECT_EQ(m_info.GetSize(), 0);
 }
 
-TEST_F(WavDataExtraChunkInfo, IsAnOwningList) {
+TEST_F(WavDataExtraChunkInfo, Info_IsAnOwningList) {
   Add("aaaa", {1});
   Add("bbbb", {2});
   m_info.RemoveItemByIndex(0);

@@ -11,7 +11,7 @@
 #include "annotation/SilenceSegment.h"
 #include "annotation/UncompressRegion.h"
 
-TEST(WavDataTextInfo, IsAPlaceholder) {
+TEST(WavDataTextInfo, Info_IsAPlaceholder) {
   C_WavDataTextInfo info;
   EXPECT_FALSE(info.IsValid());
   EXPECT_EQ(info.GetChunkLength(), 4u);

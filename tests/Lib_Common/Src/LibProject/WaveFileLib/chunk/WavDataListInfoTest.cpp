@@ -225,7 +225,7 @@ TEST_F(WavDataListInfo, OddSubChunkAtTheEnd_MayLackItsPadByte) {
   EXPECT_EQ(LabelAt(0), "1:abcd");
 }
 
-TEST_F(WavDataListInfo, TextBehindALabelledText_IsSkipped) {
+TEST_F(WavDataListInfo, TextAfterALabelledText_IsSkipped) {
   const C_Bytes longer =
       ChunkBytes("ltxt", Join({Words({1, 500}), Ascii("rgn "), C_Bytes(8), Ascii("some words")}));
   EXPECT_TRUE(Load(m_info, List({longer, Label(2, std::string("c\0", 2))})));

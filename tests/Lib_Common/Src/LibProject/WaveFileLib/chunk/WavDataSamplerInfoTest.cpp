@@ -198,7 +198,7 @@ TEST_F(WavDataSamplerInfo, SamplerDataBeyondThePayload_IsCutAndNeverBelieved) {
   }
 }
 
-TEST_F(WavDataSamplerInfo, SamplerDataBeyondThePayload_IsCutToWhatIsBehindTheLoops) {
+TEST_F(WavDataSamplerInfo, SamplerDataBeyondThePayload_IsCutToTheBytesAfterTheLoops) {
   EXPECT_TRUE(Load(m_info, Join({Header(1, 100), Words({8, 2, 9, 10, 11, 12}), C_Bytes(7)})));
   EXPECT_EQ(m_info.GetSamplerData(), 7u);
   EXPECT_EQ(m_info.GetChunkLength(), 36u + 24 + 7);

@@ -63,7 +63,7 @@ TEST_P(HeronDamage, DamagedStreams_EndInSamplesOrARefusal) {
   }
 }
 
-TEST_P(HeronDamage, NoiseBehindAHead_EndsInSamplesOrARefusal) {
+TEST_P(HeronDamage, NoiseAfterAHead_EndsInSamplesOrARefusal) {
   C_Damage damage(77u + static_cast<unsigned int>(GetParam().nBitDepth));
   const C_HeronBytes stream(GetParam(), TestVoice(10), 4000);
   for (int i = 0; i < CountStreams(); ++i) {

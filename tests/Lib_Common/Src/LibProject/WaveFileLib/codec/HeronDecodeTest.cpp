@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, HeronRoundTrip, testing::ValuesIn(kKinds), heron
 
 Bytes SomeStream() { return C_HeronBytes(kKinds[0], TestVoice(500), 8000).Take(); }
 
-TEST(HeronDecoder, SoundBecomesSixteenBitMonoAtItsRate) {
+TEST(HeronDecoder, Sound_BecomesSixteenBitMonoAtItsRate) {
   C_WavData sound;
   SetSound(sound, {1, 2, 3, 4}, {.wChannels = 2, .wBits = 8, .wStoreBits = 8, .dwRate = 8000});
   ASSERT_TRUE(Decode(SomeStream(), &sound));

@@ -45,7 +45,7 @@ TEST_P(HeronEncode, SoundWithoutEvents_IsAHeadWithoutOffsetAndItsAudio) {
   EXPECT_EQ(Bytes(stream->begin(), stream->begin() + 4), (Bytes{GetParam().byMode, 0, 0, 0}));
 }
 
-TEST_P(HeronEncode, SoundWithEvents_HasTheirStreamBehindItsAudio) {
+TEST_P(HeronEncode, SoundWithEvents_HasTheirStreamAfterItsAudio) {
   const auto voice = TestVoice(160 * 320);
   const C_SoundPtr sound = MonoSound(voice, 8000);
   AddEvent(*sound, 1, 2, 100 * 160);
@@ -109,7 +109,7 @@ TEST(HeronEncoder, PartOfAFrameAtTheEnd_CountsAsAFrame) {
             C_HeronBytes(kKinds[0], voice, 8000).Events({0x20, 4, 1, 2, 8, 0x20}).Take());
 }
 
-TEST(HeronEncoder, EventBehindTheSound_MakesAStreamOfOneGap) {
+TEST(HeronEncoder, EventAfterTheSound_MakesAStreamOfOneGap) {
   const auto voice = TestVoice(160);
   const C_SoundPtr sound = MonoSound(voice, 8000);
   AddEvent(*sound, 1, 2, 160 * 32);

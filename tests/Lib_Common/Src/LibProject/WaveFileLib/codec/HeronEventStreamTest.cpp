@@ -160,7 +160,7 @@ TEST(HeronEventStream, EventsBeforeTheRange_AreLeftOut) {
   EXPECT_EQ(Stream(S_FrameRange{32, 64}, {{0, 1, 2}, {33, 3, 4}}), (Bytes{0x20, 4, 3, 4, 8, 0x40}));
 }
 
-TEST(HeronEventStream, EventsBehindTheRange_CountWhereItsLastGroupReaches) {
+TEST(HeronEventStream, EventsAfterTheRange_CountWhereItsLastGroupReaches) {
   EXPECT_EQ(Stream(33, {{63, 1, 2}}), (Bytes{8, 0x20, 0x20, 4, 1, 2}));
   EXPECT_EQ(Stream(33, {{64, 1, 2}}), (Bytes{8, 33}));
   EXPECT_EQ(Stream(64, {{64, 1, 2}}), (Bytes{8, 64}));
@@ -186,7 +186,7 @@ TEST(HeronEventStream, AHundredThousandEvents_TakeLinearTime) {
 
 // ---- events of a sound
 
-TEST(HeronEventsOf, PositionsBecomeFrames) {
+TEST(HeronEventsOf, Positions_BecomeFrames) {
   C_EventTagMgr mgr;
   mgr.SetSampleRate(8000);
   for (const unsigned int dwPos : {0u, 159u, 160u, 0xFFFFFFFFu}) {
@@ -203,7 +203,7 @@ TEST(HeronEventsOf, Commands_LoseTheirHighBytes) {
   EXPECT_EQ(heroneventstream::EventsOf(mgr, 160), (Events{{0, 0x02, 0xFE}}));
 }
 
-TEST(HeronEventsOf, TimesCountInTheSampleRate) {
+TEST(HeronEventsOf, Times_CountInTheSampleRate) {
   C_EventTagMgr mgr;
   mgr.SetSampleRate(8000);
   mgr.AddEvent(1, 2, 20, "", 0);

@@ -69,7 +69,7 @@ TEST(HeronStream, AudioBeforeEvents_EndsAtTheirOffset) {
   EXPECT_EQ(Bytes(audio->coded.begin(), audio->coded.end()), (Bytes{10, 11}));
 }
 
-TEST(HeronStream, HeadAlone_HasNoAudio) {
+TEST(HeronStream, HeadOnly_HasNoAudio) {
   const auto audio = FindAudio(Bytes{1, 0, 0, 0});
   ASSERT_TRUE(audio);
   EXPECT_TRUE(audio->coded.empty());

@@ -69,14 +69,14 @@ TEST(HeronTemp, TwoPrivateFilesWhileEncoding_AreGoneAfterwards) {
   EXPECT_EQ(use.nLeft, 0);
 }
 
-TEST(HeronTemp, AreGoneAfterACallbackThatThrows) {
+TEST(HeronTemp, TempFiles_AreGoneAfterACallbackThatThrows) {
   const auto use = WatchTemp([] { return ThrowsInCall(1) && ThrowsInCall(2); });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 4);
   EXPECT_EQ(use.nLeft, 0);
 }
 
-TEST(HeronTemp, AreGoneAfterEveryKindOfRefusal) {
+TEST(HeronTemp, TempFiles_AreGoneAfterEveryKindOfRefusal) {
   const auto use = WatchTemp([] {
     return Encoded(*SoundWithEvents(), 37).has_value() ||
            Encoded(*MonoSound(TestVoice(10), 3999), 32).has_value() ||

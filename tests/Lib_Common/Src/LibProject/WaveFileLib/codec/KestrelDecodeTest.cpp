@@ -135,7 +135,7 @@ TEST(KestrelDecode, FormatOfTheSound_StaysAndItsLengthIsThatOfTheFrames) {
   EXPECT_EQ(sound->GetWavInfo()->GetSampleSize(), 960u);
 }
 
-TEST(KestrelDecode, HeadAlone_DecodesToNoSamples) {
+TEST(KestrelDecode, HeadOnly_DecodesToNoSamples) {
   const auto stream = C_KestrelBytes(16000).Take();
   const auto sound = MonoSound(TestVoice(100));
   C_KestrelCodec codec;
@@ -185,7 +185,7 @@ TEST(KestrelDecode, Length0Or1_Fails) {
   }
 }
 
-TEST(KestrelDecode, Length2Or3_IsTheHeadAlone) {
+TEST(KestrelDecode, Length2Or3_IsOnlyTheHead) {
   for (const std::uint32_t dwClaim : {2u, 3u}) {
     const auto decoded = Decode(C_KestrelBytes(16000).Voice(2).Claim(dwClaim).Take());
     EXPECT_TRUE(decoded.bResult) << dwClaim;
@@ -291,7 +291,7 @@ TEST(KestrelDecode, FrameSize_ComesFromTheCoderNotFromTheStream) {
   EXPECT_FALSE(Decode(C_KestrelBytes(24000).Words(words).Take()).bResult);
 }
 
-TEST(KestrelDecode, WordsAreLittleEndian) {
+TEST(KestrelDecode, Words_AreLittleEndian) {
   auto bytes = C_KestrelBytes(16000).Voice(1);
   const auto stream = bytes.Take();
   EXPECT_EQ(stream[6], bytes.GetWords()[0] & 0xFF);

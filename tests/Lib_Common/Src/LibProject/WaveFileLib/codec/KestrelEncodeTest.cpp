@@ -71,7 +71,7 @@ TEST(KestrelCodec, LoadCodec_IsTrueForEveryRate) {
   }
 }
 
-TEST(KestrelCodec, BaseHoldsATablePointerAndFourEntries) {
+TEST(KestrelCodec, Base_HoldsATablePointerAndFourEntries) {
   EXPECT_EQ(sizeof(C_VXAudioCodec), 5 * sizeof(void*));
   EXPECT_TRUE(std::has_virtual_destructor_v<C_VXAudioCodec>);
 }
@@ -237,7 +237,7 @@ TEST(KestrelEncodeProgress, Record_IsKindThen256BytesThenValue) {
   EXPECT_EQ(offsetof(S_CodecProgress, dwValue), 260u);
 }
 
-TEST(KestrelEncodeProgress, IsSentAtTheStartBeforeEachWholeFrameAndAtTheEnd) {
+TEST(KestrelEncodeProgress, Progress_IsSentAtTheStartBeforeEachWholeFrameAndAtTheEnd) {
   g_reports.clear();
   EXPECT_TRUE(EncodeVoice(700, 16000, RecordProgress).bResult);
   EXPECT_THAT(g_reports, ElementsAre(Pair(3, 700), Pair(4, 0), Pair(4, 320), Pair(4, 700)));
@@ -249,7 +249,7 @@ TEST(KestrelEncodeProgress, IsSentAtTheStartBeforeEachWholeFrameAndAtTheEnd) {
   EXPECT_THAT(g_reports, ElementsAre(Pair(3, 100), Pair(4, 100)));
 }
 
-TEST(KestrelEncodeProgress, IsNotSentForWhatIsRefused) {
+TEST(KestrelEncodeProgress, Progress_IsNotSentForWhatIsRefused) {
   g_reports.clear();
   EXPECT_FALSE(EncodeVoice(700, 8000, RecordProgress).bResult);
   EXPECT_FALSE(EncodeSound(MonoSound({}).get(), 16000, RecordProgress).bResult);

@@ -63,14 +63,14 @@ bool Throws(int nCall, const Step& step) {
   }
 }
 
-TEST(KestrelEncodeTemp, IsGoneAfterSuccess) {
+TEST(KestrelEncodeTemp, TempFile_IsGoneAfterSuccess) {
   const auto use = WatchTemp([] { return Encode(); });
   EXPECT_TRUE(use.bResult);
   EXPECT_GE(use.nCreated, 1);
   EXPECT_EQ(use.nLeft, 0);
 }
 
-TEST(KestrelEncodeTemp, IsGoneAfterACallbackThatThrows) {
+TEST(KestrelEncodeTemp, TempFile_IsGoneAfterACallbackThatThrows) {
   const auto use = WatchTemp([] {
     return Throws(2, [] { Encode(ThrowingProgress); }) &&
            Throws(4, [] { Encode(ThrowingProgress); });
@@ -112,7 +112,7 @@ void LookAtTemporaryFile(void*, unsigned int) {
   }
 }
 
-TEST(KestrelDecodeTemp, IsPrivateWhileItIsThereAndGoneAfterwards) {
+TEST(KestrelDecodeTemp, TempFile_IsPrivateWhileItExistsAndGoneAfterwards) {
   const auto use =
       WatchTemp([] { return Decode(ThreeFrames(), LookAtTemporaryFile) && g_bPrivateFile; });
   EXPECT_TRUE(use.bResult);
@@ -120,14 +120,14 @@ TEST(KestrelDecodeTemp, IsPrivateWhileItIsThereAndGoneAfterwards) {
   EXPECT_EQ(use.nLeft, 0);
 }
 
-TEST(KestrelDecodeTemp, IsMadeBeforeTheStreamIsLookedAt) {
+TEST(KestrelDecodeTemp, TempFile_IsMadeBeforeTheStreamIsLookedAt) {
   const auto use = WatchTemp([] { return Decode({}) || Decode({0, 0, 0}); });
   EXPECT_FALSE(use.bResult);
   EXPECT_GE(use.nCreated, 2);
   EXPECT_EQ(use.nLeft, 0);
 }
 
-TEST(KestrelDecodeTemp, IsGoneAfterACallbackThatThrows) {
+TEST(KestrelDecodeTemp, TempFile_IsGoneAfterACallbackThatThrows) {
   const auto use = WatchTemp([] {
     return Throws(1, [] { Decode(ThreeFrames(), ThrowingPiece); }) &&
            Throws(3, [] { Decode(ThreeFrames(), ThrowingPiece); });
@@ -137,7 +137,7 @@ TEST(KestrelDecodeTemp, IsGoneAfterACallbackThatThrows) {
   EXPECT_EQ(use.nLeft, 0);
 }
 
-TEST(KestrelDecodeTemp, IsGoneAfterEveryKindOfFailure) {
+TEST(KestrelDecodeTemp, TempFile_IsGoneAfterEveryKindOfFailure) {
   const auto use = WatchTemp([] {
     return Decode(C_KestrelBytes(16000).Voice(3).Claim(2 + 120 + 2).Take()) ||
            Decode(C_KestrelBytes(7300).Voice(1).Take()) ||

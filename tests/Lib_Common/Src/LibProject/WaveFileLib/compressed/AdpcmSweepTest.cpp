@@ -56,7 +56,7 @@ void ExpectBeginning(const C_Samples& beginning, const C_Samples& all) {
 
 }  // namespace
 
-TEST(AdpcmSweep, RandomBlocksOfRandomShapesStayWithinTheirRoom) {
+TEST(AdpcmSweep, RandomBlocksOfRandomShapes_StayWithinTheirRoom) {
   C_Shapes shapes;
   const auto codecs = AllCodecs();
   for (int nRecord = 0; nRecord < 10'000 && !testing::Test::HasFailure(); ++nRecord) {
@@ -75,7 +75,7 @@ TEST(AdpcmSweep, RandomBlocksOfRandomShapesStayWithinTheirRoom) {
 
 // When the blocks are whole and their size matches their number of samples, GetDecodedSize is
 // exact. Decoding into as much room as it says then fills all of that room.
-TEST(AdpcmSweep, WholeBlocksFillTheirRoom) {
+TEST(AdpcmSweep, WholeBlocks_FillTheirRoom) {
   C_DVIAdpcmCodec four;
   C_DVIAdpcm3BitCodec three;
   C_MSAdpcmCodec ms;

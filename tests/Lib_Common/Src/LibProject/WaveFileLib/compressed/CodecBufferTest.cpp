@@ -16,14 +16,14 @@ const C_Bytes kBytes = {0x12, 0x34, 0x56, 0x78, 0x9A};
 
 }  // namespace
 
-TEST(CodecBuffer, NewOneIsAlignedAtTheBeginning) {
+TEST(CodecBuffer, NewBuffer_IsAlignedAtItsBeginning) {
   const C_Buffer buffer(kBytes.data(), kBytes.size());
   EXPECT_EQ(buffer.GetPos(), 0u);
   EXPECT_TRUE(buffer.IsByteAligned());
   EXPECT_FALSE(buffer.EOB());
 }
 
-TEST(CodecBuffer, EOBIsAtItsSize) {
+TEST(CodecBuffer, EOB_IsAtTheSize) {
   C_Buffer buffer(kBytes.data(), kBytes.size());
   for (int i = 0; i < 5; ++i) {
     EXPECT_FALSE(buffer.EOB()) << i;
@@ -35,7 +35,7 @@ TEST(CodecBuffer, EOBIsAtItsSize) {
   EXPECT_TRUE(C_Buffer(static_cast<unsigned char*>(nullptr), 7).EOB());
 }
 
-TEST(CodecBuffer, ShortsAreLittleEndianAndTakeTwoBytes) {
+TEST(CodecBuffer, Shorts_AreReadLittleEndianAndTakeTwoBytes) {
   const C_Bytes bytes = {0x34, 0x12, 0xFE, 0xFF, 0x00, 0x80};
   C_Buffer buffer(bytes.data(), bytes.size());
   EXPECT_EQ(buffer.GetShort(), 0x1234);
@@ -45,7 +45,7 @@ TEST(CodecBuffer, ShortsAreLittleEndianAndTakeTwoBytes) {
   EXPECT_TRUE(buffer.EOB());
 }
 
-TEST(CodecBuffer, ShortsAreWrittenLittleEndian) {
+TEST(CodecBuffer, Shorts_AreWrittenLittleEndian) {
   C_Bytes bytes(6, 0xEE);
   C_Buffer buffer(bytes.data(), bytes.size());
   buffer.SetShort(0x1234);
@@ -67,7 +67,7 @@ TEST(CodecBuffer, ShortThatTheEndCuts_IsNeitherReadNorWrittenInPart) {
   EXPECT_EQ(bytes, (C_Bytes{1, 2, 3}));
 }
 
-TEST(CodecBuffer, BytesComeInOrder) {
+TEST(CodecBuffer, Bytes_ComeInOrder) {
   C_Buffer buffer(kBytes.data(), kBytes.size());
   EXPECT_EQ(buffer.GetByte(), 0x12);
   EXPECT_EQ(buffer.GetByte(), 0x34);
@@ -95,7 +95,7 @@ TEST(CodecBuffer, LowFirst_TakesTheLowerHalfFirst) {
   EXPECT_TRUE(buffer.EOB());
 }
 
-TEST(CodecBuffer, EndComesAfterTheSecondHalf) {
+TEST(CodecBuffer, End_ComesAfterTheSecondHalf) {
   C_Buffer buffer(kBytes.data(), 1);
   buffer.GetNibbleHighFirst();
   EXPECT_FALSE(buffer.EOB());

@@ -86,7 +86,7 @@ class CompressedWav : public C_FolderTest {
 
 }  // namespace
 
-TEST_F(CompressedWav, EveryKindLoadsAs16Bits) {
+TEST_F(CompressedWav, EveryKind_LoadsAs16Bits) {
   for (const S_Kind& kind : AllKinds()) {
     const C_WavObjectPtr file = Load(FileOf(kind));
     EXPECT_EQ(PcmOf(*file), PcmBytes(kind.samples)) << kind.blocks.wTag;
@@ -103,7 +103,7 @@ TEST_F(CompressedWav, EveryKindLoadsAs16Bits) {
   }
 }
 
-TEST_F(CompressedWav, EveryKindLoadsFromBothForms) {
+TEST_F(CompressedWav, EveryKind_LoadsFromBothForms) {
   for (const S_Kind& kind : AllKinds()) {
     const C_WavObjectPtr file = Load(FileOf(kind, "VEMD"));
     EXPECT_EQ(PcmOf(*file), PcmBytes(kind.samples)) << kind.blocks.wTag;
@@ -112,7 +112,7 @@ TEST_F(CompressedWav, EveryKindLoadsFromBothForms) {
   }
 }
 
-TEST_F(CompressedWav, KeepingTheEncodedFormHasNoInfluence) {
+TEST_F(CompressedWav, KeepEncoded_HasNoInfluence) {
   for (const S_Kind& kind : AllKinds()) {
     const C_WavObjectPtr file = MakeWav();
     ASSERT_TRUE(file->LoadByName(File(FileOf(kind)).c_str(), false, "option", nullptr));
@@ -120,7 +120,7 @@ TEST_F(CompressedWav, KeepingTheEncodedFormHasNoInfluence) {
   }
 }
 
-TEST_F(CompressedWav, LengthIsKnownWithoutTheSamples) {
+TEST_F(CompressedWav, Length_IsKnownWithoutTheSamples) {
   for (const S_Kind& kind : AllKinds()) {
     const C_WavObjectPtr file = MakeWav();
     ASSERT_TRUE(file->OpenByName(File(FileOf(kind)).c_str()));
@@ -131,7 +131,7 @@ TEST_F(CompressedWav, LengthIsKnownWithoutTheSamples) {
   }
 }
 
-TEST_F(CompressedWav, G711LeavesTheCodingTypeAlone) {
+TEST_F(CompressedWav, G711_LeavesTheCodingTypeAsItWas) {
   const std::vector<S_Kind> kinds = AllKinds();
   const C_WavObjectPtr file = MakeWav();
   EXPECT_EQ(file->GetCodingType(), 0u);
@@ -149,7 +149,7 @@ TEST_F(CompressedWav, G711LeavesTheCodingTypeAlone) {
   EXPECT_EQ(file->GetCodingType(), C_WavFile::kCodingLinear);
 }
 
-TEST_F(CompressedWav, DviOfOtherWidthsOpensAndDoesNotLoad) {
+TEST_F(CompressedWav, DviOfOtherWidths_OpensAndDoesNotLoad) {
   for (const std::uint16_t wBits :
        std::initializer_list<std::uint16_t>{0, 1, 2, 5, 8, 16, 0xFFFF}) {
     S_Kind kind = AllKinds()[3];
@@ -166,7 +166,7 @@ TEST_F(CompressedWav, DviOfOtherWidthsOpensAndDoesNotLoad) {
   }
 }
 
-TEST_F(CompressedWav, WidthOfTheOtherKindsDoesNotMatter) {
+TEST_F(CompressedWav, WidthOfTheOtherKinds_DoesNotMatter) {
   for (S_Kind kind : AllKinds()) {
     if (kind.blocks.wTag == WAVE_TAG_DVI_ADPCM) continue;
     for (const std::uint16_t wBits : std::initializer_list<std::uint16_t>{0, 3, 16, 0xFFFF}) {
@@ -178,7 +178,7 @@ TEST_F(CompressedWav, WidthOfTheOtherKindsDoesNotMatter) {
 
 // --- What a file claims
 
-TEST_F(CompressedWav, SoundIsAsLongAsTheBytesThatAreThere) {
+TEST_F(CompressedWav, CutFile_IsAsLongAsTheBytesItHolds) {
   const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(File(MuLawFile(1000, C_Bytes(33, 0xFF))).c_str()));
   EXPECT_EQ(file->GetWavInfo()->GetByteLength(), 2000u) << "as the file says";
@@ -187,20 +187,20 @@ TEST_F(CompressedWav, SoundIsAsLongAsTheBytesThatAreThere) {
   EXPECT_EQ(PcmOf(*file), C_Bytes(66));
 }
 
-TEST_F(CompressedWav, LengthBeyondTheFileIsNotAllocated) {
+TEST_F(CompressedWav, LengthBeyondTheFile_IsNotAllocated) {
   const std::string strPath = File(MuLawFile(0x7FFFFFFF, {0x80, 0x00}));
   ResetLargestAllocation();
   EXPECT_EQ(PcmOf(*LoadWav(strPath)), PcmBytes({32734, -32735}));
   EXPECT_LT(LargestAllocation(), 100000u);
 }
 
-TEST_F(CompressedWav, SoundOf4GiBIsRefused) {
+TEST_F(CompressedWav, SoundOf4GiB_IsRefused) {
   EXPECT_TRUE(Checks(File(MuLawFile(0x7FFFFFFF, {}))));
   EXPECT_FALSE(Checks(File(MuLawFile(0x80000000, {}))));
   EXPECT_FALSE(Opens(File(MuLawFile(0xFFFFFFFF, {}))));
 }
 
-TEST_F(CompressedWav, SamplesThatABlockDoesNotHoldAreSilent) {
+TEST_F(CompressedWav, SamplesThatABlockDoesNotHold_AreSilent) {
   S_Kind kind = AllKinds()[3];
   kind.blocks.wSamplesPerBlock = 12;
   kind.encoded = Twice(kind.encoded);
@@ -211,14 +211,14 @@ TEST_F(CompressedWav, SamplesThatABlockDoesNotHoldAreSilent) {
   EXPECT_EQ(PcmOf(*Load(FileOf(kind))), PcmBytes(expected));
 }
 
-TEST_F(CompressedWav, BlocksThatBoastAreSilentUpTo64MiB) {
+TEST_F(CompressedWav, BlocksThatClaimTooMuch_AreSilentUpTo64MiB) {
   const C_WavObjectPtr file = Load(BoastingFile(512));
   EXPECT_EQ(file->GetWavInfo()->GetByteLength(), 512u * 131070);
   const unsigned char* pbyPcm = file->GetWavDataBuffer();
   EXPECT_TRUE(std::all_of(pbyPcm, pbyPcm + 512u * 131070, [](int n) { return n == 0; }));
 }
 
-TEST_F(CompressedWav, BlocksThatBoastMoreAreRefusedWithoutAllocating) {
+TEST_F(CompressedWav, BlocksThatClaimFarTooMuch_AreRefusedWithoutAllocating) {
   for (const std::size_t nBlocks : {std::size_t{513}, std::size_t{30000}}) {
     const std::string strPath = File(BoastingFile(nBlocks));
     const C_WavObjectPtr file = MakeWav();
@@ -229,7 +229,7 @@ TEST_F(CompressedWav, BlocksThatBoastMoreAreRefusedWithoutAllocating) {
   }
 }
 
-TEST_F(CompressedWav, SoundWithoutDataIsEmpty) {
+TEST_F(CompressedWav, SoundWithoutData_IsEmpty) {
   for (S_Kind kind : AllKinds()) {
     kind.encoded.clear();
     EXPECT_EQ(Load(FileOf(kind))->GetWavInfo()->GetByteLength(), 0u) << kind.blocks.wTag;
@@ -238,7 +238,7 @@ TEST_F(CompressedWav, SoundWithoutDataIsEmpty) {
   }
 }
 
-TEST_F(CompressedWav, ZerosThatWouldDivideAreRefused) {
+TEST_F(CompressedWav, ZerosThatWouldDivide_AreRefused) {
   for (const S_Kind& kind : AllKinds()) {
     S_Kind damaged = kind;
     damaged.blocks.wChannels = 0;
@@ -252,7 +252,7 @@ TEST_F(CompressedWav, ZerosThatWouldDivideAreRefused) {
 
 // --- The record that counts
 
-TEST_F(CompressedWav, LoadingReadsTheFormatAgain) {
+TEST_F(CompressedWav, Load_ReadsTheFormatAgain) {
   S_Kind kind = AllKinds()[0];
   const C_RiffBytes before = FileOf(kind);
   kind.blocks.dwRate = 11025;
@@ -264,7 +264,7 @@ TEST_F(CompressedWav, LoadingReadsTheFormatAgain) {
   EXPECT_EQ(m_file->GetWavInfo()->GetByteLength(), 8u);
 }
 
-TEST_F(CompressedWav, FormatThatChangedToAnotherKindIsRefused) {
+TEST_F(CompressedWav, FormatThatChangedToAnotherKind_IsRefused) {
   const std::vector<S_Kind> kinds = AllKinds();
   EXPECT_FALSE(LoadsAfterChange(FileOf(kinds[0]), FileOf(kinds[3])));
   EXPECT_FALSE(LoadsAfterChange(FileOf(kinds[1]), FileOf(kinds[2])));
@@ -273,7 +273,7 @@ TEST_F(CompressedWav, FormatThatChangedToAnotherKindIsRefused) {
   EXPECT_EQ(m_file->GetWavDataBuffer(), nullptr);
 }
 
-TEST_F(CompressedWav, FormatThatWasCutMeanwhileIsRefused) {
+TEST_F(CompressedWav, FormatThatWasCutMeanwhile_IsRefused) {
   for (const S_Kind& kind : AllKinds()) {
     const std::size_t cbRecord = InfoOf(kind.blocks).GetRecord().size();
     const C_WavObjectPtr file = MakeWav();
@@ -291,7 +291,7 @@ TEST_F(CompressedWav, FormatThatWasCutMeanwhileIsRefused) {
   }
 }
 
-TEST_F(CompressedWav, LaterFormatCountsWhereverItStands) {
+TEST_F(CompressedWav, LaterFormat_CountsWhereverItStands) {
   const S_Kind kind = AllKinds()[0];
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 44100, 16))
@@ -300,7 +300,7 @@ TEST_F(CompressedWav, LaterFormatCountsWhereverItStands) {
   EXPECT_EQ(PcmOf(*Load(riff)), PcmBytes(kind.samples));
 }
 
-TEST_F(CompressedWav, LoadingTwiceGivesTheSame) {
+TEST_F(CompressedWav, LoadingTwice_GivesTheSame) {
   for (const S_Kind& kind : AllKinds()) {
     const C_WavObjectPtr file = Load(FileOf(kind));
     ASSERT_TRUE(file->LoadData(true, nullptr, nullptr));
@@ -310,7 +310,7 @@ TEST_F(CompressedWav, LoadingTwiceGivesTheSame) {
   }
 }
 
-TEST_F(CompressedWav, CallersMemoryIsLeftAlone) {
+TEST_F(CompressedWav, CallersMemory_IsNotTouched) {
   C_Bytes memory = RampBytes(4);
   C_WavData data;
   data.AttachBuffer(memory.data(), 4);
@@ -325,7 +325,7 @@ TEST_F(CompressedWav, CallersMemoryIsLeftAlone) {
 
 // --- What follows a load
 
-TEST_F(CompressedWav, AnnotationsStandAtSamplesOfTheDecodedSound) {
+TEST_F(CompressedWav, Annotations_StandAtSamplesOfTheDecodedSound) {
   C_RiffBytes riff = FileOf(AllKinds()[3]);
   riff.Chunk("cue ", CueBytes({{1, 5, 5}, {2, 6, 6}}))
       .Chunk("LIST", AdtlBytes({LablBytes(1, "u_3_7"), LablBytes(2, "VX_PCM"), LtxtBytes(2, 2)}));
@@ -334,7 +334,7 @@ TEST_F(CompressedWav, AnnotationsStandAtSamplesOfTheDecodedSound) {
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{6, 7}}));
 }
 
-TEST_F(CompressedWav, WritingItMakesALinearFileThatStillHasItsFactChunk) {
+TEST_F(CompressedWav, WrittenFile_IsLinearAndKeepsItsFactChunk) {
   for (const S_Kind& kind : AllKinds()) {
     const C_WavObjectPtr file = Load(FileOf(kind).Chunk("fact", U32(77)));
     ASSERT_TRUE(::Write(*file, Path("linear.wav")));
@@ -347,7 +347,7 @@ TEST_F(CompressedWav, WritingItMakesALinearFileThatStillHasItsFactChunk) {
   }
 }
 
-TEST_F(CompressedWav, FactoryOpensLoadsAndConvertsEveryKind) {
+TEST_F(CompressedWav, Factory_OpensLoadsAndConvertsEveryKind) {
   C_WavFileFormat format;
   for (const S_Kind& kind : AllKinds()) {
     const std::string strPath = File(FileOf(kind));

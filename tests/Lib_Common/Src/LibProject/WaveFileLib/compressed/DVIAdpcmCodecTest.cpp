@@ -70,7 +70,7 @@ TEST(DVIAdpcmCodec, FourBitSizes_CountSixHeaderBytes) {
   EXPECT_EQ(nHeld, 1018u / 2 + 5) << "five more than are counted";
 }
 
-TEST(DVIAdpcmCodec, ThreeBitSizesCountEightSamplesInThreeBytes) {
+TEST(DVIAdpcmCodec, ThreeBitSizes_CountEightSamplesInThreeBytes) {
   C_DVIAdpcm3BitCodec codec;
   const auto info = InfoOf(Three(1, 196, 513));
   EXPECT_EQ(codec.GetDecodedSize(info, 196), 1026u);
@@ -80,14 +80,14 @@ TEST(DVIAdpcmCodec, ThreeBitSizesCountEightSamplesInThreeBytes) {
   EXPECT_EQ(codec.GetDecodedSize(info, 204), 1036u) << "16 / 3 is 5";
 }
 
-TEST(DVIAdpcmCodec, ShortRestsTakeSamplesAway) {
+TEST(DVIAdpcmCodec, ShortRests_TakeSamplesAway) {
   EXPECT_EQ(C_DVIAdpcmCodec().GetDecodedSize(InfoOf(Four(1, 256, 505)), 257), 990u);
   // -5 * 8 / 3 is -13, truncated towards zero.
   EXPECT_EQ(C_DVIAdpcm3BitCodec().GetDecodedSize(InfoOf(Three(1, 196, 513)), 197), 1000u);
   EXPECT_EQ(C_DVIAdpcm3BitCodec().GetDecodedSize(InfoOf(Three(1, 196, 513)), 1), 0u);
 }
 
-TEST(DVIAdpcmCodec, SizesBeyond32BitsAreNone) {
+TEST(DVIAdpcmCodec, SizesBeyond32Bits_AreNone) {
   EXPECT_EQ(C_DVIAdpcmCodec().GetDecodedSize(InfoOf(Four(65535, 1, 65535)), ~0u), std::nullopt);
   EXPECT_EQ(C_DVIAdpcm3BitCodec().GetDecodedSize(InfoOf(Three(65535, 1, 65535)), ~0u),
             std::nullopt);
@@ -119,7 +119,7 @@ TEST(DVIAdpcmCodec, FourBits_SamplesAreClamped) {
 
 // Code 0 adds an eighth of the step and lowers the index by one. The step that follows is that of
 // the index below.
-TEST(DVIAdpcmCodec, StepsAreThoseOfTheTable) {
+TEST(DVIAdpcmCodec, Steps_AreThoseOfTheTable) {
   int nIndex = 88;
   for (const int nStep : {32767, 29794, 27086, 24623, 22385, 20350, 18500, 16818, 15289}) {
     const C_Samples samples = Block4(Four(1, 8, 9), Join({Head(0, nIndex), C_Bytes(4)}), 4);
@@ -130,7 +130,7 @@ TEST(DVIAdpcmCodec, StepsAreThoseOfTheTable) {
   EXPECT_EQ(Block4(Four(1, 8, 9), Join({Head(0, 1), {0x00}}), 6), (C_Samples{0, 1, 1}));
 }
 
-TEST(DVIAdpcmCodec, StepIndexIsLimitedTo88) {
+TEST(DVIAdpcmCodec, StepIndex_IsLimitedTo88) {
   const C_Samples expected = Block4(Four(1, 8, 9), Join({Head(5, 88), {0x21, 0x43, 1, 9}}), 18);
   for (const int nIndex : {89, 90, 128, 184, 255}) {
     EXPECT_EQ(Block4(Four(1, 8, 9), Join({Head(5, nIndex), {0x21, 0x43, 1, 9}}), 18), expected);
@@ -139,7 +139,7 @@ TEST(DVIAdpcmCodec, StepIndexIsLimitedTo88) {
   }
 }
 
-TEST(DVIAdpcmCodec, ReservedByteDoesNotMatter) {
+TEST(DVIAdpcmCodec, ReservedByte_DoesNotMatter) {
   C_Bytes block = kMonoBlock;
   block[3] = 0xFF;
   EXPECT_EQ(Block4(Four(1, 8, 9), block, 18), kMonoSamples);
@@ -192,7 +192,7 @@ TEST(DVIAdpcmCodec, BlockShorterThanItsHeader_GivesNothing) {
   }
 }
 
-TEST(DVIAdpcmCodec, WithoutChannelsThereAreNoBlocks) {
+TEST(DVIAdpcmCodec, WithoutChannels_ThereAreNoBlocks) {
   const C_WavFileCodecInfo nothing;
   C_DVIAdpcmCodec four;
   C_DVIAdpcm3BitCodec three;
@@ -280,7 +280,7 @@ TEST(DVIAdpcmCodec, ThreeBits_SamplesAreClamped) {
   EXPECT_EQ(Block3(Three(1, 16, 33), block, 6), (C_Samples{-32000, 25341, 32767}));
 }
 
-TEST(DVIAdpcmCodec, WholeSoundOfBlocksAndARest) {
+TEST(DVIAdpcmCodec, WholeSound_IsDecodedAsBlocksAndARest) {
   C_DVIAdpcmCodec codec;
   const auto info = InfoOf(Four(1, 8, 9));
   const C_Bytes encoded = Join({kMonoBlock, kMonoBlock, FirstOf(kMonoBlock, 7)});
@@ -292,7 +292,7 @@ TEST(DVIAdpcmCodec, WholeSoundOfBlocksAndARest) {
   EXPECT_EQ(Decode(codec, info, encoded, *dwSize), expected);
 }
 
-TEST(DVIAdpcmCodec, SlotsStandInTheirOrder) {
+TEST(DVIAdpcmCodec, Operations_StandInTheirSlots) {
   using C_Size = std::optional<unsigned int>;
   auto* pCodec = new C_DVIAdpcm3BitCodec;
   const auto info = InfoOf(Three(1, 16, 33));

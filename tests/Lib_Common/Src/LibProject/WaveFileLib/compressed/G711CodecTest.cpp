@@ -76,7 +76,7 @@ TEST(G711Codec, ALaw_ExpandsToSignAndMagnitude) {
                             -2662272);
 }
 
-TEST(G711Codec, ALaw_SignIsTheTopBitAlone) {
+TEST(G711Codec, ALaw_SignIsOnlyTheTopBit) {
   const C_Samples values = AllValues<C_ALawCodec>();
   for (std::size_t nCode = 0; nCode < 128; ++nCode) {
     EXPECT_GE(values[nCode + 128], 0) << nCode;
@@ -91,7 +91,7 @@ TEST(G711Codec, ALaw_Segment6BeginsAt8196) {
   }
 }
 
-TEST(G711Codec, ValuesAreTheSameAtEveryCall) {
+TEST(G711Codec, Values_AreTheSameAtEveryCall) {
   EXPECT_EQ(AllValues<C_MuLawCodec>(), AllValues<C_MuLawCodec>());
   C_MuLawCodec codec;
   const C_Samples first = Decode(codec, MuLawInfo(), AllCodes(), 512);
@@ -99,7 +99,7 @@ TEST(G711Codec, ValuesAreTheSameAtEveryCall) {
   EXPECT_EQ(sizeof(C_MuLawCodec), sizeof(void*)) << "decoders hold no state";
 }
 
-TEST(G711Codec, DecodedSizeIsTwoPerByte) {
+TEST(G711Codec, DecodedSize_IsTwoPerByte) {
   C_MuLawCodec muLaw;
   C_ALawCodec aLaw;
   C_G711Codec both;
@@ -110,13 +110,13 @@ TEST(G711Codec, DecodedSizeIsTwoPerByte) {
   }
 }
 
-TEST(G711Codec, SizesBeyond32BitsAreNone) {
+TEST(G711Codec, SizesBeyond32Bits_AreNone) {
   C_MuLawCodec codec;
   EXPECT_EQ(codec.GetDecodedSize(MuLawInfo(), 0x80000000u), std::nullopt);
   EXPECT_EQ(codec.GetDecodedSize(MuLawInfo(), 0xFFFFFFFFu), std::nullopt);
 }
 
-TEST(G711Codec, BlockAlignAndChannelsDoNotMatter) {
+TEST(G711Codec, BlockAlignAndChannels_DoNotMatter) {
   const C_Samples expected = AllValues<C_MuLawCodec>();
   C_MuLawCodec codec;
   for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2, 7, 65535}) {
@@ -139,14 +139,14 @@ TEST(G711Codec, OutputThatIsTooSmall_TakesWhatFits) {
   EXPECT_EQ(Decode(muLaw, MuLawInfo(), codes, 0), C_Samples{});
 }
 
-TEST(G711Codec, OutputThatIsTooLarge_IsLeftBehindTheInput) {
+TEST(G711Codec, OutputThatIsTooLarge_IsUntouchedAfterTheInputEnds) {
   C_ALawCodec codec;
   EXPECT_EQ(Decode(codec, MuLawInfo(), {0xD5}, 6), (C_Samples{0, kUntouched, kUntouched}));
   EXPECT_EQ(Decode(codec, MuLawInfo(), {}, 2), C_Samples{kUntouched});
 }
 
 // DecodeBlock is that of MS ADPCM, by inheritance.
-TEST(G711Codec, BlocksAreThoseOfTheBase) {
+TEST(G711Codec, Blocks_AreThoseOfTheBase) {
   const auto info = InfoOf(S_Blocks{WAVE_TAG_MS_ADPCM, 1, 9, 6});
   const C_Bytes block = Join({{0}, Shorts({16, 100, 50}), {0x1F, 0x78}});
   const C_Samples expected = {50, 100, 116, 100, 212, -92};
@@ -159,7 +159,7 @@ TEST(G711Codec, BlocksAreThoseOfTheBase) {
   EXPECT_EQ(Decode(both, info, block, 12), expected) << "the block loop";
 }
 
-TEST(G711Codec, SlotsStandInTheirOrder) {
+TEST(G711Codec, Operations_StandInTheirSlots) {
   using Size = std::optional<unsigned int>;
   auto* pCodec = new C_MuLawCodec;
   const C_Bytes codes = {0x80, 0xFF};

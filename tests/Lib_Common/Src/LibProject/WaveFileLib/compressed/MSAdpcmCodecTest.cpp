@@ -80,7 +80,7 @@ std::optional<unsigned int> Size(const S_Blocks& blocks, unsigned int dwBytes) {
 
 // --- Sizes
 
-TEST(MSAdpcmCodec, SizeIsThatOfTheWholeBlocksAndTheRest) {
+TEST(MSAdpcmCodec, Size_IsThatOfTheWholeBlocksAndTheRest) {
   const S_Blocks blocks = Ms(1, 256, 500);
   EXPECT_EQ(Size(blocks, 0), 0u);
   EXPECT_EQ(Size(blocks, 256), 1000u);
@@ -98,14 +98,14 @@ TEST(MSAdpcmCodec, RestShorterThanItsHeader_TakesSamplesAway) {
   EXPECT_EQ(Size(Ms(2, 512, 500), 513), 1956u);
 }
 
-TEST(MSAdpcmCodec, SizeBelowZeroIsZero) {
+TEST(MSAdpcmCodec, SizeBelowZero_IsZero) {
   for (unsigned int dwBytes = 1; dwBytes <= 6; ++dwBytes) {
     EXPECT_EQ(Size(Ms(1, 256, 500), dwBytes), 0u) << dwBytes;
   }
   EXPECT_EQ(Size(Ms(65535, 2, 0), 0xFFFFFFFF), 0u);
 }
 
-TEST(MSAdpcmCodec, SizeWithoutChannelsOrBlocksIsZero) {
+TEST(MSAdpcmCodec, SizeWithoutChannelsOrBlocks_IsZero) {
   const C_WavFileCodecInfo nothing;
   EXPECT_EQ(C_MSAdpcmCodec().GetDecodedSize(nothing, 1000), 0u);
   // A plain record may have the block align 0.
@@ -113,7 +113,7 @@ TEST(MSAdpcmCodec, SizeWithoutChannelsOrBlocksIsZero) {
   EXPECT_EQ(C_MSAdpcmCodec().GetDecodedSize(noBlocks, 1000), 0u);
 }
 
-TEST(MSAdpcmCodec, SizesAreComputedIn64Bits) {
+TEST(MSAdpcmCodec, Sizes_AreComputedIn64Bits) {
   EXPECT_EQ(Size(Ms(1, 1, 1), 0x7FFFFFFF), 0xFFFFFFFEu);
   EXPECT_EQ(Size(Ms(1, 1, 1), 0x80000000), std::nullopt);
   EXPECT_EQ(Size(Ms(1, 256, 65535), 256 * 32768), 0xFFFF0000u);
@@ -126,7 +126,7 @@ TEST(MSAdpcmCodec, SizesAreComputedIn64Bits) {
 }
 
 // A size that is just too large for 32 bits fits again when an incomplete block takes samples away.
-TEST(MSAdpcmCodec, SizeJustBeyond32BitsComesBackByTheRest) {
+TEST(MSAdpcmCodec, SizeJustBeyond32Bits_IsBroughtBackByTheRest) {
   EXPECT_EQ(Size(Ms(1, 2, 1), 0xFFFFFFFF), 0xFFFFFFFEu - 20u);
   EXPECT_EQ(Size(Ms(2, 65535, 65535), 65535u * 16384), 0xFFFF0000u);
   EXPECT_EQ(Size(Ms(1, 4096, 32768), 4096 * 65536 + 1), 0x100000000u - 20);
@@ -135,7 +135,7 @@ TEST(MSAdpcmCodec, SizeJustBeyond32BitsComesBackByTheRest) {
 
 // --- The block loop
 
-TEST(MSAdpcmCodec, WholeBlocksAreDecodedOneByOne) {
+TEST(MSAdpcmCodec, WholeBlocks_AreDecodedOneByOne) {
   C_RecordingCodec codec;
   EXPECT_EQ(codec.CallsOf(Mono(), 768, 3000),
             (C_Calls{{0, 0, 256, 1000}, {256, 500, 256, 1000}, {512, 1000, 256, 1000}}));
@@ -143,19 +143,19 @@ TEST(MSAdpcmCodec, WholeBlocksAreDecodedOneByOne) {
             (C_Calls{{0, 0, 64, 200}, {64, 100, 64, 200}}));
 }
 
-TEST(MSAdpcmCodec, OneByteBehindWholeBlocks_IsABlockOfItsOwn) {
+TEST(MSAdpcmCodec, OneByteAfterWholeBlocks_IsABlockOfItsOwn) {
   C_RecordingCodec codec;
   EXPECT_EQ(codec.CallsOf(Mono(), 257, 1010), (C_Calls{{0, 0, 256, 1000}, {256, 500, 1, 10}}));
   EXPECT_EQ(codec.CallsOf(Mono(), 257, 980), (C_Calls{{0, 0, 256, 980}, {256, 490, 1, 0}}));
   EXPECT_EQ(codec.CallsOf(Mono(), 1, 4), (C_Calls{{0, 0, 1, 4}}));
 }
 
-TEST(MSAdpcmCodec, RestGetsAllTheRoomThatIsLeft) {
+TEST(MSAdpcmCodec, Rest_GetsAllTheRoomThatIsLeft) {
   C_RecordingCodec codec;
   EXPECT_EQ(codec.CallsOf(Mono(), 300, 5000), (C_Calls{{0, 0, 256, 1000}, {256, 500, 44, 4000}}));
 }
 
-TEST(MSAdpcmCodec, BlockGetsNoMoreRoomThanIsLeft) {
+TEST(MSAdpcmCodec, Block_GetsNoMoreRoomThanIsLeft) {
   C_RecordingCodec codec;
   EXPECT_EQ(codec.CallsOf(Mono(), 768, 1500),
             (C_Calls{{0, 0, 256, 1000}, {256, 500, 256, 500}, {512, 750, 256, 0}}));
@@ -164,47 +164,47 @@ TEST(MSAdpcmCodec, BlockGetsNoMoreRoomThanIsLeft) {
             (C_Calls{{0, 0, 1, 10}, {1, 5, 1, 0}}));
 }
 
-TEST(MSAdpcmCodec, NothingIsDecodedWithoutInputChannelsOrBlocks) {
+TEST(MSAdpcmCodec, WithoutInputChannelsOrBlocks_NothingIsDecoded) {
   C_RecordingCodec codec;
   EXPECT_EQ(codec.CallsOf(Mono(), 0, 1000), C_Calls{});
   EXPECT_EQ(codec.CallsOf(C_WavFileCodecInfo(), 1000, 1000), C_Calls{});
   EXPECT_EQ(codec.CallsOf(InfoOf(S_Blocks{WAVE_TAG_MULAW, 1, 0, 0, 8}), 1000, 1000), C_Calls{});
 }
 
-TEST(MSAdpcmCodec, DecodingIsTrueWhateverTheBlocksSay) {
+TEST(MSAdpcmCodec, Decode_IsTrueWhateverTheBlocksSay) {
   C_RecordingCodec codec;  // its blocks return false, CallsOf expects true
   EXPECT_EQ(codec.CallsOf(Mono(), 256, 0).size(), 1u);
 }
 
 // --- Blocks
 
-TEST(MSAdpcmCodec, FirstPairPredictsTheLastSample) {
+TEST(MSAdpcmCodec, FirstPair_PredictsTheLastSample) {
   EXPECT_EQ(Block(Mono(), kMonoBlock, 12), kMonoSamples);
 }
 
-TEST(MSAdpcmCodec, SecondPairGoesOnStraight) {
+TEST(MSAdpcmCodec, SecondPair_GoesOnStraight) {
   const C_Bytes block = Join({{1}, Shorts({32, 1000, 900}), {0x01, 0xFE}});
   EXPECT_EQ(Block(Mono(), block, 12), (C_Samples{900, 1000, 1100, 1228, 1331, 1390}));
 }
 
-TEST(MSAdpcmCodec, ChannelsTakeTurnsInEveryField) {
+TEST(MSAdpcmCodec, Channels_TakeTurnsInEveryField) {
   const auto info = InfoOf(Ms(2, 64, 50));
   const C_Bytes block = Join({{0, 1}, Shorts({16, 32, 100, 1000, 50, 900}), {0x1F, 0x78}});
   EXPECT_EQ(Block(info, block, 16), (C_Samples{50, 900, 100, 1000, 116, 1068, 228, 912}));
 }
 
-TEST(MSAdpcmCodec, NegativePredictionsAreShiftedDown) {
+TEST(MSAdpcmCodec, NegativePredictions_AreShiftedDown) {
   const C_Bytes block = Join({{6}, Shorts({16, -101, 77}), {0x00}});
   EXPECT_EQ(Block(Mono(), block, 8), (C_Samples{77, -101, -225, -253}));
 }
 
-TEST(MSAdpcmCodec, HighHalfComesFirst) {
+TEST(MSAdpcmCodec, HighHalf_ComesFirst) {
   const C_Bytes block = Join({{2}, Shorts({100, 0, 0}), {0x10}});
   EXPECT_EQ(Block(Mono(), block, 8), (C_Samples{0, 0, 100, 0}));
 }
 
 // With the pair (0, 0), a sample is delta times code. The next sample, coded as 1, shows the delta.
-TEST(MSAdpcmCodec, EveryCodeAdaptsTheDeltaByItsFactor) {
+TEST(MSAdpcmCodec, EveryCode_AdaptsTheDeltaByItsFactor) {
   const int factors[] = {230, 230, 230, 230, 307, 409, 512, 614,
                          768, 614, 512, 409, 307, 230, 230, 230};
   for (int nCode = 0; nCode < 16; ++nCode) {
@@ -216,14 +216,14 @@ TEST(MSAdpcmCodec, EveryCodeAdaptsTheDeltaByItsFactor) {
   }
 }
 
-TEST(MSAdpcmCodec, DeltaIsAtLeast16FromTheSecondCodeOn) {
+TEST(MSAdpcmCodec, Delta_IsAtLeast16FromTheSecondCodeOn) {
   for (const int nDelta : {0, 1, 15, 16, -1, -16, -32768}) {
     const C_Bytes block = Join({{2}, Shorts({nDelta, 0, 0}), {0x11}});
     EXPECT_EQ(Block(Mono(), block, 8), (C_Samples{0, 0, static_cast<short>(nDelta), 16})) << nDelta;
   }
 }
 
-TEST(MSAdpcmCodec, SamplesAreClamped) {
+TEST(MSAdpcmCodec, Samples_AreClamped) {
   EXPECT_EQ(Block(Mono(), Join({{1}, Shorts({32767, 32767, 0}), {0x78}}), 8),
             (C_Samples{0, 32767, 32767, -32768}));
   EXPECT_EQ(Block(Mono(), Join({{1}, Shorts({32767, -32768, 0}), {0x88}}), 8),
@@ -242,7 +242,7 @@ TEST(MSAdpcmCodec, DeltaThatGrowsForever_StaysWithin32Bits) {
   }
 }
 
-TEST(MSAdpcmCodec, LargestCoefficientsDoNotOverflow) {
+TEST(MSAdpcmCodec, LargestCoefficients_DoNotOverflow) {
   const auto info = InfoOf(BlockFmt(Ms(1, 256, 500), Shorts({-32768, -32768, 32767, 32767})));
   EXPECT_EQ(Block(info, Join({{0}, Shorts({16, -32768, -32768}), {0x00}}), 8),
             (C_Samples{-32768, -32768, 32767, 128}));
@@ -258,7 +258,7 @@ TEST(MSAdpcmCodec, PredictorsBeyondTheTable_PredictNothing) {
   }
 }
 
-TEST(MSAdpcmCodec, EveryPredictorFindsItsPair) {
+TEST(MSAdpcmCodec, EveryPredictor_FindsItsPair) {
   C_Bytes pairs;
   for (int i = 0; i < 300; ++i) pairs = Join({pairs, Shorts({i, -i})});
   const auto info = InfoOf(BlockFmt(Ms(1, 256, 500), pairs));
@@ -271,13 +271,13 @@ TEST(MSAdpcmCodec, EveryPredictorFindsItsPair) {
   }
 }
 
-TEST(MSAdpcmCodec, BlockEndsWithItsBytesWithinTheTurnsOfTheChannels) {
+TEST(MSAdpcmCodec, Block_EndsWithItsBytesWithinTheTurnsOfTheChannels) {
   const auto info = InfoOf(Ms(3, 64, 50));
   const C_Bytes block = Join({{2, 2, 2}, Shorts({1, 2, 3, 0, 0, 0, 0, 0, 0}), {0x11}});
   EXPECT_EQ(Block(info, block, 20), (C_Samples{0, 0, 0, 0, 0, 0, 1, 2, kUntouched, kUntouched}));
 }
 
-TEST(MSAdpcmCodec, RoomMayEndAnywhere) {
+TEST(MSAdpcmCodec, Room_MayEndAnywhere) {
   for (unsigned int dwRoom = 0; dwRoom <= 12; ++dwRoom) {
     const C_Samples expected(kMonoSamples.begin(), kMonoSamples.begin() + dwRoom / 2);
     EXPECT_EQ(Block(Mono(), kMonoBlock, dwRoom), expected) << dwRoom;
@@ -294,11 +294,11 @@ TEST(MSAdpcmCodec, BlockShorterThanItsHeader_GivesNothing) {
   EXPECT_EQ(Block(InfoOf(Ms(65535, 64, 50)), C_Bytes(64, 1), 2), C_Samples{kUntouched});
 }
 
-TEST(MSAdpcmCodec, WithoutChannelsThereAreNoBlocks) {
+TEST(MSAdpcmCodec, WithoutChannels_ThereAreNoBlocks) {
   EXPECT_EQ(Block(C_WavFileCodecInfo(), kMonoBlock, 2), C_Samples{kUntouched});
 }
 
-TEST(MSAdpcmCodec, WholeSoundOfBlocksAndARest) {
+TEST(MSAdpcmCodec, WholeSound_IsDecodedAsBlocksAndARest) {
   const auto info = InfoOf(Ms(1, 9, 6));
   C_MSAdpcmCodec codec;
   const C_Bytes encoded =
@@ -311,7 +311,7 @@ TEST(MSAdpcmCodec, WholeSoundOfBlocksAndARest) {
   EXPECT_EQ(Decode(codec, info, encoded, *dwSize), expected);
 }
 
-TEST(MSAdpcmCodec, SlotsStandInTheirOrder) {
+TEST(MSAdpcmCodec, Operations_StandInTheirSlots) {
   using C_Size = std::optional<unsigned int>;
   auto* pCodec = new C_MSAdpcmCodec;
   const auto info = InfoOf(Ms(1, 9, 6));

@@ -30,7 +30,7 @@ C_Bytes WithField(C_Bytes payload, std::size_t nAt, std::uint16_t wValue) {
 
 }  // namespace
 
-TEST(WavFileCodecInfo, ExactlyFiveTagsAreAccepted) {
+TEST(WavFileCodecInfo, ExactlyFiveTags_AreAccepted) {
   std::vector<unsigned int> accepted;
   for (unsigned int dwTag = 0; dwTag <= 0xFFFF; ++dwTag) {
     if (C_WavFileCodecInfo::IsAcceptedTag(static_cast<unsigned short>(dwTag))) {
@@ -40,7 +40,7 @@ TEST(WavFileCodecInfo, ExactlyFiveTagsAreAccepted) {
   EXPECT_EQ(accepted, (std::vector<unsigned int>{1, 2, 6, 7, 11}));
 }
 
-TEST(WavFileCodecInfo, RecordsOfEveryOtherTagAreRefused) {
+TEST(WavFileCodecInfo, RecordsOfEveryOtherTag_AreRefused) {
   for (unsigned int dwTag = 0; dwTag <= 0xFFFF; ++dwTag) {
     const auto wTag = static_cast<std::uint16_t>(dwTag);
     const bool bAccepted = Accepts(BlockFmtBytes(wTag, 500, Join({U16(0), C_Bytes(64)})));
@@ -53,7 +53,7 @@ TEST(WavFileCodecInfo, Tag0x0011_IsRefused) {
   EXPECT_TRUE(Accepts(BlockFmtBytes(11, 500, {})));
 }
 
-TEST(WavFileCodecInfo, CopiesAsManyBytesAsTheTagsRecordHas) {
+TEST(WavFileCodecInfo, SetFormat_CopiesAsManyBytesAsTheTagsRecordHas) {
   const C_Bytes tail(40);
   EXPECT_EQ(RecordBytes(Join({FmtBytes(1, 1, 8000, 16), tail})), 16u);
   EXPECT_EQ(RecordBytes(Join({FmtBytes(6, 1, 8000, 8), tail})), 16u);
@@ -65,7 +65,7 @@ TEST(WavFileCodecInfo, CopiesAsManyBytesAsTheTagsRecordHas) {
             std::size_t{C_WavFileCodecInfo::kMaxBytes});
 }
 
-TEST(WavFileCodecInfo, TheCopyHoldsTheBytesOfTheFile) {
+TEST(WavFileCodecInfo, Copy_HoldsTheBytesOfTheFile) {
   const C_Bytes payload = MSAdpcmBytes(2, 9);
   C_WavFileCodecInfo info;
   ASSERT_TRUE(info.SetFormat(payload));
@@ -73,7 +73,7 @@ TEST(WavFileCodecInfo, TheCopyHoldsTheBytesOfTheFile) {
             C_Bytes(payload.begin(), payload.begin() + 30));
 }
 
-TEST(WavFileCodecInfo, PayloadShorterThanItsRecordIsRefused) {
+TEST(WavFileCodecInfo, PayloadShorterThanItsRecord_IsRefused) {
   for (const auto& whole :
        {FmtBytes(1, 1, 8000, 16), FmtBytes(6, 1, 8000, 8), FmtBytes(7, 1, 8000, 8),
         BlockFmtBytes(11, 505, {}), MSAdpcmBytes(7, 28), MSAdpcmBytes(0, 0)}) {
@@ -85,12 +85,12 @@ TEST(WavFileCodecInfo, PayloadShorterThanItsRecordIsRefused) {
   }
 }
 
-TEST(WavFileCodecInfo, CoefficientCountBeyondThePayloadIsRefused) {
+TEST(WavFileCodecInfo, CoefficientCountBeyondThePayload_IsRefused) {
   EXPECT_FALSE(Accepts(MSAdpcmBytes(8, 28)));
   EXPECT_FALSE(Accepts(MSAdpcmBytes(0xFFFF, 28)));
 }
 
-TEST(WavFileCodecInfo, ZerosThatWouldDivideAreRefused) {
+TEST(WavFileCodecInfo, ZerosThatWouldDivide_AreRefused) {
   for (const std::uint16_t wTag : std::initializer_list<std::uint16_t>{1, 6, 7}) {
     EXPECT_FALSE(Accepts(FmtBytes(wTag, 0, 8000, 16))) << wTag;
   }
@@ -101,14 +101,14 @@ TEST(WavFileCodecInfo, ZerosThatWouldDivideAreRefused) {
   EXPECT_FALSE(Accepts(FmtBytes(1, 1, 8000, 0)));
 }
 
-TEST(WavFileCodecInfo, ZerosThatNothingDividesByAreAccepted) {
+TEST(WavFileCodecInfo, ZerosThatNothingDividesBy_AreAccepted) {
   EXPECT_TRUE(Accepts(FmtBytes(1, 1, 0, 16)));                       // rate
   EXPECT_TRUE(Accepts(WithField(FmtBytes(1, 1, 8000, 16), 12, 0)));  // block align of PCM
   EXPECT_TRUE(Accepts(FmtBytes(6, 1, 8000, 0)));                     // bits of a fixed-width codec
   EXPECT_TRUE(Accepts(BlockFmtBytes(11, 0, {})));                    // samples per block
 }
 
-TEST(WavFileCodecInfo, ARefusedRecordLeavesNothingHeld) {
+TEST(WavFileCodecInfo, RefusedRecord_LeavesNothingHeld) {
   C_WavFileCodecInfo info;
   ASSERT_TRUE(info.SetFormat(FmtBytes(1, 2, 44100, 16)));
   EXPECT_FALSE(info.SetFormat(FmtBytes(3, 2, 44100, 32)));
@@ -117,7 +117,7 @@ TEST(WavFileCodecInfo, ARefusedRecordLeavesNothingHeld) {
   EXPECT_EQ(info.GetPCMWAVEFORMAT().wChannels, 0);
 }
 
-TEST(WavFileCodecInfo, HandsOutThePlainRecord) {
+TEST(WavFileCodecInfo, PlainRecord_IsHandedOut) {
   C_WavFileCodecInfo info;
   ASSERT_TRUE(info.SetFormat(FmtBytes(1, 2, 44100, 24)));
   const S_PcmFormatRecord pcm = info.GetPCMWAVEFORMAT();
@@ -130,7 +130,7 @@ TEST(WavFileCodecInfo, HandsOutThePlainRecord) {
   EXPECT_EQ(pcm.wBitsPerSample, 24);
 }
 
-TEST(WavFileCodecInfo, FieldsThatARecordDoesNotHaveAreZero) {
+TEST(WavFileCodecInfo, FieldsThatARecordDoesNotHave_AreZero) {
   C_WavFileCodecInfo info;
   ASSERT_TRUE(info.SetFormat(Join({FmtBytes(1, 2, 44100, 24), RampBytes(24)})));
   EXPECT_EQ(info.GetWAVEFORMATEX().wExtraSize, 0);
@@ -139,7 +139,7 @@ TEST(WavFileCodecInfo, FieldsThatARecordDoesNotHaveAreZero) {
   EXPECT_EQ(info.GetMSADPCMInfo().coefficients[0].nFirst, 0);
 }
 
-TEST(WavFileCodecInfo, HandsOutTheBlockFormat) {
+TEST(WavFileCodecInfo, BlockFormat_IsHandedOut) {
   C_WavFileCodecInfo info;
   ASSERT_TRUE(info.SetFormat(BlockFmtBytes(11, 505, RampBytes(8))));
   EXPECT_EQ(info.GetSamplesPerBlock(), 505);
@@ -150,7 +150,7 @@ TEST(WavFileCodecInfo, HandsOutTheBlockFormat) {
   EXPECT_EQ(info.GetMSADPCMInfo().wCoefficientCount, 0);  // follows a 20-byte record
 }
 
-TEST(WavFileCodecInfo, HandsOutCoefficientPairs) {
+TEST(WavFileCodecInfo, CoefficientPairs_AreHandedOut) {
   C_WavFileCodecInfo info;
   const C_Bytes pairs = Join({U16(256), U16(0), U16(512), U16(0xFF00)});
   ASSERT_TRUE(info.SetFormat(BlockFmtBytes(2, 500, Join({U16(2), pairs}))));
@@ -164,7 +164,7 @@ TEST(WavFileCodecInfo, HandsOutCoefficientPairs) {
   EXPECT_EQ(ms.coefficients[1].nSecond, -256);
 }
 
-TEST(WavFileCodecInfo, EveryPredictorIndexOfABlockFindsAPair) {
+TEST(WavFileCodecInfo, EveryPredictorIndexOfABlock_FindsAPair) {
   C_WavFileCodecInfo info;
   ASSERT_TRUE(info.SetFormat(MSAdpcmBytes(7, 28)));
   EXPECT_EQ(info.GetMSADPCMInfo().coefficients.size(), 256u);
@@ -172,7 +172,7 @@ TEST(WavFileCodecInfo, EveryPredictorIndexOfABlockFindsAPair) {
   EXPECT_EQ(info.GetMSADPCMInfo().coefficients[255].nSecond, 0);
 }
 
-TEST(WavFileCodecInfo, MoreThan256PairsAreCountedAndTheFirst256HandedOut) {
+TEST(WavFileCodecInfo, MoreThan256Pairs_AreCountedAndTheFirst256HandedOut) {
   C_WavFileCodecInfo info;
   ASSERT_TRUE(info.SetFormat(MSAdpcmBytes(300, 1200)));
   const S_MSAdpcmInfo ms = info.GetMSADPCMInfo();

@@ -27,7 +27,7 @@ class CodecHead : public C_FolderTest {
   S_Head HeadOf(unsigned int dwType, unsigned int dwSampleRate) {
     auto file = vcm::OpenFile(Path("head").c_str(), "wb");
     const bool bWritten =
-        WriteCodecHead(file.get(), static_cast<tagAudioFileType>(dwType), dwSampleRate);
+        codechead::Write(file.get(), static_cast<tagAudioFileType>(dwType), dwSampleRate);
     file.reset();
     return {bWritten, Content("head")};
   }
@@ -82,11 +82,11 @@ TEST_F(CodecHead, FullDisk_IsFalse) {
     const auto file = vcm::OpenFile(Path("head").c_str(), "wb");
     std::setvbuf(file.get(), nullptr, _IONBF, 0);
     const C_FileSizeLimit limit(cbLimit);
-    EXPECT_FALSE(WriteCodecHead(file.get(), AUDIO_FILE_KESTREL, 16000)) << cbLimit;
+    EXPECT_FALSE(codechead::Write(file.get(), AUDIO_FILE_KESTREL, 16000)) << cbLimit;
   }
 }
 
-TEST(CodecVersionTable, EachTypeHasItsLibrary) {
+TEST(CodecVersionTable, EachType_HasItsLibrary) {
   const std::map<unsigned int, std::string> names = {
       {3, "Lark.DLL"},     {5, "Plover.DLL"},  {7, "Ibis.DLL"},   {8, "Egret.DLL"},
       {9, "Ibis.DLL"},     {11, "Robin.DLL"},  {12, "Crane.DLL"}, {13, "Plover.DLL"},

@@ -123,7 +123,7 @@ class CompressedWavOracle : public testing::Test {
 // --- Real sounds, encoded by three encoders, and decoded by two decoders and by us. The third
 // decoder, ffmpeg's, is left out here because it rounds differently.
 
-TEST_F(CompressedWavOracle, FilesOfSndfile) {
+TEST_F(CompressedWavOracle, FilesOfSndfile_DecodeTheSame) {
   for (const int nChannels : {1, 2}) {
     const C_Samples sound = RealSound(static_cast<std::size_t>(nChannels));
     for (const int nFormat : {SF_FORMAT_MS_ADPCM, SF_FORMAT_IMA_ADPCM}) {
@@ -136,7 +136,7 @@ TEST_F(CompressedWavOracle, FilesOfSndfile) {
   }
 }
 
-TEST_F(CompressedWavOracle, FilesOfSox) {
+TEST_F(CompressedWavOracle, FilesOfSox_DecodeTheSame) {
   for (const int nChannels : {1, 2, 4}) {
     const C_Samples sound = RealSound(static_cast<std::size_t>(nChannels));
     m_folder.Write("sound.raw", BytesOf(sound));
@@ -153,7 +153,7 @@ TEST_F(CompressedWavOracle, FilesOfSox) {
   }
 }
 
-TEST_F(CompressedWavOracle, FilesOfFfmpeg) {
+TEST_F(CompressedWavOracle, FilesOfFfmpeg_DecodeTheSame) {
   for (const int nChannels : {1, 2}) {
     const C_Samples sound = RealSound(static_cast<std::size_t>(nChannels));
     m_folder.Write("sound.raw", BytesOf(sound));
@@ -172,7 +172,7 @@ TEST_F(CompressedWavOracle, FilesOfFfmpeg) {
 
 // One block for each step index and each code. It shows the sample that the code makes, and the
 // samples that follow from the step to which it leads.
-TEST_F(CompressedWavOracle, EveryStepWithEveryFourBitCode) {
+TEST_F(CompressedWavOracle, EveryStepWithEveryFourBitCode_DecodesTheSame) {
   C_Bytes encoded;
   for (int nIndex = 0; nIndex <= 88; ++nIndex) {
     for (int nCode = 0; nCode < 16; ++nCode) {
@@ -189,7 +189,7 @@ TEST_F(CompressedWavOracle, EveryStepWithEveryFourBitCode) {
   ExpectSame(ours, ReadBySox("a.wav"), ours.size(), "sox");
 }
 
-TEST_F(CompressedWavOracle, RandomFourBitBlocks) {
+TEST_F(CompressedWavOracle, RandomFourBitBlocks_DecodeTheSame) {
   for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2}) {
     const auto wAlign = static_cast<std::uint16_t>(256 * wChannels);
     C_Bytes encoded = RandomBytes(std::size_t{200} * wAlign, wChannels);
@@ -208,7 +208,7 @@ TEST_F(CompressedWavOracle, RandomFourBitBlocks) {
 }
 
 // Mostly small codes: other decoders hold the delta in 16 bits, so it must not grow beyond them.
-TEST_F(CompressedWavOracle, RandomMSAdpcmBlocks) {
+TEST_F(CompressedWavOracle, RandomMSAdpcmBlocks_DecodeTheSame) {
   for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2}) {
     const std::size_t cbHead = std::size_t{7} * wChannels;
     const auto wAlign = static_cast<std::uint16_t>(64 * wChannels);
@@ -234,7 +234,7 @@ TEST_F(CompressedWavOracle, RandomMSAdpcmBlocks) {
 // ffmpeg multiplies, where our decoder adds the part of a step that each bit stands for. Both agree
 // on the codes whose lowest bit is 0. ffmpeg also alternates the channels every four bytes, not
 // every twelve.
-TEST_F(CompressedWavOracle, ThreeBitBlocks) {
+TEST_F(CompressedWavOracle, ThreeBitBlocks_DecodeTheSame) {
   for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2}) {
     const auto wAlign = static_cast<std::uint16_t>((4 + 192) * wChannels);
     const std::size_t cbHead = std::size_t{4} * wChannels;
@@ -283,7 +283,7 @@ C_RiffBytes AllCodes(std::uint16_t wTag) {
 
 }  // namespace
 
-TEST_F(CompressedWavOracle, MuLawValuesAreWithinAStepOfTheReference) {
+TEST_F(CompressedWavOracle, MuLawValues_AreWithinAStepOfTheReference) {
   m_folder.Write("a.wav", AllCodes(WAVE_TAG_MULAW).Take());
   const C_Samples ours = ReadByUs("a.wav");
   const C_Samples theirs = ReadBySndfile(m_folder.Path("a.wav"));
@@ -296,7 +296,7 @@ TEST_F(CompressedWavOracle, MuLawValuesAreWithinAStepOfTheReference) {
 
 // The reference decodes a code to the middle of its step, as a signed number. Ours decodes it to
 // the lower end of the step, as sign and magnitude; our segment 6 begins 4 higher.
-TEST_F(CompressedWavOracle, ALawMagnitudesAreHalfAStepBelowTheReference) {
+TEST_F(CompressedWavOracle, ALawMagnitudes_AreHalfAStepBelowTheReference) {
   m_folder.Write("a.wav", AllCodes(WAVE_TAG_ALAW).Take());
   const C_Samples ours = ReadByUs("a.wav");
   const C_Samples theirs = ReadBySndfile(m_folder.Path("a.wav"));

@@ -46,7 +46,7 @@ unsigned int LengthOf(const C_SweepFile& file) {
 
 }  // namespace
 
-TEST(CompressedWavSweep, FileCutAtEveryByteLoadsAsFarAsItGoes) {
+TEST(CompressedWavSweep, FileCutAtEveryByte_LoadsAsFarAsItGoes) {
   const C_SweepFile target({});
   for (const S_File& whole : AllFiles()) {
     const C_SweepFile file(whole.bytes);
@@ -63,7 +63,7 @@ TEST(CompressedWavSweep, FileCutAtEveryByteLoadsAsFarAsItGoes) {
   }
 }
 
-TEST(CompressedWavSweep, SomeValuesInEachByteOfTheHeadAreSurvived) {
+TEST(CompressedWavSweep, SomeValuesInEachByteOfTheHead_AreSurvived) {
   const C_SweepFile target({});
   for (const S_File& whole : AllFiles()) {
     const C_SweepFile file(whole.bytes);
@@ -81,7 +81,7 @@ TEST(CompressedWavSweep, SomeValuesInEachByteOfTheHeadAreSurvived) {
   }
 }
 
-TEST(CompressedWavSweep, GeometryFieldsSurviveEveryPairOfHostileNumbers) {
+TEST(CompressedWavSweep, GeometryFields_SurviveEveryPairOfHostileNumbers) {
   struct S_Field {
     std::size_t nAt;
     std::size_t cb;

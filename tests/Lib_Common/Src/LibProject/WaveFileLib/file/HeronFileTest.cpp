@@ -134,7 +134,7 @@ TEST_P(HeronKind, OtherIdentifiers_AreRefused) {
   }
 }
 
-TEST_P(HeronKind, CheckFormatWithoutInfo_SetsTheKindAlone) {
+TEST_P(HeronKind, CheckFormatWithoutInfo_SetsOnlyTheKind) {
   const std::string strPath = WriteHeron(33, Stream(GetParam()));
   ASSERT_TRUE(m_file->CheckFormat(strPath.c_str(), false));
   EXPECT_EQ(m_file->GetContainerKind(), 0);
@@ -300,7 +300,7 @@ TEST_P(HeronKind, SaveThenPrependThenLoad_GivesTheSoundBack) {
   EXPECT_GT(Likeness(voice, SamplesOf(m_file->GetWavData()), 0), 0.95);
 }
 
-TEST_F(HeronFile, StreamThatIsThere_IsWrittenEvenWhenThePcmWasChanged) {
+TEST_F(HeronFile, ExistingStream_IsWrittenEvenWhenThePcmWasChanged) {
   WriteHeron(33, Stream(kKinds[1]));
   C_Heron5BitFile file;
   ASSERT_TRUE(Load(file));
@@ -418,7 +418,7 @@ TEST_F(HeronFile, Variants_AreOfOneBase) {
   EXPECT_EQ(sizeof(C_Heron2BitFile), sizeof(C_HeronFileBase));
 }
 
-TEST_F(HeronFile, OperationsStandInTheirSlots) {
+TEST_F(HeronFile, Operations_StandInTheirSlots) {
   const std::string strPath = WriteHeron(32, Stream(kKinds[0]));
   C_Heron4BitFile file;
   const char* pszPath = strPath.c_str();

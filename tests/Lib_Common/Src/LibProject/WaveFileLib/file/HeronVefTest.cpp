@@ -71,7 +71,7 @@ TEST_F(HeronVef, ContainersOfAnyOtherType_AreTaken) {
   EXPECT_EQ(file.GetContainerKind(), 1);
 }
 
-TEST_F(HeronVef, SpHeaderInFrontOfAContainer_IsNoContainer) {
+TEST_F(HeronVef, SpHeaderBeforeAContainer_IsNoContainer) {
   for (const std::uint16_t wID : {std::uint16_t{35}, std::uint16_t{14}}) {
     const C_Bytes vef = MonoVef(8).Chunk("vdat", Stream(kKinds[0])).Take();
     C_Heron4BitFile file;
@@ -82,7 +82,7 @@ TEST_F(HeronVef, SpHeaderInFrontOfAContainer_IsNoContainer) {
 
 // ---- loading
 
-TEST_P(HeronVefKind, Stream_DecodesAsItDoesAlone) {
+TEST_P(HeronVefKind, Stream_DecodesAsItDoesWithoutAContainer) {
   const C_Bytes stream = Stream(GetParam());
   const auto wType = static_cast<std::uint16_t>(GetParam().eType);
   const C_RiffBytes riff = MonoVef(8).Chunk("vafm", VafmBytes(wType)).Chunk("vdat", stream);
@@ -115,7 +115,7 @@ TEST_F(HeronVef, KeepEncoded_ReadsThePcmAsStored) {
   EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
 }
 
-TEST_F(HeronVef, ContainerWithoutAStream_LoadsAsStoredAlone) {
+TEST_F(HeronVef, ContainerWithoutAStream_LoadsOnlyAsStored) {
   C_Heron4BitFile file;
   EXPECT_FALSE(Load(file, MonoVef(8)));
   EXPECT_TRUE(Load(file, MonoVef(8), true));

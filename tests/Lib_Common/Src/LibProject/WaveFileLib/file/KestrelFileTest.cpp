@@ -92,7 +92,7 @@ TEST_F(KestrelFile, CheckFormat_WithInfo_SetsFormatAndCodingType) {
   EXPECT_TRUE(pIWavInfo->IsValueSigned());
 }
 
-TEST_F(KestrelFile, CheckFormat_WithoutInfo_SetsTheKindAlone) {
+TEST_F(KestrelFile, CheckFormat_WithoutInfo_SetsOnlyTheKind) {
   const std::string strPath = WriteKestrel("a", Stream(2));
   C_KestrelFile file;
   ASSERT_TRUE(file.CheckFormat(strPath.c_str(), false));
@@ -256,7 +256,7 @@ TEST_F(KestrelFile, Load_StreamThatDoesNotFit32Bits_IsRefusedUnread) {
   EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
 }
 
-TEST_F(KestrelFile, Load_HeadOfAStreamAlone_HasNoSamples) {
+TEST_F(KestrelFile, Load_OnlyTheHeadOfAStream_HasNoSamples) {
   WriteKestrel("a", Stream(0));
   C_KestrelFile file;
   EXPECT_TRUE(Load(file, "a"));
@@ -547,7 +547,7 @@ TEST_F(KestrelFile, WriteDataChunk_WithoutStreamOrContainer_IsFalse) {
 
 // ---- interface
 
-TEST_F(KestrelFile, OperationsStandInTheirSlots) {
+TEST_F(KestrelFile, Operations_StandInTheirSlots) {
   const std::string strPath = WriteKestrel("a", Stream(4));
   C_KestrelFile file;
   const char* pszPath = strPath.c_str();

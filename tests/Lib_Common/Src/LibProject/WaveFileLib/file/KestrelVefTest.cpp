@@ -86,7 +86,7 @@ TEST_F(KestrelVef, ContainersOfAnyOtherType_AreTaken) {
   EXPECT_EQ(file.GetCodingType(), 0u);
 }
 
-TEST_F(KestrelVef, SpHeaderInFrontOfAContainer_IsAStreamAndNoContainer) {
+TEST_F(KestrelVef, SpHeaderBeforeAContainer_IsAStreamAndNoContainer) {
   const std::string strPath = Write("in", C_SpBytes().ID(32).Stream(MonoVef(8).Take()).Take());
   C_KestrelFile file;
   EXPECT_FALSE(file.CheckFormat(strPath.c_str(), true));
@@ -140,7 +140,7 @@ TEST_F(KestrelVef, StreamOfAnEarlierFile_IsForgotten) {
   EXPECT_THAT(Entries(), ElementsAre("in"));
 }
 
-TEST_F(KestrelVef, ContainerWithoutAStream_LoadsAsStoredAlone) {
+TEST_F(KestrelVef, ContainerWithoutAStream_LoadsOnlyAsStored) {
   C_KestrelFile file;
   EXPECT_FALSE(Load(file, MonoVef(8).Chunk("vafm", VafmBytes(14))));
   EXPECT_TRUE(Load(file, MonoVef(8).Chunk("vafm", VafmBytes(14)), true));
@@ -194,14 +194,14 @@ TEST_F(KestrelVef, WriteFile_WithoutEncoding_WritesAContainer) {
   EXPECT_EQ(ChunkNamed(file, "data").size(), 640u);
 }
 
-TEST_F(KestrelVef, StreamStandsInFrontOfTheExtraChunks) {
+TEST_F(KestrelVef, Stream_StandsBeforeTheExtraChunks) {
   const auto sound = ExampleSound({}, 400);
   AddAnnotations(*sound);
   EXPECT_THAT(ChunkNames(Converted(*sound)),
               ElementsAre("fmt ", "data", "cue ", "smpl", "LIST", "vafm", "vdat", "note"));
 }
 
-TEST_F(KestrelVef, StreamOfAContainer_IsTheOneThatIsWrittenAlone) {
+TEST_F(KestrelVef, StreamOfAContainer_IsTheOneThatIsWrittenByItself) {
   const auto sound = MonoSound(TestVoice(2000));
   sound->GetAudioCodecParam()->SetBitRate(24000);
   const C_Bytes file = Converted(*sound);
@@ -269,7 +269,7 @@ TEST_F(KestrelVef, EncodingThatFails_LeavesTheOldFile) {
   EXPECT_EQ(Content("vef"), Ascii("before"));
 }
 
-TEST_F(KestrelVef, WithACodecHead_SixBytesStandInFrontOfTheStream) {
+TEST_F(KestrelVef, WithACodecHead_SixBytesStandBeforeTheStream) {
   const auto sound = MonoSound(TestVoice(2000));
   ASSERT_TRUE(
       sound->Convert(AUDIO_FILE_KESTREL, Path("bare").c_str(), true, false, nullptr, false, 0));
@@ -288,7 +288,7 @@ TEST_F(KestrelVef, CodecHeadOnAFullDisk_IsFalse) {
   }
 }
 
-TEST_F(KestrelVef, ConvertHasNoKindForPlainContainers) {
+TEST_F(KestrelVef, Convert_HasNoKindForPlainContainers) {
   const auto sound = MonoSound({1, 2});
   for (const unsigned int dwType : {0x1001U, 0xFFFFU, 0U, 1U}) {
     EXPECT_FALSE(sound->Convert(static_cast<tagAudioFileType>(dwType), Path("out").c_str(), false,

@@ -71,7 +71,7 @@ class SpFile : public C_FolderTest {
 
 // ---- prepend
 
-TEST_F(SpFile, Prepend_PutsTheHeaderInFrontOfEverySize) {
+TEST_F(SpFile, Prepend_PutsTheHeaderBeforeFilesOfEverySize) {
   for (const std::size_t cbSize : {0u, 1u, 47u, 1023u, 1024u, 1025u, 2048u, 100000u}) {
     Write("a", Pattern(cbSize));
     EXPECT_TRUE(Prepend("a")) << cbSize;

@@ -159,7 +159,7 @@ TEST_F(SpHeader, Read_OnlyKind2_IsAccepted) {
   }
 }
 
-TEST_F(SpHeader, Version255_SkipsTwoBytesBehindTheFormatWordAndReadsBackAs254) {
+TEST_F(SpHeader, Version255_SkipsTwoBytesAfterTheFormatWordAndReadsBackAs254) {
   C_SpHeader header;
   const auto bytes =
       C_SpBytes().Version(255).Gap(0xDEAD).Freq(16000).Values(0x01020304, 0x0506, 7, 0x08090A0B);
@@ -182,7 +182,7 @@ C_SpHeader CutHeader(std::size_t cbSize, std::size_t dwShift) {
                     pick(41 + dwShift, 0xEEFF0011u, 0u));
 }
 
-TEST_F(SpHeader, Read_FileCutAtEveryByte_KeepsTheDefaultsOfWhatIsMissing) {
+TEST_F(SpHeader, Read_FileCutAtEveryByte_KeepsTheDefaultsOfMissingFields) {
   const auto bytes =
       C_SpBytes().Format(0x1122).Freq(0x33445566).Values(0x778899AA, 0xBBCC, 0xDD, 0xEEFF0011);
   for (std::size_t cbSize = 0; cbSize <= 48; ++cbSize) {
@@ -192,7 +192,7 @@ TEST_F(SpHeader, Read_FileCutAtEveryByte_KeepsTheDefaultsOfWhatIsMissing) {
   }
 }
 
-TEST_F(SpHeader, Read_Version255CutAtEveryByte_KeepsTheDefaultsOfWhatIsMissing) {
+TEST_F(SpHeader, Read_Version255CutAtEveryByte_KeepsTheDefaultsOfMissingFields) {
   const auto bytes = C_SpBytes()
                          .Version(255)
                          .Gap(0xFFFF)
@@ -281,7 +281,7 @@ TEST_F(SpHeader, FixedOffsets_OfAFileThatCannotBeOpened_AreZero) {
   EXPECT_THAT(Entries(), testing::IsEmpty());
 }
 
-TEST_F(SpHeader, FixedOffsets_BehindTheEndOfTheFile_AreZero) {
+TEST_F(SpHeader, FixedOffsets_AfterTheEndOfTheFile_AreZero) {
   for (std::size_t cbSize = 0; cbSize <= 36; ++cbSize) {
     const std::string strPath = Write("a", Bytes(cbSize, 0xFF));
     EXPECT_EQ(ReadSpWord22(strPath.c_str()), cbSize >= 24 ? 0xFFFF : 0) << cbSize;

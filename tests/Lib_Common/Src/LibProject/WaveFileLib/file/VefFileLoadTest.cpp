@@ -101,7 +101,7 @@ TEST_F(VefFileLoad, FormatsOtherThanLinearPcm_AreRefused) {
   }
 }
 
-TEST_F(VefFileLoad, LaterFormatAndDataCount) {
+TEST_F(VefFileLoad, LaterFormatAndData_Count) {
   C_RiffBytes riff = MonoVef(8);
   riff.Chunk("fmt ", FmtBytes(1, 2, 8000, 8)).Chunk("data", {5, 6, 7, 8});
   ASSERT_TRUE(Load(riff));
@@ -210,7 +210,7 @@ TEST_F(VefFileLoad, LabelsOfWavFiles_AreNoEventsHereAndStopNothing) {
   EXPECT_THAT(VefEventsOf(m_file), IsEmpty());
 }
 
-TEST_F(VefFileLoad, LabelsInFrontOfTheCuePoints_AreEventsToo) {
+TEST_F(VefFileLoad, LabelsBeforeTheCuePoints_AreEventsToo) {
   ASSERT_TRUE(Check(MonoVef(8)
                         .Chunk("LIST", AdtlBytes({LablBytes(1, "(1,1)")}))
                         .Chunk("cue ", CueBytes({{1, 5, 5}}))));
@@ -381,7 +381,7 @@ TEST_F(VefStream, PlatformTwo_AllocatesOneByteMore) {
   EXPECT_EQ(m_pbyData[kStream], 0);
 }
 
-TEST_F(VefStream, OtherPlatforms_AllocateTheStreamAlone) {
+TEST_F(VefStream, OtherPlatforms_AllocateOnlyTheStream) {
   constexpr std::size_t kStream = 100000;
   const std::string strPath = Write("in", MonoVef(8).Chunk("vdat", C_Bytes(kStream, 7)).Take());
   for (const unsigned int dwPlatform : {0U, 1U, 3U}) {
@@ -392,7 +392,7 @@ TEST_F(VefStream, OtherPlatforms_AllocateTheStreamAlone) {
   }
 }
 
-TEST_F(VefStream, OperationsStandInTheirSlots) {
+TEST_F(VefStream, Operations_StandInTheirSlots) {
   const std::string strPath = Write("in", MonoVef(8).Take());
   EXPECT_TRUE((CallSlot<bool, const char*, bool>(&m_file, 21, strPath.c_str(), true)));
   EXPECT_TRUE((CallSlot<bool, void*>(&m_file, 24, nullptr)));

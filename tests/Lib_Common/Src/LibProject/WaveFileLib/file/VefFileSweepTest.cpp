@@ -114,7 +114,7 @@ TEST(VefFileSweep, ContainerCutAtEveryByte_LoadsAsFarAsItGoes) {
   EXPECT_EQ(CountOpenFiles(), nOpen);
 }
 
-TEST(VefFileSweep, EveryValueInEveryByteInFrontOfTheStream_IsSurvived) {
+TEST(VefFileSweep, EveryValueInEveryByteBeforeTheStream_IsSurvived) {
   const C_Bytes bytes = RichContainer();
   const C_SweepFile file(bytes);
   const C_SweepFile target({});

@@ -67,7 +67,7 @@ TEST(VefLabels, TextsThatAreNeverPrinted_AreNoEvents) {
   }
 }
 
-TEST(VefLabels, LibraryLabels_AreThoseFourFormsAlone) {
+TEST(VefLabels, LibraryLabels_AreOnlyThoseFourForms) {
   for (const char* pszText :
        {"(1,2)", "(-1,-1)", "u_0_0", "u_1_2", "u_65535_65535", "u_-1_3", "VX_Silence", "VX_PCM"}) {
     EXPECT_TRUE(IsLibraryLabel(pszText)) << pszText;

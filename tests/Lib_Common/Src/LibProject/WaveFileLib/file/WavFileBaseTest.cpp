@@ -61,7 +61,7 @@ class C_CountedData : public C_WavData {
 
 }  // namespace
 
-TEST(WavFileBase, ANewObjectIsOfNoKindAndHoldsNothing) {
+TEST(WavFileBase, NewObject_IsOfNoKindAndHoldsNothing) {
   C_TestFile file;
   EXPECT_EQ(file.GetFileFormat(), AUDIO_FILE_UNKNOWN);
   EXPECT_EQ(static_cast<unsigned int>(file.GetFileFormat()), 0xFFFFu);
@@ -87,7 +87,7 @@ TEST(WavFileBase, Release_EndsTheObjectOnlyWhenNoExtraReferenceIsLeft) {
   EXPECT_TRUE(bDeleted);
 }
 
-TEST(WavFileBase, AttachedDataIsLentAndComesBack) {
+TEST(WavFileBase, AttachedData_IsLentAndComesBack) {
   int nLiving = 0;
   auto* pData = new C_CountedData(&nLiving);
   {
@@ -107,7 +107,7 @@ TEST(WavFileBase, AttachedDataIsLentAndComesBack) {
   EXPECT_EQ(nLiving, 0);
 }
 
-TEST(WavFileBase, OwnedDataIsNotDetachedAndEndsWithTheFile) {
+TEST(WavFileBase, OwnedData_IsNotDetachedAndEndsWithTheFile) {
   C_TestFile file;
   I_WavData* pOwned = file.PrepareWavData();
   EXPECT_EQ(file.PrepareWavData(), pOwned);
@@ -116,7 +116,7 @@ TEST(WavFileBase, OwnedDataIsNotDetachedAndEndsWithTheFile) {
   EXPECT_EQ(file.GetWavData(), pOwned);
 }
 
-TEST(WavFileBase, AttachingReleasesOwnedDataAndOnlyThat) {
+TEST(WavFileBase, Attaching_ReleasesOwnedDataOnly) {
   int nLiving = 0;
   auto* pFirst = new C_CountedData(&nLiving);
   auto* pSecond = new C_CountedData(&nLiving);
@@ -134,7 +134,7 @@ TEST(WavFileBase, AttachingReleasesOwnedDataAndOnlyThat) {
   pSecond->Release();
 }
 
-TEST(WavFileBase, SafeDeleteReleasesOwnedDataAndKeepsAttachedData) {
+TEST(WavFileBase, SafeDelete_ReleasesOwnedDataAndKeepsAttachedData) {
   C_TestFile file;
   file.SafeDeleteWavData();
   file.PrepareWavData();
@@ -147,7 +147,7 @@ TEST(WavFileBase, SafeDeleteReleasesOwnedDataAndKeepsAttachedData) {
   EXPECT_EQ(file.PrepareWavData(), &data);
 }
 
-TEST(WavFileBase, AttachingGivesTheEventsTheSoundsSampleRate) {
+TEST(WavFileBase, Attaching_GivesTheEventsTheSoundsSampleRate) {
   C_WavData data;
   data.SetWavInfoData(8000, 0, 1, 16, 16, true);
   data.GetEventTagMgr()->SetSampleRate(1);
@@ -156,7 +156,7 @@ TEST(WavFileBase, AttachingGivesTheEventsTheSoundsSampleRate) {
   EXPECT_EQ(data.GetEventTagMgr()->GetSampleRate(), 8000u);
 }
 
-TEST(WavFileBase, AttachingNullLeavesNoSound) {
+TEST(WavFileBase, AttachingNull_LeavesNoSound) {
   C_TestFile file;
   file.PrepareWavData();
   file.AttachWavData(nullptr);
@@ -165,7 +165,7 @@ TEST(WavFileBase, AttachingNullLeavesNoSound) {
   EXPECT_NE(file.GetAudioCodecParam(), nullptr);
 }
 
-TEST(WavFileBase, OperationsThatFillTheSoundMakeIt) {
+TEST(WavFileBase, OperationsThatFillTheSound_MakeIt) {
   C_TestFile forParam;
   I_AudioCodecParam* pIParam = forParam.GetAudioCodecParam();
   ASSERT_NE(forParam.GetWavData(), nullptr);
@@ -186,7 +186,7 @@ TEST(WavFileBase, OperationsThatFillTheSoundMakeIt) {
   EXPECT_NE(forNull.GetWavData(), nullptr);
 }
 
-TEST(WavFileBase, SetWavInfoDataKeepsTheByteLength) {
+TEST(WavFileBase, SetWavInfoData_KeepsTheByteLength) {
   C_TestFile file;
   file.SetWavInfoData(8000, 2, 12, 16, true);
   EXPECT_EQ(file.GetWavInfo()->GetByteLength(), 0u);
@@ -198,7 +198,7 @@ TEST(WavFileBase, SetWavInfoDataKeepsTheByteLength) {
   EXPECT_EQ(file.GetWavInfo()->GetSampleSize(), 2u);
 }
 
-TEST(WavFileBase, WithoutASoundNothingIsConvertedOrHandedOut) {
+TEST(WavFileBase, WithoutASound_NothingIsConvertedOrHandedOut) {
   C_TestFile file;
   EXPECT_FALSE(file.Convert(AUDIO_FILE_WAVE, "/tmp/never", true, false, nullptr, false, 0));
   void* pInfo = &file;
@@ -207,7 +207,7 @@ TEST(WavFileBase, WithoutASoundNothingIsConvertedOrHandedOut) {
   EXPECT_EQ(file.GetWavData(), nullptr);
 }
 
-TEST(WavFileBase, DataInfosAreThoseOfTheSound) {
+TEST(WavFileBase, DataInfos_AreThoseOfTheSound) {
   C_TestFile file;
   I_WavData& data = *file.PrepareWavData();
   for (int nType = 1; nType <= 5; ++nType) {
@@ -225,7 +225,7 @@ TEST(WavFileBase, DataInfosAreThoseOfTheSound) {
   }
 }
 
-TEST(WavFileBase, LoadingByNameChecksNamesLoadsAndSetsTheRateOfEvents) {
+TEST(WavFileBase, LoadByName_ChecksNamesLoadsAndSetsTheRateOfEvents) {
   C_TempFolder folder;
   const std::string strPath = folder.Write("x.bin", C_Bytes(77));
   C_TestFile file;
@@ -241,7 +241,7 @@ TEST(WavFileBase, LoadingByNameChecksNamesLoadsAndSetsTheRateOfEvents) {
   EXPECT_EQ(file.GetWavData()->GetEventTagMgr()->GetSampleRate(), 22050u);
 }
 
-TEST(WavFileBase, OpeningByNameLoadsNothing) {
+TEST(WavFileBase, OpenByName_LoadsNothing) {
   C_TempFolder folder;
   const std::string strPath = folder.Write("x.bin", C_Bytes(77));
   C_TestFile file;
@@ -251,7 +251,7 @@ TEST(WavFileBase, OpeningByNameLoadsNothing) {
   EXPECT_EQ(file.GetFileLength(), 77u);
 }
 
-TEST(WavFileBase, ARefusedFormatIsNeitherNamedNorLoaded) {
+TEST(WavFileBase, RefusedFormat_IsNeitherNamedNorLoaded) {
   C_TempFolder folder;
   const std::string strPath = folder.Write("x.bin", C_Bytes(77));
   C_TestFile file;
@@ -262,14 +262,14 @@ TEST(WavFileBase, ARefusedFormatIsNeitherNamedNorLoaded) {
   EXPECT_FALSE(file.OpenByName(strPath.c_str()));
 }
 
-TEST(WavFileBase, AFailedLoadFailsTheCall) {
+TEST(WavFileBase, FailedLoad_FailsTheCall) {
   C_TempFolder folder;
   C_TestFile file;
   file.m_bLoad = false;
   EXPECT_FALSE(file.LoadByName(folder.Write("x", C_Bytes(7)).c_str(), false, nullptr, nullptr));
 }
 
-TEST(WavFileBase, FilesThatAreNotThereOrHaveNoLengthAreRefused) {
+TEST(WavFileBase, MissingFilesAndFilesWithoutALength_AreRefused) {
   C_TempFolder folder;
   C_TestFile file;
   EXPECT_FALSE(file.OpenByName(folder.Path("missing").c_str()));
@@ -279,7 +279,7 @@ TEST(WavFileBase, FilesThatAreNotThereOrHaveNoLengthAreRefused) {
   EXPECT_STREQ(file.GetFileName(), "");
 }
 
-TEST(WavFileBase, FilesOf4GiBAndMoreAreRefused) {
+TEST(WavFileBase, FilesOf4GiBAndMore_AreRefused) {
   C_TempFolder folder;
   const std::string strPath = folder.Write("sparse", {});
   C_TestFile file;
@@ -290,7 +290,7 @@ TEST(WavFileBase, FilesOf4GiBAndMoreAreRefused) {
   EXPECT_FALSE(file.OpenByName(strPath.c_str()));
 }
 
-TEST(WavFileBase, NamesThatDoNotFitTheirFieldAreRefused) {
+TEST(WavFileBase, NamesThatDoNotFitTheirField_AreRefused) {
   C_TempFolder folder;
   folder.Write("a", MonoWav(4).Take());
   const auto name = [&](std::size_t nLength) {
@@ -312,7 +312,7 @@ TEST(WavFileBase, NamesThatDoNotFitTheirFieldAreRefused) {
   EXPECT_EQ(file.GetFileName(), name(1023));
 }
 
-TEST(WavFileBase, KindAndCodingCanBeSet) {
+TEST(WavFileBase, KindAndCoding_CanBeSet) {
   C_TestFile file;
   file.SetFileFormat(AUDIO_FILE_VEMD);
   file.SetCodingType(14);
@@ -320,7 +320,7 @@ TEST(WavFileBase, KindAndCodingCanBeSet) {
   EXPECT_EQ(file.GetCodingType(), 14u);
 }
 
-TEST(WavFileBase, TheOperationsStandInTheirSlots) {
+TEST(WavFileBase, Operations_StandInTheirSlots) {
   C_TempFolder folder;
   const std::string strPath = folder.Write("in.wav", MonoWav(8).Take());
   const std::string strOut = folder.Path("out.wav");

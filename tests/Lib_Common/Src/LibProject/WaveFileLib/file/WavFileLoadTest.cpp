@@ -42,20 +42,20 @@ C_Bytes Slice(const C_Bytes& bytes, std::ptrdiff_t nFrom, std::ptrdiff_t nTo) {
 
 }  // namespace
 
-TEST_F(WavFileLoad, BothFormsOpenAndReportTheirKind) {
+TEST_F(WavFileLoad, BothForms_OpenAndReportTheirKind) {
   EXPECT_EQ(Load(MonoWav(8))->GetFileFormat(), AUDIO_FILE_WAVE);
   EXPECT_EQ(Load(MonoWav(8, "VEMD"))->GetFileFormat(), AUDIO_FILE_VEMD);
   EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_WAVE), 0x8001u);
   EXPECT_EQ(static_cast<unsigned int>(AUDIO_FILE_VEMD), 0x1101u);
 }
 
-TEST_F(WavFileLoad, OtherFormsAreRefused) {
+TEST_F(WavFileLoad, OtherForms_AreRefused) {
   for (const char* pszForm : {"VEFF", "AVI ", "wave", "WAV ", "vemd", "VEM "}) {
     EXPECT_FALSE(Checks(File(MonoWav(8, pszForm)))) << pszForm;
   }
 }
 
-TEST_F(WavFileLoad, WhatIsNoRiffFileIsRefused) {
+TEST_F(WavFileLoad, FilesThatAreNotRiff_AreRefused) {
   C_Bytes rifx = MonoWav(8).Take();
   rifx[3] = 'X';
   EXPECT_FALSE(Checks(File(rifx)));
@@ -66,7 +66,7 @@ TEST_F(WavFileLoad, WhatIsNoRiffFileIsRefused) {
   EXPECT_FALSE(MakeWav()->CheckFormat(nullptr, true));
 }
 
-TEST_F(WavFileLoad, TagsOfOthersAreRefused) {
+TEST_F(WavFileLoad, TagsOfOthers_AreRefused) {
   for (const std::uint16_t wTag :
        std::initializer_list<std::uint16_t>{0x0000, 0x0003, 0x0011, 0x0055, 0xFFFE, 0xFFFF}) {
     EXPECT_FALSE(Checks(File(WithFmt(FmtBytes(wTag, 1, 16000, 16))))) << wTag;
@@ -74,7 +74,7 @@ TEST_F(WavFileLoad, TagsOfOthersAreRefused) {
   }
 }
 
-TEST_F(WavFileLoad, TheFormatBecomesTheSounds) {
+TEST_F(WavFileLoad, Format_BecomesTheSounds) {
   const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 2, 44100, 16))));
   I_WavInfo& info = *file->GetWavInfo();
   EXPECT_EQ(info.GetSampleRate(), 44100u);
@@ -87,7 +87,7 @@ TEST_F(WavFileLoad, TheFormatBecomesTheSounds) {
   EXPECT_EQ(file->GetCodingType(), 0u);
 }
 
-TEST_F(WavFileLoad, SamplesOfMoreThanEightBitsAreSigned) {
+TEST_F(WavFileLoad, SamplesOfMoreThanEightBits_AreSigned) {
   for (const std::uint16_t wBits :
        std::initializer_list<std::uint16_t>{1, 4, 8, 9, 12, 16, 24, 32}) {
     const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 1, 8000, wBits))));
@@ -97,7 +97,7 @@ TEST_F(WavFileLoad, SamplesOfMoreThanEightBitsAreSigned) {
   }
 }
 
-TEST_F(WavFileLoad, SamplesAreLoadedAsStored) {
+TEST_F(WavFileLoad, Samples_AreLoadedAsStored) {
   for (const std::uint16_t wBits : std::initializer_list<std::uint16_t>{8, 16, 24, 32}) {
     for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2, 6}) {
       const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, wChannels, 8000, wBits))));
@@ -106,7 +106,7 @@ TEST_F(WavFileLoad, SamplesAreLoadedAsStored) {
   }
 }
 
-TEST_F(WavFileLoad, LaterFormatAndDataCountInsteadOfEarlierOnes) {
+TEST_F(WavFileLoad, LaterFormatAndData_CountInsteadOfEarlierOnes) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 2, 44100, 16))
       .Chunk("data", C_Bytes(200, 0xEE))
@@ -120,19 +120,19 @@ TEST_F(WavFileLoad, LaterFormatAndDataCountInsteadOfEarlierOnes) {
   EXPECT_EQ(file->GetDataStartPos(), 12u + 24 + 208 + 8);
 }
 
-TEST_F(WavFileLoad, AnEarlierFormatMustStillBeOneOfOurs) {
+TEST_F(WavFileLoad, EarlierFormat_MustStillBeOneOfOurs) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(3, 1, 8000, 32)).Chunk("fmt ", FmtBytes(1, 1, 8000, 16));
   EXPECT_FALSE(Checks(File(riff)));
 }
 
-TEST_F(WavFileLoad, FormatBehindTheDataCounts) {
+TEST_F(WavFileLoad, FormatAfterTheData_Counts) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("data", RampBytes(40)).Chunk("fmt ", FmtBytes(1, 1, 8000, 16));
   EXPECT_EQ(PcmOf(*Load(riff)), RampBytes(40));
 }
 
-TEST_F(WavFileLoad, FileWithoutDataOpensWithLengthZero) {
+TEST_F(WavFileLoad, FileWithoutData_OpensWithLengthZero) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 16));
   const C_WavObjectPtr file = Load(riff);
@@ -141,14 +141,14 @@ TEST_F(WavFileLoad, FileWithoutDataOpensWithLengthZero) {
   EXPECT_EQ(file->GetDataStartPos(), 0u);
 }
 
-TEST_F(WavFileLoad, FileWithoutFormatIsRefused) {
+TEST_F(WavFileLoad, FileWithoutFormat_IsRefused) {
   C_RiffBytes riff("WAVE");
   EXPECT_FALSE(Checks(File(riff)));
   EXPECT_FALSE(Checks(File(riff.Chunk("data", RampBytes(64)))));
   EXPECT_FALSE(Loads(File(riff)));
 }
 
-TEST_F(WavFileLoad, EmptyOrCutFormatIsRefused) {
+TEST_F(WavFileLoad, EmptyOrCutFormat_IsRefused) {
   EXPECT_FALSE(Checks(File(WithFmt({}))));
   C_RiffBytes cut("WAVE");
   cut.Chunk("fmt ", 16, Slice(FmtBytes(1, 1, 8000, 16), 0, 15));
@@ -158,7 +158,7 @@ TEST_F(WavFileLoad, EmptyOrCutFormatIsRefused) {
   EXPECT_FALSE(Checks(File(huge)));
 }
 
-TEST_F(WavFileLoad, FormatShorterThanItsRecordIsRefused) {
+TEST_F(WavFileLoad, FormatShorterThanItsRecord_IsRefused) {
   const C_Bytes fmt = Join({FmtBytes(1, 1, 8000, 16), U16(0), C_Bytes(22)});
   for (std::ptrdiff_t cb = 0; cb < 16; ++cb) {
     EXPECT_FALSE(Checks(File(WithFmt(Slice(fmt, 0, cb))))) << cb;
@@ -168,20 +168,20 @@ TEST_F(WavFileLoad, FormatShorterThanItsRecordIsRefused) {
   }
 }
 
-TEST_F(WavFileLoad, ChannelsOrBitsOfZeroAreRefused) {
+TEST_F(WavFileLoad, ChannelsOrBitsOfZero_AreRefused) {
   EXPECT_FALSE(Checks(File(WithFmt(FmtBytes(1, 0, 8000, 16)))));
   EXPECT_FALSE(Checks(File(WithFmt(FmtBytes(1, 1, 8000, 0)))));
   EXPECT_FALSE(Loads(File(WithFmt(FmtBytes(1, 0, 8000, 0)))));
 }
 
-TEST_F(WavFileLoad, RateZeroIsAcceptedAndLengthsAreZero) {
+TEST_F(WavFileLoad, RateZero_IsAcceptedAndLengthsAreZero) {
   const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 1, 0, 16))));
   EXPECT_EQ(file->GetWavInfo()->GetSampleRate(), 0u);
   EXPECT_EQ(file->GetWavInfo()->GetTimeLength(), 0u);
   EXPECT_EQ(PcmOf(*file), RampBytes(64));
 }
 
-TEST_F(WavFileLoad, RateZeroLeavesEventLabelsOutAndKeepsRanges) {
+TEST_F(WavFileLoad, RateZero_LeavesEventLabelsOutAndKeepsRanges) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 0, 16))
       .Chunk("data", RampBytes(64))
@@ -193,7 +193,7 @@ TEST_F(WavFileLoad, RateZeroLeavesEventLabelsOutAndKeepsRanges) {
   EXPECT_EQ(SilenceOf(*file), (C_RangesSeen{{9, 12}}));
 }
 
-TEST_F(WavFileLoad, UnusualWidthsAndHugeNumbersAreCarried) {
+TEST_F(WavFileLoad, UnusualWidthsAndHugeNumbers_AreCarried) {
   for (const std::uint16_t wBits :
        std::initializer_list<std::uint16_t>{2, 7, 33, 40, 64, 255, 256, 0x7FFF, 0x8000, 0xFFFF}) {
     const C_WavObjectPtr file = LoadWav(File(WithFmt(FmtBytes(1, 0xFFFF, 0xFFFFFFFF, wBits))));
@@ -205,11 +205,11 @@ TEST_F(WavFileLoad, UnusualWidthsAndHugeNumbersAreCarried) {
   }
 }
 
-TEST_F(WavFileLoad, DataStartPosIsTheOffsetOfThePayload) {
+TEST_F(WavFileLoad, DataStartPos_IsTheOffsetOfThePayload) {
   EXPECT_EQ(Load(MonoWav(8))->GetDataStartPos(), 44u);
 }
 
-TEST_F(WavFileLoad, CheckFormatAloneKeepsNoNameAndFillsNoSound) {
+TEST_F(WavFileLoad, CheckFormatWithoutInfo_KeepsNoNameAndFillsNoSound) {
   const std::string strPath = File(MonoWav(8));
   const C_WavObjectPtr file = MakeWav();
   EXPECT_TRUE(file->CheckFormat(strPath.c_str(), false));
@@ -223,11 +223,11 @@ TEST_F(WavFileLoad, CheckFormatAloneKeepsNoNameAndFillsNoSound) {
   EXPECT_FALSE(file->LoadData(true, nullptr, nullptr));
 }
 
-TEST_F(WavFileLoad, LoadDataWithoutASoundFails) {
+TEST_F(WavFileLoad, LoadDataWithoutASound_Fails) {
   EXPECT_FALSE(MakeWav()->LoadData(true, nullptr, nullptr));
 }
 
-TEST_F(WavFileLoad, LoadDataOfAFileThatIsGoneFails) {
+TEST_F(WavFileLoad, LoadDataOfAFileThatIsGone_Fails) {
   const std::string strPath = File(MonoWav(8));
   const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
@@ -235,7 +235,7 @@ TEST_F(WavFileLoad, LoadDataOfAFileThatIsGoneFails) {
   EXPECT_FALSE(file->LoadData(true, nullptr, nullptr));
 }
 
-TEST_F(WavFileLoad, FileThatShrinksBeforeLoadingGivesZeros) {
+TEST_F(WavFileLoad, FileThatShrinksBeforeLoading_GivesZeros) {
   const std::string strPath = File(MonoWav(100));
   const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
@@ -244,7 +244,7 @@ TEST_F(WavFileLoad, FileThatShrinksBeforeLoadingGivesZeros) {
   EXPECT_EQ(PcmOf(*file), C_Bytes(100));
 }
 
-TEST_F(WavFileLoad, MissingTailOfTheDataIsZero) {
+TEST_F(WavFileLoad, MissingTailOfTheData_IsZero) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", 1000, RampBytes(33));
   const C_WavObjectPtr file = Load(riff);
@@ -252,7 +252,7 @@ TEST_F(WavFileLoad, MissingTailOfTheDataIsZero) {
   EXPECT_EQ(PcmOf(*file), Join({RampBytes(33), C_Bytes(967)}));
 }
 
-TEST_F(WavFileLoad, MissingTailIsZeroAlsoOnASecondLoad) {
+TEST_F(WavFileLoad, MissingTail_IsZeroOnASecondLoadToo) {
   const std::string strPath = File(MonoWav(100));
   const C_WavObjectPtr file = LoadWav(strPath);
   std::filesystem::resize_file(strPath, 54);
@@ -260,7 +260,7 @@ TEST_F(WavFileLoad, MissingTailIsZeroAlsoOnASecondLoad) {
   EXPECT_EQ(PcmOf(*file), Join({RampBytes(10), C_Bytes(90)}));
 }
 
-TEST_F(WavFileLoad, At64MiBMissingTheFileStillLoads) {
+TEST_F(WavFileLoad, FileThatLacks64MiB_StillLoads) {
   constexpr std::uint32_t k64MiB = 64u << 20;
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", k64MiB + 3, RampBytes(3));
@@ -271,7 +271,7 @@ TEST_F(WavFileLoad, At64MiBMissingTheFileStillLoads) {
   EXPECT_TRUE(std::all_of(pbyPcm + 3, pbyPcm + k64MiB + 3, [](int n) { return n == 0; }));
 }
 
-TEST_F(WavFileLoad, BeyondTheseTheLoadFailsAndNothingIsHeld) {
+TEST_F(WavFileLoad, FileThatLacksMore_FailsToLoadAndHoldsNothing) {
   constexpr std::uint32_t k64MiB = 64u << 20;
   for (const std::uint32_t dwClaimed : {k64MiB + 4, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
     C_RiffBytes riff("WAVE");
@@ -284,7 +284,7 @@ TEST_F(WavFileLoad, BeyondTheseTheLoadFailsAndNothingIsHeld) {
   }
 }
 
-TEST_F(WavFileLoad, LoadingByNameKeepsNameAndLength) {
+TEST_F(WavFileLoad, LoadByName_KeepsNameAndLength) {
   const std::string strPath = File(MonoWav(8));
   const C_WavObjectPtr file = LoadWav(strPath);
   EXPECT_EQ(file->GetFileName(), strPath);
@@ -292,12 +292,12 @@ TEST_F(WavFileLoad, LoadingByNameKeepsNameAndLength) {
   EXPECT_EQ(file->GetWavData()->GetEventTagMgr()->GetSampleRate(), 16000u);
 }
 
-TEST_F(WavFileLoad, TheEncodedTypeBecomesTheFileFormat) {
+TEST_F(WavFileLoad, EncodedType_BecomesTheFileFormat) {
   EXPECT_EQ(Load(MonoWav(8))->GetWavData()->GetEncType(), AUDIO_FILE_WAVE);
   EXPECT_EQ(Load(MonoWav(8, "VEMD"))->GetWavData()->GetEncType(), AUDIO_FILE_VEMD);
 }
 
-TEST_F(WavFileLoad, OpenByNameLeavesTheSamplesOut) {
+TEST_F(WavFileLoad, OpenByName_LeavesTheSamplesOut) {
   const std::string strPath = File(OneLabel("u_3_7"));
   const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
@@ -312,7 +312,7 @@ TEST_F(WavFileLoad, OpenByNameLeavesTheSamplesOut) {
 
 // Informational chunks.
 
-TEST_F(WavFileLoad, InformationalChunksReachTheirInfos) {
+TEST_F(WavFileLoad, InformationalChunks_ReachTheirInfos) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{7, 11, 12}, {9, 13, 14}}))
       .Chunk("smpl", SmplBytes(3, 20))
@@ -328,19 +328,19 @@ TEST_F(WavFileLoad, InformationalChunksReachTheirInfos) {
   EXPECT_EQ(Extra(*file).GetSize(), 0);
 }
 
-TEST_F(WavFileLoad, ALoadersFailureFailsTheCheck) {
+TEST_F(WavFileLoad, LoadersFailure_FailsTheCheck) {
   const C_Bytes cutLabel = Join({Ascii("adtl"), ChunkBytes("labl", 100, U32(1))});
   EXPECT_FALSE(Opens(File(MonoWav(8).Chunk("LIST", cutLabel))));
   EXPECT_FALSE(Opens(File(MonoWav(8).Chunk("cue ", 28, Slice(CueBytes({{1, 2, 3}}), 0, 27)))));
   EXPECT_FALSE(Opens(File(MonoWav(8).Chunk("smpl", 60, Slice(SmplBytes(1, 2), 0, 59)))));
 }
 
-TEST_F(WavFileLoad, WithoutInfoTheInformationalChunksAreNotRead) {
+TEST_F(WavFileLoad, WithoutInfo_TheInformationalChunksAreNotRead) {
   const C_Bytes cutLabel = Join({Ascii("adtl"), ChunkBytes("labl", 100, U32(1))});
   EXPECT_TRUE(Checks(File(MonoWav(8).Chunk("LIST", cutLabel))));
 }
 
-TEST_F(WavFileLoad, ChunksTooShortForTheirFirstFieldAreLeftOut) {
+TEST_F(WavFileLoad, ChunksTooShortForTheirFirstField_AreLeftOut) {
   for (std::size_t cb = 0; cb < 4; ++cb) {
     for (const char* pszID : {"cue ", "smpl", "LIST"}) {
       const C_WavObjectPtr file = Load(MonoWav(8).Chunk(pszID, C_Bytes(cb, 0x41)));
@@ -350,14 +350,14 @@ TEST_F(WavFileLoad, ChunksTooShortForTheirFirstFieldAreLeftOut) {
   }
 }
 
-TEST_F(WavFileLoad, CountsBeyondThePayloadKeepTheWholeRecords) {
+TEST_F(WavFileLoad, CountsBeyondThePayload_KeepTheWholeRecords) {
   C_Bytes cue = CueBytes({{1, 2, 3}, {4, 5, 6}});
   std::fill_n(cue.begin(), 4, 0xFF);
   const C_WavObjectPtr file = Load(MonoWav(8).Chunk("cue ", Slice(cue, 0, 51)));
   EXPECT_EQ(Cues(*file).GetCuePointCount(), 1);
 }
 
-TEST_F(WavFileLoad, OtherChunksAreKeptVerbatim) {
+TEST_F(WavFileLoad, OtherChunks_AreKeptVerbatim) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("bext", RampBytes(5))
       .Chunk("fmt ", FmtBytes(1, 1, 8000, 16))
@@ -378,7 +378,7 @@ TEST_F(WavFileLoad, OtherChunksAreKeptVerbatim) {
   }
 }
 
-TEST_F(WavFileLoad, ExtraChunkThatTheFileCutsIsLeftOut) {
+TEST_F(WavFileLoad, ExtraChunkThatTheFileCuts_IsLeftOut) {
   for (const std::uint32_t dwClaimed : {11u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
     C_RiffBytes riff = MonoWav(8);
     riff.Chunk("fact", U32(4)).Chunk("junk", dwClaimed, RampBytes(10));
@@ -388,7 +388,7 @@ TEST_F(WavFileLoad, ExtraChunkThatTheFileCutsIsLeftOut) {
   }
 }
 
-TEST_F(WavFileLoad, ExtraChunksOfTheLastFileGoWhenTheNextOneHasSome) {
+TEST_F(WavFileLoad, ExtraChunksOfTheLastFile_GoWhenTheNextOneHasSome) {
   const C_WavObjectPtr file = MakeWav();
   const auto open = [&](const C_RiffBytes& riff) { return file->OpenByName(File(riff).c_str()); };
   ASSERT_TRUE(open(MonoWav(8).Chunk("aaaa", U32(1)).Chunk("bbbb", U32(2))));
@@ -400,14 +400,14 @@ TEST_F(WavFileLoad, ExtraChunksOfTheLastFileGoWhenTheNextOneHasSome) {
   EXPECT_EQ(Extra(*file).GetSize(), 1);
 }
 
-TEST_F(WavFileLoad, ListsOfOtherTypesAreNeitherLabelsNorKept) {
+TEST_F(WavFileLoad, ListsOfOtherTypes_AreNeitherLabelsNorKept) {
   const C_Bytes info = Join({Ascii("INFO"), ChunkBytes("INAM", Ascii("title"))});
   const C_WavObjectPtr file = Load(OneLabel("hello").Chunk("LIST", info));
   EXPECT_EQ(Extra(*file).GetSize(), 0);
   EXPECT_EQ(LabelsOf(*file).size(), 1u);
 }
 
-TEST_F(WavFileLoad, TheSameFileOpensTheSameWayTwiceOnOneObject) {
+TEST_F(WavFileLoad, SameFile_OpensTheSameWayTwiceOnOneObject) {
   const C_WavObjectPtr file = MakeWav();
   const std::string strPath = File(OneLabel("hello").Chunk("fact", U32(4)));
   for (int i = 0; i < 2; ++i) {
@@ -418,7 +418,7 @@ TEST_F(WavFileLoad, TheSameFileOpensTheSameWayTwiceOnOneObject) {
   }
 }
 
-TEST_F(WavFileLoad, NothingOfAnEarlierFileIsLeftInTheFormat) {
+TEST_F(WavFileLoad, EarlierFile_LeavesNothingInTheFormat) {
   const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(File(MonoWav(100)).c_str()));
   C_RiffBytes noData("WAVE");
@@ -431,14 +431,14 @@ TEST_F(WavFileLoad, NothingOfAnEarlierFileIsLeftInTheFormat) {
   EXPECT_FALSE(file->OpenByName(File(noFormat).c_str()));
 }
 
-TEST_F(WavFileLoad, LinearSamplesHaveNoCodingWhateverAnEarlierFileHad) {
+TEST_F(WavFileLoad, LinearSamples_HaveNoCodingWhateverAnEarlierFileHad) {
   const C_WavObjectPtr file = MakeWav();
   file->SetCodingType(C_WavFile::kCodingDviAdpcm);
   EXPECT_TRUE(file->CheckFormat(File(MonoWav(8)).c_str(), false));
   EXPECT_EQ(file->GetCodingType(), 0u);
 }
 
-TEST_F(WavFileLoad, SamplesOfAnEarlierFileGoWhenTheNextOneOpens) {
+TEST_F(WavFileLoad, SamplesOfAnEarlierFile_GoWhenTheNextOneOpens) {
   const C_WavObjectPtr file = LoadWav(File(MonoWav(10)));
   const std::string strLonger = m_folder.Write("longer.wav", MonoWav(1000).Take());
   ASSERT_TRUE(file->OpenByName(strLonger.c_str()));
@@ -449,7 +449,7 @@ TEST_F(WavFileLoad, SamplesOfAnEarlierFileGoWhenTheNextOneOpens) {
   EXPECT_EQ(PcmOf(*file), RampBytes(1000));
 }
 
-TEST_F(WavFileLoad, LoadingIntoAnAttachedSoundLeavesTheCallersMemoryAlone) {
+TEST_F(WavFileLoad, LoadIntoAnAttachedSound_DoesNotTouchTheCallersMemory) {
   C_Bytes memory = RampBytes(4);
   C_WavData data;
   data.AttachBuffer(memory.data(), 4);
@@ -464,14 +464,14 @@ TEST_F(WavFileLoad, LoadingIntoAnAttachedSoundLeavesTheCallersMemoryAlone) {
 
 // Annotations.
 
-TEST_F(WavFileLoad, EventLabelsBecomeEvents) {
+TEST_F(WavFileLoad, EventLabels_BecomeEvents) {
   EXPECT_EQ(EventsOf(*Load(OneLabel("u_3_7"))), (std::vector<S_EventSeen>{{3, 7, 4800}}));
   EXPECT_EQ(EventsOf(*Load(OneLabel("e_196615"))), (std::vector<S_EventSeen>{{3, 7, 4800}}));
   EXPECT_EQ(EventsOf(*Load(OneLabel("Queue_1_2"))), (std::vector<S_EventSeen>{{1, 2, 4800}}));
   EXPECT_TRUE(EventsOf(*Load(OneLabel("(65538,7)"))).empty());
 }
 
-TEST_F(WavFileLoad, AnEventStandsAtTheCuePointsPositionNotItsOffset) {
+TEST_F(WavFileLoad, Event_StandsAtTheCuePointsPositionNotItsOffset) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 10, 20}}))
       .Chunk("LIST", AdtlBytes({LablBytes(1, "u_1_2"), LablBytes(1, "VX_PCM"), LtxtBytes(1, 5)}));
@@ -480,7 +480,7 @@ TEST_F(WavFileLoad, AnEventStandsAtTheCuePointsPositionNotItsOffset) {
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{10, 14}}));
 }
 
-TEST_F(WavFileLoad, AnEventHasNoDescriptionAndNoData) {
+TEST_F(WavFileLoad, Event_HasNoDescriptionAndNoData) {
   const C_WavObjectPtr file = Load(OneLabel("u_3_7"));
   I_EventTag& event = *file->GetWavData()->GetEventTagMgr()->GetEventList()->GetItemByIndex(0);
   EXPECT_STREQ(event.GetDescription(), "");
@@ -488,7 +488,7 @@ TEST_F(WavFileLoad, AnEventHasNoDescriptionAndNoData) {
   EXPECT_EQ(event.GetTime(), 300u);
 }
 
-TEST_F(WavFileLoad, EventsAreOrderedByPositionAndThenByLabel) {
+TEST_F(WavFileLoad, Events_AreOrderedByPositionAndThenByLabel) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 300, 0}, {2, 100, 0}, {3, 200, 0}, {4, 100, 0}}))
       .Chunk("LIST", AdtlBytes({LablBytes(1, "u_1_0"), LablBytes(2, "u_2_0"), LablBytes(3, "u_3_0"),
@@ -498,7 +498,7 @@ TEST_F(WavFileLoad, EventsAreOrderedByPositionAndThenByLabel) {
       (std::vector<S_EventSeen>{{2, 0, 100}, {4, 0, 100}, {5, 0, 100}, {3, 0, 200}, {1, 0, 300}}));
 }
 
-TEST_F(WavFileLoad, OfSeveralCuePointsWithOneIdentifierTheFirstCounts) {
+TEST_F(WavFileLoad, SeveralCuePointsWithOneIdentifier_CountAsTheFirst) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{5, 77, 0}, {5, 88, 0}}))
       .Chunk("LIST", AdtlBytes({LablBytes(5, "u_1_2")}));
@@ -506,7 +506,7 @@ TEST_F(WavFileLoad, OfSeveralCuePointsWithOneIdentifierTheFirstCounts) {
 }
 
 // Enough entries to reveal a sort that does not keep the order of equal entries.
-TEST_F(WavFileLoad, OfVeryManyEqualIdentifiersTheFirstCounts) {
+TEST_F(WavFileLoad, VeryManyEqualIdentifiers_CountAsTheFirst) {
   std::vector<S_CueBytes> cues;
   C_Bytes labels = LablBytes(5, "VX_PCM");
   for (std::uint32_t i = 0; i < 100; ++i) {
@@ -518,7 +518,7 @@ TEST_F(WavFileLoad, OfVeryManyEqualIdentifiersTheFirstCounts) {
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{1000, 1000}}));
 }
 
-TEST_F(WavFileLoad, VeryManyEventsAtOneSampleKeepTheOrderOfTheirLabels) {
+TEST_F(WavFileLoad, VeryManyEventsAtOneSample_KeepTheOrderOfTheirLabels) {
   std::vector<S_EventSeen> expected;
   C_Bytes labels;
   for (unsigned int i = 0; i < 100; ++i) {
@@ -530,7 +530,7 @@ TEST_F(WavFileLoad, VeryManyEventsAtOneSampleKeepTheOrderOfTheirLabels) {
   EXPECT_EQ(EventsOf(*file), expected);
 }
 
-TEST_F(WavFileLoad, RangeLabelsBecomeSegmentsAndRegions) {
+TEST_F(WavFileLoad, RangeLabels_BecomeSegmentsAndRegions) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 100, 0}, {2, 500, 0}, {3, 100, 0}}))
       .Chunk("LIST", AdtlBytes({LtxtBytes(2, 20), LtxtBytes(1, 10), LtxtBytes(2, 99),
@@ -553,7 +553,7 @@ TEST_F(WavFileLoad, RangeWithoutAnyLabelledText_HasLengthZero) {
   EXPECT_EQ(RegionsOf(*Load(OneLabel("VX_PCM"))), (C_RangesSeen{{4800, 4799}}));
 }
 
-TEST_F(WavFileLoad, RangesWrapInsteadOfFailing) {
+TEST_F(WavFileLoad, Ranges_WrapInsteadOfFailing) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 0, 0}, {2, 0xFFFFFFF0, 0}}))
       .Chunk("LIST", AdtlBytes({LtxtBytes(1, 0), LtxtBytes(2, 0x20), LablBytes(1, "VX_PCM"),
@@ -561,14 +561,14 @@ TEST_F(WavFileLoad, RangesWrapInsteadOfFailing) {
   EXPECT_EQ(RegionsOf(*Load(riff)), (C_RangesSeen{{0, 0xFFFFFFFF}, {0xFFFFFFF0, 0xF}}));
 }
 
-TEST_F(WavFileLoad, UnknownLabelsMeanNothingAndStayInTheList) {
+TEST_F(WavFileLoad, UnknownLabels_MeanNothingAndStayInTheList) {
   const C_WavObjectPtr file = Load(OneLabel("hello"));
   EXPECT_TRUE(EventsOf(*file).empty());
   EXPECT_EQ(LabelsOf(*file).size(), 1u);
   EXPECT_EQ(LabelsOf(*file)[0].second, "hello");
 }
 
-TEST_F(WavFileLoad, UnknownLabelsNeedNoCuePoint) {
+TEST_F(WavFileLoad, UnknownLabels_NeedNoCuePoint) {
   const C_RiffBytes riff = MonoWav(64).Chunk(
       "LIST", AdtlBytes({LablBytes(1, "hello"), LablBytes(2, "VX_silence"), LablBytes(3, "")}));
   EXPECT_EQ(LabelsOf(*Load(riff)).size(), 3u);
@@ -576,7 +576,7 @@ TEST_F(WavFileLoad, UnknownLabelsNeedNoCuePoint) {
 
 using WavFileLoadDeathTest = WavFileLoad;
 
-TEST_F(WavFileLoadDeathTest, LabelsThatMeanSomethingNeedTheirCuePoint) {
+TEST_F(WavFileLoadDeathTest, LabelsThatMeanSomething_NeedTheirCuePoint) {
   for (const char* pszText : {"u_1_2", "e_5", "VX_Silence", "VX_PCM"}) {
     C_RiffBytes riff = MonoWav(64);
     riff.Chunk("cue ", CueBytes({{1, 0, 0}})).Chunk("LIST", AdtlBytes({LablBytes(2, pszText)}));
@@ -586,7 +586,7 @@ TEST_F(WavFileLoadDeathTest, LabelsThatMeanSomethingNeedTheirCuePoint) {
   }
 }
 
-TEST_F(WavFileLoad, AnnotationsOfTheSoundAreReplacedButEventsAreAdded) {
+TEST_F(WavFileLoad, AnnotationsOfTheSound_AreReplacedButEventsAreAdded) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 100, 0}, {2, 500, 0}, {3, 600, 0}}))
       .Chunk("LIST", AdtlBytes({LtxtBytes(2, 20), LtxtBytes(3, 30), LablBytes(1, "u_1_2"),
@@ -598,7 +598,7 @@ TEST_F(WavFileLoad, AnnotationsOfTheSoundAreReplacedButEventsAreAdded) {
   EXPECT_EQ(RegionsOf(*file), (C_RangesSeen{{500, 519}}));
 }
 
-TEST_F(WavFileLoad, TheKindIsKnownAlsoWhenTheFormatIsRefused) {
+TEST_F(WavFileLoad, Kind_IsKnownEvenWhenTheFormatIsRefused) {
   const C_WavObjectPtr file = MakeWav();
   C_RiffBytes riff("VEMD");
   riff.Chunk("fmt ", FmtBytes(0x0011, 1, 8000, 4));
@@ -606,7 +606,7 @@ TEST_F(WavFileLoad, TheKindIsKnownAlsoWhenTheFormatIsRefused) {
   EXPECT_EQ(file->GetFileFormat(), AUDIO_FILE_VEMD);
 }
 
-TEST_F(WavFileLoad, AnAttachedSoundPlacesEventsAtTheRateOfTheFile) {
+TEST_F(WavFileLoad, AttachedSound_PlacesEventsAtTheRateOfTheFile) {
   C_WavData data;
   data.SetWavInfoData(8000, 0, 1, 16, 16, true);
   C_WavFile file;
@@ -616,7 +616,7 @@ TEST_F(WavFileLoad, AnAttachedSoundPlacesEventsAtTheRateOfTheFile) {
   EXPECT_EQ(data.GetEventTagMgr()->GetEventList()->GetItemByIndex(0)->GetTime(), 300u);
 }
 
-TEST_F(WavFileLoad, EventsJoinThoseThatAreThereInOrder) {
+TEST_F(WavFileLoad, Events_JoinThoseOfTheSoundInOrder) {
   const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(File(OneLabel("u_1_2")).c_str()));
   I_EventTagMgr& events = *file->GetWavData()->GetEventTagMgr();
@@ -628,7 +628,7 @@ TEST_F(WavFileLoad, EventsJoinThoseThatAreThereInOrder) {
             (std::vector<S_EventSeen>{{7, 7, 10}, {9, 9, 4800}, {1, 2, 4800}, {8, 8, 9000}}));
 }
 
-TEST_F(WavFileLoad, SoundWithoutLabelsLosesTheAnnotationsItHad) {
+TEST_F(WavFileLoad, SoundWithoutLabels_LosesTheAnnotationsItHad) {
   const C_WavObjectPtr file = MakeWav();
   file->GetAudioCodecParam();  // makes the sound
   file->GetWavData()->AddSilenceSegment(1, 2);
@@ -670,7 +670,7 @@ C_Bytes ManyLabels(std::uint32_t nLabels) {
 
 }  // namespace
 
-TEST_F(WavFileLoad, TenTimesTheLabelsCostAboutTenTimesTheWork) {
+TEST_F(WavFileLoad, TenTimesTheLabels_CostAboutTenTimesTheWork) {
   const auto cost = [this](std::uint32_t nLabels) {
     const std::string strPath = File(ManyLabels(nLabels));
     double dBest = std::numeric_limits<double>::max();
@@ -689,7 +689,7 @@ TEST_F(WavFileLoad, TenTimesTheLabelsCostAboutTenTimesTheWork) {
   EXPECT_LT(dLarge, 40 * dSmall) << dSmall << " s for 5000, " << dLarge << " s for 50000";
 }
 
-TEST_F(WavFileLoad, NoFileStaysOpen) {
+TEST_F(WavFileLoad, Loading_LeavesNoFileOpen) {
   const std::string strGood = File(OneLabel("u_1_2").Chunk("fact", U32(1)));
   const std::string strBad = m_folder.Write(
       "bad.wav", MonoWav(8).Chunk("LIST", Join({Ascii("adtl"), Ascii("labl")})).Take());

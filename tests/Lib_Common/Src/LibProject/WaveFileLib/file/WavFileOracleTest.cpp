@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(Shapes, WavFileOracle, testing::ValuesIn(kShapes));
 
 }  // namespace
 
-TEST_P(WavFileOracle, SndfileReadsWhatWeWrite) {
+TEST_P(WavFileOracle, Sndfile_ReadsWhatWeWrite) {
   const C_Bytes pcm = WriteOurs(GetParam(), "ours.wav");
   SF_INFO info{};
   const C_SndPtr snd(sf_open(m_folder.Path("ours.wav").c_str(), SFM_READ, &info));
@@ -108,7 +108,7 @@ TEST_P(WavFileOracle, SndfileReadsWhatWeWrite) {
   EXPECT_EQ(values, ValuesOf(pcm, GetParam().wBits));
 }
 
-TEST_P(WavFileOracle, WeReadWhatSndfileWrites) {
+TEST_P(WavFileOracle, FilesOfSndfile_AreRead) {
   const C_Bytes pcm = NoiseBytes(std::size_t{96} * GetParam().wChannels * (GetParam().wBits / 8));
   const std::vector<int> values = ValuesOf(pcm, GetParam().wBits);
   SF_INFO info{};
@@ -124,7 +124,7 @@ TEST_P(WavFileOracle, WeReadWhatSndfileWrites) {
   EXPECT_EQ(PcmOf(*file), pcm);
 }
 
-TEST_P(WavFileOracle, SoxReadsWhatWeWrite) {
+TEST_P(WavFileOracle, Sox_ReadsWhatWeWrite) {
   const C_Bytes pcm = WriteOurs(GetParam(), "ours.wav");
   const std::string strEncoding = GetParam().wBits == 8 ? "unsigned" : "signed";
   EXPECT_EQ(Run("sox -D @/ours.wav -t raw -e " + strEncoding + " -b " +
@@ -133,7 +133,7 @@ TEST_P(WavFileOracle, SoxReadsWhatWeWrite) {
   EXPECT_EQ(Run("soxi -r @/ours.wav"), Ascii("22050\n"));
 }
 
-TEST_P(WavFileOracle, WeReadWhatSoxWrites) {
+TEST_P(WavFileOracle, FilesOfSox_AreRead) {
   const C_Bytes pcm = NoiseBytes(std::size_t{96} * GetParam().wChannels * (GetParam().wBits / 8));
   m_folder.Write("in.raw", pcm);
   const std::string strRaw =
@@ -146,7 +146,7 @@ TEST_P(WavFileOracle, WeReadWhatSoxWrites) {
   EXPECT_EQ(PcmOf(*file), pcm);
 }
 
-TEST_F(WavFileOracle, SndfileSeesOurEventsAsNamedCuePoints) {
+TEST_F(WavFileOracle, Sndfile_SeesOurEventsAsNamedCuePoints) {
   const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(20000));
   file->GetWavData()->GetEventTagMgr()->AddEventBySamplePos(3, 7, 4800, "", 0);
   file->GetWavData()->GetEventTagMgr()->AddEventBySamplePos(65535, 0, 9999, "", 0);
@@ -161,7 +161,7 @@ TEST_F(WavFileOracle, SndfileSeesOurEventsAsNamedCuePoints) {
   EXPECT_STREQ(cues.cue_points[1].name, "u_65535_0");
 }
 
-TEST_F(WavFileOracle, SndfileSeesOurRangesAsCuePoints) {
+TEST_F(WavFileOracle, Sndfile_SeesOurRangesAsCuePoints) {
   const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(20000));
   file->GetWavData()->AddSilenceSegment(5000, 5999);
   file->GetWavData()->AddUncompressRegion(7000, 7100);
@@ -173,7 +173,7 @@ TEST_F(WavFileOracle, SndfileSeesOurRangesAsCuePoints) {
   EXPECT_EQ(cues.cue_points[1].sample_offset, 7000u);
 }
 
-TEST_F(WavFileOracle, SndfileSeesOurLoops) {
+TEST_F(WavFileOracle, Sndfile_SeesOurLoops) {
   const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 16000, 1, 16, 16, true, C_Bytes(2000));
   Sampler(*file).AddSampleLoop(1, LOOP_FORWARD, 100, 200, 0, 5);
   ASSERT_TRUE(Write(*file, m_folder.Path("ours.wav")));
@@ -188,7 +188,7 @@ TEST_F(WavFileOracle, SndfileSeesOurLoops) {
   EXPECT_EQ(instrument.loops[0].count, 5u);
 }
 
-TEST_F(WavFileOracle, WeSeeTheCuePointsOfSndfile) {
+TEST_F(WavFileOracle, CuePointsOfSndfile_AreSeen) {
   SF_INFO info{};
   info.samplerate = 16000;
   info.channels = 1;
@@ -214,14 +214,14 @@ TEST_F(WavFileOracle, WeSeeTheCuePointsOfSndfile) {
   EXPECT_EQ(file->GetWavData()->GetBufferLength(), 128u);
 }
 
-TEST_F(WavFileOracle, TwelveBitsReadAsSixteenByOthers) {
+TEST_F(WavFileOracle, TwelveBits_AreReadAsSixteenByOthers) {
   const C_WavObjectPtr file =
       MakeSound(AUDIO_FILE_WAVE, 8000, 1, 12, 16, true, Join({U16(0x0123), U16(0xF800)}));
   ASSERT_TRUE(Write(*file, m_folder.Path("ours.wav")));
   EXPECT_EQ(Run("sox -D @/ours.wav -t raw -e signed -b 16 -"), Join({U16(0x1230), U16(0x8000)}));
 }
 
-TEST_F(WavFileOracle, FilesWithTagsOfOthersAreNotOpened) {
+TEST_F(WavFileOracle, FilesWithTagsOfOthers_AreNotOpened) {
   SF_INFO info{};
   info.samplerate = 16000;
   info.channels = 1;

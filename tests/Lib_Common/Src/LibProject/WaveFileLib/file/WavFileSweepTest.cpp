@@ -101,7 +101,7 @@ const std::uint32_t kHostileValues[] = {0,          1,          2,          3,  
 
 }  // namespace
 
-TEST(WavFileSweep, FileCutAtEveryByteLoadsAsFarAsItGoes) {
+TEST(WavFileSweep, FileCutAtEveryByte_LoadsAsFarAsItGoes) {
   const C_Bytes bytes = RichFile().Take();
   const std::vector<S_Chunk> layout = LayoutOf(bytes);
   ASSERT_EQ(layout.size(), 7u);
@@ -144,7 +144,7 @@ TEST(WavFileSweep, EveryValueInTheHead_AndEveryFifthInTheNextBytes_AreSurvived) 
   EXPECT_EQ(CountOpenFiles(), nOpen);
 }
 
-TEST(WavFileSweep, EveryFieldSurvivesHostileNumbers) {
+TEST(WavFileSweep, EveryField_SurvivesHostileNumbers) {
   const C_SweepFile file(QuietFile().Take());
   const C_SweepFile target({});
   for (const std::size_t cbField : {std::size_t{2}, std::size_t{4}}) {
@@ -159,7 +159,7 @@ TEST(WavFileSweep, EveryFieldSurvivesHostileNumbers) {
   }
 }
 
-TEST(WavFileSweep, SizesNextToTheTruthAreSurvived) {
+TEST(WavFileSweep, SizesNextToTheTruth_AreSurvived) {
   const C_SweepFile file(QuietFile().Take());
   const C_SweepFile target({});
   for (const S_Chunk& chunk : LayoutOf(file.Bytes())) {
@@ -173,7 +173,7 @@ TEST(WavFileSweep, SizesNextToTheTruthAreSurvived) {
   }
 }
 
-TEST(WavFileSweep, GeometryFieldsSurviveEveryPairOfHostileNumbers) {
+TEST(WavFileSweep, GeometryFields_SurviveEveryPairOfHostileNumbers) {
   struct S_Field {
     std::size_t nAt;
     std::size_t cb;

@@ -50,7 +50,7 @@ C_WavObjectPtr AnnotatedSound() {
 
 }  // namespace
 
-TEST_F(WavFileWrite, TheSmallestFileIsFormatAndData) {
+TEST_F(WavFileWrite, SmallestFile_IsFormatAndData) {
   const C_Bytes expected = Join({Ascii("RIFF"),
                                  U32(36 + 10),
                                  Ascii("WAVE"),
@@ -65,7 +65,7 @@ TEST_F(WavFileWrite, TheSmallestFileIsFormatAndData) {
   EXPECT_EQ(expected.size(), 44u + 10);
 }
 
-TEST_F(WavFileWrite, OddDataGetsNoPadByte) {
+TEST_F(WavFileWrite, OddData_GetsNoPadByte) {
   const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 8000, 1, 8, 8, false, RampBytes(3));
   InfoOf<I_WavDataExtraChunkInfo>(*file, WAV_DATA_INFO_EXTRA_CHUNK)
       .AddChunk("junk", RampBytes(5).data(), 5);
@@ -78,13 +78,13 @@ TEST_F(WavFileWrite, OddDataGetsNoPadByte) {
   EXPECT_EQ(PcmOf(*LoadWav(m_folder.Path("out.wav"))), RampBytes(3));
 }
 
-TEST_F(WavFileWrite, EmptySoundIsWrittenWithEmptyData) {
+TEST_F(WavFileWrite, EmptySound_IsWrittenWithEmptyData) {
   const C_WavObjectPtr file = Mono16({});
   EXPECT_EQ(Written(*file),
             C_RiffBytes("WAVE").Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", {}).Take());
 }
 
-TEST_F(WavFileWrite, AnnotationsBecomeCuePointsAndLabelsByteForByte) {
+TEST_F(WavFileWrite, Annotations_BecomeCuePointsAndLabelsByteForByte) {
   const C_Bytes expected =
       C_RiffBytes("WAVE")
           .Chunk("fmt ", FmtBytes(1, 1, 16000, 16))
@@ -102,7 +102,7 @@ TEST_F(WavFileWrite, AnnotationsBecomeCuePointsAndLabelsByteForByte) {
   EXPECT_EQ(C_Bytes(written.begin() + 4, written.begin() + 8), U32(32292));
 }
 
-TEST_F(WavFileWrite, IdentifiersCountEventsThenSilenceThenRegions) {
+TEST_F(WavFileWrite, Identifiers_CountEventsThenSilenceThenRegions) {
   const C_WavObjectPtr file = AnnotatedSound();
   ASSERT_TRUE(Write(*file, m_folder.Path("out.wav")));
   EXPECT_EQ(LabelsOf(*file), (std::vector<std::pair<unsigned int, std::string>>{
@@ -115,7 +115,7 @@ TEST_F(WavFileWrite, IdentifiersCountEventsThenSilenceThenRegions) {
   EXPECT_EQ(dwSamples, 100u);
 }
 
-TEST_F(WavFileWrite, AnnotationsComeBack) {
+TEST_F(WavFileWrite, Annotations_AreReadBack) {
   const C_WavObjectPtr file = AnnotatedSound();
   const C_WavObjectPtr again = Reload(*file);
   EXPECT_EQ(EventsOf(*again), EventsOf(*file));
@@ -124,7 +124,7 @@ TEST_F(WavFileWrite, AnnotationsComeBack) {
   EXPECT_EQ(PcmOf(*again), RampBytes(32000));
 }
 
-TEST_F(WavFileWrite, EventsOfEveryIndexComeBack) {
+TEST_F(WavFileWrite, EventsOfEveryIndex_AreReadBack) {
   const C_WavObjectPtr file = Mono16(RampBytes(32000));
   std::vector<S_EventSeen> expected;
   for (const unsigned int dwValue : {0u, 1u, 255u, 256u, 4095u, 32767u, 32768u, 65535u}) {
@@ -135,27 +135,27 @@ TEST_F(WavFileWrite, EventsOfEveryIndexComeBack) {
   EXPECT_EQ(EventsOf(*Reload(*file)), expected);
 }
 
-TEST_F(WavFileWrite, TwoWritesOfOneSoundAreTheSame) {
+TEST_F(WavFileWrite, TwoWritesOfOneSound_AreTheSame) {
   const C_WavObjectPtr file = AnnotatedSound();
   const C_Bytes first = Written(*file);
   EXPECT_EQ(Written(*file), first);
   EXPECT_EQ(Written(*LoadWav(m_folder.Path("out.wav"))), first);
 }
 
-TEST_F(WavFileWrite, DescriptionAndDataOfEventsDoNotTravel) {
+TEST_F(WavFileWrite, DescriptionAndDataOfEvents_DoNotTravel) {
   const C_WavObjectPtr again = Reload(*AnnotatedSound());
   I_EventTag& event = *again->GetWavData()->GetEventTagMgr()->GetEventList()->GetItemByIndex(0);
   EXPECT_STREQ(event.GetDescription(), "");
   EXPECT_EQ(event.GetData(), 0u);
 }
 
-TEST_F(WavFileWrite, EventSetAsATimeIsWrittenAtItsSample) {
+TEST_F(WavFileWrite, EventSetAsATime_IsWrittenAtItsSample) {
   const C_WavObjectPtr file = Mono16(RampBytes(32000));
   file->GetWavData()->GetEventTagMgr()->AddEvent(1, 2, 300, "", 0);
   EXPECT_EQ(EventsOf(*Reload(*file)), (std::vector<S_EventSeen>{{1, 2, 4800}}));
 }
 
-TEST_F(WavFileWrite, RangeWithItsEndBeforeItsStartHasLengthZero) {
+TEST_F(WavFileWrite, RangeWithItsEndBeforeItsStart_HasLengthZero) {
   const C_WavObjectPtr file = Mono16(RampBytes(100));
   file->GetWavData()->AddSilenceSegment(5, 4);
   EXPECT_EQ(SilenceOf(*Reload(*file)), (C_RangesSeen{{5, 4}}));
@@ -172,19 +172,19 @@ TEST_F(WavFileWrite, Write_DropsCuePointsAndLabelsOfOthers) {
   EXPECT_EQ(Cues(*file).GetCuePointCount(), 1);
 }
 
-TEST_F(WavFileWrite, OldSingleNumberLabelsAreWrittenInTheNewForm) {
+TEST_F(WavFileWrite, OldSingleNumberLabels_AreWrittenInTheNewForm) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 5, 5}})).Chunk("LIST", AdtlBytes({LablBytes(1, "e_196615")}));
   EXPECT_EQ(ChunkNamed(Written(*Load(riff)), "LIST"), AdtlBytes({LablBytes(1, "u_3_7")}));
 }
 
-TEST_F(WavFileWrite, SoundWithoutAnnotationsHasNoCueAndNoList) {
+TEST_F(WavFileWrite, SoundWithoutAnnotations_HasNoCueAndNoList) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 5, 5}})).Chunk("LIST", AdtlBytes({LablBytes(1, "hello")}));
   EXPECT_EQ(ChunkNames(Written(*Load(riff))), (std::vector<std::string>{"fmt ", "data"}));
 }
 
-TEST_F(WavFileWrite, ChunksStandInTheirFixedOrder) {
+TEST_F(WavFileWrite, Chunks_StandInTheirFixedOrder) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fact", U32(32))
       .Chunk("LIST", AdtlBytes({LablBytes(1, "u_1_2")}))
@@ -201,7 +201,7 @@ TEST_F(WavFileWrite, ChunksStandInTheirFixedOrder) {
   EXPECT_EQ(ChunkNamed(written, "bext"), RampBytes(9));
 }
 
-TEST_F(WavFileWrite, SamplerWithoutLoopsIsNotWritten) {
+TEST_F(WavFileWrite, SamplerWithoutLoops_IsNotWritten) {
   C_Bytes smpl = SmplBytes(3, 9);
   smpl[28] = 0;
   smpl.resize(36);
@@ -209,19 +209,19 @@ TEST_F(WavFileWrite, SamplerWithoutLoopsIsNotWritten) {
             (std::vector<std::string>{"fmt ", "data"}));
 }
 
-TEST_F(WavFileWrite, InfoListsAreLost) {
+TEST_F(WavFileWrite, InfoLists_AreLost) {
   const C_Bytes info = Join({Ascii("INFO"), ChunkBytes("INAM", Ascii("title"))});
   EXPECT_EQ(ChunkNames(Written(*Load(MonoWav(8).Chunk("LIST", info)))),
             (std::vector<std::string>{"fmt ", "data"}));
 }
 
-TEST_F(WavFileWrite, ExtraChunksWithEqualNamesAllComeBack) {
+TEST_F(WavFileWrite, ExtraChunksWithEqualNames_AreAllReadBack) {
   C_RiffBytes riff = MonoWav(8);
   riff.Chunk("junk", RampBytes(2)).Chunk("junk", RampBytes(4)).Chunk("junk", RampBytes(1));
   EXPECT_EQ(Written(*Load(riff)), riff.Take());
 }
 
-TEST_F(WavFileWrite, LoadedFilesAreWrittenBackByteForByte) {
+TEST_F(WavFileWrite, LoadedFiles_AreWrittenBackByteForByte) {
   for (const char* pszForm : {"WAVE", "VEMD"}) {
     for (const std::uint16_t wBits : std::initializer_list<std::uint16_t>{8, 16, 24, 32}) {
       for (const std::uint16_t wChannels : std::initializer_list<std::uint16_t>{1, 2}) {
@@ -238,14 +238,14 @@ TEST_F(WavFileWrite, LoadedFilesAreWrittenBackByteForByte) {
   }
 }
 
-TEST_F(WavFileWrite, TheFormFollowsTheFileFormat) {
+TEST_F(WavFileWrite, Form_FollowsTheFileFormat) {
   const C_WavObjectPtr file = MakeSound(AUDIO_FILE_VEMD, 16000, 1, 16, 16, true, RampBytes(4));
   const C_Bytes written = Written(*file);
   EXPECT_EQ(C_Bytes(written.begin() + 8, written.begin() + 12), Ascii("VEMD"));
   EXPECT_EQ(LoadWav(m_folder.Path("out.wav"))->GetFileFormat(), AUDIO_FILE_VEMD);
 }
 
-TEST_F(WavFileWrite, OtherFileFormatsAreNotWritten) {
+TEST_F(WavFileWrite, OtherFileFormats_AreNotWritten) {
   for (const unsigned int dwType : {0u, 1u, 14u, 32u, 0x1001u, 0x8000u, 0x8002u, 0xFFFFu}) {
     const auto eType = static_cast<tagAudioFileType>(dwType);
     const C_WavObjectPtr file = MakeSound(eType, 16000, 1, 16, 16, true, RampBytes(4));
@@ -255,14 +255,14 @@ TEST_F(WavFileWrite, OtherFileFormatsAreNotWritten) {
   EXPECT_EQ(MakeWav()->GetFileFormat(), AUDIO_FILE_UNKNOWN);
 }
 
-TEST_F(WavFileWrite, WithoutASoundNothingIsWritten) {
+TEST_F(WavFileWrite, WithoutASound_NothingIsWritten) {
   const C_WavObjectPtr file = MakeWav();
   file->SetFileFormat(AUDIO_FILE_WAVE);
   EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
   EXPECT_FALSE(m_folder.Has("none.wav"));
 }
 
-TEST_F(WavFileWrite, SoundThatWasOpenedWithoutItsSamplesIsNotWritten) {
+TEST_F(WavFileWrite, SoundThatWasOpenedWithoutItsSamples_IsNotWritten) {
   const std::string strPath = m_folder.Write("in.wav", MonoWav(64).Take());
   const C_WavObjectPtr file = MakeWav();
   ASSERT_TRUE(file->OpenByName(strPath.c_str()));
@@ -270,7 +270,7 @@ TEST_F(WavFileWrite, SoundThatWasOpenedWithoutItsSamplesIsNotWritten) {
   EXPECT_FALSE(m_folder.Has("none.wav"));
 }
 
-TEST_F(WavFileWrite, TargetsThatCannotBeWrittenFail) {
+TEST_F(WavFileWrite, TargetsThatCannotBeWritten_Fail) {
   const C_WavObjectPtr file = Mono16(RampBytes(4));
   EXPECT_FALSE(Write(*file, m_folder.Path("no/folder.wav")));
   EXPECT_FALSE(Write(*file, m_folder.Path()));
@@ -279,12 +279,12 @@ TEST_F(WavFileWrite, TargetsThatCannotBeWrittenFail) {
   EXPECT_FALSE(file->WriteFile(nullptr, true, false, nullptr, false, 0));
 }
 
-TEST_F(WavFileWrite, AnExistingFileIsReplacedAsAWhole) {
+TEST_F(WavFileWrite, ExistingFile_IsReplacedAsAWhole) {
   m_folder.Write("out.wav", C_Bytes(5000, 0xEE));
   EXPECT_EQ(Written(*Mono16(RampBytes(4))).size(), 48u);
 }
 
-TEST_F(WavFileWrite, AFileCanBeWrittenOntoItself) {
+TEST_F(WavFileWrite, File_CanBeWrittenOntoItself) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("fact", U32(7));
   const C_WavObjectPtr file = Load(riff);
@@ -292,7 +292,7 @@ TEST_F(WavFileWrite, AFileCanBeWrittenOntoItself) {
   EXPECT_EQ(m_folder.Read("in.wav"), riff.Take());
 }
 
-TEST_F(WavFileWrite, TheArgumentsBehindTheNameHaveNoEffect) {
+TEST_F(WavFileWrite, ArgumentsAfterTheName_HaveNoEffect) {
   const C_WavObjectPtr file = AnnotatedSound();
   const C_Bytes expected = Written(*file);
   ASSERT_TRUE(file->WriteFile(
@@ -303,7 +303,7 @@ TEST_F(WavFileWrite, TheArgumentsBehindTheNameHaveNoEffect) {
 
 // Sample widths.
 
-TEST_F(WavFileWrite, TwelveBitsAreWrittenAsSixteen) {
+TEST_F(WavFileWrite, TwelveBits_AreWrittenAsSixteen) {
   const C_WavObjectPtr file = MakeSound(AUDIO_FILE_WAVE, 8000, 1, 12, 16, true,
                                         Join({U16(0x0800), U16(0x07FF), U16(0x0001), U16(0xFFFF)}));
   const C_Bytes written = Written(*file);
@@ -314,7 +314,7 @@ TEST_F(WavFileWrite, TwelveBitsAreWrittenAsSixteen) {
   EXPECT_EQ(PcmOf(*file).size(), 8u);
 }
 
-TEST_F(WavFileWrite, SampleBitsOfTheCodecParametersAreWritten) {
+TEST_F(WavFileWrite, SampleBitsOfTheCodecParameters_AreWritten) {
   const C_WavObjectPtr file = Mono16(Join({U16(0x1234), U16(0x8000), U16(0x7FFF), U16(0)}));
   AddEvent(*file, 1, 2, 3);
   file->GetAudioCodecParam()->SetSampleBits(8, 8, false);
@@ -326,14 +326,14 @@ TEST_F(WavFileWrite, SampleBitsOfTheCodecParametersAreWritten) {
   EXPECT_EQ(file->GetWavInfo()->GetBitsPerSample(), 16);
 }
 
-TEST_F(WavFileWrite, SampleBitsOfTheCodecParametersWinOverTheTwelveBitRule) {
+TEST_F(WavFileWrite, SampleBitsOfTheCodecParameters_WinOverTheTwelveBitRule) {
   const C_WavObjectPtr file =
       MakeSound(AUDIO_FILE_WAVE, 8000, 1, 12, 16, true, Join({U16(0x0123), U16(0x0F00)}));
   file->GetAudioCodecParam()->SetSampleBits(12, 16, true);
   EXPECT_EQ(ChunkNamed(Written(*file), "data"), Join({U16(0x0123), U16(0x0F00)}));
 }
 
-TEST_F(WavFileWrite, EqualSampleBitsAreWrittenAsTheyAre) {
+TEST_F(WavFileWrite, EqualSampleBits_AreWrittenAsTheyAre) {
   const C_WavObjectPtr file = Load([] {
     C_RiffBytes riff("WAVE");
     return riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 24)).Chunk("data", RampBytes(9));
@@ -342,7 +342,7 @@ TEST_F(WavFileWrite, EqualSampleBitsAreWrittenAsTheyAre) {
   EXPECT_EQ(ChunkNamed(Written(*file), "data"), RampBytes(9));
 }
 
-TEST_F(WavFileWrite, WidthsThatCannotBeConvertedFail) {
+TEST_F(WavFileWrite, WidthsThatCannotBeConverted_Fail) {
   const C_WavObjectPtr file = Load([] {
     C_RiffBytes riff("WAVE");
     return riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 24)).Chunk("data", RampBytes(9));
@@ -354,7 +354,7 @@ TEST_F(WavFileWrite, WidthsThatCannotBeConvertedFail) {
 }
 
 // The widths are settled before anything in the sound is touched.
-TEST_F(WavFileWrite, AWidthThatCannotBeConvertedLeavesCuePointsAndLabelsAlone) {
+TEST_F(WavFileWrite, WidthThatCannotBeConverted_LeavesCuePointsAndLabelsAsTheyWere) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 24))
       .Chunk("data", RampBytes(9))
@@ -368,7 +368,7 @@ TEST_F(WavFileWrite, AWidthThatCannotBeConvertedLeavesCuePointsAndLabelsAlone) {
 }
 
 // The form is checked last: by then the infos hold what would have been written.
-TEST_F(WavFileWrite, AKindThatIsNotWrittenStillRegeneratesTheAnnotations) {
+TEST_F(WavFileWrite, KindThatIsNotWritten_StillRegeneratesTheAnnotations) {
   const C_WavObjectPtr file = AnnotatedSound();
   file->SetFileFormat(AUDIO_FILE_KESTREL);
   EXPECT_FALSE(Write(*file, m_folder.Path("none.wav")));
@@ -377,21 +377,21 @@ TEST_F(WavFileWrite, AKindThatIsNotWrittenStillRegeneratesTheAnnotations) {
   EXPECT_EQ(LabelsOf(*file).size(), 4u);
 }
 
-TEST_F(WavFileWrite, SignednessAloneMakesAConvertedCopy) {
+TEST_F(WavFileWrite, OtherSignedness_MakesAConvertedCopy) {
   const C_WavObjectPtr file =
       MakeSound(AUDIO_FILE_WAVE, 8000, 1, 8, 8, true, {0x80, 0xFF, 0x00, 0x7F});
   file->GetAudioCodecParam()->SetSampleBits(8, 8, false);
   EXPECT_EQ(ChunkNamed(Written(*file), "data"), (C_Bytes{0x00, 0x7F, 0x80, 0xFF}));
 }
 
-TEST_F(WavFileWrite, TheTextInfoIsNotWritten) {
+TEST_F(WavFileWrite, TextInfo_IsNotWritten) {
   const C_WavObjectPtr file = AnnotatedSound();
   void* pInfo = nullptr;
   ASSERT_TRUE(file->GetDataInfo(WAV_DATA_INFO_TEXT, &pInfo));
   EXPECT_EQ(ChunkNames(Written(*file)), (std::vector<std::string>{"fmt ", "data", "cue ", "LIST"}));
 }
 
-TEST_F(WavFileWrite, ConvertWritesThroughANewFileObjectOfTheKind) {
+TEST_F(WavFileWrite, Convert_WritesThroughANewFileObjectOfTheKind) {
   const C_WavObjectPtr file = AnnotatedSound();
   const C_Bytes wave = Written(*file);
   ASSERT_TRUE(file->Convert(AUDIO_FILE_VEMD, m_folder.Path("x.vemd").c_str(), true, false, nullptr,
@@ -404,7 +404,7 @@ TEST_F(WavFileWrite, ConvertWritesThroughANewFileObjectOfTheKind) {
   EXPECT_EQ(file->GetFileFormat(), AUDIO_FILE_WAVE);
 }
 
-TEST_F(WavFileWrite, ConvertToKindsThatCannotBeWrittenFails) {
+TEST_F(WavFileWrite, ConvertToKindsThatCannotBeWritten_Fails) {
   const C_WavObjectPtr file = AnnotatedSound();
   for (const unsigned int dwType : {0u, 1u, 31u, 37u, 0x1001u, 0xFFFFu}) {
     EXPECT_FALSE(file->Convert(static_cast<tagAudioFileType>(dwType), m_folder.Path("none").c_str(),
@@ -458,7 +458,7 @@ class WavFileDeathTest : public WavFileWrite {
 
 }  // namespace
 
-TEST_F(WavFileDeathTest, WriteNeedsCueAndListInfo) {
+TEST_F(WavFileDeathTest, Write_NeedsCueAndListInfo) {
   ASSERT_TRUE(Write(m_file, m_folder.Path("out.wav")));
   m_data.m_nMissing = WAV_DATA_INFO_CUE;
   EXPECT_DEATH(WriteNow(), R"(WaveFileLib/WavFile.*bRet && \(pICueInfo != NULL\))");
@@ -466,14 +466,14 @@ TEST_F(WavFileDeathTest, WriteNeedsCueAndListInfo) {
   EXPECT_DEATH(WriteNow(), R"(WaveFileLib/WavFile.*bRet && \(pIListInfo != NULL\))");
 }
 
-TEST_F(WavFileDeathTest, WriteNeedsSamplerAndExtraChunkInfo) {
+TEST_F(WavFileDeathTest, Write_NeedsSamplerAndExtraChunkInfo) {
   m_data.m_nMissing = WAV_DATA_INFO_SAMPLER;
   EXPECT_DEATH(WriteNow(), R"(WaveFileLib/WavFile.*bRet && \(pISamplerInfo != NULL\))");
   m_data.m_nMissing = WAV_DATA_INFO_EXTRA_CHUNK;
   EXPECT_DEATH(WriteNow(), R"(WaveFileLib/WavFile.*bRet && \(pIExtraChunkInfo != NULL\))");
 }
 
-TEST_F(WavFileDeathTest, WriteNeedsTheEventsAndEachOfThem) {
+TEST_F(WavFileDeathTest, Write_NeedsTheEventsAndEachOfThem) {
   m_data.m_pEventMgr = nullptr;
   EXPECT_DEATH(WriteNow(), "WriteFile: WaveFileLib/WavFile.*NULL != pIEventMgr");
   C_BrokenEventMgr broken;
@@ -484,7 +484,7 @@ TEST_F(WavFileDeathTest, WriteNeedsTheEventsAndEachOfThem) {
   EXPECT_DEATH(WriteNow(), "WaveFileLib/WavFile.*NULL != pIEvent\n");
 }
 
-TEST_F(WavFileDeathTest, WriteNeedsEachRange) {
+TEST_F(WavFileDeathTest, Write_NeedsEachRange) {
   m_data.m_silence.Add(nullptr);
   EXPECT_DEATH(WriteNow(), "WaveFileLib/WavFile.*NULL != piSilenceSegment");
   m_data.m_silence.RemoveAll();
@@ -492,13 +492,13 @@ TEST_F(WavFileDeathTest, WriteNeedsEachRange) {
   EXPECT_DEATH(WriteNow(), "WaveFileLib/WavFile.*NULL != piUncompressRegion");
 }
 
-TEST_F(WavFileDeathTest, WriteNeedsEachExtraChunk) {
+TEST_F(WavFileDeathTest, Write_NeedsEachExtraChunk) {
   auto& extra = static_cast<C_WavDataExtraChunkInfo&>(Extra(m_file));
   extra.Add(nullptr);
   EXPECT_DEATH(WriteNow(), "WaveFileLib/WavFile.*NULL != pIExtraChunk\n");
 }
 
-TEST_F(WavFileDeathTest, LoadNeedsTheEventManager) {
+TEST_F(WavFileDeathTest, Load_NeedsTheEventManager) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 5, 5}})).Chunk("LIST", AdtlBytes({LablBytes(1, "u_1_2")}));
   const std::string strPath = m_folder.Write("in.wav", riff.Take());
@@ -508,7 +508,7 @@ TEST_F(WavFileDeathTest, LoadNeedsTheEventManager) {
                "WaveFileLib/WavFile.*NULL != pIEventMgr");
 }
 
-TEST_F(WavFileWrite, LoadWithoutListOrCueInfoReadsNoAnnotations) {
+TEST_F(WavFileWrite, LoadWithoutListOrCueInfo_ReadsNoAnnotations) {
   C_RiffBytes riff = MonoWav(64);
   riff.Chunk("cue ", CueBytes({{1, 5, 5}})).Chunk("LIST", AdtlBytes({LablBytes(1, "u_1_2")}));
   const std::string strPath = m_folder.Write("in.wav", riff.Take());

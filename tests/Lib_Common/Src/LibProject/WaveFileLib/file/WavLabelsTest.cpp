@@ -46,7 +46,7 @@ TEST(WavLabels, LabelTexts_MeanWhatTheirLettersSay) {
   for (const S_Case& c : cases) EXPECT_EQ(ParseLabel(c.pszText), c.expected) << c.pszText;
 }
 
-TEST(WavLabels, TheOlderSingleNumberIsRead) {
+TEST(WavLabels, OlderSingleNumber_IsRead) {
   const S_Case cases[] = {
       {"e_196615", Event(3, 7)},
       {"chapter_one", Event(0, 0)},
@@ -63,7 +63,7 @@ TEST(WavLabels, TheOlderSingleNumberIsRead) {
   for (const S_Case& c : cases) EXPECT_EQ(ParseLabel(c.pszText), c.expected) << c.pszText;
 }
 
-TEST(WavLabels, RangesAreNamedExactly) {
+TEST(WavLabels, Ranges_AreNamedExactly) {
   EXPECT_EQ(ParseLabel("VX_Silence").eKind, S_LabelMeaning::Kind::Silence);
   EXPECT_EQ(ParseLabel("VX_PCM").eKind, S_LabelMeaning::Kind::Region);
   for (const char* pszText : {"VX_silence", "vx_PCM", "VX_PCM ", " VX_PCM", "VX_Silenc", "VX_PC"}) {
@@ -71,19 +71,19 @@ TEST(WavLabels, RangesAreNamedExactly) {
   }
 }
 
-TEST(WavLabels, AnyOtherTextMeansNothing) {
+TEST(WavLabels, AnyOtherText_MeansNothing) {
   for (const char* pszText :
        {"", "u_3", "u", "_", "__", "_e", "(65538,7)", "hello", "U_3_7", "E_5", "1_2_3", "_3_7u"}) {
     EXPECT_EQ(ParseLabel(pszText), kOther) << pszText;
   }
 }
 
-TEST(WavLabels, ACompletedEventWinsOverWhatFollows) {
+TEST(WavLabels, CompletedEvent_WinsOverWhatFollows) {
   EXPECT_EQ(ParseLabel("u_1_2e_9"), Event(1, 2));
   EXPECT_EQ(ParseLabel("e_9u_1_2"), Event(0, 9));
 }
 
-TEST(WavLabels, TheUnderscoresOfTwoNumbersAreTakenFirst) {
+TEST(WavLabels, UnderscoresOfTwoNumbers_AreTakenFirst) {
   // Once a "u" has been seen, the next two underscores belong to it, although an "e" is waiting for
   // one.
   EXPECT_EQ(ParseLabel("ue_4_5"), Event(4, 5));
@@ -93,7 +93,7 @@ TEST(WavLabels, TheUnderscoresOfTwoNumbersAreTakenFirst) {
   EXPECT_EQ(ParseLabel("e_u"), Event(0, 0));
 }
 
-TEST(WavLabels, AtMost31CharactersOfANumberAreRead) {
+TEST(WavLabels, LongNumbers_AreReadUpTo31Characters) {
   const std::string strZeros(30, '0');
   EXPECT_EQ(ParseLabel(("u_" + strZeros + "12_5").c_str()), Event(1, 5));
   EXPECT_EQ(ParseLabel(("u_5_" + strZeros + "12").c_str()), Event(5, 1));
@@ -101,7 +101,7 @@ TEST(WavLabels, AtMost31CharactersOfANumberAreRead) {
   EXPECT_EQ(ParseLabel(("u_" + strZeros + "7_5").c_str()), Event(7, 5));
 }
 
-TEST(WavLabels, NumbersBeyondEveryWidthAreDefined) {
+TEST(WavLabels, NumbersBeyondEveryWidth_AreDefined) {
   // Numbers stop at 2^63 - 1, whose low bits are all set.
   EXPECT_EQ(ParseLabel("u_9999999999999999999999999999999_1"), Event(65535, 1));
   EXPECT_EQ(ParseLabel("u_-9999999999999999999999999999999_1"), Event(0, 1));
@@ -109,12 +109,12 @@ TEST(WavLabels, NumbersBeyondEveryWidthAreDefined) {
   EXPECT_EQ(ParseLabel("e_99999999999"), Event(18550, 59391));  // low half of 0x17_4876E7FF
 }
 
-TEST(WavLabels, BytesAboveAsciiAreOrdinaryText) {
+TEST(WavLabels, BytesAboveAscii_AreOrdinaryText) {
   EXPECT_EQ(ParseLabel("\xC3\xBC_1_2"), kOther);
   EXPECT_EQ(ParseLabel("\xFFu\xFE_1\x80_2"), Event(1, 2));
 }
 
-TEST(WavLabels, EventLabelsReadBackAsWritten) {
+TEST(WavLabels, EventLabels_ReadBackAsWritten) {
   EXPECT_EQ(EventLabel(3, 7), "u_3_7");
   EXPECT_EQ(EventLabel(65535, 0), "u_65535_0");
   for (const unsigned int dwValue : {0u, 1u, 9u, 10u, 255u, 256u, 32767u, 32768u, 65535u}) {
@@ -136,7 +136,7 @@ class C_ListWithoutText : public C_WavDataListInfo {
 
 }  // namespace
 
-TEST(WavLabelsDeathTest, ALabelWithoutTextStopsTheProgram) {
+TEST(WavLabelsDeathTest, LabelWithoutText_StopsTheProgram) {
   C_WavData data;
   C_ListWithoutText list;
   C_WavDataCueInfo cues(data.GetWavInfo());
@@ -228,7 +228,7 @@ void LoadTwoAmongThree(C_WavData& data) {
 
 }  // namespace
 
-TEST(WavLabels, EventsOfAFileGoBehindThoseOfTheSameMoment) {
+TEST(WavLabels, EventsOfAFile_GoAfterThoseOfTheSameMoment) {
   constexpr const char* kExpected = "u_9_9@5 u_9_9@10 u_2_2@10 u_1_1@20 u_9_9@30 ";
   C_WavData data;
   LoadTwoAmongThree(data);
@@ -238,7 +238,7 @@ TEST(WavLabels, EventsOfAFileGoBehindThoseOfTheSameMoment) {
   EXPECT_EQ(EventsIn(foreign), kExpected);
 }
 
-TEST(WavLabels, HundredsOfThousandsOfEventsAtOneMomentJoinALaterOneInNoTime) {
+TEST(WavLabels, HundredsOfThousandsOfEventsAtOneMoment_JoinALaterOneInNoTime) {
   constexpr int kEvents = 200000;
   C_WavData data;
   I_EventTagMgr* pEvents = data.GetEventTagMgr();

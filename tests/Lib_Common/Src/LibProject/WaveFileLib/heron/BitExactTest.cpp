@@ -61,19 +61,19 @@ S_Sums SumsAt(int nSampleRate) {
   return {coded.Sum(), decoded.Sum()};
 }
 
-TEST(HeronBitExact, At8kHz) {
+TEST(HeronBitExact, Streams_ArePinnedAt8kHz) {
   const S_Sums sums = SumsAt(8000);
   EXPECT_EQ(sums.qwCoded, 0xF110E33AC77CD496u);
   EXPECT_EQ(sums.qwDecoded, 0x72C7D0355001BF0Au);
 }
 
-TEST(HeronBitExact, At11025Hz) {
+TEST(HeronBitExact, Streams_ArePinnedAt11025Hz) {
   const S_Sums sums = SumsAt(11025);
   EXPECT_EQ(sums.qwCoded, 0xDDD87A89450B8032u);
   EXPECT_EQ(sums.qwDecoded, 0x9D206C7E81FE160Eu);
 }
 
-TEST(HeronBitExact, At48kHz) {
+TEST(HeronBitExact, Streams_ArePinnedAt48kHz) {
   const S_Sums sums = SumsAt(48000);
   EXPECT_EQ(sums.qwCoded, 0x014EFC7C296B739Au);
   EXPECT_EQ(sums.qwDecoded, 0x57BCD385AC9E37CFu);

@@ -78,7 +78,7 @@ TEST(HeronEncoder, APass_TellsAfter32FramesAndTheLast) {
   EXPECT_EQ(heard, (std::vector<unsigned int>{32, 64, 70}));
 }
 
-TEST(HeronEncoder, WhatIsBehindTheEnd_CountsAsSilence) {
+TEST(HeronEncoder, SamplesAfterTheEnd_CountAsSilence) {
   S_Sound padded = TestVoice(1000);
   const S_Sound voice = padded;
   padded.resize(1120);  // seven frames
@@ -102,7 +102,7 @@ TEST(HeronDecoder, Open_TellsSamplesAndTheirFrames) {
   EXPECT_FALSE(C_Decoder::Open({}, 11025));
 }
 
-TEST(HeronDecoder, FramesBehindTheLast_AreRefusedInTheEnd) {
+TEST(HeronDecoder, FramesAfterTheLast_AreRefusedInTheEnd) {
   const S_Bytes coded = C_Encoder(TestVoice(1600), 8000).Encode(0, {});
   auto decoder = C_Decoder::Open(coded, 8000);
   ASSERT_TRUE(decoder);

@@ -66,7 +66,7 @@ TEST(HeronFixedPoint, QuartersOfAnOctave_AreRounded) {
   }
 }
 
-TEST(HeronLoudness, IsTheLogarithmOfTheMeanSquare) {
+TEST(HeronLoudness, Loudness_IsTheLogarithmOfTheMeanSquare) {
   EXPECT_EQ(Loudness(1000 * 320, 320), 2551);
   EXPECT_EQ(Loudness(std::uint64_t{1} << 40, 1024), 30 * 256);
   EXPECT_EQ(Loudness(1000, 1), 2551);

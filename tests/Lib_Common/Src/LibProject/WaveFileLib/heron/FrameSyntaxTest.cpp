@@ -72,7 +72,7 @@ void CheckRoundTrip(const std::vector<S_Frame>& frames) {
   EXPECT_GE(decoder.Unread(), 0);
 }
 
-TEST(HeronFrameCode, EveryStepIndex_ComesBackFromFramesOfItsOwn) {
+TEST(HeronFrameSyntax, EveryStepIndex_ComesBackFromFramesOfItsOwn) {
   C_Random random(1);
   for (int nIndex = 0; nIndex < kSteps; ++nIndex) {
     std::vector<S_Frame> frames;
@@ -83,7 +83,7 @@ TEST(HeronFrameCode, EveryStepIndex_ComesBackFromFramesOfItsOwn) {
   }
 }
 
-TEST(HeronFrameCode, EveryJumpOfTheStepIndex_ComesBack) {
+TEST(HeronFrameSyntax, EveryJumpOfTheStepIndex_ComesBack) {
   C_Random random(2);
   std::vector<S_Frame> frames;
   for (int nFrom = 0; nFrom < kSteps; nFrom += 3) {
@@ -95,7 +95,7 @@ TEST(HeronFrameCode, EveryJumpOfTheStepIndex_ComesBack) {
   CheckRoundTrip(frames);
 }
 
-TEST(HeronFrameCode, FramesOfEveryLength_ComeBack) {
+TEST(HeronFrameSyntax, FramesOfEveryLength_ComeBack) {
   C_Random random(3);
   for (const std::size_t nLength : {2u, 3u, 4u, 5u, 6u, 80u, 82u, 441u, 960u}) {
     std::vector<S_Frame> frames;
@@ -104,7 +104,7 @@ TEST(HeronFrameCode, FramesOfEveryLength_ComeBack) {
   }
 }
 
-TEST(HeronFrameCode, LoudFramesAtTheFinestStep_ComeBack) {
+TEST(HeronFrameSyntax, LoudFramesAtTheFinestStep_ComeBack) {
   for (const std::int32_t nLevel : {1 << 20, 1 << 24, (1 << 28) - 256}) {
     const S_Frame frame{S_Coefficients(80, nLevel), 0};
     const S_Frame negative{S_Coefficients(80, -nLevel), 0};
@@ -112,13 +112,13 @@ TEST(HeronFrameCode, LoudFramesAtTheFinestStep_ComeBack) {
   }
 }
 
-TEST(HeronFrameCode, Zeros_ComeBackAsZerosInFewBytes) {
+TEST(HeronFrameSyntax, Zeros_ComeBackAsZerosInFewBytes) {
   const std::vector<S_Frame> frames(100, S_Frame{S_Coefficients(160), 32});
   CheckRoundTrip(frames);
   EXPECT_LT(Write(frames).size(), 100u * 160u / 32u);
 }
 
-TEST(HeronFrameCode, WhatIsBelowAQuarterOfAStep_BecomesZero) {
+TEST(HeronFrameSyntax, CoefficientsBelowAQuarterOfAStep_BecomeZero) {
   const S_Frame frame{S_Coefficients(80, static_cast<std::int32_t>(HalfStep(32) * 256 / 2)), 32};
   const S_Bytes bytes = Write({frame});
   C_CodeReader decoder(bytes);
@@ -144,13 +144,13 @@ S_Bytes Escaped(std::uint32_t nIndex) {
   });
 }
 
-TEST(HeronFrameCode, EscapedIndicesFrom72_AreRefused) {
+TEST(HeronFrameSyntax, EscapedIndicesFrom72_AreRefused) {
   for (std::uint32_t nIndex = 0; nIndex < 128; ++nIndex) {
     EXPECT_EQ(ReadsIndex(Escaped(nIndex)), nIndex < 72) << nIndex;
   }
 }
 
-TEST(HeronFrameCode, DifferencesThatLeaveTheRange_AreRefused) {
+TEST(HeronFrameSyntax, DifferencesThatLeaveTheRange_AreRefused) {
   // Starts with a frame of two zeros at each index and applies each difference to it.
   for (const int nFrom : {0, 3, 14, 15, 16, 56, 57, 70, 71}) {
     for (std::size_t nSymbol = 0; nSymbol <= 30; ++nSymbol) {
@@ -168,7 +168,7 @@ TEST(HeronFrameCode, DifferencesThatLeaveTheRange_AreRefused) {
   }
 }
 
-TEST(HeronFrameCode, ACoefficientAboveTheLargest_IsRefused) {
+TEST(HeronFrameSyntax, ACoefficientAboveTheLargest_IsRefused) {
   // The coarsest step: the 77th multiple of its half step is too large. The levels are coded with
   // the first class.
   const auto withLevel = [](std::int32_t nLevel) {
@@ -192,7 +192,7 @@ TEST(HeronFrameCode, ACoefficientAboveTheLargest_IsRefused) {
   EXPECT_NEAR(read[0], nMost * 2 * HalfStep(kSteps - 1) * 256, 65536);
 }
 
-TEST(HeronFrameCode, AnyBytes_GiveCoefficientsWithinTheirLimit) {
+TEST(HeronFrameSyntax, AnyBytes_GiveCoefficientsWithinTheirLimit) {
   C_Random random(4);
   int nRead = 0;
   for (int n = 0; n < 20000; ++n) {

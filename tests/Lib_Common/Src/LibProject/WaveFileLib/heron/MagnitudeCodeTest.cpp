@@ -84,7 +84,7 @@ TEST(HeronMagnitudeClass, TheLargestExpectations_HaveOneToo) {
 
 // ---- levels
 
-TEST(HeronLevel, EveryOneInEveryClassAndBothQuantisers_ComesBackWithItsSign) {
+TEST(HeronLevel, EveryLevelOfEveryClassAndQuantiser_ComesBackWithItsSign) {
   for (std::size_t nQuantiser = 0; nQuantiser < 2; ++nQuantiser) {
     for (const std::int32_t nExpectation : Expectations()) {
       const S_MagnitudeClass magnitudeClass = ClassAt(nExpectation);
@@ -116,7 +116,7 @@ double BitsOf(std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass, st
   return 8 * static_cast<double>(bytes.size());
 }
 
-TEST(HeronLevelCost, IsWhatTheLevelTakes) {
+TEST(HeronLevelCost, Cost_IsWhatTheLevelTakes) {
   for (const std::int32_t nExpectation : {8, 15, 30, 100, 255, 511, 512, 5000, 100000}) {
     const S_MagnitudeClass magnitudeClass = ClassAt(nExpectation);
     for (std::size_t nQuantiser = 0; nQuantiser < 2; ++nQuantiser) {

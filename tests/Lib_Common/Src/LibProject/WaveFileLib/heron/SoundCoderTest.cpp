@@ -37,7 +37,7 @@ std::size_t MostBytes(std::size_t nSamples, int nBitDepth) {
 class HeronDepths : public testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(TwoToSix, HeronDepths, testing::Range(2, 7));
 
-TEST_P(HeronDepths, FillButDoNotExceedTheirBitsPerSample) {
+TEST_P(HeronDepths, Depths_FillButDoNotExceedTheirBitsPerSample) {
   const auto voice = TestVoice(24000);
   const std::size_t nMost = MostBytes(voice.size(), GetParam());
   const std::size_t nSize = Encode(voice, 16000, GetParam()).size() + kHeadBytes;
@@ -45,7 +45,7 @@ TEST_P(HeronDepths, FillButDoNotExceedTheirBitsPerSample) {
   EXPECT_GE(nSize, nMost - nMost / 128);
 }
 
-TEST_P(HeronDepths, GiveTheSoundBackInItsPlaceAndLength) {
+TEST_P(HeronDepths, Depths_ReturnTheSoundInItsPlaceAndLength) {
   // Twelve samples more than a whole number of frames.
   const auto voice = TestVoice(16012);
   const auto decoded = Decode(Encode(voice, 16000, GetParam()), 16000);
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(Hertz, HeronRates,
                          testing::Values(4000, 4001, 8000, 8117, 11025, 16000, 22050, 44100, 47950,
                                          48000));
 
-TEST_P(HeronRates, GiveAVoiceBack) {
+TEST_P(HeronRates, Rates_ReturnAVoice) {
   const auto voice = TestVoice(3333);
   for (const int nBitDepth : {2, 4, 6}) {
     const S_Bytes coded = Encode(voice, GetParam(), nBitDepth);
@@ -113,7 +113,7 @@ TEST_P(HeronRates, GiveAVoiceBack) {
   }
 }
 
-TEST_P(HeronRates, GiveAllSoundsBackWithinTheirSize) {
+TEST_P(HeronRates, Rates_ReturnAllSoundsWithinTheirSize) {
   for (const auto& [strName, samples] : test::SoundsOf(1500)) {
     const S_Bytes coded = Encode(samples, GetParam(), 3);
     EXPECT_EQ(Decode(coded, GetParam()).size(), samples.size()) << strName;
@@ -209,7 +209,7 @@ TEST(HeronSameness, EncodingTwice_GivesTheSameBytes) {
   EXPECT_EQ(Decode(coded, 11025), Decode(coded, 11025));
 }
 
-TEST(HeronSameness, ThreadsAtATime_GiveWhatEachGivesAlone) {
+TEST(HeronSameness, ConcurrentThreads_GiveWhatEachGivesByItself) {
   const S_Sound sounds[] = {TestVoice(8000), test::Noise(8000)};
   const S_Bytes alone[] = {Encode(sounds[0], 16000, 4), Encode(sounds[1], 8000, 2)};
   const S_Sound heard[] = {Decode(alone[0], 16000), Decode(alone[1], 8000)};

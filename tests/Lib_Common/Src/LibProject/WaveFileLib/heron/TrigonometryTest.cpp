@@ -69,7 +69,7 @@ TEST(HeronTrigonometry, PartsOfLargeWholes_AreWithinEightUnits) {
   }
 }
 
-TEST(HeronTrigonometry, ThePartOverAboveAWhole_CountsAlone) {
+TEST(HeronTrigonometry, PartAboveAWhole_IsAllThatCounts) {
   EXPECT_EQ(CirclePoint(std::int64_t{1} << 32, 3).nCosine, CirclePoint(1, 3).nCosine);
   EXPECT_EQ(CirclePoint(std::int64_t{1} << 32, 3).nSine, CirclePoint(1, 3).nSine);
 }

@@ -31,13 +31,13 @@ TEST(BitWriter, Fields_FollowWithoutGapsAcrossWords) {
   EXPECT_EQ(writer.BitsPut(), 42);
 }
 
-TEST(BitWriter, OnlyTheLowBitsOfAValueAreWritten) {
+TEST(BitWriter, Write_TakesOnlyTheLowBitsOfAValue) {
   std::array<std::uint16_t, 1> words{};
   C_BitWriter(words).Put(0xFFFFFFF0u, 4);
   EXPECT_EQ(words[0], 0);
 }
 
-TEST(BitWriter, ClearsWhatTheWordsHeld) {
+TEST(BitWriter, Writer_ClearsWhatTheWordsHeld) {
   std::array<std::uint16_t, 2> words = {0xFFFF, 0xFFFF};
   C_BitWriter(words).Put(0, 1);
   EXPECT_EQ(words[0], 0);
@@ -64,7 +64,7 @@ TEST(BitWriter, Padding_IsOnes) {
   EXPECT_EQ(words[1], 0xFFFF);
 }
 
-TEST(BitReader, ReadsBackWhatWasWritten) {
+TEST(BitReader, Reader_ReadsBackWhatWasWritten) {
   std::array<std::uint16_t, 3> words{};
   C_BitWriter writer(words);
   for (int nBits = 1; nBits <= 8; ++nBits) writer.Put(0x5Au >> (nBits % 3), nBits);

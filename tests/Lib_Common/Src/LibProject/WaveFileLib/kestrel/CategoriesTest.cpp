@@ -91,14 +91,14 @@ TEST(Categorise, EnvelopesOfAnyHeight_BalanceCodedRegionsOnly) {
   }
 }
 
-TEST(ApplyBalances, AppliesTheFirstOnesOnly) {
+TEST(ApplyBalances, Balances_AreAppliedToTheFirstOnesOnly) {
   S_Categorisation categorisation{};
   categorisation.balances = {3, 3, 5, 1};
   ApplyBalances(categorisation, 3);
   EXPECT_EQ(ToInts(categorisation.categories, 8), (std::vector{0, 0, 0, 2, 0, 1, 0, 0}));
 }
 
-TEST(RealCategory, IsTheNearestOfEight) {
+TEST(RealCategory, RealCategory_IsTheNearestOfEight) {
   EXPECT_EQ(RealCategory(-3), 0);
   EXPECT_EQ(RealCategory(0), 0);
   EXPECT_EQ(RealCategory(7), 7);

@@ -249,7 +249,7 @@ TEST(Decoder, Init_RestoresEverything) {
   }
 }
 
-TEST(Decoder, ReadsTheWordsOfAFrameAndNoMore) {
+TEST(Decoder, Decode_ReadsTheWordsOfAFrameAndNoMore) {
   C_Decoder a;
   C_Decoder b;
   a.Init(7200);

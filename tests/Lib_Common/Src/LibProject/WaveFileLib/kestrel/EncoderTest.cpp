@@ -41,7 +41,7 @@ TEST(Encoder, BeforeInit_RunsAt16000) {
   EXPECT_EQ(encoder.Configuration().nWordsPerFrame, 20);
 }
 
-TEST(Encoder, WritesTheWordsOfAFrameAndNoMore) {
+TEST(Encoder, Encode_WritesTheWordsOfAFrameAndNoMore) {
   C_Encoder encoder;
   encoder.Init(7200);
   S_Words words;

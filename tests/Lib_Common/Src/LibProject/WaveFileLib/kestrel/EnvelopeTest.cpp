@@ -78,7 +78,7 @@ TEST(RegionPower, FullScale_IsLimitedAndDoesNotOverflow) {
   EXPECT_EQ(RegionPower(Region(32767), 0), 27);
 }
 
-TEST(ShapeEnvelope, ValleysInFrontOfPeaks_AreRaisedToElevenBelow) {
+TEST(ShapeEnvelope, ValleysBeforePeaks_AreRaisedToElevenBelow) {
   S_Envelope envelope = {0, -15, 20, 3, 24, -10, -10, 22};
   ShapeEnvelope(envelope, 8);
   EXPECT_EQ(ToInts(envelope, 8), (std::vector{0, 9, 20, 13, 24, 0, 11, 22}));
@@ -138,7 +138,7 @@ TEST(ReadEnvelope, PastTheEnd_ReadsZerosAndEnds) {
   EXPECT_LT(reader.BitsLeft(), 0);
 }
 
-TEST(IsValidEnvelope, LooksAtCodedRegionsOnly) {
+TEST(IsValidEnvelope, Check_LooksAtCodedRegionsOnly) {
   S_Envelope envelope{};
   envelope[3] = -15;
   envelope[7] = 24;

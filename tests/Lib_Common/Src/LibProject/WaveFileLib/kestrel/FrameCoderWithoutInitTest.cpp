@@ -11,7 +11,7 @@
 namespace kestrel {
 namespace {
 
-TEST(FrameCoderWithoutInit, RunsAt16000) {
+TEST(FrameCoderWithoutInit, WithoutInit_RunsAt16000) {
   const auto speech = test::ReadSamples("speech.pcm");
   C_Encoder encoder;
   C_Decoder decoder;

@@ -40,7 +40,7 @@ TEST_P(RateControlAtRate, FramesOfSpeech_GiveTheirControl) {
 
 INSTANTIATE_TEST_SUITE_P(Rates, RateControlAtRate, testing::ValuesIn(test::kStageRates));
 
-TEST(RateControl, TooFewBits_EndsAtTheLastControlAboveWhatIsAvailable) {
+TEST(RateControl, TooFewBits_EndsAtTheLastControlAndExceedsTheBits) {
   const C_Stages stages(16000);
   const S_CodedFrame coded = CodeFrame(stages, 31, -11);
   EXPECT_EQ(coded.nControl, 15);

@@ -134,7 +134,7 @@ TEST_P(Rate, FramesOfZeros_AreSilent) {
   }
 }
 
-TEST_P(Rate, FramesOfOnes_AreHeardAndOneFrameOfZerosBehindRepeatsThem) {
+TEST_P(Rate, FramesOfOnes_AreHeardAndAFrameOfZerosAfterThemRepeatsThem) {
   for (int n = 0; n < 5; ++n) Decode(0xFFFF);
   EXPECT_NE(Decode(0), S_Frame{});
   Decode(0);
@@ -161,7 +161,7 @@ TEST_P(Rate, ExtremeSamples_EncodeAndDecode) {
 
 INSTANTIATE_TEST_SUITE_P(All, Rate, testing::ValuesIn(ReadRates()), NameOf);
 
-TEST(Rates, AreThirtyFive) {
+TEST(Rates, Rates_AreThirtyFive) {
   const auto rates = ReadRates();
   ASSERT_EQ(rates.size(), 35u);
   for (std::uint32_t n = 0; n < 35; ++n) EXPECT_EQ(rates[n].dwRate, 4800 + 800 * n);

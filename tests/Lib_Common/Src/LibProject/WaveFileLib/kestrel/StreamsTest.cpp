@@ -27,7 +27,7 @@ std::string NameOf(const testing::TestParamInfo<S_Stream>& info) { return info.p
 
 class EncodedStream : public testing::TestWithParam<S_Stream> {};
 
-TEST_P(EncodedStream, MatchesWordForWord) {
+TEST_P(EncodedStream, EncodedStream_MatchesWordForWord) {
   const S_Stream& stream = GetParam();
   const auto samples = ReadSamples(stream.input);
   const auto words = ReadWords(stream.name + ".bits");
@@ -48,7 +48,7 @@ INSTANTIATE_TEST_SUITE_P(All, EncodedStream, testing::ValuesIn(Encodable()), Nam
 
 class DecodedStream : public testing::TestWithParam<S_Stream> {};
 
-TEST_P(DecodedStream, MatchesSampleForSample) {
+TEST_P(DecodedStream, DecodedStream_MatchesSampleForSample) {
   const S_Stream& stream = GetParam();
   const auto words = ReadWords(stream.name + ".bits");
   ASSERT_EQ(words.size(), stream.nFrames * stream.nWordsPerFrame);
@@ -64,7 +64,7 @@ TEST_P(DecodedStream, MatchesSampleForSample) {
 
 INSTANTIATE_TEST_SUITE_P(All, DecodedStream, testing::ValuesIn(ReadStreams()), NameOf);
 
-TEST(Streams, AreAllThere) {
+TEST(Streams, Streams_AreAllThere) {
   EXPECT_EQ(Encodable().size(), 99u);
   EXPECT_EQ(ReadStreams().size(), 121u);
 }

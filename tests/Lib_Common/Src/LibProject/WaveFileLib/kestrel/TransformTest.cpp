@@ -84,7 +84,7 @@ TEST_P(InverseTransformAtRate, WholeFrame_GivesItsSamples) {
 
 INSTANTIATE_TEST_SUITE_P(Rates, InverseTransformAtRate, testing::ValuesIn(test::kStageRates));
 
-TEST(MagnitudeShift, FollowsTheLargestMagnitude) {
+TEST(MagnitudeShift, Shift_FollowsTheLargestMagnitude) {
   const auto shiftOf = [](std::int16_t nPeak) {
     S_Frame frame{};
     frame[7] = nPeak;
@@ -120,7 +120,7 @@ TEST(MagnitudeShift, LoudThroughout_LosesOneBit) {
   EXPECT_EQ(MagnitudeShift(half), -1);
 }
 
-TEST(ScaleUp, ShiftsLeftHalvesOrKeeps) {
+TEST(ScaleUp, ScaleUp_ShiftsLeftHalvesOrKeeps) {
   S_Frame frame = Filled(-3);
   ScaleUp(frame, 0);
   EXPECT_EQ(frame, Filled(-3));
@@ -131,7 +131,7 @@ TEST(ScaleUp, ShiftsLeftHalvesOrKeeps) {
   EXPECT_EQ(frame, Filled(-2));
 }
 
-TEST(ScaleDown, ShiftsRightDoublesOrKeeps) {
+TEST(ScaleDown, ScaleDown_ShiftsRightDoublesOrKeeps) {
   S_Frame frame = Filled(-5);
   ScaleDown(frame, 0);
   EXPECT_EQ(frame, Filled(-5));

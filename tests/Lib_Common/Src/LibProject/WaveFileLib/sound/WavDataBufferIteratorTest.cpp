@@ -157,7 +157,7 @@ TEST(WavDataBufferIterator, MostNegative32BitValue_IsStored) {
   EXPECT_EQ(sound.Bytes(), (C_Pcm{0xFF, 0xFF, 0xFF, 0x7F}));
 }
 
-TEST(WavDataBufferIterator, KeepsTheFormatThatItWasMadeWith) {
+TEST(WavDataBufferIterator, Iterator_KeepsTheFormatThatItWasMadeWith) {
   C_Sound sound = Stereo16({1, 2, 3, 4});
   sound.Info().SetChannels(1);
   C_WavDataBufferIterator mono = sound.At(1);

@@ -99,7 +99,7 @@ class WavDataConvert : public testing::Test {
 
 using C_Calls = std::vector<std::string>;
 
-TEST_F(WavDataConvert, AttachesWritesDetachesAndEndsTheFile) {
+TEST_F(WavDataConvert, Convert_AttachesWritesDetachesAndEndsTheFile) {
   m_sound.SetEncType(AUDIO_FILE_KESTREL);
   EXPECT_TRUE(Convert(AUDIO_FILE_VEMD));
   EXPECT_EQ(g_log.calls, (C_Calls{"make", "attach", "write", "detach", "destroy"}));
@@ -108,7 +108,7 @@ TEST_F(WavDataConvert, AttachesWritesDetachesAndEndsTheFile) {
   EXPECT_EQ(g_log.pAttached, &m_sound);
 }
 
-TEST_F(WavDataConvert, PassesEveryArgumentOn) {
+TEST_F(WavDataConvert, Convert_PassesEveryArgumentOn) {
   EXPECT_TRUE(Convert(AUDIO_FILE_WAVE));
   EXPECT_EQ(g_log.strFileName, "/some/file");
   EXPECT_TRUE(g_log.bEncode);
@@ -123,13 +123,13 @@ TEST_F(WavDataConvert, PassesEveryArgumentOn) {
   EXPECT_FALSE(g_log.bForceEncode);
 }
 
-TEST_F(WavDataConvert, IsFalseWhenTheFileCannotBeWritten) {
+TEST_F(WavDataConvert, Convert_IsFalseWhenTheFileCannotBeWritten) {
   g_bWrites = false;
   EXPECT_FALSE(Convert(AUDIO_FILE_WAVE));
   EXPECT_EQ(g_log.calls, (C_Calls{"make", "attach", "write", "detach", "destroy"}));
 }
 
-TEST_F(WavDataConvert, IsFalseForKindsThatCannotBeWritten) {
+TEST_F(WavDataConvert, Convert_IsFalseForKindsThatCannotBeWritten) {
   g_bMakes = false;
   EXPECT_FALSE(Convert(AUDIO_FILE_UNKNOWN));
   EXPECT_EQ(g_log.calls, (C_Calls{"make"}));
@@ -144,7 +144,7 @@ TEST_F(WavDataConvert, IsFalseWithoutSamples_AndMakesNoFile) {
   EXPECT_EQ(g_log.calls, C_Calls{});
 }
 
-TEST_F(WavDataConvert, LeavesTheSoundAndItsReferencesAlone) {
+TEST_F(WavDataConvert, Convert_LeavesTheSoundAndItsReferencesAsTheyWere) {
   auto* pSound = new C_WavData();
   SetSound(*pSound, {1, 2, 3});
   pSound->AddRef();
@@ -154,14 +154,14 @@ TEST_F(WavDataConvert, LeavesTheSoundAndItsReferencesAlone) {
   pSound->Release();
 }
 
-TEST_F(WavDataConvert, EndsTheFileWhenWritingThrows) {
+TEST_F(WavDataConvert, Convert_EndsTheFileWhenWritingThrows) {
   g_bThrows = true;
   EXPECT_THROW(Convert(AUDIO_FILE_WAVE), std::runtime_error);
   EXPECT_EQ(g_log.calls.back(), "destroy");
   EXPECT_EQ(ValuesOf(m_sound), (C_Values{1, 2, 3}));
 }
 
-TEST_F(WavDataConvert, WritesAttachedSamplesToo) {
+TEST_F(WavDataConvert, Convert_WritesAttachedSamplesToo) {
   std::vector<unsigned char> attached(4);
   m_sound.AttachBuffer(attached.data(), 4);
   EXPECT_TRUE(Convert(AUDIO_FILE_WAVE));
@@ -170,7 +170,7 @@ TEST_F(WavDataConvert, WritesAttachedSamplesToo) {
 
 }  // namespace
 
-std::unique_ptr<I_WavFile> MakeWavFile(tagAudioFileType eType, tagAudioFileType eEncodedType) {
+std::unique_ptr<I_WavFile> vcm::MakeWavFile(tagAudioFileType eType, tagAudioFileType eEncodedType) {
   g_log.calls.emplace_back("make");
   g_log.eType = eType;
   g_log.eEncodedType = eEncodedType;

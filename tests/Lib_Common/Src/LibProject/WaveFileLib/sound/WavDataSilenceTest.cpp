@@ -559,12 +559,12 @@ TEST(WavDataSilenceDeathTest, MuteOfANullSegment_StopsTheProgram) {
 }
 
 TEST(SampleRanges, Union_IsAscendingAndApart) {
-  const auto covered = UnionOfSampleRanges(
+  const auto covered = vcm::UnionOfSampleRanges(
       {{10, 20}, {5, 9}, {30, 29}, {40, 50}, {45, 47}, {0xFFFFFFFEu, 0xFFFFFFFFu}, {60, 60}});
   C_Ranges ranges;
-  for (const S_SampleRange& range : covered) ranges.emplace_back(range.dwStart, range.dwEnd);
+  for (const vcm::S_SampleRange& range : covered) ranges.emplace_back(range.dwStart, range.dwEnd);
   EXPECT_EQ(ranges, (C_Ranges{{5, 20}, {40, 50}, {60, 60}, {0xFFFFFFFEu, 0xFFFFFFFFu}}));
-  EXPECT_TRUE(UnionOfSampleRanges({}).empty());
+  EXPECT_TRUE(vcm::UnionOfSampleRanges({}).empty());
 }
 
 }  // namespace

@@ -224,7 +224,7 @@ TEST(WavData, AllocBuffer_OfNothing_HoldsSomething) {
   EXPECT_EQ(sound.GetBufferLength(), 0u);
 }
 
-TEST(WavData, SetBuffer_CopiesAndSetsTheLengthAlone) {
+TEST(WavData, SetBuffer_CopiesAndSetsOnlyTheLength) {
   C_WavData sound;
   sound.SetWavInfoData(8000, 0, 2, 12, 16, false);
   C_Pcm pcm{1, 2, 3, 4};

@@ -58,7 +58,7 @@ TEST(WavDataWidth, InexactNarrowing_StoresNegativeValuesOneStepLower) {
   EXPECT_EQ(BytesOf(*Converted({-256, -1}, kMono16, kMono8Unsigned, false)), (C_Pcm{0x7F, 0x80}));
 }
 
-TEST(WavDataWidth, Signedness_ChangesAlone) {
+TEST(WavDataWidth, Signedness_ChangesByItself) {
   EXPECT_EQ(BytesOf(*Converted({-128, 0, 127}, kMono8Unsigned, kMono8)), (C_Pcm{0x80, 0, 0x7F}));
   EXPECT_EQ(BytesOf(*Converted({-128, 0, 127}, kMono8, kMono8Unsigned)), (C_Pcm{0, 0x80, 0xFF}));
 }
