@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Compares what the Heron codec makes of the 16-bit mono WAV files in a folder with what other
-// coders make of them with the same number of bits, and prints a table of plain text. It also runs
-// one codec step by itself, for counting its instructions. bench/heron.sh runs both:
+// Compares the Heron codec with other coders, on the 16-bit mono WAV files in a folder and with the
+// same number of bits. Prints a table of plain text. It also runs one codec step by itself, for
+// counting its instructions. bench/heron.sh runs both:
 //
 //   bench/heron.sh FOLDER
 //
@@ -32,7 +32,8 @@
 
 namespace {
 
-// With its defaults, and set for the highest ratio: all effort, and no noise shaping.
+// WavPack with its defaults, and WavPack set for the highest ratio: full effort, and no noise
+// shaping.
 constexpr const char* kWavPack = "WavPack -b";
 constexpr const char* kWavPackBest = "WavPack -b -hhx6 -s0";
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Size arithmetic on values that come from files: computed in 64 bits, narrowed in one place.
+// Size arithmetic on values that come from files. It is done in 64 bits, and the result is narrowed
+// in one place.
 #pragma once
 
 #include <cstdint>

@@ -5,8 +5,8 @@
 // A failed assertion prints function, source, line and expression on standard error and aborts. The
 // place that asserts passes all four. Function and source are fixed names that support tools and
 // users' logs know, so they must survive every edit of the source. The line is fixed only where a
-// number is passed: callers know these lines by number, and they must survive every edit, too. All
-// other places pass __LINE__, which changes with the source.
+// number is passed: callers know these lines by number, so they must not change either. All other
+// places pass __LINE__, which changes with the source.
 #pragma once
 
 // Prints one line, "<function>: <source>:<line>: assertion failed: <text>", and aborts.

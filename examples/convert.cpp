@@ -61,7 +61,7 @@ int Usage() {
   return EXIT_FAILURE;
 }
 
-// 0 for a text that is no bit rate which Kestrel encodes at.
+// Returns 0 when the text is not a bit rate that Kestrel encodes at.
 unsigned int BitRateOf(std::string_view text) {
   unsigned int dwBitRate = 0;
   const char* const pEnd = text.data() + text.size();
@@ -104,7 +104,7 @@ int Run(const char* pszSource, const char* pszTarget, const char* pszBitRate) {
   const bool bDone = bKestrel ? ConvertToKestrel(pszSource, pszTarget, dwBitRate)
                               : ConvertToWav(pszSource, pszTarget);
   if (bDone) return EXIT_SUCCESS;
-  std::filesystem::remove(pszTarget, error);  // what a full disk has left
+  std::filesystem::remove(pszTarget, error);  // what a full disk left behind
   return Fail(std::string(pszTarget) + " could not be written");
 }
 

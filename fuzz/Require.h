@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// States what must hold. When it does not, the fuzzer stops, in every build, and so keeps the
+// States what must hold. When it does not hold, the fuzzer stops, in every build, and keeps the
 // input.
 #pragma once
 

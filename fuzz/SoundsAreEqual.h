@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Compares what a RIFF sound file carries of two sounds.
+// Compares the format, the PCM and the annotations of two sounds, as far as a RIFF sound file can
+// hold them.
 #pragma once
 
 #include <algorithm>

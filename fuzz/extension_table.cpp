@@ -32,7 +32,7 @@ int Expected(const std::string& strName) {
   for (const char c : strName.substr(nDot + 1)) {
     strKey += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
   }
-  if (strKey.size() != 4 || strKey.find('|', 1) != std::string::npos) return -1;
+  if (strKey.size() == 1 || strKey.find('|', 1) != std::string::npos) return -1;
   strKey += '|';
   if (strPlayed.find(strKey) != std::string::npos) return 0;
   return strDecoded.find(strKey) != std::string::npos ? 1 : -1;

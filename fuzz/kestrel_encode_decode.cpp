@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Encodes any samples at any of the eight rates and decodes them again: the number of frames is
-// right, and the same samples produce the same stream again.
+// Encodes any samples at any of the eight rates and decodes them again: the number of frames must
+// be right, and the same samples must produce the same stream again.
 //
 //   scripts/fuzz.sh 60 kestrel_encode_decode
 //

@@ -107,7 +107,7 @@ void AddCompressedWaves(C_Seeds& seeds) {
   }
 }
 
-// A cue point, a label and a text of the user's, with an identifier that an event will want as
+// A cue point, a label and a text of the user's, with an identifier that an event will need as
 // well.
 void AddMarkOfTheUser(I_WavData& sound) {
   void* pInfo = nullptr;
@@ -141,7 +141,8 @@ void AddChunks(C_Seeds& seeds) {
   }
 }
 
-// The form and widths, channels, rate and five counts, then the counted fields and the samples.
+// A description holds the form and widths, channels, rate and five counts, then the counted fields
+// and the samples.
 void AddDescriptions(C_Seeds& seeds) {
   for (std::uint8_t byForm = 0; byForm < 16; ++byForm) {
     Bytes description = {byForm, 2, 0x80, 0x3E, 0, 0, 2, 1, 1, 1, 1};
@@ -174,7 +175,8 @@ Bytes WithHeader(const Bytes& stream, tagAudioFileType eType = AUDIO_FILE_KESTRE
   return target.Bytes();
 }
 
-// The first byte of the coder's fuzzers chooses a rate; the rest is what they code.
+// In the input of the coder's fuzzers, the first byte chooses a rate, and the rest is what they
+// code.
 Bytes Chosen(std::size_t nChoice, std::span<const std::uint8_t> rest) {
   Bytes bytes = {static_cast<std::uint8_t>(nChoice)};
   bytes.insert(bytes.end(), rest.begin(), rest.end());

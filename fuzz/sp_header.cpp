@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Treats any bytes as a file with an SP header: recognised or not, cut anywhere, stripped and
-// copied.
+// Treats any bytes as a file that may have an SP header: reads the header, writes it to another
+// file and strips it.
 //
 //   scripts/fuzz.sh 60 sp_header
 #include <algorithm>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Writes and reads any sound with any annotations: nothing that a file carries is lost or changed.
+// Writes and reads any sound with any annotations: nothing that a file can hold may be lost or
+// changed.
 //
 //   cmake --preset fuzz && cmake --build --preset fuzz --target wav_write_read
 //   build/fuzz/bin/wav_write_read -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY

@@ -12,8 +12,8 @@ struct S_ComponentNames {
   std::string strUnit;
 };
 
-// A component together with a description: the one that it was looked up by, or its own. Owns
-// nothing.
+// A component together with a description: either the description that it was looked up by, or its
+// own. Owns nothing.
 class CAComponent {
  public:
   CAComponent() noexcept = default;

@@ -23,7 +23,7 @@ class CAXException : public std::exception {
   OSStatus m_nError;
 };
 
-// The one rule by which every status is tested: anything but zero throws, whatever its sign.
+// Every status is tested by this one rule: anything but zero throws, whatever its sign.
 inline void XThrowIfError(OSStatus nError, const char* pszOperation) {
   if (nError != noErr) throw CAXException(pszOperation, nError);
 }

@@ -19,12 +19,12 @@ struct S_Extension {
   unsigned char byNeedsDecoding;
 };
 
-constexpr std::array<S_Extension, 26> kExtensions = {{
+constexpr auto kExtensions = std::to_array<S_Extension>({
     {"MP3", 0}, {"WMA", 0}, {"WAV", 0}, {"MID", 0}, {"VEA", 0}, {"PLV", 1}, {"KST", 1},
     {"ROK", 1}, {"HRN", 1}, {"TRN", 1}, {"WRN", 1}, {"FNC", 1}, {"RBN", 1}, {"CRN", 1},
     {"IBS", 1}, {"EGR", 1}, {"DNL", 1}, {"NV4", 1}, {"NV5", 1}, {"MV4", 1}, {"MV5", 1},
     {"NVP", 1}, {"NVA", 1}, {"ADP", 1}, {"PCM", 1}, {"REF", 1},
-}};
+});
 
 const char* FindExt(const char* pszFileName) {
   const char* pszDot = std::strrchr(pszFileName, '.');

@@ -47,9 +47,9 @@ class I_Voxplay {
   // Before a file is opened it stores nothing and returns true. After that it returns false for
   // null. Throws.
   virtual bool SetNotify(PFN_VoxplayNotify pfnNotify, unsigned int dwUserData) = 0;  // 13
-  // All are true. The duration is 0 until a file is opened, the position until it is played. The
-  // progress is position divided by duration: it is not a number, or is infinite, while the
-  // duration is 0.
+  // All of these return true. The duration is 0 until a file is opened, the position until it is
+  // played. The progress is position divided by duration: it is not a number, or is infinite, while
+  // the duration is 0.
   virtual bool GetProgress(float* pfProgress) = 0;      // 14
   virtual bool GetDuration(int* pnSeconds) = 0;         // 15
   virtual bool GetDurationMs(int* pnMilliseconds) = 0;  // 16

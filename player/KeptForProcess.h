@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the player deliberately does not release, each thing with the reason. Everything in this
+// What the player deliberately does not release, with the reason for each item. Everything in this
 // list stays reachable until the process ends, so that leak checks stay sharp for everything else.
 // Safe to use from every thread.
 #pragma once

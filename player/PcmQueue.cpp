@@ -36,8 +36,8 @@ void C_PcmQueue::Read(void* pDestination, std::uint32_t cbWanted) {
   const std::uint32_t cbRest = GetCount() - cbTaken;
   if (cbTaken != 0) std::memcpy(pDestination, m_pbyBase, cbTaken);
   // Kept: every read moves the rest to the front through a copy and clears the whole block. That
-  // way the bytes after the held ones are silence, whoever looks at the block, and no index can go
-  // astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockAfterIt.
+  // way the bytes after the held ones are always silence, whichever code reads the block, and no
+  // index can go astray. Pinned by Read_MovesTheRestToTheBaseAndClearsTheBlockAfterIt.
   const auto rest = std::make_unique_for_overwrite<std::uint8_t[]>(cbRest);
   std::memcpy(rest.get(), m_pbyBase + cbTaken, cbRest);
   std::memset(m_pbyBase, 0, kBlockBytes);

@@ -26,7 +26,7 @@ class C_PcmQueue {
   void Write(const void* pData, std::uint32_t cbData);
 
   // Takes up to cbWanted bytes from the front. The rest of pDestination is left as it is. On an
-  // empty queue that is all of it, and Read does not wait for the lock.
+  // empty queue, Read changes nothing and does not wait for the lock.
   void Read(void* pDestination, std::uint32_t cbWanted);
 
   // Bytes held. Never waits.

@@ -109,8 +109,8 @@ void* DecodeThread(void* pArgument) {
   return nullptr;
 }
 
-// Kept: the thread is never joined. Everything that is wanted from it is in the queue when it says
-// that it has finished, and nobody waits for the thread itself to end. Pinned by
+// Kept: the thread is never joined. Everything that is needed from it is in the queue when it
+// reports that it has finished, and nobody waits for the thread itself to end. Pinned by
 // RealTimeMode_KeepsProbeUnitThreadAndDecodedFile.
 void StartDecoder(S_RealTimeDecoder* pDecoder) {
   pDecoder->byFinished.store(0, std::memory_order_release);
@@ -138,8 +138,9 @@ int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFile
   StartDecoder(pDecoder);
   usleep(kHeadStartMicroseconds);
   AudioOutputUnitStart(unit);
-  do usleep(kStepMicroseconds);
-  while (!IsDone(*pDecoder));
+  do {
+    usleep(kStepMicroseconds);
+  } while (!IsDone(*pDecoder));
   usleep(kTailMicroseconds);
   AudioOutputUnitStop(unit);
   AudioUnitUninitialize(unit);

@@ -28,7 +28,7 @@ int OpenFile(VoxplayLoader& loader, const char* pszFileName) {
               nOpened == I_Voxplay::kNotSupported ? kResultNotSupported : kResultDecodeFailed);
 }
 
-// Without the flush nobody would see the text before playback has ended.
+// Without the flush, the text would not appear before playback has ended.
 void Announce() {
   std::fputs("Playing...", stdout);
   std::fflush(stdout);

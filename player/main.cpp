@@ -73,9 +73,9 @@ int main(int argc, char* argv[]) {
     PrintUsage();
     return kExitFailed;
   }
-  // Where the size of files is limited, writing beyond the limit then fails as it does on a full
-  // disk, and the unfinished file is removed. The signal would end the program and leave that file
-  // behind.
+  // With the signal ignored, writing beyond a limit on the size of files fails as it does on a full
+  // disk, and the unfinished file is removed. Otherwise the signal would end the program and leave
+  // that file behind.
   static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   VoxplayLoader loader;
   int nExitCode = 0;

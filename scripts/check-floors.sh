@@ -39,7 +39,8 @@ for room in "${!floor[@]}"; do
   [[ -n ${peopled[$room]:-} ]] || fail "$table lists $room/, where no source stands"
 done
 
-# The folders that includes begin at. Programs of a wing look into their own first.
+# The folders in which an include is looked up, after the folder of the file itself and the top
+# folder that it is in.
 roots=(common "$library/WaveFileLib" "$library/FileUtil" platform platform/toolbox player fuzz tests/support)
 
 # Sets found to the files that an include of the file could mean.

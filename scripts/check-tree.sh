@@ -12,13 +12,11 @@ fail() {
 mapfile -d '' sources < <(scripts/sources.sh)
 mapfile -d '' code < <(find common Lib_Common platform player -name '*.cpp' -print0 -o -name '*.h' -print0)
 
-for folder in fuzz bench examples training; do
-  for file in "$folder"/*.cpp; do
-    [[ -e $file ]] || continue
-    stem=$(basename "$file" .cpp)
-    grep -qwF "$stem" "$folder/CMakeLists.txt" || fail "$file is not listed in $folder/CMakeLists.txt"
-  done
-done
+# What no target builds is never compiled, and a test that no program has never runs.
+cmake_lists=$(cat CMakeLists.txt $(find . -mindepth 2 -name CMakeLists.txt -not -path './build/*'))
+while IFS= read -r file; do
+  grep -qwF "$(basename "$file" .cpp)" <<<"$cmake_lists" || fail "$file is listed in no CMakeLists.txt"
+done < <(find common player platform fuzz bench examples training tests -name '*.cpp')
 while IFS= read -r -d '' file; do
   grep -qwF "${file#Lib_Common/Src/LibProject/}" Lib_Common/Src/LibProject/CMakeLists.txt ||
     fail "$file is not listed in Lib_Common/Src/LibProject/CMakeLists.txt"
@@ -32,7 +30,7 @@ while IFS= read -r file; do
 done < <(find . \( -path ./build -o -path ./.git \) -prune -o \
   \( -name CMakeLists.txt -o -name '*.cmake' -o -name '*.sh' -o -path ./.ci/run \) -type f -print)
 
-# Nothing in the surroundings of a process selects anything.
+# Nothing in the environment of a process may influence the code.
 if grep -nE '\b(secure_)?getenv\b' "${code[@]}"; then fail "the environment is read"; fi
 if grep -nE '\btemp_directory_path\b' "${code[@]}"; then fail "the environment chooses the temporary folder"; fi
 
@@ -65,7 +63,7 @@ while IFS= read -r line; do fail "$line: not named as an interface, class, recor
     grep -nHE '^(class|struct|enum) ' {} + |
     grep -vE ':class (\[\[.*\]\] |alignas\(.*\) )?[IC]_[A-Z]|:struct S_[A-Z]|:enum (tag[A-Z]|E_EventPosUnit)')
 while IFS= read -r file; do
-  # A pure interface: every virtual operation is "= 0", but for the destructor.
+  # A pure interface: every virtual operation is "= 0", except for the destructor.
   statements=$(sed 's|//.*||' "$file" | tr '\n' ' ' | grep -oE 'virtual [^;{]*[;{]' || true)
   if grep -vE '= 0;$|~I_[A-Za-z]+\(\) = default;$' <<<"$statements" | grep -q .; then
     fail "$file: an operation of an interface is not pure"
@@ -75,13 +73,13 @@ if grep -nE '\b(TODO|FIXME|XXX)\b' "${sources[@]}"; then fail "unfinished work i
 if grep -nE '\b(GTEST_SKIP|DISABLED_)' "${sources[@]}"; then fail "a test is switched off"; fi
 
 
-# What is the same everywhere, as far as clang-format and clang-tidy do not see to it.
+# What must be the same everywhere and is not checked by clang-format or clang-tidy.
 comparison='(EXPECT|ASSERT)_(EQ|NE|STREQ|STRNE|LT|LE|GT|GE|NEAR|DOUBLE_EQ|FLOAT_EQ)'
 constant="-?[0-9][0-9a-fA-FxXuUlL.']*|\"[^\"]*\"|'[^']+'|true|false|nullptr|noErr"
 if grep -nE "$comparison\(($constant), " "${sources[@]}"; then
   fail "an expectation expects the constant first; the actual value comes first"
 fi
-# A body on its own line has braces, and a short one without a comment stands on the line above.
+# A body on its own line has braces, and a short body without a comment is on the line above.
 if ! awk -v most=100 '
   function indent(line) { return match(line, /[^ ]/) }
   function is_head(line) {

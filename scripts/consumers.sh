@@ -11,7 +11,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install-deps.sh library
 jobs=$(nproc)
 
-# What the player's packages are found by is switched off.
+# Switches off both ways in which CMake finds the player's packages.
 cmake --preset library -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
 cmake --build --preset library --parallel "$jobs"
 

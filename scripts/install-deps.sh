@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Installs the Debian packages that building, testing or checking needs. Says and does nothing when
-# all of them are there.
+# Installs the Debian packages that building, testing or checking needs. Does nothing and prints
+# nothing when all of them are installed.
 #
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
-#   scripts/install-deps.sh bench    what builds the player, the benchmarks and what they compare with
+#   scripts/install-deps.sh bench    what builds the benchmarks and what they compare with
+#   scripts/install-deps.sh training what trains the Heron tables
 #   scripts/install-deps.sh coverage what the tests need and the coverage reporter
 set -euo pipefail
 
@@ -24,10 +25,11 @@ case "${1:-player}" in
   player) wanted=("${player[@]}") ;;
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
-  bench) wanted=("${player[@]}" libbenchmark-dev ffmpeg wavpack valgrind) ;;
+  bench) wanted=("${library[@]}" libbenchmark-dev ffmpeg wavpack valgrind) ;;
+  training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   *)
-    echo "usage: ${0##*/} [player|library|test|ci|bench|coverage]" >&2
+    echo "usage: ${0##*/} [player|library|test|ci|bench|training|coverage]" >&2
     exit 2
     ;;
 esac

@@ -3,8 +3,8 @@
 #
 # Makes the speech that the Heron tables were trained on, from the recorded prompts of Debian's
 # packages asterisk-core-sounds-{en,es,fr,it,ru}-{wav,g722} and asterisk-prompt-it-menardi-wav. The
-# 8 kHz files are copied as they are, the 16 kHz files are decoded from G.722. None of them is
-# committed.
+# 8 kHz files are copied as they are, the 16 kHz files are decoded from G.722 by ffmpeg. Install
+# these packages and ffmpeg first. None of the speech is committed.
 #
 #   training/make_speech.sh FOLDER     (FOLDER/8k/*.wav and FOLDER/16k/*.wav)
 set -euo pipefail
@@ -15,8 +15,8 @@ mkdir -p "$out/8k" "$out/16k"
 
 milliseconds() { echo $(($(stat -c %s "$1") / 16)); }
 
-# The English measurements of the codec use the first prompts in order that last 3 to 12 s, until
-# they add up to 110 s. These prompts are left out, in the other languages too.
+# The English measurements of the codec use prompts of 3 to 12 s, in the order of their names, until
+# they add up to 110 s. These prompts are left out here, in the other languages as well.
 measured=$(
   total=0
   cd "$sounds/en_US_f_Allison"

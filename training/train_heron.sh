@@ -7,17 +7,18 @@
 #
 #   training/train_heron.sh FOLDER...
 #
-# The tables in the tree were trained on what make_speech.sh makes.
+# The tables in the tree were trained on what make_speech.sh makes. Installs what it needs.
 set -euo pipefail
 (($#)) || { echo "usage: train_heron.sh FOLDER..." >&2; exit 2; }
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 tables=Lib_Common/Src/LibProject/WaveFileLib/heron/Tables.h
 mapfile -d '' sounds < <(find "$@" -name '*.wav' -print0 | LC_ALL=C sort -z)
 
+scripts/install-deps.sh training
 cmake --preset bench >/dev/null
 for round in 1 2 3; do
   cmake --build build/bench --parallel "$(nproc)" --target heron_tables >/dev/null
-  # The beginning of the file stays; everything after its last fixed line is made anew.
+  # The beginning of the file stays; everything after its last fixed line is written again.
   {
     sed '/^using S_MagnitudeFrequencies/q' "$tables"
     echo

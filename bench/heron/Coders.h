@@ -2,7 +2,7 @@
 //
 // The coders that the benchmark compares. Each is one call that takes a sound and returns the coded
 // size and the decoded sound. All throw std::runtime_error when the coder fails, when the decoded
-// sound lacks samples of the original or when it is not in time with it.
+// sound lacks samples of the original or when it is not aligned with the original.
 #pragma once
 
 #include <cstddef>

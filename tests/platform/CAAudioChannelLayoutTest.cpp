@@ -121,8 +121,8 @@ TEST(CAAudioChannelLayoutTest, BytesThatEndBeforeWhatTheyCount_AreNoLayout) {
   }
   EXPECT_FALSE(CAAudioChannelLayout::FromBytes(nullptr, 0).IsValid());
   EXPECT_FALSE(CAAudioChannelLayout::FromBytes(nullptr, 52).IsValid());
-  // Counts that need more bytes than there are. For most, the number of bytes does not fit 32 bits,
-  // and for some it would wrap to one that is there.
+  // Counts that need more bytes than there are. For most of them, the number of bytes does not fit
+  // in 32 bits, and for some it would wrap to a number of bytes that the layout does have.
   for (const UInt32 dwClaimed :
        {3U, 0x0CCCCCCDU, 0x33333334U, 0x40000000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
     EXPECT_FALSE(FromBytes(LayoutBytes(0, 0, dwClaimed, {kLeft, kPlaced})).IsValid()) << dwClaimed;

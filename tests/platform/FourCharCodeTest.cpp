@@ -34,8 +34,7 @@ TEST(FourCharCodeTest, CharactersStandInQuotes_EverythingElseInHex) {
 TEST(FourCharCodeTest, TheFirstByteDecides_TheOthersAreWrittenRaw) {
   EXPECT_EQ(TextOf(0x61010203), "'a\x01\x02\x03'");
   EXPECT_EQ(TextOf(0x617F80FF), "'a\x7F\x80\xFF'");
-  // A zero byte among them is written as well, and whoever reads the text as a C string stops
-  // there.
+  // A zero byte among them is written as well, and a C string ends there.
   std::array<char, kFourCharCodeRoom> text{};
   FourCharCodeText(0x61006200, text.data());
   EXPECT_EQ(std::string(text.data(), 7), std::string("'a\0b\0'\0", 7));

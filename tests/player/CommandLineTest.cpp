@@ -44,8 +44,7 @@ class CommandLine : public ::testing::Test {
     EXPECT_EQ(run.strOut, strOut) << arguments.at(0) << " " << arguments.at(1);
     EXPECT_EQ(run.nExit, nExit) << arguments.at(0) << " " << arguments.at(1);
   }
-  // Expects a file that cannot be played to fail in both modes that look at it, and to leave no
-  // file.
+  // Expects a file that cannot be played to fail in play types 0 and 2, and to leave no file.
   void ExpectFailure(const std::string& strPath, const char* pszMessage, int nLength) {
     ExpectRun({strPath, "0"}, pszMessage, 255);
     ExpectRun({strPath, "2"}, "Length:" + std::to_string(nLength) + "\n", 0);

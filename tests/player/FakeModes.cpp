@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Modes that do what their file name says ("-3": return that result; "throw"), for the entry point
-// by itself. Their player prints a line when it is released.
+// Modes that do what the file name says ("-3": return that result; "throw": throw), so that the
+// entry point can be tested by itself. Their player prints a line when it is released.
 #include <unistd.h>
 
 #include <cstdio>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// File names as they occur in practice, on every way that a file takes through the program: played
-// as it is, decoded first, and in real time with and without a header.
+// File names as they occur in practice, on every path that a file can take through the program:
+// played as it is, decoded first, and in real time with and without a header.
 #include <unistd.h>
 
 #include <filesystem>

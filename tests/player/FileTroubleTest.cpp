@@ -107,8 +107,7 @@ TEST_F(FileTrouble, FileThatWasDecodedFirst_IsNoLongerNeeded) {
                  0.3, 0ms);
 }
 
-// At that time the program may be about to look at the file, to copy it or to read it, or may be
-// done with it.
+// When the file changes, the program may be about to open, copy or read it, or may be done with it.
 TEST_F(FileTrouble, RealTimeModeOfAFileThatChanges_Finishes) {
   std::vector<std::future<void>> all;
   for (const auto wait : {0ms, 400ms}) {

@@ -41,8 +41,8 @@ class C_FilesTest : public ::testing::Test {
                           const Prepare& prepare = {}) const {
     return Beside(strPath, pszMode, prepare).get();
   }
-  // Expects a file that cannot be decoded: both modes that look at it say so, and real-time mode
-  // plays a second of silence.
+  // Expects a file that cannot be decoded: play types 0 and 2 report the failure, and real-time
+  // mode plays a second of silence.
   void ExpectUndecoded(const std::string& strPath, const Prepare& prepare = {}) const {
     auto normal = Beside(strPath, "0", prepare);
     auto length = Beside(strPath, "2", prepare);

@@ -35,7 +35,7 @@ void ExpectPlayed(std::future<S_Run> running) {
   EXPECT_EQ(run.nExit, 0);
 }
 
-// Whoever was playing when the server died plays on in silence. The next player is heard.
+// A player that was playing when the server died plays on in silence. The next player is heard.
 TEST_F(HeardServers, AServerThatIsKilledAndComesBack_IsHeardByTheNextPlayer) {
   const S_Speech speech = SpeechOf(100);
   const std::string strFile = m_folder.Write("x.kst", speech.file);

@@ -22,7 +22,7 @@ TEST_F(Heard, NormalModeOfSpeech_IsTheDecodedSoundConverted) {
               "file duration: 1.500000 secs\nPlaying...Finished\n", 1.5);
 }
 
-// Half a second before the sound, and half a second after it.
+// The program waits half a second before the sound and half a second after it.
 TEST_F(Heard, RealTimeModeOfSpeech_IsTheDecodedSoundItself) {
   const S_Speech speech = SpeechOf(75);
   C_SoundServer server(16000, "s16le", 1);

@@ -135,8 +135,8 @@ TEST_F(Interrupt, WhileDecoding_LeavesTheFileAsItWas) {
   EXPECT_EQ(m_temp.NewFiles().size(), 2U);
 }
 
-// The sound that was under way when the player stopped is still heard. What comes after it goes on
-// from there.
+// The sound that the service already held when the player was suspended is still heard. After that,
+// playback goes on from the same place.
 TEST_F(Interrupt, ASuspendedPlayer_PlaysOnWhereItWas) {
   const S_Speech speech = SpeechOf(75);
   const std::string strFile = m_folder.Write("x.kst", speech.file);

@@ -39,7 +39,7 @@ class RealTimePlayer : public ::testing::Test {
     m_library.Reset();
   }
   int Play(const std::string& strPath) { return PlayRealTime(this, &m_decoder, strPath.c_str()); }
-  // The probe answers, then the decoder delivers the bytes in pieces.
+  // The probe succeeds, and then the decoder delivers the bytes in pieces.
   void DecodesTo(const std::vector<UInt8>& bytes, unsigned int cbPiece) {
     m_library.onCreate = [bytes, cbPiece](const char* /*pszPath*/, PFN_DecodedData pfnData) {
       if (pfnData == nullptr) return;
@@ -51,8 +51,8 @@ class RealTimePlayer : public ::testing::Test {
       }
     };
   }
-  // Lets the head start last as long as the decoder takes (ten seconds at most). At its full length
-  // it would be long enough as well.
+  // Makes the head start last until the decoder has finished, for ten seconds at most. The fake
+  // toolbox shortens the pause; the real half second would be long enough.
   void WaitForTheDecoderInTheHeadStart() {
     m_toolbox.onPause = [this] {
       if (m_toolbox.Log().back() != "usleep(500000)" || m_toolbox.Find("AudioOutputUnit") >= 0) {
@@ -244,8 +244,8 @@ TEST_F(RealTimePlayer, NoName_IsAFileThatCannotBeDecoded) {
   EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
 }
 
-// The decoder thread may end after playback, when the player's part of the decoder may be gone. So
-// it says that it has finished before its format object ends.
+// The decoder thread may end after playback, when the data that it shares with the player may be
+// gone. So the thread sets its finished flag before its format object ends.
 TEST_F(RealTimePlayer, FinishedIsSet_BeforeTheDecodersFormatEnds) {
   std::atomic<std::thread::id> decoderThread;
   std::atomic<int> nFinished{-1};

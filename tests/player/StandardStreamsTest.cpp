@@ -62,8 +62,8 @@ bool AllLeadToTheNullDevice(pid_t nProcess, const Descriptors& descriptors) {
   });
 }
 
-// This holds at the latest when "Playing..." is printed: normal mode has its decoded file open by
-// then.
+// Standard output is closed, so the test cannot wait for "Playing..." to appear. It polls until the
+// null device has taken the place of every closed stream.
 TEST_F(StandardStreams, ThatAreClosed_AreNotReplacedByWhatThePlayerOpens) {
   for (const char* pszMode : {"0", "1"}) {
     for (const Descriptors& closed : {Descriptors{1}, Descriptors{0, 1}, Descriptors{0, 1, 2}}) {
@@ -98,7 +98,7 @@ TEST_F(StandardStreams, ThatAreClosed_ChangeNothingElse) {
   EXPECT_EQ(m_folder.Read("x.kst"), m_speech.file);
 }
 
-// As with every program in a pipeline, the first text that nobody will read ends it.
+// As in every pipeline, the first text that can no longer be read ends the program.
 TEST_F(StandardStreams, OutputThatNobodyReads_EndsThePlayerQuietly) {
   for (const char* pszMode : {"0", "1", "2"}) {
     const S_Run run = m_player.Start({m_strFile, pszMode}, {}, BreakOutput).Wait();

@@ -106,8 +106,8 @@ TEST_F(TempTrouble, Gone_NothingIsDecoded) {
   ExpectOnlyTheWavFilePlays();
 }
 
-// One page is free, or two, or three: each time, decoding fills the disk at a different point,
-// until everything fits the last time.
+// One page is free, then two, then three and so on. Each time, decoding fills the disk at a
+// different point, until finally everything fits.
 TEST_F(TempTrouble, FillingUpMeanwhile_LeavesNothingHalfWritten) {
   if (!m_temp.IsPrivate()) return;
   const std::size_t nSoundPages = (44 + m_speech.pcm.size() + m_nPage - 1) / m_nPage;
@@ -128,7 +128,7 @@ TEST_F(TempTrouble, FillingUpMeanwhile_LeavesNothingHalfWritten) {
   ExpectInputsUnharmed();
 }
 
-// The copy stays, as every copy does. There is no room for a header, so nothing of it is heard.
+// The copy stays, as every copy does. There is no room for a header, so nothing is heard.
 TEST_F(TempTrouble, RoomForTheCopyButNotForItsHeader_IsSilenceAndLeavesTheWholeCopy) {
   if (!m_temp.IsPrivate()) return;
   const C_MountedTemp temp("voxplay-test", "tmpfs", 0, SizeOfPages(1));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The player from play to release, and its position meanwhile.
+// The player from play to release, and its position while it plays.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -48,7 +48,7 @@ C_Bytes SilentWav(const S_Kind& kind, std::uint32_t dwRate, std::uint16_t wChann
 
 class WavKinds : public C_FilesTest {
  protected:
-  // Plays every fourth rate, each with another number of channels, all at the same time. 1600
+  // Plays every fourth rate, each with a different number of channels, all at the same time. 1600
   // frames count as 0.1 s.
   void PlayAtRates(const S_Kind& kind, std::size_t nFirst) {
     std::vector<std::future<S_Run>> runs;

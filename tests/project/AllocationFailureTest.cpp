@@ -41,7 +41,8 @@ bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn) {
     EXPECT_TRUE(operation.Run());
     EXPECT_TRUE(operation.IsWhole());
   }
-  // Everything has been done once more by now, so only what lived before may live.
+  // Preparing again releases everything that the run made, so the number of living allocations must
+  // be the same as before the run.
   operation.Prepare();
   EXPECT_EQ(C_FaultyNew::Living(), nLiving);
   return faults.WasHit();

@@ -30,7 +30,9 @@ C_SpHeader HeaderOf(tagAudioFileType eType) {
 }
 C_SpHeader KestrelHeader() { return HeaderOf(AUDIO_FILE_KESTREL); }
 
-bool IsRiff(tagAudioFileType eType) { return eType == AUDIO_FILE_WAVE || eType == AUDIO_FILE_VEMD; }
+bool OpensAsWritten(tagAudioFileType eType) {
+  return eType == AUDIO_FILE_WAVE || eType == AUDIO_FILE_VEMD;
+}
 
 C_SoundPtr AnnotatedSound(std::size_t nFrames = kFrames) {
   C_SoundPtr sound = ExampleSound({}, nFrames);
@@ -60,7 +62,7 @@ Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
   const C_TempFolder folder;
   const std::string strPath = folder.Path("made");
   if (!Write(sound, eType, strPath)) std::abort();
-  if (!IsRiff(eType) && !PrependSpHeader(HeaderOf(eType), strPath.c_str())) std::abort();
+  if (!OpensAsWritten(eType) && !PrependSpHeader(HeaderOf(eType), strPath.c_str())) std::abort();
   return folder.Read("made");
 }
 
@@ -81,7 +83,7 @@ class C_LoadOperation : public C_SweptOperation {
     return m_file != nullptr;
   }
   bool IsWhole() override { return Pcm() == m_pcm && Events() == m_nEvents; }
-  // Never more than the file has. Samples whose bytes could not be read are silent.
+  // The sound never has more than the file. Samples whose bytes could not be read are silent.
   bool IsCutShort() override { return Pcm().size() <= m_pcm.size() && Events() <= m_nEvents; }
 
  private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The operations of the library that touch files, in a form in which each can be made to fail at
-// every step: prepare, run, look at the result.
+// The operations of the library that touch files, in a form that lets each of them fail at every
+// step: prepare, run, examine the result.
 #pragma once
 
 #include <cstdint>
@@ -19,9 +19,9 @@ class C_SweptOperation {
   C_SweptOperation(const C_SweptOperation&) = delete;
   C_SweptOperation& operator=(const C_SweptOperation&) = delete;
 
-  // Makes the source new, and leaves no target and nothing from the run before.
+  // Writes the source again, and removes the target and everything else that the previous run left.
   void Prepare();
-  // Only the operation itself, with nothing of the test's own.
+  // Performs the operation and nothing else.
   virtual bool Run() = 0;
   // After a Run that returned true: whether all of it was done.
   virtual bool IsWhole() = 0;

@@ -44,6 +44,9 @@ expect "a platform that knows the library" "the platform knows the library" plat
 echo '#include "WavInfos.h"' >>"$wave/sound/WavInfo.cpp"
 expect "an include of a file that does not exist" '"WavInfos.h" is no file of ours' "$wave/sound/WavInfo.cpp"
 
+printf '// SPDX-License-Identifier: Apache-2.0\n' >tests/common/LostTest.cpp
+expect "a test that no program has" "tests/common/LostTest.cpp is listed in no CMakeLists.txt" tests/common/LostTest.cpp
+
 mkdir "$wave/attic"
 printf '// SPDX-License-Identifier: Apache-2.0\n#pragma once\n' >"$wave/attic/Old.h"
 expect "a room that is not in the table" "$wave/attic/ is not in the table of floors" "$wave/attic"

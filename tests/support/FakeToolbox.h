@@ -21,7 +21,7 @@ class C_FakeToolbox {
   // The object that the calls go to.
   static C_FakeToolbox& Get();
 
-  // Makes everything as it was before the first call.
+  // Restores the state before the first call.
   void Reset();
 
   // What was called so far, one line for each call: "AUGraphStart(graph1)". The same pause several
@@ -57,8 +57,8 @@ class C_FakeToolbox {
   std::string strComponentName = "Fakes: Some Unit";
   AudioComponentDescription componentDescription{};
 
-  // What the output unit was given, and what it pulled while it ran, in slices of cbSlice bytes
-  // that hold bySliceFill when they are handed out.
+  // The callback that the output unit was given, and the bytes that the unit pulled while it ran.
+  // It pulls slices of cbSlice bytes, which are filled with bySliceFill beforehand.
   AURenderCallbackStruct renderCallback{};
   UInt32 cbSlice = 3200;
   UInt8 bySliceFill = 0;

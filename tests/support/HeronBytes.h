@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Builds Heron streams with whatever lie a test needs. Codes with the codec, and with the bare
-// frame coder as the measure for what the codec makes of a whole sound.
+// Builds Heron streams with whatever false claim a test needs. Also encodes and decodes with the
+// codec, and with the bare frame coder as the reference for the codec.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -38,14 +38,14 @@ inline std::string NameOf(const testing::TestParamInfo<S_Kind>& info) {
   return "Heron" + std::to_string(info.param.nBitDepth) + "Bit";
 }
 
-// What the frame coder makes of the samples, without the head.
+// The samples as the frame coder encodes them, without the head.
 inline Bytes Coded(const std::vector<short>& samples, int nSampleRate, int nBitDepth) {
   Bytes coded;
   EXPECT_TRUE(heron::EncodeSamples(samples, nSampleRate, nBitDepth, &coded, {}));
   return coded;
 }
 
-// What the codec makes of a sound; empty when it refuses.
+// The stream that the codec encodes a sound to; empty when it refuses.
 inline std::optional<Bytes> Encoded(I_WavData& sound, unsigned int dwTypeCode,
                                     PFN_CodecProgress pfnProgress = nullptr) {
   C_HeronCodec codec;
@@ -83,12 +83,13 @@ class C_HeronBytes {
 
   C_HeronBytes& Mode(std::uint8_t byMode) { return m_byMode = byMode, *this; }
   C_HeronBytes& Coded(const Bytes& coded) { return m_coded = coded, *this; }
-  // The events follow the audio; the head says where, unless it is told otherwise.
+  // The events follow the audio. The head says where they begin, unless Offset is called
+  // afterwards.
   C_HeronBytes& Events(const Bytes& events) {
     m_events = events;
     return Offset(static_cast<std::uint32_t>(4 + m_coded.size()));
   }
-  // What the head says, instead of the truth.
+  // Makes the head claim this offset instead of the true one.
   C_HeronBytes& Offset(std::uint32_t dwOffset) { return m_dwOffset = dwOffset, *this; }
 
   [[nodiscard]] Bytes Take() const {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Builds Kestrel streams frame by frame, with whatever lie a test needs. Decodes and encodes with
-// the bare frame coder, as the measure for what the codec makes of a whole stream.
+// Builds Kestrel streams frame by frame, with whatever false claim a test needs. Also decodes and
+// encodes with the bare frame coder, as the reference for the codec.
 #pragma once
 
 #include <array>
@@ -69,7 +69,7 @@ class C_KestrelBytes {
     m_words.insert(m_words.end(), words.begin(), words.end());
     return *this;
   }
-  // What the length field says, instead of the truth.
+  // Makes the length field claim this number instead of the true one.
   C_KestrelBytes& Claim(std::uint32_t dwClaim) { return m_claim = {dwClaim}, *this; }
 
   [[nodiscard]] const std::vector<std::uint16_t>& GetWords() const { return m_words; }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The file-player unit without a device. Returns what it would send to one, frame by frame.
+// The file-player unit without a device. Returns the frames that it would send to a device.
 #pragma once
 
 #include <algorithm>

@@ -86,7 +86,7 @@ void C_PipeWireServer::WriteConfiguration() const {
   WriteText(Path("main.lua.d/player.lua"), kManagerScript);
 }
 
-// The later programs give up when they do not find the first.
+// The programs that start later give up when they do not find the first one.
 void C_PipeWireServer::LaunchAll() {
   WriteConfiguration();
   std::filesystem::remove(Path("pipewire-0"));

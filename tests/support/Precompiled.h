@@ -2,7 +2,7 @@
 #pragma once
 
 // What most tests spend their compile time on, compiled once for all of them. Only the build reads
-// this: each test still includes what it uses. The sanitizers' build, which goes without this
+// this: each test still includes what it uses. The sanitizers' build, which does not use this
 // header, makes sure of that.
 
 #include <gmock/gmock.h>

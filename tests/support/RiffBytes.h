@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RIFF files in memory, lies included: C_RiffBytes("WAVE").Chunk("cue ", 0xFFFFFFFFu, {1,
-// 0}).Take()
+// Builds RIFF files in memory, with false claims where a test needs them:
+//   C_RiffBytes("WAVE").Chunk("cue ", 0xFFFFFFFFu, {1, 0}).Take()
 #pragma once
 
 #include <cstdint>

@@ -27,8 +27,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A busy machine makes the service miss a beat now and then. Gaps in every recording are no
-// coincidence.
+// On a busy machine the service falls behind now and then. Gaps in every one of the recordings are
+// a real fault.
 constexpr int kTries = 5;
 constexpr auto kPoll = 10ms;
 constexpr auto kPatience = 15s;

@@ -2,8 +2,8 @@
 //
 // Watches what a piece of a test does in the directory for temporary files. The piece runs in a
 // process with a temporary directory of its own, so that other tests do not show. Where the system
-// does not grant one, it runs in the real directory. There, files of other tests may be counted as
-// created, and it waits for files of others that are left to go.
+// does not allow that, the piece runs in the real directory. Files of other tests may then be
+// counted as created, so the watch waits up to five seconds for the remaining files to disappear.
 #pragma once
 
 #include <gtest/gtest.h>

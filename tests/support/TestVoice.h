@@ -32,7 +32,7 @@ inline std::vector<short> TestVoice(std::size_t dwSamples) {
   return samples;
 }
 
-// How alike a and b are when b is read nLag samples later: 1 for the same shape, 0 for none.
+// How alike a and b are when b is read nLag samples later: 1 for the same shape, 0 for no likeness.
 inline double Likeness(const std::vector<short>& a, const std::vector<short>& b, int nLag) {
   double dProduct = 0.0;
   double dPowerA = 0.0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Calls virtual functions by their place in the table, like callers that were compiled against
+// Calls virtual functions by their place in the table, as callers do that were compiled against
 // another version of a header. The order of an interface is part of the interface.
 //
 // Slots count from 0 in order of declaration. A virtual destructor takes two slots (complete,

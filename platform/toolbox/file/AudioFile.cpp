@@ -32,7 +32,8 @@ OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>
 }
 
 OSStatus C_AudioFile::OpenContent() {
-  // An MPEG stream has no beginning of its own, so it is looked for in files that are nothing else.
+  // An MPEG stream has no signature at its start, so only files of no other known kind are searched
+  // for one.
   return IsKnownSound(m_descriptor) ? OpenSound() : OpenMpeg();
 }
 
@@ -69,8 +70,8 @@ bool C_AudioFile::OpenDecoder() {
   return m_pSound != nullptr;
 }
 
-// A file that was cut, or that lies, claims frames that can never be decoded, and whoever waits for
-// its end would wait for those frames.
+// A file that was cut short or damaged may claim frames that can never be decoded, and a player
+// that waits for its end would wait for those frames.
 bool C_AudioFile::HasItsLastFrame() {
   if (m_info.frames == 0) return true;
   std::vector<float> frame(static_cast<std::size_t>(m_info.channels));
@@ -97,7 +98,7 @@ std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pS
     m_nPosition = sf_seek(m_pSound.get(), nFrom, SEEK_SET);
     if (m_nPosition != nFrom) return 0;
   }
-  // Otherwise block decoders would repeat the last block that they got.
+  // Past the end of a file that was cut, block decoders would repeat the last block that they got.
   if (m_descriptor.IsCutBeforeOffset()) return 0;
   const sf_count_t nRead =
       sf_readf_float(m_pSound.get(), pSamples, static_cast<sf_count_t>(nFrames));

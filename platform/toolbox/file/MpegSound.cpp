@@ -92,7 +92,7 @@ bool C_MpegSound::FixFormat() {
          mpg123_format(m_pMpeg.get(), nRate, nChannels, nEncoding) == MPG123_OK;
 }
 
-// Moves the position, so the object that proves the stream is not the one that plays it.
+// Moves the position, so one object proves the stream and another object plays it.
 bool C_MpegSound::FindsProof() {
   if (!OpenStream() || !FixFormat()) return false;
   off_t nNext = -1;

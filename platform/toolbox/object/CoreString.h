@@ -8,8 +8,8 @@
 
 #include "object/CoreObject.h"
 
-// What a CFStringRef points to: text in well-formed UTF-8. Whoever gets it from a call with "Copy"
-// in its name owns it until `CFRelease`.
+// What a CFStringRef points to: text in well-formed UTF-8. A caller that gets it from a call with
+// "Copy" in its name owns it until `CFRelease`.
 struct OpaqueCFString final : toolbox::C_CoreObject {
   explicit OpaqueCFString(std::string strUtf8) : text(std::move(strUtf8)) {}
   std::string text;

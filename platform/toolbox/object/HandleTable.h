@@ -9,8 +9,8 @@
 namespace toolbox {
 
 // The live objects behind the handles that callers hold. A handle is a number that is never used
-// twice, so a stale or invented handle finds nothing instead of reaching freed memory. Whoever
-// finds an object keeps it alive while using it. Safe to use from several threads.
+// twice, so a stale or invented handle finds nothing instead of reaching freed memory. A caller
+// that finds an object keeps it alive while using it. Safe to use from several threads.
 template <typename Handle, typename T>
 class C_HandleTable {
  public:

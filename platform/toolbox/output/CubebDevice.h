@@ -7,10 +7,6 @@
 
 namespace toolbox {
 
-// How long an audio service may take to answer, or to ask for frames while it plays, before it
-// counts as absent.
-inline constexpr std::chrono::milliseconds kServiceAnswerLimit{5000};
-
 // Opens the machine's default output. Null when there is no service, no device, or no answer within
 // `limit`. A device whose service is silent for `limit` is lost, and none of its operations takes
 // much longer than that. Whatever the service still holds of a lost device stays with a helper

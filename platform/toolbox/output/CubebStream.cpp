@@ -14,7 +14,8 @@ constexpr UInt32 kLatencyMs = 100;
 constexpr UInt32 kLongLatencyMs = 400;
 // The service holds at most the latency; this extra time covers what the device itself still holds.
 constexpr UInt32 kExtraPlayOutMs = 50;
-// How much longer than that a busy service may take to ask for the zeros.
+// How much longer than the latency and this extra time a busy service may take to ask for the
+// zeros.
 constexpr std::chrono::seconds kPlayOutPatience{1};
 constexpr std::chrono::milliseconds kPlayOutPoll{2};
 

@@ -8,6 +8,7 @@
 namespace toolbox {
 namespace {
 
+// Gives OpenCubebDevice, which has another parameter, the form of the list.
 std::unique_ptr<I_OutputDevice> OpenCubeb(const S_OutputFormat& format, I_DeviceClient& client) {
   return OpenCubebDevice(format, client);
 }

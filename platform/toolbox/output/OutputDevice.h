@@ -3,6 +3,7 @@
 
 #include <AudioToolbox/BaseTypes.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -35,7 +36,17 @@ class I_DeviceClient {
   ~I_DeviceClient() = default;
 };
 
+// How long an audio service may take to answer, or to ask for frames while it plays, before it
+// counts as absent.
+inline constexpr std::chrono::milliseconds kServiceAnswerLimit{5000};
+
 // An open device. It plays between `Start` and `Stop`, and can be started again.
+//
+// While it plays it asks for frames at the rate of the format, from one thread of its own, because
+// the client measures time by them. The client calls `Start`, `Stop` and the destructor, never two
+// of them at once. A device that fails calls `DeviceLost` once, with no lock held; this can happen
+// while `Stop` waits. It then asks for no more frames, and `Stop` need not follow. The destructor
+// ends the thread.
 class I_OutputDevice {
  public:
   virtual ~I_OutputDevice() = default;

@@ -67,7 +67,8 @@ class C_RiffChunk : public I_RiffChunk {
   unsigned int GetDataLength() override { return m_dwSize; }
   // The first call reads the whole payload; later calls copy from memory. False when the size is 0,
   // when the range goes past the end of the payload, and when there is neither a payload nor an
-  // open file. A call whose read fails is false too; the calls after it give zeros.
+  // open file. A call that fails to read the payload also returns false; the calls after it succeed
+  // and give zeros.
   bool GetData(void* pDst, unsigned int dwLength, unsigned int dwOffset) override;
   void SetData(const void* pSrc) override;
 
@@ -83,7 +84,7 @@ class C_RiffChunk : public I_RiffChunk {
   // Appends the payload's chunks to the sub-chunk list. False without an open file.
   bool LoadSubChunks();
   // Writes the payload: its bytes if they are in memory, zeros if reading them has failed, and
-  // otherwise the sub-chunks, of which there may be none.
+  // otherwise the sub-chunks, if there are any.
   bool WriteData(std::FILE* pFile);
   // Writes the header and the payload, and remembers the position of the payload.
   bool Write(std::FILE* pFile);
@@ -101,9 +102,9 @@ class C_RiffChunk : public I_RiffChunk {
 };
 
 // One file. It is closed after construction, after SafeCloseFile and Save, and after an Open that
-// failed. To read: call Open, then use the chunks wanted. Payloads that were not read before the
-// file is closed are lost. To write: call AddChunk for each chunk in file order, SetData on each,
-// then Save.
+// failed. To read a file, call Open and then use its chunks. Payloads that were not read before the
+// file is closed are lost. To write a file, call AddChunk and then SetData for each chunk in file
+// order, and finally Save.
 class C_RiffFile {
  public:
   C_RiffFile() = default;

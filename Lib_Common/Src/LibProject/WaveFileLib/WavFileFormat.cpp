@@ -24,10 +24,12 @@ struct S_FormatCheck {
   bool (C_WavFileFormat::*pfnCheck)(const char* pszFileName);
 };
 
-// Kept: there is one row, although its check accepts the form "VEMD" too. Such a file is reported
+// The kinds that detection finds in files without an SP header.
+//
+// Kept: VEMD has no row, because the check of WAVE accepts that form too. Such a file is reported
 // as a WAVE file here, and as VEMD by its own object. Pinned by VemdFile_IsAWaveFileToDetection.
-constexpr std::array<S_FormatCheck, 1> kFormatChecks = {
-    {{AUDIO_FILE_WAVE, &C_WavFileFormat::IsWavFile}}};
+constexpr auto kFormatChecks =
+    std::to_array<S_FormatCheck>({{AUDIO_FILE_WAVE, &C_WavFileFormat::IsWavFile}});
 
 template <typename File>
 I_WavFile* Open(const char* pszFileName, bool bLoadData, bool bKeepEncoded,
@@ -52,7 +54,7 @@ std::unique_ptr<I_WavFile> MakeCodecFile(tagAudioFileType /*eType*/,
   return file;
 }
 
-// A kind of file that can be written, and the class that stands for it.
+// A kind of file that can be written, and the class that handles it.
 struct S_FileClass {
   tagAudioFileType eType;
   // Opens a file with the class; null for a kind whose class has an earlier row.
@@ -63,7 +65,7 @@ struct S_FileClass {
 
 // The classes are tried from top to bottom, and the order matters: RIFF sound files are opened
 // before any codec is asked, and the first Heron class takes every Heron file.
-constexpr std::array<S_FileClass, 8> kFileClasses = {{
+constexpr auto kFileClasses = std::to_array<S_FileClass>({
     {AUDIO_FILE_WAVE, &Open<C_WavFile>, &MakeRiffFile},
     {AUDIO_FILE_VEMD, nullptr, &MakeRiffFile},
     {AUDIO_FILE_HERON_4BIT, &Open<C_Heron4BitFile>, &MakeCodecFile<C_Heron4BitFile>},
@@ -72,7 +74,7 @@ constexpr std::array<S_FileClass, 8> kFileClasses = {{
     {AUDIO_FILE_HERON_2BIT, &Open<C_Heron2BitFile>, &MakeCodecFile<C_Heron2BitFile>},
     {AUDIO_FILE_HERON_3BIT, &Open<C_Heron3BitFile>, &MakeCodecFile<C_Heron3BitFile>},
     {AUDIO_FILE_KESTREL, &Open<C_KestrelFile>, &MakeCodecFile<C_KestrelFile>},
-}};
+});
 
 bool HasAcceptedTag(C_RiffChunk& chunk) {
   std::array<std::uint8_t, 2> tag{};
@@ -124,8 +126,8 @@ bool C_WavFileFormat::IsSupportedFormat(const char* pszFileName) {
     VCM_ASSERT(pChunk != nullptr, "IsSupportedFormat", kSource, __LINE__, "pChunk != NULL");
     if (pChunk->HasChunkID("fmt ")) return HasAcceptedTag(*pChunk);
   }
-  // Kept: a file without a format counts as supported. Callers open the file next and then learn
-  // why it is not. Pinned by FileWithoutFormat_CountsAsSupported.
+  // Kept: a file without a format counts as supported. Callers open the file next and find out then
+  // that it cannot be opened. Pinned by FileWithoutFormat_CountsAsSupported.
   return true;
 }
 

@@ -22,8 +22,8 @@ class C_WavFileFormat : public I_WavFileFormat {
   // Deletes the object, which must have been made with new.
   void Release() override;
   // The identifier of the file's SP header when it has one, otherwise AUDIO_FILE_WAVE for a RIFF
-  // sound file of either form that the library reads. AUDIO_FILE_UNKNOWN for everything else, also
-  // for VEF containers.
+  // sound file of either form that the library reads. AUDIO_FILE_UNKNOWN for everything else,
+  // including VEF containers.
   tagAudioFileType GetFileFormat(const char* pszFileName) override;
   // True for a RIFF sound file when eType is AUDIO_FILE_WAVE. False for every other kind.
   bool IsFileFormat(const char* pszFileName, tagAudioFileType eType) override;
@@ -35,13 +35,13 @@ class C_WavFileFormat : public I_WavFileFormat {
   //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside
   //                   the stream; the sound then has no encoded form. false: decodes the stream
   //   pszCodecOption  has no effect anywhere
-  //   pfnData         gets the pieces of a Kestrel stream after an SP header while they are
-  //                   decoded; may be null. Never called for any other file
+  //   pfnData         receives the PCM of a Kestrel stream after an SP header, frame by frame, as
+  //                   it is decoded; may be null. Never called for any other file
   //
-  // A load that fails is tried a second time, see below.
+  // A load that fails is tried a second time; see the template below.
   I_WavFile* CreateWavFile(const char* pszFileName, bool bLoadData, bool bKeepEncoded,
                            const char* pszCodecOption, PFN_DecodedData pfnData) override;
-  // The same with bLoadData false.
+  // The same as CreateWavFile with bLoadData false.
   I_WavFile* OpenWavFile(const char* pszFileName) override;
   // Looks only at the first format tag of a RIFF file of form "WAVE"; false for any other file.
   bool IsSupportedFormat(const char* pszFileName) override;

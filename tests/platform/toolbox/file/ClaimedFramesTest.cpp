@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sound files that claim more than they hold. Only frames that can be heard are counted, because
-// whoever plays a file waits for as long as the count says.
+// Sound files that claim more than they hold. Only frames that can be heard are counted, because a
+// player waits for as long as the count says.
 #include <algorithm>
 
 #include "SoundFiles.h"
@@ -157,8 +157,8 @@ TEST_F(ClaimedFramesTest, ASphereFile_HasTheFramesThatAreThere) {
   EXPECT_EQ(PacketsOf(liar), 1000U);
 }
 
-// The file library knows these kinds, and prints comments on their damage where the player prints
-// its own lines.
+// The file library knows these kinds. When such a file is damaged, it prints comments to standard
+// output, among the lines of the player.
 TEST_F(ClaimedFramesTest, KindsThatNobodyPlays_AreUnsupportedWithoutAWord) {
   testing::internal::CaptureStdout();
   Bytes dump = Sound(SF_FORMAT_SDS | SF_FORMAT_PCM_16, 3000);

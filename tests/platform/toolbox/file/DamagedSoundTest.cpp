@@ -143,7 +143,7 @@ TEST_P(DamagedSoundTest, DamagedFile_IsRefusedOrPlaysToItsEnd) {
   C_Damage damage(1);
   int nOpened = 0;
   for (int i = 0; i < kDamages; ++i) nOpened += PlayFile(damage.Do(good)) ? 1 : 0;
-  // The damage is not always harmless, and the file is not always refused when it is opened.
+  // Some of the damaged files must open, and some must be refused.
   EXPECT_GT(nOpened, 0);
   EXPECT_LT(nOpened, kDamages);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The processing graph on a device that the test drives.
+// The processing graph, playing on a device that the test drives.
 #include <algorithm>
 #include <tuple>
 

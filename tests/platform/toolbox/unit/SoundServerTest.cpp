@@ -175,7 +175,7 @@ TEST(SoundServerTest, AServerThatIsKilledWhilePlaying_StillLetsTheSoundEndInTime
   // Only the sound that the server had already taken over can shorten the time.
   EXPECT_GE(Clock::now() - begin, 1200ms);
   graph.Stop();
-  // Whoever starts again hears nothing, but playback goes on.
+  // After another start nothing is heard, but playback goes on.
   graph.Start();
   EXPECT_TRUE(graph.WaitFor(70000));
   graph.Stop();
@@ -278,7 +278,7 @@ TEST(SoundServerTest, AServerThatIsFrozenWhenPlaybackStops_HoldsNobodyUp) {
     EXPECT_TRUE(output.WaitForSamples(2000));
     server.Freeze();
     output.Stop();
-    // Whoever starts again hears nothing, but playback goes on.
+    // After another start nothing is heard, but playback goes on.
     output.Start();
     EXPECT_TRUE(output.WaitForSamples(8000));
     output.Stop();

@@ -71,7 +71,7 @@ std::size_t NextHeld(const std::vector<S_SampleRange>& ranges, std::size_t nInde
   return nIndex;
 }
 
-// Takes the turn of range i: merges it with the first range of its group that it meets. Returns the
+// Gives range i its turn: merges it with the first range of its group that it meets. Returns the
 // index of the range that is no longer needed, or kNone when range i meets no other.
 std::size_t MergeOne(std::vector<S_SampleRange>& ranges, const C_RangeGroups& groups,
                      std::size_t i) {
@@ -106,8 +106,8 @@ void MergeSampleRanges(std::vector<S_SampleRange>& ranges) {
     }
     ranges[nRemoved].bRemoved = true;
     groups.Remove(nRemoved);
-    // When a range before the current one is removed, the rest of the list counts as moved forward
-    // by one. The range that would be next therefore loses its turn.
+    // When a range before the current one is removed, the ranges after it count as moved forward by
+    // one. The range that would come next therefore loses its turn.
     i = NextHeld(ranges, nRemoved < i ? nNext : i);
   }
 }

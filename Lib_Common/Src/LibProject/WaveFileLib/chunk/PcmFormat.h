@@ -8,7 +8,7 @@
 
 namespace pcmformat {
 
-// Reads the next 16 bytes. Fields that the reader does not hold are zero; Ok() of the reader is
+// Reads the next 16 bytes. Fields for which the reader has no bytes left are zero, and its Ok() is
 // then false.
 [[nodiscard]] S_PcmFormatRecord Read(vcm::C_ByteReader& reader) noexcept;
 // Appends the 16 bytes.

@@ -122,8 +122,8 @@ void C_WavDataCueInfo::Renumber(const vcm::C_NewID& newID) {
   });
 }
 
-// Returns what a walk from the front would return. That walk stops at the first match, so only the
-// points before it are looked at.
+// Finds the same point as a walk from the front. Such a walk stops at the first match, so this
+// function does not look at points after the match either.
 int C_WavDataCueInfo::FindIndex(unsigned int dwID) {
   const auto known = m_firstByID.find(dwID);
   if (known != m_firstByID.end()) return known->second;

@@ -104,7 +104,7 @@ class C_WavDataSamplerInfo : public I_WavDataSamplerInfo {
   SampleLoopList m_loops;
 
  private:
-  // Does not store the number of loops, which is the length of the list.
+  // The number of loops is not stored here; it is the length of the list.
   struct S_Header {
     unsigned int dwManufactureID = 0;
     unsigned int dwProductID = 0;

@@ -27,10 +27,11 @@ namespace {
 
 constexpr unsigned int kGroupFrames = 32;
 constexpr std::uint32_t kSampleBytes = 2;
-// The frame coder's rate control counts the head.
+// The frame coder's rate control counts the bytes of the head.
 static_assert(heronstream::kHeadBytes == heron::kHeadBytes);
 
-// The sound's rate as the frame coder takes it; empty for a rate that it does not take.
+// The sound's rate in the type that the frame coder expects; empty for a rate that it does not
+// support.
 std::optional<int> CoderRate(I_WavData& wavData) {
   const unsigned int dwSampleRate = wavData.GetWavInfo()->GetSampleRate();
   const auto nSampleRate = static_cast<int>(std::min(dwSampleRate, unsigned{INT_MAX}));
@@ -44,7 +45,7 @@ class C_Progress {
       : m_dots(bVerbose), m_pfnProgress(pfnProgress) {}
 
   void Begin(unsigned int dwFrames) { m_dwFrames = dwFrames; }
-  // Reports only whole groups, no number twice, and leaves the last group to End.
+  // Reports only whole groups, and no number twice. The last group is left to End.
   void Advance(unsigned int dwFramesDone) {
     m_dots.Advance(dwFramesDone, m_dwFrames);
     const unsigned int dwGroups = dwFramesDone / kGroupFrames;

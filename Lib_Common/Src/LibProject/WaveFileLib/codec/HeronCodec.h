@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Heron, the family of codecs for sound at 2 to 6 bits per sample: a whole sound to one stream
-// (HeronStream.h) and back.
+// Heron, the family of codecs for sound at 2 to 6 bits per sample. It turns a whole sound into one
+// stream (HeronStream.h) and back.
 //
 // Audio and events are divided into frames of 20 ms. Sample rates from 4000 to 48000 Hz are
 // accepted. The encoder works through two temporary files, which it removes before it returns, even
@@ -31,9 +31,9 @@ class C_HeronCodec : public C_VXAudioCodec {
 
   // Encodes the sound, of any supported width and number of channels (MonoMix.h), with its events,
   // as the variant dwTypeCode (AUDIO_FILE_HERON_2BIT ... AUDIO_FILE_HERON_6BIT). piParam has no
-  // effect and may be null, because the variant says everything. pfnProgress may be null; it gets
-  // records of kind kProgress with the number of 32-frame groups that are done, in the last record
-  // all of them.
+  // effect and may be null, because the variant decides everything. pfnProgress may be null; it
+  // gets records of kind kProgress with the number of 32-frame groups that are done. The last
+  // record reports all groups.
   //
   // On success *ppbyEncData is a new array of *pdwEncDataLen bytes, which the caller frees with
   // delete[]. On failure they are null and 0. False for any other null argument, for an unknown

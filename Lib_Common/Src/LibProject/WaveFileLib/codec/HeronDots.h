@@ -2,7 +2,7 @@
 //
 // What the Heron encoder shows on standard output when it is told to: a row of dots that grows with
 // the work, and then "ok" or "fail". Nothing else in the library writes there. The line is not
-// ended; whoever switches this on ends it.
+// ended: that is left to the program that asked for the dots.
 #pragma once
 
 class C_HeronDots {

@@ -45,8 +45,8 @@ struct S_FrameRange {
 std::vector<S_HeronEvent> EventsOf(I_EventTagMgr& eventMgr, unsigned int dwSamplesPerFrame);
 
 // Appends the stream of the frames in the range to *pOut. The events must be in ascending order of
-// frames. *pdwGroups is the number of event groups written so far; it counts on from call to call.
-// Returns the number of frames in the range.
+// frames. *pdwGroups is the number of event groups written so far; it keeps counting from call to
+// call. Returns the number of frames in the range.
 unsigned int WriteEventStream(const S_FrameRange& range, std::span<const S_HeronEvent> events,
                               unsigned int* pdwGroups, vcm::C_ByteWriter* pOut);
 

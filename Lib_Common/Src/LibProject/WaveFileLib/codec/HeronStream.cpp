@@ -23,8 +23,8 @@ std::optional<S_Variant> Find(Value S_Variant::*pMember, Value value) {
   return pFound == kVariants.end() ? std::nullopt : std::optional(*pFound);
 }
 
-// The end of the coded audio that the head names; empty when a stream of cbStream bytes cannot end
-// its audio there.
+// The end of the coded audio, as the head states it; empty when the audio in a stream of cbStream
+// bytes cannot end there.
 std::optional<std::size_t> AudioEnd(std::uint32_t dwHead, std::size_t cbStream) {
   const std::size_t cbOffset = dwHead >> kOffsetShift;
   if (cbOffset == 0) return cbStream;

@@ -30,8 +30,8 @@ struct S_Variant {
 std::optional<S_Variant> VariantOfType(unsigned int dwType);
 
 // The head of a stream whose coded audio ends at qwAudioEnd, counted from the start of the stream,
-// and is followed by qwEvents bytes of events. Empty when the place of the events does not fit its
-// 24 bits.
+// and is followed by qwEvents bytes of events. Empty when the offset of the events does not fit in
+// its 24 bits.
 std::optional<std::uint32_t> MakeHead(const S_Variant& variant, std::uint64_t qwAudioEnd,
                                       std::uint64_t qwEvents);
 

@@ -41,7 +41,7 @@ constexpr std::int64_t kSampleBytes = 2;
 // stream.
 constexpr std::uint64_t kMaxClaim = 16;
 
-// One frame as the coder takes it; the sizes come from its init.
+// Buffers for one frame; their sizes come from the coder's init function.
 struct S_Frame {
   std::vector<unsigned short> words;
   std::vector<short> samples;
@@ -81,7 +81,8 @@ std::int64_t CountFrames(const S_Stream& stream, std::int64_t nWordsPerFrame) {
   return std::min(stream.nWords / nWordsPerFrame, (cbHeld + cbFrame - 1) / cbFrame);
 }
 
-// The reader returns 0 after the last byte, which completes a frame that is cut by the end.
+// After the last byte the reader returns 0, so a frame that the end cuts short is completed with
+// zeros.
 void TakeWords(vcm::C_ByteReader& reader, std::span<unsigned short> words) {
   for (unsigned short& wWord : words) wWord = reader.U16();
 }
@@ -137,7 +138,7 @@ class C_FrameWriter {
 
   [[nodiscard]] std::size_t SamplesPerFrame() const { return m_frame.samples.size(); }
 
-  // The length is not known yet, so blanks hold its place.
+  // The length is not known yet, so spaces hold its place.
   bool WriteHead(unsigned int dwBitRate) {
     vcm::C_ByteWriter writer;
     writer.Text("    ", kLengthField);
@@ -145,7 +146,8 @@ class C_FrameWriter {
     return vcm::WriteExact(m_pFile, writer.Data());
   }
 
-  // Encodes the next frame of samples; where the reader has fewer left, silence fills the frame.
+  // Encodes the next frame of samples. When the reader has too few samples left, silence fills the
+  // frame.
   bool Encode(vcm::C_ByteReader& reader) {
     for (short& nSample : m_frame.samples) nSample = reader.I16();
     return m_pfnEncodeFrame(m_frame.samples.data(), m_frame.words.data()) == 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Kestrel, the wide-band speech codec: a whole sound of 16 kHz, 16-bit mono PCM to one stream and
-// back. Little-endian:
+// Kestrel, the wide-band speech codec. It turns a whole sound of 16 kHz, 16-bit mono PCM into one
+// stream and back. Little-endian:
 //
 //   offset size  field
 //   0      4     length in bytes of what follows this field (2 + n * W * 2)
@@ -36,20 +36,21 @@ class C_KestrelCodec : public C_VXAudioCodec {
   //
   // The length field must claim a whole number of frames. When the bytes end before that, decoding
   // still succeeds: missing words of the last frame count as zero, and later frames are left out,
-  // so a file that is cut plays what it holds. False, before the first frame, for null or a stream
-  // shorter than its head, for a rate that Decode does not take, when the bytes are less than a
-  // sixteenth of the claim, when the PCM would not fit 32 bits, and when the temporary file cannot
-  // be made. False after the last frame when the claim ends within a frame.
+  // so a file that was cut short plays as far as it goes. Decode returns false before the first
+  // frame for null or a stream shorter than its head, for a rate that it does not take, and when
+  // the bytes are less than a sixteenth of the claim. The same holds when the length of the PCM
+  // would not fit in 32 bits, and when the temporary file cannot be made. Decode returns false
+  // after the last frame when the claim ends within a frame.
   //
   // A null piWavData stops the program. Where assertions of the codec are compiled out (NDEBUG),
   // the result is false instead.
   bool Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen, I_WavData* piWavData,
               PFN_DecodedData pfnData);
 
-  // Encodes the PCM of piWavData, which must be 16-bit mono; its sample rate is not looked at. Bit
-  // rate 0 means kDefaultBitRate. On success *ppbyEncData is a new array of *pdwEncDataLen bytes,
-  // which the caller frees with delete[]. On failure they are null and 0. False for a rate that is
-  // not supported, for a sound with no samples or with fewer bytes than 16-bit samples take, and
+  // Encodes the PCM of piWavData, which must be 16-bit mono; its sample rate is ignored. Bit rate 0
+  // means kDefaultBitRate. On success *ppbyEncData is a new array of *pdwEncDataLen bytes, which
+  // the caller frees with delete[]. On failure they are null and 0. False for a rate that is not
+  // supported, for a sound with no samples or with fewer bytes than its 16-bit samples need, and
   // when the temporary file cannot be written. pfnProgress may be null.
   //
   // A null piWavData, ppbyEncData or pdwEncDataLen stops the program. Where assertions of the codec

@@ -13,14 +13,14 @@
 
 namespace tempstream {
 
-// A temporary file that was written to its end, open for reading at its beginning.
+// A temporary file after it has been written completely, open for reading from its beginning.
 struct S_Written {
   vcm::C_FilePtr file;
   unsigned int dwSize;
 };
 
 // Closes the file's stream and opens it again. Empty when not everything reached the disk, when the
-// file cannot be opened again, and when its size does not fit 32 bits.
+// file cannot be opened again, and when its size does not fit in 32 bits.
 [[nodiscard]] std::optional<S_Written> Reopen(vcm::C_TempFile& tempFile);
 
 struct S_Bytes {
@@ -30,7 +30,7 @@ struct S_Bytes {
   [[nodiscard]] std::span<const std::uint8_t> View() const { return {pbyData.get(), dwLength}; }
 };
 
-// Everything that the file holds. Empty when Reopen is empty, and when the file cannot be read.
+// Everything that the file holds. Empty when Reopen fails, and when the file cannot be read.
 [[nodiscard]] std::optional<S_Bytes> ReadBack(vcm::C_TempFile& tempFile);
 
 // Hands the bytes to a caller, who frees *ppbyData with delete[]. False, with both outputs

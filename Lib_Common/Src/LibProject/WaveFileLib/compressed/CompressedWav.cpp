@@ -60,7 +60,7 @@ bool Decode(const C_WavFileCodecInfo& codecInfo, const std::vector<std::uint8_t>
   const std::optional<unsigned int> dwPcm = decoder->GetDecodedSize(codecInfo, dwEncoded);
   if (!dwPcm || !IsAccountedFor(*dwPcm, dwEncoded)) return false;
   unsigned char* pbyPcm = wavData.AllocBuffer(*dwPcm);
-  // A block may hold fewer samples than it counts for; the missing ones are silence.
+  // A block may hold fewer samples than it counts as; the missing samples are silence.
   std::fill_n(pbyPcm, *dwPcm, static_cast<unsigned char>(0));
   const bool bDecoded = decoder->Decode(codecInfo, encoded.data(), dwEncoded,
                                         reinterpret_cast<short*>(pbyPcm), *dwPcm);

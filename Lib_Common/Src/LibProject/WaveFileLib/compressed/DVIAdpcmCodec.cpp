@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr unsigned int kHeaderBytes = 4;  // of each channel
-constexpr std::size_t k4BitGroup = 8;     // codes of one channel
+constexpr unsigned int kHeaderBytes = 4;  // per channel
+constexpr std::size_t k4BitGroup = 8;     // codes per channel
 constexpr std::size_t k3BitGroup = 32;
 
 struct S_Channel {
@@ -101,17 +101,18 @@ class C_Block {
   std::vector<S_Channel> m_channels;
 };
 
-// How a block is made of groups.
+// How a block is divided into groups.
 struct S_Groups {
   std::size_t nFrames;  // frames that a group decodes to
-  int nEights;          // eights that a group counts as
+  int nEights;          // units of eight samples that a group counts as
   void (C_Block::*pfnDecode)(std::size_t nFrame);
 };
 
 constexpr S_Groups k4BitGroups = {k4BitGroup, 1, &C_Block::Decode4BitGroup};
-// Kept: a group holds four eights but is counted as three, so more groups are tried than the
-// samples per block ask for. The block's own end is what counts, and blocks whose number is too
-// small play to that end. Pinned by ThreeBitGroups_AreCountedAsThreeEights.
+// Kept: a group holds four units of eight samples but is counted as three, so more groups are tried
+// than the samples per block ask for. Decoding still stops at the end of the block, and a block
+// whose number of samples is slightly too small plays to its end. Pinned by
+// ThreeBitGroups_AreCountedAsThreeEights.
 constexpr S_Groups k3BitGroups = {k3BitGroup, 3, &C_Block::Decode3BitGroup};
 
 void DecodeGroups(const S_Groups& groups, const C_WavFileCodecInfo& codecInfo,
@@ -120,7 +121,7 @@ void DecodeGroups(const S_Groups& groups, const C_WavFileCodecInfo& codecInfo,
   const unsigned int dwChannels = codecInfo.GetPCMWAVEFORMAT().wChannels;
   if (dwChannels == 0) return;
   C_Block block(pbyBlock, dwBlockBytes, pSamples, dwCapacity, dwChannels);
-  // The samples after the first one, in eights; a block without samples has no eights.
+  // The samples after the first one, in units of eight; 0 for a block without samples.
   const int nEights = (codecInfo.GetSamplesPerBlock() - 1) / 8;
   std::size_t nFrame = 1;
   for (int i = 0; i < nEights && !block.Ends(nFrame); i += groups.nEights) {

@@ -27,7 +27,7 @@ class C_DVIAdpcmCodec : public C_MSAdpcmCodec {
 
 class C_DVIAdpcm3BitCodec : public C_MSAdpcmCodec {
  public:
-  // A rest of r bytes after the whole blocks counts as (r - 6K) x 8 / 3 samples.
+  // A remainder of r bytes after the whole blocks counts as (r - 6K) x 8 / 3 samples.
   std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
                                              unsigned int dwEncodedBytes) override;
   bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,

@@ -52,7 +52,7 @@ std::optional<unsigned int> C_G711Codec::GetDecodedSize(const C_WavFileCodecInfo
 
 bool C_MuLawCodec::Decode(const C_WavFileCodecInfo& /*codecInfo*/, const unsigned char* pbyEncoded,
                           unsigned int dwEncodedBytes, short* pSamples, unsigned int dwCapacity) {
-  // Each call makes the table anew, so that decoders share nothing.
+  // Each call makes its own table, so that decoders share nothing.
   std::array<short, 256> values{};
   for (unsigned int dwCode = 0; dwCode < values.size(); ++dwCode) {
     values[dwCode] = ExpandMuLaw(dwCode);

@@ -6,11 +6,11 @@
 
 #include "compressed/MSAdpcmCodec.h"
 
-// What both laws share. The class derives from the block decoders and inherits their loop and their
-// block, but is of no use by itself.
+// What both laws share. The class inherits the block loop and the block decoder of its base, but is
+// of no use by itself.
 class C_G711Codec : public C_MSAdpcmCodec {
  public:
-  // Two bytes per encoded byte; empty when that does not fit 32 bits.
+  // Two bytes per encoded byte; empty when that does not fit in 32 bits.
   std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
                                              unsigned int dwEncodedBytes) override;
 };

@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr unsigned int kHeaderBytes = 7;  // of each channel
-// What GetDecodedSize subtracts from a rest instead of kHeaderBytes: the two samples in a header
-// count as the one byte that their codes would take.
+constexpr unsigned int kHeaderBytes = 7;  // per channel
+// What GetDecodedSize subtracts from a remainder instead of kHeaderBytes: the two samples in a
+// header count as the one byte that their codes would take.
 constexpr std::int64_t kCountedHeader = 6;
 constexpr std::int64_t kMinDelta = 16;
 constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
@@ -103,8 +103,8 @@ std::optional<unsigned int> C_MSAdpcmCodec::GetAdpcmSize(const C_WavFileCodecInf
                                                          int nBytes) {
   const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
   if (pcm.wBlockAlign == 0 || pcm.wChannels == 0) return 0;
-  // The product fits 64 bits even when all factors are at their largest, and whatever is cut off
-  // here does not fit 32 bits.
+  // The product fits in 64 bits even when all factors are at their largest. A product above this
+  // limit gives a size that does not fit in 32 bits in any case.
   constexpr std::uint64_t kPlenty = std::uint64_t{1} << 40;
   const std::uint64_t qwBlocks = dwEncodedBytes / pcm.wBlockAlign;
   const std::uint64_t qwWhole = qwBlocks * codecInfo.GetSamplesPerBlock() * pcm.wChannels;

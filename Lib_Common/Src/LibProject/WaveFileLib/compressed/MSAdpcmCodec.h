@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The base of the decoders that turn compressed WAV data into 16-bit PCM, and the one for Microsoft
-// ADPCM among them. The family has no encoders: sounds are written linear or by a codec of our own.
+// The base of the decoders that turn compressed WAV data into 16-bit PCM. The base is itself the
+// decoder for Microsoft ADPCM. The family has no encoders: sounds are written as linear PCM or by a
+// codec of our own.
 //
 //   class                  tag  GetDecodedSize     Decode      DecodeBlock
 //   C_MSAdpcmCodec         2    ADPCM rule         block loop  MS ADPCM
@@ -20,8 +21,8 @@
 //   5K     2K   the first sample of each channel, i16
 //   7K     ..   half bytes, the high one first, for each channel in turn
 //
-// Decoders hold no state. In what follows B is the block align, K the number of channels and P the
-// samples per block of the format record. The block decoders decode nothing when B or K is 0.
+// Decoders hold no state. Below, B is the block align, K the number of channels and P the samples
+// per block of the format record. The block decoders decode nothing when B or K is 0.
 #pragma once
 
 #include <optional>
@@ -36,13 +37,13 @@ class C_MSAdpcmCodec {
   C_MSAdpcmCodec& operator=(const C_MSAdpcmCodec&) = delete;
 
   // The number of PCM bytes that the encoded bytes count as: P x K samples for each whole block,
-  // and (r - 6K) x 2 samples for a rest of r bytes, which subtracts samples when r is smaller than
-  // 6K. 0 when the sum is below 0; empty when the result does not fit 32 bits.
+  // and (r - 6K) x 2 samples for a remainder of r bytes, which subtracts samples when r is smaller
+  // than 6K. 0 when the sum is below 0; empty when the result does not fit in 32 bits.
   virtual std::optional<unsigned int> GetDecodedSize(const C_WavFileCodecInfo& codecInfo,
                                                      unsigned int dwEncodedBytes);  // 2
-  // Decodes block by block, and a rest as a shorter block. Writes at most dwCapacity bytes to
-  // pSamples: whole samples only, interleaved. Samples for which input is missing are left as they
-  // are. Always true.
+  // Decodes block by block; a remainder counts as a shorter block. Writes at most dwCapacity bytes
+  // to pSamples: whole samples only, interleaved. Samples for which input is missing are left as
+  // they are. Always true.
   virtual bool Decode(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyEncoded,
                       unsigned int dwEncodedBytes, short* pSamples,
                       unsigned int dwCapacity);  // 3
@@ -53,7 +54,7 @@ class C_MSAdpcmCodec {
                            unsigned int dwCapacity);  // 4
 
  protected:
-  // The ADPCM rule of GetDecodedSize, with (r - 6K) x nSamples / nBytes samples for the rest,
+  // The ADPCM rule of GetDecodedSize, with (r - 6K) x nSamples / nBytes samples for the remainder,
   // rounded toward zero.
   static std::optional<unsigned int> GetAdpcmSize(const C_WavFileCodecInfo& codecInfo,
                                                   unsigned int dwEncodedBytes, int nSamples,

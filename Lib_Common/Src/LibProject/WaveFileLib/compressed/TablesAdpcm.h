@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Tables of the ADPCM decoders: the adaptation table of MS ADPCM, and the step table and the index
-// tables of IMA ADPCM, with the values that
-// Microsoft and the Interactive Multimedia Association published.
+// tables of IMA ADPCM, with the values that Microsoft and the Interactive Multimedia Association
+// published.
 #pragma once
 
 #include <algorithm>

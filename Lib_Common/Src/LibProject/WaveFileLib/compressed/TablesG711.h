@@ -9,8 +9,8 @@
 
 // The magnitude where each segment begins.
 //
-// Kept: segment 6 begins at 8196, not at 8192 as its neighbours suggest. Sounds were compared and
-// cut by the values that come out. Pinned by ALaw_Segment6BeginsAt8196.
+// Kept: segment 6 begins at 8196, not at 8192 as its neighbours suggest. Existing sounds were
+// compared and cut according to the resulting values. Pinned by ALaw_Segment6BeginsAt8196.
 inline constexpr std::array<int, 8> kALawBase = {0, 256, 512, 1024, 2048, 4096, 8196, 16384};
 static_assert(std::accumulate(kALawBase.begin(), kALawBase.end(), 0) == 32516);
 

@@ -10,7 +10,7 @@
 //   22     4n   coefficient pairs, two i16 each tag 2 only
 //
 // A record is refused when its tag is not in the table (WavTags.h), when the payload is shorter
-// than the tag's record, or when one of its zeros would be a divisor in a later computation.
+// than the tag's record, or when it has a zero in a field that later computations divide by.
 #pragma once
 
 #include <array>
@@ -49,7 +49,7 @@ class C_WavFileCodecInfo {
  public:
   static constexpr unsigned int kDviAdpcmBytes = 20;
   static constexpr unsigned int kMSAdpcmHeadBytes = 22;  // up to and including the count
-  // The longest record; nothing after it is ever looked at.
+  // The longest record; anything after it is ignored.
   static constexpr unsigned int kMaxBytes = kMSAdpcmHeadBytes + 4 * 0xFFFF;
 
   [[nodiscard]] static bool IsAcceptedTag(unsigned short wFormatTag) noexcept {
@@ -57,11 +57,11 @@ class C_WavFileCodecInfo {
   }
 
   // Copies as many bytes of a "fmt " payload as the tag's record has. False for a record that is
-  // refused; no record is held then.
+  // refused; the object then holds no record.
   [[nodiscard]] bool SetFormat(std::span<const std::uint8_t> payload);
   void Clear() noexcept { m_record.clear(); }
 
-  // The bytes of the record, 16, 20 or 22 + 4n of them; empty without a record.
+  // The 16, 20 or 22 + 4n bytes of the record; empty without a record.
   [[nodiscard]] std::span<const std::uint8_t> GetRecord() const noexcept { return m_record; }
 
   // WAVE_TAG_NONE without a record.
@@ -71,7 +71,8 @@ class C_WavFileCodecInfo {
   [[nodiscard]] S_WaveFormatEx GetWAVEFORMATEX() const noexcept;
   [[nodiscard]] S_DviAdpcmInfo GetDVIADPCMInfo() const noexcept;
   [[nodiscard]] S_MSAdpcmInfo GetMSADPCMInfo() const noexcept;
-  // One of its coefficient pairs, without the cost of reading all: blocks can be many and tiny.
+  // Returns one coefficient pair without reading the others, because a file can have very many tiny
+  // blocks.
   [[nodiscard]] S_MSAdpcmInfo::S_Coefficients GetMSADPCMCoefficients(
       std::uint8_t byPredictor) const noexcept;
   [[nodiscard]] unsigned short GetSamplesPerBlock() const noexcept;

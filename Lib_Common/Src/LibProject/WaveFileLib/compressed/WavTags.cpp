@@ -29,7 +29,7 @@ std::unique_ptr<C_MSAdpcmCodec> MakeDvi(unsigned short wBits) {
 // Kept: A-law and mu-law have no coding type of their own and leave it as it was, 0 in a new
 // object. Callers read it only to find out about the blocks of ADPCM. Pinned by
 // G711_LeavesTheCodingTypeAsItWas.
-constexpr std::array<S_WavTag, 5> kTags = {{
+constexpr auto kTags = std::to_array<S_WavTag>({
     {WAVE_TAG_PCM, S_PcmFormatRecord::kBytes, false, false, WAV_CODING_LINEAR, nullptr},
     {WAVE_TAG_MS_ADPCM, C_WavFileCodecInfo::kMSAdpcmHeadBytes, true, true, WAV_CODING_MS_ADPCM,
      &Make<C_MSAdpcmCodec>},
@@ -37,7 +37,7 @@ constexpr std::array<S_WavTag, 5> kTags = {{
     {WAVE_TAG_MULAW, S_PcmFormatRecord::kBytes, false, false, std::nullopt, &Make<C_MuLawCodec>},
     {WAVE_TAG_DVI_ADPCM, C_WavFileCodecInfo::kDviAdpcmBytes, false, true, WAV_CODING_DVI_ADPCM,
      &MakeDvi},
-}};
+});
 
 }  // namespace
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The format tags of RIFF sound files that the library reads, in one table. A tag that is not in
-// the table is refused. Among those are 3 (float), 0x0011 (DVI ADPCM as it is registered) and
-// 0xFFFE (extensible).
+// the table is refused, for example 3 (float), 0x0011 (DVI ADPCM as it is registered) and 0xFFFE
+// (extensible).
 #pragma once
 
 #include <cstddef>

@@ -14,7 +14,7 @@
 namespace {
 
 // The bytes after the SP header, or the whole file when it has no SP header. Empty on failure, and
-// for a stream that does not fit 32 bits.
+// for a stream whose size does not fit in 32 bits.
 std::vector<unsigned char> ReadStream(const char* pszFileName) {
   C_SpHeader header;
   const std::uint64_t qwStart = ReadSpHeader(&header, pszFileName) ? C_SpHeader::kBytes : 0;
@@ -97,8 +97,8 @@ bool C_CodecFileBase::LoadSpStream(PFN_DecodedData pfnData) {
   return TakeStream(stream.data(), static_cast<unsigned int>(stream.size()), pfnData);
 }
 
-// Kept: no pieces are handed over while a container is decoded. Whoever listens to the pieces would
-// take them for the PCM that the container stores beside the stream. Pinned by
+// Kept: no pieces are handed over while a container is decoded. A listener would take the pieces
+// for the PCM that the container stores beside the stream. Pinned by
 // LoadData_OfAContainer_DecodesTheStreamWithoutACallback.
 bool C_CodecFileBase::LoadVefStream() {
   std::unique_ptr<unsigned char[]> pbyStream;

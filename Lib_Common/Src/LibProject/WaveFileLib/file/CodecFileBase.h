@@ -45,8 +45,8 @@ class C_CodecFileBase : public C_VefFileBase {
   //   bKeepEncoded    matters only for VEF containers. true: reads the PCM that is stored beside
   //                   the stream; the sound then has no encoded form. false: decodes the stream
   //   pszCodecOption  has no effect
-  //   pfnData         gets the pieces of a Kestrel stream after an SP header, one frame each, while
-  //                   they are decoded; may be null. Never called for a container or for Heron
+  //   pfnData         receives the PCM of a Kestrel stream after an SP header, frame by frame, as
+  //                   it is decoded; may be null. Never called for a container or for Heron
   //
   // A sound whose stream is decoded keeps a copy of the stream as its encoded form. Without an
   // encoded form, the sound can be written as the type that it was loaded from only with
@@ -55,12 +55,12 @@ class C_CodecFileBase : public C_VefFileBase {
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
 
-  // Adds the stream to pRiffFile as chunk "vdat". The stream is made as by WriteFile, with the
-  // bForceEncode of the last WriteFile (false before the first). False for null, without a sound,
-  // and when there is no stream to add.
+  // Adds the stream to pRiffFile as chunk "vdat". The stream is made in the same way as in
+  // WriteFile, with the bForceEncode of the last WriteFile call (false before the first call).
+  // Returns false for null, without a sound, and when there is no stream to add.
   bool WriteDataChunk(C_RiffFile* pRiffFile) override;  // 24
 
-  // bForceEncode of the last WriteFile, even of one that failed; false before the first.
+  // bForceEncode of the last WriteFile call, even if that call failed; false before the first call.
   [[nodiscard]] bool IsForceEncode() const { return m_bForceEncode; }
   // The form of the last file that CheckFormat accepted, with or without bWithInfo.
   [[nodiscard]] tagContainerKind GetContainerKind() const { return m_eContainerKind; }
@@ -87,8 +87,8 @@ class C_CodecFileBase : public C_VefFileBase {
 
   explicit C_CodecFileBase(const S_Family& family) : m_family(family) {}
 
-  // Writes the sound as a file of type eType. An existing file is replaced. This is also the
-  // meaning of the arguments of WriteFile in the derived classes:
+  // Writes the sound as a file of type eType. An existing file is replaced. The arguments have the
+  // same meaning in WriteFile of the derived classes:
   //
   //   bEncode          true: the file is the bare stream, never with an SP header. false: the file
   //                    is a VEF container with the sound as PCM, its annotations and the stream
@@ -101,7 +101,7 @@ class C_CodecFileBase : public C_VefFileBase {
   //                    true: the PCM is always encoded
   //
   // False without a sound, when the sound cannot be encoded, and when its encoded form is to be
-  // written but it carries none. The target is opened only when the stream or the container is
+  // written but does not exist. The target is opened only when the stream or the container is
   // complete. An existing file therefore survives every failure except one while writing, which may
   // leave a partial file.
   bool WriteAs(tagAudioFileType eType, const char* pszFileName, bool bEncode, bool bWriteCodecHead,

@@ -18,7 +18,7 @@ namespace codechead {
 
 // Writes the head of a stream of type eType at the position of pFile; dwSampleRate is in Hz. For a
 // type without a head, writes nothing and returns true. False when a write fails, and for a type
-// that has no version; the first two fields of such a type are written all the same.
+// that has no version; the first two fields are still written in that case.
 bool Write(std::FILE* pFile, tagAudioFileType eType, unsigned int dwSampleRate);
 
 }  // namespace codechead

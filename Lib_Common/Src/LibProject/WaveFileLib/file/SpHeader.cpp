@@ -64,7 +64,7 @@ void TakeField(const vcm::C_ByteReader& reader, T value, T& field) {
   if (reader.Ok()) field = value;
 }
 
-// Copies the rest of pFrom. True when its end was reached and everything could be written.
+// Copies the rest of pFrom. True when the end of pFrom was reached and everything could be written.
 bool CopyRest(std::FILE* pFrom, std::FILE* pTo) {
   std::array<std::uint8_t, kCopyBytes> chunk;
   std::size_t cbRead = 0;
@@ -217,7 +217,8 @@ unsigned short GetSpFileID(const char* pszFileName) {
 bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName) {
   const auto source = vcm::OpenFile(pszFileName, "rb");
   struct stat status {};
-  // Any other file could be endless, and replacing it would turn it into a regular file.
+  // Only regular files are accepted: any other file could be endless, and replacing it would turn
+  // it into a regular file.
   if (!source || fstat(fileno(source.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
     return false;
   }

@@ -70,7 +70,7 @@ class C_SpHeader final {
 
 // Reads the header at the start of a file. The first 22 bytes decide whether there is one: the
 // signature, the current or the older text, version 254 or 255, and kind 2. Fields that a shorter
-// file does not hold keep their defaults. After false, *pHeader holds the defaults.
+// file does not hold keep their defaults. When the result is false, *pHeader holds the defaults.
 bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName);
 
 // Writes the 48 bytes at the position of the stream. False when a write fails.
@@ -85,9 +85,9 @@ unsigned short GetSpFileID(const char* pszFileName);
 // Regular files only.
 bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName);
 
-// Copies a file without its header; a file that has no header is copied whole. *pHeader gets the
-// header as from ReadSpHeader. An existing target is replaced. False when either file cannot be
-// opened, or when the target is the source. A copy that fails later still gives true.
+// Copies a file without its header; a file that has no header is copied whole. *pHeader is filled
+// in as ReadSpHeader does it. An existing target is replaced. False when either file cannot be
+// opened, or when the target is the source. A copy that fails later still returns true.
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget);
 
 // Writes the header and then the whole source, even when the source has a header of its own. An

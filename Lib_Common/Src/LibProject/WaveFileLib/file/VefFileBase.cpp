@@ -76,8 +76,8 @@ bool C_VefFileBase::LoadVDATChunk(const char* pszFileName,
   if (!riff.Open(pszFileName, kFormType)) return false;
   I_AudioCodecParam* piParam = GetAudioCodecParam();
   VCM_ASSERT(nullptr != piParam, "LoadVDATChunk", kSource, __LINE__, "NULL != piParam");
-  // Kept: of several "vdat" chunks the first counts, unlike "fmt " and "data", where the last one
-  // does. Streams that are appended later are for players that know more. Pinned by
+  // Kept: the first of several "vdat" chunks counts, but the last of several "fmt " or "data"
+  // chunks. Streams that are appended later are for players that know more. Pinned by
   // LoadVDATChunk_GivesTheFirstOfTwo.
   C_RiffChunk* pChunk = riff.FindChunk(kStream, 0);
   if (pChunk == nullptr) return true;
@@ -153,7 +153,7 @@ bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {
     } else if (chunk.HasChunkID("LIST")) {
       bLoaded = RequiredInfo<I_WavDataListInfo>(*this, kCheckSite).LoadInfo(&chunk);
     } else if (chunk.HasChunkID(kEvents)) {
-      // A chunk that cannot be read is left out: a file that was cut here still has its sound.
+      // A chunk that cannot be read is left out: a file that was cut off here still has its sound.
       auto& extraChunkInfo = RequiredInfo<I_WavDataExtraChunkInfo>(*this, kCheckSite);
       static_cast<void>(extraChunkInfo.AddRiffChunk(kEvents, &chunk));
     }
@@ -164,8 +164,8 @@ bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {
   return true;
 }
 
-// A container says everything that there is to say about its annotations. Nothing of an earlier
-// file, or of an earlier attempt at this file, may be mixed with them.
+// A container holds all annotations of its sound. They must not be mixed with annotations of an
+// earlier file, or of an earlier attempt at this file.
 void C_VefFileBase::ForgetAnnotations() {
   RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite).Reset();
   RequiredInfo<I_WavDataSamplerInfo>(*this, kCheckSite).Reset();
@@ -175,7 +175,8 @@ void C_VefFileBase::ForgetAnnotations() {
   RequiredInfo<I_WavDataExtraChunkInfo>(*this, kCheckSite).RemoveAll();
 }
 
-// Otherwise the stream of an earlier file would be written beside the samples of this one.
+// Removes the stream of an earlier file, which would otherwise be written beside the samples of
+// this file.
 bool C_VefFileBase::ForgetStream() {
   GetWavData()->SetEncType(AUDIO_FILE_UNKNOWN);
   return GetWavData()->SetEncBuffer(nullptr, 0);

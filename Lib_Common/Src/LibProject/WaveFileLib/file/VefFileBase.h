@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the classes share whose files can be VEF containers. These are RIFF files of form "VEFF"
-// that hold a sound as PCM, its annotations and, for the library's own codecs, also its encoded
-// stream.
+// The common base of the classes whose files can be VEF containers. These containers are RIFF files
+// of form "VEFF" that hold a sound as PCM, its annotations and, for the library's own codecs, also
+// its encoded stream.
 //
 //   chunk    written                                     read
 //   "fmt "   always, 16 bytes                            format tag 1 (linear PCM); required
@@ -47,11 +47,11 @@ class C_VefFileBase : public C_WavFileBase {
   virtual bool WriteDataChunk(C_RiffFile* pRiffFile) = 0;  // 24
 
   // Reads the encoded stream of a container, the payload of its first "vdat" chunk. *ppbyData gets
-  // a new array and *pdwLength its length in bytes; neither pointer may be null. A container
-  // without such a chunk gives null and 0, and true. False when the file is not a container, and
-  // when the chunk is empty or cannot be read completely; the outputs are then null and 0. With
-  // platform 2 of the codec parameters, the array has one more zero byte at its end, which the
-  // length does not count. Makes the sound when there is none.
+  // a new array and *pdwLength its length in bytes; neither pointer may be null. For a container
+  // without such a chunk the outputs are null and 0, and the result is true. False when the file is
+  // not a container, and when the chunk is empty or cannot be read completely; the outputs are then
+  // null and 0. With platform 2 of the codec parameters, the array has one more zero byte at its
+  // end, which the length does not count. Makes the sound object when there is none.
   bool LoadVDATChunk(const char* pszFileName, std::unique_ptr<unsigned char[]>* ppbyData,
                      unsigned int* pdwLength);
 
@@ -68,8 +68,8 @@ class C_VefFileBase : public C_WavFileBase {
   // True for a container with linear PCM whose coding type is in none of the foreign ranges. With
   // bWithInfo, the sound's format and annotations and the object's coding type become those of the
   // file, see above. A "cue " or "LIST" chunk of less than 4 bytes and a "smpl" chunk of less than
-  // 36 bytes are left out. Any other of these chunks that cannot be read makes the result false,
-  // and then part of the sound is replaced already.
+  // 36 bytes are left out. If any other of these chunks cannot be read, the result is false, and
+  // part of the sound has been replaced by then.
   bool CheckVefFormat(const char* pszFileName, bool bWithInfo,
                       std::span<const S_AudioFileTypes> foreign);
   // Reads the stored samples of the file that OpenByName opened. False without a sound, when the

@@ -80,7 +80,8 @@ C_IDs IDsOfLoops(I_WavDataSamplerInfo& samplerInfo) {
   return ids;
 }
 
-// New identifiers for those of the ids that the events need for themselves, 1 to dwEvents.
+// Gives a free identifier to each of the ids from 1 to dwEvents, because the events need those for
+// themselves.
 C_IDMap MakeWay(const C_IDs& ids, const C_IDs& taken, unsigned int dwEvents) {
   C_IDMap newIDs;
   unsigned int dwFree = dwEvents + 1;
@@ -105,10 +106,10 @@ struct S_Annotations {
 };
 
 // Removes the labels of the library, and the cue points and texts that belong to them. Cue points
-// and texts are the user's, and stay, when a label of the user has their identifier, too.
+// and texts that share their identifier with a label of the user belong to the user and stay.
 //
-// Here and below, everything that may run out of memory is done before the first change: half of
-// these changes would turn cue points of events into cue points of the user.
+// Here and below, everything that may run out of memory is done before the first change: if only
+// half of the changes were made, cue points of events would become cue points of the user.
 void RemoveLibraryLabels(const S_Annotations& annotations) {
   const C_IDs library = IDsOfLabels(annotations.listInfo, true);
   const C_IDs user = IDsOfLabels(annotations.listInfo, false);

@@ -44,9 +44,10 @@ void LoadEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInf
 
 // Rewrites cue points and labels: first those of the user, then those of the sound's events.
 // Everything is the user's except the labels that IsLibraryLabel accepts, and the cue points and
-// texts whose identifiers have only such labels. When the user's identifiers are those of events,
-// they change to the lowest free ones after the events, in cue points, labels, texts and loops
-// alike. To info objects of other classes than the library's own, events are only added.
+// texts whose identifiers have only such labels. Where the user's identifiers are also those of
+// events, they change to the lowest free identifiers after those of the events, in cue points,
+// labels, texts and loops alike. If the info objects are not of the library's own classes, events
+// are only added to them.
 void SaveEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo,
                 I_WavDataSamplerInfo& samplerInfo);
 

@@ -21,8 +21,8 @@
 
 namespace wavchunks {
 
-// What goes with each interface of info objects: the kind to ask for, and the text of the assertion
-// that stops the program when the object is missing.
+// What belongs to each interface of info objects: the kind to ask for, and the text of the
+// assertion that stops the program when the object is missing.
 template <typename Info>
 struct S_InfoTraits;
 template <>
@@ -53,7 +53,7 @@ Info* InfoOf(C_WavFileBase& file) {
   return file.GetDataInfo(S_InfoTraits<Info>::kKind, &pInfo) ? static_cast<Info*>(pInfo) : nullptr;
 }
 
-// The same, for callers to whom a missing object is an error in the program: the program stops.
+// The same, for callers that cannot do without the object: a missing object stops the program.
 template <typename Info>
 Info& RequiredInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
   Info* pInfo = InfoOf<Info>(file);

@@ -14,8 +14,8 @@ namespace {
 constexpr const char* kSource = "WaveFileLib/WavFile";
 constexpr vcm::S_AssertSite kWriteSite{"WriteFile", kSource};
 
-// Keeps the chunks that nothing else reads. When the first one of this file comes, those of an
-// earlier file are removed.
+// Keeps the chunks that nothing else reads. The first such chunk of a file removes those of an
+// earlier file.
 class C_ExtraChunkKeeper {
  public:
   explicit C_ExtraChunkKeeper(I_WavDataExtraChunkInfo* pInfo) : m_pInfo(pInfo) {}
@@ -24,7 +24,8 @@ class C_ExtraChunkKeeper {
     if (m_pInfo == nullptr) return;
     if (m_bFirst) m_pInfo->RemoveAll();
     m_bFirst = false;
-    // A chunk that cannot be read is left out: a file that was cut in it still has its sound.
+    // A chunk that cannot be read is left out: a file that was cut off inside such a chunk still
+    // has its sound.
     static_cast<void>(m_pInfo->AddRiffChunk(chunk.GetChunkID(), &chunk));
   }
 
@@ -153,8 +154,9 @@ void C_WavFile::LoadAnnotations() {
   GetWavData()->SetEncType(GetFileFormat());
 }
 
-// Kept: cue points and labels of other makers are lost here, because those in a file always say
-// what the annotations say and nothing else. Pinned by Write_DropsCuePointsAndLabelsOfOthers.
+// Kept: cue points and labels of other makers are lost here, because a written file always holds
+// exactly the cue points and labels of the annotations. Pinned by
+// Write_DropsCuePointsAndLabelsOfOthers.
 void C_WavFile::RegenerateAnnotations() {
   auto& cueInfo = wavchunks::RequiredInfo<I_WavDataCueInfo>(*this, kWriteSite);
   auto& listInfo = wavchunks::RequiredInfo<I_WavDataListInfo>(*this, kWriteSite);

@@ -10,7 +10,7 @@
 //   "LIST"   of type "adtl": labels            when there are annotations
 //   others   kept verbatim                     unless empty
 //
-// A later "fmt " or "data" chunk counts instead of an earlier one. Events, silence segments and
+// When there are several "fmt " or "data" chunks, the last one counts. Events, silence segments and
 // uncompressed regions are stored as cue points with labels (WavLabels.h).
 //
 // Compressed sounds (MS ADPCM, A-law, mu-law, DVI ADPCM) become 16-bit PCM when they are loaded,
@@ -37,9 +37,9 @@ class C_RiffFile;
 //   codec parameters             stay
 //
 // The events, segments and regions are made by LoadData, everything else by opening the file.
-// Labels that stay count as labels of the new file: what they name is made again, and a label of
-// that kind that has lost its cue point stops the program (WavLabels.h). To start afresh, use a new
-// object.
+// Labels that stay count as labels of the new file: the annotations that they describe are made
+// again. If the cue point of such a label is gone, the program stops (WavLabels.h). To start
+// afresh, use a new object.
 class C_WavFile : public C_WavFileBase {
  public:
   C_WavFile() = default;
@@ -49,8 +49,8 @@ class C_WavFile : public C_WavFileBase {
   // fills the format and the informational chunks of the sound. A "cue " or "LIST" chunk of less
   // than 4 bytes, a "smpl" chunk of less than 36 bytes, and any chunk of another name that the file
   // cuts are left out; a "cue ", "smpl" or "LIST" chunk with other damage makes the result false.
-  // GetFileFormat tells the form afterwards, even when the format is refused. The file is closed on
-  // return and its name is not kept.
+  // Afterwards GetFileFormat returns the form, even when the format was refused. The file is closed
+  // on return and its name is not kept.
   bool CheckFormat(const char* pszFileName, bool bWithInfo) override;  // 21
   // Reads samples and annotations of the file that OpenByName opened; the arguments have no effect.
   // Samples that the file lacks are zero, see C_WavFileBase::kMaxMissingBytes. A compressed sound
@@ -59,14 +59,14 @@ class C_WavFile : public C_WavFileBase {
   bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                 PFN_DecodedData pfnData) override;  // 22
   // Writes the sound in the form that GetFileFormat names: AUDIO_FILE_WAVE or AUDIO_FILE_VEMD. An
-  // existing file is replaced. Only pszFileName has an effect; the codec files give the other
-  // arguments their meaning. Samples are written in the widths of the sound's codec parameters when
-  // these are set; otherwise 12 bits are written as 16. The sound's own cue points and labels are
-  // replaced by those of its annotations.
+  // existing file is replaced. Only pszFileName has an effect; the other arguments matter only for
+  // codec files. Samples are written in the widths of the sound's codec parameters when these are
+  // set; otherwise 12 bits are written as 16. The sound's own cue points and labels are replaced by
+  // those of its annotations.
   //
-  // False, and no file touched, without a sound or its PCM, for any other kind, and for widths that
-  // cannot be converted. The target is opened only when the whole file is assembled. A failure
-  // while writing is false, too, and may leave a partial file.
+  // Returns false without touching a file when the sound or its PCM is missing, for any other kind,
+  // and for widths that cannot be converted. The target is opened only when the whole file is
+  // assembled. A failure while writing also returns false, and may leave a partial file.
   bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                  PFN_CodecProgress pfnProgress, bool bForceEncode,
                  unsigned int dwCodecOption) override;  // 23
@@ -80,7 +80,7 @@ class C_WavFile : public C_WavFileBase {
 
   bool OpenRiff(C_RiffFile& riff, const char* pszFileName);
   // Also sets the coding type. Empty for a file without a format, and for a sound whose length in
-  // bytes does not fit 32 bits.
+  // bytes does not fit in 32 bits.
   std::optional<S_LinearForm> DescribeLinearForm();
   std::optional<S_LinearForm> DescribeDecodedForm() const;
   bool LoadInfoChunks(C_RiffFile& riff);

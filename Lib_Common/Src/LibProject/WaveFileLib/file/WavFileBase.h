@@ -5,8 +5,8 @@
 // (attached). Derived classes say which files are theirs (CheckFormat), and read and write them
 // (LoadData, WriteFile).
 //
-// Reference-counted: a new object has count 0 and lives until one more Release than AddRef calls.
-// One object is used by one thread at a time.
+// Reference-counted: a new object has count 0 and lives until Release has been called once more
+// than AddRef. Only one thread may use an object at a time.
 #pragma once
 
 #include <string>
@@ -20,8 +20,8 @@ class C_RiffFile;
 
 // One object can open several files, one after another. They all go into the same sound, so
 // pointers to the sound stay valid. Codec parameters always stay; each derived class says what else
-// of an earlier file stays. When a file fails to open, the name and the length of the earlier file
-// stay, but parts of the sound may be replaced already.
+// stays from an earlier file. When a file fails to open, the name and the length of the earlier
+// file stay, but parts of the sound may be replaced already.
 class C_WavFileBase : public I_WavFile {
  public:
   // Values of GetCodingType. For codec files and containers, it is the file type of the encoded
@@ -49,8 +49,8 @@ class C_WavFileBase : public I_WavFile {
   unsigned int GetCodingType() override { return m_dwCodingType; }
   I_WavInfo* GetWavInfo() override;
 
-  // Uses a sound of the caller's, without counting a reference: the sound must outlive the
-  // attachment. Releases a sound of the file's own first. Null leaves the file without a sound.
+  // Uses the caller's sound, without counting a reference: that sound must outlive the attachment.
+  // If the file owns a sound, that sound is released first. Null leaves the file without a sound.
   // Gives the events of the sound its sample rate.
   void AttachWavData(I_WavData* pIWavData) override;
   // Ends the attachment and returns the sound; the file then has none. Null when no sound is
@@ -75,7 +75,7 @@ class C_WavFileBase : public I_WavFile {
                unsigned int dwCodecOption) override;
   bool GetDataInfo(int nType, void** ppInfo) override;
   // Offset in bytes of the samples in the RIFF file that CheckFormat last looked at; 0 before the
-  // first and for a file without a "data" chunk.
+  // first call, and for a file without a "data" chunk.
   unsigned int GetDataStartPos() override { return m_dwDataStartPos; }
 
   // Opens the file without its samples: checks the format, fills the format and the informational
@@ -88,9 +88,10 @@ class C_WavFileBase : public I_WavFile {
   bool LoadByName(const char* pszFileName, bool bKeepEncoded, const char* pszCodecOption,
                   PFN_DecodedData pfnData);
 
-  // For whoever makes the object: the kind that C_WavFile writes, and the type of the encoded form
-  // that the sound carries. Of the classes, only C_WavFile sets the file format anew when it opens
-  // a file. All set the coding type, except for A-law and mu-law files (WavTags.cpp).
+  // For the code that makes the object: the kind that C_WavFile writes, and the type of the encoded
+  // form that the sound carries. When a file is opened, C_WavFile is the only class that sets the
+  // file format again. All classes set the coding type, except for A-law and mu-law files
+  // (WavTags.cpp).
   void SetFileFormat(tagAudioFileType eFormat) { m_eFileFormat = eFormat; }
   void SetCodingType(unsigned int dwCodingType) { m_dwCodingType = dwCodingType; }
 
@@ -105,7 +106,8 @@ class C_WavFileBase : public I_WavFile {
   // for a format record that is refused.
   bool FindFormatAndData(C_RiffFile& riff);
   // Gives the sound the rate and the channel count of the format record, and the given length in
-  // bytes and width in bits. More than 8 bits are signed. Removes the samples of an earlier file.
+  // bytes and width in bits. Samples of more than 8 bits are signed. Removes the samples of an
+  // earlier file.
   void SetLinearForm(unsigned int dwByteLength, unsigned short wBits);
 
   // Reads as many bytes as the wave info says, from GetDataStartPos() on, into a new buffer of the

@@ -48,7 +48,7 @@ class C_StepChoice {
   int m_nOffset;
   // The rounding error, which is carried over to the next frame. Otherwise all frames of a sound
   // with steady loudness would change their steps at the same offset, and no offset would fill the
-  // size that is allowed.
+  // allowed size.
   int m_nCarried = 0;
 };
 

@@ -8,8 +8,8 @@
 //
 // Padding makes the coded audio at least as many bytes long as the samples have frames.
 //
-// How coarsely a frame is quantised follows its loudness: its step rises by 5/8 of what its level
-// rises (both in dB). Louder frames get more bits and, in proportion, less noise. A constant step
+// How coarsely a frame is quantised follows its loudness: its step rises by 5/8 as much as its
+// level (both in dB). Louder frames get more bits and, in proportion, less noise. A constant step
 // would sound worse in soft passages; a constant ratio of level to step would waste bits there.
 #pragma once
 
@@ -32,8 +32,8 @@ class C_Encoder {
   C_Encoder(std::span<const std::int16_t> samples, int nSampleRate);
 
   // Returns the coded audio for an offset of the step sizes, in 256ths of a step index; a higher
-  // offset is coarser. Offsets outside kFinestOffset..kCoarsestOffset give the same as the nearer
-  // end.
+  // offset is coarser. Offsets outside kFinestOffset..kCoarsestOffset count as the nearer of these
+  // two.
   [[nodiscard]] std::vector<std::uint8_t> Encode(int nOffset, const S_Progress& fnProgress) const;
   // The number of frames that the samples fill; the last one may be filled only in part.
   [[nodiscard]] std::size_t FrameCount() const noexcept;
@@ -41,8 +41,8 @@ class C_Encoder {
   // An octave of step size: four step indices (StepSize.h) of 256 each.
   static constexpr int kOffsetsPerOctave = 4 * 256;
   // At the finest offset even the loudest frame has step index 0: its loudness (Loudness.h) adds
-  // 5/4 of 30 * 256, less than 12 octaves. At the coarsest one every frame has the last index: all
-  // of them span 18 octaves.
+  // 5/4 of 30 * 256, less than 12 octaves. At the coarsest offset every frame has the last index:
+  // the indices span 18 octaves in all.
   static constexpr int kFinestOffset = -12 * kOffsetsPerOctave;
   static constexpr int kCoarsestOffset = 18 * kOffsetsPerOctave;
 

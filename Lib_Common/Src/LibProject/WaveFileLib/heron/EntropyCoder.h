@@ -5,7 +5,7 @@
 // them.
 //
 // Symbols go through a range coder: a symbol of a table with total 2^15 takes 15 - log2(its
-// frequency) bits. Both directions hold the same 64-bit range, at first 2^64 - 1:
+// frequency) bits. Encoder and decoder keep the same 64-bit range, which begins as 2^64 - 1:
 //
 //   unit = range >> 15;  low += unit * sum of the frequencies below;  range = unit * frequency
 //   then, if range < 2^32: the top four bytes of low are written, highest first; low and range are

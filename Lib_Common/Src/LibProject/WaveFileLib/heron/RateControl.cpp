@@ -23,7 +23,7 @@ constexpr int kFirstOffsetPerBit = -1147;  // for each bit per sample
 // For each unit of the mean loudness, in quarters.
 constexpr int kFirstOffsetPerLoudnessInQuarters = 3;
 
-// Fractions of the size that is allowed, as their reciprocals. They are choices: a smaller share of
+// Fractions of the allowed size, as their reciprocals. They are a compromise: a smaller share of
 // unused bytes would cost more passes than it is worth.
 constexpr std::int64_t kUnusedAfterSecants = 512;  // may stay unused while secants are left
 constexpr std::int64_t kUnusedAfterHalving = 200;  // may stay unused after that

@@ -15,8 +15,8 @@
 namespace heron {
 
 // Codes the samples at nBitDepth (kMinBitDepth..kMaxBitDepth) bits each. With the kHeadBytes that
-// the caller puts before it, *pCoded takes at most samples * nBitDepth / 8 bytes. Sounds of some
-// tens of samples are an exception and take what they need.
+// the caller puts before it, *pCoded takes at most samples * nBitDepth / 8 bytes. Sounds of only a
+// few dozen samples are an exception and take what they need.
 //
 // The whole sound is coded several times until its size fits. fnFrames (may be empty) is called
 // with the number of frames done; the numbers rise, and the last one is the count of all frames.

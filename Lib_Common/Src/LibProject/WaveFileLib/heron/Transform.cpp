@@ -62,8 +62,9 @@ std::vector<S_Rotation> Dct4Rotations(int nLength) {
 
 constexpr std::int16_t Limit16(std::int64_t nValue) noexcept {
   const auto nNarrow = static_cast<std::int16_t>(nValue);
-  if (nNarrow == nValue) [[likely]]
+  if (nNarrow == nValue) [[likely]] {
     return nNarrow;
+  }
   return nValue < 0 ? std::numeric_limits<std::int16_t>::min()
                     : std::numeric_limits<std::int16_t>::max();
 }

@@ -2,7 +2,7 @@
 //
 // One sound with everything that travels with it: format, PCM, encoded form, events, codec
 // parameters, silence segments, uncompressed regions and informational chunks. Reference-counted;
-// one object is used by one thread at a time.
+// only one thread may use an object at a time.
 #pragma once
 
 #include <memory>
@@ -24,8 +24,8 @@ class I_WavData {
   using RegionList = I_CLArray<I_UncompressRegion*>;
 
   virtual int AddRef() = 0;  // 1, the new count
-  // Deletes the object when the count is below 1; otherwise the new count. A new object has count
-  // 0: it lives until one more Release than AddRef calls.
+  // Deletes the object and returns 0 when the count is below 1; otherwise returns the new count. A
+  // new object has count 0: it lives until Release has been called once more than AddRef.
   virtual int Release() = 0;  // 2
   // Borrowed pointers, valid as long as the object (buffers: until the next change).
   virtual I_WavInfo* GetWavInfo() = 0;         // 3
@@ -54,7 +54,8 @@ class I_WavData {
   virtual I_WavData* CreateBitsConvertedData(unsigned short wBits, unsigned short wStoreBits,
                                              bool bSigned, bool bExact) = 0;  // 15
   virtual I_WavData* Clone() = 0;                                             // 16, PCM and format
-  // A mono sound with a part of one channel; null outside the sound.
+  // Returns a part of one channel as a mono sound. Null when the channel or the part lies outside
+  // the sound.
   virtual I_WavData* CreateChannelData(unsigned short wChannelNo, unsigned int dwStartSample,
                                        unsigned int dwSampleCount) = 0;  // 17
   // Writes all bytes of a mono source into one channel of this sound. The bytes are taken as
@@ -63,7 +64,8 @@ class I_WavData {
   // fit. nReserved has no effect.
   virtual bool SetChannelData(I_WavData* pSrc, unsigned short wChannelNo,
                               unsigned int dwStartSample, int nReserved) = 0;  // 18
-  // The three mixing operations do nothing when the PCM buffer is attached.
+  // The next three operations mix channels. They do nothing when the PCM buffer is attached.
+  //
   // Mixes the channels to their average. This is right for stereo; for more channels the frames are
   // still taken as stereo. Mono stays as it is.
   virtual void ConvertToMono() = 0;  // 19
@@ -73,8 +75,8 @@ class I_WavData {
   // right, or the only one of mono. The other side is silent.
   virtual void ConvertToStereoWithSilence(unsigned short bRight) = 0;  // 21
   virtual I_AudioCodecParam* GetAudioCodecParam() = 0;                 // 22
-  // Writes the sound as a file. False, and nothing written, when the byte length of the PCM is 0 or
-  // when files of kind eType cannot be written.
+  // Writes the sound as a file. Returns false and writes nothing when the byte length of the PCM is
+  // 0 or when files of kind eType cannot be written.
   //   eType            AUDIO_FILE_WAVE, AUDIO_FILE_VEMD, AUDIO_FILE_KESTREL or one of
   //                    AUDIO_FILE_HERON_...
   // WAVE and VEMD are always PCM, in the widths of the codec parameters if these have any; the
@@ -84,10 +86,9 @@ class I_WavData {
   //                    annotations and the stream.
   //   bWriteCodecHead  with bEncode: the 6-byte codec head (CodecHead.h) before the stream.
   //   pfnProgress      may be null; it is told how far the encoder is.
-  //   bForceEncode     false: when the sound's encoded form is of kind eType already, those bytes
-  //   are
-  //                    written and the PCM is not encoded again, even if it was changed. True:
-  //                    always encode.
+  //   bForceEncode     false: when the sound's encoded form is of kind eType already, its bytes
+  //                    are written and the PCM is not encoded again, even if it was changed.
+  //                    True: always encode.
   //   dwCodecOption    no effect.
   virtual bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
                        bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
@@ -96,7 +97,8 @@ class I_WavData {
   // Detects silence and adds a segment for each quiet stretch. dwThreshold is on a 12-bit scale, at
   // most 2047; dwMinLength is in samples. bReplace first removes the segments that start or end in
   // the range. A range that reaches beyond the sound ends with the sound. Returns the sound's own
-  // list; null, and nothing changed, for a greater threshold or a first channel above the last.
+  // list. Returns null and changes nothing for a greater threshold or a first channel above the
+  // last.
   virtual SilenceList* DetectSilence(unsigned int dwThreshold, unsigned int dwMinLength,
                                      bool bReplace) = 0;  // 25
   virtual SilenceList* DetectSilenceRange(unsigned int dwThreshold, unsigned int dwMinLength,
@@ -106,8 +108,8 @@ class I_WavData {
   // Both append a range, merge the list and return the sound's own list.
   virtual SilenceList* AddSilenceSegment(unsigned int dwStart, unsigned int dwEnd) = 0;   // 27
   virtual RegionList* AddUncompressRegion(unsigned int dwStart, unsigned int dwEnd) = 0;  // 28
-  // Both walk once over the list and merge each item with the first other item that it shares a
-  // sample with. The order stays, and items that only touch stay apart.
+  // Both go through the list once and merge each item with the first other item that shares a
+  // sample with it. The order stays, and items that only touch stay apart.
   virtual void MergeSilenceSegments() = 0;    // 29
   virtual void MergeUncompressRegions() = 0;  // 30
   // Uses the caller's memory as PCM. It must outlive its use here and is never freed.
@@ -133,7 +135,7 @@ class I_WavData {
   // (I_WavDataCueInfo, I_WavDataTextInfo, I_WavDataSamplerInfo, I_WavDataListInfo or
   // I_WavDataExtraChunkInfo); for any other type it becomes null, and the result is false.
   virtual bool GetInfo(int nType, void** ppInfo) = 0;  // 42
-  // The mean of the first channel as the iterator sees it, which is right for mono.
+  // The mean of the first channel. It is read through the iterator, so it is right only for mono.
   virtual int GetDCOffset() = 0;  // 43
   // Subtracts that mean from every channel; values clip.
   virtual void RemoveDCOffset() = 0;                                         // 44
@@ -144,7 +146,7 @@ class I_WavData {
   virtual ~I_WavData() = default;                                           // 48, 49
 };
 
-// Ends a sound with the one Release that its owner owes it.
+// Releases a sound for its owner.
 struct S_WavDataReleaser {
   void operator()(I_WavData* pIWavData) const { pIWavData->Release(); }
 };

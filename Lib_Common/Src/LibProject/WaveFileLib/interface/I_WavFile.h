@@ -12,8 +12,8 @@
 class I_WavFileInfo {
  public:
   virtual int AddRef() = 0;  // 0
-  // Deletes the object when no extra reference is held; otherwise the new count. Never call it on
-  // an object that was not made with new.
+  // Deletes the object and returns 0 when no extra reference is held; otherwise returns the new
+  // count. Never call it on an object that was not made with new.
   virtual int Release() = 0;                     // 1
   virtual const char* GetFileName() = 0;         // 2
   virtual unsigned int GetFileLength() = 0;      // 3, bytes
@@ -27,8 +27,8 @@ class I_WavFileInfo {
 
 class I_WavFile : public I_WavFileInfo {
  public:
-  // Uses a sound of the caller's, which must outlive the attachment. A sound of the file's own is
-  // released first.
+  // Uses the caller's sound, which must outlive the attachment. If the file owns a sound, that
+  // sound is released first.
   virtual void AttachWavData(I_WavData* pIWavData) = 0;  // 7
   virtual I_WavData* DetachWavData() = 0;                // 8, null unless attached
   virtual I_WavData* GetWavData() = 0;                   // 9, borrowed; null when there is none
@@ -53,12 +53,13 @@ class I_WavFile : public I_WavFileInfo {
   // True when this class reads that file. With bWithInfo the sound, which is made first when there
   // is none, gets the format and the informational chunks of the file.
   virtual bool CheckFormat(const char* pszFileName, bool bWithInfo) = 0;  // 21
-  // Reads the samples of the file that was checked and named; for use by the classes themselves.
-  //   bKeepEncoded    of a VEF container that a codec class opened: true reads the PCM that it
-  //                   stores, false decodes its stream. No effect on other files.
-  //   pszCodecOption  no effect; null will do.
-  //   pfnData         may be null. It is given each decoded frame of a Kestrel stream that stands
-  //                   after an SP header, and nothing of other files.
+  // Reads the samples of the file that was checked and whose name was stored; for use by the
+  // classes themselves.
+  //   bKeepEncoded    matters only for a VEF container that a codec class opened: true reads the
+  //                   PCM that it stores, false decodes its stream.
+  //   pszCodecOption  no effect; may be null.
+  //   pfnData         may be null. It is given each decoded frame of a Kestrel stream after an SP
+  //                   header, and is never called for other files.
   virtual bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                         PFN_DecodedData pfnData) = 0;  // 22
   // Writes the sound as the class's own kind of file; false without a sound. The arguments are
@@ -68,7 +69,7 @@ class I_WavFile : public I_WavFileInfo {
                          unsigned int dwCodecOption) = 0;  // 23
 };
 
-// Ends a file object with the one Release that its owner owes it.
+// Releases a file object for its owner.
 struct S_WavFileReleaser {
   void operator()(I_WavFile* pIWavFile) const { pIWavFile->Release(); }
 };

@@ -54,7 +54,7 @@ class C_Categoriser {
   }
 
  private:
-  // The category falls by one for every two steps of power.
+  // The category falls by one for every two steps that the power rises.
   S_Assignment Assign(int nOffset) const {
     S_Assignment assignment;
     for (int r = 0; r < m_nRegions; ++r) {
@@ -65,7 +65,8 @@ class C_Categoriser {
     return assignment;
   }
 
-  // The largest offset that does not spend too little, found by binary search.
+  // The largest offset that still spends at least m_nBits - kOffsetMargin bits, found by binary
+  // search.
   int FindOffset() const {
     int nOffset = -32;
     for (int nStep = 32; nStep > 0; nStep /= 2) {
@@ -74,13 +75,13 @@ class C_Categoriser {
     return nOffset;
   }
 
-  // By how much a region is coarser than its power asks for.
+  // By how much a region is coded finer than its power asks for; negative when it is coarser.
   int Excess(const S_Assignment& assignment, int nRegion) const {
     return m_nOffset - m_envelope[Index(nRegion)] - 2 * assignment.categories[Index(nRegion)];
   }
 
   // The bounds 99 and -99 matter only for damaged frames: a region whose excess is beyond them is
-  // no candidate, and without a candidate the last choice is used again.
+  // not a candidate, and without a candidate the last choice is used again.
   void Refine() {
     int nBest = 99;
     for (int r = 0; r < m_nRegions; ++r) {

@@ -13,8 +13,8 @@
 namespace kestrel {
 namespace {
 
-// False when the bits ran out on the way. The region in which they ran out becomes noise as a
-// whole, and so does every region after it.
+// False when the bits run out. The whole region in which they run out becomes noise, and so does
+// every region after it.
 bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Scale& scale,
                  int nRegions, S_NoiseGenerator& noise, S_Frame& coefficients) {
   bool bEnough = true;
@@ -31,9 +31,10 @@ bool ReadRegions(C_BitReader& reader, const S_Categories& categories, const S_Sc
 }
 
 // A valid frame ends in ones.
-// Kept: where the bits ran out, the check leaves out the last of the bits that remain. Those bits
-// are the first signs of a vector and not padding, so a frame that the encoder had to cut may count
-// as damaged although it is not. Every decoder of these streams conceals such frames. Pinned by
+//
+// Kept: when the bits have run out, the check skips the last of the remaining bits. These bits are
+// the first signs of a vector and not padding, so a frame that the encoder had to cut may count as
+// damaged although it is not. Every decoder of these streams conceals such frames. Pinned by
 // SignsThatDoNotFit_AreTakenForPaddingButForTheLast.
 bool IsValidEnd(C_BitReader& reader, bool bEnough, int nControl) {
   const int nLeft = reader.BitsLeft() - (bEnough ? 0 : 1);

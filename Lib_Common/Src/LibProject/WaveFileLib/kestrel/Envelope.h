@@ -16,7 +16,7 @@
 
 namespace kestrel {
 
-// Range of a power index in a valid frame; in what we write, region 0 starts at -6.
+// Range of a power index in a valid frame. In the frames that we write, region 0 has at least -6.
 inline constexpr int kLowestPower = -15;
 inline constexpr int kHighestPower = 24;
 

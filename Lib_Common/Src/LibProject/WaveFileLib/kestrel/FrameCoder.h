@@ -23,7 +23,7 @@
 //   else                        the nearest, ties up    used / 800        8
 //
 // *pnWordsPerFrame (6..40) and *pnSamplesPerFrame (320) are set in every case, and the coder is
-// usable in every case; 8 only says that it does not run at the rate that was asked for.
+// usable in every case; 8 only means that it does not run at the requested rate.
 int KestrelEncoderInit(unsigned int dwBitRate, int* pnWordsPerFrame, int* pnSamplesPerFrame);
 int KestrelDecoderInit(unsigned int dwBitRate, int* pnWordsPerFrame, int* pnSamplesPerFrame);
 

@@ -25,8 +25,8 @@ void FillWithNoise(S_NoiseGenerator& generator, int nCategory, std::int16_t nDev
   const std::int16_t nLevel = MulQ15(nDeviation, kNoiseFillFactor[nFactor]);
   int nSigns = 0;
   for (std::size_t i = 0; i < kRegionSize; ++i) {
-    // One random number has the signs for half a region; a coefficient that is kept does not use up
-    // a sign.
+    // One random number supplies the signs for half a region; a coefficient that is kept does not
+    // use up a sign.
     if (i % (kRegionSize / 2) == 0) nSigns = NextNoise(generator);
     if (nCategory < kNoiseCategory && region[i] != 0) continue;
     region[i] = (nSigns & 1) != 0 ? nLevel : Neg(nLevel);

@@ -41,7 +41,7 @@ bool AddChannel(I_WavData& wavData, unsigned short wChannel, unsigned int dwStar
 // Appends the mix of dwFrames frames from dwStart on.
 bool MixBlock(I_WavData& wavData, std::int32_t nChannels, unsigned int dwStart,
               unsigned int dwFrames, std::vector<short>& mix) {
-  // The sum of 65,535 channels of 16 bits fits 32 bits.
+  // The sum of 65,535 channels of 16 bits fits in 32 bits.
   std::vector<std::int32_t> sums(dwFrames);
   for (std::int32_t i = 0; i < nChannels; ++i) {
     if (!AddChannel(wavData, static_cast<unsigned short>(i), dwStart, sums)) return false;

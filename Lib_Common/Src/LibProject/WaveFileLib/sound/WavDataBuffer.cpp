@@ -75,8 +75,8 @@ int C_WavDataBuffer::GetMaxAbsValue(unsigned int dwStartSample, unsigned int dwE
       wLastChannel >= Channels()) {
     return -1;
   }
-  // Kept: the end sample is not looked at, although it must exist. Existing sounds were normalised
-  // to peaks found this way. Pinned by MaxAbsValue_LeavesOutTheEndSample.
+  // Kept: the end sample does not count, although it must exist. Existing sounds were normalised to
+  // peaks found this way. Pinned by MaxAbsValue_LeavesOutTheEndSample.
   const unsigned int dwEnd = std::min(dwEndSample, GetHeldSampleSize());
   int nMax = 0;
   for (unsigned int dwSample = dwStartSample; dwSample < dwEnd; ++dwSample) {
@@ -90,8 +90,8 @@ int C_WavDataBuffer::GetMaxAbsValue(unsigned int dwStartSample, unsigned int dwE
 
 C_WavDataBufferIterator* C_WavDataBuffer::CreateIterator(unsigned int dwSamplePos,
                                                          unsigned short wChannelNo) {
-  // Kept: a buffer has one iterator, and the one handed out before is deleted here, so that callers
-  // need not delete any. Pinned by CreateIterator_DeletesTheOneBefore.
+  // Kept: a buffer has one iterator, and the iterator that was handed out before is deleted here,
+  // so that callers need not delete any. Pinned by CreateIterator_DeletesTheOneBefore.
   m_pIterator.reset();
   m_pIterator = std::make_unique<C_WavDataBufferIterator>(*this, dwSamplePos, wChannelNo);
   return m_pIterator.get();

@@ -7,7 +7,7 @@
 //   iterator   a unit as wide as a whole frame at the channel's sample; right for mono. With more
 //              channels it also sees the samples after its own, and frames that are not 1, 2 or 4
 //              bytes wide read 0 and cannot be written
-// Neither leaves the memory that the buffer was given: what lies beyond reads as 0 and is not
+// Neither leaves the memory that the buffer was given: anything beyond it reads as 0 and is not
 // written.
 #pragma once
 

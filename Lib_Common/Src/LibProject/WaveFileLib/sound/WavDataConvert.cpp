@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A sound writes itself as a file. This has a source file of its own, because nothing else in a
+// How a sound writes itself as a file. This is a source file of its own, because nothing else in a
 // sound needs the file classes.
 #include "sound/WavData.h"
 #include "sound/WavFileMaker.h"

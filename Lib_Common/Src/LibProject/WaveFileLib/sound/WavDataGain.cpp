@@ -47,9 +47,9 @@ bool C_WavData::ApplyGainRange(double dStartGain, double dEndGain, unsigned int 
     C_WavDataBufferIterator it(m_pcmBuffer, dwStartSample, static_cast<unsigned short>(dwChannel));
     double dGain = dStartGain;
     for (std::int64_t qnDone = 0; qnDone < qnCount; ++qnDone, it.Next()) {
-      // Kept: the gain grows by one sample's step for a whole block, so a ramp hardly leaves its
-      // start. Sounds are faded by calling this for short ranges. Pinned by
-      // GainRamp_IsAStaircaseOf1024Samples.
+      // Kept: after each block of 1024 samples, the gain changes only by the step that is meant for
+      // one sample, so a ramp hardly leaves its start. Sounds are faded by calling this for short
+      // ranges. Pinned by GainRamp_IsAStaircaseOf1024Samples.
       if (qnDone != 0 && qnDone % kGainBlock == 0) dGain += dStep;
       it.SetValue(ScaledValue(it.GetValue(), dGain, dFullScale), true);
     }

@@ -13,7 +13,7 @@
 
 namespace {
 
-// The length of qwSamples samples in bytes; empty when it does not fit 32 bits.
+// The length of qwSamples samples in bytes; empty when it does not fit in 32 bits.
 std::optional<unsigned int> ConvertedByteLength(std::uint64_t qwSamples,
                                                 unsigned short wStoreBits) {
   // Kept: this rounds with +1, not +7. That makes no difference for whole bytes, the only widths

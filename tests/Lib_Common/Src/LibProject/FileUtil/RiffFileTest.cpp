@@ -143,7 +143,7 @@ TEST_F(RiffFile, ZeroFiller_IsSkippedBeforeEveryHeader) {
 }
 
 TEST_F(RiffFile, ZeroFiller_CountsAgainstTheRiffSize) {
-  // 5 zeros and the first chunk take 17 bytes, so that 7 are left of these 24.
+  // The 5 zeros and the first chunk take 17 of these 24 bytes, so 7 are left.
   const auto file = C_RiffBytes("WAVE").Zeros(5).Chunk("aaaa", {1, 2, 3, 4}).Chunk("bbbb", {});
   EXPECT_EQ(ListingOf(C_RiffBytes(file).RiffSize(4 + 24).Take()), (Lines{"aaaa@25+4"}));
   EXPECT_EQ(ListingOf(C_RiffBytes(file).RiffSize(4 + 25).Take()).size(), 2u);

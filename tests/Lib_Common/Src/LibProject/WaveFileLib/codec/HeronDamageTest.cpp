@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Heron streams that are damaged or cut, and bytes that never were a stream. Decoding always ends,
+// Heron streams that are damaged or cut, and bytes that were never a stream. Decoding always ends,
 // with samples or without, and depends on nothing but the bytes.
 #include <gtest/gtest.h>
 #include <stdlib.h>  // NOLINT(modernize-deprecated-headers): getenv

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The codec from stream to sound, above all with streams that lie.
+// The codec from stream to sound, especially with streams that make false claims.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -251,7 +251,7 @@ TEST(KestrelDecode, StreamCutAtEveryByte_PlaysWhatItHolds) {
 }
 
 TEST(KestrelDecode, BytesBelowASixteenthOfTheLength_FailBeforeTheFirstFrame) {
-  // 7 frames of 9 words: 128 bytes claimed, of which 8 are a sixteenth.
+  // 7 frames of 9 words claim 128 bytes; a sixteenth of that is 8 bytes.
   const auto stream = C_KestrelBytes(7200).Voice(7);
   EXPECT_TRUE(Decode(stream.Take(4 + 8)).bResult);
   EXPECT_EQ(g_lengths.size(), 1u);

@@ -20,7 +20,9 @@ std::unique_ptr<C_MSAdpcmCodec> DecoderOf(unsigned short wTag, unsigned short wB
 
 template <typename Decoder>
 bool Is(const std::unique_ptr<C_MSAdpcmCodec>& decoder) {
-  return decoder && typeid(*decoder) == typeid(Decoder);
+  if (!decoder) return false;
+  const C_MSAdpcmCodec& object = *decoder;
+  return typeid(object) == typeid(Decoder);
 }
 
 TEST(WavTags, AllOtherTags_AreUnknown) {

@@ -14,8 +14,9 @@
 namespace {
 
 struct S_File {
+  unsigned short wTag = 0;
   C_Bytes bytes;
-  std::size_t nFormatEnd;
+  std::size_t nFormatEnd = 0;
 };
 
 // Two whole blocks and a remainder of 11 bytes.
@@ -23,7 +24,8 @@ std::vector<S_File> AllFiles() {
   std::vector<S_File> files;
   for (const S_Blocks& blocks : OneOfEachKind()) {
     const C_Bytes encoded = RampBytes(std::size_t{2} * blocks.wBlockAlign + 11);
-    files.push_back({CompressedWav(blocks, encoded).Take(), 20 + BlockFmt(blocks).size()});
+    files.push_back(
+        {blocks.wTag, CompressedWav(blocks, encoded).Take(), 20 + BlockFmt(blocks).size()});
   }
   return files;
 }
@@ -32,8 +34,8 @@ std::vector<S_File> AllFiles() {
 bool RoundTrip(const C_SweepFile& file, const C_SweepFile& target) {
   const C_WavObjectPtr sound = MakeWav();
   if (!sound->LoadByName(file.Path().c_str(), true, nullptr, nullptr)) return false;
-  // A false length that is just small enough to be believed. The sound has loaded, but is too big
-  // to copy around.
+  // A false length may be just small enough to be accepted. The sound has then loaded, but is too
+  // big to copy around.
   if (sound->GetWavData()->GetBufferLength() > 1u << 20) return true;
   if (!Write(*sound, target.Path())) return sound->GetWavInfo()->GetBitsPerSample() == 12;
   EXPECT_EQ(PcmOf(*LoadWav(target.Path())), PcmOf(*sound));
@@ -89,7 +91,8 @@ TEST(CompressedWavSweep, GeometryFields_SurviveEveryPairOfHostileNumbers) {
   // Tag, channels, block align, bits, samples per block, coefficient count or data, data size.
   const S_Field fields[] = {{20, 2}, {22, 2}, {32, 2}, {34, 2}, {38, 2}, {40, 2}, {44, 4}};
   const C_SweepFile target({});
-  for (const S_File& whole : {AllFiles()[0], AllFiles()[3]}) {
+  for (const S_File& whole : AllFiles()) {
+    if (!FindWavTag(whole.wTag)->bBlocks) continue;
     const C_SweepFile file(whole.bytes);
     for (const S_Field& first : fields) {
       for (const S_Field& second : fields) {

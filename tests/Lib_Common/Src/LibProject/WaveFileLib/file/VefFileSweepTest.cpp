@@ -77,8 +77,8 @@ bool LoadsDecoded(const std::string& strPath) {
 bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
   C_VefFile file;
   if (!file.LoadByName(strPath.c_str(), true, nullptr, nullptr)) return false;
-  // A false length that is just small enough to be believed. The sound has loaded, but is too big
-  // to copy around.
+  // A false length may be just small enough to be accepted. The sound has then loaded, but is too
+  // big to copy around.
   if (file.GetWavData()->GetBufferLength() > 1u << 20) return true;
   // The writer refuses only widths that no conversion supports.
   if (!Write(file, target.Path())) {

@@ -70,8 +70,8 @@ bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
 bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
   const C_WavObjectPtr file = MakeWav();
   if (!file->LoadByName(strPath.c_str(), true, nullptr, nullptr)) return false;
-  // A false length that is just small enough to be believed. The sound has loaded, but is too big
-  // to copy around.
+  // A false length may be just small enough to be accepted. The sound has then loaded, but is too
+  // big to copy around.
   if (file->GetWavData()->GetBufferLength() > 1u << 20) return true;
   // The writer refuses only widths that no conversion supports.
   if (!Write(*file, target.Path())) {
@@ -87,7 +87,7 @@ bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
   return true;
 }
 
-// Asks the questions of detection and factory, whatever the answers.
+// Runs the detection and the factory on the file; the results do not matter.
 void AskAll(const std::string& strPath) {
   C_WavFileFormat format;
   static_cast<void>(format.GetFileFormat(strPath.c_str()));

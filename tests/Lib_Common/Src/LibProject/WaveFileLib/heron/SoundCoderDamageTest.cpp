@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Bytes that no encoder wrote are refused or decode to some sound, and nothing else happens.
+// Bytes that no encoder wrote are either refused or decoded to some sound; nothing worse happens.
 #include <gtest/gtest.h>
 
 #include "Signals.h"

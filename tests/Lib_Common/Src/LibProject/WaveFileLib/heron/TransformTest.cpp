@@ -156,6 +156,17 @@ TEST_P(HeronTransform, LargestCoefficients_GiveSamplesWithinTheirLimits) {
   }
 }
 
+TEST_P(HeronTransform, RisingWindow_IsPowerComplementary) {
+  const C_LappedTransform transform(GetParam());
+  const auto window = transform.RisingWindow();
+  const double dUnit = std::exp2(2 * 28) * 2 / GetParam();
+  for (std::size_t n = 0; n < window.size(); ++n) {
+    const auto dRising = static_cast<double>(window[n]);
+    const auto dFalling = static_cast<double>(window[window.size() - 1 - n]);
+    ASSERT_NEAR((dRising * dRising + dFalling * dFalling) / dUnit, 1.0, 1e-6) << n;
+  }
+}
+
 TEST_P(HeronTransform, RisingWindow_IsTheScaledPowerSine) {
   const C_LappedTransform transform(GetParam());
   ASSERT_EQ(transform.RisingWindow().size(), Samples(1));

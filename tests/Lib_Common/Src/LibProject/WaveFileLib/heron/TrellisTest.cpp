@@ -23,7 +23,7 @@ C_PreviousFrame SilenceBefore(int nIndex) {
   return before;
 }
 
-// What a choice of levels amounts to.
+// The distortion and the bits that a choice of levels leads to.
 struct S_Outcome {
   double dDistortion = 0;  // squared half steps
   double dBits = 0;
@@ -82,7 +82,8 @@ S_Coefficients RandomCoefficients(std::uint64_t qwSeed, double dMostSteps, int n
   return coefficients;
 }
 
-// The cost of both, at about half a squared half step per bit, which is about what the search uses.
+// The combined cost of distortion and bits. One bit counts as 0.48 squared half steps, about as in
+// the search.
 double Cost(const S_Outcome& outcome) { return outcome.dDistortion + 0.48 * outcome.dBits; }
 
 TEST(HeronTrellis, ItsChoice_CostsLessThanTheNearestLevels) {

@@ -391,7 +391,7 @@ TEST(WavDataChannels, StereoOfAFormatWithoutMemory_IsNotMade) {
   unsigned char byOne = 7;
   sound.SetBuffer(&byOne, 1);
   sound.SetWavInfoData(8000, 0x80000000u, 1, 8, 8, false);
-  sound.ConvertToStereo();  // twice the length does not fit 32 bits
+  sound.ConvertToStereo();  // twice the length does not fit in 32 bits
   EXPECT_EQ(sound.GetWavInfo()->GetChannels(), 1);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How a sound uses the file object with which it writes itself. This file defines the maker of file
-// objects, so that it sees every call.
+// How a sound uses the file object that it writes itself with. This file defines the function that
+// makes file objects, so that it sees every call.
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What sounds do when memory runs out. They also free everything that they allocated.
+// What sounds do when memory runs out. They must also free everything that they have allocated.
 #include <gtest/gtest.h>
 
 #include <cstdint>

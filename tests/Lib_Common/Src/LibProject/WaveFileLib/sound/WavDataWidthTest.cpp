@@ -180,7 +180,7 @@ TEST(WavDataWidth, FramesThatIteratorsCannotWrite_BecomeZeros) {
 }
 
 TEST(WavDataWidth, WidenedFrameWideValues_Clip) {
-  // 8-bit stereo reads (1, 1) as 257, which does not fit 16 bits once it is widened.
+  // 8-bit stereo reads (1, 1) as 257, which does not fit in 16 bits once it is widened.
   EXPECT_EQ(ConvertedValues({1, 1}, {2, 8, 8, true, 8000}, kStereo16), (C_Values{32767, 256}));
 }
 
