@@ -3,7 +3,7 @@
 #
 # Measures the Heron codec on a folder of 16-bit mono WAV files: bits, signal-to-noise ratios and
 # what other coders reach with the same bits, then the instructions per sample for encoding and
-# decoding.
+# decoding. Installs what it needs.
 #
 #   bench/heron.sh FOLDER [FILE]     (instructions are counted on FILE, by default on the
 #                                     folder's file of median size)

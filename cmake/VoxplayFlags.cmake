@@ -40,3 +40,12 @@ endif()
 add_library(voxplay_arithmetic INTERFACE)
 add_library(Voxplay::arithmetic ALIAS voxplay_arithmetic)
 target_compile_options(voxplay_arithmetic INTERFACE $<$<CONFIG:Debug>:-O1>)
+
+# voxplay_library(NAME): what the libraries have in common, whatever a parent project sets. Everything
+# is visible in a shared library, because callers derive from its classes; sources have helpers of equal
+# names, so they are not compiled together.
+function(voxplay_library NAME)
+  set_target_properties(${NAME} PROPERTIES
+    CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF UNITY_BUILD OFF)
+  target_compile_features(${NAME} PUBLIC cxx_std_20)
+endfunction()

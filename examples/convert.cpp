@@ -13,7 +13,8 @@
 // as it is.
 //
 // Kestrel is made for speech at 16 kHz. Sound at another rate is not resampled: it is encoded as it
-// is, and plays at its own speed because the file names its rate.
+// is, and the file names its rate.
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -70,15 +71,34 @@ unsigned int BitRateOf(std::string_view text) {
   return bNumber && C_KestrelCodec().IsSupportedBitRate(dwBitRate) ? dwBitRate : 0;
 }
 
-// Why the source cannot be converted; empty when the library reads it and it holds samples.
-std::string WhyNot(const char* pszSource) {
+// Why the source cannot be converted; empty when it can.
+std::string WhyNot(const char* pszSource, bool bKestrel) {
   std::FILE* const pFile = std::fopen(pszSource, "rb");
   if (pFile == nullptr) return std::string(pszSource) + " cannot be opened";
   static_cast<void>(std::fclose(pFile));
   C_WavFileFormat format;
   const C_WavFilePtr file(format.CreateWavFile(pszSource, true, true, nullptr, nullptr));
   if (!file) return std::string(pszSource) + " is no sound file that the library reads";
-  if (file->GetWavInfo()->GetSampleSize() == 0) return std::string(pszSource) + " holds no samples";
+  I_WavInfo& info = *file->GetWavInfo();
+  if (info.GetSampleSize() == 0) return std::string(pszSource) + " holds no samples";
+  // 12 bits are written as 16, and Kestrel encodes 16 bits.
+  const bool bConverted = bKestrel || info.GetBitsPerSample() == 12;
+  if (bConverted &&
+      !IsSupportBitsPerSample(info.GetBitsPerSample(), info.GetStoreBitsPerSample())) {
+    return std::string(pszSource) + " has samples of " + std::to_string(info.GetBitsPerSample()) +
+           " bits, which cannot be converted";
+  }
+  return {};
+}
+
+// Creates the target, so that nobody else's file is written over. Why that cannot be done; empty
+// when it is done.
+std::string Claim(const char* pszTarget) {
+  std::FILE* const pFile = std::fopen(pszTarget, "wbx");
+  if (pFile == nullptr) {
+    return std::string(pszTarget) + (errno == EEXIST ? " exists already" : " could not be written");
+  }
+  static_cast<void>(std::fclose(pFile));
   return {};
 }
 
@@ -96,15 +116,12 @@ int Run(const char* pszSource, const char* pszTarget, const char* pszBitRate) {
                 " is none of Kestrel's bit rates: 7200, 9600, 12000, 14400, 16000, 20000, 24000, "
                 "32000");
   }
-  std::error_code error;
-  if (std::filesystem::exists(std::filesystem::symlink_status(pszTarget, error))) {
-    return Fail(std::string(pszTarget) + " exists already");
-  }
-  if (const std::string strWhy = WhyNot(pszSource); !strWhy.empty()) return Fail(strWhy);
+  if (const std::string strWhy = WhyNot(pszSource, bKestrel); !strWhy.empty()) return Fail(strWhy);
+  if (const std::string strWhy = Claim(pszTarget); !strWhy.empty()) return Fail(strWhy);
   const bool bDone = bKestrel ? ConvertToKestrel(pszSource, pszTarget, dwBitRate)
                               : ConvertToWav(pszSource, pszTarget);
   if (bDone) return EXIT_SUCCESS;
-  std::filesystem::remove(pszTarget, error);  // what a full disk left behind
+  static_cast<void>(std::remove(pszTarget));
   return Fail(std::string(pszTarget) + " could not be written");
 }
 

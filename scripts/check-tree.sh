@@ -12,10 +12,15 @@ fail() {
 mapfile -d '' sources < <(scripts/sources.sh)
 mapfile -d '' code < <(find common Lib_Common platform player -name '*.cpp' -print0 -o -name '*.h' -print0)
 
-# What no target builds is never compiled, and a test that no program has never runs.
+# What no target builds is never compiled, and a test that no program has never runs. Programs of one
+# source are listed without its suffix.
 cmake_lists=$(cat CMakeLists.txt $(find . -mindepth 2 -name CMakeLists.txt -not -path './build/*'))
 while IFS= read -r file; do
-  grep -qwF "$(basename "$file" .cpp)" <<<"$cmake_lists" || fail "$file is listed in no CMakeLists.txt"
+  name=$(basename "$file" .cpp)
+  listed=$name.cpp
+  [[ $file =~ ^(fuzz|bench|examples|training)/[^/]*$ ]] && listed=$name
+  grep -qwF -e "$listed" -e "add_server_test($name" <<<"$cmake_lists" ||
+    fail "$file is listed in no CMakeLists.txt"
 done < <(find common player platform fuzz bench examples training tests -name '*.cpp')
 while IFS= read -r -d '' file; do
   grep -qwF "${file#Lib_Common/Src/LibProject/}" Lib_Common/Src/LibProject/CMakeLists.txt ||
@@ -49,15 +54,25 @@ if grep -nE '\b(i|o)?fstream\b' "${library[@]}"; then fail "a file is opened as 
 
 scripts/check-floors.sh || fail "the floors are not kept"
 
-# The families of classes that callers know: each is a pair of files under its own name.
+# The library's rooms but for the frame coders, whose names are in namespaces under rules of their own.
 wave=Lib_Common/Src/LibProject/WaveFileLib
-for stem in "$wave"/{WavFileFormat,annotation/{EventTag,EventTagMgr},chunk/WavDataInfo,codec/KestrelCodec} \
-  "$wave"/{file/{WavFile,VefFile,KestrelFile,HeronFile,SpHeader},sound/{WavData,WavDataBuffer,WavInfo}} \
+mapfile -t rooms < <(scripts/check-floors.sh --rooms | grep "^$wave" | grep -vE '/(kestrel|heron)$')
+((${#rooms[@]})) || fail "the library has no rooms"
+
+# The families of classes that callers know: each is a pair of files under its own name. So is every
+# other source of the library, except those that divide the operations of C_WavData.
+for stem in "$wave"/{WavFileFormat,annotation/{EventTag,EventTagMgr},chunk/WavDataInfo} \
+  "$wave"/codec/{KestrelCodec,HeronCodec} "$wave"/sound/{WavData,WavDataBuffer,WavInfo,AudioCodecParam} \
+  "$wave"/file/{WavFileBase,WavFile,VefFileBase,VefFile,CodecFileBase,KestrelFile,HeronFile,SpHeader} \
   Lib_Common/Src/LibProject/FileUtil/RiffFile common/{CLString,VCM} player/{Voxplay,FileType,PcmQueue}; do
   [[ -e $stem.h && -e $stem.cpp ]] || fail "$stem.h and $stem.cpp belong together"
 done
-# The frame coders' names are in namespaces, under rules of their own.
-rooms=("$wave"/{,annotation,chunk,codec,compressed,file,interface,sound})
+while IFS= read -r file; do
+  [[ -e ${file%.cpp}.h || $file == */sound/WavData[A-Z]*.cpp ]] || fail "$file has no header of its name"
+done < <(find "${rooms[@]}" -maxdepth 1 -name '*.cpp')
+while IFS= read -r file; do fail "$file: sources end in .cpp and .h"; done < <(
+  find . \( -path ./build -o -path ./.git \) -prune -o -type f -regextype egrep \
+    -regex '.*\.(cc|cxx|c|hpp|hh|hxx|inc|inl|ipp)' -print)
 while IFS= read -r line; do fail "$line: not named as an interface, class, record or enumeration is"; done < <(
   find "${rooms[@]}" Lib_Common/Src/LibProject/FileUtil -maxdepth 1 -name '*.h' -exec \
     grep -nHE '^(class|struct|enum) ' {} + |
@@ -75,7 +90,7 @@ if grep -nE '\b(GTEST_SKIP|DISABLED_)' "${sources[@]}"; then fail "a test is swi
 
 # What must be the same everywhere and is not checked by clang-format or clang-tidy.
 comparison='(EXPECT|ASSERT)_(EQ|NE|STREQ|STRNE|LT|LE|GT|GE|NEAR|DOUBLE_EQ|FLOAT_EQ)'
-constant="-?[0-9][0-9a-fA-FxXuUlL.']*|\"[^\"]*\"|'[^']+'|true|false|nullptr|noErr"
+constant="-?[0-9][0-9a-fA-FxXuUlL.']*|\"[^\"]*\"|'[^']+'|true|false|nullptr|noErr|(AUDIO_FILE|WAV_CODING|WAVE_TAG|I_Voxplay::k)[A-Za-z0-9_]*"
 if grep -nE "$comparison\(($constant), " "${sources[@]}"; then
   fail "an expectation expects the constant first; the actual value comes first"
 fi
@@ -83,13 +98,13 @@ fi
 if ! awk -v most=100 '
   function indent(line) { return match(line, /[^ ]/) }
   function is_head(line) {
-    return line ~ /^ *(for|while|if) / && gsub(/\(/, "(", line) == gsub(/\)/, ")", line)
+    return line ~ /^ *((} )?else if|for|while|if) / && gsub(/\(/, "(", line) == gsub(/\)/, ")", line)
   }
   FNR == 1 { before = above = "" }
   is_head(above) && above ~ /\)$/ && indent($0) == indent(above) + 2 && !/^ *(\{|\/\/)/ {
     print FILENAME ":" FNR ": a body on its own line has no braces"; bad = 1
   }
-  is_head(before) && before ~ /\) \{$/ && /^ *}$/ && indent($0) == indent(before) &&
+  is_head(before) && before !~ /else/ && before ~ /\) \{$/ && /^ *}$/ && indent($0) == indent(before) &&
     above ~ /;$/ && before above !~ /\/\// && indent(above) == indent(before) + 2 &&
     above !~ /^ *(for|while|if|do|switch|case|else|EXPECT|ASSERT)/ &&
     length(before) - 1 + length(above) - indent(above) + 1 <= most {

@@ -12,8 +12,9 @@ scripts/install-deps.sh library
 jobs=$(nproc)
 
 # Switches off both ways in which CMake finds the player's packages.
-cmake --preset library -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
-cmake --build --preset library --parallel "$jobs"
+cmake --preset library -B build/library-alone \
+  -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
+cmake --build build/library-alone --parallel "$jobs"
 
 build() {
   local folder=build/consumer-$1
@@ -28,4 +29,4 @@ build() {
   }
 }
 build archives -DCMAKE_POSITION_INDEPENDENT_CODE=ON
-build shared -DBUILD_SHARED_LIBS=ON
+build shared -DBUILD_SHARED_LIBS=ON -DCMAKE_CXX_VISIBILITY_PRESET=hidden -DCMAKE_UNITY_BUILD=ON

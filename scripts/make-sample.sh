@@ -23,8 +23,8 @@ for tool in espeak-ng sox; do
 done
 
 cd "$root"
-cmake --preset release >/dev/null
-cmake --build --preset release --target convert -j "$(nproc)" >/dev/null
+cmake --preset library >/dev/null
+cmake --build --preset library --target convert -j "$(nproc)" >/dev/null
 
 work=$(mktemp -d)
 trap 'rm -r "$work"' EXIT
@@ -32,5 +32,5 @@ espeak-ng -v en-gb -s 150 -w "$work/spoken.wav" "$sentence"
 # Without dither, so that every run gives the same samples. A quarter of a second of silence before
 # and after keeps devices that start slowly from cutting off the first word.
 sox -D "$work/spoken.wav" -r 16000 -c 1 -b 16 "$work/speech.wav" norm -3 pad 0.25 0.25
-build/release/bin/convert "$work/speech.wav" "$work/speech.kst" "$bit_rate"
+build/library/bin/convert "$work/speech.wav" "$work/speech.kst" "$bit_rate"
 mv "$work/speech.kst" "$target"

@@ -29,8 +29,8 @@
 
 namespace {
 
-template <std::size_t kSymbols>
-using S_Counts = std::array<double, kSymbols>;
+template <std::size_t nSymbols>
+using S_Counts = std::array<double, nSymbols>;
 
 struct S_Statistics {
   std::array<std::array<S_Counts<heron::kMagnitudeSymbols>, heron::kMagnitudeTables>,
@@ -123,17 +123,17 @@ void CountSymbols(const std::vector<std::uint8_t>& coded, int nSampleRate,
 
 // Frequencies that add up to the range coder's total, each at least 1. A little of a geometric
 // distribution around the same mean is added, for symbols that the material happens not to contain.
-template <std::size_t kSymbols>
-std::array<std::uint32_t, kSymbols> Frequencies(const S_Counts<kSymbols>& counts,
-                                                const S_Counts<kSymbols>& prior) {
+template <std::size_t nSymbols>
+std::array<std::uint32_t, nSymbols> Frequencies(const S_Counts<nSymbols>& counts,
+                                                const S_Counts<nSymbols>& prior) {
   double dTotal = 0;
-  for (std::size_t n = 0; n < kSymbols; ++n) dTotal += counts[n] + prior[n];
-  std::array<std::uint32_t, kSymbols> frequencies{};
+  for (std::size_t n = 0; n < nSymbols; ++n) dTotal += counts[n] + prior[n];
+  std::array<std::uint32_t, nSymbols> frequencies{};
   std::uint32_t nSum = 0;
-  for (std::size_t n = 0; n < kSymbols; ++n) {
+  for (std::size_t n = 0; n < nSymbols; ++n) {
     const double dShare = (counts[n] + prior[n]) / dTotal;
     nSum += frequencies[n] =
-        std::max(1u, static_cast<std::uint32_t>(dShare * (heron::kFrequencyTotal - kSymbols)));
+        std::max(1u, static_cast<std::uint32_t>(dShare * (heron::kFrequencyTotal - nSymbols)));
   }
   *std::max_element(frequencies.begin(), frequencies.end()) += heron::kFrequencyTotal - nSum;
   return frequencies;
@@ -156,10 +156,10 @@ S_Counts<heron::kIndexSymbols> IndexPrior() {
   return prior;
 }
 
-template <std::size_t kSymbols>
-void PrintRow(const char* pszIndent, const std::array<std::uint32_t, kSymbols>& row) {
+template <std::size_t nSymbols>
+void PrintRow(const char* pszIndent, const std::array<std::uint32_t, nSymbols>& row) {
   std::printf("%s{", pszIndent);
-  for (std::size_t n = 0; n < kSymbols; ++n) {
+  for (std::size_t n = 0; n < nSymbols; ++n) {
     std::printf("%s%u", n == 0 ? "" : n % 16 == 0 ? ",\n    " : ", ", row[n]);
   }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Decodes a file twice, once by the library that this program is linked with and once by the one in
-// a plug-in. Fails unless both find the same sound.
+// Decodes a file twice: with the library that this program is linked with, and with the one in a
+// plug-in. Fails unless both decode the same number of samples.
 #include <dlfcn.h>
 
 #include <cstdio>

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -121,6 +122,28 @@ TEST_F(ConvertExample, SoundWithoutSamples_FailsAndCreatesNothing) {
   EXPECT_EQ(m_run.strErr, "convert: " + Path("a.wav") + " holds no samples\n");
   EXPECT_EQ(Convert("a.wav", "b.kst"), 1);
   EXPECT_THAT(Entries(), ElementsAre("a.wav"));
+}
+
+TEST_F(ConvertExample, WidthThatCannotBeConverted_FailsAndCreatesNothing) {
+  for (const auto wBits : std::initializer_list<std::uint16_t>{12, 20, 24}) {
+    Write("a.wav", C_RiffBytes("WAVE")
+                       .Chunk("fmt ", FmtBytes(1, 1, 16000, wBits))
+                       .Chunk("data", RampBytes(6000))
+                       .Take());
+    EXPECT_EQ(Convert("a.wav", "b.kst"), 1);
+    EXPECT_EQ(m_run.strErr, "convert: " + Path("a.wav") + " has samples of " +
+                                std::to_string(wBits) + " bits, which cannot be converted\n");
+    EXPECT_THAT(Entries(), ElementsAre("a.wav"));
+  }
+}
+
+TEST_F(ConvertExample, TwentyFourBits_AreCopied) {
+  Write("a.wav", C_RiffBytes("WAVE")
+                     .Chunk("fmt ", FmtBytes(1, 1, 16000, 24))
+                     .Chunk("data", RampBytes(6000))
+                     .Take());
+  ASSERT_EQ(Convert("a.wav", "b.wav"), 0) << m_run.strErr;
+  EXPECT_EQ(Content("b.wav"), Content("a.wav"));
 }
 
 TEST_F(ConvertExample, TargetThatCannotBeWritten_FailsAndLeavesNothing) {

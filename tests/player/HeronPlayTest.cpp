@@ -75,12 +75,12 @@ TEST_P(HeronPlay, FileAfterAnSpHeader_PlaysWithFourFiveOrSixBits) {
     return;
   }
   ExpectRun(strPath, "0", kPlayed, 0);
-  EXPECT_EQ(WavOf(16000, 1, PcmBytes(*heron::test::Decoded(stream, 16000))), LeftFile());
+  EXPECT_EQ(LeftFile(), WavOf(16000, 1, PcmBytes(*heron::test::Decoded(stream, 16000))));
 }
 
 TEST_P(HeronPlay, Container_PlaysTheSoundThatItStores) {
   ExpectRun(WriteVef(GetParam()), "2", kLength, 0);
-  EXPECT_EQ(WavOf(16000, 1, PcmBytes(TestVoice(kSamples))), LeftFile());
+  EXPECT_EQ(LeftFile(), WavOf(16000, 1, PcmBytes(TestVoice(kSamples))));
 }
 
 TEST_P(HeronPlay, BareStream_IsADecodingFailure) {

@@ -34,7 +34,7 @@ class C_Room {
     const auto* const pbyRoom = reinterpret_cast<const unsigned char*>(m_samples.data());
     EXPECT_TRUE(std::all_of(pbyRoom + m_dwBytes, pbyRoom + m_samples.size() * 2,
                             [](unsigned char byGuard) { return byGuard == 0x5A; }))
-        << "bytes are written behind room for " << m_dwBytes;
+        << "bytes are written beyond room for " << m_dwBytes;
   }
   C_Room(const C_Room&) = delete;
   C_Room& operator=(const C_Room&) = delete;

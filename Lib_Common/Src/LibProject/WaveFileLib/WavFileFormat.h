@@ -3,7 +3,7 @@
 // The one entry through which an application opens a sound file of any kind. It knows all file
 // classes and tries them in a fixed order: RIFF sound files (WAVE and VEMD), then Heron files, then
 // Kestrel files. Both codecs also open VEF containers: those that name Kestrel go to Kestrel only,
-// all others to Heron first, and to Kestrel when Heron cannot load them.
+// those that name a Heron kind to Heron only, and all others to Heron first and then to Kestrel.
 //
 // A null name counts as a file that cannot be opened.
 #pragma once

@@ -23,18 +23,18 @@ bool IsAccountedFor(std::uint64_t qwPcm, std::uint64_t qwEncoded) {
 }  // namespace
 
 std::unique_ptr<C_MSAdpcmCodec> MakeDecoder(const C_WavFileCodecInfo& codecInfo) {
-  const S_WavTag* const pTag = FindWavTag(codecInfo.GetFormatTag());
+  const S_WavTag* const pTag = wavtags::Find(codecInfo.GetFormatTag());
   if (pTag == nullptr || pTag->pfnMakeDecoder == nullptr) return nullptr;
   return pTag->pfnMakeDecoder(codecInfo.GetPCMWAVEFORMAT().wBitsPerSample);
 }
 
 std::optional<C_WavFileCodecInfo> ReadFormat(std::FILE* pFile, std::uint64_t qwPosition,
                                              unsigned short wFormatTag) {
-  const S_WavTag* const pTag = FindWavTag(wFormatTag);
+  const S_WavTag* const pTag = wavtags::Find(wFormatTag);
   if (pTag == nullptr || !vcm::SeekTo(pFile, qwPosition)) return std::nullopt;
   std::vector<std::uint8_t> record(pTag->cbHead);
   if (!vcm::ReadExact(pFile, record)) return std::nullopt;
-  record.resize(RecordBytes(*pTag, record));
+  record.resize(wavtags::RecordBytes(*pTag, record));
   if (!vcm::ReadExact(pFile, std::span(record).subspan(pTag->cbHead))) return std::nullopt;
   C_WavFileCodecInfo codecInfo;
   if (!codecInfo.SetFormat(record) || codecInfo.GetFormatTag() != wFormatTag) return std::nullopt;

@@ -28,9 +28,9 @@ bool C_WavFileCodecInfo::SetFormat(std::span<const std::uint8_t> payload) {
   Clear();
   vcm::C_ByteReader reader(payload);
   const S_PcmFormatRecord pcm = pcmformat::Read(reader);
-  const S_WavTag* const pTag = FindWavTag(pcm.wFormatTag);
+  const S_WavTag* const pTag = wavtags::Find(pcm.wFormatTag);
   if (!reader.Ok() || pTag == nullptr || !HasDivisors(*pTag, pcm)) return false;
-  const std::size_t cbRecord = RecordBytes(*pTag, payload);
+  const std::size_t cbRecord = wavtags::RecordBytes(*pTag, payload);
   if (cbRecord > payload.size()) return false;
   const auto record = payload.first(cbRecord);
   m_record.assign(record.begin(), record.end());

@@ -53,7 +53,7 @@ class C_WavFileCodecInfo {
   static constexpr unsigned int kMaxBytes = kMSAdpcmHeadBytes + 4 * 0xFFFF;
 
   [[nodiscard]] static bool IsAcceptedTag(unsigned short wFormatTag) noexcept {
-    return FindWavTag(wFormatTag) != nullptr;
+    return wavtags::Find(wFormatTag) != nullptr;
   }
 
   // Copies as many bytes of a "fmt " payload as the tag's record has. False for a record that is

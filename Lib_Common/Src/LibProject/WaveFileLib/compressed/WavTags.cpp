@@ -10,6 +10,7 @@
 #include "compressed/MSAdpcmCodec.h"
 #include "compressed/WavFileCodecInfo.h"
 
+namespace wavtags {
 namespace {
 
 constexpr std::size_t kPairBytes = 4;
@@ -41,7 +42,7 @@ constexpr auto kTags = std::to_array<S_WavTag>({
 
 }  // namespace
 
-const S_WavTag* FindWavTag(unsigned short wFormatTag) noexcept {
+const S_WavTag* Find(unsigned short wFormatTag) noexcept {
   const auto* const pTag = std::ranges::find(kTags, wFormatTag, &S_WavTag::eTag);
   return pTag == kTags.end() ? nullptr : pTag;
 }
@@ -52,3 +53,5 @@ std::size_t RecordBytes(const S_WavTag& tag, std::span<const std::uint8_t> recor
   reader.Skip(tag.cbHead - kCountBytes);
   return tag.cbHead + kPairBytes * reader.U16();
 }
+
+}  // namespace wavtags

@@ -19,8 +19,9 @@ enum tagWaveFormatTag : unsigned short {
   WAVE_TAG_MS_ADPCM = 2,
   WAVE_TAG_ALAW = 6,
   WAVE_TAG_MULAW = 7,
-  // Kept: this is 11 in decimal, not the registered 0x0011. Our own files carry it, and files of
-  // other makers with 0x0011 stay refused. Pinned by Tag0x0011_IsRefused.
+  // Kept: this is 11 in decimal, not the registered 0x0011. The devices whose files
+  // these are write it, and files of other makers with 0x0011 stay refused. Pinned by
+  // Tag0x0011_IsRefused.
   WAVE_TAG_DVI_ADPCM = 11,
 };
 
@@ -44,10 +45,14 @@ struct S_WavTag {
   std::unique_ptr<C_MSAdpcmCodec> (*pfnMakeDecoder)(unsigned short wBits);
 };
 
+namespace wavtags {
+
 // Null for a tag that the library does not read.
-[[nodiscard]] const S_WavTag* FindWavTag(unsigned short wFormatTag) noexcept;
+[[nodiscard]] const S_WavTag* Find(unsigned short wFormatTag) noexcept;
 
 // The length in bytes of the whole format record that begins with these bytes. The coefficients are
 // counted only when these bytes cover the head.
 [[nodiscard]] std::size_t RecordBytes(const S_WavTag& tag,
                                       std::span<const std::uint8_t> record) noexcept;
+
+}  // namespace wavtags

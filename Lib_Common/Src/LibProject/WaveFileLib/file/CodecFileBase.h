@@ -36,9 +36,9 @@ class C_CodecFileBase : public C_VefFileBase {
   };
 
   // Accepts a file with an SP header whose identifier is one of the class's own types, and a VEF
-  // container that does not name a type of another codec. A file with any other SP header is
-  // refused. With bWithInfo, the sound gets the format, and a VEF container also gives it its
-  // annotations.
+  // container that does not name a type of the library's other codec. A file with any other SP
+  // header is refused. With bWithInfo, the sound gets the format, and a VEF container also gives it
+  // its annotations.
   bool CheckFormat(const char* pszFileName, bool bWithInfo) override;  // 21
   // Reads the sound of the file that OpenByName opened.
   //

@@ -122,7 +122,7 @@ void RemoveLibraryLabels(const S_Annotations& annotations) {
   annotations.cueInfo.Renumber(keep);
 }
 
-void RenumberBehind(unsigned int dwEvents, const S_Annotations& annotations) {
+void RenumberAfter(unsigned int dwEvents, const S_Annotations& annotations) {
   const C_IDs ids = IDsOfAll(annotations.listInfo, annotations.cueInfo);
   C_IDs taken = IDsOfLoops(annotations.samplerInfo);
   taken.insert(ids.begin(), ids.end());
@@ -190,7 +190,7 @@ void SaveEvents(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInf
   if (pOwnList != nullptr && pOwnCues != nullptr && pOwnSampler != nullptr) {
     const S_Annotations annotations{*pOwnList, *pOwnCues, *pOwnSampler};
     RemoveLibraryLabels(annotations);
-    RenumberBehind(static_cast<unsigned int>(events.size()), annotations);
+    RenumberAfter(static_cast<unsigned int>(events.size()), annotations);
   }
   unsigned int dwID = 0;
   for (I_EventTag* pIEvent : events) {

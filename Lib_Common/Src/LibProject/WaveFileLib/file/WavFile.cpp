@@ -91,7 +91,7 @@ bool C_WavFile::OpenRiff(C_RiffFile& riff, const char* pszFileName) {
 }
 
 std::optional<C_WavFile::S_LinearForm> C_WavFile::DescribeLinearForm() {
-  const S_WavTag* const pTag = FindWavTag(m_codecInfo.GetFormatTag());
+  const S_WavTag* const pTag = wavtags::Find(m_codecInfo.GetFormatTag());
   if (pTag == nullptr) return std::nullopt;
   if (pTag->eCoding) SetCodingType(*pTag->eCoding);
   if (pTag->eTag == WAVE_TAG_PCM) return S_LinearForm{m_dwDataLength, m_wStoredBits};

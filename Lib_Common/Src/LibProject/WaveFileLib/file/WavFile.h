@@ -61,7 +61,9 @@ class C_WavFile : public C_WavFileBase {
   // Writes the sound in the form that GetFileFormat names: AUDIO_FILE_WAVE or AUDIO_FILE_VEMD. An
   // existing file is replaced. Only pszFileName has an effect; the other arguments matter only for
   // codec files. Samples are written in the widths of the sound's codec parameters when these are
-  // set; otherwise 12 bits are written as 16. The sound's own cue points and labels are replaced by
+  // set. Otherwise samples of 12 bits that
+  // are stored in 16 or 32 are written as 16; those stored in 12, as a file gives them, cannot be
+  // converted. The sound's own cue points and labels are replaced by
   // those of its annotations.
   //
   // Returns false without touching a file when the sound or its PCM is missing, for any other kind,

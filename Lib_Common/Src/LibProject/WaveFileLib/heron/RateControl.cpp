@@ -20,14 +20,15 @@ constexpr std::size_t kSamplesForMorePasses = 16000;
 // on it.
 constexpr int kFirstOffsetBase = 1600;
 constexpr int kFirstOffsetPerBit = -1147;  // for each bit per sample
-// For each unit of the mean loudness, in quarters.
-constexpr int kFirstOffsetPerLoudnessInQuarters = 3;
+// For each four units of the mean loudness.
+constexpr int kFirstOffsetPerFourLoudness = 3;
 
 // Fractions of the allowed size, as their reciprocals. They are a compromise: a smaller share of
 // unused bytes would cost more passes than it is worth.
 constexpr std::int64_t kUnusedAfterSecants = 512;  // may stay unused while secants are left
 constexpr std::int64_t kUnusedAfterHalving = 200;  // may stay unused after that
-constexpr std::int64_t kAimedBelow = 1536;         // a third of the first: secants overshoot
+constexpr std::int64_t kAimedBelow =
+    1536;  // aimed at, so that a secant which misses a little still fits
 
 constexpr std::int64_t kBitsPerByte = 8;
 
@@ -47,7 +48,7 @@ int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
 // The offset at which speech usually ends up. Any value will do, but a good guess saves passes.
 int FirstOffset(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth) {
   const int nLoudness = MeanLoudness(samples, static_cast<std::size_t>(FrameLength(nSampleRate)));
-  return kFirstOffsetBase + nLoudness * kFirstOffsetPerLoudnessInQuarters / 4 +
+  return kFirstOffsetBase + nLoudness * kFirstOffsetPerFourLoudness / 4 +
          kFirstOffsetPerBit * nBitDepth;
 }
 

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The options of one encoding run. Values are stored as given; the codecs that read them define
-// what they mean.
+// The options of one encoding run. Values are stored as given.
+//
+// This library reads the sample bits (when a file with PCM is written), the bit rate (Kestrel) and
+// the platform (which a VEF container stores). All other options are for codecs that are not part
+// of it, and have no effect.
 #pragma once
 
 // The platform that encoded data is made for.

@@ -75,17 +75,19 @@ class I_WavData {
   // right, or the only one of mono. The other side is silent.
   virtual void ConvertToStereoWithSilence(unsigned short bRight) = 0;  // 21
   virtual I_AudioCodecParam* GetAudioCodecParam() = 0;                 // 22
-  // Writes the sound as a file. Returns false and writes nothing when the byte length of the PCM is
-  // 0 or when files of kind eType cannot be written.
+  // Writes the sound as a file. Returns false and writes nothing when there is no PCM, when files
+  // of kind eType cannot be written, and when the widths cannot be converted: only samples stored
+  // in 8, 16 or 32 bits can be encoded.
   //   eType            AUDIO_FILE_WAVE, AUDIO_FILE_VEMD, AUDIO_FILE_KESTREL or one of
   //                    AUDIO_FILE_HERON_...
   // WAVE and VEMD are always PCM, in the widths of the codec parameters if these have any; the
   // other arguments have no effect on them. For the codecs:
   //   bEncode          true: the bare encoded stream, which no class opens before it is given an SP
   //                    header (PrependSpHeader). False: a VEF container that holds the PCM, the
-  //                    annotations and the stream.
+  //                    stream, the events, cue points, labels and loops, and the extra chunks, but
+  //                    no silence segments and no regions.
   //   bWriteCodecHead  with bEncode: the 6-byte codec head (CodecHead.h) before the stream.
-  //   pfnProgress      may be null; it is told how far the encoder is.
+  //   pfnProgress      with bEncode: is told how far the encoder is. May be null.
   //   bForceEncode     false: when the sound's encoded form is of kind eType already, its bytes
   //                    are written and the PCM is not encoded again, even if it was changed.
   //                    True: always encode.

@@ -32,9 +32,9 @@ class I_WavFile : public I_WavFileInfo {
   virtual void AttachWavData(I_WavData* pIWavData) = 0;  // 7
   virtual I_WavData* DetachWavData() = 0;                // 8, null unless attached
   virtual I_WavData* GetWavData() = 0;                   // 9, borrowed; null when there is none
-  // The next four are the operations of I_WavData with the same names. The last three of them make
-  // the sound first when there is none.
-  virtual unsigned char* GetWavDataBuffer() = 0;      // 10, the PCM; null without a sound
+  virtual unsigned char* GetWavDataBuffer() = 0;  // 10, I_WavData::GetBuffer; null without a sound
+  // The next four are the operations of I_WavData with the same names. They make the sound first
+  // when there is none.
   virtual bool CopyWavData(I_WavData* pSrc) = 0;      // 11
   virtual void SetWavInfo(I_WavInfo* pIWavInfo) = 0;  // 12
   virtual void SetWavInfoData(unsigned int dwSampleRate, unsigned short wChannels,

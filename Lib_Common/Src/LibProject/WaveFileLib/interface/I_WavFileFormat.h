@@ -20,7 +20,8 @@ class I_WavFileFormat {
   //   bKeepEncoded    matters only for a VEF container: true reads the PCM that it stores, false
   //                   decodes its stream.
   //   pszCodecOption  no effect.
-  //   pfnData         may be null; called with each decoded frame of a Kestrel file. A load that
+  //   pfnData         may be null; called with each decoded frame of a Kestrel stream that stands
+  //                   after an SP header, and for no other file. A load that
   //                   fails is tried once more, and pfnData then gets the first frames again.
   virtual I_WavFile* CreateWavFile(const char* pszFileName, bool bLoadData, bool bKeepEncoded,
                                    const char* pszCodecOption, PFN_DecodedData pfnData) = 0;  // 4

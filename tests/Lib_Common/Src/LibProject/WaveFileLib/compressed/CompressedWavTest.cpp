@@ -250,7 +250,7 @@ TEST_F(CompressedWav, ZerosThatWouldDivide_AreRefused) {
     EXPECT_FALSE(Checks(File(FileOf(damaged)))) << kind.blocks.wTag;
     damaged = kind;
     damaged.blocks.wBlockAlign = 0;
-    const bool bBlocks = FindWavTag(kind.blocks.wTag)->bBlocks;
+    const bool bBlocks = wavtags::Find(kind.blocks.wTag)->bBlocks;
     EXPECT_EQ(Loads(File(FileOf(damaged))), !bBlocks) << kind.blocks.wTag;
   }
 }

@@ -13,7 +13,7 @@ namespace {
 
 // The decoder that a tag gives for samples of so many bits.
 std::unique_ptr<C_MSAdpcmCodec> DecoderOf(unsigned short wTag, unsigned short wBits) {
-  const S_WavTag* const pTag = FindWavTag(wTag);
+  const S_WavTag* const pTag = wavtags::Find(wTag);
   if (pTag == nullptr || pTag->pfnMakeDecoder == nullptr) return nullptr;
   return pTag->pfnMakeDecoder(wBits);
 }
@@ -28,7 +28,7 @@ bool Is(const std::unique_ptr<C_MSAdpcmCodec>& decoder) {
 TEST(WavTags, AllOtherTags_AreUnknown) {
   std::vector<unsigned int> known;
   for (unsigned int dwTag = 0; dwTag <= 0xFFFF; ++dwTag) {
-    const S_WavTag* const pTag = FindWavTag(static_cast<unsigned short>(dwTag));
+    const S_WavTag* const pTag = wavtags::Find(static_cast<unsigned short>(dwTag));
     if (pTag == nullptr) continue;
     EXPECT_EQ(pTag->eTag, dwTag);
     known.push_back(dwTag);
@@ -37,7 +37,7 @@ TEST(WavTags, AllOtherTags_AreUnknown) {
 }
 
 TEST(WavTags, EachTag_HasItsDecoder) {
-  EXPECT_EQ(FindWavTag(1)->pfnMakeDecoder, nullptr);
+  EXPECT_EQ(wavtags::Find(1)->pfnMakeDecoder, nullptr);
   EXPECT_TRUE(Is<C_MSAdpcmCodec>(DecoderOf(2, 4)));
   EXPECT_TRUE(Is<C_ALawCodec>(DecoderOf(6, 8)));
   EXPECT_TRUE(Is<C_MuLawCodec>(DecoderOf(7, 8)));
@@ -53,19 +53,19 @@ TEST(WavTags, DviOfOtherWidths_HasNoDecoder) {
 }
 
 TEST(WavTags, OnlyAdpcm_HasBlocks) {
-  EXPECT_FALSE(FindWavTag(1)->bBlocks);
-  EXPECT_TRUE(FindWavTag(2)->bBlocks);
-  EXPECT_FALSE(FindWavTag(6)->bBlocks);
-  EXPECT_FALSE(FindWavTag(7)->bBlocks);
-  EXPECT_TRUE(FindWavTag(11)->bBlocks);
+  EXPECT_FALSE(wavtags::Find(1)->bBlocks);
+  EXPECT_TRUE(wavtags::Find(2)->bBlocks);
+  EXPECT_FALSE(wavtags::Find(6)->bBlocks);
+  EXPECT_FALSE(wavtags::Find(7)->bBlocks);
+  EXPECT_TRUE(wavtags::Find(11)->bBlocks);
 }
 
 TEST(WavTags, CodingTypes_AreThoseOfLinearAndOfAdpcm) {
-  EXPECT_EQ(FindWavTag(1)->eCoding, WAV_CODING_LINEAR);
-  EXPECT_EQ(FindWavTag(2)->eCoding, WAV_CODING_MS_ADPCM);
-  EXPECT_EQ(FindWavTag(6)->eCoding, std::nullopt);
-  EXPECT_EQ(FindWavTag(7)->eCoding, std::nullopt);
-  EXPECT_EQ(FindWavTag(11)->eCoding, WAV_CODING_DVI_ADPCM);
+  EXPECT_EQ(wavtags::Find(1)->eCoding, WAV_CODING_LINEAR);
+  EXPECT_EQ(wavtags::Find(2)->eCoding, WAV_CODING_MS_ADPCM);
+  EXPECT_EQ(wavtags::Find(6)->eCoding, std::nullopt);
+  EXPECT_EQ(wavtags::Find(7)->eCoding, std::nullopt);
+  EXPECT_EQ(wavtags::Find(11)->eCoding, WAV_CODING_DVI_ADPCM);
 }
 
 TEST(WavTags, RecordBytes_CountTheCoefficientsOfMSAdpcm) {
@@ -73,24 +73,24 @@ TEST(WavTags, RecordBytes_CountTheCoefficientsOfMSAdpcm) {
   std::vector<std::uint8_t> seven(22);
   seven[20] = 7;
   std::vector<std::uint8_t> most(22, 0xFF);
-  EXPECT_EQ(RecordBytes(*FindWavTag(2), none), 22u);
-  EXPECT_EQ(RecordBytes(*FindWavTag(2), seven), 22u + 4 * 7);
-  EXPECT_EQ(RecordBytes(*FindWavTag(2), most), 22u + 4 * 0xFFFF);
+  EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(2), none), 22u);
+  EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(2), seven), 22u + 4 * 7);
+  EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(2), most), 22u + 4 * 0xFFFF);
 }
 
 TEST(WavTags, RecordBytesOfACutHead_AreThoseOfTheHead) {
   for (std::size_t cbHead = 0; cbHead < 22; ++cbHead) {
     const std::vector<std::uint8_t> head(cbHead, 0xFF);
-    EXPECT_EQ(RecordBytes(*FindWavTag(2), head), 22u) << cbHead;
+    EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(2), head), 22u) << cbHead;
   }
 }
 
 TEST(WavTags, RecordBytesOfOtherTags_AreFixed) {
   const std::vector<std::uint8_t> bytes(64, 0xFF);
-  EXPECT_EQ(RecordBytes(*FindWavTag(1), bytes), 16u);
-  EXPECT_EQ(RecordBytes(*FindWavTag(6), bytes), 16u);
-  EXPECT_EQ(RecordBytes(*FindWavTag(7), bytes), 16u);
-  EXPECT_EQ(RecordBytes(*FindWavTag(11), bytes), 20u);
+  EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(1), bytes), 16u);
+  EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(6), bytes), 16u);
+  EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(7), bytes), 16u);
+  EXPECT_EQ(wavtags::RecordBytes(*wavtags::Find(11), bytes), 20u);
 }
 
 }  // namespace

@@ -92,7 +92,7 @@ TEST(CompressedWavSweep, GeometryFields_SurviveEveryPairOfHostileNumbers) {
   const S_Field fields[] = {{20, 2}, {22, 2}, {32, 2}, {34, 2}, {38, 2}, {40, 2}, {44, 4}};
   const C_SweepFile target({});
   for (const S_File& whole : AllFiles()) {
-    if (!FindWavTag(whole.wTag)->bBlocks) continue;
+    if (!wavtags::Find(whole.wTag)->bBlocks) continue;
     const C_SweepFile file(whole.bytes);
     for (const S_Field& first : fields) {
       for (const S_Field& second : fields) {

@@ -242,7 +242,7 @@ TEST_F(KestrelFile, Load_HeaderCutShort_OpensAndHasNoStream) {
     Write("a", C_SpBytes().Take(cbSize));
     C_KestrelFile file;
     EXPECT_TRUE(file.OpenByName(Path("a").c_str())) << cbSize;
-    EXPECT_EQ(cbSize < 30 ? 8000u : 16000u, file.GetWavInfo()->GetSampleRate());
+    EXPECT_EQ(file.GetWavInfo()->GetSampleRate(), cbSize < 30 ? 8000u : 16000u);
     EXPECT_FALSE(Load(file, "a")) << cbSize;
     EXPECT_EQ(file.GetWavData()->GetEncBufferLen(), 0u);
   }

@@ -19,18 +19,18 @@ using S_Bytes = std::vector<std::uint8_t>;
 using C_CodeWriter = C_EntropyEncoder;
 using C_CodeReader = C_EntropyDecoder;
 
-template <std::size_t kSymbols>
-using S_Frequencies = std::array<std::uint16_t, kSymbols>;
+template <std::size_t nSymbols>
+using S_Frequencies = std::array<std::uint16_t, nSymbols>;
 
-template <std::size_t kSymbols>
-void WriteSymbol(C_CodeWriter& writer, const S_Frequencies<kSymbols>& frequencies,
+template <std::size_t nSymbols>
+void WriteSymbol(C_CodeWriter& writer, const S_Frequencies<nSymbols>& frequencies,
                  std::size_t nSymbol) {
-  writer.WriteSymbol<kSymbols>(Accumulate(frequencies), nSymbol);
+  writer.WriteSymbol<nSymbols>(Accumulate(frequencies), nSymbol);
 }
 
-template <std::size_t kSymbols>
-std::size_t ReadSymbol(C_CodeReader& reader, const S_Frequencies<kSymbols>& frequencies) {
-  return reader.ReadSymbol<kSymbols>(Accumulate(frequencies));
+template <std::size_t nSymbols>
+std::size_t ReadSymbol(C_CodeReader& reader, const S_Frequencies<nSymbols>& frequencies) {
+  return reader.ReadSymbol<nSymbols>(Accumulate(frequencies));
 }
 
 // The bytes that fnWrite(writer) produces.

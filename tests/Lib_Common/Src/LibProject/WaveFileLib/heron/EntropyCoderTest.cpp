@@ -29,8 +29,8 @@ constexpr S_Frequencies<5> kMixed = {1, 30000, 2, 2000, 765};
 constexpr S_Frequencies<1> kCertain = {32768};
 
 // Draws a symbol with the probability that the table gives it.
-template <std::size_t kSymbols>
-std::size_t Draw(C_Random& random, const S_Frequencies<kSymbols>& frequencies) {
+template <std::size_t nSymbols>
+std::size_t Draw(C_Random& random, const S_Frequencies<nSymbols>& frequencies) {
   std::uint32_t nAt = random.Below(kFrequencyTotal);
   std::size_t nSymbol = 0;
   while (nAt >= frequencies[nSymbol]) nAt -= frequencies[nSymbol++];
@@ -39,15 +39,15 @@ std::size_t Draw(C_Random& random, const S_Frequencies<kSymbols>& frequencies) {
 
 // Writes nCount symbols and reads them back. They are drawn with the probabilities of the table, or
 // all with equal chance. They must come back and take no more bytes than necessary.
-template <std::size_t kSymbols>
-void CheckRoundTrip(const S_Frequencies<kSymbols>& frequencies, std::size_t nCount,
+template <std::size_t nSymbols>
+void CheckRoundTrip(const S_Frequencies<nSymbols>& frequencies, std::size_t nCount,
                     bool bAsLikely) {
-  C_Random random(kSymbols);
+  C_Random random(nSymbols);
   std::vector<std::uint8_t> symbols(nCount);
   double dBits = 0;
   for (std::uint8_t& nSymbol : symbols) {
-    nSymbol = static_cast<std::uint8_t>(bAsLikely ? Draw<kSymbols>(random, frequencies)
-                                                  : random.Below(kSymbols));
+    nSymbol = static_cast<std::uint8_t>(bAsLikely ? Draw<nSymbols>(random, frequencies)
+                                                  : random.Below(nSymbols));
     dBits += kFrequencyBits - std::log2(frequencies[nSymbol]);
   }
   const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
@@ -81,8 +81,8 @@ TEST(HeronRangeCoder, ACertainSymbol_TakesNothing) { CheckRoundTrip(kCertain, 50
 // The symbols of a sequence whose interval always contains the number that the bytes of `number`
 // stand for. The bytes that are written stay as close below that number as they can, and only the
 // symbols that follow decide whether a carry turns them over.
-template <std::size_t kSymbols>
-std::vector<std::size_t> SymbolsAround(S_Bytes number, const S_Frequencies<kSymbols>& frequencies,
+template <std::size_t nSymbols>
+std::vector<std::size_t> SymbolsAround(S_Bytes number, const S_Frequencies<nSymbols>& frequencies,
                                        std::size_t nCount) {
   number.resize(400);
   C_CodeReader reader(number);
@@ -91,13 +91,13 @@ std::vector<std::size_t> SymbolsAround(S_Bytes number, const S_Frequencies<kSymb
   return symbols;
 }
 
-template <std::size_t kSymbols>
-void CheckCarries(const S_Bytes& number, const S_Frequencies<kSymbols>& frequencies) {
+template <std::size_t nSymbols>
+void CheckCarries(const S_Bytes& number, const S_Frequencies<nSymbols>& frequencies) {
   const auto around = SymbolsAround(number, frequencies, 160);
   bool bTurned = false;
   bool bStayed = false;
   for (std::size_t nRun = 1; nRun < around.size(); ++nRun) {
-    for (std::size_t nAfter = 0; nAfter < kSymbols; ++nAfter) {
+    for (std::size_t nAfter = 0; nAfter < nSymbols; ++nAfter) {
       std::vector<std::size_t> symbols(around.begin(), around.begin() + static_cast<int>(nRun));
       symbols.push_back(nAfter);
       const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
