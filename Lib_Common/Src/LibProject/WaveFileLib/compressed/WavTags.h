@@ -19,9 +19,8 @@ enum tagWaveFormatTag : unsigned short {
   WAVE_TAG_MS_ADPCM = 2,
   WAVE_TAG_ALAW = 6,
   WAVE_TAG_MULAW = 7,
-  // Kept: this is 11 in decimal, not the registered 0x0011. The devices whose files
-  // these are write it, and files of other makers with 0x0011 stay refused. Pinned by
-  // Tag0x0011_IsRefused.
+  // Kept: this is 11 in decimal, not the registered 0x0011. Our devices write it, and files of
+  // other makers with 0x0011 stay refused. Pinned by Tag0x0011_IsRefused.
   WAVE_TAG_DVI_ADPCM = 11,
 };
 
