@@ -91,7 +91,7 @@ std::string WhyNot(const char* pszSource, bool bKestrel) {
   return {};
 }
 
-// Creates the target, so that nobody else's file is written over. Why that cannot be done; empty
+// Creates the target, so that no existing file is overwritten. Why that cannot be done; empty
 // when it is done.
 std::string Claim(const char* pszTarget) {
   std::FILE* const pFile = std::fopen(pszTarget, "wbx");

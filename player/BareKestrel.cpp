@@ -22,7 +22,7 @@ vcm::C_RemovedAtEnd CopyAsKestrel(const char* pszFileName) {
   C_SpHeader header;
   header.SetID(AUDIO_FILE_KESTREL);
   header.SetFreq(kSpeechRate);
-  // A copy without a header is not a Kestrel file; whoever loads it will find out.
+  // If this fails, the copy is not a Kestrel file, and loading it reports that.
   static_cast<void>(PrependSpHeader(header, copy.Path().c_str()));
   return copy;
 }

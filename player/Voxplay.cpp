@@ -113,8 +113,8 @@ bool C_Voxplay::Stop() {
 
 bool C_Voxplay::Pause() {
   if (m_graph != nullptr) XThrowIfError(AUGraphStop(m_graph), "AUGraphStop");
-  // Kept: the state becomes paused even when nothing is opened. Pinned by
-  // Pause_WithoutAGraph_StillCountsAsPaused.
+  // Kept: the state becomes paused even when nothing is opened. Callers pause at any time and
+  // expect to be notified of it. Pinned by Pause_WithoutAGraph_StillCountsAsPaused.
   SetState(kPaused);
   return true;
 }

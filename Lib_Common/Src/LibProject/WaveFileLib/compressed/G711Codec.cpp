@@ -27,7 +27,7 @@ short ExpandMuLaw(unsigned int dwCode) {
 }
 
 // Kept: the result is sign and magnitude, not two's complement, and the lower end of each step, not
-// its middle. Whoever mixes or edits such sounds has always had to live with it. Pinned by
+// its middle. Existing sounds were decoded with these values, so they must not change. Pinned by
 // ALaw_ExpandsToSignAndMagnitude.
 short ExpandALaw(unsigned int dwCode) {
   constexpr unsigned int kEvenBits = 0x55;

@@ -11,8 +11,9 @@ C_WavData::C_WavData() : m_cueInfo(&m_wavInfo), m_samplerInfo(&m_wavInfo) {
 }
 
 int C_WavData::Release() {
-  // Kept: the count starts at 0 and a release at a count below 1 deletes the object, so whoever
-  // makes a sound ends it with one Release and no AddRef. Pinned by Release_OfANewSoundDeletesIt.
+  // Kept: the count starts at 0, and Release deletes the object when the count is below 1. Callers
+  // therefore end a new sound with one Release and no AddRef. Pinned by
+  // Release_OfANewSoundDeletesIt.
   if (m_nRefCount < 1) {
     delete this;
     return 0;
