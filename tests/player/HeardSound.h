@@ -4,13 +4,13 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <soxr.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "ChildProcess.h"
+#include "Converted.h"
 #include "PrivateTemp.h"
 #include "RiffBytes.h"
 #include "SoundServer.h"
@@ -37,17 +37,7 @@ inline C_Bytes OnBothSides(const std::vector<float>& mono) {
 
 // The whole sound converted at once, on both sides.
 inline C_Bytes AsHeardInNormalMode(const C_Bytes& pcm, double dRate) {
-  const std::vector<float> input = AsFloat(pcm);
-  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
-  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
-  std::vector<float> output(
-      static_cast<std::size_t>(static_cast<double>(input.size()) * kPlaybackRate / dRate) + 16);
-  std::size_t nDone = 0;
-  EXPECT_EQ(soxr_oneshot(dRate, kPlaybackRate, 1, input.data(), input.size(), nullptr,
-                         output.data(), output.size(), &nDone, &io, &quality, nullptr),
-            nullptr);
-  output.resize(nDone);
-  return OnBothSides(output);
+  return OnBothSides(Converted(AsFloat(pcm), dRate, kPlaybackRate));
 }
 
 class Heard : public ::testing::Test {

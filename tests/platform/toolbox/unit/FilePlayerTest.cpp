@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The file-player unit, rendered without a device.
-#include <soxr.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
+#include "Converted.h"
 #include "OfflinePlayer.h"
 #include "SoundFiles.h"
 #include "TempFolder.h"
@@ -32,19 +32,6 @@ std::vector<float> Channel(const std::vector<std::int16_t>& samples, std::size_t
     result.push_back(static_cast<float>(samples[i]) / 32768.0F);
   }
   return result;
-}
-
-std::vector<float> Converted(const std::vector<float>& input, double dFrom, double dTo) {
-  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
-  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
-  std::vector<float> output(
-      static_cast<std::size_t>(static_cast<double>(input.size()) * dTo / dFrom) + 16);
-  std::size_t nDone = 0;
-  EXPECT_EQ(soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
-                         output.size(), &nDone, &io, &quality, nullptr),
-            nullptr);
-  output.resize(nDone);
-  return output;
 }
 
 TEST_F(FilePlayerTest, AFileAtTheOutputsRate_PassesUnchanged_AndSilenceFollows) {

@@ -2,7 +2,6 @@
 //
 // What a real sound server receives when the toolbox plays.
 #include <gtest/gtest.h>
-#include <soxr.h>
 
 #include <algorithm>
 #include <atomic>
@@ -10,6 +9,7 @@
 #include <cmath>
 #include <thread>
 
+#include "Converted.h"
 #include "PlayerGraph.h"
 #include "SoundFiles.h"
 #include "SoundServer.h"
@@ -82,20 +82,6 @@ class C_PcmOutput {
   AudioUnit m_unit = nullptr;
 };
 
-// The whole sound converted at once with the same filter: what must be heard from the graph.
-std::vector<float> ConvertedAtOnce(const std::vector<float>& input, double dFrom, double dTo) {
-  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
-  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
-  std::vector<float> output(
-      static_cast<std::size_t>(static_cast<double>(input.size()) * dTo / dFrom) + 16);
-  std::size_t nDone = 0;
-  EXPECT_EQ(soxr_oneshot(dFrom, dTo, 1, input.data(), input.size(), nullptr, output.data(),
-                         output.size(), &nDone, &io, &quality, nullptr),
-            nullptr);
-  output.resize(nDone);
-  return output;
-}
-
 std::vector<float> AsFloat(const std::vector<std::int16_t>& samples) {
   std::vector<float> result;
   for (const std::int16_t nSample : samples) result.push_back(static_cast<float>(nSample) / 32768);
@@ -126,7 +112,7 @@ TEST(SoundServerTest, AFileThroughTheGraph_IsHeardAsItsOwnConversionByteForByte)
   const C_TempFolder folder;
   const auto samples = SweepWithNoise(32000, 16000);
   WriteSoundFile(folder.Path("a.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16000, 1, samples);
-  const auto want = OnBothSides(ConvertedAtOnce(AsFloat(samples), 16000, 44100));
+  const auto want = OnBothSides(Converted(AsFloat(samples), 16000, 44100));
   const auto sound = server.RecordUntilSame(BytesOf(want), [&] {
     const C_PlayerGraph graph(OpenSoundFile(folder.Path("a.wav")));
     graph.Schedule(32000);
@@ -181,7 +167,9 @@ TEST(SoundServerTest, AServerThatIsKilledWhilePlaying_StillLetsTheSoundEndInTime
   graph.Stop();
 }
 
-TEST(SoundServerTest, AServerThatIsKilledWhilePaused_IsNoticedAtTheNextStart) {
+// Plays, pauses, harms the server and plays on: the sound must go on.
+template <typename Harm>
+void ExpectNoticedAtTheNextStart(Harm fnHarm) {
   C_SoundServer server(16000, "s16le", 1);
   ASSERT_TRUE(server.Start());
   server.UseInThisProcess();
@@ -189,10 +177,14 @@ TEST(SoundServerTest, AServerThatIsKilledWhilePaused_IsNoticedAtTheNextStart) {
   output.Start();
   EXPECT_TRUE(output.WaitForSamples(2000));
   output.Stop();
-  server.Kill();
+  fnHarm(server);
   output.Start();
   EXPECT_TRUE(output.WaitForSamples(8000));
   output.Stop();
+}
+
+TEST(SoundServerTest, AServerThatIsKilledWhilePaused_IsNoticedAtTheNextStart) {
+  ExpectNoticedAtTheNextStart([](C_SoundServer& server) { server.Kill(); });
 }
 
 class C_SilentClient final : public toolbox::I_DeviceClient {
@@ -288,17 +280,7 @@ TEST(SoundServerTest, AServerThatIsFrozenWhenPlaybackStops_HoldsNobodyUp) {
 
 TEST(SoundServerTest, AServerThatFreezesWhilePaused_IsNoticedAtTheNextStart) {
   const C_ShortPatience patience(500ms);
-  C_SoundServer server(16000, "s16le", 1);
-  ASSERT_TRUE(server.Start());
-  server.UseInThisProcess();
-  C_PcmOutput output(SweepWithNoise(8000, 16000));
-  output.Start();
-  EXPECT_TRUE(output.WaitForSamples(2000));
-  output.Stop();
-  server.Freeze();
-  output.Start();
-  EXPECT_TRUE(output.WaitForSamples(8000));
-  output.Stop();
+  ExpectNoticedAtTheNextStart([](C_SoundServer& server) { server.Freeze(); });
 }
 
 class C_SlowClient final : public toolbox::I_DeviceClient {

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "OpenFiles.h"
+#include "RiffLayout.h"
 #include "SweepFile.h"
 #include "VefBytes.h"
 #include "WavFileFormat.h"
@@ -30,22 +31,6 @@ C_Bytes RichContainer() {
   return riff.Take();
 }
 
-struct S_Chunk {
-  std::string strName;
-  std::size_t nPayload = 0;
-  std::size_t nEnd = 0;
-};
-
-std::vector<S_Chunk> LayoutOf(const C_Bytes& file) {
-  std::vector<S_Chunk> chunks;
-  for (std::size_t nAt = 12; nAt + 8 <= file.size(); nAt = chunks.back().nEnd) {
-    vcm::C_ByteReader reader(std::span<const std::uint8_t>(file).subspan(nAt));
-    const auto id = reader.Bytes(4);
-    chunks.push_back({std::string(id.begin(), id.end()), nAt + 8, nAt + 8 + reader.U32()});
-  }
-  return chunks;
-}
-
 struct S_Outcome {
   bool bStored = false;   // the PCM loads as stored
   bool bDecoded = false;  // the stream loads decoded
@@ -54,9 +39,9 @@ struct S_Outcome {
 };
 
 // How a container that is cut to cb bytes must load.
-S_Outcome OutcomeWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
+S_Outcome OutcomeWhenCutTo(std::size_t cb, const std::vector<S_ChunkPlace>& layout) {
   S_Outcome outcome;
-  for (const S_Chunk& chunk : layout) {
+  for (const S_ChunkPlace& chunk : layout) {
     if (cb < chunk.nPayload) break;  // without its header the chunk is not listed
     const bool bWhole = cb >= chunk.nEnd;
     if (chunk.strName == "fmt ") outcome.bStored = bWhole;
@@ -95,7 +80,7 @@ bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
 
 TEST(VefFileSweep, ContainerCutAtEveryByte_LoadsAsFarAsItGoes) {
   const C_Bytes bytes = RichContainer();
-  const std::vector<S_Chunk> layout = LayoutOf(bytes);
+  const std::vector<S_ChunkPlace> layout = LayoutOf(bytes);
   ASSERT_EQ(layout.size(), 8u);
   const C_SweepFile file(bytes);
   const C_SweepFile target({});
@@ -158,7 +143,7 @@ TEST(VefFileSweep, RandomDamage_IsSurvivedByTheFactory) {
 TEST(VefFileSweep, SizesNextToTheTruth_AreSurvived) {
   const C_SweepFile file(RichContainer());
   const C_SweepFile target({});
-  for (const S_Chunk& chunk : LayoutOf(file.Bytes())) {
+  for (const S_ChunkPlace& chunk : LayoutOf(file.Bytes())) {
     const auto dwSize = static_cast<std::uint32_t>(chunk.nEnd - chunk.nPayload);
     for (std::uint32_t dwClaimed = 0; dwClaimed < 2 * dwSize + 16; ++dwClaimed) {
       file.PutNumber(chunk.nPayload - 4, 4, dwClaimed);

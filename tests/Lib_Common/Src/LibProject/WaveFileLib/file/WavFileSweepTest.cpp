@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "OpenFiles.h"
+#include "RiffLayout.h"
 #include "SweepFile.h"
+#include "SweepRoundTrip.h"
 #include "WavBytes.h"
 #include "WavFileFormat.h"
 #include "WavFileObject.h"
@@ -36,26 +38,10 @@ C_RiffBytes QuietFile() {
   return riff;
 }
 
-struct S_Chunk {
-  std::string strName;
-  std::size_t nPayload = 0;
-  std::size_t nEnd = 0;
-};
-
-std::vector<S_Chunk> LayoutOf(const C_Bytes& file) {
-  std::vector<S_Chunk> chunks;
-  for (std::size_t nAt = 12; nAt + 8 <= file.size(); nAt = chunks.back().nEnd) {
-    vcm::C_ByteReader reader(std::span<const std::uint8_t>(file).subspan(nAt));
-    const auto id = reader.Bytes(4);
-    chunks.push_back({std::string(id.begin(), id.end()), nAt + 8, nAt + 8 + reader.U32()});
-  }
-  return chunks;
-}
-
 // Whether a file that is cut to cb bytes must load.
-bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
+bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_ChunkPlace>& layout) {
   bool bFormat = false;
-  for (const S_Chunk& chunk : layout) {
+  for (const S_ChunkPlace& chunk : layout) {
     if (cb < chunk.nPayload) break;  // without its header the chunk is not listed
     const bool bWhole = cb >= chunk.nEnd;
     const bool bMayBeCut =
@@ -64,27 +50,6 @@ bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_Chunk>& layout) {
     if (chunk.strName == "fmt ") bFormat = true;
   }
   return bFormat;
-}
-
-// Loads, writes and loads again. True when the file loads.
-bool RoundTrip(const std::string& strPath, const C_SweepFile& target) {
-  const C_WavObjectPtr file = MakeWav();
-  if (!file->LoadByName(strPath.c_str(), true, nullptr, nullptr)) return false;
-  // A false length may be just small enough to be accepted. The sound has then loaded, but is too
-  // big to copy around.
-  if (file->GetWavData()->GetBufferLength() > 1u << 20) return true;
-  // The writer refuses only widths that no conversion supports.
-  if (!Write(*file, target.Path())) {
-    EXPECT_EQ(file->GetWavInfo()->GetBitsPerSample(), 12);
-    return true;
-  }
-  const C_WavObjectPtr again = LoadWav(target.Path());
-  EXPECT_EQ(PcmOf(*again), PcmOf(*file));
-  EXPECT_EQ(EventsOf(*again), EventsOf(*file));
-  EXPECT_EQ(SilenceOf(*again), SilenceOf(*file));
-  EXPECT_EQ(RegionsOf(*again), RegionsOf(*file));
-  static_cast<void>(file->GetWavInfo()->GetTimeLength());
-  return true;
 }
 
 // Runs the detection and the factory on the file; the results do not matter.
@@ -103,7 +68,7 @@ const std::uint32_t kHostileValues[] = {0,          1,          2,          3,  
 
 TEST(WavFileSweep, FileCutAtEveryByte_LoadsAsFarAsItGoes) {
   const C_Bytes bytes = RichFile().Take();
-  const std::vector<S_Chunk> layout = LayoutOf(bytes);
+  const std::vector<S_ChunkPlace> layout = LayoutOf(bytes);
   ASSERT_EQ(layout.size(), 7u);
   const C_SweepFile file(bytes);
   const C_SweepFile target({});
@@ -162,7 +127,7 @@ TEST(WavFileSweep, EveryField_SurvivesHostileNumbers) {
 TEST(WavFileSweep, SizesNextToTheTruth_AreSurvived) {
   const C_SweepFile file(QuietFile().Take());
   const C_SweepFile target({});
-  for (const S_Chunk& chunk : LayoutOf(file.Bytes())) {
+  for (const S_ChunkPlace& chunk : LayoutOf(file.Bytes())) {
     const auto dwSize = static_cast<std::uint32_t>(chunk.nEnd - chunk.nPayload);
     for (std::uint32_t dwClaimed = 0; dwClaimed < 2 * dwSize + 16; ++dwClaimed) {
       file.PutNumber(chunk.nPayload - 4, 4, dwClaimed);
