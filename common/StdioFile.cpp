@@ -4,12 +4,15 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 
+#include <array>
 #include <limits>
 
 #include "VCM.h"
 
 namespace vcm {
 namespace {
+
+constexpr std::size_t kCopyBytes = 1024;
 
 // Opening a pipe blocks until somebody writes to it, and reading a terminal blocks until somebody
 // types. Neither can hold a sound anyway, because a sound is read from several places in its file.
@@ -32,7 +35,7 @@ bool CloseChecked(C_FilePtr file) noexcept {
 }
 
 bool ReadExact(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept {
-  return ReadSome(pFile, bytes) == bytes.size();
+  return bytes.empty() || std::fread(bytes.data(), 1, bytes.size(), pFile) == bytes.size();
 }
 
 bool WriteExact(std::FILE* pFile, std::span<const std::uint8_t> bytes) noexcept {
@@ -40,9 +43,29 @@ bool WriteExact(std::FILE* pFile, std::span<const std::uint8_t> bytes) noexcept 
   return std::fwrite(bytes.data(), 1, bytes.size(), pFile) == bytes.size();
 }
 
-std::size_t ReadSome(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept {
+std::optional<std::size_t> ReadSome(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept {
   if (bytes.empty()) return 0;
-  return std::fread(bytes.data(), 1, bytes.size(), pFile);
+  const std::size_t cbRead = std::fread(bytes.data(), 1, bytes.size(), pFile);
+  if (cbRead < bytes.size() && !IsAtEnd(pFile)) return std::nullopt;
+  return cbRead;
+}
+
+bool IsAtEnd(std::FILE* pFile) noexcept {
+  if (std::ferror(pFile) != 0) return false;
+  struct stat info {};
+  if (fstat(fileno(pFile), &info) != 0) return false;
+  if (!S_ISREG(info.st_mode)) return std::feof(pFile) != 0;
+  const auto qwPosition = Tell(pFile);
+  return qwPosition && *qwPosition >= static_cast<std::uint64_t>(info.st_size);
+}
+
+bool CopyRest(std::FILE* pFrom, std::FILE* pTo) noexcept {
+  std::array<std::uint8_t, kCopyBytes> piece;
+  for (;;) {
+    const auto cbRead = ReadSome(pFrom, piece);
+    if (!cbRead || !WriteExact(pTo, std::span(piece).first(*cbRead))) return false;
+    if (*cbRead < piece.size()) return true;
+  }
 }
 
 bool SeekTo(std::FILE* pFile, std::uint64_t qwPosition) noexcept {

@@ -31,8 +31,17 @@ using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 [[nodiscard]] bool ReadExact(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept;
 [[nodiscard]] bool WriteExact(std::FILE* pFile, std::span<const std::uint8_t> bytes) noexcept;
 
-// Reads as many bytes as the stream has left, up to bytes.size(), and returns their number.
-[[nodiscard]] std::size_t ReadSome(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept;
+// Reads as many bytes as the file has left, up to bytes.size(), and returns their number. Empty
+// when they cannot be read: a number below bytes.size() always means that the file ends there.
+[[nodiscard]] std::optional<std::size_t> ReadSome(std::FILE* pFile,
+                                                  std::span<std::uint8_t> bytes) noexcept;
+
+// True when the file ends at the stream's position, as opposed to a file that cannot be read on.
+[[nodiscard]] bool IsAtEnd(std::FILE* pFile) noexcept;
+
+// Copies pFrom from its position to its end. False when it cannot be read to its end, and when not
+// everything could be written.
+[[nodiscard]] bool CopyRest(std::FILE* pFrom, std::FILE* pTo) noexcept;
 
 // Positions are 64-bit on every platform.
 [[nodiscard]] bool SeekTo(std::FILE* pFile, std::uint64_t qwPosition) noexcept;

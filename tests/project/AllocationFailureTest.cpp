@@ -37,7 +37,7 @@ bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn) {
     EXPECT_TRUE(operation.IsWhole());
   } else {
     EXPECT_TRUE(faults.WasHit());
-    EXPECT_TRUE(operation.IsSourceIntact());
+    EXPECT_TRUE(operation.IsEverythingKept());
     EXPECT_TRUE(operation.Run());
     EXPECT_TRUE(operation.IsWhole());
   }

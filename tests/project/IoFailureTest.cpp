@@ -38,11 +38,6 @@ void ExpectSecondAttemptWorks(C_SweptOperation& operation) {
   EXPECT_TRUE(operation.IsWhole());
 }
 
-// The file that was handed in, or the player's copy of it.
-bool IsInput(const C_SweptOperation& operation, const std::string& strPath) {
-  return strPath == operation.Source() || strPath.ends_with(".kst");
-}
-
 // False when the operation makes fewer calls than fault.nCall.
 bool RunWithFault(C_SweptOperation& operation, const S_IoFault& fault) {
   operation.Prepare();
@@ -53,11 +48,10 @@ bool RunWithFault(C_SweptOperation& operation, const S_IoFault& fault) {
   EXPECT_EQ(OpenDescriptors(), nDescriptors);
   ExpectNoFileLeft(faults, operation);
   if (bRet) {
-    const bool bMayBeShort = faults.WasHitReading() && IsInput(operation, faults.Victim());
-    EXPECT_TRUE(operation.IsWhole() || (bMayBeShort && operation.IsCutShort())) << faults.Victim();
+    EXPECT_TRUE(operation.IsWhole()) << faults.Victim();
   } else {
     EXPECT_TRUE(faults.WasHit());
-    EXPECT_TRUE(operation.IsSourceIntact());
+    EXPECT_TRUE(operation.IsEverythingKept());
     ExpectSecondAttemptWorks(operation);
   }
   return faults.WasHit();
@@ -135,7 +129,7 @@ TEST_P(FullDiskTest, DiskFullAtEachByte_IsReportedAndLosesNothing) {
     if (bRet) {
       EXPECT_TRUE(operation->IsWhole());
     } else {
-      EXPECT_TRUE(operation->IsSourceIntact());
+      EXPECT_TRUE(operation->IsEverythingKept());
     }
     ASSERT_FALSE(HasFailure()) << "with room for " << cbRoom << " bytes";
   }

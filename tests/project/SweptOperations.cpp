@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <span>
 #include <utility>
 
 #include "CompressedBytes.h"
@@ -74,52 +73,81 @@ class C_LoadOperation : public C_SweptOperation {
     m_source = std::move(source);
     Prepare();
     if (!C_LoadOperation::Run()) std::abort();
-    m_pcm = Pcm();
-    m_nEvents = Events();
+    m_loaded = Loaded();
   }
   bool Run() override {
     C_WavFileFormat format;
     m_file.reset(format.CreateWavFile(Source().c_str(), true, m_bKeepEncoded, nullptr, nullptr));
-    return m_file != nullptr;
+    if (m_file == nullptr) return false;
+    m_nCuePoints = InfoOf<I_WavDataCueInfo>(WAV_DATA_INFO_CUE).GetCuePointCount();
+    m_nLabels = InfoOf<I_WavDataListInfo>(WAV_DATA_INFO_LIST).GetLabelCount();
+    return true;
   }
-  bool IsWhole() override { return Pcm() == m_pcm && Events() == m_nEvents; }
-  // The sound never has more than the file. Samples whose bytes could not be read are silent.
-  bool IsCutShort() override { return Pcm().size() <= m_pcm.size() && Events() <= m_nEvents; }
+  bool IsWhole() override { return Loaded() == m_loaded; }
 
  private:
   void Forget() override { m_file.reset(); }
-  [[nodiscard]] Bytes Pcm() const {
-    const std::span pcm(m_file->GetWavDataBuffer(), m_file->GetWavInfo()->GetByteLength());
-    return pcm.data() == nullptr ? Bytes() : Bytes(pcm.begin(), pcm.end());
+  template <typename Info>
+  [[nodiscard]] Info& InfoOf(tagWavDataInfo eKind) const {
+    void* pInfo = nullptr;
+    if (!m_file->GetDataInfo(eKind, &pInfo)) std::abort();
+    return *static_cast<Info*>(pInfo);
   }
-  [[nodiscard]] int Events() const {
-    return m_file->GetWavData()->GetEventTagMgr()->GetEventList()->GetSize();
+  // Everything that was loaded: a WAV file of the sound has its samples, its annotations, loops and
+  // extra chunks. Cue points and labels of others would be missing in it, so they are counted.
+  [[nodiscard]] Bytes Loaded() const {
+    Bytes loaded = FileOf(*m_file->GetWavData(), AUDIO_FILE_WAVE);
+    loaded.push_back(static_cast<std::uint8_t>(m_nCuePoints));
+    loaded.push_back(static_cast<std::uint8_t>(m_nLabels));
+    return loaded;
   }
 
   bool m_bKeepEncoded;
   C_WavFilePtr m_file;
-  Bytes m_pcm;
-  int m_nEvents = 0;
+  int m_nCuePoints = 0;
+  int m_nLabels = 0;
+  Bytes m_loaded;
 };
+
+// What a file is written over: nothing, another file, or the file that the sound came from.
+enum class Onto { Nothing, AnotherFile, Itself };
 
 // Writes a sound as a file.
 class C_SaveOperation : public C_SweptOperation {
  public:
-  C_SaveOperation(const C_TempFolder& folder, tagAudioFileType eType, Form eForm)
+  C_SaveOperation(const C_TempFolder& folder, tagAudioFileType eType, Form eForm, Onto eOnto)
       : C_SweptOperation(folder),
         m_eType(eType),
         m_eForm(eForm),
+        m_bOntoSource(eOnto == Onto::Itself),
         m_sound(AnnotatedSoundFor(eType)) {
+    if (m_bOntoSource) {
+      m_source = eForm == Form::Own ? FileOf(*m_sound, eType) : ContainerOf(*m_sound, eType);
+    }
+    if (eOnto == Onto::AnotherFile) m_replaced = Bytes(3000, std::uint8_t{'x'});
     Prepare();
+    if (m_bOntoSource) LoadSource();
     if (!C_SaveOperation::Run()) std::abort();
-    m_expected = ReadTarget();
+    m_expected = Written();
   }
-  bool Run() override { return Write(*m_sound, m_eType, Target(), m_eForm); }
-  bool IsWhole() override { return ReadTarget() == m_expected; }
+  bool Run() override {
+    return Write(*m_sound, m_eType, m_bOntoSource ? Source() : Target(), m_eForm);
+  }
+  bool IsWhole() override { return Written() == m_expected; }
 
  private:
+  [[nodiscard]] Bytes Written() const { return m_bOntoSource ? ReadSource() : ReadTarget(); }
+  // What a user does who changes a file: loads it and writes the sound under the same name.
+  void LoadSource() {
+    C_WavFileFormat format;
+    const C_WavFilePtr file(format.CreateWavFile(Source().c_str(), true, false, nullptr, nullptr));
+    if (file == nullptr) std::abort();
+    if (!m_sound->CopyWavData(file->GetWavData())) std::abort();
+  }
+
   tagAudioFileType m_eType;
   Form m_eForm;
+  bool m_bOntoSource;
   C_SoundPtr m_sound;
   Bytes m_expected;
 };
@@ -139,11 +167,10 @@ class C_FileOperation : public C_SweptOperation {
   }
   bool Run() override { return m_action(*this); }
   bool IsWhole() override {
-    return m_eReports == Reports::OnlyTheOpening ? IsCutShort() : Result() == m_expected;
-  }
-  // A header that could not be read is not recognised, and stays before the stream in the copy.
-  bool IsCutShort() override {
-    return Result().size() <= std::max(m_source.size(), m_expected.size());
+    const Bytes result = Result();
+    if (m_eReports == Reports::AllThatWasDone) return result == m_expected;
+    return result.size() <= m_expected.size() &&
+           std::equal(result.begin(), result.end(), m_expected.begin());
   }
 
  private:
@@ -199,9 +226,10 @@ Maker LoadContainer(tagAudioFileType eType, bool bKeepEncoded) {
                                              bKeepEncoded);
   };
 }
-Maker Save(tagAudioFileType eType, Form eForm = Form::Own) {
-  return
-      [=](const auto& folder) { return std::make_unique<C_SaveOperation>(folder, eType, eForm); };
+Maker Save(tagAudioFileType eType, Form eForm = Form::Own, Onto eOnto = Onto::Nothing) {
+  return [=](const auto& folder) {
+    return std::make_unique<C_SaveOperation>(folder, eType, eForm, eOnto);
+  };
 }
 Maker Files(Bytes (*pfnSource)(), bool (*pfnAction)(C_FileOperation&),
             C_FileOperation::Reports eReports = C_FileOperation::Reports::AllThatWasDone) {
@@ -227,6 +255,14 @@ const std::map<std::string, Maker>& Makers() {
       {"SaveKestrelContainer", Save(AUDIO_FILE_KESTREL, Form::Container)},
       {"SaveHeron", Save(AUDIO_FILE_HERON_2BIT)},
       {"SaveHeronContainer", Save(AUDIO_FILE_HERON_2BIT, Form::Container)},
+      {"SaveWaveOntoAnother", Save(AUDIO_FILE_WAVE, Form::Own, Onto::AnotherFile)},
+      {"SaveWaveOntoItself", Save(AUDIO_FILE_WAVE, Form::Own, Onto::Itself)},
+      {"SaveVemdOntoItself", Save(AUDIO_FILE_VEMD, Form::Own, Onto::Itself)},
+      {"SaveKestrelOntoAnother", Save(AUDIO_FILE_KESTREL, Form::Own, Onto::AnotherFile)},
+      {"SaveKestrelOntoItself", Save(AUDIO_FILE_KESTREL, Form::Own, Onto::Itself)},
+      {"SaveKestrelContainerOntoItself", Save(AUDIO_FILE_KESTREL, Form::Container, Onto::Itself)},
+      {"SaveHeronOntoAnother", Save(AUDIO_FILE_HERON_2BIT, Form::Own, Onto::AnotherFile)},
+      {"SaveHeronContainerOntoItself", Save(AUDIO_FILE_HERON_2BIT, Form::Container, Onto::Itself)},
       {"PrependHeader", Files(BareKestrel, Prepend)},
       {"StripHeader", Files(KestrelFile, Strip, C_FileOperation::Reports::OnlyTheOpening)},
       {"CopyWithHeader", Files(BareKestrel, CopyWithHeader)},
@@ -242,6 +278,12 @@ void C_SweptOperation::Prepare() {
   Forget();
   std::filesystem::remove(m_strTarget);
   m_folder.Write("source", m_source);
+  if (m_replaced) m_folder.Write("target", *m_replaced);
+}
+
+bool C_SweptOperation::IsEverythingKept() const {
+  return m_folder.Read("source") == m_source &&
+         (!m_replaced || m_folder.Read("target") == *m_replaced);
 }
 
 std::vector<std::string> SweptOperationNames() {

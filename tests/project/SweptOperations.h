@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,17 +20,15 @@ class C_SweptOperation {
   C_SweptOperation(const C_SweptOperation&) = delete;
   C_SweptOperation& operator=(const C_SweptOperation&) = delete;
 
-  // Writes the source again, and removes the target and everything else that the previous run left.
+  // Writes the source again, and the file that is to be replaced. Removes everything else that the
+  // previous run left.
   void Prepare();
   // Performs the operation and nothing else.
   virtual bool Run() = 0;
   // After a Run that returned true: whether all of it was done.
   virtual bool IsWhole() = 0;
-  // After a Run that returned true although the source could not be read to its end: whether the
-  // result is that of a source that ends early. That is how files that were cut short are read.
-  virtual bool IsCutShort() { return false; }
-  // After a Run that returned false: whether the source is as it was before.
-  [[nodiscard]] bool IsSourceIntact() const { return m_folder.Read("source") == m_source; }
+  // After a Run that returned false: whether all files of the user are as they were before.
+  [[nodiscard]] bool IsEverythingKept() const;
 
   [[nodiscard]] const std::string& Source() const { return m_strSource; }
   [[nodiscard]] const std::string& Target() const { return m_strTarget; }
@@ -39,6 +38,8 @@ class C_SweptOperation {
   [[nodiscard]] std::vector<std::uint8_t> ReadSource() const { return m_folder.Read("source"); }
   // The file that the operation reads; set by the constructors of the derived classes.
   std::vector<std::uint8_t> m_source;
+  // The file that the operation replaces; without one, the target is new.
+  std::optional<std::vector<std::uint8_t>> m_replaced;
 
  private:
   virtual void Forget() {}

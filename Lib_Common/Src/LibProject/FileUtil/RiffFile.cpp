@@ -10,6 +10,7 @@
 
 #include "ByteReader.h"
 #include "StdioFile.h"
+#include "TargetFile.h"
 #include "VcmAssert.h"
 
 namespace {
@@ -49,27 +50,31 @@ bool WriteFileHeader(std::FILE* pFile, std::uint32_t dwRiffSize, const char* psz
 }
 
 // Moves the stream to the first byte that is not zero. Returns the number of zero bytes skipped,
-// modulo 2^32, or nothing at the end of the file.
-std::optional<std::uint32_t> SkipZeros(std::FILE* pFile) {
+// modulo 2^32, or nothing at the end of the file and when it cannot be read.
+std::optional<std::uint32_t> SkipZeros(S_RiffStream& stream) {
   std::uint32_t dwZeros = 0;
-  int nByte = std::getc(pFile);
-  for (; nByte == 0; nByte = std::getc(pFile)) ++dwZeros;
-  if (nByte == EOF || std::ungetc(nByte, pFile) == EOF) return std::nullopt;
-  return dwZeros;
+  int nByte = std::getc(stream.pFile);
+  for (; nByte == 0; nByte = std::getc(stream.pFile)) ++dwZeros;
+  if (nByte != EOF && std::ungetc(nByte, stream.pFile) != EOF) return dwZeros;
+  stream.bReadError |= nByte != EOF || !vcm::IsAtEnd(stream.pFile);
+  return std::nullopt;
 }
 
 // Reads the chunk header at the stream's position and moves the stream past the payload. Null when
-// the header cannot be read or the payload starts beyond 4 GiB.
+// the file ends before that, when the payload starts beyond 4 GiB, and when the file cannot be
+// read.
 std::unique_ptr<C_RiffChunk> ReadChunk(const C_RiffStreamPtr& stream) {
   std::array<std::uint8_t, kChunkHeaderLength> header{};
-  if (!vcm::ReadExact(stream->pFile, header)) return nullptr;
+  const auto cbRead = vcm::ReadSome(stream->pFile, header);
+  stream->bReadError |= !cbRead;
+  if (cbRead.value_or(0) < header.size()) return nullptr;
   vcm::C_ByteReader reader(header);
   char achID[kIDLength];
   std::memcpy(achID, reader.Bytes(kIDLength).data(), kIDLength);
   const std::uint32_t dwSize = reader.U32();
   const auto qwDataPos = vcm::Tell(stream->pFile);
-  if (!qwDataPos || *qwDataPos > kMaxSize) return nullptr;
-  if (!C_RiffChunkList::Skip(stream->pFile, dwSize)) return nullptr;
+  stream->bReadError |= !qwDataPos || !C_RiffChunkList::Skip(stream->pFile, dwSize);
+  if (stream->bReadError || *qwDataPos > kMaxSize) return nullptr;
   return std::make_unique<C_RiffChunk>(achID, dwSize, static_cast<std::uint32_t>(*qwDataPos),
                                        stream);
 }
@@ -123,7 +128,7 @@ bool C_RiffChunkList::LoadChunks(std::FILE* pFile, unsigned int dwLength) {
 bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwLength) {
   std::uint32_t dwRemaining = dwLength;
   while (dwRemaining >= kChunkHeaderLength) {
-    const auto dwZeros = SkipZeros(stream->pFile);
+    const auto dwZeros = SkipZeros(*stream);
     if (!dwZeros) break;
     // Kept: the count may wrap and is not checked again before the header is read. A chunk after
     // the zeros is therefore listed even when the RIFF size ends inside them. Old writers leave
@@ -136,7 +141,7 @@ bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwL
     if (dwRemaining < qwTaken) break;
     dwRemaining -= static_cast<std::uint32_t>(qwTaken);
   }
-  return true;
+  return !stream->bReadError;
 }
 
 bool C_RiffChunkList::WriteChunks(std::FILE* pFile) {
@@ -189,6 +194,16 @@ bool C_RiffChunk::HasChunkID(const char* pszID) const {
   return std::memcmp(m_achID, pszID, kIDLength) == 0;
 }
 
+std::unique_ptr<C_RiffChunk> C_RiffChunk::CreateHeldPart() {
+  if (!m_stream || m_stream->pFile == nullptr) return nullptr;
+  const auto cbHeld = SeekToHeldPayload();
+  if (!cbHeld || *cbHeld == m_dwSize) return nullptr;
+  auto part = std::make_unique<C_RiffChunk>(m_achID, *cbHeld);
+  if (*cbHeld > 0) part->m_pbyData = std::make_unique_for_overwrite<std::uint8_t[]>(*cbHeld);
+  m_stream->bReadError |= !vcm::ReadExact(m_stream->pFile, {part->m_pbyData.get(), *cbHeld});
+  return m_stream->bReadError ? nullptr : std::move(part);
+}
+
 bool C_RiffChunk::LoadSubChunks() {
   if (!m_stream || m_stream->pFile == nullptr) return false;
   if (!vcm::SeekTo(m_stream->pFile, m_dwDataPos)) return false;
@@ -216,15 +231,24 @@ bool C_RiffChunk::Write(std::FILE* pFile) {
 // Checks the file's length before allocating memory, because a header may claim 4 GiB.
 bool C_RiffChunk::ReadPayload() {
   if (!m_stream || m_stream->pFile == nullptr) return false;
-  std::FILE* pFile = m_stream->pFile;
-  const auto qwFileLength = vcm::SizeAndSeekEnd(pFile);
-  if (!vcm::SeekTo(pFile, m_dwDataPos)) return false;
-  std::unique_ptr<std::uint8_t[]> pbyData;
-  const bool bHeld = qwFileLength && *qwFileLength >= std::uint64_t{m_dwDataPos} + m_dwSize;
-  if (bHeld) pbyData = std::make_unique_for_overwrite<std::uint8_t[]>(m_dwSize);
-  m_bReadFailed = !bHeld || !vcm::ReadExact(pFile, {pbyData.get(), m_dwSize});
+  const auto cbHeld = SeekToHeldPayload();
+  m_bReadFailed = cbHeld != m_dwSize;
+  if (m_bReadFailed) return false;
+  auto pbyData = std::make_unique_for_overwrite<std::uint8_t[]>(m_dwSize);
+  m_bReadFailed = !vcm::ReadExact(m_stream->pFile, {pbyData.get(), m_dwSize});
+  m_stream->bReadError |= m_bReadFailed;
   if (!m_bReadFailed) m_pbyData = std::move(pbyData);
   return !m_bReadFailed;
+}
+
+std::optional<std::uint32_t> C_RiffChunk::SeekToHeldPayload() {
+  const auto qwFileLength = vcm::SizeAndSeekEnd(m_stream->pFile);
+  if (!qwFileLength || !vcm::SeekTo(m_stream->pFile, m_dwDataPos)) {
+    m_stream->bReadError = true;
+    return std::nullopt;
+  }
+  const std::uint64_t qwHeld = *qwFileLength - std::min<std::uint64_t>(*qwFileLength, m_dwDataPos);
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>(qwHeld, m_dwSize));
 }
 
 C_RiffFile::~C_RiffFile() { SafeCloseFile(); }
@@ -238,19 +262,29 @@ bool C_RiffFile::Open(const char* pszPath, const char* pszFormType) {
   if (!dwLength) return false;
   m_stream = std::make_shared<S_RiffStream>();
   m_stream->pFile = file.release();
-  return m_chunks.LoadChunks(m_stream, *dwLength);
+  m_dwListLength = *dwLength;
+  if (m_chunks.LoadChunks(m_stream, *dwLength)) return true;
+  SafeCloseFile();
+  RemoveChunks();
+  return false;
+}
+
+bool C_RiffFile::IsCutShort() {
+  if (!m_stream) return false;
+  const auto qwFileLength = vcm::SizeAndSeekEnd(m_stream->pFile);
+  m_stream->bReadError |= !qwFileLength;
+  return qwFileLength && *qwFileLength < kFileHeaderLength + std::uint64_t{m_dwListLength};
 }
 
 bool C_RiffFile::Save(const char* pszPath, const char* pszFormType) {
   SafeCloseFile();
   const std::uint64_t qwRiffSize = kIDLength + m_chunks.GetTrueChunksLength();
   if (qwRiffSize > kMaxSize) return false;
-  auto file = vcm::OpenFile(pszPath, "wb");
-  if (!file) return false;
-  const bool bWritten =
-      WriteFileHeader(file.get(), static_cast<std::uint32_t>(qwRiffSize), pszFormType) &&
-      m_chunks.WriteChunks(file.get());
-  return vcm::CloseChecked(std::move(file)) && bWritten;
+  vcm::C_TargetFile target(pszPath);
+  if (target.Stream() == nullptr) return false;
+  return target.Commit(
+      WriteFileHeader(target.Stream(), static_cast<std::uint32_t>(qwRiffSize), pszFormType) &&
+      m_chunks.WriteChunks(target.Stream()));
 }
 
 C_RiffChunk* C_RiffFile::AddChunk(const char* pszID, unsigned int dwSize) {

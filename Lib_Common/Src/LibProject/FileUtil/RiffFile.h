@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "CLArray.h"
 #include "I_RiffChunk.h"
@@ -27,6 +28,8 @@ class C_RiffChunk;
 // pFile to null, so the chunks know that the file is closed.
 struct S_RiffStream {
   std::FILE* pFile = nullptr;
+  // Something that the file holds could not be read.
+  bool bReadError = false;
 };
 using C_RiffStreamPtr = std::shared_ptr<S_RiffStream>;
 
@@ -44,9 +47,9 @@ class C_RiffChunkList : public C_CLArray<C_RiffChunk*, C_RiffChunk*, true> {
   [[nodiscard]] C_RiffChunk* FindChunk(const char* pszID, int nStart) const;
   // Appends a chunk in memory, without a payload, and returns it; the list owns it.
   C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
-  // Appends the chunks that start within dwLength bytes from the stream's position. Always true: a
-  // header that cannot be read only ends the listing. The stream must stay open until the payloads
-  // have been read.
+  // Appends the chunks that start within dwLength bytes from the stream's position. The end of the
+  // file only ends the listing. False when the file holds more but cannot be read. The stream must
+  // stay open until the payloads have been read.
   bool LoadChunks(std::FILE* pFile, unsigned int dwLength);
   bool LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwLength);
   // Writes every chunk, header then payload. False when a write fails.
@@ -81,7 +84,12 @@ class C_RiffChunk : public I_RiffChunk {
   [[nodiscard]] unsigned int GetDataPos() const { return m_dwDataPos; }
   [[nodiscard]] C_RiffChunkList& GetSubChunks() { return m_subChunks; }
 
-  // Appends the payload's chunks to the sub-chunk list. False without an open file.
+  // For a chunk on disk that the end of the file cuts: a chunk in memory with the bytes that the
+  // file holds. Null for every other chunk, and when the file cannot be read.
+  [[nodiscard]] std::unique_ptr<C_RiffChunk> CreateHeldPart();
+
+  // Appends the payload's chunks to the sub-chunk list. False without an open file, and when it
+  // cannot be read.
   bool LoadSubChunks();
   // Writes the payload: its bytes if they are in memory, zeros if reading them has failed, and
   // otherwise the sub-chunks, if there are any.
@@ -91,6 +99,9 @@ class C_RiffChunk : public I_RiffChunk {
 
  private:
   bool ReadPayload();
+  // Payload bytes that the open file holds, from m_dwDataPos on; leaves the stream there. Empty
+  // when the file cannot be read.
+  std::optional<std::uint32_t> SeekToHeldPayload();
 
   char m_achID[4];
   std::uint32_t m_dwSize;
@@ -113,9 +124,16 @@ class C_RiffFile {
   C_RiffFile& operator=(const C_RiffFile&) = delete;
 
   // Opens a file of this form type (four characters) and lists its chunks. False when the file
-  // cannot be opened or is of another type.
+  // cannot be opened or read, or is of another type.
   bool Open(const char* pszPath, const char* pszFormType);
-  // Writes the list; a failed write leaves a partial file. A list too long for the 32-bit RIFF size
+  // Whether anything that the open file holds could not be read, in Open or since then. Chunks that
+  // the end of the file cuts are no such error. After an error, what was read is not all that the
+  // file says.
+  [[nodiscard]] bool HasReadError() const { return m_stream && m_stream->bReadError; }
+  // Whether the open file ends before the end that its RIFF size names. Then chunks may be missing.
+  [[nodiscard]] bool IsCutShort();
+  // Writes the list, as vcm::C_TargetFile writes: an existing file is intact until everything is
+  // written; a new file stays partial when a write fails. A list too long for the 32-bit RIFF size
   // is refused before the target is touched.
   bool Save(const char* pszPath, const char* pszFormType);
   C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
@@ -129,5 +147,6 @@ class C_RiffFile {
 
  private:
   C_RiffStreamPtr m_stream;
+  std::uint32_t m_dwListLength = 0;  // bytes of chunks after the file's header, as the header says
   C_RiffChunkList m_chunks;
 };

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "CLArray.h"
+#include "annotation/ApartRanges.h"
 #include "annotation/SampleRangeMerge.h"
 
 namespace vcm {
@@ -52,5 +53,58 @@ void CopyItems(List& list, const Source* pSource) {
     if (pItem != nullptr) AppendRange(list, pItem->GetStartSamplePos(), pItem->GetEndSamplePos());
   }
 }
+
+// A list of ranges that belongs to a sound.
+template <typename Item, typename Interface>
+class C_SampleRangeList : public C_CLArray<Item*, Interface*, true> {
+  using Base = C_CLArray<Item*, Interface*, true>;
+
+ public:
+  void RemoveItemByIndex(int nIndex) override {
+    m_bChanged = true;
+    Base::RemoveItemByIndex(nIndex);
+  }
+  void RemoveAll() override {
+    m_bChanged = true;
+    Base::RemoveAll();
+  }
+
+  void Merge() {
+    m_bChanged = true;
+    MergeItems(*this);
+  }
+  // Appends a range and merges the list. A range that meets no other needs no merge, and that is
+  // known without looking at all ranges, as long as the list was filled in this way.
+  void AppendAndMerge(unsigned int dwStart, unsigned int dwEnd) {
+    const bool bAlone = IsKnown() && m_apart.Add({dwStart, dwEnd});
+    AppendRange(*this, dwStart, dwEnd);
+    if (bAlone) {
+      this->GetAt(m_nKnown++)->ReportChangesTo(&m_bChanged);
+    } else {
+      MergeItems(*this);
+      Learn();
+    }
+  }
+
+ private:
+  // Callers change items and remove them, which m_bChanged tells; other code of ours adds items.
+  [[nodiscard]] bool IsKnown() const { return !m_bChanged && m_nKnown == this->GetCount(); }
+  void Learn() {
+    std::vector<S_SampleRange> ranges;
+    for (int i = 0; i < this->GetCount(); ++i) {
+      Item* const pItem = this->GetAt(i);
+      if (pItem == nullptr) continue;
+      pItem->ReportChangesTo(&m_bChanged);
+      ranges.push_back({pItem->GetStartSamplePos(), pItem->GetEndSamplePos()});
+    }
+    m_apart.Learn(ranges);
+    m_nKnown = this->GetCount();
+    m_bChanged = false;
+  }
+
+  C_ApartRanges m_apart;
+  int m_nKnown = 0;        // how many items there were when m_apart was up to date
+  bool m_bChanged = true;  // since then
+};
 
 }  // namespace vcm

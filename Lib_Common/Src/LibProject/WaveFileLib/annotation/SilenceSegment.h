@@ -15,15 +15,20 @@ class C_SilenceSegment final : public I_SilenceSegment {
   unsigned int GetEndSamplePos() override { return m_dwEnd; }
   // Wraps when the end is before the start.
   unsigned int GetSampleSize() override { return m_dwEnd - m_dwStart + 1; }
-  void SetStartSamplePos(unsigned int dwPos) override { m_dwStart = dwPos; }
-  void SetEndSamplePos(unsigned int dwPos) override { m_dwEnd = dwPos; }
+  void SetStartSamplePos(unsigned int dwPos) override { SetSilenceRange(dwPos, m_dwEnd); }
+  void SetEndSamplePos(unsigned int dwPos) override { SetSilenceRange(m_dwStart, dwPos); }
 
   void SetSilenceRange(unsigned int dwStart, unsigned int dwEnd) {
     m_dwStart = dwStart;
     m_dwEnd = dwEnd;
+    if (m_pbChanged != nullptr) *m_pbChanged = true;
   }
+  // Sets *pbChanged whenever the segment changes; null ends this. The list of the segment asks for
+  // it.
+  void ReportChangesTo(bool* pbChanged) { m_pbChanged = pbChanged; }
 
  private:
   unsigned int m_dwStart;
   unsigned int m_dwEnd;
+  bool* m_pbChanged = nullptr;
 };

@@ -18,6 +18,7 @@
 #include "codec/TempStream.h"
 #include "interface/I_WavData.h"
 #include "kestrel/FrameCoder.h"
+#include "sound/HeldBytes.h"
 
 // The argument checks of this codec are for developers: a release build returns false instead.
 #ifdef NDEBUG
@@ -119,6 +120,7 @@ std::span<const std::uint8_t> MonoPcm(I_WavData* piWavData) {
   const std::uint64_t qwSamples = piWavData->GetWavInfo()->GetSampleSize();
   const std::uint64_t qwBytes = qwSamples * kSampleBytes;
   if (pbyPcm == nullptr || qwBytes > piWavData->GetBufferLength()) return {};
+  if (!vcm::HoldsItsBytes(*piWavData)) return {};
   return {pbyPcm, static_cast<std::size_t>(qwBytes)};
 }
 

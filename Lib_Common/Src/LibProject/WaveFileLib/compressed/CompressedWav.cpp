@@ -48,7 +48,9 @@ std::optional<std::vector<std::uint8_t>> ReadPayload(std::FILE* pFile, std::uint
   const std::uint64_t qwHeld = *qwSize - std::min(*qwSize, qwPosition);
   std::vector<std::uint8_t> payload(
       static_cast<std::size_t>(std::min<std::uint64_t>(qwHeld, dwLength)));
-  payload.resize(vcm::ReadSome(pFile, payload));
+  const auto cbRead = vcm::ReadSome(pFile, payload);
+  if (!cbRead) return std::nullopt;
+  payload.resize(*cbRead);
   return payload;
 }
 

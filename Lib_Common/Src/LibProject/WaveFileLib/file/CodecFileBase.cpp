@@ -1,30 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/CodecFileBase.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <utility>
 #include <vector>
 
 #include "StdioFile.h"
+#include "TargetFile.h"
 #include "file/CodecHead.h"
 #include "file/SpHeader.h"
 
 namespace {
 
-// The bytes after the SP header, or the whole file when it has no SP header. Empty on failure, and
-// for a stream whose size does not fit in 32 bits.
-std::vector<unsigned char> ReadStream(const char* pszFileName) {
+// The bytes after the SP header, or the whole file when it has no SP header. Empty when the file
+// cannot be read, and for a stream whose size does not fit in 32 bits.
+std::optional<std::vector<unsigned char>> ReadStream(const char* pszFileName) {
   C_SpHeader header;
-  const std::uint64_t qwStart = ReadSpHeader(&header, pszFileName) ? C_SpHeader::kBytes : 0;
+  const auto bHeader = FindSpHeader(&header, pszFileName);
   const auto file = vcm::OpenFile(pszFileName, "rb");
-  if (!file) return {};
+  if (!bHeader || !file) return std::nullopt;
+  const std::uint64_t qwStart = *bHeader ? C_SpHeader::kBytes : 0;
   const auto qwSize = vcm::SizeAndSeekEnd(file.get());
-  if (!qwSize || *qwSize <= qwStart || !vcm::SeekTo(file.get(), qwStart)) return {};
-  if (*qwSize - qwStart > std::numeric_limits<std::uint32_t>::max()) return {};
-  std::vector<unsigned char> stream(static_cast<std::size_t>(*qwSize - qwStart));
-  stream.resize(vcm::ReadSome(file.get(), stream));
+  if (!qwSize || !vcm::SeekTo(file.get(), qwStart)) return std::nullopt;
+  const std::uint64_t qwLength = *qwSize - std::min(*qwSize, qwStart);
+  if (qwLength > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
+  std::vector<unsigned char> stream(static_cast<std::size_t>(qwLength));
+  const auto cbRead = vcm::ReadSome(file.get(), stream);
+  if (!cbRead) return std::nullopt;
+  stream.resize(*cbRead);
   return stream;
 }
 
@@ -33,7 +38,9 @@ std::vector<unsigned char> ReadStream(const char* pszFileName) {
 bool C_CodecFileBase::CheckFormat(const char* pszFileName, bool bWithInfo) {
   if (bWithInfo) PrepareWavData();
   C_SpHeader header;
-  if (!ReadSpHeader(&header, pszFileName)) {
+  const auto bHeader = FindSpHeader(&header, pszFileName);
+  if (!bHeader) return false;
+  if (!*bHeader) {
     if (!CheckVefFormat(pszFileName, bWithInfo, m_family.foreignVefTypes)) return false;
     m_eContainerKind = kVefContainer;
     return true;
@@ -84,17 +91,17 @@ bool C_CodecFileBase::BorrowStream(S_Stream* pStream) {
 
 bool C_CodecFileBase::WriteStreamFile(const char* pszFileName, const S_Stream& stream,
                                       std::optional<tagAudioFileType> eHeadType) {
-  auto file = vcm::OpenFile(pszFileName, "wb");
-  if (!file) return false;
+  vcm::C_TargetFile target(pszFileName);
+  std::FILE* pFile = target.Stream();
+  if (pFile == nullptr) return false;
   const bool bHead =
-      !eHeadType || codechead::Write(file.get(), *eHeadType, GetWavInfo()->GetSampleRate());
-  const bool bWritten = bHead && vcm::WriteExact(file.get(), {stream.pbyData, stream.dwLength});
-  return vcm::CloseChecked(std::move(file)) && bWritten;
+      !eHeadType || codechead::Write(pFile, *eHeadType, GetWavInfo()->GetSampleRate());
+  return target.Commit(bHead && vcm::WriteExact(pFile, {stream.pbyData, stream.dwLength}));
 }
 
 bool C_CodecFileBase::LoadSpStream(PFN_DecodedData pfnData) {
-  const std::vector<unsigned char> stream = ReadStream(GetFileName());
-  return TakeStream(stream.data(), static_cast<unsigned int>(stream.size()), pfnData);
+  const auto stream = ReadStream(GetFileName());
+  return stream && TakeStream(stream->data(), static_cast<unsigned int>(stream->size()), pfnData);
 }
 
 // Kept: no pieces are handed over while a container is decoded. A listener would take the pieces

@@ -101,9 +101,8 @@ class C_CodecFileBase : public C_VefFileBase {
   //                    true: the PCM is always encoded
   //
   // False without a sound, when the sound cannot be encoded, and when its encoded form is to be
-  // written but does not exist. The target is opened only when the stream or the container is
-  // complete. An existing file therefore survives every failure except one while writing, which may
-  // leave a partial file.
+  // written but does not exist. The target is written as vcm::C_TargetFile says: an existing file
+  // is replaced only when everything is written, and a new one stays partial when a write fails.
   bool WriteAs(tagAudioFileType eType, const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                PFN_CodecProgress pfnProgress, bool bForceEncode);
   // True when the sound's encoded form is to be written instead of a new stream.

@@ -2,23 +2,18 @@
 #include "file/SpHeader.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <span>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "ByteReader.h"
+#include "Replacement.h"
 #include "StdioFile.h"
-#include "TempFile.h"
-#include "VCM.h"
 
 namespace {
 
@@ -34,10 +29,6 @@ constexpr std::size_t kRecognisedBytes = 22;
 // A version 255 header has two more bytes after its format word. Nothing beyond this length is
 // read.
 constexpr std::size_t kLongestHeader = C_SpHeader::kBytes + 2;
-constexpr std::size_t kCopyBytes = 1024;
-constexpr int kNameAttempts = 10000;
-constexpr mode_t kPermissions = S_IRWXU | S_IRWXG | S_IRWXO;
-constexpr mode_t kModeBits = kPermissions | S_ISUID | S_ISGID | S_ISVTX;
 constexpr std::uint64_t kOffsetID = 22;
 constexpr std::uint64_t kOffsetFormat = 24;
 constexpr std::uint64_t kOffsetValue34 = 34;
@@ -64,16 +55,6 @@ void TakeField(const vcm::C_ByteReader& reader, T value, T& field) {
   if (reader.Ok()) field = value;
 }
 
-// Copies the rest of pFrom. True when the end of pFrom was reached and everything could be written.
-bool CopyRest(std::FILE* pFrom, std::FILE* pTo) {
-  std::array<std::uint8_t, kCopyBytes> chunk;
-  std::size_t cbRead = 0;
-  while ((cbRead = vcm::ReadSome(pFrom, chunk)) > 0) {
-    if (!vcm::WriteExact(pTo, std::span(chunk).first(cbRead))) return false;
-  }
-  return std::ferror(pFrom) == 0;
-}
-
 // True when pszOther names the file that pFile reads. Opening such a target for writing would empty
 // the source before it is copied.
 bool IsSameFile(std::FILE* pFile, const char* pszOther) {
@@ -83,8 +64,9 @@ bool IsSameFile(std::FILE* pFile, const char* pszOther) {
          one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-unsigned int RandomNumber() {
-  // Files are created exclusively, so their names need not be unpredictable.
+// Kept: the names beside a file are numbered from the clock. They need not be hard to foresee,
+// because the files are created exclusively. Pinned by Prepend_SeedsTheGeneratorOncePerProcess.
+unsigned int NumberFromTheClock() {
   static const bool bSeeded = [] {
     std::srand(static_cast<unsigned int>(std::time(nullptr)));
     return true;
@@ -93,58 +75,6 @@ unsigned int RandomNumber() {
   return static_cast<unsigned int>(
       std::rand());  // NOLINT(cert-msc30-c,cert-msc50-cpp,concurrency-mt-unsafe)
 }
-
-std::string SiblingName(const char* pszFileName) {
-  constexpr std::size_t cbSuffix = sizeof(".ffffffff");
-  std::vector<char> szName(std::strlen(pszFileName) + cbSuffix);
-  VCM_stprintf(szName.data(), szName.size(), "%s.%x", pszFileName, RandomNumber());
-  return szName.data();
-}
-
-// The new version of a file. It lies beside the old file under a name of its own until it takes the
-// old file's place.
-class C_Replacement {
- public:
-  explicit C_Replacement(const char* pszFileName) {
-    for (int i = 0; i < kNameAttempts && !m_file; ++i) {
-      m_strPath = SiblingName(pszFileName);
-      m_file = vcm::CreateExclusive(m_strPath);
-      if (!m_file && errno != EEXIST) break;
-    }
-    if (!m_file) m_strPath.clear();
-  }
-  ~C_Replacement() {
-    m_file.reset();
-    if (!m_strPath.empty()) unlink(m_strPath.c_str());
-  }
-  C_Replacement(const C_Replacement&) = delete;
-  C_Replacement& operator=(const C_Replacement&) = delete;
-
-  [[nodiscard]] std::FILE* Stream() const { return m_file.get(); }
-
-  // Sets the owner before the mode, because a change of owner clears the special mode bits. These
-  // bits are left out when the owner or the group cannot be set: the new file then belongs to
-  // somebody else. Write nothing after this call, because a write would clear the bits again.
-  [[nodiscard]] bool TakeOwnerAndMode(const struct stat& model) const {
-    if (std::fflush(m_file.get()) != 0) return false;
-    const int nDescriptor = fileno(m_file.get());
-    const bool bGroup = fchown(nDescriptor, static_cast<uid_t>(-1), model.st_gid) == 0;
-    const bool bOwner = fchown(nDescriptor, model.st_uid, static_cast<gid_t>(-1)) == 0;
-    return fchmod(nDescriptor, model.st_mode & (bGroup && bOwner ? kModeBits : kPermissions)) == 0;
-  }
-
-  [[nodiscard]] bool TakePlaceOf(const char* pszFileName) {
-    const bool bOnDisk = fsync(fileno(m_file.get())) == 0;
-    if (!vcm::CloseChecked(std::move(m_file)) || !bOnDisk) return false;
-    if (std::rename(m_strPath.c_str(), pszFileName) != 0) return false;
-    m_strPath.clear();
-    return true;
-  }
-
- private:
-  std::string m_strPath;
-  vcm::C_FilePtr m_file;
-};
 
 // The cbField bytes at qwOffset as a little-endian number; 0 when the file does not hold them all.
 unsigned int ReadAt(const char* pszFileName, std::uint64_t qwOffset, std::size_t cbField) {
@@ -169,13 +99,14 @@ C_SpHeader::C_SpHeader(unsigned char byKind, unsigned short wID, unsigned short 
       m_byValue36(byValue36),
       m_dwValue37(dwValue37) {}
 
-bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName) {
+std::optional<bool> FindSpHeader(C_SpHeader* pHeader, const char* pszFileName) {
   *pHeader = C_SpHeader();
   const auto file = vcm::OpenFile(pszFileName, "rb");
-  if (!file) return false;
+  if (!file) return std::nullopt;
   std::array<std::uint8_t, kLongestHeader> bytes{};
-  const std::size_t cbRead = vcm::ReadSome(file.get(), bytes);
-  vcm::C_ByteReader reader({bytes.data(), cbRead});
+  const auto cbRead = vcm::ReadSome(file.get(), bytes);
+  if (!cbRead) return std::nullopt;
+  vcm::C_ByteReader reader({bytes.data(), *cbRead});
   const unsigned int dwVersion = RecognisedVersion(reader);
   if (dwVersion == 0) return false;
   TakeField(reader, reader.U16(), pHeader->m_wID);
@@ -190,6 +121,10 @@ bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName) {
   TakeField(reader, reader.U8(), pHeader->m_byValue36);
   TakeField(reader, reader.U32(), pHeader->m_dwValue37);
   return true;
+}
+
+bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName) {
+  return FindSpHeader(pHeader, pszFileName).value_or(false);
 }
 
 bool WriteSpHeader(const C_SpHeader& header, std::FILE* pFile) {
@@ -222,24 +157,24 @@ bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName) {
   if (!source || fstat(fileno(source.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
     return false;
   }
-  C_Replacement replacement(pszFileName);
+  vcm::C_Replacement replacement(pszFileName, NumberFromTheClock);
   if (replacement.Stream() == nullptr) return false;
   return WriteSpHeader(header, replacement.Stream()) &&
-         CopyRest(source.get(), replacement.Stream()) && replacement.TakeOwnerAndMode(status) &&
-         replacement.TakePlaceOf(pszFileName);
+         vcm::CopyRest(source.get(), replacement.Stream()) &&
+         replacement.TakeOwnerAndMode(status) && replacement.TakePlaceOf(pszFileName);
 }
 
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget) {
-  const bool bHeader = ReadSpHeader(pHeader, pszSource);
+  const auto bHeader = FindSpHeader(pHeader, pszSource);
   const auto source = vcm::OpenFile(pszSource, "rb");
-  if (!source || IsSameFile(source.get(), pszTarget)) return false;
-  if (!vcm::SeekTo(source.get(), bHeader ? C_SpHeader::kBytes : 0)) return false;
+  if (!bHeader || !source || IsSameFile(source.get(), pszTarget)) return false;
+  if (!vcm::SeekTo(source.get(), *bHeader ? C_SpHeader::kBytes : 0)) return false;
   const auto target = vcm::OpenFile(pszTarget, "wb");
   if (!target) return false;
   // Kept: the result is true once the target is open, even when the copy fails, because callers
   // judge the stripped file by its contents. Pinned by
   // Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened.
-  static_cast<void>(CopyRest(source.get(), target.get()));
+  static_cast<void>(vcm::CopyRest(source.get(), target.get()));
   return true;
 }
 
@@ -248,7 +183,8 @@ bool CopyWithSpHeader(const char* pszSource, const char* pszTarget, const C_SpHe
   if (!source || IsSameFile(source.get(), pszTarget)) return false;
   auto target = vcm::OpenFile(pszTarget, "wb");
   if (!target) return false;
-  const bool bWritten = WriteSpHeader(header, target.get()) && CopyRest(source.get(), target.get());
+  const bool bWritten =
+      WriteSpHeader(header, target.get()) && vcm::CopyRest(source.get(), target.get());
   return vcm::CloseChecked(std::move(target)) && bWritten;
 }
 

@@ -22,6 +22,7 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
 
 class C_SpHeader final {
  public:
@@ -51,7 +52,7 @@ class C_SpHeader final {
   friend bool operator==(const C_SpHeader&, const C_SpHeader&) = default;
 
  private:
-  friend bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName);
+  friend std::optional<bool> FindSpHeader(C_SpHeader* pHeader, const char* pszFileName);
   friend bool WriteSpHeader(const C_SpHeader& header, std::FILE* pFile);
 
   unsigned int m_dwSignature = 0xFF00FF00;
@@ -73,6 +74,9 @@ class C_SpHeader final {
 // file does not hold keep their defaults. When the result is false, *pHeader holds the defaults.
 bool ReadSpHeader(C_SpHeader* pHeader, const char* pszFileName);
 
+// The same, but tells a file without a header (false) from one that cannot be read (empty).
+[[nodiscard]] std::optional<bool> FindSpHeader(C_SpHeader* pHeader, const char* pszFileName);
+
 // Writes the 48 bytes at the position of the stream. False when a write fails.
 bool WriteSpHeader(const C_SpHeader& header, std::FILE* pFile);
 
@@ -86,13 +90,14 @@ unsigned short GetSpFileID(const char* pszFileName);
 bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName);
 
 // Copies a file without its header; a file that has no header is copied whole. *pHeader is filled
-// in as ReadSpHeader does it. An existing target is replaced. False when either file cannot be
-// opened, or when the target is the source. A copy that fails later still returns true.
+// in as ReadSpHeader does it. An existing target is written over in place. False when either file
+// cannot be opened, when the start of the source cannot be read, and when the target is the source.
+// A copy that fails later still returns true.
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget);
 
 // Writes the header and then the whole source, even when the source has a header of its own. An
-// existing target is replaced. False when either file cannot be opened, when the target is the
-// source, and when a write fails, which may leave a partial target.
+// existing target is written over in place. False when either file cannot be opened, when the
+// target is the source, and when a write fails, which may leave a partial target.
 bool CopyWithSpHeader(const char* pszSource, const char* pszTarget, const C_SpHeader& header);
 
 // Access at fixed offsets, whatever the file holds: the signature is not checked. A field that the

@@ -10,6 +10,7 @@
 #include "ByteReader.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
+#include "file/CuedEvents.h"
 #include "file/VefLabels.h"
 #include "file/WavChunks.h"
 #include "interface/I_WavDataInfo.h"
@@ -120,6 +121,7 @@ bool C_VefFileBase::CheckVefFormat(const char* pszFileName, bool bWithInfo,
   if (!riff.Open(pszFileName, kFormType)) return false;
   if (!FindFormatAndData(riff) || m_codecInfo.GetFormatTag() != WAVE_TAG_PCM) return false;
   const unsigned int dwType = CodingTypeOf(riff);
+  if (riff.HasReadError()) return false;
   const auto bHasType = [dwType](const S_AudioFileTypes& types) { return types.Has(dwType); };
   if (std::ranges::any_of(foreign, bHasType)) return false;
   if (!bWithInfo) return true;
@@ -147,20 +149,23 @@ bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {
     C_RiffChunk& chunk = *riff.GetChunkAt(i);
     bool bLoaded = true;
     if (chunk.HasChunkID("cue ")) {
-      bLoaded = RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite).LoadInfo(&chunk);
+      bLoaded = wavchunks::LoadInfo(RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite), chunk);
     } else if (chunk.HasChunkID("smpl")) {
-      bLoaded = RequiredInfo<I_WavDataSamplerInfo>(*this, kCheckSite).LoadInfo(&chunk);
+      bLoaded = wavchunks::LoadInfo(RequiredInfo<I_WavDataSamplerInfo>(*this, kCheckSite), chunk);
     } else if (chunk.HasChunkID("LIST")) {
-      bLoaded = RequiredInfo<I_WavDataListInfo>(*this, kCheckSite).LoadInfo(&chunk);
+      bLoaded = wavchunks::LoadInfo(RequiredInfo<I_WavDataListInfo>(*this, kCheckSite), chunk);
     } else if (chunk.HasChunkID(kEvents)) {
-      // A chunk that cannot be read is left out: a file that was cut off here still has its sound.
+      // A chunk that the end of the file cuts is left out: the file still has its sound.
       auto& extraChunkInfo = RequiredInfo<I_WavDataExtraChunkInfo>(*this, kCheckSite);
       static_cast<void>(extraChunkInfo.AddRiffChunk(kEvents, &chunk));
     }
     if (!bLoaded) return false;
   }
   auto& listInfo = RequiredInfo<I_WavDataListInfo>(*this, kCheckSite);
-  veflabels::LoadEvents(*GetWavData(), listInfo, RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite));
+  auto& cueInfo = RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite);
+  if (riff.IsCutShort()) cuedevents::RemoveLostLabels(listInfo, cueInfo);
+  if (riff.HasReadError()) return false;
+  veflabels::LoadEvents(*GetWavData(), listInfo, cueInfo);
   return true;
 }
 

@@ -6,6 +6,7 @@
 
 #include "ByteReader.h"
 #include "chunk/PcmFormat.h"
+#include "sound/HeldBytes.h"
 
 namespace wavchunks {
 namespace {
@@ -57,6 +58,7 @@ bool IsAmong(std::span<const char* const> names, const char* pszName) {
 }  // namespace
 
 std::optional<C_WavDataPtr> ConvertForWriting(I_WavData& wavData) {
+  if (!vcm::HoldsItsBytes(wavData)) return std::nullopt;
   const S_SampleForm form = FormToWrite(wavData);
   C_WavDataPtr converted;
   if (form == FormOf(*wavData.GetWavInfo())) return converted;

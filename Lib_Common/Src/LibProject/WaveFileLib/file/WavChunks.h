@@ -11,6 +11,7 @@
 // chunk cannot be added or filled, which ends the writing.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -62,16 +63,27 @@ Info& RequiredInfo(C_WavFileBase& file, const vcm::S_AssertSite& site) {
   return *pInfo;
 }
 
-// Loads the chunk into the file's info object. False when the object is missing or cannot load it.
+// Loads the chunk into the info object; false when the object cannot load it. Of a chunk that the
+// end of the file cuts, the records that are whole are loaded, and the result is true: the sound
+// before them must not be lost with them.
+template <typename Info>
+bool LoadInfo(Info& info, C_RiffChunk& chunk) {
+  const std::unique_ptr<C_RiffChunk> heldPart = chunk.CreateHeldPart();
+  if (!heldPart) return info.LoadInfo(&chunk);
+  static_cast<void>(info.LoadInfo(heldPart.get()));
+  return true;
+}
+
+// The same for the file's info object; false also when the object is missing.
 template <typename Info>
 bool LoadInfo(C_WavFileBase& file, C_RiffChunk& chunk) {
   Info* pInfo = InfoOf<Info>(file);
-  return pInfo != nullptr && pInfo->LoadInfo(&chunk);
+  return pInfo != nullptr && LoadInfo(*pInfo, chunk);
 }
 
 // A copy of the sound in the sample widths that its codec parameters set. When they set none,
-// 12-bit samples become 16-bit ones. Holds null when the sound already has these widths, and is
-// empty when the sound cannot be converted.
+// 12-bit samples become 16-bit ones. Holds null when the sound already has these widths. Empty when
+// the sound cannot be converted, and when its format claims more bytes than its buffer holds.
 std::optional<C_WavDataPtr> ConvertForWriting(I_WavData& wavData);
 
 // Adds a chunk with a copy of the data. pData may be null when dwLength is 0.

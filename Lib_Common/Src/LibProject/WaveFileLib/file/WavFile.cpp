@@ -5,6 +5,7 @@
 #include "VcmAssert.h"
 #include "compressed/CompressedWav.h"
 #include "compressed/WavTags.h"
+#include "file/CuedEvents.h"
 #include "file/WavChunks.h"
 #include "file/WavLabels.h"
 #include "interface/I_WavDataInfo.h"
@@ -24,8 +25,7 @@ class C_ExtraChunkKeeper {
     if (m_pInfo == nullptr) return;
     if (m_bFirst) m_pInfo->RemoveAll();
     m_bFirst = false;
-    // A chunk that cannot be read is left out: a file that was cut off inside such a chunk still
-    // has its sound.
+    // A chunk that the end of the file cuts is left out: the file still has its sound.
     static_cast<void>(m_pInfo->AddRiffChunk(chunk.GetChunkID(), &chunk));
   }
 
@@ -130,7 +130,14 @@ bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
     }
     if (!bLoaded) return false;
   }
-  return true;
+  if (riff.IsCutShort()) {
+    auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this);
+    auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this);
+    if (pIListInfo != nullptr && pICueInfo != nullptr) {
+      cuedevents::RemoveLostLabels(*pIListInfo, *pICueInfo);
+    }
+  }
+  return !riff.HasReadError();
 }
 
 bool C_WavFile::LoadSamples(std::FILE* pFile) {

@@ -61,14 +61,14 @@ class C_WavFile : public C_WavFileBase {
   // Writes the sound in the form that GetFileFormat names: AUDIO_FILE_WAVE or AUDIO_FILE_VEMD. An
   // existing file is replaced. Only pszFileName has an effect; the other arguments matter only for
   // codec files. Samples are written in the widths of the sound's codec parameters when these are
-  // set. Otherwise samples of 12 bits that
-  // are stored in 16 or 32 are written as 16; those stored in 12, as a file gives them, cannot be
-  // converted. The sound's own cue points and labels are replaced by
-  // those of its annotations.
+  // set. Otherwise samples of 12 bits that are stored in 16 or 32 are written as 16; those stored
+  // in 12, as a file gives them, cannot be converted. The sound's own cue points and labels are
+  // replaced by those of its annotations.
   //
-  // Returns false without touching a file when the sound or its PCM is missing, for any other kind,
-  // and for widths that cannot be converted. The target is opened only when the whole file is
-  // assembled. A failure while writing also returns false, and may leave a partial file.
+  // Returns false without touching a file when the sound or its PCM is missing, when the format
+  // claims more bytes than the PCM has, for any other kind, and for widths that cannot be
+  // converted. The target is written as vcm::C_TargetFile says: an existing file is replaced only
+  // when everything is written, and a new one stays partial when a write fails.
   bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                  PFN_CodecProgress pfnProgress, bool bForceEncode,
                  unsigned int dwCodecOption) override;  // 23

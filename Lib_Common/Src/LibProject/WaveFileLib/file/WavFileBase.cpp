@@ -90,7 +90,7 @@ bool C_WavFileBase::GetDataInfo(int nType, void** ppInfo) {
 }
 
 bool C_WavFileBase::OpenByName(const char* pszFileName) {
-  if (pszFileName == nullptr || std::strlen(pszFileName) >= kFileNameField) return false;
+  if (pszFileName == nullptr || std::strlen(pszFileName) > kFileNameField) return false;
   return CheckFormat(pszFileName, true) && KeepNameAndLength(pszFileName);
 }
 
@@ -151,8 +151,9 @@ bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
   if (pbyPcm == nullptr) return dwLength == 0;
   const std::span<std::uint8_t> pcm(pbyPcm, dwLength);
   if (!vcm::SeekTo(pFile, m_dwDataStartPos)) return false;
-  const std::size_t cbRead = vcm::ReadSome(pFile, pcm);
-  const auto missing = pcm.subspan(cbRead);
+  const auto cbRead = vcm::ReadSome(pFile, pcm);
+  if (!cbRead) return false;
+  const auto missing = pcm.subspan(*cbRead);
   std::fill(missing.begin(), missing.end(), std::uint8_t{0});
   return true;
 }

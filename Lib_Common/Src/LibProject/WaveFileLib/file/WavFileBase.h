@@ -30,8 +30,7 @@ class C_WavFileBase : public I_WavFile {
   static constexpr unsigned int kCodingMSAdpcm = WAV_CODING_MS_ADPCM;
   static constexpr unsigned int kCodingDviAdpcm = WAV_CODING_DVI_ADPCM;
 
-  // Names are kept in a field of this many characters, including the terminator. Longer names are
-  // refused, never cut.
+  // Names are kept in a field of this many characters. Longer names are refused, never cut.
   static constexpr std::size_t kFileNameField = 1024;
   // How many bytes of PCM a file may lack although its "data" chunk claims them.
   static constexpr unsigned int kMaxMissingBytes = 64U << 20;

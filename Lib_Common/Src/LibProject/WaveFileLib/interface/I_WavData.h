@@ -38,8 +38,8 @@ class I_WavData {
   virtual void SetWavInfoData(unsigned int dwSampleRate, unsigned int dwByteLength,
                               unsigned short wChannels, unsigned short wBitsPerSample,
                               unsigned short wStoreBitsPerSample, bool bValueSigned) = 0;  // 10
-  // Takes copies of PCM and format of another sound, whose buffer must be as long as its format
-  // says. False for null, or when this PCM buffer is attached.
+  // Takes copies of PCM and format of another sound. False for null, for a sound whose format
+  // claims more bytes than its buffer holds, and when this PCM buffer is attached.
   virtual bool CopyWavData(I_WavData* pSrc) = 0;  // 11
   // Replaces the PCM by a new buffer of the sound's own, which is not cleared. dwLength is in
   // bytes.

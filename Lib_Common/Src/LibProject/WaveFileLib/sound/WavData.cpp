@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include "sound/HeldBytes.h"
+
 C_WavData::C_WavData() : m_cueInfo(&m_wavInfo), m_samplerInfo(&m_wavInfo) {
   m_pcmBuffer.SetWavInfo(&m_wavInfo);
   m_encBuffer.SetWavInfo(&m_wavInfo);
@@ -37,7 +39,8 @@ void C_WavData::SetWavInfoData(unsigned int dwSampleRate, unsigned int dwByteLen
 }
 
 bool C_WavData::CopyWavData(I_WavData* pSrc) {
-  if (pSrc == nullptr || !SetBuffer(pSrc->GetBuffer(), pSrc->GetBufferLength())) return false;
+  if (pSrc == nullptr || !vcm::HoldsItsBytes(*pSrc)) return false;
+  if (!SetBuffer(pSrc->GetBuffer(), pSrc->GetBufferLength())) return false;
   SetWavInfo(pSrc->GetWavInfo());
   return true;
 }
@@ -56,7 +59,6 @@ bool C_WavData::SetBuffer(const void* pData, unsigned int dwLength) {
 }
 
 I_WavData* C_WavData::Clone() {
-  if (!HoldsItsBytes()) return nullptr;
   auto clone = std::make_unique<C_WavData>();
   return clone->CopyWavData(this) ? clone.release() : nullptr;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "annotation/EventTagMgr.h"
+#include "annotation/SampleRangeList.h"
 #include "annotation/SilenceSegment.h"
 #include "annotation/UncompressRegion.h"
 #include "chunk/WavDataInfo.h"
@@ -104,8 +105,6 @@ class C_WavData : public I_WavData {
   // The sound's format with another channel count and another length in bytes.
   C_WavInfo FormatWith(unsigned short wChannels, unsigned int dwByteLength);
   void SetByteLength(unsigned int dwLength);
-  // False when the format claims more bytes than the buffer holds; such PCM must not be copied.
-  bool HoldsItsBytes() { return GetBufferLength() <= m_pcmBuffer.GetLength(); }
   // True when the PCM may be replaced by another mix of its channels.
   bool CanMix();
   void InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels);
@@ -127,8 +126,8 @@ class C_WavData : public I_WavData {
   C_WavInfo m_wavInfo;  // of the PCM; its encoded length is that of the encoded buffer
   C_EventTagMgr m_eventTagMgr;
   C_AudioCodecParam m_codecParam;
-  C_CLArray<C_SilenceSegment*, I_SilenceSegment*, true> m_silenceSegments;
-  C_CLArray<C_UncompressRegion*, I_UncompressRegion*, true> m_uncompressRegions;
+  vcm::C_SampleRangeList<C_SilenceSegment, I_SilenceSegment> m_silenceSegments;
+  vcm::C_SampleRangeList<C_UncompressRegion, I_UncompressRegion> m_uncompressRegions;
   C_WavDataTextInfo m_textInfo;
   C_WavDataExtraChunkInfo m_extraChunks;
   C_WavDataCueInfo m_cueInfo;

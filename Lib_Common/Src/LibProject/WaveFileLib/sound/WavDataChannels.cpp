@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "CheckedSize.h"
+#include "sound/HeldBytes.h"
 #include "sound/WavData.h"
 
 namespace {
@@ -49,18 +50,31 @@ void MixDown(C_WavDataBuffer& samples, unsigned short wChannels, unsigned int dw
   }
 }
 
+// The bytes of one silent sample, of any width: unsigned values have an offset of half their range.
+std::vector<unsigned char> SilentSample(I_WavInfo& info) {
+  std::vector<unsigned char> sample(info.GetStoreBitsPerSample() / 8U);
+  const unsigned int nTopBit = info.GetBitsPerSample() - 1U;
+  if (!info.IsValueSigned() && nTopBit / 8U < sample.size()) {
+    sample[nTopBit / 8U] = static_cast<unsigned char>(1U << nTopBit % 8U);
+  }
+  return sample;
+}
+
 // Writes one side of a stereo buffer: a channel of src, or silence.
 void FillSide(C_WavDataBuffer& src, unsigned int dwFrames, int nChannel, C_WavDataBuffer& stereo,
               unsigned short wSide) {
-  if (nChannel == kSilence) {
-    for (unsigned int i = 0; i < dwFrames; ++i) stereo.SetSampleValueInt(i, 0, wSide);
-    return;
-  }
   if (dwFrames == 0) return;
-  const std::size_t cbSample = src.GetWavInfo()->GetStoreBitsPerSample() / 8U;
-  CopySamples(stereo.GetBuffer() + wSide * cbSample, kStereo * cbSample,
-              src.GetBuffer() + static_cast<std::size_t>(nChannel) * cbSample,
-              src.GetWavInfo()->GetChannels() * cbSample, dwFrames, cbSample);
+  I_WavInfo& info = *src.GetWavInfo();
+  const std::vector<unsigned char> silence = SilentSample(info);
+  const std::size_t cbSample = silence.size();
+  unsigned char* const pbySide = stereo.GetBuffer() + wSide * cbSample;
+  if (nChannel == kSilence) {
+    CopySamples(pbySide, kStereo * cbSample, silence.data(), 0, dwFrames, cbSample);
+  } else {
+    CopySamples(pbySide, kStereo * cbSample,
+                src.GetBuffer() + static_cast<std::size_t>(nChannel) * cbSample,
+                info.GetChannels() * cbSample, dwFrames, cbSample);
+  }
 }
 
 }  // namespace
@@ -95,6 +109,7 @@ I_WavData* C_WavData::CreateChannelData(unsigned short wChannelNo, unsigned int 
 bool C_WavData::SetChannelData(I_WavData* pSrc, unsigned short wChannelNo,
                                unsigned int dwStartSample, int /*nReserved*/) {
   if (pSrc == nullptr || wChannelNo >= m_wavInfo.GetChannels()) return false;
+  if (!vcm::HoldsItsBytes(*pSrc)) return false;
   const unsigned int dwLength = pSrc->GetBufferLength();
   if (dwLength == 0) return true;
   if (pSrc->GetBuffer() == nullptr) return false;
@@ -179,7 +194,7 @@ void C_WavData::MixToStereo(int nLeftChannel, int nRightChannel) {
   InstallMix(pcm, kStereo);
 }
 
-bool C_WavData::CanMix() { return !m_pcmBuffer.IsBufferAttached() && HoldsItsBytes(); }
+bool C_WavData::CanMix() { return !m_pcmBuffer.IsBufferAttached() && vcm::HoldsItsBytes(*this); }
 
 void C_WavData::InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels) {
   SetBuffer(pcm.data(), static_cast<unsigned int>(pcm.size()));

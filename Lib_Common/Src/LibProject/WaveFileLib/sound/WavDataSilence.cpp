@@ -87,20 +87,18 @@ int C_WavData::MeanValue(unsigned int dwSamplePos, unsigned short wFirstChannel,
 }
 
 C_WavData::SilenceList* C_WavData::AddSilenceSegment(unsigned int dwStart, unsigned int dwEnd) {
-  vcm::AppendRange(m_silenceSegments, dwStart, dwEnd);
-  MergeSilenceSegments();
+  m_silenceSegments.AppendAndMerge(dwStart, dwEnd);
   return &m_silenceSegments;
 }
 
 C_WavData::RegionList* C_WavData::AddUncompressRegion(unsigned int dwStart, unsigned int dwEnd) {
-  vcm::AppendRange(m_uncompressRegions, dwStart, dwEnd);
-  MergeUncompressRegions();
+  m_uncompressRegions.AppendAndMerge(dwStart, dwEnd);
   return &m_uncompressRegions;
 }
 
-void C_WavData::MergeSilenceSegments() { vcm::MergeItems(m_silenceSegments); }
+void C_WavData::MergeSilenceSegments() { m_silenceSegments.Merge(); }
 
-void C_WavData::MergeUncompressRegions() { vcm::MergeItems(m_uncompressRegions); }
+void C_WavData::MergeUncompressRegions() { m_uncompressRegions.Merge(); }
 
 void C_WavData::SetSilenceSegmentList(SilenceList* pList) {
   vcm::CopyItems(m_silenceSegments, pList);

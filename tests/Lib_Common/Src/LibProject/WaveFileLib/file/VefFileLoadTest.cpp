@@ -256,8 +256,30 @@ TEST_F(VefFileLoad, InfoChunksTooShortForTheirFirstField_AreLeftOut) {
 
 TEST_F(VefFileLoad, ALoadersFailure_FailsTheCheck) {
   EXPECT_FALSE(Check(MonoVef(8).Chunk("LIST", AdtlBytes({ChunkBytes("labl", 99, U32(1))}))));
-  EXPECT_FALSE(Check(MonoVef(8).Chunk("cue ", 52, U32(2))));
-  EXPECT_FALSE(Check(MonoVef(8).Chunk("smpl", 60, U32(2))));
+}
+
+TEST_F(VefFileLoad, ChunksThatTheFileCuts_KeepTheirWholeRecords) {
+  const C_Bytes cues = CueBytes({{1, 3, 3}, {2, 5, 5}});
+  ASSERT_TRUE(Check(MonoVef(8).Chunk("cue ", 52, C_Bytes(cues.begin(), cues.end() - 1))));
+  ASSERT_EQ(Cues(m_file).GetCuePointCount(), 1);
+  EXPECT_EQ(Cues(m_file).GetCuePointByIndex(0)->GetPosition(), 3u);
+
+  ASSERT_TRUE(Check(MonoVef(8).Chunk("smpl", 60, U32(2))));
+  EXPECT_EQ(Sampler(m_file).GetSampleLoopNum(), 0u);
+
+  const C_Bytes labels = AdtlBytes({LablBytes(1, "(65538,7)"), LablBytes(1, "cut")});
+  ASSERT_TRUE(Check(MonoVef(8)
+                        .Chunk("cue ", CueBytes({{1, 3, 3}}))
+                        .Chunk("LIST", 46, C_Bytes(labels.begin(), labels.end() - 1))));
+  EXPECT_EQ(VefEventsOf(m_file).size(), 1u);
+}
+
+TEST_F(VefFileLoad, LabelsWhoseCuePointsAreCutOff_AreLost) {
+  ASSERT_TRUE(
+      Check(MonoVef(8)
+                .Chunk("LIST", AdtlBytes({LablBytes(1, "(65538,7)"), LablBytes(2, "(1,2)")}))
+                .Chunk("cue ", 52, CueBytes({{1, 3, 3}}))));
+  EXPECT_EQ(VefEventsOf(m_file).size(), 1u);
 }
 
 TEST_F(VefFileLoad, WrittenAndReadBack_GivesEverything) {

@@ -46,9 +46,6 @@ S_Outcome OutcomeWhenCutTo(std::size_t cb, const std::vector<S_ChunkPlace>& layo
     const bool bWhole = cb >= chunk.nEnd;
     if (chunk.strName == "fmt ") outcome.bStored = bWhole;
     if (chunk.strName == "vdat") outcome.bDecoded = outcome.bStored && bWhole;
-    const bool bMustBeWhole =
-        chunk.strName == "cue " || chunk.strName == "smpl" || chunk.strName == "LIST";
-    if (bMustBeWhole && !bWhole) return {};
   }
   return outcome;
 }

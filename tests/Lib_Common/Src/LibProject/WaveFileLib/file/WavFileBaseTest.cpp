@@ -299,17 +299,17 @@ TEST(WavFileBase, NamesThatDoNotFitTheirField_AreRefused) {
     while (strPath.size() + 1 < nLength) strPath += "/";
     return strPath + "a";
   };
-  ASSERT_EQ(name(1023).size(), 1023u);
+  ASSERT_EQ(name(1024).size(), 1024u);
   C_TestFile file;
-  EXPECT_TRUE(file.OpenByName(name(1023).c_str()));
-  EXPECT_EQ(file.GetFileName(), name(1023));
+  EXPECT_TRUE(file.OpenByName(name(1024).c_str()));
+  EXPECT_EQ(file.GetFileName(), name(1024));
   file.m_strLog.clear();
-  for (const std::size_t nLength : {1024u, 1025u, 3000u, 5000u}) {
+  for (const std::size_t nLength : {1025u, 1026u, 3000u, 5000u}) {
     EXPECT_FALSE(file.OpenByName(name(nLength).c_str())) << nLength;
     EXPECT_FALSE(file.LoadByName(name(nLength).c_str(), false, nullptr, nullptr)) << nLength;
   }
   EXPECT_EQ(file.m_strLog, "");
-  EXPECT_EQ(file.GetFileName(), name(1023));
+  EXPECT_EQ(file.GetFileName(), name(1024));
 }
 
 TEST(WavFileBase, KindAndCoding_CanBeSet) {

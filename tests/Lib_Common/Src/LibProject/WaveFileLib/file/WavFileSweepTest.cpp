@@ -43,11 +43,7 @@ bool LoadsWhenCutTo(std::size_t cb, const std::vector<S_ChunkPlace>& layout) {
   bool bFormat = false;
   for (const S_ChunkPlace& chunk : layout) {
     if (cb < chunk.nPayload) break;  // without its header the chunk is not listed
-    const bool bWhole = cb >= chunk.nEnd;
-    const bool bMayBeCut =
-        chunk.strName == "data" || chunk.strName == "bext" || chunk.strName == "junk";
-    if (!bWhole && !bMayBeCut) return false;
-    if (chunk.strName == "fmt ") bFormat = true;
+    if (chunk.strName == "fmt ") bFormat = cb >= chunk.nEnd;
   }
   return bFormat;
 }

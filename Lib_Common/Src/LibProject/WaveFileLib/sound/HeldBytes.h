@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The format of a sound says how long its PCM is, and callers may set it to anything. Whatever
+// copies the PCM asks here first.
+#pragma once
+
+#include "interface/I_WavData.h"
+
+namespace vcm {
+
+// False when the format claims more bytes than the sound's buffer holds. A sound of a class that is
+// not ours is believed, because only our own buffers tell how long they are.
+[[nodiscard]] bool HoldsItsBytes(I_WavData& wavData);
+
+}  // namespace vcm

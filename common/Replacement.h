@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The new version of a file. It is written beside the old file, under a name of its own, and takes
+// the old file's place in one step. The old file is intact until then.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "StdioFile.h"
+
+namespace vcm {
+
+// A number that nobody can foresee.
+[[nodiscard]] unsigned int UnforeseeableNumber();
+
+class C_Replacement {
+ public:
+  // The longest end of a name, ".ffffffff".
+  static constexpr std::size_t kNumberLength = 9;
+
+  // Creates the new file: exclusively, with mode 0600, as "%s.%x" of the stem, which is the old
+  // file's path, and a number. No such name has the extension of a sound.
+  explicit C_Replacement(const std::string& strStem,
+                         unsigned int (*pfnNumber)() = UnforeseeableNumber);
+  // Removes the new file, unless it has taken the old file's place.
+  ~C_Replacement();
+  C_Replacement(const C_Replacement&) = delete;
+  C_Replacement& operator=(const C_Replacement&) = delete;
+
+  // The open stream ("w+b"). Null when the file could not be created; Error() then says why.
+  [[nodiscard]] std::FILE* Stream() const noexcept { return m_file.get(); }
+  // An errno value: that of the creation, later that of the rename; 0 if the last of them worked.
+  [[nodiscard]] int Error() const noexcept { return m_nError; }
+  [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
+
+  // Gives the new file the mode of the old one, and its owner and group where that is allowed.
+  // Write nothing after this call. False when the mode cannot be set.
+  [[nodiscard]] bool TakeOwnerAndMode(const struct stat& model) const;
+  // Brings the new file to the disk, closes it and renames it to strOldFile. On failure the old
+  // file is as it was, and the new one is removed on destruction.
+  [[nodiscard]] bool TakePlaceOf(const std::string& strOldFile);
+
+ private:
+  std::string m_strPath;
+  C_FilePtr m_file;
+  int m_nError = 0;
+};
+
+}  // namespace vcm
