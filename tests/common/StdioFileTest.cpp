@@ -53,6 +53,49 @@ TEST(StdioFile, ReadSome_GivesWhatThereIs) {
   EXPECT_TRUE(vcm::ReadExact(in.get(), {}));
 }
 
+TEST(StdioFile, ReadSome_OfWhatCannotBeRead_IsEmpty) {
+  const C_TempFolder folder;
+  std::array<std::uint8_t, 8> eight{};
+  // A directory opens for reading, and every read of it fails.
+  const auto directory = vcm::OpenFile(folder.Path().c_str(), "rb");
+  ASSERT_TRUE(directory);
+  EXPECT_FALSE(vcm::ReadSome(directory.get(), eight));
+  EXPECT_FALSE(vcm::IsAtEnd(directory.get()));
+  const auto to = vcm::OpenFile(folder.Path("to").c_str(), "wb");
+  EXPECT_FALSE(vcm::CopyRest(directory.get(), to.get()));
+}
+
+TEST(StdioFile, IsAtEnd_HoldsFromTheEndOn) {
+  const C_TempFolder folder;
+  const auto in = vcm::OpenFile(folder.Write("file", {1, 2, 3}).c_str(), "rb");
+  for (const std::uint64_t qwPosition : {0u, 2u, 3u, 4u, 1000u}) {
+    ASSERT_TRUE(vcm::SeekTo(in.get(), qwPosition));
+    EXPECT_EQ(vcm::IsAtEnd(in.get()), qwPosition >= 3) << qwPosition;
+  }
+  std::FILE* pPipe = popen("echo text", "r");
+  ASSERT_NE(pPipe, nullptr);
+  std::array<std::uint8_t, 8> eight{};
+  EXPECT_FALSE(vcm::IsAtEnd(pPipe));
+  EXPECT_EQ(vcm::ReadSome(pPipe, eight), 5u);
+  EXPECT_TRUE(vcm::IsAtEnd(pPipe));
+  pclose(pPipe);
+}
+
+TEST(StdioFile, CopyRest_CopiesFromThePositionToTheEnd) {
+  const C_TempFolder folder;
+  for (const std::size_t cb : {std::size_t{0}, std::size_t{1}, std::size_t{1023}, std::size_t{1024},
+                               std::size_t{1025}, std::size_t{5000}}) {
+    Bytes bytes(cb + 1);
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i * 7);
+    const auto from = vcm::OpenFile(folder.Write("from", bytes).c_str(), "rb");
+    auto to = vcm::OpenFile(folder.Path("to").c_str(), "wb");
+    ASSERT_TRUE(vcm::SeekTo(from.get(), 1));
+    EXPECT_TRUE(vcm::CopyRest(from.get(), to.get()));
+    EXPECT_TRUE(vcm::CloseChecked(std::move(to)));
+    EXPECT_EQ(folder.Read("to"), Bytes(bytes.begin() + 1, bytes.end()));
+  }
+}
+
 TEST(StdioFile, CloseChecked_ReportsAFullDisk) {
   auto full = vcm::OpenFile("/dev/full", "wb");
   ASSERT_TRUE(full);

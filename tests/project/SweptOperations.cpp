@@ -137,12 +137,14 @@ class C_SaveOperation : public C_SweptOperation {
 
  private:
   [[nodiscard]] Bytes Written() const { return m_bOntoSource ? ReadSource() : ReadTarget(); }
-  // What a user does who changes a file: loads it and writes the sound under the same name.
+  // What a user does who edits a file: loads it, changes a sample, and writes the sound under the
+  // same name.
   void LoadSource() {
     C_WavFileFormat format;
     const C_WavFilePtr file(format.CreateWavFile(Source().c_str(), true, false, nullptr, nullptr));
     if (file == nullptr) std::abort();
     if (!m_sound->CopyWavData(file->GetWavData())) std::abort();
+    m_sound->GetBuffer()[100] ^= 0xFF;
   }
 
   tagAudioFileType m_eType;

@@ -358,6 +358,22 @@ TEST(WavDataChannels, ConvertToStereoWithSilence_ChoosesTheSide) {
   EXPECT_EQ(WithSilence({1, -2}, Format16(1), 65535), (C_Values{0, 1, 0, -2}));
 }
 
+TEST(WavDataChannels, ConvertToStereoWithSilence_IsTheMiddleForUnsignedDataOfOddWidths) {
+  const auto widened = [](unsigned short wBits, bool bSigned, unsigned short bRight) {
+    C_WavData sound;
+    const unsigned char abyPcm[] = {1, 2, 3, 4, 5, 6};
+    sound.SetBuffer(abyPcm, sizeof(abyPcm));
+    sound.SetWavInfoData(8000, sizeof(abyPcm), 1, wBits, 24, bSigned);
+    sound.ConvertToStereoWithSilence(bRight);
+    return BytesOf(sound);
+  };
+  EXPECT_EQ(widened(24, false, 0), (C_Pcm{1, 2, 3, 0, 0, 0x80, 4, 5, 6, 0, 0, 0x80}));
+  EXPECT_EQ(widened(24, false, 1), (C_Pcm{0, 0, 0x80, 1, 2, 3, 0, 0, 0x80, 4, 5, 6}));
+  EXPECT_EQ(widened(20, false, 0), (C_Pcm{1, 2, 3, 0, 0, 0x08, 4, 5, 6, 0, 0, 0x08}));
+  EXPECT_EQ(widened(24, true, 0), (C_Pcm{1, 2, 3, 0, 0, 0, 4, 5, 6, 0, 0, 0}));
+  EXPECT_EQ(widened(0, false, 0), (C_Pcm{1, 2, 3, 0, 0, 0, 4, 5, 6, 0, 0, 0}));
+}
+
 TEST(WavDataChannels, ConvertToStereoWithSilence_IsTheMiddleForUnsignedData) {
   C_WavData sound;
   SetSound(sound, {0x10}, Format8(1));

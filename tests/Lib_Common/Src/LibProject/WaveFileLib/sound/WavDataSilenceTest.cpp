@@ -420,6 +420,57 @@ TEST(WavDataSilence, MergeOfVeryManySegments_EndsInTime) {
   EXPECT_EQ(MergedOnce(ranges), (C_Ranges{{0, 0xFFFFFFFFu}}));
 }
 
+// Ranges are added, changed and removed in any order. The list is what a merge of the whole list
+// after each addition makes of it.
+TEST(WavDataSilence, AddedOneByOne_AgreesWithTheRuleWhateverHappensBetween) {
+  C_Random random(9);
+  for (int nRound = 0; nRound < 500; ++nRound) {
+    C_WavData sound;
+    C_Ranges expected;
+    const unsigned int dwSpan = 1U << (4 + random() % 10);
+    for (int nStep = 0; nStep < 60; ++nStep) {
+      I_WavData::SilenceList& list = *sound.GetSilenceSegmentList();
+      const unsigned int dwStart = random() % dwSpan;
+      const unsigned int dwEnd = dwStart + random() % 8 - (random() % 16 == 0 ? 1 : 0);
+      const auto nItem = expected.empty() ? 0 : random() % expected.size();
+      const unsigned int dwAction = expected.empty() ? 9 : random() % 24;
+      if (dwAction == 0) {
+        list.GetItemByIndex(static_cast<int>(nItem))->SetEndSamplePos(dwEnd);
+        expected[nItem].second = dwEnd;
+      } else if (dwAction == 1) {
+        list.GetItemByIndex(static_cast<int>(nItem))->SetStartSamplePos(dwStart);
+        expected[nItem].first = dwStart;
+      } else if (dwAction == 2) {
+        list.RemoveItemByIndex(static_cast<int>(nItem));
+        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(nItem));
+      } else if (dwAction == 3) {
+        sound.MergeSilenceSegments();
+        expected = MergedByTheBook(expected);
+      } else if (dwAction == 4 && random() % 8 == 0) {
+        list.RemoveAll();
+        expected.clear();
+      } else {
+        sound.AddSilenceSegment(dwStart, dwEnd);
+        expected.emplace_back(dwStart, dwEnd);
+        expected = MergedByTheBook(expected);
+      }
+      ASSERT_EQ(RangesOf(&list), expected) << nRound << ", " << nStep;
+    }
+  }
+}
+
+// Looking at every range for every addition would take minutes.
+TEST(WavDataSilence, VeryManyAddedOneByOne_EndInTime) {
+  C_WavData sound;
+  for (unsigned int i = 0; i < 200000; ++i) {
+    const unsigned int dwStart = (i % 2 == 0 ? i : 400000 - i) * 10;
+    sound.AddSilenceSegment(dwStart, dwStart + 8);
+    sound.AddUncompressRegion(dwStart, dwStart + 8);
+  }
+  EXPECT_EQ(sound.GetSilenceSegmentList()->GetSize(), 200000);
+  EXPECT_EQ(sound.GetUncompressRegionList()->GetSize(), 200000);
+}
+
 TEST(WavDataSilence, NullItems_ArePassedOverByMerging) {
   C_WavData sound;
   sound.AddSilenceSegment(0, 10);

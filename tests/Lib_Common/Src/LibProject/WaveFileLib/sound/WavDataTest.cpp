@@ -106,8 +106,14 @@ TEST(WavData, FormatThatClaimsMoreThanIsHeld_IsNotCopied) {
   EXPECT_FALSE(sound.Convert(AUDIO_FILE_WAVE, "/dev/null", true, false, nullptr, false, 0));
   sound.ConvertToMono();
   EXPECT_EQ(sound.GetWavInfo()->GetChannels(), 2);
+  C_WavData copy;
+  SetSound(copy, {5});
+  EXPECT_FALSE(copy.CopyWavData(&sound));
+  EXPECT_EQ(ValuesOf(copy), (C_Values{5}));
+  EXPECT_FALSE(copy.SetChannelData(&sound, 0, 0, 0));
   sound.SetWavInfoData(8000, 8, 2, 16, 16, true);
   EXPECT_NE(C_SoundPtr(sound.Clone()), nullptr);
+  EXPECT_TRUE(copy.CopyWavData(&sound));
 }
 
 // Frames with so many channels that relatively few frames make a sound whose sample count wraps.

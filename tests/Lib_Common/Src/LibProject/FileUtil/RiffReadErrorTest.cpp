@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A file that cannot be read is not a file that ends early.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "FaultyIo.h"
+#include "RiffFixture.h"
+#include "WavBytes.h"
+
+namespace {
+
+using RiffReadError = C_RiffFixture;
+
+C_RiffBytes FileWithPads() {
+  return C_RiffBytes("WAVE")
+      .Chunk("fmt ", FmtBytes(1, 1, 8000, 16))
+      .Chunk("junk", RampBytes(5))
+      .Zeros(3)
+      .Chunk("data", RampBytes(64));
+}
+
+TEST_F(RiffReadError, WhileChunksAreListed_MakesOpenFail) {
+  const std::string strPath = m_folder.Write("in", FileWithPads().Take());
+  for (const bool bCutShort : {false, true}) {
+    for (int nCall = 1;; ++nCall) {
+      C_RiffFile file;
+      C_FaultyIo faults({.nCall = nCall, .bCutShort = bCutShort});
+      const bool bOpen = file.Open(strPath.c_str(), "WAVE");
+      faults.Stop();
+      if (!faults.WasHit()) {
+        EXPECT_TRUE(bOpen);
+        EXPECT_GT(nCall, 8);
+        break;
+      }
+      EXPECT_EQ(file.GetChunkCount(), bOpen ? 3 : 0) << nCall;
+      EXPECT_FALSE(file.HasReadError());
+      EXPECT_TRUE(bCutShort || !bOpen) << nCall;
+    }
+  }
+}
+
+TEST_F(RiffReadError, WhileAPayloadIsRead_IsRemembered) {
+  for (int nCall = 1;; ++nCall) {
+    C_RiffFile file;
+    ASSERT_TRUE(Open(file, FileWithPads().Take()));
+    C_Bytes payload(64);
+    C_FaultyIo faults({.nCall = nCall});
+    const bool bRead = file.FindChunk("data", 0)->GetData(payload.data(), 64, 0);
+    faults.Stop();
+    EXPECT_NE(bRead, faults.WasHit());
+    EXPECT_EQ(file.HasReadError(), faults.WasHit());
+    if (!faults.WasHit()) break;
+    // What is said of payloads that are cut short holds here, too.
+    EXPECT_TRUE(file.FindChunk("data", 0)->GetData(payload.data(), 64, 0) || nCall < 3);
+  }
+}
+
+TEST_F(RiffReadError, WhileAHeldPartIsRead_IsRemembered) {
+  for (int nCall = 1;; ++nCall) {
+    C_RiffFile file;
+    ASSERT_TRUE(Open(file, C_RiffBytes("WAVE").Chunk("cue ", 28, RampBytes(20)).Take()));
+    C_FaultyIo faults({.nCall = nCall});
+    const auto part = file.FindChunk("cue ", 0)->CreateHeldPart();
+    faults.Stop();
+    EXPECT_EQ(part == nullptr, faults.WasHit());
+    EXPECT_EQ(file.HasReadError(), faults.WasHit());
+    if (!faults.WasHit()) break;
+  }
+}
+
+TEST_F(RiffReadError, WhileSubChunksAreListed_IsReported) {
+  for (int nCall = 1;; ++nCall) {
+    C_RiffFile file;
+    const C_Bytes list = Join({ChunkBytes("aaaa", {1}), ChunkBytes("bbbb", {2})});
+    ASSERT_TRUE(Open(file, C_RiffBytes("WAVE").Chunk("LIST", list).Take()));
+    C_FaultyIo faults({.nCall = nCall});
+    const bool bListed = file.FindChunk("LIST", 0)->LoadSubChunks();
+    faults.Stop();
+    EXPECT_NE(bListed, faults.WasHit());
+    if (!faults.WasHit()) break;
+  }
+}
+
+TEST_F(RiffReadError, WhenTheFileIsMeasured_IsRemembered) {
+  C_RiffFile file;
+  ASSERT_TRUE(Open(file, FileWithPads().Take()));
+  C_FaultyIo faults({.nCall = 1});
+  EXPECT_FALSE(file.IsCutShort());
+  faults.Stop();
+  EXPECT_TRUE(file.HasReadError());
+}
+
+TEST_F(RiffReadError, EndOfFile_IsNoError) {
+  const C_Bytes whole = FileWithPads().Take();
+  for (std::size_t cb = 12; cb <= whole.size(); ++cb) {
+    C_RiffFile file;
+    ASSERT_TRUE(Open(file, C_Bytes(whole.begin(), whole.begin() + static_cast<long>(cb)))) << cb;
+    EXPECT_EQ(file.IsCutShort(), cb < whole.size()) << cb;
+    for (int i = 0; i < file.GetChunkCount(); ++i) {
+      C_Bytes payload(64);
+      C_RiffChunk& chunk = *file.GetChunkAt(i);
+      const auto part = chunk.CreateHeldPart();
+      EXPECT_EQ(chunk.GetData(payload.data(), 1, 0), part == nullptr) << cb;
+      if (part == nullptr) continue;
+      EXPECT_EQ(part->GetDataLength(), cb - chunk.GetDataPos());
+      if (part->GetDataLength() > 0) {
+        EXPECT_EQ(PayloadOf(part.get()),
+                  C_Bytes(whole.begin() + static_cast<long>(chunk.GetDataPos()),
+                          whole.begin() + static_cast<long>(cb)));
+      }
+    }
+    EXPECT_FALSE(file.HasReadError()) << cb;
+  }
+}
+
+TEST_F(RiffReadError, ClosedFile_IsNeitherCutNorFaulty) {
+  C_RiffFile file;
+  EXPECT_FALSE(file.IsCutShort());
+  EXPECT_FALSE(file.HasReadError());
+  EXPECT_EQ(file.AddChunk("aaaa", 4)->CreateHeldPart(), nullptr);
+}
+
+}  // namespace

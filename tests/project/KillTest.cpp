@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The process is killed before and after each of its system calls. Whenever that is, the user's
+// file is either the old one or the new one, and whole.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+#include "FileType.h"
+#include "PrivateTemp.h"
+#include "SweptOperations.h"
+
+namespace {
+
+constexpr int kMaxStops = 20000;
+constexpr int kSystemCall = SIGTRAP | 0x80;  // what PTRACE_O_TRACESYSGOOD makes of a stop
+
+// Performs the operation in a process that is stopped at each entry to a system call and at each
+// return from one. Kills it at its nStop-th stop, counted from 1. True when it ended before that,
+// having succeeded.
+bool SucceedsBefore(C_SweptOperation& operation, int nStop) {
+  const pid_t nChild = fork();
+  if (nChild == 0) {
+    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+    raise(SIGSTOP);
+    _exit(operation.Run() ? 0 : 1);
+  }
+  int nStatus = 0;
+  EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
+  EXPECT_EQ(ptrace(PTRACE_SETOPTIONS, nChild, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL),
+            0);
+  for (int i = 0; i < nStop && WIFSTOPPED(nStatus); ++i) {
+    EXPECT_EQ(ptrace(PTRACE_SYSCALL, nChild, nullptr, nullptr), 0);
+    EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
+    EXPECT_TRUE(!WIFSTOPPED(nStatus) || WSTOPSIG(nStatus) == kSystemCall) << WSTOPSIG(nStatus);
+  }
+  if (!WIFSTOPPED(nStatus)) return WIFEXITED(nStatus) && WEXITSTATUS(nStatus) == 0;
+  kill(nChild, SIGKILL);
+  EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
+  return false;
+}
+
+class KillTest : public testing::TestWithParam<std::string> {
+ protected:
+  // Removes what a killed process left beside the user's files. The player must not take it for a
+  // sound, and there can be only one.
+  void RemoveLeftFile(const C_SweptOperation& operation) {
+    int nLeft = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {
+      const std::string strPath = entry.path().string();
+      if (strPath == operation.Source() || strPath == operation.Target()) continue;
+      unsigned char byNeedsDecoding = 0;
+      EXPECT_FALSE(CheckFileType(strPath.c_str(), &byNeedsDecoding)) << strPath;
+      std::filesystem::remove(entry.path());
+      ++nLeft;
+    }
+    EXPECT_LE(nLeft, 1);
+    m_nLeft += nLeft;
+  }
+
+  C_PrivateTemp m_temp;
+  C_TempFolder m_folder;
+  int m_nLeft = 0;
+};
+
+TEST_P(KillTest, KilledAtEachSystemCall_LeavesTheOldFileOrTheNewOne) {
+  const auto operation = MakeSweptOperation(GetParam(), m_folder);
+  int nOld = 0;
+  int nNew = 0;
+  int nStop = 1;
+  for (operation->Prepare(); nStop < kMaxStops && !SucceedsBefore(*operation, nStop); ++nStop) {
+    RemoveLeftFile(*operation);
+    const bool bOld = operation->IsEverythingKept();
+    EXPECT_TRUE(bOld || operation->IsWhole());
+    ASSERT_FALSE(HasFailure()) << "at stop " << nStop;
+    ++(bOld ? nOld : nNew);
+    operation->Prepare();
+  }
+  EXPECT_LT(nStop, kMaxStops);
+  EXPECT_TRUE(operation->IsWhole());
+  EXPECT_GT(nOld, 20);
+  EXPECT_GT(nNew, 0);
+  EXPECT_GT(m_nLeft, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, KillTest,
+                         testing::Values("SaveWaveOntoAnother", "SaveWaveOntoItself",
+                                         "SaveVemdOntoItself", "SaveKestrelOntoAnother",
+                                         "SaveKestrelOntoItself", "SaveKestrelContainerOntoItself",
+                                         "SaveHeronOntoAnother", "SaveHeronContainerOntoItself",
+                                         "PrependHeader"),
+                         [](const auto& parameters) { return parameters.param; });
+
+}  // namespace
