@@ -51,7 +51,7 @@ bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn) {
 class AllocationFailureTest : public testing::TestWithParam<std::tuple<std::string, bool>> {
  protected:
   C_PrivateTemp m_temp;
-  C_TempFolder m_folder;
+  C_TempFolder m_folder{C_TempFolder::kInMemory};
 };
 
 TEST_P(AllocationFailureTest, EachAllocationFailing_LeaksAndLosesNothing) {

@@ -61,7 +61,7 @@ using Parameters = std::tuple<std::string, S_IoFault>;
 
 class IoFailureTest : public testing::TestWithParam<Parameters> {
  protected:
-  C_TempFolder m_folder;
+  C_TempFolder m_folder{C_TempFolder::kInMemory};
 };
 
 TEST_P(IoFailureTest, EachCallFailing_IsReportedAndLosesNothing) {
@@ -111,7 +111,7 @@ class C_FullDisk {
 
 class FullDiskTest : public testing::TestWithParam<std::string> {
  protected:
-  C_TempFolder m_folder;
+  C_TempFolder m_folder{C_TempFolder::kInMemory};
 };
 
 TEST_P(FullDiskTest, DiskFullAtEachByte_IsReportedAndLosesNothing) {

@@ -4,45 +4,26 @@
 // file is either the old one or the new one, and whole.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/ptrace.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <string>
 
 #include "FileType.h"
 #include "PrivateTemp.h"
 #include "SweptOperations.h"
+#include "TracedChild.h"
 
 namespace {
 
 constexpr int kMaxStops = 20000;
-constexpr int kSystemCall = SIGTRAP | 0x80;  // what PTRACE_O_TRACESYSGOOD makes of a stop
-
-// Performs the operation in a process that is stopped at each entry to a system call and at each
-// return from one. Kills it at its nStop-th stop, counted from 1. True when it ended before that,
-// having succeeded.
+// Performs the operation in a process of its own, which is killed at its nStop-th stop, counted
+// from
+// 1. True when it ended before that, having succeeded.
 bool SucceedsBefore(C_SweptOperation& operation, int nStop) {
-  const pid_t nChild = fork();
-  if (nChild == 0) {
-    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-    raise(SIGSTOP);
-    _exit(operation.Run() ? 0 : 1);
+  C_TracedChild child([&operation] { return operation.Run() ? 0 : 1; });
+  for (int i = 0; i < nStop; ++i) {
+    if (child.Next() == C_TracedChild::Stop::Ended) return child.Result() == 0;
   }
-  int nStatus = 0;
-  EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
-  EXPECT_EQ(ptrace(PTRACE_SETOPTIONS, nChild, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL),
-            0);
-  for (int i = 0; i < nStop && WIFSTOPPED(nStatus); ++i) {
-    EXPECT_EQ(ptrace(PTRACE_SYSCALL, nChild, nullptr, nullptr), 0);
-    EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
-    EXPECT_TRUE(!WIFSTOPPED(nStatus) || WSTOPSIG(nStatus) == kSystemCall) << WSTOPSIG(nStatus);
-  }
-  if (!WIFSTOPPED(nStatus)) return WIFEXITED(nStatus) && WEXITSTATUS(nStatus) == 0;
-  kill(nChild, SIGKILL);
-  EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);
   return false;
 }
 
@@ -65,7 +46,7 @@ class KillTest : public testing::TestWithParam<std::string> {
   }
 
   C_PrivateTemp m_temp;
-  C_TempFolder m_folder;
+  C_TempFolder m_folder{C_TempFolder::kInMemory};
   int m_nLeft = 0;
 };
 

@@ -13,7 +13,10 @@
 #include "DecodeToWav.h"
 #include "ExampleSound.h"
 #include "WavFileFormat.h"
+#include "file/HeronFile.h"
+#include "file/KestrelFile.h"
 #include "file/SpHeader.h"
+#include "file/WavFile.h"
 
 namespace {
 
@@ -65,19 +68,36 @@ Bytes FileOf(I_WavData& sound, tagAudioFileType eType) {
   return folder.Read("made");
 }
 
-// Loads a file with the factory.
+// With the factory, which makes a second attempt when the first one fails.
+C_WavFilePtr LoadWithFactory(const char* pszPath, bool bKeepEncoded) {
+  C_WavFileFormat format;
+  return C_WavFilePtr(format.CreateWavFile(pszPath, true, bKeepEncoded, nullptr, nullptr));
+}
+
+// With one attempt of one class.
+template <typename File>
+C_WavFilePtr LoadOnce(const char* pszPath, bool bKeepEncoded) {
+  auto* const pFile = new File;
+  C_WavFilePtr file(pFile);
+  if (!pFile->LoadByName(pszPath, bKeepEncoded, nullptr, nullptr)) file.reset();
+  return file;
+}
+
+using Loader = C_WavFilePtr (*)(const char* pszPath, bool bKeepEncoded);
+
+// Loads a file.
 class C_LoadOperation : public C_SweptOperation {
  public:
-  C_LoadOperation(const C_TempFolder& folder, Bytes source, bool bKeepEncoded)
-      : C_SweptOperation(folder), m_bKeepEncoded(bKeepEncoded) {
+  C_LoadOperation(const C_TempFolder& folder, Bytes source, bool bKeepEncoded,
+                  Loader pfnLoad = LoadWithFactory)
+      : C_SweptOperation(folder), m_bKeepEncoded(bKeepEncoded), m_pfnLoad(pfnLoad) {
     m_source = std::move(source);
     Prepare();
     if (!C_LoadOperation::Run()) std::abort();
     m_loaded = Loaded();
   }
   bool Run() override {
-    C_WavFileFormat format;
-    m_file.reset(format.CreateWavFile(Source().c_str(), true, m_bKeepEncoded, nullptr, nullptr));
+    m_file = m_pfnLoad(Source().c_str(), m_bKeepEncoded);
     if (m_file == nullptr) return false;
     m_nCuePoints = InfoOf<I_WavDataCueInfo>(WAV_DATA_INFO_CUE).GetCuePointCount();
     m_nLabels = InfoOf<I_WavDataListInfo>(WAV_DATA_INFO_LIST).GetLabelCount();
@@ -103,6 +123,7 @@ class C_LoadOperation : public C_SweptOperation {
   }
 
   bool m_bKeepEncoded;
+  Loader m_pfnLoad;
   C_WavFilePtr m_file;
   int m_nCuePoints = 0;
   int m_nLabels = 0;
@@ -210,22 +231,24 @@ Bytes BareKestrel() {
 
 using Maker = std::function<std::unique_ptr<C_SweptOperation>(const C_TempFolder&)>;
 
-Maker Load(tagAudioFileType eType) {
+Maker Load(tagAudioFileType eType, Loader pfnLoad = LoadWithFactory) {
   return [=](const auto& folder) {
-    return std::make_unique<C_LoadOperation>(folder, FileOf(*AnnotatedSound(), eType), true);
+    return std::make_unique<C_LoadOperation>(folder, FileOf(*AnnotatedSound(), eType), true,
+                                             pfnLoad);
   };
 }
-Maker LoadCompressed() {
-  return [](const auto& folder) {
+Maker LoadCompressed(Loader pfnLoad = LoadWithFactory) {
+  return [=](const auto& folder) {
     const S_Blocks blocks = OneOfEachKind().front();
     return std::make_unique<C_LoadOperation>(
-        folder, CompressedWav(blocks, RampBytes(std::size_t{9} * blocks.wBlockAlign)).Take(), true);
+        folder, CompressedWav(blocks, RampBytes(std::size_t{9} * blocks.wBlockAlign)).Take(), true,
+        pfnLoad);
   };
 }
-Maker LoadContainer(tagAudioFileType eType, bool bKeepEncoded) {
+Maker LoadContainer(tagAudioFileType eType, bool bKeepEncoded, Loader pfnLoad = LoadWithFactory) {
   return [=](const auto& folder) {
     return std::make_unique<C_LoadOperation>(folder, ContainerOf(*AnnotatedSound(), eType),
-                                             bKeepEncoded);
+                                             bKeepEncoded, pfnLoad);
   };
 }
 Maker Save(tagAudioFileType eType, Form eForm = Form::Own, Onto eOnto = Onto::Nothing) {
@@ -251,6 +274,13 @@ const std::map<std::string, Maker>& Makers() {
       {"LoadKestrelContainerAsStored", LoadContainer(AUDIO_FILE_KESTREL, true)},
       {"LoadHeron", Load(AUDIO_FILE_HERON_4BIT)},
       {"LoadHeronContainer", LoadContainer(AUDIO_FILE_HERON_3BIT, false)},
+      {"LoadWaveAtOnce", Load(AUDIO_FILE_WAVE, LoadOnce<C_WavFile>)},
+      {"LoadCompressedAtOnce", LoadCompressed(LoadOnce<C_WavFile>)},
+      {"LoadKestrelAtOnce", Load(AUDIO_FILE_KESTREL, LoadOnce<C_KestrelFile>)},
+      {"LoadKestrelContainerAtOnce",
+       LoadContainer(AUDIO_FILE_KESTREL, false, LoadOnce<C_KestrelFile>)},
+      {"LoadHeronContainerAsStoredAtOnce",
+       LoadContainer(AUDIO_FILE_HERON_3BIT, true, LoadOnce<C_Heron3BitFile>)},
       {"SaveWave", Save(AUDIO_FILE_WAVE)},
       {"SaveVemd", Save(AUDIO_FILE_VEMD)},
       {"SaveKestrel", Save(AUDIO_FILE_KESTREL)},

@@ -17,6 +17,7 @@ std::FILE* RealFopen(const char*, const char*) asm("__real_fopen");
 std::FILE* RealFdopen(int, const char*) asm("__real_fdopen");
 std::size_t RealFread(void*, std::size_t, std::size_t, std::FILE*) asm("__real_fread");
 std::size_t RealFwrite(const void*, std::size_t, std::size_t, std::FILE*) asm("__real_fwrite");
+int RealGetc(std::FILE*) asm("__real_getc");
 int RealFseeko(std::FILE*, off_t, int) asm("__real_fseeko");
 off_t RealFtello(std::FILE*) asm("__real_ftello");
 int RealFflush(std::FILE*) asm("__real_fflush");
@@ -29,6 +30,7 @@ std::FILE* WrapFopen(const char*, const char*) asm("__wrap_fopen");
 std::FILE* WrapFdopen(int, const char*) asm("__wrap_fdopen");
 std::size_t WrapFread(void*, std::size_t, std::size_t, std::FILE*) asm("__wrap_fread");
 std::size_t WrapFwrite(const void*, std::size_t, std::size_t, std::FILE*) asm("__wrap_fwrite");
+int WrapGetc(std::FILE*) asm("__wrap_getc");
 int WrapFseeko(std::FILE*, off_t, int) asm("__wrap_fseeko");
 off_t WrapFtello(std::FILE*) asm("__wrap_ftello");
 int WrapFflush(std::FILE*) asm("__wrap_fflush");
@@ -117,6 +119,8 @@ std::size_t WrapFwrite(const void* pData, std::size_t cbItem, std::size_t cItems
   if (!Fails(pFile)) return RealFwrite(pData, cbItem, cItems, pFile);
   return g_state.fault.bCutShort ? RealFwrite(pData, cbItem, cItems / 2, pFile) : 0;
 }
+
+int WrapGetc(std::FILE* pFile) { return Fails(pFile, true) ? EOF : RealGetc(pFile); }
 
 int WrapFseeko(std::FILE* pFile, off_t nOffset, int nWhence) {
   return Fails(pFile, true) ? -1 : RealFseeko(pFile, nOffset, nWhence);

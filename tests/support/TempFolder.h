@@ -16,9 +16,12 @@
 
 class C_TempFolder {
  public:
-  C_TempFolder() {
-    char szTemplate[] = "/tmp/voxplay-test-XXXXXX";
-    const char* pszMade = mkdtemp(szTemplate);
+  // For tests that write so much that a disk would slow them down.
+  static constexpr const char* kInMemory = "/dev/shm";
+
+  explicit C_TempFolder(const std::string& strParent = "/tmp") {
+    std::string strTemplate = strParent + "/voxplay-test-XXXXXX";
+    const char* pszMade = mkdtemp(strTemplate.data());
     EXPECT_NE(pszMade, nullptr);
     if (pszMade != nullptr) m_strPath = pszMade;
   }
