@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Loading RIFF sound files: the events, silence segments and regions that their labels become.
-#include <time.h>  // NOLINT(modernize-deprecated-headers): clock_gettime
+#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <limits>
+#include <vector>
 
-#include "ByteReader.h"
 #include "WavFileLoadFixture.h"
 #include "sound/WavData.h"
 
@@ -182,53 +180,4 @@ TEST_F(WavFileLoad, SoundWithoutLabels_LosesTheAnnotationsItHad) {
   ASSERT_TRUE(file->LoadByName(File(MonoWav(8)).c_str(), true, nullptr, nullptr));
   EXPECT_TRUE(SilenceOf(*file).empty());
   EXPECT_TRUE(RegionsOf(*file).empty());
-}
-
-namespace {
-
-double CpuSeconds() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-// nLabels events in reverse order, each with a cue point and a labelled text of its own. The
-// identifiers are far apart, so that a table indexed by their low bits would put them all in one
-// place.
-C_Bytes ManyLabels(std::uint32_t nLabels) {
-  vcm::C_ByteWriter cue;
-  vcm::C_ByteWriter list;
-  cue.U32(nLabels);
-  list.Text("adtl", 4);
-  for (std::uint32_t i = 0; i < nLabels; ++i) {
-    const std::uint32_t dwID = i * 0x8000u;
-    cue.U32(dwID);
-    cue.U32(nLabels - i);
-    cue.Text("data", 4);
-    cue.Zeros(12);
-    list.Bytes(LablBytes(dwID, i % 2 == 0 ? "u_1_2" : "VX_PCM"));
-    list.Bytes(LtxtBytes(dwID, 1));
-  }
-  return MonoWav(16).Chunk("cue ", cue.Data()).Chunk("LIST", list.Data()).Take();
-}
-
-}  // namespace
-
-TEST_F(WavFileLoad, TenTimesTheLabels_CostAboutTenTimesTheWork) {
-  const auto cost = [this](std::uint32_t nLabels) {
-    const std::string strPath = File(ManyLabels(nLabels));
-    double dBest = std::numeric_limits<double>::max();
-    for (int i = 0; i < 3; ++i) {
-      const double dStart = CpuSeconds();
-      const C_WavObjectPtr file = LoadWav(strPath);
-      EXPECT_TRUE(Write(*file, m_folder.Path("out.wav")));
-      dBest = std::min(dBest, CpuSeconds() - dStart);
-    }
-    return dBest;
-  };
-  const double dSmall = cost(5'000);
-  const double dLarge = cost(50'000);
-  // A quadratic step would make it 100 times as much. The limit of 40 leaves room above 10 for
-  // caches and for noise on the machine.
-  EXPECT_LT(dLarge, 40 * dSmall) << dSmall << " s for 5000, " << dLarge << " s for 50000";
 }

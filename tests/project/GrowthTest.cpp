@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Ten times the chunks, cue points, labels or events cost about ten times the work, and no file
+// makes the library use much more memory than the file is long.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "CountedWork.h"
+#include "TempFolder.h"
+#include "VefBytes.h"
+#include "WavFileFormat.h"
+#include "WavFileObject.h"
+#include "file/VefFile.h"
+#include "sound/WavData.h"
+
+namespace {
+
+constexpr std::uint32_t kFew = 10'000;
+constexpr std::uint32_t kMany = 100'000;
+constexpr std::uint64_t kMostTimes = 12;  // ten times, and room for searching in a larger table
+constexpr std::size_t kTimesTheFile = 16;
+constexpr std::size_t kFixedMemory = 8U << 20;
+
+// Identifiers that are far apart, so that a table indexed by their low bits would put them all in
+// one place.
+std::uint32_t FarID(std::uint32_t i) { return i * 0x8000u + i / 0x20000u; }
+
+C_Bytes CuePoints(std::uint32_t nCount) {
+  vcm::C_ByteWriter cue;
+  cue.U32(nCount);
+  for (std::uint32_t i = 0; i < nCount; ++i) {
+    cue.U32(FarID(i));
+    cue.U32(nCount - i);
+    cue.Text("data", 4);
+    cue.Zeros(12);
+  }
+  return cue.Take();
+}
+
+// A label, and perhaps a labelled text, for each cue point.
+C_Bytes Labels(std::uint32_t nCount, const std::function<std::string(std::uint32_t)>& fnText,
+               bool bLtxt) {
+  vcm::C_ByteWriter list;
+  list.Text("adtl", 4);
+  for (std::uint32_t i = 0; i < nCount; ++i) {
+    list.Bytes(LablBytes(FarID(i), fnText(i)));
+    if (bLtxt) list.Bytes(LtxtBytes(FarID(nCount - 1 - i), 1));
+  }
+  return list.Take();
+}
+
+C_Bytes Annotated(C_RiffBytes riff, std::uint32_t nCount,
+                  const std::function<std::string(std::uint32_t)>& fnText, bool bLtxt) {
+  return riff.Chunk("cue ", CuePoints(nCount)).Chunk("LIST", Labels(nCount, fnText, bLtxt)).Take();
+}
+
+C_Bytes Repeated(const char* pszID, const C_Bytes& payload, std::uint32_t nCount) {
+  const C_Bytes chunk = ChunkBytes(pszID, payload);
+  C_Bytes all;
+  for (std::uint32_t i = 0; i < nCount; ++i) all.insert(all.end(), chunk.begin(), chunk.end());
+  return all;
+}
+
+C_Bytes Loops(std::uint32_t nCount) {
+  vcm::C_ByteWriter smpl;
+  smpl.Zeros(28);
+  smpl.U32(nCount);
+  smpl.U32(0);
+  for (std::uint32_t i = 0; i < nCount; ++i) {
+    smpl.U32(FarID(i));
+    smpl.Zeros(20);
+  }
+  return smpl.Take();
+}
+
+using Maker = C_Bytes (*)(std::uint32_t nCount);
+struct S_Case {
+  const char* pszName;
+  Maker pfnMake;
+};
+
+const S_Case kCases[] = {
+    {"EmptyChunks", [](std::uint32_t n) { return MonoWav(8).Raw(Repeated("junk", {}, n)).Take(); }},
+    {"ExtraChunks",
+     [](std::uint32_t n) {
+       return MonoWav(8).Raw(Repeated("junk", {1, 2}, n)).Take();
+     }},
+    {"FormatChunks",
+     [](std::uint32_t n) {
+       return MonoWav(8).Raw(Repeated("fmt ", FmtBytes(1, 1, 8000, 16), n)).Take();
+     }},
+    {"DataChunks",
+     [](std::uint32_t n) {
+       return MonoWav(8).Raw(Repeated("data", {1, 2}, n)).Take();
+     }},
+    {"CueChunks",
+     [](std::uint32_t n) {
+       return MonoWav(8).Raw(Repeated("cue ", CueBytes({{1, 2, 3}}), n)).Take();
+     }},
+    {"ListChunks",
+     [](std::uint32_t n) {
+       return MonoWav(8).Raw(Repeated("LIST", AdtlBytes({LablBytes(1, "x")}), n)).Take();
+     }},
+    {"Zeros", [](std::uint32_t n) { return MonoWav(8).Zeros(n * std::size_t{10}).Take(); }},
+    {"CuePoints", [](std::uint32_t n) { return MonoWav(8).Chunk("cue ", CuePoints(n)).Take(); }},
+    {"CuePointsOfOneIdentifier",
+     [](std::uint32_t n) {
+       return MonoWav(8).Chunk("cue ", Join({U32(n), C_Bytes(n * std::size_t{24})})).Take();
+     }},
+    {"Loops", [](std::uint32_t n) { return MonoWav(8).Chunk("smpl", Loops(n)).Take(); }},
+    {"Events",
+     [](std::uint32_t n) {
+       return Annotated(
+           MonoWav(16), n, [](auto) { return "u_1_2"; }, false);
+     }},
+    {"OldEvents",
+     [](std::uint32_t n) {
+       return Annotated(
+           MonoWav(16), n, [](auto i) { return "e_" + std::to_string(i); }, false);
+     }},
+    {"SilenceSegments",
+     [](std::uint32_t n) {
+       return Annotated(
+           MonoWav(16), n, [](auto) { return "VX_Silence"; }, true);
+     }},
+    {"Regions",
+     [](std::uint32_t n) {
+       return Annotated(
+           MonoWav(16), n, [](auto) { return "VX_PCM"; }, true);
+     }},
+    {"LabelsOfOthers",
+     [](std::uint32_t n) {
+       return Annotated(
+           MonoWav(16), n, [](auto) { return "Verse"; }, true);
+     }},
+    {"ContainerEvents",
+     [](std::uint32_t n) {
+       return Annotated(
+           MonoVef(16), n, [](auto i) { return "(65538," + std::to_string(i) + ")"; }, false);
+     }},
+    {"ContainerLabelsOfOthers",
+     [](std::uint32_t n) {
+       return Annotated(
+           MonoVef(16), n, [](auto) { return "Verse"; }, true);
+     }},
+    {"ContainerEventChunks",
+     [](std::uint32_t n) {
+       return MonoVef(8).Raw(Repeated("vevt", {1, 2}, n)).Take();
+     }},
+    {"ContainerStreamChunks",
+     [](std::uint32_t n) {
+       return MonoVef(8).Raw(Repeated("vdat", {1, 2}, n)).Take();
+     }},
+};
+
+class GrowthTest : public testing::TestWithParam<S_Case> {
+ protected:
+  struct S_Cost {
+    S_Work load;
+    S_Work write;
+    std::size_t cbFile = 0;
+  };
+  S_Cost CostOf(std::uint32_t nCount) {
+    const C_Bytes bytes = GetParam().pfnMake(nCount);
+    const std::string strPath = m_folder.Write("in", bytes);
+    const bool bContainer = bytes[8] == 'V';
+    const std::unique_ptr<C_WavFileBase, S_WavFileReleaser> file(
+        bContainer ? static_cast<C_WavFileBase*>(new C_VefFile) : new C_WavFile);
+    S_Cost cost;
+    cost.cbFile = bytes.size();
+    const C_CountedWork loading;
+    EXPECT_TRUE(file->LoadByName(strPath.c_str(), true, nullptr, nullptr));
+    cost.load = loading.Done();
+    const C_CountedWork writing;
+    EXPECT_TRUE(Write(*file, m_folder.Path("out")));
+    cost.write = writing.Done();
+    return cost;
+  }
+
+  C_TempFolder m_folder{C_TempFolder::kInMemory};
+};
+
+TEST_P(GrowthTest, TenTimesTheContents_CostTenTimesTheWorkAndNoExcessOfMemory) {
+  const S_Cost few = CostOf(kFew);
+  const S_Cost many = CostOf(kMany);
+  EXPECT_GT(few.load.qwBlocks, kFew) << "the work is not counted";
+  EXPECT_LE(many.load.qwBlocks, kMostTimes * few.load.qwBlocks) << few.load.qwBlocks;
+  EXPECT_LE(many.write.qwBlocks, kMostTimes * few.write.qwBlocks) << few.write.qwBlocks;
+  EXPECT_LE(many.load.cbPeak, kTimesTheFile * many.cbFile + kFixedMemory);
+  EXPECT_LE(many.write.cbPeak, kTimesTheFile * many.cbFile + kFixedMemory);
+}
+
+// The work of additions, one by one, that callers make.
+TEST(Growth, TenTimesTheSegmentsAddedOneByOne_CostTenTimesTheWork) {
+  const auto blocks = [](std::uint32_t nCount) {
+    C_WavData sound;
+    const C_CountedWork adding;
+    for (std::uint32_t i = 0; i < nCount; ++i) {
+      const std::uint32_t dwStart = (i % 2 == 0 ? i : 2 * nCount - i) * 10;
+      sound.AddSilenceSegment(dwStart, dwStart + 8);
+      sound.AddUncompressRegion(dwStart, dwStart + 8);
+    }
+    return adding.Done().qwBlocks;
+  };
+  // Each search takes a quarter more steps among ten times as many.
+  EXPECT_LE(blocks(kMany), 13 * blocks(kFew));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, GrowthTest, testing::ValuesIn(kCases),
+                         [](const auto& parameters) { return parameters.param.pszName; });
+
+}  // namespace
