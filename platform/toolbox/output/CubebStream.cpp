@@ -3,7 +3,10 @@
 
 #include <chrono>
 #include <cstring>
+#include <exception>
 #include <thread>
+
+#include "output/CubebBackend.h"
 
 namespace toolbox {
 namespace {
@@ -27,11 +30,22 @@ UInt32 FramesIn(const S_OutputFormat& format, UInt32 dwMs) {
   return static_cast<UInt32>(UInt64{format.dwRate} * dwMs / 1000);
 }
 
+// The library ends the process when it cannot make its own thread.
+bool CanMakeThread() {
+  try {
+    std::thread([] {}).join();
+  } catch (const std::exception&) {
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool C_CubebStream::Open() {
+  if (!CanMakeThread()) return false;
   cubeb* pContext = nullptr;
-  if (cubeb_init(&pContext, "Voxplay", nullptr) != CUBEB_OK) return false;
+  if (cubeb_init(&pContext, "Voxplay", CubebBackend()) != CUBEB_OK) return false;
   m_pContext.reset(pContext);
   cubeb_stream_params params{};
   params.format = m_format.bFloat ? CUBEB_SAMPLE_FLOAT32NE : CUBEB_SAMPLE_S16NE;

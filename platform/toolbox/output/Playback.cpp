@@ -16,15 +16,19 @@ C_Playback::C_Playback(const S_OutputFormat& format, I_RenderSource& source,
 
 C_Playback::~C_Playback() { Stop(); }
 
-void C_Playback::Start() {
+// The null device gets its thread now. When a device is lost it may be too late to make one, and
+// playback would stand still.
+bool C_Playback::Start() {
   bool bLost = false;
   {
     const std::lock_guard lock(m_lock);
-    if (m_bRunning) return;
+    if (m_bRunning) return true;
+    if (!m_null.Prepare()) return false;
     m_bRunning = true;
     bLost = m_bLost;
   }
   if (bLost || !m_pDevice->Start()) StartSilently();
+  return true;
 }
 
 void C_Playback::StartSilently() {

@@ -28,8 +28,9 @@ class C_Playback final : private I_DeviceClient {
   C_Playback(const C_Playback&) = delete;
   C_Playback& operator=(const C_Playback&) = delete;
 
-  // `Start` and `Stop` do nothing when there is nothing to change.
-  void Start();
+  // `Start` and `Stop` do nothing when there is nothing to change. False when no thread can be
+  // made; nothing plays then.
+  bool Start();
   // Returns once everything rendered so far has been played.
   void Stop();
   [[nodiscard]] bool IsRunning() const;

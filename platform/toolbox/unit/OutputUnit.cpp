@@ -44,7 +44,9 @@ OSStatus CheckLayout(UInt32 cbData) {
 }  // namespace
 
 C_OutputUnit::C_OutputUnit(OpenDeviceFunction open)
-    : m_open(std::move(open)), m_format(kDefaultUnitFormat) {}
+    : m_open(std::move(open)), m_format(kDefaultUnitFormat) {
+  m_notifies.reserve(kSureNotifies);
+}
 
 C_OutputUnit::~C_OutputUnit() { Uninitialize(); }
 
@@ -144,7 +146,7 @@ OSStatus C_OutputUnit::Start() {
   if (!m_bInitialized) return kAudioUnitErr_Uninitialized;
   if (m_bRunning) return noErr;
   if (m_pPlayback == nullptr) OpenPlayback();
-  m_pPlayback->Start();
+  if (!m_pPlayback->Start()) return kAudio_MemFullError;
   m_bRunning = true;
   return noErr;
 }

@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 
@@ -172,6 +175,31 @@ TEST_F(PlaybackTest, DeviceThatExists_IsTheOnlyOneUsed) {
   EXPECT_EQ(m_log.nStarted, 1);
   EXPECT_EQ(m_log.nStopped, 1);
   EXPECT_EQ(m_log.nClosed, 1);
+}
+
+std::ptrdiff_t CountThreads() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                       std::filesystem::directory_iterator());
+}
+
+// A thread that was joined is counted for a moment longer.
+bool WaitForThreads(std::ptrdiff_t nWanted) {
+  const auto limit = Clock::now() + 20s;
+  while (CountThreads() != nWanted && Clock::now() < limit) std::this_thread::sleep_for(1ms);
+  return CountThreads() == nWanted;
+}
+
+// When a device is lost it may be too late to make a thread.
+TEST_F(PlaybackTest, TheThreadForSilence_IsMadeAtTheStartAndEndsWithPlayback) {
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  // The sanitizers have threads of their own.
+  const std::ptrdiff_t nBefore = CountThreads();
+  EXPECT_TRUE(playback.Start());
+  EXPECT_TRUE(WaitForThreads(nBefore + 1));
+  std::thread([this] { m_log.pClient->DeviceLost(); }).join();
+  EXPECT_TRUE(m_source.WaitFor(160));
+  playback.Stop();
+  EXPECT_TRUE(WaitForThreads(nBefore));
 }
 
 TEST_F(PlaybackTest, ADeviceThatIsLostWhilePlaying_IsFollowedByTheNullOutput) {
