@@ -70,7 +70,7 @@ OSStatus C_OutputUnit::Uninitialize() {
 
 void C_OutputUnit::OpenPlayback() {
   const S_OutputFormat format{static_cast<UInt32>(m_format.mSampleRate), m_format.mChannelsPerFrame,
-                              IsFloat(m_format), !m_bOpenAtStart};
+                              IsFloat(m_format)};
   I_RenderSource& source = *this;
   m_pPlayback = std::make_unique<C_Playback>(format, source, m_open);
 }
