@@ -72,7 +72,9 @@ void C_OutputUnit::OpenPlayback() {
   const S_OutputFormat format{static_cast<UInt32>(m_format.mSampleRate), m_format.mChannelsPerFrame,
                               IsFloat(m_format)};
   I_RenderSource& source = *this;
-  m_pPlayback = std::make_unique<C_Playback>(format, source, m_open);
+  // A program that uses the unit by itself says that it plays before it sets up the unit.
+  const bool bAfterText = !m_bOpenAtStart;
+  m_pPlayback = std::make_unique<C_Playback>(format, source, m_open, bAfterText);
 }
 
 OSStatus C_OutputUnit::SetProperty(const S_PropertyAddress& address, const void* pData,

@@ -29,6 +29,7 @@ using toolbox::C_Playback;
 using toolbox::S_OutputFormat;
 
 constexpr const char* kAnnouncement = "no output device; playing silently in real time";
+constexpr const char* kLoss = "output device lost; playing silently in real time";
 
 class C_CountingSource final : public toolbox::I_RenderSource {
  public:
@@ -273,12 +274,39 @@ TEST_F(PlaybackTest, OnATerminal_SilentPlaybackIsAnnouncedOnce) {
   EXPECT_EQ(capture.Text(), "");
 }
 
+TEST_F(PlaybackTest, OnATerminal_TheLossOfTheDeviceIsAnnouncedOnce) {
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  EXPECT_EQ(capture.Text(), "");
+  m_log.pClient->DeviceLost();
+  const std::string strNewLine = isatty(STDOUT_FILENO) == 1 ? "\r\n" : "";
+  EXPECT_EQ(capture.Text(), strNewLine + kLoss + "\r\n");
+  playback.Stop();
+  playback.Start();
+  EXPECT_EQ(capture.Text(), "");
+}
+
+TEST_F(PlaybackTest, OnATerminal_ALossWhileNothingPlays_IsAnnouncedAtTheNextStart) {
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  m_log.pClient->DeviceLost();
+  EXPECT_EQ(capture.Text(), "");
+  playback.Start();
+  EXPECT_EQ(capture.Text(), std::string(kLoss) + "\r\n");
+}
+
 TEST_F(PlaybackTest, OnAPipe_NothingIsAnnounced) {
   m_log.bRefuseOpen = true;
   const C_ErrorCapture capture(/*bTerminal=*/false);
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   playback.Start();
   EXPECT_TRUE(m_source.WaitFor(160));
+  EXPECT_EQ(capture.Text(), "");
+  m_log.bRefuseOpen = false;
+  C_Playback lost(m_format, m_source, OpenFakeDevice(m_log));
+  lost.Start();
+  m_log.pClient->DeviceLost();
   EXPECT_EQ(capture.Text(), "");
 }
 
