@@ -24,8 +24,8 @@ class I_Voxplay {
   static constexpr int kDecodeFailed = 2;
   static constexpr int kNotSupported = 3;
 
-  // Starts or resumes. Does nothing when nothing is opened or it is already playing. Always true;
-  // throws.
+  // Starts or resumes. Does nothing when nothing is opened or it is already playing. False when the
+  // machine lacks the memory or the threads to play; throws.
   virtual bool Play() = 0;   // 1
   virtual bool Stop() = 0;   // 2, true; throws
   virtual bool Pause() = 0;  // 3, true; throws
@@ -60,5 +60,6 @@ class I_Voxplay {
   ~I_Voxplay() = default;
 };
 
-// Makes a player, which the caller ends with Release. Returns 0 on success.
+// Makes a player, which the caller ends with Release. Returns 0 on success, and 1 when memory is
+// missing.
 int CreateVoxplay(I_Voxplay** ppIVoxplay);

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <new>
 
 struct S_Kept {
   const char* pszReason = nullptr;
@@ -18,13 +19,15 @@ const S_Kept* GetKeptForProcess();
 // For KeepForProcess. The entry is never freed.
 void AddKeptForProcess(S_Kept* pEntry);
 
-// Keeps a pointer or a handle of any kind.
+// Keeps a pointer or a handle of any kind. Without memory for the entry, the thing is kept all the
+// same; it is only missing in the list.
 template <typename T>
-void KeepForProcess(T thing, const char* pszReason) {
+void KeepForProcess(T thing, const char* pszReason) noexcept {
   struct S_Entry : S_Kept {
     T thing;
   };
-  auto* pEntry = new S_Entry;
+  auto* pEntry = new (std::nothrow) S_Entry;
+  if (pEntry == nullptr) return;
   pEntry->pszReason = pszReason;
   pEntry->thing = thing;
   AddKeptForProcess(pEntry);

@@ -20,6 +20,9 @@ class C_PcmQueue {
   C_PcmQueue(const C_PcmQueue&) = delete;
   C_PcmQueue& operator=(const C_PcmQueue&) = delete;
 
+  // False when there was no memory for the block. What is written is dropped then.
+  [[nodiscard]] bool IsUsable() const noexcept { return m_pbyBase != nullptr; }
+
   // Appends cbData bytes. Data that would make the queue hold more than kMaxHeld is dropped, and
   // the queue is stuck from then on: every later Write, and every Read of a queue that is not
   // empty, waits forever.

@@ -3,6 +3,9 @@
 
 #include <unistd.h>
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string>
 
@@ -20,6 +23,7 @@ constexpr int kNoOutput = 1;
 constexpr useconds_t kHeadStartMicroseconds = 500000;
 constexpr useconds_t kStepMicroseconds = 10000;
 constexpr useconds_t kTailMicroseconds = 500000;
+constexpr std::size_t kDiscardedAtOnce = 65536;
 
 constexpr AudioStreamBasicDescription kSpeech = {
     16000.0,
@@ -128,23 +132,40 @@ bool IsDone(const S_RealTimeDecoder& decoder) {
   return decoder.byFinished.load(std::memory_order_acquire) != 0 && g_pcmQueue.GetCount() == 0;
 }
 
-}  // namespace
+// Takes what the queue holds, up to a limit, and plays nothing.
+void Discard() {
+  std::array<std::uint8_t, kDiscardedAtOnce> piece;
+  g_pcmQueue.Read(piece.data(), static_cast<std::uint32_t>(piece.size()));
+}
 
-int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFileName) {
+int Play(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFileName) {
   const AudioUnit unit = SetUpOutput(pPlayer);
   if (unit == nullptr) return kNoOutput;
   C_WavFileFormat format;
   ChooseFile(pDecoder, format, pszFileName != nullptr ? pszFileName : "");
   StartDecoder(pDecoder);
   usleep(kHeadStartMicroseconds);
-  AudioOutputUnitStart(unit);
+  const bool bStarted = AudioOutputUnitStart(unit) == noErr;
   do {
     usleep(kStepMicroseconds);
+    // An output that did not start takes nothing, and the queue would never be empty.
+    if (!bStarted) Discard();
   } while (!IsDone(*pDecoder));
   usleep(kTailMicroseconds);
   AudioOutputUnitStop(unit);
   AudioUnitUninitialize(unit);
   return kEnded;
+}
+
+}  // namespace
+
+int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFileName) {
+  if (!g_pcmQueue.IsUsable()) return kNoOutput;
+  try {
+    return Play(pPlayer, pDecoder, pszFileName);
+  } catch (...) {
+    return kNoOutput;
+  }
 }
 
 void OnDecodedData(void* pData, unsigned int dwLength) { g_pcmQueue.Write(pData, dwLength); }

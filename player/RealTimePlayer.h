@@ -20,9 +20,10 @@ struct S_RealTimeDecoder {
   pthread_t thread{};
 };
 
-// Returns when playback has ended: 0, or 1 when the output could not be set up. A file that cannot
-// be decoded plays as about a second of silence. So do a null name and a name that does not fit the
-// path field. pPlayer is passed to the render callback as its reference.
+// Returns when playback has ended: 0, or 1 when the output could not be set up or memory is
+// missing. Never throws. A file that cannot be decoded plays as about a second of silence. So do a
+// null name and a name that does not fit the path field. pPlayer is passed to the render callback
+// as its reference.
 int PlayRealTime(void* pPlayer, S_RealTimeDecoder* pDecoder, const char* pszFileName);
 
 // The library's data callback: appends to the process-wide queue.

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <limits>
 #include <string>
 
@@ -84,7 +85,11 @@ void ReadLastPacket(AudioFileID audioFile, UInt64 qwPacketCount) {
 }  // namespace
 
 int CreateVoxplay(I_Voxplay** ppIVoxplay) {
-  *ppIVoxplay = new C_Voxplay;
+  try {
+    *ppIVoxplay = new C_Voxplay;
+  } catch (const std::exception&) {
+    return 1;
+  }
   return 0;
 }
 
@@ -97,7 +102,9 @@ C_Voxplay::C_Voxplay() {
 
 bool C_Voxplay::Play() {
   if (m_nState > kPaused || m_graph == nullptr) return true;
-  XThrowIfError(AUGraphStart(m_graph), "AUGraphStart");
+  const OSStatus nStatus = AUGraphStart(m_graph);
+  if (nStatus == kAudio_MemFullError) return false;
+  XThrowIfError(nStatus, "AUGraphStart");
   SetState(kPlaying);
   return true;
 }

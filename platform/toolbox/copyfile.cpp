@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cerrno>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -86,9 +87,15 @@ void CopyMetadata(int nFrom, int nTo, const struct stat& info) {
   static_cast<void>(futimens(nTo, times.data()));
 }
 
+// False, with errno set, also when memory is missing.
 bool CopyInto(int nFrom, C_Descriptor& to, const struct stat& info) {
   if (!CopyData(nFrom, to.Get())) return false;
-  CopyMetadata(nFrom, to.Get(), info);
+  try {
+    CopyMetadata(nFrom, to.Get(), info);
+  } catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return false;
+  }
   return to.Close();
 }
 

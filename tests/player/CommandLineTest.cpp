@@ -436,6 +436,15 @@ TEST_F(CommandLine, WithoutADevice_ATerminalIsToldWhenPlaybackStarts) {
   EXPECT_EQ(length.strErr, "");
 }
 
+TEST_F(CommandLine, WithoutADevice_AScreenIsToldInALineOfItsOwn) {
+  const std::string strFile = m_folder.Write("x.kst", SpeechOf(5).file);
+  const std::string strLine = "no output device; playing silently in real time\r\n";
+  EXPECT_EQ(m_player.StartOnScreen({strFile, "0"}).Wait().strErr,
+            "file duration: 0.100000 secs\r\n" + strLine + "Playing...Finished\r\n");
+  EXPECT_EQ(m_player.StartOnScreen({strFile, "1"}).Wait().strErr,
+            "Playing...\r\n" + strLine + "Finished\r\n");
+}
+
 TEST(Program, Executable_CarriesEveryMessageAndOperationText) {
   const C_Bytes program = ReadFile(VOXPLAY_PLAYER);
   for (const char* pszText : {"Play input file failed !!",

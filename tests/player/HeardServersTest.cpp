@@ -60,6 +60,20 @@ TEST_F(HeardServers, AServerThatIsKilledAndComesBack_IsHeardByTheNextPlayer) {
   EXPECT_EQ(tagSameSound::Exact, sound.same) << sound.Description();
 }
 
+TEST_F(HeardServers, AServerThatIsKilledWhilePlaying_IsToldToTheScreenInALineOfItsOwn) {
+  const std::string strFile = m_folder.Write("x.kst", SpeechOf(100).file);
+  C_SoundServer server(16000, "s16le", 1);
+  ASSERT_TRUE(server.Start());
+  C_RunningProgram normal = m_player.StartOnScreen({strFile, "0"}, {server.Environment()});
+  C_RunningProgram realTime = m_player.StartOnScreen({strFile, "1"}, {server.Environment()});
+  std::this_thread::sleep_for(1200ms);
+  server.Kill();
+  const std::string strShown =
+      "Playing...\r\noutput device lost; playing silently in real time\r\nFinished\r\n";
+  EXPECT_EQ(normal.Wait().strErr, "file duration: 2.000000 secs\r\n" + strShown);
+  EXPECT_EQ(realTime.Wait().strErr, strShown);
+}
+
 Pcm SamplesOf(const C_Bytes& pcm) {
   const C_Bytes sound = WithoutSilentEnds(pcm, 2);
   Pcm samples;

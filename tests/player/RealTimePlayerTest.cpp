@@ -189,6 +189,16 @@ TEST_F(RealTimePlayer, Run_EndsOnlyWhenTheQueueIsEmpty) {
   EXPECT_GE(m_toolbox.Pulled().size(), 6400U);
 }
 
+// The queue must become empty all the same, or the run would never end.
+TEST_F(RealTimePlayer, OutputThatDoesNotStart_LetsThePlayerTakeTheSound) {
+  DecodesTo(std::vector<UInt8>(300000, 9), 640);
+  WaitForTheDecoderInTheHeadStart();
+  m_toolbox.Fail("AudioOutputUnitStart", kAudio_MemFullError);
+  EXPECT_EQ(Play("speech.kst"), 0);
+  EXPECT_EQ(g_pcmQueue.GetCount(), 0U);
+  EXPECT_TRUE(m_toolbox.Pulled().empty());
+}
+
 TEST_F(RealTimePlayer, UnknownFile_IsCopiedGivenAHeaderAndLeft) {
   const std::string strPath = m_folder.Write("bare.xyz", std::vector<std::uint8_t>(100, 3));
   m_library.creates = {false, true};

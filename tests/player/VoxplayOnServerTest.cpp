@@ -104,7 +104,7 @@ void ExpectStandstill(I_Voxplay& player) {
 }
 
 TEST_F(VoxplayOnServer, PauseAndStop_LoseAndRepeatNothing_WhenItPlaysOn) {
-  const Samples samples = SweepWithNoise(26460, kRate);
+  const Samples samples = SweepWithNoise(66150, kRate);
   const std::string strFile = m_folder.Write("x.wav", WavOf(kRate, 1, BytesOf(samples)));
   const C_PlayerPtr player = NewPlayer();
   ASSERT_EQ(player->Open(strFile.c_str()), I_Voxplay::kOpened);
@@ -116,12 +116,12 @@ TEST_F(VoxplayOnServer, PauseAndStop_LoseAndRepeatNothing_WhenItPlaysOn) {
     EXPECT_TRUE(player->Pause());
     ExpectStandstill(*player);
     EXPECT_TRUE(player->Play());
-    EXPECT_TRUE(WaitForMs(*player, 350));
+    EXPECT_TRUE(WaitForMs(*player, 800));
     EXPECT_TRUE(player->Stop());
     ExpectStandstill(*player);
     EXPECT_TRUE(player->Play());
     EXPECT_TRUE(player->Play()) << "plays already";
-    EXPECT_TRUE(WaitForMs(*player, 650));
+    EXPECT_TRUE(WaitForMs(*player, 1550));
     EXPECT_TRUE(player->Stop());
   });
   EXPECT_EQ(g_states, (States{{2, 77}, {1, 77}, {2, 77}, {0, 77}, {2, 77}, {0, 77}}));

@@ -36,6 +36,15 @@ TEST_F(Voxplay, Play_WhilePlaying_IsTrueAndDoesNothing) {
   EXPECT_EQ(g_notified.size(), 1U);
 }
 
+TEST_F(Voxplay, Play_IsRefused_WhenMemoryOrThreadsAreMissing) {
+  OpenWithCallback();
+  m_toolbox.Fail("AUGraphStart", kAudio_MemFullError);
+  EXPECT_FALSE(m_pPlayer->Play());
+  EXPECT_TRUE(g_notified.empty());
+  EXPECT_TRUE(m_pPlayer->Play());
+  EXPECT_THAT(g_notified, ElementsAre(std::pair(2, 77U)));
+}
+
 TEST_F(Voxplay, PauseAndPlay_ResumeWithoutSchedulingAgain) {
   OpenWithCallback();
   m_pPlayer->Play();

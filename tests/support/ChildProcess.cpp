@@ -131,12 +131,21 @@ S_Run C_Program::Run(const Texts& arguments, const Texts& environment) const {
 }
 
 S_Run C_Program::RunOnTerminal(const Texts& arguments) const {
+  return StartOnTerminal(arguments, {}, {}).Wait();
+}
+
+C_RunningProgram C_Program::StartOnScreen(const Texts& arguments, const Texts& environment) const {
+  return StartOnTerminal(arguments, environment, [] { dup2(STDERR_FILENO, STDOUT_FILENO); });
+}
+
+C_RunningProgram C_Program::StartOnTerminal(const Texts& arguments, const Texts& environment,
+                                            const std::function<void()>& prepare) const {
   const int nMaster = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
   EXPECT_TRUE(nMaster >= 0 && grantpt(nMaster) == 0 && unlockpt(nMaster) == 0);
   std::array<char, 128> name{};
   EXPECT_EQ(ptsname_r(nMaster, name.data(), name.size()), 0);
   const int nTerminal = open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  return StartWith(arguments, {}, nMaster, nTerminal, {}).Wait();
+  return StartWith(arguments, environment, nMaster, nTerminal, prepare);
 }
 
 C_RunningProgram C_Program::Start(const Texts& arguments, const Texts& environment,

@@ -79,12 +79,18 @@ class C_Program {
   [[nodiscard]] S_Run Run(const Texts& arguments, const Texts& environment = {}) const;
   // The same with a terminal as standard error.
   [[nodiscard]] S_Run RunOnTerminal(const Texts& arguments) const;
+  // Starts it with the same terminal as standard output and error. What it shows is the text of
+  // standard error.
+  [[nodiscard]] C_RunningProgram StartOnScreen(const Texts& arguments,
+                                               const Texts& environment = {}) const;
   // Starts it. `prepare` runs in the child just before the program, where it may do what is safe
   // between fork and exec: close descriptors, set signals.
   [[nodiscard]] C_RunningProgram Start(const Texts& arguments, const Texts& environment = {},
                                        const std::function<void()>& prepare = {}) const;
 
  private:
+  [[nodiscard]] C_RunningProgram StartOnTerminal(const Texts& arguments, const Texts& environment,
+                                                 const std::function<void()>& prepare) const;
   [[nodiscard]] C_RunningProgram StartWith(const Texts& arguments, const Texts& environment,
                                            int nErrorRead, int nErrorWrite,
                                            const std::function<void()>& prepare) const;

@@ -48,6 +48,7 @@ enum : OSStatus {
   kAudio_FileNotFoundError = -43,
   kAudio_ParamError = -50,
   kAudio_FilePermissionError = -54,
+  // Memory or threads are missing. Every call may return it.
   kAudio_MemFullError = -108,
 };
 
@@ -59,7 +60,8 @@ extern "C" {
 extern const CFAllocatorRef kCFAllocatorDefault;
 
 // Makes a file URL from the `nBufLen` bytes of the path; the caller releases it with `CFRelease`.
-// Null when the path is null, is empty or contains a zero byte. The allocator is ignored.
+// Null when the path is null, is empty or contains a zero byte, and when memory is missing. The
+// allocator is ignored.
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* pbyBuffer,
                                                  CFIndex nBufLen, Boolean bIsDirectory);
 // Releases a URL or a string. Null is ignored.

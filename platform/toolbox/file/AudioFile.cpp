@@ -7,11 +7,14 @@
 #include <utility>
 
 #include "file/ChannelMap.h"
+#include "file/FlacBlocks.h"
 
 namespace toolbox {
 namespace {
 
-constexpr SInt64 kCountPiece = 4096;
+// How many samples are decoded at once to count frames. The file library accepts no more channels
+// than this.
+constexpr std::size_t kCountPiece = 16384;
 // Counting stops at this many frames, 18 hours of speech, because a few bytes can hold a great deal
 // of silence.
 constexpr SInt64 kMostCounted = SInt64{1} << 30;
@@ -45,6 +48,7 @@ OSStatus C_AudioFile::OpenMpeg() {
 }
 
 OSStatus C_AudioFile::OpenSound() {
+  if (!HoldsItsFlacBlocks(m_descriptor)) return kAudioFileInvalidFileError;
   if (!OpenDecoder()) return kAudioFileUnsupportedFileTypeError;
   if (m_info.channels <= 0 || m_info.samplerate <= 0 || m_info.frames < 0) {
     return kAudioFileInvalidFileError;
@@ -81,10 +85,11 @@ bool C_AudioFile::HasItsLastFrame() {
 
 SInt64 C_AudioFile::CountFrames() {
   if (!OpenDecoder()) return 0;
-  std::vector<float> piece(static_cast<std::size_t>(kCountPiece * m_info.channels));
+  std::vector<float> piece(kCountPiece);
+  const sf_count_t nPiece = static_cast<sf_count_t>(piece.size()) / m_info.channels;
   SInt64 nFrames = 0;
   while (nFrames < kMostCounted) {
-    const sf_count_t nRead = sf_readf_float(m_pSound.get(), piece.data(), kCountPiece);
+    const sf_count_t nRead = sf_readf_float(m_pSound.get(), piece.data(), nPiece);
     if (nRead <= 0) break;
     nFrames += nRead;
   }

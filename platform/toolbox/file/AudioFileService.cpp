@@ -6,6 +6,7 @@
 
 #include "file/AudioFile.h"
 #include "object/FileUrl.h"
+#include "object/Guarded.h"
 #include "object/HandleTable.h"
 
 namespace toolbox {
@@ -58,10 +59,12 @@ OSStatus AudioFileOpenURL(CFURLRef fileRef, AudioFilePermissions permissions,
   *pAudioFile = nullptr;
   if (fileRef == nullptr) return kAudio_ParamError;
   if (permissions != kAudioFileReadPermission) return kAudioFilePermissionsError;
-  std::shared_ptr<toolbox::C_AudioFile> pFile;
-  const OSStatus nStatus = toolbox::C_AudioFile::Open(fileRef->path, pFile);
-  if (nStatus == noErr) *pAudioFile = toolbox::Files().Insert(std::move(pFile));
-  return nStatus;
+  return toolbox::Guarded([&] {
+    std::shared_ptr<toolbox::C_AudioFile> pFile;
+    const OSStatus nStatus = toolbox::C_AudioFile::Open(fileRef->path, pFile);
+    if (nStatus == noErr) *pAudioFile = toolbox::Files().Insert(std::move(pFile));
+    return nStatus;
+  });
 }
 
 OSStatus AudioFileClose(AudioFileID audioFile) {

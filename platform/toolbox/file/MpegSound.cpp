@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -21,9 +22,9 @@ constexpr long kMostJunkBytes = 65536;
 // file. Programs and pictures hold bytes that look like one or two frames.
 constexpr int kProvingFrames = 10;
 
-// Bytes of the ID3 tag at a position; 0 when there is no tag. The size field uses seven bits of
-// each byte, and counts neither the header nor the copy of the header at the end.
-UInt64 TagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
+// Bytes that the ID3 tag at a position claims; 0 when there is no tag. The size field uses seven
+// bits of each byte, and counts neither the header nor the copy of the header at the end.
+UInt64 ClaimedTagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
   std::array<UInt8, kTagHeaderBytes> head{};
   if (file.ReadAt(qwAt, head.data(), head.size()) != head.size()) return 0;
   if (head[0] != 'I' || head[1] != 'D' || head[2] != '3') return 0;
@@ -31,6 +32,19 @@ UInt64 TagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
   for (std::size_t i = 6; i < kTagHeaderBytes; ++i) qwSize = qwSize << 7 | (head.at(i) & 0x7FU);
   const bool bFooter = (head[5] & kFooterFlag) != 0;
   return qwSize + (bFooter ? 2 : 1) * kTagHeaderBytes;
+}
+
+// The same, but 0 also for a tag that claims more than the file holds.
+UInt64 TagBytesAt(const C_FileDescriptor& file, UInt64 qwAt) {
+  const UInt64 qwTag = ClaimedTagBytesAt(file, qwAt);
+  return qwTag <= file.Size() - std::min(qwAt, file.Size()) ? qwTag : 0;
+}
+
+// Where the decoder begins to look for frames: after the tags, and after the header of a tag that
+// claims more than the file holds.
+UInt64 StreamBegin(const C_FileDescriptor& file) {
+  const UInt64 qwAt = C_MpegSound::TagBytes(file);
+  return qwAt + (ClaimedTagBytesAt(file, qwAt) != 0 ? kTagHeaderBytes : 0);
 }
 
 // Checks the sync bits and rejects the values of layer, bit rate and sample rate that no stream
@@ -43,7 +57,7 @@ bool IsFrameHeader(const std::array<UInt8, 4>& head) {
 
 bool BeginsWithAFrame(const C_FileDescriptor& file) {
   std::array<UInt8, 4> head{};
-  return file.ReadAt(C_MpegSound::TagBytes(file), head.data(), head.size()) == head.size() &&
+  return file.ReadAt(StreamBegin(file), head.data(), head.size()) == head.size() &&
          IsFrameHeader(head);
 }
 
@@ -65,11 +79,13 @@ std::unique_ptr<C_MpegSound> C_MpegSound::Open(const C_FileDescriptor& file) {
 }
 
 C_MpegSound::C_MpegSound(const C_FileDescriptor& file)
-    : m_file(file), m_pMpeg(mpg123_new(nullptr, nullptr)) {}
+    : m_file(file), m_qwBegin(StreamBegin(file)), m_pMpeg(mpg123_new(nullptr, nullptr)) {}
 
+// The decoder would keep each tag that it meets between the frames in memory, as much of it as the
+// tag claims. Nobody asks for their content, so it skips them.
 bool C_MpegSound::OpenStream() {
-  constexpr long kFlags =
-      MPG123_QUIET | MPG123_FORCE_FLOAT | MPG123_GAPLESS | MPG123_NO_FRANKENSTEIN;
+  constexpr long kFlags = MPG123_QUIET | MPG123_FORCE_FLOAT | MPG123_GAPLESS |
+                          MPG123_NO_FRANKENSTEIN | MPG123_SKIP_ID3V2;
   mpg123_handle* pMpeg = m_pMpeg.get();
   return pMpeg != nullptr && mpg123_param(pMpeg, MPG123_ADD_FLAGS, kFlags, 0) == MPG123_OK &&
          mpg123_param(pMpeg, MPG123_REMOVE_FLAGS, MPG123_AUTO_RESAMPLE, 0) == MPG123_OK &&
@@ -134,20 +150,20 @@ std::size_t C_MpegSound::Read(SInt64 nFrom, std::size_t nSamples, float* pSample
 
 mpg123_ssize_t C_MpegSound::ReadBytes(void* pThis, void* pBuffer, std::size_t cbWanted) {
   auto& sound = *static_cast<C_MpegSound*>(pThis);
-  const std::size_t cbRead =
-      sound.m_file.ReadAt(static_cast<UInt64>(sound.m_nFileOffset), pBuffer, cbWanted);
-  sound.m_nFileOffset += static_cast<SInt64>(cbRead);
+  const std::size_t cbRead = sound.m_file.ReadAt(
+      sound.m_qwBegin + static_cast<UInt64>(sound.m_nOffset), pBuffer, cbWanted);
+  sound.m_nOffset += static_cast<SInt64>(cbRead);
   return static_cast<mpg123_ssize_t>(cbRead);
 }
 
 off_t C_MpegSound::SeekBytes(void* pThis, off_t nOffset, int nWhence) {
   auto& sound = *static_cast<C_MpegSound*>(pThis);
   SInt64 nBase = 0;
-  if (nWhence == SEEK_CUR) nBase = sound.m_nFileOffset;
-  if (nWhence == SEEK_END) nBase = static_cast<SInt64>(sound.m_file.Size());
+  if (nWhence == SEEK_CUR) nBase = sound.m_nOffset;
+  if (nWhence == SEEK_END) nBase = static_cast<SInt64>(sound.m_file.Size() - sound.m_qwBegin);
   if (nOffset < -nBase) return -1;
-  sound.m_nFileOffset = nBase + nOffset;
-  return static_cast<off_t>(sound.m_nFileOffset);
+  sound.m_nOffset = nBase + nOffset;
+  return static_cast<off_t>(sound.m_nOffset);
 }
 
 }  // namespace toolbox

@@ -13,11 +13,13 @@ namespace toolbox {
 // them on standard error; this class prints nothing.
 class C_MpegSound {
  public:
-  // Bytes of the ID3 tags at the start of a file of any kind; at most 64 tags are counted.
+  // Bytes of the ID3 tags at the start of a file of any kind. At most 64 tags are counted, and none
+  // that claims more than the file holds.
   [[nodiscard]] static UInt64 TagBytes(const C_FileDescriptor& file);
   // Opens the stream and scans all of it. Null when neither the file itself nor what follows its
-  // ID3 tags begins with a frame, and no run of frames is found near there. Also null when there
-  // are more than 64 tags. The file outlives the sound.
+  // ID3 tags begins with a frame, and no run of frames is found near there. A tag that claims more
+  // than the file holds is passed over like junk. Also null when there are more than 64 tags. The
+  // file outlives the sound.
   [[nodiscard]] static std::unique_ptr<C_MpegSound> Open(const C_FileDescriptor& file);
   C_MpegSound(const C_MpegSound&) = delete;
   C_MpegSound& operator=(const C_MpegSound&) = delete;
@@ -51,7 +53,9 @@ class C_MpegSound {
   static off_t SeekBytes(void* pThis, off_t nOffset, int nWhence);
 
   const C_FileDescriptor& m_file;
-  SInt64 m_nFileOffset = 0;
+  // The decoder sees the file from here on.
+  UInt64 m_qwBegin;
+  SInt64 m_nOffset = 0;
   std::unique_ptr<mpg123_handle, S_Closer> m_pMpeg;
   UInt32 m_dwRate = 0;
   UInt32 m_dwChannels = 0;

@@ -35,14 +35,15 @@ C_StretchReader::C_StretchReader(std::shared_ptr<C_AudioFile> pFile, SInt64 nSta
       m_bSameRate(m_pFile->Format().mSampleRate == dOutputRate) {
   const double dFileRate = m_pFile->Format().mSampleRate;
   if (m_bSameRate || dFileRate < kMinFileRate || dFileRate > kMaxFileRate) return;
+  m_pConverter = std::make_unique<S_Converter>();
   const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
   const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
   soxr_error_t pError = nullptr;
   soxr_t pSoxr = soxr_create(dFileRate, dOutputRate, m_dwChannels, &pError, &io, &quality, nullptr);
-  if (pSoxr == nullptr) return;
-  m_pConverter = std::make_unique<S_Converter>();
   m_pConverter->pSoxr.reset(pSoxr);
-  if (soxr_set_input_fn(pSoxr, &FeedConverter, this, kPieceFrames) != nullptr) m_pConverter.reset();
+  const bool bReady =
+      pSoxr != nullptr && soxr_set_input_fn(pSoxr, &FeedConverter, this, kPieceFrames) == nullptr;
+  if (!bReady) m_pConverter.reset();
 }
 
 C_StretchReader::~C_StretchReader() = default;

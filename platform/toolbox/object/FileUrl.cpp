@@ -2,6 +2,7 @@
 #include "object/FileUrl.h"
 
 #include <cstring>
+#include <exception>
 
 extern "C" {
 
@@ -13,7 +14,11 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef /*allocator*/,
   if (pbyBuffer == nullptr || nBufLen <= 0) return nullptr;
   const auto cbPath = static_cast<std::size_t>(nBufLen);
   if (std::memchr(pbyBuffer, 0, cbPath) != nullptr) return nullptr;
-  return new OpaqueCFURL(std::string(reinterpret_cast<const char*>(pbyBuffer), cbPath));
+  try {
+    return new OpaqueCFURL(std::string(reinterpret_cast<const char*>(pbyBuffer), cbPath));
+  } catch (const std::exception&) {
+    return nullptr;
+  }
 }
 
 }  // extern "C"

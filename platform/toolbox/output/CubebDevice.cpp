@@ -2,6 +2,7 @@
 #include "output/CubebDevice.h"
 
 #include <atomic>
+#include <exception>
 #include <future>
 #include <memory>
 #include <thread>
@@ -13,42 +14,62 @@
 namespace toolbox {
 namespace {
 
-// Returns what the call returns, or false when it takes longer than the limit. The call runs on a
-// thread that is then left behind, so it must keep alive whatever it works on. It has released all
-// of that by the time its result is available.
+// Makes a call on a thread that may be left behind, so the call must keep alive whatever it works
+// on. It has released all of that by the time its result is available. Throws when no thread can be
+// made.
 template <typename Call>
-bool CallService(std::chrono::milliseconds limit, Call call) {
+std::future<bool> MakeCall(Call call) {
   auto pAnswer = std::make_shared<std::promise<bool>>();
   auto answer = pAnswer->get_future();
   std::thread([call = std::make_unique<Call>(std::move(call)), pAnswer]() mutable {
-    const bool bAnswer = (*call)();
+    bool bAnswer = false;
+    try {
+      bAnswer = (*call)();
+    } catch (...) {
+      bAnswer = false;  // the service's own library has no memory
+    }
     call.reset();
     pAnswer->set_value(bAnswer);
   }).detach();
-  return answer.wait_for(limit) == std::future_status::ready && answer.get();
+  return answer;
 }
 
+// Returns what the call returns, or false when it takes longer than the limit or cannot be made.
+template <typename Call>
+bool CallService(std::chrono::milliseconds limit, Call call) {
+  try {
+    auto answer = MakeCall(std::move(call));
+    return answer.wait_for(limit) == std::future_status::ready && answer.get();
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+// A stream that cannot be closed on another thread stays open until the process ends. Here the call
+// might wait forever.
 void Close(std::shared_ptr<C_CubebStream> pStream, std::chrono::milliseconds limit) {
-  CallService(limit, [pStream = std::move(pStream)] { return pStream != nullptr; });
+  C_CubebStream& stream = *pStream;
+  stream.KeepItself(std::move(pStream));
+  CallService(limit, [&stream] { return stream.TakeItself() != nullptr; });
 }
 
 // The client is not called after a loss or after the destruction of the device, whatever the
 // service does with a stream that was left behind.
 class C_CubebDevice final : public I_OutputDevice {
  public:
-  C_CubebDevice(std::shared_ptr<C_CubebStream> pStream, I_DeviceClient& client,
+  C_CubebDevice(const S_OutputFormat& format, I_DeviceClient& client,
                 std::chrono::milliseconds limit)
-      : m_pStream(std::move(pStream)), m_client(client), m_limit(limit) {
-    m_pStream->Serve(client);
-  }
+      : m_pStream(std::make_shared<C_CubebStream>(format)), m_client(client), m_limit(limit) {}
   ~C_CubebDevice() override;
   C_CubebDevice(const C_CubebDevice&) = delete;
   C_CubebDevice& operator=(const C_CubebDevice&) = delete;
 
+  bool Open();
   bool Start() override;
   void Stop() override;
 
  private:
+  bool Watch();
   // False when the stream had already failed.
   bool GiveUp();
   void OnSilence();
@@ -68,14 +89,29 @@ C_CubebDevice::~C_CubebDevice() {
   Close(std::move(m_pStream), limit);
 }
 
+bool C_CubebDevice::Open() {
+  if (!CallService(m_limit, [pStream = m_pStream] { return pStream->Open(); })) return false;
+  m_pStream->Serve(m_client);
+  return true;
+}
+
 bool C_CubebDevice::Start() {
   if (m_bGivenUp) return false;
-  if (!CallService(m_limit, [pStream = m_pStream] { return pStream->Start(); })) {
-    GiveUp();
+  if (CallService(m_limit, [pStream = m_pStream] { return pStream->Start(); }) && Watch()) {
+    return true;
+  }
+  GiveUp();
+  return false;
+}
+
+// False when no thread can be made.
+bool C_CubebDevice::Watch() {
+  try {
+    m_pWatchdog = std::make_unique<C_Watchdog>(
+        m_limit, [pStream = m_pStream] { return pStream->ShowsLife(); }, [this] { OnSilence(); });
+  } catch (const std::exception&) {
     return false;
   }
-  m_pWatchdog = std::make_unique<C_Watchdog>(
-      m_limit, [pStream = m_pStream] { return pStream->ShowsLife(); }, [this] { OnSilence(); });
   return true;
 }
 
@@ -101,12 +137,13 @@ void C_CubebDevice::OnSilence() {
 std::unique_ptr<I_OutputDevice> OpenCubebDevice(const S_OutputFormat& format,
                                                 I_DeviceClient& client,
                                                 std::chrono::milliseconds limit) {
-  auto pStream = std::make_shared<C_CubebStream>(format);
-  if (!CallService(limit, [pStream] { return pStream->Open(); })) {
-    Close(std::move(pStream), limit);
+  try {
+    auto pDevice = std::make_unique<C_CubebDevice>(format, client, limit);
+    if (pDevice->Open()) return pDevice;
+  } catch (const std::exception&) {
     return nullptr;
   }
-  return std::make_unique<C_CubebDevice>(std::move(pStream), client, limit);
+  return nullptr;
 }
 
 }  // namespace toolbox

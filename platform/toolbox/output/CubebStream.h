@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "output/OutputDevice.h"
 
@@ -32,6 +33,9 @@ class C_CubebStream {
   // Takes the client away for good: once this returns, the client is no longer called. The stream
   // plays no more. False when it had already failed.
   bool GiveUp();
+  // The stream owns itself until it is taken again.
+  void KeepItself(std::shared_ptr<C_CubebStream> pThis) { m_pThis = std::move(pThis); }
+  std::shared_ptr<C_CubebStream> TakeItself() { return std::move(m_pThis); }
   // Whether the service has asked for frames since the last call of this operation, or is being
   // served right now.
   bool ShowsLife();
@@ -63,6 +67,7 @@ class C_CubebStream {
   std::atomic<UInt32> m_dwZeroFrames{0};
   std::atomic<bool> m_bAsked{false};
   std::atomic<bool> m_bServing{false};
+  std::shared_ptr<C_CubebStream> m_pThis;
   // The stream is closed before its context.
   std::unique_ptr<cubeb, S_ContextCloser> m_pContext;
   std::unique_ptr<cubeb_stream, S_StreamCloser> m_pStream;

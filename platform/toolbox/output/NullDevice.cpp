@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 
 namespace toolbox {
 namespace {
@@ -37,25 +38,46 @@ C_NullDevice::C_NullDevice(const S_OutputFormat& format, I_DeviceClient& client)
 
 C_NullDevice::~C_NullDevice() { Stop(); }
 
+bool C_NullDevice::Prepare() {
+  const std::lock_guard lock(m_lock);
+  return MakeThread();
+}
+
 bool C_NullDevice::Start() {
   const std::lock_guard lock(m_lock);
-  if (m_thread.joinable()) return true;
-  m_bStop = false;
-  m_thread = std::thread(&C_NullDevice::Run, this);
+  if (!MakeThread()) return false;
+  SetState(tagState::Rendering);
   return true;
+}
+
+bool C_NullDevice::MakeThread() {
+  if (m_thread.joinable()) return true;
+  m_eState = tagState::Waiting;
+  try {
+    m_thread = std::thread(&C_NullDevice::Run, this);
+  } catch (const std::exception&) {
+    return false;
+  }
+  return true;
+}
+
+void C_NullDevice::SetState(tagState eState) {
+  m_eState = eState;
+  m_eState.notify_all();
 }
 
 void C_NullDevice::Stop() {
   const std::lock_guard lock(m_lock);
   if (!m_thread.joinable()) return;
-  m_bStop = true;
+  SetState(tagState::Ending);
   m_thread.join();
 }
 
 void C_NullDevice::Run() {
+  m_eState.wait(tagState::Waiting);
   auto due = Clock::now();
   UInt64 qwRemainder = 0;
-  while (!m_bStop) {
+  while (m_eState == tagState::Rendering) {
     due += kSlice;
     std::this_thread::sleep_until(due);
     // When the rate is not a multiple of the slice rate, the remainder goes into the next slice.
@@ -66,7 +88,7 @@ void C_NullDevice::Run() {
 }
 
 void C_NullDevice::Render(UInt32 dwFrames) {
-  if (m_bStop) return;
+  if (m_eState != tagState::Rendering) return;
   std::fill(m_slices.begin(), m_slices.end(), UInt8{0});
   m_client.RenderFrames(m_slices.data(), dwFrames);
 }

@@ -19,20 +19,27 @@ class C_NullDevice final : public I_OutputDevice {
   C_NullDevice(const C_NullDevice&) = delete;
   C_NullDevice& operator=(const C_NullDevice&) = delete;
 
-  // Always true. Does nothing when the device is already running.
+  // Makes the thread, which then waits for `Start`. False when no thread can be made.
+  bool Prepare();
+  // The same, and lets it render. Does nothing when the device is already running. Always true
+  // after `Prepare`.
   bool Start() override;
-  // Waits at most for the slice that is being rendered. Does nothing when the device is not
-  // running.
+  // Ends the thread. Waits at most for the slice that is being rendered. Does nothing when there is
+  // no thread.
   void Stop() override;
 
  private:
+  enum class tagState : int { Waiting, Rendering, Ending };
+  // Called with the lock held.
+  bool MakeThread();
+  void SetState(tagState eState);
   void Run();
   void Render(UInt32 dwFrames);
 
   const S_OutputFormat m_format;
   I_DeviceClient& m_client;
   std::vector<UInt8> m_slices;
-  std::atomic<bool> m_bStop{false};
+  std::atomic<tagState> m_eState{tagState::Waiting};
   std::mutex m_lock;
   std::thread m_thread;
 };

@@ -15,9 +15,6 @@ struct S_OutputFormat {
   UInt32 dwRate = 0;
   UInt32 dwChannels = 0;
   bool bFloat = false;
-  // The client may need a long time for each call, however few frames it is asked for. A device
-  // that can choose asks seldom, for many frames at once and well ahead.
-  bool bLongPeriods = false;
 
   [[nodiscard]] std::size_t FrameBytes() const noexcept {
     return dwChannels * (bFloat ? sizeof(float) : sizeof(SInt16));
@@ -40,7 +37,9 @@ class I_DeviceClient {
 // counts as absent.
 inline constexpr std::chrono::milliseconds kServiceAnswerLimit{5000};
 
-// An open device. It plays between `Start` and `Stop`, and can be started again.
+// An open device. It plays between `Start` and `Stop`, and can be started again. The client may
+// need a long time for each call, however few frames it is asked for, so a device asks seldom, for
+// many frames at once and well ahead.
 //
 // While it plays it asks for frames at the rate of the format, from one thread of its own, because
 // the client measures time by them. The client calls `Start`, `Stop` and the destructor, never two

@@ -4,37 +4,55 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace toolbox {
 
 C_Playback::C_Playback(const S_OutputFormat& format, I_RenderSource& source,
-                       const OpenDeviceFunction& open)
-    : m_source(source), m_null(format, *this), m_pDevice(open(format, *this)) {
+                       const OpenDeviceFunction& open, bool bAfterText)
+    : m_source(source),
+      m_bAfterText(bAfterText),
+      m_null(format, *this),
+      m_pDevice(open(format, *this)) {
   const std::lock_guard lock(m_lock);
   m_bLost = m_bLost || m_pDevice == nullptr;
 }
 
 C_Playback::~C_Playback() { Stop(); }
 
-void C_Playback::Start() {
+// The null device gets its thread now. When a device is lost it may be too late to make one, and
+// playback would stand still.
+bool C_Playback::Start() {
   bool bLost = false;
   {
     const std::lock_guard lock(m_lock);
-    if (m_bRunning) return;
+    if (m_bRunning) return true;
+    if (!m_null.Prepare()) return false;
     m_bRunning = true;
     bLost = m_bLost;
   }
-  if (bLost || !m_pDevice->Start()) StartSilently();
+  if (bLost || !m_pDevice->Start()) {
+    StartSilently();
+    return true;
+  }
+  // From now on the program says that it plays.
+  const std::lock_guard lock(m_lock);
+  m_bAfterText = true;
+  return true;
 }
 
 void C_Playback::StartSilently() {
   const std::lock_guard lock(m_lock);
   m_bLost = true;
-  if (!m_bAnnounced && ::isatty(STDERR_FILENO) == 1) {
-    std::fputs("no output device; playing silently in real time\n", stderr);
-  }
-  m_bAnnounced = true;
+  Announce();
   m_null.Start();
+}
+
+void C_Playback::Announce() {
+  if (std::exchange(m_bAnnounced, true) || ::isatty(STDERR_FILENO) != 1) return;
+  if (m_bAfterText && ::isatty(STDOUT_FILENO) == 1) std::fputc('\n', stderr);
+  std::fputs(m_pDevice == nullptr ? "no output device" : "output device lost", stderr);
+  std::fputs("; playing silently in real time\n", stderr);
 }
 
 void C_Playback::Stop() {
@@ -62,7 +80,9 @@ void C_Playback::RenderFrames(void* pFrames, UInt32 dwFrames) {
 void C_Playback::DeviceLost() {
   const std::lock_guard lock(m_lock);
   m_bLost = true;
-  if (m_bRunning) m_null.Start();
+  if (!m_bRunning) return;
+  Announce();
+  m_null.Start();
 }
 
 }  // namespace toolbox

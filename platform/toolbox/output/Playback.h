@@ -19,17 +19,21 @@ class I_RenderSource {
 };
 
 // Plays a source on the machine's device. When there is no device, or it is lost, the null device
-// takes over, so that a started playback always continues in real time.
+// takes over, so that a started playback always continues in real time. It says so once, in a line
+// on standard error if that is a terminal.
 class C_Playback final : private I_DeviceClient {
  public:
-  // Opens the device. The source outlives the playback.
-  C_Playback(const S_OutputFormat& format, I_RenderSource& source, const OpenDeviceFunction& open);
+  // Opens the device. The source outlives the playback. When the program has printed text without a
+  // line end before (`bAfterText`), the line begins on a new one.
+  C_Playback(const S_OutputFormat& format, I_RenderSource& source, const OpenDeviceFunction& open,
+             bool bAfterText = false);
   ~C_Playback();
   C_Playback(const C_Playback&) = delete;
   C_Playback& operator=(const C_Playback&) = delete;
 
-  // `Start` and `Stop` do nothing when there is nothing to change.
-  void Start();
+  // `Start` and `Stop` do nothing when there is nothing to change. False when no thread can be
+  // made; nothing plays then.
+  bool Start();
   // Returns once everything rendered so far has been played.
   void Stop();
   [[nodiscard]] bool IsRunning() const;
@@ -38,6 +42,8 @@ class C_Playback final : private I_DeviceClient {
   void RenderFrames(void* pFrames, UInt32 dwFrames) override;
   void DeviceLost() override;
   void StartSilently();
+  // Called with the lock held.
+  void Announce();
 
   I_RenderSource& m_source;
   // Keeps a device that is about to be lost and the null device from rendering at the same time.
@@ -48,6 +54,7 @@ class C_Playback final : private I_DeviceClient {
   bool m_bRunning = false;
   bool m_bLost = false;
   bool m_bAnnounced = false;
+  bool m_bAfterText;
   C_NullDevice m_null;
   std::unique_ptr<I_OutputDevice> m_pDevice;
 };

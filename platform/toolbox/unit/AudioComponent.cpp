@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "object/CoreString.h"
+#include "object/Guarded.h"
 #include "object/HandleTable.h"
 #include "output/DefaultDevice.h"
 #include "unit/FilePlayerUnit.h"
@@ -120,17 +121,21 @@ OSStatus AudioComponentCopyName(AudioComponent component, CFStringRef* pName) {
   if (pName == nullptr) return kAudio_ParamError;
   *pName = nullptr;
   if (!toolbox::IsComponent(component)) return kAudio_ParamError;
-  *pName = new OpaqueCFString(component->pszName);
-  return noErr;
+  return toolbox::Guarded([&] {
+    *pName = new OpaqueCFString(component->pszName);
+    return OSStatus{noErr};
+  });
 }
 
 OSStatus AudioComponentInstanceNew(AudioComponent component, AudioComponentInstance* pInstance) {
   if (pInstance == nullptr) return kAudio_ParamError;
   *pInstance = nullptr;
   if (!toolbox::IsComponent(component)) return kAudio_ParamError;
-  *pInstance = toolbox::Instances().Insert(
-      std::make_shared<toolbox::S_Instance>(toolbox::S_Instance{component, component->pCreate()}));
-  return noErr;
+  return toolbox::Guarded([&] {
+    *pInstance = toolbox::Instances().Insert(std::make_shared<toolbox::S_Instance>(
+        toolbox::S_Instance{component, component->pCreate()}));
+    return OSStatus{noErr};
+  });
 }
 
 OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance) {

@@ -14,6 +14,8 @@ bool IsOutput(const AudioComponentDescription& description) {
 
 }  // namespace
 
+C_AudioGraph::C_AudioGraph() { m_notifies.reserve(kSureNotifies); }
+
 C_AudioGraph::~C_AudioGraph() { CloseUnits(); }
 
 C_AudioGraph::S_Node* C_AudioGraph::Find(AUNode node) {
@@ -42,8 +44,8 @@ OSStatus C_AudioGraph::AddNode(const AudioComponentDescription& description, AUN
   if (bSecondOutput) return kAUGraphErr_OutputNodeErr;
   const OSStatus nStatus = m_bOpen ? OpenNode(added) : OSStatus{noErr};
   if (nStatus != noErr) return nStatus;
-  node = ++m_lastNode;
   m_nodes.push_back(std::move(added));
+  node = ++m_lastNode;
   return noErr;
 }
 
@@ -164,8 +166,9 @@ OSStatus C_AudioGraph::UninitializeUnits() {
 OSStatus C_AudioGraph::AddRenderNotify(const AURenderCallbackStruct& notify) {
   if (notify.inputProc == nullptr) return kAudio_ParamError;
   const std::lock_guard lock(m_lock);
-  m_notifies.push_back(notify);
+  m_notifies.reserve(m_notifies.size() + 1);
   if (const auto pOutput = Output()) pOutput->AddNotify(notify);
+  m_notifies.push_back(notify);
   return noErr;
 }
 

@@ -16,7 +16,7 @@ namespace toolbox {
 // there.
 class C_AudioGraph {
  public:
-  C_AudioGraph() = default;
+  C_AudioGraph();
   ~C_AudioGraph();
   C_AudioGraph(const C_AudioGraph&) = delete;
   C_AudioGraph& operator=(const C_AudioGraph&) = delete;

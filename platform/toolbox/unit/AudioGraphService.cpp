@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <AudioToolbox/AUGraph.h>
 
+#include "object/Guarded.h"
 #include "object/HandleTable.h"
 #include "unit/AudioGraph.h"
 
@@ -18,7 +19,7 @@ template <typename... Params, typename... Args>
 OSStatus Call(AUGraph graph, OSStatus (C_AudioGraph::*pOperation)(Params...), Args&&... args) {
   const auto pGraph = Graphs().Find(graph);
   if (pGraph == nullptr) return kAudio_ParamError;
-  return (pGraph.get()->*pOperation)(std::forward<Args>(args)...);
+  return Guarded([&] { return (pGraph.get()->*pOperation)(std::forward<Args>(args)...); });
 }
 
 }  // namespace
@@ -31,8 +32,10 @@ extern "C" {
 
 OSStatus NewAUGraph(AUGraph* pGraph) {
   if (pGraph == nullptr) return kAudio_ParamError;
-  *pGraph = toolbox::Graphs().Insert(std::make_shared<C_AudioGraph>());
-  return noErr;
+  return toolbox::Guarded([pGraph] {
+    *pGraph = toolbox::Graphs().Insert(std::make_shared<C_AudioGraph>());
+    return OSStatus{noErr};
+  });
 }
 
 OSStatus DisposeAUGraph(AUGraph graph) {

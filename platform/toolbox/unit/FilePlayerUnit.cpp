@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "object/Guarded.h"
+
 namespace toolbox {
 namespace {
 
@@ -183,7 +185,7 @@ OSStatus C_FilePlayerUnit::Render(const AudioTimeStamp& stamp, UInt32 dwFrames,
     std::fill_n(static_cast<float*>(buffers.mBuffers[i].mData), dwFrames, 0.0F);
   }
   if (!m_region || !HasSampleTime(m_start)) return noErr;
-  const OSStatus nStatus = PrepareReader();
+  const OSStatus nStatus = Guarded([this] { return PrepareReader(); });
   if (nStatus != noErr) return nStatus;
   if (m_start.mSampleTime < 0) m_start.mSampleTime = stamp.mSampleTime;
   Play(stamp.mSampleTime, dwFrames, buffers);

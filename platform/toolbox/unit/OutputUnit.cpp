@@ -44,7 +44,9 @@ OSStatus CheckLayout(UInt32 cbData) {
 }  // namespace
 
 C_OutputUnit::C_OutputUnit(OpenDeviceFunction open)
-    : m_open(std::move(open)), m_format(kDefaultUnitFormat) {}
+    : m_open(std::move(open)), m_format(kDefaultUnitFormat) {
+  m_notifies.reserve(kSureNotifies);
+}
 
 C_OutputUnit::~C_OutputUnit() { Uninitialize(); }
 
@@ -68,9 +70,11 @@ OSStatus C_OutputUnit::Uninitialize() {
 
 void C_OutputUnit::OpenPlayback() {
   const S_OutputFormat format{static_cast<UInt32>(m_format.mSampleRate), m_format.mChannelsPerFrame,
-                              IsFloat(m_format), !m_bOpenAtStart};
+                              IsFloat(m_format)};
   I_RenderSource& source = *this;
-  m_pPlayback = std::make_unique<C_Playback>(format, source, m_open);
+  // A program that uses the unit by itself says that it plays before it sets up the unit.
+  const bool bAfterText = !m_bOpenAtStart;
+  m_pPlayback = std::make_unique<C_Playback>(format, source, m_open, bAfterText);
 }
 
 OSStatus C_OutputUnit::SetProperty(const S_PropertyAddress& address, const void* pData,
@@ -144,7 +148,7 @@ OSStatus C_OutputUnit::Start() {
   if (!m_bInitialized) return kAudioUnitErr_Uninitialized;
   if (m_bRunning) return noErr;
   if (m_pPlayback == nullptr) OpenPlayback();
-  m_pPlayback->Start();
+  if (!m_pPlayback->Start()) return kAudio_MemFullError;
   m_bRunning = true;
   return noErr;
 }

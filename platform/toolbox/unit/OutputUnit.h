@@ -18,10 +18,9 @@ inline constexpr UInt32 kMaxCallbackFrames = 4096;
 
 // The default output. It takes its frames from a render callback, in cycles of at most
 // kMaxCallbackFrames frames, or from a connected unit, in cycles of at most kMaxSliceFrames. Planar
-// frames always come in cycles of at most kMaxSliceFrames. A unit without a graph asks its callback
-// seldom and well ahead, because a callback may take longer than a file player. Formats: signed
-// 16-bit or float, packed, native byte order, one or two channels. A channel layout is accepted and
-// changes nothing: only the first two channels are heard.
+// frames always come in cycles of at most kMaxSliceFrames. Formats: signed 16-bit or float,
+// packed, native byte order, one or two channels. A channel layout is accepted and changes nothing:
+// only the first two channels are heard.
 class C_OutputUnit final : public I_Unit, private I_RenderSource {
  public:
   explicit C_OutputUnit(OpenDeviceFunction open);

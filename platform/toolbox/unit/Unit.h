@@ -3,6 +3,7 @@
 
 #include <AudioToolbox/AudioUnit.h>
 
+#include <cstddef>
 #include <cstring>
 #include <memory>
 
@@ -11,6 +12,10 @@ namespace toolbox {
 // The most frames that a unit renders in one cycle. Short cycles let positions advance finely,
 // however many frames a device asks for at once.
 inline constexpr UInt32 kMaxSliceFrames = 512;
+
+// For so many render notifications there is always memory. A player that misses them waits for the
+// end of its sound forever.
+inline constexpr std::size_t kSureNotifies = 4;
 
 // What a unit plays until it is told another format: float stereo at 44.1 kHz, not interleaved, so
 // that sizes are those of one channel.

@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 
@@ -26,6 +29,7 @@ using toolbox::C_Playback;
 using toolbox::S_OutputFormat;
 
 constexpr const char* kAnnouncement = "no output device; playing silently in real time";
+constexpr const char* kLoss = "output device lost; playing silently in real time";
 
 class C_CountingSource final : public toolbox::I_RenderSource {
  public:
@@ -174,6 +178,31 @@ TEST_F(PlaybackTest, DeviceThatExists_IsTheOnlyOneUsed) {
   EXPECT_EQ(m_log.nClosed, 1);
 }
 
+std::ptrdiff_t CountThreads() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                       std::filesystem::directory_iterator());
+}
+
+// A thread that was joined is counted for a moment longer.
+bool WaitForThreads(std::ptrdiff_t nWanted) {
+  const auto limit = Clock::now() + 20s;
+  while (CountThreads() != nWanted && Clock::now() < limit) std::this_thread::sleep_for(1ms);
+  return CountThreads() == nWanted;
+}
+
+// When a device is lost it may be too late to make a thread.
+TEST_F(PlaybackTest, TheThreadForSilence_IsMadeAtTheStartAndEndsWithPlayback) {
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  // The sanitizers have threads of their own.
+  const std::ptrdiff_t nBefore = CountThreads();
+  EXPECT_TRUE(playback.Start());
+  EXPECT_TRUE(WaitForThreads(nBefore + 1));
+  std::thread([this] { m_log.pClient->DeviceLost(); }).join();
+  EXPECT_TRUE(m_source.WaitFor(160));
+  playback.Stop();
+  EXPECT_TRUE(WaitForThreads(nBefore));
+}
+
 TEST_F(PlaybackTest, ADeviceThatIsLostWhilePlaying_IsFollowedByTheNullOutput) {
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   playback.Start();
@@ -245,12 +274,39 @@ TEST_F(PlaybackTest, OnATerminal_SilentPlaybackIsAnnouncedOnce) {
   EXPECT_EQ(capture.Text(), "");
 }
 
+TEST_F(PlaybackTest, OnATerminal_TheLossOfTheDeviceIsAnnouncedOnce) {
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  EXPECT_EQ(capture.Text(), "");
+  m_log.pClient->DeviceLost();
+  const std::string strNewLine = isatty(STDOUT_FILENO) == 1 ? "\r\n" : "";
+  EXPECT_EQ(capture.Text(), strNewLine + kLoss + "\r\n");
+  playback.Stop();
+  playback.Start();
+  EXPECT_EQ(capture.Text(), "");
+}
+
+TEST_F(PlaybackTest, OnATerminal_ALossWhileNothingPlays_IsAnnouncedAtTheNextStart) {
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  m_log.pClient->DeviceLost();
+  EXPECT_EQ(capture.Text(), "");
+  playback.Start();
+  EXPECT_EQ(capture.Text(), std::string(kLoss) + "\r\n");
+}
+
 TEST_F(PlaybackTest, OnAPipe_NothingIsAnnounced) {
   m_log.bRefuseOpen = true;
   const C_ErrorCapture capture(/*bTerminal=*/false);
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   playback.Start();
   EXPECT_TRUE(m_source.WaitFor(160));
+  EXPECT_EQ(capture.Text(), "");
+  m_log.bRefuseOpen = false;
+  C_Playback lost(m_format, m_source, OpenFakeDevice(m_log));
+  lost.Start();
+  m_log.pClient->DeviceLost();
   EXPECT_EQ(capture.Text(), "");
 }
 

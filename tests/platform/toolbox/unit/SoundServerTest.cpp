@@ -159,7 +159,7 @@ TEST(SoundServerTest, AServerThatIsKilledWhilePlaying_StillLetsTheSoundEndInTime
   server.Kill();
   EXPECT_TRUE(graph.WaitFor(66150));
   // Only the sound that the server had already taken over can shorten the time.
-  EXPECT_GE(Clock::now() - begin, 1200ms);
+  EXPECT_GE(Clock::now() - begin, 1000ms);
   graph.Stop();
   // After another start nothing is heard, but playback goes on.
   graph.Start();
@@ -281,6 +281,47 @@ TEST(SoundServerTest, AServerThatIsFrozenWhenPlaybackStops_HoldsNobodyUp) {
 TEST(SoundServerTest, AServerThatFreezesWhilePaused_IsNoticedAtTheNextStart) {
   const C_ShortPatience patience(500ms);
   ExpectNoticedAtTheNextStart([](C_SoundServer& server) { server.Freeze(); });
+}
+
+class C_CountingClient final : public toolbox::I_DeviceClient {
+ public:
+  void RenderFrames(void*, UInt32 dwFrames) override { qwFrames += dwFrames; }
+  void DeviceLost() override {}
+  std::atomic<UInt64> qwFrames{0};
+};
+
+// Whether more than 0.25 s more than could have been played since the start was rendered.
+bool IsFarAhead(toolbox::I_OutputDevice& device, const C_CountingClient& client, UInt32 dwRate) {
+  const UInt64 qwBefore = client.qwFrames;
+  const auto begin = Clock::now();
+  EXPECT_TRUE(device.Start());
+  bool bFar = false;
+  while (!bFar && Clock::now() - begin < 1s) {
+    const std::chrono::duration<double> played = Clock::now() - begin;
+    const auto dRendered = static_cast<double>(client.qwFrames - qwBefore) / dwRate;
+    bFar = dRendered > played.count() + 0.25;
+  }
+  device.Stop();
+  return bFar;
+}
+
+// On a busy machine a player that is only 0.1 s ahead breaks up.
+TEST(SoundServerTest, EveryDevice_IsRenderedForWellAhead) {
+  C_SoundServer server(44100, "float32le", 2);
+  ASSERT_TRUE(server.Start());
+  server.UseInThisProcess();
+  for (const toolbox::S_OutputFormat& format :
+       {toolbox::S_OutputFormat{44100, 2, true}, toolbox::S_OutputFormat{16000, 1, false}}) {
+    C_CountingClient client;
+    const auto pDevice = toolbox::OpenCubebDevice(format, client);
+    ASSERT_NE(pDevice, nullptr);
+    bool bFar = false;
+    // A busy machine may take its time to start.
+    for (int nTry = 0; nTry < 5 && !bFar; ++nTry) {
+      bFar = IsFarAhead(*pDevice, client, format.dwRate);
+    }
+    EXPECT_TRUE(bFar);
+  }
 }
 
 class C_SlowClient final : public toolbox::I_DeviceClient {
