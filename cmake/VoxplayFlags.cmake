@@ -10,8 +10,10 @@ target_compile_options(voxplay_flags INTERFACE
   # The interfaces that hand out borrowed objects have no virtual destructor by design; deleting
   # through one is still an error.
   -Wno-non-virtual-dtor -Wdelete-non-virtual-dtor)
-# Positions in files have 64 bits on every machine.
-target_compile_definitions(voxplay_flags INTERFACE _FILE_OFFSET_BITS=64)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # Positions in files have 64 bits here, too.
+  target_compile_definitions(voxplay_flags INTERFACE _FILE_OFFSET_BITS=64)
+endif()
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC tells on ARM that it passed some arguments differently before GCC 7.
   target_compile_options(voxplay_flags INTERFACE -Wno-psabi)
