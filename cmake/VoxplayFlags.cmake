@@ -49,6 +49,10 @@ add_library(voxplay_arithmetic INTERFACE)
 add_library(Voxplay::arithmetic ALIAS voxplay_arithmetic)
 target_compile_options(voxplay_arithmetic INTERFACE $<$<CONFIG:Debug>:-O1>)
 
+if(VOXPLAY_HARDENING AND NOT VOXPLAY_SANITIZE AND NOT VOXPLAY_FUZZERS)
+  include(${CMAKE_CURRENT_LIST_DIR}/VoxplayHardening.cmake)
+endif()
+
 # voxplay_library(NAME): what the libraries have in common, whatever a parent project sets. Everything
 # is visible in a shared library, because callers derive from its classes; sources have helpers of equal
 # names, so they are not compiled together.

@@ -19,4 +19,5 @@ for architecture in "${architectures[@]}"; do
   cmake --preset "$architecture"
   cmake --build --preset "$architecture" --parallel "$(nproc)"
   ctest --preset "$architecture"
+  scripts/check-hardening.sh $(find "build/$architecture" -name '*.a')
 done

@@ -15,6 +15,7 @@ jobs=$(nproc)
 cmake --preset library -B build/library-alone \
   -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
 cmake --build build/library-alone --parallel "$jobs"
+scripts/check-hardening.sh build/library-alone/bin/convert $(find build/library-alone -name '*.a')
 
 build() {
   local folder=build/consumer-$1
