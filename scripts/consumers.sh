@@ -3,7 +3,7 @@
 #
 # Checks that the library can be used without the player: built by itself where no audio package can
 # be found, and as a subfolder of another project, with position-independent archives and with shared
-# libraries.
+# libraries. What is built by itself is a release, so its protections are checked, too.
 #
 #   scripts/consumers.sh
 set -euo pipefail
