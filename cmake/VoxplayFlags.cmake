@@ -10,6 +10,14 @@ target_compile_options(voxplay_flags INTERFACE
   # The interfaces that hand out borrowed objects have no virtual destructor by design; deleting
   # through one is still an error.
   -Wno-non-virtual-dtor -Wdelete-non-virtual-dtor)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # Positions in files have 64 bits here, too.
+  target_compile_definitions(voxplay_flags INTERFACE _FILE_OFFSET_BITS=64)
+endif()
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # GCC tells on ARM that it passed some arguments differently before GCC 7.
+  target_compile_options(voxplay_flags INTERFACE -Wno-psabi)
+endif()
 if(VOXPLAY_WARNINGS_AS_ERRORS)
   target_compile_options(voxplay_flags INTERFACE -Werror)
 endif()
@@ -40,6 +48,10 @@ endif()
 add_library(voxplay_arithmetic INTERFACE)
 add_library(Voxplay::arithmetic ALIAS voxplay_arithmetic)
 target_compile_options(voxplay_arithmetic INTERFACE $<$<CONFIG:Debug>:-O1>)
+
+if(VOXPLAY_HARDENING AND NOT VOXPLAY_SANITIZE AND NOT VOXPLAY_FUZZERS)
+  include(${CMAKE_CURRENT_LIST_DIR}/VoxplayHardening.cmake)
+endif()
 
 # voxplay_library(NAME): what the libraries have in common, whatever a parent project sets. Everything
 # is visible in a shared library, because callers derive from its classes; sources have helpers of equal

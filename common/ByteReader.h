@@ -44,9 +44,11 @@ class C_ByteReader {
     return true;
   }
   std::uint32_t Little(std::size_t cbCount) noexcept {
-    const auto field = Bytes(cbCount);
+    if (!Take(cbCount)) return 0;
+    // Whole sounds are read this way, and Take has checked the bounds.
+    const std::uint8_t* const pbyField = m_bytes.data() + (m_cbRead - cbCount);
     std::uint32_t dwValue = 0;
-    for (std::size_t i = field.size(); i > 0; --i) dwValue = dwValue << 8 | field[i - 1];
+    for (std::size_t i = cbCount; i > 0; --i) dwValue = dwValue << 8 | pbyField[i - 1];
     return dwValue;
   }
 

@@ -3,7 +3,7 @@
 #
 # Checks that the library can be used without the player: built by itself where no audio package can
 # be found, and as a subfolder of another project, with position-independent archives and with shared
-# libraries.
+# libraries. What is built by itself is a release, so its protections are checked, too.
 #
 #   scripts/consumers.sh
 set -euo pipefail
@@ -15,6 +15,7 @@ jobs=$(nproc)
 cmake --preset library -B build/library-alone \
   -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
 cmake --build build/library-alone --parallel "$jobs"
+scripts/check-hardening.sh build/library-alone/bin/convert $(find build/library-alone -name '*.a')
 
 build() {
   local folder=build/consumer-$1

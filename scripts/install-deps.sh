@@ -10,6 +10,7 @@
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
 #   scripts/install-deps.sh bench    what builds the benchmarks and what they compare with
 #   scripts/install-deps.sh training what trains the Heron tables
+#   scripts/install-deps.sh architectures what builds and runs the library for other machines
 #   scripts/install-deps.sh coverage what the tests need and the coverage reporter
 set -euo pipefail
 
@@ -19,6 +20,8 @@ player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg
 tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
   ffmpeg)
 ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev)
+# The cross compilers bring their C and C++ libraries; static programs need nothing else to run.
+architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu qemu-user-static)
 
 case "${1:-player}" in
   library) wanted=("${library[@]}") ;;
@@ -28,8 +31,9 @@ case "${1:-player}" in
   bench) wanted=("${library[@]}" libbenchmark-dev ffmpeg wavpack valgrind) ;;
   training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
+  architectures) wanted=("${library[@]}" "${architectures[@]}") ;;
   *)
-    echo "usage: ${0##*/} [player|library|test|ci|bench|training|coverage]" >&2
+    echo "usage: ${0##*/} [player|library|test|ci|bench|training|coverage|architectures]" >&2
     exit 2
     ;;
 esac

@@ -11,11 +11,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <span>
 #include <vector>
 
+#include "ByteReader.h"
 #include "WavFileFormat.h"
 #include "heron/Configuration.h"
 #include "heron/Decoder.h"
@@ -58,7 +58,8 @@ S_Sound Load(const char* pszFileName) {
   S_Sound sound;
   sound.nSampleRate = static_cast<int>(file->GetWavInfo()->GetSampleRate());
   sound.samples.resize(file->GetWavData()->GetBufferLength() / 2);
-  std::memcpy(sound.samples.data(), file->GetWavData()->GetBuffer(), sound.samples.size() * 2);
+  vcm::C_ByteReader pcm({file->GetWavData()->GetBuffer(), sound.samples.size() * 2});
+  for (std::int16_t& nSample : sound.samples) nSample = pcm.I16();
   return sound;
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "heron/Sound.h"
 
-#include <cstring>
 #include <stdexcept>
 
+#include "ByteReader.h"
 #include "WavFileFormat.h"
 #include "file/WavFile.h"
 
@@ -25,17 +25,18 @@ S_Sound ReadSound(const std::string& strPath) {
   }
   S_Sound sound{static_cast<int>(file->GetWavInfo()->GetSampleRate()), {}};
   sound.samples.resize(file->GetWavInfo()->GetSampleSize());
-  if (!sound.samples.empty()) {
-    std::memcpy(sound.samples.data(), file->GetWavDataBuffer(), sound.samples.size() * 2);
-  }
+  vcm::C_ByteReader pcm({file->GetWavDataBuffer(), sound.samples.size() * 2});
+  for (std::int16_t& nSample : sound.samples) nSample = pcm.I16();
   return sound;
 }
 
 void WriteSound(const S_Sound& sound, const std::string& strPath) {
   const C_WavFilePtr file(new C_WavFile);
-  const auto cbSamples = static_cast<unsigned int>(sound.samples.size() * 2);
+  vcm::C_ByteWriter pcm;
+  for (const std::int16_t nSample : sound.samples) pcm.U16(static_cast<std::uint16_t>(nSample));
+  const auto cbPcm = static_cast<unsigned int>(pcm.Data().size());
   const bool bWritten =
-      file->SetBuffer(sound.samples.data(), cbSamples) &&
+      file->SetBuffer(pcm.Data().data(), cbPcm) &&
       (file->SetWavInfoData(static_cast<unsigned int>(sound.nSampleRate), 1, 16, 16, true),
        file->Convert(AUDIO_FILE_WAVE, strPath.c_str(), true, false, nullptr, false, 0));
   if (!bWritten) throw std::runtime_error(strPath + ": cannot be written");

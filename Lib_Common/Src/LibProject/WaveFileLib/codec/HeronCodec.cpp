@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <span>
 #include <utility>
@@ -149,13 +148,18 @@ std::optional<tempstream::S_Bytes> EncodeStream(I_WavData& wavData, unsigned int
   return tempstream::ReadBack(audioFile);
 }
 
-// Replaces the PCM of the sound by 16-bit mono samples. The sample rate stays.
+// Replaces the PCM of the sound by 16-bit mono samples, little-endian on every machine. The sample
+// rate stays.
 bool SetSamples(I_WavData& wavData, const std::vector<short>& samples) {
   const auto dwLength = vcm::CheckedBytes(samples.size(), kSampleBytes);
   if (!dwLength || *dwLength == 0) return false;
   unsigned char* pbyPcm = wavData.AllocBuffer(*dwLength);
   if (pbyPcm == nullptr) return false;
-  std::memcpy(pbyPcm, samples.data(), *dwLength);
+  for (const short nSample : samples) {
+    const auto wSample = static_cast<std::uint16_t>(nSample);
+    *pbyPcm++ = static_cast<unsigned char>(wSample);
+    *pbyPcm++ = static_cast<unsigned char>(wSample >> 8U);
+  }
   wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), *dwLength, 1, 16, 16, true);
   return true;
 }

@@ -64,8 +64,9 @@ bool Decode(const C_WavFileCodecInfo& codecInfo, const std::vector<std::uint8_t>
   unsigned char* pbyPcm = wavData.AllocBuffer(*dwPcm);
   // A block may hold fewer samples than it counts as; the missing samples are silence.
   std::fill_n(pbyPcm, *dwPcm, static_cast<unsigned char>(0));
-  const bool bDecoded = decoder->Decode(codecInfo, encoded.data(), dwEncoded,
-                                        reinterpret_cast<short*>(pbyPcm), *dwPcm);
+  // Allocated memory is aligned for every type.
+  auto* const pSamples = static_cast<short*>(static_cast<void*>(pbyPcm));
+  const bool bDecoded = decoder->Decode(codecInfo, encoded.data(), dwEncoded, pSamples, *dwPcm);
   const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
   wavData.SetWavInfoData(pcm.dwSamplesPerSec, *dwPcm, pcm.wChannels, 16, 16, true);
   return bDecoded;

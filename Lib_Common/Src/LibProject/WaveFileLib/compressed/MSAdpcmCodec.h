@@ -21,8 +21,9 @@
 //   5K     2K   the first sample of each channel, i16
 //   7K     ..   half bytes, the high one first, for each channel in turn
 //
-// Decoders hold no state. Below, B is the block align, K the number of channels and P the samples
-// per block of the format record. The block decoders decode nothing when B or K is 0.
+// Decoders hold no state. They write samples as the PCM of a sound holds them, little-endian on
+// every machine. Below, B is the block align, K the number of channels and P the samples per block
+// of the format record. The block decoders decode nothing when B or K is 0.
 #pragma once
 
 #include <optional>

@@ -142,12 +142,12 @@ void C_WavFileBase::SetLinearForm(unsigned int dwByteLength, unsigned short wBit
 // the missing samples. Recordings that broke off stay playable. Pinned by
 // MissingTailOfTheData_IsZero.
 bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
-  const std::uint64_t dwLength = m_pIWavData->GetBufferLength();
+  const unsigned int dwLength = m_pIWavData->GetBufferLength();
   const std::optional<std::uint64_t> qwFileSize = vcm::SizeAndSeekEnd(pFile);
   if (!qwFileSize) return false;
   const std::uint64_t qwHeld = *qwFileSize - std::min<std::uint64_t>(*qwFileSize, m_dwDataStartPos);
   if (dwLength > qwHeld && dwLength - qwHeld > kMaxMissingBytes) return false;
-  unsigned char* pbyPcm = m_pIWavData->AllocBuffer(static_cast<unsigned int>(dwLength));
+  unsigned char* pbyPcm = m_pIWavData->AllocBuffer(dwLength);
   if (pbyPcm == nullptr) return dwLength == 0;
   const std::span<std::uint8_t> pcm(pbyPcm, dwLength);
   if (!vcm::SeekTo(pFile, m_dwDataStartPos)) return false;

@@ -38,8 +38,8 @@ inline constexpr int kHighestOctave =
 // bits after its first bit.
 inline constexpr auto kTableOf = [] {
   std::array<std::uint8_t, 2 << kHighestOctave> tables{};
-  for (std::size_t n = std::size_t{1} << kLowestOctave; n < tables.size(); ++n) {
-    const int nOctave = 63 - std::countl_zero(n);
+  for (std::uint32_t n = 1U << kLowestOctave; n < tables.size(); ++n) {
+    const int nOctave = 31 - std::countl_zero(n);
     tables[n] = static_cast<std::uint8_t>(4 * (nOctave - kLowestOctave) +
                                           static_cast<int>(n >> (nOctave - 2)) - 4);
   }

@@ -61,13 +61,13 @@ struct S_Pass {
 // coarse enough. If the secants do not get close, it halves that interval instead.
 class C_Search {
  public:
-  C_Search(std::size_t nMost, std::size_t nSamples, int nFirstOffset)
-      : m_nMost(static_cast<std::int64_t>(nMost)),
+  C_Search(std::uint64_t qwMost, std::size_t nSamples, int nFirstOffset)
+      : m_nMost(static_cast<std::int64_t>(qwMost)),
         m_nSamples(static_cast<std::int64_t>(nSamples)),
         m_nSecantsLeft(kSecantPasses + kSamplesForMorePasses / nSamples),
         m_nOffset(Limit(nFirstOffset)) {}
 
-  // The offset to try next.
+  // The offset to try next; without a meaning once IsDone().
   [[nodiscard]] int Offset() const { return m_nOffset; }
 
   // Takes the coded audio that this offset gave.
@@ -78,7 +78,9 @@ class C_Search {
     if (!m_bFits || (bFits && coded.size() > m_best.size())) m_best = std::move(coded);
     m_bFits = m_bFits || bFits;
     if (m_nSecantsLeft > 0) --m_nSecantsLeft;
-    m_nOffset = m_nSecantsLeft > 0 ? Limit(m_nOffset + Step(pass)) : (m_nFine + m_nCoarse) / 2;
+    if (!IsClosed()) {
+      m_nOffset = m_nSecantsLeft > 0 ? Limit(m_nOffset + Step(pass)) : (m_nFine + m_nCoarse) / 2;
+    }
     m_last = pass;
   }
 
@@ -87,11 +89,14 @@ class C_Search {
     const std::int64_t nUnused = m_nMost - static_cast<std::int64_t>(m_best.size());
     const std::int64_t nShare = m_nSecantsLeft > 0 ? kUnusedAfterSecants : kUnusedAfterHalving;
     const bool bClose = m_bFits && nUnused <= m_nMost / nShare;
-    return bClose || m_nFine + 1 >= m_nCoarse;
+    return bClose || IsClosed();
   }
   std::vector<std::uint8_t> TakeBest() { return std::move(m_best); }
 
  private:
+  // True when no offset is left between the two known ones.
+  [[nodiscard]] bool IsClosed() const { return m_nFine + 1 >= m_nCoarse; }
+  // The search must not be closed.
   [[nodiscard]] int Limit(std::int64_t nOffset) const {
     return static_cast<int>(std::clamp<std::int64_t>(nOffset, m_nFine + 1, m_nCoarse - 1));
   }
@@ -124,9 +129,10 @@ class C_Search {
 
 std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, int nSampleRate,
                                        int nBitDepth, const C_Encoder::S_Progress& fnProgress) {
-  const std::size_t nMost = samples.size() * static_cast<std::size_t>(nBitDepth) / 8;
+  const std::uint64_t qwMost =
+      std::uint64_t{samples.size()} * static_cast<unsigned int>(nBitDepth) / 8;
   const C_Encoder encoder(samples, nSampleRate);
-  C_Search search(nMost > kHeadBytes ? nMost - kHeadBytes : 0, samples.size(),
+  C_Search search(qwMost > kHeadBytes ? qwMost - kHeadBytes : 0, samples.size(),
                   FirstOffset(samples, nSampleRate, nBitDepth));
   // The first pass reports all frames except the last one, which is reported when the last pass is
   // done.

@@ -4,7 +4,8 @@
 // is valid only during the call.
 #pragma once
 
-// Receives each piece of decoded PCM: its bytes and their count.
+// Receives each piece of decoded PCM: 16-bit samples in the machine's own byte order, as audio
+// devices take them, and the count of their bytes.
 using PFN_DecodedData = void (*)(void* pData, unsigned int dwLength);
 
 // What an encoder reports. Only the Kestrel encoder reports kStart. kProgress says how much is

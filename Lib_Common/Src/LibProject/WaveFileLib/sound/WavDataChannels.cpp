@@ -88,7 +88,7 @@ I_WavData* C_WavData::CreateChannelData(unsigned short wChannelNo, unsigned int 
   }
 
   const unsigned short wStoreBits = m_wavInfo.GetStoreBitsPerSample();
-  const std::size_t cbFrom = std::uint64_t{dwStartSample} * wStoreBits >> 3;
+  const auto cbFrom = static_cast<std::size_t>(std::uint64_t{dwStartSample} * wStoreBits >> 3);
   const auto dwLength = static_cast<unsigned int>((qwEndSample * wStoreBits >> 3) - cbFrom);
   std::vector<unsigned char> pcm(dwLength);
   if (wChannels == 1 && dwLength > 0) {
@@ -141,7 +141,7 @@ bool C_WavData::SetSideData(const unsigned char* pbySrc, unsigned int dwLength, 
   const std::uint64_t qwLast = qwFirst + (qwSamples - 1) * kStereo;
   if ((qwLast + 1) * cbSample > m_pcmBuffer.GetLength()) return false;
   CopySamples(GetBuffer() + qwFirst * cbSample, std::size_t{cbSample} * kStereo, pbySrc, cbSample,
-              qwSamples, cbSample);
+              static_cast<std::size_t>(qwSamples), cbSample);
   return true;
 }
 

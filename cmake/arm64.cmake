@@ -1,0 +1,6 @@
+# SPDX-License-Identifier: Apache-2.0
+# Debian's cross compiler for arm64; scripts/architectures.sh builds with it.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64-static)
