@@ -184,8 +184,8 @@ TEST_F(WavFileLoad, SoundWithoutLabels_LosesTheAnnotationsItHad) {
   EXPECT_TRUE(RegionsOf(*file).empty());
 }
 
-// In this mode the standard library looks through a whole table before each search in it, so nothing
-// is linear.
+// In this mode the standard library looks through a whole table before each search in it, so
+// nothing is linear.
 #ifndef _GLIBCXX_DEBUG
 
 namespace {
