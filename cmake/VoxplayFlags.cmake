@@ -21,6 +21,10 @@ endif()
 if(VOXPLAY_WARNINGS_AS_ERRORS)
   target_compile_options(voxplay_flags INTERFACE -Werror)
 endif()
+if(VOXPLAY_DEBUG_STL)
+  # This changes the layout of containers, so whatever exchanges them with us is built this way, too.
+  target_compile_definitions(voxplay_flags INTERFACE _GLIBCXX_DEBUG _GLIBCXX_DEBUG_PEDANTIC)
+endif()
 if(VOXPLAY_SANITIZE)
   target_compile_options(voxplay_flags INTERFACE
     -fsanitize=${VOXPLAY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
