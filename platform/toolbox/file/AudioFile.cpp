@@ -8,6 +8,7 @@
 
 #include "file/ChannelMap.h"
 #include "file/FlacBlocks.h"
+#include "object/Room.h"
 
 namespace toolbox {
 namespace {
@@ -35,6 +36,7 @@ OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>
 }
 
 OSStatus C_AudioFile::OpenContent() {
+  NeedRoom();
   // An MPEG stream has no signature at its start, so only files of no other known kind are searched
   // for one.
   return IsKnownSound(m_descriptor) ? OpenSound() : OpenMpeg();

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "object/Room.h"
+
 namespace toolbox {
 namespace {
 
@@ -36,6 +38,7 @@ C_StretchReader::C_StretchReader(std::shared_ptr<C_AudioFile> pFile, SInt64 nSta
   const double dFileRate = m_pFile->Format().mSampleRate;
   if (m_bSameRate || dFileRate < kMinFileRate || dFileRate > kMaxFileRate) return;
   m_pConverter = std::make_unique<S_Converter>();
+  NeedRoom();
   const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
   const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
   soxr_error_t pError = nullptr;

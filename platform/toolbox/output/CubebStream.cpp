@@ -6,6 +6,7 @@
 #include <exception>
 #include <thread>
 
+#include "object/Room.h"
 #include "output/CubebBackend.h"
 
 namespace toolbox {
@@ -42,6 +43,7 @@ bool CanMakeThread() {
 
 bool C_CubebStream::Open() {
   if (!CanMakeThread()) return false;
+  NeedRoom();
   cubeb* pContext = nullptr;
   if (cubeb_init(&pContext, "Voxplay", CubebBackend()) != CUBEB_OK) return false;
   m_pContext.reset(pContext);

@@ -8,13 +8,15 @@
 #include "SoundFiles.h"
 #include "TempFolder.h"
 #include "TestSounds.h"
+#include "object/Room.h"
 
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 constexpr int kMp3 = SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III;
-// Far more than any of these files needs, and far less than any of the claims.
-constexpr std::size_t kLittle = std::size_t{2} * 1024 * 1024;
+// The service first makes sure of some memory. The rest is far more than any of these files needs,
+// and far less than any of the claims.
+constexpr std::size_t kLittle = toolbox::kLibraryRoom + std::size_t{2} * 1024 * 1024;
 
 // The header of an ID3 tag with four equal size bytes.
 Bytes TagHead(std::uint8_t bySize) {
