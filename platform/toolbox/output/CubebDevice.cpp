@@ -50,7 +50,11 @@ bool CallService(std::chrono::milliseconds limit, Call call) {
 void Close(std::shared_ptr<C_CubebStream> pStream, std::chrono::milliseconds limit) {
   C_CubebStream& stream = *pStream;
   stream.KeepItself(std::move(pStream));
-  CallService(limit, [&stream] { return stream.TakeItself() != nullptr; });
+  try {
+    MakeCall([&stream] { return stream.TakeItself() != nullptr; }).wait_for(limit);
+  } catch (const std::exception&) {
+    stream.LeaveBehind();
+  }
 }
 
 // The client is not called after a loss or after the destruction of the device, whatever the

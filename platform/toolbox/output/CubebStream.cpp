@@ -25,6 +25,8 @@ constexpr UInt32 kExtraPlayOutMs = 50;
 constexpr std::chrono::seconds kPlayOutPatience{1};
 constexpr std::chrono::milliseconds kPlayOutPoll{2};
 
+std::atomic<C_CubebStream*> g_pLeftLast{nullptr};
+
 UInt32 FramesIn(const S_OutputFormat& format, UInt32 dwMs) {
   return static_cast<UInt32>(UInt64{format.dwRate} * dwMs / 1000);
 }
@@ -100,6 +102,8 @@ void C_CubebStream::PlayOut() {
     std::this_thread::sleep_for(kPlayOutPoll);
   }
 }
+
+void C_CubebStream::LeaveBehind() { m_pLeftBefore = g_pLeftLast.exchange(this); }
 
 bool C_CubebStream::GiveUp() {
   const bool bFirst = !m_bFailed.exchange(true);

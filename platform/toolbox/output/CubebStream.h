@@ -36,6 +36,8 @@ class C_CubebStream {
   // The stream owns itself until it is taken again.
   void KeepItself(std::shared_ptr<C_CubebStream> pThis) { m_pThis = std::move(pThis); }
   std::shared_ptr<C_CubebStream> TakeItself() { return std::move(m_pThis); }
+  // The stream owns itself until the process ends, and stays reachable for leak checks.
+  void LeaveBehind();
   // Whether the service has asked for frames since the last call of this operation, or is being
   // served right now.
   bool ShowsLife();
@@ -68,6 +70,7 @@ class C_CubebStream {
   std::atomic<bool> m_bAsked{false};
   std::atomic<bool> m_bServing{false};
   std::shared_ptr<C_CubebStream> m_pThis;
+  C_CubebStream* m_pLeftBefore = nullptr;
   // The stream is closed before its context.
   std::unique_ptr<cubeb, S_ContextCloser> m_pContext;
   std::unique_ptr<cubeb_stream, S_StreamCloser> m_pStream;
