@@ -2,10 +2,12 @@
 #include "Replacement.h"
 
 #include <unistd.h>
+#ifdef __linux__
+#include <sys/xattr.h>
+#endif
 
 #include <cerrno>
-#include <cstring>
-#include <random>
+#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -18,18 +20,42 @@ namespace {
 constexpr int kNameAttempts = 10000;
 constexpr mode_t kPermissions = S_IRWXU | S_IRWXG | S_IRWXO;
 constexpr mode_t kModeBits = kPermissions | S_ISUID | S_ISGID | S_ISVTX;
+constexpr mode_t kGroup = S_IRWXG;
+constexpr mode_t kOthers = S_IRWXO;
+constexpr int kGroupShift = 3;
 constexpr const char* kNameFormat = "%s.%x";
+
 std::string NumberedName(const std::string& strStem, unsigned int dwNumber) {
   std::vector<char> szName(strStem.size() + C_Replacement::kNumberLength + 1);
   VCM_stprintf(szName.data(), szName.size(), kNameFormat, strStem.c_str(), dwNumber);
   return szName.data();
 }
 
+// False when the old file has a list that the new file cannot get. A list that the folder has given
+// to the new file is removed: it may allow what the old file did not.
+bool CopyAccessList([[maybe_unused]] const std::string& strOldFile,
+                    [[maybe_unused]] int nDescriptor) {
+#ifdef __linux__
+  static constexpr const char* kList = "system.posix_acl_access";
+  const ssize_t cbList = getxattr(strOldFile.c_str(), kList, nullptr, 0);
+  if (cbList < 0) {
+    return fremovexattr(nDescriptor, kList) == 0 || errno == ENODATA || errno == ENOTSUP;
+  }
+  std::vector<char> list(static_cast<std::size_t>(cbList));
+  return getxattr(strOldFile.c_str(), kList, list.data(), list.size()) == cbList &&
+         fsetxattr(nDescriptor, kList, list.data(), list.size(), 0) == 0;
+#else
+  return true;
+#endif
+}
+
 }  // namespace
 
 unsigned int UnforeseeableNumber() {
-  thread_local std::random_device device;
-  return device();
+  unsigned int dwNumber = 0;
+  // Where the system has no such numbers, the clock must do: the file is created exclusively.
+  if (getentropy(&dwNumber, sizeof(dwNumber)) == 0) return dwNumber;
+  return static_cast<unsigned int>(std::chrono::steady_clock::now().time_since_epoch().count());
 }
 
 C_Replacement::C_Replacement(const std::string& strStem, unsigned int (*pfnNumber)()) {
@@ -50,12 +76,21 @@ C_Replacement::~C_Replacement() {
 // Sets the owner before the mode, because a change of owner clears the special mode bits. These
 // bits are left out when the owner or the group cannot be set: the new file then belongs to
 // somebody else. A write would clear the bits again.
-bool C_Replacement::TakeOwnerAndMode(const struct stat& model) const {
+bool C_Replacement::TakeOwnerAndMode(const struct stat& old, const std::string& strOldFile) {
+  m_nError = 0;
   if (std::fflush(m_file.get()) != 0) return false;
   const int nDescriptor = fileno(m_file.get());
-  const bool bGroup = fchown(nDescriptor, static_cast<uid_t>(-1), model.st_gid) == 0;
-  const bool bOwner = fchown(nDescriptor, model.st_uid, static_cast<gid_t>(-1)) == 0;
-  return fchmod(nDescriptor, model.st_mode & (bGroup && bOwner ? kModeBits : kPermissions)) == 0;
+  const bool bGroup = fchown(nDescriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+  const bool bOwner = fchown(nDescriptor, old.st_uid, static_cast<gid_t>(-1)) == 0;
+  const bool bList = CopyAccessList(strOldFile, nDescriptor);
+  mode_t nMode = old.st_mode & (bGroup && bOwner ? kModeBits : kPermissions);
+  // The group bits of a file with a list are not the group's own.
+  if (!bList) nMode &= ~kGroup | (nMode & kOthers) << kGroupShift;
+  if (fchmod(nDescriptor, nMode) == 0) return true;
+  m_nError = errno;
+  // Some file systems have one mode for all files, and refuse to set any.
+  struct stat now {};
+  return fstat(nDescriptor, &now) == 0 && (now.st_mode & kModeBits) == nMode;
 }
 
 bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {

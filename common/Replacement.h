@@ -31,13 +31,15 @@ class C_Replacement {
 
   // The open stream ("w+b"). Null when the file could not be created; Error() then says why.
   [[nodiscard]] std::FILE* Stream() const noexcept { return m_file.get(); }
-  // An errno value: that of the creation, later that of the rename; 0 if the last of them worked.
+  // An errno value: why the creation, the mode or the rename failed; 0 otherwise.
   [[nodiscard]] int Error() const noexcept { return m_nError; }
   [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
 
-  // Gives the new file the mode of the old one, and its owner and group where that is allowed.
-  // Write nothing after this call. False when the mode cannot be set.
-  [[nodiscard]] bool TakeOwnerAndMode(const struct stat& model) const;
+  // Gives the new file the mode of the old one, its access-control list where the system has them,
+  // and its owner and group where that is allowed. When the list cannot be set, the group may do
+  // what others may. Write nothing after this call. False when not everything has reached the file,
+  // and when the mode cannot be set.
+  [[nodiscard]] bool TakeOwnerAndMode(const struct stat& old, const std::string& strOldFile);
   // Brings the new file to the disk, closes it and renames it to strOldFile. On failure the old
   // file is as it was, and the new one is removed on destruction.
   [[nodiscard]] bool TakePlaceOf(const std::string& strOldFile);

@@ -45,9 +45,15 @@ bool WriteExact(std::FILE* pFile, std::span<const std::uint8_t> bytes) noexcept 
 
 std::optional<std::size_t> ReadSome(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept {
   if (bytes.empty()) return 0;
-  const std::size_t cbRead = std::fread(bytes.data(), 1, bytes.size(), pFile);
-  if (cbRead < bytes.size() && !IsAtEnd(pFile)) return std::nullopt;
-  return cbRead;
+  std::size_t cbRead = 0;
+  // A file that is still being recorded may have grown since its end was met.
+  for (int nAttempt = 0; nAttempt < 2; ++nAttempt) {
+    cbRead += std::fread(bytes.data() + cbRead, 1, bytes.size() - cbRead, pFile);
+    if (cbRead == bytes.size() || IsAtEnd(pFile)) return cbRead;
+    if (std::ferror(pFile) != 0) break;
+    std::clearerr(pFile);
+  }
+  return std::nullopt;
 }
 
 bool IsAtEnd(std::FILE* pFile) noexcept {

@@ -13,6 +13,7 @@ namespace vcm {
 namespace {
 
 constexpr int kMostLinks = 40;  // as many as the system follows
+constexpr int kLooks = 100;
 // What common file systems allow between two slashes.
 constexpr std::size_t kLongestName = 255;
 
@@ -27,21 +28,30 @@ bool IsOpenStream(const struct stat& link) {
   return stat("/proc/self", &processes) == 0 && link.st_dev == processes.st_dev;
 }
 
-// The path after all links, and the state of the regular file there. Empty when there is no regular
-// file under a name that could be given to another file.
-std::optional<std::string> FindRegularFile(const char* pszPath, struct stat* pStatus) {
-  if (pszPath == nullptr || stat(pszPath, pStatus) != 0 || !S_ISREG(pStatus->st_mode)) return {};
-  std::filesystem::path path(pszPath);
+enum class Target { New, Regular, Other, Unknown };
+
+// Where the links lead that begin at path, which names a file with this state.
+Target Follow(std::filesystem::path path, const struct stat& status, std::string* pstrOldFile) {
   struct stat named {};
   std::error_code error;
   for (int i = 0; i <= kMostLinks && lstat(path.c_str(), &named) == 0; ++i) {
     if (!S_ISLNK(named.st_mode)) {
-      return IsSameFile(named, *pStatus) ? std::optional(path.string()) : std::nullopt;
+      *pstrOldFile = path.string();
+      return IsSameFile(named, status) ? Target::Regular : Target::Unknown;
     }
-    if (IsOpenStream(named)) return {};
-    path = path.parent_path() / std::filesystem::read_symlink(path, error);
+    if (IsOpenStream(named)) return Target::Other;
+    const std::filesystem::path next = std::filesystem::read_symlink(path, error);
+    if (error) return Target::Unknown;
+    path = path.parent_path() / next;
   }
-  return {};
+  return Target::Unknown;
+}
+
+// What the path names. For a regular file, also its path after all links, and its state.
+Target Look(const char* pszPath, std::string* pstrOldFile, struct stat* pStatus) {
+  if (stat(pszPath, pStatus) != 0) return errno == ENOENT ? Target::New : Target::Unknown;
+  if (!S_ISREG(pStatus->st_mode)) return Target::Other;
+  return Follow(pszPath, *pStatus, pstrOldFile);
 }
 
 // The old file's path, cut where the name beside it would otherwise be too long.
@@ -59,28 +69,39 @@ bool IsWritable(const std::string& strPath) {
   return true;
 }
 
-// What the system says when a folder takes no second file, or does not let the file be renamed over
-// the old one, as in a folder that others share, or where a file system is mounted on the old file.
+// What the system says when the new file must not be made, given its mode or renamed.
 bool IsForbidden(int nError) {
   return nError == EACCES || nError == EPERM || nError == EROFS || nError == ENAMETOOLONG ||
-         nError == EBUSY || nError == EXDEV;
+         nError == EBUSY || nError == EXDEV || nError == ENOTSUP || nError == EILSEQ;
 }
 
+// Writes over the old file once there is room for the new contents.
 bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {
+  if (chmod(strFrom.c_str(), S_IRUSR | S_IWUSR) != 0) return false;
   const C_FilePtr from = OpenFile(strFrom.c_str(), "rb");
-  if (!from) return false;
-  C_FilePtr to = OpenFile(strTo.c_str(), "wb");
-  if (!to) return false;
-  const bool bCopied = CopyRest(from.get(), to.get());
+  C_FilePtr to = OpenFile(strTo.c_str(), "r+b");
+  if (!from || !to) return false;
+  const auto qwSize = SizeAndSeekEnd(from.get());
+  if (!qwSize || !SeekTo(from.get(), 0)) return false;
+  const auto nSize = static_cast<off_t>(*qwSize);
+  if (nSize > 0 && posix_fallocate(fileno(to.get()), 0, nSize) != 0) return false;
+  const bool bCopied = CopyRest(from.get(), to.get()) && std::fflush(to.get()) == 0 &&
+                       ftruncate(fileno(to.get()), nSize) == 0;
   return CloseChecked(std::move(to)) && bCopied;
 }
 
 }  // namespace
 
 C_TargetFile::C_TargetFile(const char* pszPath) {
-  if (const auto strOldFile = FindRegularFile(pszPath, &m_oldStatus)) {
-    if (!IsWritable(*strOldFile)) return;
-    m_strOldFile = *strOldFile;
+  if (pszPath == nullptr) return;
+  // Another process may replace the file, or change a link, while it is looked at.
+  auto eTarget = Target::Unknown;
+  for (int i = 0; i < kLooks && eTarget == Target::Unknown; ++i) {
+    eTarget = Look(pszPath, &m_strOldFile, &m_oldStatus);
+  }
+  if (eTarget == Target::Unknown) return;
+  if (eTarget == Target::Regular) {
+    if (!IsWritable(m_strOldFile)) return;
     m_replacement.emplace(StemOf(m_strOldFile));
     if (m_replacement->Stream() != nullptr || !IsForbidden(m_replacement->Error())) return;
     m_replacement.reset();
@@ -94,8 +115,11 @@ std::FILE* C_TargetFile::Stream() const noexcept {
 
 bool C_TargetFile::Commit(bool bWritten) {
   if (!m_replacement) return CloseChecked(std::move(m_file)) && bWritten;
-  if (!bWritten || !m_replacement->TakeOwnerAndMode(m_oldStatus)) return false;
-  if (m_replacement->TakePlaceOf(m_strOldFile)) return true;
+  if (!bWritten) return false;
+  if (m_replacement->TakeOwnerAndMode(m_oldStatus, m_strOldFile) &&
+      m_replacement->TakePlaceOf(m_strOldFile)) {
+    return true;
+  }
   return IsForbidden(m_replacement->Error()) && CopyInPlace(m_replacement->Path(), m_strOldFile);
 }
 

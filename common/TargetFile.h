@@ -16,8 +16,10 @@
 //   anything else              The same: a device, a pipe, or a stream that somebody has open and
 //                              that a link in /dev stands for.
 //
-// Where the folder allows no second file, an existing file is written in place with "wb". A failed
-// write then leaves it partial, because there is no other way to write it.
+// An existing file is written in place, too, where the folder takes no second file, or where the
+// second file must not take the place of the first: in a folder that others share, where the file
+// is a mount of its own, and where a file system cannot give it the old mode. A failed write may
+// then leave the file partial, because there is no other way to write it.
 #pragma once
 
 #include <sys/stat.h>
@@ -34,8 +36,8 @@ class C_TargetFile {
  public:
   explicit C_TargetFile(const char* pszPath);
 
-  // Null when the target cannot be opened for writing, which also means that nothing was changed,
-  // and for a null path.
+  // Null for a null path, and when the target cannot be opened for writing or looked at. Nothing
+  // was changed then.
   [[nodiscard]] std::FILE* Stream() const noexcept;
 
   // Closes the file; call it once. True when bWritten is true, everything has reached the file, and

@@ -11,7 +11,7 @@
 #   FILE    where to make them, instead of the files listed below
 #
 # The mistakes are made in a copy of the tree, in build/mutants. Mistakes that do not compile do not
-# count. docs/RELIABILITY.md explains the survivors that are left.
+# count.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 count=${1:-200}

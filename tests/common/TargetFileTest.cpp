@@ -5,9 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <set>
@@ -199,6 +201,50 @@ TEST_F(TargetFile, FolderThatOthersShare_LetsTheFileBeWrittenInPlace) {
   EXPECT_EQ(m_folder.Read("a"), kNew);
   EXPECT_EQ(StatusOf("a").st_uid, 0u);
   EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(TargetFile, AccessControlList_IsKept) {
+  constexpr const char* kList = "system.posix_acl_access";
+  const auto entry = [](std::uint16_t wTag, std::uint16_t wRights, std::uint32_t dwID) {
+    return Bytes{static_cast<std::uint8_t>(wTag),       0,
+                 static_cast<std::uint8_t>(wRights),    0,
+                 static_cast<std::uint8_t>(dwID),       static_cast<std::uint8_t>(dwID >> 8),
+                 static_cast<std::uint8_t>(dwID >> 16), static_cast<std::uint8_t>(dwID >> 24)};
+  };
+  constexpr std::uint32_t dwNone = 0xFFFFFFFF;
+  Bytes list = {2, 0, 0, 0};
+  for (const Bytes& part : {entry(1, 6, dwNone), entry(2, 4, kNobody), entry(4, 0, dwNone),
+                            entry(16, 4, dwNone), entry(32, 0, dwNone)}) {
+    list.insert(list.end(), part.begin(), part.end());
+  }
+  m_folder.Write("a", kOld);
+  if (setxattr(m_folder.Path("a").c_str(), kList, list.data(), list.size(), 0) != 0) {
+    ASSERT_EQ(errno, ENOTSUP);  // a file system without such lists
+    return;
+  }
+  EXPECT_TRUE(WriteNew(m_folder.Path("a")));
+  Bytes kept(list.size() + 1);
+  EXPECT_EQ(getxattr(m_folder.Path("a").c_str(), kList, kept.data(), kept.size()),
+            static_cast<ssize_t>(list.size()));
+  kept.pop_back();
+  EXPECT_EQ(kept, list);
+}
+
+TEST_F(TargetFile, WrittenInPlace_ShorterAndLongerThanBefore) {
+  ASSERT_EQ(chmod(m_folder.Path().c_str(), 01777), 0);
+  for (const std::size_t cbOld : {std::size_t{0}, std::size_t{4}, std::size_t{10000}}) {
+    m_folder.Write("a", Bytes(cbOld, 'x'));
+    ASSERT_EQ(chmod(m_folder.Path("a").c_str(), 0666), 0);
+    EXPECT_TRUE(InChildAs(kNobody, [this] { return WriteNew(m_folder.Path("a")); }));
+    EXPECT_EQ(m_folder.Read("a"), kNew) << cbOld;
+  }
+}
+
+TEST_F(TargetFile, LoopOfLinks_IsRefused) {
+  ASSERT_EQ(symlink("b", m_folder.Path("a").c_str()), 0);
+  ASSERT_EQ(symlink("a", m_folder.Path("b").c_str()), 0);
+  EXPECT_FALSE(WriteNew(m_folder.Path("a")));
+  EXPECT_THAT(Entries(), ElementsAre("a", "b"));
 }
 
 TEST_F(TargetFile, LongestName_IsReplacedToo) {

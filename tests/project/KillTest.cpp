@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "FileType.h"
 #include "PrivateTemp.h"
@@ -16,9 +17,9 @@
 namespace {
 
 constexpr int kMaxStops = 20000;
-// Performs the operation in a process of its own, which is killed at its nStop-th stop, counted
-// from
-// 1. True when it ended before that, having succeeded.
+
+// Performs the operation in a process of its own, and kills it at its nStop-th stop. The first stop
+// is 1. True when the process ended before that, having succeeded.
 bool SucceedsBefore(C_SweptOperation& operation, int nStop) {
   C_TracedChild child([&operation] { return operation.Run() ? 0 : 1; });
   for (int i = 0; i < nStop; ++i) {
@@ -70,12 +71,16 @@ TEST_P(KillTest, KilledAtEachSystemCall_LeavesTheOldFileOrTheNewOne) {
   EXPECT_GT(m_nLeft, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, KillTest,
-                         testing::Values("SaveWaveOntoAnother", "SaveWaveOntoItself",
-                                         "SaveVemdOntoItself", "SaveKestrelOntoAnother",
-                                         "SaveKestrelOntoItself", "SaveKestrelContainerOntoItself",
-                                         "SaveHeronOntoAnother", "SaveHeronContainerOntoItself",
-                                         "PrependHeader"),
+// Those that write over a file.
+std::vector<std::string> Writers() {
+  std::vector<std::string> names = SweptOperationNames();
+  std::erase_if(names, [](const std::string& strName) {
+    return strName.find("Onto") == std::string::npos && strName != "PrependHeader";
+  });
+  return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, KillTest, testing::ValuesIn(Writers()),
                          [](const auto& parameters) { return parameters.param; });
 
 }  // namespace

@@ -73,8 +73,14 @@ std::unique_ptr<C_RiffChunk> ReadChunk(const C_RiffStreamPtr& stream) {
   std::memcpy(achID, reader.Bytes(kIDLength).data(), kIDLength);
   const std::uint32_t dwSize = reader.U32();
   const auto qwDataPos = vcm::Tell(stream->pFile);
-  stream->bReadError |= !qwDataPos || !C_RiffChunkList::Skip(stream->pFile, dwSize);
-  if (stream->bReadError || *qwDataPos > kMaxSize) return nullptr;
+  stream->bReadError |= !qwDataPos;
+  if (!qwDataPos || *qwDataPos > kMaxSize) return nullptr;
+  if (!C_RiffChunkList::Skip(stream->pFile, dwSize)) {
+    // Some file systems know no positions as far beyond the end of a file as a chunk may claim.
+    const auto qwFileLength = vcm::SizeAndSeekEnd(stream->pFile);
+    stream->bReadError |= !qwFileLength || *qwDataPos + dwSize <= *qwFileLength;
+    return nullptr;
+  }
   return std::make_unique<C_RiffChunk>(achID, dwSize, static_cast<std::uint32_t>(*qwDataPos),
                                        stream);
 }
@@ -206,8 +212,8 @@ std::unique_ptr<C_RiffChunk> C_RiffChunk::CreateHeldPart() {
 
 bool C_RiffChunk::LoadSubChunks() {
   if (!m_stream || m_stream->pFile == nullptr) return false;
-  if (!vcm::SeekTo(m_stream->pFile, m_dwDataPos)) return false;
-  return m_subChunks.LoadChunks(m_stream, m_dwSize);
+  m_stream->bReadError |= !vcm::SeekTo(m_stream->pFile, m_dwDataPos);
+  return !m_stream->bReadError && m_subChunks.LoadChunks(m_stream, m_dwSize);
 }
 
 bool C_RiffChunk::WriteData(std::FILE* pFile) {
@@ -273,7 +279,12 @@ bool C_RiffFile::IsCutShort() {
   if (!m_stream) return false;
   const auto qwFileLength = vcm::SizeAndSeekEnd(m_stream->pFile);
   m_stream->bReadError |= !qwFileLength;
-  return qwFileLength && *qwFileLength < kFileHeaderLength + std::uint64_t{m_dwListLength};
+  std::uint64_t qwEnd = kFileHeaderLength + std::uint64_t{m_dwListLength};
+  if (const int nChunks = GetChunkCount(); nChunks > 0) {
+    C_RiffChunk& last = *GetChunkAt(nChunks - 1);
+    qwEnd = std::max(qwEnd, std::uint64_t{last.GetDataPos()} + last.GetDataLength());
+  }
+  return qwFileLength && *qwFileLength < qwEnd;
 }
 
 bool C_RiffFile::Save(const char* pszPath, const char* pszFormType) {

@@ -130,7 +130,8 @@ class C_RiffFile {
   // the end of the file cuts are no such error. After an error, what was read is not all that the
   // file says.
   [[nodiscard]] bool HasReadError() const { return m_stream && m_stream->bReadError; }
-  // Whether the open file ends before the end that its RIFF size names. Then chunks may be missing.
+  // Whether the open file ends before the end that its RIFF size or its last chunk names. Then
+  // something is missing.
   [[nodiscard]] bool IsCutShort();
   // Writes the list, as vcm::C_TargetFile writes: an existing file is intact until everything is
   // written; a new file stays partial when a write fails. A list too long for the 32-bit RIFF size

@@ -2,7 +2,6 @@
 #include "file/CuedEvents.h"
 
 #include <algorithm>
-#include <string>
 
 namespace cuedevents {
 namespace {
@@ -40,18 +39,6 @@ void AddPoint(I_WavDataCueInfo& cueInfo, I_WavDataListInfo& listInfo, unsigned i
   // point means nothing, but a cue point without a label would count as the user's.
   listInfo.AddLabel(dwID, pszLabel);
   cueInfo.AddCuePoint(dwID, dwSamplePos, kDataChunkID, 0, 0, dwSamplePos);
-}
-
-void RemoveLostLabels(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
-  const C_ByID positions = Positions(cueInfo);
-  std::vector<std::pair<unsigned int, std::string>> kept;
-  for (int i = 0; i < listInfo.GetLabelCount(); ++i) {
-    unsigned int dwID = 0;
-    const char* pszText = listInfo.GetLabelByIndex(i, &dwID);
-    if (positions.Find(dwID)) kept.emplace_back(dwID, pszText);
-  }
-  listInfo.RemoveAllLabels();
-  for (const auto& [dwID, strText] : kept) listInfo.AddLabel(dwID, strText.c_str());
 }
 
 I_EventTagMgr& ManagerOf(I_WavData& wavData, const vcm::S_AssertSite& site) {

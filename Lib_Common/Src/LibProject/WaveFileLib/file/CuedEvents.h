@@ -38,10 +38,6 @@ C_ByID Positions(I_WavDataCueInfo& cueInfo);
 void AddPoint(I_WavDataCueInfo& cueInfo, I_WavDataListInfo& listInfo, unsigned int dwID,
               unsigned int dwSamplePos, const char* pszLabel);
 
-// Removes the labels whose cue point is missing. In a file that is cut short, the cue points may
-// have stood in the missing part.
-void RemoveLostLabels(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo);
-
 // The event manager of a sound, and the events of a manager. A missing manager, list or event stops
 // the program with an assertion that names the site.
 I_EventTagMgr& ManagerOf(I_WavData& wavData, const vcm::S_AssertSite& site);

@@ -161,20 +161,21 @@ bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName) {
   if (replacement.Stream() == nullptr) return false;
   return WriteSpHeader(header, replacement.Stream()) &&
          vcm::CopyRest(source.get(), replacement.Stream()) &&
-         replacement.TakeOwnerAndMode(status) && replacement.TakePlaceOf(pszFileName);
+         replacement.TakeOwnerAndMode(status, pszFileName) && replacement.TakePlaceOf(pszFileName);
 }
 
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget) {
   const auto bHeader = FindSpHeader(pHeader, pszSource);
   const auto source = vcm::OpenFile(pszSource, "rb");
-  if (!bHeader || !source || IsSameFile(source.get(), pszTarget)) return false;
-  if (!vcm::SeekTo(source.get(), *bHeader ? C_SpHeader::kBytes : 0)) return false;
+  if (!source || IsSameFile(source.get(), pszTarget)) return false;
+  if (!vcm::SeekTo(source.get(), bHeader.value_or(false) ? C_SpHeader::kBytes : 0)) return false;
   const auto target = vcm::OpenFile(pszTarget, "wb");
   if (!target) return false;
   // Kept: the result is true once the target is open, even when the copy fails, because callers
   // judge the stripped file by its contents. Pinned by
-  // Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened.
-  static_cast<void>(vcm::CopyRest(source.get(), target.get()));
+  // Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened. A source whose start cannot be read
+  // is not copied, because it might have a header.
+  if (bHeader) static_cast<void>(vcm::CopyRest(source.get(), target.get()));
   return true;
 }
 

@@ -91,8 +91,8 @@ bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName);
 
 // Copies a file without its header; a file that has no header is copied whole. *pHeader is filled
 // in as ReadSpHeader does it. An existing target is written over in place. False when either file
-// cannot be opened, when the start of the source cannot be read, and when the target is the source.
-// A copy that fails later still returns true.
+// cannot be opened, and when the target is the source. A copy that fails later still returns true,
+// and so does a source that cannot be read, of which nothing is copied.
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget);
 
 // Writes the header and then the whole source, even when the source has a header of its own. An

@@ -10,7 +10,6 @@
 #include "ByteReader.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
-#include "file/CuedEvents.h"
 #include "file/VefLabels.h"
 #include "file/WavChunks.h"
 #include "interface/I_WavDataInfo.h"
@@ -163,7 +162,6 @@ bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {
   }
   auto& listInfo = RequiredInfo<I_WavDataListInfo>(*this, kCheckSite);
   auto& cueInfo = RequiredInfo<I_WavDataCueInfo>(*this, kCheckSite);
-  if (riff.IsCutShort()) cuedevents::RemoveLostLabels(listInfo, cueInfo);
   if (riff.HasReadError()) return false;
   veflabels::LoadEvents(*GetWavData(), listInfo, cueInfo);
   return true;

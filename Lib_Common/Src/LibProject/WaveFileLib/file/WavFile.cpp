@@ -5,7 +5,6 @@
 #include "VcmAssert.h"
 #include "compressed/CompressedWav.h"
 #include "compressed/WavTags.h"
-#include "file/CuedEvents.h"
 #include "file/WavChunks.h"
 #include "file/WavLabels.h"
 #include "interface/I_WavDataInfo.h"
@@ -130,13 +129,7 @@ bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
     }
     if (!bLoaded) return false;
   }
-  if (riff.IsCutShort()) {
-    auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this);
-    auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this);
-    if (pIListInfo != nullptr && pICueInfo != nullptr) {
-      cuedevents::RemoveLostLabels(*pIListInfo, *pICueInfo);
-    }
-  }
+  m_bCutShort = riff.IsCutShort();
   return !riff.HasReadError();
 }
 
@@ -157,7 +150,7 @@ void C_WavFile::LoadAnnotations() {
   auto* pIListInfo = wavchunks::InfoOf<I_WavDataListInfo>(*this);
   auto* pICueInfo = wavchunks::InfoOf<I_WavDataCueInfo>(*this);
   if (pIListInfo == nullptr || pICueInfo == nullptr) return;
-  wavlabels::LoadAnnotations(*GetWavData(), *pIListInfo, *pICueInfo);
+  wavlabels::LoadAnnotations(*GetWavData(), *pIListInfo, *pICueInfo, m_bCutShort);
   GetWavData()->SetEncType(GetFileFormat());
 }
 

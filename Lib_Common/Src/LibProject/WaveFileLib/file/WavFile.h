@@ -89,4 +89,6 @@ class C_WavFile : public C_WavFileBase {
   bool LoadSamples(std::FILE* pFile);
   void LoadAnnotations();
   void RegenerateAnnotations();
+
+  bool m_bCutShort = false;  // the file that CheckFormat looked at
 };

@@ -90,8 +90,12 @@ class C_RangeLengths {
 // Collects the annotations of a file label by label.
 class C_AnnotationReader {
  public:
-  C_AnnotationReader(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo, bool bEvents)
-      : m_positions(cuedevents::Positions(cueInfo)), m_lengths(listInfo), m_bEvents(bEvents) {}
+  C_AnnotationReader(I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo, bool bEvents,
+                     bool bCutShort)
+      : m_positions(cuedevents::Positions(cueInfo)),
+        m_lengths(listInfo),
+        m_bEvents(bEvents),
+        m_bCutShort(bCutShort) {}
 
   void Read(const char* pszLabel, unsigned int dwID) {
     VCM_ASSERT(nullptr != pszLabel, "DecodeLabel", kSource, __LINE__, "NULL != pszLabel");
@@ -99,6 +103,7 @@ class C_AnnotationReader {
     if (label.eKind == S_LabelMeaning::Kind::Other) return;
     if (label.eKind == S_LabelMeaning::Kind::Event && !m_bEvents) return;
     const std::optional<unsigned int> dwPosition = m_positions.Find(dwID);
+    if (!dwPosition && m_bCutShort) return;
     VCM_ASSERT(dwPosition, "DecodeLabel", kSource, __LINE__, "NULL != pICuePoint");
     Place(label, *dwPosition, dwID);
   }
@@ -126,6 +131,7 @@ class C_AnnotationReader {
   cuedevents::C_ByID m_positions;
   C_RangeLengths m_lengths;
   bool m_bEvents;
+  bool m_bCutShort;
   std::vector<C_EventTagMgr::S_SampleEvent> m_events;
   C_SilenceList m_silence;
   C_RegionList m_regions;
@@ -218,9 +224,10 @@ std::string EventLabel(unsigned short wMain, unsigned short wSub) {
   return "u_" + std::to_string(wMain) + "_" + std::to_string(wSub);
 }
 
-void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo) {
+void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo,
+                     bool bCutShort) {
   I_EventTagMgr& events = cuedevents::ManagerOf(wavData, kDecodeSite);
-  C_AnnotationReader reader(listInfo, cueInfo, events.GetSampleRate() > 0);
+  C_AnnotationReader reader(listInfo, cueInfo, events.GetSampleRate() > 0, bCutShort);
   for (int i = 0; i < listInfo.GetLabelCount(); ++i) {
     unsigned int dwID = 0;
     const char* pszLabel = listInfo.GetLabelByIndex(i, &dwID);

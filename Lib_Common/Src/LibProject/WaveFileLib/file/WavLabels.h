@@ -42,9 +42,11 @@ std::string EventLabel(unsigned short wMain, unsigned short wSub);
 
 // Adds an event to the sound for each label of an event, and replaces the sound's silence segments
 // and uncompressed regions by those of the labels. A label of these kinds whose identifier has no
-// cue point stops the program. A sound without a sample rate gets no events, because they could not
-// be placed.
-void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo);
+// cue point stops the program, except in a file that is cut short: its cue points may have stood in
+// the missing part, so the label is passed over. A sound without a sample rate gets no events,
+// because they could not be placed.
+void LoadAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo,
+                     bool bCutShort);
 
 // Replaces all cue points, labels and labelled texts by those of the sound's annotations.
 void SaveAnnotations(I_WavData& wavData, I_WavDataListInfo& listInfo, I_WavDataCueInfo& cueInfo);

@@ -68,17 +68,22 @@ TEST_F(WavFileCut, Labels_AreKeptAsFarAsTheyAreWhole) {
   EXPECT_THAT(LabelsOf(*LoadCut(riff, cbLast + 1)), IsEmpty());
 }
 
-TEST_F(WavFileCut, LabelsWithoutTheirCuePoints_AreLostAndTheProgramGoesOn) {
-  const C_RiffBytes riff =
-      MonoWav(64)
-          .Chunk("LIST",
-                 AdtlBytes({LablBytes(1, "u_3_7"), LablBytes(2, "u_5_6"), LablBytes(3, "x")}))
-          .Chunk("cue ", CueBytes({{1, 10, 10}, {2, 20, 20}}));
-  EXPECT_THAT(EventsOf(*LoadCut(riff, 1)), ElementsAre(S_EventSeen{3, 7, 10}));
-  EXPECT_THAT(LabelsOf(*LoadCut(riff, 1)), ElementsAre(std::pair(1u, "u_3_7")));
-  for (const std::size_t cbCut :
-       {std::size_t{25}, std::size_t{52}, std::size_t{55}, std::size_t{60}}) {
-    EXPECT_THAT(LabelsOf(*LoadCut(riff, cbCut)), IsEmpty()) << cbCut;
+// Whether the RIFF size counts the missing bytes or not.
+TEST_F(WavFileCut, LabelsWithoutTheirCuePoints_MeanNothingAndStay) {
+  const C_Bytes labels =
+      AdtlBytes({LablBytes(1, "u_3_7"), LablBytes(2, "u_5_6"), LablBytes(3, "Verse")});
+  const C_Bytes cues = CueBytes({{1, 10, 10}, {2, 20, 20}});
+  for (std::size_t cbCut = 1; cbCut <= 60; ++cbCut) {
+    const bool bFirst = cbCut <= 24;
+    const C_WavObjectPtr cut =
+        LoadCut(MonoWav(64).Chunk("LIST", labels).Chunk("cue ", cues), cbCut);
+    EXPECT_EQ(EventsOf(*cut).size(), bFirst ? 1u : 0u) << cbCut;
+    EXPECT_EQ(LabelsOf(*cut).size(), 3u);
+    if (cbCut > cues.size()) continue;
+    const C_WavObjectPtr honest = LoadWav(
+        File(MonoWav(64).Chunk("LIST", labels).Chunk("cue ", 52, WithoutLast(cues, cbCut))));
+    EXPECT_EQ(EventsOf(*honest).size(), bFirst ? 1u : 0u) << cbCut;
+    EXPECT_EQ(LabelsOf(*honest).size(), 3u);
   }
 }
 
@@ -99,6 +104,7 @@ TEST_F(WavFileCut, WholeFileWithLongerRiffSize_StillOpens) {
   C_Bytes bytes = OneLabel("u_3_7").Take();
   bytes[7] = 1;  // 16 MiB
   EXPECT_THAT(EventsOf(*LoadWav(File(bytes))), ElementsAre(S_EventSeen{3, 7, 4800}));
+  EXPECT_THAT(LabelsOf(*LoadWav(File(bytes))), ElementsAre(std::pair(1u, "u_3_7")));
 }
 
 }  // namespace

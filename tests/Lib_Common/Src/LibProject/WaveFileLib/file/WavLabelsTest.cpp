@@ -141,7 +141,7 @@ TEST(WavLabelsDeathTest, LabelWithoutText_StopsTheProgram) {
   C_ListWithoutText list;
   C_WavDataCueInfo cues(data.GetWavInfo());
   list.AddLabel(1, "u_1_2");
-  EXPECT_DEATH(wavlabels::LoadAnnotations(data, list, cues),
+  EXPECT_DEATH(wavlabels::LoadAnnotations(data, list, cues, false),
                "WaveFileLib/WavFile.*NULL != pszLabel");
 }
 
@@ -223,7 +223,7 @@ void LoadTwoAmongThree(C_WavData& data) {
   I_EventTagMgr* pEvents = data.GetEventTagMgr();
   pEvents->SetSampleRate(8000);
   for (const unsigned int dwPos : {5u, 10u, 30u}) pEvents->AddEventBySamplePos(9, 9, dwPos, "", 0);
-  wavlabels::LoadAnnotations(data, list, cues);
+  wavlabels::LoadAnnotations(data, list, cues, false);
 }
 
 }  // namespace
@@ -248,7 +248,7 @@ TEST(WavLabels, HundredsOfThousandsOfEventsAtOneMoment_JoinALaterOneInNoTime) {
   cues.AddCuePoint(1, 7, 0, 0, 0, 7);
   C_WavDataListInfo list;
   for (int i = 0; i < kEvents; ++i) list.AddLabel(1, "u_1_2");
-  wavlabels::LoadAnnotations(data, list, cues);
+  wavlabels::LoadAnnotations(data, list, cues, false);
   ASSERT_EQ(pEvents->GetEventList()->GetSize(), kEvents + 1);
   EXPECT_EQ(pEvents->GetEventList()->GetItemByIndex(kEvents - 1)->GetSamplePos(), 7u);
   EXPECT_EQ(pEvents->GetEventList()->GetItemByIndex(kEvents)->GetSamplePos(), 8u);
