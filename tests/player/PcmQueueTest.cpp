@@ -15,8 +15,6 @@
 #include <thread>
 #include <vector>
 
-#include "FaultyNew.h"
-
 namespace {
 
 constexpr std::uint32_t kBlock = 33554432;
@@ -48,35 +46,6 @@ TEST(PcmQueue, New_IsEmptyAndAllZero) {
   EXPECT_EQ(queue.GetCount(), 0U);
   EXPECT_EQ(queue.GetWritePosition(), queue.GetBase());
   EXPECT_TRUE(IsZero(queue.GetBase(), kBlock));
-}
-
-TEST(PcmQueue, WithoutMemoryForTheBlock_IsNotUsableAndDropsWhatIsWritten) {
-  C_FaultyNew faults(1, /*bFromThenOn=*/false);
-  C_PcmQueue queue;
-  faults.Stop();
-  EXPECT_TRUE(faults.WasHit());
-  EXPECT_FALSE(queue.IsUsable());
-  queue.Write("abcd", 4);
-  queue.Write("abcd", 4);
-  EXPECT_EQ(queue.GetCount(), 0U);
-  std::string strRead = "....";
-  queue.Read(strRead.data(), 4);
-  EXPECT_EQ(strRead, "....");
-}
-
-TEST(PcmQueue, ReadWithoutMemoryForACopy_MovesTheRestToTheBaseAllTheSame) {
-  C_PcmQueue queue;
-  EXPECT_TRUE(queue.IsUsable());
-  queue.Write("abcdefgh", 8);
-  std::string strRead = "...";
-  C_FaultyNew faults(1, /*bFromThenOn=*/true);
-  queue.Read(strRead.data(), 3);
-  faults.Stop();
-  EXPECT_TRUE(faults.WasHit());
-  EXPECT_EQ(strRead, "abc");
-  EXPECT_EQ(Held(queue), "defgh");
-  EXPECT_EQ(queue.GetWritePosition(), queue.GetBase() + 5);
-  EXPECT_TRUE(IsZero(queue.GetBase() + 5, kBlock - 5));
 }
 
 TEST(PcmQueue, Write_AppendsAfterTheHeldBytes) {
