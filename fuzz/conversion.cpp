@@ -30,11 +30,13 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::array<tagAudioFileType, 8> kKinds = {
+// The quick ones more often.
+constexpr std::array<tagAudioFileType, 12> kKinds = {
     AUDIO_FILE_WAVE,       AUDIO_FILE_VEMD,       AUDIO_FILE_KESTREL,    AUDIO_FILE_HERON_4BIT,
-    AUDIO_FILE_HERON_5BIT, AUDIO_FILE_HERON_6BIT, AUDIO_FILE_HERON_2BIT, AUDIO_FILE_HERON_3BIT};
+    AUDIO_FILE_HERON_5BIT, AUDIO_FILE_HERON_6BIT, AUDIO_FILE_HERON_2BIT, AUDIO_FILE_HERON_3BIT,
+    AUDIO_FILE_WAVE,       AUDIO_FILE_VEMD,       AUDIO_FILE_WAVE,       AUDIO_FILE_KESTREL};
 // Longer sounds take more time and show nothing new.
-constexpr unsigned int kMostPcm = 4096;
+constexpr unsigned int kMostPcm = 1000;
 constexpr std::size_t kCodecHead = 6;
 
 struct S_Options {
@@ -43,6 +45,13 @@ struct S_Options {
   bool bHead;
   bool bForce;
 };
+
+unsigned int g_dwGroups = 0;
+void CheckProgress(const S_CodecProgress* pProgress) {
+  if (pProgress->dwKind != S_CodecProgress::kProgress) return;
+  Require(pProgress->dwValue >= g_dwGroups);
+  g_dwGroups = pProgress->dwValue;
+}
 
 bool IsHeron(tagAudioFileType eKind) {
   return eKind >= AUDIO_FILE_HERON_4BIT && eKind <= AUDIO_FILE_HERON_3BIT;
@@ -156,8 +165,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   I_WavData& sound = *file->GetWavData();
 
   const C_FuzzFile target;
-  const bool bDone = sound.Convert(options.eKind, target.Path(), options.bEncode, options.bHead,
-                                   nullptr, options.bForce, 0);
+  // The file object hands the conversion to its sound.
+  const bool bByFile = pData[1] / 16 % 2 != 0;
+  g_dwGroups = 0;
+  const auto pfnProgress = pData[1] / 8 % 2 != 0 ? &CheckProgress : nullptr;
+  const bool bDone = bByFile ? file->Convert(options.eKind, target.Path(), options.bEncode,
+                                             options.bHead, pfnProgress, options.bForce, 0)
+                             : sound.Convert(options.eKind, target.Path(), options.bEncode,
+                                             options.bHead, pfnProgress, options.bForce, 0);
   // An empty sound is not written at all.
   if (sound.GetBufferLength() == 0) Require(!bDone && target.Bytes().empty());
   if (!CanBeConverted(*sound.GetWavInfo())) {

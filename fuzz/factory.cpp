@@ -15,6 +15,7 @@
 #include "LabelsArePlaced.h"
 #include "Require.h"
 #include "WavFileFormat.h"
+#include "file/WavFile.h"
 
 namespace {
 
@@ -26,6 +27,15 @@ bool IsBareStream(std::span<const std::uint8_t> bytes) { return bytes.empty() ||
 bool HasLabels(std::span<const std::uint8_t> bytes) {
   constexpr std::string_view kList = "LIST";
   return std::search(bytes.begin(), bytes.end(), kList.begin(), kList.end()) != bytes.end();
+}
+
+// A sound that its own class refuses is refused by every other class as well. Asking all of them
+// each time would take most of the time.
+bool IsRefusedSound(const char* pszPath, std::span<const std::uint8_t> bytes) {
+  constexpr std::string_view kForm = "WAVE";
+  if (bytes.size() < 12 || !std::equal(kForm.begin(), kForm.end(), bytes.begin() + 8)) return false;
+  C_WavFile file;
+  return !file.CheckFormat(pszPath, false);
 }
 
 std::uint64_t g_qwHeard = 0;
@@ -50,6 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
       IsBareStream(input) ? input.first(std::min(cbData, kMostStreamBytes)) : input;
   const C_FuzzFile bytes(file);
   if (HasLabels(file) && !LabelsArePlaced(bytes.Path())) return -1;
+  if (IsRefusedSound(bytes.Path(), file) && cbData % 8 != 0) return 0;
   C_WavFileFormat format;
   g_qwHeard = 0;
   const C_WavFilePtr loaded(format.CreateWavFile(bytes.Path(), true, true, nullptr, &Hear));

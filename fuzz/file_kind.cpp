@@ -17,6 +17,7 @@
 #include "RiffFile.h"
 #include "WavFileFormat.h"
 #include "file/SpHeader.h"
+#include "sound/WavFileMaker.h"
 
 namespace {
 
@@ -50,6 +51,17 @@ void CheckOpened(const char* pszPath, Bytes bytes, tagAudioFileType eKind) {
   static_cast<void>(opened->GetWavInfo()->GetTimeLength());
 }
 
+// The kinds that can be written have a class, which keeps what it is told.
+void CheckMaker(std::uint16_t wKind, std::uint16_t wEncoded) {
+  const auto eKind = static_cast<tagAudioFileType>(wKind);
+  const auto made = vcm::MakeWavFile(eKind, static_cast<tagAudioFileType>(wEncoded));
+  const bool bSound = wKind == 0x8001 || wKind == 0x1101;
+  const bool bCodec = wKind == 14 || (wKind >= 32 && wKind <= 36);
+  Require((made != nullptr) == (bSound || bCodec));
+  if (bSound) Require(made->GetFileFormat() == eKind);
+  if (bCodec) Require(made->GetCodingType() == wEncoded);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
@@ -71,5 +83,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   const bool bSupported = format.IsSupportedFormat(file.Path());
   Require(!bSupported || IsRiff(bytes, "WAVE"));
   CheckOpened(file.Path(), bytes, eKind);
+  const auto wLength = static_cast<std::uint16_t>(cbData % 64);
+  for (const int nKind : {wLength % 40, 0x8001, 0x1101}) {
+    CheckMaker(static_cast<std::uint16_t>(nKind), wLength);
+  }
   return 0;
 }

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <span>
 #include <vector>
 
@@ -26,8 +27,9 @@ using heroneventstream::S_FrameRange;
 using heroneventstream::S_HeronEvent;
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::size_t kMostEvents = 300;
-constexpr unsigned int kMostFrames = 200000;
+// Enough for a group that is full, and for a gap of more than 65,535 frames twice.
+constexpr std::size_t kMostEvents = 100;
+constexpr unsigned int kMostFrames = 140000;
 
 void AddGap(std::uint64_t qwFrames, Bytes& out) {
   if (qwFrames == 0) return;
@@ -43,12 +45,14 @@ void AddGap(std::uint64_t qwFrames, Bytes& out) {
                          static_cast<std::uint8_t>(qwFrames >> 8)});
 }
 
+using FrameMap = std::map<std::uint64_t, std::vector<S_HeronEvent>>;
+
 // The commands of 32 frames. A group of 128 bytes or more takes no second event of a frame.
-Bytes GroupOf(std::uint64_t qwGroup, const std::vector<S_HeronEvent>& events) {
+Bytes GroupOf(std::uint64_t qwGroup, const FrameMap& frames) {
   Bytes commands;
-  for (std::uint64_t qwFrame = qwGroup; qwFrame < qwGroup + 32; ++qwFrame) {
-    for (const S_HeronEvent& event : events) {
-      if (event.dwFrame != qwFrame) continue;
+  for (auto it = frames.lower_bound(qwGroup); it != frames.end() && it->first < qwGroup + 32;
+       ++it) {
+    for (const S_HeronEvent& event : it->second) {
       commands.insert(commands.end(), {event.byMain, event.bySub});
       if (commands.size() >= 128) break;
     }
@@ -59,16 +63,14 @@ Bytes GroupOf(std::uint64_t qwGroup, const std::vector<S_HeronEvent>& events) {
 Bytes SlowStream(const S_FrameRange& range, const std::vector<S_HeronEvent>& events,
                  unsigned int dwCounter) {
   Bytes out;
+  FrameMap frames;
+  for (const S_HeronEvent& event : events) frames[event.dwFrame].push_back(event);
   const std::uint64_t qwEnd = std::uint64_t{range.dwStart} + range.dwCount;
   std::uint64_t qwGroup = range.dwStart;
   std::uint64_t qwBefore = range.dwStart;
   bool bAny = false;
   while (qwGroup < qwEnd && !events.empty()) {
-    // Frames without events need no look at each group.
-    const bool bMore = std::any_of(events.begin(), events.end(), [&](const S_HeronEvent& event) {
-      return event.dwFrame >= qwGroup;
-    });
-    const Bytes commands = bMore ? GroupOf(qwGroup, events) : Bytes();
+    const Bytes commands = GroupOf(qwGroup, frames);
     if (!commands.empty()) {
       if (qwGroup != 0) AddGap(qwGroup - qwBefore, out);
       qwBefore = qwGroup;
@@ -181,7 +183,8 @@ void CheckAudio(std::span<const std::uint8_t> stream) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   CheckAudio({pData, cbData});
   C_FuzzInput input(pData, cbData);
-  CheckHead(input.U8(), input.Flag() ? 0xFFFFFF + input.Below(3) : input.U16(), input.U8());
+  CheckHead(input.Flag() ? 31 + input.Below(7) : input.U8(),
+            input.Flag() ? 0xFFFFFF + input.Below(3) : input.U16(), input.U8());
   const std::uint8_t byShape = input.U8();
   const S_FrameRange range{byShape % 2 == 0 ? 0U : input.U16(),
                            byShape % 4 < 2 ? unsigned{input.U16()} : input.U32() % kMostFrames};

@@ -95,12 +95,12 @@ void AddHeronStreams(C_Seeds& seeds) {
 // Signals of each kind at each depth: rate, depth, kind, then samples or the shape of a signal.
 void AddHeronSignals(C_Seeds& seeds) {
   for (std::uint8_t byDepth = 0; byDepth < 7; ++byDepth) {
-    for (const int nRate : {0x00, 0x03, 0x80, 0xF8, 0xF9}) {
+    for (const int nRate : {0x00, 0x0A, 0xC0, 0xF8, 0xF9}) {
       Bytes samples = {static_cast<std::uint8_t>(nRate)};
-      if (nRate >= 0x40) samples.insert(samples.end(), {0x40, 0x9C});
+      if (nRate >= 0xC0) samples.insert(samples.end(), {0x40, 0x9C});
       Bytes signal = samples;
       samples.insert(samples.end(), {byDepth, 0});
-      const Bytes pcm = ExamplePcm({}, 250);
+      const Bytes pcm = ExamplePcm({}, 170);
       samples.insert(samples.end(), pcm.begin(), pcm.end());
       seeds.Add({"heron_encode_decode"}, samples);
       for (const std::uint8_t byKind : {std::uint8_t{1}, std::uint8_t{3}}) {

@@ -77,9 +77,10 @@ void AddConversions(C_Seeds& seeds) {
     for (std::uint8_t byOptions = 0; byOptions < 8; ++byOptions) {
       const auto wChannels = static_cast<unsigned short>(1 + byOptions % 3);
       const auto wBits = static_cast<unsigned short>(byKind % 2 == 0 ? 16 : 8);
-      const C_SoundPtr sound = ExampleSound({16000, wChannels, wBits, wBits}, 330);
-      if (byOptions % 2 == 0) AddAnnotations(*sound);
-      Bytes input = {byKind, byOptions};
+      const std::size_t nFrames = byOptions % 2 == 0 && wBits == 8 ? 620 : 200;
+      const C_SoundPtr sound = ExampleSound({16000, wChannels, wBits, wBits}, nFrames / wChannels);
+      if (byOptions % 2 == 0 && wBits == 8 && wChannels < 3) AddAnnotations(*sound);
+      Bytes input = {byKind, static_cast<std::uint8_t>(byOptions + byKind % 4 * 8)};
       const Bytes file = byOptions == 7 ? Container(*sound, AUDIO_FILE_KESTREL)
                                         : WaveFile(*sound, AUDIO_FILE_WAVE);
       input.insert(input.end(), file.begin(), file.end());

@@ -13,8 +13,8 @@
 #                                             code into fuzz/corpora. The inputs come from
 #                                             fuzz/corpora, the seeds, build/fuzz/corpus and, if
 #                                             $FUZZ_FOLDER is set, the campaign in that folder
-#   scripts/fuzz.sh --coverage [FUZZER...]    shows how many lines of the files that a fuzzer aims at
-#                                             (fuzz/aims.txt) its corpus reaches
+#   scripts/fuzz.sh --coverage [AIM...]       shows how many lines of the files that fuzzers aim at (the
+#                                             lines of fuzz/aims.txt) their corpora reach
 #   scripts/fuzz.sh --campaign FOLDER [SECONDS [FUZZER...]]
 #                                             runs the fuzzers in turn, one at a time, until each has
 #                                             made the runs that fuzz/CMakeLists.txt wants. FOLDER
@@ -91,26 +91,27 @@ minimise() {
   done
 }
 
-# Counters of one fuzzer must not count for another, so each runs with counters set to nothing.
+# The lines of one file that the counters say were reached.
+reached() {
+  find build/coverage -name "${1##*/}.gcda" -exec gcov -n {} + 2>/dev/null |
+    awk -v file="/$1'" '/^File / { here = index($0, file) > 0; next }
+      here && /^Lines executed/ { sub("Lines executed:", ""); print; found = 1; exit }
+      END { if (!found) print "nothing" }'
+}
+
+# What one line of fuzz/aims.txt reaches must not count for the next, so the counters are removed.
 coverage() {
-  local name file counters percent
+  local names name files file
   cmake --preset coverage >/dev/null
   cmake --build build/coverage --parallel "$(nproc)" --target fuzz_replay >/dev/null
-  while read -r name files; do
-    [[ -n $name && $name != "#" ]] || continue
-    (($#)) && [[ " $* " != *" $name "* ]] && continue
+  while read -r names files; do
+    [[ -n $names && $names != "#" ]] || continue
+    (($#)) && [[ " $* " != *" $names "* ]] && continue
     find build/coverage -name '*.gcda' -delete
-    build/coverage/bin/fuzz_replay "$name" "fuzz/corpora/$name.pack" "fuzz/findings/$name" >/dev/null
-    for file in $files; do
-      counters=$(find build/coverage -path "*$file.gcda" | head -n 1)
-      percent="0.00% of ?"
-      if [[ -n $counters ]]; then
-        percent=$(gcov -n "$counters" 2>/dev/null |
-          awk -v file="$file" 'index($0, file "'\''") { here = 1; next }
-            here && /^Lines/ { sub("Lines executed:", ""); print; exit }')
-      fi
-      printf '%-22s %-44s %s\n' "$name" "$file" "$percent"
+    for name in ${names//+/ }; do
+      build/coverage/bin/fuzz_replay "$name" "fuzz/corpora/$name.pack" "fuzz/findings/$name" >/dev/null
     done
+    for file in $files; do printf '%-34s %-38s %s\n' "$names" "$file" "$(reached "$file")"; done
   done <fuzz/aims.txt
 }
 
