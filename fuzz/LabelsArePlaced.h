@@ -8,12 +8,10 @@
 #include "file/WavLabels.h"
 #include "interface/I_WavDataInfo.h"
 
-// True for a RIFF sound file that may be loaded, and for a file that is not a RIFF sound file.
-inline bool LabelsArePlaced(const char* pszFileName) {
-  C_WavFile file;
+// For a RIFF sound file that is open: true when it may be loaded.
+inline bool LabelsArePlaced(C_WavFile& file) {
   void* pList = nullptr;
   void* pCues = nullptr;
-  if (!file.OpenByName(pszFileName)) return true;
   if (!file.GetDataInfo(WAV_DATA_INFO_LIST, &pList)) return false;
   if (!file.GetDataInfo(WAV_DATA_INFO_CUE, &pCues)) return false;
   auto& list = *static_cast<I_WavDataListInfo*>(pList);
@@ -26,4 +24,10 @@ inline bool LabelsArePlaced(const char* pszFileName) {
     }
   }
   return true;
+}
+
+// The same for any file; also true for a file that is not a RIFF sound file.
+inline bool LabelsArePlaced(const char* pszFileName) {
+  C_WavFile file;
+  return !file.OpenByName(pszFileName) || LabelsArePlaced(file);
 }

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "Require.h"
@@ -46,6 +47,28 @@ void CheckEntries(C_WavDataListInfo& info, std::size_t cbData) {
   }
 }
 
+// What is added behind the others is there, with the text cut at its limit.
+void CheckAdding(C_WavDataListInfo& info, const std::uint8_t* pData, std::size_t cbData) {
+  const std::string strText(reinterpret_cast<const char*>(pData),
+                            strnlen(reinterpret_cast<const char*>(pData), cbData));
+  const auto dwID = static_cast<unsigned int>(cbData);
+  const int nLabels = info.GetLabelCount();
+  const int nLtxts = info.GetLtxtCount();
+  const unsigned int dwLength = info.GetChunkLength();
+  Require(info.AddLabel(dwID, strText.c_str()) && info.AddLtxt(dwID, dwID + 1, "abcd"));
+  const std::string strExpected = strText.substr(0, C_WavDataListInfo::kMaxLabelText);
+  Require(info.GetChunkLength() ==
+          dwLength + 12 + ((strExpected.size() + 2) & ~std::size_t{1}) + 28);
+  unsigned int dwFoundID = 0;
+  unsigned int dwFoundLength = 0;
+  Require(info.GetLabelByIndex(nLabels, &dwFoundID) == strExpected && dwFoundID == dwID);
+  const char* pszPurpose = info.GetLtxtByIndex(nLtxts, &dwFoundID, &dwFoundLength);
+  Require(std::strncmp(pszPurpose, "abcd", 4) == 0 && dwFoundLength == dwID + 1);
+  info.RemoveAllLabels();
+  info.RemoveAllLtxts();
+  Require(info.GetLabelCount() == 0 && info.GetLtxtCount() == 0 && info.GetChunkLength() == 4);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
@@ -56,5 +79,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   C_WavDataListInfo again;
   Require(Load(again, saved.data(), saved.size()));
   Require(Save(again) == saved);
+  CheckAdding(again, pData, cbData);
   return 0;
 }

@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::array<unsigned int, 6> kRates = {4000, 8000, 11025, 16000, 44100, 48000};
 // One byte may stand for a whole frame. Longer streams take more time and show nothing new.
-constexpr std::size_t kMaxStream = 512;
+constexpr std::size_t kMaxStream = 160;
 
 std::vector<std::uint8_t> Pcm(I_WavData* pIWavData) {
   return {pIWavData->GetBuffer(), pIWavData->GetBuffer() + pIWavData->GetBufferLength()};

@@ -6,6 +6,7 @@
 //   scripts/fuzz.sh 60 kestrel_encode_decode
 //
 // Input: a byte that picks the rate, then 16-bit samples.
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -21,6 +22,9 @@ namespace {
 
 constexpr std::array<unsigned int, 8> kRates = {7200,  9600,  12000, 14400,
                                                 16000, 20000, 24000, 32000};
+
+// Two frames, and a part of a third.
+constexpr std::size_t kMostSamples = 650;
 
 std::vector<std::uint8_t> Encode(std::span<const std::uint8_t> pcm, unsigned int dwBitRate) {
   const C_WavDataPtr sound(new C_WavData);
@@ -46,7 +50,7 @@ std::size_t FramesFor(std::size_t dwSamples) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   if (cbData < 3) return 0;
   const unsigned int dwBitRate = kRates[pData[0] % kRates.size()];
-  const std::size_t dwSamples = (cbData - 1) / 2;
+  const std::size_t dwSamples = std::min((cbData - 1) / 2, kMostSamples);
   const std::span pcm(pData + 1, dwSamples * 2);
   const auto stream = Encode(pcm, dwBitRate);
   Require(stream.size() == 6 + FramesFor(dwSamples) * dwBitRate / 400);
@@ -56,6 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   Require(codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), decoded.get(),
                        nullptr));
   Require(decoded->GetBufferLength() == FramesFor(dwSamples) * 640);
-  Require(Encode(pcm, dwBitRate) == stream);
+  // Encoding twice takes twice the time, so not every input is.
+  if (pData[cbData - 1] % 8 == 0) Require(Encode(pcm, dwBitRate) == stream);
   return 0;
 }

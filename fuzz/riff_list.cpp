@@ -16,6 +16,7 @@
 #include "FuzzFile.h"
 #include "Require.h"
 #include "RiffFile.h"
+#include "StdioFile.h"
 
 namespace {
 
@@ -33,6 +34,21 @@ void CheckPayload(C_RiffChunk& chunk, Bytes file) {
   Require(!chunk.GetData(payload.data(), 2, 0xFFFFFFFFu));
 }
 
+// A chunk that the end of the file cuts has a part that the file holds; no other chunk has one.
+void CheckHeldPart(C_RiffChunk& chunk, Bytes file) {
+  const auto part = chunk.CreateHeldPart();
+  const std::size_t cbHeld =
+      std::min<std::size_t>(chunk.GetDataLength(), file.size() - chunk.GetDataPos());
+  Require((part != nullptr) == (cbHeld < chunk.GetDataLength()));
+  if (!part) return;
+  Require(part->HasChunkID(chunk.GetChunkID()) && part->GetDataLength() == cbHeld);
+  std::vector<std::uint8_t> payload(cbHeld);
+  if (cbHeld == 0) return;
+  Require(part->GetData(payload.data(), part->GetDataLength(), 0));
+  const auto inFile = file.subspan(chunk.GetDataPos(), cbHeld);
+  Require(std::equal(payload.begin(), payload.end(), inFile.begin()));
+}
+
 void CheckList(C_RiffChunkList& list, Bytes file) {
   std::uint64_t qwBehind = 0;
   for (int i = 0; i < list.GetCount(); ++i) {
@@ -40,11 +56,34 @@ void CheckList(C_RiffChunkList& list, Bytes file) {
     Require(chunk.GetDataPos() >= qwBehind + 8 && chunk.GetDataPos() <= file.size());
     Require(list.FindChunk(chunk.GetChunkID(), i) == &chunk);
     qwBehind = std::uint64_t{chunk.GetDataPos()} + chunk.GetDataLength();
+    CheckHeldPart(chunk, file);
     CheckPayload(chunk, file);
   }
 }
 
+// The size in the header says whether the file was cut.
+void CheckCut(C_RiffFile& riff, Bytes file) {
+  const std::uint32_t dwSize = file[4] + 256U * file[5] + 65536U * file[6] + 16777216U * file[7];
+  const std::uint32_t dwList = dwSize - 4;  // wraps for a header that is too small
+  Require(riff.IsCutShort() == (file.size() < 12 + std::uint64_t{dwList}));
+  Require(!riff.HasReadError());
+}
+
+// The same bytes as a bare list, through a stream of the caller's own.
+void CheckBareList(const C_FuzzFile& bytes, Bytes file) {
+  const vcm::C_FilePtr stream = vcm::OpenFile(bytes.Path(), "rb");
+  C_RiffChunkList list;
+  Require(list.LoadChunks(stream.get(), static_cast<unsigned int>(file.size())));
+  std::uint64_t qwLength = 0;
+  for (int i = 0; i < list.GetCount(); ++i) {
+    qwLength += std::uint64_t{8} + list.GetAt(i)->GetDataLength();
+  }
+  Require(list.GetTrueChunksLength() == qwLength);
+  Require(list.GetChunksLength() == static_cast<std::uint32_t>(qwLength));
+}
+
 void CheckFile(C_RiffFile& riff, Bytes file) {
+  CheckCut(riff, file);
   CheckList(riff.GetChunks(), file);
   for (int i = 0; i < riff.GetChunkCount(); ++i) {
     C_RiffChunk& chunk = *riff.GetChunkAt(i);
@@ -79,5 +118,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
     CheckFile(riff, {pData, cbData});
     CheckSave(riff, pszFormType, cbData);
   }
+  if (cbData % 8 == 0) CheckBareList(file, {pData, cbData});
   return 0;
 }
