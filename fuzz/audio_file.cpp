@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "FuzzFile.h"
@@ -113,17 +114,33 @@ void CheckFrames(const C_FuzzFile& bytes, C_FuzzInput& input) {
   Require(nRead <= nFrames);
   static_cast<void>(pFile->ReadFrames(input.U16(), nFrames, samples.data()));
 
-  toolbox::C_StretchReader stretch(pFile, input.U8(), input.U16() % kMostFrames, 48000.0);
+  const double dRate = input.Flag() ? 48000.0 : pFile->Format().mSampleRate;
+  toolbox::C_StretchReader stretch(pFile, input.U8(), input.U16() % kMostFrames, dRate);
   if (!stretch.IsUsable()) return;
   std::vector<float> converted(std::size_t{256} * stretch.Channels());
   for (int i = 0; i < 4; ++i) Require(stretch.Read(256, converted.data()) <= 256);
+}
+
+// What is no regular file is refused, each with a reason of its own.
+void CheckRefusals() {
+  std::shared_ptr<toolbox::C_AudioFile> pFile;
+  Require(toolbox::C_AudioFile::Open("/none/none.wav", pFile) == kAudioFileFileNotFoundError);
+  Require(toolbox::C_AudioFile::Open("/dev/null", pFile) == kAudioFileUnsupportedFileTypeError);
+  Require(toolbox::C_AudioFile::Open("/", pFile) == kAudioFileUnsupportedFileTypeError);
+  Require(toolbox::C_AudioFile::Open("/dev/null/x", pFile) == kAudioFileFileNotFoundError);
+  const std::string strTooLong(5000, 'x');
+  Require(toolbox::C_AudioFile::Open(strTooLong, pFile) == kAudioFileUnspecifiedError);
+  Require(pFile == nullptr);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   constexpr std::size_t cbChoices = 16;
-  if (cbData < cbChoices) return 0;
+  if (cbData < cbChoices) {
+    CheckRefusals();
+    return 0;
+  }
   C_FuzzInput input(pData, cbChoices);
   const C_FuzzFile bytes({pData + cbChoices, cbData - cbChoices});
   CheckService(bytes, input);

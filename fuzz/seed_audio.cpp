@@ -47,6 +47,7 @@ Bytes SoundFile(int nFormat, int nChannels, int nFrames) {
 }  // namespace
 
 void AddAudioFiles(C_Seeds& seeds) {
+  seeds.Add({"audio_file"}, Bytes(3, 0));
   constexpr std::array<int, 10> kContainers = {
       SF_FORMAT_WAV, SF_FORMAT_WAVEX, SF_FORMAT_RF64, SF_FORMAT_AIFF, SF_FORMAT_AU,
       SF_FORMAT_CAF, SF_FORMAT_FLAC,  SF_FORMAT_OGG,  SF_FORMAT_NIST, SF_FORMAT_MPEG};

@@ -7,14 +7,17 @@
 //   build/fuzz/bin/wav_load -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
 //
 // Input: a whole file. Seeds: files of our own writer, one per width and mix of chunks.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "FuzzFile.h"
 #include "LabelsArePlaced.h"
 #include "Require.h"
 #include "SoundsAreEqual.h"
+#include "compressed/WavFileCodecInfo.h"
 #include "file/WavFile.h"
 
 namespace {
@@ -51,9 +54,35 @@ void CheckRoundTrip(C_WavFile& file) {
   Require(Write(again, second) && first.Bytes() == second.Bytes());
 }
 
+// A format record that is taken says what its bytes say.
+void CheckRecord(std::span<const std::uint8_t> payload) {
+  C_WavFileCodecInfo info;
+  if (!info.SetFormat(payload)) {
+    Require(info.GetRecord().empty() && info.GetFormatTag() == WAVE_TAG_NONE);
+    return;
+  }
+  const auto record = info.GetRecord();
+  Require(record.size() <= payload.size());
+  Require(std::equal(record.begin(), record.end(), payload.begin()));
+  Require(info.GetFormatTag() == record[0] + 256 * record[1]);
+  Require(info.GetPCMWAVEFORMAT().wChannels == record[2] + 256 * record[3]);
+  Require(info.GetWAVEFORMATEX().pcm.wChannels == info.GetPCMWAVEFORMAT().wChannels);
+  Require(info.GetDVIADPCMInfo().wSamplesPerBlock == info.GetSamplesPerBlock());
+  const S_MSAdpcmInfo pairs = info.GetMSADPCMInfo();
+  if (info.GetFormatTag() != WAVE_TAG_MS_ADPCM) return;
+  for (const int nPair : {0, 6, 255}) {
+    const auto pair = info.GetMSADPCMCoefficients(static_cast<std::uint8_t>(nPair));
+    const auto& all = pairs.coefficients[static_cast<std::size_t>(nPair)];
+    Require(pair.nFirst == all.nFirst && pair.nSecond == all.nSecond);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
+  // Where our own writers put the format.
+  constexpr std::size_t kFormatPayload = 20;
+  if (cbData > kFormatPayload) CheckRecord(std::span(pData, cbData).subspan(kFormatPayload));
   const C_FuzzFile bytes({pData, cbData});
   C_WavFile file;
   const bool bOpens = file.OpenByName(bytes.Path());

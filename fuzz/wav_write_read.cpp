@@ -9,6 +9,7 @@
 // Input: form and widths (1 byte), channels (1), rate (4), the counts of events, silence segments,
 // regions, loops and extra chunks (1 each), then their fields, then the samples. Fields beyond the
 // end of the input are 0.
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -103,6 +104,10 @@ void CheckChunks(C_WavFile& a, C_WavFile& b) {
     Require(std::equal(pbyWritten, pbyWritten + dwLength, pbyRead));
   }
   Require(nRead == read.GetSize());
+  Require((read.GetChunkByName("junk") != nullptr) == (nRead > 0));
+  Require(read.GetChunkByName("none") == nullptr && !read.DelChunkByName("none"));
+  Require(read.DelChunkByName("junk") == (nRead > 0));
+  Require(read.GetSize() == std::max(nRead - 1, 0));
 }
 
 }  // namespace

@@ -80,9 +80,9 @@ minimise() {
     more=("build/fuzz/packed/$name" "build/fuzz/seeds/$name" "build/fuzz/corpus/$name")
     if [[ -n ${FUZZ_FOLDER:-} ]]; then more+=("$FUZZ_FOLDER/corpus/$name"); fi
     max_len=$(awk -v name="$name" '$1 == name { print $2 }' build/fuzz/fuzzers.txt)
-    # How often an edge is taken would keep ten times as many inputs. Edges are enough for
-    # a corpus that every build replays.
-    "build/fuzz/bin/$name" -merge=1 -use_counters=0 -use_cmp=0 -max_len="$max_len" -rss_limit_mb=2048 \
+    # Values that were compared, libFuzzer's finest measure, would keep several times as many inputs
+    # that differ in nothing else.
+    "build/fuzz/bin/$name" -merge=1 -use_cmp=0 -max_len="$max_len" -rss_limit_mb=2048 \
       "$merged" "${more[@]}" >"build/fuzz/logs/$name.merge.log" 2>&1
     mkdir -p fuzz/corpora
     build/fuzz/bin/corpus_pack join "$merged" "fuzz/corpora/$name.pack"
