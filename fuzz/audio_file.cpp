@@ -118,9 +118,7 @@ void CheckFrames(const C_FuzzFile& bytes, C_FuzzInput& input) {
   toolbox::C_StretchReader stretch(pFile, input.U8(), input.U16() % kMostFrames, dRate);
   if (!stretch.IsUsable()) return;
   std::vector<float> converted(std::size_t{256} * stretch.Channels());
-  for (int i = 0; i < 4; ++i) {
-    Require(stretch.Read(256, converted.data()) <= 256);
-  }
+  for (int i = 0; i < 4; ++i) Require(stretch.Read(256, converted.data()) <= 256);
 }
 
 // What is no regular file is refused, each with a reason of its own.

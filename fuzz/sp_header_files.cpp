@@ -69,9 +69,7 @@ class C_Folder {
 
 std::uint32_t Little(const Bytes& bytes, std::size_t nOffset, std::size_t cbField) {
   std::uint32_t dwValue = 0;
-  for (std::size_t i = 0; i < cbField; ++i) {
-    dwValue |= std::uint32_t{bytes[nOffset + i]} << (8 * i);
-  }
+  for (std::size_t i = 0; i < cbField; ++i) dwValue |= std::uint32_t{bytes[nOffset + i]} << (8 * i);
   return dwValue;
 }
 
