@@ -3,8 +3,7 @@
 // Treats any bytes as the payload of a "LIST" chunk: loads labels and labelled texts, and saves
 // them.
 //
-//   cmake --preset fuzz && cmake --build --preset fuzz --target adtl
-//   build/fuzz/bin/adtl -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//   scripts/fuzz.sh 60 adtl
 //
 // Input: the payload, beginning with "adtl". Seeds: what our own writer saves.
 #include <cstddef>

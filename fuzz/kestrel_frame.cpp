@@ -3,8 +3,7 @@
 // Decodes Kestrel frames to samples at every rate, with the decoder's state carried from frame to
 // frame.
 //
-//   cmake --preset fuzz && cmake --build --preset fuzz --target kestrel_frame
-//   build/fuzz/bin/kestrel_frame -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//   scripts/fuzz.sh 60 kestrel_frame
 //
 // Input: one byte that chooses the rate, then frame words, 16-bit little-endian. A last frame that
 // is cut off is padded with zeros. What is decoded is encoded again, so that the encoder meets

@@ -3,8 +3,7 @@
 // Parses any bytes as the text of a label and compares the result with a second implementation of
 // the same rules.
 //
-//   cmake --preset fuzz && cmake --build --preset fuzz --target label_text
-//   build/fuzz/bin/label_text -max_len=128 -max_total_time=60 CORPUS_DIRECTORY
+//   scripts/fuzz.sh 60 label_text
 //
 // Input: the text; it ends at the first NUL. Seeds: labels of every form.
 #include <cstddef>

@@ -3,8 +3,7 @@
 // Treats any bytes as a RIFF file: lists the chunks, reads every payload, parses payloads as chunks
 // and writes the file back.
 //
-//   cmake --preset fuzz && cmake --build --preset fuzz --target riff_list
-//   build/fuzz/bin/riff_list -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//   scripts/fuzz.sh 60 riff_list
 //
 // Input: a whole file. Seeds: files of our own writers, one per form and mix of chunks.
 #include <algorithm>

@@ -74,6 +74,15 @@ void AddSequences(C_Seeds& seeds) {
   }
 }
 
+// A gain ramp over more samples than one of the blocks has that it goes by, for signed and for
+// unsigned samples: format, PCM, then the operation.
+void AddRamps(C_Seeds& seeds) {
+  for (std::uint8_t bySign = 0; bySign < 2; ++bySign) {
+    seeds.Add({"wav_data_ops"},
+              Bytes{1, 0x80, 0x3E, 0, bySign, 0, 0xFB, 0x08, 7, 0x3F, 1, 14, 0, 1, 0, 1, 3, 7, 1});
+  }
+}
+
 // The heads of all types up to the largest that has a version, and some above.
 void AddHeads(C_Seeds& seeds) {
   for (unsigned int dwType = 0; dwType < 260; ++dwType) {
@@ -94,4 +103,5 @@ void AddOperations(C_Seeds& seeds) {
   AddNames(seeds);
   AddSequences(seeds);
   AddHeads(seeds);
+  AddRamps(seeds);
 }

@@ -3,8 +3,7 @@
 // Treats any bytes as the payload of a "cue " and of a "smpl" chunk: loads it, finds every cue
 // point and saves it.
 //
-//   cmake --preset fuzz && cmake --build --preset fuzz --target smpl_cue
-//   build/fuzz/bin/smpl_cue -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//   scripts/fuzz.sh 60 smpl_cue
 //
 // Input: the payload. Seeds: what our own writers save for either chunk.
 #include <algorithm>

@@ -3,8 +3,7 @@
 // Checks, opens and loads any bytes as a RIFF sound file. What was loaded is written and loaded
 // again, and must be the same.
 //
-//   cmake --preset fuzz && cmake --build --preset fuzz --target wav_load
-//   build/fuzz/bin/wav_load -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//   scripts/fuzz.sh 60 wav_load
 //
 // Input: a whole file. Seeds: files of our own writer, one per width and mix of chunks.
 #include <algorithm>

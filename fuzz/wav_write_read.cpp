@@ -3,8 +3,7 @@
 // Writes and reads any sound with any annotations: nothing that a file can hold may be lost or
 // changed.
 //
-//   cmake --preset fuzz && cmake --build --preset fuzz --target wav_write_read
-//   build/fuzz/bin/wav_write_read -max_len=4096 -max_total_time=60 CORPUS_DIRECTORY
+//   scripts/fuzz.sh 60 wav_write_read
 //
 // Input: form and widths (1 byte), channels (1), rate (4), the counts of events, silence segments,
 // regions, loops and extra chunks (1 each), then their fields, then the samples. Fields beyond the

@@ -130,14 +130,14 @@ totals() {
 # One turn of one fuzzer. After a finding the fuzzer counts from nothing, and rests until the
 # finding is removed.
 turn() {
-  local folder=$1 seconds=$2 name=$3 max_len=$4 since=$SECONDS runs rate edges took
+  local folder=$1 seconds=$2 name=$3 max_len=$4 since=$SECONDS runs edges took
   local log=$folder/logs/$name.log ok=1
   mkdir -p "$folder/corpus/$name"
   # shellcheck disable=SC2086
   "$folder/bin/$name" $options -max_total_time="$seconds" -max_len="$max_len" \
     -artifact_prefix="$folder/findings/$name-" "$folder/corpus/$name" >"$log" 2>&1 || ok=0
   took=$((SECONDS - since))
-  read -r runs rate edges < <(figures "$log")
+  read -r runs _ edges < <(figures "$log")
   if ((!ok)); then cp "$log" "$folder/findings/$name.log"; fi
   awk -v name="$name" -v runs="$runs" -v edges="$edges" -v took="$took" -v ok="$ok" '
     $1 != name { print; next }
@@ -150,7 +150,7 @@ turn() {
 }
 
 campaign() {
-  local folder seconds=${2:-120} name max_len wanted done left=1
+  local folder seconds=${2:-120} name max_len wanted runs left=1
   folder=$(realpath -m "$1")
   shift $(($# > 1 ? 2 : 1))
   build all
@@ -169,8 +169,8 @@ campaign() {
     while read -r name max_len wanted <&3; do
       [[ ! -e $folder/stop ]] || break
       [[ -z $(find "$folder/findings" -name "$name-*") ]] || continue
-      done=$(awk -v name="$name" '$1 == name { print $2 }' "$folder/totals.txt")
-      ((${done:-0} < wanted * 1000)) || continue
+      runs=$(awk -v name="$name" '$1 == name { print $2 }' "$folder/totals.txt")
+      ((${runs:-0} < wanted * 1000)) || continue
       left=1
       turn "$folder" "$seconds" "$name" "$max_len"
     done 3<"$folder/fuzzers.txt"
