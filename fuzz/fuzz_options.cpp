@@ -14,3 +14,4 @@ extern "C" const char* __asan_default_options();   // NOLINT(bugprone-reserved-i
 extern "C" const char* __asan_default_options() {  // NOLINT(bugprone-reserved-identifier)
   return "malloc_context_size=4:max_malloc_fill_size=256:quarantine_size_mb=4";
 }
+// NOLINTEND(bugprone-reserved-identifier,clang-diagnostic-reserved-identifier)

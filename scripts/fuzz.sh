@@ -123,7 +123,7 @@ totals() {
     awk -v name="$name" -v wanted="$wanted" -v found="$(find "$1/findings" -name "$name-*" | wc -l)" '
       $1 == name { runs = $2; edges = $3; seconds = $4; age = $5 }
       END { printf "%-22s %12d %12d %7d %8d %9ds %d\n", name, runs, wanted * 1000,
-              seconds > 0 ? runs / seconds : 0, edges, age, found }' "$1/totals.txt"
+              (seconds > 0 ? runs / seconds : 0), edges, age, found }' "$1/totals.txt"
   done <"$1/fuzzers.txt"
 }
 
