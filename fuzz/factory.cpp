@@ -11,7 +11,7 @@
 #include <span>
 #include <string_view>
 
-#include "FuzzFile.h"
+#include "FuzzFolder.h"
 #include "LabelsArePlaced.h"
 #include "Require.h"
 #include "WavFileFormat.h"
@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr std::size_t kMostStreamBytes = 120;
+constexpr std::size_t kMostStreamBytes = 90;
 
 // Only files that begin like RIFF may hold labels and long sounds.
 bool IsBareStream(std::span<const std::uint8_t> bytes) { return bytes.empty() || bytes[0] != 'R'; }
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   // Streams have fuzzers of their own. Decoding a long one here would show only that it is long.
   const std::span file =
       IsBareStream(input) ? input.first(std::min(cbData, kMostStreamBytes)) : input;
-  const C_FuzzFile bytes(file);
+  const C_FuzzInputFile bytes(file);
   if (HasLabels(file) && !LabelsArePlaced(bytes.Path())) return -1;
   if (IsRefusedSound(bytes.Path(), file) && cbData % 8 != 0) return 0;
   C_WavFileFormat format;
@@ -66,9 +66,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   const C_WavFilePtr loaded(format.CreateWavFile(bytes.Path(), true, true, nullptr, &Hear));
   if (!loaded) return 0;
   CheckObject(*loaded);
-  Require(C_WavFilePtr(format.OpenWavFile(bytes.Path())) != nullptr);
-  // The object of a codec file has no file format; the header says what it is.
-  const bool bKestrel = format.GetFileFormat(bytes.Path()) == AUDIO_FILE_KESTREL;
+  // The object of a codec file has no file format; its coding type says what it is.
+  const bool bKestrel = IsBareStream(file) && loaded->GetCodingType() == AUDIO_FILE_KESTREL;
   if (bKestrel) Require(g_qwHeard == loaded->GetWavData()->GetBufferLength());
+  // What loads also opens. Asking each time would take a third of the time.
+  if (cbData % 4 != 0) return 0;
+  Require(C_WavFilePtr(format.OpenWavFile(bytes.Path())) != nullptr);
+  if (bKestrel) Require(format.GetFileFormat(bytes.Path()) == AUDIO_FILE_KESTREL);
   return 0;
 }

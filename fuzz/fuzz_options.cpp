@@ -10,8 +10,10 @@
 //   quarantine_size_mb   how much freed memory is watched. An input frees a few kilobytes, and
 //                        touching new memory all the time takes longer than using some of it again.
 
-extern "C" const char* __asan_default_options();   // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __asan_default_options() {  // NOLINT(bugprone-reserved-identifier)
+// The sanitizer looks for this name.
+// NOLINTBEGIN(bugprone-reserved-identifier,clang-diagnostic-reserved-identifier)
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
   return "malloc_context_size=4:max_malloc_fill_size=256:quarantine_size_mb=4";
 }
 // NOLINTEND(bugprone-reserved-identifier,clang-diagnostic-reserved-identifier)

@@ -35,7 +35,7 @@ Bytes SoundFile(int nFormat, int nChannels, int nFrames) {
   SNDFILE* pSound = sf_open(file.Path(), SFM_WRITE, &info);
   if (pSound == nullptr) return {};
   std::vector<short> samples;
-  samples.reserve(static_cast<std::size_t>(nFrames * nChannels));
+  samples.reserve(static_cast<std::size_t>(nFrames) * static_cast<std::size_t>(nChannels));
   for (int i = 0; i < nFrames * nChannels; ++i) {
     samples.push_back(
         static_cast<short>(ExampleValue(static_cast<std::size_t>(i / nChannels)) * 30000));

@@ -7,7 +7,6 @@
 //   scripts/fuzz.sh 60 sp_header_files
 //
 // Input: operations, one byte each, followed by their arguments.
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "FuzzFolder.h"
 #include "FuzzInput.h"
 #include "Require.h"
 #include "StdioFile.h"
@@ -41,31 +41,6 @@ struct S_ModelFile {
   mode_t dwMode = kNewMode;
 };
 using Model = std::map<std::string, S_ModelFile>;
-
-// Memory where there is a memory file system, else a disk. Removed when the process ends.
-class C_Folder {
- public:
-  C_Folder() {
-    umask(022);
-    const bool bMemory = access("/dev/shm", W_OK) == 0;
-    m_strPath = bMemory ? "/dev/shm/voxplay-fuzz-XXXXXX" : "/tmp/voxplay-fuzz-XXXXXX";
-    Require(mkdtemp(m_strPath.data()) != nullptr);
-  }
-  ~C_Folder() {
-    std::error_code error;
-    std::filesystem::remove_all(m_strPath, error);
-  }
-  C_Folder(const C_Folder&) = delete;
-  C_Folder& operator=(const C_Folder&) = delete;
-
-  [[nodiscard]] std::string Path(const std::string& strName) const {
-    return m_strPath + "/" + strName;
-  }
-  [[nodiscard]] const std::string& Path() const { return m_strPath; }
-
- private:
-  std::string m_strPath;
-};
 
 std::uint32_t Little(const Bytes& bytes, std::size_t nOffset, std::size_t cbField) {
   std::uint32_t dwValue = 0;
@@ -121,7 +96,8 @@ Bytes HeaderBytes(const C_SpHeader& header) {
 class C_Session {
  public:
   C_Session() {
-    static const C_Folder folder;
+    static const C_FuzzFolder folder;
+    umask(022);  // the model counts on it
     m_pFolder = &folder;
   }
   ~C_Session() {
@@ -281,7 +257,7 @@ class C_Session {
     Require(nFiles == m_model.size());
   }
 
-  const C_Folder* m_pFolder;
+  const C_FuzzFolder* m_pFolder;
   Model m_model;
 };
 

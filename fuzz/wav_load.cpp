@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "FuzzFile.h"
+#include "FuzzFolder.h"
 #include "LabelsArePlaced.h"
 #include "Require.h"
 #include "SoundsAreEqual.h"
@@ -82,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   // Where our own writers put the format.
   constexpr std::size_t kFormatPayload = 20;
   if (cbData > kFormatPayload) CheckRecord(std::span(pData, cbData).subspan(kFormatPayload));
-  const C_FuzzFile bytes({pData, cbData});
+  const C_FuzzInputFile bytes({pData, cbData});
   C_WavFile file;
   const bool bOpens = file.OpenByName(bytes.Path());
   Require(file.CheckFormat(bytes.Path(), false) || !bOpens);

@@ -52,7 +52,7 @@ S_Counts ReadCounts(vcm::C_ByteReader& reader) {
   S_Counts counts;
   for (unsigned int* pdwCount :
        {&counts.dwEvents, &counts.dwSilence, &counts.dwRegions, &counts.dwLoops, &counts.dwExtra}) {
-    *pdwCount = reader.U8() % 8;
+    *pdwCount = reader.U8() % 6;
   }
   return counts;
 }
