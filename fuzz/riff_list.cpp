@@ -60,11 +60,16 @@ void CheckList(C_RiffChunkList& list, Bytes file) {
   }
 }
 
-// The size in the header says whether the file was cut.
+// The size in the header and the last chunk say whether the file was cut.
 void CheckCut(C_RiffFile& riff, Bytes file) {
   const std::uint32_t dwSize = file[4] + 256U * file[5] + 65536U * file[6] + 16777216U * file[7];
   const std::uint32_t dwList = dwSize - 4;  // wraps for a header that is too small
-  Require(riff.IsCutShort() == (file.size() < 12 + std::uint64_t{dwList}));
+  bool bCut = file.size() < 12 + std::uint64_t{dwList};
+  for (int i = 0; i < riff.GetChunkCount(); ++i) {
+    C_RiffChunk& chunk = *riff.GetChunkAt(i);
+    bCut |= std::uint64_t{chunk.GetDataPos()} + chunk.GetDataLength() > file.size();
+  }
+  Require(riff.IsCutShort() == bCut);
   Require(!riff.HasReadError());
 }
 
