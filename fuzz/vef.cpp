@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "FuzzFile.h"
+#include "FuzzFolder.h"
 #include "Require.h"
 #include "SoundsAreEqual.h"
 #include "file/KestrelFile.h"
@@ -23,9 +24,9 @@
 
 namespace {
 
-template <typename File>
-bool Load(File& file, const C_FuzzFile& bytes, bool bKeepEncoded) {
-  return file.LoadByName(bytes.Path(), bKeepEncoded, nullptr, nullptr);
+template <typename File, typename Source>
+bool Load(File& file, const Source& source, bool bKeepEncoded) {
+  return file.LoadByName(source.Path(), bKeepEncoded, nullptr, nullptr);
 }
 bool Write(C_VefFile& file, const C_FuzzFile& bytes) {
   return file.WriteFile(bytes.Path(), false, true, nullptr, false, 0);
@@ -77,7 +78,7 @@ void CheckRoundTrip(C_VefFile& file) {
   Require(Write(again, second) && first.Bytes() == second.Bytes());
 }
 
-void CheckKestrel(const C_FuzzFile& bytes, bool bVefLoads, unsigned int dwCodingType) {
+void CheckKestrel(const C_FuzzInputFile& bytes, bool bVefLoads, unsigned int dwCodingType) {
   C_KestrelFile stored;
   const bool bForeign = kHeronTypes.Has(dwCodingType);
   Require(Load(stored, bytes, true) == (bVefLoads && !bForeign));
@@ -91,7 +92,7 @@ void CheckKestrel(const C_FuzzFile& bytes, bool bVefLoads, unsigned int dwCoding
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
-  const C_FuzzFile bytes({pData, cbData});
+  const C_FuzzInputFile bytes({pData, cbData});
   C_VefFile file;
   // Files that are not containers are of no interest here. Other fuzzers handle SP headers.
   if (!file.OpenByName(bytes.Path())) return 0;
