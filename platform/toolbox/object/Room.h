@@ -9,7 +9,7 @@ namespace toolbox {
 // More than opening a file, a converter or a device takes.
 inline constexpr std::size_t kLibraryRoom = std::size_t{8} * 1024 * 1024;
 
-// Throws std::bad_alloc unless so much memory can be had now. The libraries for files, conversion
+// Throws std::bad_alloc unless that much memory is free now. The libraries for files, conversion
 // and devices end the process or read through null pointers when memory is refused to them, so they
 // are asked only when there is enough.
 inline void NeedRoom(std::size_t cbRoom = kLibraryRoom) {
