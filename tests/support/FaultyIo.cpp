@@ -45,7 +45,6 @@ struct S_State {
   S_IoFault fault;
   int nCalls = 0;
   bool bHit = false;
-  bool bHitReading = false;
   std::string strVictim;
   std::vector<std::string> written;
   std::map<int, std::string> descriptors;
@@ -54,16 +53,13 @@ struct S_State {
 S_State g_state;
 
 // Counts the call on strFile. True when this call must fail.
-bool Fails(const std::string& strFile, bool bReading = false) {
+bool Fails(const std::string& strFile) {
   if (!g_state.bArmed) return false;
   ++g_state.nCalls;
   const bool bNow = g_state.nCalls == g_state.fault.nCall;
   const bool bLater = g_state.fault.bFromThenOn && g_state.bHit;
   if (!bNow && !bLater) return false;
-  if (!g_state.bHit) {
-    g_state.strVictim = strFile;
-    g_state.bHitReading = bReading;
-  }
+  if (!g_state.bHit) g_state.strVictim = strFile;
   g_state.bHit = true;
   errno = EIO;
   return true;
@@ -74,9 +70,7 @@ std::string NameOf(const std::FILE* pFile) {
   return found == g_state.streams.end() ? std::string() : found->second;
 }
 
-bool Fails(std::FILE* pFile, bool bReading = false) {
-  return g_state.bArmed && Fails(NameOf(pFile), bReading);
-}
+bool Fails(std::FILE* pFile) { return g_state.bArmed && Fails(NameOf(pFile)); }
 
 }  // namespace
 
@@ -94,7 +88,7 @@ int WrapOpen(const char* pszPath, int nFlags, ...) {
 }
 
 std::FILE* WrapFopen(const char* pszPath, const char* pszMode) {
-  if (Fails(pszPath, std::string(pszMode) == "rb")) return nullptr;
+  if (Fails(pszPath)) return nullptr;
   std::FILE* pFile = RealFopen(pszPath, pszMode);
   if (!g_state.bArmed || pFile == nullptr) return pFile;
   g_state.streams[pFile] = pszPath;
@@ -110,7 +104,7 @@ std::FILE* WrapFdopen(int nDescriptor, const char* pszMode) {
 }
 
 std::size_t WrapFread(void* pData, std::size_t cbItem, std::size_t cItems, std::FILE* pFile) {
-  if (!Fails(pFile, true)) return RealFread(pData, cbItem, cItems, pFile);
+  if (!Fails(pFile)) return RealFread(pData, cbItem, cItems, pFile);
   return g_state.fault.bCutShort ? RealFread(pData, cbItem, cItems / 2, pFile) : 0;
 }
 
@@ -120,13 +114,13 @@ std::size_t WrapFwrite(const void* pData, std::size_t cbItem, std::size_t cItems
   return g_state.fault.bCutShort ? RealFwrite(pData, cbItem, cItems / 2, pFile) : 0;
 }
 
-int WrapGetc(std::FILE* pFile) { return Fails(pFile, true) ? EOF : RealGetc(pFile); }
+int WrapGetc(std::FILE* pFile) { return Fails(pFile) ? EOF : RealGetc(pFile); }
 
 int WrapFseeko(std::FILE* pFile, off_t nOffset, int nWhence) {
-  return Fails(pFile, true) ? -1 : RealFseeko(pFile, nOffset, nWhence);
+  return Fails(pFile) ? -1 : RealFseeko(pFile, nOffset, nWhence);
 }
 
-off_t WrapFtello(std::FILE* pFile) { return Fails(pFile, true) ? off_t{-1} : RealFtello(pFile); }
+off_t WrapFtello(std::FILE* pFile) { return Fails(pFile) ? off_t{-1} : RealFtello(pFile); }
 
 int WrapFflush(std::FILE* pFile) { return Fails(pFile) ? EOF : RealFflush(pFile); }
 
@@ -157,8 +151,6 @@ C_FaultyIo::~C_FaultyIo() { Stop(); }
 void C_FaultyIo::Stop() { g_state.bArmed = false; }
 
 bool C_FaultyIo::WasHit() const { return g_state.bHit; }
-
-bool C_FaultyIo::WasHitReading() const { return g_state.bHitReading; }
 
 const std::string& C_FaultyIo::Victim() const { return g_state.strVictim; }
 

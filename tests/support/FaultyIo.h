@@ -32,8 +32,6 @@ class C_FaultyIo {
   void Stop();
 
   [[nodiscard]] bool WasHit() const;
-  // Whether the first failing call was to read, to open for reading, or about a position.
-  [[nodiscard]] bool WasHitReading() const;
   // The file on which the first failing call worked; empty when that is not known.
   [[nodiscard]] const std::string& Victim() const;
   // Every file that was opened for writing or created.
