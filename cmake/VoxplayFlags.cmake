@@ -41,6 +41,8 @@ if(VOXPLAY_FUZZERS)
   # This flag gives coverage guidance to every target, not only to the fuzzers.
   target_compile_options(voxplay_flags INTERFACE -fsanitize=fuzzer-no-link)
   target_link_options(voxplay_flags INTERFACE -fsanitize=fuzzer-no-link)
+  # The name that fuzzers of all projects use for what is left out when they run.
+  target_compile_definitions(voxplay_flags INTERFACE FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION)
 endif()
 if(VOXPLAY_COVERAGE)
   target_compile_options(voxplay_flags INTERFACE --coverage)

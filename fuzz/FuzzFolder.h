@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A folder of this process's own for the fuzzers, and a file in it that holds the present input.
-// Both are in memory where there is a memory file system. A short path is looked up in a third of
-// the time that the name of a file without a folder (FuzzFile.h) takes, which counts where one
-// input is opened twenty times.
+// A folder of this process's own for the fuzzers. It is in memory where there is a memory file
+// system.
 #pragma once
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <span>
 #include <string>
 #include <system_error>
 
@@ -42,33 +35,4 @@ class C_FuzzFolder {
 
  private:
   std::string m_strPath;
-};
-
-// The same file for each input; the code under test only reads it.
-class C_FuzzInputFile {
- public:
-  explicit C_FuzzInputFile(std::span<const std::uint8_t> bytes) {
-    Require(ftruncate(File().nFile, static_cast<off_t>(bytes.size())) == 0);
-    Require(pwrite(File().nFile, bytes.data(), bytes.size(), 0) ==
-            static_cast<ssize_t>(bytes.size()));
-  }
-  [[nodiscard]] static const char* Path() { return File().strPath.c_str(); }
-
- private:
-  struct S_File {
-    S_File()
-        : strPath(folder.Path("input")),
-          nFile(open(strPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {}
-    ~S_File() { static_cast<void>(close(nFile)); }
-    S_File(const S_File&) = delete;
-    S_File& operator=(const S_File&) = delete;
-
-    C_FuzzFolder folder;
-    std::string strPath;
-    int nFile;
-  };
-  static const S_File& File() {
-    static const S_File file;
-    return file;
-  }
 };

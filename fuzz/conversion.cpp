@@ -37,6 +37,7 @@ constexpr std::array<tagAudioFileType, 12> kKinds = {
     AUDIO_FILE_WAVE,       AUDIO_FILE_VEMD,       AUDIO_FILE_WAVE,       AUDIO_FILE_KESTREL};
 // Longer sounds take more time and show nothing new.
 constexpr unsigned int kMostPcm = 1000;
+constexpr unsigned int kMostPcmForHeron = 250;
 constexpr std::size_t kCodecHead = 6;
 
 struct S_Options {
@@ -163,6 +164,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   const C_WavFilePtr file(format.CreateWavFile(source.Path(), true, true, nullptr, nullptr));
   if (!file || file->GetWavData()->GetBufferLength() > kMostPcm) return -1;
   I_WavData& sound = *file->GetWavData();
+  if (IsHeron(options.eKind) && sound.GetBufferLength() > kMostPcmForHeron) return -1;
 
   const C_FuzzFile target;
   // The file object hands the conversion to its sound.

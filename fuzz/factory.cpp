@@ -11,7 +11,7 @@
 #include <span>
 #include <string_view>
 
-#include "FuzzFolder.h"
+#include "FuzzFile.h"
 #include "LabelsArePlaced.h"
 #include "Require.h"
 #include "WavFileFormat.h"
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   // Streams have fuzzers of their own. Decoding a long one here would show only that it is long.
   const std::span file =
       IsBareStream(input) ? input.first(std::min(cbData, kMostStreamBytes)) : input;
-  const C_FuzzInputFile bytes(file);
+  const C_FuzzFile bytes(file);
   if (HasLabels(file) && !LabelsArePlaced(bytes.Path())) return -1;
   if (IsRefusedSound(bytes.Path(), file) && cbData % 8 != 0) return 0;
   C_WavFileFormat format;

@@ -12,7 +12,7 @@
 #include <span>
 #include <string_view>
 
-#include "FuzzFolder.h"
+#include "FuzzFile.h"
 #include "Require.h"
 #include "RiffFile.h"
 #include "WavFileFormat.h"
@@ -66,7 +66,7 @@ void CheckMaker(std::uint16_t wKind, std::uint16_t wEncoded) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   const Bytes bytes(pData, cbData);
-  const C_FuzzInputFile file(bytes);
+  const C_FuzzFile file(bytes);
   C_WavFileFormat format;
   const tagAudioFileType eKind = format.GetFileFormat(file.Path());
   const bool bWave = format.IsWavFile(file.Path());

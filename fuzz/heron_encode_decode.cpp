@@ -18,9 +18,9 @@
 
 namespace {
 
-// A sound is coded up to a dozen times until it fits. Several short frames, or a long one and the
-// overlap with its neighbour, show as much as more of them.
-constexpr std::size_t kMostSamples = 200;
+// A sound is coded up to twenty times until it fits, which takes nearly all of a run. A few short
+// frames, or a long one and the overlap with its neighbour, show as much as more of them.
+constexpr std::size_t kMostSamples = 120;
 // Sounds as short as these may take more than their budget, for the side information of their
 // frames: up to 43 bytes were seen.
 constexpr std::size_t kMostSideBytes = 64;
@@ -28,7 +28,7 @@ constexpr std::size_t kMostSideBytes = 64;
 // Mostly rates with short frames, which take less time; any other, and some outside.
 int TakeRate(C_FuzzInput& input) {
   const std::uint8_t byChoice = input.U8();
-  if (byChoice < 0xC0) return 4000 + byChoice * 40;
+  if (byChoice < 0xF0) return 4000 + byChoice * 10;
   if (byChoice < 0xF8) return 4000 + input.U16() % 44001;
   return byChoice % 2 == 0 ? input.U16() % 4000 : 48001 + input.U16();
 }

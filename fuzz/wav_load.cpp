@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "FuzzFile.h"
-#include "FuzzFolder.h"
 #include "LabelsArePlaced.h"
 #include "Require.h"
 #include "SoundsAreEqual.h"
@@ -29,12 +28,13 @@ bool Write(C_WavFile& file, const C_FuzzFile& bytes) {
   return file.WriteFile(bytes.Path(), true, false, nullptr, false, 0);
 }
 
-// Claimed lengths beyond the file are believed up to a bound. Filling megabytes with zeros shows
-// nothing that a few kilobytes do not.
+// A file of a kilobyte may declare megabytes: PCM that it lacks, or blocks of ADPCM that are short.
+// Filling those with zeros shows nothing that a few kilobytes do not. What declares still more is
+// refused at once.
 bool IsSlow(I_WavInfo& info, std::size_t cbFile) {
-  constexpr std::size_t kQuick = 1U << 16;
-  return info.GetByteLength() > cbFile + kQuick &&
-         info.GetByteLength() <= cbFile + C_WavFile::kMaxMissingBytes;
+  constexpr std::size_t kQuick = 1U << 13;
+  constexpr std::size_t kRefused = 1U << 28;
+  return info.GetByteLength() > cbFile + kQuick && info.GetByteLength() <= kRefused;
 }
 
 // The sound is the same after it is written and read. Written once more, the file is the same too.
@@ -83,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   // Where our own writers put the format.
   constexpr std::size_t kFormatPayload = 20;
   if (cbData > kFormatPayload) CheckRecord(std::span(pData, cbData).subspan(kFormatPayload));
-  const C_FuzzInputFile bytes({pData, cbData});
+  const C_FuzzFile bytes({pData, cbData});
   C_WavFile file;
   const bool bOpens = file.OpenByName(bytes.Path());
   Require(file.CheckFormat(bytes.Path(), false) || !bOpens);
