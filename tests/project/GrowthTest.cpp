@@ -211,6 +211,21 @@ TEST(Growth, TenTimesTheSegmentsAddedOneByOne_CostTenTimesTheWork) {
   EXPECT_LE(blocks(kMany), 13 * blocks(kFew));
 }
 
+// Each segment meets the one that was added before the last, or two that are there.
+TEST(Growth, TenTimesTheSegmentsThatMeetOthers_CostTenTimesTheWork) {
+  const auto blocks = [](std::uint32_t nCount) {
+    C_WavData sound;
+    const C_CountedWork adding;
+    for (std::uint32_t i = 0; i < nCount; ++i) {
+      sound.AddSilenceSegment(i * 20, i * 20 + 8);
+      if (i % 2 == 1) sound.AddSilenceSegment(i * 20 - 15, i * 20 - 10);
+      if (i % 64 == 63) sound.AddSilenceSegment(i * 20 - 50, i * 20 - 12);
+    }
+    return adding.Done().qwBlocks;
+  };
+  EXPECT_LE(blocks(kMany), 13 * blocks(kFew));
+}
+
 INSTANTIATE_TEST_SUITE_P(All, GrowthTest, testing::ValuesIn(kCases),
                          [](const auto& parameters) { return parameters.param.pszName; });
 

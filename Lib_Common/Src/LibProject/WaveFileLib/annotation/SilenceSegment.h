@@ -3,6 +3,9 @@
 // A stretch of silence. Both ends are inclusive and in samples; nothing checks their order.
 #pragma once
 
+#include <memory>
+#include <utility>
+
 #include "interface/I_SampleRange.h"
 
 // Kept: there is no virtual destructor, because callers are built against a virtual table with five
@@ -21,14 +24,14 @@ class C_SilenceSegment final : public I_SilenceSegment {
   void SetSilenceRange(unsigned int dwStart, unsigned int dwEnd) {
     m_dwStart = dwStart;
     m_dwEnd = dwEnd;
-    if (m_pbChanged != nullptr) *m_pbChanged = true;
+    if (m_changed) *m_changed = true;
   }
-  // Sets *pbChanged whenever the segment changes; null ends this. The list of the segment asks for
+  // Sets *changed whenever the segment changes; null ends this. The list of the segment asks for
   // it.
-  void ReportChangesTo(bool* pbChanged) { m_pbChanged = pbChanged; }
+  void ReportChangesTo(std::shared_ptr<bool> changed) { m_changed = std::move(changed); }
 
  private:
   unsigned int m_dwStart;
   unsigned int m_dwEnd;
-  bool* m_pbChanged = nullptr;
+  std::shared_ptr<bool> m_changed;
 };

@@ -4,6 +4,9 @@
 // samples; nothing checks their order.
 #pragma once
 
+#include <memory>
+#include <utility>
+
 #include "interface/I_SampleRange.h"
 
 // Kept: there is no virtual destructor, because callers are built against a virtual table with five
@@ -23,14 +26,14 @@ class C_UncompressRegion final : public I_UncompressRegion {
   void SetUncompressRange(unsigned int dwStart, unsigned int dwEnd) {
     m_dwStart = dwStart;
     m_dwEnd = dwEnd;
-    if (m_pbChanged != nullptr) *m_pbChanged = true;
+    if (m_changed) *m_changed = true;
   }
-  // Sets *pbChanged whenever the region changes; null ends this. The list of the region asks for
+  // Sets *changed whenever the region changes; null ends this. The list of the region asks for
   // it.
-  void ReportChangesTo(bool* pbChanged) { m_pbChanged = pbChanged; }
+  void ReportChangesTo(std::shared_ptr<bool> changed) { m_changed = std::move(changed); }
 
  private:
   unsigned int m_dwStart;
   unsigned int m_dwEnd;
-  bool* m_pbChanged = nullptr;
+  std::shared_ptr<bool> m_changed;
 };

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -176,6 +177,41 @@ TEST(WavDataSilence, AddedOneByOne_AgreesWithTheRuleWhateverHappensBetween) {
   }
 }
 
+// Long lists of ranges that meet now and then, some of them several at once, so that some are left
+// unmerged, and some that end before they start. Now and then more are left than usual.
+TEST(WavDataSilence, AddedOneByOne_AgreesWithTheRuleForLongLists) {
+  C_Random random(10);
+  for (int nRound = 0; nRound < 60; ++nRound) {
+    C_WavData sound;
+    C_Ranges expected;
+    const unsigned int dwSpan = 1000U << (random() % 4);
+    const unsigned int dwLongest = 4U << (random() % 4);
+    for (int nStep = 0; nStep < 400; ++nStep) {
+      const unsigned int dwStart = random() % dwSpan;
+      const unsigned int dwLength = random() % 50 == 0 ? dwSpan / 4 : random() % dwLongest;
+      const unsigned int dwEnd = random() % 40 == 0 ? dwStart - 3 : dwStart + dwLength;
+      sound.AddSilenceSegment(dwStart, dwEnd);
+      expected.emplace_back(dwStart, dwEnd);
+      expected = MergedByTheBook(expected);
+      ASSERT_EQ(RangesOf(sound.GetSilenceSegmentList()), expected) << nRound << ", " << nStep;
+    }
+  }
+}
+
+// An item that was taken out of its list through the list's own class may outlive the sound.
+TEST(WavDataSilence, ItemTakenOutOfItsList_OutlivesTheSound) {
+  auto sound = std::make_unique<C_WavData>();
+  sound->AddSilenceSegment(0, 10);
+  sound->AddSilenceSegment(20, 30);
+  auto& list = dynamic_cast<C_SegmentArray&>(*sound->GetSilenceSegmentList());
+  const std::unique_ptr<C_SilenceSegment> item(list.GetAt(1));
+  list.SetAt(1, nullptr);
+  sound.reset();
+  item->SetSilenceRange(3, 4);
+  EXPECT_EQ(item->GetStartSamplePos(), 3u);
+  EXPECT_EQ(item->GetEndSamplePos(), 4u);
+}
+
 // Looking at every range for every addition would take minutes.
 TEST(WavDataSilence, VeryManyAddedOneByOne_EndInTime) {
   C_WavData sound;
@@ -186,6 +222,9 @@ TEST(WavDataSilence, VeryManyAddedOneByOne_EndInTime) {
   }
   EXPECT_EQ(sound.GetSilenceSegmentList()->GetSize(), 200000);
   EXPECT_EQ(sound.GetUncompressRegionList()->GetSize(), 200000);
+  // Each of these meets one.
+  for (unsigned int i = 0; i < 100000; ++i) sound.AddSilenceSegment(i * 20 + 5, i * 20 + 9);
+  EXPECT_EQ(sound.GetSilenceSegmentList()->GetSize(), 200000);
 }
 
 TEST(WavDataSilence, NullItems_ArePassedOverByMerging) {
