@@ -59,3 +59,12 @@ class C_FuzzInput {
  private:
   vcm::C_ByteReader m_reader;
 };
+
+// Lets a new Session do what the input says; for fuzzers whose input is a sequence of operations.
+template <typename Session>
+int RunSession(const std::uint8_t* pData, std::size_t cbData) {
+  C_FuzzInput input(pData, cbData);
+  Session session;
+  session.Run(input);
+  return 0;
+}

@@ -264,8 +264,5 @@ class C_Session {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
-  C_FuzzInput input(pData, cbData);
-  C_Session session;
-  session.Run(input);
-  return 0;
+  return RunSession<C_Session>(pData, cbData);
 }

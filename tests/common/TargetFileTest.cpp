@@ -17,8 +17,8 @@
 #include <vector>
 
 #include "FileSizeLimit.h"
+#include "FolderTest.h"
 #include "InChild.h"
-#include "TempFolder.h"
 
 namespace {
 
@@ -29,79 +29,69 @@ const Bytes kOld = {'o', 'l', 'd'};
 const Bytes kNew = {'n', 'e', 'w', '!'};
 constexpr uid_t kNobody = 65534;
 
-class TargetFile : public testing::Test {
+class TargetFile : public C_FolderTest {
  protected:
-  [[nodiscard]] std::vector<std::string> Entries() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {
-      names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-  }
   [[nodiscard]] struct stat StatusOf(const std::string& strName) const {
     struct stat status {};
-    EXPECT_EQ(stat(m_folder.Path(strName).c_str(), &status), 0);
+    EXPECT_EQ(stat(Path(strName).c_str(), &status), 0);
     return status;
   }
   static bool WriteNew(const std::string& strPath) {
     vcm::C_TargetFile target(strPath.c_str());
     return target.Stream() != nullptr && target.Commit(vcm::WriteExact(target.Stream(), kNew));
   }
-
-  C_TempFolder m_folder;
 };
 
 TEST_F(TargetFile, NewName_IsWrittenInPlace) {
-  vcm::C_TargetFile target(m_folder.Path("a").c_str());
+  vcm::C_TargetFile target(Path("a").c_str());
   ASSERT_NE(target.Stream(), nullptr);
   EXPECT_THAT(Entries(), ElementsAre("a"));
   EXPECT_TRUE(vcm::WriteExact(target.Stream(), kNew));
   EXPECT_TRUE(target.Commit(true));
-  EXPECT_EQ(m_folder.Read("a"), kNew);
+  EXPECT_EQ(Content("a"), kNew);
 }
 
 TEST_F(TargetFile, NewNameWhoseWriteFails_StaysPartial) {
-  vcm::C_TargetFile target(m_folder.Path("a").c_str());
+  vcm::C_TargetFile target(Path("a").c_str());
   EXPECT_TRUE(vcm::WriteExact(target.Stream(), kNew));
   EXPECT_FALSE(target.Commit(false));
-  EXPECT_EQ(m_folder.Read("a"), kNew);
+  EXPECT_EQ(Content("a"), kNew);
 }
 
 TEST_F(TargetFile, ExistingFile_IsIntactUntilTheEnd) {
-  m_folder.Write("a", kOld);
-  vcm::C_TargetFile target(m_folder.Path("a").c_str());
+  Write("a", kOld);
+  vcm::C_TargetFile target(Path("a").c_str());
   EXPECT_TRUE(vcm::WriteExact(target.Stream(), kNew));
   EXPECT_EQ(std::fflush(target.Stream()), 0);
-  EXPECT_EQ(m_folder.Read("a"), kOld);
+  EXPECT_EQ(Content("a"), kOld);
   EXPECT_EQ(Entries().size(), 2u);
   EXPECT_TRUE(target.Commit(true));
-  EXPECT_EQ(m_folder.Read("a"), kNew);
+  EXPECT_EQ(Content("a"), kNew);
   EXPECT_THAT(Entries(), ElementsAre("a"));
 }
 
 TEST_F(TargetFile, ExistingFileWhoseWriteFails_IsIntactAndAlone) {
-  m_folder.Write("a", kOld);
+  Write("a", kOld);
   {
-    vcm::C_TargetFile target(m_folder.Path("a").c_str());
+    vcm::C_TargetFile target(Path("a").c_str());
     EXPECT_TRUE(vcm::WriteExact(target.Stream(), kNew));
     EXPECT_FALSE(target.Commit(false));
   }
-  EXPECT_EQ(m_folder.Read("a"), kOld);
-  { const vcm::C_TargetFile forgotten(m_folder.Path("a").c_str()); }
-  EXPECT_EQ(m_folder.Read("a"), kOld);
+  EXPECT_EQ(Content("a"), kOld);
+  { const vcm::C_TargetFile forgotten(Path("a").c_str()); }
+  EXPECT_EQ(Content("a"), kOld);
   {
     const C_FileSizeLimit limit(3);
-    EXPECT_FALSE(WriteNew(m_folder.Path("a")));
+    EXPECT_FALSE(WriteNew(Path("a")));
   }
-  EXPECT_EQ(m_folder.Read("a"), kOld);
+  EXPECT_EQ(Content("a"), kOld);
   EXPECT_THAT(Entries(), ElementsAre("a"));
 }
 
 TEST_F(TargetFile, NameBeside_IsPrivateAndHasNoExtensionOfASound) {
-  m_folder.Write("a.kst", kOld);
-  ASSERT_EQ(chmod(m_folder.Path("a.kst").c_str(), 0666), 0);
-  const vcm::C_TargetFile target(m_folder.Path("a.kst").c_str());
+  Write("a.kst", kOld);
+  ASSERT_EQ(chmod(Path("a.kst").c_str(), 0666), 0);
+  const vcm::C_TargetFile target(Path("a.kst").c_str());
   const std::vector<std::string> names = Entries();
   ASSERT_EQ(names.size(), 2u);
   EXPECT_THAT(names[1], testing::MatchesRegex("a\\.kst\\.[0-9a-f]+"));
@@ -109,11 +99,11 @@ TEST_F(TargetFile, NameBeside_IsPrivateAndHasNoExtensionOfASound) {
 }
 
 TEST_F(TargetFile, NamesBeside_AreNotForeseeable) {
-  m_folder.Write("a", kOld);
+  Write("a", kOld);
   std::set<std::string> names;
   for (int i = 0; i < 20; ++i) {
     std::srand(1);
-    const vcm::C_TargetFile target(m_folder.Path("a").c_str());
+    const vcm::C_TargetFile target(Path("a").c_str());
     names.insert(Entries().back());
   }
   EXPECT_GT(names.size(), 18u);
@@ -121,10 +111,10 @@ TEST_F(TargetFile, NamesBeside_AreNotForeseeable) {
 
 TEST_F(TargetFile, ModeOwnerAndGroup_AreThoseOfTheOldFile) {
   for (const mode_t nMode : {0600u, 0644u, 0664u, 0755u, 04755u, 0200u}) {
-    m_folder.Write("a", kOld);
-    ASSERT_EQ(chown(m_folder.Path("a").c_str(), kNobody, 12), 0);
-    ASSERT_EQ(chmod(m_folder.Path("a").c_str(), nMode), 0);
-    EXPECT_TRUE(WriteNew(m_folder.Path("a")));
+    Write("a", kOld);
+    ASSERT_EQ(chown(Path("a").c_str(), kNobody, 12), 0);
+    ASSERT_EQ(chmod(Path("a").c_str(), nMode), 0);
+    EXPECT_TRUE(WriteNew(Path("a")));
     EXPECT_EQ(StatusOf("a").st_mode & 07777u, nMode);
     EXPECT_EQ(StatusOf("a").st_uid, kNobody);
     EXPECT_EQ(StatusOf("a").st_gid, 12u);
@@ -132,73 +122,73 @@ TEST_F(TargetFile, ModeOwnerAndGroup_AreThoseOfTheOldFile) {
 }
 
 TEST_F(TargetFile, Links_StayLinksAndWhatTheyPointToIsReplaced) {
-  std::filesystem::create_directory(m_folder.Path("folder"));
-  m_folder.Write("folder/a", kOld);
-  ASSERT_EQ(symlink("folder/a", m_folder.Path("relative").c_str()), 0);
-  ASSERT_EQ(symlink(m_folder.Path("relative").c_str(), m_folder.Path("absolute").c_str()), 0);
+  std::filesystem::create_directory(Path("folder"));
+  Write("folder/a", kOld);
+  ASSERT_EQ(symlink("folder/a", Path("relative").c_str()), 0);
+  ASSERT_EQ(symlink(Path("relative").c_str(), Path("absolute").c_str()), 0);
   for (const char* pszLink : {"relative", "absolute"}) {
-    m_folder.Write("folder/a", kOld);
+    Write("folder/a", kOld);
     const ino_t nBefore = StatusOf("folder/a").st_ino;
-    EXPECT_TRUE(WriteNew(m_folder.Path(pszLink)));
-    EXPECT_EQ(m_folder.Read("folder/a"), kNew);
+    EXPECT_TRUE(WriteNew(Path(pszLink)));
+    EXPECT_EQ(Content("folder/a"), kNew);
     EXPECT_NE(StatusOf("folder/a").st_ino, nBefore);
-    EXPECT_TRUE(std::filesystem::is_symlink(m_folder.Path(pszLink)));
+    EXPECT_TRUE(std::filesystem::is_symlink(Path(pszLink)));
   }
   EXPECT_THAT(Entries(), ElementsAre("absolute", "folder", "relative"));
 }
 
 TEST_F(TargetFile, LinkToNothing_MakesTheFileThatItNames) {
-  ASSERT_EQ(symlink("a", m_folder.Path("link").c_str()), 0);
-  EXPECT_TRUE(WriteNew(m_folder.Path("link")));
-  EXPECT_EQ(m_folder.Read("a"), kNew);
-  EXPECT_TRUE(std::filesystem::is_symlink(m_folder.Path("link")));
+  ASSERT_EQ(symlink("a", Path("link").c_str()), 0);
+  EXPECT_TRUE(WriteNew(Path("link")));
+  EXPECT_EQ(Content("a"), kNew);
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
 }
 
 TEST_F(TargetFile, StreamThatIsOpen_IsWrittenInPlace) {
-  m_folder.Write("a", kOld);
-  const int nDescriptor = open(m_folder.Path("a").c_str(), O_WRONLY | O_CLOEXEC);
+  Write("a", kOld);
+  const int nDescriptor = open(Path("a").c_str(), O_WRONLY | O_CLOEXEC);
   ASSERT_GE(nDescriptor, 0);
   const ino_t nBefore = StatusOf("a").st_ino;
   EXPECT_TRUE(WriteNew("/dev/fd/" + std::to_string(nDescriptor)));
   EXPECT_TRUE(WriteNew("/proc/self/fd/" + std::to_string(nDescriptor)));
   close(nDescriptor);
-  EXPECT_EQ(m_folder.Read("a"), kNew);
+  EXPECT_EQ(Content("a"), kNew);
   EXPECT_EQ(StatusOf("a").st_ino, nBefore);
 }
 
 TEST_F(TargetFile, WhatIsNoRegularFile_IsWrittenInPlace) {
   EXPECT_TRUE(WriteNew("/dev/null"));
   EXPECT_FALSE(WriteNew("/dev/full"));
-  EXPECT_FALSE(WriteNew(m_folder.Path()));
+  EXPECT_FALSE(WriteNew(Folder()));
   EXPECT_EQ(vcm::C_TargetFile(nullptr).Stream(), nullptr);
-  EXPECT_FALSE(WriteNew(m_folder.Path("no/such/folder")));
+  EXPECT_FALSE(WriteNew(Path("no/such/folder")));
 }
 
 TEST_F(TargetFile, FileThatMayNotBeWritten_IsRefused) {
-  m_folder.Write("a", kOld);
-  ASSERT_EQ(chmod(m_folder.Path().c_str(), 0777), 0);
-  ASSERT_EQ(chmod(m_folder.Path("a").c_str(), 0444), 0);
-  EXPECT_FALSE(InChildAs(kNobody, [this] { return WriteNew(m_folder.Path("a")); }));
-  EXPECT_EQ(m_folder.Read("a"), kOld);
+  Write("a", kOld);
+  ASSERT_EQ(chmod(Folder().c_str(), 0777), 0);
+  ASSERT_EQ(chmod(Path("a").c_str(), 0444), 0);
+  EXPECT_FALSE(InChildAs(kNobody, [this] { return WriteNew(Path("a")); }));
+  EXPECT_EQ(Content("a"), kOld);
 }
 
 TEST_F(TargetFile, FolderThatTakesNoSecondFile_LetsTheFileBeWrittenInPlace) {
-  m_folder.Write("a", kOld);
-  ASSERT_EQ(chmod(m_folder.Path().c_str(), 0755), 0);
-  ASSERT_EQ(chmod(m_folder.Path("a").c_str(), 0666), 0);
+  Write("a", kOld);
+  ASSERT_EQ(chmod(Folder().c_str(), 0755), 0);
+  ASSERT_EQ(chmod(Path("a").c_str(), 0666), 0);
   const ino_t nBefore = StatusOf("a").st_ino;
-  EXPECT_TRUE(InChildAs(kNobody, [this] { return WriteNew(m_folder.Path("a")); }));
-  EXPECT_EQ(m_folder.Read("a"), kNew);
+  EXPECT_TRUE(InChildAs(kNobody, [this] { return WriteNew(Path("a")); }));
+  EXPECT_EQ(Content("a"), kNew);
   EXPECT_EQ(StatusOf("a").st_ino, nBefore);
 }
 
 // In a folder like /tmp, a file of somebody else may be written, but not renamed over.
 TEST_F(TargetFile, FolderThatOthersShare_LetsTheFileBeWrittenInPlace) {
-  m_folder.Write("a", kOld);
-  ASSERT_EQ(chmod(m_folder.Path().c_str(), 01777), 0);
-  ASSERT_EQ(chmod(m_folder.Path("a").c_str(), 0666), 0);
-  EXPECT_TRUE(InChildAs(kNobody, [this] { return WriteNew(m_folder.Path("a")); }));
-  EXPECT_EQ(m_folder.Read("a"), kNew);
+  Write("a", kOld);
+  ASSERT_EQ(chmod(Folder().c_str(), 01777), 0);
+  ASSERT_EQ(chmod(Path("a").c_str(), 0666), 0);
+  EXPECT_TRUE(InChildAs(kNobody, [this] { return WriteNew(Path("a")); }));
+  EXPECT_EQ(Content("a"), kNew);
   EXPECT_EQ(StatusOf("a").st_uid, 0u);
   EXPECT_THAT(Entries(), ElementsAre("a"));
 }
@@ -217,42 +207,42 @@ TEST_F(TargetFile, AccessControlList_IsKept) {
                             entry(16, 4, dwNone), entry(32, 0, dwNone)}) {
     list.insert(list.end(), part.begin(), part.end());
   }
-  m_folder.Write("a", kOld);
-  if (setxattr(m_folder.Path("a").c_str(), kList, list.data(), list.size(), 0) != 0) {
+  Write("a", kOld);
+  if (setxattr(Path("a").c_str(), kList, list.data(), list.size(), 0) != 0) {
     ASSERT_EQ(errno, ENOTSUP);  // a file system without such lists
     return;
   }
-  EXPECT_TRUE(WriteNew(m_folder.Path("a")));
+  EXPECT_TRUE(WriteNew(Path("a")));
   Bytes kept(list.size() + 1);
-  EXPECT_EQ(getxattr(m_folder.Path("a").c_str(), kList, kept.data(), kept.size()),
+  EXPECT_EQ(getxattr(Path("a").c_str(), kList, kept.data(), kept.size()),
             static_cast<ssize_t>(list.size()));
   kept.pop_back();
   EXPECT_EQ(kept, list);
 }
 
 TEST_F(TargetFile, WrittenInPlace_ShorterAndLongerThanBefore) {
-  ASSERT_EQ(chmod(m_folder.Path().c_str(), 01777), 0);
+  ASSERT_EQ(chmod(Folder().c_str(), 01777), 0);
   for (const std::size_t cbOld : {std::size_t{0}, std::size_t{4}, std::size_t{10000}}) {
-    m_folder.Write("a", Bytes(cbOld, 'x'));
-    ASSERT_EQ(chmod(m_folder.Path("a").c_str(), 0666), 0);
-    EXPECT_TRUE(InChildAs(kNobody, [this] { return WriteNew(m_folder.Path("a")); }));
-    EXPECT_EQ(m_folder.Read("a"), kNew) << cbOld;
+    Write("a", Bytes(cbOld, 'x'));
+    ASSERT_EQ(chmod(Path("a").c_str(), 0666), 0);
+    EXPECT_TRUE(InChildAs(kNobody, [this] { return WriteNew(Path("a")); }));
+    EXPECT_EQ(Content("a"), kNew) << cbOld;
   }
 }
 
 TEST_F(TargetFile, LoopOfLinks_IsRefused) {
-  ASSERT_EQ(symlink("b", m_folder.Path("a").c_str()), 0);
-  ASSERT_EQ(symlink("a", m_folder.Path("b").c_str()), 0);
-  EXPECT_FALSE(WriteNew(m_folder.Path("a")));
+  ASSERT_EQ(symlink("b", Path("a").c_str()), 0);
+  ASSERT_EQ(symlink("a", Path("b").c_str()), 0);
+  EXPECT_FALSE(WriteNew(Path("a")));
   EXPECT_THAT(Entries(), ElementsAre("a", "b"));
 }
 
 TEST_F(TargetFile, LongestName_IsReplacedToo) {
   const std::string strName(255, 'x');
-  m_folder.Write(strName, kOld);
+  Write(strName, kOld);
   const ino_t nBefore = StatusOf(strName).st_ino;
-  EXPECT_TRUE(WriteNew(m_folder.Path(strName)));
-  EXPECT_EQ(m_folder.Read(strName), kNew);
+  EXPECT_TRUE(WriteNew(Path(strName)));
+  EXPECT_EQ(Content(strName), kNew);
   EXPECT_NE(StatusOf(strName).st_ino, nBefore);
   EXPECT_THAT(Entries(), ElementsAre(strName));
 }

@@ -19,6 +19,7 @@ class C_FolderTest : public testing::Test {
   C_FolderTest() : m_dwOpen(OpenDescriptors()) {}
   ~C_FolderTest() override { EXPECT_EQ(m_dwOpen, OpenDescriptors()) << "open files are left"; }
 
+  [[nodiscard]] std::string Folder() const { return m_folder.Path(); }
   [[nodiscard]] std::string Path(const std::string& strName) const {
     return m_folder.Path(strName);
   }
