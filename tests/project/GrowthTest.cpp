@@ -211,20 +211,49 @@ TEST(Growth, TenTimesTheSegmentsAddedOneByOne_CostTenTimesTheWork) {
   EXPECT_LE(blocks(kMany), 13 * blocks(kFew));
 }
 
-// Each segment meets the one that was added before the last, or two that are there.
-TEST(Growth, TenTimesTheSegmentsThatMeetOthers_CostTenTimesTheWork) {
-  const auto blocks = [](std::uint32_t nCount) {
-    C_WavData sound;
-    const C_CountedWork adding;
-    for (std::uint32_t i = 0; i < nCount; ++i) {
-      sound.AddSilenceSegment(i * 20, i * 20 + 8);
-      if (i % 2 == 1) sound.AddSilenceSegment(i * 20 - 15, i * 20 - 10);
-      if (i % 64 == 63) sound.AddSilenceSegment(i * 20 - 50, i * 20 - 12);
-    }
-    return adding.Done().qwBlocks;
-  };
-  EXPECT_LE(blocks(kMany), 13 * blocks(kFew));
+// The work of adding nCount segments in a certain way.
+using Adder = void (*)(C_WavData& sound, std::uint32_t i);
+std::uint64_t WorkOfAdding(std::uint32_t nCount, Adder pfnAdd) {
+  C_WavData sound;
+  const C_CountedWork adding;
+  for (std::uint32_t i = 0; i < nCount; ++i) pfnAdd(sound, i);
+  return adding.Done().qwBlocks;
 }
+
+struct S_Addition {
+  const char* pszName;
+  Adder pfnAdd;
+};
+class AdditionTest : public testing::TestWithParam<S_Addition> {};
+
+TEST_P(AdditionTest, TenTimesAsMany_CostTenTimesTheWork) {
+  const std::uint64_t qwFew = WorkOfAdding(kFew, GetParam().pfnAdd);
+  EXPECT_GT(qwFew, kFew) << "the work is not counted";
+  EXPECT_LE(WorkOfAdding(kMany, GetParam().pfnAdd), 13 * qwFew);
+}
+
+const S_Addition kAdditions[] = {
+    {"SegmentsThatMeetOneOrTwo",
+     [](C_WavData& sound, std::uint32_t i) {
+       sound.AddSilenceSegment(i * 20, i * 20 + 8);
+       if (i % 2 == 1) sound.AddSilenceSegment(i * 20 - 15, i * 20 - 10);
+       if (i % 64 == 63) sound.AddSilenceSegment(i * 20 - 50, i * 20 - 12);
+     }},
+    {"SegmentsThatEndBeforeTheyStart",
+     [](C_WavData& sound, std::uint32_t i) { sound.AddSilenceSegment(i * 3, i * 3 - 1); }},
+    {"SegmentsThatEndBeforeTheyStartAndOthers",
+     [](C_WavData& sound, std::uint32_t i) {
+       sound.AddSilenceSegment(i * 30, i % 8 == 0 ? i * 30 - 1 : i * 30 + 9);
+     }},
+    {"SegmentsThatAreThenChanged",
+     [](C_WavData& sound, std::uint32_t i) {
+       auto& list = *sound.AddSilenceSegment(i * 10, i * 10);
+       list.GetItemByIndex(list.GetSize() - 1)->SetEndSamplePos(i * 10 + 8);
+     }},
+    {"TheSameSegment", [](C_WavData& sound, std::uint32_t) { sound.AddSilenceSegment(100, 200); }},
+};
+INSTANTIATE_TEST_SUITE_P(All, AdditionTest, testing::ValuesIn(kAdditions),
+                         [](const auto& parameters) { return parameters.param.pszName; });
 
 INSTANTIATE_TEST_SUITE_P(All, GrowthTest, testing::ValuesIn(kCases),
                          [](const auto& parameters) { return parameters.param.pszName; });

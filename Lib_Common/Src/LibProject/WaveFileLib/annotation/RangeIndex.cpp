@@ -22,17 +22,24 @@ void C_RangeIndex::Learn(const std::vector<S_SampleRange>& ranges) {
   Forget();
   m_bKnown = true;
   for (const S_SampleRange& range : ranges) {
-    m_members.push_back({range, m_nNextNumber++});
-    Sort(m_members.back());
+    Append(range);
     if (!m_bKnown) return;
   }
 }
 
 void C_RangeIndex::Forget() {
   m_bKnown = false;
-  m_members.clear();
+  m_numbers.clear();
+  m_ranges.clear();
   m_apart.clear();
+  m_inverted.clear();
   m_crowded.clear();
+}
+
+std::size_t C_RangeIndex::PositionOf(std::size_t nNumber) const {
+  const auto found = std::lower_bound(m_numbers.begin(), m_numbers.end(), nNumber);
+  const bool bFound = found != m_numbers.end() && *found == nNumber;
+  return bFound ? static_cast<std::size_t>(found - m_numbers.begin()) : Size();
 }
 
 std::vector<std::size_t> C_RangeIndex::Affected(const S_SampleRange& range) const {
@@ -40,82 +47,92 @@ std::vector<std::size_t> C_RangeIndex::Affected(const S_SampleRange& range) cons
   for (const std::size_t nNumber : ApartOnesThatMeet(range)) {
     positions.push_back(PositionOf(nNumber));
   }
-  for (const S_Member& member : m_crowded) positions.push_back(PositionOf(member.nNumber));
+  for (const std::size_t nNumber : m_crowded) positions.push_back(PositionOf(nNumber));
   // A merge may take its turn from the range that comes next.
   const std::size_t nMeeting = positions.size();
   for (std::size_t i = 0; i < nMeeting; ++i) {
-    if (positions[i] + 1 < m_members.size()) positions.push_back(positions[i] + 1);
+    if (positions[i] + 1 < Size()) positions.push_back(positions[i] + 1);
   }
-  std::ranges::sort(positions);
+  std::sort(positions.begin(), positions.end());
   positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
   return positions;
 }
 
 void C_RangeIndex::Append(const S_SampleRange& range) {
-  m_members.push_back({range, m_nNextNumber++});
-  Sort(m_members.back());
+  m_numbers.push_back(NextNumber());
+  m_ranges.push_back(range);
+  Enter(m_numbers.back());
+}
+
+void C_RangeIndex::Change(std::size_t nPosition, const S_SampleRange& range) {
+  const std::size_t nNumber = NumberAt(nPosition);
+  Leave(nNumber);
+  m_ranges[nNumber] = range;
+  Enter(nNumber);
 }
 
 void C_RangeIndex::Replace(const std::vector<std::size_t>& positions,
                            const std::vector<S_SampleRange>& ranges) {
-  for (const std::size_t nPosition : positions) {
-    if (nPosition < m_members.size()) Drop(m_members[nPosition]);
-  }
-  std::vector<std::size_t> removed;
+  for (const std::size_t nPosition : positions) Leave(NumberAt(nPosition));
   for (std::size_t i = 0; i < positions.size() && m_bKnown; ++i) {
-    const bool bAppended = positions[i] == m_members.size();
-    if (ranges[i].bRemoved) {
-      if (!bAppended) removed.push_back(positions[i]);
-      continue;
-    }
-    if (bAppended) m_members.push_back({{}, m_nNextNumber++});
-    m_members[positions[i]].range = ranges[i];
-    Sort(m_members[positions[i]]);
+    if (ranges[i].bRemoved) continue;
+    m_ranges[NumberAt(positions[i])] = ranges[i];
+    Enter(NumberAt(positions[i]));
   }
   if (!m_bKnown) return;
-  for (auto it = removed.rbegin(); it != removed.rend(); ++it) {
-    m_members.erase(m_members.begin() + static_cast<std::ptrdiff_t>(*it));
+  for (std::size_t i = positions.size(); i-- > 0;) {
+    if (!ranges[i].bRemoved) continue;
+    m_numbers.erase(m_numbers.begin() + static_cast<std::ptrdiff_t>(positions[i]));
   }
-}
-
-std::size_t C_RangeIndex::PositionOf(std::size_t nNumber) const {
-  const auto found = std::ranges::lower_bound(m_members, nNumber, {}, &S_Member::nNumber);
-  return static_cast<std::size_t>(found - m_members.begin());
 }
 
 std::vector<std::size_t> C_RangeIndex::ApartOnesThatMeet(const S_SampleRange& range) const {
   std::vector<std::size_t> numbers;
-  const unsigned int dwLast = std::max(range.dwStart, range.dwEnd);
   auto it = m_apart.lower_bound(range.dwStart);
-  if (it != m_apart.begin() && std::prev(it)->second.dwEnd >= range.dwStart) --it;
+  if (it != m_apart.begin() && m_ranges[std::prev(it)->second].dwEnd >= range.dwStart) --it;
+  const unsigned int dwLast = std::max(range.dwStart, range.dwEnd);
   for (; it != m_apart.end() && it->first <= dwLast; ++it) {
-    if (Meet(range, {it->first, it->second.dwEnd})) numbers.push_back(it->second.nNumber);
+    if (Meet(range, m_ranges[it->second])) numbers.push_back(it->second);
+  }
+  if (IsInverted(range)) return numbers;
+  for (auto inverted = m_inverted.lower_bound({range.dwStart, 0});
+       inverted != m_inverted.end() && inverted->first <= range.dwEnd; ++inverted) {
+    numbers.push_back(inverted->second);
   }
   return numbers;
 }
 
-// Puts a new member, or one that has changed, where it belongs, and those that it meets with the
-// crowded ones.
-void C_RangeIndex::Sort(const S_Member& member) {
-  const auto meeting = ApartOnesThatMeet(member.range);
-  bool bCrowded = IsInverted(member.range) || !meeting.empty();
-  for (const S_Member& other : m_crowded) bCrowded |= Meet(member.range, other.range);
-  for (const std::size_t nNumber : meeting) {
-    const S_Member other = m_members[PositionOf(nNumber)];
-    m_apart.erase(other.range.dwStart);
-    m_crowded.push_back(other);
-  }
+// Puts a range where it belongs, and those that it meets with the crowded ones.
+void C_RangeIndex::Enter(std::size_t nNumber) {
+  const S_SampleRange& range = m_ranges[nNumber];
+  const auto meeting = ApartOnesThatMeet(range);
+  const bool bCrowded = !meeting.empty() || std::ranges::any_of(m_crowded, [&](std::size_t nOther) {
+    return Meet(range, m_ranges[nOther]);
+  });
+  for (const std::size_t nOther : meeting) SetApart(nOther, false);
+  m_crowded.insert(m_crowded.end(), meeting.begin(), meeting.end());
   if (bCrowded) {
-    m_crowded.push_back(member);
+    m_crowded.push_back(nNumber);
   } else {
-    m_apart.emplace(member.range.dwStart, S_Apart{member.range.dwEnd, member.nNumber});
+    SetApart(nNumber, true);
   }
   if (m_crowded.size() > kMostCrowded) Forget();
 }
 
-void C_RangeIndex::Drop(const S_Member& member) {
-  const auto isSame = [&](const S_Member& other) { return other.nNumber == member.nNumber; };
-  if (std::erase_if(m_crowded, isSame) == 0) m_apart.erase(member.range.dwStart);
+// Those that the range has met stay with the crowded ones. The next merge looks at them.
+void C_RangeIndex::Leave(std::size_t nNumber) {
+  if (std::erase(m_crowded, nNumber) == 0) SetApart(nNumber, false);
+}
+
+void C_RangeIndex::SetApart(std::size_t nNumber, bool bApart) {
+  const S_SampleRange& range = m_ranges[nNumber];
+  if (IsInverted(range)) {
+    if (bApart) m_inverted.emplace(range.dwStart, nNumber);
+    if (!bApart) m_inverted.erase({range.dwStart, nNumber});
+  } else {
+    if (bApart) m_apart.emplace(range.dwStart, nNumber);
+    if (!bApart) m_apart.erase(range.dwStart);
+  }
 }
 
 }  // namespace vcm

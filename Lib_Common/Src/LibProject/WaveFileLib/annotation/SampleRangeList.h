@@ -7,11 +7,13 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "CLArray.h"
+#include "annotation/RangeChanges.h"
 #include "annotation/RangeIndex.h"
 #include "annotation/SampleRangeMerge.h"
 
@@ -75,29 +77,14 @@ void CopyItems(List& list, const Source* pSource) {
   }
 }
 
-// A list of ranges that belongs to a sound. It learns of the changes that callers make through its
-// interface and to its items, but not of items that are exchanged through SetAt; after that, it
-// must be merged as a whole.
+// A list of ranges that belongs to a sound.
 template <typename Item, typename Interface>
 class C_SampleRangeList : public C_CLArray<Item*, Interface*, true> {
-  using Base = C_CLArray<Item*, Interface*, true>;
-
  public:
-  void RemoveItemByIndex(int nIndex) override {
-    *m_changed = true;
-    Base::RemoveItemByIndex(nIndex);
-  }
-  void RemoveAll() override {
-    *m_changed = true;
-    Base::RemoveAll();
-  }
+  void Merge() { MergeItems(*this); }
 
-  void Merge() {
-    *m_changed = true;
-    MergeItems(*this);
-  }
   // Appends a range and merges the list, which takes no more time for a long list than for a short
-  // one as long as only this function changes it.
+  // one, unless callers put in items of their own or take some out.
   void AppendAndMerge(unsigned int dwStart, unsigned int dwEnd) {
     if (!IsKnown()) {
       AppendRange(*this, dwStart, dwEnd);
@@ -105,24 +92,35 @@ class C_SampleRangeList : public C_CLArray<Item*, Interface*, true> {
       Learn();
       return;
     }
-    auto positions = m_index.Affected({dwStart, dwEnd});
+    m_nKnown.reset();
+    TakeChanges();
     AppendRange(*this, dwStart, dwEnd);
-    *m_changed = true;
-    this->GetAt(this->GetCount() - 1)->ReportChangesTo(m_changed);
-    if (positions.empty()) {
-      m_index.Append({dwStart, dwEnd});
-    } else {
-      positions.push_back(m_index.Size());
+    auto positions = m_index.Affected({dwStart, dwEnd});
+    this->GetAt(this->GetCount() - 1)->ReportChangesTo(m_changes, m_index.NextNumber());
+    m_index.Append({dwStart, dwEnd});
+    if (m_index.IsKnown() && !positions.empty()) {
+      positions.push_back(m_index.Size() - 1);
       MergeAt(positions);
+    } else if (!m_index.IsKnown()) {
+      MergeItems(*this);
     }
-    *m_changed = false;
+    m_changes->Clear();
+    m_nKnown = this->GetChanges();
+    // The index remembers ranges that are gone.
+    if (m_index.NextNumber() > 2 * m_index.Size() + kMostGone) Learn();
   }
 
  private:
-  // Callers change items and remove them, which m_changed tells; other code of ours adds items.
+  static constexpr std::size_t kMostGone = 64;
+
   [[nodiscard]] bool IsKnown() const {
-    return !*m_changed && m_index.IsKnown() &&
-           m_index.Size() == static_cast<std::size_t>(this->GetCount());
+    return m_index.IsKnown() && m_nKnown == this->GetChanges() && !m_changes->HasAny();
+  }
+  void TakeChanges() {
+    for (const std::size_t nNumber : m_changes->Numbers()) {
+      const std::size_t nPosition = m_index.PositionOf(nNumber);
+      if (nPosition < m_index.Size()) m_index.Change(nPosition, RangeAt(*this, nPosition));
+    }
   }
   void MergeAt(const std::vector<std::size_t>& positions) {
     const auto ranges = MergeItemsAt(*this, positions);
@@ -132,21 +130,25 @@ class C_SampleRangeList : public C_CLArray<Item*, Interface*, true> {
     m_index.Replace(positions, ranges);
   }
   void Learn() {
-    const auto positions = PositionsIn(*this);
     std::vector<S_SampleRange> ranges;
-    ranges.reserve(positions.size());
-    for (const std::size_t nPosition : positions) {
-      this->GetAt(static_cast<int>(nPosition))->ReportChangesTo(m_changed);
-      ranges.push_back(RangeAt(*this, nPosition));
+    ranges.reserve(static_cast<std::size_t>(this->GetCount()));
+    m_nKnown.reset();
+    m_index.Forget();
+    for (int i = 0; i < this->GetCount(); ++i) {
+      Item* const pItem = this->GetAt(i);
+      if (pItem == nullptr) return;
+      pItem->ReportChangesTo(m_changes, ranges.size());
+      ranges.push_back({pItem->GetStartSamplePos(), pItem->GetEndSamplePos()});
     }
     m_index.Learn(ranges);
-    *m_changed = false;
+    m_changes->Clear();
+    m_nKnown = this->GetChanges();
   }
 
   C_RangeIndex m_index;
-  // Whether the list or an item has changed since m_index was up to date. Items may outlive the
-  // list.
-  std::shared_ptr<bool> m_changed = std::make_shared<bool>(true);
+  std::shared_ptr<C_RangeChanges> m_changes = std::make_shared<C_RangeChanges>();
+  // The changes of the list when m_index was up to date; empty while it is not.
+  std::optional<std::size_t> m_nKnown;
 };
 
 }  // namespace vcm

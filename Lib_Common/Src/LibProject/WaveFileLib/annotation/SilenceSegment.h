@@ -3,9 +3,11 @@
 // A stretch of silence. Both ends are inclusive and in samples; nothing checks their order.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <utility>
 
+#include "annotation/RangeChanges.h"
 #include "interface/I_SampleRange.h"
 
 // Kept: there is no virtual destructor, because callers are built against a virtual table with five
@@ -24,14 +26,17 @@ class C_SilenceSegment final : public I_SilenceSegment {
   void SetSilenceRange(unsigned int dwStart, unsigned int dwEnd) {
     m_dwStart = dwStart;
     m_dwEnd = dwEnd;
-    if (m_changed) *m_changed = true;
+    if (m_changes) m_changes->Note(m_nNumber);
   }
-  // Sets *changed whenever the segment changes; null ends this. The list of the segment asks for
-  // it.
-  void ReportChangesTo(std::shared_ptr<bool> changed) { m_changed = std::move(changed); }
+  // Notes this number whenever the segment changes. The list of the segment asks for it.
+  void ReportChangesTo(std::shared_ptr<vcm::C_RangeChanges> changes, std::size_t nNumber) {
+    m_changes = std::move(changes);
+    m_nNumber = nNumber;
+  }
 
  private:
   unsigned int m_dwStart;
   unsigned int m_dwEnd;
-  std::shared_ptr<bool> m_changed;
+  std::shared_ptr<vcm::C_RangeChanges> m_changes;
+  std::size_t m_nNumber = 0;
 };

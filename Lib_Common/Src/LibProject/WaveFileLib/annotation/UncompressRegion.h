@@ -4,9 +4,11 @@
 // samples; nothing checks their order.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <utility>
 
+#include "annotation/RangeChanges.h"
 #include "interface/I_SampleRange.h"
 
 // Kept: there is no virtual destructor, because callers are built against a virtual table with five
@@ -26,14 +28,17 @@ class C_UncompressRegion final : public I_UncompressRegion {
   void SetUncompressRange(unsigned int dwStart, unsigned int dwEnd) {
     m_dwStart = dwStart;
     m_dwEnd = dwEnd;
-    if (m_changed) *m_changed = true;
+    if (m_changes) m_changes->Note(m_nNumber);
   }
-  // Sets *changed whenever the region changes; null ends this. The list of the region asks for
-  // it.
-  void ReportChangesTo(std::shared_ptr<bool> changed) { m_changed = std::move(changed); }
+  // Notes this number whenever the region changes. The list of the region asks for it.
+  void ReportChangesTo(std::shared_ptr<vcm::C_RangeChanges> changes, std::size_t nNumber) {
+    m_changes = std::move(changes);
+    m_nNumber = nNumber;
+  }
 
  private:
   unsigned int m_dwStart;
   unsigned int m_dwEnd;
-  std::shared_ptr<bool> m_changed;
+  std::shared_ptr<vcm::C_RangeChanges> m_changes;
+  std::size_t m_nNumber = 0;
 };

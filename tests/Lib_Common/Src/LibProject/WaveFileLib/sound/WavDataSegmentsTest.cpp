@@ -167,6 +167,17 @@ TEST(WavDataSilence, AddedOneByOne_AgreesWithTheRuleWhateverHappensBetween) {
       } else if (dwAction == 4 && random() % 8 == 0) {
         list.RemoveAll();
         expected.clear();
+      } else if (dwAction == 5) {
+        auto& array = dynamic_cast<C_SegmentArray&>(list);
+        delete array.GetAt(static_cast<int>(nItem));
+        array.SetAt(static_cast<int>(nItem), new C_SilenceSegment(dwStart, dwEnd));
+        expected[nItem] = {dwStart, dwEnd};
+      } else if (dwAction == 6) {
+        auto& array = dynamic_cast<C_SegmentArray&>(list);
+        array.RemoveAt(static_cast<int>(nItem), 1);
+        array.Add(new C_SilenceSegment(dwStart, dwEnd));
+        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(nItem));
+        expected.emplace_back(dwStart, dwEnd);
       } else {
         sound.AddSilenceSegment(dwStart, dwEnd);
         expected.emplace_back(dwStart, dwEnd);
@@ -210,6 +221,23 @@ TEST(WavDataSilence, ItemTakenOutOfItsList_OutlivesTheSound) {
   item->SetSilenceRange(3, 4);
   EXPECT_EQ(item->GetStartSamplePos(), 3u);
   EXPECT_EQ(item->GetEndSamplePos(), 4u);
+}
+
+// Null items may come in place of others; merging passes over them.
+TEST(WavDataSilence, AddedAfterANullItem_IsMergedWithTheOthers) {
+  C_WavData sound;
+  sound.AddSilenceSegment(0, 10);
+  sound.AddSilenceSegment(20, 30);
+  auto& list = dynamic_cast<C_SegmentArray&>(*sound.GetSilenceSegmentList());
+  list.RemoveAt(0, 1);
+  list.Add(nullptr);
+  sound.AddSilenceSegment(25, 35);
+  ASSERT_EQ(list.GetSize(), 2);
+  EXPECT_EQ(list.GetAt(0)->GetEndSamplePos(), 35u);
+  EXPECT_EQ(list.GetAt(1), nullptr);
+  sound.AddSilenceSegment(35, 40);
+  ASSERT_EQ(list.GetSize(), 2);
+  EXPECT_EQ(list.GetAt(0)->GetEndSamplePos(), 40u);
 }
 
 // Looking at every range for every addition would take minutes.
