@@ -34,21 +34,24 @@ C_Playback::~C_Playback() { Stop(); }
 // playback would stand still.
 bool C_Playback::Start() {
   bool bLost = false;
+  bool bStartedBefore = false;
   {
     const std::lock_guard lock(m_lock);
     if (m_bRunning) return true;
     if (!m_null.Prepare()) return false;
     m_bRunning = true;
     bLost = m_bLost;
+    // A device may be lost before its start returns.
+    if (!bLost) bStartedBefore = std::exchange(m_bStarted, true);
   }
-  if (bLost || !m_pDevice->Start()) {
-    GoOnSilently();
-    return true;
+  const bool bStarted = !bLost && m_pDevice->Start();
+  {
+    const std::lock_guard lock(m_lock);
+    if (!bLost && !bStarted) m_bStarted = bStartedBefore;
+    // From now on the program says that it plays.
+    if (bStarted) m_bAfterText = true;
   }
-  // From now on the program says that it plays.
-  const std::lock_guard lock(m_lock);
-  m_bStarted = true;
-  m_bAfterText = true;
+  if (!bStarted) GoOnSilently();
   return true;
 }
 
