@@ -18,7 +18,8 @@ int WriteWav(I_WavFile& file, const char* pszWavPath) {
 }
 
 int DecodeBareKestrel(C_WavFileFormat& format, const char* pszInput, const char* pszWavPath) {
-  const vcm::C_RemovedAtEnd copy = CopyAsKestrel(pszInput);
+  const vcm::C_RemovedAtEnd copy = CopyAsKestrel(format, pszInput, /*bLoadData=*/true);
+  if (copy.Path().empty()) return kDecodingFailed;
   C_KestrelFile kestrel;
   if (!kestrel.LoadByName(copy.Path().c_str(), true, nullptr, nullptr)) return kDecodingFailed;
   if (const int nResult = WriteWav(kestrel, pszWavPath); nResult != kDecodedToWav) return nResult;

@@ -88,7 +88,8 @@ bool SetPath(S_RealTimeDecoder* pDecoder, const char* pszPath) {
 void ChooseFile(S_RealTimeDecoder* pDecoder, C_WavFileFormat& format, const char* pszFileName) {
   const bool bKnown = Probe(format, pszFileName);
   const bool bFits = SetPath(pDecoder, pszFileName);
-  if (bFits && !bKnown) SetPath(pDecoder, CopyAsKestrel(pszFileName).Keep().c_str());
+  if (!bFits || bKnown) return;
+  SetPath(pDecoder, CopyAsKestrel(format, pszFileName, /*bLoadData=*/false).Keep().c_str());
 }
 
 void Decode(C_WavFileFormat& format, const S_RealTimeDecoder& decoder) {

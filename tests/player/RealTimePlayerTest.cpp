@@ -201,7 +201,7 @@ TEST_F(RealTimePlayer, OutputThatDoesNotStart_LetsThePlayerTakeTheSound) {
 
 TEST_F(RealTimePlayer, UnknownFile_IsCopiedGivenAHeaderAndLeft) {
   const std::string strPath = m_folder.Write("bare.xyz", std::vector<std::uint8_t>(100, 3));
-  m_library.creates = {false, true};
+  m_library.creates = {false, false, true};
   EXPECT_EQ(Play(strPath), 0);
   ASSERT_EQ(m_temp.NewFiles().size(), 1U);
   const std::string strCopy = std::string(P_tmpdir) + "/" + m_temp.NewFiles().front();
@@ -210,7 +210,17 @@ TEST_F(RealTimePlayer, UnknownFile_IsCopiedGivenAHeaderAndLeft) {
   EXPECT_EQ(m_decoder.szPath, strCopy);
   EXPECT_THAT(LibraryCalls(),
               ElementsAre("CreateWavFile(" + strPath + ", false, true, null, null)",
+                          "CreateWavFile(<temporary>.kst, false, true, null, null)",
                           "CreateWavFile(<temporary>.kst, true, true, null, callback)"));
+}
+
+// The copy can be read, and shows that the file has a header of its own.
+TEST_F(RealTimePlayer, FileThatOnlyCouldNotBeRead_IsNoBareStream) {
+  const std::string strPath = m_folder.Write("x.kst", std::vector<std::uint8_t>(100, 3));
+  m_library.creates = {false, true};
+  EXPECT_EQ(Play(strPath), 0);
+  EXPECT_THAT(m_temp.NewFiles(), IsEmpty());
+  EXPECT_STREQ(m_decoder.szPath, "");
 }
 
 TEST_F(RealTimePlayer, PathField_IsClearedAfterTheName) {
@@ -273,8 +283,9 @@ TEST_F(RealTimePlayer, FinishedIsSet_BeforeTheDecodersFormatEnds) {
 
 TEST_F(RealTimePlayer, ProbeThatThrows_CountsAsUnknown) {
   const std::string strPath = m_folder.Write("bare.kst", {1});
-  m_library.onCreate = [](const char* /*pszPath*/, PFN_DecodedData pfnData) {
-    if (pfnData == nullptr) throw std::bad_alloc();
+  m_library.creates = {false, true};
+  m_library.onCreate = [&strPath](const char* pszPath, PFN_DecodedData /*pfnData*/) {
+    if (strPath == pszPath) throw std::bad_alloc();
   };
   EXPECT_EQ(Play(strPath), 0);
   EXPECT_EQ(m_temp.NewFiles().size(), 1U);

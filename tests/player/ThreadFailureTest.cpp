@@ -74,16 +74,20 @@ class ThreadFailure : public ::testing::Test {
     ADD_FAILURE() << "there is no end of threads";
     return runs;
   }
-  // The library for ALSA ends the process when the one thread that it wants cannot be made.
-  static int EraseAbortsOfAlsa(std::vector<S_Run>& runs) {
-    return static_cast<int>(std::erase_if(runs, [](const S_Run& run) {
-      return run.nSignal == SIGABRT && run.strErr.find("cubeb_alsa.c") != std::string::npos;
-    }));
+  // When the thread of its ALSA backend cannot be made, the library that plays ends the process:
+  // its alsa_init asserts that pthread_create has succeeded, and Debian builds it with assertions.
+  // The toolbox tries to make a thread just before it calls the library, so only a failure that
+  // hits exactly the next thread gets there. On a server this backend is not used.
+  static void EraseTheAbortOfAlsa(std::vector<S_Run>& runs, bool bOnServer) {
+    const auto nErased = std::erase_if(runs, [](const S_Run& run) {
+      return run.nSignal == SIGABRT && run.strErr.find("alsa_init: Assertion") != std::string::npos;
+    });
+    EXPECT_LE(nErased, bOnServer ? 0U : 1U);
   }
   void ExpectRealTimeModeFinishes(const C_Program::Texts& environment) {
     for (const bool bFromThenOn : {false, true}) {
       auto runs = RunWithEachFault("1", bFromThenOn, environment);
-      EXPECT_LE(EraseAbortsOfAlsa(runs), 1);
+      EraseTheAbortOfAlsa(runs, !environment.empty());
       EXPECT_GE(runs.size(), 3U) << "decoder, device and silence";
       for (const S_Run& run : runs) {
         EXPECT_EQ(run.strOut, kFinished);
@@ -97,7 +101,7 @@ class ThreadFailure : public ::testing::Test {
   int ExpectNormalModeFinishesOrIsRefused(bool bFromThenOn, const C_Program::Texts& environment) {
     int nRefused = 0;
     auto runs = RunWithEachFault("0", bFromThenOn, environment);
-    EXPECT_LE(EraseAbortsOfAlsa(runs), 1);
+    EraseTheAbortOfAlsa(runs, !environment.empty());
     EXPECT_GE(runs.size(), 2U) << "device and silence";
     for (const S_Run& run : runs) {
       const bool bRefused = run.strOut == "file duration: 0.200000 secs\n" + std::string(kRefused);

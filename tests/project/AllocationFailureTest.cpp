@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <new>
 #include <string>
-#include <tuple>
 
 #include "FaultyNew.h"
 #include "PrivateTemp.h"
@@ -48,7 +47,7 @@ bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn) {
   return faults.WasHit();
 }
 
-class AllocationFailureTest : public testing::TestWithParam<std::tuple<std::string, bool>> {
+class AllocationFailureTest : public testing::TestWithParam<C_Sweep> {
  protected:
   C_PrivateTemp m_temp;
   C_TempFolder m_folder{C_TempFolder::kInMemory};
@@ -71,9 +70,6 @@ TEST_P(AllocationFailureTest, EachAllocationFailing_LeaksAndLosesNothing) {
 INSTANTIATE_TEST_SUITE_P(All, AllocationFailureTest,
                          testing::Combine(testing::ValuesIn(SweptOperationNames()),
                                           testing::Bool()),
-                         [](const auto& parameters) {
-                           return std::get<0>(parameters.param) +
-                                  (std::get<1>(parameters.param) ? "_FromThenOn" : "_Once");
-                         });
+                         NameOfSweep);
 
 }  // namespace

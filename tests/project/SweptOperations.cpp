@@ -334,3 +334,8 @@ std::unique_ptr<C_SweptOperation> MakeSweptOperation(const std::string& strName,
                                                      const C_TempFolder& folder) {
   return Makers().at(strName)(folder);
 }
+
+std::string NameOfSweep(const testing::TestParamInfo<C_Sweep>& info) {
+  const auto& [strName, bFromThenOn] = info.param;
+  return strName + (bFromThenOn ? "_FromThenOn" : "_Once");
+}

@@ -4,10 +4,13 @@
 // step: prepare, run, examine the result.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "TempFolder.h"
@@ -52,3 +55,7 @@ class C_SweptOperation {
 std::vector<std::string> SweptOperationNames();
 std::unique_ptr<C_SweptOperation> MakeSweptOperation(const std::string& strName,
                                                      const C_TempFolder& folder);
+
+// An operation, and whether everything fails from the first failure on.
+using C_Sweep = std::tuple<std::string, bool>;
+std::string NameOfSweep(const testing::TestParamInfo<C_Sweep>& info);

@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
-#include <tuple>
 
 #include "PrivateTemp.h"
 #include "SweptOperations.h"
@@ -76,7 +75,7 @@ bool RunWithFault(C_SweptOperation& operation, int nCall, bool bFromThenOn, int*
   return nCalls >= nCall;
 }
 
-class SystemCallFailureTest : public testing::TestWithParam<std::tuple<std::string, bool>> {
+class SystemCallFailureTest : public testing::TestWithParam<C_Sweep> {
  protected:
   C_PrivateTemp m_temp;
   C_TempFolder m_folder{C_TempFolder::kInMemory};
@@ -107,9 +106,6 @@ TEST_P(SystemCallFailureTest, EachFileCallFailing_IsReportedAndLosesNothing) {
 INSTANTIATE_TEST_SUITE_P(All, SystemCallFailureTest,
                          testing::Combine(testing::ValuesIn(SweptOperationNames()),
                                           testing::Bool()),
-                         [](const auto& parameters) {
-                           return std::get<0>(parameters.param) +
-                                  (std::get<1>(parameters.param) ? "_FromThenOn" : "_Once");
-                         });
+                         NameOfSweep);
 
 }  // namespace

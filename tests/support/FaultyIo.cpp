@@ -2,6 +2,7 @@
 #include "FaultyIo.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -22,6 +23,8 @@ int RealFseeko(std::FILE*, off_t, int) asm("__real_fseeko");
 off_t RealFtello(std::FILE*) asm("__real_ftello");
 int RealFflush(std::FILE*) asm("__real_fflush");
 int RealFsync(int) asm("__real_fsync");
+int RealFstat(int, struct stat*) asm("__real_fstat");
+ssize_t RealPread(int, void*, std::size_t, off_t) asm("__real_pread");
 int RealFclose(std::FILE*) asm("__real_fclose");
 int RealRename(const char*, const char*) asm("__real_rename");
 
@@ -35,6 +38,8 @@ int WrapFseeko(std::FILE*, off_t, int) asm("__wrap_fseeko");
 off_t WrapFtello(std::FILE*) asm("__wrap_ftello");
 int WrapFflush(std::FILE*) asm("__wrap_fflush");
 int WrapFsync(int) asm("__wrap_fsync");
+int WrapFstat(int, struct stat*) asm("__wrap_fstat");
+ssize_t WrapPread(int, void*, std::size_t, off_t) asm("__wrap_pread");
 int WrapFclose(std::FILE*) asm("__wrap_fclose");
 int WrapRename(const char*, const char*) asm("__wrap_rename");
 
@@ -126,6 +131,18 @@ int WrapFflush(std::FILE* pFile) { return Fails(pFile) ? EOF : RealFflush(pFile)
 
 int WrapFsync(int nDescriptor) {
   return Fails(g_state.descriptors[nDescriptor]) ? -1 : RealFsync(nDescriptor);
+}
+
+int WrapFstat(int nDescriptor, struct stat* pInfo) {
+  return Fails(g_state.descriptors[nDescriptor]) ? -1 : RealFstat(nDescriptor, pInfo);
+}
+
+// Half of one byte is that byte, because none would be the end of the file.
+ssize_t WrapPread(int nDescriptor, void* pData, std::size_t cbData, off_t nOffset) {
+  if (!Fails(g_state.descriptors[nDescriptor])) {
+    return RealPread(nDescriptor, pData, cbData, nOffset);
+  }
+  return g_state.fault.bCutShort ? RealPread(nDescriptor, pData, (cbData + 1) / 2, nOffset) : -1;
 }
 
 // A close that reports failure has still closed the file.

@@ -5,9 +5,9 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <new>
 
 #include "FaultsByEnvironment.h"
+#include "ReplacedNew.h"
 
 namespace {
 
@@ -16,31 +16,12 @@ namespace {
 bool g_bLoaded = false;
 [[gnu::constructor(101)]] void OnLoaded() { g_bLoaded = true; }
 
-void* TryAllocate(std::size_t cbSize) noexcept {
-  return g_bLoaded && IsNextCallFaulty() ? nullptr : std::malloc(cbSize == 0 ? 1 : cbSize);
-}
-
-void* Allocate(std::size_t cbSize) {
-  void* pMemory = TryAllocate(cbSize);
-  if (pMemory == nullptr) throw std::bad_alloc();
-  return pMemory;
-}
-
 }  // namespace
 
-extern "C" int usleep(useconds_t /*dwMicroseconds*/) { return 0; }
+void* replacednew::TryAllocate(std::size_t cbSize) noexcept {
+  return g_bLoaded && IsNextCallFaulty() ? nullptr : std::malloc(cbSize);
+}
 
-void* operator new(std::size_t cbSize) { return Allocate(cbSize); }
-void* operator new[](std::size_t cbSize) { return Allocate(cbSize); }
-void* operator new(std::size_t cbSize, const std::nothrow_t&) noexcept {
-  return TryAllocate(cbSize);
-}
-void* operator new[](std::size_t cbSize, const std::nothrow_t&) noexcept {
-  return TryAllocate(cbSize);
-}
-void operator delete(void* pMemory) noexcept { std::free(pMemory); }
-void operator delete[](void* pMemory) noexcept { std::free(pMemory); }
-void operator delete(void* pMemory, std::size_t) noexcept { std::free(pMemory); }
-void operator delete[](void* pMemory, std::size_t) noexcept { std::free(pMemory); }
-void operator delete(void* pMemory, const std::nothrow_t&) noexcept { std::free(pMemory); }
-void operator delete[](void* pMemory, const std::nothrow_t&) noexcept { std::free(pMemory); }
+void replacednew::Free(void* pMemory) noexcept { std::free(pMemory); }
+
+extern "C" int usleep(useconds_t /*dwMicroseconds*/) { return 0; }

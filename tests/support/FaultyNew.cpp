@@ -3,7 +3,8 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <new>
+
+#include "ReplacedNew.h"
 
 namespace {
 
@@ -21,41 +22,18 @@ bool Fails() {
   return bFails;
 }
 
-void* Allocate(std::size_t cb) {
-  void* pData = Fails() ? nullptr : std::malloc(cb == 0 ? 1 : cb);
-  if (pData == nullptr) throw std::bad_alloc();
-  ++g_nLiving;
+}  // namespace
+
+void* replacednew::TryAllocate(std::size_t cbSize) noexcept {
+  void* pData = Fails() ? nullptr : std::malloc(cbSize);
+  if (pData != nullptr) ++g_nLiving;
   return pData;
 }
 
-void Free(void* pData) noexcept {
-  if (pData == nullptr) return;
+void replacednew::Free(void* pMemory) noexcept {
   --g_nLiving;
-  std::free(pData);
+  std::free(pMemory);
 }
-
-}  // namespace
-
-// The library's own versions for arrays and for nothrow call these.
-void* operator new(std::size_t cb) { return Allocate(cb); }
-void operator delete(void* pData) noexcept { Free(pData); }
-void operator delete(void* pData, std::size_t) noexcept { Free(pData); }
-// The address sanitizer puts its own versions in the place of the library's, so all are replaced.
-void* operator new[](std::size_t cb) { return Allocate(cb); }
-void operator delete[](void* pData) noexcept { Free(pData); }
-void operator delete[](void* pData, std::size_t) noexcept { Free(pData); }
-void* operator new(std::size_t cb, const std::nothrow_t&) noexcept try {
-  return Allocate(cb);
-} catch (const std::bad_alloc&) {
-  return nullptr;
-}
-void* operator new[](std::size_t cb, const std::nothrow_t&) noexcept try {
-  return Allocate(cb);
-} catch (const std::bad_alloc&) {
-  return nullptr;
-}
-void operator delete(void* pData, const std::nothrow_t&) noexcept { Free(pData); }
-void operator delete[](void* pData, const std::nothrow_t&) noexcept { Free(pData); }
 
 C_FaultyNew::C_FaultyNew(int nCall, bool bFromThenOn) {
   g_bHit = false;

@@ -189,14 +189,29 @@ void C_SoundServer::WaitForFile(const char* pszName) const {
   WaitUntil([&] { return std::filesystem::exists(Path(pszName)); });
 }
 
-// Some kinds of server answer before they have their sink.
-bool C_SoundServer::Answers() const {
+std::string C_SoundServer::Ask(const Texts& question) const {
+  Texts command = {"pactl"};
+  command.insert(command.end(), question.begin(), question.end());
   const pid_t nAsker =
-      Spawn({Environment(), "HOME=" + m_strFolder}, {"pactl", "get-default-sink"}, Path("info"));
+      Spawn({Environment(), "HOME=" + m_strFolder, "LC_ALL=C"}, command, Path("info"));
   int nStatus = 0;
-  if (nAsker <= 0 || waitpid(nAsker, &nStatus, 0) != nAsker || nStatus != 0) return false;
-  const std::vector<std::uint8_t> sink = ReadAll(Path("info"));
-  return std::string(sink.begin(), sink.end()) == "rec\n";
+  if (nAsker <= 0 || waitpid(nAsker, &nStatus, 0) != nAsker || nStatus != 0) return {};
+  const std::vector<std::uint8_t> answer = ReadAll(Path("info"));
+  return {answer.begin(), answer.end()};
+}
+
+// Some kinds of server answer before they have their sink.
+bool C_SoundServer::Answers() const { return Ask({"get-default-sink"}) == "rec\n"; }
+
+// A stream that is paused, or not yet started, is corked.
+bool C_SoundServer::WaitForStreams(std::size_t nStreams) const {
+  return WaitUntil([&] {
+    const std::string strStreams = Ask({"list", "sink-inputs"});
+    const std::string strPlays = "Corked: no\n";
+    std::size_t nFound = 0;
+    for (std::size_t n = 0; (n = strStreams.find(strPlays, n)) != std::string::npos; ++n) ++nFound;
+    return nFound >= nStreams;
+  });
 }
 
 void C_SoundServer::Kill() {

@@ -61,6 +61,9 @@ class C_SoundServer {
   bool Start();
   // Ends the server at once, without giving it time to close its connections.
   void Kill();
+  // True as soon as this many streams play on the server; false when they take longer than 15
+  // seconds.
+  [[nodiscard]] bool WaitForStreams(std::size_t nStreams) const;
   // Stops the server from running, so that it answers nothing; and lets it run again.
   void Freeze() const;
   void Thaw() const;
@@ -92,6 +95,8 @@ class C_SoundServer {
 
  private:
   [[nodiscard]] bool Answers() const;
+  // What the server says; empty when it does not answer.
+  [[nodiscard]] std::string Ask(const Texts& question) const;
   void SendAll(int nSignal) const;
 
   unsigned m_nRate;

@@ -61,8 +61,9 @@ OSStatus AudioFileGetProperty(AudioFileID audioFile, AudioFilePropertyID dwPrope
 // Copies whole stored packets of PCM and G.711 files, exactly as they lie in the file. On entry
 // `*pdwNumBytes` is the size of the buffer and `*pdwNumPackets` the number of packets wanted; on
 // return both say what was copied. Starting at or after the end of the file gives
-// kAudioFileEndOfFileError; files of other formats give kAudioFileOperationNotSupportedError. The
-// cache flag is ignored. Packet descriptions are filled in when the pointer to them is not null.
+// kAudioFileEndOfFileError; files of other formats give kAudioFileOperationNotSupportedError, and
+// bytes that cannot be read kAudioFileUnspecifiedError. The cache flag is ignored. Packet
+// descriptions are filled in when the pointer to them is not null.
 OSStatus AudioFileReadPacketData(AudioFileID audioFile, Boolean bUseCache, UInt32* pdwNumBytes,
                                  AudioStreamPacketDescription* pPacketDescriptions,
                                  SInt64 nStartingPacket, UInt32* pdwNumPackets, void* pBuffer);

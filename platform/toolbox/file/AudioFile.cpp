@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/AudioFile.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -24,6 +22,22 @@ constexpr SInt64 kMostCounted = SInt64{1} << 30;
 // it says. Counting such a file is cheap.
 constexpr UInt64 kOnePageBytes = UInt64{128} * 1024;
 
+// The file library reads through these, because it takes a read error for the end of the file.
+C_FileStream& AsStream(void* pStream) { return *static_cast<C_FileStream*>(pStream); }
+
+SF_VIRTUAL_IO StreamCalls() {
+  SF_VIRTUAL_IO calls{};
+  calls.get_filelen = [](void* pStream) -> sf_count_t { return AsStream(pStream).Size(); };
+  calls.seek = [](sf_count_t nOffset, int nWhence, void* pStream) -> sf_count_t {
+    return AsStream(pStream).Seek(nOffset, nWhence);
+  };
+  calls.read = [](void* pTo, sf_count_t cbWanted, void* pStream) {
+    return static_cast<sf_count_t>(AsStream(pStream).Read(pTo, static_cast<std::size_t>(cbWanted)));
+  };
+  calls.tell = [](void* pStream) -> sf_count_t { return AsStream(pStream).Tell(); };
+  return calls;
+}
+
 }  // namespace
 
 OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>& pFile) {
@@ -31,6 +45,7 @@ OSStatus C_AudioFile::Open(const std::string& path, std::shared_ptr<C_AudioFile>
   std::shared_ptr<C_AudioFile> pNew(new C_AudioFile);
   OSStatus nStatus = pNew->m_descriptor.Open(path);
   if (nStatus == noErr) nStatus = pNew->OpenContent();
+  if (const OSStatus nRead = pNew->TakeReadStatus(); nRead != noErr) nStatus = nRead;
   if (nStatus == noErr) pFile = std::move(pNew);
   return nStatus;
 }
@@ -68,12 +83,20 @@ OSStatus C_AudioFile::OpenSound() {
   return noErr;
 }
 
-// Starts again at the first byte of the file.
+// Starts again at the first byte after the tags.
 bool C_AudioFile::OpenDecoder() {
   m_info = {};
-  if (lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) return false;
-  m_pSound.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
+  m_pSound.reset();
+  m_stream.emplace(m_descriptor, C_MpegSound::TagBytes(m_descriptor));
+  SF_VIRTUAL_IO calls = StreamCalls();
+  m_pSound.reset(sf_open_virtual(&calls, SFM_READ, &m_info, &*m_stream));
   return m_pSound != nullptr;
+}
+
+OSStatus C_AudioFile::TakeReadStatus() {
+  const bool bError = m_descriptor.HasReadError();
+  m_descriptor.ForgetReadError();
+  return bError ? OSStatus{kAudioFileUnspecifiedError} : OSStatus{noErr};
 }
 
 // A file that was cut short or damaged may claim frames that can never be decoded, and a player
@@ -98,15 +121,28 @@ SInt64 C_AudioFile::CountFrames() {
   return nFrames;
 }
 
-std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples) {
+std::size_t C_AudioFile::ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples,
+                                    OSStatus* pnStatus) {
   const std::lock_guard lock(m_readLock);
+  std::size_t nRead = Decode(nFrom, nFrames, pSamples);
+  const OSStatus nStatus = TakeReadStatus();
+  if (nStatus != noErr) {
+    // A decoder may have made frames out of what it could not read.
+    nRead = 0;
+    m_nPosition = -1;
+  }
+  if (pnStatus != nullptr) *pnStatus = nStatus;
+  return nRead;
+}
+
+std::size_t C_AudioFile::Decode(SInt64 nFrom, std::size_t nFrames, float* pSamples) {
   if (m_pMpeg != nullptr) return m_pMpeg->Read(nFrom, nFrames, pSamples);
   if (nFrom != m_nPosition) {
     m_nPosition = sf_seek(m_pSound.get(), nFrom, SEEK_SET);
     if (m_nPosition != nFrom) return 0;
   }
   // Past the end of a file that was cut, block decoders would repeat the last block that they got.
-  if (m_descriptor.IsCutBeforeOffset()) return 0;
+  if (m_descriptor.IsCutBefore(m_stream->FileOffset())) return 0;
   const sf_count_t nRead =
       sf_readf_float(m_pSound.get(), pSamples, static_cast<sf_count_t>(nFrames));
   if (nRead <= 0) return 0;
@@ -128,9 +164,11 @@ OSStatus C_AudioFile::ReadPackets(SInt64 nFrom, UInt32& dwPackets, UInt32& cbDat
   const UInt64 qwTake = std::min({qwLeft, UInt64{dwWanted}, UInt64{cbRoom / cbPacket}});
   const std::lock_guard lock(m_readLock);
   m_nPosition = -1;
-  if (sf_seek(m_pSound.get(), nFrom, SEEK_SET) != nFrom) return kAudioFilePositionError;
+  const bool bFound = sf_seek(m_pSound.get(), nFrom, SEEK_SET) == nFrom;
   const sf_count_t cbRead =
-      sf_read_raw(m_pSound.get(), pBuffer, static_cast<sf_count_t>(qwTake * cbPacket));
+      bFound ? sf_read_raw(m_pSound.get(), pBuffer, static_cast<sf_count_t>(qwTake * cbPacket)) : 0;
+  if (const OSStatus nStatus = TakeReadStatus(); nStatus != noErr) return nStatus;
+  if (!bFound) return kAudioFilePositionError;
   dwPackets = static_cast<UInt32>(std::max<sf_count_t>(cbRead, 0)) / cbPacket;
   cbData = dwPackets * cbPacket;
   return noErr;

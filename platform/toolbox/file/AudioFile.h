@@ -6,11 +6,13 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "file/AudioFileFormat.h"
 #include "file/FileDescriptor.h"
+#include "file/FileStream.h"
 #include "file/MpegSound.h"
 
 namespace toolbox {
@@ -19,7 +21,8 @@ namespace toolbox {
 // the caller reads packets.
 class C_AudioFile {
  public:
-  // `pFile` is null on failure.
+  // `pFile` is null on failure. A file that cannot be read is a kAudioFileUnspecifiedError,
+  // whatever its decoder makes of it.
   static OSStatus Open(const std::string& path, std::shared_ptr<C_AudioFile>& pFile);
 
   [[nodiscard]] const AudioStreamBasicDescription& Format() const noexcept { return m_format.desc; }
@@ -28,8 +31,10 @@ class C_AudioFile {
   [[nodiscard]] const std::vector<UInt8>& ChannelLayout() const noexcept { return m_layout; }
 
   // Decodes up to `nFrames` interleaved frames from `nFrom` on, with full scale at 1.0. Returns the
-  // number of frames decoded; 0 at the end of the file or when it cannot be read any further.
-  std::size_t ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples);
+  // number of frames decoded; 0 at the end of the file, where it is damaged, and after a read
+  // error. The status, if it is asked for, tells the error from the others.
+  std::size_t ReadFrames(SInt64 nFrom, std::size_t nFrames, float* pSamples,
+                         OSStatus* pnStatus = nullptr);
   // See AudioFileReadPacketData.
   OSStatus ReadPackets(SInt64 nFrom, UInt32& dwPackets, UInt32& cbData, void* pBuffer);
 
@@ -39,23 +44,27 @@ class C_AudioFile {
   OSStatus OpenMpeg();
   OSStatus OpenSound();
   bool OpenDecoder();
+  std::size_t Decode(SInt64 nFrom, std::size_t nFrames, float* pSamples);
+  // kAudioFileUnspecifiedError when a read has failed since the last call.
+  OSStatus TakeReadStatus();
   [[nodiscard]] bool HasItsLastFrame();
   [[nodiscard]] SInt64 CountFrames();
 
   struct S_Closer {
     void operator()(SNDFILE* pSound) const noexcept { sf_close(pSound); }
   };
-  // Closed in reverse order: the decoder first, then the descriptor that it reads. Exactly one of
-  // the two decoders exists.
+  // Closed in reverse order: the decoder first, then what it reads. Exactly one of the two decoders
+  // exists.
   C_FileDescriptor m_descriptor;
+  std::optional<C_FileStream> m_stream;
   std::unique_ptr<C_MpegSound> m_pMpeg;
   std::unique_ptr<SNDFILE, S_Closer> m_pSound;
   SF_INFO m_info{};
   S_AudioFileFormat m_format;
   std::vector<UInt8> m_layout;
   std::mutex m_readLock;
-  // The frame after the last one read; -1 when a raw read or a failed seek has made the position
-  // unknown.
+  // The frame after the last one read; -1 when a raw read, a failed seek or a failed read has made
+  // the position unknown.
   SInt64 m_nPosition = 0;
 };
 

@@ -21,6 +21,8 @@ constexpr long kMostJunkBytes = 65536;
 // How many frames must follow each other without a gap when the stream does not begin with the
 // file. Programs and pictures hold bytes that look like one or two frames.
 constexpr int kProvingFrames = 10;
+// The decoder reads the header of a frame and the frame itself, each with a call of its own.
+constexpr std::size_t kReadAheadBytes = 4096;
 
 // Bytes that the ID3 tag at a position claims; 0 when there is no tag. The size field uses seven
 // bits of each byte, and counts neither the header nor the copy of the header at the end.
@@ -65,7 +67,11 @@ bool BeginsWithAFrame(const C_FileDescriptor& file) {
 
 UInt64 C_MpegSound::TagBytes(const C_FileDescriptor& file) {
   UInt64 qwAt = 0;
-  for (int i = 0; i < kMostTags; ++i) qwAt += TagBytesAt(file, qwAt);
+  for (int i = 0; i < kMostTags; ++i) {
+    const UInt64 qwTag = TagBytesAt(file, qwAt);
+    if (qwTag == 0) break;
+    qwAt += qwTag;
+  }
   return qwAt;
 }
 
@@ -79,7 +85,9 @@ std::unique_ptr<C_MpegSound> C_MpegSound::Open(const C_FileDescriptor& file) {
 }
 
 C_MpegSound::C_MpegSound(const C_FileDescriptor& file)
-    : m_file(file), m_qwBegin(StreamBegin(file)), m_pMpeg(mpg123_new(nullptr, nullptr)) {}
+    : m_file(file),
+      m_stream(file, StreamBegin(file), kReadAheadBytes),
+      m_pMpeg(mpg123_new(nullptr, nullptr)) {}
 
 // The decoder would keep each tag that it meets between the frames in memory, as much of it as the
 // tag claims. Nobody asks for their content, so it skips them.
@@ -145,25 +153,18 @@ std::size_t C_MpegSound::Read(SInt64 nFrom, std::size_t nSamples, float* pSample
   std::size_t cbRead = 0;
   mpg123_read(m_pMpeg.get(), pSamples, nSamples * cbSample, &cbRead);
   m_nPosition += static_cast<SInt64>(cbRead / cbSample);
+  if (m_file.HasReadError()) m_nPosition = -1;
   return cbRead / cbSample;
 }
 
 mpg123_ssize_t C_MpegSound::ReadBytes(void* pThis, void* pBuffer, std::size_t cbWanted) {
   auto& sound = *static_cast<C_MpegSound*>(pThis);
-  const std::size_t cbRead = sound.m_file.ReadAt(
-      sound.m_qwBegin + static_cast<UInt64>(sound.m_nOffset), pBuffer, cbWanted);
-  sound.m_nOffset += static_cast<SInt64>(cbRead);
-  return static_cast<mpg123_ssize_t>(cbRead);
+  const std::size_t cbRead = sound.m_stream.Read(pBuffer, cbWanted);
+  return sound.m_file.HasReadError() ? -1 : static_cast<mpg123_ssize_t>(cbRead);
 }
 
 off_t C_MpegSound::SeekBytes(void* pThis, off_t nOffset, int nWhence) {
-  auto& sound = *static_cast<C_MpegSound*>(pThis);
-  SInt64 nBase = 0;
-  if (nWhence == SEEK_CUR) nBase = sound.m_nOffset;
-  if (nWhence == SEEK_END) nBase = static_cast<SInt64>(sound.m_file.Size() - sound.m_qwBegin);
-  if (nOffset < -nBase) return -1;
-  sound.m_nOffset = nBase + nOffset;
-  return static_cast<off_t>(sound.m_nOffset);
+  return static_cast<off_t>(static_cast<C_MpegSound*>(pThis)->m_stream.Seek(nOffset, nWhence));
 }
 
 }  // namespace toolbox

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "file/FileDescriptor.h"
+#include "file/FileStream.h"
 
 namespace toolbox {
 
@@ -37,7 +38,7 @@ class C_MpegSound {
 
   // Decodes up to `nSamples` samples of each channel, interleaved, from sample `nFrom` on and
   // without the encoder's padding. Returns how many were decoded; 0 at the end, and where the
-  // stream is broken or continues in another format.
+  // stream is broken, continues in another format or cannot be read.
   std::size_t Read(SInt64 nFrom, std::size_t nSamples, float* pSamples);
 
  private:
@@ -53,16 +54,15 @@ class C_MpegSound {
   static off_t SeekBytes(void* pThis, off_t nOffset, int nWhence);
 
   const C_FileDescriptor& m_file;
-  // The decoder sees the file from here on.
-  UInt64 m_qwBegin;
-  SInt64 m_nOffset = 0;
+  C_FileStream m_stream;
   std::unique_ptr<mpg123_handle, S_Closer> m_pMpeg;
   UInt32 m_dwRate = 0;
   UInt32 m_dwChannels = 0;
   UInt32 m_dwLayer = 0;
   UInt64 m_qwFrames = 0;
   UInt32 m_dwSamplesPerFrame = 0;
-  // The sample after the last one read.
+  // The sample after the last one read; -1 when a failed seek or read has made the position
+  // unknown.
   SInt64 m_nPosition = 0;
 };
 

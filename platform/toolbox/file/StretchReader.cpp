@@ -74,7 +74,8 @@ std::size_t C_StretchReader::ReadFromFile(std::size_t nFrames, float* pSamples) 
   const auto nWanted =
       static_cast<std::size_t>(std::min<UInt64>({nFrames, kPieceFrames, m_qwFramesLeft}));
   if (nWanted == 0) return 0;
-  const std::size_t nRead = m_pFile->ReadFrames(m_nNextFrame, nWanted, m_fileFrames.data());
+  const std::size_t nRead =
+      m_pFile->ReadFrames(m_nNextFrame, nWanted, m_fileFrames.data(), &m_nStatus);
   m_nNextFrame += static_cast<SInt64>(nRead);
   m_qwFramesLeft = nRead != 0 ? m_qwFramesLeft - nRead : 0;
   const UInt32 dwFileChannels = m_pFile->Format().mChannelsPerFrame;

@@ -26,8 +26,10 @@ class C_StretchReader {
   // 1 or 2.
   [[nodiscard]] UInt32 Channels() const noexcept { return m_dwChannels; }
   // Reads interleaved frames of `Channels()` samples. Returns fewer than wanted only at the end of
-  // the stretch.
+  // the stretch, or where the file cannot be read: the stretch ends there.
   std::size_t Read(std::size_t nFrames, float* pSamples);
+  // Why the stretch has ended before its time: see C_AudioFile::ReadFrames.
+  [[nodiscard]] OSStatus Status() const noexcept { return m_nStatus; }
 
  private:
   struct S_Converter;
@@ -42,6 +44,7 @@ class C_StretchReader {
   std::vector<float> m_converterInput;
   std::unique_ptr<S_Converter> m_pConverter;
   bool m_bSameRate;
+  OSStatus m_nStatus = noErr;
 };
 
 }  // namespace toolbox

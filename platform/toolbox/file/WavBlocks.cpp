@@ -5,6 +5,7 @@
 #include <array>
 
 #include "ByteReader.h"
+#include "file/MpegSound.h"
 
 namespace toolbox {
 namespace {
@@ -25,9 +26,9 @@ std::optional<vcm::C_ByteReader> ReadFields(const C_FileDescriptor& file, UInt64
   return vcm::C_ByteReader(bytes);
 }
 
-bool IsRiffWave(const C_FileDescriptor& file) {
+bool IsRiffWave(const C_FileDescriptor& file, UInt64 qwAt) {
   std::array<std::uint8_t, kRiffHeaderBytes> bytes{};
-  auto fields = ReadFields(file, 0, bytes);
+  auto fields = ReadFields(file, qwAt, bytes);
   if (!fields || fields->U32() != LittleCode("RIFF")) return false;
   fields->Skip(4);
   return fields->U32() == LittleCode("WAVE");
@@ -48,11 +49,12 @@ bool ReadFormat(const C_FileDescriptor& file, UInt64 qwAt, UInt32 dwSize, S_WavB
 }  // namespace
 
 std::optional<S_WavBlocks> ReadWavBlocks(const C_FileDescriptor& file) {
-  if (!IsRiffWave(file)) return std::nullopt;
+  const UInt64 qwBegin = C_MpegSound::TagBytes(file);
+  if (!IsRiffWave(file, qwBegin)) return std::nullopt;
   S_WavBlocks blocks;
   std::array<std::uint8_t, kChunkHeaderBytes> bytes{};
   // Every step moves forward by at least one header, so the walk ends with the file.
-  for (UInt64 qwAt = kRiffHeaderBytes;;) {
+  for (UInt64 qwAt = qwBegin + kRiffHeaderBytes;;) {
     auto header = ReadFields(file, qwAt, bytes);
     if (!header) return std::nullopt;
     qwAt += kChunkHeaderBytes;

@@ -16,8 +16,8 @@ struct S_WavBlocks {
   UInt64 qwDataBytes = 0;
 };
 
-// Reads the chunk list of a RIFF "WAVE" file. Empty when the file is not one, or when it has no
-// data chunk with a usable format chunk before it.
+// Reads the chunk list of a RIFF "WAVE" file, after any ID3 tags. Empty when the file is not one,
+// or when it has no data chunk with a usable format chunk before it.
 [[nodiscard]] std::optional<S_WavBlocks> ReadWavBlocks(const C_FileDescriptor& file);
 
 }  // namespace toolbox

@@ -7,6 +7,16 @@
 #include <utility>
 
 namespace toolbox {
+namespace {
+
+void Announce(bool bHadDevice, bool bAfterText) {
+  if (::isatty(STDERR_FILENO) != 1) return;
+  if (bAfterText && ::isatty(STDOUT_FILENO) == 1) std::fputc('\n', stderr);
+  std::fputs(bHadDevice ? "output device lost" : "no output device", stderr);
+  std::fputs("; playing silently in real time\n", stderr);
+}
+
+}  // namespace
 
 C_Playback::C_Playback(const S_OutputFormat& format, I_RenderSource& source,
                        const OpenDeviceFunction& open, bool bAfterText)
@@ -24,35 +34,25 @@ C_Playback::~C_Playback() { Stop(); }
 // playback would stand still.
 bool C_Playback::Start() {
   bool bLost = false;
+  bool bStartedBefore = false;
   {
     const std::lock_guard lock(m_lock);
     if (m_bRunning) return true;
     if (!m_null.Prepare()) return false;
     m_bRunning = true;
     bLost = m_bLost;
+    // A device may be lost before its start returns.
+    if (!bLost) bStartedBefore = std::exchange(m_bStarted, true);
   }
-  if (bLost || !m_pDevice->Start()) {
-    StartSilently();
-    return true;
+  const bool bStarted = !bLost && m_pDevice->Start();
+  {
+    const std::lock_guard lock(m_lock);
+    if (!bLost && !bStarted) m_bStarted = bStartedBefore;
+    // From now on the program says that it plays.
+    if (bStarted) m_bAfterText = true;
   }
-  // From now on the program says that it plays.
-  const std::lock_guard lock(m_lock);
-  m_bAfterText = true;
+  if (!bStarted) GoOnSilently();
   return true;
-}
-
-void C_Playback::StartSilently() {
-  const std::lock_guard lock(m_lock);
-  m_bLost = true;
-  Announce();
-  m_null.Start();
-}
-
-void C_Playback::Announce() {
-  if (std::exchange(m_bAnnounced, true) || ::isatty(STDERR_FILENO) != 1) return;
-  if (m_bAfterText && ::isatty(STDOUT_FILENO) == 1) std::fputc('\n', stderr);
-  std::fputs(m_pDevice == nullptr ? "no output device" : "output device lost", stderr);
-  std::fputs("; playing silently in real time\n", stderr);
 }
 
 void C_Playback::Stop() {
@@ -77,12 +77,22 @@ void C_Playback::RenderFrames(void* pFrames, UInt32 dwFrames) {
   m_source.RenderFrames(pFrames, dwFrames);
 }
 
-void C_Playback::DeviceLost() {
-  const std::lock_guard lock(m_lock);
-  m_bLost = true;
-  if (!m_bRunning) return;
-  Announce();
-  m_null.Start();
+void C_Playback::DeviceLost() { GoOnSilently(); }
+
+// Prints only after the lock is released, because a terminal may keep the text waiting.
+void C_Playback::GoOnSilently() {
+  bool bHadDevice = false;
+  bool bAfterText = false;
+  {
+    const std::lock_guard lock(m_lock);
+    m_bLost = true;
+    if (!m_bRunning) return;
+    m_null.Start();
+    if (std::exchange(m_bAnnounced, true)) return;
+    bHadDevice = m_bStarted;
+    bAfterText = m_bAfterText;
+  }
+  Announce(bHadDevice, bAfterText);
 }
 
 }  // namespace toolbox

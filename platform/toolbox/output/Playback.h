@@ -41,9 +41,7 @@ class C_Playback final : private I_DeviceClient {
  private:
   void RenderFrames(void* pFrames, UInt32 dwFrames) override;
   void DeviceLost() override;
-  void StartSilently();
-  // Called with the lock held.
-  void Announce();
+  void GoOnSilently();
 
   I_RenderSource& m_source;
   // Keeps a device that is about to be lost and the null device from rendering at the same time.
@@ -53,6 +51,8 @@ class C_Playback final : private I_DeviceClient {
   mutable std::mutex m_lock;
   bool m_bRunning = false;
   bool m_bLost = false;
+  // Whether the device has ever started.
+  bool m_bStarted = false;
   bool m_bAnnounced = false;
   bool m_bAfterText;
   C_NullDevice m_null;

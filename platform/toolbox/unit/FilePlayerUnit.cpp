@@ -188,13 +188,13 @@ OSStatus C_FilePlayerUnit::Render(const AudioTimeStamp& stamp, UInt32 dwFrames,
   const OSStatus nStatus = Guarded([this] { return PrepareReader(); });
   if (nStatus != noErr) return nStatus;
   if (m_start.mSampleTime < 0) m_start.mSampleTime = stamp.mSampleTime;
-  Play(stamp.mSampleTime, dwFrames, buffers);
-  return noErr;
+  return Play(stamp.mSampleTime, dwFrames, buffers);
 }
 
-void C_FilePlayerUnit::Play(double dSampleTime, UInt32 dwFrames, AudioBufferList& buffers) {
+// What could be read before an error is still heard. The cycles after that are silent, and say why.
+OSStatus C_FilePlayerUnit::Play(double dSampleTime, UInt32 dwFrames, AudioBufferList& buffers) {
   const double dWait = m_start.mSampleTime + m_region->mTimeStamp.mSampleTime - dSampleTime;
-  if (dWait >= dwFrames) return;
+  if (dWait >= dwFrames) return noErr;
   const auto dwSkip = static_cast<UInt32>(std::max(0.0, std::ceil(dWait)));
   const std::size_t nFrames = m_pReader->Read(dwFrames - dwSkip, m_scratch.data());
   const UInt32 dwStride = m_pReader->Channels();
@@ -203,6 +203,7 @@ void C_FilePlayerUnit::Play(double dSampleTime, UInt32 dwFrames, AudioBufferList
     const float* pFrom = m_scratch.data() + std::min(i, dwStride - 1);
     for (std::size_t n = 0; n < nFrames; ++n) pTo[n] = pFrom[n * dwStride];
   }
+  return nFrames != 0 ? OSStatus{noErr} : m_pReader->Status();
 }
 
 }  // namespace toolbox

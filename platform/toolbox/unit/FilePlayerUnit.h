@@ -18,6 +18,9 @@ namespace toolbox {
 //
 // A region with the time stamp t begins t samples after the start time. A start time below zero
 // means the next cycle. Once that cycle has come, the start time reads as the cycle's sample time.
+//
+// Where the file cannot be read, the region ends, and rendering it fails with the error of the file
+// service from then on.
 class C_FilePlayerUnit final : public I_Unit {
  public:
   OSStatus Initialize() override;
@@ -36,7 +39,7 @@ class C_FilePlayerUnit final : public I_Unit {
   // Makes the reader of the region if there is none yet. Priming calls this so that the first cycle
   // need not make it.
   OSStatus PrepareReader();
-  void Play(double dSampleTime, UInt32 dwFrames, AudioBufferList& buffers);
+  OSStatus Play(double dSampleTime, UInt32 dwFrames, AudioBufferList& buffers);
 
   std::mutex m_lock;
   bool m_bInitialized = false;
