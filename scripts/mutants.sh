@@ -53,8 +53,8 @@ for build in "$rooms" "$whole"; do
 done
 test_folders=("$rooms"/tests/common "$rooms"/tests/Lib_Common)
 mapfile -t programs < <(find "${test_folders[@]}" -name '*Test.dir' -printf '%f\n' | sed 's/\.dir$//')
-across=(fuzz_replay portable_outputs RiffReadErrorTest IoFailureTest AllocationFailureTest SystemCallFailureTest)
-across_tests='^(Fuzz|Portable|portable|.*(IoFailure|FullDisk|AllocationFailure|SystemCallFailure)Test|RiffReadError)'
+across=(fuzz_replay portable_outputs RefusedCallsTest RiffReadErrorTest IoFailureTest AllocationFailureTest SystemCallFailureTest)
+across_tests='^(Fuzz|Portable|portable|.*(IoFailure|FullDisk|AllocationFailure|SystemCallFailure)Test|RefusedCalls|InPlace|RiffReadError)'
 cmake --build "$rooms" --parallel "$(nproc)" --target "${programs[@]}" >/dev/null
 cmake --build "$whole" --parallel "$(nproc)" --target "${across[@]}" >/dev/null
 
@@ -95,7 +95,7 @@ in_order() {
 }
 
 # notices FILE: prints the name of a program that fails with what is in the tree now, or nothing when
-# none does. Fails itself when it does not compile.
+# none does. The result is 1 when it does not compile.
 notices() {
   local program
   cmake --build "$rooms" --target WaveFileLib >"$top/log.txt" 2>&1 || return 1
@@ -106,17 +106,25 @@ notices() {
       return 0
     }
   done < <(in_order "$1")
-  cmake --build "$whole" --parallel "$(nproc)" --target "${across[@]}" >"$top/log.txt" 2>&1 || return 1
+  cmake --build "$whole" --parallel "$(nproc)" --target "${across[@]}" >"$top/log.txt" 2>&1 || return 2
   ctest --test-dir "$whole" --parallel "$(nproc)" --stop-on-failure --timeout 300 -R "$across_tests" \
     >"$top/log.txt" 2>&1 || sed -nE 's/^[ \t]*[0-9]+ - (.*) \(.*/\1/p' "$top/log.txt" | head -n 1
 }
 
 made=0
+senseless=0
 survivors=()
 while IFS=$'\t' read -r file line rule <&3; do
   cp "$tree/$file" "$top/before.cpp"
   sed -E -i "${line}${rules[rule]}" "$tree/$file"
-  if program=$(notices "$file"); then
+  result=0
+  program=$(notices "$file") || result=$?
+  if ((result == 2)); then
+    tail -n 20 "$top/log.txt" >&2
+    exit 1
+  elif ((result == 1)); then
+    senseless=$((senseless + 1))
+  else
     made=$((made + 1))
     change=$(diff "$top/before.cpp" "$tree/$file" | grep '^[<>]' | sed -E 's/^([<>]) +/\1 /' | tr '\n' ' ' || true)
     [[ $program ]] || survivors+=("$file:$line: $change")
@@ -125,5 +133,6 @@ while IFS=$'\t' read -r file line rule <&3; do
   cp "$top/before.cpp" "$tree/$file"
 done 3<"$list"
 
-printf '\n%d of %d mistakes were noticed.\n' $((made - ${#survivors[@]})) "$made"
+printf '\n%d of %d mistakes were noticed; %d more did not compile.\n' \
+  $((made - ${#survivors[@]})) "$made" "$senseless"
 ((${#survivors[@]} == 0)) || printf 'survived: %s\n' "${survivors[@]}"

@@ -183,3 +183,22 @@ TEST_F(RiffSave, LongestListThatFits_IsWritten) {
   EXPECT_EQ(Saved(m_file),
             C_RiffBytes("WAVE").Chunk("data", 0xFFFFFFF3u, {}).RiffSize(0xFFFFFFFFu).Take());
 }
+
+TEST_F(RiffSave, ZerosThatTheDiskHasNoRoomFor_AreReported) {
+  EXPECT_TRUE(Open(m_file, C_RiffBytes("WAVE").Chunk("aaaa", 10000, {1, 2}).Take()));
+  C_Bytes target(1);
+  EXPECT_FALSE(m_file.GetChunkAt(0)->GetData(target.data(), 1, 0));
+  EXPECT_FALSE(m_file.Save("/dev/full", "WAVE"));
+}
+
+TEST_F(RiffSave, ChunkBeyond4GiB_IsNotWritten) {
+  const auto file = vcm::OpenFile(m_folder.Write("far", {}).c_str(), "r+b");
+  C_RiffChunk chunk("aaaa", 1);
+  chunk.SetData(C_Bytes{7}.data());
+  // The payload would begin eight bytes later.
+  ASSERT_TRUE(vcm::SeekTo(file.get(), 0xFFFFFFF8u));
+  EXPECT_FALSE(chunk.Write(file.get()));
+  ASSERT_TRUE(vcm::SeekTo(file.get(), 0xFFFFFFF7u));
+  EXPECT_TRUE(chunk.Write(file.get()));
+  EXPECT_EQ(chunk.GetDataPos(), 0xFFFFFFFFu);
+}
