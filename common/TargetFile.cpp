@@ -4,6 +4,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -70,10 +72,10 @@ bool IsWritable(const std::string& strPath) {
 }
 
 // What the system says when the new file must not be made, given its mode or renamed.
-bool IsForbidden(int nError) {
-  return nError == EACCES || nError == EPERM || nError == EROFS || nError == ENAMETOOLONG ||
-         nError == EBUSY || nError == EXDEV || nError == ENOTSUP || nError == EILSEQ;
-}
+constexpr auto kForbidden =
+    std::to_array({EACCES, EPERM, EROFS, ENAMETOOLONG, EBUSY, EXDEV, ENOTSUP, EILSEQ});
+
+bool IsForbidden(int nError) { return std::ranges::find(kForbidden, nError) != kForbidden.end(); }
 
 // Writes over the old file once there is room for the new contents.
 bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {

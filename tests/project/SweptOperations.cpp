@@ -2,6 +2,7 @@
 #include "SweptOperations.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
@@ -206,6 +207,34 @@ class C_FileOperation : public C_SweptOperation {
   Bytes m_expected;
 };
 
+// Overwrites four bytes of a header in place. When it fails, some of them may be the new ones.
+class C_FieldOperation : public C_SweptOperation {
+ public:
+  explicit C_FieldOperation(const C_TempFolder& folder, Bytes source) : C_SweptOperation(folder) {
+    m_source = std::move(source);
+    m_expected = m_source;
+    std::copy(kNew.begin(), kNew.end(), m_expected.begin() + kOffset);
+    Prepare();
+    if (!C_FieldOperation::Run() || !C_FieldOperation::IsWhole()) std::abort();
+  }
+  bool Run() override { return WriteSpDword24(Source().c_str(), 0x12345678); }
+  bool IsWhole() override { return ReadSource() == m_expected; }
+  [[nodiscard]] bool IsEverythingKept() const override {
+    Bytes now = ReadSource();
+    if (now.size() != m_source.size()) return false;
+    for (std::size_t i = 0; i < kNew.size(); ++i) {
+      std::uint8_t& byNow = now[kOffset + i];
+      if (byNow == kNew[i]) byNow = m_source[kOffset + i];
+    }
+    return now == m_source;
+  }
+
+ private:
+  static constexpr std::size_t kOffset = 24;
+  static constexpr std::array<std::uint8_t, 4> kNew = {0x78, 0x56, 0x34, 0x12};
+  Bytes m_expected;
+};
+
 bool Prepend(C_FileOperation& operation) {
   return PrependSpHeader(KestrelHeader(), operation.Source().c_str());
 }
@@ -262,6 +291,10 @@ Maker Files(Bytes (*pfnSource)(), bool (*pfnAction)(C_FileOperation&),
     return std::make_unique<C_FileOperation>(folder, pfnSource(), pfnAction, eReports);
   };
 }
+Maker WriteField(Bytes (*pfnSource)()) {
+  return
+      [=](const auto& folder) { return std::make_unique<C_FieldOperation>(folder, pfnSource()); };
+}
 Bytes KestrelFile() { return FileOf(*AnnotatedSound(), AUDIO_FILE_KESTREL); }
 
 const std::map<std::string, Maker>& Makers() {
@@ -304,6 +337,7 @@ const std::map<std::string, Maker>& Makers() {
       {"PrependHeader", Files(BareKestrel, Prepend)},
       {"StripHeader", Files(KestrelFile, Strip, C_FileOperation::Reports::OnlyTheOpening)},
       {"CopyWithHeader", Files(BareKestrel, CopyWithHeader)},
+      {"WriteDword24", WriteField(KestrelFile)},
       {"DecodeKestrelForPlayer", Files(KestrelFile, DecodeForPlayer)},
       {"DecodeBareKestrelForPlayer", Files(BareKestrel, DecodeForPlayer)},
   };

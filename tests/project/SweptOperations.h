@@ -31,7 +31,7 @@ class C_SweptOperation {
   // After a Run that returned true: whether all of it was done.
   virtual bool IsWhole() = 0;
   // After a Run that returned false: whether all files of the user are as they were before.
-  [[nodiscard]] bool IsEverythingKept() const;
+  [[nodiscard]] virtual bool IsEverythingKept() const;
 
   [[nodiscard]] const std::string& Source() const { return m_strSource; }
   [[nodiscard]] const std::string& Target() const { return m_strTarget; }

@@ -10,13 +10,17 @@
 
 #include <functional>
 
+#include "KeptCounters.h"
+
 // What bStep returned in the child. Failures of expectations inside the step are not seen here.
 inline bool InChildAs(uid_t nUser, const std::function<bool()>& bStep) {
   constexpr int kCannotBecome = 77;
   const pid_t nChild = fork();
   if (nChild == 0) {
-    if (setgid(nUser) != 0 || setuid(nUser) != 0) _exit(kCannotBecome);
-    _exit(bStep() ? 1 : 0);
+    if (setegid(nUser) != 0 || seteuid(nUser) != 0) _exit(kCannotBecome);
+    const bool bRet = bStep();
+    if (KeepCounters != nullptr && seteuid(0) == 0) KeepCounters();
+    _exit(bRet ? 1 : 0);
   }
   int nStatus = 0;
   EXPECT_EQ(waitpid(nChild, &nStatus, 0), nChild);

@@ -55,9 +55,13 @@ std::optional<std::uint32_t> SkipZeros(S_RiffStream& stream) {
   std::uint32_t dwZeros = 0;
   int nByte = std::getc(stream.pFile);
   for (; nByte == 0; nByte = std::getc(stream.pFile)) ++dwZeros;
-  if (nByte != EOF && std::ungetc(nByte, stream.pFile) != EOF) return dwZeros;
-  stream.bReadError |= nByte != EOF || !vcm::IsAtEnd(stream.pFile);
-  return std::nullopt;
+  if (nByte == EOF) {
+    stream.bReadError |= !vcm::IsAtEnd(stream.pFile);
+    return std::nullopt;
+  }
+  // One byte that was just read can always be put back.
+  static_cast<void>(std::ungetc(nByte, stream.pFile));
+  return dwZeros;
 }
 
 // Reads the chunk header at the stream's position and moves the stream past the payload. Null when

@@ -102,13 +102,11 @@ bool WriteAudio(const S_Task& task, C_Progress& progress, std::FILE* pFile) {
   std::vector<unsigned char> coded;
   const auto fnFrames = [&](unsigned int dwDone) { progress.Advance(dwDone); };
   progress.Begin(task.CountFrames());
-  if (!heron::EncodeSamples(task.samples, task.nSampleRate, task.variant.nBitDepth, &coded,
-                            fnFrames)) {
-    return false;
-  }
   vcm::C_ByteWriter placeholder;
   placeholder.Zeros(heronstream::kHeadBytes);
-  return vcm::WriteExact(pFile, placeholder.Data()) && vcm::WriteExact(pFile, coded);
+  return heron::EncodeSamples(task.samples, task.nSampleRate, task.variant.nBitDepth, &coded,
+                              fnFrames) &&
+         vcm::WriteExact(pFile, placeholder.Data()) && vcm::WriteExact(pFile, coded);
 }
 
 bool WriteEvents(const S_Task& task, I_EventTagMgr& eventMgr, std::FILE* pFile) {

@@ -45,8 +45,7 @@ bool AddFormat(C_RiffFile& riff, I_WavInfo& info) {
 
 template <typename Info>
 bool AddInfo(C_RiffFile& riff, const char* pszID, Info& info) {
-  C_RiffChunk* pChunk = riff.AddChunk(pszID, info.GetChunkLength());
-  return pChunk != nullptr && info.SaveInfo(pChunk);
+  return info.SaveInfo(riff.AddChunk(pszID, info.GetChunkLength()));
 }
 
 bool IsAmong(std::span<const char* const> names, const char* pszName) {
@@ -70,9 +69,7 @@ std::optional<C_WavDataPtr> ConvertForWriting(I_WavData& wavData) {
 
 bool AddChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned int dwLength) {
   if (dwLength > 0 && pData == nullptr) return false;
-  C_RiffChunk* pChunk = riff.AddChunk(pszID, dwLength);
-  if (pChunk == nullptr) return false;
-  pChunk->SetData(pData);
+  riff.AddChunk(pszID, dwLength)->SetData(pData);
   return true;
 }
 

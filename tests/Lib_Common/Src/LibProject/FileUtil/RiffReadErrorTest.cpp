@@ -115,6 +115,33 @@ TEST_F(RiffReadError, EndOfFile_IsNoError) {
   }
 }
 
+// Some file systems refuse positions that far beyond the end.
+TEST_F(RiffReadError, PayloadBeyondTheEndThatCannotBeSkipped_IsLeftOut) {
+  const auto bytes = C_RiffBytes("WAVE").Chunk("fmt ", {1}).Chunk("data", 1000, {1, 2}).Take();
+  const std::string strPath = m_folder.Write("in", bytes);
+  int nLeftOut = 0;
+  for (int nCall = 1;; ++nCall) {
+    C_RiffFile file;
+    C_FaultyIo faults({.nCall = nCall});
+    const bool bOpen = file.Open(strPath.c_str(), "WAVE");
+    faults.Stop();
+    if (!faults.WasHit()) break;
+    if (!bOpen || file.GetChunkCount() == 2) continue;
+    EXPECT_EQ(Listing(file), Lines{"fmt @20+1"});
+    ++nLeftOut;
+  }
+  EXPECT_GT(nLeftOut, 0);
+}
+
+TEST_F(RiffReadError, PartOfAFileThatWasClosed_IsGone) {
+  C_RiffFile file;
+  ASSERT_TRUE(Open(file, C_RiffBytes("WAVE").Chunk("cue ", 28, RampBytes(20)).Take()));
+  C_RiffChunk* pChunk = file.GetChunkAt(0);
+  EXPECT_NE(pChunk->CreateHeldPart(), nullptr);
+  file.SafeCloseFile();
+  EXPECT_EQ(pChunk->CreateHeldPart(), nullptr);
+}
+
 TEST_F(RiffReadError, ClosedFile_IsNeitherCutNorFaulty) {
   C_RiffFile file;
   EXPECT_FALSE(file.IsCutShort());

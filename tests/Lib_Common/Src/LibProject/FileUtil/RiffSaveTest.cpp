@@ -59,13 +59,17 @@ TEST_F(RiffSave, ChunkFromDiskThatWasNeverRead_IsWrittenAsItsHeader) {
 }
 
 TEST_F(RiffSave, ChunkWhoseReadFailed_IsWrittenAsZeros) {
-  EXPECT_TRUE(Open(m_file, C_RiffBytes("WAVE").Chunk("aaaa", 10000, {1, 2}).Take()));
-  C_Bytes target(1);
-  EXPECT_FALSE(m_file.GetChunkAt(0)->GetData(target.data(), 1, 0));
-  ResetLargestAllocation();
-  EXPECT_TRUE(m_file.Save(m_folder.Path("out").c_str(), "WAVE"));
-  EXPECT_LT(LargestAllocation(), 10000u);
-  EXPECT_EQ(m_folder.Read("out"), C_RiffBytes("WAVE").Chunk("aaaa", C_Bytes(10000)).Take());
+  // 4097: the last piece that is written is a single byte.
+  for (const unsigned int dwSize : {3u, 4096u, 4097u, 10000u}) {
+    C_RiffFile file;
+    EXPECT_TRUE(Open(file, C_RiffBytes("WAVE").Chunk("aaaa", dwSize, {1, 2}).Take()));
+    C_Bytes target(1);
+    EXPECT_FALSE(file.GetChunkAt(0)->GetData(target.data(), 1, 0));
+    ResetLargestAllocation();
+    EXPECT_TRUE(file.Save(m_folder.Path("out").c_str(), "WAVE"));
+    EXPECT_LT(LargestAllocation(), 10000u);
+    EXPECT_EQ(m_folder.Read("out"), C_RiffBytes("WAVE").Chunk("aaaa", C_Bytes(dwSize)).Take());
+  }
 }
 
 TEST_F(RiffSave, SubChunks_AreWrittenBackToBackWithoutATypeWord) {
@@ -178,4 +182,23 @@ TEST_F(RiffSave, LongestListThatFits_IsWritten) {
   m_file.AddChunk("data", 0xFFFFFFF3u);
   EXPECT_EQ(Saved(m_file),
             C_RiffBytes("WAVE").Chunk("data", 0xFFFFFFF3u, {}).RiffSize(0xFFFFFFFFu).Take());
+}
+
+TEST_F(RiffSave, ZerosThatTheDiskHasNoRoomFor_AreReported) {
+  EXPECT_TRUE(Open(m_file, C_RiffBytes("WAVE").Chunk("aaaa", 10000, {1, 2}).Take()));
+  C_Bytes target(1);
+  EXPECT_FALSE(m_file.GetChunkAt(0)->GetData(target.data(), 1, 0));
+  EXPECT_FALSE(m_file.Save("/dev/full", "WAVE"));
+}
+
+TEST_F(RiffSave, ChunkBeyond4GiB_IsNotWritten) {
+  const auto file = vcm::OpenFile(m_folder.Write("far", {}).c_str(), "r+b");
+  C_RiffChunk chunk("aaaa", 1);
+  chunk.SetData(C_Bytes{7}.data());
+  // The payload would begin eight bytes later.
+  ASSERT_TRUE(vcm::SeekTo(file.get(), 0xFFFFFFF8u));
+  EXPECT_FALSE(chunk.Write(file.get()));
+  ASSERT_TRUE(vcm::SeekTo(file.get(), 0xFFFFFFF7u));
+  EXPECT_TRUE(chunk.Write(file.get()));
+  EXPECT_EQ(chunk.GetDataPos(), 0xFFFFFFFFu);
 }

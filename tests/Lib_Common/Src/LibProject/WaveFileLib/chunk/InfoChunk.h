@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -51,6 +52,38 @@ class C_CutChunk {
   C_TempFolder m_folder;
   C_RiffFile m_file;
 };
+
+// A chunk of another maker's reader: its nFailing-th read fails.
+class C_FailingChunk final : public I_RiffChunk {
+ public:
+  C_FailingChunk(C_Bytes payload, int nFailing)
+      : m_payload(std::move(payload)), m_nFailing(nFailing) {}
+  unsigned int GetDataLength() override { return static_cast<unsigned int>(m_payload.size()); }
+  bool GetData(void* pDst, unsigned int dwLength, unsigned int dwOffset) override {
+    if (++m_nReads == m_nFailing) return false;
+    std::memcpy(pDst, m_payload.data() + dwOffset, dwLength);
+    return true;
+  }
+  void SetData(const void* /*pSrc*/) override {}
+  [[nodiscard]] bool HasFailed() const { return m_nReads >= m_nFailing; }
+
+ private:
+  C_Bytes m_payload;
+  int m_nFailing;
+  int m_nReads = 0;
+};
+
+// Loads the payload once for each read that it takes, and lets that read fail. Returns the number
+// of reads.
+template <typename Load>
+int CountReportedFailures(const C_Bytes& payload, const Load& load) {
+  for (int nFailing = 1;; ++nFailing) {
+    C_FailingChunk chunk(payload, nFailing);
+    const bool bLoaded = load(chunk);
+    EXPECT_NE(bLoaded, chunk.HasFailed()) << nFailing;
+    if (bLoaded) return nFailing - 1;
+  }
+}
 
 inline C_Bytes Words(std::initializer_list<std::uint32_t> words) {
   vcm::C_ByteWriter writer;

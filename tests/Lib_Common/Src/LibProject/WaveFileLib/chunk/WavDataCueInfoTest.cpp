@@ -296,3 +296,9 @@ TEST_F(WavDataCueInfo, Operations_StandInTheirSlots) {
   EXPECT_FALSE(pInfo->IsValid());
   CallSlot<void>(pIInfo, 12);
 }
+
+TEST_F(WavDataCueInfo, ReadThatFails_IsReported) {
+  const C_Bytes payload = Join({Words({2}), Record(1, 10), Record(2, 20)});
+  const auto load = [this](I_RiffChunk& chunk) { return m_info.LoadInfo(&chunk); };
+  EXPECT_EQ(CountReportedFailures(payload, load), 3);
+}

@@ -153,3 +153,13 @@ TEST_F(WavDataExtraChunkInfo, Operations_StandInTheirSlots) {
   EXPECT_EQ(pInfo->GetSize(), 0);
   CallSlot<void>(pIInfo, 9);
 }
+
+TEST_F(WavDataExtraChunkInfo, ReadThatFails_IsReportedAndAddsNothing) {
+  const auto load = [this](I_RiffChunk& chunk) {
+    const bool bAdded = m_info.AddRiffChunk("abcd", &chunk);
+    EXPECT_EQ(m_info.GetSize(), bAdded ? 1 : 0);
+    return bAdded;
+  };
+  EXPECT_EQ(CountReportedFailures({1, 2, 3}, load), 2);
+  EXPECT_EQ(DataOf(m_info.GetItemByIndex(0)), (C_Bytes{1, 2, 3}));
+}

@@ -369,3 +369,9 @@ TEST_F(WavDataListInfo, Operations_StandInTheirSlots) {
   EXPECT_EQ(pInfo->GetLabelCount() + pInfo->GetLtxtCount(), 2);
   CallSlot<void>(pIInfo, 12);
 }
+
+TEST_F(WavDataListInfo, ReadThatFails_IsReported) {
+  const C_Bytes payload = List({Label(1, "ab"), Ltxt(2, 30), ChunkBytes("note", {1, 2})});
+  const auto load = [this](I_RiffChunk& chunk) { return m_info.LoadInfo(&chunk); };
+  EXPECT_EQ(CountReportedFailures(payload, load), 7);
+}

@@ -286,3 +286,9 @@ TEST_F(WavDataSamplerInfo, Operations_StandInTheirSlots) {
   EXPECT_EQ(pInfo->GetProductID(), 0u);
   CallSlot<void>(pIInfo, 27);
 }
+
+TEST_F(WavDataSamplerInfo, ReadThatFails_IsReported) {
+  const C_Bytes payload = Join({Header(2, 0), C_Bytes(48)});
+  const auto load = [this](I_RiffChunk& chunk) { return m_info.LoadInfo(&chunk); };
+  EXPECT_EQ(CountReportedFailures(payload, load), 3);
+}

@@ -12,6 +12,7 @@
 #include "KestrelBytes.h"
 #include "TestSound.h"
 #include "codec/KestrelCodec.h"
+#include "kestrel/FrameCoder.h"
 
 namespace {
 
@@ -377,6 +378,34 @@ TEST(KestrelDecode, CallbackThatThrows_PassesThroughAndTheNextDecodeWorks) {
     g_nPiecesUntilThrow = nPiece;
     EXPECT_THROW(Decode(stream, ThrowingPiece), std::runtime_error) << nPiece;
     EXPECT_EQ(Decode(stream).samples, expected) << nPiece;
+  }
+}
+
+// ---- a coder that gives up
+
+int g_nFramesLeft = 0;
+
+class C_TiringDecoder : public C_KestrelCodec {
+ public:
+  C_TiringDecoder() {
+    LoadCodec(0);
+    m_pfnDecodeFrame = [](const unsigned short* pwWords, short* pSamples) {
+      return g_nFramesLeft-- > 0 ? KestrelDecodeFrame(pwWords, pSamples) : 1;
+    };
+  }
+};
+
+TEST(KestrelDecode, FrameThatTheCoderRefuses_EndsTheDecoding) {
+  const Bytes stream = C_KestrelBytes(16000).Voice(4).Take();
+  const C_SoundPtr sound = MonoSound({});
+  for (int nFrames = 0; nFrames <= 4; ++nFrames) {
+    g_nFramesLeft = nFrames;
+    g_lengths.clear();
+    C_TiringDecoder codec;
+    EXPECT_EQ(codec.Decode(stream.data(), static_cast<unsigned int>(stream.size()), sound.get(),
+                           RecordPiece),
+              nFrames == 4);
+    EXPECT_EQ(g_lengths, std::vector<unsigned int>(static_cast<std::size_t>(nFrames), 640));
   }
 }
 

@@ -11,6 +11,7 @@
 #include "KestrelBytes.h"
 #include "TestSound.h"
 #include "codec/KestrelCodec.h"
+#include "kestrel/FrameCoder.h"
 
 namespace {
 
@@ -269,6 +270,52 @@ TEST(KestrelEncodeProgress, CallbackThatThrows_LeavesNothingBehind) {
     EXPECT_THROW(EncodeVoice(700, 16000, ThrowingProgress), std::runtime_error) << nCall;
     EXPECT_EQ(EncodeVoice(700, 16000).stream, expected) << nCall;
   }
+}
+
+// ---- a coder that gives up
+
+int g_nFramesLeft = 0;
+
+class C_TiringEncoder : public C_KestrelCodec {
+ public:
+  C_TiringEncoder() {
+    LoadCodec(0);
+    m_pfnEncodeFrame = [](const short* pSamples, unsigned short* pwWords) {
+      return g_nFramesLeft-- > 0 ? KestrelEncodeFrame(pSamples, pwWords) : 1;
+    };
+  }
+  void RefuseEveryRate() {
+    m_pfnEncoderInit = [](unsigned int /*dwBitRate*/, int* pnWords, int* pnSamples) {
+      *pnWords = 20;
+      *pnSamples = 320;
+      return 1;
+    };
+  }
+};
+
+bool Encodes(C_TiringEncoder& codec, std::size_t dwSamples, int nFrames) {
+  g_nFramesLeft = nFrames;
+  const C_SoundPtr sound = MonoSound(TestVoice(dwSamples));
+  unsigned char* pbyStream = nullptr;
+  unsigned int dwLength = 1;
+  const bool bRet = codec.Encode(sound.get(), 16000, &pbyStream, &dwLength, nullptr);
+  EXPECT_EQ(dwLength, bRet ? 6 + 40 * ((dwSamples + 319) / 320) : 0u);
+  EXPECT_EQ(pbyStream != nullptr, bRet);
+  delete[] pbyStream;
+  return bRet;
+}
+
+TEST(KestrelEncode, FrameThatTheCoderRefuses_EndsTheEncoding) {
+  C_TiringEncoder codec;
+  // Three whole frames, what is left of the sound, and silence.
+  for (int nFrames = 0; nFrames < 5; ++nFrames) EXPECT_FALSE(Encodes(codec, 1000, nFrames));
+  EXPECT_TRUE(Encodes(codec, 1000, 5));
+}
+
+TEST(KestrelEncode, RateThatTheCoderRefuses_IsRefused) {
+  C_TiringEncoder codec;
+  codec.RefuseEveryRate();
+  EXPECT_FALSE(Encodes(codec, 1000, 5));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <utility>
 #include <vector>
 
 #include "FileSizeLimit.h"
@@ -74,6 +75,18 @@ TEST(TempStream, HandOverOfNothing_FailsAndWritesNothing) {
   EXPECT_FALSE(tempstream::HandOver(std::nullopt, &pbyData, &dwLength));
   EXPECT_EQ(pbyData, &byMark);
   EXPECT_EQ(dwLength, 7u);
+}
+
+TEST(TempStream, FileOf4GiB_IsTooLong) {
+  for (const auto& [nSize, bFits] : {std::pair{0xFFFFFFFFLL, true}, {0x100000000LL, false}}) {
+    vcm::C_TempFile file;
+    ASSERT_EQ(ftruncate(fileno(file.Stream()), nSize), 0);
+    const auto written = tempstream::Reopen(file);
+    ASSERT_EQ(written.has_value(), bFits);
+    if (bFits) {
+      EXPECT_EQ(written->dwSize, 0xFFFFFFFFu);
+    }
+  }
 }
 
 }  // namespace

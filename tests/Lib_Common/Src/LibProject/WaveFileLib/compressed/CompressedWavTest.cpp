@@ -10,9 +10,12 @@
 #include "CodecSupport.h"
 #include "FolderTest.h"
 #include "LargestAllocation.h"
+#include "StdioFile.h"
 #include "WavBytes.h"
 #include "WavFileFormat.h"
 #include "WavFileObject.h"
+#include "compressed/CompressedWav.h"
+#include "compressed/WavTags.h"
 #include "sound/WavData.h"
 
 namespace {
@@ -367,4 +370,42 @@ TEST_F(CompressedWav, Factory_OpensLoadsAndConvertsEveryKind) {
     ASSERT_NE(opened, nullptr);
     EXPECT_EQ(opened->GetWavInfo()->GetByteLength(), 2 * kind.samples.size());
   }
+}
+
+// --- The steps by themselves
+
+TEST_F(CompressedWav, Decoders_ExistForCompressedTagsOnly) {
+  for (const S_Kind& kind : AllKinds()) {
+    EXPECT_NE(compressedwav::MakeDecoder(InfoOf(kind.blocks)), nullptr) << kind.blocks.wTag;
+  }
+  EXPECT_EQ(compressedwav::MakeDecoder(InfoOf(FmtBytes(1, 1, 8000, 16))), nullptr);
+  EXPECT_EQ(compressedwav::MakeDecoder({}), nullptr);
+}
+
+TEST_F(CompressedWav, FormatRecord_IsReadUnderItsOwnTagOnly) {
+  for (const S_Kind& kind : AllKinds()) {
+    // The same length as the longest record, so that only the tags tell the kinds apart.
+    C_Bytes bytes = BlockFmt(kind.blocks);
+    bytes.resize(50);
+    const auto file = vcm::OpenFile(Write("fmt", bytes).c_str(), "rb");
+    for (const tagWaveFormatTag wTag :
+         {WAVE_TAG_PCM, WAVE_TAG_MS_ADPCM, WAVE_TAG_ALAW, WAVE_TAG_MULAW, WAVE_TAG_DVI_ADPCM}) {
+      const auto info = compressedwav::ReadFormat(file.get(), 0, wTag);
+      ASSERT_EQ(info.has_value(), wTag == kind.blocks.wTag) << wTag;
+      if (info) {
+        EXPECT_EQ(info->GetFormatTag(), wTag);
+      }
+    }
+    EXPECT_FALSE(compressedwav::ReadFormat(file.get(), 0, 3)) << "an unknown tag";
+    EXPECT_FALSE(compressedwav::ReadFormat(file.get(), UINT64_MAX, kind.blocks.wTag));
+  }
+}
+
+TEST_F(CompressedWav, BlocksThatHold4GiB_AreNotDecoded) {
+  C_WavData sound;
+  const C_Bytes encoded(32769);
+  const S_Blocks blocks = {WAVE_TAG_DVI_ADPCM, 1, 1, 65535, 4};
+  EXPECT_FALSE(compressedwav::Decode(InfoOf(blocks), encoded, sound));
+  EXPECT_EQ(sound.GetBuffer(), nullptr);
+  EXPECT_FALSE(compressedwav::Decode({}, encoded, sound)) << "no decoder";
 }

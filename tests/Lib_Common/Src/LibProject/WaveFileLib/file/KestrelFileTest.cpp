@@ -332,4 +332,13 @@ TEST_F(KestrelFile, SoundWithoutCodecParameters_StopsTheProgram) {
   EXPECT_DEATH(Save(file, "b", true), pszLine);
 }
 
+TEST_F(KestrelFile, FileThatGrowsTo4GiB_IsRefused) {
+  const std::string strPath = WriteKestrel("a", Stream(2));
+  C_KestrelFile file;
+  EXPECT_TRUE(file.OpenByName(strPath.c_str()));
+  std::filesystem::resize_file(strPath, 48 + 0x100000000ULL);
+  EXPECT_FALSE(file.LoadData(true, nullptr, nullptr));
+  EXPECT_FALSE(file.OpenByName(strPath.c_str()));
+}
+
 }  // namespace

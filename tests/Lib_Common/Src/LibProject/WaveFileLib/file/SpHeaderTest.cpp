@@ -292,4 +292,17 @@ TEST_F(SpHeader, FixedOffsets_AfterTheEndOfTheFile_AreZero) {
 
 TEST_F(SpHeader, WriteDword24_ToAFullDisk_IsFalse) { EXPECT_FALSE(WriteSpDword24("/dev/full", 1)); }
 
+TEST_F(SpHeader, HeadersThatDifferInOneField_AreNotEqual) {
+  const C_SpHeader header(1, 2, 3, 4, 5, 6, 7, 8);
+  EXPECT_EQ(header, C_SpHeader(1, 2, 3, 4, 5, 6, 7, 8));
+  EXPECT_NE(header, C_SpHeader(9, 2, 3, 4, 5, 6, 7, 8));
+  EXPECT_NE(header, C_SpHeader(1, 9, 3, 4, 5, 6, 7, 8));
+  EXPECT_NE(header, C_SpHeader(1, 2, 9, 4, 5, 6, 7, 8));
+  EXPECT_NE(header, C_SpHeader(1, 2, 3, 9, 5, 6, 7, 8));
+  EXPECT_NE(header, C_SpHeader(1, 2, 3, 4, 9, 6, 7, 8));
+  EXPECT_NE(header, C_SpHeader(1, 2, 3, 4, 5, 9, 7, 8));
+  EXPECT_NE(header, C_SpHeader(1, 2, 3, 4, 5, 6, 9, 8));
+  EXPECT_NE(header, C_SpHeader(1, 2, 3, 4, 5, 6, 7, 9));
+}
+
 }  // namespace
