@@ -77,6 +77,16 @@ constexpr auto kForbidden =
 
 bool IsForbidden(int nError) { return std::ranges::find(kForbidden, nError) != kForbidden.end(); }
 
+// Makes sure that so many bytes can be written, and leaves the file as it was where they cannot.
+bool MakeRoom(int nDescriptor, off_t nSize) {
+  struct stat status {};
+  if (fstat(nDescriptor, &status) != 0) return false;
+  if (nSize == 0 || posix_fallocate(nDescriptor, 0, nSize) == 0) return true;
+  // Some file systems let the file grow until they are full.
+  static_cast<void>(!ftruncate(nDescriptor, status.st_size));
+  return false;
+}
+
 // Writes over the old file once there is room for the new contents.
 bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {
   if (chmod(strFrom.c_str(), S_IRUSR | S_IWUSR) != 0) return false;
@@ -86,7 +96,7 @@ bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {
   const auto qwSize = SizeAndSeekEnd(from.get());
   if (!qwSize || !SeekTo(from.get(), 0)) return false;
   const auto nSize = static_cast<off_t>(*qwSize);
-  if (nSize > 0 && posix_fallocate(fileno(to.get()), 0, nSize) != 0) return false;
+  if (!MakeRoom(fileno(to.get()), nSize)) return false;
   const bool bCopied = CopyRest(from.get(), to.get()) && std::fflush(to.get()) == 0 &&
                        ftruncate(fileno(to.get()), nSize) == 0;
   return CloseChecked(std::move(to)) && bCopied;

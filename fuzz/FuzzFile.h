@@ -6,7 +6,8 @@
 // There are two kinds. That of FuzzFile.cpp is a file to the system as well, so every library can
 // open it. That of FuzzFileOfOurs.cpp is known to this program only. It saves the system's calls,
 // which take half of the time of a small input, but is seen only by code that opens its files with
-// fopen and that the fuzzer is linked with.
+// fopen and that the fuzzer is linked with. Neither can be replaced by another file, so both are
+// written in place; fuzz/sp_header_files.cpp works on files that can.
 #pragma once
 
 #include <cstdint>

@@ -105,8 +105,10 @@ std::FILE* WrapFopen(const char* pszPath, const char* pszMode) {
   if (*pszMode == 'w') pFile->bytes.clear();
   S_Stream* const pStream = Find(static_cast<const std::FILE*>(nullptr));
   Require(pStream != nullptr);
-  *pStream = {fopencookie(pStream, pszMode, {Read, Write, Seek, Close}), pFile, 0};
-  return pStream->pStream;
+  std::FILE* const pOpened = fopencookie(pStream, pszMode, {Read, Write, Seek, Close});
+  Require(pOpened != nullptr);
+  *pStream = {pOpened, pFile, 0};
+  return pOpened;
 }
 
 int WrapFileno(std::FILE* pStream) {

@@ -182,6 +182,28 @@ TEST_F(TargetFile, FolderThatTakesNoSecondFile_LetsTheFileBeWrittenInPlace) {
   EXPECT_EQ(StatusOf("a").st_ino, nBefore);
 }
 
+TEST_F(TargetFile, PlaceWithoutRoom_KeepsTheOldContents) {
+  Write("a", kOld);
+  ASSERT_EQ(chmod(Folder().c_str(), 01777), 0);
+  ASSERT_EQ(chmod(Path("a").c_str(), 0666), 0);
+  const auto write = [this](std::size_t cbLimit) {
+    return InChildAs(kNobody, [&] {
+      vcm::C_TargetFile target(Path("a").c_str());
+      const bool bWritten = target.Stream() != nullptr &&
+                            vcm::WriteExact(target.Stream(), Bytes(1000, 'n')) &&
+                            std::fflush(target.Stream()) == 0;
+      // The new file beside the old one has its room already.
+      const C_FileSizeLimit full(cbLimit);
+      return bWritten && target.Commit(true);
+    });
+  };
+  EXPECT_FALSE(write(999));
+  EXPECT_EQ(Content("a"), kOld);
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+  EXPECT_TRUE(write(1000));
+  EXPECT_EQ(Content("a"), Bytes(1000, 'n'));
+}
+
 // In a folder like /tmp, a file of somebody else may be written, but not renamed over.
 TEST_F(TargetFile, FolderThatOthersShare_LetsTheFileBeWrittenInPlace) {
   Write("a", kOld);

@@ -53,15 +53,22 @@ bool WriteFileHeader(std::FILE* pFile, std::uint32_t dwRiffSize, const char* psz
 // modulo 2^32, or nothing at the end of the file and when it cannot be read.
 std::optional<std::uint32_t> SkipZeros(S_RiffStream& stream) {
   std::uint32_t dwZeros = 0;
-  int nByte = std::getc(stream.pFile);
-  for (; nByte == 0; nByte = std::getc(stream.pFile)) ++dwZeros;
-  if (nByte == EOF) {
-    stream.bReadError |= !vcm::IsAtEnd(stream.pFile);
-    return std::nullopt;
+  for (;;) {
+    int nByte = std::getc(stream.pFile);
+    if (nByte == EOF) {
+      std::array<std::uint8_t, 1> byte{};
+      const auto cbRead = vcm::ReadSome(stream.pFile, byte);
+      stream.bReadError |= !cbRead;
+      if (cbRead.value_or(0) == 0) return std::nullopt;
+      nByte = byte[0];
+    }
+    if (nByte != 0) {
+      // One byte that was just read can always be put back.
+      static_cast<void>(std::ungetc(nByte, stream.pFile));
+      return dwZeros;
+    }
+    ++dwZeros;
   }
-  // One byte that was just read can always be put back.
-  static_cast<void>(std::ungetc(nByte, stream.pFile));
-  return dwZeros;
 }
 
 // Reads the chunk header at the stream's position and moves the stream past the payload. Null when
@@ -292,6 +299,8 @@ bool C_RiffFile::IsCutShort() {
 }
 
 bool C_RiffFile::Save(const char* pszPath, const char* pszFormType) {
+  // What could not be read would be written as if the file had never held it.
+  if (HasReadError()) return false;
   SafeCloseFile();
   const std::uint64_t qwRiffSize = kIDLength + m_chunks.GetTrueChunksLength();
   if (qwRiffSize > kMaxSize) return false;

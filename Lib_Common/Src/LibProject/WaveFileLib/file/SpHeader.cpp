@@ -165,17 +165,17 @@ bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName) {
 }
 
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget) {
+  // A source whose start cannot be read might have a header. The target is left alone then.
   const auto bHeader = FindSpHeader(pHeader, pszSource);
   const auto source = vcm::OpenFile(pszSource, "rb");
-  if (!source || IsSameFile(source.get(), pszTarget)) return false;
-  if (!vcm::SeekTo(source.get(), bHeader.value_or(false) ? C_SpHeader::kBytes : 0)) return false;
+  if (!bHeader || !source || IsSameFile(source.get(), pszTarget)) return false;
+  if (!vcm::SeekTo(source.get(), *bHeader ? C_SpHeader::kBytes : 0)) return false;
   const auto target = vcm::OpenFile(pszTarget, "wb");
   if (!target) return false;
   // Kept: the result is true once the target is open, even when the copy fails, because callers
   // judge the stripped file by its contents. Pinned by
-  // Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened. A source whose start cannot be read
-  // is not copied, because it might have a header.
-  if (bHeader) static_cast<void>(vcm::CopyRest(source.get(), target.get()));
+  // Strip_ToAFullDisk_StillReportsThatTheTargetCouldBeOpened.
+  static_cast<void>(vcm::CopyRest(source.get(), target.get()));
   return true;
 }
 

@@ -10,6 +10,12 @@
 #include "heron/RateControl.h"
 
 namespace heron {
+namespace {
+
+// 64 MiB of samples, as much as a claim alone gets anywhere.
+constexpr std::size_t kBelievedSamples = std::size_t{32} << 20;
+
+}  // namespace
 
 bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
                    std::vector<std::uint8_t>* pCoded,
@@ -28,10 +34,10 @@ bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
   // Decodes whole frames; the last one is cut at the end of the sound.
   const std::size_t nLength = decoder->Length();
   std::vector<std::int16_t> samples;
-  // Reserve room for as many samples as coded audio of this size usually holds. Silence may hold
-  // far more, but damaged data can claim that too, so the room for it grows only while it is
-  // decoded.
-  samples.reserve(std::min(decoder->SampleCount(), coded.size() * 8 / kMinBitDepth) + nLength);
+  // Silence takes far fewer bits than other sounds, so many more samples than usual may be there.
+  // Damaged data can claim even more. The room for those grows only while they are decoded.
+  const std::size_t nBelieved = coded.size() * 8 / kMinBitDepth + kBelievedSamples;
+  samples.reserve(std::min(decoder->SampleCount(), nBelieved) + nLength);
   for (std::size_t nAt = 0; nAt < decoder->SampleCount(); nAt += nLength) {
     samples.resize(nAt + nLength);
     if (!decoder->DecodeFrame({samples.data() + nAt, nLength})) return false;

@@ -53,6 +53,21 @@ TEST_F(RiffReadError, WhileAPayloadIsRead_IsRemembered) {
   }
 }
 
+// Zeros in place of a payload that was there, and nobody told: that must never be written.
+TEST_F(RiffReadError, WhileAPayloadIsRead_LetsNoSaveSucceed) {
+  const C_Bytes bytes = FileWithPads().Take();
+  const std::string strPath = m_folder.Write("in", bytes);
+  C_RiffFile file;
+  ASSERT_TRUE(file.Open(strPath.c_str(), "WAVE"));
+  C_Bytes payload(64);
+  C_FaultyIo faults({.nCall = 1});
+  EXPECT_FALSE(file.FindChunk("data", 0)->GetData(payload.data(), 64, 0));
+  faults.Stop();
+  EXPECT_FALSE(file.Save(strPath.c_str(), "WAVE"));
+  EXPECT_FALSE(file.Save(m_folder.Path("other").c_str(), "WAVE"));
+  EXPECT_EQ(m_folder.Read("in"), bytes);
+}
+
 TEST_F(RiffReadError, WhileAHeldPartIsRead_IsRemembered) {
   for (int nCall = 1;; ++nCall) {
     C_RiffFile file;
