@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <initializer_list>
 
 namespace toolbox {
 namespace {
@@ -57,6 +58,11 @@ bool IsFrameHeader(const std::array<UInt8, 4>& head) {
          (head[2] & 0x0CU) != 0x0CU;
 }
 
+// The results of calls of the decoder, all of which refuse a null handle.
+bool AreAllOk(std::initializer_list<int> results) {
+  return std::ranges::all_of(results, [](int nResult) { return nResult == MPG123_OK; });
+}
+
 bool BeginsWithAFrame(const C_FileDescriptor& file) {
   std::array<UInt8, 4> head{};
   return file.ReadAt(StreamBegin(file), head.data(), head.size()) == head.size() &&
@@ -95,11 +101,11 @@ bool C_MpegSound::OpenStream() {
   constexpr long kFlags = MPG123_QUIET | MPG123_FORCE_FLOAT | MPG123_GAPLESS |
                           MPG123_NO_FRANKENSTEIN | MPG123_SKIP_ID3V2;
   mpg123_handle* pMpeg = m_pMpeg.get();
-  return pMpeg != nullptr && mpg123_param(pMpeg, MPG123_ADD_FLAGS, kFlags, 0) == MPG123_OK &&
-         mpg123_param(pMpeg, MPG123_REMOVE_FLAGS, MPG123_AUTO_RESAMPLE, 0) == MPG123_OK &&
-         mpg123_param(pMpeg, MPG123_RESYNC_LIMIT, kMostJunkBytes, 0) == MPG123_OK &&
-         mpg123_replace_reader_handle(pMpeg, &ReadBytes, &SeekBytes, nullptr) == MPG123_OK &&
-         mpg123_open_handle(pMpeg, this) == MPG123_OK;
+  return AreAllOk({mpg123_param(pMpeg, MPG123_ADD_FLAGS, kFlags, 0),
+                   mpg123_param(pMpeg, MPG123_REMOVE_FLAGS, MPG123_AUTO_RESAMPLE, 0),
+                   mpg123_param(pMpeg, MPG123_RESYNC_LIMIT, kMostJunkBytes, 0),
+                   mpg123_replace_reader_handle(pMpeg, &ReadBytes, &SeekBytes, nullptr),
+                   mpg123_open_handle(pMpeg, this)});
 }
 
 // The first frame decides the format of the sound. A stream that changes its format ends there,
@@ -107,13 +113,12 @@ bool C_MpegSound::OpenStream() {
 bool C_MpegSound::FixFormat() {
   long nRate = 0;
   int nChannels = 0;
-  int nEncoding = 0;
-  if (mpg123_getformat(m_pMpeg.get(), &nRate, &nChannels, &nEncoding) != MPG123_OK) return false;
+  if (mpg123_getformat(m_pMpeg.get(), &nRate, &nChannels, nullptr) != MPG123_OK) return false;
   if (nRate <= 0 || nChannels < 1 || nChannels > 2) return false;
   m_dwRate = static_cast<UInt32>(nRate);
   m_dwChannels = static_cast<UInt32>(nChannels);
-  return nEncoding == MPG123_ENC_FLOAT_32 && mpg123_format_none(m_pMpeg.get()) == MPG123_OK &&
-         mpg123_format(m_pMpeg.get(), nRate, nChannels, nEncoding) == MPG123_OK;
+  return AreAllOk({mpg123_format_none(m_pMpeg.get()),
+                   mpg123_format(m_pMpeg.get(), nRate, nChannels, MPG123_ENC_FLOAT_32)});
 }
 
 // Moves the position, so one object proves the stream and another object plays it.

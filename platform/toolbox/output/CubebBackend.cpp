@@ -4,6 +4,8 @@
 #ifdef __linux__
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <initializer_list>
 #include <memory>
 #endif
 
@@ -17,15 +19,17 @@ namespace {
 class C_PulseClient {
  public:
   C_PulseClient() noexcept : m_pLibrary(dlopen("libpulse.so.0", RTLD_NOW | RTLD_LOCAL)) {
-    m_bUsable = m_pLibrary != nullptr && Find(m_pfnLoopNew, "pa_mainloop_new") &&
-                Find(m_pfnLoopApi, "pa_mainloop_get_api") &&
-                Find(m_pfnLoopIterate, "pa_mainloop_iterate") &&
-                Find(m_pfnLoopFree, "pa_mainloop_free") &&
-                Find(m_pfnContextNew, "pa_context_new") &&
-                Find(m_pfnContextConnect, "pa_context_connect") &&
-                Find(m_pfnContextState, "pa_context_get_state") &&
-                Find(m_pfnContextDisconnect, "pa_context_disconnect") &&
-                Find(m_pfnContextUnref, "pa_context_unref");
+    if (m_pLibrary == nullptr) return;
+    const auto found = {Find(m_pfnLoopNew, "pa_mainloop_new"),
+                        Find(m_pfnLoopApi, "pa_mainloop_get_api"),
+                        Find(m_pfnLoopIterate, "pa_mainloop_iterate"),
+                        Find(m_pfnLoopFree, "pa_mainloop_free"),
+                        Find(m_pfnContextNew, "pa_context_new"),
+                        Find(m_pfnContextConnect, "pa_context_connect"),
+                        Find(m_pfnContextState, "pa_context_get_state"),
+                        Find(m_pfnContextDisconnect, "pa_context_disconnect"),
+                        Find(m_pfnContextUnref, "pa_context_unref")};
+    m_bUsable = std::ranges::find(found, false) == found.end();
   }
   ~C_PulseClient() {
     if (m_pLibrary != nullptr) dlclose(m_pLibrary);

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "FaultyNew.h"
 #include "InChild.h"
 #include "TempFolder.h"
 
@@ -103,6 +104,23 @@ TEST_F(CopyFile, Attributes_AreTheSourcesWhereTheFileSystemHasThem) {
   EXPECT_EQ(std::string(value.data()), bHasAttributes ? "one" : "");
   const auto nSecond = getxattr(m_folder.Path("to").c_str(), "user.second", value.data(), 8);
   EXPECT_EQ(nSecond, bHasAttributes ? 0 : -1);
+}
+
+TEST_F(CopyFile, WithoutMemoryForTheAttributes_ItFailsAndLeavesNothing) {
+  m_folder.Write("from", {1});
+  const std::string strFrom = m_folder.Path("from");
+  const std::string strTo = m_folder.Path("to");
+  // Where the file system has no attributes, no memory is needed.
+  const bool bHasAttributes = setxattr(strFrom.c_str(), "user.first", "one", 3, 0) == 0;
+  for (int nCall = 1; nCall <= 2; ++nCall) {
+    C_FaultyNew faults(nCall, /*bFromThenOn=*/false);
+    const int nResult = copyfile(strFrom.c_str(), strTo.c_str(), nullptr, COPYFILE_ALL);
+    const int nError = errno;
+    faults.Stop();
+    EXPECT_EQ(nResult, bHasAttributes ? -1 : 0);
+    EXPECT_TRUE(!bHasAttributes || nError == ENOMEM);
+    EXPECT_EQ(std::filesystem::remove(strTo), !bHasAttributes);
+  }
 }
 
 TEST_F(CopyFile, MissingSource_CreatesNothing) {

@@ -307,7 +307,15 @@ TEST_F(AudioFileTest, BadArguments_AreRefused) {
   UInt32 dwPackets = 1;
   EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbFormat, nullptr, 0, &dwPackets, nullptr),
             kAudio_ParamError);
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, nullptr, nullptr, 0, &dwPackets, &format),
+            kAudio_ParamError);
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbFormat, nullptr, 0, nullptr, &format),
+            kAudio_ParamError);
+  EXPECT_EQ(AudioFileGetPropertyInfo(audioFile, kAudioFilePropertyDataFormat, nullptr, nullptr),
+            noErr);
   EXPECT_EQ(AudioFileClose(audioFile), noErr);
+  EXPECT_EQ(AudioFileReadPacketData(audioFile, 0, &cbFormat, nullptr, 0, &dwPackets, &format),
+            kAudioFileNotOpenError);
 
   AudioFileID opened = audioFile;
   EXPECT_EQ(AudioFileOpenURL(nullptr, kAudioFileReadPermission, 0, &opened), kAudio_ParamError);

@@ -232,4 +232,27 @@ TEST_F(MpegFileTest, WhatOnlyLooksLikeAFrame_IsUnsupported) {
   EXPECT_EQ(PacketsOf(noise), 0U);
 }
 
+// Silence in frames of 384 kbit/s at 48 kHz, layer 1, and of 192 kbit/s, layer 2.
+TEST_F(MpegFileTest, LayersOneAndTwo_HavePacketsAndNamesOfTheirOwn) {
+  struct S_Layer {
+    Bytes head;
+    std::size_t cbFrame;
+    AudioFormatID dwFormat;
+    UInt32 dwSamples;
+  };
+  for (const S_Layer& layer : {S_Layer{{0xFF, 0xFF, 0xC4, 0}, 384, kAudioFormatMPEGLayer1, 384},
+                               S_Layer{{0xFF, 0xFD, 0xA4, 0}, 576, kAudioFormatMPEGLayer2, 1152}}) {
+    Bytes frame = layer.head;
+    frame.resize(layer.cbFrame);
+    Bytes stream;
+    for (int i = 0; i < 20; ++i) stream = Joined(stream, frame);
+    const AudioFileID audioFile = OpenSoundFile(m_folder.Write("layer", stream));
+    ASSERT_NE(audioFile, nullptr);
+    EXPECT_EQ(PacketCount(audioFile), 20U);
+    EXPECT_EQ(FormatOf(audioFile).mFormatID, layer.dwFormat);
+    EXPECT_EQ(FormatOf(audioFile).mFramesPerPacket, layer.dwSamples);
+    EXPECT_EQ(AudioFileClose(audioFile), noErr);
+  }
+}
+
 }  // namespace

@@ -129,11 +129,13 @@ TEST_P(ReadErrorTest, EachCallFailing_IsAnErrorAndNotTheEnd) {
   }
 }
 
+// Vorbis is missing here, because the file library leaks memory when it cannot read the head of
+// such a stream.
 INSTANTIATE_TEST_SUITE_P(
     All, ReadErrorTest,
     testing::Values(SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM,
                     SF_FORMAT_WAV | SF_FORMAT_MS_ADPCM, SF_FORMAT_WAV | SF_FORMAT_GSM610,
-                    SF_FORMAT_FLAC | SF_FORMAT_PCM_16, SF_FORMAT_OGG | SF_FORMAT_VORBIS, kMp3),
+                    SF_FORMAT_FLAC | SF_FORMAT_PCM_16, kMp3),
     [](const auto& parameter) { return "Format" + std::to_string(parameter.param); });
 
 using UnreadableWhilePlaying = ReadErrorTest;

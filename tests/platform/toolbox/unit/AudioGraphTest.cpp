@@ -294,4 +294,50 @@ TEST_F(AudioGraphTest, NullAndStaleHandles_AreRefused) {
   }
 }
 
+TEST_F(AudioGraphTest, NotificationsThatComeBeforeTheGraphOpens_AreCalled) {
+  std::vector<S_Notice> notices;
+  std::vector<S_Notice> removed;
+  AUGraph graph = nullptr;
+  AUNode output = 0;
+  Boolean bRunning = 1;
+  EXPECT_EQ(NewAUGraph(&graph), noErr);
+  EXPECT_EQ(AUGraphAddRenderNotify(graph, &Note, &notices), noErr);
+  EXPECT_EQ(AUGraphAddRenderNotify(graph, &Note, &removed), noErr);
+  EXPECT_EQ(AUGraphRemoveRenderNotify(graph, &Note, &removed), noErr);
+  EXPECT_EQ(AUGraphIsRunning(graph, &bRunning), noErr);
+  EXPECT_EQ(bRunning, 0);
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, &output), noErr);
+  EXPECT_EQ(AUGraphOpen(graph), noErr);
+  EXPECT_EQ(AUGraphInitialize(graph), noErr);
+  EXPECT_EQ(AUGraphStart(graph), noErr);
+  m_devices.Ask<float>(10);
+  EXPECT_EQ(notices.size(), 2U);
+  EXPECT_TRUE(removed.empty());
+  EXPECT_EQ(AUGraphClose(graph), noErr);
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
+}
+
+TEST_F(AudioGraphTest, WhatIsDoneTwice_StaysDone) {
+  const C_PlayerGraph graph(File(1000));
+  EXPECT_EQ(AUGraphOpen(graph.Graph()), noErr);
+  EXPECT_EQ(AUGraphInitialize(graph.Graph()), noErr);
+  EXPECT_EQ(AUGraphNodeInfo(graph.Graph(), 1, nullptr, nullptr), noErr);
+}
+
+// The connection decides about the format, which the output has by then.
+TEST_F(AudioGraphTest, AConnectionOfAnInitialisedGraph_IsRefused) {
+  AUGraph graph = nullptr;
+  AUNode output = 0;
+  AUNode player = 0;
+  EXPECT_EQ(NewAUGraph(&graph), noErr);
+  EXPECT_EQ(AUGraphAddNode(graph, &kOutput, &output), noErr);
+  EXPECT_EQ(AUGraphAddNode(graph, &kPlayer, &player), noErr);
+  EXPECT_EQ(AUGraphOpen(graph), noErr);
+  EXPECT_EQ(AUGraphInitialize(graph), noErr);
+  EXPECT_EQ(AUGraphConnectNodeInput(graph, player, 0, output, 0),
+            kAUGraphErr_CannotDoInCurrentContext);
+  EXPECT_EQ(AUGraphClose(graph), noErr);
+  EXPECT_EQ(DisposeAUGraph(graph), noErr);
+}
+
 }  // namespace

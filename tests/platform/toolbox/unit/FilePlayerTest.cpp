@@ -227,6 +227,16 @@ TEST_F(FilePlayerTest, Uninitialise_ForgetsTheRegion) {
   EXPECT_EQ(m_player.StartTime().mFlags, 0U);
 }
 
+TEST_F(FilePlayerTest, AFileThatWasClosedAfterItWasListed_HasNoRegion) {
+  Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
+  const AudioFileID audioFile = OpenSoundFile(m_folder.Path("a.wav"));
+  EXPECT_EQ(m_player.Set(kAudioUnitProperty_ScheduledFileIDs, audioFile), noErr);
+  EXPECT_EQ(AudioFileClose(audioFile), noErr);
+  auto region = m_player.Region(10);
+  region.mAudioFile = audioFile;
+  EXPECT_EQ(m_player.SetRegion(region), kAudioUnitErr_InvalidFile);
+}
+
 TEST_F(FilePlayerTest, EveryFormatButPlanarFloat_IsRefused) {
   const AudioStreamBasicDescription good = {48000, kAudioFormatLinearPCM, 41, 4, 1, 4, 2, 32, 0};
   const auto set = [this](const AudioStreamBasicDescription& format) {
@@ -286,6 +296,41 @@ TEST_F(FilePlayerTest, BadPropertiesScopesElementsAndSizes_AreRefused) {
             kAudioUnitErr_InvalidPropertyValue);
 }
 
+TEST_F(FilePlayerTest, EveryProperty_RefusesASizeThatIsNotItsOwn) {
+  const std::array<UInt8, 256> value{};
+  for (const AudioUnitPropertyID dwID :
+       {kAudioUnitProperty_ScheduledFileRegion, kAudioUnitProperty_ScheduledFilePrime,
+        kAudioUnitProperty_ScheduleStartTimeStamp, kAudioUnitProperty_ScheduledFileIDs}) {
+    EXPECT_EQ(
+        AudioUnitSetProperty(m_player.Unit(), dwID, kAudioUnitScope_Global, 0, value.data(), 1),
+        kAudioUnitErr_InvalidPropertyValue);
+  }
+  EXPECT_EQ(AudioUnitSetProperty(m_player.Unit(), kAudioUnitProperty_StreamFormat,
+                                 kAudioUnitScope_Output, 0, value.data(), 1),
+            kAudioUnitErr_InvalidPropertyValue);
+}
+
+TEST_F(FilePlayerTest, Region_ReadsAsItWasSet_AndTheOthersCannotBeRead) {
+  Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
+  m_player.UseFile(m_folder.Path("a.wav"));
+  auto region = m_player.Region(10);
+  region.mStartFrame = 7;
+  EXPECT_EQ(m_player.SetRegion(region), noErr);
+  ScheduledAudioFileRegion got{};
+  UInt32 cbGot = sizeof got;
+  EXPECT_EQ(AudioUnitGetProperty(m_player.Unit(), kAudioUnitProperty_ScheduledFileRegion,
+                                 kAudioUnitScope_Global, 0, &got, &cbGot),
+            noErr);
+  EXPECT_EQ(cbGot, sizeof got);
+  EXPECT_EQ(got.mStartFrame, 7);
+  EXPECT_EQ(got.mFramesToPlay, 10U);
+  for (const AudioUnitPropertyID dwID :
+       {kAudioUnitProperty_ScheduledFilePrime, kAudioUnitProperty_ScheduledFileIDs}) {
+    EXPECT_EQ(AudioUnitGetProperty(m_player.Unit(), dwID, kAudioUnitScope_Global, 0, &got, &cbGot),
+              kAudioUnitErr_PropertyNotInUse);
+  }
+}
+
 TEST_F(FilePlayerTest, RegionsThatCannotBePlayed_AreRefused) {
   Write("a.wav", 44100, 1, SweepWithNoise(1000, 44100));
   EXPECT_EQ(m_player.SetRegion(m_player.Region(10)), kAudioUnitErr_InvalidFile);
@@ -300,7 +345,13 @@ TEST_F(FilePlayerTest, RegionsThatCannotBePlayed_AreRefused) {
   region.mTimeStamp.mSampleTime = std::nan("");
   EXPECT_EQ(m_player.SetRegion(region), kAudioUnitErr_InvalidPropertyValue);
   region = m_player.Region(10);
+  region.mTimeStamp.mSampleTime = -1;
+  EXPECT_EQ(m_player.SetRegion(region), kAudioUnitErr_InvalidPropertyValue);
+  region = m_player.Region(10);
   region.mLoopCount = 1;
+  EXPECT_EQ(m_player.SetRegion(region), kAudio_UnimplementedError);
+  region = m_player.Region(10);
+  region.mCompletionProc = [](void*, ScheduledAudioFileRegion*, OSStatus) {};
   EXPECT_EQ(m_player.SetRegion(region), kAudio_UnimplementedError);
   EXPECT_EQ(m_player.SetRegion(m_player.Region(10)), noErr);
 }
