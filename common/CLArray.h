@@ -5,6 +5,7 @@
 // thread.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -42,12 +43,8 @@ class C_CLCustomArray : public Interface {
       // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall)
       for (int i = 0; i < this->GetSize(); ++i) delete GetAt(i);
     }
-    ++m_nChanges;
     m_items.clear();
   }
-
-  // How often items were added, exchanged or removed.
-  [[nodiscard]] std::size_t GetChanges() const { return m_nChanges; }
 
   // Calls GetSize() virtually, so a subclass that overrides GetSize() changes both.
   int GetCount() const { return this->GetSize(); }
@@ -58,23 +55,25 @@ class C_CLCustomArray : public Interface {
   // Kept: there is no range check, and even an owning list never deletes the overwritten item.
   // Callers swap items in and out this way. Pinned by SetAt_LeavesTheOverwrittenItemAlive.
   T& SetAt(int nIndex, T item) {
-    ++m_nChanges;
+    ++s_nExchanges;
     T& slot = m_items[static_cast<std::size_t>(nIndex)];
     slot = item;
     return slot;
   }
 
+  // How often SetAt was called for any list of this class. A list itself is a vector behind its
+  // interface and has no room to count.
+  [[nodiscard]] static std::size_t Exchanges() { return s_nExchanges; }
+
   // Appends the item and returns its index.
   int Add(T item) {
     m_items.push_back(item);
-    ++m_nChanges;
     return this->GetSize() - 1;
   }
 
   // Inserts nCount copies of item before position nIndex; position GetSize() appends.
   void InsertAt(int nIndex, T item, int nCount) requires(!bOwn) {
     m_items.insert(m_items.begin() + nIndex, static_cast<std::size_t>(nCount), item);
-    ++m_nChanges;
   }
 
   // Removes nCount items from nIndex on; they must lie inside the list. An owning list first
@@ -82,7 +81,6 @@ class C_CLCustomArray : public Interface {
   void RemoveAt(int nIndex, int nCount) {
     const auto first = m_items.begin() + nIndex;
     const auto last = first + nCount;
-    ++m_nChanges;
     if constexpr (bOwn) {
       for (auto it = first; it != last; ++it) delete *it;
     }
@@ -91,7 +89,7 @@ class C_CLCustomArray : public Interface {
 
  private:
   std::vector<T> m_items;
-  std::size_t m_nChanges = 0;
+  inline static std::atomic<std::size_t> s_nExchanges = 0;
 };
 
 // The list type that the data model uses.

@@ -4,41 +4,39 @@
 // and the list share one of these, because an item may outlive its list.
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <exception>
-#include <vector>
+#include <span>
 
 namespace vcm {
 
 class C_RangeChanges {
  public:
   void Note(std::size_t nNumber) noexcept {
-    try {
-      if (m_numbers.size() == kMostNumbers) NoteAny();
-      if (!m_bAny) m_numbers.push_back(nNumber);
-    } catch (const std::exception&) {
-      NoteAny();
-    }
+    if (m_nNumbers == m_numbers.size()) NoteAny();
+    if (!m_bAny) m_numbers[m_nNumbers++] = nNumber;
   }
   // There are changes, but nobody knows of what.
   void NoteAny() noexcept {
     m_bAny = true;
-    m_numbers.clear();
+    m_nNumbers = 0;
   }
   void Clear() noexcept {
     m_bAny = false;
-    m_numbers.clear();
+    m_nNumbers = 0;
   }
 
   [[nodiscard]] bool HasAny() const { return m_bAny; }
-  // Ascending or not; some perhaps several times.
-  [[nodiscard]] const std::vector<std::size_t>& Numbers() const { return m_numbers; }
+  // In no order; some perhaps several times.
+  [[nodiscard]] std::span<const std::size_t> Numbers() const {
+    return std::span(m_numbers).first(m_nNumbers);
+  }
 
  private:
-  static constexpr std::size_t kMostNumbers = 4096;
-
   bool m_bAny = false;
-  std::vector<std::size_t> m_numbers;
+  std::size_t m_nNumbers = 0;
+  // When callers change more items before they add one, the list is looked at as a whole.
+  std::array<std::size_t, 64> m_numbers{};
 };
 
 }  // namespace vcm

@@ -80,6 +80,7 @@ void C_RangeIndex::Replace(const std::vector<std::size_t>& positions,
     Enter(NumberAt(positions[i]));
   }
   if (!m_bKnown) return;
+  if (m_crowded.empty()) m_crowded.shrink_to_fit();
   for (std::size_t i = positions.size(); i-- > 0;) {
     if (!ranges[i].bRemoved) continue;
     m_numbers.erase(m_numbers.begin() + static_cast<std::ptrdiff_t>(positions[i]));

@@ -105,7 +105,7 @@ class C_SampleRangeList : public C_CLArray<Item*, Interface*, true> {
       MergeItems(*this);
     }
     m_changes->Clear();
-    m_nKnown = this->GetChanges();
+    m_nKnown = this->Exchanges();
     // The index remembers ranges that are gone.
     if (m_index.NextNumber() > 2 * m_index.Size() + kMostGone) Learn();
   }
@@ -114,7 +114,8 @@ class C_SampleRangeList : public C_CLArray<Item*, Interface*, true> {
   static constexpr std::size_t kMostGone = 64;
 
   [[nodiscard]] bool IsKnown() const {
-    return m_index.IsKnown() && m_nKnown == this->GetChanges() && !m_changes->HasAny();
+    return m_index.IsKnown() && m_nKnown == this->Exchanges() && !m_changes->HasAny() &&
+           m_index.Size() == static_cast<std::size_t>(this->GetCount());
   }
   void TakeChanges() {
     for (const std::size_t nNumber : m_changes->Numbers()) {
@@ -142,12 +143,12 @@ class C_SampleRangeList : public C_CLArray<Item*, Interface*, true> {
     }
     m_index.Learn(ranges);
     m_changes->Clear();
-    m_nKnown = this->GetChanges();
+    m_nKnown = this->Exchanges();
   }
 
   C_RangeIndex m_index;
   std::shared_ptr<C_RangeChanges> m_changes = std::make_shared<C_RangeChanges>();
-  // The changes of the list when m_index was up to date; empty while it is not.
+  // The exchanges of items when m_index was up to date; empty while it is not.
   std::optional<std::size_t> m_nKnown;
 };
 

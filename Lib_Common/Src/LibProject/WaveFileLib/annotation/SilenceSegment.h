@@ -16,6 +16,12 @@ class C_SilenceSegment final : public I_SilenceSegment {
  public:
   C_SilenceSegment(unsigned int dwStart, unsigned int dwEnd) : m_dwStart(dwStart), m_dwEnd(dwEnd) {}
 
+  ~C_SilenceSegment() {
+    if (m_changes) m_changes->NoteAny();
+  }
+  C_SilenceSegment(const C_SilenceSegment&) = delete;
+  C_SilenceSegment& operator=(const C_SilenceSegment&) = delete;
+
   unsigned int GetStartSamplePos() override { return m_dwStart; }
   unsigned int GetEndSamplePos() override { return m_dwEnd; }
   // Wraps when the end is before the start.
@@ -28,7 +34,8 @@ class C_SilenceSegment final : public I_SilenceSegment {
     m_dwEnd = dwEnd;
     if (m_changes) m_changes->Note(m_nNumber);
   }
-  // Notes this number whenever the segment changes. The list of the segment asks for it.
+  // Notes this number whenever the segment changes, and that something has changed when it is
+  // deleted. The list of the segment asks for it.
   void ReportChangesTo(std::shared_ptr<vcm::C_RangeChanges> changes, std::size_t nNumber) {
     m_changes = std::move(changes);
     m_nNumber = nNumber;

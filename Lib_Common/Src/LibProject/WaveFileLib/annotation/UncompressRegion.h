@@ -18,6 +18,12 @@ class C_UncompressRegion final : public I_UncompressRegion {
   C_UncompressRegion(unsigned int dwStart, unsigned int dwEnd)
       : m_dwStart(dwStart), m_dwEnd(dwEnd) {}
 
+  ~C_UncompressRegion() {
+    if (m_changes) m_changes->NoteAny();
+  }
+  C_UncompressRegion(const C_UncompressRegion&) = delete;
+  C_UncompressRegion& operator=(const C_UncompressRegion&) = delete;
+
   unsigned int GetStartSamplePos() override { return m_dwStart; }
   unsigned int GetEndSamplePos() override { return m_dwEnd; }
   // Wraps when the end is before the start.
@@ -30,7 +36,8 @@ class C_UncompressRegion final : public I_UncompressRegion {
     m_dwEnd = dwEnd;
     if (m_changes) m_changes->Note(m_nNumber);
   }
-  // Notes this number whenever the region changes. The list of the region asks for it.
+  // Notes this number whenever the region changes, and that something has changed when it is
+  // deleted. The list of the region asks for it.
   void ReportChangesTo(std::shared_ptr<vcm::C_RangeChanges> changes, std::size_t nNumber) {
     m_changes = std::move(changes);
     m_nNumber = nNumber;
