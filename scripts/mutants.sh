@@ -62,9 +62,9 @@ configure "$top/tree" "$rooms" -DVOXPLAY_TESTS=ON -DBUILD_SHARED_LIBS=ON
 configure "$top/tree" "$whole" -DVOXPLAY_TESTS=ON -DBUILD_SHARED_LIBS=OFF
 test_folders=("$rooms"/tests/common "$rooms"/tests/Lib_Common)
 mapfile -t programs < <(find "${test_folders[@]}" -name '*Test.dir' -printf '%f\n' | sed 's/\.dir$//')
-across=(fuzz_replay portable_outputs RefusedCallsTest RiffReadErrorTest IoFailureTest AllocationFailureTest
-  SystemCallFailureTest)
-across_tests='^(Fuzz|Portable|.*(IoFailure|FullDisk|AllocationFailure|SystemCallFailure)Test|RefusedCalls|InPlace|RiffReadError)'
+across=(fuzz_replay portable_outputs RefusedCallsTest RiffReadErrorTest VefReadErrorTest IoFailureTest
+  AllocationFailureTest SystemCallFailureTest)
+across_tests='^(Fuzz|Portable|.*(IoFailure|FullDisk|AllocationFailure|SystemCallFailure)Test|RefusedCalls|InPlace|(Riff|Vef)ReadError)'
 cmake --build "$rooms" --parallel "$jobs" --target "${programs[@]}" >/dev/null
 cmake --build "$whole" --parallel "$jobs" --target "${across[@]}" >/dev/null
 for ((i = 0; i < jobs; ++i)); do
