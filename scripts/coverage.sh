@@ -21,7 +21,8 @@ mkdir -p build/coverage/html
 #   dynamic_cast<...>(&x), delete this   is the address of an object null?
 #   (x.*y)(), (x->*y)()                  is the function that y points to virtual?
 #   ~C_Name() = default                  does this object have to free its memory, too?
-compilers='dynamic_cast<[^;]*\(&|delete this;|(\.|->)\*|~C_[A-Za-z]+\(\) (override )?= default;'
+#   operator==(...) = default            which of the members is the first to differ?
+compilers='dynamic_cast<[^;]*\(&|delete this;|(\.|->)\*|(~C_|operator==\().*= default;'
 gcovr --root . --exclude-throw-branches --exclude-branches-by-pattern ".*($compilers).*" \
   --filter common/ --filter Lib_Common/ --filter platform/ --filter player/ \
   --html-details build/coverage/html/index.html --print-summary -j "$(nproc)" build/coverage

@@ -102,15 +102,11 @@ bool C_VefFileBase::WriteVef(const char* pszFileName, const char* pszFormType, b
   I_WavData& written = *converted ? **converted : *pIWavData;
   RegenerateEvents();
   C_RiffFile riff;
-  if (!wavchunks::AddSound(riff, written) || !wavchunks::AddCues(riff, *this) ||
-      !wavchunks::AddSampler(riff, *this, kWriteSite) || !wavchunks::AddLabels(riff, *this)) {
-    return false;
-  }
-  if (bHeader &&
-      !(AddCodecFormat(riff, written, *GetAudioCodecParam(), eType) && WriteDataChunk(&riff))) {
-    return false;
-  }
-  return wavchunks::AddExtraChunks(riff, *this, kWriteSite, kOwnChunks) &&
+  return wavchunks::AddSound(riff, written) && wavchunks::AddCues(riff, *this) &&
+         wavchunks::AddSampler(riff, *this, kWriteSite) && wavchunks::AddLabels(riff, *this) &&
+         (!bHeader ||
+          (AddCodecFormat(riff, written, *GetAudioCodecParam(), eType) && WriteDataChunk(&riff))) &&
+         wavchunks::AddExtraChunks(riff, *this, kWriteSite, kOwnChunks) &&
          riff.Save(pszFileName, pszFormType);
 }
 

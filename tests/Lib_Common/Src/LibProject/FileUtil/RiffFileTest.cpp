@@ -223,17 +223,17 @@ TEST_F(RiffFile, IdentifierThatStartsWithZeros_IsEatenAsFiller) {
 }
 
 TEST_F(RiffFile, PayloadsPastFourGiB_AreNotListed) {
-  // A sparse file: the payloads of two chunks begin below 4 GiB, that of the third does not.
+  // A sparse file: the payload of the second chunk begins at the last position below 4 GiB.
   const std::string strPath =
-      m_folder.Write("in", C_RiffBytes("WAVE").Chunk("huge", 0xFFFFFFE0u, {}).RiffSize(3).Take());
+      m_folder.Write("in", C_RiffBytes("WAVE").Chunk("huge", 0xFFFFFFE3u, {}).RiffSize(3).Take());
   const auto out = vcm::OpenFile(strPath.c_str(), "r+b");
-  ASSERT_TRUE(out && vcm::SeekTo(out.get(), 0xFFFFFFF4u));
+  ASSERT_TRUE(out && vcm::SeekTo(out.get(), 0xFFFFFFF7u));
   ASSERT_TRUE(vcm::WriteExact(out.get(), ChunkBytes("last", {1, 2, 3, 4})));
   ASSERT_TRUE(vcm::WriteExact(out.get(), ChunkBytes("gone", {5, 6, 7, 8})));
   ASSERT_EQ(std::fflush(out.get()), 0);
   C_RiffFile file;
   EXPECT_TRUE(file.Open(strPath.c_str(), "WAVE"));
-  EXPECT_EQ(Listing(file), (Lines{"huge@20+4294967264", "last@4294967292+4"}));
+  EXPECT_EQ(Listing(file), (Lines{"huge@20+4294967267", "last@4294967295+4"}));
   EXPECT_EQ(PayloadOf(file.GetChunkAt(1)), (C_Bytes{1, 2, 3, 4}));
 }
 

@@ -68,6 +68,19 @@ TEST_F(RiffReadError, WhileAPayloadIsRead_LetsNoSaveSucceed) {
   EXPECT_EQ(m_folder.Read("in"), bytes);
 }
 
+TEST_F(RiffReadError, OfOnePayload_IsNotForgottenWhenTheNextCanBeRead) {
+  C_RiffFile file;
+  ASSERT_TRUE(Open(file, FileWithPads().Take()));
+  C_Bytes payload(64);
+  C_FaultyIo faults({.nCall = 1});
+  EXPECT_FALSE(file.FindChunk("data", 0)->GetData(payload.data(), 64, 0));
+  faults.Stop();
+  EXPECT_EQ(PayloadOf(file.FindChunk("junk", 0)), RampBytes(5));
+  EXPECT_EQ(file.FindChunk("fmt ", 0)->CreateHeldPart(), nullptr);
+  EXPECT_FALSE(file.IsCutShort());
+  EXPECT_TRUE(file.HasReadError());
+}
+
 TEST_F(RiffReadError, WhileAHeldPartIsRead_IsRemembered) {
   for (int nCall = 1;; ++nCall) {
     C_RiffFile file;

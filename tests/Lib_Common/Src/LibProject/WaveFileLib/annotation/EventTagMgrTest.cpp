@@ -325,6 +325,18 @@ TEST_F(EventTagMgr, AddEvent_IntoAListThatIsNotSorted_FollowsTheSearch) {
   EXPECT_EQ(Names(), (std::vector{6, 1, 2, 5, 3, 4}));
 }
 
+TEST_F(EventTagMgr, AddEvent_WhereTheSearchMeetsAnEqualOne_GoesAfterTheEqualOnesThere) {
+  m_mgr.SetSampleRate(1000);
+  AtSample(0, 1);
+  AtSample(1, 2);
+  AtSample(50, 3);
+  AtTime(60, 4);
+  AtSample(90, 5);
+  m_mgr.SetSampleRate(500);  // samples are now 0, 1, 50, 30, 90
+  AtSample(50, 6);
+  EXPECT_EQ(Names(), (std::vector{1, 2, 3, 6, 4, 5}));
+}
+
 TEST_F(EventTagMgr, Queries_FindInListOrder) {
   m_mgr.SetSampleRate(1000);
   AtTime(20, 1);

@@ -47,7 +47,7 @@ TEST(WavData, NewSound_IsEmpty) {
 TEST(WavData, Release_OfANewSoundDeletesIt) {
   int nDeaths = 0;
   I_WavData* pSound = new C_MortalSound(nDeaths);
-  pSound->Release();
+  EXPECT_EQ(pSound->Release(), 0);
   EXPECT_EQ(nDeaths, 1);
 }
 
@@ -59,7 +59,7 @@ TEST(WavData, Release_AfterOneAddRef_TakesTwoCalls) {
   EXPECT_EQ(pSound->Release(), 1);
   EXPECT_EQ(pSound->Release(), 0);
   EXPECT_EQ(nDeaths, 0);
-  pSound->Release();
+  EXPECT_EQ(pSound->Release(), 0);
   EXPECT_EQ(nDeaths, 1);
 }
 
