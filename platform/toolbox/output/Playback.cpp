@@ -11,9 +11,11 @@ namespace {
 
 void Announce(bool bHadDevice, bool bAfterText) {
   if (::isatty(STDERR_FILENO) != 1) return;
-  if (bAfterText && ::isatty(STDOUT_FILENO) == 1) std::fputc('\n', stderr);
-  std::fputs(bHadDevice ? "output device lost" : "no output device", stderr);
-  std::fputs("; playing silently in real time\n", stderr);
+  const bool bNewLine = bAfterText && ::isatty(STDOUT_FILENO) == 1;
+  const char* const pszText = bHadDevice ? "\noutput device lost; playing silently in real time\n"
+                                         : "\nno output device; playing silently in real time\n";
+  // In one piece, so that nothing else on the terminal comes between.
+  std::fputs(bNewLine ? pszText : pszText + 1, stderr);
 }
 
 }  // namespace
