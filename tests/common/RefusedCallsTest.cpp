@@ -107,7 +107,10 @@ ssize_t WrapGetList(const char* /*pszPath*/, const char* /*pszName*/, void* pTar
     return -1;
   }
   --g_system.nLooksAtList;
-  std::memcpy(pTarget, g_system.list.data(), std::min(cbRoom, g_system.list.size()));
+  // The first call asks for the size only, and has no room.
+  if (cbRoom > 0) {
+    std::memcpy(pTarget, g_system.list.data(), std::min(cbRoom, g_system.list.size()));
+  }
   return static_cast<ssize_t>(g_system.list.size());
 }
 int WrapSetList(int /*nDescriptor*/, const char* /*pszName*/, const void* /*pList*/,
