@@ -37,7 +37,10 @@ void C_RangeIndex::Forget() {
 }
 
 std::size_t C_RangeIndex::PositionOf(std::size_t nNumber) const {
-  const auto found = std::lower_bound(m_numbers.begin(), m_numbers.end(), nNumber);
+  // Not lower_bound: where the standard library checks its arguments, it looks at all numbers to see
+  // whether they ascend.
+  const auto found = std::partition_point(m_numbers.begin(), m_numbers.end(),
+                                          [=](std::size_t nOther) { return nOther < nNumber; });
   const bool bFound = found != m_numbers.end() && *found == nNumber;
   return bFound ? static_cast<std::size_t>(found - m_numbers.begin()) : Size();
 }
