@@ -37,8 +37,8 @@ void C_RangeIndex::Forget() {
 }
 
 std::size_t C_RangeIndex::PositionOf(std::size_t nNumber) const {
-  // Not lower_bound: where the standard library checks its arguments, it looks at all numbers to see
-  // whether they ascend.
+  // Not lower_bound: where the standard library checks its arguments, it looks at all numbers to
+  // see whether they ascend.
   const auto found = std::partition_point(m_numbers.begin(), m_numbers.end(),
                                           [=](std::size_t nOther) { return nOther < nNumber; });
   const bool bFound = found != m_numbers.end() && *found == nNumber;
