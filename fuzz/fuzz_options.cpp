@@ -10,10 +10,15 @@
 //   quarantine_size_mb   how much freed memory is watched. An input frees a few kilobytes, and
 //                        touching new memory all the time takes longer than using some of it again.
 
-// The sanitizer looks for this name.
+// The sanitizers look for these names.
 // NOLINTBEGIN(bugprone-reserved-identifier,clang-diagnostic-reserved-identifier)
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
   return "malloc_context_size=4:max_malloc_fill_size=256:quarantine_size_mb=4";
 }
+
+// The system's library for Ogg sounds forgets its memory when the head of a sound is damaged. What
+// is ours is freed.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libvorbis\n"; }
 // NOLINTEND(bugprone-reserved-identifier,clang-diagnostic-reserved-identifier)
