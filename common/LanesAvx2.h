@@ -29,6 +29,7 @@ namespace vcm {
 
 struct S_LanesAvx2 {
   using R = __m256i;
+  using S_Part = S_LanesSse2;
   static constexpr int kParts = 2;
   static constexpr int kLanes = 16;
 
@@ -76,6 +77,18 @@ struct S_LanesAvx2 {
   VCM_LANES_INLINE static R And(R a, R b) { return _mm256_and_si256(a, b); }
   VCM_LANES_INLINE static R Or(R a, R b) { return _mm256_or_si256(a, b); }
   VCM_LANES_INLINE static R Xor(R a, R b) { return _mm256_xor_si256(a, b); }
+  VCM_LANES_INLINE static R MultiplyLow16(R a, R b) { return _mm256_mullo_epi16(a, b); }
+  VCM_LANES_INLINE static R MultiplyHigh16(R a, R b) { return _mm256_mulhi_epi16(a, b); }
+  template <int n>
+  VCM_LANES_INLINE static R ShiftLeft16(R a) {
+    return _mm256_slli_epi16(a, n);
+  }
+  template <int n>
+  VCM_LANES_INLINE static R ShiftRightUnsigned16(R a) {
+    return _mm256_srli_epi16(a, n);
+  }
+  VCM_LANES_INLINE static R IsEqual16(R a, R b) { return _mm256_cmpeq_epi16(a, b); }
+  VCM_LANES_INLINE static R IsGreater16(R a, R b) { return _mm256_cmpgt_epi16(a, b); }
 
   VCM_LANES_INLINE static R SumOfProducts(R a, R b) { return _mm256_madd_epi16(a, b); }
   VCM_LANES_INLINE static R Add32(R a, R b) { return _mm256_add_epi32(a, b); }

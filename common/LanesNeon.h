@@ -13,6 +13,7 @@ namespace vcm {
 
 struct S_LanesNeon {
   using R = int16x8_t;
+  using S_Part = S_LanesNeon;
   static constexpr int kParts = 1;
   static constexpr int kLanes = 8;
 
@@ -48,6 +49,23 @@ struct S_LanesNeon {
   VCM_LANES_INLINE static R And(R a, R b) { return vandq_s16(a, b); }
   VCM_LANES_INLINE static R Or(R a, R b) { return vorrq_s16(a, b); }
   VCM_LANES_INLINE static R Xor(R a, R b) { return veorq_s16(a, b); }
+  VCM_LANES_INLINE static R MultiplyLow16(R a, R b) { return vmulq_s16(a, b); }
+  VCM_LANES_INLINE static R MultiplyHigh16(R a, R b) {
+    return vuzp2q_s16(vreinterpretq_s16_s32(vmull_s16(vget_low_s16(a), vget_low_s16(b))),
+                      vreinterpretq_s16_s32(vmull_high_s16(a, b)));
+  }
+  template <int n>
+  VCM_LANES_INLINE static R ShiftLeft16(R a) {
+    return vshlq_n_s16(a, n);
+  }
+  template <int n>
+  VCM_LANES_INLINE static R ShiftRightUnsigned16(R a) {
+    return vreinterpretq_s16_u16(vshrq_n_u16(vreinterpretq_u16_s16(a), n));
+  }
+  VCM_LANES_INLINE static R IsEqual16(R a, R b) { return vreinterpretq_s16_u16(vceqq_s16(a, b)); }
+  VCM_LANES_INLINE static R IsGreater16(R a, R b) {
+    return vreinterpretq_s16_u16(vcgtq_s16(a, b));
+  }
 
   VCM_LANES_INLINE static R SumOfProducts(R a, R b) {
     return From32(

@@ -13,6 +13,7 @@ namespace vcm {
 
 struct S_LanesSse2 {
   using R = __m128i;
+  using S_Part = S_LanesSse2;
   static constexpr int kParts = 1;
   static constexpr int kLanes = 8;
 
@@ -52,6 +53,18 @@ struct S_LanesSse2 {
   VCM_LANES_INLINE static R And(R a, R b) { return _mm_and_si128(a, b); }
   VCM_LANES_INLINE static R Or(R a, R b) { return _mm_or_si128(a, b); }
   VCM_LANES_INLINE static R Xor(R a, R b) { return _mm_xor_si128(a, b); }
+  VCM_LANES_INLINE static R MultiplyLow16(R a, R b) { return _mm_mullo_epi16(a, b); }
+  VCM_LANES_INLINE static R MultiplyHigh16(R a, R b) { return _mm_mulhi_epi16(a, b); }
+  template <int n>
+  VCM_LANES_INLINE static R ShiftLeft16(R a) {
+    return _mm_slli_epi16(a, n);
+  }
+  template <int n>
+  VCM_LANES_INLINE static R ShiftRightUnsigned16(R a) {
+    return _mm_srli_epi16(a, n);
+  }
+  VCM_LANES_INLINE static R IsEqual16(R a, R b) { return _mm_cmpeq_epi16(a, b); }
+  VCM_LANES_INLINE static R IsGreater16(R a, R b) { return _mm_cmpgt_epi16(a, b); }
 
   VCM_LANES_INLINE static R SumOfProducts(R a, R b) { return _mm_madd_epi16(a, b); }
   VCM_LANES_INLINE static R Add32(R a, R b) { return _mm_add_epi32(a, b); }

@@ -147,21 +147,21 @@ inline constexpr S_CoreLanes kSynthesisCoreLanes = MakeCore(kSynthesisCore);
 
 // ---- rotations ----
 
-// The value of a block of 40 that value k of a kernel leads to after two passes; nTurns has the bits
-// u5 (first pass) and u4.
+// The value of a block of 40 that value k of a kernel leads to after two passes; nTurns has the
+// bits u5 (first pass) and u4.
 constexpr std::size_t ValueOf(std::size_t k, std::size_t nTurns) {
   const std::size_t nOf20 = nTurns / 2 == 0 ? k : 19 - k;
   return nTurns % 2 == 0 ? nOf20 : 39 - nOf20;
 }
 
-// [values k and k + 5][bits u5 u4][front, back]: for four pairs of lanes, two factors each. The first
-// part is for k, the second for k + 5.
+// [values k and k + 5][bits u5 u4][front, back]: for four pairs of lanes, two factors each. The
+// first part is for k, the second for k + 5.
 struct S_TurnLanes {
   S_Lanes16 factors[kHalfKernel][4][2];
 };
 
-// The pass over blocks of 20, 40, 80, 160 or 320 (nPass 0..4). In the last two, pairs of lanes differ
-// by the values that the passes before have led to: u3 for nPass 3, u2 and u3 for nPass 4.
+// The pass over blocks of 20, 40, 80, 160 or 320 (nPass 0..4). In the last two, pairs of lanes
+// differ by the values that the passes before have led to: u3 for nPass 3, u2 and u3 for nPass 4.
 constexpr S_TurnLanes MakeTurns(std::span<const S_Rotation> rotations, std::size_t nPass) {
   S_TurnLanes turns{};
   for (std::size_t k = 0; k < kKernel; ++k) {

@@ -14,9 +14,10 @@
 //                 take their inputs from the last to the first, for blocks whose number has an odd
 //                 number of ones.
 //   kernels       two values of four blocks in a register are multiplied by two factors each
-//   rotations     pass p (1..5) puts blocks together that differ in t_(6-p), and its value n goes to
-//                 place n or, counted from the end of the new block, to place n. Bit u_p says which.
-//                 Each of the ten values of a kernel takes this way on its own.
+//   rotations     pass p (1..5) puts blocks together that differ in t_(6-p), and its value n goes
+//   to
+//                 place n or, counted from the end of the new block, to place n. Bit u_p says
+//                 which. Each of the ten values of a kernel takes this way on its own.
 //
 // Why the results are the same: sums of two products fit into 32 bits, and limiting the rounded sum
 // once gives the same as limiting each step. Sums of ten products are limited at each step, which
@@ -56,9 +57,8 @@ class C_TransformLanes {
     }
     S_Rows rows;
     Rotations<15>(outputs, kAnalysisTurns, rows);
-    Transpose(rows, [&](R values, const S_Place& place) {
-      place.Store(coefficients.data(), values);
-    });
+    Transpose(rows,
+              [&](R values, const S_Place& place) { place.Store(coefficients.data(), values); });
     return nShift;
   }
 
@@ -96,15 +96,15 @@ class C_TransformLanes {
   struct S_Outputs {
     alignas(32) std::int16_t values[kHalfKernel][4][2][8];
   };
-  // What comes out of the rotations: value n of each block of 40 leads to eight values of the frame.
-  // Rows of eight values n are transposed, two groups of eight at a time.
+  // What comes out of the rotations: value n of each block of 40 leads to eight values of the
+  // frame. Rows of eight values n are transposed, two groups of eight at a time.
   struct S_Rows {
     alignas(32) std::int16_t values[3][8][2][8];
     std::int16_t* Row(std::size_t n) { return values[n / 16][n % 8][n / 8 % 2]; }
   };
 
-  // A place for eight values of the frame, or for sixteen with two parts. They ascend or descend from
-  // there; the last group has eight values only.
+  // A place for eight values of the frame, or for sixteen with two parts. They ascend or descend
+  // from there; the last group has eight values only.
   struct S_Place {
     std::size_t nAt;
     bool bUp;
@@ -155,8 +155,8 @@ class C_TransformLanes {
     for (std::size_t n = 0; n < kHalf; n += kLanes) {
       const R before = L::Reverse(L::Load(pHistory + kHalf - n - kLanes));
       const R after = L::Load(pHistory + kHalf + n);
-      put(pWindowed + n, RoundedSums<15>(before, after, window.first + 2 * n,
-                                         window.first + 2 * n + kLanes));
+      put(pWindowed + n,
+          RoundedSums<15>(before, after, window.first + 2 * n, window.first + 2 * n + kLanes));
     }
     for (std::size_t n = 0; n < kHalf; n += kLanes) {
       const R front = L::Load(pSamples + n);
@@ -270,12 +270,11 @@ class C_TransformLanes {
       const std::size_t n = nFirst + 8 * i;
       const std::size_t nUpper = (n + kHalf) % kSamplesPerFrame;
       const R values = L::LoadParts(pCoefficients + n, pCoefficients + nUpper);
-      const R sums = L::AddLimited16(
-          values, L::LoadParts(kDitherLanes.sums + n, kDitherLanes.sums + nUpper));
+      const R sums =
+          L::AddLimited16(values, L::LoadParts(kDitherLanes.sums + n, kDitherLanes.sums + nUpper));
       const R differences = L::AddLimited16(
           values, L::LoadParts(kDitherLanes.differences + n, kDitherLanes.differences + nUpper));
-      group.values[i] =
-          Halves(L::SumOfProducts(sums, ones), L::SumOfProducts(differences, signs));
+      group.values[i] = Halves(L::SumOfProducts(sums, ones), L::SumOfProducts(differences, signs));
     }
     LastFourPasses<true>(group);
     return group;
