@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "kestrel/TablesQuantiser.h"
 
@@ -55,16 +56,24 @@ constexpr auto MakeBitsOfDistance() {
 }
 constexpr auto kBitsOfDistance = MakeBitsOfDistance();
 
-// The bits of all regions at eight offsets. rowOf(power): those of one region.
+// The bits of all regions at eight offsets. rowOf(power): those of one region. Four numbers are
+// added at once; none of their sums needs more than 16 bits.
 template <typename RowOf>
 S_GroupBits AddUp(const S_Envelope& envelope, int nRegions, RowOf rowOf) {
-  S_GroupBits bits{};
-  for (int r = 0; r < nRegions; ++r) {
-    const std::int16_t* pRow = rowOf(envelope[Index(r)]);
-    for (std::size_t i = 0; i < kGroup; ++i) {
-      bits[i] = static_cast<std::int16_t>(bits[i] + pRow[i]);
-    }
+  static_assert(kMaxRegions * kExpectedBits[0] <= 0x7FFF);
+  std::uint64_t qwLow = 0;
+  std::uint64_t qwHigh = 0;
+  for (std::size_t r = 0; r < Index(nRegions); ++r) {
+    const std::int16_t* pRow = rowOf(envelope[r]);
+    std::uint64_t qwRow;
+    std::memcpy(&qwRow, pRow, sizeof qwRow);
+    qwLow += qwRow;
+    std::memcpy(&qwRow, pRow + kGroup / 2, sizeof qwRow);
+    qwHigh += qwRow;
   }
+  S_GroupBits bits;
+  std::memcpy(bits.data(), &qwLow, sizeof qwLow);
+  std::memcpy(bits.data() + kGroup / 2, &qwHigh, sizeof qwHigh);
   return bits;
 }
 
@@ -107,9 +116,9 @@ using S_RegionSet = std::uint16_t;  // bit r for region r
 template <std::size_t nExcesses>
 class C_Candidates {
  public:
-  void Insert(int nExcess, int nRegion) {
+  void Insert(int nExcess, unsigned int nRegionBit) {
     auto& set = m_sets[Index(nExcess)];
-    set = static_cast<S_RegionSet>(set | 1u << nRegion);
+    set = static_cast<S_RegionSet>(set | nRegionBit);
   }
   // The set of the regions that come next; empty when there is none.
   S_RegionSet& Best() {
@@ -141,13 +150,13 @@ class C_OrderedChoices {
  public:
   C_OrderedChoices(const S_Offset& offset, const S_Envelope& envelope, int nRegions)
       : m_nBits(2 * offset.nBits) {
-    for (int r = 0; r < nRegions; ++r) {
-      const int nDistance = offset.nOffset - envelope[Index(r)];
+    for (std::size_t r = 0; r < Index(nRegions); ++r) {
+      const int nDistance = offset.nOffset - envelope[r];
       const int nCategory = std::clamp(nDistance >> 1, 0, kNoiseCategory);
-      m_rich[Index(r)] = nCategory;
       const int nExcess = nDistance - 2 * nCategory;
-      if (nCategory > 0) m_finer.Insert(nExcess, r);
-      if (nCategory < kNoiseCategory) m_coarser.Insert(kMostCoarse - nExcess, r);
+      m_rich[r] = nCategory;
+      if (nCategory > 0) m_finer.Insert(nExcess, 1u << r);
+      if (nCategory < kNoiseCategory) m_coarser.Insert(kMostCoarse - nExcess, 1u << r);
     }
     m_poor = m_rich;
   }
@@ -163,7 +172,7 @@ class C_OrderedChoices {
     if (set != 0) {
       m_nRefined = std::countr_zero(set);
       set = static_cast<S_RegionSet>(set & (set - 1));
-      if (m_rich[Index(m_nRefined)] > 1) m_finer.Insert(m_finer.BestExcess() + 2, m_nRefined);
+      if (m_rich[Index(m_nRefined)] > 1) m_finer.Insert(m_finer.BestExcess() + 2, 1u << m_nRefined);
     }
     int& nCategory = m_rich[Index(m_nRefined)];
     m_nBits += StepBits(nCategory, nCategory - 1);
@@ -179,7 +188,7 @@ class C_OrderedChoices {
       m_nCoarsened = std::bit_width(set) - 1;
       set = static_cast<S_RegionSet>(set ^ 1u << m_nCoarsened);
       if (m_poor[Index(m_nCoarsened)] < kNoiseCategory - 1) {
-        m_coarser.Insert(m_coarser.BestExcess() + 2, m_nCoarsened);
+        m_coarser.Insert(m_coarser.BestExcess() + 2, 1u << m_nCoarsened);
       }
     }
     int& nCategory = m_poor[Index(m_nCoarsened)];

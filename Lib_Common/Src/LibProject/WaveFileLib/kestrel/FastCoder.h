@@ -77,22 +77,29 @@ class C_FastCoder {
   // Twenty coefficients and the four that RegionLanes.h touches after them.
   static constexpr std::size_t kLongRegion = 24;
 
-  // NextNoise without a call.
+  // NextNoise for all of a frame: the seeds in one number, the newest lowest.
   class C_FastNoise {
    public:
-    VCM_LANES_INLINE explicit C_FastNoise(S_NoiseGenerator& generator) : m_generator(generator) {}
-    VCM_LANES_INLINE std::uint32_t Next() {
-      auto& seeds = m_generator.seeds;
-      const auto nSum = Wrap16(seeds[0] + seeds[3]);
-      const auto nNext = static_cast<std::int16_t>(nSum < 0 ? nSum + 1 : nSum);
-      std::memmove(&seeds[1], &seeds[0], 3 * sizeof seeds[0]);
-      seeds[0] = nNext;
-      return static_cast<std::uint16_t>(nNext);
+    VCM_LANES_INLINE explicit C_FastNoise(const S_NoiseGenerator& generator) {
+      for (std::size_t i = 4; i-- > 0;) {
+        m_qwSeeds = m_qwSeeds << 16 | static_cast<std::uint16_t>(generator.seeds[i]);
+      }
     }
-    VCM_LANES_INLINE S_NoiseGenerator& Generator() { return m_generator; }
+    VCM_LANES_INLINE std::uint32_t Next() {
+      const auto wSum = static_cast<std::uint16_t>(m_qwSeeds + (m_qwSeeds >> 48));
+      // One more where the sum is negative.
+      const auto wNext = static_cast<std::uint16_t>(wSum + (wSum >> 15));
+      m_qwSeeds = m_qwSeeds << 16 | wNext;
+      return wNext;
+    }
+    VCM_LANES_INLINE void Put(S_NoiseGenerator& generator) const {
+      for (std::size_t i = 0; i < 4; ++i) {
+        generator.seeds[i] = Wrap16(static_cast<std::int32_t>(m_qwSeeds >> (16 * i) & 0xFFFF));
+      }
+    }
 
    private:
-    S_NoiseGenerator& m_generator;
+    std::uint64_t m_qwSeeds = 0;
   };
 
   // A region as it is written.
@@ -284,7 +291,7 @@ class C_FastCoder {
     } while (nNode > 0);
     return -nNode;
   }
-  [[gnu::noinline]] static S_LookedUpVector FindLongVector(std::size_t nCategory, int nNode,
+  [[gnu::noinline]] static C_LookedUpVector FindLongVector(std::size_t nCategory, int nNode,
                                                            std::uint64_t qwNext) {
     int nBits = 0;
     const int nVector =
@@ -306,24 +313,30 @@ class C_FastCoder {
     constexpr std::size_t kCopied = nDimension == 5 ? 8 : nDimension;
     const auto& lookUp = kVectorLookUps[nCategory];
     S_ReadSigns signs;
-    for (int i = 0; i < kRegionSize; i += nDimension) {
-      const std::uint64_t qwNext = reader.Next();
-      S_LookedUpVector found = lookUp[static_cast<std::size_t>(qwNext >> (64 - kVectorLookUpBits))];
-      if (found.byBits == 0) [[unlikely]] {
-        found = FindLongVector(nCategory, found.wVectorOrNode, qwNext);
+    std::uint64_t qwNext = 0;
+#pragma GCC unroll 10
+    for (int n = 0; n < kRegionSize / nDimension; ++n) {
+      // Two vectors have at most 42 bits.
+      if (n % 2 == 0) qwNext = reader.Next();
+      C_LookedUpVector found = lookUp[static_cast<std::size_t>(qwNext >> (64 - kVectorLookUpBits))];
+      if (found.Bits() == 0) [[unlikely]] {
+        found = FindLongVector(nCategory, static_cast<int>(found.VectorOrNode()), qwNext);
       }
-      const int nSigns = kCounts[found.byNonzero];
-      const int nBits = found.byBits + nSigns;
-      if (reader.BitsLeft() < nBits) [[unlikely]] {
-        reader.Skip(std::min<int>(found.byBits, std::max(reader.BitsLeft(), 0)));
+      if (reader.BitsLeft() < found.Bits()) [[unlikely]] {
+        const int nWord = found.Bits() - kCounts[found.Nonzero()];
+        reader.Skip(std::min(nWord, std::max(reader.BitsLeft(), 0)));
         signs.bEnough = false;
         return signs;
       }
-      reader.Skip(nBits);
-      const auto nWritten = static_cast<std::size_t>(qwNext << found.byBits >> 1 >> (63 - nSigns));
-      signs.dwPositive |= std::uint32_t{kSpreadSigns[found.byNonzero][nWritten]} << i;
-      signs.dwNonzero |= std::uint32_t{found.byNonzero} << i;
-      std::memcpy(pLevels + i, kVectorLevels[found.wVectorOrNode].data(),
+      const std::uint64_t qwWritten = qwNext >> (64 - found.Bits());
+      qwNext <<= found.Bits();
+      reader.Skip(found.Bits());
+      const int nFirst = n * nDimension;
+      signs.dwPositive |=
+          std::uint32_t{kSpreadSigns[found.Nonzero()][static_cast<std::size_t>(qwWritten % kSets)]}
+          << nFirst;
+      signs.dwNonzero |= found.Nonzero() << nFirst;
+      std::memcpy(pLevels + nFirst, kVectorLevels[found.VectorOrNode()].data(),
                   kCopied * sizeof(std::int16_t));
     }
     return signs;
@@ -410,6 +423,7 @@ class C_FastCoder {
       bEnough = ReadRegion(reader, words, bEnough ? nCategory : kNoiseCategory, bEnough,
                            scale.deviation[Index(r)], noise, Coefficients(coefficients, r));
     }
+    noise.Put(state.noise);
     std::fill(coefficients.begin() + nRegions * kRegionSize, coefficients.end(), std::int16_t{0});
 
     if (IsValidEnd(reader, bEnough, nControl)) {
@@ -458,7 +472,10 @@ class C_FastCoder {
     C_BitReader bits(words, reader.BitsTaken());
     const S_Region region(pRegion, kRegionSize);
     const bool bEnough = kestrel::ReadRegion(bits, nCategory, nDeviation, region);
-    FillWithNoise(noise.Generator(), bEnough ? nCategory : kNoiseCategory, nDeviation, region);
+    S_NoiseGenerator generator;
+    noise.Put(generator);
+    FillWithNoise(generator, bEnough ? nCategory : kNoiseCategory, nDeviation, region);
+    noise = C_FastNoise(generator);
     reader.Skip(reader.BitsLeft() - bits.BitsLeft());
     return bEnough;
   }

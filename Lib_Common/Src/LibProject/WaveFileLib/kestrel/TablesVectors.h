@@ -149,13 +149,19 @@ constexpr S_SignTable MakeGatheredSigns() {
 }
 inline constexpr S_SignTable kGatheredSigns = MakeGatheredSigns();
 
-// The way back: [set of nonzero bins][signs as written]: the set of positive coefficients.
+// The way back: [set of nonzero bins][signs as written]: the set of positive coefficients. Bits
+// above the signs make no difference.
 constexpr S_SignTable MakeSpreadSigns() {
   S_SignTable table{};
   for (std::size_t nSet = 0; nSet < kSets; ++nSet) {
-    for (std::size_t nPositive = 0; nPositive < kSets; ++nPositive) {
-      const std::size_t nInSet = nPositive & nSet;
-      table[nSet][kGatheredSigns[nSet][nInSet]] = static_cast<std::uint8_t>(nInSet);
+    for (std::size_t nWritten = 0; nWritten < kSets; ++nWritten) {
+      std::size_t nLeft = kCounts[nSet];
+      unsigned int nPositive = 0;
+      for (std::size_t i = 0; i < kMostDimensions; ++i) {
+        if ((nSet >> i & 1) == 0) continue;
+        nPositive |= static_cast<unsigned int>(nWritten >> --nLeft & 1) << i;
+      }
+      table[nSet][nWritten] = static_cast<std::uint8_t>(nPositive);
     }
   }
   return table;
@@ -200,22 +206,36 @@ constexpr S_FoundSymbol FindSymbol(const auto& tree, std::size_t nWord, int nBit
   return {-nNode, n};
 }
 
-// What the next bits of a frame lead to. nBits is 0 where the code word is longer than the look-up,
-// and the other number then is the node of the tree at which to go on.
+// What the next bits of a frame lead to. The length is 0 where the code word is longer than the
+// look-up, and the other number then is the node of the tree at which to go on.
 struct S_LookedUpStep {
   std::uint8_t bySymbolOrNode;
   std::uint8_t byBits;
 };
-struct S_LookedUpVector {
-  std::uint16_t wVectorOrNode;  // among all vectors; see kFirstVector
-  std::uint8_t byBits;
-  std::uint8_t byNonzero;
+// The same for a vector, in one number. Its length includes the signs.
+class C_LookedUpVector {
+ public:
+  constexpr C_LookedUpVector() = default;
+  // nVector: among all vectors, see kFirstVector.
+  constexpr C_LookedUpVector(std::size_t nVector, int nBits, unsigned int nNonzero)
+      : m_dwAll(static_cast<std::uint32_t>(nVector) |
+                static_cast<std::uint32_t>(nBits) << kNumberBits | nNonzero << kNonzeroAt) {}
+
+  [[nodiscard]] constexpr std::size_t VectorOrNode() const {
+    return m_dwAll & ((1u << kNumberBits) - 1);
+  }
+  [[nodiscard]] constexpr int Bits() const { return static_cast<int>(m_dwAll >> kNumberBits & 31); }
+  [[nodiscard]] constexpr std::uint32_t Nonzero() const { return m_dwAll >> kNonzeroAt; }
+
+ private:
+  static constexpr int kNumberBits = 11;
+  static constexpr int kNonzeroAt = 21;
+  std::uint32_t m_dwAll = 0;
 };
 
-constexpr S_LookedUpVector LookedUpVector(std::size_t nCategory, std::size_t nVector, int nBits) {
-  return {static_cast<std::uint16_t>(kFirstVector[nCategory] + nVector),
-          static_cast<std::uint8_t>(nBits),
-          static_cast<std::uint8_t>(NonzeroBins(nCategory, nVector))};
+constexpr C_LookedUpVector LookedUpVector(std::size_t nCategory, std::size_t nVector, int nBits) {
+  const unsigned int nNonzero = NonzeroBins(nCategory, nVector);
+  return {kFirstVector[nCategory] + nVector, nBits + std::popcount(nNonzero), nNonzero};
 }
 
 // Long enough for nearly all words, short enough for the first cache.
@@ -223,12 +243,12 @@ inline constexpr int kVectorLookUpBits = 9;
 inline constexpr int kPowerStepLookUpBits = 8;
 
 constexpr auto MakeVectorLookUps() {
-  std::array<std::array<S_LookedUpVector, std::size_t{1} << kVectorLookUpBits>, kNoiseCategory>
+  std::array<std::array<C_LookedUpVector, std::size_t{1} << kVectorLookUpBits>, kNoiseCategory>
       lookUps{};
   for (std::size_t k = 0; k < kNoiseCategory; ++k) {
     for (std::size_t nWord = 0; nWord < lookUps[k].size(); ++nWord) {
       const auto [nSymbol, nBits] = FindSymbol(kVectorTrees[k], nWord, kVectorLookUpBits);
-      lookUps[k][nWord] = nSymbol < 0 ? S_LookedUpVector{static_cast<std::uint16_t>(-nSymbol), 0, 0}
+      lookUps[k][nWord] = nSymbol < 0 ? C_LookedUpVector(Index(-nSymbol), 0, 0)
                                       : LookedUpVector(k, Index(nSymbol), nBits);
     }
   }
