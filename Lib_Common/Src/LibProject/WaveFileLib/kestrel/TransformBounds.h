@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "kestrel/TablesTransformLanes.h"
+#include "kestrel/TablesTransform.h"
 #include "kestrel/Transform.h"
 
 namespace kestrel {
@@ -33,8 +33,9 @@ constexpr std::int64_t LargestColumn(const S_CoreMatrix& matrix, Measure measure
 // A part of a sum of products is at most the length of a column times the length of a block.
 constexpr int MostSquares(const S_CoreMatrix& matrix) {
   const auto nSquares = LargestColumn(matrix, [](std::int64_t n) { return n * n; });
-  // Each of the five squares of pairs was rounded down.
-  return static_cast<int>((kMostSum * kMostSum / nSquares >> kSquareShift) - kHalfKernel - 1);
+  // Each of the squares, or of the sums of two, was rounded down.
+  return static_cast<int>((kMostSum * kMostSum / nSquares >> kSquareShift) - std::int64_t{kKernel} -
+                          1);
 }
 inline constexpr int kMostAnalysisSquares = MostSquares(kAnalysisCore);
 inline constexpr int kMostSynthesisSquares = MostSquares(kSynthesisCore);
