@@ -79,9 +79,14 @@ class C_RegionLoops {
   }
 
  private:
+  // One bit for each coefficient: shifts by different numbers are no vector operation everywhere.
+  static constexpr auto kBits = [] {
+    std::array<std::uint32_t, kRegionSize> bits{};
+    for (std::size_t i = 0; i < bits.size(); ++i) bits[i] = 1u << i;
+    return bits;
+  }();
   static std::int16_t Signed(int nValue, std::uint32_t dwPositive, std::size_t i) {
-    const int nNegative = static_cast<int>(dwPositive >> i & 1) - 1;
-    return static_cast<std::int16_t>((nValue ^ nNegative) - nNegative);
+    return static_cast<std::int16_t>((dwPositive & kBits[i]) != 0 ? nValue : -nValue);
   }
 };
 

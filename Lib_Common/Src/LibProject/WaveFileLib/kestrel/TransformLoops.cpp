@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "kestrel/BasicOperators.h"
 #include "kestrel/TablesTransform.h"
@@ -95,29 +96,47 @@ void Butterflies(const S_Frame& in, S_Frame& out, Sum sum, Difference difference
   }
 }
 
+// Whether the sum or the difference of two values always has 16 bits.
+bool AreSumsInsideLimits(const S_Frame& values) {
+  std::int16_t nLargest = 0;
+  for (const std::int16_t nValue : values) {
+    // n for n, and for -1 - n.
+    nLargest = std::max(nLargest, Narrow(nValue ^ nValue >> 15));
+  }
+  return nLargest < 16384;
+}
+
+template <std::size_t nBlock>
+void InverseButterflies(const S_Frame& in, S_Frame& out) {
+  if (AreSumsInsideLimits(in)) {
+    Butterflies<nBlock>(
+        in, out, [](std::int32_t nA, std::int32_t nB) { return Narrow(nA + nB); },
+        [](std::int32_t nA, std::int32_t nB) { return Narrow(nA - nB); });
+  } else {
+    Butterflies<nBlock>(
+        in, out, [](std::int32_t nA, std::int32_t nB) { return Limited(nA + nB); },
+        [](std::int32_t nA, std::int32_t nB) { return Limited(nA - std::max(nB, -32767)); });
+  }
+}
+
 // ---- kernels ----
 
 // The values of the blocks side by side: [value][block].
 using S_Blocks = std::array<std::array<std::int16_t, kBlocks>, kKernel>;
 
-// Eight blocks at a time, so that the sums stay in registers. Sums of loud blocks may wrap.
+// Sums of loud blocks may wrap.
 void Kernels(const S_Blocks& in, const S_CoreMatrix& matrix, S_Blocks& out) {
-  constexpr std::size_t kAtOnce = 8;
-  for (std::size_t nFirst = 0; nFirst < kBlocks; nFirst += kAtOnce) {
-    for (std::size_t k = 0; k < kKernel; ++k) {
-      std::uint32_t sums[kAtOnce];
-      for (auto& dwSum : sums) dwSum = 0x4000;
-#pragma GCC unroll 10
-      for (std::size_t i = 0; i < kKernel; ++i) {
-        const std::int16_t nFactor = matrix[i][k];
-        const std::int16_t* pValues = in[i].data() + nFirst;
-        for (std::size_t b = 0; b < kAtOnce; ++b) {
-          sums[b] += static_cast<std::uint32_t>(pValues[b] * nFactor);
-        }
+  for (std::size_t k = 0; k < kKernel; ++k) {
+    std::array<std::uint32_t, kBlocks> sums;
+    sums.fill(0x4000);
+    for (std::size_t i = 0; i < kKernel; ++i) {
+      const std::int16_t nFactor = matrix[i][k];
+      for (std::size_t b = 0; b < kBlocks; ++b) {
+        sums[b] += static_cast<std::uint32_t>(in[i][b] * nFactor);
       }
-      for (std::size_t b = 0; b < kAtOnce; ++b) {
-        out[k][nFirst + b] = Narrow(static_cast<std::int32_t>(sums[b]) >> 15);
-      }
+    }
+    for (std::size_t b = 0; b < kBlocks; ++b) {
+      out[k][b] = Narrow(static_cast<std::int32_t>(sums[b]) >> 15);
     }
   }
 }
@@ -312,15 +331,11 @@ void C_TransformLoops::Inverse(S_Overlap& overlap, const S_Frame& coefficients, 
   }
   std::reverse_copy(differences.begin(), differences.end(), values.begin() + kHalf);
 
-  const auto sum = [](std::int32_t nA, std::int32_t nB) { return Limited(nA + nB); };
-  const auto difference = [](std::int32_t nA, std::int32_t nB) {
-    return Limited(nA - std::max(nB, -32767));
-  };
   S_Frame other;
-  Butterflies<160>(values, other, sum, difference);
-  Butterflies<80>(other, values, sum, difference);
-  Butterflies<40>(values, other, sum, difference);
-  Butterflies<20>(other, values, sum, difference);
+  InverseButterflies<160>(values, other);
+  InverseButterflies<80>(other, values);
+  InverseButterflies<40>(values, other);
+  InverseButterflies<20>(other, values);
 
   const S_Blocks in = SideBySide(values);
   S_Blocks out;
