@@ -19,10 +19,12 @@
 //   Add16 Sub16             wrap             AddLimited16 SubLimited16    stop at the limits
 //   Max16                   signed           ShiftLeft16 ShiftRight16     arithmetic
 //
-//   SumOfProducts           a[0]*b[0] + a[1]*b[1] and so on, as half as many 32-bit lanes. Only four
+//   SumOfProducts           a[0]*b[0] + a[1]*b[1] and so on, as half as many 32-bit lanes. Only
+//   four
 //                           times -32768 wraps.
 //   Add32 ShiftRight32 ShiftRightUnsigned32 IsGreater32 (all bits set where true)
-//   Narrow(a, b)            the 32-bit lanes of both, limited to 16 bits: in each part first those of
+//   Narrow(a, b)            the 32-bit lanes of both, limited to 16 bits: in each part first those
+//   of
 //                           a, then those of b
 //
 //   InterleaveLow16 (High)  in each part a[0] b[0] a[1] b[1] ... of the low (high) half

@@ -4,7 +4,8 @@
 //
 // The library runs on processors without AVX2, too, so only what stands between VCM_AVX2_BEGIN and
 // VCM_AVX2_END is compiled for it. Templates over these lanes must stand there, and nothing that
-// other sources share: the linker keeps one of several equal functions, whatever it was compiled for.
+// other sources share: the linker keeps one of several equal functions, whatever it was compiled
+// for.
 #pragma once
 
 #include <immintrin.h>
@@ -15,9 +16,8 @@
 #include "LanesSse2.h"
 
 #if defined(__clang__)
-#define VCM_AVX2_BEGIN                                                                   \
-  _Pragma(                                                                               \
-      "clang attribute push(__attribute__((target(\"avx2,bmi,bmi2\"))), apply_to = function)")
+#define VCM_AVX2_BEGIN \
+  _Pragma("clang attribute push(__attribute__((target(\"avx2,bmi,bmi2\"))), apply_to = function)")
 #define VCM_AVX2_END _Pragma("clang attribute pop")
 #else
 #define VCM_AVX2_BEGIN _Pragma("GCC push_options") _Pragma("GCC target(\"avx2,bmi,bmi2\")")
@@ -110,26 +110,21 @@ struct S_LanesAvx2 {
   VCM_LANES_INLINE static R InterleaveLow64(R a, R b) { return _mm256_unpacklo_epi64(a, b); }
   VCM_LANES_INLINE static R InterleaveHigh64(R a, R b) { return _mm256_unpackhi_epi64(a, b); }
   VCM_LANES_INLINE static R InterleaveHalves(R a) {
-    return _mm256_shuffle_epi8(
-        a, _mm256_broadcastsi128_si256(
-               _mm_setr_epi8(0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15)));
+    return _mm256_shuffle_epi8(a, _mm256_broadcastsi128_si256(_mm_setr_epi8(
+                                      0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15)));
   }
   // The lanes of both parts, those of the first at even places. Within each part of the result the
   // two middle pairs are swapped.
   VCM_LANES_INLINE static R InterleavePartsAndSwap(R a) {
-    return _mm256_shuffle_epi8(
-        _mm256_permute4x64_epi64(a, 0xD8),
-        _mm256_broadcastsi128_si256(
-            _mm_setr_epi8(0, 1, 8, 9, 4, 5, 12, 13, 2, 3, 10, 11, 6, 7, 14, 15)));
+    return _mm256_shuffle_epi8(_mm256_permute4x64_epi64(a, 0xD8),
+                               _mm256_broadcastsi128_si256(_mm_setr_epi8(
+                                   0, 1, 8, 9, 4, 5, 12, 13, 2, 3, 10, 11, 6, 7, 14, 15)));
   }
   VCM_LANES_INLINE static R ReverseParts(R a) {
-    return _mm256_shuffle_epi8(
-        a, _mm256_broadcastsi128_si256(
-               _mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1)));
+    return _mm256_shuffle_epi8(a, _mm256_broadcastsi128_si256(_mm_setr_epi8(
+                                      14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1)));
   }
-  VCM_LANES_INLINE static R Reverse(R a) {
-    return _mm256_permute4x64_epi64(ReverseParts(a), 0x4E);
-  }
+  VCM_LANES_INLINE static R Reverse(R a) { return _mm256_permute4x64_epi64(ReverseParts(a), 0x4E); }
 
   VCM_LANES_INLINE static int Total32(R a) {
     return S_LanesSse2::Total32(

@@ -63,13 +63,10 @@ struct S_LanesNeon {
     return vreinterpretq_s16_u16(vshrq_n_u16(vreinterpretq_u16_s16(a), n));
   }
   VCM_LANES_INLINE static R IsEqual16(R a, R b) { return vreinterpretq_s16_u16(vceqq_s16(a, b)); }
-  VCM_LANES_INLINE static R IsGreater16(R a, R b) {
-    return vreinterpretq_s16_u16(vcgtq_s16(a, b));
-  }
+  VCM_LANES_INLINE static R IsGreater16(R a, R b) { return vreinterpretq_s16_u16(vcgtq_s16(a, b)); }
 
   VCM_LANES_INLINE static R SumOfProducts(R a, R b) {
-    return From32(
-        vpaddq_s32(vmull_s16(vget_low_s16(a), vget_low_s16(b)), vmull_high_s16(a, b)));
+    return From32(vpaddq_s32(vmull_s16(vget_low_s16(a), vget_low_s16(b)), vmull_high_s16(a, b)));
   }
   VCM_LANES_INLINE static R Add32(R a, R b) { return From32(vaddq_s32(To32(a), To32(b))); }
   template <int n>

@@ -20,6 +20,7 @@
 #include "kestrel/BitStream.h"
 #include "kestrel/Decoder.h"
 #include "kestrel/Encoder.h"
+#include "kestrel/Envelope.h"
 #include "kestrel/FastCategories.h"
 #include "kestrel/RateControl.h"
 #include "kestrel/TablesThresholds.h"
