@@ -91,7 +91,7 @@ void AddBias(S_Frame& values, const S_Frame& bias) {
 int ForwardTransform(S_Frame& history, S_Samples samples, S_Frame& coefficients) noexcept {
   S_Frame values = ApplyAnalysisWindow(history, samples);
   std::copy(samples.begin(), samples.end(), history.begin());
-  const int nShift = MagnitudeShift(LoudnessOf(values));
+  const int nShift = MagnitudeShift(values);
   ScaleUp(values, nShift);
   coefficients = ForwardRotations(ForwardKernels(ForwardButterflies(values)));
   return nShift;
@@ -139,6 +139,10 @@ int MagnitudeShift(const S_Loudness& loudness) noexcept {
   }
   // Frames that are loud throughout get one more bit of headroom than frames with single peaks.
   return nLargest < nSum >> 7 ? nShift - 1 : nShift;
+}
+
+int MagnitudeShift(const S_Frame& windowed) noexcept {
+  return MagnitudeShift(LoudnessOf(windowed));
 }
 
 void ScaleUp(S_Frame& values, int nShift) noexcept {

@@ -47,6 +47,7 @@ struct S_Loudness {
 S_Loudness LoudnessOf(const S_Frame& windowed) noexcept;
 // The shift that makes the most of 16 bits without letting the DCT-IV overflow on usual frames.
 int MagnitudeShift(const S_Loudness& loudness) noexcept;
+int MagnitudeShift(const S_Frame& windowed) noexcept;
 void ScaleUp(S_Frame& values, int nShift) noexcept;
 S_Frame ForwardButterflies(S_Frame values) noexcept;
 S_Frame ForwardKernels(const S_Frame& values) noexcept;
