@@ -16,8 +16,14 @@
 //   LoadEachPart            the same eight lanes for each part
 //   Fill16, Fill32, Zero    the same number for each lane
 //
+//   S_Part                  the lanes of one part
+//
 //   Add16 Sub16             wrap             AddLimited16 SubLimited16    stop at the limits
 //   Max16                   signed           ShiftLeft16 ShiftRight16     arithmetic
+//
+//   MultiplyLow16 (High)    the lower (upper) half of each product
+//   ShiftRightUnsigned16    fills with zeros
+//   And Or Xor              IsEqual16 IsGreater16 (all bits set where true)
 //
 //   SumOfProducts           a[0]*b[0] + a[1]*b[1] and so on, as half as many 32-bit lanes. Only
 //   four
@@ -37,3 +43,4 @@
 
 // Without inlining, every operation would be a call.
 #define VCM_LANES_INLINE __attribute__((always_inline)) inline
+#define VCM_LANES_INLINE_LAMBDA __attribute__((always_inline))

@@ -64,8 +64,8 @@ class C_FastCoder {
                      std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
     words = words.first(Index(configuration.nWordsPerFrame));
     C_WordReader reader(words);
-    const S_Envelope envelope = ReadEnvelope(reader, configuration.nRegions);
-    if (IsValidEnvelope(envelope, configuration.nRegions)) {
+    S_Envelope envelope;
+    if (ReadEnvelope(reader, configuration.nRegions, envelope)) [[likely]] {
       DecodeRegions(state, configuration.nRegions, words, reader, envelope, samples);
     } else {
       // The frame is damaged, and only the noise that it would have used matters.
@@ -262,10 +262,14 @@ class C_FastCoder {
 
   // ---- decoding ----
 
-  VCM_LANES_INLINE static S_Envelope ReadEnvelope(C_WordReader& reader, int nRegions) {
-    S_Envelope envelope{};
-    envelope[0] = static_cast<int>(reader.Next() >> (64 - kFirstPowerBits)) - kFirstPowerOffset;
+  // False if an index is not valid.
+  VCM_LANES_INLINE static bool ReadEnvelope(C_WordReader& reader, int nRegions,
+                                            S_Envelope& envelope) {
+    int nPower = static_cast<int>(reader.Next() >> (64 - kFirstPowerBits)) - kFirstPowerOffset;
     reader.Skip(kFirstPowerBits);
+    envelope[0] = nPower;
+    int nLowest = nPower;
+    int nHighest = nPower;
     for (std::size_t r = 1; r < Index(nRegions); ++r) {
       const std::uint64_t qwNext = reader.Next();
       const S_LookedUpStep found =
@@ -276,10 +280,13 @@ class C_FastCoder {
         nSymbol =
             FinishLookUp<kPowerStepLookUpBits>(kPowerStepTrees[r - 1], nSymbol, qwNext, nBits);
       }
-      envelope[r] = envelope[r - 1] + nSymbol + kLowestPowerStep;
+      nPower += nSymbol + kLowestPowerStep;
+      envelope[r] = nPower;
+      nLowest = std::min(nLowest, nPower);
+      nHighest = std::max(nHighest, nPower);
       reader.Skip(nBits);
     }
-    return envelope;
+    return nLowest >= kLowestPower && nHighest <= kHighestPower;
   }
 
   // The symbol of a code word that is longer than a look-up, and its length.
@@ -390,10 +397,8 @@ class C_FastCoder {
     scale.nShift = kHighestShift;
     for (; scale.nShift >= 0 && (nSum >= 8 || nTop > 28); --scale.nShift, nTop -= 2) nSum >>= 1;
     for (int r = 0; r < nRegions; ++r) {
-      const auto nEntry =
-          static_cast<std::size_t>(envelope[Index(r)] + kPowerIndexZero + 2 * scale.nShift);
       scale.deviation[Index(r)] =
-          nEntry < kStandardDeviation.size() ? kStandardDeviation[nEntry] : std::int16_t{0};
+          kDeviationsOfPowers[Index(envelope[Index(r)] + kPowerIndexZero + 2 * scale.nShift)];
     }
     return scale;
   }

@@ -80,35 +80,39 @@ class C_RegionLanes {
   // dwPositive is set where coefficient i is positive.
   VCM_LANES_INLINE static void Dequantise(const std::int16_t* pLevels, std::int16_t nDeviation,
                                           std::uint32_t dwPositive, std::int16_t* pRegion) {
-    for (std::size_t i = 0; i < kRegisters; ++i) {
-      StoreSigned(Values(pLevels + 8 * i, nDeviation), dwPositive >> (8 * i), pRegion + 8 * i);
-    }
+    const auto part = [&]<typename V>(V, std::size_t nAt) VCM_LANES_INLINE_LAMBDA {
+      StoreSigned<V>(Values<V>(pLevels + nAt, nDeviation), dwPositive >> nAt, pRegion + nAt);
+    };
+    ForEachPart(part);
   }
   // The same with nNoise instead of 0.
   VCM_LANES_INLINE static void DequantiseAndFill(const std::int16_t* pLevels,
                                                  std::int16_t nDeviation, std::int16_t nNoise,
                                                  std::uint32_t dwPositive, std::int16_t* pRegion) {
-    for (std::size_t i = 0; i < kRegisters; ++i) {
-      const R values = Values(pLevels + 8 * i, nDeviation);
-      const R noise = P::And(P::Fill16(nNoise), P::IsEqual16(values, P::Zero()));
-      StoreSigned(P::Or(values, noise), dwPositive >> (8 * i), pRegion + 8 * i);
-    }
+    const auto part = [&]<typename V>(V, std::size_t nAt) VCM_LANES_INLINE_LAMBDA {
+      const auto values = Values<V>(pLevels + nAt, nDeviation);
+      const auto noise = V::And(V::Fill16(nNoise), V::IsEqual16(values, V::Zero()));
+      StoreSigned<V>(V::Or(values, noise), dwPositive >> nAt, pRegion + nAt);
+    };
+    ForEachPart(part);
   }
   // nNoise everywhere.
   VCM_LANES_INLINE static void Fill(std::int16_t nNoise, std::uint32_t dwPositive,
                                     std::int16_t* pRegion) {
-    for (std::size_t i = 0; i < kRegisters; ++i) {
-      StoreSigned(P::Fill16(nNoise), dwPositive >> (8 * i), pRegion + 8 * i);
-    }
+    const auto part = [&]<typename V>(V, std::size_t nAt) VCM_LANES_INLINE_LAMBDA {
+      StoreSigned<V>(V::Fill16(nNoise), dwPositive >> nAt, pRegion + nAt);
+    };
+    ForEachPart(part);
   }
 
  private:
-  // Always eight lanes: there is no room for more in twenty values.
+  // Eight lanes, for what must know which lanes stand side by side.
   using P = typename L::S_Part;
   using R = typename P::R;
   static constexpr std::size_t kRegisters = 3;
   static constexpr std::int16_t kFirstFour[8] = {-1, -1, -1, -1, 0, 0, 0, 0};
-  static constexpr std::int16_t kBits[8] = {1, 2, 4, 8, 16, 32, 64, 128};
+  static constexpr std::int16_t kBits[16] = {1,   2,   4,    8,    16,   32,   64,    128,
+                                             256, 512, 1024, 2048, 4096, 8192, 16384, -32768};
 
   struct S_Values {
     R values[kRegisters];
@@ -117,17 +121,33 @@ class C_RegionLanes {
     return {{P::Load(p), P::Load(p + 8), P::Load(p + 16)}};
   }
 
-  VCM_LANES_INLINE static R Values(const std::int16_t* pLevels, std::int16_t nDeviation) {
-    const R levels = P::Load(pLevels);
-    const R deviation = P::Fill16(nDeviation);
-    return P::Or(P::template ShiftRightUnsigned16<12>(P::MultiplyLow16(levels, deviation)),
-                 P::template ShiftLeft16<4>(P::MultiplyHigh16(levels, deviation)));
+  // part(lanes, place): for all places of a region, as many at once as there are lanes.
+  template <typename Part>
+  VCM_LANES_INLINE static void ForEachPart(Part part) {
+    if constexpr (L::kLanes == 16) {
+      part(L{}, 0);
+    } else {
+      part(P{}, 0);
+      part(P{}, 8);
+    }
+    part(P{}, 16);
   }
-  // Values without a sign; the low eight bits of dwPositive are their signs.
-  VCM_LANES_INLINE static void StoreSigned(R values, std::uint32_t dwPositive, std::int16_t* pTo) {
-    const R set = P::And(P::Fill16(static_cast<int>(dwPositive & 0xFF)), P::Load(kBits));
-    const R negative = P::IsEqual16(set, P::Zero());
-    P::Store(pTo, P::Sub16(P::Xor(values, negative), negative));
+
+  template <typename V>
+  VCM_LANES_INLINE static typename V::R Values(const std::int16_t* pLevels,
+                                               std::int16_t nDeviation) {
+    const auto levels = V::Load(pLevels);
+    const auto deviation = V::Fill16(nDeviation);
+    return V::Or(V::template ShiftRightUnsigned16<12>(V::MultiplyLow16(levels, deviation)),
+                 V::template ShiftLeft16<4>(V::MultiplyHigh16(levels, deviation)));
+  }
+  // Values without a sign; the lowest bits of dwPositive are their signs.
+  template <typename V>
+  VCM_LANES_INLINE static void StoreSigned(typename V::R values, std::uint32_t dwPositive,
+                                           std::int16_t* pTo) {
+    const auto set = V::And(V::Fill16(static_cast<int>(dwPositive)), V::Load(kBits));
+    const auto negative = V::IsEqual16(set, V::Zero());
+    V::Store(pTo, V::Sub16(V::Xor(values, negative), negative));
   }
 
   // Adds neighbouring 32-bit lanes: first those of a, then those of b.

@@ -12,8 +12,10 @@
 #include <cstdint>
 
 #include "kestrel/Configuration.h"
+#include "kestrel/Envelope.h"
 #include "kestrel/TablesEnvelope.h"
 #include "kestrel/TablesVectorCodes.h"
+#include "kestrel/Transform.h"
 
 namespace kestrel {
 
@@ -120,6 +122,17 @@ constexpr auto MakeDeviations() {
   return deviations;
 }
 inline constexpr auto kDeviations = MakeDeviations();
+
+// kStandardDeviation with zeros after it, for all entries that a valid envelope leads to at any
+// shift.
+constexpr auto MakeDeviationsOfPowers() {
+  std::array<std::int16_t, Index(kHighestPower + kPowerIndexZero + 2 * kHighestShift) + 1>
+      deviations{};
+  std::copy(kStandardDeviation.begin(), kStandardDeviation.end(), deviations.begin());
+  return deviations;
+}
+inline constexpr auto kDeviationsOfPowers = MakeDeviationsOfPowers();
+static_assert(kLowestPower + kPowerIndexZero + 2 * kLowestShift >= 0);
 
 // ---- signs ----
 
