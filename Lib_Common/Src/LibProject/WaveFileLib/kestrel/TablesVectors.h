@@ -203,20 +203,26 @@ inline constexpr S_SignTable kSpreadNoise = MakeSpreadNoise();
 
 // ---- reading code words ----
 
-// A symbol and the length of its code word.
-struct S_FoundSymbol {
-  int nSymbol;
-  int nBits;
+// Where some bits lead in a tree: to a symbol, or to a node.
+struct S_TreePlace {
+  int nSymbol;  // minus the node, if it is one
+  int nBits;    // used up
 };
-// The symbol that bits lead to, the first one highest; below 0 minus the node of the tree at which
-// to go on when the code word is longer.
-constexpr S_FoundSymbol FindSymbol(const auto& tree, std::size_t nWord, int nBits) {
-  int nNode = 0;
-  int n = 0;
-  do {
-    nNode = tree[Index(nNode)][nWord >> (nBits - ++n) & 1];
-  } while (nNode > 0 && n < nBits);
-  return {-nNode, n};
+// The places of all numbers of so many bits, most significant bit first.
+template <int nBits>
+constexpr auto PlacesInTree(const auto& tree) {
+  std::array<S_TreePlace, std::size_t{1} << nBits> places{};
+  // The places of one bit more, from those of the bits before it. Going down, none is overwritten
+  // that is still needed.
+  for (std::size_t nNumbers = 2; nNumbers <= places.size(); nNumbers *= 2) {
+    for (std::size_t n = nNumbers; n-- > 0;) {
+      const S_TreePlace before = places[n / 2];
+      const bool bLeaf = before.nBits > 0 && before.nSymbol >= 0;
+      places[n] =
+          bLeaf ? before : S_TreePlace{-tree[Index(-before.nSymbol)][n % 2], before.nBits + 1};
+    }
+  }
+  return places;
 }
 
 // What the next bits of a frame lead to. The length is 0 where the code word is longer than the
@@ -247,8 +253,9 @@ class C_LookedUpVector {
 };
 
 constexpr C_LookedUpVector LookedUpVector(std::size_t nCategory, std::size_t nVector, int nBits) {
-  const unsigned int nNonzero = NonzeroBins(nCategory, nVector);
-  return {kFirstVector[nCategory] + nVector, nBits + std::popcount(nNonzero), nNonzero};
+  const std::size_t n = kFirstVector[nCategory] + nVector;
+  const auto nNonzero = static_cast<unsigned int>(kWrittenVectors[n].Nonzero());
+  return {n, nBits + kCounts[nNonzero], nNonzero};
 }
 
 // Long enough for nearly all words, short enough for the first cache.
@@ -259,10 +266,11 @@ constexpr auto MakeVectorLookUps() {
   std::array<std::array<C_LookedUpVector, std::size_t{1} << kVectorLookUpBits>, kNoiseCategory>
       lookUps{};
   for (std::size_t k = 0; k < kNoiseCategory; ++k) {
-    for (std::size_t nWord = 0; nWord < lookUps[k].size(); ++nWord) {
-      const auto [nSymbol, nBits] = FindSymbol(kVectorTrees[k], nWord, kVectorLookUpBits);
-      lookUps[k][nWord] = nSymbol < 0 ? C_LookedUpVector(Index(-nSymbol), 0, 0)
-                                      : LookedUpVector(k, Index(nSymbol), nBits);
+    const auto places = PlacesInTree<kVectorLookUpBits>(kVectorTrees[k]);
+    for (std::size_t n = 0; n < places.size(); ++n) {
+      const auto [nSymbol, nBits] = places[n];
+      lookUps[k][n] = nSymbol < 0 ? C_LookedUpVector(Index(-nSymbol), 0, 0)
+                                  : LookedUpVector(k, Index(nSymbol), nBits);
     }
   }
   return lookUps;
@@ -274,10 +282,11 @@ constexpr auto MakePowerStepLookUps() {
              kPowerStepTrees.size()>
       lookUps{};
   for (std::size_t r = 0; r < lookUps.size(); ++r) {
-    for (std::size_t nWord = 0; nWord < lookUps[r].size(); ++nWord) {
-      const auto [nSymbol, nBits] = FindSymbol(kPowerStepTrees[r], nWord, kPowerStepLookUpBits);
-      lookUps[r][nWord] = {static_cast<std::uint8_t>(nSymbol < 0 ? -nSymbol : nSymbol),
-                           static_cast<std::uint8_t>(nSymbol < 0 ? 0 : nBits)};
+    const auto places = PlacesInTree<kPowerStepLookUpBits>(kPowerStepTrees[r]);
+    for (std::size_t n = 0; n < places.size(); ++n) {
+      const auto [nSymbol, nBits] = places[n];
+      lookUps[r][n] = {static_cast<std::uint8_t>(nSymbol < 0 ? -nSymbol : nSymbol),
+                       static_cast<std::uint8_t>(nSymbol < 0 ? 0 : nBits)};
     }
   }
   return lookUps;
