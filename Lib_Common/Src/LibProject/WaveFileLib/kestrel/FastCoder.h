@@ -112,7 +112,7 @@ class C_FastCoder {
 
   template <typename Frame>
   VCM_LANES_INLINE static auto* Coefficients(Frame& frame, int nRegion) {
-    return frame.data() + nRegion * kRegionSize;
+    return frame.data() + Index(nRegion * kRegionSize);
   }
 
   // ---- encoding ----
@@ -430,7 +430,8 @@ class C_FastCoder {
                            scale.deviation[Index(r)], noise, Coefficients(coefficients, r));
     }
     noise.Put(state.noise);
-    std::fill(coefficients.begin() + nRegions * kRegionSize, coefficients.end(), std::int16_t{0});
+    std::fill(Coefficients(coefficients, nRegions), coefficients.data() + coefficients.size(),
+              std::int16_t{0});
 
     if (IsValidEnd(reader, bEnough, nControl)) {
       std::memcpy(&state.lastGood.coefficients, &coefficients, sizeof coefficients);

@@ -18,7 +18,7 @@ class C_RegionLoops {
  public:
   static std::int64_t Energy(const std::int16_t* pRegion) {
     std::int64_t nEnergy = 0;
-    for (int i = 0; i < kRegionSize; ++i) nEnergy += pRegion[i] * pRegion[i];
+    for (int i = 0; i < kRegionSize; ++i) nEnergy += std::int64_t{pRegion[i]} * pRegion[i];
     return nEnergy;
   }
 

@@ -88,7 +88,7 @@ class C_WordReader {
 
   int m_nAt = 0;
   int m_nEnd;
-  alignas(32) std::uint8_t m_bytes[2 * kMaxWordsPerFrame + kZeros];
+  alignas(32) std::uint8_t m_bytes[std::size_t{2} * kMaxWordsPerFrame + kZeros];
 };
 
 }  // namespace kestrel
