@@ -37,7 +37,9 @@ class C_BitWriter {
 
 class C_BitReader {
  public:
-  explicit C_BitReader(std::span<const std::uint16_t> words) noexcept : m_words(words) {}
+  // The first nBitsTaken bits have been read already.
+  explicit C_BitReader(std::span<const std::uint16_t> words, int nBitsTaken = 0) noexcept
+      : m_words(words), m_nBitsTaken(nBitsTaken) {}
 
   // The next bit, 0 or 1.
   int Bit() noexcept {
@@ -54,7 +56,7 @@ class C_BitReader {
 
  private:
   std::span<const std::uint16_t> m_words;
-  int m_nBitsTaken = 0;
+  int m_nBitsTaken;
 };
 
 }  // namespace kestrel

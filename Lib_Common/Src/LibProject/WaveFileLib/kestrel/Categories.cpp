@@ -10,15 +10,8 @@ namespace kestrel {
 namespace {
 
 constexpr int kBalances = kControlValues - 1;
-constexpr int kFullValueBits = 320;  // beyond this, only 5/8 of the bits count
-constexpr int kOffsetMargin = 32;
 
 int ExpectedBits(int nCategory) { return kExpectedBits[Index(RealCategory(nCategory))]; }
-
-int CountedBits(int nAvailable) {
-  if (nAvailable <= kFullValueBits) return nAvailable;
-  return kFullValueBits + ((nAvailable - kFullValueBits) * 5 >> 3);
-}
 
 // One way to give categories to the regions of a frame.
 struct S_Assignment {

@@ -25,6 +25,15 @@ struct S_Categorisation {
   std::array<int, kControlValues - 1> balances;  // region that the n-th balance coarsens by one
 };
 
+// How many of the available bits count: beyond 320, only five eighths.
+constexpr int CountedBits(int nAvailableBits) noexcept {
+  constexpr int kFullValueBits = 320;
+  if (nAvailableBits <= kFullValueBits) return nAvailableBits;
+  return kFullValueBits + ((nAvailableBits - kFullValueBits) * 5 >> 3);
+}
+// The first assignment may spend this many bits less.
+inline constexpr int kOffsetMargin = 32;
+
 // The real category (0..7) that a counted one stands for.
 int RealCategory(int nCategory) noexcept;
 

@@ -7,6 +7,7 @@
 #include "kestrel/BitStream.h"
 #include "kestrel/Categories.h"
 #include "kestrel/Envelope.h"
+#include "kestrel/Routines.h"
 #include "kestrel/TablesQuantiser.h"
 #include "kestrel/VectorCoder.h"
 
@@ -55,10 +56,16 @@ const S_Configuration& C_Decoder::Init(std::uint32_t dwBitRate) noexcept {
 
 void C_Decoder::Decode(std::span<const std::uint16_t> words,
                        std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
-  const auto frameWords = words.first(Index(m_configuration.nWordsPerFrame));
-  const S_UnpackedFrame frame = UnpackFrame(frameWords, m_configuration.nRegions, m_state.noise);
-  const S_Spectrum spectrum = Conceal(frame, m_state.lastGood);
-  InverseTransform(m_state.overlap, spectrum.coefficients, spectrum.nShift, samples);
+  FastestRoutines().pfnDecode(m_state, m_configuration, words, samples);
+}
+
+void DecodeFrame(S_DecoderState& state, const S_Configuration& configuration,
+                 std::span<const std::uint16_t> words,
+                 std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
+  const auto frameWords = words.first(Index(configuration.nWordsPerFrame));
+  const S_UnpackedFrame frame = UnpackFrame(frameWords, configuration.nRegions, state.noise);
+  const S_Spectrum spectrum = Conceal(frame, state.lastGood);
+  InverseTransform(state.overlap, spectrum.coefficients, spectrum.nShift, samples);
 }
 
 S_UnpackedFrame UnpackFrame(std::span<const std::uint16_t> words, int nRegions,

@@ -45,6 +45,11 @@ class C_Decoder {
   S_DecoderState m_state;
 };
 
+// What C_Decoder::Decode does, in plain code; see Routines.h for the code that it uses.
+void DecodeFrame(S_DecoderState& state, const S_Configuration& configuration,
+                 std::span<const std::uint16_t> words,
+                 std::span<std::int16_t, kSamplesPerFrame> samples) noexcept;
+
 struct S_UnpackedFrame {
   S_Spectrum spectrum;
   bool bDamaged = false;

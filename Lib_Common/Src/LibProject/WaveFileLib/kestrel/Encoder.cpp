@@ -7,6 +7,7 @@
 #include "kestrel/Categories.h"
 #include "kestrel/Envelope.h"
 #include "kestrel/RateControl.h"
+#include "kestrel/Routines.h"
 #include "kestrel/Transform.h"
 
 namespace kestrel {
@@ -19,10 +20,16 @@ const S_Configuration& C_Encoder::Init(std::uint32_t dwBitRate) noexcept {
 
 void C_Encoder::Encode(std::span<const std::int16_t, kSamplesPerFrame> samples,
                        std::span<std::uint16_t> words) noexcept {
+  FastestRoutines().pfnEncode(m_state, m_configuration, samples, words);
+}
+
+void EncodeFrame(S_EncoderState& state, const S_Configuration& configuration,
+                 std::span<const std::int16_t, kSamplesPerFrame> samples,
+                 std::span<std::uint16_t> words) noexcept {
   S_Frame coefficients;
-  const int nShift = ForwardTransform(m_state.history, samples, coefficients);
-  EncodeCoefficients(coefficients, nShift, m_configuration.nRegions,
-                     words.first(Index(m_configuration.nWordsPerFrame)));
+  const int nShift = ForwardTransform(state.history, samples, coefficients);
+  EncodeCoefficients(coefficients, nShift, configuration.nRegions,
+                     words.first(Index(configuration.nWordsPerFrame)));
 }
 
 void EncodeCoefficients(S_Frame coefficients, int nShift, int nRegions,

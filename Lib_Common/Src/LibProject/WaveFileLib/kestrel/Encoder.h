@@ -35,6 +35,11 @@ class C_Encoder {
   S_EncoderState m_state;
 };
 
+// What C_Encoder::Encode does, in plain code; see Routines.h for the code that it uses.
+void EncodeFrame(S_EncoderState& state, const S_Configuration& configuration,
+                 std::span<const std::int16_t, kSamplesPerFrame> samples,
+                 std::span<std::uint16_t> words) noexcept;
+
 // Encodes the coefficients of a frame; fills all of words.
 void EncodeCoefficients(S_Frame coefficients, int nShift, int nRegions,
                         std::span<std::uint16_t> words) noexcept;

@@ -11,11 +11,8 @@
 namespace kestrel {
 namespace {
 
-constexpr int kFirstPowerBits = 5;
-constexpr int kFirstPowerOffset = 7;
 constexpr int kLowestFirstPower = -6;
 constexpr int kSteepestRise = 11;
-constexpr std::int32_t kRoundUpFrom = 28963;  // mantissa sqrt(2) / 1.6, Q15
 
 std::int32_t Energy(S_ConstRegion region) {
   std::int64_t nEnergy = 0;
@@ -36,7 +33,7 @@ int RegionPower(S_ConstRegion region, int nShift) noexcept {
   int nPower = 0;
   for (; nMantissa > 0xFFFF; ++nPower) nMantissa >>= 1;
   for (; nMantissa <= 32767 && nPower >= -15; --nPower) nMantissa *= 2;
-  if (nMantissa >> 1 >= kRoundUpFrom) ++nPower;
+  if (nMantissa >> 1 >= kRoundPowerUpFrom) ++nPower;
   return nPower - 2 * nShift + 11;
 }
 

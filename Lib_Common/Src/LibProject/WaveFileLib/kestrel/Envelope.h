@@ -20,6 +20,12 @@ namespace kestrel {
 inline constexpr int kLowestPower = -15;
 inline constexpr int kHighestPower = 24;
 
+// How the index of region 0 is written.
+inline constexpr int kFirstPowerBits = 5;
+inline constexpr int kFirstPowerOffset = 7;
+// The next index begins at this mantissa of an energy: sqrt(2) / 1.6, Q15.
+inline constexpr std::int32_t kRoundPowerUpFrom = 28963;
+
 // Power index per region; entries from the number of coded regions on are 0 and unused. A damaged
 // frame can hold any index from -163 to 167.
 using S_Envelope = std::array<int, kMaxRegions>;

@@ -8,8 +8,6 @@
 namespace kestrel {
 namespace {
 
-constexpr int kFirstControl = 7;
-
 class C_RateControl {
  public:
   C_RateControl(const S_Frame& coefficients, const S_PowerEntries& powerEntries,

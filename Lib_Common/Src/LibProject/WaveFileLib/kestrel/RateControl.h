@@ -10,6 +10,9 @@
 
 namespace kestrel {
 
+// The search begins with this control value.
+inline constexpr int kFirstControl = 7;
+
 using S_PowerEntries = std::array<int, kMaxRegions>;
 
 // Scales every coded region into the quantiser's range. Returns the entries that CodeRegion needs.

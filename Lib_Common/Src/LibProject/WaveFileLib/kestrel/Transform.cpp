@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t kLength = kSamplesPerFrame;
 constexpr std::size_t kHalf = kLength / 2;
-constexpr std::size_t kKernel = 10;
 constexpr std::size_t kLastBlock = 2 * kKernel;  // the butterflies end where the kernels begin
 
 std::int16_t HalfOf(std::int32_t nSum) { return static_cast<std::int16_t>(nSum >> 1); }
@@ -34,16 +33,11 @@ S_Frame ButterflyPass(const S_Frame& in, std::size_t nBlock, Sum sum, Difference
   return out;
 }
 
-using S_CoreMatrix = std::array<std::array<std::int16_t, kKernel>, kKernel>;
-
 S_Frame Kernels(const S_Frame& in, const S_CoreMatrix& matrix) {
   S_Frame out;
   for (std::size_t nStart = 0; nStart < kLength; nStart += kKernel) {
-    for (std::size_t k = 0; k < kKernel; ++k) {
-      std::int32_t nSum = 0;
-      for (std::size_t i = 0; i < kKernel; ++i) nSum = LMac(nSum, in[nStart + i], matrix[i][k]);
-      out[nStart + k] = Round(nSum);
-    }
+    const std::span<const std::int16_t, kKernel> block(&in[nStart], kKernel);
+    for (std::size_t k = 0; k < kKernel; ++k) out[nStart + k] = KernelValue(block, matrix, k);
   }
   return out;
 }
@@ -124,13 +118,17 @@ S_Frame ApplyAnalysisWindow(const S_Frame& history, S_Samples samples) noexcept 
   return out;
 }
 
-int MagnitudeShift(const S_Frame& windowed) noexcept {
-  std::int32_t nLargest = 0;
-  std::int32_t nSum = 0;
+S_Loudness LoudnessOf(const S_Frame& windowed) noexcept {
+  S_Loudness loudness{};
   for (const std::int16_t nValue : windowed) {
-    nLargest = std::max<std::int32_t>(nLargest, Mag(nValue));
-    nSum += Mag(nValue);
+    loudness.nLargest = std::max<std::int32_t>(loudness.nLargest, Mag(nValue));
+    loudness.nSum += Mag(nValue);
   }
+  return loudness;
+}
+
+int MagnitudeShift(const S_Loudness& loudness) noexcept {
+  const auto [nLargest, nSum] = loudness;
   int nShift = 0;
   if (nLargest < 14000) {
     // 9587 / 2^19 brings the largest magnitude to 0..255. Below 438, adding one makes up for
@@ -141,6 +139,10 @@ int MagnitudeShift(const S_Frame& windowed) noexcept {
   }
   // Frames that are loud throughout get one more bit of headroom than frames with single peaks.
   return nLargest < nSum >> 7 ? nShift - 1 : nShift;
+}
+
+int MagnitudeShift(const S_Frame& windowed) noexcept {
+  return MagnitudeShift(LoudnessOf(windowed));
 }
 
 void ScaleUp(S_Frame& values, int nShift) noexcept {
@@ -159,6 +161,13 @@ S_Frame ForwardButterflies(S_Frame values) noexcept {
     values = ButterflyPass(values, nBlock, sum, difference);
   }
   return values;
+}
+
+std::int16_t KernelValue(std::span<const std::int16_t, kKernel> block, const S_CoreMatrix& matrix,
+                         std::size_t nValue) noexcept {
+  std::int32_t nSum = 0;
+  for (std::size_t i = 0; i < kKernel; ++i) nSum = LMac(nSum, block[i], matrix[i][nValue]);
+  return Round(nSum);
 }
 
 S_Frame ForwardKernels(const S_Frame& values) noexcept { return Kernels(values, kAnalysisCore); }

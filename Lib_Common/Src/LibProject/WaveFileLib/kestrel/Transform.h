@@ -12,6 +12,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -26,6 +27,10 @@ using S_Samples = std::span<const std::int16_t, kSamplesPerFrame>;
 // The half of the inverse transform's output that waits for the next frame.
 using S_Overlap = std::array<std::int16_t, kSamplesPerFrame / 2>;
 
+// The middle of the DCT-IV: a matrix of ten by ten factors, [input][output].
+inline constexpr std::size_t kKernel = 10;
+using S_CoreMatrix = std::array<std::array<std::int16_t, kKernel>, kKernel>;
+
 // Whole transforms. history holds the previous frame and is replaced by the given one.
 // ForwardTransform returns the shift.
 int ForwardTransform(S_Frame& history, S_Samples samples, S_Frame& coefficients) noexcept;
@@ -34,12 +39,23 @@ void InverseTransform(S_Overlap& overlap, const S_Frame& coefficients, int nShif
 
 // Steps of the forward transform.
 S_Frame ApplyAnalysisWindow(const S_Frame& history, S_Samples samples) noexcept;
+// The largest magnitude and the sum of all.
+struct S_Loudness {
+  std::int32_t nLargest;
+  std::int32_t nSum;
+};
+S_Loudness LoudnessOf(const S_Frame& windowed) noexcept;
 // The shift that makes the most of 16 bits without letting the DCT-IV overflow on usual frames.
+int MagnitudeShift(const S_Loudness& loudness) noexcept;
 int MagnitudeShift(const S_Frame& windowed) noexcept;
 void ScaleUp(S_Frame& values, int nShift) noexcept;
 S_Frame ForwardButterflies(S_Frame values) noexcept;
 S_Frame ForwardKernels(const S_Frame& values) noexcept;
 S_Frame ForwardRotations(S_Frame values) noexcept;
+
+// One value of a kernel.
+std::int16_t KernelValue(std::span<const std::int16_t, kKernel> block, const S_CoreMatrix& matrix,
+                         std::size_t nValue) noexcept;
 
 // Steps of the inverse transform. Loud frames do saturate inside it: every step limits its sums,
 // and the resulting samples depend on that.

@@ -7,12 +7,12 @@
 
 #include "kestrel/BasicOperators.h"
 #include "kestrel/TablesEnvelope.h"
+#include "kestrel/TablesThresholds.h"
 #include "kestrel/TablesVectorCodes.h"
 
 namespace kestrel {
 namespace {
 
-constexpr int kHighestPowerEntry = 40;
 constexpr std::size_t kMaxDimension = 5;
 
 // Maps magnitudes to bins for one category and power. It holds the inverse of step * standard
