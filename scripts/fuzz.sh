@@ -133,8 +133,9 @@ turn() {
   local folder=$1 seconds=$2 name=$3 max_len=$4 since=$SECONDS runs edges took
   local log=$folder/logs/$name.log ok=1
   mkdir -p "$folder/corpus/$name"
+  # A campaign may run at the lowest priority, where ten seconds can pass without any work.
   # shellcheck disable=SC2086
-  "$folder/bin/$name" $options -max_total_time="$seconds" -max_len="$max_len" \
+  "$folder/bin/$name" $options -timeout=100 -max_total_time="$seconds" -max_len="$max_len" \
     -artifact_prefix="$folder/findings/$name-" "$folder/corpus/$name" >"$log" 2>&1 || ok=0
   took=$((SECONDS - since))
   read -r runs _ edges < <(figures "$log")

@@ -77,6 +77,26 @@ TEST(PcmQueue, Read_MovesTheRestToTheBaseAndClearsTheBlockAfterIt) {
   EXPECT_TRUE(IsZero(queue.GetBase() + 2, kBlock - 2));
 }
 
+// Whatever the page that the held bytes end in, and whatever another part of the program wrote
+// after them.
+TEST(PcmQueue, Read_ClearsEveryByteOfTheBlockButTheRest) {
+  constexpr std::array<std::uint32_t, 9> kHeld = {1,    2,    4080,          4096,      4097,
+                                                  8191, 8192, kBlock - 4097, kBlock - 1};
+  for (const std::uint32_t dwHeld : kHeld) {
+    C_PcmQueue queue;
+    const std::vector<char> bytes(dwHeld, 'x');
+    queue.Write(bytes.data(), dwHeld);
+    auto* pbyBase = const_cast<std::uint8_t*>(queue.GetBase());
+    std::memset(pbyBase + dwHeld, 'y', kBlock - dwHeld);
+    char chTaken = 0;
+    queue.Read(&chTaken, 1);
+    EXPECT_EQ(chTaken, 'x');
+    ASSERT_EQ(queue.GetCount(), dwHeld - 1);
+    EXPECT_EQ(std::count(pbyBase, pbyBase + dwHeld - 1, 'x'), dwHeld - 1) << dwHeld;
+    EXPECT_TRUE(IsZero(pbyBase + dwHeld - 1, kBlock - dwHeld + 1)) << dwHeld;
+  }
+}
+
 TEST(PcmQueue, ReadOfMoreThanIsHeld_LeavesTheRestOfTheDestination) {
   C_PcmQueue queue;
   queue.Write("abc", 3);

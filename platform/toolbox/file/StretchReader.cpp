@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/StretchReader.h"
 
-#include <soxr.h>
-
 #include <algorithm>
 
+#include "file/SoxrLibrary.h"
 #include "object/Room.h"
 
 namespace toolbox {
@@ -17,7 +16,7 @@ constexpr double kMinFileRate = 100;
 constexpr double kMaxFileRate = 1000000;
 
 struct S_SoxrCloser {
-  void operator()(soxr_t pSoxr) const noexcept { soxr_delete(pSoxr); }
+  void operator()(soxr_t pSoxr) const noexcept { SoxrFunctions()->remove(pSoxr); }
 };
 
 }  // namespace
@@ -37,15 +36,18 @@ C_StretchReader::C_StretchReader(std::shared_ptr<C_AudioFile> pFile, SInt64 nSta
       m_bSameRate(m_pFile->Format().mSampleRate == dOutputRate) {
   const double dFileRate = m_pFile->Format().mSampleRate;
   if (m_bSameRate || dFileRate < kMinFileRate || dFileRate > kMaxFileRate) return;
-  m_pConverter = std::make_unique<S_Converter>();
   NeedRoom();
-  const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
-  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+  const S_SoxrFunctions* pFunctions = SoxrFunctions();
+  if (pFunctions == nullptr) return;
+  m_pConverter = std::make_unique<S_Converter>();
+  const soxr_io_spec_t io = pFunctions->io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
+  const soxr_quality_spec_t quality = pFunctions->quality_spec(SOXR_HQ, 0);
   soxr_error_t pError = nullptr;
-  soxr_t pSoxr = soxr_create(dFileRate, dOutputRate, m_dwChannels, &pError, &io, &quality, nullptr);
+  soxr_t pSoxr =
+      pFunctions->create(dFileRate, dOutputRate, m_dwChannels, &pError, &io, &quality, nullptr);
   m_pConverter->pSoxr.reset(pSoxr);
-  const bool bReady =
-      pSoxr != nullptr && soxr_set_input_fn(pSoxr, &FeedConverter, this, kPieceFrames) == nullptr;
+  const bool bReady = pSoxr != nullptr && pFunctions->set_input_fn(pSoxr, &FeedConverter, this,
+                                                                   kPieceFrames) == nullptr;
   if (!bReady) m_pConverter.reset();
 }
 
@@ -54,7 +56,9 @@ C_StretchReader::~C_StretchReader() = default;
 bool C_StretchReader::IsUsable() const noexcept { return m_bSameRate || m_pConverter != nullptr; }
 
 std::size_t C_StretchReader::Read(std::size_t nFrames, float* pSamples) {
-  if (m_pConverter != nullptr) return soxr_output(m_pConverter->pSoxr.get(), pSamples, nFrames);
+  if (m_pConverter != nullptr) {
+    return SoxrFunctions()->output(m_pConverter->pSoxr.get(), pSamples, nFrames);
+  }
   std::size_t nDone = 0;
   while (nDone < nFrames) {
     const std::size_t nRead = ReadFromFile(nFrames - nDone, pSamples + nDone * m_dwChannels);

@@ -6,7 +6,7 @@
 
 namespace toolbox {
 
-// More than opening a file, a converter or a device takes.
+// More than opening a file, a converter or a device takes, and loading the library that does it.
 inline constexpr std::size_t kLibraryRoom = std::size_t{8} * 1024 * 1024;
 
 // Throws std::bad_alloc unless that much memory is free now. The libraries for files, conversion

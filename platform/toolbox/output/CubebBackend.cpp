@@ -2,11 +2,9 @@
 #include "output/CubebBackend.h"
 
 #ifdef __linux__
-#include <dlfcn.h>
-
-#include <algorithm>
-#include <initializer_list>
 #include <memory>
+
+#include "object/SharedLibrary.h"
 #endif
 
 namespace toolbox {
@@ -18,24 +16,18 @@ namespace {
 // It is loaded by name, because the library that plays loads it in the same way or links it.
 class C_PulseClient {
  public:
-  C_PulseClient() noexcept : m_pLibrary(dlopen("libpulse.so.0", RTLD_NOW | RTLD_LOCAL)) {
-    if (m_pLibrary == nullptr) return;
-    const auto found = {Find(m_pfnLoopNew, "pa_mainloop_new"),
-                        Find(m_pfnLoopApi, "pa_mainloop_get_api"),
-                        Find(m_pfnLoopIterate, "pa_mainloop_iterate"),
-                        Find(m_pfnLoopFree, "pa_mainloop_free"),
-                        Find(m_pfnContextNew, "pa_context_new"),
-                        Find(m_pfnContextConnect, "pa_context_connect"),
-                        Find(m_pfnContextState, "pa_context_get_state"),
-                        Find(m_pfnContextDisconnect, "pa_context_disconnect"),
-                        Find(m_pfnContextUnref, "pa_context_unref")};
-    m_bUsable = std::ranges::find(found, false) == found.end();
+  C_PulseClient() noexcept {
+    const C_SharedLibrary library("libpulse.so.0");
+    m_bUsable = library.Find(m_pfnLoopNew, "pa_mainloop_new") &&
+                library.Find(m_pfnLoopApi, "pa_mainloop_get_api") &&
+                library.Find(m_pfnLoopIterate, "pa_mainloop_iterate") &&
+                library.Find(m_pfnLoopFree, "pa_mainloop_free") &&
+                library.Find(m_pfnContextNew, "pa_context_new") &&
+                library.Find(m_pfnContextConnect, "pa_context_connect") &&
+                library.Find(m_pfnContextState, "pa_context_get_state") &&
+                library.Find(m_pfnContextDisconnect, "pa_context_disconnect") &&
+                library.Find(m_pfnContextUnref, "pa_context_unref");
   }
-  ~C_PulseClient() {
-    if (m_pLibrary != nullptr) dlclose(m_pLibrary);
-  }
-  C_PulseClient(const C_PulseClient&) = delete;
-  C_PulseClient& operator=(const C_PulseClient&) = delete;
 
   [[nodiscard]] bool ServerAnswers() const {
     if (!m_bUsable) return false;
@@ -55,12 +47,6 @@ class C_PulseClient {
   static constexpr int kUnconnected = 0;
   static constexpr int kReady = 4;
 
-  template <typename Function>
-  bool Find(Function*& pfn, const char* pszName) noexcept {
-    pfn = reinterpret_cast<Function*>(dlsym(m_pLibrary, pszName));
-    return pfn != nullptr;
-  }
-
   bool BecomesReady(void* pLoop, void* pContext) const {
     int nState = m_pfnContextState(pContext);
     while (nState > kUnconnected && nState < kReady) {
@@ -70,7 +56,6 @@ class C_PulseClient {
     return nState == kReady;
   }
 
-  void* m_pLibrary;
   bool m_bUsable = false;
   void* (*m_pfnLoopNew)() = nullptr;
   void* (*m_pfnLoopApi)(void*) = nullptr;

@@ -46,8 +46,10 @@ bool CanMakeThread() {
 bool C_CubebStream::Open() {
   if (!CanMakeThread()) return false;
   NeedRoom();
+  const S_CubebFunctions* pCubeb = CubebFunctions();
+  if (pCubeb == nullptr) return false;
   cubeb* pContext = nullptr;
-  if (cubeb_init(&pContext, "Voxplay", CubebBackend()) != CUBEB_OK) return false;
+  if (pCubeb->init(&pContext, "Voxplay", CubebBackend()) != CUBEB_OK) return false;
   m_pContext.reset(pContext);
   cubeb_stream_params params{};
   params.format = m_format.bFloat ? CUBEB_SAMPLE_FLOAT32NE : CUBEB_SAMPLE_S16NE;
@@ -57,8 +59,8 @@ bool C_CubebStream::Open() {
   params.prefs = CUBEB_STREAM_PREF_NONE;
   cubeb_stream* pStream = nullptr;
   const int nResult =
-      cubeb_stream_init(pContext, &pStream, "Playback", nullptr, nullptr, nullptr, &params,
-                        FramesIn(m_format, kLatencyMs), &OnData, &OnState, this);
+      pCubeb->stream_init(pContext, &pStream, "Playback", nullptr, nullptr, nullptr, &params,
+                          FramesIn(m_format, kLatencyMs), &OnData, &OnState, this);
   if (nResult != CUBEB_OK) return false;
   m_pStream.reset(pStream);
   return true;
@@ -67,9 +69,11 @@ bool C_CubebStream::Open() {
 // When the service has just died, starting a stream makes the library abort the process. Once the
 // service has answered, or failed to answer, this class knows whether it has died.
 void C_CubebStream::AskService() {
+  const S_CubebFunctions& functions = *CubebFunctions();
   cubeb_device_collection devices{};
-  if (cubeb_enumerate_devices(m_pContext.get(), CUBEB_DEVICE_TYPE_OUTPUT, &devices) == CUBEB_OK) {
-    cubeb_device_collection_destroy(m_pContext.get(), &devices);
+  if (functions.enumerate_devices(m_pContext.get(), CUBEB_DEVICE_TYPE_OUTPUT, &devices) ==
+      CUBEB_OK) {
+    functions.device_collection_destroy(m_pContext.get(), &devices);
   }
 }
 
@@ -78,10 +82,12 @@ bool C_CubebStream::Start() {
   AskService();
   m_bPlayingOut = false;
   if (m_bFailed) return false;
-  return cubeb_stream_start(m_pStream.get()) == CUBEB_OK;
+  return CubebFunctions()->stream_start(m_pStream.get()) == CUBEB_OK;
 }
 
-bool C_CubebStream::Halt() { return !m_bFailed && cubeb_stream_stop(m_pStream.get()) == CUBEB_OK; }
+bool C_CubebStream::Halt() {
+  return !m_bFailed && CubebFunctions()->stream_stop(m_pStream.get()) == CUBEB_OK;
+}
 
 void C_CubebStream::Serve(I_DeviceClient& client) {
   const std::lock_guard lock(m_clientLock);

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <utility>
 
+#include "output/CubebLibrary.h"
 #include "output/OutputDevice.h"
 
 namespace toolbox {
@@ -52,10 +53,12 @@ class C_CubebStream {
   void Lose();
 
   struct S_ContextCloser {
-    void operator()(cubeb* pContext) const noexcept { cubeb_destroy(pContext); }
+    void operator()(cubeb* pContext) const noexcept { CubebFunctions()->destroy(pContext); }
   };
   struct S_StreamCloser {
-    void operator()(cubeb_stream* pStream) const noexcept { cubeb_stream_destroy(pStream); }
+    void operator()(cubeb_stream* pStream) const noexcept {
+      CubebFunctions()->stream_destroy(pStream);
+    }
   };
 
   const S_OutputFormat m_format;
