@@ -8,6 +8,7 @@
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
+#   scripts/install-deps.sh budgets  what counts the instructions of the library
 #   scripts/install-deps.sh bench    what builds the benchmarks and what they compare with
 #   scripts/install-deps.sh training what trains the Heron tables
 #   scripts/install-deps.sh architectures what builds and runs the library for other machines
@@ -28,12 +29,13 @@ case "${1:-player}" in
   player) wanted=("${player[@]}") ;;
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
+  budgets) wanted=("${library[@]}" valgrind) ;;
   bench) wanted=("${library[@]}" libbenchmark-dev ffmpeg wavpack valgrind) ;;
   training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   architectures) wanted=("${library[@]}" "${architectures[@]}") ;;
   *)
-    echo "usage: ${0##*/} [player|library|test|ci|bench|training|coverage|architectures]" >&2
+    echo "usage: ${0##*/} [player|library|test|ci|budgets|bench|training|coverage|architectures]" >&2
     exit 2
     ;;
 esac

@@ -62,10 +62,10 @@ void Decode(std::size_t nFrames) {
 }
 
 constexpr std::array kSubjects = {
-    S_Subject{"kestrel-encode-16000", "frame", 200, 1000, &Encode<16000>},
-    S_Subject{"kestrel-encode-32000", "frame", 200, 1000, &Encode<32000>},
-    S_Subject{"kestrel-decode-16000", "frame", 200, 1000, &Decode<16000>},
-    S_Subject{"kestrel-decode-32000", "frame", 200, 1000, &Decode<32000>},
+    S_Subject{"kestrel-encode-16000", "frame", 1, 200, 1000, &Encode<16000>},
+    S_Subject{"kestrel-encode-32000", "frame", 1, 200, 1000, &Encode<32000>},
+    S_Subject{"kestrel-decode-16000", "frame", 1, 200, 1000, &Decode<16000>},
+    S_Subject{"kestrel-decode-32000", "frame", 1, 200, 1000, &Decode<32000>},
 };
 
 }  // namespace

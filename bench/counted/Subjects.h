@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Work whose instructions are counted: each subject does a number of equal units, so that the
-// difference between two numbers of units is the work itself, without what it takes to start.
+// Work whose instructions are counted. A subject repeats its work as often as it is told, so that
+// the difference between two numbers of times is the work itself, without what it takes to start.
 #pragma once
 
 #include <cstddef>
@@ -12,14 +12,18 @@ namespace counted {
 
 struct S_Subject {
   std::string_view name;
+  // What is counted, and how many of it one time is.
   std::string_view unit;
-  // Two numbers of units between which the work is counted.
+  std::size_t nUnits;
+  // Two numbers of times between which the work is counted.
   std::size_t nFew;
   std::size_t nMany;
-  void (*pfnRun)(std::size_t nUnits);
+  void (*pfnRun)(std::size_t nTimes);
 };
 
-[[nodiscard]] std::span<const S_Subject> FrameSubjects();
+[[nodiscard]] std::span<const S_Subject> FrameSubjects();  // the Kestrel frame coder
+[[nodiscard]] std::span<const S_Subject> FileSubjects();   // loading, saving, converting
+[[nodiscard]] std::span<const S_Subject> EditSubjects();   // a sound in memory
 
 // Keeps the compiler from leaving out work whose result is not used.
 void Use(const void* pResult);

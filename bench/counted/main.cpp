@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-//   counted                  lists the subjects: name, unit, two numbers of units
-//   counted SUBJECT UNITS    does that much work; bench/count.sh counts its instructions
+//   counted                  lists the subjects: name, unit, units at a time, two numbers of times
+//   counted SUBJECT TIMES    does that much work; bench/count.sh counts its instructions
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <initializer_list>
 #include <string_view>
+#include <vector>
 
 #include "Subjects.h"
 
@@ -16,23 +16,27 @@ void Use(const void* pResult) { asm volatile("" : : "r"(pResult) : "memory"); }
 
 namespace {
 
+std::vector<S_Subject> AllSubjects() {
+  std::vector<S_Subject> all;
+  for (const auto subjects : {FrameSubjects(), FileSubjects(), EditSubjects()}) {
+    all.insert(all.end(), subjects.begin(), subjects.end());
+  }
+  return all;
+}
+
 int List() {
-  for (const auto subjects : {FrameSubjects()}) {
-    for (const S_Subject& subject : subjects) {
-      std::printf("%s %s %zu %zu\n", subject.name.data(), subject.unit.data(), subject.nFew,
-                  subject.nMany);
-    }
+  for (const S_Subject& subject : AllSubjects()) {
+    std::printf("%s %s %zu %zu %zu\n", subject.name.data(), subject.unit.data(), subject.nUnits,
+                subject.nFew, subject.nMany);
   }
   return EXIT_SUCCESS;
 }
 
-int Run(std::string_view name, std::size_t nUnits) {
-  for (const auto subjects : {FrameSubjects()}) {
-    for (const S_Subject& subject : subjects) {
-      if (subject.name != name) continue;
-      subject.pfnRun(nUnits);
-      return EXIT_SUCCESS;
-    }
+int Run(std::string_view name, std::size_t nTimes) {
+  for (const S_Subject& subject : AllSubjects()) {
+    if (subject.name != name) continue;
+    subject.pfnRun(nTimes);
+    return EXIT_SUCCESS;
   }
   std::fputs("counted: no such subject\n", stderr);
   return EXIT_FAILURE;
