@@ -56,8 +56,8 @@ class C_QuietRuns {
     const auto [nLowest, nHighest] = quiet;
     std::array<unsigned char, kBlock> flags{};
     for (std::size_t i = 0; i < sums.size(); ++i) {
-      const bool bQuiet = (sums[i] >= nLowest) & (sums[i] <= nHighest);
-      flags[i] = bQuiet ? kQuiet : kLoud;
+      const int nInside = int{sums[i] >= nLowest} & int{sums[i] <= nHighest};
+      flags[i] = static_cast<unsigned char>(nInside);
     }
     TakeFlags(std::span(flags).first(sums.size()));
   }
