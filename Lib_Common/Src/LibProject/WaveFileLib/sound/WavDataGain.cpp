@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr unsigned int kBlock = 1024;  // samples that are changed together
+constexpr unsigned int kBlock = 1024;  // samples that are changed together, and by one gain
 
 // The largest magnitude of a sample, 1 << (bits - 1).
 double FullScale(unsigned short wBits) { return static_cast<double>(1U << ((wBits - 1U) & 31U)); }

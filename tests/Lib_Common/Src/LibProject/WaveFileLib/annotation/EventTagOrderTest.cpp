@@ -46,7 +46,7 @@ std::size_t Position(const Tags& tags, unsigned int dwKey, bool bSamples) {
 
 class EventTagOrderTest : public testing::TestWithParam<unsigned int> {
  protected:
-  EventTagOrderTest() { m_mgr.SetSampleRate(3000); }
+  EventTagOrderTest() { m_mgr.SetSampleRate(1500); }
   ~EventTagOrderTest() override {
     for (I_EventTag* pTag : m_taken) delete pTag;
   }
@@ -118,27 +118,30 @@ class EventTagOrderTest : public testing::TestWithParam<unsigned int> {
   }
 
   // What callers do without telling the manager.
-  void ChangeSomething() {
-    const int nSize = List().GetSize();
-    if (nSize == 0) return;
-    const int nOne = static_cast<int>(m_random() % static_cast<unsigned int>(nSize));
-    I_EventTag& tag = *List().GetItemByIndex(nOne);
-    switch (m_random() % 7) {
+  void ChangeTags() {
+    I_EventTag* pTag = AnyTag();
+    if (pTag == nullptr) return;
+    switch (m_random() % 4) {
       case 0:
-        return tag.SetTime(Moment());
+        return pTag->SetTime(Moment());
       case 1:
-        return tag.SetSamplePos(Moment());
+        return pTag->SetSamplePos(Moment());
       case 2:
-        return Exchange(nOne, nSize - 1);
-      case 3:
-        m_taken.push_back(&tag);
-        return List().RemoveItemByIndex(nOne);
-      case 4:
-        return PutIn(nOne);
-      case 5:
-        return PutIn(nSize);
+        m_taken.push_back(pTag);
+        return List().RemoveItemByIndex(m_nAny);
       default:
         return m_mgr.SetSampleRate(1000 + m_random() % 3 * 500);
+    }
+  }
+  void ChangeList() {
+    if (AnyTag() == nullptr) return;
+    switch (m_random() % 3) {
+      case 0:
+        return Exchange(m_nAny, List().GetSize() - 1);
+      case 1:
+        return PutIn(m_nAny);
+      default:
+        return PutIn(List().GetSize());
     }
   }
 
@@ -147,6 +150,12 @@ class EventTagOrderTest : public testing::TestWithParam<unsigned int> {
   Tags m_taken;
 
  private:
+  I_EventTag* AnyTag() {
+    const int nSize = List().GetSize();
+    if (nSize == 0) return nullptr;
+    m_nAny = static_cast<int>(m_random() % static_cast<unsigned int>(nSize));
+    return List().GetItemByIndex(m_nAny);
+  }
   void Exchange(int nOne, int nOther) {
     C_EventTag* pOne = OpenList().GetAt(nOne);
     OpenList().SetAt(nOne, OpenList().GetAt(nOther));
@@ -162,6 +171,8 @@ class EventTagOrderTest : public testing::TestWithParam<unsigned int> {
       OpenList().InsertAt(nIndex, pTag, 1);
     }
   }
+
+  int m_nAny = 0;
 };
 
 TEST_P(EventTagOrderTest, Operations_FollowTheTags_WhateverCallersChange) {
@@ -174,10 +185,22 @@ TEST_P(EventTagOrderTest, Operations_FollowTheTags_WhateverCallersChange) {
     if (dwKind >= 48 && dwKind < 53) TakeOutOne(bSamples);
     if (dwKind >= 53 && dwKind < 57) TakeOut(bSamples);
     if (dwKind >= 57 && dwKind < 60) AddMany();
-    if (dwKind >= 60 && i % 800 > 400) ChangeSomething();
-    if (i % 800 == 799) m_mgr.RemoveAllEvents();
+    if (dwKind >= 62 && i % 400 > 100) ChangeTags();
+    if (dwKind >= 60 && i % 400 > 350) ChangeList();
+    if (i % 400 == 399) m_mgr.RemoveAllEvents();
   }
 }
 INSTANTIATE_TEST_SUITE_P(All, EventTagOrderTest, testing::Range(1U, 9U));
+
+// Sample 1 is before the first millisecond ends.
+TEST(EventTagOrder, SampleEventsAmongTimes_AreFoundByTime) {
+  C_EventTagMgr manager;
+  manager.SetSampleRate(1500);
+  manager.AddEvent(1, 2, 1, "", 0);
+  const C_EventTagMgr::S_SampleEvent event{1, 1, 2, 0};
+  manager.AddEventsBySamplePos({&event, 1});
+  EXPECT_EQ(manager.GetEventsByTime(1)->GetSize(), 1);
+  EXPECT_EQ(manager.GetEventsByTime(0)->GetSize(), 1);
+}
 
 }  // namespace
