@@ -52,8 +52,8 @@ void Seconds(S_Job& job) {
     const unsigned int dwLoud = i / kRate % 4 == 0 ? 0 : 12;
     const unsigned int dwHum = (i % 128 < 64 ? i % 64 : 63 - i % 64) << dwLoud >> 4;
     const unsigned int dwSample = dwHum + (dwNoise >> 28);
-    pbyPcm[2 * i] = static_cast<unsigned char>(dwSample);
-    pbyPcm[2 * i + 1] = static_cast<unsigned char>(dwSample >> 8);
+    *pbyPcm++ = static_cast<unsigned char>(dwSample);
+    *pbyPcm++ = static_cast<unsigned char>(dwSample >> 8);
   }
   job.sound->SetWavInfoData(kRate, dwSamples * 2, 1, 16, 16, true);
 }
@@ -94,7 +94,10 @@ void Repeat(S_Job& job) {
   for (job.dwSize = 0; job.dwSize < dwSize; ++job.dwSize) kOne(job);
 }
 
-void AddEvent(S_Job& job) { Events(job).AddEventBySamplePos(1, 2, job.dwSize, "", 0); }
+void AddEvent(S_Job& job) {
+  const auto wSub = static_cast<unsigned short>(job.dwSize % 2);
+  Events(job).AddEventBySamplePos(1, wSub, job.dwSize, "", 0);
+}
 void AddEventInFront(S_Job& job) {
   Events(job).AddEventBySamplePos(1, 2, 1000000U - job.dwSize, "", 0);
 }
@@ -108,8 +111,8 @@ void RemoveFirst(S_Job& job) {
   Require(Events(job).RemoveEvent(0));
   delete pTag;
 }
-// The tags are lost, as nobody needs them.
-void RemoveByCommand(S_Job& job) { Events(job).RemoveEventsByCommand(1, 2); }
+// Every second one. The tags are lost, as nobody needs them.
+void RemoveByCommand(S_Job& job) { Events(job).RemoveEventsByCommand(1, 1); }
 void AddSegment(S_Job& job) { job.sound->AddSilenceSegment(job.dwSize * 10, job.dwSize * 10 + 8); }
 void AddRegion(S_Job& job) { job.sound->AddUncompressRegion(job.dwSize * 10, job.dwSize * 10 + 8); }
 void AddCue(S_Job& job) {

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <limits>
@@ -112,9 +111,10 @@ class WavDataSweepTest : public testing::TestWithParam<S_Format> {
 
 TEST_P(WavDataSweepTest, Gains_AreThoseOfEachSample) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
   constexpr double kGains[][2] = {{0.7, 0.7},         {-1.0, -1.0},    {1.9, 0.2},
                                   {32768.5, 32769.0}, {1e300, -1e300}, {1e-9, 1e-9},
-                                  {kInfinity, 1.0},   {NAN, NAN}};
+                                  {kInfinity, 1.0},   {kNaN, kNaN}};
   ForEachSound([&](const S_Sound& before) {
     for (const auto& [dFrom, dTo] : kGains) {
       S_Sound model = before;
