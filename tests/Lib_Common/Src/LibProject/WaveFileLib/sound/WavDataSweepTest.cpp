@@ -265,7 +265,8 @@ std::vector<S_Format> Formats() {
   for (unsigned short wChannels = 1; wChannels <= 5; ++wChannels) {
     for (S_Format format : kMono) {
       format.wChannels = wChannels;
-      if (wChannels <= 2 || format.wBits == format.wStoreBits) formats.push_back(format);
+      const bool bUsual = format.wBits == format.wStoreBits && format.bSigned == (format.wBits > 8);
+      if (wChannels <= 2 || bUsual) formats.push_back(format);
     }
   }
   return formats;
