@@ -61,18 +61,21 @@ class C_CLCustomArray : public Interface {
     return slot;
   }
 
-  // How often SetAt was called for any list of this class. A list itself is a vector behind its
-  // interface and has no room to count.
+  // How often an item was put into any list of this class: by SetAt or, where lists do not own
+  // their items, by Add or InsertAt. A list itself is a vector behind its interface and has no room
+  // to count.
   [[nodiscard]] static std::size_t Exchanges() { return s_nExchanges; }
 
   // Appends the item and returns its index.
   int Add(T item) {
+    if constexpr (!bOwn) ++s_nExchanges;
     m_items.push_back(item);
     return this->GetSize() - 1;
   }
 
   // Inserts nCount copies of item before position nIndex; position GetSize() appends.
   void InsertAt(int nIndex, T item, int nCount) requires(!bOwn) {
+    ++s_nExchanges;
     m_items.insert(m_items.begin() + nIndex, static_cast<std::size_t>(nCount), item);
   }
 
@@ -86,6 +89,10 @@ class C_CLCustomArray : public Interface {
     }
     m_items.erase(first, last);
   }
+
+ protected:
+  // For a class that puts items into its own lists, which does not count.
+  std::vector<T>& Items() { return m_items; }
 
  private:
   std::vector<T> m_items;

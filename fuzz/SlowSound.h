@@ -91,7 +91,7 @@ struct S_Sound {
   [[nodiscard]] std::int64_t Highest() const { return std::int64_t{SignBit()} - 1; }
   [[nodiscard]] std::int64_t Lowest() const { return -std::int64_t{SignBit()}; }
   [[nodiscard]] std::uint32_t ValueMask() const {
-    return static_cast<std::uint32_t>((std::uint64_t{SignBit()} << 1) - 1);
+    return wBits == 0 ? 0 : static_cast<std::uint32_t>((std::uint64_t{SignBit()} << 1) - 1);
   }
   static bool IsUnit(std::uint64_t cbUnit) { return cbUnit == 1 || cbUnit == 2 || cbUnit == 4; }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "CountedWork.h"
 #include "TempFolder.h"
@@ -251,7 +252,51 @@ const S_Addition kAdditions[] = {
        list.GetItemByIndex(list.GetSize() - 1)->SetEndSamplePos(i * 10 + 8);
      }},
     {"TheSameSegment", [](C_WavData& sound, std::uint32_t) { sound.AddSilenceSegment(100, 200); }},
+    {"EventsAtOneMoment",
+     [](C_WavData& sound, std::uint32_t i) {
+       if (i == 0) sound.GetEventTagMgr()->AddEvent(1, 2, 1000, "", 0);
+       sound.GetEventTagMgr()->AddEvent(1, 2, 500, "", 0);
+     }},
+    {"EventsAtTenMomentsInSamples",
+     [](C_WavData& sound, std::uint32_t i) {
+       if (i == 0) sound.SetWavInfoData(8000, 0, 1, 16, 16, true);
+       sound.GetEventTagMgr()->AddEventBySamplePos(1, 2, i % 10, "", 0);
+     }},
+    {"EventsInBothUnits",
+     [](C_WavData& sound, std::uint32_t i) {
+       if (i == 0) sound.SetWavInfoData(8000, 0, 1, 16, 16, true);
+       sound.GetEventTagMgr()->AddEventBySamplePos(1, 2, i % 2 * 800, "", 0);
+       sound.GetEventTagMgr()->AddEvent(1, 2, i % 2 * 100, "", 0);
+     }},
+    {"EventsAfterOneWasMoved",
+     [](C_WavData& sound, std::uint32_t i) {
+       if (i == 100) sound.GetEventTagMgr()->AddEvent(1, 2, 999, "", 0)->SetTime(1000);
+       sound.GetEventTagMgr()->AddEvent(1, 2, 500, "", 0);
+     }},
+    {"EventsThatAreFoundAndTakenOutByTime",
+     [](C_WavData& sound, std::uint32_t i) {
+       I_EventTagMgr& events = *sound.GetEventTagMgr();
+       events.AddEvent(1, 2, i, "", 0);
+       if (events.GetEventsByTime(i / 2)->GetSize() == 0 || i % 4 != 3) return;
+       const std::unique_ptr<I_EventTag> taken(events.GetEventsByTime(i / 2)->GetItemByIndex(0));
+       events.RemoveEventByTime(i / 2, 0);
+     }},
 };
+
+TEST(Growth, TenTimesTheEventsTakenOutByCommand_CostTenTimesTheWork) {
+  const auto blocks = [](std::uint32_t nCount) {
+    C_WavData sound;
+    I_EventTagMgr& events = *sound.GetEventTagMgr();
+    for (std::uint32_t i = 0; i < nCount; ++i) events.AddEvent(1, i % 2 != 0 ? 2 : 3, i, "", 0);
+    auto& found = *events.GetEventsByCommand(1, 2);
+    std::vector<std::unique_ptr<I_EventTag>> taken;
+    for (int i = 0; i < found.GetSize(); ++i) taken.emplace_back(found.GetItemByIndex(i));
+    const C_CountedWork removing;
+    events.RemoveEventsByCommand(1, 2);
+    return removing.Done().qwBlocks;
+  };
+  EXPECT_LE(blocks(kMany), kMostTimes * blocks(kFew));
+}
 INSTANTIATE_TEST_SUITE_P(All, AdditionTest, testing::ValuesIn(kAdditions),
                          [](const auto& parameters) { return parameters.param.pszName; });
 

@@ -46,6 +46,7 @@ unsigned int C_EventTag::GetTime() {
 }
 
 void C_EventTag::SetTime(unsigned int dwTime) {
+  ++s_nMoves;
   m_dwTime = dwTime;
   m_eUnit = EVENT_POS_TIME;
 }
@@ -61,6 +62,7 @@ unsigned int C_EventTag::GetSamplePos() {
 }
 
 void C_EventTag::SetSamplePos(unsigned int dwSamplePos) {
+  ++s_nMoves;
   m_dwSamplePos = dwSamplePos;
   m_eUnit = EVENT_POS_SAMPLE;
 }

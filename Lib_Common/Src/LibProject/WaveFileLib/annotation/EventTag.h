@@ -4,6 +4,9 @@
 // and converted to the other unit through the sample rate on request.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
+
 #include "CLString.h"
 #include "interface/I_EventTag.h"
 
@@ -35,9 +38,22 @@ class C_EventTag : public I_EventTag {
   void SetSamplePos(unsigned int dwSamplePos) override;
 
   // The rate for conversions from now on; the moment itself stays as it was set.
-  void SetSampleRate(unsigned int dwSampleRate) { m_dwSampleRate = dwSampleRate; }
+  void SetSampleRate(unsigned int dwSampleRate) {
+    ++s_nMoves;
+    m_dwSampleRate = dwSampleRate;
+  }
+
+  // False where asking for the moment in this unit stops the program.
+  [[nodiscard]] bool HasMomentIn(E_EventPosUnit eUnit) const {
+    return eUnit == m_eUnit || m_dwSampleRate > 0;
+  }
+  // How often the moment or the rate of any tag was set. As long as this number stays, so does the
+  // order of every list.
+  [[nodiscard]] static std::size_t Moves() { return s_nMoves; }
 
  private:
+  inline static std::atomic<std::size_t> s_nMoves = 0;
+
   unsigned int m_dwCommandIndex;
   unsigned int m_dwTime;
   unsigned int m_dwSamplePos;

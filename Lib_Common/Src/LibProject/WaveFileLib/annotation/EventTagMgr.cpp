@@ -37,39 +37,51 @@ auto WithCommand(unsigned short wMain, unsigned short wSub) {
 
 // What an insertion sorts by, and the names and lines by which support tools know its assertions.
 struct C_EventTagMgr::S_Ordering {
-  unsigned int (C_EventTag::*pfnKey)();
+  E_EventPosUnit eUnit;
   const char* pszFunction;
   int nLastTagLine;
   int nSearchLine;
 
   unsigned int Key(C_EventTag* pEventInList, int nLine) const {
     VCM_ASSERT(pEventInList != nullptr, pszFunction, kSource, nLine, "NULL != pEventInList");
-    return (pEventInList->*pfnKey)();
+    return KeyOf(*pEventInList);
   }
+  unsigned int KeyOf(C_EventTag& tag) const {
+    return eUnit == EVENT_POS_TIME ? tag.GetTime() : tag.GetSamplePos();
+  }
+
+  static const S_Ordering kByTime;
+  static const S_Ordering kBySample;
 };
+
+constexpr C_EventTagMgr::S_Ordering C_EventTagMgr::S_Ordering::kByTime{EVENT_POS_TIME, "AddEvent",
+                                                                       60, 77};
+constexpr C_EventTagMgr::S_Ordering C_EventTagMgr::S_Ordering::kBySample{
+    EVENT_POS_SAMPLE, "AddEventBySamplePos", 155, 173};
 
 C_EventTagMgr::~C_EventTagMgr() { C_EventTagMgr::RemoveAllEvents(); }
 
 I_EventTag* C_EventTagMgr::AddEvent(unsigned short wMain, unsigned short wSub, unsigned int dwTime,
                                     const char* pszDescription, unsigned int dwData) {
-  static constexpr S_Ordering kByTime{&C_EventTag::GetTime, "AddEvent", 60, 77};
   return Insert(std::make_unique<C_EventTag>(CommandIndex(wMain, wSub), dwTime, pszDescription,
                                              dwData, m_dwSampleRate, EVENT_POS_TIME),
-                kByTime);
+                S_Ordering::kByTime);
 }
 
 void C_EventTagMgr::RemoveAllEvents() {
   for (int i = 0; i < m_events.GetCount(); ++i) delete m_events.GetAt(i);
   m_events.RemoveAll();
+  m_nExchanges = EventList::Exchanges();
+  m_orders = {};
 }
 
 I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByTime(unsigned int dwTime) {
-  return Collect(AtTime(dwTime), "GetEventsByTime");
+  return Collect(Where(dwTime, S_Ordering::kByTime), AtTime(dwTime), "GetEventsByTime");
 }
 
 I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsByCommand(unsigned short wMain,
                                                           unsigned short wSub) {
-  return Collect(WithCommand(wMain, wSub), "GetEventsByCommand");
+  return Collect(All(), WithCommand(wMain, wSub), "GetEventsByCommand");
 }
 
 // Kept: tags are added by their time, so moments set in samples lose everything below a
@@ -93,15 +105,15 @@ bool C_EventTagMgr::AddEvents(I_CLArray<I_EventTag*>* pList) {
 I_EventTag* C_EventTagMgr::AddEventBySamplePos(unsigned short wMain, unsigned short wSub,
                                                unsigned int dwSamplePos, const char* pszDescription,
                                                unsigned int dwData) {
-  static constexpr S_Ordering kBySample{&C_EventTag::GetSamplePos, "AddEventBySamplePos", 155, 173};
   VCM_ASSERT(m_dwSampleRate > 0, "AddEventBySamplePos", kSource, 137, "m_dwSampleRate > 0");
   return Insert(std::make_unique<C_EventTag>(CommandIndex(wMain, wSub), dwSamplePos, pszDescription,
                                              dwData, m_dwSampleRate, EVENT_POS_SAMPLE),
-                kBySample);
+                S_Ordering::kBySample);
 }
 
 I_CLArray<I_EventTag*>* C_EventTagMgr::GetEventsBySamplePos(unsigned int dwSamplePos) {
-  return Collect(AtSample(dwSamplePos), "GetEventsBySamplePos");
+  return Collect(Where(dwSamplePos, S_Ordering::kBySample), AtSample(dwSamplePos),
+                 "GetEventsBySamplePos");
 }
 
 // Kept: the list is not sorted again, although a new rate may change the order of tags set as times
@@ -126,40 +138,52 @@ bool C_EventTagMgr::RemoveEvent(int nIndex) {
 }
 
 void C_EventTagMgr::RemoveEventsByTime(unsigned int dwTime) {
-  TakeOutAll(AtTime(dwTime), "RemoveEventsByTime");
+  TakeOutAll(Where(dwTime, S_Ordering::kByTime), AtTime(dwTime), "RemoveEventsByTime");
 }
 
 void C_EventTagMgr::RemoveEventsBySamplePos(unsigned int dwSamplePos) {
-  TakeOutAll(AtSample(dwSamplePos), "RemoveEventsBySamplePos");
+  TakeOutAll(Where(dwSamplePos, S_Ordering::kBySample), AtSample(dwSamplePos),
+             "RemoveEventsBySamplePos");
 }
 
 void C_EventTagMgr::RemoveEventsByCommand(unsigned short wMain, unsigned short wSub) {
-  TakeOutAll(WithCommand(wMain, wSub), "RemoveEventsByCommand");
+  TakeOutAll(All(), WithCommand(wMain, wSub), "RemoveEventsByCommand");
 }
 
 bool C_EventTagMgr::RemoveEventByTime(unsigned int dwTime, int nOccurrence) {
-  return TakeOutOne(AtTime(dwTime), nOccurrence, "RemoveEventByTime");
+  return TakeOutOne(Where(dwTime, S_Ordering::kByTime), AtTime(dwTime), nOccurrence,
+                    "RemoveEventByTime");
 }
 
 bool C_EventTagMgr::RemoveEventBySamplePos(unsigned int dwSamplePos, int nOccurrence) {
-  return TakeOutOne(AtSample(dwSamplePos), nOccurrence, "RemoveEventBySamplePos");
+  return TakeOutOne(Where(dwSamplePos, S_Ordering::kBySample), AtSample(dwSamplePos), nOccurrence,
+                    "RemoveEventBySamplePos");
 }
 
 bool C_EventTagMgr::RemoveEventByCommand(unsigned short wMain, unsigned short wSub,
                                          int nOccurrence) {
-  return TakeOutOne(WithCommand(wMain, wSub), nOccurrence, "RemoveEventByCommand");
+  return TakeOutOne(All(), WithCommand(wMain, wSub), nOccurrence, "RemoveEventByCommand");
 }
 
 I_EventTag* C_EventTagMgr::Insert(std::unique_ptr<C_EventTag> tag, const S_Ordering& ordering) {
-  const int nPosition = InsertPosition((tag.get()->*ordering.pfnKey)(), ordering);
-  m_events.InsertAt(nPosition, tag.get(), 1);
+  const int nPosition = InsertPosition(ordering.KeyOf(*tag), ordering);
+  m_events.Items().insert(m_events.Items().begin() + nPosition, tag.get());
+  CheckOtherOrder(nPosition, ordering);
   return tag.release();
+}
+
+int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering) {
+  if (IsKnown(ordering)) return PositionAfter(dwKey, ordering);
+  const int nPosition = SearchedPosition(dwKey, ordering);
+  // Looking at the whole list takes no more time than the searches before have taken.
+  if (m_nPassed > m_events.Items().size()) LearnOrder(ordering);
+  return nPosition;
 }
 
 // Returns the position after the tags of equal key that a binary search lands on. In a sorted list
 // this is after all of them. In a list that a new sample rate left unsorted, the result depends on
 // which tags the search looks at, so the search must not change.
-int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering) const {
+int C_EventTagMgr::SearchedPosition(unsigned int dwKey, const S_Ordering& ordering) {
   const int nCount = m_events.GetCount();
   if (nCount == 0) return 0;
   int nHigh = nCount - 1;
@@ -180,8 +204,61 @@ int C_EventTagMgr::InsertPosition(unsigned int dwKey, const S_Ordering& ordering
       break;
     }
   }
+  const int nFound = nLow;
   while (nLow != nHigh && KeyAt(nLow) == dwKey) ++nLow;
+  m_nPassed += static_cast<std::size_t>(nLow - nFound);
   return nLow;
+}
+
+int C_EventTagMgr::PositionAfter(unsigned int dwKey, const S_Ordering& ordering) {
+  const std::vector<C_EventTag*>& tags = m_events.Items();
+  // Most tags are added at the end.
+  if (tags.empty() || ordering.KeyOf(*tags.back()) <= dwKey) return m_events.GetCount();
+  // Not upper_bound: where the standard library checks its arguments, it looks at all tags.
+  const auto after = std::partition_point(
+      tags.begin(), tags.end(), [&](C_EventTag* pTag) { return ordering.KeyOf(*pTag) <= dwKey; });
+  return static_cast<int>(after - tags.begin());
+}
+
+void C_EventTagMgr::CheckOtherOrder(int nPosition, const S_Ordering& ordering) {
+  const S_Ordering& other =
+      ordering.eUnit == EVENT_POS_TIME ? S_Ordering::kBySample : S_Ordering::kByTime;
+  if (!IsKnown(other)) return;
+  const auto KeyAt = [&](int nIndex) { return other.KeyOf(*m_events.GetAt(nIndex)); };
+  const bool bInOrder =
+      m_dwSampleRate > 0 && (nPosition == 0 || KeyAt(nPosition - 1) <= KeyAt(nPosition)) &&
+      (nPosition + 1 == m_events.GetCount() || KeyAt(nPosition) <= KeyAt(nPosition + 1));
+  if (!bInOrder) ForgetOrder(other);
+}
+
+void C_EventTagMgr::LearnOrder(const S_Ordering& ordering) {
+  m_nPassed = 0;
+  unsigned int dwBefore = 0;
+  for (C_EventTag* pEventTag : m_events.Items()) {
+    if (pEventTag == nullptr || !pEventTag->HasMomentIn(ordering.eUnit)) return;
+    const unsigned int dwKey = ordering.KeyOf(*pEventTag);
+    if (dwKey < dwBefore) return;
+    dwBefore = dwKey;
+  }
+  NoteOrder(ordering);
+}
+
+bool C_EventTagMgr::IsKnown(const S_Ordering& ordering) const {
+  const S_KnownOrder& order = m_orders[ordering.eUnit];
+  return order.bNoted && order.nMoves == C_EventTag::Moves() &&
+         m_nExchanges == EventList::Exchanges();
+}
+
+void C_EventTagMgr::NoteOrder(const S_Ordering& ordering) { m_orders[ordering.eUnit] = {}; }
+
+void C_EventTagMgr::ForgetOrder(const S_Ordering& ordering) {
+  m_orders[ordering.eUnit].bNoted = false;
+}
+
+C_EventTagMgr::S_Range C_EventTagMgr::Where(unsigned int dwKey, const S_Ordering& ordering) {
+  if (!IsKnown(ordering)) return All();
+  const int nFirst = dwKey == 0 ? 0 : PositionAfter(dwKey - 1, ordering);
+  return {nFirst, PositionAfter(dwKey, ordering)};
 }
 
 void C_EventTagMgr::AddEventsBySamplePos(std::span<const S_SampleEvent> events) {
@@ -205,7 +282,8 @@ void C_EventTagMgr::AddEventsBySamplePos(std::span<const S_SampleEvent> events) 
 
 // A list that contains null does not count as in order: the tags are then added one by one, which
 // treats the null as it always did.
-bool C_EventTagMgr::IsInOrderOfSamples() const {
+bool C_EventTagMgr::IsInOrderOfSamples() {
+  if (IsKnown(S_Ordering::kBySample)) return true;
   unsigned int dwBefore = 0;
   for (int i = 0; i < m_events.GetCount(); ++i) {
     C_EventTag* pEventTag = m_events.GetAt(i);
@@ -218,40 +296,49 @@ bool C_EventTagMgr::IsInOrderOfSamples() const {
 // Merges sorted tags into the sorted list from its end. Each tag goes after the tags with the same
 // moment.
 void C_EventTagMgr::MergeBySamplePos(std::vector<std::unique_ptr<C_EventTag>> tags) {
-  int nListed = m_events.GetCount();
-  int nTarget = nListed + static_cast<int>(tags.size());
-  m_events.InsertAt(nListed, nullptr, static_cast<int>(tags.size()));
+  std::vector<C_EventTag*>& listed = m_events.Items();
+  std::size_t nListed = listed.size();
+  std::size_t nTarget = nListed + tags.size();
+  listed.resize(nTarget);
   while (!tags.empty()) {
     const unsigned int dwNew = tags.back()->GetSamplePos();
-    for (; nListed > 0 && m_events.GetAt(nListed - 1)->GetSamplePos() > dwNew; --nListed) {
-      m_events.SetAt(--nTarget, m_events.GetAt(nListed - 1));
+    for (; nListed > 0 && listed[nListed - 1]->GetSamplePos() > dwNew; --nListed) {
+      listed[--nTarget] = listed[nListed - 1];
     }
-    m_events.SetAt(--nTarget, tags.back().release());
+    listed[--nTarget] = tags.back().release();
     tags.pop_back();
   }
+  NoteOrder(S_Ordering::kBySample);
+  ForgetOrder(S_Ordering::kByTime);
 }
 
 template <typename Match>
-I_CLArray<I_EventTag*>* C_EventTagMgr::Collect(Match match, const char* pszFunction) {
+I_CLArray<I_EventTag*>* C_EventTagMgr::Collect(S_Range range, Match match,
+                                               const char* pszFunction) {
   m_found.RemoveAll();
-  for (int i = 0; i < m_events.GetCount(); ++i) {
+  for (int i = range.nFirst; i < range.nLast; ++i) {
     C_EventTag& tag = TagAt(m_events, i, pszFunction);
-    if (match(tag)) m_found.Add(&tag);
+    if (match(tag)) m_found.Items().push_back(&tag);
   }
   return &m_found;
 }
 
 template <typename Match>
-void C_EventTagMgr::TakeOutAll(Match match, const char* pszFunction) {
-  for (int i = m_events.GetCount() - 1; i >= 0; --i) {
-    if (match(TagAt(m_events, i, pszFunction))) m_events.RemoveAt(i, 1);
+void C_EventTagMgr::TakeOutAll(S_Range range, Match match, const char* pszFunction) {
+  // Those that stay move up to the end of the range, and what is left of it is removed at once.
+  int nKept = range.nLast;
+  for (int i = range.nLast - 1; i >= range.nFirst; --i) {
+    C_EventTag& tag = TagAt(m_events, i, pszFunction);
+    if (!match(tag)) m_events.Items()[static_cast<std::size_t>(--nKept)] = &tag;
   }
+  m_events.RemoveAt(range.nFirst, nKept - range.nFirst);
 }
 
 template <typename Match>
-bool C_EventTagMgr::TakeOutOne(Match match, int nOccurrence, const char* pszFunction) {
+bool C_EventTagMgr::TakeOutOne(S_Range range, Match match, int nOccurrence,
+                               const char* pszFunction) {
   int nMatches = 0;
-  for (int i = 0; i < m_events.GetCount(); ++i) {
+  for (int i = range.nFirst; i < range.nLast; ++i) {
     if (!match(TagAt(m_events, i, pszFunction))) continue;
     if (nMatches == nOccurrence) return RemoveEvent(i);
     ++nMatches;

@@ -8,7 +8,8 @@
 // (sample widths), WavDataChannels (mixing, extraction), WavDataConvert (writing a file).
 #pragma once
 
-#include <vector>
+#include <memory>
+#include <span>
 
 #include "annotation/EventTagMgr.h"
 #include "annotation/SampleRangeList.h"
@@ -105,9 +106,12 @@ class C_WavData : public I_WavData {
   // The sound's format with another channel count and another length in bytes.
   C_WavInfo FormatWith(unsigned short wChannels, unsigned int dwByteLength);
   void SetByteLength(unsigned int dwLength);
+  // Null when a width is not supported.
+  std::unique_ptr<C_WavData> BitsConverted(unsigned short wBits, unsigned short wStoreBits,
+                                           bool bSigned, bool bExact);
   // True when the PCM may be replaced by another mix of its channels.
   bool CanMix();
-  void InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels);
+  void InstallMix(C_WavDataBuffer& mix, unsigned short wChannels);
   // Each side gets one of the channels, or silence.
   void MixToStereo(int nLeftChannel, int nRightChannel);
   // Both return false, and write nothing, when the bytes do not fit into the PCM buffer.
@@ -115,8 +119,9 @@ class C_WavData : public I_WavData {
   bool SetMonoData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwStartSample);
   bool SetSideData(const unsigned char* pbySrc, unsigned int dwLength, unsigned int dwSide,
                    unsigned int dwStartSample);
-  int MeanValue(unsigned int dwSamplePos, unsigned short wFirstChannel,
-                unsigned short wLastChannel);
+  // One sum for each frame from a position on.
+  void SumChannels(unsigned int dwSamplePos, unsigned short wFirstChannel,
+                   unsigned short wLastChannel, std::span<int> sums);
   void AddQuietRuns(int nThreshold, unsigned int dwMinLength, unsigned int dwStartSample,
                     unsigned int dwEndSample, unsigned short wFirstChannel,
                     unsigned short wLastChannel);

@@ -2,15 +2,19 @@
 #include "sound/WavDataBuffer.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <span>
 
 #include "VcmAssert.h"
+#include "sound/SampleUnits.h"
 
 namespace {
 
 constexpr const char* kSource = "WaveFileLib/WavDataBuffer";
+constexpr unsigned int kBlock = 1024;  // values that are looked at together
 
 // Formats may carry any number of bits, so shift counts are taken modulo 32.
 constexpr unsigned int SignBit(unsigned short wBits) { return 1U << ((wBits - 1U) & 31U); }
@@ -39,6 +43,16 @@ int ToValue(unsigned int dwUnit, bool bSigned, unsigned int dwSignBit,
 int SaturatedAbs(int nValue) {
   constexpr int nMin = std::numeric_limits<int>::min();
   return nValue == nMin ? std::numeric_limits<int>::max() : std::abs(nValue);
+}
+
+// The largest absolute value, or nSoFar if none is larger. Most blocks have no larger one, which is
+// quickly seen.
+int LargestAbs(std::span<const int> values, int nSoFar) {
+  int nLarger = 0;
+  for (const int nValue : values) nLarger |= int{nValue > nSoFar} | int{nValue < -nSoFar};
+  if (nLarger == 0) return nSoFar;
+  for (const int nValue : values) nSoFar = std::max(nSoFar, SaturatedAbs(nValue));
+  return nSoFar;
 }
 
 }  // namespace
@@ -78,12 +92,15 @@ int C_WavDataBuffer::GetMaxAbsValue(unsigned int dwStartSample, unsigned int dwE
   // Kept: the end sample does not count, although it must exist. Existing sounds were normalised to
   // peaks found this way. Pinned by MaxAbsValue_LeavesOutTheEndSample.
   const unsigned int dwEnd = std::min(dwEndSample, GetHeldSampleSize());
+  std::array<int, kBlock> block{};
   int nMax = 0;
-  for (unsigned int dwSample = dwStartSample; dwSample < dwEnd; ++dwSample) {
+  for (unsigned int dwSample = dwStartSample; dwSample < dwEnd;) {
+    const auto values = std::span(block).first(std::min(kBlock, dwEnd - dwSample));
     for (unsigned int dwChannel = wFirstChannel; dwChannel <= wLastChannel; ++dwChannel) {
-      const int nValue = GetSampleValueInt(dwSample, static_cast<unsigned short>(dwChannel));
-      nMax = std::max(nMax, SaturatedAbs(nValue));
+      ReadChannel(dwSample, static_cast<unsigned short>(dwChannel), values);
+      nMax = LargestAbs(values, nMax);
     }
+    dwSample += static_cast<unsigned int>(values.size());
   }
   return nMax;
 }
@@ -121,6 +138,35 @@ unsigned int C_WavDataBuffer::GetUnwrappedHeldSampleSize() {
   return static_cast<unsigned int>(std::min(qwBytes * 8U / qwFrameBits, qwMax));
 }
 
+void C_WavDataBuffer::ReadChannel(unsigned int dwSamplePos, unsigned short wChannelNo,
+                                  std::span<int> values) {
+  if (values.empty()) return;
+  const unsigned short wChannels = Channels();
+  const auto dwLast = static_cast<unsigned int>(dwSamplePos + values.size() - 1);
+  const auto qwFirst = SampleOffset(dwSamplePos, wChannelNo, wChannels);
+  const bool bHeld = dwLast >= dwSamplePos && SampleOffset(dwLast, wChannelNo, wChannels);
+  if (wChannelNo < wChannels && qwFirst && bHeld) {
+    const unsigned int cbSample = m_wStoreBitsPerSample / 8U;
+    sampleunits::Read({cbSample, m_bValueSigned, m_dwSignBit},
+                      {m_pbyBuffer + *qwFirst, std::size_t{wChannels} * cbSample}, values);
+    return;
+  }
+  for (int& nValue : values) nValue = GetSampleValueInt(dwSamplePos++, wChannelNo);
+}
+
+void C_WavDataBuffer::MuteFrames(unsigned int dwSamplePos, unsigned int dwFrames) {
+  const auto qwOffset = SampleOffset(dwSamplePos, 0, Channels());
+  if (!qwOffset) return;
+  const unsigned int cbSample = m_wStoreBitsPerSample / 8U;
+  const unsigned int dwSilent = m_bValueSigned ? 0 : m_dwSignBit;
+  std::array<unsigned char, 4> silence{};
+  for (unsigned int i = 0; i < silence.size(); ++i) {
+    silence[i] = static_cast<unsigned char>(dwSilent >> (8U * i));
+  }
+  sampleunits::Copy({silence.data(), 0}, std::size_t{Channels()} * dwFrames, cbSample,
+                    m_pbyBuffer + *qwOffset, cbSample);
+}
+
 void C_WavDataBuffer::SafeDeleteBuffer() {
   if (m_pbyBuffer == nullptr) return;
   if (!m_bAttached) delete[] m_pbyBuffer;
@@ -148,6 +194,12 @@ unsigned char* C_WavDataBuffer::AllocBuffer(unsigned int dwLength) {
   return m_pbyBuffer;
 }
 
+void C_WavDataBuffer::TakeBuffer(C_WavDataBuffer& other) {
+  SafeDeleteBuffer();
+  Hold(other.m_pbyBuffer, other.m_dwLength, other.m_bAttached);
+  other.Hold(nullptr, 0, false);
+}
+
 void C_WavDataBuffer::AttachBuffer(void* pData, unsigned int dwLength) {
   SafeDeleteBuffer();
   Hold(static_cast<unsigned char*>(pData), dwLength, true);
@@ -171,6 +223,11 @@ std::optional<std::uint64_t> C_WavDataBuffer::SampleOffset(unsigned int dwSample
   const std::uint64_t qwOffset = (std::uint64_t{wChannels} * dwSamplePos + wChannelNo) * cbSample;
   if (qwOffset + cbSample > m_dwLength) return std::nullopt;
   return qwOffset;
+}
+
+std::size_t C_WavDataBuffer::UnitsFrom(std::uint64_t qwOffset, unsigned int cbUnit) const {
+  if (!IsUnitWidth(cbUnit) || qwOffset >= m_dwLength) return 0;
+  return static_cast<std::size_t>((m_dwLength - qwOffset) / cbUnit);
 }
 
 unsigned int C_WavDataBuffer::ReadUnit(std::uint64_t qwOffset, unsigned int cbUnit) const {
@@ -238,4 +295,31 @@ void C_WavDataBufferIterator::SetValue(int nValue, bool bExact) {
   // InexactSetValue_StoresNegativeValuesOneStepLower.
   if (m_bValueSigned && nClipped < 0 && !bExact) --dwUnit;
   m_buffer.WriteUnit(m_qwOffset, m_wFrameStep, dwUnit, m_dwAccessMask);
+}
+
+void C_WavDataBufferIterator::ReadValues(std::span<int> values) {
+  const auto nWhole = std::min(values.size(), m_buffer.UnitsFrom(m_qwOffset, m_wFrameStep));
+  if (nWhole > 0) {
+    sampleunits::Read({m_wFrameStep, m_bValueSigned, m_dwSignBit},
+                      {m_buffer.m_pbyBuffer + m_qwOffset, m_wFrameStep}, values.first(nWhole));
+    m_qwOffset += nWhole * m_wFrameStep;
+  }
+  for (int& nValue : values.subspan(nWhole)) {
+    nValue = GetValue();
+    Next();
+  }
+}
+
+void C_WavDataBufferIterator::Write(std::span<const int> values, bool bClip, bool bExact) {
+  const auto nWhole = std::min(values.size(), m_buffer.UnitsFrom(m_qwOffset, m_wFrameStep));
+  if (nWhole > 0) {
+    sampleunits::Write({m_wFrameStep, m_bValueSigned, m_dwSignBit},
+                       {bClip, m_nMinimum, m_nMaximum, m_dwValueMask, m_dwAccessMask, bExact},
+                       values.first(nWhole), m_buffer.m_pbyBuffer + m_qwOffset);
+    m_qwOffset += nWhole * m_wFrameStep;
+  }
+  for (const int nValue : values.subspan(nWhole)) {
+    SetValue(nValue, bExact);
+    Next();
+  }
 }

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "interface/I_WavDataBuffer.h"
 #include "interface/I_WavInfo.h"
@@ -49,6 +50,11 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   // caller names are checked against this number, because they may lie anywhere in the memory.
   unsigned int GetUnwrappedHeldSampleSize();
 
+  // The values of one channel from a position on, as GetSampleValueInt gives them one by one.
+  void ReadChannel(unsigned int dwSamplePos, unsigned short wChannelNo, std::span<int> values);
+  // Gives each sample of these frames, which must be held, the value 0.
+  void MuteFrames(unsigned int dwSamplePos, unsigned int dwFrames);
+
   // Frees owned memory, forgets attached memory.
   void SafeDeleteBuffer();
   // Forgets attached memory and returns it. Owned memory stays: the result is then null.
@@ -58,6 +64,8 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   void CopyBuffer(const void* pData, unsigned int dwLength);
   // Holds new owned memory, not cleared, and returns it; not null even for length 0.
   unsigned char* AllocBuffer(unsigned int dwLength);
+  // Holds the memory of another buffer, which then has none.
+  void TakeBuffer(C_WavDataBuffer& other);
   // Refers to the caller's memory, which must outlive its use here and is never freed.
   void AttachBuffer(void* pData, unsigned int dwLength);
 
@@ -70,6 +78,9 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   // stored width is not 8, 16 or 32 bits.
   std::optional<std::uint64_t> SampleOffset(unsigned int dwSamplePos, unsigned short wChannelNo,
                                             unsigned short wChannels) const;
+  // How many units of this width, one after the other, the buffer holds completely from there on.
+  // None for a width that is not 1, 2 or 4.
+  std::size_t UnitsFrom(std::uint64_t qwOffset, unsigned int cbUnit) const;
   // Access to little-endian units of up to four bytes, at any offset.
   unsigned int ReadUnit(std::uint64_t qwOffset, unsigned int cbUnit) const;
   void WriteUnit(std::uint64_t qwOffset, unsigned int cbUnit, unsigned int dwUnit,
@@ -106,8 +117,15 @@ class C_WavDataBufferIterator : public I_WavDataBufferIterator {
   int GetValue() const;
   // Clips to the sample width. bExact false stores negative values one step lower.
   void SetValue(int nValue, bool bExact);
+  // Many values at a time, with the same results as GetValue or SetValue and Next for each of them.
+  void ReadValues(std::span<int> values);
+  void WriteValues(std::span<const int> values, bool bExact) { Write(values, true, bExact); }
+  // The same, exact, for values that need no clipping.
+  void WriteClippedValues(std::span<const int> values) { Write(values, false, true); }
 
  private:
+  void Write(std::span<const int> values, bool bClip, bool bExact);
+
   C_WavDataBuffer& m_buffer;
   // The current sample, in bytes from the start. This is an offset because an address outside the
   // buffer must not even be formed. Before the start, it wraps to a value beyond every end.

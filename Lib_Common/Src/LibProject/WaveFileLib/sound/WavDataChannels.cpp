@@ -1,52 +1,71 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Channels: taking one out, putting one in, mixing to one or two.
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "CheckedSize.h"
 #include "sound/HeldBytes.h"
+#include "sound/SampleUnits.h"
 #include "sound/WavData.h"
 
 namespace {
 
 constexpr unsigned short kStereo = 2;
-constexpr int kSilence = -1;  // in place of a channel number
+constexpr int kSilence = -1;           // in place of a channel number
+constexpr unsigned int kBlock = 1024;  // frames that are mixed together
 
 unsigned int CeilDivided(unsigned int dwLength, unsigned short wChannels) {
   return static_cast<unsigned int>((std::uint64_t{dwLength} + wChannels - 1) / wChannels);
 }
 
-// Copies nCount samples of cbSample bytes; the steps are the bytes from one sample to the next.
-void CopySamples(unsigned char* pbyDst, std::size_t cbDstStep, const unsigned char* pbySrc,
-                 std::size_t cbSrcStep, std::size_t nCount, std::size_t cbSample) {
-  for (std::size_t i = 0; i < nCount; ++i) {
-    std::memcpy(pbyDst + i * cbDstStep, pbySrc + i * cbSrcStep, cbSample);
+// Adds every second value, from this one on, to the sums.
+void AddEverySecond(std::span<const int> values, std::size_t nFrom, std::span<int> sums) {
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    sums[i] = static_cast<int>(static_cast<unsigned int>(sums[i]) +
+                               static_cast<unsigned int>(values[2 * i + nFrom]));
+  }
+}
+
+void Divide(std::span<int> sums, int nDivisor) {
+  if (nDivisor == 2) {
+    for (int& nSum : sums) nSum /= 2;
+  } else {
+    for (int& nSum : sums) nSum /= nDivisor;
   }
 }
 
 // Averages the channels of a sound, given as one sequence of samples, into a mono buffer.
 void MixDown(C_WavDataBuffer& samples, unsigned short wChannels, unsigned int dwFrames,
              C_WavDataBuffer& mono) {
-  std::vector<C_WavDataBufferIterator> sources;
-  sources.reserve(wChannels);
-  for (unsigned int dwChannel = 0; dwChannel < wChannels; ++dwChannel) {
-    sources.emplace_back(samples, dwChannel, static_cast<unsigned short>(0));
+  // Kept: a frame counts as two samples, whatever the channel count. Stereo is what gets mixed;
+  // sounds of more channels have always come out this way. Pinned by
+  // ConvertToMono_OfMoreThanTwoChannels_AdvancesByTwoSamples.
+  std::vector<C_WavDataBufferIterator> pairs;
+  pairs.reserve((wChannels + 1U) / 2U);
+  for (unsigned int dwChannel = 0; dwChannel < wChannels; dwChannel += 2) {
+    pairs.emplace_back(samples, dwChannel, static_cast<unsigned short>(0));
   }
   C_WavDataBufferIterator dst(mono, 0, 0);
-  for (unsigned int dwFrame = 0; dwFrame < dwFrames; ++dwFrame, dst.Next()) {
-    unsigned int dwSum = 0;
-    for (C_WavDataBufferIterator& source : sources) {
-      dwSum += static_cast<unsigned int>(source.GetValue());
-      // Kept: a frame counts as two samples, whatever the channel count. Stereo is what gets mixed;
-      // sounds of more channels have always come out this way. Pinned by
-      // ConvertToMono_OfMoreThanTwoChannels_AdvancesByTwoSamples.
-      source.Next();
-      source.Next();
+  std::array<int, std::size_t{2} * kBlock> twoChannels{};
+  std::array<int, kBlock> block{};
+  while (dwFrames > 0) {
+    const auto sums = std::span(block).first(std::min(kBlock, dwFrames));
+    const auto values = std::span(twoChannels).first(2 * sums.size());
+    std::ranges::fill(sums, 0);
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+      pairs[i].ReadValues(values);
+      AddEverySecond(values, 0, sums);
+      if (2 * i + 1 < wChannels) AddEverySecond(values, 1, sums);
     }
-    dst.SetValue(static_cast<int>(dwSum) / wChannels, true);
+    Divide(sums, wChannels);
+    dst.WriteValues(sums, true);
+    dwFrames -= static_cast<unsigned int>(sums.size());
   }
 }
 
@@ -60,21 +79,14 @@ std::vector<unsigned char> SilentSample(I_WavInfo& info) {
   return sample;
 }
 
-// Writes one side of a stereo buffer: a channel of src, or silence.
-void FillSide(C_WavDataBuffer& src, unsigned int dwFrames, int nChannel, C_WavDataBuffer& stereo,
-              unsigned short wSide) {
-  if (dwFrames == 0) return;
-  I_WavInfo& info = *src.GetWavInfo();
-  const std::vector<unsigned char> silence = SilentSample(info);
-  const std::size_t cbSample = silence.size();
-  unsigned char* const pbySide = stereo.GetBuffer() + wSide * cbSample;
-  if (nChannel == kSilence) {
-    CopySamples(pbySide, kStereo * cbSample, silence.data(), 0, dwFrames, cbSample);
-  } else {
-    CopySamples(pbySide, kStereo * cbSample,
-                src.GetBuffer() + static_cast<std::size_t>(nChannel) * cbSample,
-                info.GetChannels() * cbSample, dwFrames, cbSample);
-  }
+// Allocates as many bytes as the format says. Those of frames that will not be mixed are 0.
+void AllocMix(C_WavDataBuffer& mix, C_WavInfo& info, unsigned int dwFrames) {
+  const unsigned int dwLength = info.GetByteLength();
+  unsigned char* const pbyPcm = mix.AllocBuffer(dwLength);
+  mix.SetWavInfo(&info);
+  const std::size_t cbFrame = std::size_t{info.GetStoreBitsPerSample() / 8U} * info.GetChannels();
+  const bool bMixed = IsSupportBitsPerSample(0, info.GetStoreBitsPerSample());
+  std::fill(pbyPcm + (bMixed ? cbFrame * dwFrames : 0), pbyPcm + dwLength, 0);
 }
 
 }  // namespace
@@ -90,18 +102,18 @@ I_WavData* C_WavData::CreateChannelData(unsigned short wChannelNo, unsigned int 
   const unsigned short wStoreBits = m_wavInfo.GetStoreBitsPerSample();
   const auto cbFrom = static_cast<std::size_t>(std::uint64_t{dwStartSample} * wStoreBits >> 3);
   const auto dwLength = static_cast<unsigned int>((qwEndSample * wStoreBits >> 3) - cbFrom);
-  std::vector<unsigned char> pcm(dwLength);
+  auto channel = std::make_unique<C_WavData>();
+  unsigned char* const pbyPcm = channel->AllocBuffer(dwLength);
   if (wChannels == 1 && dwLength > 0) {
-    std::memcpy(pcm.data(), GetBuffer() + cbFrom, dwLength);
+    std::memcpy(pbyPcm, GetBuffer() + cbFrom, dwLength);
   } else if (dwLength > 0) {
     const std::size_t cbSample = wStoreBits / 8U;
     const std::size_t cbFrame = cbSample * wChannels;
-    CopySamples(pcm.data(), cbSample, GetBuffer() + cbFrame * dwStartSample + cbSample * wChannelNo,
-                cbFrame, dwSampleCount, cbSample);
+    sampleunits::Copy({GetBuffer() + cbFrame * dwStartSample + cbSample * wChannelNo, cbFrame},
+                      dwSampleCount, cbSample, pbyPcm, cbSample);
+    std::fill(pbyPcm + cbSample * dwSampleCount, pbyPcm + dwLength, 0);
   }
-  auto channel = std::make_unique<C_WavData>();
   C_WavInfo info = FormatWith(1, dwLength);
-  channel->SetBuffer(pcm.data(), dwLength);
   channel->SetWavInfo(&info);
   return channel.release();
 }
@@ -140,8 +152,8 @@ bool C_WavData::SetSideData(const unsigned char* pbySrc, unsigned int dwLength, 
   const std::uint64_t qwFirst = std::uint64_t{dwStartSample} * kStereo + dwSide;
   const std::uint64_t qwLast = qwFirst + (qwSamples - 1) * kStereo;
   if ((qwLast + 1) * cbSample > m_pcmBuffer.GetLength()) return false;
-  CopySamples(GetBuffer() + qwFirst * cbSample, std::size_t{cbSample} * kStereo, pbySrc, cbSample,
-              static_cast<std::size_t>(qwSamples), cbSample);
+  sampleunits::Copy({pbySrc, cbSample}, static_cast<std::size_t>(qwSamples), cbSample,
+                    GetBuffer() + qwFirst * cbSample, std::size_t{cbSample} * kStereo);
   return true;
 }
 
@@ -149,19 +161,18 @@ void C_WavData::ConvertToMono() {
   const unsigned short wChannels = m_wavInfo.GetChannels();
   if (wChannels <= 1 || !CanMix()) return;
 
-  std::vector<unsigned char> pcm(CeilDivided(GetBufferLength(), wChannels));
-  C_WavInfo monoInfo = FormatWith(1, static_cast<unsigned int>(pcm.size()));
+  const unsigned int dwFrames = m_pcmBuffer.GetHeldSampleSize();
+  C_WavInfo monoInfo = FormatWith(1, CeilDivided(GetBufferLength(), wChannels));
   C_WavDataBuffer mono;
-  mono.AttachBuffer(pcm.data(), monoInfo.GetByteLength());
-  mono.SetWavInfo(&monoInfo);
+  AllocMix(mono, monoInfo, dwFrames);
   // The same bytes as one channel, so that each iterator reads one sample and no more.
   C_WavInfo flatInfo = FormatWith(1, GetBufferLength());
   C_WavDataBuffer flat;
   flat.AttachBuffer(GetBuffer(), m_pcmBuffer.GetLength());
   flat.SetWavInfo(&flatInfo);
 
-  MixDown(flat, wChannels, m_pcmBuffer.GetHeldSampleSize(), mono);
-  InstallMix(pcm, 1);
+  MixDown(flat, wChannels, dwFrames, mono);
+  InstallMix(mono, 1);
 }
 
 void C_WavData::ConvertToStereo() {
@@ -183,21 +194,29 @@ void C_WavData::MixToStereo(int nLeftChannel, int nRightChannel) {
   const auto dwLength = vcm::CheckedBytes(CeilDivided(GetBufferLength(), wChannels), kStereo);
   if (!dwLength) return;
 
-  std::vector<unsigned char> pcm(*dwLength);
+  const unsigned int dwFrames = m_pcmBuffer.GetUnwrappedHeldSampleSize();
   C_WavInfo stereoInfo = FormatWith(kStereo, *dwLength);
   C_WavDataBuffer stereo;
-  stereo.AttachBuffer(pcm.data(), *dwLength);
-  stereo.SetWavInfo(&stereoInfo);
-  const unsigned int dwFrames = m_pcmBuffer.GetUnwrappedHeldSampleSize();
-  FillSide(m_pcmBuffer, dwFrames, nLeftChannel, stereo, 0);
-  FillSide(m_pcmBuffer, dwFrames, nRightChannel, stereo, 1);
-  InstallMix(pcm, kStereo);
+  AllocMix(stereo, stereoInfo, dwFrames);
+  const std::vector<unsigned char> silence = SilentSample(m_wavInfo);
+  const auto Side = [&](int nChannel) -> sampleunits::S_Samples {
+    if (nChannel == kSilence) return {silence.data(), 0};
+    return {GetBuffer() + static_cast<std::size_t>(nChannel) * silence.size(),
+            wChannels * silence.size()};
+  };
+  if (dwFrames > 0) {
+    sampleunits::Interleave(Side(nLeftChannel), Side(nRightChannel), dwFrames, silence.size(),
+                            stereo.GetBuffer());
+  }
+  InstallMix(stereo, kStereo);
 }
 
 bool C_WavData::CanMix() { return !m_pcmBuffer.IsBufferAttached() && vcm::HoldsItsBytes(*this); }
 
-void C_WavData::InstallMix(const std::vector<unsigned char>& pcm, unsigned short wChannels) {
-  SetBuffer(pcm.data(), static_cast<unsigned int>(pcm.size()));
+void C_WavData::InstallMix(C_WavDataBuffer& mix, unsigned short wChannels) {
+  const unsigned int dwLength = mix.GetLength();
+  m_pcmBuffer.TakeBuffer(mix);
+  SetByteLength(dwLength);
   m_wavInfo.SetChannels(wChannels);
   m_pcmBuffer.SetWavInfo(&m_wavInfo);
 }

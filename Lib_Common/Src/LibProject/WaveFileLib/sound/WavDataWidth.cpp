@@ -2,16 +2,19 @@
 //
 // Conversion of a sound to other sample widths and signedness.
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "CheckedSize.h"
 #include "sound/WavData.h"
 
 namespace {
+
+constexpr unsigned int kBlock = 1024;  // samples that are converted together
 
 // The length of qwSamples samples in bytes; empty when it does not fit in 32 bits.
 std::optional<unsigned int> ConvertedByteLength(std::uint64_t qwSamples,
@@ -22,21 +25,35 @@ std::optional<unsigned int> ConvertedByteLength(std::uint64_t qwSamples,
   return vcm::CheckedBytes(qwLength, 1);
 }
 
-// The value with its magnitude shifted from one width to the other. Negative values are rounded
-// toward zero, like positive ones.
-int RescaledValue(int nValue, int nFromBits, int nToBits) {
-  const std::int64_t qnValue = nValue;
-  std::int64_t qnMagnitude = qnValue < 0 ? -qnValue : qnValue;
-  if (nToBits > nFromBits) {
-    // Frame-wide values of several channels may be too large for the shift; they clip.
-    qnMagnitude = qnMagnitude > (std::int64_t{1} << 31 >> (nToBits - nFromBits))
-                      ? std::int64_t{1} << 31
-                      : qnMagnitude << (nToBits - nFromBits);
-  } else {
-    qnMagnitude >>= nFromBits - nToBits;
+// Negative values are rounded toward zero, like positive ones. nBits is at most 32.
+void Narrow(std::span<int> values, int nBits) {
+  if (nBits > 31) {
+    std::ranges::fill(values, 0);
+    return;
   }
-  const std::int64_t qnRescaled = qnValue < 0 ? -qnMagnitude : qnMagnitude;
-  return static_cast<int>(std::min<std::int64_t>(qnRescaled, std::numeric_limits<int>::max()));
+  const auto nRounding = static_cast<int>((1U << nBits) - 1U);
+  for (int& nValue : values) nValue = (nValue + (nValue >> 31 & nRounding)) >> nBits;
+}
+
+// Frame-wide values of several channels may be too large for the shift; they clip. nBits is at most
+// 32.
+void Widen(std::span<int> values, int nBits) {
+  constexpr int nMin = std::numeric_limits<int>::min();
+  constexpr int nMax = std::numeric_limits<int>::max();
+  const int nShift = std::min(nBits, 31);
+  const auto nLowest = static_cast<int>(-(std::int64_t{1} << 31 >> nBits));
+  const int nHighest = nBits > 31 ? 0 : -(nLowest + 1);
+  for (int& nValue : values) {
+    const auto nShifted = static_cast<int>(static_cast<unsigned int>(nValue) << nShift);
+    const int nWide = nValue > nHighest ? nMax : nShifted;
+    nValue = nValue < nLowest ? nMin : nWide;
+  }
+}
+
+// Shifts the magnitudes of values from one width to the other.
+void Rescale(std::span<int> values, int nFromBits, int nToBits) {
+  if (nToBits < nFromBits) Narrow(values, nFromBits - nToBits);
+  if (nToBits > nFromBits) Widen(values, nToBits - nFromBits);
 }
 
 void ConvertChannel(C_WavDataBuffer& src, C_WavDataBuffer& dst, unsigned short wChannelNo,
@@ -45,21 +62,27 @@ void ConvertChannel(C_WavDataBuffer& src, C_WavDataBuffer& dst, unsigned short w
   const int nToBits = dst.GetWavInfo()->GetBitsPerSample();
   C_WavDataBufferIterator from(src, 0, wChannelNo);
   C_WavDataBufferIterator to(dst, 0, wChannelNo);
-  for (unsigned int i = 0; i < dwCount; ++i, from.Next(), to.Next()) {
-    to.SetValue(RescaledValue(from.GetValue(), nFromBits, nToBits), bExact);
+  std::array<int, kBlock> block{};
+  while (dwCount > 0) {
+    const auto values = std::span(block).first(std::min(kBlock, dwCount));
+    from.ReadValues(values);
+    Rescale(values, nFromBits, nToBits);
+    to.WriteValues(values, bExact);
+    dwCount -= static_cast<unsigned int>(values.size());
   }
 }
 
-// Fills pbyDst, whose length and widths dstInfo gives, with the samples of src.
-void ConvertSamples(C_WavDataBuffer& src, unsigned char* pbyDst, C_WavInfo& dstInfo, bool bExact) {
-  C_WavDataBuffer dst;
-  dst.AttachBuffer(pbyDst, dstInfo.GetByteLength());
-  dst.SetWavInfo(&dstInfo);
+// Fills dst with the samples of src.
+void ConvertSamples(C_WavDataBuffer& src, C_WavDataBuffer& dst, bool bExact) {
+  I_WavInfo& info = *dst.GetWavInfo();
   const unsigned int dwCount = std::min(dst.GetHeldSampleSize(), src.GetHeldSampleSize());
-  for (unsigned int dwChannel = 0; dwChannel < dstInfo.GetChannels(); ++dwChannel) {
+  // Frames that the iterators cannot write would otherwise show what the memory held before.
+  const std::size_t cbWritten =
+      info.GetChannels() == 1 ? std::size_t{dwCount} * info.GetBytesPerSample() : 0;
+  std::fill(dst.GetBuffer() + cbWritten, dst.GetBuffer() + dst.GetLength(), 0);
+  for (unsigned int dwChannel = 0; dwChannel < info.GetChannels(); ++dwChannel) {
     ConvertChannel(src, dst, static_cast<unsigned short>(dwChannel), dwCount, bExact);
   }
-  dst.DetachBuffer();
 }
 
 }  // namespace
@@ -71,12 +94,20 @@ bool C_WavData::ConvertBits(unsigned short wBits, unsigned short wStoreBits, boo
       bSigned == m_wavInfo.IsValueSigned()) {
     return true;
   }
-  const C_WavDataPtr converted(CreateBitsConvertedData(wBits, wStoreBits, bSigned, bExact));
-  return CopyWavData(converted.get());
+  const auto converted = BitsConverted(wBits, wStoreBits, bSigned, bExact);
+  if (!converted) return false;
+  m_pcmBuffer.TakeBuffer(converted->m_pcmBuffer);
+  SetWavInfo(converted->GetWavInfo());
+  return true;
 }
 
 I_WavData* C_WavData::CreateBitsConvertedData(unsigned short wBits, unsigned short wStoreBits,
                                               bool bSigned, bool bExact) {
+  return BitsConverted(wBits, wStoreBits, bSigned, bExact).release();
+}
+
+std::unique_ptr<C_WavData> C_WavData::BitsConverted(unsigned short wBits, unsigned short wStoreBits,
+                                                    bool bSigned, bool bExact) {
   if (!IsSupportBitsPerSample(wBits, wStoreBits) ||
       !IsSupportBitsPerSample(m_wavInfo.GetBitsPerSample(), m_wavInfo.GetStoreBitsPerSample())) {
     return nullptr;
@@ -87,12 +118,9 @@ I_WavData* C_WavData::CreateBitsConvertedData(unsigned short wBits, unsigned sho
   if (!dwLength) return nullptr;
 
   auto converted = std::make_unique<C_WavData>();
-  // Frames that the iterators cannot write would otherwise show what the memory held before.
-  std::memset(converted->AllocBuffer(*dwLength), 0, *dwLength);
-  C_WavInfo info;
-  info.SetInfoData(m_wavInfo.GetSampleRate(), *dwLength, m_wavInfo.GetChannels(), wBits, wStoreBits,
-                   bSigned);
-  ConvertSamples(m_pcmBuffer, converted->GetBuffer(), info, bExact);
-  converted->SetWavInfo(&info);
-  return converted.release();
+  converted->AllocBuffer(*dwLength);
+  converted->SetWavInfoData(m_wavInfo.GetSampleRate(), *dwLength, m_wavInfo.GetChannels(), wBits,
+                            wStoreBits, bSigned);
+  ConvertSamples(m_pcmBuffer, converted->m_pcmBuffer, bExact);
+  return converted;
 }

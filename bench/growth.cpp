@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The time and the memory that one operation takes on a sound of a given size. bench/growth.sh runs
+// it for many sizes.
+//
+//   growth                  prints the names of the operations and what their size counts
+//   growth NAME SIZE FILE   prints milliseconds of processor time and the most memory in KiB. FILE
+//                           is written over and left behind
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "WavFileFormat.h"
+#include "sound/WavData.h"
+
+namespace {
+
+constexpr unsigned int kRate = 16000;
+
+struct S_Job {
+  C_WavDataPtr sound;
+  unsigned int dwSize = 0;
+  std::string strPath;
+};
+
+void Require(bool bDone) {
+  if (bDone) return;
+  std::fputs("growth: an operation failed\n", stderr);
+  std::exit(1);
+}
+
+I_EventTagMgr& Events(S_Job& job) { return *job.sound->GetEventTagMgr(); }
+
+template <typename Info>
+Info& InfoOf(S_Job& job, int nType) {
+  void* pInfo = nullptr;
+  Require(job.sound->GetInfo(nType, &pInfo));
+  return *static_cast<Info*>(pInfo);
+}
+
+// A humming sound with pauses.
+void Seconds(S_Job& job) {
+  const unsigned int dwSamples = job.dwSize * kRate;
+  unsigned char* pbyPcm = job.sound->AllocBuffer(dwSamples * 2);
+  unsigned int dwNoise = 1;
+  for (unsigned int i = 0; i < dwSamples; ++i) {
+    dwNoise = dwNoise * 1664525U + 1013904223U;
+    const unsigned int dwLoud = i / kRate % 4 == 0 ? 0 : 12;
+    const unsigned int dwHum = (i % 128 < 64 ? i % 64 : 63 - i % 64) << dwLoud >> 4;
+    const unsigned int dwSample = dwHum + (dwNoise >> 28);
+    *pbyPcm++ = static_cast<unsigned char>(dwSample);
+    *pbyPcm++ = static_cast<unsigned char>(dwSample >> 8);
+  }
+  job.sound->SetWavInfoData(kRate, dwSamples * 2, 1, 16, 16, true);
+}
+void OneSecond(S_Job& job) {
+  const unsigned int dwSize = job.dwSize;
+  job.dwSize = 1;
+  Seconds(job);
+  job.dwSize = dwSize;
+}
+
+void SaveAs(S_Job& job, tagAudioFileType eType, bool bStream) {
+  Require(job.sound->Convert(eType, job.strPath.c_str(), bStream, true, nullptr, true, 0));
+}
+template <tagAudioFileType eType, bool bStream>
+void Save(S_Job& job) {
+  SaveAs(job, eType, bStream);
+}
+constexpr auto SaveWave = Save<AUDIO_FILE_WAVE, false>;
+constexpr auto SaveContainer = Save<AUDIO_FILE_KESTREL, false>;
+
+void Load(S_Job& job) {
+  C_WavFileFormat format;
+  I_WavFile* pIFile = format.CreateWavFile(job.strPath.c_str(), true, true, nullptr, nullptr);
+  Require(pIFile != nullptr);
+  pIFile->Release();
+}
+
+// Runs steps in turn.
+using Step = void (*)(S_Job& job);
+template <Step... kSteps>
+void Do(S_Job& job) {
+  (kSteps(job), ...);
+}
+
+template <Step kOne>
+void Repeat(S_Job& job) {
+  const unsigned int dwSize = job.dwSize;
+  for (job.dwSize = 0; job.dwSize < dwSize; ++job.dwSize) kOne(job);
+}
+
+void AddEvent(S_Job& job) {
+  const auto wSub = static_cast<unsigned short>(job.dwSize % 2);
+  Events(job).AddEventBySamplePos(1, wSub, job.dwSize, "", 0);
+}
+void AddEventInFront(S_Job& job) {
+  Events(job).AddEventBySamplePos(1, 2, 1000000U - job.dwSize, "", 0);
+}
+void AddEventAtAMoment(S_Job& job) {
+  if (job.dwSize == 0) Events(job).AddEventBySamplePos(1, 2, 9, "", 0);
+  Events(job).AddEventBySamplePos(1, 2, 5, "", 0);
+}
+void FindEvent(S_Job& job) { Events(job).GetEventsBySamplePos(job.dwSize); }
+void RemoveFirst(S_Job& job) {
+  I_EventTag* pTag = Events(job).GetEventList()->GetItemByIndex(0);
+  Require(Events(job).RemoveEvent(0));
+  delete pTag;
+}
+// Every second one. The tags are lost, as nobody needs them.
+void RemoveByCommand(S_Job& job) { Events(job).RemoveEventsByCommand(1, 1); }
+void AddSegment(S_Job& job) { job.sound->AddSilenceSegment(job.dwSize * 10, job.dwSize * 10 + 8); }
+void AddRegion(S_Job& job) { job.sound->AddUncompressRegion(job.dwSize * 10, job.dwSize * 10 + 8); }
+void AddCue(S_Job& job) {
+  auto& cues = InfoOf<I_WavDataCueInfo>(job, WAV_DATA_INFO_CUE);
+  Require(cues.AddCuePoint(job.dwSize + 1, job.dwSize, 0x61746164, 0, 0, job.dwSize));
+}
+void AddLabel(S_Job& job) {
+  AddCue(job);
+  InfoOf<I_WavDataListInfo>(job, WAV_DATA_INFO_LIST).AddLabel(job.dwSize + 1, "Verse");
+}
+void AddChunk(S_Job& job) {
+  InfoOf<I_WavDataExtraChunkInfo>(job, WAV_DATA_INFO_EXTRA_CHUNK).AddChunk("note", "kept", 4);
+}
+
+struct S_Operation {
+  const char* pszName;
+  const char* pszCounts;
+  Step pfnPrepare;  // is not measured
+  Step pfnRun;
+};
+const S_Operation kOperations[] = {
+    {"save", "seconds", Seconds, SaveWave},
+    {"load", "seconds", Do<Seconds, SaveWave>, Load},
+    {"kestrel-encode", "seconds", Seconds, Save<AUDIO_FILE_KESTREL, true>},
+    {"kestrel-container-save", "seconds", Seconds, SaveContainer},
+    {"kestrel-container-load", "seconds", Do<Seconds, SaveContainer>, Load},
+    {"heron4-encode", "seconds", Seconds, Save<AUDIO_FILE_HERON_4BIT, true>},
+    {"heron2-encode", "seconds", Seconds, Save<AUDIO_FILE_HERON_2BIT, true>},
+    {"heron6-encode", "seconds", Seconds, Save<AUDIO_FILE_HERON_6BIT, true>},
+    {"heron4-container-load", "seconds", Do<Seconds, Save<AUDIO_FILE_HERON_4BIT, false>>, Load},
+    {"add-events", "events", OneSecond, Repeat<AddEvent>},
+    {"add-events-in-front", "events", OneSecond, Repeat<AddEventInFront>},
+    {"add-events-at-one-moment", "events", OneSecond, Repeat<AddEventAtAMoment>},
+    {"find-each-event", "events", Do<OneSecond, Repeat<AddEvent>>, Repeat<FindEvent>},
+    {"remove-first-events", "events", Do<OneSecond, Repeat<AddEvent>>, Repeat<RemoveFirst>},
+    {"remove-events-by-command", "events", Do<OneSecond, Repeat<AddEvent>>, RemoveByCommand},
+    {"save-events", "events", Do<OneSecond, Repeat<AddEvent>>, SaveWave},
+    {"load-events", "events", Do<OneSecond, Repeat<AddEvent>, SaveWave>, Load},
+    {"save-events-in-container", "events", Do<OneSecond, Repeat<AddEvent>>, SaveContainer},
+    {"load-events-of-container", "events", Do<OneSecond, Repeat<AddEvent>, SaveContainer>, Load},
+    {"add-segments", "segments", OneSecond, Repeat<AddSegment>},
+    {"save-segments", "segments", Do<OneSecond, Repeat<AddSegment>>, SaveWave},
+    {"load-segments", "segments", Do<OneSecond, Repeat<AddSegment>, SaveWave>, Load},
+    {"add-regions", "regions", OneSecond, Repeat<AddRegion>},
+    {"save-regions", "regions", Do<OneSecond, Repeat<AddRegion>>, SaveWave},
+    {"load-regions", "regions", Do<OneSecond, Repeat<AddRegion>, SaveWave>, Load},
+    {"add-cues", "cues", OneSecond, Repeat<AddCue>},
+    {"add-labels", "labels", OneSecond, Repeat<AddLabel>},
+    {"add-chunks", "chunks", OneSecond, Repeat<AddChunk>},
+    {"save-cues-in-container", "cues", Do<OneSecond, Repeat<AddCue>>, SaveContainer},
+    {"load-cues-of-container", "cues", Do<OneSecond, Repeat<AddCue>, SaveContainer>, Load},
+    {"save-labels-in-container", "labels", Do<OneSecond, Repeat<AddLabel>>, SaveContainer},
+    {"load-labels-of-container", "labels", Do<OneSecond, Repeat<AddLabel>, SaveContainer>, Load},
+    {"save-chunks", "chunks", Do<OneSecond, Repeat<AddChunk>>, SaveWave},
+    {"load-chunks", "chunks", Do<OneSecond, Repeat<AddChunk>, SaveWave>, Load},
+};
+
+double Milliseconds() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  const auto In = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+  };
+  return In(usage.ru_utime) + In(usage.ru_stime);
+}
+
+long PeakKiB() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+void Measure(const S_Operation& operation, unsigned int dwSize, const char* pszPath) {
+  S_Job job{C_WavDataPtr(new C_WavData), dwSize, pszPath};
+  operation.pfnPrepare(job);
+  job.dwSize = dwSize;
+  const double dBefore = Milliseconds();
+  operation.pfnRun(job);
+  std::printf("%.3f %ld\n", Milliseconds() - dBefore, PeakKiB());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  for (const S_Operation& operation : kOperations) {
+    if (argc == 1) std::printf("%s %s\n", operation.pszName, operation.pszCounts);
+    if (argc == 4 && std::strcmp(argv[1], operation.pszName) == 0) {
+      Measure(operation, static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)), argv[3]);
+      return 0;
+    }
+  }
+  return argc == 1 ? 0 : 2;
+}
