@@ -2,13 +2,16 @@
 #include "compressed/MSAdpcmCodec.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <vector>
 
 #include "CheckedSize.h"
 #include "compressed/CodecBuffer.h"
+#include "compressed/SampleBytes.h"
 #include "compressed/TablesAdpcm.h"
 #include "compressed/WavFileCodecInfo.h"
 
@@ -40,6 +43,84 @@ short NextSample(S_Channel& channel, unsigned int dwCode) {
   channel.nSample2 = channel.nSample1;
   channel.nSample1 = static_cast<short>(std::clamp<std::int64_t>(nSample, -32768, 32767));
   return channel.nSample1;
+}
+
+// The two codes of a byte, as NextSample uses them.
+struct S_Codes {
+  struct S_Code {
+    std::int16_t nCode = 0;
+    std::int16_t nAdaptation = 0;
+  };
+  S_Code high;
+  S_Code low;
+};
+constexpr auto kCodes = [] {
+  std::array<S_Codes, 256> codes{};
+  const auto half = [](std::size_t nHalf) {
+    const auto nCode = static_cast<int>(nHalf < 8 ? nHalf : nHalf - 16);
+    return S_Codes::S_Code{static_cast<std::int16_t>(nCode),
+                           static_cast<std::int16_t>(kMSAdpcmAdaptation[nHalf])};
+  };
+  for (std::size_t i = 0; i < codes.size(); ++i) codes[i] = {half(i >> 4U), half(i & 15U)};
+  return codes;
+}();
+
+// A channel whose values stay in registers.
+struct S_FastChannel {
+  explicit S_FastChannel(const S_Channel& channel)
+      : nFirst(channel.coefficients.nFirst),
+        nSecond(channel.coefficients.nSecond),
+        nDelta(channel.nDelta),
+        nSample1(channel.nSample1),
+        nSample2(channel.nSample2) {}
+
+  // Does what NextSample does. Clamping is rare.
+  std::int16_t Next(std::int64_t nCode, std::int64_t nAdaptation) {
+    std::int64_t nSample = ((nSample1 * nFirst + nSample2 * nSecond) >> 8) + nDelta * nCode;
+    if (nSample != static_cast<std::int16_t>(nSample)) [[unlikely]] {
+      nSample = nSample < 0 ? -32768 : 32767;
+    }
+    nDelta = nDelta * nAdaptation >> 8;
+    if (static_cast<std::uint64_t>(nDelta - kMinDelta) > kMaxDelta - kMinDelta) [[unlikely]] {
+      nDelta = nDelta < kMinDelta ? kMinDelta : kMaxDelta;
+    }
+    nSample2 = nSample1;
+    nSample1 = nSample;
+    return samplebytes::LittleEndian(static_cast<std::int16_t>(nSample));
+  }
+  void Put(S_Channel& channel) const {
+    channel.nDelta = static_cast<int>(nDelta);
+    channel.nSample1 = static_cast<short>(nSample1);
+    channel.nSample2 = static_cast<short>(nSample2);
+  }
+
+  std::int64_t nFirst;
+  std::int64_t nSecond;
+  std::int64_t nDelta;
+  std::int64_t nSample1;
+  std::int64_t nSample2;
+};
+
+// Decodes bytes of which each holds a code of every channel, or two codes of the only one.
+[[gnu::noinline]] void DecodeBytes(std::span<S_Channel> channels,
+                                   std::span<const unsigned char> bytes, short* pSamples) {
+  S_FastChannel left(channels.front());
+  if (channels.size() == 1) {
+    for (const unsigned char byCodes : bytes) {
+      pSamples[0] = left.Next(kCodes[byCodes].high.nCode, kCodes[byCodes].high.nAdaptation);
+      pSamples[1] = left.Next(kCodes[byCodes].low.nCode, kCodes[byCodes].low.nAdaptation);
+      pSamples += 2;
+    }
+  } else {
+    S_FastChannel right(channels.back());
+    for (const unsigned char byCodes : bytes) {
+      pSamples[0] = left.Next(kCodes[byCodes].high.nCode, kCodes[byCodes].high.nAdaptation);
+      pSamples[1] = right.Next(kCodes[byCodes].low.nCode, kCodes[byCodes].low.nAdaptation);
+      pSamples += 2;
+    }
+    right.Put(channels.back());
+  }
+  left.Put(channels.front());
 }
 
 std::vector<S_Channel> ReadHeader(C_Buffer& block, const C_WavFileCodecInfo& codecInfo,
@@ -92,6 +173,14 @@ bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsi
   std::vector<S_Channel> channels = ReadHeader(block, codecInfo, dwChannels);
   for (const S_Channel& channel : channels) output.SetShort(channel.nSample2);
   for (const S_Channel& channel : channels) output.SetShort(channel.nSample1);
+  if (dwChannels <= 2 && pSamples != nullptr) {
+    const std::size_t cbDone = block.GetPos();
+    const std::size_t cbBytes = std::min<std::size_t>(
+        dwBlockBytes - cbDone, (dwCapacity - output.GetPos()) / (2 * sizeof(short)));
+    DecodeBytes(channels, {pbyBlock + cbDone, cbBytes}, pSamples + output.GetPos() / sizeof(short));
+    block.Skip(cbBytes);
+    output.Skip(cbBytes * 2 * sizeof(short));
+  }
   for (std::size_t i = 0; !block.EOB() && !output.EOB(); i = (i + 1) % dwChannels) {
     output.SetShort(NextSample(channels[i], block.GetNibbleHighFirst()));
   }

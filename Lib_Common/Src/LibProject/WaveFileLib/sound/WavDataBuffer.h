@@ -58,6 +58,8 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   void CopyBuffer(const void* pData, unsigned int dwLength);
   // Holds new owned memory, not cleared, and returns it; not null even for length 0.
   unsigned char* AllocBuffer(unsigned int dwLength);
+  // Owns this memory from now on.
+  void TakeBuffer(std::unique_ptr<unsigned char[]> pbyBuffer, unsigned int dwLength);
   // Refers to the caller's memory, which must outlive its use here and is never freed.
   void AttachBuffer(void* pData, unsigned int dwLength);
 
