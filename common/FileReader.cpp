@@ -18,7 +18,8 @@ C_FileReader::C_FileReader(std::FILE* pFile) : m_pFile(pFile) { Measure(); }
 void C_FileReader::Close() noexcept {
   m_pFile = nullptr;
   m_owned.reset();
-  m_cbWindow = 0;
+  m_first.cbHeld = 0;
+  m_moving.cbHeld = 0;
 }
 
 std::optional<std::uint64_t> C_FileReader::Measure() noexcept {
@@ -34,14 +35,17 @@ std::optional<std::size_t> C_FileReader::ReadSome(std::uint64_t qwPosition,
                                                   std::span<std::uint8_t> bytes) noexcept {
   if (IsEnd(qwPosition)) return 0;
   if (bytes.size() > kWindow) return ReadFile(qwPosition, bytes);
-  if (Held(qwPosition).size() < bytes.size()) {
-    m_cbWindow = 0;
-    const auto cbRead = ReadFile(qwPosition, m_window);
+  std::span<const std::uint8_t> held = m_first.From(qwPosition);
+  if (held.size() < bytes.size()) held = m_moving.From(qwPosition);
+  if (held.size() < bytes.size()) {
+    S_Window& window = m_first.cbHeld == 0 ? m_first : m_moving;
+    window.cbHeld = 0;
+    const auto cbRead = ReadFile(qwPosition, window.bytes);
     if (!cbRead) return std::nullopt;
-    m_qwWindow = qwPosition;
-    m_cbWindow = *cbRead;
+    window.qwPosition = qwPosition;
+    window.cbHeld = *cbRead;
+    held = window.From(qwPosition);
   }
-  const std::span<const std::uint8_t> held = Held(qwPosition);
   const std::size_t cbTaken = std::min(held.size(), bytes.size());
   if (cbTaken > 0) std::memcpy(bytes.data(), held.data(), cbTaken);
   return cbTaken;
@@ -51,11 +55,9 @@ bool C_FileReader::ReadExact(std::uint64_t qwPosition, std::span<std::uint8_t> b
   return ReadSome(qwPosition, bytes) == bytes.size();
 }
 
-std::span<const std::uint8_t> C_FileReader::Held(std::uint64_t qwPosition) const noexcept {
-  if (qwPosition < m_qwWindow || qwPosition - m_qwWindow >= m_cbWindow) return {};
-  return std::span(m_window)
-      .first(m_cbWindow)
-      .subspan(static_cast<std::size_t>(qwPosition - m_qwWindow));
+std::span<const std::uint8_t> C_FileReader::S_Window::From(std::uint64_t qwAt) const noexcept {
+  if (qwAt < qwPosition || qwAt - qwPosition >= cbHeld) return {};
+  return std::span(bytes).first(cbHeld).subspan(static_cast<std::size_t>(qwAt - qwPosition));
 }
 
 std::optional<std::size_t> C_FileReader::ReadFile(std::uint64_t qwPosition,

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A file that is read at positions. Small reads come from a window of the file in memory, so that a
-// file whose facts lie close together is opened, looked at and closed with very few calls of the
-// system. Large reads go straight to where the caller wants the bytes.
+// A file that is read at positions. Small reads come from two windows of the file in memory, so
+// that a file whose facts lie close together is opened, looked at and closed with very few calls of
+// the system. The first window stays where the first small read was, which is the beginning of most
+// files; the other one moves. Large reads go straight to where the caller wants the bytes.
 #pragma once
 
 #include <array>
@@ -50,8 +51,15 @@ class C_FileReader {
  private:
   static constexpr std::size_t kWindow = 4096;
 
-  // The bytes that the window holds from qwPosition on.
-  [[nodiscard]] std::span<const std::uint8_t> Held(std::uint64_t qwPosition) const noexcept;
+  struct S_Window {
+    // The bytes that it holds from a position of the file on.
+    [[nodiscard]] std::span<const std::uint8_t> From(std::uint64_t qwAt) const noexcept;
+
+    std::uint64_t qwPosition = 0;
+    std::size_t cbHeld = 0;
+    std::array<std::uint8_t, kWindow> bytes;
+  };
+
   // Whether the file is known to end at a position, or before it.
   [[nodiscard]] bool IsEnd(std::uint64_t qwPosition) const noexcept;
   std::optional<std::size_t> ReadFile(std::uint64_t qwPosition,
@@ -60,9 +68,8 @@ class C_FileReader {
   C_FilePtr m_owned;
   std::FILE* m_pFile = nullptr;
   std::optional<std::uint64_t> m_qwLength;
-  std::uint64_t m_qwWindow = 0;  // where the window begins
-  std::size_t m_cbWindow = 0;    // what it holds
-  std::array<std::uint8_t, kWindow> m_window;
+  S_Window m_first;
+  S_Window m_moving;
 };
 
 }  // namespace vcm

@@ -67,6 +67,16 @@ TEST_F(SystemCallCount, ChunksThatLieTogether_AreReadTogether) {
   EXPECT_EQ(CountCalls([&] { return Opens(strPath); }), 5);
 }
 
+TEST_F(SystemCallCount, ChunksAfterLongSamples_TakeOneMore) {
+  const std::string strPath =
+      m_folder.Write("in", MonoWav(100'000)
+                               .Chunk("cue ", CueBytes({{1, 2, 3}}))
+                               .Chunk("LIST", AdtlBytes({LablBytes(1, "x")}))
+                               .Chunk("junk", {1, 2})
+                               .Take());
+  EXPECT_EQ(CountCalls([&] { return Opens(strPath); }), 6);
+}
+
 TEST_F(SystemCallCount, LongZeros_AreReadInPieces) {
   const std::string strPath =
       m_folder.Write("in", MonoWav(16).Zeros(1'000'000).Chunk("junk", {1}).Take());

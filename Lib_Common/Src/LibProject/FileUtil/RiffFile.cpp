@@ -81,7 +81,7 @@ bool WriteFileHeader(std::FILE* pFile, std::uint32_t dwRiffSize, const char* psz
 // The position of the first byte from qwPosition on that is not zero. Empty at the end of the file
 // and when it cannot be read.
 std::optional<std::uint64_t> SkipZeros(S_RiffStream& stream, std::uint64_t qwPosition) {
-  std::array<std::uint8_t, kPieceLength> piece{};
+  std::array<std::uint8_t, kPieceLength> piece;
   // Most chunks have no zeros before them.
   std::size_t cbPiece = kChunkHeaderLength;
   for (;; cbPiece = piece.size()) {

@@ -78,16 +78,18 @@ inline void DecodeWholeGroups(S_Channel& channel, const unsigned char* pbyGroup,
   int nSample = channel.nSample;
   std::size_t nRow = static_cast<std::size_t>(channel.nIndex) * kCodes;
   for (; nGroups > 0; --nGroups, pbyGroup += cbStep) {
-    std::uint32_t dwCodes =
-        pbyGroup[0] | pbyGroup[1] << 8U | pbyGroup[2] << 16U | std::uint32_t{pbyGroup[3]} << 24U;
+    std::uint32_t dwCodes = std::uint32_t{pbyGroup[0]} | std::uint32_t{pbyGroup[1]} << 8U |
+                            std::uint32_t{pbyGroup[2]} << 16U | std::uint32_t{pbyGroup[3]} << 24U;
     for (std::size_t i = 0; i < k4BitGroup; ++i, dwCodes >>= 4U, pSample += nStep) {
       const S_Effect& effect = pEffects[nRow + dwCodes % kCodes];
       nSample += effect.nDifference;
       nRow = effect.dwNextRow;
-      // Clamping is rare.
-      if (nSample != static_cast<short>(nSample)) [[unlikely]]
-        nSample = nSample < 0 ? -32768 : 32767;
+      // Clamping is rare, so the sample is stored before it is checked.
       *pSample = samplebytes::LittleEndian(static_cast<short>(nSample));
+      if (nSample != static_cast<short>(nSample)) [[unlikely]] {
+        nSample = nSample < 0 ? -32768 : 32767;
+        *pSample = samplebytes::LittleEndian(static_cast<short>(nSample));
+      }
     }
   }
   channel = {nSample, static_cast<int>(nRow / kCodes)};

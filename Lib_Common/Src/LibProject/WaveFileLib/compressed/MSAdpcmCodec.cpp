@@ -24,110 +24,83 @@ constexpr std::int64_t kCountedHeader = 6;
 constexpr std::int64_t kMinDelta = 16;
 constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
 
-struct S_Channel {
-  S_MSAdpcmInfo::S_Coefficients coefficients;
-  int nDelta = 0;
-  short nSample1 = 0;  // the last sample
-  short nSample2 = 0;  // the sample before that
+// What a code of four bits says.
+struct S_Code {
+  std::int16_t nFactor = 0;  // the code as a signed number
+  std::int16_t nAdaptation = 0;
 };
-
-short NextSample(S_Channel& channel, unsigned int dwCode) {
-  const std::int64_t nCode = dwCode < 8 ? dwCode : std::int64_t{dwCode} - 16;
-  const std::int64_t nPrediction =
-      (std::int64_t{channel.nSample1} * channel.coefficients.nFirst +
-       std::int64_t{channel.nSample2} * channel.coefficients.nSecond) >>
-      8;
-  const std::int64_t nSample = nPrediction + channel.nDelta * nCode;
-  const std::int64_t nDelta = std::int64_t{channel.nDelta} * kMSAdpcmAdaptation[dwCode] >> 8;
-  channel.nDelta = static_cast<int>(std::clamp(nDelta, kMinDelta, kMaxDelta));
-  channel.nSample2 = channel.nSample1;
-  channel.nSample1 = static_cast<short>(std::clamp<std::int64_t>(nSample, -32768, 32767));
-  return channel.nSample1;
+constexpr S_Code CodeOf(unsigned int dwCode) {
+  const auto nCode = static_cast<int>(dwCode);
+  return {static_cast<std::int16_t>(nCode < 8 ? nCode : nCode - 16),
+          static_cast<std::int16_t>(kMSAdpcmAdaptation[dwCode])};
 }
 
-// The two codes of a byte, as NextSample uses them.
+// The two codes of each byte.
 struct S_Codes {
-  struct S_Code {
-    std::int16_t nCode = 0;
-    std::int16_t nAdaptation = 0;
-  };
   S_Code high;
   S_Code low;
 };
 constexpr auto kCodes = [] {
   std::array<S_Codes, 256> codes{};
-  const auto half = [](std::size_t nHalf) {
-    const auto nCode = static_cast<int>(nHalf < 8 ? nHalf : nHalf - 16);
-    return S_Codes::S_Code{static_cast<std::int16_t>(nCode),
-                           static_cast<std::int16_t>(kMSAdpcmAdaptation[nHalf])};
-  };
-  for (std::size_t i = 0; i < codes.size(); ++i) codes[i] = {half(i >> 4U), half(i & 15U)};
+  for (unsigned int i = 0; i < codes.size(); ++i) codes[i] = {CodeOf(i >> 4U), CodeOf(i & 15U)};
   return codes;
 }();
 
-// A channel whose values stay in registers.
-struct S_FastChannel {
-  explicit S_FastChannel(const S_Channel& channel)
-      : nFirst(channel.coefficients.nFirst),
-        nSecond(channel.coefficients.nSecond),
-        nDelta(channel.nDelta),
-        nSample1(channel.nSample1),
-        nSample2(channel.nSample2) {}
+// Everything is 64 bits wide: no product of what a file may hold leaves these.
+struct S_Channel {
+  std::int64_t nFirst = 0;  // the coefficients
+  std::int64_t nSecond = 0;
+  std::int64_t nDelta = 0;
+  std::int64_t nSample1 = 0;  // the last sample
+  std::int64_t nSample2 = 0;  // the sample before that
 
-  // Does what NextSample does. Clamping is rare.
-  std::int16_t Next(std::int64_t nCode, std::int64_t nAdaptation) {
-    std::int64_t nSample = ((nSample1 * nFirst + nSample2 * nSecond) >> 8) + nDelta * nCode;
-    if (nSample != static_cast<std::int16_t>(nSample)) [[unlikely]] {
-      nSample = nSample < 0 ? -32768 : 32767;
+  // Puts the next sample. Clamping is rare, so the sample is stored before it is checked.
+  void Next(std::int64_t nFactor, std::int64_t nAdaptation, std::int16_t* pSample) {
+    const std::int64_t nSample = ((nSample1 * nFirst + nSample2 * nSecond) >> 8) + nDelta * nFactor;
+    nSample2 = nSample1;
+    nSample1 = static_cast<std::int16_t>(nSample);
+    *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(nSample));
+    if (nSample1 != nSample) [[unlikely]] {
+      nSample1 = nSample < 0 ? -32768 : 32767;
+      *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(nSample1));
     }
     nDelta = nDelta * nAdaptation >> 8;
     if (static_cast<std::uint64_t>(nDelta - kMinDelta) > kMaxDelta - kMinDelta) [[unlikely]] {
       nDelta = nDelta < kMinDelta ? kMinDelta : kMaxDelta;
     }
-    nSample2 = nSample1;
-    nSample1 = nSample;
-    return samplebytes::LittleEndian(static_cast<std::int16_t>(nSample));
   }
-  void Put(S_Channel& channel) const {
-    channel.nDelta = static_cast<int>(nDelta);
-    channel.nSample1 = static_cast<short>(nSample1);
-    channel.nSample2 = static_cast<short>(nSample2);
-  }
-
-  std::int64_t nFirst;
-  std::int64_t nSecond;
-  std::int64_t nDelta;
-  std::int64_t nSample1;
-  std::int64_t nSample2;
 };
 
-// Decodes bytes of which each holds a code of every channel, or two codes of the only one.
+// Decodes bytes of which each holds two codes of the only channel, or one code of each of two.
+// Works on copies of the channels, which stay in registers.
 [[gnu::noinline]] void DecodeBytes(std::span<S_Channel> channels,
                                    std::span<const unsigned char> bytes, short* pSamples) {
-  S_FastChannel left(channels.front());
+  S_Channel left = channels.front();
   if (channels.size() == 1) {
     for (const unsigned char byCodes : bytes) {
-      pSamples[0] = left.Next(kCodes[byCodes].high.nCode, kCodes[byCodes].high.nAdaptation);
-      pSamples[1] = left.Next(kCodes[byCodes].low.nCode, kCodes[byCodes].low.nAdaptation);
+      left.Next(kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
+      left.Next(kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
       pSamples += 2;
     }
   } else {
-    S_FastChannel right(channels.back());
+    S_Channel right = channels.back();
     for (const unsigned char byCodes : bytes) {
-      pSamples[0] = left.Next(kCodes[byCodes].high.nCode, kCodes[byCodes].high.nAdaptation);
-      pSamples[1] = right.Next(kCodes[byCodes].low.nCode, kCodes[byCodes].low.nAdaptation);
+      left.Next(kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
+      right.Next(kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
       pSamples += 2;
     }
-    right.Put(channels.back());
+    channels.back() = right;
   }
-  left.Put(channels.front());
+  channels.front() = left;
 }
 
 std::vector<S_Channel> ReadHeader(C_Buffer& block, const C_WavFileCodecInfo& codecInfo,
                                   unsigned int dwChannels) {
   std::vector<S_Channel> channels(dwChannels);
   for (S_Channel& channel : channels) {
-    channel.coefficients = codecInfo.GetMSADPCMCoefficients(block.GetByte());
+    const auto coefficients = codecInfo.GetMSADPCMCoefficients(block.GetByte());
+    channel.nFirst = coefficients.nFirst;
+    channel.nSecond = coefficients.nSecond;
   }
   for (S_Channel& channel : channels) channel.nDelta = block.GetShort();
   for (S_Channel& channel : channels) channel.nSample1 = block.GetShort();
@@ -171,8 +144,8 @@ bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsi
   C_Buffer block(pbyBlock, dwBlockBytes);
   C_Buffer output(reinterpret_cast<unsigned char*>(pSamples), dwCapacity);
   std::vector<S_Channel> channels = ReadHeader(block, codecInfo, dwChannels);
-  for (const S_Channel& channel : channels) output.SetShort(channel.nSample2);
-  for (const S_Channel& channel : channels) output.SetShort(channel.nSample1);
+  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample2));
+  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample1));
   if (dwChannels <= 2 && pSamples != nullptr) {
     const std::size_t cbDone = block.GetPos();
     const std::size_t cbBytes = std::min<std::size_t>(
@@ -182,7 +155,10 @@ bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsi
     output.Skip(cbBytes * 2 * sizeof(short));
   }
   for (std::size_t i = 0; !block.EOB() && !output.EOB(); i = (i + 1) % dwChannels) {
-    output.SetShort(NextSample(channels[i], block.GetNibbleHighFirst()));
+    const S_Code code = CodeOf(block.GetNibbleHighFirst());
+    std::int16_t nSample = 0;
+    channels[i].Next(code.nFactor, code.nAdaptation, &nSample);
+    output.SetShort(samplebytes::LittleEndian(nSample));
   }
   return true;
 }
