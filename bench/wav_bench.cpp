@@ -223,7 +223,7 @@ BENCHMARK(LongSaveWrite)->Unit(benchmark::kMillisecond);
 
 void LookAt_Factory(benchmark::State& state) {
   const C_BenchFile file(LongFile(WAVE_TAG_PCM, false));
-  const std::string strPath = file.Path();
+  const std::string& strPath = file.Path();
   for ([[maybe_unused]] auto iteration : state) {
     C_WavFileFormat format;
     format.OpenWavFile(strPath.c_str())->Release();
@@ -233,7 +233,7 @@ BENCHMARK(LookAt_Factory);
 
 void LookAt_File(benchmark::State& state) {
   const C_BenchFile file(LongFile(WAVE_TAG_PCM, false));
-  const std::string strPath = file.Path();
+  const std::string& strPath = file.Path();
   for ([[maybe_unused]] auto iteration : state) {
     C_WavFile wavFile;
     if (!wavFile.OpenByName(strPath.c_str())) std::abort();
@@ -244,7 +244,7 @@ BENCHMARK(LookAt_File);
 // What the system alone takes for it.
 void LookAt_System(benchmark::State& state) {
   const C_BenchFile file(LongFile(WAVE_TAG_PCM, false));
-  const std::string strPath = file.Path();
+  const std::string& strPath = file.Path();
   std::vector<char> bytes(4096);
   for ([[maybe_unused]] auto iteration : state) {
     const int nDescriptor = open(strPath.c_str(), O_RDONLY);

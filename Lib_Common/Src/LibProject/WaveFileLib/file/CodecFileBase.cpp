@@ -42,6 +42,15 @@ std::optional<S_Encoded> ReadStream(const char* pszFileName) {
   return encoded;
 }
 
+// Makes the bytes the encoded form of the sound. Our own sounds take them over, others copy them.
+bool KeepStream(I_WavData& wavData, std::unique_ptr<unsigned char[]>& pbyStream,
+                unsigned int dwLength) {
+  auto* const pWavData = dynamic_cast<C_WavData*>(&wavData);
+  return pWavData != nullptr && pbyStream != nullptr
+             ? pWavData->TakeEncBuffer(std::move(pbyStream), dwLength)
+             : wavData.SetEncBuffer(pbyStream.get(), dwLength);
+}
+
 }  // namespace
 
 bool C_CodecFileBase::CheckFormat(const char* pszFileName, bool bWithInfo) {
@@ -130,14 +139,9 @@ bool C_CodecFileBase::LoadVefStream() {
 
 bool C_CodecFileBase::TakeStream(std::unique_ptr<unsigned char[]> pbyStream, unsigned int dwLength,
                                  PFN_DecodedData pfnData) {
-  I_WavData* pIWavData = GetWavData();
-  // Our own sounds keep the bytes. Others get a copy.
-  auto* const pWavData = dynamic_cast<C_WavData*>(pIWavData);
+  I_WavData& wavData = *GetWavData();
   const unsigned char* const pbyBytes = pbyStream.get();
-  const bool bKept = pWavData != nullptr && pbyBytes != nullptr
-                         ? pWavData->TakeEncBuffer(std::move(pbyStream), dwLength)
-                         : pIWavData->SetEncBuffer(pbyBytes, dwLength);
-  if (!bKept) return false;
-  pIWavData->SetEncType(static_cast<tagAudioFileType>(GetCodingType()));
+  if (!KeepStream(wavData, pbyStream, dwLength)) return false;
+  wavData.SetEncType(static_cast<tagAudioFileType>(GetCodingType()));
   return DecodeStream(pbyBytes, dwLength, pfnData);
 }
