@@ -203,13 +203,17 @@ void LongSave(benchmark::State& state) {
 }
 BENCHMARK(LongSave)->Unit(benchmark::kMillisecond);
 
-// The same bytes in one write.
+// The same bytes at the same place, in one write. At the beginning of a file they would be written
+// faster, because the system copies fastest between addresses that are aligned alike.
 void LongSaveWrite(benchmark::State& state) {
   const C_SoundPtr sound = LongSound();
   const C_BenchFile file{};
   for ([[maybe_unused]] auto iteration : state) {
     const int nDescriptor = open(file.Path().c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (write(nDescriptor, sound->GetBuffer(), kLong) != static_cast<ssize_t>(kLong)) std::abort();
+    constexpr off_t kHeader = 44;
+    if (pwrite(nDescriptor, sound->GetBuffer(), kLong, kHeader) != static_cast<ssize_t>(kLong)) {
+      std::abort();
+    }
     close(nDescriptor);
     state.PauseTiming();
     std::filesystem::remove(file.Path());
