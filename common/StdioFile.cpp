@@ -12,7 +12,7 @@
 namespace vcm {
 namespace {
 
-constexpr std::size_t kCopyBytes = 1024;
+constexpr std::size_t kCopyBytes = 16384;
 
 // Opening a pipe blocks until somebody writes to it, and reading a terminal blocks until somebody
 // types. Neither can hold a sound anyway, because a sound is read from several places in its file.

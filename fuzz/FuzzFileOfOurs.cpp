@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The files of this program. The linker sends its calls of fopen, fileno and fstat here.
+// The files of this program. The linker sends its calls of fopen, fileno, fstat and pread here.
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -18,9 +18,11 @@
 std::FILE* RealFopen(const char*, const char*) asm("__real_fopen");
 int RealFileno(std::FILE*) asm("__real_fileno");
 int RealFstat(int, struct stat*) asm("__real_fstat");
+ssize_t RealPread(int, void*, std::size_t, off_t) asm("__real_pread");
 std::FILE* WrapFopen(const char*, const char*) asm("__wrap_fopen");
 int WrapFileno(std::FILE*) asm("__wrap_fileno");
 int WrapFstat(int, struct stat*) asm("__wrap_fstat");
+ssize_t WrapPread(int, void*, std::size_t, off_t) asm("__wrap_pread");
 
 namespace {
 
@@ -61,13 +63,17 @@ S_Stream* Find(const std::FILE* pStream) {
   return found == g_streams.end() ? nullptr : &*found;
 }
 
+std::size_t ReadAt(const S_File& file, std::size_t nPosition, void* pTo, std::size_t cb) {
+  const std::size_t nFrom = std::min(nPosition, file.bytes.size());
+  const std::size_t cbRead = std::min(cb, file.bytes.size() - nFrom);
+  if (cbRead > 0) std::memcpy(pTo, &file.bytes[nFrom], cbRead);
+  return cbRead;
+}
+
 // What the stream calls, with the results that the C library wants.
 ssize_t Read(void* pCookie, char* pTo, std::size_t cb) {
   S_Stream& stream = *static_cast<S_Stream*>(pCookie);
-  const auto& bytes = stream.pFile->bytes;
-  const std::size_t nFrom = std::min(stream.nPosition, bytes.size());
-  const std::size_t cbRead = std::min(cb, bytes.size() - nFrom);
-  if (cbRead > 0) std::memcpy(pTo, &bytes[nFrom], cbRead);
+  const std::size_t cbRead = ReadAt(*stream.pFile, stream.nPosition, pTo, cb);
   stream.nPosition += cbRead;
   return static_cast<ssize_t>(cbRead);
 }
@@ -125,6 +131,12 @@ int WrapFstat(int nDescriptor, struct stat* pStatus) {
   pStatus->st_size = static_cast<off_t>(stream.pFile->bytes.size());
   pStatus->st_ino = static_cast<ino_t>(stream.pFile - g_files.data());
   return 0;
+}
+
+ssize_t WrapPread(int nDescriptor, void* pTo, std::size_t cb, off_t nPosition) {
+  if (nDescriptor < kFirstDescriptor) return RealPread(nDescriptor, pTo, cb, nPosition);
+  const S_Stream& stream = g_streams.at(static_cast<std::size_t>(nDescriptor - kFirstDescriptor));
+  return static_cast<ssize_t>(ReadAt(*stream.pFile, static_cast<std::size_t>(nPosition), pTo, cb));
 }
 
 class C_FuzzFile::C_Memory {

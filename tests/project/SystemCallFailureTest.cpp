@@ -25,9 +25,9 @@ constexpr std::uint64_t kDone = SYS_getppid;
 
 // A call to remove a file is not among them: a temporary file that cannot be removed stays.
 constexpr auto kFileCalls = std::to_array<std::uint64_t>({
-    SYS_openat,    SYS_read,         SYS_write,      SYS_lseek,     SYS_fsync,      SYS_close,
-    SYS_fchmod,    SYS_fchown,       SYS_fcntl,      SYS_ftruncate, SYS_fallocate,  SYS_getxattr,
-    SYS_fsetxattr, SYS_fremovexattr, SYS_newfstatat, SYS_fstat,     SYS_readlinkat,
+    SYS_openat,   SYS_read,      SYS_pread64,      SYS_write,      SYS_lseek,     SYS_fsync,
+    SYS_close,    SYS_fchmod,    SYS_fchown,       SYS_fcntl,      SYS_ftruncate, SYS_fallocate,
+    SYS_getxattr, SYS_fsetxattr, SYS_fremovexattr, SYS_newfstatat, SYS_fstat,     SYS_readlinkat,
 #ifdef SYS_readlink
     SYS_readlink,
 #endif

@@ -14,23 +14,22 @@
 // by OddChunk_ReadsWithAndWithoutPad and Save_WritesNoPadBytes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "CLArray.h"
 #include "I_RiffChunk.h"
+#include "StdioFile.h"
 
 class C_RiffChunk;
 
-// The stream that chunks read from, shared between a file and its chunks. Closing the file sets
-// pFile to null, so the chunks know that the file is closed.
-struct S_RiffStream {
-  std::FILE* pFile = nullptr;
-  // Something that the file holds could not be read.
-  bool bReadError = false;
-};
+// What chunks read from, shared between a file and its chunks, so that the chunks know when the
+// file is closed.
+struct S_RiffStream;
 using C_RiffStreamPtr = std::shared_ptr<S_RiffStream>;
 
 // Chunks in file order. Owns them.
@@ -47,11 +46,12 @@ class C_RiffChunkList : public C_CLArray<C_RiffChunk*, C_RiffChunk*, true> {
   [[nodiscard]] C_RiffChunk* FindChunk(const char* pszID, int nStart) const;
   // Appends a chunk in memory, without a payload, and returns it; the list owns it.
   C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
-  // Appends the chunks that start within dwLength bytes from the stream's position. The end of the
-  // file only ends the listing. False when the file holds more but cannot be read. The stream must
-  // stay open until the payloads have been read.
+  // Appends the chunks that start within dwLength bytes from the stream's position, and moves the
+  // stream past the last one. The end of the file only ends the listing. False when the file holds
+  // more but cannot be read. The stream must stay open until the payloads have been read.
   bool LoadChunks(std::FILE* pFile, unsigned int dwLength);
-  bool LoadChunks(const C_RiffStreamPtr& stream, unsigned int dwLength);
+  // The same from *pqwPosition on, which becomes the position after the last chunk.
+  bool LoadChunks(const C_RiffStreamPtr& stream, std::uint64_t* pqwPosition, unsigned int dwLength);
   // Writes every chunk, header then payload. False when a write fails.
   bool WriteChunks(std::FILE* pFile);
   // Moves the stream forward by dwCount bytes, even past the end of the file.
@@ -74,6 +74,14 @@ class C_RiffChunk : public I_RiffChunk {
   // and give zeros.
   bool GetData(void* pDst, unsigned int dwLength, unsigned int dwOffset) override;
   void SetData(const void* pSrc) override;
+  // Makes the payload GetDataLength() bytes of the caller's, which must stay as they are until the
+  // file is saved and while the payload is used otherwise. Does nothing when the size is 0.
+  void LendData(const void* pSrc);
+  // Makes the payload the first GetDataLength() bytes of a file, which the chunk then owns. They
+  // are read when the chunk is written, or when they are asked for.
+  void TakeFile(vcm::C_FilePtr file);
+  // Makes the payload these bytes, which are GetDataLength() long.
+  void TakeData(std::unique_ptr<std::uint8_t[]> pbyData);
 
   // Four characters, not terminated.
   [[nodiscard]] const char* GetChunkID() const { return m_achID; }
@@ -84,6 +92,10 @@ class C_RiffChunk : public I_RiffChunk {
   [[nodiscard]] unsigned int GetDataPos() const { return m_dwDataPos; }
   [[nodiscard]] C_RiffChunkList& GetSubChunks() { return m_subChunks; }
 
+  // The whole payload of a chunk on disk in new memory, and cbMore zeros after it; the chunk keeps
+  // nothing of it. Null when the size is 0, without an open file, and when the payload cannot be
+  // read completely. Memory is allocated only for what the file holds.
+  [[nodiscard]] std::unique_ptr<std::uint8_t[]> ReadAll(std::size_t cbMore);
   // For a chunk on disk that the end of the file cuts: a chunk in memory with the bytes that the
   // file holds. Null for every other chunk, and when the file cannot be read.
   [[nodiscard]] std::unique_ptr<C_RiffChunk> CreateHeldPart();
@@ -99,16 +111,19 @@ class C_RiffChunk : public I_RiffChunk {
 
  private:
   bool ReadPayload();
-  // Payload bytes that the open file holds, from m_dwDataPos on; leaves the stream there. Empty
-  // when the file cannot be read.
-  std::optional<std::uint32_t> SeekToHeldPayload();
+  // Copies the payload from the file that was given to TakeFile.
+  bool CopyPayload(std::FILE* pFile);
+  // The number of payload bytes that the open file holds. Empty when the file has no length.
+  [[nodiscard]] std::optional<std::uint32_t> CountHeldPayload() const;
 
   char m_achID[4];
   std::uint32_t m_dwSize;
   std::uint32_t m_dwDataPos = 0;
+  bool m_bOwnFile = false;  // m_stream is that of TakeFile
   bool m_bReadFailed = false;
   C_RiffStreamPtr m_stream;
-  std::unique_ptr<std::uint8_t[]> m_pbyData;
+  std::unique_ptr<std::uint8_t[]> m_pbyOwned;
+  const std::uint8_t* m_pbyData = nullptr;  // the payload, when it is in memory: owned or lent
   C_RiffChunkList m_subChunks;
 };
 
@@ -126,13 +141,18 @@ class C_RiffFile {
   // Opens a file of this form type (four characters) and lists its chunks. False when the file
   // cannot be opened or read, or is of another type.
   bool Open(const char* pszPath, const char* pszFormType);
+  // The same for a file of one of these form types. Returns the index of its type; empty on
+  // failure.
+  std::optional<std::size_t> OpenAny(const char* pszPath, std::span<const char* const> formTypes);
+  // The length of the open file, as Open found it; empty when no file is open.
+  [[nodiscard]] std::optional<std::uint64_t> GetFileLength() const;
   // Whether anything that the open file holds could not be read, in Open or since then. Chunks that
   // the end of the file cuts are no such error. After an error, what was read is not all that the
   // file says.
-  [[nodiscard]] bool HasReadError() const { return m_stream && m_stream->bReadError; }
+  [[nodiscard]] bool HasReadError() const;
   // Whether the open file ends before the end that its RIFF size or its last chunk names. Then
   // something is missing.
-  [[nodiscard]] bool IsCutShort();
+  [[nodiscard]] bool IsCutShort() const;
   // Writes the list, as vcm::C_TargetFile writes: an existing file is intact until everything is
   // written; a new file stays partial when a write fails. A list too long for the 32-bit RIFF size
   // is refused before the target is touched.

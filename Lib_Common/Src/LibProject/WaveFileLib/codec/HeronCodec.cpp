@@ -2,6 +2,7 @@
 #include "codec/HeronCodec.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,7 @@
 
 #include "ByteReader.h"
 #include "CheckedSize.h"
+#include "LargeMemory.h"
 #include "StdioFile.h"
 #include "TempFile.h"
 #include "codec/HeronDots.h"
@@ -18,9 +20,11 @@
 #include "codec/HeronStream.h"
 #include "codec/TempStream.h"
 #include "heron/Configuration.h"
+#include "heron/Decoder.h"
 #include "heron/SoundCoder.h"
 #include "interface/I_WavData.h"
 #include "sound/MonoMix.h"
+#include "sound/WavData.h"
 
 namespace {
 
@@ -78,12 +82,13 @@ class C_Progress {
 // What is to be encoded, and as which variant.
 struct S_Task {
   heronstream::S_Variant variant;
-  std::vector<short> samples;
+  monomix::C_Samples samples;
   int nSampleRate;
   unsigned int dwSamplesPerFrame;
 
   [[nodiscard]] unsigned int CountFrames() const {
-    return static_cast<unsigned int>((samples.size() + dwSamplesPerFrame - 1) / dwSamplesPerFrame);
+    return static_cast<unsigned int>((samples.View().size() + dwSamplesPerFrame - 1) /
+                                     dwSamplesPerFrame);
   }
 };
 
@@ -91,8 +96,8 @@ std::optional<S_Task> MakeTask(I_WavData& wavData, unsigned int dwTypeCode) {
   const auto variant = heronstream::VariantOfType(dwTypeCode);
   const auto nSampleRate = CoderRate(wavData);
   if (!variant || !nSampleRate) return std::nullopt;
-  auto samples = monomix::SamplesOf(wavData);
-  if (!samples || samples->empty()) return std::nullopt;
+  auto samples = monomix::C_Samples::Of(wavData);
+  if (!samples || samples->View().empty()) return std::nullopt;
   return S_Task{*variant, std::move(*samples), *nSampleRate,
                 static_cast<unsigned int>(heron::FrameLength(*nSampleRate))};
 }
@@ -104,7 +109,7 @@ bool WriteAudio(const S_Task& task, C_Progress& progress, std::FILE* pFile) {
   progress.Begin(task.CountFrames());
   vcm::C_ByteWriter placeholder;
   placeholder.Zeros(heronstream::kHeadBytes);
-  return heron::EncodeSamples(task.samples, task.nSampleRate, task.variant.nBitDepth, &coded,
+  return heron::EncodeSamples(task.samples.View(), task.nSampleRate, task.variant.nBitDepth, &coded,
                               fnFrames) &&
          vcm::WriteExact(pFile, placeholder.Data()) && vcm::WriteExact(pFile, coded);
 }
@@ -131,8 +136,8 @@ bool Complete(const heronstream::S_Variant& variant, std::span<const std::uint8_
          vcm::WriteExact(pFile, head.Data());
 }
 
-std::optional<tempstream::S_Bytes> EncodeStream(I_WavData& wavData, unsigned int dwTypeCode,
-                                                C_Progress& progress) {
+std::optional<tempstream::S_Written> EncodeStream(I_WavData& wavData, unsigned int dwTypeCode,
+                                                  C_Progress& progress) {
   vcm::C_TempFile audioFile("", "temp_enc");
   vcm::C_TempFile eventFile("", "temp_evt");
   if (audioFile.Stream() == nullptr || eventFile.Stream() == nullptr) return std::nullopt;
@@ -143,7 +148,7 @@ std::optional<tempstream::S_Bytes> EncodeStream(I_WavData& wavData, unsigned int
   }
   const auto events = tempstream::ReadBack(eventFile);
   if (!events || !Complete(task->variant, events->View(), audioFile.Stream())) return std::nullopt;
-  return tempstream::ReadBack(audioFile);
+  return tempstream::Reopen(audioFile);
 }
 
 // Replaces the PCM of the sound by 16-bit mono samples, little-endian on every machine. The sample
@@ -162,6 +167,42 @@ bool SetSamples(I_WavData& wavData, const std::vector<short>& samples) {
   return true;
 }
 
+// Whether the bytes can hold as many samples, at the smallest depth. Silence takes fewer bits, and
+// damaged bytes may claim anything: then memory is taken only while samples are decoded.
+bool CanHold(std::size_t cbCoded, std::size_t nSamples) {
+  return nSamples / 8 <= cbCoded / static_cast<std::size_t>(heron::kMinBitDepth);
+}
+
+// Decodes straight into the memory that becomes the PCM of the sound, which stays as it is when
+// that fails.
+bool DecodeInPlace(heron::C_Decoder& decoder, C_WavData& wavData) {
+  const std::size_t nSamples = decoder.SampleCount();
+  const std::size_t nLength = decoder.Length();
+  const auto dwLength = vcm::CheckedBytes(nSamples, kSampleBytes);
+  if (!dwLength) return false;
+  // Whole frames; the last one is cut at the end of the sound.
+  auto pbyPcm = vcm::NewBytes((nSamples + nLength - 1) / nLength * nLength * kSampleBytes);
+  auto* const pSamples = static_cast<std::int16_t*>(static_cast<void*>(pbyPcm.get()));
+  for (std::size_t nAt = 0; nAt < nSamples; nAt += nLength) {
+    if (!decoder.DecodeFrame({pSamples + nAt, nLength})) return false;
+  }
+  if (!decoder.IsAtTheEnd()) return false;
+  wavData.TakeBuffer(std::move(pbyPcm), *dwLength);
+  wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), *dwLength, 1, 16, 16, true);
+  return true;
+}
+
+bool DecodeSound(std::span<const std::uint8_t> coded, int nSampleRate, I_WavData& wavData) {
+  auto* const pWavData = dynamic_cast<C_WavData*>(&wavData);
+  if (pWavData != nullptr && std::endian::native == std::endian::little) {
+    auto decoder = heron::C_Decoder::Open(coded, nSampleRate);
+    if (!decoder) return false;
+    if (CanHold(coded.size(), decoder->SampleCount())) return DecodeInPlace(*decoder, *pWavData);
+  }
+  std::vector<short> samples;
+  return heron::DecodeSamples(coded, nSampleRate, &samples) && SetSamples(wavData, samples);
+}
+
 }  // namespace
 
 bool C_HeronCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen,
@@ -169,9 +210,7 @@ bool C_HeronCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncDat
   if (pbyEncData == nullptr || piWavData == nullptr) return false;
   const auto audio = heronstream::FindAudio({pbyEncData, dwEncDataLen});
   const auto nSampleRate = CoderRate(*piWavData);
-  std::vector<short> samples;
-  return audio && nSampleRate && heron::DecodeSamples(audio->coded, *nSampleRate, &samples) &&
-         SetSamples(*piWavData, samples);
+  return audio && nSampleRate && DecodeSound(audio->coded, *nSampleRate, *piWavData);
 }
 
 bool C_HeronCodec::Encode(I_WavData* piWavData, unsigned int dwTypeCode,
@@ -180,9 +219,17 @@ bool C_HeronCodec::Encode(I_WavData* piWavData, unsigned int dwTypeCode,
   if (ppbyEncData == nullptr || pdwEncDataLen == nullptr) return false;
   *ppbyEncData = nullptr;
   *pdwEncDataLen = 0;
-  if (piWavData == nullptr) return false;
+  const auto written = EncodeToFile(piWavData, dwTypeCode, pfnProgress);
+  if (!written) return false;
+  return tempstream::HandOver(tempstream::ReadAll(*written), ppbyEncData, pdwEncDataLen);
+}
+
+std::optional<tempstream::S_Written> C_HeronCodec::EncodeToFile(I_WavData* piWavData,
+                                                                unsigned int dwTypeCode,
+                                                                PFN_CodecProgress pfnProgress) {
+  if (piWavData == nullptr) return std::nullopt;
   C_Progress progress(m_bVerbose, pfnProgress);
-  auto stream = EncodeStream(*piWavData, dwTypeCode, progress);
-  progress.End(stream.has_value());
-  return tempstream::HandOver(std::move(stream), ppbyEncData, pdwEncDataLen);
+  auto written = EncodeStream(*piWavData, dwTypeCode, progress);
+  progress.End(written.has_value());
+  return written;
 }

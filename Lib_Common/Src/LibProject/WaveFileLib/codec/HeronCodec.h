@@ -9,11 +9,16 @@
 // time, each in one thread.
 #pragma once
 
+#include <optional>
+
 #include "codec/VXAudioCodec.h"
 #include "interface/CodecCallback.h"
 
 class I_AudioCodecParam;
 class I_WavData;
+namespace tempstream {
+struct S_Written;
+}
 
 // The frame coder takes whole sounds, so the entry points of the base class stay null.
 class C_HeronCodec : public C_VXAudioCodec {
@@ -43,6 +48,10 @@ class C_HeronCodec : public C_VXAudioCodec {
   bool Encode(I_WavData* piWavData, unsigned int dwTypeCode, I_AudioCodecParam* piParam,
               PFN_CodecProgress pfnProgress, unsigned char** ppbyEncData,
               unsigned int* pdwEncDataLen);
+
+  // The same, but the stream stays in a file, which has no name any more. Empty on failure.
+  std::optional<tempstream::S_Written> EncodeToFile(I_WavData* piWavData, unsigned int dwTypeCode,
+                                                    PFN_CodecProgress pfnProgress);
 
  private:
   bool m_bVerbose = false;

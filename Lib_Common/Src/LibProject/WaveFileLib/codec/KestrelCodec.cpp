@@ -19,6 +19,7 @@
 #include "interface/I_WavData.h"
 #include "kestrel/FrameCoder.h"
 #include "sound/HeldBytes.h"
+#include "sound/MonoSamples.h"
 
 // The argument checks of this codec are for developers: a release build returns false instead.
 #ifdef NDEBUG
@@ -88,10 +89,21 @@ void TakeWords(vcm::C_ByteReader& reader, std::span<unsigned short> words) {
   for (unsigned short& wWord : words) wWord = reader.U16();
 }
 
-bool WriteSamples(std::FILE* pFile, std::span<const short> samples) {
-  vcm::C_ByteWriter writer;
-  for (const short nSample : samples) writer.U16(static_cast<std::uint16_t>(nSample));
-  return vcm::WriteExact(pFile, writer.Data());
+// Writes samples or words, 16 bits each.
+template <typename Unit>
+bool WriteUnits(std::FILE* pFile, std::span<const Unit> units) {
+  std::array<std::uint8_t, 1024> piece;
+  while (!units.empty()) {
+    const auto part = units.first(std::min(units.size(), piece.size() / 2));
+    std::size_t nAt = 0;
+    for (const Unit unit : part) {
+      piece[nAt++] = static_cast<std::uint8_t>(unit);
+      piece[nAt++] = static_cast<std::uint8_t>(static_cast<unsigned int>(unit) >> 8U);
+    }
+    if (!vcm::WriteExact(pFile, std::span(piece).first(nAt))) return false;
+    units = units.subspan(part.size());
+  }
+  return true;
 }
 
 bool DecodeFrames(C_VXAudioCodec::PFN_DecodeFrame pfnDecodeFrame, S_Stream& stream, S_Frame& frame,
@@ -103,7 +115,7 @@ bool DecodeFrames(C_VXAudioCodec::PFN_DecodeFrame pfnDecodeFrame, S_Stream& stre
   for (std::int64_t i = 0; i < nFrames; ++i) {
     TakeWords(stream.frames, frame.words);
     if (pfnDecodeFrame(frame.words.data(), frame.samples.data()) != 0) return false;
-    if (!WriteSamples(pFile, frame.samples)) return false;
+    if (!WriteUnits<short>(pFile, frame.samples)) return false;
     if (pfnData != nullptr) pfnData(frame.samples.data(), static_cast<unsigned int>(cbFrame));
   }
   // Kept: a length that ends within a frame makes decoding fail, although all whole frames were
@@ -148,18 +160,15 @@ class C_FrameWriter {
     return vcm::WriteExact(m_pFile, writer.Data());
   }
 
-  // Encodes the next frame of samples. When the reader has too few samples left, silence fills the
-  // frame.
-  bool Encode(vcm::C_ByteReader& reader) {
-    for (short& nSample : m_frame.samples) nSample = reader.I16();
+  // Encodes the next frame of samples. When too few samples are left, silence fills the frame.
+  bool Encode(C_MonoSamples& samples) {
+    samples.Read(m_frame.samples);
     return m_pfnEncodeFrame(m_frame.samples.data(), m_frame.words.data()) == 0;
   }
 
   bool Write() {
-    vcm::C_ByteWriter writer;
-    for (const unsigned short wWord : m_frame.words) writer.U16(wWord);
     m_dwWords += static_cast<std::uint32_t>(m_frame.words.size());
-    return vcm::WriteExact(m_pFile, writer.Data());
+    return WriteUnits<unsigned short>(m_pFile, m_frame.words);
   }
 
   bool WriteLength() {
@@ -178,18 +187,16 @@ class C_FrameWriter {
 // Kept: the first whole frame is encoded but not written, and one frame of silence ends the stream.
 // The coder is one frame late, so decoding puts the sound back in its place. Pinned by
 // EncodeThenDecode_IsAlignedInTime.
-bool EncodeFrames(C_FrameWriter& writer, std::span<const std::uint8_t> pcm,
-                  PFN_CodecProgress pfnProgress) {
-  vcm::C_ByteReader reader(pcm);
-  const std::size_t dwSamples = pcm.size() / kSampleBytes;
+bool EncodeFrames(C_FrameWriter& writer, C_MonoSamples& samples, PFN_CodecProgress pfnProgress) {
+  const std::size_t dwSamples = samples.Count();
   const std::size_t dwPerFrame = writer.SamplesPerFrame();
   std::size_t dwDone = 0;
   for (; dwSamples - dwDone >= dwPerFrame; dwDone += dwPerFrame) {
     Report(pfnProgress, S_CodecProgress::kProgress, static_cast<unsigned int>(dwDone));
-    if (!writer.Encode(reader) || (dwDone > 0 && !writer.Write())) return false;
+    if (!writer.Encode(samples) || (dwDone > 0 && !writer.Write())) return false;
   }
-  if (dwDone < dwSamples && !(writer.Encode(reader) && writer.Write())) return false;
-  vcm::C_ByteReader silence({});
+  if (dwDone < dwSamples && !(writer.Encode(samples) && writer.Write())) return false;
+  C_MonoSamples silence(std::span<const std::uint8_t>{});
   return writer.Encode(silence) && writer.Write();
 }
 
@@ -232,18 +239,28 @@ bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,
   if (piWavData == nullptr || ppbyEncData == nullptr || pdwEncDataLen == nullptr) return false;
   *ppbyEncData = nullptr;
   *pdwEncDataLen = 0;
-  if (dwBitRate == 0) dwBitRate = kDefaultBitRate;
-  if (!IsSupportedBitRate(dwBitRate) || m_pfnEncoderInit == nullptr) return false;
   const auto pcm = MonoPcm(piWavData);
-  if (pcm.empty()) return false;
-  const auto dwSamples = static_cast<unsigned int>(pcm.size() / kSampleBytes);
-  Report(pfnProgress, S_CodecProgress::kStart, dwSamples);
+  C_MonoSamples samples(pcm);
+  auto written = EncodeToFile(samples, dwBitRate, pfnProgress);
+  if (!written) return false;
+  return tempstream::HandOver(tempstream::ReadAll(*written), ppbyEncData, pdwEncDataLen);
+}
+
+std::optional<tempstream::S_Written> C_KestrelCodec::EncodeToFile(C_MonoSamples& samples,
+                                                                  unsigned int dwBitRate,
+                                                                  PFN_CodecProgress pfnProgress) {
+  if (dwBitRate == 0) dwBitRate = kDefaultBitRate;
+  if (!IsSupportedBitRate(dwBitRate) || m_pfnEncoderInit == nullptr) return std::nullopt;
+  if (samples.Count() == 0) return std::nullopt;
+  Report(pfnProgress, S_CodecProgress::kStart, samples.Count());
   auto frame = StartCoder(m_pfnEncoderInit, dwBitRate);
   vcm::C_TempFile streamFile;
-  if (!frame || streamFile.Stream() == nullptr) return false;
+  if (!frame || streamFile.Stream() == nullptr) return std::nullopt;
   C_FrameWriter writer(m_pfnEncodeFrame, std::move(*frame), streamFile.Stream());
-  if (!writer.WriteHead(dwBitRate) || !EncodeFrames(writer, pcm, pfnProgress)) return false;
-  if (!writer.WriteLength()) return false;
-  Report(pfnProgress, S_CodecProgress::kProgress, dwSamples);
-  return tempstream::HandOver(tempstream::ReadBack(streamFile), ppbyEncData, pdwEncDataLen);
+  if (!writer.WriteHead(dwBitRate) || !EncodeFrames(writer, samples, pfnProgress)) {
+    return std::nullopt;
+  }
+  if (!writer.WriteLength()) return std::nullopt;
+  Report(pfnProgress, S_CodecProgress::kProgress, samples.Count());
+  return tempstream::Reopen(streamFile);
 }

@@ -13,10 +13,16 @@
 // removes before it returns, even when a callback throws.
 #pragma once
 
+#include <optional>
+
 #include "codec/VXAudioCodec.h"
 #include "interface/CodecCallback.h"
 
+class C_MonoSamples;
 class I_WavData;
+namespace tempstream {
+struct S_Written;
+}
 
 class C_KestrelCodec : public C_VXAudioCodec {
  public:
@@ -57,5 +63,10 @@ class C_KestrelCodec : public C_VXAudioCodec {
   // are compiled out (NDEBUG), the result is false instead.
   bool Encode(I_WavData* piWavData, unsigned int dwBitRate, unsigned char** ppbyEncData,
               unsigned int* pdwEncDataLen, PFN_CodecProgress pfnProgress);
+
+  // The same for samples that are read one after another. The stream stays in a file, which has no
+  // name any more. Empty on failure.
+  std::optional<tempstream::S_Written> EncodeToFile(C_MonoSamples& samples, unsigned int dwBitRate,
+                                                    PFN_CodecProgress pfnProgress);
 };
 static_assert(sizeof(C_KestrelCodec) == sizeof(C_VXAudioCodec));

@@ -15,16 +15,19 @@ std::optional<S_Written> Reopen(vcm::C_TempFile& tempFile) {
   return S_Written{std::move(file), static_cast<unsigned int>(*qwSize)};
 }
 
-std::optional<S_Bytes> ReadBack(vcm::C_TempFile& tempFile) {
-  const auto written = Reopen(tempFile);
-  if (!written) return std::nullopt;
+std::optional<S_Bytes> ReadAll(const S_Written& written) {
   S_Bytes bytes;
-  bytes.dwLength = written->dwSize;
+  bytes.dwLength = written.dwSize;
   bytes.pbyData = std::make_unique_for_overwrite<unsigned char[]>(bytes.dwLength);
-  if (!vcm::ReadExact(written->file.get(), {bytes.pbyData.get(), bytes.dwLength})) {
+  if (!vcm::ReadExact(written.file.get(), {bytes.pbyData.get(), bytes.dwLength})) {
     return std::nullopt;
   }
   return bytes;
+}
+
+std::optional<S_Bytes> ReadBack(vcm::C_TempFile& tempFile) {
+  const auto written = Reopen(tempFile);
+  return written ? ReadAll(*written) : std::nullopt;
 }
 
 bool HandOver(std::optional<S_Bytes> bytes, unsigned char** ppbyData, unsigned int* pdwLength) {

@@ -30,6 +30,9 @@ struct S_Bytes {
   [[nodiscard]] std::span<const std::uint8_t> View() const { return {pbyData.get(), dwLength}; }
 };
 
+// Everything that the file holds; empty when it cannot be read.
+[[nodiscard]] std::optional<S_Bytes> ReadAll(const S_Written& written);
+
 // Everything that the file holds. Empty when Reopen fails, and when the file cannot be read.
 [[nodiscard]] std::optional<S_Bytes> ReadBack(vcm::C_TempFile& tempFile);
 

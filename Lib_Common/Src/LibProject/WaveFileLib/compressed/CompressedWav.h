@@ -3,16 +3,16 @@
 // The compressed formats of RIFF sound files (tags 2, 6, 7 and 11): which decoder each format has,
 // and how a file becomes 16-bit PCM.
 //
-// Memory is not allocated for what a file merely claims. Only the encoded bytes that the file holds
-// are read, and PCM is refused when it is far longer than these bytes can account for.
+// Memory is not allocated for what a file merely claims: PCM is refused when it is far longer than
+// the encoded bytes that the file holds can account for. These bytes are read and decoded in
+// pieces, straight into the PCM of the sound.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <optional>
-#include <vector>
 
+#include "FileReader.h"
 #include "compressed/MSAdpcmCodec.h"
 #include "compressed/WavFileCodecInfo.h"
 #include "interface/I_WavData.h"
@@ -29,19 +29,15 @@ constexpr unsigned int kMaxSilentBytes = 64U << 20;
 
 // The format record at byte qwPosition of a file, read as far as its tag needs. Empty when the
 // record is cut, is refused, or has another tag.
-[[nodiscard]] std::optional<C_WavFileCodecInfo> ReadFormat(std::FILE* pFile,
+[[nodiscard]] std::optional<C_WavFileCodecInfo> ReadFormat(vcm::C_FileReader& file,
                                                            std::uint64_t qwPosition,
                                                            unsigned short wFormatTag);
 
-// The bytes from qwPosition on, as many as the file holds, at most dwLength. Empty when the file
-// has no size or cannot be positioned.
-[[nodiscard]] std::optional<std::vector<std::uint8_t>> ReadPayload(std::FILE* pFile,
-                                                                   std::uint64_t qwPosition,
-                                                                   unsigned int dwLength);
-
-// Replaces PCM and format of the sound by what the bytes decode to. False, with the sound
-// unchanged, when there is no decoder or the PCM would be too long.
-[[nodiscard]] bool Decode(const C_WavFileCodecInfo& codecInfo,
-                          const std::vector<std::uint8_t>& encoded, I_WavData& wavData);
+// Replaces PCM and format of the sound by what dwLength bytes from qwPosition on decode to, or
+// those of them that the file holds. False, with the sound unchanged, when there is no decoder,
+// when the PCM would be too long, and when the file has no length. False also when it cannot be
+// read.
+[[nodiscard]] bool Load(const C_WavFileCodecInfo& codecInfo, vcm::C_FileReader& file,
+                        std::uint64_t qwPosition, unsigned int dwLength, I_WavData& wavData);
 
 }  // namespace compressedwav

@@ -2,13 +2,16 @@
 #include "compressed/MSAdpcmCodec.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <vector>
 
 #include "CheckedSize.h"
 #include "compressed/CodecBuffer.h"
+#include "compressed/SampleBytes.h"
 #include "compressed/TablesAdpcm.h"
 #include "compressed/WavFileCodecInfo.h"
 
@@ -21,32 +24,83 @@ constexpr std::int64_t kCountedHeader = 6;
 constexpr std::int64_t kMinDelta = 16;
 constexpr std::int64_t kMaxDelta = std::numeric_limits<int>::max();
 
+// What a code of four bits says.
+struct S_Code {
+  std::int16_t nFactor = 0;  // the code as a signed number
+  std::int16_t nAdaptation = 0;
+};
+constexpr S_Code CodeOf(unsigned int dwCode) {
+  const auto nCode = static_cast<int>(dwCode);
+  return {static_cast<std::int16_t>(nCode < 8 ? nCode : nCode - 16),
+          static_cast<std::int16_t>(kMSAdpcmAdaptation[dwCode])};
+}
+
+// The two codes of each byte.
+struct S_Codes {
+  S_Code high;
+  S_Code low;
+};
+constexpr auto kCodes = [] {
+  std::array<S_Codes, 256> codes{};
+  for (unsigned int i = 0; i < codes.size(); ++i) codes[i] = {CodeOf(i >> 4U), CodeOf(i & 15U)};
+  return codes;
+}();
+
+// Everything is 64 bits wide: no product of what a file may hold leaves these.
 struct S_Channel {
-  S_MSAdpcmInfo::S_Coefficients coefficients;
-  int nDelta = 0;
-  short nSample1 = 0;  // the last sample
-  short nSample2 = 0;  // the sample before that
+  std::int64_t nFirst = 0;  // the coefficients
+  std::int64_t nSecond = 0;
+  std::int64_t nDelta = 0;
+  std::int64_t nSample1 = 0;  // the last sample
+  std::int64_t nSample2 = 0;  // the sample before that
+
+  // Puts the next sample. Clamping is rare, so the sample is stored before it is checked.
+  void Next(std::int64_t nFactor, std::int64_t nAdaptation, std::int16_t* pSample) {
+    const std::int64_t nSample = ((nSample1 * nFirst + nSample2 * nSecond) >> 8) + nDelta * nFactor;
+    nSample2 = nSample1;
+    nSample1 = static_cast<std::int16_t>(nSample);
+    *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(nSample));
+    if (nSample1 != nSample) [[unlikely]] {
+      nSample1 = nSample < 0 ? -32768 : 32767;
+      *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(nSample1));
+    }
+    nDelta = nDelta * nAdaptation >> 8;
+    if (static_cast<std::uint64_t>(nDelta - kMinDelta) > kMaxDelta - kMinDelta) [[unlikely]] {
+      nDelta = nDelta < kMinDelta ? kMinDelta : kMaxDelta;
+    }
+  }
 };
 
-short NextSample(S_Channel& channel, unsigned int dwCode) {
-  const std::int64_t nCode = dwCode < 8 ? dwCode : std::int64_t{dwCode} - 16;
-  const std::int64_t nPrediction =
-      (std::int64_t{channel.nSample1} * channel.coefficients.nFirst +
-       std::int64_t{channel.nSample2} * channel.coefficients.nSecond) >>
-      8;
-  const std::int64_t nSample = nPrediction + channel.nDelta * nCode;
-  const std::int64_t nDelta = std::int64_t{channel.nDelta} * kMSAdpcmAdaptation[dwCode] >> 8;
-  channel.nDelta = static_cast<int>(std::clamp(nDelta, kMinDelta, kMaxDelta));
-  channel.nSample2 = channel.nSample1;
-  channel.nSample1 = static_cast<short>(std::clamp<std::int64_t>(nSample, -32768, 32767));
-  return channel.nSample1;
+// Decodes bytes of which each holds two codes of the only channel, or one code of each of two.
+// Works on copies of the channels, which stay in registers.
+[[gnu::noinline]] void DecodeBytes(std::span<S_Channel> channels,
+                                   std::span<const unsigned char> bytes, short* pSamples) {
+  S_Channel left = channels.front();
+  if (channels.size() == 1) {
+    for (const unsigned char byCodes : bytes) {
+      left.Next(kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
+      left.Next(kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
+      pSamples += 2;
+    }
+  } else {
+    S_Channel right = channels.back();
+    for (const unsigned char byCodes : bytes) {
+      left.Next(kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
+      right.Next(kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
+      pSamples += 2;
+    }
+    channels.back() = right;
+  }
+  channels.front() = left;
 }
 
 std::vector<S_Channel> ReadHeader(C_Buffer& block, const C_WavFileCodecInfo& codecInfo,
                                   unsigned int dwChannels) {
   std::vector<S_Channel> channels(dwChannels);
   for (S_Channel& channel : channels) {
-    channel.coefficients = codecInfo.GetMSADPCMCoefficients(block.GetByte());
+    const auto coefficients = codecInfo.GetMSADPCMCoefficients(block.GetByte());
+    channel.nFirst = coefficients.nFirst;
+    channel.nSecond = coefficients.nSecond;
   }
   for (S_Channel& channel : channels) channel.nDelta = block.GetShort();
   for (S_Channel& channel : channels) channel.nSample1 = block.GetShort();
@@ -90,10 +144,21 @@ bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsi
   C_Buffer block(pbyBlock, dwBlockBytes);
   C_Buffer output(reinterpret_cast<unsigned char*>(pSamples), dwCapacity);
   std::vector<S_Channel> channels = ReadHeader(block, codecInfo, dwChannels);
-  for (const S_Channel& channel : channels) output.SetShort(channel.nSample2);
-  for (const S_Channel& channel : channels) output.SetShort(channel.nSample1);
+  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample2));
+  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample1));
+  if (dwChannels <= 2 && pSamples != nullptr) {
+    const std::size_t cbDone = block.GetPos();
+    const std::size_t cbBytes = std::min<std::size_t>(
+        dwBlockBytes - cbDone, (dwCapacity - output.GetPos()) / (2 * sizeof(short)));
+    DecodeBytes(channels, {pbyBlock + cbDone, cbBytes}, pSamples + output.GetPos() / sizeof(short));
+    block.Skip(cbBytes);
+    output.Skip(cbBytes * 2 * sizeof(short));
+  }
   for (std::size_t i = 0; !block.EOB() && !output.EOB(); i = (i + 1) % dwChannels) {
-    output.SetShort(NextSample(channels[i], block.GetNibbleHighFirst()));
+    const S_Code code = CodeOf(block.GetNibbleHighFirst());
+    std::int16_t nSample = 0;
+    channels[i].Next(code.nFactor, code.nAdaptation, &nSample);
+    output.SetShort(samplebytes::LittleEndian(nSample));
   }
   return true;
 }

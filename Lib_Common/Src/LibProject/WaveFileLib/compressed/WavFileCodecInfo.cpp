@@ -34,16 +34,19 @@ bool C_WavFileCodecInfo::SetFormat(std::span<const std::uint8_t> payload) {
   if (cbRecord > payload.size()) return false;
   const auto record = payload.first(cbRecord);
   m_record.assign(record.begin(), record.end());
+  m_pcm = pcm;
+  m_wSamplesPerBlock = GetDVIADPCMInfo().wSamplesPerBlock;
   return true;
+}
+
+void C_WavFileCodecInfo::Clear() noexcept {
+  m_record.clear();
+  m_pcm = kNoFormat;
+  m_wSamplesPerBlock = 0;
 }
 
 unsigned short C_WavFileCodecInfo::GetFormatTag() const noexcept {
   return vcm::C_ByteReader(m_record).U16();
-}
-
-S_PcmFormatRecord C_WavFileCodecInfo::GetPCMWAVEFORMAT() const noexcept {
-  vcm::C_ByteReader reader(m_record);
-  return pcmformat::Read(reader);
 }
 
 S_WaveFormatEx C_WavFileCodecInfo::GetWAVEFORMATEX() const noexcept {
@@ -78,8 +81,4 @@ S_MSAdpcmInfo::S_Coefficients C_WavFileCodecInfo::GetMSADPCMCoefficients(
   pair.nFirst = reader.I16();
   pair.nSecond = reader.I16();
   return pair;
-}
-
-unsigned short C_WavFileCodecInfo::GetSamplesPerBlock() const noexcept {
-  return GetDVIADPCMInfo().wSamplesPerBlock;
 }

@@ -59,7 +59,7 @@ class C_WavFileCodecInfo {
   // Copies as many bytes of a "fmt " payload as the tag's record has. False for a record that is
   // refused; the object then holds no record.
   [[nodiscard]] bool SetFormat(std::span<const std::uint8_t> payload);
-  void Clear() noexcept { m_record.clear(); }
+  void Clear() noexcept;
 
   // The 16, 20 or 22 + 4n bytes of the record; empty without a record.
   [[nodiscard]] std::span<const std::uint8_t> GetRecord() const noexcept { return m_record; }
@@ -67,7 +67,7 @@ class C_WavFileCodecInfo {
   // WAVE_TAG_NONE without a record.
   [[nodiscard]] unsigned short GetFormatTag() const noexcept;
   // Fields that the held record does not have are zero.
-  [[nodiscard]] S_PcmFormatRecord GetPCMWAVEFORMAT() const noexcept;
+  [[nodiscard]] S_PcmFormatRecord GetPCMWAVEFORMAT() const noexcept { return m_pcm; }
   [[nodiscard]] S_WaveFormatEx GetWAVEFORMATEX() const noexcept;
   [[nodiscard]] S_DviAdpcmInfo GetDVIADPCMInfo() const noexcept;
   [[nodiscard]] S_MSAdpcmInfo GetMSADPCMInfo() const noexcept;
@@ -75,8 +75,13 @@ class C_WavFileCodecInfo {
   // blocks.
   [[nodiscard]] S_MSAdpcmInfo::S_Coefficients GetMSADPCMCoefficients(
       std::uint8_t byPredictor) const noexcept;
-  [[nodiscard]] unsigned short GetSamplesPerBlock() const noexcept;
+  [[nodiscard]] unsigned short GetSamplesPerBlock() const noexcept { return m_wSamplesPerBlock; }
 
  private:
+  static constexpr S_PcmFormatRecord kNoFormat = {WAVE_TAG_NONE};
+
   std::vector<std::uint8_t> m_record;
+  // Fields of the record that are asked for with each block.
+  S_PcmFormatRecord m_pcm = kNoFormat;
+  unsigned short m_wSamplesPerBlock = 0;
 };

@@ -5,32 +5,50 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <vector>
+#include <memory>
+#include <utility>
 
+#include "FileReader.h"
+#include "LargeMemory.h"
 #include "StdioFile.h"
 #include "TargetFile.h"
 #include "file/CodecHead.h"
 #include "file/SpHeader.h"
+#include "sound/WavData.h"
 
 namespace {
 
+struct S_Encoded {
+  std::unique_ptr<unsigned char[]> pbyData;
+  unsigned int dwLength = 0;
+};
+
 // The bytes after the SP header, or the whole file when it has no SP header. Empty when the file
 // cannot be read, and for a stream whose size does not fit in 32 bits.
-std::optional<std::vector<unsigned char>> ReadStream(const char* pszFileName) {
+std::optional<S_Encoded> ReadStream(const char* pszFileName) {
   C_SpHeader header;
   const auto bHeader = FindSpHeader(&header, pszFileName);
-  const auto file = vcm::OpenFile(pszFileName, "rb");
-  if (!bHeader || !file) return std::nullopt;
+  vcm::C_FileReader file(vcm::OpenFile(pszFileName, "rb"));
+  if (!bHeader || !file.Length()) return std::nullopt;
   const std::uint64_t qwStart = *bHeader ? C_SpHeader::kBytes : 0;
-  const auto qwSize = vcm::SizeAndSeekEnd(file.get());
-  if (!qwSize || !vcm::SeekTo(file.get(), qwStart)) return std::nullopt;
-  const std::uint64_t qwLength = *qwSize - std::min(*qwSize, qwStart);
+  const std::uint64_t qwLength = *file.Length() - std::min(*file.Length(), qwStart);
   if (qwLength > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
-  std::vector<unsigned char> stream(static_cast<std::size_t>(qwLength));
-  const auto cbRead = vcm::ReadSome(file.get(), stream);
+  S_Encoded encoded;
+  encoded.pbyData = vcm::NewBytes(static_cast<std::size_t>(qwLength));
+  const auto cbRead =
+      file.ReadSome(qwStart, {encoded.pbyData.get(), static_cast<std::size_t>(qwLength)});
   if (!cbRead) return std::nullopt;
-  stream.resize(*cbRead);
-  return stream;
+  encoded.dwLength = static_cast<unsigned int>(*cbRead);
+  return encoded;
+}
+
+// Makes the bytes the encoded form of the sound. Our own sounds take them over, others copy them.
+bool KeepStream(I_WavData& wavData, std::unique_ptr<unsigned char[]>& pbyStream,
+                unsigned int dwLength) {
+  auto* const pWavData = dynamic_cast<C_WavData*>(&wavData);
+  return pWavData != nullptr && pbyStream != nullptr
+             ? pWavData->TakeEncBuffer(std::move(pbyStream), dwLength)
+             : wavData.SetEncBuffer(pbyStream.get(), dwLength);
 }
 
 }  // namespace
@@ -65,6 +83,7 @@ bool C_CodecFileBase::LoadData(bool bKeepEncoded, const char* /*pszCodecOption*/
 bool C_CodecFileBase::WriteDataChunk(C_RiffFile* pRiffFile) {
   S_Stream stream;
   if (pRiffFile == nullptr || !MakeStream(nullptr, &stream)) return false;
+  if (stream.file) return AddDataChunk(*pRiffFile, std::move(stream.file), stream.dwLength);
   return AddDataChunk(*pRiffFile, stream.pbyData, stream.dwLength);
 }
 
@@ -89,19 +108,21 @@ bool C_CodecFileBase::BorrowStream(S_Stream* pStream) {
   return pStream->pbyData != nullptr && pStream->dwLength > 0;
 }
 
-bool C_CodecFileBase::WriteStreamFile(const char* pszFileName, const S_Stream& stream,
+bool C_CodecFileBase::WriteStreamFile(const char* pszFileName, S_Stream& stream,
                                       std::optional<tagAudioFileType> eHeadType) {
   vcm::C_TargetFile target(pszFileName);
   std::FILE* pFile = target.Stream();
   if (pFile == nullptr) return false;
   const bool bHead =
       !eHeadType || codechead::Write(pFile, *eHeadType, GetWavInfo()->GetSampleRate());
-  return target.Commit(bHead && vcm::WriteExact(pFile, {stream.pbyData, stream.dwLength}));
+  return target.Commit(bHead &&
+                       (stream.file ? vcm::CopyRest(stream.file.get(), pFile)
+                                    : vcm::WriteExact(pFile, {stream.pbyData, stream.dwLength})));
 }
 
 bool C_CodecFileBase::LoadSpStream(PFN_DecodedData pfnData) {
-  const auto stream = ReadStream(GetFileName());
-  return stream && TakeStream(stream->data(), static_cast<unsigned int>(stream->size()), pfnData);
+  auto stream = ReadStream(GetFileName());
+  return stream && TakeStream(std::move(stream->pbyData), stream->dwLength, pfnData);
 }
 
 // Kept: no pieces are handed over while a container is decoded. A listener would take the pieces
@@ -113,13 +134,14 @@ bool C_CodecFileBase::LoadVefStream() {
   if (!LoadVDATChunk(GetFileName(), &pbyStream, &dwLength)) return false;
   // The decoded sound is 16-bit mono, whatever the PCM beside the stream is.
   GetWavData()->SetWavInfoData(GetWavInfo()->GetSampleRate(), 0, 1, 16, 16, true);
-  return TakeStream(pbyStream.get(), dwLength, nullptr);
+  return TakeStream(std::move(pbyStream), dwLength, nullptr);
 }
 
-bool C_CodecFileBase::TakeStream(const unsigned char* pbyStream, unsigned int dwLength,
+bool C_CodecFileBase::TakeStream(std::unique_ptr<unsigned char[]> pbyStream, unsigned int dwLength,
                                  PFN_DecodedData pfnData) {
-  I_WavData* pIWavData = GetWavData();
-  if (!pIWavData->SetEncBuffer(pbyStream, dwLength)) return false;
-  pIWavData->SetEncType(static_cast<tagAudioFileType>(GetCodingType()));
-  return DecodeStream(pbyStream, dwLength, pfnData);
+  I_WavData& wavData = *GetWavData();
+  const unsigned char* const pbyBytes = pbyStream.get();
+  if (!KeepStream(wavData, pbyStream, dwLength)) return false;
+  wavData.SetEncType(static_cast<tagAudioFileType>(GetCodingType()));
+  return DecodeStream(pbyBytes, dwLength, pfnData);
 }

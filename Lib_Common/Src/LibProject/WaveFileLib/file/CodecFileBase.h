@@ -13,7 +13,9 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 
+#include "StdioFile.h"
 #include "file/VefFileBase.h"
 
 class C_RiffFile;
@@ -71,17 +73,15 @@ class C_CodecFileBase : public C_VefFileBase {
     // The types that containers of other codecs name. The ranges must outlive the object.
     std::span<const S_AudioFileTypes> foreignVefTypes;
   };
-  // A stream that is borrowed from the sound, or that was encoded for this use and is held by
-  // pbyOwned.
+  // A stream that is borrowed from the sound, or that was encoded for this use and is in a file.
   struct S_Stream {
-    std::unique_ptr<unsigned char[]> pbyOwned;
+    vcm::C_FilePtr file;  // at its beginning
     const unsigned char* pbyData = nullptr;
     unsigned int dwLength = 0;
 
-    // Takes ownership of the array that an encoder returned. Does not set dwLength.
-    void Own(unsigned char* pbyStream) {
-      pbyOwned.reset(pbyStream);
-      pbyData = pbyStream;
+    void Own(vcm::C_FilePtr encoded, unsigned int dwEncoded) {
+      file = std::move(encoded);
+      dwLength = dwEncoded;
     }
   };
 
@@ -120,12 +120,13 @@ class C_CodecFileBase : public C_VefFileBase {
   // Makes the stream that is to be written: the sound's encoded form or a new stream.
   virtual bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) = 0;  // 26
   // Writes the file: a codec head of the type, when a type is given, then the stream.
-  bool WriteStreamFile(const char* pszFileName, const S_Stream& stream,
+  bool WriteStreamFile(const char* pszFileName, S_Stream& stream,
                        std::optional<tagAudioFileType> eHeadType);
   bool LoadSpStream(PFN_DecodedData pfnData);
   bool LoadVefStream();
-  // Gives the sound a copy of the stream as its encoded form, and decodes the stream.
-  bool TakeStream(const unsigned char* pbyStream, unsigned int dwLength, PFN_DecodedData pfnData);
+  // Gives the sound the stream as its encoded form, and decodes the stream.
+  bool TakeStream(std::unique_ptr<unsigned char[]> pbyStream, unsigned int dwLength,
+                  PFN_DecodedData pfnData);
 
   S_Family m_family;
   bool m_bForceEncode = false;

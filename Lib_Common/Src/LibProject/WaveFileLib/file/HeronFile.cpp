@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/HeronFile.h"
 
+#include <utility>
+
 #include "VcmAssert.h"
 #include "codec/HeronCodec.h"
+#include "codec/TempStream.h"
 
 namespace {
 
@@ -27,12 +30,9 @@ bool C_HeronFileBase::Encode(I_WavData* piWavData, PFN_CodecProgress pfnProgress
   I_AudioCodecParam* piParam = GetAudioCodecParam();
   VCM_ASSERT(piParam != nullptr, "Encode", kSource, __LINE__, "NULL != piParam");
   C_HeronCodec codec;
-  unsigned char* pbyStream = nullptr;
-  if (!codec.Encode(piWavData, m_eTargetType, piParam, pfnProgress, &pbyStream,
-                    &pStream->dwLength)) {
-    return false;
-  }
-  pStream->Own(pbyStream);
+  auto written = codec.EncodeToFile(piWavData, m_eTargetType, pfnProgress);
+  if (!written) return false;
+  pStream->Own(std::move(written->file), written->dwSize);
   return true;
 }
 

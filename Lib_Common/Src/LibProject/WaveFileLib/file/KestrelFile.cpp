@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/KestrelFile.h"
 
+#include <utility>
+
 #include "VcmAssert.h"
 #include "codec/KestrelCodec.h"
+#include "codec/TempStream.h"
+#include "sound/MonoSamples.h"
 
 namespace {
 
@@ -26,30 +30,27 @@ bool C_KestrelFile::DecodeStream(const unsigned char* pbyStream, unsigned int dw
          codec.Decode(pbyStream, dwLength, GetWavData(), pfnData);
 }
 
-bool C_KestrelFile::Encode(I_WavData* pIMonoData, PFN_CodecProgress pfnProgress,
+bool C_KestrelFile::Encode(C_MonoSamples& samples, PFN_CodecProgress pfnProgress,
                            S_Stream* pStream) {
   I_AudioCodecParam* piParam = GetAudioCodecParam();
   VCM_ASSERT(piParam != nullptr, "Encode", kSource, __LINE__, "NULL != piParam");
   const unsigned int dwBitRate = piParam->GetBitRate();
   C_KestrelCodec codec;
-  unsigned char* pbyStream = nullptr;
   if (!codec.LoadCodec(dwBitRate)) return false;
-  if (!codec.Encode(pIMonoData, dwBitRate, &pbyStream, &pStream->dwLength, pfnProgress)) {
-    return false;
-  }
-  pStream->Own(pbyStream);
+  auto written = codec.EncodeToFile(samples, dwBitRate, pfnProgress);
+  if (!written) return false;
+  pStream->Own(std::move(written->file), written->dwSize);
   return true;
 }
 
 bool C_KestrelFile::MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) {
   I_WavData* pIWavData = GetWavData();
   if (pIWavData == nullptr) return false;
-  const C_WavDataPtr mono(pIWavData->CreateBitsConvertedData(16, 16, true, true));
-  if (!mono) return false;
-  mono->ConvertToMono();
+  auto samples = C_MonoSamples::Of(*pIWavData);
+  if (!samples) return false;
   // Kept: a stream that the sound carries is written unchanged, even when the PCM was edited in the
   // meantime. Encoding again would cost quality, and callers who want that set bForceEncode. Pinned
   // by WriteFile_AfterALoad_WritesTheLoadedStreamEvenWhenThePcmWasChanged.
   if (ReusesStream(AUDIO_FILE_KESTREL)) return BorrowStream(pStream);
-  return Encode(mono.get(), pfnProgress, pStream);
+  return Encode(*samples, pfnProgress, pStream);
 }

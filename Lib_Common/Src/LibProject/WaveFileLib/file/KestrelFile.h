@@ -8,6 +8,8 @@
 
 #include "file/CodecFileBase.h"
 
+class C_MonoSamples;
+
 class C_KestrelFile : public C_CodecFileBase {
  public:
   C_KestrelFile() : C_CodecFileBase({kKestrelTypes, kForeignTypes}) {}
@@ -27,6 +29,6 @@ class C_KestrelFile : public C_CodecFileBase {
 
   bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                     PFN_DecodedData pfnData) override;
-  bool Encode(I_WavData* pIMonoData, PFN_CodecProgress pfnProgress, S_Stream* pStream);
+  bool Encode(C_MonoSamples& samples, PFN_CodecProgress pfnProgress, S_Stream* pStream);
   bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) override;
 };

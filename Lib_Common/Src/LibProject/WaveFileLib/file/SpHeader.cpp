@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "ByteReader.h"
+#include "FileReader.h"
 #include "Replacement.h"
 #include "StdioFile.h"
 
@@ -79,9 +80,8 @@ unsigned int NumberFromTheClock() {
 // The cbField bytes at qwOffset as a little-endian number; 0 when the file does not hold them all.
 unsigned int ReadAt(const char* pszFileName, std::uint64_t qwOffset, std::size_t cbField) {
   std::array<std::uint8_t, sizeof(std::uint32_t)> field{};
-  const auto file = vcm::OpenFile(pszFileName, "rb");
-  if (!file || !vcm::SeekTo(file.get(), qwOffset)) return 0;
-  if (!vcm::ReadExact(file.get(), std::span(field).first(cbField))) return 0;
+  vcm::C_FileReader file(vcm::OpenFile(pszFileName, "rb"));
+  if (!file.ReadExact(qwOffset, std::span(field).first(cbField))) return 0;
   return vcm::C_ByteReader(field).U32();
 }
 
@@ -101,10 +101,9 @@ C_SpHeader::C_SpHeader(unsigned char byKind, unsigned short wID, unsigned short 
 
 std::optional<bool> FindSpHeader(C_SpHeader* pHeader, const char* pszFileName) {
   *pHeader = C_SpHeader();
-  const auto file = vcm::OpenFile(pszFileName, "rb");
-  if (!file) return std::nullopt;
+  vcm::C_FileReader file(vcm::OpenFile(pszFileName, "rb"));
   std::array<std::uint8_t, kLongestHeader> bytes{};
-  const auto cbRead = vcm::ReadSome(file.get(), bytes);
+  const auto cbRead = file.ReadSome(0, bytes);
   if (!cbRead) return std::nullopt;
   vcm::C_ByteReader reader({bytes.data(), *cbRead});
   const unsigned int dwVersion = RecognisedVersion(reader);

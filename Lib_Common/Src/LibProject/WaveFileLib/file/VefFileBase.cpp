@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ByteReader.h"
+#include "FileReader.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
 #include "file/VefLabels.h"
@@ -82,13 +83,9 @@ bool C_VefFileBase::LoadVDATChunk(const char* pszFileName,
   C_RiffChunk* pChunk = riff.FindChunk(kStream, 0);
   if (pChunk == nullptr) return true;
   const unsigned int dwLength = pChunk->GetDataLength();
-  // Reads the payload, or finds out that the file does not hold it, before memory is allocated
-  // here.
-  if (!pChunk->GetData(nullptr, 0, 0)) return false;
   const std::size_t cbMore = piParam->GetPlatform() == AUDIO_CODEC_PLATFORM_FALLBACK ? 1 : 0;
-  auto pbyData = std::make_unique<unsigned char[]>(std::size_t{dwLength} + cbMore);
-  if (!pChunk->GetData(pbyData.get(), dwLength, 0)) return false;
-  *ppbyData = std::move(pbyData);
+  *ppbyData = pChunk->ReadAll(cbMore);
+  if (*ppbyData == nullptr) return false;
   *pdwLength = dwLength;
   return true;
 }
@@ -114,6 +111,7 @@ bool C_VefFileBase::CheckVefFormat(const char* pszFileName, bool bWithInfo,
                                    std::span<const S_AudioFileTypes> foreign) {
   C_RiffFile riff;
   if (!riff.Open(pszFileName, kFormType)) return false;
+  NoteFileLength(riff.GetFileLength());
   if (!FindFormatAndData(riff) || m_codecInfo.GetFormatTag() != WAVE_TAG_PCM) return false;
   const unsigned int dwType = CodingTypeOf(riff);
   if (riff.HasReadError()) return false;
@@ -129,13 +127,18 @@ bool C_VefFileBase::CheckVefFormat(const char* pszFileName, bool bWithInfo,
 
 bool C_VefFileBase::LoadVefAsStored() {
   if (GetWavData() == nullptr) return false;
-  const vcm::C_FilePtr file = vcm::OpenFile(GetFileName(), "rb");
-  return file && LoadStoredPcm(file.get());
+  vcm::C_FileReader file(vcm::OpenFile(GetFileName(), "rb"));
+  return LoadStoredPcm(file);
 }
 
 bool C_VefFileBase::AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData,
                                  unsigned int dwLength) {
   return wavchunks::AddChunk(riff, kStream, pbyData, dwLength);
+}
+
+bool C_VefFileBase::AddDataChunk(C_RiffFile& riff, vcm::C_FilePtr file, unsigned int dwLength) {
+  riff.AddChunk(kStream, dwLength)->TakeFile(std::move(file));
+  return true;
 }
 
 bool C_VefFileBase::LoadVefInfo(C_RiffFile& riff) {

@@ -73,9 +73,15 @@ bool AddChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned i
   return true;
 }
 
+bool LendChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned int dwLength) {
+  if (dwLength > 0 && pData == nullptr) return false;
+  riff.AddChunk(pszID, dwLength)->LendData(pData);
+  return true;
+}
+
 bool AddSound(C_RiffFile& riff, I_WavData& wavData) {
   return AddFormat(riff, *wavData.GetWavInfo()) &&
-         AddChunk(riff, "data", wavData.GetBuffer(), wavData.GetBufferLength());
+         LendChunk(riff, "data", wavData.GetBuffer(), wavData.GetBufferLength());
 }
 
 bool AddCues(C_RiffFile& riff, C_WavFileBase& file) {
@@ -106,7 +112,7 @@ bool AddExtraChunks(C_RiffFile& riff, C_WavFileBase& file, const vcm::S_AssertSi
     unsigned char* pbyData = nullptr;
     const unsigned int dwLength = pIExtraChunk->GetChunkData(&pbyData);
     if (dwLength == 0 || IsAmong(omitted, pIExtraChunk->GetChunkName())) continue;
-    if (!AddChunk(riff, pIExtraChunk->GetChunkName(), pbyData, dwLength)) return false;
+    if (!LendChunk(riff, pIExtraChunk->GetChunkName(), pbyData, dwLength)) return false;
   }
   return true;
 }

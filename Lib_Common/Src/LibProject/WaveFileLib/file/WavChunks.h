@@ -8,7 +8,8 @@
 //   others  the sound's extra chunks, verbatim
 //
 // The Add functions append to a file that is being assembled in memory. They return false when a
-// chunk cannot be added or filled, which ends the writing.
+// chunk cannot be added or filled, which ends the writing. Samples and extra chunks are not copied:
+// the sound must stay as it is until the file is saved.
 #pragma once
 
 #include <memory>
@@ -88,6 +89,8 @@ std::optional<C_WavDataPtr> ConvertForWriting(I_WavData& wavData);
 
 // Adds a chunk with a copy of the data. pData may be null when dwLength is 0.
 bool AddChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned int dwLength);
+// The same without a copy: the data must stay as they are until the file is saved.
+bool LendChunk(C_RiffFile& riff, const char* pszID, const void* pData, unsigned int dwLength);
 // Adds "fmt " and "data".
 bool AddSound(C_RiffFile& riff, I_WavData& wavData);
 // The next four succeed without adding anything when there is nothing to save.

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/WavFile.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "FileReader.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
 #include "compressed/CompressedWav.h"
@@ -13,6 +18,9 @@ namespace {
 
 constexpr const char* kSource = "WaveFileLib/WavFile";
 constexpr vcm::S_AssertSite kWriteSite{"WriteFile", kSource};
+// The forms, and the file format of each.
+constexpr auto kFormTypes = std::to_array<const char*>({"WAVE", "VEMD"});
+constexpr auto kFileFormats = std::to_array<tagAudioFileType>({AUDIO_FILE_WAVE, AUDIO_FILE_VEMD});
 
 // Keeps the chunks that nothing else reads. The first such chunk of a file removes those of an
 // earlier file.
@@ -34,9 +42,10 @@ class C_ExtraChunkKeeper {
 };
 
 bool SaveRiff(C_RiffFile& riff, const char* pszFileName, tagAudioFileType eFileFormat) {
-  if (eFileFormat == AUDIO_FILE_WAVE) return riff.Save(pszFileName, "WAVE");
-  if (eFileFormat == AUDIO_FILE_VEMD) return riff.Save(pszFileName, "VEMD");
-  return false;
+  const auto* const pFormat = std::ranges::find(kFileFormats, eFileFormat);
+  if (pFormat == kFileFormats.end()) return false;
+  return riff.Save(pszFileName,
+                   kFormTypes[static_cast<std::size_t>(pFormat - kFileFormats.begin())]);
 }
 
 }  // namespace
@@ -56,9 +65,9 @@ bool C_WavFile::CheckFormat(const char* pszFileName, bool bWithInfo) {
 bool C_WavFile::LoadData(bool /*bKeepEncoded*/, const char* /*pszCodecOption*/,
                          PFN_DecodedData /*pfnData*/) {
   if (GetWavData() == nullptr) return false;
-  vcm::C_FilePtr file = vcm::OpenFile(GetFileName(), "rb");
-  if (!file || !LoadSamples(file.get())) return false;
-  file.reset();
+  vcm::C_FileReader file(vcm::OpenFile(GetFileName(), "rb"));
+  if (!file.IsOpen() || !LoadSamples(file)) return false;
+  file.Close();
   LoadAnnotations();
   return true;
 }
@@ -79,13 +88,10 @@ bool C_WavFile::WriteFile(const char* pszFileName, bool /*bEncode*/, bool /*bWri
 }
 
 bool C_WavFile::OpenRiff(C_RiffFile& riff, const char* pszFileName) {
-  if (riff.Open(pszFileName, "WAVE")) {
-    SetFileFormat(AUDIO_FILE_WAVE);
-  } else if (riff.Open(pszFileName, "VEMD")) {
-    SetFileFormat(AUDIO_FILE_VEMD);
-  } else {
-    return false;
-  }
+  const auto nFormType = riff.OpenAny(pszFileName, kFormTypes);
+  if (!nFormType) return false;
+  SetFileFormat(kFileFormats[*nFormType]);
+  NoteFileLength(riff.GetFileLength());
   return true;
 }
 
@@ -133,14 +139,13 @@ bool C_WavFile::LoadInfoChunks(C_RiffFile& riff) {
   return !riff.HasReadError();
 }
 
-bool C_WavFile::LoadSamples(std::FILE* pFile) {
+bool C_WavFile::LoadSamples(vcm::C_FileReader& file) {
   const unsigned short wFormatTag = m_codecInfo.GetFormatTag();
-  if (wFormatTag == WAVE_TAG_PCM) return LoadStoredPcm(pFile);
+  if (wFormatTag == WAVE_TAG_PCM) return LoadStoredPcm(file);
   // The file may have changed since its format was checked, so its format record is read again.
-  const auto codecInfo = compressedwav::ReadFormat(pFile, m_dwFormatPos, wFormatTag);
-  if (!codecInfo) return false;
-  const auto encoded = compressedwav::ReadPayload(pFile, m_dwDataStartPos, m_dwDataLength);
-  return encoded && compressedwav::Decode(*codecInfo, *encoded, *GetWavData());
+  const auto codecInfo = compressedwav::ReadFormat(file, m_dwFormatPos, wFormatTag);
+  return codecInfo &&
+         compressedwav::Load(*codecInfo, file, m_dwDataStartPos, m_dwDataLength, *GetWavData());
 }
 
 // Kept: silence segments and regions are replaced, but events are added to those that the sound

@@ -86,7 +86,7 @@ class C_WavFile : public C_WavFileBase {
   std::optional<S_LinearForm> DescribeLinearForm();
   std::optional<S_LinearForm> DescribeDecodedForm() const;
   bool LoadInfoChunks(C_RiffFile& riff);
-  bool LoadSamples(std::FILE* pFile);
+  bool LoadSamples(vcm::C_FileReader& file);
   void LoadAnnotations();
   void RegenerateAnnotations();
 

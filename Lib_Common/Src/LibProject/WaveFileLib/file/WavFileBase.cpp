@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "FileReader.h"
 #include "RiffFile.h"
 #include "VcmAssert.h"
 #include "sound/WavData.h"
@@ -91,6 +92,7 @@ bool C_WavFileBase::GetDataInfo(int nType, void** ppInfo) {
 
 bool C_WavFileBase::OpenByName(const char* pszFileName) {
   if (pszFileName == nullptr || std::strlen(pszFileName) > kFileNameField) return false;
+  m_qwNotedLength.reset();
   return CheckFormat(pszFileName, true) && KeepNameAndLength(pszFileName);
 }
 
@@ -141,17 +143,16 @@ void C_WavFileBase::SetLinearForm(unsigned int dwByteLength, unsigned short wBit
 // Kept: a file that is cut within its samples still loads, at its full length and with zeros for
 // the missing samples. Recordings that broke off stay playable. Pinned by
 // MissingTailOfTheData_IsZero.
-bool C_WavFileBase::LoadStoredPcm(std::FILE* pFile) {
+bool C_WavFileBase::LoadStoredPcm(vcm::C_FileReader& file) {
   const unsigned int dwLength = m_pIWavData->GetBufferLength();
-  const std::optional<std::uint64_t> qwFileSize = vcm::SizeAndSeekEnd(pFile);
+  const std::optional<std::uint64_t> qwFileSize = file.Length();
   if (!qwFileSize) return false;
   const std::uint64_t qwHeld = *qwFileSize - std::min<std::uint64_t>(*qwFileSize, m_dwDataStartPos);
   if (dwLength > qwHeld && dwLength - qwHeld > kMaxMissingBytes) return false;
   unsigned char* pbyPcm = m_pIWavData->AllocBuffer(dwLength);
   if (pbyPcm == nullptr) return dwLength == 0;
   const std::span<std::uint8_t> pcm(pbyPcm, dwLength);
-  if (!vcm::SeekTo(pFile, m_dwDataStartPos)) return false;
-  const auto cbRead = vcm::ReadSome(pFile, pcm);
+  const auto cbRead = file.ReadSome(m_dwDataStartPos, pcm);
   if (!cbRead) return false;
   const auto missing = pcm.subspan(*cbRead);
   std::fill(missing.begin(), missing.end(), std::uint8_t{0});
@@ -168,8 +169,9 @@ bool C_WavFileBase::TakeFormat(C_RiffChunk& chunk) {
 }
 
 bool C_WavFileBase::KeepNameAndLength(const char* pszFileName) {
-  const vcm::C_FilePtr file = vcm::OpenFile(pszFileName, "rb");
-  const auto qwLength = file ? vcm::SizeAndSeekEnd(file.get()) : std::nullopt;
+  const auto qwLength = m_qwNotedLength
+                            ? m_qwNotedLength
+                            : vcm::C_FileReader(vcm::OpenFile(pszFileName, "rb")).Length();
   if (!qwLength || *qwLength > std::numeric_limits<unsigned int>::max()) return false;
   m_strFileName = pszFileName;
   m_dwFileLength = static_cast<unsigned int>(*qwLength);

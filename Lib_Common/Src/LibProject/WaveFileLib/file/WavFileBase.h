@@ -9,14 +9,18 @@
 // than AddRef. Only one thread may use an object at a time.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
-#include "StdioFile.h"
 #include "compressed/WavFileCodecInfo.h"
 #include "interface/I_WavFile.h"
 
 class C_RiffChunk;
 class C_RiffFile;
+namespace vcm {
+class C_FileReader;
+}
 
 // One object can open several files, one after another. They all go into the same sound, so
 // pointers to the sound stay valid. Codec parameters always stay; each derived class says what else
@@ -112,7 +116,10 @@ class C_WavFileBase : public I_WavFile {
   // Reads as many bytes as the wave info says, from GetDataStartPos() on, into a new buffer of the
   // sound. Bytes that the file lacks are zero. False when it lacks more than kMaxMissingBytes;
   // nothing is allocated then. False also when the file cannot be read.
-  bool LoadStoredPcm(std::FILE* pFile);
+  bool LoadStoredPcm(vcm::C_FileReader& file);
+
+  // For CheckFormat, which has the file open: tells OpenByName the length of the file.
+  void NoteFileLength(std::optional<std::uint64_t> qwLength) { m_qwNotedLength = qwLength; }
 
   // The format record that CheckFormat found.
   C_WavFileCodecInfo m_codecInfo;
@@ -132,6 +139,7 @@ class C_WavFileBase : public I_WavFile {
   unsigned int m_dwCodingType = kCodingLinear;
   std::string m_strFileName;
   unsigned int m_dwFileLength = 0;
+  std::optional<std::uint64_t> m_qwNotedLength;  // while a file is being opened
   I_WavData* m_pIWavData = nullptr;
   bool m_bAttached = false;
 };

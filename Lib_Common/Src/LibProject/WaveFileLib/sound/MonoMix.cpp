@@ -2,11 +2,15 @@
 #include "sound/MonoMix.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <span>
+#include <utility>
 
 #include "ByteReader.h"
 #include "CheckedSize.h"
+#include "sound/HeldBytes.h"
+#include "sound/WavDataBuffer.h"
 
 namespace monomix {
 namespace {
@@ -23,6 +27,26 @@ std::optional<unsigned int> CountFrames(I_WavData& wavData, std::int32_t nChanne
   const std::uint64_t qwFrames = std::uint64_t{wavData.GetBufferLength()} * 8 / qwFrameBits;
   if (!vcm::CheckedBytes(qwFrames, kSampleBytes)) return std::nullopt;
   return static_cast<unsigned int>(qwFrames);
+}
+
+// Whether the PCM consists of signed 16-bit samples, all of which it holds.
+bool Holds16Bits(I_WavData& wavData) {
+  I_WavInfo& info = *wavData.GetWavInfo();
+  const bool bOurs = dynamic_cast<C_WavDataBuffer*>(wavData.GetIWaveDataBuffer()) != nullptr;
+  return bOurs && vcm::HoldsItsBytes(wavData) && info.GetBitsPerSample() == 16 &&
+         info.GetStoreBitsPerSample() == 16 && info.IsValueSigned();
+}
+
+// The whole mix of such PCM.
+std::vector<short> MixStraight(I_WavData& wavData, std::int32_t nChannels, unsigned int dwFrames) {
+  vcm::C_ByteReader reader({wavData.GetBuffer(), wavData.GetBufferLength()});
+  std::vector<short> mix(dwFrames);
+  for (short& nMixed : mix) {
+    std::int32_t nSum = 0;
+    for (std::int32_t i = 0; i < nChannels; ++i) nSum += reader.I16();
+    nMixed = static_cast<short>(nSum / nChannels);
+  }
+  return mix;
 }
 
 // Adds the samples of one channel, from frame dwStart on, to the sums. There is one sum per frame.
@@ -57,14 +81,34 @@ std::optional<std::vector<short>> SamplesOf(I_WavData& wavData) {
   if (wavData.GetBuffer() == nullptr || nChannels == 0) return std::nullopt;
   const auto dwFrames = CountFrames(wavData, nChannels);
   if (!dwFrames) return std::nullopt;
+  if (Holds16Bits(wavData)) return MixStraight(wavData, nChannels, *dwFrames);
   // Grows with the samples that are mixed, because the format may claim more than the sound holds.
   std::vector<short> mix;
+  if (vcm::HoldsItsBytes(wavData)) mix.reserve(*dwFrames);
   for (unsigned int dwDone = 0; dwDone < *dwFrames;) {
     const unsigned int dwBlock = std::min(kBlockFrames, *dwFrames - dwDone);
     if (!MixBlock(wavData, nChannels, dwDone, dwBlock, mix)) return std::nullopt;
     dwDone += dwBlock;
   }
   return mix;
+}
+
+std::optional<C_Samples> C_Samples::Of(I_WavData& wavData) {
+  C_Samples samples;
+  const unsigned char* const pbyPcm = wavData.GetBuffer();
+  const bool bAligned = reinterpret_cast<std::uintptr_t>(pbyPcm) % alignof(short) == 0;
+  if (pbyPcm != nullptr && bAligned && std::endian::native == std::endian::little &&
+      wavData.GetWavInfo()->GetChannels() == 1 && Holds16Bits(wavData)) {
+    samples.m_view = {static_cast<const short*>(static_cast<const void*>(pbyPcm)),
+                      wavData.GetBufferLength() / kSampleBytes};
+    return samples;
+  }
+  auto mix = SamplesOf(wavData);
+  if (!mix) return std::nullopt;
+  // Moving a vector does not move what it holds.
+  samples.m_mix = std::move(*mix);
+  samples.m_view = samples.m_mix;
+  return samples;
 }
 
 }  // namespace monomix

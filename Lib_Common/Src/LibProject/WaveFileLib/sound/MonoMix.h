@@ -4,6 +4,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "interface/I_WavData.h"
@@ -16,5 +17,23 @@ namespace monomix {
 // supported, when the sound holds fewer bytes than its format says, and when the result would be
 // too long for a buffer.
 std::optional<std::vector<short>> SamplesOf(I_WavData& wavData);
+
+// The same samples, but without a copy where the PCM of the sound consists of them already.
+class C_Samples {
+ public:
+  // The sound must outlive the object and stay as it is.
+  static std::optional<C_Samples> Of(I_WavData& wavData);
+  // Moving does not move the samples themselves.
+  C_Samples(C_Samples&&) = default;
+  C_Samples& operator=(C_Samples&&) = default;
+
+  [[nodiscard]] std::span<const short> View() const { return m_view; }
+
+ private:
+  C_Samples() = default;
+
+  std::vector<short> m_mix;
+  std::span<const short> m_view;  // of m_mix or of the sound
+};
 
 }  // namespace monomix

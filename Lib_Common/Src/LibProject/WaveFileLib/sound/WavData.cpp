@@ -4,6 +4,7 @@
 #include "sound/WavData.h"
 
 #include <memory>
+#include <utility>
 
 #include "sound/HeldBytes.h"
 
@@ -96,6 +97,19 @@ bool C_WavData::Reserved45(unsigned int /*dwFirst*/, unsigned int /*dwSecond*/) 
 bool C_WavData::SetEncBuffer(const void* pData, unsigned int dwLength) {
   if (m_encBuffer.IsBufferAttached() || (pData == nullptr && dwLength > 0)) return false;
   m_encBuffer.CopyBuffer(pData, dwLength);
+  m_wavInfo.SetEncByteLen(dwLength);
+  m_encBuffer.SetWavInfo(&m_wavInfo);
+  return true;
+}
+
+void C_WavData::TakeBuffer(std::unique_ptr<unsigned char[]> pbyData, unsigned int dwLength) {
+  m_pcmBuffer.TakeBuffer(std::move(pbyData), dwLength);
+  SetByteLength(dwLength);
+}
+
+bool C_WavData::TakeEncBuffer(std::unique_ptr<unsigned char[]> pbyData, unsigned int dwLength) {
+  if (m_encBuffer.IsBufferAttached() || pbyData == nullptr) return false;
+  m_encBuffer.TakeBuffer(std::move(pbyData), dwLength);
   m_wavInfo.SetEncByteLen(dwLength);
   m_encBuffer.SetWavInfo(&m_wavInfo);
   return true;

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "annotation/EventTagMgr.h"
 #include "annotation/SampleRangeList.h"
@@ -94,6 +95,11 @@ class C_WavData : public I_WavData {
   bool SetEncBuffer(const void* pData, unsigned int dwLength) override;
   void SetEncType(tagAudioFileType eType) override { m_eEncType = eType; }
 
+  // Replaces the PCM by these bytes, as AllocBuffer does by new ones.
+  void TakeBuffer(std::unique_ptr<unsigned char[]> pbyData, unsigned int dwLength);
+  // Replaces the encoded form by these bytes. False, and the bytes are freed, where SetEncBuffer
+  // would refuse them.
+  bool TakeEncBuffer(std::unique_ptr<unsigned char[]> pbyData, unsigned int dwLength);
   // Sets every sample of every channel inside the silence segments to 0. Segments may reach beyond
   // the sound. A null segment stops the program.
   void MakeSilenceSegmentsMute();

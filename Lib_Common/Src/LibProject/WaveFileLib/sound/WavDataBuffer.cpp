@@ -7,7 +7,9 @@
 #include <cstring>
 #include <limits>
 #include <span>
+#include <utility>
 
+#include "LargeMemory.h"
 #include "VcmAssert.h"
 #include "sound/SampleUnits.h"
 
@@ -182,15 +184,14 @@ unsigned char* C_WavDataBuffer::DetachBuffer() {
 
 void C_WavDataBuffer::CopyBuffer(const void* pData, unsigned int dwLength) {
   if (pData == nullptr) dwLength = 0;
-  auto pbyCopy = std::make_unique_for_overwrite<unsigned char[]>(dwLength);
+  auto pbyCopy = vcm::NewBytes(dwLength);
   if (dwLength > 0) std::memcpy(pbyCopy.get(), pData, dwLength);
-  SafeDeleteBuffer();
-  Hold(pbyCopy.release(), dwLength, false);
+  TakeBuffer(std::move(pbyCopy), dwLength);
 }
 
 unsigned char* C_WavDataBuffer::AllocBuffer(unsigned int dwLength) {
   SafeDeleteBuffer();
-  Hold(new unsigned char[dwLength], dwLength, false);
+  Hold(vcm::NewBytes(dwLength).release(), dwLength, false);
   return m_pbyBuffer;
 }
 
@@ -198,6 +199,12 @@ void C_WavDataBuffer::TakeBuffer(C_WavDataBuffer& other) {
   SafeDeleteBuffer();
   Hold(other.m_pbyBuffer, other.m_dwLength, other.m_bAttached);
   other.Hold(nullptr, 0, false);
+}
+
+void C_WavDataBuffer::TakeBuffer(std::unique_ptr<unsigned char[]> pbyBuffer,
+                                 unsigned int dwLength) {
+  SafeDeleteBuffer();
+  Hold(pbyBuffer.release(), dwLength, false);
 }
 
 void C_WavDataBuffer::AttachBuffer(void* pData, unsigned int dwLength) {

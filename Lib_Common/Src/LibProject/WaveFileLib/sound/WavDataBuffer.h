@@ -66,6 +66,8 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   unsigned char* AllocBuffer(unsigned int dwLength);
   // Holds the memory of another buffer, which then has none.
   void TakeBuffer(C_WavDataBuffer& other);
+  // Owns this memory from now on.
+  void TakeBuffer(std::unique_ptr<unsigned char[]> pbyBuffer, unsigned int dwLength);
   // Refers to the caller's memory, which must outlive its use here and is never freed.
   void AttachBuffer(void* pData, unsigned int dwLength);
 

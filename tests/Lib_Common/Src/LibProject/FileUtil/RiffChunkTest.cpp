@@ -87,6 +87,19 @@ TEST_F(RiffChunk, HugeClaimedPayload_TakesNoMemory) {
   EXPECT_LT(LargestAllocation(), 100000u);
 }
 
+TEST_F(RiffChunk, ReadAll_ReadsPastTheChunksOwnMemory) {
+  C_RiffChunk* pChunk = OpenOne(3, {1, 2, 3});
+  const auto payload = pChunk->ReadAll(2);
+  ASSERT_NE(payload, nullptr);
+  EXPECT_EQ(C_Bytes(payload.get(), payload.get() + 5), (C_Bytes{1, 2, 3, 0, 0}));
+  EXPECT_EQ(OpenOne(4, {1, 2, 3})->ReadAll(0), nullptr) << "cut";
+  EXPECT_EQ(OpenOne(0, {})->ReadAll(0), nullptr) << "empty";
+  EXPECT_EQ(C_RiffChunk("aaaa", 3).ReadAll(0), nullptr) << "not on disk";
+  pChunk = OpenOne(3, {1, 2, 3});
+  m_file.SafeCloseFile();
+  EXPECT_EQ(pChunk->ReadAll(0), nullptr) << "closed";
+}
+
 TEST_F(RiffChunk, UnreadPayload_DiesWithTheFile) {
   C_RiffChunk* pChunk = OpenOne(4, {1, 2, 3, 4});
   m_file.SafeCloseFile();

@@ -10,6 +10,7 @@
 #include "RiffFile.h"
 #include "RiffFixture.h"
 #include "StdioFile.h"
+#include "WavBytes.h"
 
 namespace {
 
@@ -201,4 +202,43 @@ TEST_F(RiffSave, ChunkBeyond4GiB_IsNotWritten) {
   ASSERT_TRUE(vcm::SeekTo(file.get(), 0xFFFFFFF7u));
   EXPECT_TRUE(chunk.Write(file.get()));
   EXPECT_EQ(chunk.GetDataPos(), 0xFFFFFFFFu);
+}
+
+// --- Payloads that are not copied
+
+TEST_F(RiffSave, LentPayload_IsThatOfTheCallerUntilTheFileIsSaved) {
+  C_RiffFile file;
+  C_Bytes bytes = {1, 2, 3};
+  C_RiffChunk* pChunk = file.AddChunk("aaaa", 3);
+  pChunk->LendData(bytes.data());
+  file.AddChunk("none", 0)->LendData(nullptr);
+  bytes[1] = 9;
+  EXPECT_EQ(PayloadOf(pChunk), (C_Bytes{1, 9, 3}));
+  EXPECT_EQ(Saved(file), C_RiffBytes("WAVE").Chunk("aaaa", {1, 9, 3}).Chunk("none", {}).Take());
+  pChunk->SetData(C_Bytes{4, 5, 6}.data());
+  EXPECT_EQ(bytes, (C_Bytes{1, 9, 3})) << "the caller's bytes are never written";
+  EXPECT_EQ(PayloadOf(pChunk), (C_Bytes{4, 5, 6}));
+}
+
+TEST_F(RiffSave, PayloadInAFile_IsCopiedFromIt) {
+  for (const std::size_t cbPayload : {1U, 65535U, 65536U, 200000U}) {
+    const C_Bytes payload = RampBytes(cbPayload);
+    C_RiffFile file;
+    C_RiffChunk* pChunk = file.AddChunk("aaaa", static_cast<unsigned int>(cbPayload));
+    pChunk->TakeFile(vcm::OpenFile(m_folder.Write("payload", payload).c_str(), "rb"));
+    file.AddChunk("bbbb", 1)->SetData("x");
+    const C_Bytes expected = C_RiffBytes("WAVE").Chunk("aaaa", payload).Chunk("bbbb", {'x'}).Take();
+    EXPECT_EQ(Saved(file), expected) << cbPayload;
+    EXPECT_EQ(Saved(file), expected) << "once more";
+    EXPECT_EQ(PayloadOf(pChunk), payload);
+  }
+}
+
+TEST_F(RiffSave, FileThatHoldsLessThanThePayload_CannotBeSaved) {
+  C_RiffFile file;
+  C_RiffChunk* pChunk = file.AddChunk("aaaa", 4);
+  pChunk->TakeFile(vcm::OpenFile(m_folder.Write("payload", {1, 2, 3}).c_str(), "rb"));
+  EXPECT_FALSE(file.Save(m_folder.Path("out").c_str(), "WAVE"));
+  C_Bytes target(4);
+  EXPECT_FALSE(pChunk->GetData(target.data(), 4, 0));
 }

@@ -387,17 +387,17 @@ TEST_F(CompressedWav, FormatRecord_IsReadUnderItsOwnTagOnly) {
     // The same length as the longest record, so that only the tags tell the kinds apart.
     C_Bytes bytes = BlockFmt(kind.blocks);
     bytes.resize(50);
-    const auto file = vcm::OpenFile(Write("fmt", bytes).c_str(), "rb");
+    vcm::C_FileReader file(vcm::OpenFile(Write("fmt", bytes).c_str(), "rb"));
     for (const tagWaveFormatTag wTag :
          {WAVE_TAG_PCM, WAVE_TAG_MS_ADPCM, WAVE_TAG_ALAW, WAVE_TAG_MULAW, WAVE_TAG_DVI_ADPCM}) {
-      const auto info = compressedwav::ReadFormat(file.get(), 0, wTag);
+      const auto info = compressedwav::ReadFormat(file, 0, wTag);
       ASSERT_EQ(info.has_value(), wTag == kind.blocks.wTag) << wTag;
       if (info) {
         EXPECT_EQ(info->GetFormatTag(), wTag);
       }
     }
-    EXPECT_FALSE(compressedwav::ReadFormat(file.get(), 0, 3)) << "an unknown tag";
-    EXPECT_FALSE(compressedwav::ReadFormat(file.get(), UINT64_MAX, kind.blocks.wTag));
+    EXPECT_FALSE(compressedwav::ReadFormat(file, 0, 3)) << "an unknown tag";
+    EXPECT_FALSE(compressedwav::ReadFormat(file, UINT64_MAX, kind.blocks.wTag));
   }
 }
 
@@ -405,7 +405,10 @@ TEST_F(CompressedWav, BlocksThatHold4GiB_AreNotDecoded) {
   C_WavData sound;
   const C_Bytes encoded(32769);
   const S_Blocks blocks = {WAVE_TAG_DVI_ADPCM, 1, 1, 65535, 4};
-  EXPECT_FALSE(compressedwav::Decode(InfoOf(blocks), encoded, sound));
+  vcm::C_FileReader file(vcm::OpenFile(Write("data", encoded).c_str(), "rb"));
+  EXPECT_FALSE(compressedwav::Load(InfoOf(blocks), file, 0, 32769, sound));
   EXPECT_EQ(sound.GetBuffer(), nullptr);
-  EXPECT_FALSE(compressedwav::Decode({}, encoded, sound)) << "no decoder";
+  EXPECT_FALSE(compressedwav::Load({}, file, 0, 32769, sound)) << "no decoder";
+  vcm::C_FileReader closed;
+  EXPECT_FALSE(compressedwav::Load(InfoOf(AllKinds()[0].blocks), closed, 0, 16, sound));
 }

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The samples of a sound as a speech encoder takes them: 16 bits and one channel. They are those
+// that I_WavData::CreateBitsConvertedData(16, 16, true, true) and then I_WavData::ConvertToMono
+// give, but sounds of one or two channels are converted piece by piece while they are read, and
+// those that have this form already are not copied.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "interface/I_WavData.h"
+
+class C_WavDataBuffer;
+
+class C_MonoSamples {
+ public:
+  // 16-bit mono PCM, little-endian, which must outlive the object.
+  explicit C_MonoSamples(std::span<const std::uint8_t> pcm);
+  // Empty when the sound cannot be converted. The sound must outlive the object and stay as it is.
+  static std::optional<C_MonoSamples> Of(I_WavData& wavData);
+
+  // Samples in all.
+  [[nodiscard]] unsigned int Count() const { return m_dwCount; }
+  // Gives the next samples. After the last one it gives zeros.
+  void Read(std::span<short> samples);
+
+ private:
+  C_MonoSamples() = default;
+  static std::optional<C_MonoSamples> OfWhole(I_WavData& wavData);
+  void NextPiece();
+
+  unsigned int m_dwCount = 0;
+  std::span<const std::uint8_t> m_pcm;   // the samples that come next, in this form
+  C_WavDataPtr m_converted;              // what m_pcm refers to, if it was converted
+  C_WavDataBuffer* m_pSource = nullptr;  // what is still to be converted, in pieces
+  unsigned int m_dwNextFrame = 0;
+  unsigned int m_dwEndFrame = 0;
+};
