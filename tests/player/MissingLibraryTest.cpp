@@ -4,6 +4,8 @@
 // test puts an empty library of the same name in its place.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "ChildProcess.h"
@@ -13,34 +15,45 @@
 
 namespace {
 
+C_Bytes ReadEmptyLibrary() {
+  std::ifstream file(VOXPLAY_EMPTY_LIBRARY, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
 class MissingLibraryTest : public ::testing::Test {
  protected:
-  [[nodiscard]] S_Run Play(const char* pszMode, const char* pszLibraryFolder) const {
-    return m_player.Run({m_strFile, pszMode}, {std::string("LD_LIBRARY_PATH=") + pszLibraryFolder});
+  // Plays with an empty library of that name.
+  [[nodiscard]] S_Run Play(const char* pszMode, const char* pszLibrary) const {
+    const C_TempFolder folder;
+    EXPECT_FALSE(m_emptyLibrary.empty());
+    folder.Write(pszLibrary, m_emptyLibrary);
+    return m_player.Run({m_strFile, pszMode}, {"LD_LIBRARY_PATH=" + folder.Path()});
   }
 
   C_Program m_player{VOXPLAY_PLAYER};
+  // Read before the folder that may hold it is hidden.
+  const C_Bytes m_emptyLibrary = ReadEmptyLibrary();
   C_PrivateTemp m_temp;
   C_TempFolder m_folder;
   const std::string m_strFile = m_folder.Write("speech.kst", SpeechOf(10).file);
 };
 
 TEST_F(MissingLibraryTest, NoLibraryThatPlays_SoundIsPlayedInSilence) {
-  const S_Run normal = Play("0", VOXPLAY_EMPTY_CUBEB);
+  const S_Run normal = Play("0", "libcubeb.so.0");
   EXPECT_EQ(normal.strOut, "file duration: 0.200000 secs\nPlaying...Finished\n");
   EXPECT_EQ(normal.strErr, "");
   EXPECT_EQ(normal.nExit, 0);
-  const S_Run realTime = Play("1", VOXPLAY_EMPTY_CUBEB);
+  const S_Run realTime = Play("1", "libcubeb.so.0");
   EXPECT_EQ(realTime.strOut, "Playing...Finished\n");
   EXPECT_EQ(realTime.nExit, 0);
 }
 
 TEST_F(MissingLibraryTest, NoLibraryThatConverts_FileAtAnotherRateIsRefused) {
-  const S_Run normal = Play("0", VOXPLAY_EMPTY_SOXR);
+  const S_Run normal = Play("0", "libsoxr.so.0");
   EXPECT_EQ(normal.strOut, "Decode input file failed !!\n");
   EXPECT_EQ(normal.strErr, "");
   EXPECT_EQ(normal.nSignal, 0);
-  EXPECT_EQ(Play("2", VOXPLAY_EMPTY_SOXR).strOut, "Length:-2\n");
+  EXPECT_EQ(Play("2", "libsoxr.so.0").strOut, "Length:-2\n");
 }
 
 }  // namespace
