@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdint>
-#include <limits>
 #include <new>
+
+#include "FaultyNew.h"
 
 TEST(LargeMemory, NewBytes_CanAllBeWritten) {
   constexpr std::size_t kMiB = std::size_t{1} << 20;
@@ -19,7 +19,11 @@ TEST(LargeMemory, NewBytes_CanAllBeWritten) {
   }
 }
 
-TEST(LargeMemory, MoreThanThereIs_Throws) {
-  EXPECT_THROW(static_cast<void>(vcm::NewBytes(std::numeric_limits<std::ptrdiff_t>::max())),
-               std::bad_alloc);
+TEST(LargeMemory, NoMemory_Throws) {
+  for (const std::size_t cb : {std::size_t{100}, std::size_t{8} << 20}) {
+    C_FaultyNew faults(1, /*bFromThenOn=*/true);
+    EXPECT_THROW(static_cast<void>(vcm::NewBytes(cb)), std::bad_alloc);
+    faults.Stop();
+    EXPECT_TRUE(faults.WasHit());
+  }
 }
