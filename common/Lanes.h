@@ -43,4 +43,5 @@
 
 // Without inlining, every operation would be a call.
 #define VCM_LANES_INLINE __attribute__((always_inline)) inline
+// The same for a lambda, after its parameters.
 #define VCM_LANES_INLINE_LAMBDA __attribute__((always_inline))

@@ -20,8 +20,7 @@
 namespace kestrel {
 
 inline constexpr std::size_t kMostDimensions = 5;
-// A coefficient that has no place in a vector's code; a set of coefficients is a bit mask, bit 0
-// for the first coefficient of the vector.
+// A set of coefficients of a vector is a number: bit 0 stands for the first one.
 inline constexpr std::size_t kSets = 1 << kMostDimensions;
 
 // Where the vectors of a category begin in the tables below.
