@@ -30,7 +30,8 @@ case "${1:-player}" in
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
   budgets) wanted=("${library[@]}" valgrind) ;;
-  bench) wanted=("${library[@]}" libbenchmark-dev ffmpeg wavpack valgrind) ;;
+  bench) wanted=("${library[@]}" libbenchmark-dev pkg-config libsndfile1-dev ffmpeg wavpack
+    valgrind) ;;
   training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   architectures) wanted=("${library[@]}" "${architectures[@]}") ;;
