@@ -304,7 +304,8 @@ class C_FastCoder {
     int nBits = 0;
     const int nVector =
         FinishLookUp<kVectorLookUpBits>(kVectorTrees[nCategory], nNode, qwNext, nBits);
-    return LookedUpVector(nCategory, Index(nVector), nBits);
+    const std::size_t n = kFirstVector[nCategory] + Index(nVector);
+    return {n, nBits, kWrittenVectors[n].Nonzero()};
   }
 
   // What was read of a region, but for its levels.

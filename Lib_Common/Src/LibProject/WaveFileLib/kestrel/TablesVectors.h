@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the vectors of TablesVectorCodes.h mean, ready for use: all that writing or reading a vector
-// asks for stands in tables by category and vector index. All are made from the codes when this is
-// compiled.
+// asks for stands in tables by category and vector index. All are made from the codes when
+// TablesVectors.cpp is compiled; the compiler's own interpreter takes a while for them.
 #pragma once
 
 #include <algorithm>
@@ -45,14 +45,6 @@ constexpr S_VectorBins BinsOf(std::size_t nCategory, std::size_t nVector) {
   return bins;
 }
 
-// The set of the bins that are not 0. Each of them has a sign.
-constexpr unsigned int NonzeroBins(std::size_t nCategory, std::size_t nVector) {
-  const S_VectorBins bins = BinsOf(nCategory, nVector);
-  unsigned int nSet = 0;
-  for (std::size_t i = 0; i < bins.size(); ++i) nSet |= (bins[i] != 0 ? 1u : 0u) << i;
-  return nSet;
-}
-
 // A vector as it is written, in one number: the code word with room for the signs after it, the set
 // of nonzero bins, and the bits of both.
 class C_WrittenVector {
@@ -74,34 +66,17 @@ class C_WrittenVector {
   std::uint32_t m_dwAll = 0;
 };
 
-// make(category, vector) for each vector.
-template <typename Make>
-constexpr auto MakeForAllVectors(Make make) {
-  std::array<decltype(make(0, 0)), kVectors> all{};
-  for (std::size_t k = 0; k < kVectorCodes.size(); ++k) {
-    for (std::size_t n = 0; n < kVectorCodes[k].size(); ++n) all[kFirstVector[k] + n] = make(k, n);
-  }
-  return all;
-}
-
-inline constexpr auto kWrittenVectors = MakeForAllVectors([](std::size_t k, std::size_t n) {
-  return C_WrittenVector(kVectorCodes[k][n], NonzeroBins(k, n));
-});
+template <typename T>
+using S_OfAllVectors = std::array<T, kVectors>;
+extern const S_OfAllVectors<C_WrittenVector> kWrittenVectors;
 
 // Code word and signs together.
-inline constexpr auto kVectorBits = MakeForAllVectors([](std::size_t k, std::size_t n) {
-  return static_cast<std::uint8_t>(kVectorCodes[k][n].byBits + std::popcount(NonzeroBins(k, n)));
-});
+extern const S_OfAllVectors<std::uint8_t> kVectorBits;
 
 // The reconstruction levels of a vector, Q12 as in kCentroid; eight values, so that they are copied
 // at once.
 using S_VectorLevels = std::array<std::int16_t, 8>;
-inline constexpr auto kVectorLevels = MakeForAllVectors([](std::size_t k, std::size_t n) {
-  const S_VectorBins bins = BinsOf(k, n);
-  S_VectorLevels levels{};
-  for (std::size_t i = 0; i < bins.size(); ++i) levels[i] = kCentroid[k][Index(bins[i])];
-  return levels;
-});
+extern const S_OfAllVectors<S_VectorLevels> kVectorLevels;
 
 // The deviations of a region with which every bin but 0 comes out as a positive number of 16 bits:
 // 1 <= level * deviation / 4096 <= 32767.
@@ -146,83 +121,17 @@ inline constexpr auto kCounts = MakeCounts();
 // [set of nonzero bins][set of positive coefficients]: the signs of the nonzero bins as they are
 // written, the first one highest.
 using S_SignTable = std::array<std::array<std::uint8_t, kSets>, kSets>;
-constexpr S_SignTable MakeGatheredSigns() {
-  S_SignTable table{};
-  for (std::size_t nSet = 0; nSet < kSets; ++nSet) {
-    for (std::size_t nPositive = 0; nPositive < kSets; ++nPositive) {
-      unsigned int nSigns = 0;
-      for (std::size_t i = 0; i < kMostDimensions; ++i) {
-        if ((nSet >> i & 1) != 0) nSigns = nSigns << 1 | (nPositive >> i & 1);
-      }
-      table[nSet][nPositive] = static_cast<std::uint8_t>(nSigns);
-    }
-  }
-  return table;
-}
-inline constexpr S_SignTable kGatheredSigns = MakeGatheredSigns();
+extern const S_SignTable kGatheredSigns;
 
 // The way back: [set of nonzero bins][signs as written]: the set of positive coefficients. Bits
 // above the signs make no difference.
-constexpr S_SignTable MakeSpreadSigns() {
-  S_SignTable table{};
-  for (std::size_t nSet = 0; nSet < kSets; ++nSet) {
-    for (std::size_t nWritten = 0; nWritten < kSets; ++nWritten) {
-      std::size_t nLeft = kCounts[nSet];
-      unsigned int nPositive = 0;
-      for (std::size_t i = 0; i < kMostDimensions; ++i) {
-        if ((nSet >> i & 1) == 0) continue;
-        nPositive |= static_cast<unsigned int>(nWritten >> --nLeft & 1) << i;
-      }
-      table[nSet][nWritten] = static_cast<std::uint8_t>(nPositive);
-    }
-  }
-  return table;
-}
-inline constexpr S_SignTable kSpreadSigns = MakeSpreadSigns();
+extern const S_SignTable kSpreadSigns;
 
 // [set of zeros][random bits]: the set of zeros whose noise is positive. The first zero takes the
 // lowest bit.
-constexpr S_SignTable MakeSpreadNoise() {
-  S_SignTable table{};
-  for (std::size_t nSet = 0; nSet < kSets; ++nSet) {
-    for (std::size_t nNoise = 0; nNoise < kSets; ++nNoise) {
-      unsigned int nPositive = 0;
-      std::size_t nLeft = nNoise;
-      for (std::size_t i = 0; i < kMostDimensions; ++i) {
-        if ((nSet >> i & 1) == 0) continue;
-        nPositive |= static_cast<unsigned int>(nLeft & 1) << i;
-        nLeft >>= 1;
-      }
-      table[nSet][nNoise] = static_cast<std::uint8_t>(nPositive);
-    }
-  }
-  return table;
-}
-inline constexpr S_SignTable kSpreadNoise = MakeSpreadNoise();
+extern const S_SignTable kSpreadNoise;
 
 // ---- reading code words ----
-
-// Where some bits lead in a tree: to a symbol, or to a node.
-struct S_TreePlace {
-  int nSymbol;  // minus the node, if it is one
-  int nBits;    // used up
-};
-// The places of all numbers of so many bits, most significant bit first.
-template <int nBits>
-constexpr auto PlacesInTree(const auto& tree) {
-  std::array<S_TreePlace, std::size_t{1} << nBits> places{};
-  // The places of one bit more, from those of the bits before it. Going down, none is overwritten
-  // that is still needed.
-  for (std::size_t nNumbers = 2; nNumbers <= places.size(); nNumbers *= 2) {
-    for (std::size_t n = nNumbers; n-- > 0;) {
-      const S_TreePlace before = places[n / 2];
-      const bool bLeaf = before.nBits > 0 && before.nSymbol >= 0;
-      places[n] =
-          bLeaf ? before : S_TreePlace{-tree[Index(-before.nSymbol)][n % 2], before.nBits + 1};
-    }
-  }
-  return places;
-}
 
 // What the next bits of a frame lead to. The length is 0 where the code word is longer than the
 // look-up, and the other number then is the node of the tree at which to go on.
@@ -234,10 +143,13 @@ struct S_LookedUpStep {
 class C_LookedUpVector {
  public:
   constexpr C_LookedUpVector() = default;
-  // nVector: among all vectors, see kFirstVector.
-  constexpr C_LookedUpVector(std::size_t nVector, int nBits, unsigned int nNonzero)
-      : m_dwAll(static_cast<std::uint32_t>(nVector) |
-                static_cast<std::uint32_t>(nBits) << kNumberBits | nNonzero << kNonzeroAt) {}
+  // nVector: among all vectors, see kFirstVector. nWordBits: without the signs.
+  constexpr C_LookedUpVector(std::size_t nVector, int nWordBits, std::size_t nNonzero)
+      : m_dwAll(static_cast<std::uint32_t>(
+            nVector | (static_cast<std::size_t>(nWordBits) + kCounts[nNonzero]) << kNumberBits |
+            nNonzero << kNonzeroAt)) {}
+  // The bits of the look-up were too few.
+  explicit constexpr C_LookedUpVector(int nNode) : m_dwAll(static_cast<std::uint32_t>(nNode)) {}
 
   [[nodiscard]] constexpr std::size_t VectorOrNode() const {
     return m_dwAll & ((1u << kNumberBits) - 1);
@@ -251,45 +163,16 @@ class C_LookedUpVector {
   std::uint32_t m_dwAll = 0;
 };
 
-constexpr C_LookedUpVector LookedUpVector(std::size_t nCategory, std::size_t nVector, int nBits) {
-  const std::size_t n = kFirstVector[nCategory] + nVector;
-  const auto nNonzero = static_cast<unsigned int>(kWrittenVectors[n].Nonzero());
-  return {n, nBits + kCounts[nNonzero], nNonzero};
-}
-
 // Long enough for nearly all words, short enough for the first cache.
 inline constexpr int kVectorLookUpBits = 9;
 inline constexpr int kPowerStepLookUpBits = 8;
 
-constexpr auto MakeVectorLookUps() {
-  std::array<std::array<C_LookedUpVector, std::size_t{1} << kVectorLookUpBits>, kNoiseCategory>
-      lookUps{};
-  for (std::size_t k = 0; k < kNoiseCategory; ++k) {
-    const auto places = PlacesInTree<kVectorLookUpBits>(kVectorTrees[k]);
-    for (std::size_t n = 0; n < places.size(); ++n) {
-      const auto [nSymbol, nBits] = places[n];
-      lookUps[k][n] = nSymbol < 0 ? C_LookedUpVector(Index(-nSymbol), 0, 0)
-                                  : LookedUpVector(k, Index(nSymbol), nBits);
-    }
-  }
-  return lookUps;
-}
-inline constexpr auto kVectorLookUps = MakeVectorLookUps();
-
-constexpr auto MakePowerStepLookUps() {
-  std::array<std::array<S_LookedUpStep, std::size_t{1} << kPowerStepLookUpBits>,
-             kPowerStepTrees.size()>
-      lookUps{};
-  for (std::size_t r = 0; r < lookUps.size(); ++r) {
-    const auto places = PlacesInTree<kPowerStepLookUpBits>(kPowerStepTrees[r]);
-    for (std::size_t n = 0; n < places.size(); ++n) {
-      const auto [nSymbol, nBits] = places[n];
-      lookUps[r][n] = {static_cast<std::uint8_t>(nSymbol < 0 ? -nSymbol : nSymbol),
-                       static_cast<std::uint8_t>(nSymbol < 0 ? 0 : nBits)};
-    }
-  }
-  return lookUps;
-}
-inline constexpr auto kPowerStepLookUps = MakePowerStepLookUps();
+// [category][next bits], [region][next bits]
+template <typename T, int nBits>
+using S_LookUp = std::array<T, std::size_t{1} << nBits>;
+extern const std::array<S_LookUp<C_LookedUpVector, kVectorLookUpBits>, kNoiseCategory>
+    kVectorLookUps;
+extern const std::array<S_LookUp<S_LookedUpStep, kPowerStepLookUpBits>, kPowerStepTrees.size()>
+    kPowerStepLookUps;
 
 }  // namespace kestrel
