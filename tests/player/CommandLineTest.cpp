@@ -6,15 +6,14 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <future>
-#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "ChildProcess.h"
 #include "CompressedBytes.h"
+#include "FileBytes.h"
 #include "PrivateTemp.h"
 #include "Speech.h"
 #include "TempFolder.h"
@@ -24,11 +23,6 @@ namespace {
 const char* const kNotSupported = "The input file is not supported format !!\n";
 const char* const kDecodeFailed = "Decode input file failed !!\n";
 const char* const kPlayed = "Playing...Finished\n";
-
-C_Bytes ReadFile(const std::string& strPath) {
-  std::ifstream file(strPath, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 class CommandLine : public ::testing::Test {
  protected:
@@ -57,7 +51,7 @@ class CommandLine : public ::testing::Test {
     if (names.size() != 1) return {};
     EXPECT_TRUE(names.front().ends_with(strSuffix)) << names.front();
     EXPECT_TRUE(names.front().starts_with("file")) << names.front();
-    return ReadFile(std::string(P_tmpdir) + "/" + names.front());
+    return FileBytes(std::string(P_tmpdir) + "/" + names.front());
   }
 
   C_Program m_player{VOXPLAY_PLAYER};
@@ -446,7 +440,7 @@ TEST_F(CommandLine, WithoutADevice_AScreenIsToldInALineOfItsOwn) {
 }
 
 TEST(Program, Executable_CarriesEveryMessageAndOperationText) {
-  const C_Bytes program = ReadFile(VOXPLAY_PLAYER);
+  const C_Bytes program = FileBytes(VOXPLAY_PLAYER);
   for (const char* pszText : {"Play input file failed !!",
                               "Load Voxplay.dll failed !!",
                               "Decode input file failed !!",

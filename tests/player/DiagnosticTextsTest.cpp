@@ -5,19 +5,15 @@
 // output.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
+
+#include "FileBytes.h"
 
 namespace {
 
-std::string ProgramBytes() {
-  std::ifstream file(VOXPLAY_PLAYER, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 TEST(DiagnosticTexts, Texts_AreNotInTheProgram) {
-  const std::string strProgram = ProgramBytes();
+  const auto program = FileBytes(VOXPLAY_PLAYER);
+  const std::string strProgram(program.begin(), program.end());
   const auto Holds = [&](const char* psz) { return strProgram.find(psz) != std::string::npos; };
   ASSERT_TRUE(Holds("Playing..."));
   for (const char* pszText :

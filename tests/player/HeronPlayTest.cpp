@@ -3,12 +3,11 @@
 // Heron files in the real program, without a sound server.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "ChildProcess.h"
+#include "FileBytes.h"
 #include "HeronBytes.h"
 #include "PrivateTemp.h"
 #include "SpBytes.h"
@@ -47,8 +46,7 @@ class HeronPlay : public testing::TestWithParam<S_Kind> {
     EXPECT_EQ(names.size(), 1U);
     if (names.size() != 1) return {};
     EXPECT_TRUE(names.front().ends_with(".wav")) << names.front();
-    std::ifstream file(std::string(P_tmpdir) + "/" + names.front(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return FileBytes(std::string(P_tmpdir) + "/" + names.front());
   }
   // A container that holds the stream and also the sound itself.
   std::string WriteVef(const S_Kind& kind) {

@@ -4,21 +4,15 @@
 // test puts an empty library of the same name in its place.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "ChildProcess.h"
+#include "FileBytes.h"
 #include "PrivateTemp.h"
 #include "Speech.h"
 #include "TempFolder.h"
 
 namespace {
-
-C_Bytes ReadEmptyLibrary() {
-  std::ifstream file(VOXPLAY_EMPTY_LIBRARY, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 class MissingLibraryTest : public ::testing::Test {
  protected:
@@ -32,7 +26,7 @@ class MissingLibraryTest : public ::testing::Test {
 
   C_Program m_player{VOXPLAY_PLAYER};
   // Read before the folder that may hold it is hidden.
-  const C_Bytes m_emptyLibrary = ReadEmptyLibrary();
+  const C_Bytes m_emptyLibrary = FileBytes(VOXPLAY_EMPTY_LIBRARY);
   C_PrivateTemp m_temp;
   C_TempFolder m_folder;
   const std::string m_strFile = m_folder.Write("speech.kst", SpeechOf(10).file);

@@ -7,12 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 
 #include "ChildProcess.h"
+#include "FileBytes.h"
 #include "PrivateTemp.h"
 #include "Speech.h"
 #include "TempFolder.h"
@@ -21,11 +20,6 @@ namespace {
 
 constexpr int kMostReads = 500;
 const std::string kDuration = "file duration: 0.060000 secs\n";
-
-C_Bytes ReadModule() {
-  std::ifstream file(VOXPLAY_FAULTY_READS, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 struct S_Endings {
   int nUnread = 0;
@@ -58,7 +52,7 @@ class ReadFailure : public ::testing::Test {
 
   C_Program m_player{VOXPLAY_PLAYER};
   // Read before the folder that may hold it is hidden.
-  const C_Bytes m_module = ReadModule();
+  const C_Bytes m_module = FileBytes(VOXPLAY_FAULTY_READS);
   C_PrivateTemp m_temp;
   C_TempFolder m_folder;
   const std::string m_strModule = m_folder.Write("faulty-reads.so", m_module);

@@ -12,17 +12,12 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
+#include "FileBytes.h"
 #include "FilesFixture.h"
 
 namespace {
-
-C_Bytes ReadBytes(const std::string& strPath) {
-  std::ifstream file(strPath, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 // Mounts something else over the temporary directory.
 class C_MountedTemp {
@@ -60,9 +55,9 @@ class TempTrouble : public C_FilesTest {
                static_cast<std::streamsize>(bytes.size()));
   }
   void ExpectInputsUnharmed() const {
-    EXPECT_EQ(ReadBytes(Input("x.kst")), m_speech.file);
-    EXPECT_EQ(ReadBytes(Input("bare.kst")), m_speech.stream);
-    EXPECT_EQ(ReadBytes(Input("as-it-is.wav")), m_wav);
+    EXPECT_EQ(FileBytes(Input("x.kst")), m_speech.file);
+    EXPECT_EQ(FileBytes(Input("bare.kst")), m_speech.stream);
+    EXPECT_EQ(FileBytes(Input("as-it-is.wav")), m_wav);
   }
   void ExpectOnlyTheWavFilePlays() const {
     auto asItIs = Beside(Input("as-it-is.wav"), "0");
@@ -118,7 +113,7 @@ TEST_F(TempTrouble, FillingUpMeanwhile_LeavesNothingHalfWritten) {
       const std::vector<std::string> left = m_temp.NewFiles();
       ASSERT_EQ(left.size(), bSpoken ? 1U : 0U) << pszName << " on " << nPages << " pages";
       if (!bSpoken) continue;
-      const C_Bytes wav = ReadBytes(std::string(P_tmpdir) + "/" + left[0]);
+      const C_Bytes wav = FileBytes(std::string(P_tmpdir) + "/" + left[0]);
       EXPECT_EQ(wav, WavOf(16000, 1, m_speech.pcm));
       std::filesystem::remove(std::string(P_tmpdir) + "/" + left[0]);
     }
@@ -135,7 +130,7 @@ TEST_F(TempTrouble, RoomForTheCopyButNotForItsHeader_IsSilenceAndLeavesTheWholeC
   ExpectRealTime(Input("bare.kst"), 1.0);
   const std::vector<std::string> left = m_temp.NewFiles();
   ASSERT_EQ(left.size(), 1U);
-  EXPECT_EQ(ReadBytes(std::string(P_tmpdir) + "/" + left[0]), m_speech.stream);
+  EXPECT_EQ(FileBytes(std::string(P_tmpdir) + "/" + left[0]), m_speech.stream);
   ExpectInputsUnharmed();
 }
 

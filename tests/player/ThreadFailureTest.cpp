@@ -9,14 +9,13 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <future>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "ChildProcess.h"
+#include "FileBytes.h"
 #include "PrivateTemp.h"
 #include "SoundServer.h"
 #include "Speech.h"
@@ -27,11 +26,6 @@ namespace {
 constexpr int kMostThreads = 40;
 const char* const kFinished = "Playing...Finished\n";
 const char* const kRefused = "Play input file failed !!\n";
-
-C_Bytes ReadModule() {
-  std::ifstream file(VOXPLAY_FAULTY_THREADS, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 class ThreadFailure : public ::testing::Test {
  protected:
@@ -116,7 +110,7 @@ class ThreadFailure : public ::testing::Test {
 
   C_Program m_player{VOXPLAY_PLAYER};
   // Read before the folder that may hold it is hidden.
-  const C_Bytes m_module = ReadModule();
+  const C_Bytes m_module = FileBytes(VOXPLAY_FAULTY_THREADS);
   C_PrivateTemp m_temp;
   C_TempFolder m_folder;
   const std::string m_strModule = m_folder.Write("faulty-threads.so", m_module);

@@ -5,13 +5,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "FileBytes.h"
 #include "VoxplayFixture.h"
 
 namespace {
@@ -115,19 +116,18 @@ TEST_F(Voxplay, BareStream_IsWrittenTwice) {
 
 TEST_F(Voxplay, BareStream_IsLoadedFromACopyWithAHeader) {
   m_library.creates = {false, false, true};
-  std::vector<std::vector<char>> copies;
+  std::vector<std::vector<std::uint8_t>> copies;
   m_library.onConvert = [&](const char* /*pszPath*/) {
     for (const auto& strName : m_temp.NewFiles()) {
       if (!strName.ends_with(".kst")) continue;
-      std::ifstream file(std::string(P_tmpdir) + "/" + strName, std::ios::binary);
-      copies.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+      copies.push_back(FileBytes(std::string(P_tmpdir) + "/" + strName));
     }
   };
   EXPECT_EQ(Open("x.kst"), 0);
   ASSERT_EQ(copies.size(), 2U);
   ASSERT_EQ(copies[0].size(), 49U) << "48 bytes of header and the one of the file";
-  const auto Byte = [&](std::size_t i) { return static_cast<unsigned char>(copies[0][i]); };
-  EXPECT_EQ(std::string(copies[0].data() + 4, 14), "VOXELTRONIC SP");
+  const auto Byte = [&](std::size_t i) { return copies[0][i]; };
+  EXPECT_EQ(std::string(copies[0].begin() + 4, copies[0].begin() + 18), "VOXELTRONIC SP");
   EXPECT_EQ(Byte(20), 254);
   EXPECT_EQ(Byte(21), 2);
   EXPECT_EQ(Byte(22) | Byte(23) << 8, 14);

@@ -3,11 +3,7 @@
 
 #include <atomic>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define VOXPLAY_SANITIZED 1
-#endif
-#endif
+#include "Sanitized.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #pragma once
 
 // What most tests spend their compile time on, compiled once for all of them. Only the build reads
-// this: each test still includes what it uses. The sanitizers' build, which does not use this
-// header, makes sure of that.
+// this: each test still includes what it uses. Builds with a compiler cache, as for everyday work,
+// do not use this header and make sure of that.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SoundServer.h"
+#include "FileBytes.h"
 
 #include <fcntl.h>
 #include <signal.h>  // NOLINT(modernize-deprecated-headers): kill
@@ -10,8 +11,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
 #include <utility>
 
@@ -74,11 +73,6 @@ void End(pid_t nChild, int nSignal) {
   if (nChild <= 0) return;
   kill(nChild, nSignal);
   waitpid(nChild, nullptr, 0);
-}
-
-std::vector<std::uint8_t> ReadAll(const std::string& strPath) {
-  std::ifstream file(strPath, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 std::size_t SizeOf(const std::string& strPath) {
@@ -196,7 +190,7 @@ std::string C_SoundServer::Ask(const Texts& question) const {
       Spawn({Environment(), "HOME=" + m_strFolder, "LC_ALL=C"}, command, Path("info"));
   int nStatus = 0;
   if (nAsker <= 0 || waitpid(nAsker, &nStatus, 0) != nAsker || nStatus != 0) return {};
-  const std::vector<std::uint8_t> answer = ReadAll(Path("info"));
+  const std::vector<std::uint8_t> answer = FileBytes(Path("info"));
   return {answer.begin(), answer.end()};
 }
 
@@ -246,7 +240,7 @@ std::vector<std::uint8_t> C_SoundServer::RecordWhile(const std::function<void()>
     WaitUntil([&] { return SizeOf(strFile) >= cbPlayed + cbSecond / 2; });
   }
   End(nRecorder, SIGTERM);
-  return bRecording ? ReadAll(strFile) : std::vector<std::uint8_t>{};
+  return bRecording ? FileBytes(strFile) : std::vector<std::uint8_t>{};
 }
 
 S_Recording C_SoundServer::RecordUntilSame(const std::vector<std::uint8_t>& want,

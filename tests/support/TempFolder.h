@@ -9,10 +9,11 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <system_error>
 #include <vector>
+
+#include "FileBytes.h"
 
 class C_TempFolder {
  public:
@@ -48,8 +49,7 @@ class C_TempFolder {
   }
   // The content of a file in the folder; empty when the file does not exist.
   [[nodiscard]] std::vector<std::uint8_t> Read(const std::string& strName) const {
-    std::ifstream file(Path(strName), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return FileBytes(Path(strName));
   }
   [[nodiscard]] bool Has(const std::string& strName) const {
     return std::filesystem::exists(std::filesystem::symlink_status(Path(strName)));

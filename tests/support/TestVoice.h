@@ -4,9 +4,11 @@
 // Nothing in it repeats, so that a shift in time shows in a correlation.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <numbers>
 #include <vector>
 
@@ -37,11 +39,14 @@ inline double Likeness(const std::vector<short>& a, const std::vector<short>& b,
   double dProduct = 0.0;
   double dPowerA = 0.0;
   double dPowerB = 0.0;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    const auto nAt = static_cast<std::ptrdiff_t>(i) + nLag;
-    if (nAt < 0 || nAt >= static_cast<std::ptrdiff_t>(b.size())) continue;
-    const double dA = a[i];
-    const double dB = b[static_cast<std::size_t>(nAt)];
+  const auto nFirst = std::max<std::ptrdiff_t>(0, -nLag);
+  const auto nEnd = std::min(std::ssize(a), std::ssize(b) - nLag);
+  // Pointers, because this loop takes long without the optimiser.
+  const short* const pA = a.data();
+  const short* const pB = b.data();
+  for (std::ptrdiff_t n = nFirst; n < nEnd; ++n) {
+    const double dA = pA[n];
+    const double dB = pB[n + nLag];
     dProduct += dA * dB;
     dPowerA += dA * dA;
     dPowerB += dB * dB;

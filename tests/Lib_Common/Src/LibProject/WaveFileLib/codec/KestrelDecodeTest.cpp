@@ -280,8 +280,10 @@ TEST(KestrelDecode, GreatestLengths_AreRefusedAtOnce) {
 
 TEST(KestrelDecode, PcmThatDoesNotFit32Bits_IsRefusedBeforeTheFirstFrame) {
   constexpr std::uint32_t kTooManyFrames = 0xFFFFFFFF / 640 + 1;
-  const std::vector<std::uint16_t> words(std::size_t{kTooManyFrames} * 6);
-  EXPECT_FALSE(Decode(C_KestrelBytes(4800).Words(words).Take()).bResult);
+  constexpr std::uint32_t kFrameBytes = 12;
+  Bytes stream = C_KestrelBytes(4800).Claim(2 + kTooManyFrames * kFrameBytes).Take();
+  stream.resize(stream.size() + std::size_t{kTooManyFrames} * kFrameBytes);
+  EXPECT_FALSE(Decode(stream).bResult);
   EXPECT_THAT(g_lengths, IsEmpty());
 }
 

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <ostream>
 #include <span>
@@ -17,12 +16,16 @@
 #include <string>
 #include <vector>
 
+#include "FileBytes.h"
 #include "kestrel/Configuration.h"
 
 namespace kestrel::test {
 
+inline std::string VectorPath(const std::string& name) {
+  return VOXPLAY_TEST_DATA "/kestrel/" + name;
+}
 inline std::ifstream OpenVectorFile(const std::string& name) {
-  std::ifstream file(std::string(VOXPLAY_TEST_DATA "/kestrel/") + name, std::ios::binary);
+  std::ifstream file(VectorPath(name), std::ios::binary);
   if (!file) throw std::runtime_error("cannot open " + name);
   return file;
 }
@@ -30,13 +33,12 @@ inline std::ifstream OpenVectorFile(const std::string& name) {
 // Little-endian 16-bit values of a whole file.
 template <typename Value>
 std::vector<Value> ReadValues(const std::string& name) {
-  auto file = OpenVectorFile(name);
-  const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  std::vector<Value> values;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    const auto wLow = static_cast<std::uint8_t>(bytes[i]);
-    const auto wHigh = static_cast<std::uint8_t>(bytes[i + 1]);
-    values.push_back(static_cast<Value>(static_cast<std::uint16_t>(wHigh << 8 | wLow)));
+  const std::vector<std::uint8_t> bytes = FileBytes(VectorPath(name));
+  if (bytes.empty()) throw std::runtime_error("cannot read " + name);
+  std::vector<Value> values(bytes.size() / 2);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    values[i] =
+        static_cast<Value>(static_cast<std::uint16_t>(bytes[2 * i + 1] << 8 | bytes[2 * i]));
   }
   return values;
 }
