@@ -58,6 +58,10 @@ TEST_F(SystemCallCount, LookingAtAFile_TakesFive) {
             }),
             5);
   EXPECT_EQ(CountCalls([&] { return C_WavFileFormat().IsWavFile(strPath.c_str()); }), 5);
+  EXPECT_EQ(CountCalls([&] {
+              return C_WavFileFormat().GetFileFormat(strPath.c_str()) == AUDIO_FILE_WAVE;
+            }),
+            5);
 }
 
 TEST_F(SystemCallCount, ChunksThatLieTogether_AreReadTogether) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file/SoxrLibrary.h"
 
-#include <optional>
-
 #include "object/SharedLibrary.h"
 
 namespace toolbox {
@@ -15,23 +13,19 @@ constexpr const char* kName = "libsoxr.0.dylib";
 constexpr const char* kName = "libsoxr.so.0";
 #endif
 
-std::optional<S_SoxrFunctions> Load() noexcept {
-  const C_SharedLibrary library(kName);
-  S_SoxrFunctions functions;
-  const bool bAll = library.Find(functions.io_spec, "soxr_io_spec") &&
-                    library.Find(functions.quality_spec, "soxr_quality_spec") &&
-                    library.Find(functions.create, "soxr_create") &&
-                    library.Find(functions.set_input_fn, "soxr_set_input_fn") &&
-                    library.Find(functions.output, "soxr_output") &&
-                    library.Find(functions.remove, "soxr_delete");
-  if (!bAll) return std::nullopt;
-  return functions;
+bool FindAll(const C_SharedLibrary& library, S_SoxrFunctions& functions) noexcept {
+  return library.Find(functions.io_spec, "soxr_io_spec") &&
+         library.Find(functions.quality_spec, "soxr_quality_spec") &&
+         library.Find(functions.create, "soxr_create") &&
+         library.Find(functions.set_input_fn, "soxr_set_input_fn") &&
+         library.Find(functions.output, "soxr_output") &&
+         library.Find(functions.remove, "soxr_delete");
 }
 
 }  // namespace
 
 const S_SoxrFunctions* SoxrFunctions() noexcept {
-  static const std::optional<S_SoxrFunctions> functions = Load();
+  static const auto functions = LoadFunctions<S_SoxrFunctions>(kName, &FindAll);
   return functions ? &*functions : nullptr;
 }
 

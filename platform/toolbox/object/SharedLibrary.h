@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
+
 namespace toolbox {
 
 // A library that is loaded when it is first needed, because a program that ends without it should
@@ -22,5 +24,14 @@ class C_SharedLibrary {
 
   void* m_pLibrary;
 };
+
+// Functions of a library, a record of pointers that fnFind(library, functions) looks up. Empty when
+// it does not find them all.
+template <typename Functions, typename Find>
+std::optional<Functions> LoadFunctions(const char* pszLibrary, Find fnFind) noexcept {
+  Functions functions;
+  if (!fnFind(C_SharedLibrary(pszLibrary), functions)) return std::nullopt;
+  return functions;
+}
 
 }  // namespace toolbox

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "output/CubebLibrary.h"
 
-#include <optional>
-
 #include "object/SharedLibrary.h"
 
 namespace toolbox {
@@ -15,26 +13,21 @@ constexpr const char* kName = "libcubeb.dylib";
 constexpr const char* kName = "libcubeb.so.0";
 #endif
 
-std::optional<S_CubebFunctions> Load() noexcept {
-  const C_SharedLibrary library(kName);
-  S_CubebFunctions functions;
-  const bool bAll =
-      library.Find(functions.init, "cubeb_init") &&
-      library.Find(functions.destroy, "cubeb_destroy") &&
-      library.Find(functions.enumerate_devices, "cubeb_enumerate_devices") &&
-      library.Find(functions.device_collection_destroy, "cubeb_device_collection_destroy") &&
-      library.Find(functions.stream_init, "cubeb_stream_init") &&
-      library.Find(functions.stream_destroy, "cubeb_stream_destroy") &&
-      library.Find(functions.stream_start, "cubeb_stream_start") &&
-      library.Find(functions.stream_stop, "cubeb_stream_stop");
-  if (!bAll) return std::nullopt;
-  return functions;
+bool FindAll(const C_SharedLibrary& library, S_CubebFunctions& functions) noexcept {
+  return library.Find(functions.init, "cubeb_init") &&
+         library.Find(functions.destroy, "cubeb_destroy") &&
+         library.Find(functions.enumerate_devices, "cubeb_enumerate_devices") &&
+         library.Find(functions.device_collection_destroy, "cubeb_device_collection_destroy") &&
+         library.Find(functions.stream_init, "cubeb_stream_init") &&
+         library.Find(functions.stream_destroy, "cubeb_stream_destroy") &&
+         library.Find(functions.stream_start, "cubeb_stream_start") &&
+         library.Find(functions.stream_stop, "cubeb_stream_stop");
 }
 
 }  // namespace
 
 const S_CubebFunctions* CubebFunctions() noexcept {
-  static const std::optional<S_CubebFunctions> functions = Load();
+  static const auto functions = LoadFunctions<S_CubebFunctions>(kName, &FindAll);
   return functions ? &*functions : nullptr;
 }
 

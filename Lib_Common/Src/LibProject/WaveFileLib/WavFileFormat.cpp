@@ -87,12 +87,13 @@ bool HasAcceptedTag(C_RiffChunk& chunk) {
 void C_WavFileFormat::Release() { delete this; }
 
 tagAudioFileType C_WavFileFormat::GetFileFormat(const char* pszFileName) {
-  const unsigned short wID = GetSpFileID(pszFileName);
-  if (wID != C_SpHeader::kNoID) return static_cast<tagAudioFileType>(wID);
+  // No file begins both as RIFF and as an SP header. RIFF comes first, so that a WAVE file is
+  // opened once.
   for (const S_FormatCheck& row : kFormatChecks) {
     if ((this->*row.pfnCheck)(pszFileName)) return row.eType;
   }
-  return AUDIO_FILE_UNKNOWN;
+  const unsigned short wID = GetSpFileID(pszFileName);
+  return wID == C_SpHeader::kNoID ? AUDIO_FILE_UNKNOWN : static_cast<tagAudioFileType>(wID);
 }
 
 bool C_WavFileFormat::IsFileFormat(const char* pszFileName, tagAudioFileType eType) {

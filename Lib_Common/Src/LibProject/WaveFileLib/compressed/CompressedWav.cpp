@@ -14,7 +14,8 @@ namespace {
 
 // No code is shorter than three bits, and each becomes two bytes.
 constexpr std::uint64_t kMaxExpansion = 6;
-// How many encoded bytes are read at a time. They and their PCM stay in the processor's cache.
+// How many encoded bytes are read at a time. They and their PCM stay in the processor's cache, and
+// they are at least as many blocks of usual sizes as are decoded at once.
 constexpr std::size_t kPieceBytes = 32768;
 
 bool IsAccountedFor(std::uint64_t qwPcm, std::uint64_t qwEncoded) {

@@ -10,14 +10,19 @@
 #include <vector>
 
 #include "CheckedSize.h"
+#include "Processor.h"
 #include "compressed/CodecBuffer.h"
+#include "compressed/MSAdpcmAvx2.h"
 #include "compressed/SampleBytes.h"
 #include "compressed/TablesAdpcm.h"
 #include "compressed/WavFileCodecInfo.h"
 
 namespace {
 
-constexpr unsigned int kHeaderBytes = 7;  // per channel
+using msadpcm::S_Channel;
+
+constexpr unsigned int kHeaderBytes = 7;   // per channel
+constexpr unsigned int kHeaderFrames = 2;  // that it holds
 // What GetDecodedSize subtracts from a remainder instead of kHeaderBytes: the two samples in a
 // header count as the one byte that their codes would take.
 constexpr std::int64_t kCountedHeader = 6;
@@ -46,30 +51,25 @@ constexpr auto kCodes = [] {
   return codes;
 }();
 
-// Everything is 64 bits wide: no product of what a file may hold leaves these.
-struct S_Channel {
-  std::int64_t nFirst = 0;  // the coefficients
-  std::int64_t nSecond = 0;
-  std::int64_t nDelta = 0;
-  std::int64_t nSample1 = 0;  // the last sample
-  std::int64_t nSample2 = 0;  // the sample before that
-
-  // Puts the next sample. Clamping is rare, so the sample is stored before it is checked.
-  void Next(std::int64_t nFactor, std::int64_t nAdaptation, std::int16_t* pSample) {
-    const std::int64_t nSample = ((nSample1 * nFirst + nSample2 * nSecond) >> 8) + nDelta * nFactor;
-    nSample2 = nSample1;
-    nSample1 = static_cast<std::int16_t>(nSample);
-    *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(nSample));
-    if (nSample1 != nSample) [[unlikely]] {
-      nSample1 = nSample < 0 ? -32768 : 32767;
-      *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(nSample1));
-    }
-    nDelta = nDelta * nAdaptation >> 8;
-    if (static_cast<std::uint64_t>(nDelta - kMinDelta) > kMaxDelta - kMinDelta) [[unlikely]] {
-      nDelta = nDelta < kMinDelta ? kMinDelta : kMaxDelta;
-    }
+// Puts the next sample of a channel. Clamping is rare, so the sample is stored before it is
+// checked.
+inline void PutNext(S_Channel& channel, std::int64_t nFactor, std::int64_t nAdaptation,
+                    std::int16_t* pSample) {
+  const std::int64_t nSample =
+      ((channel.nSample1 * channel.nFirst + channel.nSample2 * channel.nSecond) >> 8) +
+      channel.nDelta * nFactor;
+  channel.nSample2 = channel.nSample1;
+  channel.nSample1 = static_cast<std::int16_t>(nSample);
+  *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(nSample));
+  if (channel.nSample1 != nSample) [[unlikely]] {
+    channel.nSample1 = nSample < 0 ? -32768 : 32767;
+    *pSample = samplebytes::LittleEndian(static_cast<std::int16_t>(channel.nSample1));
   }
-};
+  channel.nDelta = channel.nDelta * nAdaptation >> 8;
+  if (static_cast<std::uint64_t>(channel.nDelta - kMinDelta) > kMaxDelta - kMinDelta) [[unlikely]] {
+    channel.nDelta = channel.nDelta < kMinDelta ? kMinDelta : kMaxDelta;
+  }
+}
 
 // Decodes bytes of which each holds two codes of the only channel, or one code of each of two.
 // Works on copies of the channels, which stay in registers.
@@ -78,15 +78,15 @@ struct S_Channel {
   S_Channel left = channels.front();
   if (channels.size() == 1) {
     for (const unsigned char byCodes : bytes) {
-      left.Next(kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
-      left.Next(kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
+      PutNext(left, kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
+      PutNext(left, kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
       pSamples += 2;
     }
   } else {
     S_Channel right = channels.back();
     for (const unsigned char byCodes : bytes) {
-      left.Next(kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
-      right.Next(kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
+      PutNext(left, kCodes[byCodes].high.nFactor, kCodes[byCodes].high.nAdaptation, pSamples);
+      PutNext(right, kCodes[byCodes].low.nFactor, kCodes[byCodes].low.nAdaptation, pSamples + 1);
       pSamples += 2;
     }
     channels.back() = right;
@@ -94,9 +94,8 @@ struct S_Channel {
   channels.front() = left;
 }
 
-std::vector<S_Channel> ReadHeader(C_Buffer& block, const C_WavFileCodecInfo& codecInfo,
-                                  unsigned int dwChannels) {
-  std::vector<S_Channel> channels(dwChannels);
+void ReadHeader(std::span<S_Channel> channels, C_Buffer& block,
+                const C_WavFileCodecInfo& codecInfo) {
   for (S_Channel& channel : channels) {
     const auto coefficients = codecInfo.GetMSADPCMCoefficients(block.GetByte());
     channel.nFirst = coefficients.nFirst;
@@ -105,7 +104,11 @@ std::vector<S_Channel> ReadHeader(C_Buffer& block, const C_WavFileCodecInfo& cod
   for (S_Channel& channel : channels) channel.nDelta = block.GetShort();
   for (S_Channel& channel : channels) channel.nSample1 = block.GetShort();
   for (S_Channel& channel : channels) channel.nSample2 = block.GetShort();
-  return channels;
+}
+
+void PutHeaderSamples(std::span<const S_Channel> channels, C_Buffer& output) {
+  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample2));
+  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample1));
 }
 
 }  // namespace
@@ -124,11 +127,17 @@ bool C_MSAdpcmCodec::Decode(const C_WavFileCodecInfo& codecInfo, const unsigned 
   if (pcm.wBlockAlign == 0 || pcm.wChannels == 0) return true;
   const std::uint64_t qwBlockOutput =
       std::uint64_t{2} * codecInfo.GetSamplesPerBlock() * pcm.wChannels;
-  for (; dwEncodedBytes >= pcm.wBlockAlign; dwEncodedBytes -= pcm.wBlockAlign) {
+  while (dwEncodedBytes >= pcm.wBlockAlign) {
+    const std::uint64_t qwRoom = qwBlockOutput == 0 ? 0 : dwCapacity / qwBlockOutput;
+    const auto dwWithRoom = static_cast<unsigned int>(
+        std::min<std::uint64_t>(qwRoom, dwEncodedBytes / pcm.wBlockAlign));
+    const unsigned int dwAtOnce = DecodeBlocks(codecInfo, pbyEncoded, pSamples, dwWithRoom);
+    const unsigned int dwBlocks = std::max(dwAtOnce, 1U);
     const auto dwOutput =
-        static_cast<unsigned int>(std::min<std::uint64_t>(qwBlockOutput, dwCapacity));
-    DecodeBlock(codecInfo, pbyEncoded, pSamples, pcm.wBlockAlign, dwOutput);
-    pbyEncoded += pcm.wBlockAlign;
+        static_cast<unsigned int>(std::min<std::uint64_t>(qwBlockOutput * dwBlocks, dwCapacity));
+    if (dwAtOnce == 0) DecodeBlock(codecInfo, pbyEncoded, pSamples, pcm.wBlockAlign, dwOutput);
+    pbyEncoded += std::size_t{pcm.wBlockAlign} * dwBlocks;
+    dwEncodedBytes -= pcm.wBlockAlign * dwBlocks;
     pSamples += dwOutput / sizeof(short);
     dwCapacity -= dwOutput;
   }
@@ -143,9 +152,9 @@ bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsi
   if (dwChannels == 0 || dwBlockBytes < kHeaderBytes * dwChannels) return true;
   C_Buffer block(pbyBlock, dwBlockBytes);
   C_Buffer output(reinterpret_cast<unsigned char*>(pSamples), dwCapacity);
-  std::vector<S_Channel> channels = ReadHeader(block, codecInfo, dwChannels);
-  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample2));
-  for (const S_Channel& channel : channels) output.SetShort(static_cast<short>(channel.nSample1));
+  std::vector<S_Channel> channels(dwChannels);
+  ReadHeader(channels, block, codecInfo);
+  PutHeaderSamples(channels, output);
   if (dwChannels <= 2 && pSamples != nullptr) {
     const std::size_t cbDone = block.GetPos();
     const std::size_t cbBytes = std::min<std::size_t>(
@@ -157,10 +166,44 @@ bool C_MSAdpcmCodec::DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsi
   for (std::size_t i = 0; !block.EOB() && !output.EOB(); i = (i + 1) % dwChannels) {
     const S_Code code = CodeOf(block.GetNibbleHighFirst());
     std::int16_t nSample = 0;
-    channels[i].Next(code.nFactor, code.nAdaptation, &nSample);
+    PutNext(channels[i], code.nFactor, code.nAdaptation, &nSample);
     output.SetShort(samplebytes::LittleEndian(nSample));
   }
   return true;
+}
+
+unsigned int C_MSAdpcmCodec::DecodeBlocks(const C_WavFileCodecInfo& codecInfo,
+                                          const unsigned char* pbyBlocks, short* pSamples,
+                                          unsigned int dwBlocks) {
+  const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
+  const std::size_t nChannels = pcm.wChannels;
+  const std::size_t cbHeader = kHeaderBytes * nChannels;
+  if (vcm::UsableInstructions() < vcm::tagInstructions::kAvx2 || nChannels > 2 ||
+      pcm.wBlockAlign < cbHeader || pbyBlocks == nullptr || pSamples == nullptr) {
+    return 0;
+  }
+  const std::size_t nBlocks = std::min<std::size_t>(dwBlocks, msadpcm::kLanes / nChannels);
+  const std::size_t nRoom = std::size_t{codecInfo.GetSamplesPerBlock()};  // frames
+  const std::size_t nHeld = kHeaderFrames + 2 * (pcm.wBlockAlign - cbHeader) / nChannels;
+  const std::size_t nFrames = std::min(nRoom, nHeld);
+  // A few channels, and short blocks, take less time one by one.
+  if (nBlocks * nChannels < msadpcm::kLanes / 2 || nFrames < 2 * msadpcm::kLanes) return 0;
+  std::array<msadpcm::S_Block, msadpcm::kLanes> blocks;
+  for (std::size_t i = 0; i < nBlocks; ++i) {
+    const unsigned char* const pbyBlock = pbyBlocks + i * pcm.wBlockAlign;
+    short* const pBlockSamples = pSamples + i * nRoom * nChannels;
+    const auto channels = std::span(blocks[i].channels).first(nChannels);
+    C_Buffer block(pbyBlock, cbHeader);
+    C_Buffer output(reinterpret_cast<unsigned char*>(pBlockSamples),
+                    kHeaderFrames * nChannels * sizeof(short));
+    ReadHeader(channels, block, codecInfo);
+    if (!std::ranges::all_of(channels, &msadpcm::FitsLane)) return 0;
+    PutHeaderSamples(channels, output);
+    blocks[i].pbyCodes = pbyBlock + cbHeader;
+    blocks[i].pSamples = pBlockSamples + kHeaderFrames * nChannels;
+  }
+  msadpcm::DecodeAvx2(std::span(blocks).first(nBlocks), nChannels, nFrames - kHeaderFrames);
+  return static_cast<unsigned int>(nBlocks);
 }
 
 std::optional<unsigned int> C_MSAdpcmCodec::GetAdpcmSize(const C_WavFileCodecInfo& codecInfo,

@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <span>
 #include <utility>
-#include <vector>
 
 #include "FileReader.h"
 #include "RiffFile.h"
@@ -161,8 +161,8 @@ bool C_WavFileBase::LoadStoredPcm(vcm::C_FileReader& file) {
 
 bool C_WavFileBase::TakeFormat(C_RiffChunk& chunk) {
   const unsigned int dwLength = std::min(chunk.GetDataLength(), C_WavFileCodecInfo::kMaxBytes);
-  std::vector<std::uint8_t> payload(dwLength);
-  if (!chunk.GetData(payload.data(), dwLength, 0) || !m_codecInfo.SetFormat(payload)) return false;
+  const std::unique_ptr<std::uint8_t[]> pbyPayload = chunk.ReadAll(0);
+  if (!pbyPayload || !m_codecInfo.SetFormat({pbyPayload.get(), dwLength})) return false;
   m_dwFormatPos = chunk.GetDataPos();
   m_wStoredBits = m_codecInfo.GetPCMWAVEFORMAT().wBitsPerSample;
   return true;

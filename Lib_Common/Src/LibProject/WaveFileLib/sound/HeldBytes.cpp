@@ -10,4 +10,11 @@ bool HoldsItsBytes(I_WavData& wavData) {
   return pBuffer == nullptr || wavData.GetBufferLength() <= pBuffer->GetLength();
 }
 
+bool Holds16Bits(I_WavData& wavData) {
+  I_WavInfo& info = *wavData.GetWavInfo();
+  const bool bOurs = dynamic_cast<C_WavDataBuffer*>(wavData.GetIWaveDataBuffer()) != nullptr;
+  return bOurs && HoldsItsBytes(wavData) && info.GetBitsPerSample() == 16 &&
+         info.GetStoreBitsPerSample() == 16 && info.IsValueSigned();
+}
+
 }  // namespace vcm

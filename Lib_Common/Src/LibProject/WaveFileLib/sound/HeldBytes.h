@@ -12,4 +12,8 @@ namespace vcm {
 // not ours is believed, because only our own buffers tell how long they are.
 [[nodiscard]] bool HoldsItsBytes(I_WavData& wavData);
 
+// Whether the PCM consists of signed 16-bit samples, all of which it holds. False for a sound of a
+// class that is not ours.
+[[nodiscard]] bool Holds16Bits(I_WavData& wavData);
+
 }  // namespace vcm

@@ -10,7 +10,6 @@
 #include "ByteReader.h"
 #include "CheckedSize.h"
 #include "sound/HeldBytes.h"
-#include "sound/WavDataBuffer.h"
 
 namespace monomix {
 namespace {
@@ -29,15 +28,7 @@ std::optional<unsigned int> CountFrames(I_WavData& wavData, std::int32_t nChanne
   return static_cast<unsigned int>(qwFrames);
 }
 
-// Whether the PCM consists of signed 16-bit samples, all of which it holds.
-bool Holds16Bits(I_WavData& wavData) {
-  I_WavInfo& info = *wavData.GetWavInfo();
-  const bool bOurs = dynamic_cast<C_WavDataBuffer*>(wavData.GetIWaveDataBuffer()) != nullptr;
-  return bOurs && vcm::HoldsItsBytes(wavData) && info.GetBitsPerSample() == 16 &&
-         info.GetStoreBitsPerSample() == 16 && info.IsValueSigned();
-}
-
-// The whole mix of such PCM.
+// The whole mix of signed 16-bit samples, all of which the PCM holds.
 std::vector<short> MixStraight(I_WavData& wavData, std::int32_t nChannels, unsigned int dwFrames) {
   vcm::C_ByteReader reader({wavData.GetBuffer(), wavData.GetBufferLength()});
   std::vector<short> mix(dwFrames);
@@ -81,7 +72,7 @@ std::optional<std::vector<short>> SamplesOf(I_WavData& wavData) {
   if (wavData.GetBuffer() == nullptr || nChannels == 0) return std::nullopt;
   const auto dwFrames = CountFrames(wavData, nChannels);
   if (!dwFrames) return std::nullopt;
-  if (Holds16Bits(wavData)) return MixStraight(wavData, nChannels, *dwFrames);
+  if (vcm::Holds16Bits(wavData)) return MixStraight(wavData, nChannels, *dwFrames);
   // Grows with the samples that are mixed, because the format may claim more than the sound holds.
   std::vector<short> mix;
   if (vcm::HoldsItsBytes(wavData)) mix.reserve(*dwFrames);
@@ -98,7 +89,7 @@ std::optional<C_Samples> C_Samples::Of(I_WavData& wavData) {
   const unsigned char* const pbyPcm = wavData.GetBuffer();
   const bool bAligned = reinterpret_cast<std::uintptr_t>(pbyPcm) % alignof(short) == 0;
   if (pbyPcm != nullptr && bAligned && std::endian::native == std::endian::little &&
-      wavData.GetWavInfo()->GetChannels() == 1 && Holds16Bits(wavData)) {
+      wavData.GetWavInfo()->GetChannels() == 1 && vcm::Holds16Bits(wavData)) {
     samples.m_view = {static_cast<const short*>(static_cast<const void*>(pbyPcm)),
                       wavData.GetBufferLength() / kSampleBytes};
     return samples;

@@ -17,11 +17,6 @@ constexpr unsigned int kSampleBytes = 2;
 constexpr unsigned short kStereo = 2;
 constexpr unsigned int kPieceFrames = 4096;
 
-bool HasTheForm(I_WavInfo& info) {
-  return info.GetBitsPerSample() == 16 && info.GetStoreBitsPerSample() == 16 &&
-         info.IsValueSigned() && info.GetChannels() == 1;
-}
-
 // The frames that a format counts in so many bytes of 16-bit samples. The count wraps at half a
 // gibibyte, and a sound that is converted as a whole is not counted otherwise.
 unsigned int CountedFrames(unsigned int dwBytes, unsigned short wChannels) {
@@ -46,7 +41,7 @@ std::optional<C_MonoSamples> C_MonoSamples::Of(I_WavData& wavData) {
   const unsigned short wChannels = info.GetChannels();
   auto* const pBuffer = dynamic_cast<C_WavDataBuffer*>(wavData.GetIWaveDataBuffer());
   if (pBuffer == nullptr || wChannels == 0 || wChannels > kStereo) return OfWhole(wavData);
-  if (HasTheForm(info) && vcm::HoldsItsBytes(wavData)) return C_MonoSamples(PcmOf(wavData));
+  if (wChannels == 1 && vcm::Holds16Bits(wavData)) return C_MonoSamples(PcmOf(wavData));
   if (!IsSupportBitsPerSample(info.GetBitsPerSample(), info.GetStoreBitsPerSample())) {
     return std::nullopt;
   }

@@ -143,6 +143,75 @@ class C_RandomBlocks {
   std::mt19937 m_engine{31};
 };
 
+// What blocks decode to that come one after another, the last of which may be cut.
+C_Samples PlainMsBlocks(const C_WavFileCodecInfo& info, Codes blocks, std::size_t nCapacity) {
+  const S_PcmFormatRecord pcm = info.GetPCMWAVEFORMAT();
+  const std::size_t nBlockSamples = std::size_t{info.GetSamplesPerBlock()} * pcm.wChannels;
+  C_Samples samples;
+  while (!blocks.empty()) {
+    const bool bWhole = blocks.size() >= pcm.wBlockAlign;
+    const std::size_t nLeft = nCapacity - samples.size();
+    const Codes block = bWhole ? blocks.first(pcm.wBlockAlign) : blocks;
+    const C_Samples decoded = PlainMs(info, block, bWhole ? std::min(nBlockSamples, nLeft) : nLeft);
+    samples.insert(samples.end(), decoded.begin(), decoded.end());
+    blocks = blocks.subspan(block.size());
+  }
+  samples.resize(nCapacity, kUntouched);
+  return samples;
+}
+
+// Coefficients at their limits, in all pairs, and ordinary ones.
+C_Bytes AllPairsOfLimits() {
+  C_Bytes pairs;
+  for (const int nFirst : {-32768, 32767, 0, 256}) {
+    for (const int nSecond : {-32768, 32767, 0, -256}) {
+      pairs = Join({pairs, U16(static_cast<std::uint16_t>(nFirst)),
+                    U16(static_cast<std::uint16_t>(nSecond))});
+    }
+  }
+  return pairs;
+}
+
+// Blocks in which numbers at their limits are as frequent as others, and in which a code often
+// comes many times, so that deltas go up to their limit and down again.
+C_Bytes MsBlocks(C_RandomBlocks& random, const S_Blocks& format, std::size_t cbBlocks) {
+  constexpr std::uint16_t kLimits[] = {0, 15, 16, 17, 0x7FFF, 0x8000, 0xFFFF};
+  C_Bytes blocks;
+  while (blocks.size() < cbBlocks) {
+    C_Bytes block;
+    for (unsigned int i = 0; i < format.wChannels; ++i) {
+      block.push_back(static_cast<std::uint8_t>(random.Below(17)));
+    }
+    const bool bNegative = random.Below(20) == 0;
+    for (unsigned int i = 0; i < 3U * format.wChannels; ++i) {
+      const std::uint16_t wAny = static_cast<std::uint16_t>(random.Below(0x10000));
+      std::uint16_t wValue = random.Below(2) == 0 ? wAny : kLimits[random.Below(7)];
+      if (i < format.wChannels && !bNegative) wValue &= 0x7FFF;
+      block = Join({block, U16(wValue)});
+    }
+    while (block.size() < format.wBlockAlign) {
+      const auto byCodes = static_cast<std::uint8_t>(random.Below(256));
+      block.insert(block.end(), random.Below(2) == 0 ? 1 : random.Below(60), byCodes);
+    }
+    block.resize(format.wBlockAlign);
+    blocks.insert(blocks.end(), block.begin(), block.end());
+  }
+  return {blocks.begin(), blocks.begin() + static_cast<std::ptrdiff_t>(cbBlocks)};
+}
+
+void ExpectMsBlocks(const C_WavFileCodecInfo& info, const C_Bytes& blocks,
+                    unsigned int dwCapacity) {
+  const C_AllInstructionsAtEnd restore;
+  const C_Samples expected = PlainMsBlocks(info, blocks, dwCapacity / 2);
+  C_MSAdpcmCodec codec;
+  for (const vcm::tagInstructions eWidest : kInstructions) {
+    vcm::LimitInstructions(eWidest);
+    ASSERT_EQ(Decode(codec, info, blocks, dwCapacity), expected)
+        << info.GetPCMWAVEFORMAT().wChannels << " channels, " << blocks.size() << " bytes, "
+        << info.GetPCMWAVEFORMAT().wBlockAlign << " a block, room for " << dwCapacity;
+  }
+}
+
 using Reference = C_Samples (*)(const C_WavFileCodecInfo&, Codes, std::size_t);
 
 // Every length of each block, with room for all of it or for less.
@@ -217,6 +286,76 @@ TEST(PlainDecoders, MsAdpcmBlocksCutAnywhere_GiveTheSameSamples) {
     const C_WavFileCodecInfo info =
         InfoOf(BlockFmt({WAVE_TAG_MS_ADPCM, wChannels, 90, 200, 4}, pairs));
     ExpectSame(codec, &PlainMs, info, random, 7);
+  }
+}
+
+TEST(PlainDecoders, AnyNumberOfMsAdpcmBlocks_GivesTheSamplesOfEach) {
+  C_RandomBlocks random;
+  for (int i = 0; i < 300; ++i) {
+    const auto wChannels = static_cast<std::uint16_t>(i % 7 == 0 ? 3 : 1 + i % 2);
+    const auto wBlock = static_cast<std::uint16_t>(7 * wChannels + random.Below(250));
+    // As many samples as a block holds, or fewer or more.
+    const unsigned int dwHeld = 2U + 2U * (wBlock - 7U * wChannels) / wChannels;
+    const auto wSamples = static_cast<std::uint16_t>(
+        random.Below(2) == 0 ? dwHeld : random.Below(dwHeld + dwHeld / 4 + 3));
+    const S_Blocks format{WAVE_TAG_MS_ADPCM, wChannels, wBlock, wSamples, 4};
+    const C_Bytes blocks = MsBlocks(random, format, random.Below(20U * wBlock));
+    const unsigned int dwAll = 2U * wSamples * wChannels * 20U;
+    ExpectMsBlocks(InfoOf(BlockFmt(format, AllPairsOfLimits())), blocks,
+                   random.Below(2) == 0 ? dwAll : random.Below(dwAll + 1));
+  }
+}
+
+TEST(PlainDecoders, MsAdpcmBlocksOfEverySize_AreTheSameWithAllInstructions) {
+  const C_AllInstructionsAtEnd restore;
+  C_RandomBlocks random;
+  C_MSAdpcmCodec codec;
+  for (std::uint16_t wBlock = 7; wBlock <= 2048; ++wBlock) {
+    const auto wChannels = static_cast<std::uint16_t>(wBlock < 14 ? 1 : 1 + random.Below(2));
+    const auto wSamples = static_cast<std::uint16_t>(2 + 2 * (wBlock - 7 * wChannels) / wChannels);
+    const S_Blocks format{WAVE_TAG_MS_ADPCM, wChannels, wBlock, wSamples, 4};
+    const C_WavFileCodecInfo info = InfoOf(BlockFmt(format, AllPairsOfLimits()));
+    const C_Bytes blocks = MsBlocks(random, format, wBlock * std::size_t{5});
+    const unsigned int dwRoom = 2U * wSamples * wChannels * 5U;
+    vcm::LimitInstructions(vcm::tagInstructions::kPlain);
+    const C_Samples plain = Decode(codec, info, blocks, dwRoom);
+    vcm::LimitInstructions(vcm::tagInstructions::kAvx2);
+    ASSERT_EQ(Decode(codec, info, blocks, dwRoom), plain) << wBlock;
+  }
+}
+
+// The sum of both products is 2^31 in one block; its neighbours are ordinary.
+TEST(PlainDecoders, MsAdpcmPredictionFromTheLowestNumbers_IsPositive) {
+  const S_Blocks format{WAVE_TAG_MS_ADPCM, 1, 40, 68, 4};
+  const C_WavFileCodecInfo info = InfoOf(BlockFmt(format, AllPairsOfLimits()));
+  for (std::size_t nBlock = 0; nBlock < 8; ++nBlock) {
+    C_Bytes blocks(std::size_t{8} * 40, 0x11);
+    for (std::size_t i = 0; i < 8; ++i) {
+      const C_Bytes head =
+          i == nBlock ? C_Bytes{0, 16, 0, 0, 0x80, 0, 0x80} : C_Bytes{15, 16, 0, 0, 0x80, 0, 0x80};
+      std::copy(head.begin(), head.end(), blocks.begin() + static_cast<std::ptrdiff_t>(40 * i));
+    }
+    EXPECT_EQ(PlainMsBlocks(info, blocks, 544)[68 * nBlock + 2], 32767);
+    ExpectMsBlocks(info, blocks, 1088);
+  }
+}
+
+// Each code as the one that comes after deltas of all sizes, up to the largest one.
+TEST(PlainDecoders, MsAdpcmDeltasUpToTheirLimit_AdaptAsTheDefinitionSays) {
+  const S_Blocks format{WAVE_TAG_MS_ADPCM, 1, 80, 148, 4};
+  // The last two samples are predictions of nothing: samples show the delta alone.
+  const C_WavFileCodecInfo info = InfoOf(BlockFmt(format, C_Bytes(4, 0)));
+  for (std::uint8_t byRising = 0; byRising < 32; ++byRising) {
+    C_Bytes blocks;
+    for (std::uint8_t byCode = 0; byCode < 16; ++byCode) {
+      C_Bytes block{0, 0xFF, 0x7F, 0, 0, 0, 0};
+      block.resize(7 + byRising / 2U, 0x88);
+      block.push_back(static_cast<std::uint8_t>((byRising % 2 == 0 ? 0x00 : 0x80) | byCode));
+      // Falling until the delta shows in the samples.
+      block.resize(80, 0x11);
+      blocks.insert(blocks.end(), block.begin(), block.end());
+    }
+    ExpectMsBlocks(info, blocks, 16 * 148 * 2);
   }
 }
 
