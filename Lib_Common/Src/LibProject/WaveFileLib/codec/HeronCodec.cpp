@@ -179,9 +179,10 @@ bool DecodeInPlace(heron::C_Decoder& decoder, C_WavData& wavData) {
   const std::size_t nSamples = decoder.SampleCount();
   const std::size_t nLength = decoder.Length();
   const auto dwLength = vcm::CheckedBytes(nSamples, kSampleBytes);
-  if (!dwLength) return false;
   // Whole frames; the last one is cut at the end of the sound.
-  auto pbyPcm = vcm::NewBytes((nSamples + nLength - 1) / nLength * nLength * kSampleBytes);
+  const std::uint64_t qwWhole = (std::uint64_t{nSamples} + nLength - 1) / nLength * nLength;
+  if (!dwLength || !std::in_range<std::size_t>(qwWhole * kSampleBytes)) return false;
+  auto pbyPcm = vcm::NewBytes(static_cast<std::size_t>(qwWhole * kSampleBytes));
   auto* const pSamples = static_cast<std::int16_t*>(static_cast<void*>(pbyPcm.get()));
   for (std::size_t nAt = 0; nAt < nSamples; nAt += nLength) {
     if (!decoder.DecodeFrame({pSamples + nAt, nLength})) return false;
@@ -193,7 +194,7 @@ bool DecodeInPlace(heron::C_Decoder& decoder, C_WavData& wavData) {
 }
 
 bool DecodeSound(std::span<const std::uint8_t> coded, int nSampleRate, I_WavData& wavData) {
-  auto* const pWavData = dynamic_cast<C_WavData*>(&wavData);
+  C_WavData* const pWavData = AsOurOwn(wavData);
   if (pWavData != nullptr && std::endian::native == std::endian::little) {
     auto decoder = heron::C_Decoder::Open(coded, nSampleRate);
     if (!decoder) return false;

@@ -20,6 +20,7 @@
 #include "kestrel/FrameCoder.h"
 #include "sound/HeldBytes.h"
 #include "sound/MonoSamples.h"
+#include "sound/WavData.h"
 
 // The argument checks of this codec are for developers: a release build returns false instead.
 #ifdef NDEBUG
@@ -239,8 +240,10 @@ bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,
   if (piWavData == nullptr || ppbyEncData == nullptr || pdwEncDataLen == nullptr) return false;
   *ppbyEncData = nullptr;
   *pdwEncDataLen = 0;
-  const auto pcm = MonoPcm(piWavData);
-  C_MonoSamples samples(pcm);
+  C_MonoSamples samples(MonoPcm(piWavData));
+  // The callback may give the sound other samples.
+  C_WavData* const pOwn = AsOurOwn(*piWavData);
+  const auto kept = pOwn != nullptr ? pOwn->KeepBuffer() : nullptr;
   auto written = EncodeToFile(samples, dwBitRate, pfnProgress);
   if (!written) return false;
   return tempstream::HandOver(tempstream::ReadAll(*written), ppbyEncData, pdwEncDataLen);

@@ -45,7 +45,7 @@ std::optional<S_Encoded> ReadStream(const char* pszFileName) {
 // Makes the bytes the encoded form of the sound. Our own sounds take them over, others copy them.
 bool KeepStream(I_WavData& wavData, std::unique_ptr<unsigned char[]>& pbyStream,
                 unsigned int dwLength) {
-  auto* const pWavData = dynamic_cast<C_WavData*>(&wavData);
+  C_WavData* const pWavData = AsOurOwn(wavData);
   return pWavData != nullptr && pbyStream != nullptr
              ? pWavData->TakeEncBuffer(std::move(pbyStream), dwLength)
              : wavData.SetEncBuffer(pbyStream.get(), dwLength);
@@ -142,6 +142,9 @@ bool C_CodecFileBase::TakeStream(std::unique_ptr<unsigned char[]> pbyStream, uns
   I_WavData& wavData = *GetWavData();
   const unsigned char* const pbyBytes = pbyStream.get();
   if (!KeepStream(wavData, pbyStream, dwLength)) return false;
+  // The callback may give the sound another encoded form.
+  C_WavData* const pOwn = AsOurOwn(wavData);
+  const auto kept = pOwn != nullptr ? pOwn->KeepEncBuffer() : nullptr;
   wavData.SetEncType(static_cast<tagAudioFileType>(GetCodingType()));
   return DecodeStream(pbyBytes, dwLength, pfnData);
 }

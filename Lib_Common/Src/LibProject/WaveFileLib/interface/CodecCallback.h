@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // How codecs report while they work. Callbacks run on the calling thread; the data passed to them
-// is valid only during the call.
+// is valid only during the call. A callback may give the sound other samples or another encoded
+// form: what is encoded or decoded stays that of the beginning. It must not destroy the sound.
 #pragma once
 
 // Receives each piece of decoded PCM: 16-bit samples in the machine's own byte order, as audio

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sound/HeldBytes.h"
 
+#include "sound/WavData.h"
 #include "sound/WavDataBuffer.h"
 
 namespace vcm {
@@ -12,8 +13,7 @@ bool HoldsItsBytes(I_WavData& wavData) {
 
 bool Holds16Bits(I_WavData& wavData) {
   I_WavInfo& info = *wavData.GetWavInfo();
-  const bool bOurs = dynamic_cast<C_WavDataBuffer*>(wavData.GetIWaveDataBuffer()) != nullptr;
-  return bOurs && HoldsItsBytes(wavData) && info.GetBitsPerSample() == 16 &&
+  return AsOurOwn(wavData) != nullptr && HoldsItsBytes(wavData) && info.GetBitsPerSample() == 16 &&
          info.GetStoreBitsPerSample() == 16 && info.IsValueSigned();
 }
 

@@ -10,6 +10,7 @@
 #include "ByteReader.h"
 #include "CheckedSize.h"
 #include "sound/HeldBytes.h"
+#include "sound/WavData.h"
 
 namespace monomix {
 namespace {
@@ -90,6 +91,7 @@ std::optional<C_Samples> C_Samples::Of(I_WavData& wavData) {
   const bool bAligned = reinterpret_cast<std::uintptr_t>(pbyPcm) % alignof(short) == 0;
   if (pbyPcm != nullptr && bAligned && std::endian::native == std::endian::little &&
       wavData.GetWavInfo()->GetChannels() == 1 && vcm::Holds16Bits(wavData)) {
+    samples.m_kept = AsOurOwn(wavData)->KeepBuffer();
     samples.m_view = {static_cast<const short*>(static_cast<const void*>(pbyPcm)),
                       wavData.GetBufferLength() / kSampleBytes};
     return samples;

@@ -3,6 +3,7 @@
 // Turns a sound of any format into 16-bit mono samples.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -21,7 +22,8 @@ std::optional<std::vector<short>> SamplesOf(I_WavData& wavData);
 // The same samples, but without a copy where the PCM of the sound consists of them already.
 class C_Samples {
  public:
-  // The sound must outlive the object and stay as it is.
+  // The samples stay until the object is gone, even when the sound gets others. Only memory that is
+  // attached to the sound must stay by itself.
   static std::optional<C_Samples> Of(I_WavData& wavData);
   // Moving does not move the samples themselves.
   C_Samples(C_Samples&&) = default;
@@ -33,6 +35,7 @@ class C_Samples {
   C_Samples() = default;
 
   std::vector<short> m_mix;
+  std::shared_ptr<const void> m_kept;
   std::span<const short> m_view;  // of m_mix or of the sound
 };
 

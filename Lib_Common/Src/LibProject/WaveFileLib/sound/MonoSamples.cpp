@@ -39,18 +39,25 @@ C_MonoSamples::C_MonoSamples(std::span<const std::uint8_t> pcm)
 std::optional<C_MonoSamples> C_MonoSamples::Of(I_WavData& wavData) {
   I_WavInfo& info = *wavData.GetWavInfo();
   const unsigned short wChannels = info.GetChannels();
-  auto* const pBuffer = dynamic_cast<C_WavDataBuffer*>(wavData.GetIWaveDataBuffer());
-  if (pBuffer == nullptr || wChannels == 0 || wChannels > kStereo) return OfWhole(wavData);
-  if (wChannels == 1 && vcm::Holds16Bits(wavData)) return C_MonoSamples(PcmOf(wavData));
+  C_WavData* const pOwn = AsOurOwn(wavData);
+  if (pOwn == nullptr || wChannels == 0 || wChannels > kStereo) return OfWhole(wavData);
+  if (wChannels == 1 && vcm::Holds16Bits(wavData)) {
+    C_MonoSamples samples(PcmOf(wavData));
+    samples.m_kept = pOwn->KeepBuffer();
+    return samples;
+  }
   if (!IsSupportBitsPerSample(info.GetBitsPerSample(), info.GetStoreBitsPerSample())) {
     return std::nullopt;
   }
-  const unsigned int dwHeld = pBuffer->GetHeldSampleSize();
+  auto& buffer = static_cast<C_WavDataBuffer&>(*pOwn->GetIWaveDataBuffer());
+  const unsigned int dwHeld = buffer.GetHeldSampleSize();
   const auto dwConverted = vcm::CheckedBytes(std::uint64_t{dwHeld} * wChannels, kSampleBytes);
   if (!dwConverted) return std::nullopt;
   C_MonoSamples samples;
   samples.m_dwCount = CountedFrames(dwHeld * kSampleBytes, 1);
-  samples.m_pSource = pBuffer;
+  if (dwHeld > 0) samples.m_source = {buffer.GetBuffer(), buffer.GetLength()};
+  samples.m_sourceInfo.SetInfo(&info);
+  samples.m_kept = pOwn->KeepBuffer();
   // Of a very long stereo sound, frames beyond those that are counted are not mixed.
   samples.m_dwEndFrame = std::min(samples.m_dwCount, CountedFrames(*dwConverted, wChannels));
   return samples;
@@ -83,16 +90,16 @@ void C_MonoSamples::Read(std::span<short> samples) {
 }
 
 void C_MonoSamples::NextPiece() {
-  if (m_pSource == nullptr || m_dwNextFrame == m_dwEndFrame) return;
-  I_WavInfo& info = *m_pSource->GetWavInfo();
+  if (m_source.empty() || m_dwNextFrame == m_dwEndFrame) return;
+  C_WavInfo& info = m_sourceInfo;
   const unsigned int cbFrame = info.GetChannels() * (info.GetStoreBitsPerSample() / 8U);
-  const std::uint64_t qwFrom = std::uint64_t{m_dwNextFrame} * cbFrame;
+  const auto rest = m_source.subspan(std::size_t{m_dwNextFrame} * cbFrame);
   const unsigned int dwFrames = std::min(kPieceFrames, m_dwEndFrame - m_dwNextFrame);
   // One frame more, because the conversion of a stereo frame looks at the next one, too.
-  const auto dwBytes = static_cast<unsigned int>(std::min<std::uint64_t>(
-      std::uint64_t{cbFrame} * (dwFrames + 1U), m_pSource->GetLength() - qwFrom));
+  const auto dwBytes =
+      static_cast<unsigned int>(std::min(std::size_t{cbFrame} * (dwFrames + 1U), rest.size()));
   C_WavData piece;
-  piece.AttachBuffer(m_pSource->GetBuffer() + qwFrom, dwBytes);
+  piece.AttachBuffer(rest.data(), dwBytes);
   piece.SetWavInfoData(info.GetSampleRate(), dwBytes, info.GetChannels(), info.GetBitsPerSample(),
                        info.GetStoreBitsPerSample(), info.IsValueSigned());
   m_converted.reset(piece.CreateBitsConvertedData(16, 16, true, true));

@@ -8,18 +8,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 
 #include "interface/I_WavData.h"
-
-class C_WavDataBuffer;
+#include "sound/WavInfo.h"
 
 class C_MonoSamples {
  public:
   // 16-bit mono PCM, little-endian, which must outlive the object.
   explicit C_MonoSamples(std::span<const std::uint8_t> pcm);
-  // Empty when the sound cannot be converted. The sound must outlive the object and stay as it is.
+  // Empty when the sound cannot be converted. The samples stay until the object is gone, even when
+  // the sound gets others. Only memory that is attached to the sound must stay by itself.
   static std::optional<C_MonoSamples> Of(I_WavData& wavData);
 
   // Samples in all.
@@ -33,9 +34,12 @@ class C_MonoSamples {
   void NextPiece();
 
   unsigned int m_dwCount = 0;
-  std::span<const std::uint8_t> m_pcm;   // the samples that come next, in this form
-  C_WavDataPtr m_converted;              // what m_pcm refers to, if it was converted
-  C_WavDataBuffer* m_pSource = nullptr;  // what is still to be converted, in pieces
+  std::span<const std::uint8_t> m_pcm;  // the samples that come next, in this form
+  C_WavDataPtr m_converted;             // what m_pcm refers to, if it was converted
+  // What is still to be converted, in pieces, its format, and what keeps it.
+  std::span<unsigned char> m_source;
+  C_WavInfo m_sourceInfo;
+  std::shared_ptr<const void> m_kept;
   unsigned int m_dwNextFrame = 0;
   unsigned int m_dwEndFrame = 0;
 };

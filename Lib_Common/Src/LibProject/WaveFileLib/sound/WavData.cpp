@@ -4,6 +4,7 @@
 #include "sound/WavData.h"
 
 #include <memory>
+#include <typeinfo>
 #include <utility>
 
 #include "sound/HeldBytes.h"
@@ -113,6 +114,10 @@ bool C_WavData::TakeEncBuffer(std::unique_ptr<unsigned char[]> pbyData, unsigned
   m_wavInfo.SetEncByteLen(dwLength);
   m_encBuffer.SetWavInfo(&m_wavInfo);
   return true;
+}
+
+C_WavData* AsOurOwn(I_WavData& wavData) {
+  return typeid(wavData) == typeid(C_WavData) ? static_cast<C_WavData*>(&wavData) : nullptr;
 }
 
 C_WavInfo C_WavData::FormatWith(unsigned short wChannels, unsigned int dwByteLength) {

@@ -100,6 +100,9 @@ class C_WavData : public I_WavData {
   // Replaces the encoded form by these bytes. False, and the bytes are freed, where SetEncBuffer
   // would refuse them.
   bool TakeEncBuffer(std::unique_ptr<unsigned char[]> pbyData, unsigned int dwLength);
+  // Keep the present PCM and the present encoded form, see C_WavDataBuffer::KeepMemory.
+  [[nodiscard]] std::shared_ptr<const void> KeepBuffer() { return m_pcmBuffer.KeepMemory(); }
+  [[nodiscard]] std::shared_ptr<const void> KeepEncBuffer() { return m_encBuffer.KeepMemory(); }
   // Sets every sample of every channel inside the silence segments to 0. Segments may reach beyond
   // the sound. A null segment stops the program.
   void MakeSilenceSegmentsMute();
@@ -147,3 +150,7 @@ class C_WavData : public I_WavData {
   tagAudioFileType m_eEncType = AUDIO_FILE_UNKNOWN;
   int m_nRefCount = 0;
 };
+
+// The sound as an object of exactly this class, or null. Short ways around the interface are for
+// these only: a class derived from it may have functions of its own in the place of ours.
+[[nodiscard]] C_WavData* AsOurOwn(I_WavData& wavData);

@@ -171,8 +171,18 @@ void C_WavDataBuffer::MuteFrames(unsigned int dwSamplePos, unsigned int dwFrames
 
 void C_WavDataBuffer::SafeDeleteBuffer() {
   if (m_pbyBuffer == nullptr) return;
-  if (!m_bAttached) delete[] m_pbyBuffer;
+  if (!m_bAttached) {
+    std::unique_ptr<unsigned char[]> memory(m_pbyBuffer);
+    if (const auto keeper = m_keeper.lock()) *keeper = std::move(memory);
+  }
+  m_keeper.reset();
   Hold(nullptr, 0, false);
+}
+
+std::shared_ptr<const void> C_WavDataBuffer::KeepMemory() {
+  auto keeper = m_keeper.lock();
+  if (!keeper) m_keeper = keeper = std::make_shared<std::unique_ptr<unsigned char[]>>();
+  return keeper;
 }
 
 unsigned char* C_WavDataBuffer::DetachBuffer() {
@@ -198,6 +208,7 @@ unsigned char* C_WavDataBuffer::AllocBuffer(unsigned int dwLength) {
 void C_WavDataBuffer::TakeBuffer(C_WavDataBuffer& other) {
   SafeDeleteBuffer();
   Hold(other.m_pbyBuffer, other.m_dwLength, other.m_bAttached);
+  m_keeper = std::move(other.m_keeper);
   other.Hold(nullptr, 0, false);
 }
 

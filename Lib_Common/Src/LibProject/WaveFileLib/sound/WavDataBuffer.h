@@ -68,6 +68,9 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   void TakeBuffer(C_WavDataBuffer& other);
   // Owns this memory from now on.
   void TakeBuffer(std::unique_ptr<unsigned char[]> pbyBuffer, unsigned int dwLength);
+  // Keeps the present memory until the result is gone, even when the buffer gets other memory or is
+  // destroyed before. Attached memory stays the caller's.
+  [[nodiscard]] std::shared_ptr<const void> KeepMemory();
   // Refers to the caller's memory, which must outlive its use here and is never freed.
   void AttachBuffer(void* pData, unsigned int dwLength);
 
@@ -98,6 +101,8 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   bool m_bValueSigned = true;
   std::unique_ptr<C_WavDataBufferIterator> m_pIterator;
   unsigned int m_dwLength = 0;
+  // Gets the memory, instead of freeing it, while somebody wants it kept.
+  std::weak_ptr<std::unique_ptr<unsigned char[]>> m_keeper;
 };
 
 class C_WavDataBufferIterator : public I_WavDataBufferIterator {

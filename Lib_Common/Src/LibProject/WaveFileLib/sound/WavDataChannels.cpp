@@ -215,8 +215,12 @@ bool C_WavData::CanMix() { return !m_pcmBuffer.IsBufferAttached() && vcm::HoldsI
 
 void C_WavData::InstallMix(C_WavDataBuffer& mix, unsigned short wChannels) {
   const unsigned int dwLength = mix.GetLength();
-  m_pcmBuffer.TakeBuffer(mix);
-  SetByteLength(dwLength);
+  if (AsOurOwn(*this) == nullptr) {
+    SetBuffer(mix.GetBuffer(), dwLength);
+  } else {
+    m_pcmBuffer.TakeBuffer(mix);
+    SetByteLength(dwLength);
+  }
   m_wavInfo.SetChannels(wChannels);
   m_pcmBuffer.SetWavInfo(&m_wavInfo);
 }

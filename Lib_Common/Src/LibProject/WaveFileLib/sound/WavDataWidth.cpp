@@ -94,6 +94,10 @@ bool C_WavData::ConvertBits(unsigned short wBits, unsigned short wStoreBits, boo
       bSigned == m_wavInfo.IsValueSigned()) {
     return true;
   }
+  if (AsOurOwn(*this) == nullptr) {
+    const C_WavDataPtr copy(CreateBitsConvertedData(wBits, wStoreBits, bSigned, bExact));
+    return CopyWavData(copy.get());
+  }
   const auto converted = BitsConverted(wBits, wStoreBits, bSigned, bExact);
   if (!converted) return false;
   m_pcmBuffer.TakeBuffer(converted->m_pcmBuffer);
