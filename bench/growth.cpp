@@ -15,6 +15,7 @@
 #include <memory>
 #include <string>
 
+#include "Annotations.h"
 #include "WavFileFormat.h"
 #include "file/SpHeader.h"
 #include "sound/WavData.h"
@@ -36,13 +37,6 @@ void Require(bool bDone) {
 }
 
 I_EventTagMgr& Events(S_Job& job) { return *job.sound->GetEventTagMgr(); }
-
-template <typename Info>
-Info& InfoOf(S_Job& job, int nType) {
-  void* pInfo = nullptr;
-  Require(job.sound->GetInfo(nType, &pInfo));
-  return *static_cast<Info*>(pInfo);
-}
 
 // A humming sound with pauses.
 void Seconds(S_Job& job) {
@@ -116,10 +110,17 @@ void Repeat(S_Job& job) {
   for (job.dwSize = 0; job.dwSize < dwSize; ++job.dwSize) kOne(job);
 }
 
-void AddEvent(S_Job& job) {
-  const auto wSub = static_cast<unsigned short>(job.dwSize % 2);
-  Events(job).AddEventBySamplePos(1, wSub, job.dwSize, "", 0);
+template <void (*pfnAdd)(I_WavData& sound, unsigned int dwNumber)>
+void Add(S_Job& job) {
+  pfnAdd(*job.sound, job.dwSize);
 }
+constexpr auto AddEvent = Add<annotations::AddEvent>;
+constexpr auto AddSegment = Add<annotations::AddSegment>;
+constexpr auto AddRegion = Add<annotations::AddRegion>;
+constexpr auto AddCue = Add<annotations::AddCue>;
+constexpr auto AddLabel = Add<annotations::AddLabel>;
+constexpr auto AddChunk = Add<annotations::AddChunk>;
+
 void AddEventInFront(S_Job& job) {
   Events(job).AddEventBySamplePos(1, 2, 1000000U - job.dwSize, "", 0);
 }
@@ -135,19 +136,6 @@ void RemoveFirst(S_Job& job) {
 }
 // Every second one. The tags are lost, as nobody needs them.
 void RemoveByCommand(S_Job& job) { Events(job).RemoveEventsByCommand(1, 1); }
-void AddSegment(S_Job& job) { job.sound->AddSilenceSegment(job.dwSize * 10, job.dwSize * 10 + 8); }
-void AddRegion(S_Job& job) { job.sound->AddUncompressRegion(job.dwSize * 10, job.dwSize * 10 + 8); }
-void AddCue(S_Job& job) {
-  auto& cues = InfoOf<I_WavDataCueInfo>(job, WAV_DATA_INFO_CUE);
-  Require(cues.AddCuePoint(job.dwSize + 1, job.dwSize, 0x61746164, 0, 0, job.dwSize));
-}
-void AddLabel(S_Job& job) {
-  AddCue(job);
-  InfoOf<I_WavDataListInfo>(job, WAV_DATA_INFO_LIST).AddLabel(job.dwSize + 1, "Verse");
-}
-void AddChunk(S_Job& job) {
-  InfoOf<I_WavDataExtraChunkInfo>(job, WAV_DATA_INFO_EXTRA_CHUNK).AddChunk("note", "kept", 4);
-}
 
 struct S_Operation {
   const char* pszName;
