@@ -22,8 +22,8 @@ struct S_Kind {
 };
 inline constexpr std::array kKinds = {
     S_Kind{"16-bits", {WAVE_TAG_PCM, 1, 2, 1, 16}, WAVE_TAG_PCM},
-    S_Kind{"mu-law", {WAVE_TAG_MULAW, 1, 1, 0, 8}, WAVE_TAG_MULAW},
-    S_Kind{"A-law", {WAVE_TAG_ALAW, 1, 1, 0, 8}, WAVE_TAG_ALAW},
+    S_Kind{"mu-law", {WAVE_TAG_MULAW, 1, 1, 1, 8}, WAVE_TAG_MULAW},
+    S_Kind{"A-law", {WAVE_TAG_ALAW, 1, 1, 1, 8}, WAVE_TAG_ALAW},
     S_Kind{"IMA-ADPCM", {WAVE_TAG_DVI_ADPCM, 1, 256, 505, 4}, 0x11},
     S_Kind{"Microsoft-ADPCM", {WAVE_TAG_MS_ADPCM, 1, 256, 500, 4}, WAVE_TAG_MS_ADPCM},
     S_Kind{"IMA-ADPCM-3-bits", {WAVE_TAG_DVI_ADPCM, 1, 256, 673, 3}, 0},
@@ -43,11 +43,17 @@ inline const std::array<std::uint8_t, 16>& Codes(const S_Blocks& blocks) {
   return blocks.wBits == 3 ? kIma3BitCodes : kImaCodes;
 }
 
+constexpr std::size_t EncodedBytes(const S_Blocks& blocks) { return kBytes / 16 * blocks.wBits; }
+// The last block need not be whole, and not everybody decodes it then.
+constexpr std::size_t SamplesOfWholeBlocks(const S_Blocks& blocks) {
+  return EncodedBytes(blocks) / blocks.wBlockAlign * blocks.wSamplesPerBlock;
+}
+
 // Any codes of G.711, or chosen codes one after the other, from the lowest bit of each byte on.
 inline C_Bytes Encoded(const S_Blocks& blocks) {
   if (blocks.wTag == WAVE_TAG_PCM) return C_Bytes(kBytes, 3);
   const bool bAdpcm = blocks.wBits < 8;
-  C_Bytes bytes(kBytes / 16 * blocks.wBits);
+  C_Bytes bytes(EncodedBytes(blocks));
   std::uint32_t dwNoise = 1;
   std::uint32_t dwBits = 0;
   unsigned int nBits = 0;

@@ -98,7 +98,7 @@ void SaveSamplesAlone(C_VefFile& vef, const C_BenchFile& file) {
   Require(vef.WriteFile(file.Path().c_str(), false, false, nullptr, false, 0));
 }
 
-void Save_SamplesInContainer(benchmark::State& state) {
+void SaveSamplesInContainer(benchmark::State& state) {
   const C_SoundPtr sound = Speech();
   C_VefFile vef;
   vef.AttachWavData(sound.get());
@@ -106,9 +106,9 @@ void Save_SamplesInContainer(benchmark::State& state) {
   for ([[maybe_unused]] auto iteration : state) SaveSamplesAlone(vef, file);
   CountItems(state, kSamples);
 }
-BENCHMARK(Save_SamplesInContainer)->Unit(benchmark::kMicrosecond);
+BENCHMARK(SaveSamplesInContainer)->Name("Save/SamplesInContainer")->Unit(benchmark::kMicrosecond);
 
-void Load_SamplesInContainer(benchmark::State& state) {
+void LoadSamplesInContainer(benchmark::State& state) {
   const C_SoundPtr sound = Speech();
   C_VefFile vef;
   vef.AttachWavData(sound.get());
@@ -120,7 +120,7 @@ void Load_SamplesInContainer(benchmark::State& state) {
   }
   CountItems(state, kSamples);
 }
-BENCHMARK(Load_SamplesInContainer)->Unit(benchmark::kMicrosecond);
+BENCHMARK(LoadSamplesInContainer)->Name("Load/SamplesInContainer")->Unit(benchmark::kMicrosecond);
 
 // ---- SP headers
 
