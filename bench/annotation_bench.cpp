@@ -57,21 +57,26 @@ void LoadMany(benchmark::State& state, const S_Kind& kind) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void Register(const S_Kind& kind, const char* pszDoing, decltype(&SaveMany) pfnRun) {
-  const std::string strName = std::string(pszDoing) + kind.pszName;
-  benchmark::RegisterBenchmark(strName.c_str(),
-                               [&kind, pfnRun](benchmark::State& state) { pfnRun(state, kind); })
-      ->Unit(benchmark::kMillisecond)
-      ->Arg(1000)
-      ->Arg(10000)
-      ->Arg(100000);
-}
+struct S_Work {
+  const char* pszName;
+  decltype(&SaveMany) pfnRun;
+  bool bLoads;
+};
+constexpr S_Work kWorks[] = {{"Save", SaveMany, false}, {"Load", LoadMany, true}};
 
 [[maybe_unused]] const bool g_bRegistered = [] {
-  for (const S_Kind& kind : kKinds) {
-    Register(kind, "Save", &SaveMany);
-    // The library writes events after a bare stream, but does not read them.
-    if (!kind.bStream) Register(kind, "Load", &LoadMany);
+  for (const S_Work& work : kWorks) {
+    for (const S_Kind& kind : kKinds) {
+      // The library writes events after a bare stream, but does not read them.
+      if (work.bLoads && kind.bStream) continue;
+      const std::string strName = std::string(work.pszName) + kind.pszName;
+      benchmark::RegisterBenchmark(strName.c_str(),
+                                   [&](benchmark::State& state) { work.pfnRun(state, kind); })
+          ->Unit(benchmark::kMillisecond)
+          ->Arg(1000)
+          ->Arg(10000)
+          ->Arg(100000);
+    }
   }
   return true;
 }();

@@ -63,7 +63,7 @@ void SaveKind(benchmark::State& state, const S_Kind& kind) {
   CountItems(state, kSamples);
 }
 
-void LoadKind(benchmark::State& state, const S_Kind& kind, bool bStoredPcm) {
+void LoadFile(benchmark::State& state, const S_Kind& kind, bool bStoredPcm) {
   const C_BenchFile file;
   Save(*Speech(), file, kind.eType, kind.bStream);
   if (kind.bStream) {
@@ -73,21 +73,29 @@ void LoadKind(benchmark::State& state, const S_Kind& kind, bool bStoredPcm) {
   for ([[maybe_unused]] auto iteration : state) Load(file, bStoredPcm);
   CountItems(state, kSamples);
 }
+void LoadKind(benchmark::State& state, const S_Kind& kind) { LoadFile(state, kind, true); }
+void DecodeKind(benchmark::State& state, const S_Kind& kind) { LoadFile(state, kind, false); }
 
-template <typename Run>
-void Register(const std::string& strName, Run run) {
-  benchmark::RegisterBenchmark(strName.c_str(), run)->Unit(benchmark::kMicrosecond);
-}
+struct S_Work {
+  const char* pszName;
+  decltype(&SaveKind) pfnRun;
+  bool (*pfnCanBeDone)(const S_Kind& kind);
+};
+constexpr S_Work kWorks[] = {
+    {"Save/", SaveKind, [](const S_Kind& /*kind*/) { return true; }},
+    {"Load/", LoadKind, CanBeLoaded},
+    {"Decode/", DecodeKind, HoldsStreamBesidePcm},
+};
 
 [[maybe_unused]] const bool g_bRegistered = [] {
-  for (const S_Kind& kind : kKinds) {
-    const std::string strName = std::string("/") + kind.pszName;
-    Register("Save" + strName, [&kind](benchmark::State& state) { SaveKind(state, kind); });
-    if (!CanBeLoaded(kind)) continue;
-    Register("Load" + strName, [&kind](benchmark::State& state) { LoadKind(state, kind, true); });
-    if (!HoldsStreamBesidePcm(kind)) continue;
-    Register("Decode" + strName,
-             [&kind](benchmark::State& state) { LoadKind(state, kind, false); });
+  for (const S_Work& work : kWorks) {
+    for (const S_Kind& kind : kKinds) {
+      if (!work.pfnCanBeDone(kind)) continue;
+      const std::string strName = std::string(work.pszName) + kind.pszName;
+      benchmark::RegisterBenchmark(strName.c_str(), [&](benchmark::State& state) {
+        work.pfnRun(state, kind);
+      })->Unit(benchmark::kMicrosecond);
+    }
   }
   return true;
 }();

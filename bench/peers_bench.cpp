@@ -72,55 +72,58 @@ void SaveNew(benchmark::State& state, Write write) {
   }
   CountBytes(state, longsounds::kBytes);
 }
-
-template <typename LookAt>
-void Look(benchmark::State& state, LookAt lookAt) {
-  const C_BenchFile& file = FileOf(longsounds::kKinds[0], false);
-  for ([[maybe_unused]] auto iteration : state) lookAt(file.Path().c_str());
+void SaveByUs(benchmark::State& state, const S_Kind& /*kind*/) {
+  SaveNew(state, [](I_WavData& sound, const C_BenchFile& file) { Save(sound, file); });
+}
+void SaveByPeer(benchmark::State& state, const S_Kind& /*kind*/, const S_Peer& peer) {
+  SaveNew(state, [&peer](I_WavData& sound, const C_BenchFile& file) {
+    peer.pfnSave(SamplesOf(sound), file.Path().c_str());
+  });
 }
 
-template <typename Run>
-void Register(const std::string& strWork, const char* pszWho, Run run) {
-  benchmark::RegisterBenchmark((strWork + "/" + pszWho).c_str(), run)
-      ->Unit(benchmark::kMillisecond);
-}
-
-void RegisterOurs() {
-  for (const S_Kind& kind : longsounds::kKinds) {
-    if (kind.wTagOfOthers == 0) continue;
-    Register(std::string("load/") + kind.pszName, "ours",
-             [&kind](benchmark::State& state) { LoadByUs(state, kind); });
+void OpenByUs(benchmark::State& state, const S_Kind& kind) {
+  const C_BenchFile& file = FileOf(kind, false);
+  for ([[maybe_unused]] auto iteration : state) {
+    C_WavFileFormat format;
+    const C_WavFilePtr pFile(format.OpenWavFile(file.Path().c_str()));
+    Require(pFile != nullptr);
   }
-  Register("save/16-bits", "ours", [](benchmark::State& state) {
-    SaveNew(state, [](I_WavData& sound, const C_BenchFile& file) { Save(sound, file); });
-  });
-  Register("open/16-bits", "ours", [](benchmark::State& state) {
-    Look(state, [](const char* pszPath) {
-      C_WavFileFormat format;
-      const C_WavFilePtr pFile(format.OpenWavFile(pszPath));
-      Require(pFile != nullptr);
-    });
-  });
+}
+void OpenByPeer(benchmark::State& state, const S_Kind& kind, const S_Peer& peer) {
+  const C_BenchFile& file = FileOf(kind, true);
+  for ([[maybe_unused]] auto iteration : state) peer.pfnLook(file.Path().c_str());
 }
 
-void Register(const S_Peer& peer) {
-  for (const S_Kind& kind : longsounds::kKinds) {
-    if (kind.wTagOfOthers == 0) continue;
-    Register(std::string("load/") + kind.pszName, peer.pszName,
-             [&](benchmark::State& state) { LoadByPeer(state, kind, peer); });
-  }
-  Register("save/16-bits", peer.pszName, [&peer](benchmark::State& state) {
-    SaveNew(state, [&peer](I_WavData& sound, const C_BenchFile& file) {
-      peer.pfnSave(SamplesOf(sound), file.Path().c_str());
-    });
-  });
-  Register("open/16-bits", peer.pszName,
-           [&peer](benchmark::State& state) { Look(state, peer.pfnLook); });
+struct S_Work {
+  const char* pszName;
+  decltype(&LoadByUs) pfnByUs;
+  decltype(&LoadByPeer) pfnByPeer;
+  bool bLinearOnly;
+};
+constexpr S_Work kWorks[] = {{"load/", LoadByUs, LoadByPeer, false},
+                             {"save/", SaveByUs, SaveByPeer, true},
+                             {"open/", OpenByUs, OpenByPeer, true}};
+
+bool CanBeDone(const S_Work& work, const S_Kind& kind) {
+  return work.bLinearOnly ? kind.blocks.wTag == WAVE_TAG_PCM : kind.wTagOfOthers != 0;
 }
 
 [[maybe_unused]] const bool g_bRegistered = [] {
-  RegisterOurs();
-  for (const S_Peer* pPeer : kPeers) Register(*pPeer);
+  for (const S_Work& work : kWorks) {
+    for (const S_Kind& kind : longsounds::kKinds) {
+      if (!CanBeDone(work, kind)) continue;
+      const std::string strWork = std::string(work.pszName) + kind.pszName + "/";
+      benchmark::RegisterBenchmark((strWork + "ours").c_str(), [&](benchmark::State& state) {
+        work.pfnByUs(state, kind);
+      })->Unit(benchmark::kMillisecond);
+      for (const S_Peer* pPeer : kPeers) {
+        benchmark::RegisterBenchmark(
+            (strWork + pPeer->pszName).c_str(),
+            [&work, &kind, pPeer](benchmark::State& state) { work.pfnByPeer(state, kind, *pPeer); })
+            ->Unit(benchmark::kMillisecond);
+      }
+    }
+  }
   return true;
 }();
 
