@@ -6,17 +6,14 @@
 //   cmake --preset bench && cmake --build --preset bench --target kestrel_bench
 //   build/bench/bin/kestrel_bench
 //
-// 50 frames per second are real time. The sound is generated here: the harmonics of a voice whose
-// pitch and loudness move as in speech, with a little noise.
+// 50 frames per second are real time.
 #include <benchmark/benchmark.h>
 
-#include <cmath>
 #include <cstdint>
-#include <numbers>
-#include <random>
 #include <span>
 #include <vector>
 
+#include "Speech.h"
 #include "kestrel/Decoder.h"
 #include "kestrel/Encoder.h"
 
@@ -24,23 +21,7 @@ namespace {
 
 constexpr std::size_t kFrames = 200;
 
-std::int16_t VoicedSample(std::size_t n, int nNoise) {
-  const double seconds = static_cast<double>(n) / 16000;
-  const double phase = 2 * std::numbers::pi * (120 * seconds + 6 * std::sin(2 * seconds));
-  double sum = 0;
-  for (int k = 1; k <= 30; ++k) sum += std::sin(k * phase) / k;
-  const double loudness = std::pow(std::sin(2 * std::numbers::pi * seconds), 2);
-  return static_cast<std::int16_t>(9000 * loudness * sum + nNoise);
-}
-
-std::vector<std::int16_t> Speech() {
-  std::mt19937 random(1);
-  std::vector<std::int16_t> samples;
-  for (std::size_t n = 0; n < kFrames * 320; ++n) {
-    samples.push_back(VoicedSample(n, static_cast<int>(random() % 201) - 100));
-  }
-  return samples;
-}
+std::vector<std::int16_t> Speech() { return speech::Samples(kFrames * 320); }
 
 // Hands out the frames of a sound one after the other, and starts again after the last.
 template <typename Value>

@@ -25,13 +25,11 @@
 //   ShiftRightUnsigned16    fills with zeros
 //   And Or Xor              IsEqual16 IsGreater16 (all bits set where true)
 //
-//   SumOfProducts           a[0]*b[0] + a[1]*b[1] and so on, as half as many 32-bit lanes. Only
-//   four
-//                           times -32768 wraps.
+//   SumOfProducts           a[0]*b[0] + a[1]*b[1] and so on, as half as many 32-bit lanes; only
+//                           four times -32768 wraps
 //   Add32 ShiftRight32 ShiftRightUnsigned32 IsGreater32 (all bits set where true)
-//   Narrow(a, b)            the 32-bit lanes of both, limited to 16 bits: in each part first those
-//   of
-//                           a, then those of b
+//   Narrow(a, b)            the 32-bit lanes of both, limited to 16 bits: in each part first
+//                           those of a, then those of b
 //
 //   InterleaveLow16 (High)  in each part a[0] b[0] a[1] b[1] ... of the low (high) half
 //   InterleaveHalves        in each part a[0] a[4] a[1] a[5] ...

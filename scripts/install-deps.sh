@@ -20,7 +20,9 @@ library=(g++ cmake make)
 player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
 tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
   ffmpeg)
-ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev)
+# What the benchmarks measure beside the library. Only the program peers_bench links it.
+peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
+ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")
 # The cross compilers bring their C and C++ libraries; static programs need nothing else to run.
 architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu qemu-user-static)
 
@@ -30,8 +32,7 @@ case "${1:-player}" in
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
   budgets) wanted=("${library[@]}" valgrind) ;;
-  bench) wanted=("${library[@]}" libbenchmark-dev pkg-config libsndfile1-dev ffmpeg wavpack
-    valgrind) ;;
+  bench) wanted=("${library[@]}" libbenchmark-dev pkg-config "${peers[@]}" ffmpeg wavpack valgrind) ;;
   training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   architectures) wanted=("${library[@]}" "${architectures[@]}") ;;

@@ -49,10 +49,12 @@ class C_HeronCodec : public C_VXAudioCodec {
               PFN_CodecProgress pfnProgress, unsigned char** ppbyEncData,
               unsigned int* pdwEncDataLen);
 
+ private:
+  friend class C_HeronFileBase;
+
   // The same, but the stream stays in a file, which has no name any more. Empty on failure.
   std::optional<tempstream::S_Written> EncodeToFile(I_WavData* piWavData, unsigned int dwTypeCode,
                                                     PFN_CodecProgress pfnProgress);
 
- private:
   bool m_bVerbose = false;
 };

@@ -64,6 +64,9 @@ class C_KestrelCodec : public C_VXAudioCodec {
   bool Encode(I_WavData* piWavData, unsigned int dwBitRate, unsigned char** ppbyEncData,
               unsigned int* pdwEncDataLen, PFN_CodecProgress pfnProgress);
 
+ private:
+  friend class C_KestrelFile;
+
   // The same for samples that are read one after another. The stream stays in a file, which has no
   // name any more. Empty on failure.
   std::optional<tempstream::S_Written> EncodeToFile(C_MonoSamples& samples, unsigned int dwBitRate,

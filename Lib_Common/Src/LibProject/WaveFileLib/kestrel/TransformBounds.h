@@ -14,7 +14,7 @@ namespace kestrel {
 
 // Twice a sum of products below this, rounded, fits into 32 bits.
 inline constexpr std::int64_t kMostSum = (std::int64_t{1} << 30) - (1 << 15);
-// Squares are counted in units of 16, or four times the square of -32768 would not fit.
+// Squares are counted in units of 16: the sum of ten of them needs more than 32 bits.
 inline constexpr int kSquareShift = 4;
 // What windowed and scaled values gain by their bias, and by the rounding of the butterflies.
 inline constexpr int kMostBias = 8;

@@ -15,8 +15,7 @@
 //                 number of ones.
 //   kernels       two values of four blocks in a register are multiplied by two factors each
 //   rotations     pass p (1..5) puts blocks together that differ in t_(6-p), and its value n goes
-//   to
-//                 place n or, counted from the end of the new block, to place n. Bit u_p says
+//                 to place n or, counted from the end of the new block, to place n. Bit u_p says
 //                 which. Each of the ten values of a kernel takes this way on its own.
 //
 // Why the results are the same: sums of two products fit into 32 bits, and limiting the rounded sum

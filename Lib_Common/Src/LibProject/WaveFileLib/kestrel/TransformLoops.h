@@ -7,12 +7,11 @@
 // one is needed at all:
 //
 //   windows       two factors of a window have at most the length 0.56, so no sum reaches a limit
-//   butterflies   the forward ones halve; the inverse ones limit each value
+//   butterflies   the forward ones halve; the inverse ones limit each value of loud frames
 //   kernels       no partial sum reaches a limit in a quiet block (TransformBounds.h); other blocks
 //                 are done step by step
 //   rotations     they lengthen a frame by a known factor at most, so that no value of a shorter
-//   frame
-//                 can reach a limit; in other frames each value is limited
+//                 frame can reach a limit; in other frames each value is limited
 #pragma once
 
 #include <algorithm>

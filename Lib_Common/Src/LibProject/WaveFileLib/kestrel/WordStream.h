@@ -77,7 +77,6 @@ class C_WordReader {
     return qwBits << (m_nAt & 7);
   }
   VCM_LANES_INLINE void Skip(int nBits) { m_nAt += nBits; }
-  VCM_LANES_INLINE void SkipTo(int nAt) { m_nAt = nAt; }
   [[nodiscard]] VCM_LANES_INLINE int BitsTaken() const { return m_nAt; }
   // Negative when more bits were taken than the frame has.
   [[nodiscard]] VCM_LANES_INLINE int BitsLeft() const { return m_nEnd - m_nAt; }
