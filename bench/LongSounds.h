@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Long sounds, 100 MB of PCM, in each form that WAV files hold them.
+// Long sounds, 100 MB of PCM unless a length is given, in each form that WAV files hold them.
 #pragma once
 
 #include <array>
@@ -43,17 +43,19 @@ inline const std::array<std::uint8_t, 16>& Codes(const S_Blocks& blocks) {
   return blocks.wBits == 3 ? kIma3BitCodes : kImaCodes;
 }
 
-constexpr std::size_t EncodedBytes(const S_Blocks& blocks) { return kBytes / 16 * blocks.wBits; }
+constexpr std::size_t EncodedBytes(const S_Blocks& blocks, std::size_t cbPcm = kBytes) {
+  return cbPcm / 16 * blocks.wBits;
+}
 // The last block need not be whole, and not everybody decodes it then.
-constexpr std::size_t SamplesOfWholeBlocks(const S_Blocks& blocks) {
-  return EncodedBytes(blocks) / blocks.wBlockAlign * blocks.wSamplesPerBlock;
+constexpr std::size_t SamplesOfWholeBlocks(const S_Blocks& blocks, std::size_t cbPcm = kBytes) {
+  return EncodedBytes(blocks, cbPcm) / blocks.wBlockAlign * blocks.wSamplesPerBlock;
 }
 
 // Any codes of G.711, or chosen codes one after the other, from the lowest bit of each byte on.
-inline C_Bytes Encoded(const S_Blocks& blocks) {
-  if (blocks.wTag == WAVE_TAG_PCM) return C_Bytes(kBytes, 3);
+inline C_Bytes Encoded(const S_Blocks& blocks, std::size_t cbPcm) {
+  if (blocks.wTag == WAVE_TAG_PCM) return C_Bytes(cbPcm, 3);
   const bool bAdpcm = blocks.wBits < 8;
-  C_Bytes bytes(EncodedBytes(blocks));
+  C_Bytes bytes(EncodedBytes(blocks, cbPcm));
   std::uint32_t dwNoise = 1;
   std::uint32_t dwBits = 0;
   unsigned int nBits = 0;
@@ -86,8 +88,8 @@ inline C_Bytes FormatRecord(S_Blocks blocks, bool bForOthers, std::uint16_t wTag
 }
 
 // A WAV file that holds a long sound, for us or for others.
-inline C_Bytes File(const S_Kind& kind, bool bForOthers) {
-  C_Bytes encoded = Encoded(kind.blocks);
+inline C_Bytes File(const S_Kind& kind, bool bForOthers, std::size_t cbPcm = kBytes) {
+  C_Bytes encoded = Encoded(kind.blocks, cbPcm);
   if (kind.blocks.wBits < 8) PutHeads(kind.blocks, encoded);
   return C_RiffBytes("WAVE")
       .Chunk("fmt ", FormatRecord(kind.blocks, bForOthers, kind.wTagOfOthers))
@@ -95,11 +97,11 @@ inline C_Bytes File(const S_Kind& kind, bool bForOthers) {
       .Take();
 }
 
-inline C_SoundPtr Pcm() {
+inline C_SoundPtr Pcm(unsigned int dwBytes = kBytes) {
   C_SoundPtr sound(new C_WavData);
-  unsigned char* const pbyPcm = sound->AllocBuffer(kBytes);
-  for (std::size_t i = 0; i < kBytes; ++i) pbyPcm[i] = static_cast<unsigned char>(i * 31);
-  sound->SetWavInfoData(16000, kBytes, 1, 16, 16, true);
+  unsigned char* const pbyPcm = sound->AllocBuffer(dwBytes);
+  for (unsigned int i = 0; i < dwBytes; ++i) pbyPcm[i] = static_cast<unsigned char>(i * 31);
+  sound->SetWavInfoData(16000, dwBytes, 1, 16, 16, true);
   return sound;
 }
 

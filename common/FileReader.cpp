@@ -25,7 +25,10 @@ void C_FileReader::Close() noexcept {
 std::optional<std::uint64_t> C_FileReader::Measure() noexcept {
   struct stat info {};
   m_qwLength.reset();
-  if (m_pFile != nullptr && fstat(fileno(m_pFile), &info) == 0 && S_ISREG(info.st_mode)) {
+  if (m_pFile == nullptr) return m_qwLength;
+  if (fileno(m_pFile) < 0) {
+    m_qwLength = SizeAndSeekEnd(m_pFile);
+  } else if (fstat(fileno(m_pFile), &info) == 0 && S_ISREG(info.st_mode)) {
     m_qwLength = static_cast<std::uint64_t>(info.st_size);
   }
   return m_qwLength;
@@ -64,6 +67,9 @@ std::optional<std::size_t> C_FileReader::ReadFile(std::uint64_t qwPosition,
                                                   std::span<std::uint8_t> bytes) noexcept {
   constexpr auto qwLast = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
   if (m_pFile == nullptr || qwPosition > qwLast - bytes.size()) return std::nullopt;
+  if (fileno(m_pFile) < 0) {
+    return SeekTo(m_pFile, qwPosition) ? vcm::ReadSome(m_pFile, bytes) : std::nullopt;
+  }
   std::size_t cbRead = 0;
   while (cbRead < bytes.size()) {
     const ssize_t nRead = pread(fileno(m_pFile), bytes.data() + cbRead, bytes.size() - cbRead,

@@ -58,6 +58,8 @@ std::optional<std::size_t> ReadSome(std::FILE* pFile, std::span<std::uint8_t> by
 
 bool IsAtEnd(std::FILE* pFile) noexcept {
   if (std::ferror(pFile) != 0) return false;
+  // A stream in memory is no file of the system.
+  if (fileno(pFile) < 0) return std::feof(pFile) != 0;
   struct stat info {};
   if (fstat(fileno(pFile), &info) != 0) return false;
   if (!S_ISREG(info.st_mode)) return std::feof(pFile) != 0;

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Builds the library for other machines and runs the portable test there, each machine emulated. The
-# test compares what the library puts out with tests/portable/outputs.txt, as the tests on this
-# machine do, so all of them put out the same.
+# Builds the library for other machines and runs the portable tests there, each machine emulated. One
+# compares what the library puts out with tests/portable/outputs.txt, as the tests on this machine
+# do, so all of them put out the same. The other compares each way to code a frame with the plain way.
 #
 #   scripts/architectures.sh [ARCHITECTURE...]
 #

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files of one second of sound, a sample or a frame a unit.
+// Files, a sample or a frame a unit. What is converted is one second long, all in.
 #include <unistd.h>
 
 #include <array>
@@ -10,8 +10,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "CompressedBytes.h"
 #include "ExampleSound.h"
+#include "LongSounds.h"
 #include "Subjects.h"
 #include "WavFileFormat.h"
 #include "file/SpHeader.h"
@@ -69,14 +69,20 @@ void LoadTimes(const C_ScratchFile& file, std::size_t nTimes) {
   for (std::size_t n = 0; n < nTimes; ++n) Use(Load(file)->GetWavDataBuffer());
 }
 
-void LoadPcm(std::size_t nTimes) {
-  const C_ScratchFile file;
-  Save(*ExampleSound({}, kSamples), AUDIO_FILE_WAVE, file);
-  LoadTimes(file, nTimes);
+// Two million samples, so that opening the file does not count, and whole blocks of ADPCM.
+constexpr unsigned int kPcmBytes = 4'096'000;
+
+// nKind: in longsounds::kKinds.
+template <std::size_t nKind>
+constexpr std::size_t kSamplesOf =
+    longsounds::SamplesOfWholeBlocks(longsounds::kKinds[nKind].blocks, kPcmBytes);
+template <std::size_t nKind>
+void LoadLong(std::size_t nTimes) {
+  LoadTimes(C_ScratchFile(longsounds::File(longsounds::kKinds[nKind], false, kPcmBytes)), nTimes);
 }
 
 void SavePcm(std::size_t nTimes) {
-  const C_SoundPtr sound = ExampleSound({}, kSamples);
+  const C_SoundPtr sound = longsounds::Pcm(kPcmBytes);
   const C_ScratchFile file;
   for (std::size_t n = 0; n < nTimes; ++n) Save(*sound, AUDIO_FILE_WAVE, file);
 }
@@ -85,51 +91,6 @@ void SavePcm(std::size_t nTimes) {
 void OpenPcm(std::size_t nTimes) {
   const C_ScratchFile file;
   Save(*ExampleSound({}, 1), AUDIO_FILE_WAVE, file);
-  LoadTimes(file, nTimes);
-}
-
-// Codes of all values.
-C_Bytes AnyBytes(std::size_t cbCount) {
-  C_Bytes bytes(cbCount);
-  std::uint32_t dwRandom = 1;
-  for (auto& by : bytes) {
-    dwRandom = dwRandom * 1664525U + 1013904223U;
-    by = static_cast<std::uint8_t>(dwRandom >> 24);
-  }
-  return bytes;
-}
-
-void LoadMuLaw(std::size_t nTimes) {
-  const C_ScratchFile file(CompressedWav({WAVE_TAG_MULAW, 1, 1, 0, 8}, AnyBytes(kSamples)).Take());
-  LoadTimes(file, nTimes);
-}
-void LoadALaw(std::size_t nTimes) {
-  const C_ScratchFile file(CompressedWav({WAVE_TAG_ALAW, 1, 1, 0, 8}, AnyBytes(kSamples)).Take());
-  LoadTimes(file, nTimes);
-}
-
-// Blocks of 256 bytes, each with a head that says where it begins.
-C_Bytes AdpcmBlocks(std::size_t nBlocks, const C_Bytes& head) {
-  C_Bytes bytes = AnyBytes(nBlocks * 256);
-  for (std::size_t n = 0; n < nBlocks; ++n) {
-    std::copy(head.begin(), head.end(), bytes.begin() + static_cast<std::ptrdiff_t>(n * 256));
-  }
-  return bytes;
-}
-constexpr std::size_t kBlocks = 32;
-constexpr std::size_t kDviBlock = 505;  // samples
-constexpr std::size_t kMsBlock = 500;
-
-void LoadDviAdpcm(std::size_t nTimes) {
-  const C_ScratchFile file(
-      CompressedWav({WAVE_TAG_DVI_ADPCM, 1, 256, kDviBlock, 4}, AdpcmBlocks(kBlocks, {0, 0, 20, 0}))
-          .Take());
-  LoadTimes(file, nTimes);
-}
-void LoadMsAdpcm(std::size_t nTimes) {
-  const C_ScratchFile file(CompressedWav({WAVE_TAG_MS_ADPCM, 1, 256, kMsBlock, 4},
-                                         AdpcmBlocks(kBlocks, {1, 64, 0, 0, 0, 0, 0}))
-                               .Take());
   LoadTimes(file, nTimes);
 }
 
@@ -160,12 +121,12 @@ void KestrelToWav(std::size_t nTimes) {
 
 constexpr std::array kSubjects = {
     S_Subject{"wav-open", "file", 1, 20, 120, &OpenPcm},
-    S_Subject{"wav-load-16", "sample", kSamples, 2, 12, &LoadPcm},
-    S_Subject{"wav-save-16", "sample", kSamples, 2, 12, &SavePcm},
-    S_Subject{"wav-load-mulaw", "sample", kSamples, 2, 12, &LoadMuLaw},
-    S_Subject{"wav-load-alaw", "sample", kSamples, 2, 12, &LoadALaw},
-    S_Subject{"wav-load-dvi4", "sample", kBlocks* kDviBlock, 2, 12, &LoadDviAdpcm},
-    S_Subject{"wav-load-ms", "sample", kBlocks* kMsBlock, 2, 12, &LoadMsAdpcm},
+    S_Subject{"wav-load-16", "thousand", kSamplesOf<0> / 1000, 1, 4, &LoadLong<0>},
+    S_Subject{"wav-load-mulaw", "sample", kSamplesOf<1>, 1, 4, &LoadLong<1>},
+    S_Subject{"wav-load-alaw", "sample", kSamplesOf<2>, 1, 4, &LoadLong<2>},
+    S_Subject{"wav-load-dvi4", "sample", kSamplesOf<3>, 1, 4, &LoadLong<3>},
+    S_Subject{"wav-load-ms", "sample", kSamplesOf<4>, 1, 4, &LoadLong<4>},
+    S_Subject{"wav-save-16", "thousand", kSamplesOf<0> / 1000, 1, 4, &SavePcm},
     S_Subject{"wav-to-kestrel", "frame", kFrames, 2, 12, &WavToKestrel},
     S_Subject{"kestrel-to-wav", "frame", kFrames, 2, 12, &KestrelToWav},
 };

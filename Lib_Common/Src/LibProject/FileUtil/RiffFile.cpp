@@ -113,6 +113,16 @@ std::unique_ptr<C_RiffChunk> ReadChunk(const C_RiffStreamPtr& stream, std::uint6
                                        stream);
 }
 
+// Whether a pipe ends before it holds the header of a chunk. A pipe has no positions, so a chunk in
+// it could not be found again.
+bool EndsWithoutAChunk(std::FILE* pPipe) {
+  int nByte = 0;
+  while (nByte == 0) nByte = std::getc(pPipe);
+  if (nByte == EOF) return std::ferror(pPipe) == 0;
+  std::array<std::uint8_t, kChunkHeaderLength - 1> rest{};
+  return vcm::ReadSome(pPipe, rest).value_or(rest.size()) < rest.size();
+}
+
 bool WriteZeros(std::FILE* pFile, std::uint32_t dwCount) {
   static constexpr std::array<std::uint8_t, 4096> kZeros{};
   while (dwCount > 0) {
@@ -156,12 +166,9 @@ C_RiffChunk* C_RiffChunkList::AddChunk(const char* pszID, unsigned int dwSize) {
 }
 
 bool C_RiffChunkList::LoadChunks(std::FILE* pFile, unsigned int dwLength) {
+  if (dwLength < kChunkHeaderLength) return true;
   const auto qwStart = vcm::Tell(pFile);
-  if (!qwStart) {
-    // A pipe has no positions. It is no list unless it ends before the first header does.
-    std::array<std::uint8_t, kChunkHeaderLength> header{};
-    return vcm::ReadSome(pFile, header).value_or(header.size()) < header.size();
-  }
+  if (!qwStart) return EndsWithoutAChunk(pFile);
   std::uint64_t qwPosition = *qwStart;
   const bool bRet = LoadChunks(std::make_shared<S_RiffStream>(pFile), &qwPosition, dwLength);
   return vcm::SeekTo(pFile, qwPosition) && bRet;
@@ -172,13 +179,19 @@ bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, std::uint64_t* p
   std::uint32_t dwRemaining = dwLength;
   while (dwRemaining >= kChunkHeaderLength) {
     const auto qwHeader = SkipZeros(*stream, *pqwPosition);
-    if (!qwHeader) break;
+    if (!qwHeader) {
+      *pqwPosition = stream->reader.Length().value_or(*pqwPosition);
+      break;
+    }
     // Kept: the count may wrap and is not checked again before the header is read. A chunk after
     // the zeros is therefore listed even when the RIFF size ends inside them. Old writers leave
     // their zero filler out of the size. Pinned by ZeroRunAcrossTheRiffEnd_ListsTheChunkAfterIt.
     dwRemaining -= static_cast<std::uint32_t>(*qwHeader - *pqwPosition);
     auto chunk = ReadChunk(stream, *qwHeader);
-    if (!chunk) break;
+    if (!chunk) {
+      *pqwPosition = stream->reader.Length().value_or(*qwHeader);
+      break;
+    }
     const std::uint64_t qwTaken = std::uint64_t{kChunkHeaderLength} + chunk->GetDataLength();
     *pqwPosition = *qwHeader + qwTaken;
     vcm::AddOwned(*this, std::move(chunk));
@@ -260,7 +273,9 @@ bool C_RiffChunk::HasChunkID(const char* pszID) const {
 std::unique_ptr<std::uint8_t[]> C_RiffChunk::ReadAll(std::size_t cbMore) {
   if (m_dwSize == 0 || !m_stream || !m_stream->reader.IsOpen()) return nullptr;
   if (CountHeldPayload() != m_dwSize) return nullptr;
-  auto pbyData = vcm::NewBytes(std::size_t{m_dwSize} + cbMore);
+  const std::uint64_t qwBytes = std::uint64_t{m_dwSize} + cbMore;
+  if (!std::in_range<std::size_t>(qwBytes)) return nullptr;
+  auto pbyData = vcm::NewBytes(static_cast<std::size_t>(qwBytes));
   const auto cbRead = m_stream->Read(m_bOwnFile ? 0 : m_dwDataPos, {pbyData.get(), m_dwSize});
   if (cbRead != m_dwSize) return nullptr;
   std::fill_n(pbyData.get() + m_dwSize, cbMore, std::uint8_t{0});
@@ -324,9 +339,14 @@ bool C_RiffChunk::ReadPayload() {
 }
 
 std::optional<std::uint32_t> C_RiffChunk::CountHeldPayload() const {
-  const auto qwFileLength = m_stream->reader.Length();
-  if (!qwFileLength) return std::nullopt;
   const std::uint64_t qwFrom = m_bOwnFile ? 0 : m_dwDataPos;
+  auto qwFileLength = m_stream->reader.Length();
+  // The file may have been written to its end in the meantime.
+  if (qwFileLength && *qwFileLength < qwFrom + m_dwSize) {
+    qwFileLength = m_stream->reader.Measure();
+    m_stream->bReadError |= !qwFileLength;
+  }
+  if (!qwFileLength) return std::nullopt;
   const std::uint64_t qwHeld = *qwFileLength - std::min(*qwFileLength, qwFrom);
   return static_cast<std::uint32_t>(std::min<std::uint64_t>(qwHeld, m_dwSize));
 }

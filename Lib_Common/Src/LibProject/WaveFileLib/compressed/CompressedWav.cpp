@@ -128,10 +128,14 @@ bool Load(const C_WavFileCodecInfo& codecInfo, vcm::C_FileReader& file, std::uin
   std::optional<unsigned int> dwPcm = decoder->GetDecodedSize(codecInfo, dwEncoded);
   if (!dwPcm || !IsAccountedFor(*dwPcm, dwEncoded)) return false;
   unsigned char* const pbyPcm = wavData.AllocBuffer(*dwPcm);
-  if (pbyPcm == nullptr) return false;
+  if (pbyPcm == nullptr && *dwPcm > 0) return false;
   C_PieceDecoder pieceDecoder(codecInfo, *decoder, {pbyPcm, *dwPcm});
   const auto dwDecoded = DecodeFile(pieceDecoder, file, qwPosition, dwEncoded);
-  if (!dwDecoded) return false;
+  if (!dwDecoded) {
+    // Most of the memory holds nothing yet.
+    wavData.AllocBuffer(0);
+    return false;
+  }
   // A file that became shorter in the meantime has a shorter sound.
   if (*dwDecoded < dwEncoded) dwPcm = decoder->GetDecodedSize(codecInfo, *dwDecoded);
   const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();

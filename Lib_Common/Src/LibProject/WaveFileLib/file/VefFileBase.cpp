@@ -133,7 +133,7 @@ bool C_VefFileBase::LoadVefAsStored() {
 
 bool C_VefFileBase::AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData,
                                  unsigned int dwLength) {
-  return wavchunks::AddChunk(riff, kStream, pbyData, dwLength);
+  return wavchunks::LendChunk(riff, kStream, pbyData, dwLength);
 }
 
 bool C_VefFileBase::AddDataChunk(C_RiffFile& riff, vcm::C_FilePtr file, unsigned int dwLength) {

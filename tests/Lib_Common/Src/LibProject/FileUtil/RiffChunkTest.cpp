@@ -3,6 +3,8 @@
 // Chunks, their payloads and lists of chunks.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
 #include <type_traits>
 
 #include "LargestAllocation.h"
@@ -48,6 +50,12 @@ TEST_F(RiffChunk, GetData_OutsideThePayload_IsFalse) {
   EXPECT_FALSE(pChunk->GetData(target.data(), 0xFFFFFFFFu, 2));
   EXPECT_EQ(target, C_Bytes(8, 0xEE));
   EXPECT_TRUE(pChunk->GetData(target.data(), 4, 0));
+}
+
+TEST_F(RiffChunk, GetData_OfAPayloadThatIsCompletedAfterOpening_IsTrue) {
+  C_RiffChunk* pChunk = OpenOne(4, {1, 2});
+  std::ofstream(m_folder.Path("in"), std::ios::binary | std::ios::app) << "\3\4";
+  EXPECT_EQ(PayloadOf(pChunk), (C_Bytes{1, 2, 3, 4}));
 }
 
 TEST_F(RiffChunk, GetData_OfAnEmptyChunk_IsFalse) {
@@ -269,6 +277,34 @@ TEST(RiffChunkList, LoadChunks_ReadsFromTheStreamsPosition) {
   EXPECT_EQ(PayloadOf(list.GetAt(0)), (C_Bytes{4, 5}));
 }
 
+TEST(RiffChunkList, LoadChunks_LeavesTheStreamWhereTheListEnds) {
+  const C_TempFolder folder;
+  const auto positionAfter = [&](const C_Bytes& bytes, unsigned int dwLength) {
+    const auto file = vcm::OpenFile(folder.Write("in", bytes).c_str(), "rb");
+    C_RiffChunkList list;
+    EXPECT_TRUE(list.LoadChunks(file.get(), dwLength));
+    EXPECT_EQ(list.GetCount(), 1);
+    return vcm::Tell(file.get());
+  };
+  const C_Bytes chunk = ChunkBytes("aaaa", {4, 5, 6, 7});
+  EXPECT_EQ(positionAfter(Join({chunk, chunk}), 12), 12u);
+  EXPECT_EQ(positionAfter(Join({chunk, C_Bytes(13, 0)}), 100), 25u);
+  EXPECT_EQ(positionAfter(Join({chunk, {'b', 'b', 'b'}}), 100), 15u);
+}
+
+TEST(RiffChunkList, LoadChunks_OfAStreamInMemory_ListsAndReads) {
+  C_Bytes bytes = Join({{1, 2}, ChunkBytes("aaaa", {4, 5}), {0, 0}, ChunkBytes("bbbb", {6})});
+  std::FILE* pMemory = fmemopen(bytes.data(), bytes.size(), "rb");
+  ASSERT_NE(pMemory, nullptr);
+  ASSERT_TRUE(vcm::SeekTo(pMemory, 2));
+  C_RiffChunkList list;
+  EXPECT_TRUE(list.LoadChunks(pMemory, 100));
+  ASSERT_EQ(list.GetCount(), 2);
+  EXPECT_EQ(PayloadOf(list.GetAt(0)), (C_Bytes{4, 5}));
+  EXPECT_EQ(PayloadOf(list.GetAt(1)), (C_Bytes{6}));
+  std::fclose(pMemory);
+}
+
 TEST(RiffChunkList, Skip_MovesOnAlsoPastTheEnd) {
   const C_TempFolder folder;
   const auto file = vcm::OpenFile(folder.Write("in", {1, 2, 3}).c_str(), "rb");
@@ -286,4 +322,21 @@ TEST(RiffChunkList, Skip_OnAPipe_Fails) {
   EXPECT_TRUE(list.LoadChunks(pPipe, 100));
   EXPECT_EQ(list.GetCount(), 0);
   pclose(pPipe);
+}
+
+TEST(RiffChunkList, LoadChunks_OfAPipe_IsTrueUntilThereIsAHeader) {
+  const auto load = [](const char* pszCommand, unsigned int dwLength, int nNext) {
+    std::FILE* pPipe = popen(pszCommand, "r");
+    C_RiffChunkList list;
+    const bool bRet = list.LoadChunks(pPipe, dwLength);
+    EXPECT_EQ(list.GetCount(), 0);
+    EXPECT_EQ(std::fgetc(pPipe), nNext) << pszCommand;
+    pclose(pPipe);
+    return bRet;
+  };
+  EXPECT_TRUE(load("printf abcdefgh", 7, 'a')) << "too short for a header, so nothing is read";
+  EXPECT_TRUE(load("head -c 20 /dev/zero", 100, EOF));
+  EXPECT_TRUE(load("printf abcdefg", 100, EOF));
+  EXPECT_FALSE(load("printf abcdefghi", 100, 'i'));
+  EXPECT_FALSE(load("head -c 3 /dev/zero; printf abcdefghi", 100, 'i'));
 }

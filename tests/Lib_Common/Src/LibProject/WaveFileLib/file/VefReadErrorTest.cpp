@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A container that cannot be read is not a container of another kind.
+// A container that cannot be read is not a container of another kind, and a sound that cannot be
+// read holds no memory that nobody has filled.
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "CompressedBytes.h"
 #include "ExampleSound.h"
 #include "FaultyIo.h"
 #include "FolderTest.h"
 #include "file/HeronFile.h"
 #include "file/KestrelFile.h"
+#include "file/WavFile.h"
+#include "sound/WavDataBuffer.h"
 
 namespace {
 
@@ -35,6 +39,26 @@ TEST_F(VefReadError, WhileItsTypeIsRead_DoesNotMakeItAKestrelContainer) {
     if (!faults.WasHit()) break;
   }
   EXPECT_GT(nRefused, 3);
+}
+
+TEST_F(VefReadError, WhileSamplesAreDecoded_LeavesNothingInTheSound) {
+  S_Blocks blocks = OneOfEachKind().front();
+  const C_Bytes encoded(std::size_t{blocks.wBlockAlign} * 400);
+  Write("adpcm", CompressedWav(blocks, encoded).Take());
+  int nFailed = 0;
+  for (int nCall = 1;; ++nCall) {
+    C_WavFile file;
+    C_FaultyIo faults({.nCall = nCall});
+    const bool bLoaded = file.LoadByName(Path("adpcm").c_str(), false, nullptr, nullptr);
+    faults.Stop();
+    if (!faults.WasHit()) break;
+    if (bLoaded || file.GetWavData() == nullptr) continue;
+    ++nFailed;
+    auto* const pBuffer = dynamic_cast<C_WavDataBuffer*>(file.GetWavData()->GetIWaveDataBuffer());
+    ASSERT_NE(pBuffer, nullptr);
+    EXPECT_EQ(pBuffer->GetLength(), 0U) << nCall;
+  }
+  EXPECT_GT(nFailed, 3);
 }
 
 }  // namespace

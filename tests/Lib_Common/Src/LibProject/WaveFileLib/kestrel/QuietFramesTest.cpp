@@ -44,8 +44,8 @@ S_Weights WeightsOf(std::size_t nBlock, std::size_t nValue) {
   S_Weights weights{};
   for (std::size_t i = 0; i < kKernel; ++i) {
     const S_Weights& row = ButterflyMatrix()[nBlock * kKernel + i];
-    for (std::size_t k = 0; k < weights.size(); ++k)
-      weights[k] += row[k] * kAnalysisCore[i][nValue];
+    const double dFactor = kAnalysisCore[i][nValue];
+    for (std::size_t k = 0; k < weights.size(); ++k) weights[k] += row[k] * dFactor;
   }
   return weights;
 }
