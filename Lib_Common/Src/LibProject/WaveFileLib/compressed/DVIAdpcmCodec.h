@@ -23,14 +23,6 @@ class C_DVIAdpcmCodec : public C_MSAdpcmCodec {
   // Decodes (P - 1) / 8 groups at most (P as in MSAdpcmCodec.h).
   bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
                    short* pSamples, unsigned int dwBlockBytes, unsigned int dwCapacity) override;
-
- protected:
-  // Each block is decoded by itself.
-  unsigned int DecodeBlocks(const C_WavFileCodecInfo& /*codecInfo*/,
-                            const unsigned char* /*pbyBlocks*/, short* /*pSamples*/,
-                            unsigned int /*dwBlocks*/) override {
-    return 0;
-  }
 };
 
 class C_DVIAdpcm3BitCodec : public C_MSAdpcmCodec {
@@ -40,12 +32,4 @@ class C_DVIAdpcm3BitCodec : public C_MSAdpcmCodec {
                                              unsigned int dwEncodedBytes) override;
   bool DecodeBlock(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlock,
                    short* pSamples, unsigned int dwBlockBytes, unsigned int dwCapacity) override;
-
- protected:
-  // Each block is decoded by itself.
-  unsigned int DecodeBlocks(const C_WavFileCodecInfo& /*codecInfo*/,
-                            const unsigned char* /*pbyBlocks*/, short* /*pSamples*/,
-                            unsigned int /*dwBlocks*/) override {
-    return 0;
-  }
 };

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <span>
+#include <typeinfo>
 #include <vector>
 
 #include "CheckedSize.h"
@@ -178,6 +179,8 @@ unsigned int C_MSAdpcmCodec::DecodeBlocks(const C_WavFileCodecInfo& codecInfo,
   const S_PcmFormatRecord pcm = codecInfo.GetPCMWAVEFORMAT();
   const std::size_t nChannels = pcm.wChannels;
   const std::size_t cbHeader = kHeaderBytes * nChannels;
+  // A class derived from this one decodes other blocks.
+  if (typeid(*this) != typeid(C_MSAdpcmCodec)) return 0;
   if (vcm::UsableInstructions() < vcm::tagInstructions::kAvx2 || nChannels > 2 ||
       pcm.wBlockAlign < cbHeader || pbyBlocks == nullptr || pSamples == nullptr) {
     return 0;

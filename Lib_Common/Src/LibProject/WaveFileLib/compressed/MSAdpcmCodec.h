@@ -55,15 +55,15 @@ class C_MSAdpcmCodec {
                            unsigned int dwCapacity);  // 4
 
  protected:
-  // Decodes some of dwBlocks whole blocks at once, the first ones, for all of which there is room,
-  // and returns how many. 0 when the next block has to be decoded by itself. Overridden wherever
-  // DecodeBlock is.
-  virtual unsigned int DecodeBlocks(const C_WavFileCodecInfo& codecInfo,
-                                    const unsigned char* pbyBlocks, short* pSamples,
-                                    unsigned int dwBlocks);  // 5
   // The ADPCM rule of GetDecodedSize, with (r - 6K) x nSamples / nBytes samples for the remainder,
   // rounded toward zero.
   static std::optional<unsigned int> GetAdpcmSize(const C_WavFileCodecInfo& codecInfo,
                                                   unsigned int dwEncodedBytes, int nSamples,
                                                   int nBytes);
+
+ private:
+  // Decodes some of dwBlocks whole blocks at once, the first ones, for all of which there is room,
+  // and returns how many. 0 when the next block has to be decoded by itself.
+  unsigned int DecodeBlocks(const C_WavFileCodecInfo& codecInfo, const unsigned char* pbyBlocks,
+                            short* pSamples, unsigned int dwBlocks);
 };

@@ -36,13 +36,6 @@ class C_RecordingCodec : public C_MSAdpcmCodec {
     m_calls.push_back({pbyBlock - m_pbyFirst, pSamples - m_pFirst, dwBlockBytes, dwCapacity});
     return false;
   }
-  unsigned int DecodeBlocks(const C_WavFileCodecInfo& /*codecInfo*/, const unsigned char* pbyBlocks,
-                            short* pSamples, unsigned int dwBlocks) override {
-    const unsigned int dwDone = std::min(dwBlocks, m_dwAtOnce);
-    if (dwDone > 0) m_calls.push_back({pbyBlocks - m_pbyFirst, pSamples - m_pFirst, 0, dwBlocks});
-    return dwDone;
-  }
-  void DecodeAtOnce(unsigned int dwBlocks) { m_dwAtOnce = dwBlocks; }
   std::vector<S_Call> CallsOf(const C_WavFileCodecInfo& info, unsigned int dwBytes,
                               unsigned int dwCapacity) {
     const C_Bytes encoded(dwBytes);
@@ -55,7 +48,6 @@ class C_RecordingCodec : public C_MSAdpcmCodec {
   }
 
  private:
-  unsigned int m_dwAtOnce = 0;
   std::vector<S_Call> m_calls;
   const unsigned char* m_pbyFirst = nullptr;
   const short* m_pFirst = nullptr;
@@ -149,16 +141,6 @@ TEST(MSAdpcmCodec, WholeBlocks_AreDecodedOneByOne) {
             (C_Calls{{0, 0, 256, 1000}, {256, 500, 256, 1000}, {512, 1000, 256, 1000}}));
   EXPECT_EQ(codec.CallsOf(InfoOf(Ms(2, 64, 50)), 128, 500),
             (C_Calls{{0, 0, 64, 200}, {64, 100, 64, 200}}));
-}
-
-// The number of blocks for which there is room stands where the others have a capacity.
-TEST(MSAdpcmCodec, BlocksThatAreDecodedAtOnce_AreNotDecodedAgain) {
-  C_RecordingCodec codec;
-  codec.DecodeAtOnce(2);
-  EXPECT_EQ(codec.CallsOf(Mono(), 5 * 256 + 9, 5100),
-            (C_Calls{{0, 0, 0, 5}, {512, 1000, 0, 3}, {1024, 2000, 0, 1}, {1280, 2500, 9, 100}}));
-  EXPECT_EQ(codec.CallsOf(Mono(), 3 * 256, 1999),
-            (C_Calls{{0, 0, 0, 1}, {256, 500, 256, 999}, {512, 999, 256, 0}}));
 }
 
 TEST(MSAdpcmCodec, OneByteAfterWholeBlocks_IsABlockOfItsOwn) {
