@@ -29,5 +29,6 @@ build() {
     exit 1
   }
 }
-build archives -DCMAKE_POSITION_INDEPENDENT_CODE=ON
+# Consumers may join sources, too; it also saves time here.
+build archives -DCMAKE_POSITION_INDEPENDENT_CODE=ON -DCMAKE_UNITY_BUILD=ON
 build shared -DBUILD_SHARED_LIBS=ON -DCMAKE_CXX_VISIBILITY_PRESET=hidden -DCMAKE_UNITY_BUILD=ON

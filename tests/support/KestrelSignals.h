@@ -62,6 +62,7 @@ class C_Signals {
 inline void Damage(C_Signals& signals, std::span<std::uint16_t> words) {
   const auto anyWord = [&] { return static_cast<std::uint16_t>(signals.Sample()); };
   const auto nAt = signals.Below(static_cast<unsigned int>(words.size()));
+  const auto rest = words.subspan(nAt);
   switch (signals.Below(8)) {
     case 0:
       std::generate(words.begin(), words.end(), anyWord);
@@ -70,10 +71,10 @@ inline void Damage(C_Signals& signals, std::span<std::uint16_t> words) {
       words[nAt] = static_cast<std::uint16_t>(words[nAt] ^ 1u << signals.Below(16));
       break;
     case 2:
-      std::generate(words.begin() + nAt, words.end(), anyWord);
+      std::generate(rest.begin(), rest.end(), anyWord);
       break;
     case 3:
-      std::fill(words.begin() + nAt, words.end(), std::uint16_t{0xFFFF});
+      std::fill(rest.begin(), rest.end(), std::uint16_t{0xFFFF});
       break;
     default:
       break;
