@@ -5,8 +5,8 @@
 //
 //   growth                  prints the names of the operations and what their size counts
 //   growth NAME SIZE FILE   prints milliseconds of processor time and the most memory in KiB, both
-//   of
-//                           the operation without what prepares it. FILE is written over and left
+//                           of the operation without what prepares it. FILE is written over and
+//                           left
 #include <sys/resource.h>
 
 #include <cstdio>

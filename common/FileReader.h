@@ -22,8 +22,8 @@ class C_FileReader {
   C_FileReader() = default;
   // Owns the file; null counts as a closed one.
   explicit C_FileReader(C_FilePtr file);
-  // Borrows the file. Its own position does not matter, and reading does not move it. (Only streams
-  // without a file of the system, as fmemopen makes them, are read at their own position.)
+  // Borrows the file. Its own position does not matter, and reading does not move it. (Only of a
+  // stream without a file of the system, as fmemopen makes it, measuring and reading do.)
   explicit C_FileReader(std::FILE* pFile);
   C_FileReader(const C_FileReader&) = delete;
   C_FileReader& operator=(const C_FileReader&) = delete;

@@ -36,7 +36,8 @@ using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 [[nodiscard]] std::optional<std::size_t> ReadSome(std::FILE* pFile,
                                                   std::span<std::uint8_t> bytes) noexcept;
 
-// True when the file ends at the stream's position, as opposed to a file that cannot be read on.
+// True when the file ends at the stream's position, as opposed to a file that cannot be read on. Of
+// pipes and of streams in memory, that is known only once a read has met the end.
 [[nodiscard]] bool IsAtEnd(std::FILE* pFile) noexcept;
 
 // Copies pFrom from its position to its end. False when it cannot be read to its end, and when not

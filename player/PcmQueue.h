@@ -50,7 +50,7 @@ class C_PcmQueue {
   pthread_mutex_t m_lock;
 };
 
-// Kept: the only queue of the process is allocated in every mode, before the command line is read.
-// Where there is no memory for it, no mode begins. Pinned by
+// Kept: the only queue of the process is allocated and zeroed in every mode, before the command
+// line is read, so that no mode begins without it. Pinned by
 // TheProcessWideQueue_IsZeroedBeforeMainBegins.
 extern C_PcmQueue g_pcmQueue;

@@ -24,7 +24,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # Inputs are small, so little freed memory need be kept to find what uses it. That saves an eighth.
-export ASAN_OPTIONS=quarantine_size_mb=8:malloc_context_size=8
+export ASAN_OPTIONS=quarantine_size_mb=8:malloc_context_size=8${ASAN_OPTIONS:+:$ASAN_OPTIONS}
 # The weights of libFuzzer's usual schedule take up to a third of the time of a fast fuzzer.
 export options="-timeout=10 -rss_limit_mb=2048 -malloc_limit_mb=160 -entropic=0 -print_final_stats=1"
 

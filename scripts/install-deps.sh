@@ -20,7 +20,7 @@ library=(g++ cmake make)
 player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
 tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
   ffmpeg)
-# What the benchmarks measure beside the library. Only the program peers_bench links it.
+# What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
 ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")
 # The cross compilers bring their C and C++ libraries; static programs need nothing else to run.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Other programs' libraries, as the benchmark beside them uses them: PCM, G.711 and ADPCM in WAV
-// files, nothing else. Their licences are not ours. Only bench/peers_bench links them. It is built
-// where they are found, to be run there; it is not installed and must not be passed on.
+// files, nothing else. Their licences are not ours. Only bench/peers_bench links libsox and FFmpeg.
+// It is built where they are found, to be run there; it is not installed and must not be passed on.
 //
 // Each is used in the fastest way that its interface offers for mono sounds. The program stops when
 // one of them fails.

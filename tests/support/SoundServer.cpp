@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SoundServer.h"
-#include "FileBytes.h"
 
 #include <fcntl.h>
 #include <signal.h>  // NOLINT(modernize-deprecated-headers): kill
@@ -13,6 +12,8 @@
 #include <filesystem>
 #include <thread>
 #include <utility>
+
+#include "FileBytes.h"
 
 // The client libraries are not built for the thread sanitizer, so it does not see how their own
 // threads synchronise.

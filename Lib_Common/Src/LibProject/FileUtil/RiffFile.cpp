@@ -179,8 +179,9 @@ bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, std::uint64_t* p
   std::uint32_t dwRemaining = dwLength;
   while (dwRemaining >= kChunkHeaderLength) {
     const auto qwHeader = SkipZeros(*stream, *pqwPosition);
+    const std::uint64_t qwEnd = stream->reader.Length().value_or(0);
     if (!qwHeader) {
-      *pqwPosition = stream->reader.Length().value_or(*pqwPosition);
+      *pqwPosition = std::max(*pqwPosition, qwEnd);
       break;
     }
     // Kept: the count may wrap and is not checked again before the header is read. A chunk after
@@ -189,7 +190,7 @@ bool C_RiffChunkList::LoadChunks(const C_RiffStreamPtr& stream, std::uint64_t* p
     dwRemaining -= static_cast<std::uint32_t>(*qwHeader - *pqwPosition);
     auto chunk = ReadChunk(stream, *qwHeader);
     if (!chunk) {
-      *pqwPosition = stream->reader.Length().value_or(*qwHeader);
+      *pqwPosition = std::max(*pqwPosition, std::min(*qwHeader + kChunkHeaderLength, qwEnd));
       break;
     }
     const std::uint64_t qwTaken = std::uint64_t{kChunkHeaderLength} + chunk->GetDataLength();
@@ -248,8 +249,9 @@ void C_RiffChunk::SetData(const void* pSrc) {
   m_pbyData = m_pbyOwned.get();
 }
 
-void C_RiffChunk::LendData(const void* pSrc) {
+void C_RiffChunk::LendData(const void* pSrc, std::shared_ptr<const void> keeper) {
   if (m_dwSize == 0) return;
+  m_keeper = std::move(keeper);
   m_pbyData = static_cast<const std::uint8_t*>(pSrc);
   m_pbyOwned.reset();
 }

@@ -47,10 +47,11 @@ class C_RiffChunkList : public C_CLArray<C_RiffChunk*, C_RiffChunk*, true> {
   // Appends a chunk in memory, without a payload, and returns it; the list owns it.
   C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
   // Appends the chunks that start within dwLength bytes from the stream's position, and moves the
-  // stream past the last one. The end of the file only ends the listing. False when the file holds
+  // stream past what was read: the last chunk, or the end of the file where zeros or a cut header
+  // lead there. The end of the file only ends the listing. False when the file holds
   // more but cannot be read. The stream must stay open until the payloads have been read.
   bool LoadChunks(std::FILE* pFile, unsigned int dwLength);
-  // The same from *pqwPosition on, which becomes the position after the last chunk.
+  // The same from *pqwPosition on, which is moved instead of a stream.
   bool LoadChunks(const C_RiffStreamPtr& stream, std::uint64_t* pqwPosition, unsigned int dwLength);
   // Writes every chunk, header then payload. False when a write fails.
   bool WriteChunks(std::FILE* pFile);
@@ -76,7 +77,8 @@ class C_RiffChunk : public I_RiffChunk {
   void SetData(const void* pSrc) override;
   // Makes the payload GetDataLength() bytes of the caller's, which must stay as they are until the
   // file is saved and while the payload is used otherwise. Does nothing when the size is 0.
-  void LendData(const void* pSrc);
+  // keeper, if it is given, is what keeps them; the chunk holds it.
+  void LendData(const void* pSrc, std::shared_ptr<const void> keeper = nullptr);
   // Makes the payload the first GetDataLength() bytes of a file, which the chunk then owns. They
   // are read when the chunk is written, or when they are asked for.
   void TakeFile(vcm::C_FilePtr file);
@@ -124,6 +126,7 @@ class C_RiffChunk : public I_RiffChunk {
   C_RiffStreamPtr m_stream;
   std::unique_ptr<std::uint8_t[]> m_pbyOwned;
   const std::uint8_t* m_pbyData = nullptr;  // the payload, when it is in memory: owned or lent
+  std::shared_ptr<const void> m_keeper;     // of what is lent
   C_RiffChunkList m_subChunks;
 };
 

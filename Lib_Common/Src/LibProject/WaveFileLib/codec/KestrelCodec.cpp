@@ -240,10 +240,13 @@ bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,
   if (piWavData == nullptr || ppbyEncData == nullptr || pdwEncDataLen == nullptr) return false;
   *ppbyEncData = nullptr;
   *pdwEncDataLen = 0;
-  C_MonoSamples samples(MonoPcm(piWavData));
-  // The callback may give the sound other samples.
+  auto pcm = MonoPcm(piWavData);
+  // The callback may give the sound other memory.
   C_WavData* const pOwn = AsOurOwn(*piWavData);
   const auto kept = pOwn != nullptr ? pOwn->KeepBuffer() : nullptr;
+  std::vector<std::uint8_t> copy;
+  if (!kept) pcm = copy = {pcm.begin(), pcm.end()};
+  C_MonoSamples samples(pcm);
   auto written = EncodeToFile(samples, dwBitRate, pfnProgress);
   if (!written) return false;
   return tempstream::HandOver(tempstream::ReadAll(*written), ppbyEncData, pdwEncDataLen);

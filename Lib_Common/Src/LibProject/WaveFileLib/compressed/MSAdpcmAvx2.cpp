@@ -166,14 +166,14 @@ inline void Store(std::int16_t* pFirst, std::int16_t* pSecond, R a) {
 // lanes each.
 template <int nChannels>
 inline void StoreTile(const S_Places& places, std::size_t nFrame, R a, R b, R c, R d) {
-  const R ab02 = _mm256_unpacklo_epi32(a, b);
-  const R ab13 = _mm256_unpackhi_epi32(a, b);
-  const R cd02 = _mm256_unpacklo_epi32(c, d);
-  const R cd13 = _mm256_unpackhi_epi32(c, d);
-  const R lane0 = _mm256_unpacklo_epi64(ab02, cd02);
-  const R lane1 = _mm256_unpackhi_epi64(ab02, cd02);
-  const R lane2 = _mm256_unpacklo_epi64(ab13, cd13);
-  const R lane3 = _mm256_unpackhi_epi64(ab13, cd13);
+  const R ab01 = _mm256_unpacklo_epi32(a, b);
+  const R ab23 = _mm256_unpackhi_epi32(a, b);
+  const R cd01 = _mm256_unpacklo_epi32(c, d);
+  const R cd23 = _mm256_unpackhi_epi32(c, d);
+  const R lane0 = _mm256_unpacklo_epi64(ab01, cd01);
+  const R lane1 = _mm256_unpackhi_epi64(ab01, cd01);
+  const R lane2 = _mm256_unpacklo_epi64(ab23, cd23);
+  const R lane3 = _mm256_unpackhi_epi64(ab23, cd23);
   const std::size_t n = nFrame * nChannels;
   const auto& samples = places.samples;
   if constexpr (nChannels == 1) {

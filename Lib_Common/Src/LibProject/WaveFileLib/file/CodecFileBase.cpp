@@ -84,7 +84,7 @@ bool C_CodecFileBase::WriteDataChunk(C_RiffFile* pRiffFile) {
   S_Stream stream;
   if (pRiffFile == nullptr || !MakeStream(nullptr, &stream)) return false;
   if (stream.file) return AddDataChunk(*pRiffFile, std::move(stream.file), stream.dwLength);
-  return AddDataChunk(*pRiffFile, stream.pbyData, stream.dwLength);
+  return AddDataChunk(*pRiffFile, stream.pbyData, stream.dwLength, std::move(stream.keeper));
 }
 
 bool C_CodecFileBase::WriteAs(tagAudioFileType eType, const char* pszFileName, bool bEncode,
@@ -92,29 +92,32 @@ bool C_CodecFileBase::WriteAs(tagAudioFileType eType, const char* pszFileName, b
                               bool bForceEncode) {
   m_bForceEncode = bForceEncode;
   if (!bEncode) return WriteVef(pszFileName, "VEFF", /*bHeader=*/true, eType);
+  // The callback may give the sound another rate.
+  const unsigned int dwSampleRate = GetWavData() == nullptr ? 0 : GetWavInfo()->GetSampleRate();
   S_Stream stream;
   if (!MakeStream(pfnProgress, &stream)) return false;
   // Kept: this writes a bare stream, although no file class opens one. To open it again, callers
   // prepend an SP header. Pinned by WriteFile_WritesTheBareStreamWithoutAHeader,
   // BareStream_IsOpenedByNoClass.
-  std::optional<tagAudioFileType> eHeadType;
-  if (bWriteCodecHead) eHeadType = eType;
-  return WriteStreamFile(pszFileName, stream, eHeadType);
+  std::optional<S_Head> head;
+  if (bWriteCodecHead) head = {eType, dwSampleRate};
+  return WriteStreamFile(pszFileName, stream, head);
 }
 
 bool C_CodecFileBase::BorrowStream(S_Stream* pStream) {
   pStream->pbyData = GetWavData()->GetEncBuffer();
   pStream->dwLength = GetWavData()->GetEncBufferLen();
+  C_WavData* const pOwn = AsOurOwn(*GetWavData());
+  pStream->keeper = pOwn != nullptr ? pOwn->KeepEncBuffer() : nullptr;
   return pStream->pbyData != nullptr && pStream->dwLength > 0;
 }
 
 bool C_CodecFileBase::WriteStreamFile(const char* pszFileName, S_Stream& stream,
-                                      std::optional<tagAudioFileType> eHeadType) {
+                                      std::optional<S_Head> head) {
   vcm::C_TargetFile target(pszFileName);
   std::FILE* pFile = target.Stream();
   if (pFile == nullptr) return false;
-  const bool bHead =
-      !eHeadType || codechead::Write(pFile, *eHeadType, GetWavInfo()->GetSampleRate());
+  const bool bHead = !head || codechead::Write(pFile, head->eType, head->dwSampleRate);
   return target.Commit(bHead &&
                        (stream.file ? vcm::CopyRest(stream.file.get(), pFile)
                                     : vcm::WriteExact(pFile, {stream.pbyData, stream.dwLength})));

@@ -77,6 +77,7 @@ class C_CodecFileBase : public C_VefFileBase {
   struct S_Stream {
     vcm::C_FilePtr file;  // at its beginning
     const unsigned char* pbyData = nullptr;
+    std::shared_ptr<const void> keeper;  // of what is borrowed; null when nobody keeps it
     unsigned int dwLength = 0;
 
     void Own(vcm::C_FilePtr encoded, unsigned int dwEncoded) {
@@ -113,15 +114,20 @@ class C_CodecFileBase : public C_VefFileBase {
   bool BorrowStream(S_Stream* pStream);
 
  private:
+  struct S_Head {
+    tagAudioFileType eType;
+    unsigned int dwSampleRate;
+  };
+
   // Decodes the stream into the sound. The sound exists; pbyStream may be null when the stream is
   // empty.
   virtual bool DecodeStream(const unsigned char* pbyStream, unsigned int dwLength,
                             PFN_DecodedData pfnData) = 0;  // 25
   // Makes the stream that is to be written: the sound's encoded form or a new stream.
   virtual bool MakeStream(PFN_CodecProgress pfnProgress, S_Stream* pStream) = 0;  // 26
-  // Writes the file: a codec head of the type, when a type is given, then the stream.
-  bool WriteStreamFile(const char* pszFileName, S_Stream& stream,
-                       std::optional<tagAudioFileType> eHeadType);
+  // Writes the file: the codec head, when there is one, then the stream.
+  static bool WriteStreamFile(const char* pszFileName, S_Stream& stream,
+                              std::optional<S_Head> head);
   bool LoadSpStream(PFN_DecodedData pfnData);
   bool LoadVefStream();
   // Gives the sound the stream as its encoded form, and decodes the stream.

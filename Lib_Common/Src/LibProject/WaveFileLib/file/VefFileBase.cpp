@@ -132,8 +132,10 @@ bool C_VefFileBase::LoadVefAsStored() {
 }
 
 bool C_VefFileBase::AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData,
-                                 unsigned int dwLength) {
-  return wavchunks::LendChunk(riff, kStream, pbyData, dwLength);
+                                 unsigned int dwLength, std::shared_ptr<const void> keeper) {
+  if (!keeper) return wavchunks::AddChunk(riff, kStream, pbyData, dwLength);
+  riff.AddChunk(kStream, dwLength)->LendData(pbyData, std::move(keeper));
+  return true;
 }
 
 bool C_VefFileBase::AddDataChunk(C_RiffFile& riff, vcm::C_FilePtr file, unsigned int dwLength) {

@@ -76,9 +76,10 @@ class C_VefFileBase : public C_WavFileBase {
   // Reads the stored samples of the file that OpenByName opened. False without a sound, when the
   // file cannot be opened, and when LoadStoredPcm fails.
   bool LoadVefAsStored();
-  // Adds a chunk "vdat" with these bytes, which must stay until it is written, or with the contents
-  // of a file.
-  static bool AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData, unsigned int dwLength);
+  // Adds a chunk "vdat" with these bytes, or with the contents of a file. Bytes that have no keeper
+  // are copied.
+  static bool AddDataChunk(C_RiffFile& riff, const unsigned char* pbyData, unsigned int dwLength,
+                           std::shared_ptr<const void> keeper);
   static bool AddDataChunk(C_RiffFile& riff, vcm::C_FilePtr file, unsigned int dwLength);
 
  private:

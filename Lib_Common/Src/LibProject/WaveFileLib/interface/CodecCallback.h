@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // How codecs report while they work. Callbacks run on the calling thread; the data passed to them
-// is valid only during the call. A callback may give the sound other samples or another encoded
-// form: what is encoded or decoded stays that of the beginning. It must not destroy the sound.
+// is valid only during the call. A callback may give the sound other memory for its samples or its
+// encoded form: what is encoded or decoded stays that of the beginning. It must not change samples
+// where they are, and must not destroy the sound.
 #pragma once
 
 // Receives each piece of decoded PCM: 16-bit samples in the machine's own byte order, as audio

@@ -8,7 +8,7 @@
 
 namespace vcm {
 
-// False when the format claims more bytes than the sound's buffer holds. A sound of a class that is
+// False when the format claims more bytes than the sound's buffer holds. A sound whose buffer is
 // not ours is believed, because only our own buffers tell how long they are.
 [[nodiscard]] bool HoldsItsBytes(I_WavData& wavData);
 

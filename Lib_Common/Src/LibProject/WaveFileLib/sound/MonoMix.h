@@ -22,8 +22,8 @@ std::optional<std::vector<short>> SamplesOf(I_WavData& wavData);
 // The same samples, but without a copy where the PCM of the sound consists of them already.
 class C_Samples {
  public:
-  // The samples stay until the object is gone, even when the sound gets others. Only memory that is
-  // attached to the sound must stay by itself.
+  // The samples stay until the object is gone, even when the sound gets others in other memory.
+  // Only attached memory must stay by itself.
   static std::optional<C_Samples> Of(I_WavData& wavData);
   // Moving does not move the samples themselves.
   C_Samples(C_Samples&&) = default;

@@ -20,7 +20,7 @@ class C_MonoSamples {
   // 16-bit mono PCM, little-endian, which must outlive the object.
   explicit C_MonoSamples(std::span<const std::uint8_t> pcm);
   // Empty when the sound cannot be converted. The samples stay until the object is gone, even when
-  // the sound gets others. Only memory that is attached to the sound must stay by itself.
+  // the sound gets others in other memory. Only attached memory must stay by itself.
   static std::optional<C_MonoSamples> Of(I_WavData& wavData);
 
   // Samples in all.

@@ -180,6 +180,7 @@ void C_WavDataBuffer::SafeDeleteBuffer() {
 }
 
 std::shared_ptr<const void> C_WavDataBuffer::KeepMemory() {
+  if (m_pbyBuffer == nullptr || m_bAttached) return nullptr;
   auto keeper = m_keeper.lock();
   if (!keeper) m_keeper = keeper = std::make_shared<std::unique_ptr<unsigned char[]>>();
   return keeper;

@@ -69,7 +69,7 @@ class C_WavDataBuffer : public I_WavDataBuffer {
   // Owns this memory from now on.
   void TakeBuffer(std::unique_ptr<unsigned char[]> pbyBuffer, unsigned int dwLength);
   // Keeps the present memory until the result is gone, even when the buffer gets other memory or is
-  // destroyed before. Attached memory stays the caller's.
+  // destroyed before. Null without memory of its own: attached memory stays the caller's.
   [[nodiscard]] std::shared_ptr<const void> KeepMemory();
   // Refers to the caller's memory, which must outlive its use here and is never freed.
   void AttachBuffer(void* pData, unsigned int dwLength);

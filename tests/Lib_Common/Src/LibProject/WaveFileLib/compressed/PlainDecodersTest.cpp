@@ -306,7 +306,7 @@ TEST(PlainDecoders, AnyNumberOfMsAdpcmBlocks_GivesTheSamplesOfEach) {
   }
 }
 
-TEST(PlainDecoders, MsAdpcmBlocksOfEverySize_AreTheSameWithAllInstructions) {
+TEST(PlainDecoders, MsAdpcmBlocksOfEverySize_AreTheSameWithAvx2) {
   const C_AllInstructionsAtEnd restore;
   C_RandomBlocks random;
   C_MSAdpcmCodec codec;
@@ -343,7 +343,7 @@ TEST(PlainDecoders, MsAdpcmPredictionFromTheLowestNumbers_IsPositive) {
 // Each code as the one that comes after deltas of all sizes, up to the largest one.
 TEST(PlainDecoders, MsAdpcmDeltasUpToTheirLimit_AdaptAsTheDefinitionSays) {
   const S_Blocks format{WAVE_TAG_MS_ADPCM, 1, 80, 148, 4};
-  // The last two samples are predictions of nothing: samples show the delta alone.
+  // Both coefficients are 0, so the samples show the delta alone.
   const C_WavFileCodecInfo info = InfoOf(BlockFmt(format, C_Bytes(4, 0)));
   for (std::uint8_t byRising = 0; byRising < 32; ++byRising) {
     C_Bytes blocks;

@@ -213,6 +213,20 @@ TEST_F(KestrelFile, WriteDataChunk_AfterALoad_AddsTheLoadedStream) {
   EXPECT_EQ(Bytes(saved.begin() + 20, saved.end()), Stream(20));
 }
 
+TEST_F(KestrelFile, WriteDataChunk_HoldsTheStreamThatTheSoundHadThen) {
+  WriteKestrel("a", Stream(20));
+  C_RiffFile riff;
+  {
+    C_KestrelFile file;
+    ASSERT_TRUE(Load(file, "a"));
+    ASSERT_TRUE(file.WriteDataChunk(&riff));
+    EXPECT_TRUE(file.GetWavData()->SetEncBuffer("x", 1));
+  }
+  ASSERT_TRUE(riff.Save(Path("b").c_str(), "VEFF"));
+  const Bytes saved = Content("b");
+  EXPECT_EQ(Bytes(saved.begin() + 20, saved.end()), Stream(20));
+}
+
 TEST_F(KestrelFile, WriteDataChunk_UsesTheForceEncodeOfTheLastWriteFile) {
   WriteKestrel("a", Stream(20));
   C_KestrelFile file;

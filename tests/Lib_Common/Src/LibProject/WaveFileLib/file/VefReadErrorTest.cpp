@@ -6,14 +6,11 @@
 
 #include <string>
 
-#include "CompressedBytes.h"
 #include "ExampleSound.h"
 #include "FaultyIo.h"
 #include "FolderTest.h"
 #include "file/HeronFile.h"
 #include "file/KestrelFile.h"
-#include "file/WavFile.h"
-#include "sound/WavDataBuffer.h"
 
 namespace {
 
@@ -39,26 +36,6 @@ TEST_F(VefReadError, WhileItsTypeIsRead_DoesNotMakeItAKestrelContainer) {
     if (!faults.WasHit()) break;
   }
   EXPECT_GT(nRefused, 3);
-}
-
-TEST_F(VefReadError, WhileSamplesAreDecoded_LeavesNothingInTheSound) {
-  S_Blocks blocks = OneOfEachKind().front();
-  const C_Bytes encoded(std::size_t{blocks.wBlockAlign} * 400);
-  Write("adpcm", CompressedWav(blocks, encoded).Take());
-  int nFailed = 0;
-  for (int nCall = 1;; ++nCall) {
-    C_WavFile file;
-    C_FaultyIo faults({.nCall = nCall});
-    const bool bLoaded = file.LoadByName(Path("adpcm").c_str(), false, nullptr, nullptr);
-    faults.Stop();
-    if (!faults.WasHit()) break;
-    if (bLoaded || file.GetWavData() == nullptr) continue;
-    ++nFailed;
-    auto* const pBuffer = dynamic_cast<C_WavDataBuffer*>(file.GetWavData()->GetIWaveDataBuffer());
-    ASSERT_NE(pBuffer, nullptr);
-    EXPECT_EQ(pBuffer->GetLength(), 0U) << nCall;
-  }
-  EXPECT_GT(nFailed, 3);
 }
 
 }  // namespace

@@ -8,7 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "KestrelBytes.h"
+#include "SpBytes.h"
+#include "TempFolder.h"
 #include "codec/HeronCodec.h"
+#include "file/KestrelFile.h"
 #include "sound/MonoMix.h"
 #include "sound/MonoSamples.h"
 #include "sound/WavData.h"
@@ -101,6 +105,19 @@ TEST(DerivedSound, DecodedHeron_GoesIntoMemoryThatItAllocates) {
   EXPECT_TRUE(codec.Decode(pbyStream, dwLength, &sound));
   EXPECT_EQ(sound.TakeCalls(), Calls{"AllocBuffer"});
   EXPECT_EQ(sound.GetBufferLength(), 2000U);
+}
+
+TEST(DerivedSound, LoadedStream_IsSetAsItsEncodedForm) {
+  const C_TempFolder folder;
+  const auto stream = C_KestrelBytes(16000).Voice(3).Take();
+  const std::string strPath = folder.Write("a", C_SpBytes().Stream(stream).Take());
+  C_DerivedSound sound;
+  C_KestrelFile file;
+  file.AttachWavData(&sound);
+  EXPECT_TRUE(file.LoadByName(strPath.c_str(), false, nullptr, nullptr));
+  file.DetachWavData();
+  EXPECT_EQ(sound.TakeCalls(), (Calls{"SetEncBuffer", "AllocBuffer"}));
+  EXPECT_EQ(sound.GetEncBufferLen(), stream.size());
 }
 
 }  // namespace
