@@ -61,3 +61,15 @@ inline void CountBytes(benchmark::State& state, std::size_t cb) {
 inline void CountItems(benchmark::State& state, std::size_t nItems) {
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nItems));
 }
+
+// Measures write(file), to a new file each time.
+template <typename Write>
+void SaveToNewFiles(benchmark::State& state, Write write) {
+  const C_BenchFile file;
+  for ([[maybe_unused]] auto iteration : state) {
+    write(file);
+    state.PauseTiming();
+    unlink(file.Path().c_str());
+    state.ResumeTiming();
+  }
+}

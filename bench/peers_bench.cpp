@@ -10,7 +10,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
-#include <filesystem>
 #include <map>
 #include <span>
 #include <string>
@@ -59,26 +58,17 @@ void LoadByPeer(benchmark::State& state, const S_Kind& kind, const S_Peer& peer)
   CountBytes(state, longsounds::kBytes);
 }
 
-// To a new file each time.
-template <typename Write>
-void SaveNew(benchmark::State& state, Write write) {
+void SaveByUs(benchmark::State& state, const S_Kind& /*kind*/) {
   const C_SoundPtr sound = longsounds::Pcm();
-  const C_BenchFile file;
-  for ([[maybe_unused]] auto iteration : state) {
-    write(*sound, file);
-    state.PauseTiming();
-    std::filesystem::remove(file.Path());
-    state.ResumeTiming();
-  }
+  SaveToNewFiles(state, [&](const C_BenchFile& file) { Save(*sound, file); });
   CountBytes(state, longsounds::kBytes);
 }
-void SaveByUs(benchmark::State& state, const S_Kind& /*kind*/) {
-  SaveNew(state, [](I_WavData& sound, const C_BenchFile& file) { Save(sound, file); });
-}
 void SaveByPeer(benchmark::State& state, const S_Kind& /*kind*/, const S_Peer& peer) {
-  SaveNew(state, [&peer](I_WavData& sound, const C_BenchFile& file) {
-    peer.pfnSave(SamplesOf(sound), file.Path().c_str());
+  const C_SoundPtr sound = longsounds::Pcm();
+  SaveToNewFiles(state, [&](const C_BenchFile& file) {
+    peer.pfnSave(SamplesOf(*sound), file.Path().c_str());
   });
+  CountBytes(state, longsounds::kBytes);
 }
 
 void OpenByUs(benchmark::State& state, const S_Kind& kind) {

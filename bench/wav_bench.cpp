@@ -64,13 +64,7 @@ BENCHMARK(WaveLoad_Seconds)->Arg(1)->Arg(60);
 // To a new file, which is not brought to a disk.
 void LongSave(benchmark::State& state) {
   const C_SoundPtr sound = longsounds::Pcm();
-  const C_BenchFile file{};
-  for ([[maybe_unused]] auto iteration : state) {
-    Save(*sound, file);
-    state.PauseTiming();
-    std::filesystem::remove(file.Path());
-    state.ResumeTiming();
-  }
+  SaveToNewFiles(state, [&](const C_BenchFile& file) { Save(*sound, file); });
   CountBytes(state, longsounds::kBytes);
 }
 BENCHMARK(LongSave)->Unit(benchmark::kMillisecond);

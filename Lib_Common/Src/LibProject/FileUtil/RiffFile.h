@@ -48,8 +48,8 @@ class C_RiffChunkList : public C_CLArray<C_RiffChunk*, C_RiffChunk*, true> {
   C_RiffChunk* AddChunk(const char* pszID, unsigned int dwSize);
   // Appends the chunks that start within dwLength bytes from the stream's position, and moves the
   // stream past what was read: the last chunk, or the end of the file where zeros or a cut header
-  // lead there. The end of the file only ends the listing. False when the file holds
-  // more but cannot be read. The stream must stay open until the payloads have been read.
+  // lead there. The end of the file only ends the listing. False when the file holds more but
+  // cannot be read. The stream must stay open until the payloads have been read.
   bool LoadChunks(std::FILE* pFile, unsigned int dwLength);
   // The same from *pqwPosition on, which is moved instead of a stream.
   bool LoadChunks(const C_RiffStreamPtr& stream, std::uint64_t* pqwPosition, unsigned int dwLength);
