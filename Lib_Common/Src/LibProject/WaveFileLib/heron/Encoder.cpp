@@ -3,94 +3,104 @@
 
 #include <algorithm>
 
+#include "heron/Block.h"
 #include "heron/Configuration.h"
-#include "heron/EntropyCoder.h"
-#include "heron/FixedPoint.h"
-#include "heron/FrameSyntax.h"
 #include "heron/Loudness.h"
-#include "heron/StepSize.h"
-#include "heron/Transform.h"
 
 namespace heron {
 namespace {
-
-constexpr std::size_t kFramesPerReport = 32;
 
 void WriteCount(std::vector<std::uint8_t>& bytes, std::size_t nCount) {
   for (; nCount >= 0x80; nCount >>= 7) bytes.push_back(static_cast<std::uint8_t>(nCount | 0x80));
   bytes.push_back(static_cast<std::uint8_t>(nCount));
 }
 
-// The loudness of a frame, from its coefficients.
-int LoudnessOf(std::span<const std::int32_t> coefficients) noexcept {
-  std::uint64_t qwSquares = 0;
-  for (const std::int64_t nCoefficient : coefficients) {
-    qwSquares += static_cast<std::uint64_t>(nCoefficient * nCoefficient);
-  }
-  return Loudness(qwSquares >> 2 * kCoefficientQ, coefficients.size());
-}
-
-// Chooses the step index of each frame in turn.
-class C_StepChoice {
- public:
-  explicit C_StepChoice(int nOffset) : m_nOffset(nOffset) {}
-
-  int Next(int nLoudness) noexcept {
-    // 6 dB of level are 512 in loudness and 4 * 256 in the index, so 5/8 of the level is a factor
-    // of 5/4 here.
-    const int nWanted = m_nOffset + 5 * nLoudness / 4 + m_nCarried;
-    const int nIndex = (nWanted + 128) >> 8;
-    m_nCarried = nWanted - (nIndex << 8);
-    return std::clamp(nIndex, 0, kSteps - 1);
-  }
-
- private:
-  int m_nOffset;
-  // The rounding error, which is carried over to the next frame. Otherwise all frames of a sound
-  // with steady loudness would change their steps at the same offset, and no offset would fill the
-  // allowed size.
-  int m_nCarried = 0;
-};
-
-// Copies frame nFrame of the samples, with silence after the end of the sound.
-void TakeFrame(std::span<const std::int16_t> samples, std::size_t nFrame,
-               std::span<std::int16_t> frame) {
-  const std::size_t nAt = std::min(nFrame * frame.size(), samples.size());
-  const auto rest = samples.subspan(nAt, std::min(frame.size(), samples.size() - nAt));
-  std::fill(std::copy(rest.begin(), rest.end(), frame.begin()), frame.end(), std::int16_t{0});
+std::size_t SizeOfCount(std::size_t nCount) {
+  std::size_t nBytes = 1;
+  for (; nCount >= 0x80; nCount >>= 7) ++nBytes;
+  return nBytes;
 }
 
 }  // namespace
 
-C_Encoder::C_Encoder(std::span<const std::int16_t> samples, int nSampleRate)
-    : m_samples(samples), m_nLength(FrameLength(nSampleRate)) {}
+C_Encoder::C_Encoder(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+                     int nOffset, const S_Progress& fnProgress)
+    : m_samples(samples),
+      m_nSectionLength(SectionLength(nSampleRate)),
+      m_block(nSampleRate, SlopeOf(nBitDepth)),
+      m_nTaken(BlockCount()) {
+  const std::size_t nLength = kBlockSections * m_nSectionLength;
+  const std::size_t nRest = samples.size() - (BlockCount() - 1) * nLength;
+  m_padded.resize((nRest + m_nSectionLength - 1) / m_nSectionLength * m_nSectionLength);
+  std::ranges::copy(samples.last(nRest), m_padded.begin());
+  C_PartChoice choice(nSampleRate, SlopeOf(nBitDepth), nOffset);
+  for (std::size_t n = 0; n < BlockCount(); ++n) {
+    const std::size_t nCount = std::min(nLength, samples.size() - n * nLength);
+    choice.Choose(BlockSamples(n), nCount, m_divisions);
+    if (fnProgress) fnProgress(n * nLength + nCount);
+  }
+}
 
-std::size_t C_Encoder::FrameCount() const noexcept {
-  const auto nLength = static_cast<std::size_t>(m_nLength);
+std::size_t C_Encoder::BlockCount() const noexcept {
+  const std::size_t nLength = kBlockSections * m_nSectionLength;
   return (m_samples.size() + nLength - 1) / nLength;
 }
 
-std::vector<std::uint8_t> C_Encoder::Encode(int nOffset, const S_Progress& fnProgress) const {
-  const auto nLength = static_cast<std::size_t>(m_nLength);
-  const std::size_t nFrames = FrameCount();
-  std::vector<std::uint8_t> bytes;
-  WriteCount(bytes, m_samples.size());
-  C_EntropyEncoder encoder(bytes);
-  C_ForwardTransform transform(m_nLength);
-  C_FrameWriter writer(m_nLength);
-  C_StepChoice steps(nOffset);
-  std::vector<std::int16_t> frame(nLength);
-  std::vector<std::int32_t> coefficients(nLength);
-  for (std::size_t n = 0; n <= nFrames; ++n) {
-    TakeFrame(m_samples, n, frame);
-    transform.Transform(frame, coefficients);
-    writer.Write(encoder, coefficients, steps.Next(LoudnessOf(coefficients)));
-    if (fnProgress && n > 0 && (n % kFramesPerReport == 0 || n == nFrames)) {
-      fnProgress(static_cast<unsigned int>(n));
+std::span<const std::int16_t> C_Encoder::BlockSamples(std::size_t nBlock) {
+  if (nBlock + 1 == BlockCount()) return m_padded;
+  const std::size_t nLength = kBlockSections * m_nSectionLength;
+  return m_samples.subspan(nBlock * nLength, nLength);
+}
+
+void C_Encoder::TakeBlock(std::size_t nBlock) {
+  if (m_nTaken == nBlock) return;
+  const std::size_t nLength = kBlockSections * m_nSectionLength;
+  const auto samples = BlockSamples(nBlock);
+  m_block.Take(samples, std::min(nLength, m_samples.size() - nBlock * nLength),
+               std::span(m_divisions)
+                   .subspan(nBlock * kBlockSections, samples.size() / m_nSectionLength));
+  m_nTaken = nBlock;
+}
+
+// The sections of the whole sound become coarser from the last one to the first.
+S_Coarseness C_Encoder::OfBlock(std::int64_t nCoarseness, std::size_t nBlock) const noexcept {
+  const std::int64_t nSections = SectionCount();
+  const std::int64_t nClamped = std::clamp(nCoarseness, Finest(), Coarsest());
+  // Rounded down, also below 0.
+  const std::int64_t nWhole = (nClamped - Finest()) / nSections + Finest() / nSections;
+  const std::int64_t nCoarser = nClamped - nWhole * nSections;
+  const auto nFirst = static_cast<std::int64_t>(nBlock * kBlockSections);
+  const int nOffset = static_cast<int>(nWhole) * m_nOffsetStep;
+  return {nOffset, nOffset + m_nOffsetStep,
+          static_cast<std::size_t>(std::max<std::int64_t>(nSections - nCoarser - nFirst, 0))};
+}
+
+std::vector<std::uint8_t> C_Encoder::Encode(std::int64_t nCoarseness) {
+  std::vector<std::uint8_t> coded;
+  WriteCount(coded, m_samples.size());
+  for (std::size_t n = 0; n < BlockCount(); ++n) {
+    TakeBlock(n);
+    const auto run = m_block.Run(OfBlock(nCoarseness, n));
+    if (BlockCount() == 1) {
+      AppendOnlyBlock(coded, run);
+    } else {
+      AppendBlock(coded, n, run);
     }
   }
-  encoder.Finish(nFrames);
-  return bytes;
+  return coded;
+}
+
+S_RunCost C_Encoder::CostAt(std::int64_t nCoarseness) {
+  S_RunCost all{SizeOfCount(m_samples.size()) +
+                    (BlockCount() == 1 ? kCheckBytes : BlockCount() * kBlockHeadBytes),
+                0};
+  for (std::size_t n = 0; n < BlockCount(); ++n) {
+    TakeBlock(n);
+    const S_RunCost cost = m_block.CostOfRun(OfBlock(nCoarseness, n));
+    all.nBytes += cost.nBytes;
+    all.qwError += cost.qwError;
+  }
+  return all;
 }
 
 }  // namespace heron

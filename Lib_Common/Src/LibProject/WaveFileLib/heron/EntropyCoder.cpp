@@ -2,6 +2,25 @@
 #include "heron/EntropyCoder.h"
 
 namespace heron {
+namespace {
+
+struct S_Ending {
+  std::uint64_t qwUp;  // what low rises by
+  int nBytes;          // the top bytes of low that are written then
+};
+
+// The fewest bytes that lie in the interval whatever follows them. Eight always do.
+S_Ending Ending(std::uint64_t qwLow, std::uint64_t qwRange) noexcept {
+  int nBytes = 1;
+  for (;; ++nBytes) {
+    const std::uint64_t qwStep = std::uint64_t{1} << (64 - 8 * nBytes);
+    const std::uint64_t qwUp = (0 - qwLow) & (qwStep - 1);
+    if (nBytes == 8 || (qwRange >= qwStep && qwUp <= qwRange - qwStep)) return {qwUp, nBytes};
+  }
+}
+
+}  // namespace
+
 
 void C_EntropyEncoder::WriteRaw(std::uint32_t nValue, int nBits) {
   m_qwRawBits |= std::uint64_t{nValue} << m_nRawBits;
@@ -12,19 +31,18 @@ void C_EntropyEncoder::WriteRaw(std::uint32_t nValue, int nBits) {
   }
 }
 
-void C_EntropyEncoder::Finish(std::size_t nLeastSize) {
-  for (int nBytes = 1; nBytes <= 8; ++nBytes) {
-    const std::uint64_t qwStep = std::uint64_t{1} << (64 - 8 * nBytes);
-    const std::uint64_t qwUp = (0 - m_qwLow) & (qwStep - 1);
-    if (m_qwRange < qwStep || qwUp > m_qwRange - qwStep) continue;
-    m_qwLow += qwUp;
-    if (m_qwLow < qwUp) Carry();
-    PutTop(nBytes);
-    break;
-  }
+void C_EntropyEncoder::Finish() {
+  const auto [qwUp, nBytes] = Ending(m_qwLow, m_qwRange);
+  m_qwLow += qwUp;
+  if (m_qwLow < qwUp) Carry();
+  PutTop(nBytes);
   if (m_nRawBits > 0) m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
-  m_bytes.resize(std::max(m_bytes.size(), nLeastSize - std::min(nLeastSize, m_raw.size())));
   m_bytes.insert(m_bytes.end(), m_raw.rbegin(), m_raw.rend());
+}
+
+std::size_t C_SizeCounter::Size() const noexcept {
+  return m_nBytes + static_cast<std::size_t>(Ending(m_qwLow, m_qwRange).nBytes) +
+         (m_nRawBits + 7) / 8;
 }
 
 void C_EntropyEncoder::WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The two sequences that the numbers of a stream are written to. They share one run of bytes:
-// symbols fill it from the front, raw bits from the end, and padding of zero bytes may lie between
-// them.
+// symbols fill it from the front, raw bits from the end.
 //
 // Symbols go through a range coder: a symbol of a table with total 2^15 takes 15 - log2(its
 // frequency) bits. Encoder and decoder keep the same 64-bit range, which begins as 2^64 - 1:
@@ -73,9 +72,8 @@ class C_EntropyEncoder {
   }
   // nValue < 2^nBits, nBits 0..kMaxRawBits.
   void WriteRaw(std::uint32_t nValue, int nBits);
-  // Ends both sequences and pads until bytes has at least nLeastSize bytes in all. Nothing may be
-  // written after this.
-  void Finish(std::size_t nLeastSize);
+  // Ends both sequences. Nothing may be written after this.
+  void Finish();
 
  private:
   void WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency);
@@ -89,6 +87,33 @@ class C_EntropyEncoder {
   std::vector<std::uint8_t> m_raw;
   std::uint64_t m_qwRawBits = 0;  // bits that do not fill a byte yet
   int m_nRawBits = 0;
+};
+
+// Counts the bytes that C_EntropyEncoder would write.
+class C_SizeCounter {
+ public:
+  template <std::size_t nSymbols>
+  void WriteSymbol(const S_Cumulative<nSymbols>& cumulative, std::size_t nSymbol) noexcept {
+    const std::uint32_t nBelow = nSymbol == 0 ? 0u : cumulative[nSymbol - 1];
+    const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
+    m_qwRange = qwUnit * (cumulative[nSymbol] - nBelow);
+    m_qwLow += qwUnit * nBelow;
+    if (m_qwRange >> 32 != 0) return;
+    m_nBytes += 4;
+    m_qwLow <<= 32;
+    m_qwRange <<= 32;
+  }
+  void WriteRaw(std::uint32_t /*nValue*/, int nBits) noexcept {
+    m_nRawBits += static_cast<std::size_t>(nBits);
+  }
+  // The size of both sequences, if they ended here.
+  [[nodiscard]] std::size_t Size() const noexcept;
+
+ private:
+  std::size_t m_nBytes = 0;
+  std::size_t m_nRawBits = 0;
+  std::uint64_t m_qwLow = 0;
+  std::uint64_t m_qwRange = ~std::uint64_t{0};
 };
 
 class C_EntropyDecoder {
@@ -134,8 +159,8 @@ class C_EntropyDecoder {
     m_nRawBits -= nBits;
     return nValue;
   }
-  // Bytes that were not read: 0 to 8 when everything was read and there is no padding. Negative
-  // when more bytes were read than there are; values read from then on mean nothing.
+  // Bytes that were not read: 0 to 8 when everything was read. Negative when more bytes were read
+  // than there are; values read from then on mean nothing.
   [[nodiscard]] std::ptrdiff_t Unread() const noexcept {
     const std::size_t nRead =
         m_nFront - kAhead + m_nBack - static_cast<std::size_t>(m_nRawBits / 8);

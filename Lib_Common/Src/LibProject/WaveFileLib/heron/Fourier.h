@@ -27,7 +27,7 @@ struct S_Rotation {
 };
 inline constexpr int kRotationQ = 24;
 
-inline constexpr int kMaxPoints = 480;
+inline constexpr int kMaxPoints = 960;
 
 // exp(-2 pi i nPart / nWhole).
 S_Rotation BackwardRotation(std::int64_t nPart, std::int64_t nWhole) noexcept;

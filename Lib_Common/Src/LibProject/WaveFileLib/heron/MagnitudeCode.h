@@ -66,23 +66,43 @@ using S_MagnitudeCosts = std::array<std::uint16_t, kMagnitudeSymbols>;
 // By table and quantiser.
 template <typename Row>
 using S_MagnitudeRows = std::array<std::array<Row, kQuantisers>, kMagnitudeTables>;
-extern const S_MagnitudeRows<S_MagnitudeCumulative> kMagnitudeCumulative;
-extern const S_MagnitudeRows<S_MagnitudeCosts> kMagnitudeCosts;
-
-void WriteLevel(C_EntropyEncoder& encoder, std::size_t nQuantiser,
-                const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel, bool bNegative);
+// By model.
+extern const std::array<S_MagnitudeRows<S_MagnitudeCumulative>, kModels> kMagnitudeCumulative;
+extern const std::array<S_MagnitudeRows<S_MagnitudeCosts>, kModels> kMagnitudeCosts;
 
 // nExcess (at least 1) as raw bits: the escape of a level that is nExcess - 1 above what the
 // symbols reach. Reading returns 2^32 for an escape longer than that of any level.
-void WriteEscape(C_EntropyEncoder& encoder, std::uint32_t nExcess);
+template <typename T_Sink>
+void WriteEscape(T_Sink& sink, std::uint32_t nExcess) {
+  const int nRest = 31 - std::countl_zero(nExcess);
+  for (int n = 0; n < nRest; ++n) sink.WriteRaw(0, 1);
+  sink.WriteRaw(1, 1);
+  sink.WriteRaw(nExcess & ((1u << nRest) - 1), nRest);
+}
 std::uint64_t ReadEscape(C_EntropyDecoder& decoder) noexcept;
+
+// T_Sink is C_EntropyEncoder or C_SizeCounter.
+template <typename T_Sink>
+void WriteLevel(T_Sink& sink, const S_MagnitudeRows<S_MagnitudeCumulative>& rows,
+                std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass,
+                std::int32_t nLevel, bool bNegative) {
+  const auto nValue = static_cast<std::uint32_t>(nLevel);
+  const std::uint32_t nTop = nValue >> magnitudeClass.nShift;
+  const std::size_t nSymbol = std::min(nTop, kEscapeSymbol);
+  sink.WriteSymbol(rows[magnitudeClass.nTable][nQuantiser], nSymbol);
+  if (nSymbol == kEscapeSymbol) WriteEscape(sink, nTop - kEscapeSymbol + 1);
+  sink.WriteRaw(nValue & ((1u << magnitudeClass.nShift) - 1), magnitudeClass.nShift);
+  if (nLevel != 0) sink.WriteRaw(bNegative ? 1 : 0, 1);
+}
 
 // Reads a level without its sign; the result is below 2^56. No encoder writes a level above
 // 2^kLevelBits; an escape that is too long gives 2^32 or more.
-inline std::uint64_t ReadLevel(C_EntropyDecoder& decoder, std::size_t nQuantiser,
+inline std::uint64_t ReadLevel(C_EntropyDecoder& decoder,
+                               const S_MagnitudeRows<S_MagnitudeCumulative>& rows,
+                               std::size_t nQuantiser,
                                const S_MagnitudeClass& magnitudeClass) noexcept {
-  std::uint64_t qwLevel = decoder.ReadSymbol<kMagnitudeSymbols>(
-      kMagnitudeCumulative[magnitudeClass.nTable][nQuantiser]);
+  std::uint64_t qwLevel =
+      decoder.ReadSymbol<kMagnitudeSymbols>(rows[magnitudeClass.nTable][nQuantiser]);
   if (qwLevel == kEscapeSymbol) {
     // Uses a copy, because an object whose address is passed on cannot stay in registers.
     C_EntropyDecoder copy = decoder;

@@ -2,7 +2,6 @@
 #include "heron/RateControl.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "heron/Configuration.h"
 #include "heron/Loudness.h"
@@ -32,6 +31,9 @@ constexpr std::int64_t kAimedBelow =
 
 constexpr std::int64_t kBitsPerByte = 8;
 
+// Sounds of so few sections are tried at every coarseness.
+constexpr std::int64_t kFewSections = 4;
+
 // The mean loudness of the frames; there is at least one sample.
 int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
   std::int64_t nTotal = 0;
@@ -53,97 +55,134 @@ int FirstOffset(std::span<const std::int16_t> samples, int nSampleRate, int nBit
 }
 
 struct S_Pass {
-  int nOffset;
+  std::int64_t nCoarseness;
   std::int64_t nSize;
 };
 
-// Approaches the size with secants, between an offset known to be too fine and one known to be
+// Approaches the size with secants, between a coarseness known to be too fine and one known to be
 // coarse enough. If the secants do not get close, it halves that interval instead.
 class C_Search {
  public:
-  C_Search(std::uint64_t qwMost, std::size_t nSamples, int nFirstOffset)
+  C_Search(const C_Encoder& encoder, std::uint64_t qwMost, std::size_t nSamples, int nFirstOffset)
       : m_nMost(static_cast<std::int64_t>(qwMost)),
         m_nSamples(static_cast<std::int64_t>(nSamples)),
+        m_nStepsPerOctave(encoder.StepsPerOctave()),
         m_nSecantsLeft(kSecantPasses + kSamplesForMorePasses / nSamples),
-        m_nOffset(Limit(nFirstOffset)) {}
+        m_nFine(encoder.Finest() - 1),
+        m_nCoarse(encoder.Coarsest() + 1),
+        m_nNext(Limit(encoder.FromOffset(nFirstOffset))) {}
 
-  // The offset to try next; without a meaning once IsDone().
-  [[nodiscard]] int Offset() const { return m_nOffset; }
+  // The coarseness to try next; without a meaning once IsDone().
+  [[nodiscard]] std::int64_t Next() const { return m_nNext; }
 
-  // Takes the coded audio that this offset gave.
-  void Learn(std::vector<std::uint8_t> coded) {
-    const S_Pass pass{m_nOffset, static_cast<std::int64_t>(coded.size())};
+  // Takes the size that it gave.
+  void Learn(std::size_t nSize) {
+    const S_Pass pass{m_nNext, static_cast<std::int64_t>(nSize)};
     const bool bFits = pass.nSize <= m_nMost;
-    (bFits ? m_nCoarse : m_nFine) = m_nOffset;
-    if (!m_bFits || (bFits && coded.size() > m_best.size())) m_best = std::move(coded);
+    (bFits ? m_nCoarse : m_nFine) = m_nNext;
+    if (!m_bFits || (bFits && pass.nSize > m_best.nSize)) m_best = pass;
     m_bFits = m_bFits || bFits;
     if (m_nSecantsLeft > 0) --m_nSecantsLeft;
     if (!IsClosed()) {
-      m_nOffset = m_nSecantsLeft > 0 ? Limit(m_nOffset + Step(pass)) : (m_nFine + m_nCoarse) / 2;
+      m_nNext = m_nSecantsLeft > 0 ? Limit(m_nNext + Step(pass)) : Middle();
     }
     m_last = pass;
   }
 
   // True when the best result is close enough or nothing is left to try.
   [[nodiscard]] bool IsDone() const {
-    const std::int64_t nUnused = m_nMost - static_cast<std::int64_t>(m_best.size());
-    const std::int64_t nShare = m_nSecantsLeft > 0 ? kUnusedAfterSecants : kUnusedAfterHalving;
-    const bool bClose = m_bFits && nUnused <= m_nMost / nShare;
-    return bClose || IsClosed();
+    return IsWithin(m_nSecantsLeft > 0 ? kUnusedAfterSecants : kUnusedAfterHalving) || IsClosed();
   }
-  std::vector<std::uint8_t> TakeBest() { return std::move(m_best); }
+  // True when the best result fits and leaves at most this share of the size.
+  [[nodiscard]] bool IsWithin(std::int64_t nShare) const {
+    return m_bFits && m_nMost - m_best.nSize <= m_nMost / nShare;
+  }
+  [[nodiscard]] std::int64_t Best() const { return m_best.nCoarseness; }
+  [[nodiscard]] bool Fits() const { return m_bFits; }
+  [[nodiscard]] std::int64_t BestSize() const { return m_best.nSize; }
 
  private:
-  // True when no offset is left between the two known ones.
+  // True when nothing is left between the two known ones.
   [[nodiscard]] bool IsClosed() const { return m_nFine + 1 >= m_nCoarse; }
+  [[nodiscard]] std::int64_t Middle() const { return m_nFine + (m_nCoarse - m_nFine) / 2; }
   // The search must not be closed.
-  [[nodiscard]] int Limit(std::int64_t nOffset) const {
-    return static_cast<int>(std::clamp<std::int64_t>(nOffset, m_nFine + 1, m_nCoarse - 1));
+  [[nodiscard]] std::int64_t Limit(std::int64_t nCoarseness) const {
+    return std::clamp(nCoarseness, m_nFine + 1, m_nCoarse - 1);
   }
 
-  // The change of offset from this pass to where a line through the last two passes meets the
-  // target size. After the first pass, an octave of the step size is assumed to be worth one bit
-  // per sample.
+  // From this pass to where a line through the last two passes meets the target size. After the
+  // first pass, an octave of the step size is assumed to be worth one bit per sample.
   [[nodiscard]] std::int64_t Step(const S_Pass& pass) const {
     const std::int64_t nExcess = pass.nSize - (m_nMost - m_nMost / kAimedBelow);
     if (m_last.nSize != kNone && m_last.nSize != pass.nSize) {
-      return nExcess * (pass.nOffset - m_last.nOffset) / (m_last.nSize - pass.nSize);
+      return Share(nExcess, pass.nCoarseness - m_last.nCoarseness, m_last.nSize - pass.nSize);
     }
-    return nExcess * kBitsPerByte * C_Encoder::kOffsetsPerOctave / m_nSamples;
+    return Share(nExcess, kBitsPerByte * m_nStepsPerOctave, m_nSamples);
+  }
+  // nPart * nWhole / nOf, where the product may be too large for 64 bits.
+  static std::int64_t Share(std::int64_t nPart, std::int64_t nWhole, std::int64_t nOf) {
+    return nPart / nOf * nWhole + nPart % nOf * (nWhole / nOf) + nPart % nOf * (nWhole % nOf) / nOf;
   }
 
   static constexpr std::int64_t kNone = -1;
 
   std::int64_t m_nMost;
   std::int64_t m_nSamples;
+  std::int64_t m_nStepsPerOctave;
   std::size_t m_nSecantsLeft;
-  int m_nFine = C_Encoder::kFinestOffset - 1;      // too fine, or finer than makes sense
-  int m_nCoarse = C_Encoder::kCoarsestOffset + 1;  // coarse enough, or coarser than makes sense
-  int m_nOffset;
+  std::int64_t m_nFine;    // too fine, or finer than makes sense
+  std::int64_t m_nCoarse;  // coarse enough, or coarser than makes sense
+  std::int64_t m_nNext;
   S_Pass m_last{0, kNone};
+  S_Pass m_best{0, kNone};
   bool m_bFits = false;
-  std::vector<std::uint8_t> m_best;
 };
+
+C_Search Search(C_Encoder& encoder, std::uint64_t qwMost, std::size_t nSamples, int nFirstOffset) {
+  C_Search search(encoder, qwMost, nSamples, nFirstOffset);
+  while (!search.IsDone()) search.Learn(encoder.CostAt(search.Next()).nBytes);
+  return search;
+}
+
+// The sizes of short sounds jump up and down from step to step, so a finer coarseness than the
+// search found may fit as well. Of all within an octave the one with the least error is taken.
+std::int64_t BestOfAll(C_Encoder& encoder, std::uint64_t qwMost, std::int64_t nFound) {
+  std::int64_t nBest = nFound;
+  std::uint64_t qwLeast = encoder.CostAt(nFound).qwError;
+  for (std::int64_t n = nFound - encoder.StepsPerOctave(); n < nFound; ++n) {
+    const S_RunCost cost = encoder.CostAt(n);
+    if (cost.nBytes > qwMost || cost.qwError >= qwLeast) continue;
+    nBest = n;
+    qwLeast = cost.qwError;
+  }
+  return nBest;
+}
 
 }  // namespace
 
+std::uint64_t CodedRoom(std::size_t nSamples, int nBitDepth) noexcept {
+  const std::uint64_t qwByDepth =
+      std::uint64_t{nSamples} * static_cast<unsigned int>(nBitDepth) / 8;
+  const std::uint64_t qwShort = kShortBytes + std::uint64_t{nSamples} * kShortBitsOf8 / 64;
+  return std::max(qwByDepth, std::min<std::uint64_t>(qwShort, kMostShortBytes)) - kHeadBytes;
+}
+
 std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, int nSampleRate,
                                        int nBitDepth, const C_Encoder::S_Progress& fnProgress) {
-  const std::uint64_t qwMost =
-      std::uint64_t{samples.size()} * static_cast<unsigned int>(nBitDepth) / 8;
-  const C_Encoder encoder(samples, nSampleRate);
-  C_Search search(qwMost > kHeadBytes ? qwMost - kHeadBytes : 0, samples.size(),
-                  FirstOffset(samples, nSampleRate, nBitDepth));
-  // The first pass reports all frames except the last one, which is reported when the last pass is
-  // done.
-  C_Encoder::S_Progress fnFirstPass = [&](unsigned int nFramesDone) {
-    if (fnProgress && nFramesDone < encoder.FrameCount()) fnProgress(nFramesDone);
-  };
-  for (; !search.IsDone(); fnFirstPass = {}) {
-    search.Learn(encoder.Encode(search.Offset(), fnFirstPass));
+  const std::uint64_t qwMost = CodedRoom(samples.size(), nBitDepth);
+  const int nFirst = FirstOffset(samples, nSampleRate, nBitDepth);
+  C_Encoder encoder(samples, nSampleRate, nBitDepth, nFirst, fnProgress);
+  C_Search search = Search(encoder, qwMost, samples.size(), nFirst);
+  if (encoder.SectionCount() <= kFewSections) {
+    return encoder.Encode(BestOfAll(encoder, qwMost, search.Best()));
   }
-  if (fnProgress) fnProgress(static_cast<unsigned int>(encoder.FrameCount()));
-  return search.TakeBest();
+  if (search.IsWithin(kUnusedAfterHalving)) return encoder.Encode(search.Best());
+  const int nFound = encoder.ToOffset(search.Best());
+  C_Encoder whole = encoder;
+  whole.UseWholeIndices();
+  const C_Search second = Search(whole, qwMost, samples.size(), nFound);
+  const bool bBetter = second.Fits() && (!search.Fits() || second.BestSize() > search.BestSize());
+  return bBetter ? whole.Encode(second.Best()) : encoder.Encode(search.Best());
 }
 
 }  // namespace heron

@@ -13,7 +13,7 @@
 #include <cstdint>
 
 #include "heron/FixedPoint.h"
-#include "heron/Transform.h"
+#include "heron/Dct4.h"
 
 namespace heron {
 

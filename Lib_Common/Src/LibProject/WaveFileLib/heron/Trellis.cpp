@@ -46,16 +46,19 @@ struct S_Pricing {
 
 }  // namespace
 
-C_Trellis::C_Trellis(int nLength) : m_choices(static_cast<std::size_t>(nLength)) {}
+C_Trellis::C_Trellis(std::size_t nLength) : m_choices(nLength) {}
 
-void C_Trellis::Extend(const S_Paths& paths, std::int64_t nScaled, std::uint32_t nExpectation,
-                       S_Paths& next, S_Choices& choices) noexcept {
-  for (S_Path& path : next) path.qwCost = kUnreachable;
+template <typename T_Below>
+void C_Trellis::Extend(const S_Paths<T_Below>& paths, std::int64_t nScaled,
+                       std::uint32_t nExpectation, S_Paths<T_Below>& next,
+                       S_Choices& choices) noexcept {
+  constexpr auto& kCosts = kMagnitudeCosts[ModelOf<T_Below>()];
+  for (auto& path : next) path.qwCost = kUnreachable;
   for (std::size_t nState = 0; nState < kStates; ++nState) {
-    const S_Path& path = paths[nState];
+    const auto& path = paths[nState];
     const std::size_t nQuantiser = QuantiserOf(nState);
-    const auto [nTable, nShift] = ClassOf(nExpectation + FromBelow(path.below));
-    const S_Pricing pricing{nScaled, nQuantiser, nShift, kMagnitudeCosts[nTable][nQuantiser]};
+    const auto [nTable, nShift] = ClassOf(nExpectation + path.below.Expectation());
+    const S_Pricing pricing{nScaled, nQuantiser, nShift, kCosts[nTable][nQuantiser]};
     const auto consider = [&](std::int32_t nLevel) {
       const std::uint64_t qwCost = path.qwCost + pricing.CostOf(nLevel);
       const std::size_t nTo = NextState(nState, static_cast<std::uint64_t>(nLevel));
@@ -72,11 +75,20 @@ void C_Trellis::Extend(const S_Paths& paths, std::int64_t nScaled, std::uint32_t
   }
 }
 
-void C_Trellis::Search(std::span<const std::int32_t> coefficients, int nIndex,
-                       const C_PreviousFrame& before, std::span<std::int32_t> levels) noexcept {
+std::uint64_t C_Trellis::Search(bool bSteady, std::span<const std::int32_t> coefficients,
+                                int nIndex, const C_PartsBefore& before,
+                                std::span<std::int32_t> levels) noexcept {
+  return bSteady ? SearchBy<C_SteadyBelow>(coefficients, nIndex, before, levels)
+                 : SearchBy<C_NearBelow>(coefficients, nIndex, before, levels);
+}
+
+template <typename T_Below>
+std::uint64_t C_Trellis::SearchBy(std::span<const std::int32_t> coefficients, int nIndex,
+                                  const C_PartsBefore& before,
+                                  std::span<std::int32_t> levels) noexcept {
   const C_ToHalfSteps toHalfSteps(nIndex);
-  S_Paths paths;
-  S_Paths next;
+  S_Paths<T_Below> paths;
+  S_Paths<T_Below> next;
   paths.fill({kUnreachable, {}});
   paths[kFirstState].qwCost = 0;
   for (std::size_t k = 0; k < levels.size(); ++k) {
@@ -91,6 +103,7 @@ void C_Trellis::Search(std::span<const std::int32_t> coefficients, int nIndex,
     levels[k] = m_choices[k][nState].nLevel;
     nState = m_choices[k][nState].byFrom;
   }
+  return best->qwCost;
 }
 
 }  // namespace heron

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/Lapping.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "heron/Dct4.h"
+#include "heron/FixedPoint.h"
+#include "heron/Trigonometry.h"
+
+namespace heron {
+namespace {
+
+// w[n] of an overlap of nLength samples, in Q30.
+std::int64_t PowerSine(std::int64_t n, std::int64_t nLength) noexcept {
+  // sin^2(a) = (1 - cos(2a)) / 2. The difference in Q30 is sin^2(a) in Q31, and halving it gives
+  // Q30.
+  constexpr std::int64_t kOne = std::int64_t{1} << 30;
+  const std::int64_t nSquare = (kOne - CirclePoint(2 * n + 1, 4 * nLength).nCosine) / 2;
+  return CirclePoint(nSquare, 4 * kOne).nSine;
+}
+
+constexpr std::int32_t Limit32(std::int64_t nValue) noexcept {
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(
+      nValue, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+}
+
+}  // namespace
+
+std::vector<S_Lap> MakeLaps(std::size_t nHalf) {
+  const auto nLength = static_cast<std::int64_t>(2 * nHalf);
+  const auto window = [&](std::size_t n) {
+    return static_cast<std::int32_t>(
+        RoundShift(PowerSine(static_cast<std::int64_t>(n), nLength), 30 - kWindowQ));
+  };
+  std::vector<S_Lap> laps;
+  for (std::size_t i = 0; i < nHalf; ++i) laps.push_back({window(nHalf + i), window(nHalf - 1 - i)});
+  return laps;
+}
+
+void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
+          std::span<std::int32_t> folded) noexcept {
+  constexpr int kDown = kWindowQ - kFoldedQ;
+  const std::size_t nEnd = part.nAt + part.nLength;
+  for (std::size_t i = 0; i < part.before.size(); ++i) {
+    const auto [nNear, nFar] = part.before[i];
+    const std::int64_t nSum = std::int64_t{samples[part.nAt + i]} * nNear +
+                              std::int64_t{samples[part.nAt - 1 - i]} * nFar;
+    folded[i] = static_cast<std::int32_t>(RoundShift(nSum, kDown));
+  }
+  for (std::size_t i = part.before.size(); i < part.nLength - part.after.size(); ++i) {
+    folded[i] = std::int32_t{samples[part.nAt + i]} * (1 << kFoldedQ);
+  }
+  for (std::size_t i = 0; i < part.after.size(); ++i) {
+    const auto [nNear, nFar] = part.after[i];
+    const std::int64_t nDifference = std::int64_t{samples[nEnd - 1 - i]} * nNear -
+                                     std::int64_t{samples[nEnd + i]} * nFar;
+    folded[part.nLength - 1 - i] = static_cast<std::int32_t>(RoundShift(nDifference, kDown));
+  }
+}
+
+void Unfold(std::span<std::int32_t> values, std::size_t nAt, std::span<const S_Lap> laps) noexcept {
+  for (std::size_t i = 0; i < laps.size(); ++i) {
+    const std::int64_t nAfter = values[nAt + i];
+    const std::int64_t nBefore = values[nAt - 1 - i];
+    const auto [nNear, nFar] = laps[i];
+    values[nAt + i] = Limit32(RoundShift(nAfter * nNear - nBefore * nFar, kWindowQ));
+    values[nAt - 1 - i] = Limit32(RoundShift(nBefore * nNear + nAfter * nFar, kWindowQ));
+  }
+}
+
+void ToSamples(std::span<const std::int32_t> values, std::span<std::int16_t> samples) noexcept {
+  for (std::size_t n = 0; n < samples.size(); ++n) {
+    const std::int64_t nSample = RoundShift(values[n], kUnfoldedQ);
+    samples[n] = static_cast<std::int16_t>(
+        std::clamp<std::int64_t>(nSample, std::numeric_limits<std::int16_t>::min(),
+                                 std::numeric_limits<std::int16_t>::max()));
+  }
+}
+
+}  // namespace heron

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/PartSyntax.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+#include "heron/FixedPoint.h"
+#include "heron/MagnitudeCode.h"
+#include "heron/Quantiser.h"
+#include "heron/StepSize.h"
+
+namespace heron {
+namespace {
+
+constexpr int kMostDifference = 15;
+constexpr std::size_t kIndexEscape = 2 * kMostDifference + 1;
+static_assert(kIndexEscape + 1 == kIndexSymbols);
+constexpr int kIndexBits = 7;
+constexpr auto kIndexCumulative = Accumulate(kIndexFrequencies);
+static_assert(IsWhole(kIndexCumulative));
+
+// By context and by size.
+constexpr auto kKindCumulative = [] {
+  std::array<std::array<S_Cumulative<kPartKinds>, kPartSizes>, kKindContexts> all{};
+  for (std::size_t nContext = 0; nContext < kKindContexts; ++nContext) {
+    for (std::size_t nSize = 0; nSize < kPartSizes; ++nSize) {
+      all[nContext][nSize] = Accumulate(kKindFrequencies[nContext][nSize]);
+    }
+  }
+  return all;
+}();
+static_assert(std::ranges::all_of(kKindCumulative, [](const auto& ofSizes) {
+  return std::ranges::all_of(ofSizes, IsWhole<kPartKinds>);
+}));
+
+constexpr auto kIndexCosts = [] {
+  std::array<int, kIndexSymbols> costs{};
+  for (std::size_t n = 0; n < kIndexSymbols; ++n) {
+    costs[n] = kFrequencyBits * 256 - Log2Q8(kIndexFrequencies[n]);
+  }
+  costs[kIndexEscape] += kIndexBits * 256;
+  return costs;
+}();
+
+}  // namespace
+
+int IndexCost(int nDifference) noexcept {
+  const bool bEscaped = std::abs(nDifference) > kMostDifference;
+  return kIndexCosts[bEscaped ? kIndexEscape
+                              : static_cast<std::size_t>(nDifference + kMostDifference)];
+}
+
+template <typename T_Sink>
+void C_PartWriter<T_Sink>::Write(const S_Part& part, std::span<const std::int32_t> coefficients) {
+  const std::span levels(m_levels.data(), coefficients.size());
+  S_Part written = part;
+  m_state.Begin(part, levels.size());
+  const auto qwNear = m_trellis.Search(false, coefficients, part.nIndex, m_state.Before(), levels);
+  if (part.kind != E_PartKind::kPlain) {
+    const std::span steady(m_steadyLevels.data(), coefficients.size());
+    written.kind = E_PartKind::kSteady;
+    m_state.Begin(written, levels.size());
+    if (m_trellis.Search(true, coefficients, part.nIndex, m_state.Before(), steady) < qwNear) {
+      std::ranges::copy(steady, levels.begin());
+    } else {
+      written.kind = part.kind;
+      m_state.Begin(written, levels.size());
+    }
+  }
+  if (std::ranges::all_of(levels, [](std::int32_t nLevel) { return nLevel == 0; })) {
+    WriteKind(part.nSize, E_PartKind::kSilent);
+    m_state.PassSilence();
+    AddError(coefficients, part.nIndex);
+    return;
+  }
+  WriteKind(part.nSize, written.kind);
+  WriteIndex(part.nIndex);
+  if (written.kind == E_PartKind::kSteady) {
+    WriteLevels<C_SteadyBelow>(coefficients);
+  } else {
+    WriteLevels<C_NearBelow>(coefficients);
+  }
+  m_state.End(written, levels);
+  AddError(coefficients, part.nIndex);
+}
+
+// m_levels holds the magnitudes.
+template <typename T_Sink>
+void C_PartWriter<T_Sink>::AddError(std::span<const std::int32_t> coefficients,
+                                    int nIndex) noexcept {
+  const std::int32_t nHalfStep = HalfStep(nIndex);
+  for (std::size_t k = 0; k < coefficients.size(); ++k) {
+    // Q4, so that the sum of all squares in a block fits.
+    const auto nError = (std::abs(coefficients[k]) - std::int64_t{m_levels[k]} * nHalfStep) >> 4;
+    m_qwError += static_cast<std::uint64_t>(nError * nError);
+  }
+}
+
+template <typename T_Sink>
+void C_PartWriter<T_Sink>::WriteKind(std::size_t nSize, E_PartKind kind) {
+  m_sink.WriteSymbol(kKindCumulative[m_state.KindContext()][nSize], static_cast<std::size_t>(kind));
+}
+
+template <typename T_Sink>
+void C_PartWriter<T_Sink>::WriteIndex(int nIndex) {
+  const int nDifference = nIndex - m_state.StepIndex();
+  const bool bEscaped = std::abs(nDifference) > kMostDifference;
+  if (m_state.HasStepIndex()) {
+    m_sink.WriteSymbol(kIndexCumulative, bEscaped
+                                             ? kIndexEscape
+                                             : static_cast<std::size_t>(nDifference + kMostDifference));
+    if (!bEscaped) return;
+  }
+  m_sink.WriteRaw(static_cast<std::uint32_t>(nIndex), kIndexBits);
+}
+
+template <typename T_Sink>
+template <typename T_Below>
+void C_PartWriter<T_Sink>::WriteLevels(std::span<const std::int32_t> coefficients) {
+  T_Below below;
+  std::size_t nState = kFirstState;
+  for (std::size_t k = 0; k < coefficients.size(); ++k) {
+    const std::int32_t nLevel = m_levels[k];
+    const std::size_t nQuantiser = QuantiserOf(nState);
+    WriteLevel(m_sink, kMagnitudeCumulative[ModelOf<T_Below>()], nQuantiser,
+               ClassOf(m_state.Before().Expectation(k) + below.Expectation()), nLevel,
+               coefficients[k] < 0);
+    m_levels[k] = HalfSteps(nQuantiser, nLevel);
+    below = below.Then(m_levels[k]);
+    nState = NextState(nState, static_cast<std::uint64_t>(nLevel));
+  }
+}
+
+template class C_PartWriter<C_EntropyEncoder>;
+template class C_PartWriter<C_SizeCounter>;
+
+bool C_PartReader::ReadSection(std::span<std::int32_t> values, std::size_t nSamples,
+                               std::size_t nUnit, std::vector<S_Part>& parts) {
+  return ReadNode({nUnit, kPartSizes - 1}, values, nSamples, parts);
+}
+
+bool C_PartReader::ReadNode(const S_Part& node, std::span<std::int32_t> values,
+                            std::size_t nSamples, std::vector<S_Part>& parts) {
+  S_Part part = node;
+  part.kind = static_cast<E_PartKind>(
+      m_decoder.ReadSymbol(kKindCumulative[m_state.KindContext()][node.nSize]));
+  switch (part.kind) {
+    case E_PartKind::kSplit: {
+      if (node.nSize == 0) return false;
+      part.nSize = node.nSize - 1;
+      const std::size_t nHalf = values.size() / 2;
+      if (!ReadNode(part, values.first(nHalf), nSamples, parts)) return false;
+      std::ranges::fill(values.last(nHalf), 0);
+      if (nSamples <= nHalf) return true;
+      part.nUnit = part.End();
+      return ReadNode(part, values.last(nHalf), nSamples - nHalf, parts);
+    }
+    case E_PartKind::kSilent:
+      std::ranges::fill(values, 0);
+      m_state.PassSilence();
+      break;
+    case E_PartKind::kNear:
+    case E_PartKind::kSteady:
+      if (!ReadCoefficients(part, values)) return false;
+      break;
+    case E_PartKind::kPlain: {
+      if (node.nSize != 0) return false;
+      const std::size_t nThere = std::min(nSamples, values.size());
+      std::ranges::fill(values.subspan(nThere), 0);
+      if (!ReadCoefficients(part, values.first(nThere))) return false;
+      break;
+    }
+  }
+  parts.push_back(part);
+  return true;
+}
+
+bool C_PartReader::ReadCoefficients(S_Part& part, std::span<std::int32_t> coefficients) noexcept {
+  if (!ReadIndex(&part.nIndex)) return false;
+  m_state.Begin(part, coefficients.size());
+  const bool bRead = part.kind == E_PartKind::kSteady
+                         ? ReadLevels<C_SteadyBelow>(coefficients, part.nIndex)
+                         : ReadLevels<C_NearBelow>(coefficients, part.nIndex);
+  if (!bRead) return false;
+  m_state.End(part, {m_magnitudes.data(), coefficients.size()});
+  return true;
+}
+
+template <typename T_Below>
+bool C_PartReader::ReadLevels(std::span<std::int32_t> coefficients, int nIndex) noexcept {
+  const std::int32_t nHalfStep = HalfStep(nIndex);
+  const auto qwLargest = static_cast<std::uint64_t>(LargestMultiple(nIndex));
+  // Work on a copy, so that its state can stay in registers while coefficients are written.
+  C_EntropyDecoder local = m_decoder;
+  T_Below below;
+  std::size_t nState = kFirstState;
+  for (std::size_t k = 0; k < coefficients.size(); ++k) {
+    const std::size_t nQuantiser = QuantiserOf(nState);
+    const std::uint64_t qwLevel =
+        ReadLevel(local, kMagnitudeCumulative[ModelOf<T_Below>()], nQuantiser,
+                  ClassOf(m_state.Before().Expectation(k) + below.Expectation()));
+    std::int32_t nMagnitude = 0;
+    std::int32_t nCoefficient = 0;
+    if (qwLevel != 0) {
+      const std::uint64_t qwMagnitude = 2 * qwLevel - nQuantiser;
+      if (qwMagnitude > qwLargest) return false;
+      nMagnitude = static_cast<std::int32_t>(qwMagnitude);
+      nCoefficient = (local.ReadRaw(1) != 0 ? -nMagnitude : nMagnitude) * nHalfStep;
+    }
+    coefficients[k] = nCoefficient;
+    m_magnitudes[k] = nMagnitude;
+    below = below.Then(nMagnitude);
+    nState = NextState(nState, qwLevel);
+  }
+  m_decoder = local;
+  return true;
+}
+
+bool C_PartReader::ReadIndex(int* pIndex) noexcept {
+  if (m_state.HasStepIndex()) {
+    const std::size_t nSymbol = m_decoder.ReadSymbol<kIndexSymbols>(kIndexCumulative);
+    if (nSymbol != kIndexEscape) {
+      *pIndex = m_state.StepIndex() + static_cast<int>(nSymbol) - kMostDifference;
+      return *pIndex >= 0 && *pIndex < kSteps;
+    }
+  }
+  *pIndex = static_cast<int>(m_decoder.ReadRaw(kIndexBits));
+  return *pIndex < kSteps;
+}
+
+}  // namespace heron
