@@ -6,16 +6,6 @@
 #include "heron/EntropyCoder.h"
 
 namespace heron {
-namespace {
-
-// A coefficient of a plain part as a value of the block. Damaged bytes may hold a coefficient far
-// above any sample; the limit, twice the largest sample, keeps it within 32 bits.
-constexpr std::int32_t FromPlain(std::int32_t nCoefficient) noexcept {
-  constexpr std::int32_t kMost = 1 << (16 + kCoefficientQ);
-  return std::clamp(nCoefficient, -kMost, kMost) * (1 << (kUnfoldedQ - kCoefficientQ));
-}
-
-}  // namespace
 
 C_BlockDecoder::C_BlockDecoder(int nSampleRate)
     : m_nUnitLength(UnitLength(nSampleRate)), m_transforms(m_nUnitLength) {}
@@ -46,10 +36,8 @@ void C_BlockDecoder::Unlap() {
   for (const S_Part& part : m_parts) {
     const std::size_t nAt = part.nUnit * m_nUnitLength;
     const std::span values(m_values.data() + nAt, part.Units() * m_nUnitLength);
-    if (part.kind == E_PartKind::kPlain) {
-      for (std::int32_t& nValue : values) nValue = FromPlain(nValue);
-    } else if (part.kind != E_PartKind::kSilent) {
-      m_transforms.Dct(part.nSize).Inverse(values);
+    if (part.kind != E_PartKind::kPlain && part.kind != E_PartKind::kSilent) {
+      m_transforms.Dct(part.nSize).Transform(values);
     }
     if (pBefore != nullptr) Unfold(m_values, nAt, m_transforms.Between(*pBefore, part));
     pBefore = &part;
