@@ -18,8 +18,13 @@ constexpr int kOffsetsPerSize = 1024 / kPerOctave;
 constexpr int kHalfStepSize = 5 * kPerOctave;
 
 // The offset at which a sound takes as many bits as it should, less the one at which the sum of
-// BitsOf comes to that; the mean over recorded speech, by bit depth.
+// BitsOf comes to that: the mean over recorded speech at 8 and 16 kHz, by bit depth. The higher the
+// rate, the smaller the share of what does not depend on it.
 constexpr std::array<int, kMaxBitDepth - kMinBitDepth + 1> kBias = {1750, 1930, 2075, 2155, 2230};
+constexpr int BiasOf(int nSampleRate, int nBitDepth) noexcept {
+  return kBias[static_cast<std::size_t>(nBitDepth - kMinBitDepth)] + 210 -
+         std::min(nSampleRate, 16000) / 50;
+}
 
 // log2(1 + h^2) / 2 in units of 1/256 bit, for a coefficient of h half steps, h = 2^(nSize/8).
 constexpr std::int64_t BitsOf(int nSize) noexcept {
@@ -44,7 +49,7 @@ int SizeOf(std::uint32_t nMagnitude) noexcept {
 C_Forecast::C_Forecast(int nSampleRate, int nBitDepth)
     : m_nLength(SectionLength(nSampleRate)),
       m_nSlope(SlopeOf(nBitDepth)),
-      m_nBias(kBias[static_cast<std::size_t>(nBitDepth - kMinBitDepth)]),
+      m_nBias(BiasOf(nSampleRate, nBitDepth)),
       m_dct(m_nLength),
       m_laps(MakeLaps(m_nLength / 2)),
       m_values(m_nLength) {}

@@ -18,11 +18,16 @@ namespace {
 // After so many passes, the interval is halved.
 constexpr std::size_t kNewtonPasses = 8;
 
-// Fractions of the allowed size, as their reciprocals. They are a compromise: a smaller share of
-// unused bytes would cost more passes than it is worth.
-constexpr std::int64_t kUnusedAtFirst = 256;  // may stay unused
-constexpr std::int64_t kUnusedLater = 200;    // may stay unused once the interval is halved
-constexpr std::int64_t kAimedBelow = 512;     // aimed at, so that a step that misses a little fits
+// What may stay unused of the allowed size, as reciprocals. The sizes of short sounds jump up and
+// down from step to step, so more may stay unused after some passes. A smaller share would cost more
+// passes than it is worth.
+constexpr std::int64_t kUnusedAtFirst = 256;
+constexpr std::int64_t kUnusedLater = 200;
+constexpr std::int64_t kUnusedAtLast = 100;
+constexpr std::size_t kFirstPasses = 3;
+constexpr std::size_t kLaterPasses = 5;
+// Aimed at is this fraction less than the size, so that a step that misses a little fits.
+constexpr std::int64_t kAimedBelow = 512;
 
 // Blocks at the end of a sound that are held in memory and coded several times.
 constexpr std::size_t kHeldBlocks = 2;
@@ -79,7 +84,10 @@ class C_Search {
 
   // True when the best result is close enough or nothing is left to try.
   [[nodiscard]] bool IsDone() const {
-    return IsWithin(m_nPasses < kNewtonPasses ? kUnusedAtFirst : kUnusedLater) || IsClosed();
+    return IsWithin(m_nPasses <= kFirstPasses   ? kUnusedAtFirst
+                    : m_nPasses <= kLaterPasses ? kUnusedLater
+                                                : kUnusedAtLast) ||
+           IsClosed();
   }
   // True when the best result fits and leaves at most this share of the size.
   [[nodiscard]] bool IsWithin(std::int64_t nShare) const {
@@ -151,7 +159,7 @@ S_GroupRuns EncodeGroup(C_BlockGroup& group, std::uint64_t qwMost, const S_Start
   if (group.SectionCount() <= kFewSections) {
     return BestOfAll(group, qwMost, search.BestCoarseness());
   }
-  if (search.IsWithin(kUnusedLater)) return search.TakeBest();
+  if (search.IsWithin(kUnusedAtLast)) return search.TakeBest();
   const int nFound = group.ToOffset(search.BestCoarseness());
   group.UseWholeIndices();
   C_Search second = Search(group, qwMost, {nFound, start.nBytesPerOctave});
