@@ -81,7 +81,13 @@ void Unfold(std::span<std::int32_t> values, std::size_t nAt, std::span<const S_L
 void ToSamples(std::span<const std::int32_t> values, std::span<std::int16_t> samples) noexcept {
   constexpr std::int32_t kMost = std::numeric_limits<std::int16_t>::max();
   constexpr std::int32_t kLeast = std::numeric_limits<std::int16_t>::min();
-  for (std::size_t n = 0; n < samples.size(); ++n) {
+  std::size_t n = 0;
+#if defined(__x86_64__)
+  if (vcm::UsableInstructions() == vcm::tagInstructions::kAvx2) {
+    n = ToSamplesAvx2(values.first(samples.size()), samples.data());
+  }
+#endif
+  for (; n < samples.size(); ++n) {
     // Rounds in two steps, because adding a half first could leave 32 bits.
     const std::int32_t nSample = ((values[n] >> (kCoefficientQ - 1)) + 1) >> 1;
     samples[n] = static_cast<std::int16_t>(std::clamp(nSample, kLeast, kMost));

@@ -90,6 +90,23 @@ std::size_t FoldBeforeAvx2(const std::int16_t* pBoundary, std::span<const S_Lap>
   return n;
 }
 
+std::size_t ToSamplesAvx2(std::span<const std::int32_t> values, std::int16_t* pSamples) noexcept {
+  constexpr std::size_t kSamplesAtOnce = 16;
+  const R one = _mm256_set1_epi32(1);
+  const auto rounded = [&](const std::int32_t* p) VCM_LANES_INLINE_LAMBDA {
+    const R loaded = _mm256_loadu_si256(static_cast<const R*>(static_cast<const void*>(p)));
+    return _mm256_srai_epi32(
+        _mm256_add_epi32(_mm256_srai_epi32(loaded, kCoefficientQ - 1), one), 1);
+  };
+  std::size_t n = 0;
+  for (; n + kSamplesAtOnce <= values.size(); n += kSamplesAtOnce) {
+    const R packed = _mm256_packs_epi32(rounded(&values[n]), rounded(&values[n + 8]));
+    _mm256_storeu_si256(static_cast<R*>(static_cast<void*>(pSamples + n)),
+                        _mm256_permute4x64_epi64(packed, 0xD8));
+  }
+  return n;
+}
+
 }  // namespace heron
 VCM_AVX2_END
 #endif

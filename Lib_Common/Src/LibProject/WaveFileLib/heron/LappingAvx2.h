@@ -23,4 +23,7 @@ std::size_t FoldAfterAvx2(const std::int16_t* pBoundary, std::span<const S_Lap> 
 std::size_t FoldBeforeAvx2(const std::int16_t* pBoundary, std::span<const S_Lap> laps,
                            std::int32_t* pFoldedEnd) noexcept;
 
+// Rounds as many values as sixteen divide to samples, and returns their number.
+std::size_t ToSamplesAvx2(std::span<const std::int32_t> values, std::int16_t* pSamples) noexcept;
+
 }  // namespace heron

@@ -31,9 +31,9 @@ struct S_BandChange {
              std::span<std::int32_t> bands) const noexcept {
     const std::int32_t* pFrom = magnitudes.data();
     for (std::int32_t& nBand : bands) {
-      std::int64_t nSum = 0;
+      std::int32_t nSum = 0;
       for (std::size_t n = 0; n < std::size_t{1} << kSize; ++n) nSum += *pFrom++;
-      const std::int64_t nNew = nSum * nHalfStep >> kSize;
+      const std::int64_t nNew = std::int64_t{nSum} * nHalfStep >> kSize;
       nBand += static_cast<std::int32_t>((nNew - nBand) * nShare >> 8);
     }
   }
