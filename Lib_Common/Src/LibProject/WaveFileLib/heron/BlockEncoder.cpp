@@ -74,7 +74,7 @@ void C_BlockEncoder::Transform(std::span<const std::int16_t> samples) {
 }
 
 template <typename T_Sink>
-std::uint64_t C_BlockEncoder::Write(T_Sink& sink, const S_Coarseness& coarseness) const {
+S_RunCost C_BlockEncoder::Write(T_Sink& sink, const S_Coarseness& coarseness) const {
   std::vector<S_StepWish> wishes;
   for (std::size_t n = 0; n < m_parts.size(); ++n) {
     const bool bCoarser = m_parts[n].nUnit / kSectionUnits >= coarseness.nCoarserFrom;
@@ -95,7 +95,7 @@ std::uint64_t C_BlockEncoder::Write(T_Sink& sink, const S_Coarseness& coarseness
     if (part.kind == E_PartKind::kPlain) nLength = std::min(nLength, m_nCount - nAt);
     writer.Write(part, {m_values.data() + nAt, nLength});
   }
-  return writer.Error();
+  return {0, writer.Error(), writer.NonZero()};
 }
 
 std::vector<std::uint8_t> C_BlockEncoder::Run(const S_Coarseness& coarseness) const {
@@ -108,8 +108,9 @@ std::vector<std::uint8_t> C_BlockEncoder::Run(const S_Coarseness& coarseness) co
 
 S_RunCost C_BlockEncoder::CostOfRun(const S_Coarseness& coarseness) const {
   C_SizeCounter counter;
-  const std::uint64_t qwError = Write(counter, coarseness);
-  return {counter.Size(), qwError};
+  S_RunCost cost = Write(counter, coarseness);
+  cost.nBytes = counter.Size();
+  return cost;
 }
 
 }  // namespace heron

@@ -23,8 +23,16 @@ struct S_Coarseness {
 };
 
 struct S_RunCost {
-  std::size_t nBytes;
-  std::uint64_t qwError;
+  std::size_t nBytes = 0;
+  std::uint64_t qwError = 0;   // squared, of all coefficients, in some fixed unit
+  std::size_t nNonZero = 0;  // coefficients that are not 0
+
+  S_RunCost& operator+=(const S_RunCost& other) noexcept {
+    nBytes += other.nBytes;
+    qwError += other.qwError;
+    nNonZero += other.nNonZero;
+    return *this;
+  }
 };
 
 class C_BlockEncoder {
@@ -38,16 +46,15 @@ class C_BlockEncoder {
 
   // The run of the block.
   [[nodiscard]] std::vector<std::uint8_t> Run(const S_Coarseness& coarseness) const;
-  // Its size, and the squared error of its coefficients in some fixed unit.
   [[nodiscard]] S_RunCost CostOfRun(const S_Coarseness& coarseness) const;
 
  private:
   void AddParts(const C_Division& division, std::size_t nNode, std::size_t nUnit,
                 std::size_t nSize);
   void Transform(std::span<const std::int16_t> samples);
-  // Returns the squared error.
+  // Returns the costs without the size.
   template <typename T_Sink>
-  std::uint64_t Write(T_Sink& sink, const S_Coarseness& coarseness) const;
+  S_RunCost Write(T_Sink& sink, const S_Coarseness& coarseness) const;
 
   std::size_t m_nUnitLength;
   int m_nSlope;

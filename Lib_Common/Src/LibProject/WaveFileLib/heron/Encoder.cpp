@@ -92,13 +92,10 @@ std::vector<std::uint8_t> C_Encoder::Encode(std::int64_t nCoarseness) {
 
 S_RunCost C_Encoder::CostAt(std::int64_t nCoarseness) {
   S_RunCost all{SizeOfCount(m_samples.size()) +
-                    (BlockCount() == 1 ? kCheckBytes : BlockCount() * kBlockHeadBytes),
-                0};
+                (BlockCount() == 1 ? kCheckBytes : BlockCount() * kBlockHeadBytes)};
   for (std::size_t n = 0; n < BlockCount(); ++n) {
     TakeBlock(n);
-    const S_RunCost cost = m_block.CostOfRun(OfBlock(nCoarseness, n));
-    all.nBytes += cost.nBytes;
-    all.qwError += cost.qwError;
+    all += m_block.CostOfRun(OfBlock(nCoarseness, n));
   }
   return all;
 }

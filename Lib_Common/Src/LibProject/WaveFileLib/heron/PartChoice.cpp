@@ -2,7 +2,6 @@
 #include "heron/PartChoice.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 
 #include "heron/FixedPoint.h"
@@ -21,27 +20,16 @@ constexpr std::int64_t kPlainPrice = 40 * 256;
 // The loudness that a part is judged by is that of this many units around its middle.
 constexpr std::size_t kReferenceUnits = 12;
 
-// Adds up log2(1 + value) of values in half steps: an estimate of the bits of a coefficient. The
-// product of all numbers is kept as a mantissa of 32 bits and an exponent.
-class C_Bits {
- public:
-  void Add(std::int64_t nScaled) noexcept {
-    constexpr std::int64_t kOne = std::int64_t{1} << kScaledQ;
-    constexpr std::int64_t kMost = (std::int64_t{1} << 31) - 1;
-    m_qwMantissa *= static_cast<std::uint64_t>(std::min(nScaled + kOne, kMost));
-    const int nUp = 32 - std::countl_zero(m_qwMantissa);
-    m_qwMantissa >>= nUp;
-    m_nExponent += nUp - kScaledQ;
-  }
-  // In units of 1/256 bit.
-  [[nodiscard]] std::int64_t Total() const noexcept {
-    return std::int64_t{m_nExponent} * 256 + Log2Q8(m_qwMantissa) - 31 * 256;
-  }
-
- private:
-  std::uint64_t m_qwMantissa = std::uint64_t{1} << 31;
-  int m_nExponent = 0;
-};
+// Adds log2(1 + value) of a value in half steps: an estimate of the bits of a coefficient.
+void AddBits(std::int64_t nScaled, C_Log2Sum& sum) noexcept {
+  constexpr std::int64_t kOne = std::int64_t{1} << kScaledQ;
+  constexpr std::int64_t kMost = std::int64_t{1} << 32;
+  sum.Add(static_cast<std::uint32_t>(std::min(nScaled + kOne, kMost - 1)));
+}
+// The sum of so many of them, in units of 1/256 bit.
+std::int64_t Bits(const C_Log2Sum& sum, std::size_t nCount) noexcept {
+  return sum.Total() - static_cast<std::int64_t>(nCount) * kScaledQ * 256;
+}
 
 }  // namespace
 
@@ -102,20 +90,20 @@ std::int64_t C_PartChoice::PriceOfPart(std::size_t nUnit, std::size_t nSize) {
        values);
   m_transforms.Dct(nSize).Forward(values);
   const C_ToHalfSteps toHalfSteps(StepAt(nUnit, nSize));
-  C_Bits bits;
-  for (const std::int32_t nValue : values) bits.Add(toHalfSteps(std::abs(nValue)));
-  return bits.Total() + kPartPrice;
+  C_Log2Sum sum;
+  for (const std::int32_t nValue : values) AddBits(toHalfSteps(std::abs(nValue)), sum);
+  return Bits(sum, values.size()) + kPartPrice;
 }
 
 std::int64_t C_PartChoice::PriceOfPlain(std::size_t nUnit) const {
   const C_ToHalfSteps toHalfSteps(StepAt(nUnit, 0));
   const std::size_t nAt = nUnit * m_nUnitLength;
-  C_Bits bits;
-  for (const int nSample :
-       m_samples.subspan(nAt, std::min(m_nUnitLength, m_nCount - nAt))) {
-    bits.Add(toHalfSteps(std::abs(nSample) << kCoefficientQ));
+  const auto samples = m_samples.subspan(nAt, std::min(m_nUnitLength, m_nCount - nAt));
+  C_Log2Sum sum;
+  for (const int nSample : samples) {
+    AddBits(toHalfSteps(std::abs(nSample) << kCoefficientQ), sum);
   }
-  return bits.Total() + kPartPrice;
+  return Bits(sum, samples.size()) + kPartPrice;
 }
 
 int C_PartChoice::StepAt(std::size_t nUnit, std::size_t nSize) const {

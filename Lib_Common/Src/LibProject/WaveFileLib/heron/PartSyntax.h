@@ -92,18 +92,20 @@ class C_PartWriter {
  public:
   C_PartWriter(T_Sink& sink, std::size_t nUnitLength)
       : m_sink(sink), m_state(nUnitLength), m_levels(nUnitLength * kSectionUnits),
-        m_steadyLevels(nUnitLength * kSectionUnits), m_trellis(nUnitLength * kSectionUnits) {}
+        m_trellis(nUnitLength * kSectionUnits) {}
 
   // A node of the tree that is split.
   void WriteSplit(std::size_t nSize) { WriteKind(nSize, E_PartKind::kSplit); }
   // Quantises the coefficients (Q8) of a part with its step index and writes them. A part that is
-  // not plain is written by the model that costs less, and as silence when all of it becomes 0.
+  // not plain is written by the model that promises to cost less, and as silence when all of it becomes 0.
   void Write(const S_Part& part, std::span<const std::int32_t> coefficients);
   // The squared error of all coefficients, in units of 2^-8.
   [[nodiscard]] std::uint64_t Error() const noexcept { return m_qwError; }
+  // Coefficients that are not 0.
+  [[nodiscard]] std::size_t NonZero() const noexcept { return m_nNonZero; }
 
  private:
-  void AddError(std::span<const std::int32_t> coefficients, int nIndex) noexcept;
+  void AddCosts(std::span<const std::int32_t> coefficients, int nIndex) noexcept;
   void WriteKind(std::size_t nSize, E_PartKind kind);
   void WriteIndex(int nIndex);
   template <typename T_Below>
@@ -111,9 +113,9 @@ class C_PartWriter {
 
   T_Sink& m_sink;
   std::uint64_t m_qwError = 0;
+  std::size_t m_nNonZero = 0;
   C_PartState m_state;
   std::vector<std::int32_t> m_levels;  // once written: magnitudes in half steps
-  std::vector<std::int32_t> m_steadyLevels;
   C_Trellis m_trellis;
 };
 extern template class C_PartWriter<C_EntropyEncoder>;

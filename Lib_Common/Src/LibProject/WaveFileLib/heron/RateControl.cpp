@@ -2,6 +2,8 @@
 #include "heron/RateControl.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 #include "heron/Configuration.h"
 #include "heron/Loudness.h"
@@ -9,10 +11,8 @@
 namespace heron {
 namespace {
 
-// Passes that use secants. Short sounds get more of them: they are cheap to code, and their sizes
-// jump.
-constexpr std::size_t kSecantPasses = 5;
-constexpr std::size_t kSamplesForMorePasses = 16000;
+// After so many passes, the interval is halved.
+constexpr std::size_t kNewtonPasses = 8;
 
 // The first offset: a plane through the offsets that the search found for recorded telephone speech
 // at 8 kHz. It misses them by about half an octave of step size. Only the number of passes depends
@@ -24,12 +24,9 @@ constexpr int kFirstOffsetPerFourLoudness = 3;
 
 // Fractions of the allowed size, as their reciprocals. They are a compromise: a smaller share of
 // unused bytes would cost more passes than it is worth.
-constexpr std::int64_t kUnusedAfterSecants = 512;  // may stay unused while secants are left
-constexpr std::int64_t kUnusedAfterHalving = 200;  // may stay unused after that
-constexpr std::int64_t kAimedBelow =
-    1536;  // aimed at, so that a secant which misses a little still fits
-
-constexpr std::int64_t kBitsPerByte = 8;
+constexpr std::int64_t kUnusedAtFirst = 512;  // may stay unused
+constexpr std::int64_t kUnusedLater = 200;    // may stay unused once the interval is halved
+constexpr std::int64_t kAimedBelow = 1024;    // aimed at, so that a step that misses a little fits
 
 // Sounds of so few sections are tried at every coarseness.
 constexpr std::int64_t kFewSections = 4;
@@ -59,15 +56,14 @@ struct S_Pass {
   std::int64_t nSize;
 };
 
-// Approaches the size with secants, between a coarseness known to be too fine and one known to be
-// coarse enough. If the secants do not get close, it halves that interval instead.
+// Approaches the size in Newton's way: twice the step size saves about a bit for each coefficient
+// that is not 0. Once it knows a coarseness that is too fine and one that is coarse enough, it
+// stays between them, and halves what is left when it does not get close soon.
 class C_Search {
  public:
-  C_Search(const C_Encoder& encoder, std::uint64_t qwMost, std::size_t nSamples, int nFirstOffset)
+  C_Search(const C_Encoder& encoder, std::uint64_t qwMost, int nFirstOffset)
       : m_nMost(static_cast<std::int64_t>(qwMost)),
-        m_nSamples(static_cast<std::int64_t>(nSamples)),
         m_nStepsPerOctave(encoder.StepsPerOctave()),
-        m_nSecantsLeft(kSecantPasses + kSamplesForMorePasses / nSamples),
         m_nFine(encoder.Finest() - 1),
         m_nCoarse(encoder.Coarsest() + 1),
         m_nNext(Limit(encoder.FromOffset(nFirstOffset))) {}
@@ -75,30 +71,29 @@ class C_Search {
   // The coarseness to try next; without a meaning once IsDone().
   [[nodiscard]] std::int64_t Next() const { return m_nNext; }
 
-  // Takes the size that it gave.
-  void Learn(std::size_t nSize) {
-    const S_Pass pass{m_nNext, static_cast<std::int64_t>(nSize)};
+  // Takes what it cost.
+  void Learn(const S_RunCost& cost) { if (getenv("TR")) fprintf(stderr, "%lld/%lld oct: size %zu of %lld (%+.3f%%)\n", (long long)m_nNext, (long long)m_nStepsPerOctave, cost.nBytes, (long long)m_nMost, 100.0*((double)cost.nBytes-(double)m_nMost)/(double)m_nMost);
+    const S_Pass pass{m_nNext, static_cast<std::int64_t>(cost.nBytes)};
     const bool bFits = pass.nSize <= m_nMost;
     (bFits ? m_nCoarse : m_nFine) = m_nNext;
     if (!m_bFits || (bFits && pass.nSize > m_best.nSize)) m_best = pass;
     m_bFits = m_bFits || bFits;
-    if (m_nSecantsLeft > 0) --m_nSecantsLeft;
+    ++m_nPasses;
     if (!IsClosed()) {
-      m_nNext = m_nSecantsLeft > 0 ? Limit(m_nNext + Step(pass)) : Middle();
+      m_nNext = m_nPasses < kNewtonPasses ? Limit(m_nNext + Step(pass, cost.nNonZero)) : Middle();
     }
-    m_last = pass;
   }
 
   // True when the best result is close enough or nothing is left to try.
   [[nodiscard]] bool IsDone() const {
-    return IsWithin(m_nSecantsLeft > 0 ? kUnusedAfterSecants : kUnusedAfterHalving) || IsClosed();
+    return IsWithin(m_nPasses < kNewtonPasses ? kUnusedAtFirst : kUnusedLater) || IsClosed();
   }
   // True when the best result fits and leaves at most this share of the size.
   [[nodiscard]] bool IsWithin(std::int64_t nShare) const {
     return m_bFits && m_nMost - m_best.nSize <= m_nMost / nShare;
   }
-  [[nodiscard]] std::int64_t Best() const { return m_best.nCoarseness; }
   [[nodiscard]] bool Fits() const { return m_bFits; }
+  [[nodiscard]] std::int64_t Best() const { return m_best.nCoarseness; }
   [[nodiscard]] std::int64_t BestSize() const { return m_best.nSize; }
 
  private:
@@ -109,38 +104,29 @@ class C_Search {
   [[nodiscard]] std::int64_t Limit(std::int64_t nCoarseness) const {
     return std::clamp(nCoarseness, m_nFine + 1, m_nCoarse - 1);
   }
-
-  // From this pass to where a line through the last two passes meets the target size. After the
-  // first pass, an octave of the step size is assumed to be worth one bit per sample.
-  [[nodiscard]] std::int64_t Step(const S_Pass& pass) const {
-    const std::int64_t nExcess = pass.nSize - (m_nMost - m_nMost / kAimedBelow);
-    if (m_last.nSize != kNone && m_last.nSize != pass.nSize) {
-      return Share(nExcess, pass.nCoarseness - m_last.nCoarseness, m_last.nSize - pass.nSize);
-    }
-    return Share(nExcess, kBitsPerByte * m_nStepsPerOctave, m_nSamples);
+  // From this pass to where the size is as aimed at.
+  [[nodiscard]] std::int64_t Step(const S_Pass& pass, std::size_t nNonZero) const {
+    constexpr std::int64_t kBitsPerByte = 8;
+    const std::int64_t nExcess = (pass.nSize - (m_nMost - m_nMost / kAimedBelow)) * kBitsPerByte;
+    const auto nPerOctave = static_cast<std::int64_t>(nNonZero) + 1;
+    // A step of several octaves would rest on too rough a guess.
+    const std::int64_t nBits = std::clamp(nExcess, -2 * nPerOctave, 2 * nPerOctave);
+    return nBits * m_nStepsPerOctave / nPerOctave;
   }
-  // nPart * nWhole / nOf, where the product may be too large for 64 bits.
-  static std::int64_t Share(std::int64_t nPart, std::int64_t nWhole, std::int64_t nOf) {
-    return nPart / nOf * nWhole + nPart % nOf * (nWhole / nOf) + nPart % nOf * (nWhole % nOf) / nOf;
-  }
-
-  static constexpr std::int64_t kNone = -1;
 
   std::int64_t m_nMost;
-  std::int64_t m_nSamples;
   std::int64_t m_nStepsPerOctave;
-  std::size_t m_nSecantsLeft;
   std::int64_t m_nFine;    // too fine, or finer than makes sense
   std::int64_t m_nCoarse;  // coarse enough, or coarser than makes sense
   std::int64_t m_nNext;
-  S_Pass m_last{0, kNone};
-  S_Pass m_best{0, kNone};
+  std::size_t m_nPasses = 0;
+  S_Pass m_best{0, -1};
   bool m_bFits = false;
 };
 
-C_Search Search(C_Encoder& encoder, std::uint64_t qwMost, std::size_t nSamples, int nFirstOffset) {
-  C_Search search(encoder, qwMost, nSamples, nFirstOffset);
-  while (!search.IsDone()) search.Learn(encoder.CostAt(search.Next()).nBytes);
+C_Search Search(C_Encoder& encoder, std::uint64_t qwMost, int nFirstOffset) {
+  C_Search search(encoder, qwMost, nFirstOffset);
+  while (!search.IsDone()) search.Learn(encoder.CostAt(search.Next()));
   return search;
 }
 
@@ -172,15 +158,16 @@ std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, in
   const std::uint64_t qwMost = CodedRoom(samples.size(), nBitDepth);
   const int nFirst = FirstOffset(samples, nSampleRate, nBitDepth);
   C_Encoder encoder(samples, nSampleRate, nBitDepth, nFirst, fnProgress);
-  C_Search search = Search(encoder, qwMost, samples.size(), nFirst);
+  C_Search search = Search(encoder, qwMost, nFirst);
+  if (getenv("FO")) fprintf(stderr, "FO %d %d %d %d\n", nBitDepth, nSampleRate, MeanLoudness(samples, (size_t)FrameLength(nSampleRate)), encoder.ToOffset(search.Best()));
   if (encoder.SectionCount() <= kFewSections) {
     return encoder.Encode(BestOfAll(encoder, qwMost, search.Best()));
   }
-  if (search.IsWithin(kUnusedAfterHalving)) return encoder.Encode(search.Best());
+  if (search.IsWithin(kUnusedLater)) return encoder.Encode(search.Best());
   const int nFound = encoder.ToOffset(search.Best());
   C_Encoder whole = encoder;
   whole.UseWholeIndices();
-  const C_Search second = Search(whole, qwMost, samples.size(), nFound);
+  const C_Search second = Search(whole, qwMost, nFound);
   const bool bBetter = second.Fits() && (!search.Fits() || second.BestSize() > search.BestSize());
   return bBetter ? whole.Encode(second.Best()) : encoder.Encode(search.Best());
 }
