@@ -3,11 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "Signals.h"
 #include "heron/Configuration.h"
-#include "heron/Loudness.h"
 
 namespace heron {
 namespace {
@@ -66,19 +67,66 @@ TEST(HeronFixedPoint, QuartersOfAnOctave_AreRounded) {
   }
 }
 
-TEST(HeronLoudness, Loudness_IsTheLogarithmOfTheMeanSquare) {
-  EXPECT_EQ(Loudness(1000 * 320, 320), 2551);
-  EXPECT_EQ(Loudness(std::uint64_t{1} << 40, 1024), 30 * 256);
-  EXPECT_EQ(Loudness(1000, 1), 2551);
+// ---- sums of logarithms
+
+// The sum of the logarithms, and how much lower the result may be: rounding it down takes less than
+// one, and each number loses less than 2^-31 of itself.
+void ExpectSum(const std::vector<std::uint32_t>& values) {
+  C_Log2Sum sum;
+  long double dSum = 0;
+  for (const std::uint32_t nValue : values) {
+    sum.Add(nValue);
+    dSum += 256 * std::log2(static_cast<long double>(nValue));
+  }
+  const auto dTotal = static_cast<double>(dSum);
+  const double dLost = 1 + 1e-5 + static_cast<double>(values.size()) * 369.4 * std::exp2(-31);
+  ASSERT_LE(static_cast<double>(sum.Total()), dTotal + 1e-3);
+  ASSERT_GT(static_cast<double>(sum.Total()), dTotal - dLost);
 }
 
-TEST(HeronLoudness, SoftFrames_CountAsTheHissOfARoom) {
-  const int nFloor = Log2Q8(400);
-  EXPECT_EQ(Loudness(0, 320), nFloor);
-  EXPECT_EQ(Loudness(399 * 320, 320), nFloor);
-  EXPECT_EQ(Loudness(400 * 320, 320), nFloor);
-  EXPECT_GT(Loudness(404 * 320, 320), nFloor);
+TEST(HeronLog2Sum, OfNothing_IsZero) {
+  EXPECT_EQ(C_Log2Sum().Total(), 0);
+  ExpectSum({});
 }
+
+TEST(HeronLog2Sum, OfPowersOfTwo_IsExact) {
+  C_Log2Sum sum;
+  std::int64_t nExpected = 0;
+  for (int nRound = 0; nRound < 100; ++nRound) {
+    for (int n = 0; n < 32; ++n) {
+      sum.Add(1U << n);
+      nExpected += 256 * n;
+      ASSERT_EQ(sum.Total(), nExpected) << nRound << ' ' << n;
+    }
+  }
+}
+
+TEST(HeronLog2Sum, OfOneNumber_IsItsLogarithm) {
+  for (std::uint32_t n = 1; n < 100000; ++n) {
+    C_Log2Sum sum;
+    sum.Add(n);
+    ASSERT_EQ(sum.Total(), Log2Q8(n)) << n;
+  }
+}
+
+TEST(HeronLog2Sum, OfRandomNumbers_IsTheLogarithmOfTheirProduct) {
+  test::C_Random random(2);
+  for (int nRound = 0; nRound < 2000; ++nRound) {
+    std::vector<std::uint32_t> values(random.Below(500));
+    for (std::uint32_t& nValue : values) {
+      nValue = std::max(1U, static_cast<std::uint32_t>(random.Bits() >> 32) >> random.Below(32));
+    }
+    ASSERT_NO_FATAL_FAILURE(ExpectSum(values)) << nRound;
+  }
+}
+
+TEST(HeronLog2Sum, OfTheLargestAndTheSmallestNumbers_NeverOverflows) {
+  for (const std::uint32_t nValue : {~0U, ~0U - 1, 1U << 31, (1U << 31) + 1, 3U, 1U}) {
+    ExpectSum(std::vector<std::uint32_t>(100000, nValue));
+  }
+}
+
+// ---- the divisions of a sound
 
 TEST(HeronConfiguration, FramesAre20Milliseconds_RoundedDownToAnEvenNumber) {
   EXPECT_EQ(FrameLength(4000), 80);
@@ -91,7 +139,26 @@ TEST(HeronConfiguration, FramesAre20Milliseconds_RoundedDownToAnEvenNumber) {
   EXPECT_EQ(FrameLength(44100), 882);
   EXPECT_EQ(FrameLength(47999), 958);
   EXPECT_EQ(FrameLength(48000), 960);
-  EXPECT_EQ(kMaxFrameLength, 960);
+}
+
+TEST(HeronConfiguration, UnitsAre5Milliseconds_RoundedDownToAnEvenNumber) {
+  EXPECT_EQ(UnitLength(4000), 20u);
+  EXPECT_EQ(UnitLength(4399), 20u);
+  EXPECT_EQ(UnitLength(4400), 22u);
+  EXPECT_EQ(UnitLength(8000), 40u);
+  EXPECT_EQ(UnitLength(11025), 54u);
+  EXPECT_EQ(UnitLength(44100), 220u);
+  EXPECT_EQ(UnitLength(47999), 238u);
+  EXPECT_EQ(UnitLength(48000), 240u);
+}
+
+TEST(HeronConfiguration, SectionsAndBlocks_AreWholeUnits) {
+  EXPECT_EQ(kSectionUnits, 8u);
+  EXPECT_EQ(SectionLength(8000), 320u);
+  EXPECT_EQ(BlockLength(8000), 32000u);
+  EXPECT_EQ(SectionLength(11025), 432u);
+  EXPECT_EQ(BlockLength(48000), 192000u);
+  EXPECT_EQ(kMaxPartLength, 1920u);
 }
 
 TEST(HeronConfiguration, RatesFrom4000To48000_AreSupported) {

@@ -24,8 +24,8 @@ struct S_TableSet {
   std::size_t nModel;
   std::size_t nQuantiser;
 };
-constexpr S_TableSet kTableSets[] = {{test::kNear, 0}, {test::kNear, 1}, {test::kSteady, 0},
-                                     {test::kSteady, 1}};
+constexpr S_TableSet kTableSets[] = {
+    {test::kNear, 0}, {test::kNear, 1}, {test::kSteady, 0}, {test::kSteady, 1}};
 
 // One expectation of each class up to 2^22.
 std::vector<std::int32_t> Expectations() {

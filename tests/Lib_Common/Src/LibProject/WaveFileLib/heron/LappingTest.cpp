@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/Lapping.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include "Signals.h"
+#include "heron/Transforms.h"
+
+namespace heron {
+namespace {
+
+using std::numbers::pi;
+using test::S_Sound;
+using S_Values = std::vector<std::int32_t>;
+
+constexpr double kOne = 1 << kWindowQ;
+constexpr std::int32_t kLeast32 = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMost32 = std::numeric_limits<std::int32_t>::max();
+
+// Halves of all overlaps at rates in use, and of some others.
+const std::vector<std::size_t> kHalves = {1,   2,   3,   10,  20,  27,  40,  55,  80,  110, 119,
+                                          120, 160, 220, 238, 240, 320, 440, 480, 952, 960};
+
+// ---- the window
+
+TEST(HeronLaps, Factors_AreThoseOfTheWindow) {
+  for (const std::size_t nHalf : kHalves) {
+    const auto laps = MakeLaps(nHalf);
+    ASSERT_EQ(laps.size(), nHalf);
+    const auto window = [&](std::size_t n) {
+      const double dSine =
+          std::sin(pi * (static_cast<double>(n) + 0.5) / (4 * static_cast<double>(nHalf)));
+      return kOne * std::sin(pi / 2 * dSine * dSine);
+    };
+    for (std::size_t i = 0; i < nHalf; ++i) {
+      // Circle points are right to 8 units of Q30.
+      ASSERT_NEAR(laps[i].nNear, window(nHalf + i), 8) << nHalf << ' ' << i;
+      ASSERT_NEAR(laps[i].nFar, window(nHalf - 1 - i), 8) << nHalf << ' ' << i;
+    }
+  }
+}
+
+TEST(HeronLaps, SquaresOfBothFactors_AddUpToOne) {
+  for (const std::size_t nHalf : kHalves) {
+    for (const auto& [nNear, nFar] : MakeLaps(nHalf)) {
+      const double dSquares = (double{1} * nNear * nNear + double{1} * nFar * nFar) / (kOne * kOne);
+      ASSERT_NEAR(dSquares, 1, 16 / kOne) << nHalf;
+    }
+  }
+}
+
+TEST(HeronLaps, FactorsFromTheBoundaryOutwards_RiseAndFall) {
+  for (const std::size_t nHalf : kHalves) {
+    std::int32_t nNearBefore = 0;
+    std::int32_t nFarBefore = 1 << kWindowQ;
+    for (const auto& [nNear, nFar] : MakeLaps(nHalf)) {
+      ASSERT_GT(nNear, nFar) << nHalf;
+      ASSERT_GE(nNear, nNearBefore) << nHalf;
+      ASSERT_LE(nFar, nFarBefore) << nHalf;
+      ASSERT_GE(nFar, 0) << nHalf;
+      ASSERT_LE(nNear, 1 << kWindowQ) << nHalf;
+      nNearBefore = nNear;
+      nFarBefore = nFar;
+    }
+  }
+}
+
+// ---- folding
+
+TEST(HeronFold, WithoutOverlaps_ScalesTheSamples) {
+  const S_Sound samples = {0, 1, -1, 32767, -32768, 5};
+  S_Values folded(4);
+  Fold(samples, {1, 4, {}, {}}, folded);
+  EXPECT_EQ(folded, (S_Values{1 << kFoldedQ, -(1 << kFoldedQ), 32767 * (1 << kFoldedQ),
+                              -32768 * (1 << kFoldedQ)}));
+}
+
+TEST(HeronFold, AroundEitherEnd_AddsOrSubtractsTheMirroredSamples) {
+  const S_Sound samples = test::Noise(60);
+  const auto before = MakeLaps(5);
+  const auto after = MakeLaps(10);
+  S_Values folded(20);
+  Fold(samples, {20, 20, before, after}, folded);
+  for (std::size_t n = 0; n < 20; ++n) {
+    double dExpected = samples[20 + n];
+    if (n < 5)
+      dExpected =
+          (dExpected * before[n].nNear + samples[19 - n] * double{1} * before[n].nFar) / kOne;
+    if (n >= 10) {
+      const S_Lap& lap = after[19 - n];
+      dExpected = (dExpected * lap.nNear - samples[40 + 19 - n] * double{1} * lap.nFar) / kOne;
+    }
+    EXPECT_NEAR(folded[n] / std::exp2(kFoldedQ), dExpected, std::exp2(-kFoldedQ)) << n;
+  }
+}
+
+TEST(HeronFold, Extremes_StayBelowTheBoundOfTheTransform) {
+  // The sum of both factors is largest at the boundary: nearly the square root of 2.
+  for (const std::size_t nHalf : {std::size_t{1}, std::size_t{120}, std::size_t{960}}) {
+    const auto laps = MakeLaps(nHalf);
+    for (const int nSign : {1, -1}) {
+      S_Sound samples(6 * nHalf, static_cast<std::int16_t>(nSign > 0 ? 32767 : -32768));
+      S_Values folded(2 * nHalf);
+      Fold(samples, {2 * nHalf, 2 * nHalf, laps, laps}, folded);
+      for (const std::int32_t nValue : folded) ASSERT_LT(std::abs(nValue), 1 << 30) << nHalf;
+      // The samples after the part have the other sign.
+      for (std::size_t n = 4 * nHalf; n < samples.size(); ++n) {
+        samples[n] = static_cast<std::int16_t>(nSign > 0 ? -32768 : 32767);
+      }
+      Fold(samples, {2 * nHalf, 2 * nHalf, laps, laps}, folded);
+      for (const std::int32_t nValue : folded) ASSERT_LT(std::abs(nValue), 1 << 30) << nHalf;
+      EXPECT_GT(std::abs(folded.back()), 1 << 29) << nHalf;
+    }
+  }
+}
+
+TEST(HeronUnfold, TurnsBackWhatFoldTurned) {
+  for (const std::size_t nHalf : kHalves) {
+    const S_Sound samples = test::Noise(4 * nHalf, nHalf);
+    const auto laps = MakeLaps(nHalf);
+    S_Values values(4 * nHalf);
+    Fold(samples, {0, 2 * nHalf, {}, laps}, std::span(values).first(2 * nHalf));
+    Fold(samples, {2 * nHalf, 2 * nHalf, laps, {}}, std::span(values).last(2 * nHalf));
+    for (std::int32_t& nValue : values) nValue >>= kFoldedQ - kUnfoldedQ;
+    Unfold(values, 2 * nHalf, laps);
+    S_Sound back(samples.size());
+    ToSamples(values, back);
+    ASSERT_EQ(back, samples) << nHalf;
+  }
+}
+
+TEST(HeronUnfold, LargestValues_AreLimitedTo32Bits) {
+  const auto laps = MakeLaps(2);
+  for (const auto& [nBefore, nAfter] : {std::pair{kLeast32, kLeast32},
+                                        {kLeast32, kMost32},
+                                        {kMost32, kLeast32},
+                                        {kMost32, kMost32}}) {
+    S_Values values = {7, nBefore, nBefore, nAfter, nAfter, 8};
+    Unfold(values, 3, laps);
+    EXPECT_EQ(values.front(), 7);
+    EXPECT_EQ(values.back(), 8);
+    for (std::size_t i = 0; i < 2; ++i) {
+      const double dNear = laps[i].nNear / kOne;
+      const double dFar = laps[i].nFar / kOne;
+      const auto limited = [](double dValue) {
+        return std::clamp<double>(dValue, kLeast32, kMost32);
+      };
+      EXPECT_NEAR(values[3 + i], limited(nAfter * dNear - nBefore * dFar), 2);
+      EXPECT_NEAR(values[2 - i], limited(nBefore * dNear + nAfter * dFar), 2);
+    }
+  }
+}
+
+TEST(HeronUnfold, WithoutLaps_ChangesNothing) {
+  S_Values values = {1, 2, 3, 4};
+  Unfold(values, 2, {});
+  EXPECT_EQ(values, (S_Values{1, 2, 3, 4}));
+  Unfold(values, 0, {});
+  EXPECT_EQ(values, (S_Values{1, 2, 3, 4}));
+}
+
+TEST(HeronToSamples, Values_AreRoundedAndLimitedTo16Bits) {
+  constexpr std::int32_t kUnit = 1 << kUnfoldedQ;
+  const S_Values values = {0,
+                           kUnit / 2,
+                           kUnit / 2 - 1,
+                           -kUnit / 2,
+                           -kUnit / 2 - 1,
+                           32767 * kUnit,
+                           32768 * kUnit - kUnit / 2,
+                           kMost32,
+                           -32768 * kUnit,
+                           -32769 * kUnit,
+                           kLeast32};
+  S_Sound samples(values.size());
+  ToSamples(values, samples);
+  EXPECT_EQ(samples, (S_Sound{0, 1, 0, 0, -1, 32767, 32767, 32767, -32768, -32768, -32768}));
+}
+
+TEST(HeronToSamples, FewerSamplesThanValues_AreTheFirst) {
+  const S_Values values = {1 << kUnfoldedQ, 2 << kUnfoldedQ, 3 << kUnfoldedQ};
+  S_Sound samples(2);
+  ToSamples(values, samples);
+  EXPECT_EQ(samples, (S_Sound{1, 2}));
+}
+
+// ---- with the transform
+
+// A block of parts of these sizes, there and back without quantisation.
+S_Sound ThereAndBack(const S_Sound& samples, std::size_t nUnitLength,
+                     const std::vector<S_Part>& parts) {
+  C_Transforms transforms(nUnitLength);
+  S_Values values(samples.size());
+  const auto part = [&](std::size_t n) {
+    return std::span(values).subspan(parts[n].nUnit * nUnitLength, parts[n].Units() * nUnitLength);
+  };
+  for (std::size_t n = 0; n < parts.size(); ++n) {
+    S_Lapped lapped{parts[n].nUnit * nUnitLength, parts[n].Units() * nUnitLength, {}, {}};
+    if (n > 0) lapped.before = transforms.Between(parts[n - 1], parts[n]);
+    if (n + 1 < parts.size()) lapped.after = transforms.Between(parts[n], parts[n + 1]);
+    Fold(samples, lapped, part(n));
+    if (parts[n].kind != E_PartKind::kPlain) transforms.Dct(parts[n].nSize).Forward(part(n));
+  }
+  for (std::size_t n = 0; n < parts.size(); ++n) {
+    if (parts[n].kind == E_PartKind::kPlain) {
+      for (std::int32_t& nValue : part(n)) nValue >>= kFoldedQ - kUnfoldedQ;
+    } else {
+      transforms.Dct(parts[n].nSize).Inverse(part(n));
+    }
+    if (n == 0) continue;
+    Unfold(values, parts[n].nUnit * nUnitLength, transforms.Between(parts[n - 1], parts[n]));
+  }
+  S_Sound back(samples.size());
+  ToSamples(values, back);
+  return back;
+}
+
+// A loud sound may be off by one where the overlaps are long.
+void ExpectAlmost(const S_Sound& back, const S_Sound& samples) {
+  ASSERT_EQ(back.size(), samples.size());
+  for (std::size_t n = 0; n < samples.size(); ++n) ASSERT_NEAR(back[n], samples[n], 1) << n;
+}
+
+TEST(HeronLapping, EveryPairOfSizes_GivesTheSamplesBack) {
+  for (const std::size_t nUnitLength : {20u, 40u, 54u, 110u, 240u}) {
+    for (std::size_t nFirst = 0; nFirst < kPartSizes; ++nFirst) {
+      for (std::size_t nSecond = 0; nSecond < kPartSizes; ++nSecond) {
+        const std::vector<S_Part> parts = {{0, nFirst}, {std::size_t{1} << nFirst, nSecond}};
+        for (const auto& [strName, samples] : test::SoundsOf(parts.back().End() * nUnitLength)) {
+          SCOPED_TRACE(strName);
+          ASSERT_NO_FATAL_FAILURE(ExpectAlmost(ThereAndBack(samples, nUnitLength, parts), samples))
+              << nUnitLength << ' ' << nFirst << ' ' << nSecond;
+        }
+      }
+    }
+  }
+}
+
+TEST(HeronLapping, RandomParts_GiveTheSamplesBack) {
+  test::C_Random random(1);
+  for (int nRound = 0; nRound < 30; ++nRound) {
+    const std::size_t nUnitLength = 2 * (10 + random.Below(111));
+    std::vector<S_Part> parts;
+    for (std::size_t nUnit = 0; parts.size() < 12; nUnit = parts.back().End()) {
+      const bool bPlain = random.Below(4) == 0;
+      const std::size_t nSize = bPlain ? 0 : random.Below(kPartSizes);
+      parts.push_back({nUnit, nSize, bPlain ? E_PartKind::kPlain : E_PartKind::kNear});
+    }
+    const S_Sound samples = test::Noise(parts.back().End() * nUnitLength, nUnitLength);
+    ASSERT_NO_FATAL_FAILURE(ExpectAlmost(ThereAndBack(samples, nUnitLength, parts), samples))
+        << nRound;
+  }
+}
+
+TEST(HeronTransforms, Overlaps_AreHalfTheShorterPartAndNoneBesidePlainOnes) {
+  const C_Transforms transforms(20);
+  const S_Part plain{0, 0, E_PartKind::kPlain};
+  for (std::size_t nFirst = 0; nFirst < kPartSizes; ++nFirst) {
+    for (std::size_t nSecond = 0; nSecond < kPartSizes; ++nSecond) {
+      for (const E_PartKind kind : {E_PartKind::kNear, E_PartKind::kSteady, E_PartKind::kSilent}) {
+        const std::size_t nHalf = std::size_t{10} << std::min(nFirst, nSecond);
+        const S_Part first{0, nFirst};
+        const S_Part second{8, nSecond, kind};
+        EXPECT_EQ(transforms.Between(first, second).size(), nHalf);
+        EXPECT_EQ(transforms.Between(second, first).size(), nHalf);
+        EXPECT_TRUE(transforms.Between(plain, second).empty());
+        EXPECT_TRUE(transforms.Between(second, plain).empty());
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace heron
