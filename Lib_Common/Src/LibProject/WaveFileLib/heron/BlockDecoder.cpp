@@ -36,10 +36,8 @@ void C_BlockDecoder::Unlap() {
   for (const S_Part& part : m_parts) {
     const std::size_t nAt = part.nUnit * m_nUnitLength;
     const std::span values(m_values.data() + nAt, part.Units() * m_nUnitLength);
-    if (part.kind == E_PartKind::kPlain) {
-      for (std::int32_t& nValue : values) nValue *= 1 << (kUnfoldedQ - kCoefficientQ);
-    } else if (part.kind != E_PartKind::kSilent) {
-      m_transforms.Dct(part.nSize).Inverse(values);
+    if (part.kind != E_PartKind::kPlain && part.kind != E_PartKind::kSilent) {
+      m_transforms.Dct(part.nSize).Transform(values);
     }
     if (pBefore != nullptr) Unfold(m_values, nAt, m_transforms.Between(*pBefore, part));
     pBefore = &part;

@@ -67,7 +67,7 @@ void C_BlockEncoder::Transform(std::span<const std::int16_t> samples) {
       }
     } else {
       Fold(samples, lapped, values);
-      m_transforms.Dct(part.nSize).Forward(values);
+      m_transforms.Dct(part.nSize).Transform(values);
     }
     m_loudness.push_back(LoudnessOf(values));
   }

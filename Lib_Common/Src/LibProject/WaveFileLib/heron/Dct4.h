@@ -7,6 +7,11 @@
 // which is its own inverse, done as a Fourier transform of N/2 complex numbers. Number n has the
 // values 2n and N-1-2n as its parts. It is rotated by exp(-i pi (8n + 1) / 8N) before and after the
 // transform; the parts of result n are then out[2n] and -out[N-1-2n].
+//
+// Samples on their way and coefficients are both Q8. Folded samples (Lapping.h) of 16 bits have a
+// modulus below 2^15.5 each, so the root of the sum of all squares of a part stays below
+// 2^15.5 * sqrt(1920) * 2^8 < 2^29. No value on the way is larger than that root, so it fits 32 bits.
+// Values that are made up may wrap around (Complex.h).
 #pragma once
 
 #include <cstddef>
@@ -18,13 +23,9 @@
 
 namespace heron {
 
-// Coefficients are Q8.
 inline constexpr int kCoefficientQ = 8;
-// No coefficient of 16-bit samples is larger: 2^15 * sqrt(2 * 1920) < 2^21.
+// No coefficient of 16-bit samples is larger.
 inline constexpr std::int64_t kMaxCoefficient = std::int64_t{1} << (21 + kCoefficientQ);
-// Folded samples (Lapping.h) on their way to the coefficients and back.
-inline constexpr int kFoldedQ = 14;
-inline constexpr int kUnfoldedQ = 11;
 
 class C_Dct4 {
  public:
@@ -32,19 +33,13 @@ class C_Dct4 {
   explicit C_Dct4(std::size_t nLength);
 
   [[nodiscard]] std::size_t Length() const noexcept { return 2 * m_points.size(); }
-  // Turns N folded samples (Q14, below 2^30) into coefficients. Neither direction may run in two
-  // threads on one object at the same time.
-  void Forward(std::span<std::int32_t> values) noexcept;
-  // Turns N coefficients of at most kMaxCoefficient into folded samples (Q11). Those that 32 bits
-  // cannot hold, which no sound has, are limited to what they can hold.
-  void Inverse(std::span<std::int32_t> values) noexcept;
+  // Transforms N values in their place. Two threads must not do this with one object at the same
+  // time.
+  void Transform(std::span<std::int32_t> values) noexcept;
 
  private:
-  template <int kUp>
-  void Transform(std::span<const std::int32_t> values) noexcept;
-
   C_Fourier m_fourier;
-  std::vector<S_Rotation> m_before;  // with the factor sqrt(2/N), Q30
+  std::vector<S_Rotation> m_before;  // with the factor sqrt(2/N)
   std::vector<S_Rotation> m_after;
   std::vector<S_Complex> m_points;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "heron/Complex.h"
 #include "heron/Dct4.h"
 #include "heron/FixedPoint.h"
 #include "heron/Trigonometry.h"
@@ -12,7 +13,7 @@ namespace heron {
 namespace {
 
 // w[n] of an overlap of nLength samples, in Q30.
-std::int64_t PowerSine(std::int64_t n, std::int64_t nLength) noexcept {
+std::int32_t PowerSine(std::int64_t n, std::int64_t nLength) noexcept {
   // sin^2(a) = (1 - cos(2a)) / 2. The difference in Q30 is sin^2(a) in Q31, and halving it gives
   // Q30.
   constexpr std::int64_t kOne = std::int64_t{1} << 30;
@@ -20,19 +21,11 @@ std::int64_t PowerSine(std::int64_t n, std::int64_t nLength) noexcept {
   return CirclePoint(nSquare, 4 * kOne).nSine;
 }
 
-constexpr std::int32_t Limit32(std::int64_t nValue) noexcept {
-  return static_cast<std::int32_t>(std::clamp<std::int64_t>(
-      nValue, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
-}
-
 }  // namespace
 
 std::vector<S_Lap> MakeLaps(std::size_t nHalf) {
   const auto nLength = static_cast<std::int64_t>(2 * nHalf);
-  const auto window = [&](std::size_t n) {
-    return static_cast<std::int32_t>(
-        RoundShift(PowerSine(static_cast<std::int64_t>(n), nLength), 30 - kWindowQ));
-  };
+  const auto window = [&](std::size_t n) { return PowerSine(static_cast<std::int64_t>(n), nLength); };
   std::vector<S_Lap> laps;
   for (std::size_t i = 0; i < nHalf; ++i) laps.push_back({window(nHalf + i), window(nHalf - 1 - i)});
   return laps;
@@ -40,7 +33,7 @@ std::vector<S_Lap> MakeLaps(std::size_t nHalf) {
 
 void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
           std::span<std::int32_t> folded) noexcept {
-  constexpr int kDown = kWindowQ - kFoldedQ;
+  constexpr int kDown = kWindowQ - kCoefficientQ;
   const std::size_t nEnd = part.nAt + part.nLength;
   for (std::size_t i = 0; i < part.before.size(); ++i) {
     const auto [nNear, nFar] = part.before[i];
@@ -49,7 +42,7 @@ void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
     folded[i] = static_cast<std::int32_t>(RoundShift(nSum, kDown));
   }
   for (std::size_t i = part.before.size(); i < part.nLength - part.after.size(); ++i) {
-    folded[i] = std::int32_t{samples[part.nAt + i]} * (1 << kFoldedQ);
+    folded[i] = std::int32_t{samples[part.nAt + i]} * (1 << kCoefficientQ);
   }
   for (std::size_t i = 0; i < part.after.size(); ++i) {
     const auto [nNear, nFar] = part.after[i];
@@ -60,21 +53,23 @@ void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
 }
 
 void Unfold(std::span<std::int32_t> values, std::size_t nAt, std::span<const S_Lap> laps) noexcept {
-  for (std::size_t i = 0; i < laps.size(); ++i) {
-    const std::int64_t nAfter = values[nAt + i];
-    const std::int64_t nBefore = values[nAt - 1 - i];
-    const auto [nNear, nFar] = laps[i];
-    values[nAt + i] = Limit32(RoundShift(nAfter * nNear - nBefore * nFar, kWindowQ));
-    values[nAt - 1 - i] = Limit32(RoundShift(nBefore * nNear + nAfter * nFar, kWindowQ));
+  std::int32_t* pAfter = values.data() + nAt;
+  std::int32_t* pBefore = pAfter;
+  for (const auto [nNear, nFar] : laps) {
+    const std::int32_t nAfter = *pAfter;
+    const std::int32_t nBefore = *--pBefore;
+    *pAfter++ = FromProduct(Product(nAfter, nNear) - Product(nBefore, nFar));
+    *pBefore = FromProduct(Product(nBefore, nNear) + Product(nAfter, nFar));
   }
 }
 
 void ToSamples(std::span<const std::int32_t> values, std::span<std::int16_t> samples) noexcept {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int16_t>::max();
+  constexpr std::int32_t kLeast = std::numeric_limits<std::int16_t>::min();
   for (std::size_t n = 0; n < samples.size(); ++n) {
-    const std::int64_t nSample = RoundShift(values[n], kUnfoldedQ);
-    samples[n] = static_cast<std::int16_t>(
-        std::clamp<std::int64_t>(nSample, std::numeric_limits<std::int16_t>::min(),
-                                 std::numeric_limits<std::int16_t>::max()));
+    // Rounds in two steps, because adding a half first could leave 32 bits.
+    const std::int32_t nSample = ((values[n] >> (kCoefficientQ - 1)) + 1) >> 1;
+    samples[n] = static_cast<std::int16_t>(std::clamp(nSample, kLeast, kMost));
   }
 }
 

@@ -22,11 +22,11 @@
 
 namespace heron {
 
-inline constexpr int kWindowQ = 28;
+inline constexpr int kWindowQ = 30;
 
 struct S_Lap {
-  std::int32_t nNear;  // w, Q28
-  std::int32_t nFar;   // v, Q28
+  std::int32_t nNear;  // w, Q30
+  std::int32_t nFar;   // v, Q30
 };
 
 // The factors for an overlap of 2 * nHalf samples, from the boundary outwards.
@@ -40,15 +40,15 @@ struct S_Lapped {
   std::span<const S_Lap> after;
 };
 
-// Sets folded (nLength values, Q14) to the folded samples of the part. samples is the whole block.
+// Sets folded (nLength values, Q8) to the folded samples of the part. samples is the whole block.
 void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
           std::span<std::int32_t> folded) noexcept;
 
-// Unfolds the values of a block (Q11) around the boundary before value nAt, which has at least
+// Unfolds the values of a block (Q8) around the boundary before value nAt, which has at least
 // laps.size() values on either side.
 void Unfold(std::span<std::int32_t> values, std::size_t nAt, std::span<const S_Lap> laps) noexcept;
 
-// Rounds unfolded values to samples: to the nearest integer, halves upwards, limited to 16 bits.
+// Rounds unfolded values (Q8) to samples: to the nearest integer, halves upwards, limited to 16 bits.
 void ToSamples(std::span<const std::int32_t> values, std::span<std::int16_t> samples) noexcept;
 
 }  // namespace heron

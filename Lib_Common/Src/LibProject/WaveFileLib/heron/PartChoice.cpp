@@ -88,7 +88,7 @@ std::int64_t C_PartChoice::PriceOfPart(std::size_t nUnit, std::size_t nSize) {
        {nAt, nLength, nAt == 0 ? std::span<const S_Lap>() : laps,
         nAt + nLength == m_samples.size() ? std::span<const S_Lap>() : laps},
        values);
-  m_transforms.Dct(nSize).Forward(values);
+  m_transforms.Dct(nSize).Transform(values);
   const C_ToHalfSteps toHalfSteps(StepAt(nUnit, nSize));
   C_Log2Sum sum;
   for (const std::int32_t nValue : values) AddBits(toHalfSteps(std::abs(nValue)), sum);
