@@ -16,6 +16,9 @@ namespace {
 
 using S_Points = std::vector<S_Complex>;
 
+constexpr std::int32_t kLeast32 = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMost32 = std::numeric_limits<std::int32_t>::max();
+
 // The definition of the transform, in floating point.
 std::vector<std::complex<double>> Direct(const S_Points& in) {
   const std::size_t nPoints = in.size();
@@ -106,9 +109,9 @@ TEST(HeronFourier, EqualValues_MeetInTheFirstOutputAtTheMostThatFits) {
     // All values add up to nearly -2^31, in one output.
     const auto nEach =
         static_cast<std::int32_t>((std::int64_t{1} << 31) / static_cast<std::int64_t>(nPoints));
-    S_Points points(nPoints, S_Complex{-nEach + 1, 0});
+    S_Points points(nPoints, S_Complex{-nEach, 0});
     C_Fourier(nPoints).Transform(points);
-    EXPECT_EQ(points[0].nRe, (-nEach + 1) * static_cast<std::int32_t>(nPoints)) << nPoints;
+    EXPECT_EQ(points[0].nRe, -nEach * static_cast<std::int32_t>(nPoints)) << nPoints;
     EXPECT_EQ(points[0].nIm, 0) << nPoints;
     for (std::size_t k = 1; k < points.size(); ++k) {
       ASSERT_LE(std::abs(points[k].nRe), Bound(nPoints, nEach)) << nPoints;
@@ -139,9 +142,6 @@ TEST(HeronFourier, OneObject_GivesTheSameEveryTime) {
 }
 
 // ---- complex numbers
-
-constexpr std::int32_t kLeast32 = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kMost32 = std::numeric_limits<std::int32_t>::max();
 
 TEST(HeronComplex, SumsThatDoNotFit_WrapAround) {
   EXPECT_EQ(Add32(kMost32, 1), kLeast32);
