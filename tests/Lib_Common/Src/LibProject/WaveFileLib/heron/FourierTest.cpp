@@ -107,8 +107,7 @@ TEST(HeronFourier, OneValue_TurnsThroughAllOutputs) {
 TEST(HeronFourier, EqualValues_MeetInTheFirstOutputAtTheMostThatFits) {
   for (const std::size_t nPoints : Sizes()) {
     // All values add up to nearly -2^31, in one output.
-    const auto nEach =
-        static_cast<std::int32_t>((std::int64_t{1} << 31) / static_cast<std::int64_t>(nPoints));
+    const std::int32_t nEach = kMost32 / static_cast<std::int32_t>(nPoints);
     S_Points points(nPoints, S_Complex{-nEach, 0});
     C_Fourier(nPoints).Transform(points);
     EXPECT_EQ(points[0].nRe, -nEach * static_cast<std::int32_t>(nPoints)) << nPoints;

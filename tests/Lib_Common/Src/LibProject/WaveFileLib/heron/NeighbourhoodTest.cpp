@@ -9,6 +9,7 @@
 #include <cmath>
 #include <functional>
 
+#include "Processor.h"
 #include "Signals.h"
 #include "heron/Configuration.h"
 #include "heron/MagnitudeCode.h"
@@ -130,9 +131,21 @@ void ExpectAgreement(C_PartsBefore& before, const C_Model& model, std::size_t nU
 
 // ---- the parts before
 
-TEST(HeronPartsBefore, AfterRandomParts_ExpectWhatTheModelExpects) {
+class HeronPartsBeforeInstructions : public testing::TestWithParam<vcm::tagInstructions> {
+ protected:
+  HeronPartsBeforeInstructions() { vcm::LimitInstructions(GetParam()); }
+  ~HeronPartsBeforeInstructions() override { vcm::LimitInstructions(m_eBefore); }
+
+ private:
+  vcm::tagInstructions m_eBefore = vcm::UsableInstructions();
+};
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronPartsBeforeInstructions,
+                         testing::Values(vcm::tagInstructions::kPlain, vcm::tagInstructions::kBase,
+                                         vcm::tagInstructions::kAvx2));
+
+TEST_P(HeronPartsBeforeInstructions, AfterRandomParts_ExpectWhatTheModelExpects) {
   C_Random random(1);
-  for (const std::size_t nUnitLength : {20u, 22u, 54u, 240u}) {
+  for (const std::size_t nUnitLength : {20u, 22u, 54u, 238u, 240u}) {
     C_PartsBefore before(nUnitLength);
     C_Model model(nUnitLength);
     int nIndex = 30;
