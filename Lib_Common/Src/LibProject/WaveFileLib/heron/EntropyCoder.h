@@ -127,19 +127,17 @@ class C_EntropyDecoder {
   template <std::size_t nSymbols>
   std::size_t ReadSymbol(const S_Cumulative<nSymbols>& cumulative) noexcept {
     const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
-    // The range is a little wider than its symbols, so damaged bytes may point past the last
-    // symbol.
-    const std::uint64_t qwAt = std::min<std::uint64_t>(m_qwCode / qwUnit, kFrequencyTotal - 1);
-    // Search from the first symbol on, because small symbols are the most likely.
+    // Search from the first symbol on, because small symbols are the most likely. The range is a
+    // little wider than its symbols, so damaged bytes may point past the last one, which then counts.
     std::size_t nSymbol = 0;
     std::uint64_t qwBelow = 0;
-    std::uint64_t qwUpTo = cumulative[0];
-    while (qwUpTo <= qwAt) {
+    std::uint64_t qwUpTo = qwUnit * cumulative[0];
+    while (qwUpTo <= m_qwCode && nSymbol < nSymbols - 1) {
       qwBelow = qwUpTo;
-      qwUpTo = cumulative[++nSymbol];
+      qwUpTo = qwUnit * cumulative[++nSymbol];
     }
-    m_qwCode -= qwUnit * qwBelow;
-    m_qwRange = qwUnit * (qwUpTo - qwBelow);
+    m_qwCode -= qwBelow;
+    m_qwRange = qwUpTo - qwBelow;
     if (m_qwRange >> 32 == 0) {
       m_qwRange <<= 32;
       m_qwCode = m_qwCode << 32 | Take4(m_nFront);

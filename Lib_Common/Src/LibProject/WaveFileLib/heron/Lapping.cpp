@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <limits>
 
+#include "Processor.h"
 #include "heron/Complex.h"
 #include "heron/Dct4.h"
 #include "heron/FixedPoint.h"
+#include "heron/LappingAvx2.h"
 #include "heron/Trigonometry.h"
 
 namespace heron {
@@ -53,9 +55,15 @@ void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
 }
 
 void Unfold(std::span<std::int32_t> values, std::size_t nAt, std::span<const S_Lap> laps) noexcept {
-  std::int32_t* pAfter = values.data() + nAt;
-  std::int32_t* pBefore = pAfter;
-  for (const auto [nNear, nFar] : laps) {
+  std::size_t nDone = 0;
+#if defined(__x86_64__)
+  if (vcm::UsableInstructions() == vcm::tagInstructions::kAvx2) {
+    nDone = UnfoldAvx2(values.data() + nAt, laps);
+  }
+#endif
+  std::int32_t* pAfter = values.data() + nAt + nDone;
+  std::int32_t* pBefore = values.data() + nAt - nDone;
+  for (const auto [nNear, nFar] : laps.subspan(nDone)) {
     const std::int32_t nAfter = *pAfter;
     const std::int32_t nBefore = *--pBefore;
     *pAfter++ = FromProduct(Product(nAfter, nNear) - Product(nBefore, nFar));

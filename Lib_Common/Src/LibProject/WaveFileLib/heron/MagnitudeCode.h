@@ -48,10 +48,13 @@ inline constexpr auto kTableOf = [] {
 
 // nExpectation 8..2^32-1.
 constexpr S_MagnitudeClass ClassOf(std::uint32_t nExpectation) noexcept {
+  if (nExpectation < kTableOf.size()) {
+    return {kTableOf[nExpectation], static_cast<int>(nExpectation >> kHighestOctave)};
+  }
   // Setting the lowest bit does not change the octave and spares the machine a special case for 0.
   const int nOctave = 31 ^ std::countl_zero(nExpectation | 1);
-  const int nAbove = std::max(nOctave - kHighestOctave, 0);
-  return {kTableOf[nExpectation >> nAbove], std::max(nOctave - kHighestOctave + 1, 0)};
+  const int nAbove = nOctave - kHighestOctave;
+  return {kTableOf[nExpectation >> nAbove], nAbove + 1};
 }
 
 // Levels are at most 2^24.

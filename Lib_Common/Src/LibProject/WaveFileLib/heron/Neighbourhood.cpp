@@ -5,7 +5,9 @@
 #include <array>
 #include <bit>
 
+#include "Processor.h"
 #include "heron/Configuration.h"
+#include "heron/NeighbourhoodAvx2.h"
 #include "heron/StepSize.h"
 
 namespace heron {
@@ -16,6 +18,52 @@ constexpr std::size_t kEdge = 2;
 
 // The share of a part in the averages of its bands, Q8, by its size: they halve in 80 ms.
 constexpr std::array<std::int64_t, kPartSizes> kShares = {11, 21, 41, 75};
+static_assert(kPartSizes == 4);
+
+// What a part does to the averages of the bands.
+struct S_BandChange {
+  std::int64_t nHalfStep;
+  std::int64_t nShare;  // Q8
+
+  // The part has 2^kSize coefficients in each band.
+  template <std::size_t kSize>
+  void Apply(std::span<const std::int32_t> magnitudes,
+             std::span<std::int32_t> bands) const noexcept {
+    const std::int32_t* pFrom = magnitudes.data();
+    for (std::int32_t& nBand : bands) {
+      std::int64_t nSum = 0;
+      for (std::size_t n = 0; n < std::size_t{1} << kSize; ++n) nSum += *pFrom++;
+      const std::int64_t nNew = nSum * nHalfStep >> kSize;
+      nBand += static_cast<std::int32_t>((nNew - nBand) * nShare >> 8);
+    }
+  }
+};
+
+// The means of 2^kShift values each.
+template <int kShift>
+void Shrink(std::span<const std::int32_t> from, std::span<std::int32_t> to) noexcept {
+  const std::int32_t* pFrom = from.data();
+  for (std::int32_t& nMean : to) {
+    std::int32_t nSum = 0;
+    for (int n = 0; n < 1 << kShift; ++n) nSum += *pFrom++;
+    nMean = nSum >> kShift;
+  }
+}
+
+void ExpectNear(const std::int32_t* p, C_Rescale rescale,
+                std::span<std::uint32_t> expected) noexcept {
+#if defined(__x86_64__)
+  if (vcm::UsableInstructions() == vcm::tagInstructions::kAvx2) {
+    return ExpectNearAvx2(p, rescale, expected.size(), expected.data());
+  }
+#endif
+  for (std::size_t k = 0; k < expected.size(); ++k, ++p) {
+    const auto nSum =
+        static_cast<std::uint32_t>(kWeightBefore0 * p[0] + kWeightBefore1 * (p[-1] + p[1]) +
+                                   kWeightBefore2 * (p[-2] + p[2]));
+    expected[k] = kLeastExpectation + rescale(std::min(nSum, C_Rescale::kMost));
+  }
+}
 
 }  // namespace
 
@@ -34,13 +82,7 @@ void C_PartsBefore::BeginNear(int nIndex, std::size_t nLength) noexcept {
   if (m_nLength != nLength) Stretch(nLength);
   const auto& before = m_nLength == nLength ? m_magnitudes : m_stretched;
   const C_Rescale rescale(m_nIndex, nIndex);
-  const std::int32_t* p = before.data() + kEdge;
-  for (std::size_t k = 0; k < nLength; ++k, ++p) {
-    const auto nSum =
-        static_cast<std::uint32_t>(kWeightBefore0 * p[0] + kWeightBefore1 * (p[-1] + p[1]) +
-                                   kWeightBefore2 * (p[-2] + p[2]));
-    expected[k] = kLeastExpectation + rescale(std::min(nSum, C_Rescale::kMost));
-  }
+  ExpectNear(before.data() + kEdge, rescale, expected);
 }
 
 void C_PartsBefore::BeginSteady(int nIndex, std::size_t nSize) noexcept {
@@ -65,34 +107,41 @@ void C_PartsBefore::End(int nIndex, std::size_t nSize,
 
 void C_PartsBefore::UpdateBands(int nIndex, std::size_t nSize,
                                 std::span<const std::int32_t> magnitudes) noexcept {
-  const std::int64_t nHalfStep = HalfStep(nIndex);
-  const std::int32_t* pFrom = magnitudes.data();
-  for (std::int32_t& nBand : m_bands) {
-    std::int64_t nSum = 0;
-    for (std::size_t n = 0; n < std::size_t{1} << nSize; ++n) nSum += *pFrom++;
-    const std::int64_t nNew = nSum * nHalfStep >> nSize;
-    const std::int64_t nChange = m_bBandsKnown ? (nNew - nBand) * kShares[nSize] >> 8 : nNew;
-    nBand += static_cast<std::int32_t>(nChange);
-  }
+  const S_BandChange change{HalfStep(nIndex), m_bBandsKnown ? kShares[nSize] : 256};
   m_bBandsKnown = true;
+  switch (nSize) {
+    case 0:
+      return change.Apply<0>(magnitudes, m_bands);
+    case 1:
+      return change.Apply<1>(magnitudes, m_bands);
+    case 2:
+      return change.Apply<2>(magnitudes, m_bands);
+    default:
+      return change.Apply<3>(magnitudes, m_bands);
+  }
 }
 
 void C_PartsBefore::Stretch(std::size_t nLength) noexcept {
-  const std::int32_t* pFrom = m_magnitudes.data() + kEdge;
-  std::int32_t* pTo = m_stretched.data() + kEdge;
+  const std::span from(m_magnitudes.data() + kEdge, m_nLength);
+  const std::span to(m_stretched.data() + kEdge, nLength);
   if (m_nLength > nLength) {
-    const std::size_t nRatio = m_nLength / nLength;
-    const int nShift = std::countr_zero(nRatio);
-    for (std::size_t k = 0; k < nLength; ++k) {
-      std::int32_t nSum = 0;
-      for (std::size_t n = 0; n < nRatio; ++n) nSum += *pFrom++;
-      *pTo++ = nSum >> nShift;
+    switch (m_nLength / nLength) {
+      case 2:
+        Shrink<1>(from, to);
+        break;
+      case 4:
+        Shrink<2>(from, to);
+        break;
+      default:
+        Shrink<3>(from, to);
+        break;
     }
   } else {
     const std::size_t nRatio = nLength / m_nLength;
-    for (std::size_t k = 0; k < m_nLength; ++k) pTo = std::fill_n(pTo, nRatio, *pFrom++);
+    std::int32_t* pTo = to.data();
+    for (const std::int32_t nMagnitude : from) pTo = std::fill_n(pTo, nRatio, nMagnitude);
   }
-  std::fill_n(pTo, kEdge, 0);
+  std::fill_n(to.end(), kEdge, 0);
 }
 
 }  // namespace heron

@@ -96,6 +96,8 @@ class C_PartsBefore {
   // The part of the expectation of coefficient k that comes from the parts before, including
   // kLeastExpectation. It is 8..2^31, so that what comes from below can be added in 32 bits.
   [[nodiscard]] std::uint32_t Expectation(std::size_t k) const noexcept { return m_expected[k]; }
+  // The same for all coefficients from the first on.
+  [[nodiscard]] std::span<const std::uint32_t> Expectations() const noexcept { return m_expected; }
   // Ends a part of 2^nSize units with this step index: its magnitudes in half steps, each at most
   // 2^24 and at most 2^29 in Q8 of the coefficients.
   void End(int nIndex, std::size_t nSize, std::span<const std::int32_t> magnitudes) noexcept;

@@ -218,23 +218,27 @@ bool C_PartReader::ReadLevels(std::span<std::int32_t> coefficients, int nIndex) 
   C_EntropyDecoder local = m_decoder;
   T_Below below;
   std::size_t nState = kFirstState;
-  for (std::size_t k = 0; k < coefficients.size(); ++k) {
+  const std::uint32_t* pExpected = m_state.Before().Expectations().data();
+  std::int32_t* pMagnitude = m_magnitudes.data();
+  for (std::int32_t& nCoefficient : coefficients) {
     const std::size_t nQuantiser = QuantiserOf(nState);
     const std::uint64_t qwLevel =
         ReadLevel(local, kMagnitudeCumulative[ModelOf<T_Below>()], nQuantiser,
-                  ClassOf(m_state.Before().Expectation(k) + below.Expectation()));
-    std::int32_t nMagnitude = 0;
-    std::int32_t nCoefficient = 0;
-    if (qwLevel != 0) {
-      const std::uint64_t qwMagnitude = 2 * qwLevel - nQuantiser;
-      if (qwMagnitude > qwLargest) return false;
-      nMagnitude = static_cast<std::int32_t>(qwMagnitude);
-      nCoefficient = (local.ReadRaw(1) != 0 ? -nMagnitude : nMagnitude) * nHalfStep;
-    }
-    coefficients[k] = nCoefficient;
-    m_magnitudes[k] = nMagnitude;
-    below = below.Then(nMagnitude);
+                  ClassOf(*pExpected++ + below.Expectation()));
     nState = NextState(nState, qwLevel);
+    if (qwLevel == 0) {
+      nCoefficient = 0;
+      *pMagnitude++ = 0;
+      below = below.Then(0);
+      continue;
+    }
+    const std::uint64_t qwMagnitude = 2 * qwLevel - nQuantiser;
+    if (qwMagnitude > qwLargest) return false;
+    const auto nMagnitude = static_cast<std::int32_t>(qwMagnitude);
+    const std::int32_t nSize = nMagnitude * nHalfStep;
+    nCoefficient = local.ReadRaw(1) != 0 ? -nSize : nSize;
+    *pMagnitude++ = nMagnitude;
+    below = below.Then(nMagnitude);
   }
   m_decoder = local;
   return true;

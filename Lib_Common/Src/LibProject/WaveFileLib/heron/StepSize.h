@@ -64,6 +64,8 @@ class C_Rescale {
   [[nodiscard]] constexpr std::uint32_t operator()(std::uint32_t nHalfSteps) const noexcept {
     return nHalfSteps * m_nFactor >> m_nShift;
   }
+  [[nodiscard]] constexpr std::uint32_t Factor() const noexcept { return m_nFactor; }
+  [[nodiscard]] constexpr int Shift() const noexcept { return m_nShift; }
 
  private:
   std::uint32_t m_nFactor;
