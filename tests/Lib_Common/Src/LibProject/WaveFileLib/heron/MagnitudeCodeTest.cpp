@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Codes.h"
 #include "Signals.h"
 #include "heron/Quantiser.h"
@@ -89,21 +91,39 @@ TEST(HeronMagnitudeClass, TheLargestExpectations_HaveOneToo) {
   static_assert(kMaxRawBits >= 23);
 }
 
+TEST(HeronMagnitudeClass, AnyExpectation_HasTheClassOfItsQuarterOctave) {
+  test::C_Random random(1);
+  for (int n = 0; n < 200000; ++n) {
+    const auto nExpectation =
+        std::max(8U, static_cast<std::uint32_t>(random.Bits() >> 32) >> random.Below(29));
+    int nOctave = 31;
+    while (nExpectation >> nOctave == 0) --nOctave;
+    // Quarters of an octave are equal parts of it, not equal ratios.
+    const std::uint32_t nQuarter = (nExpectation >> (nOctave - 2)) - 4;
+    const int nAbove = std::max(nOctave - kHighestOctave, 0);
+    const auto [nTable, nShift] = ClassOf(nExpectation);
+    ASSERT_EQ(nTable, static_cast<std::size_t>(4 * (nOctave - nAbove - 3)) + nQuarter)
+        << nExpectation;
+    ASSERT_EQ(nShift, nOctave < kHighestOctave ? 0 : nAbove + 1) << nExpectation;
+  }
+}
+
 // ---- levels
 
 TEST(HeronLevel, EveryLevelOfEveryClassAndQuantiser_ComesBackWithItsSign) {
-  for (const auto& [nModel, nQuantiser] : kTableSets) {
+  for (const S_TableSet& set : kTableSets) {
     for (const std::int32_t nExpectation : Expectations()) {
       const S_MagnitudeClass magnitudeClass = ClassAt(nExpectation);
       const auto levels = Levels();
       const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
         for (const std::int32_t nLevel : levels) {
-          WriteMagnitude(writer, nModel, nQuantiser, magnitudeClass, nLevel, nLevel % 3 == 1);
+          WriteMagnitude(writer, set.nModel, set.nQuantiser, magnitudeClass, nLevel,
+                         nLevel % 3 == 1);
         }
       });
       C_CodeReader reader(bytes);
       for (const std::int32_t nLevel : levels) {
-        const auto read = ReadMagnitude(reader, nModel, nQuantiser, magnitudeClass);
+        const auto read = ReadMagnitude(reader, set.nModel, set.nQuantiser, magnitudeClass);
         ASSERT_TRUE(read) << nExpectation << ' ' << nLevel;
         ASSERT_EQ(read->first, nLevel) << nExpectation;
         ASSERT_EQ(read->second, nLevel % 3 == 1) << nExpectation << ' ' << nLevel;
