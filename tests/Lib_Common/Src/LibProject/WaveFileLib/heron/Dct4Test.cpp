@@ -9,7 +9,7 @@
 #include <numbers>
 #include <set>
 
-#include "Processor.h"
+#include "Instructions.h"
 #include "Signals.h"
 #include "heron/Configuration.h"
 
@@ -202,15 +202,8 @@ TEST_P(HeronDct4, AnObjectUsedAgain_GivesTheSame) {
 
 // ---- the widths of vectors
 
-class HeronDct4Instructions : public testing::Test {
- protected:
-  ~HeronDct4Instructions() override { vcm::LimitInstructions(m_eBefore); }
-
- private:
-  vcm::tagInstructions m_eBefore = vcm::UsableInstructions();
-};
-
-TEST_F(HeronDct4Instructions, OfEveryKind_GiveTheSame) {
+TEST(HeronDct4Instructions, OfEveryKind_GiveTheSame) {
+  const test::C_InstructionsKept kept;
   for (std::size_t nLength = 2; nLength <= kMaxPartLength; nLength += nLength < 500 ? 2 : 46) {
     std::vector<S_Values> all = {ToValues(Noise(nLength, kMostFolded)),
                                  ToValues(Noise(nLength, 3))};
@@ -222,7 +215,7 @@ TEST_F(HeronDct4Instructions, OfEveryKind_GiveTheSame) {
     for (const S_Values& values : all) {
       vcm::LimitInstructions(vcm::tagInstructions::kPlain);
       const S_Values plain = Transformed(values);
-      for (const auto eWidest : {vcm::tagInstructions::kBase, vcm::tagInstructions::kAvx2}) {
+      for (const auto eWidest : test::kAllInstructions) {
         vcm::LimitInstructions(eWidest);
         ASSERT_EQ(Transformed(values), plain) << nLength;
       }

@@ -8,7 +8,7 @@
 #include <limits>
 #include <numbers>
 
-#include "Processor.h"
+#include "Instructions.h"
 #include "Signals.h"
 
 namespace heron {
@@ -194,15 +194,8 @@ TEST(HeronRotation, Rotate_TakesAllThatFits) {
 
 // ---- the widths of vectors
 
-class HeronFourierInstructions : public testing::Test {
- protected:
-  ~HeronFourierInstructions() override { vcm::LimitInstructions(m_eBefore); }
-
- private:
-  vcm::tagInstructions m_eBefore = vcm::UsableInstructions();
-};
-
-TEST_F(HeronFourierInstructions, OfEveryKind_GiveTheSame) {
+TEST(HeronFourierInstructions, OfEveryKind_GiveTheSame) {
+  const test::C_InstructionsKept kept;
   for (const std::size_t nPoints : Sizes()) {
     // The last amplitude makes all passes wrap around.
     for (const std::int64_t nAmplitude :
@@ -211,7 +204,7 @@ TEST_F(HeronFourierInstructions, OfEveryKind_GiveTheSame) {
       vcm::LimitInstructions(vcm::tagInstructions::kPlain);
       S_Points plain = points;
       C_Fourier(nPoints).Transform(plain);
-      for (const auto eWidest : {vcm::tagInstructions::kBase, vcm::tagInstructions::kAvx2}) {
+      for (const auto eWidest : test::kAllInstructions) {
         vcm::LimitInstructions(eWidest);
         S_Points fast = points;
         C_Fourier(nPoints).Transform(fast);

@@ -8,6 +8,7 @@
 #include <limits>
 #include <numbers>
 
+#include "Instructions.h"
 #include "Signals.h"
 #include "heron/Transforms.h"
 
@@ -156,6 +157,31 @@ TEST(HeronUnfold, LargestValues_WrapAround) {
       const std::int64_t nFar = laps[i].nFar;
       EXPECT_EQ(values[3 + i], wrapped(nAfter * nNear - nBefore * nFar));
       EXPECT_EQ(values[2 - i], wrapped(nBefore * nNear + nAfter * nFar));
+    }
+  }
+}
+
+TEST(HeronUnfold, WithInstructionsOfEveryKind_GivesTheSame) {
+  const test::C_InstructionsKept kept;
+  for (std::size_t nHalf = 1; nHalf <= 240; nHalf += nHalf < 40 ? 1 : 25) {
+    const auto laps = MakeLaps(nHalf);
+    test::C_Random random(nHalf);
+    S_Values values(2 * nHalf + 10);
+    for (std::int32_t& nValue : values) {
+      // Values of all sizes; the largest wrap around.
+      nValue = static_cast<std::int32_t>(random.Bits()) >> random.Below(32);
+      if (random.Below(10) == 0) nValue = random.Below(2) == 0 ? kLeast32 : kMost32;
+    }
+    vcm::LimitInstructions(vcm::tagInstructions::kPlain);
+    S_Values plain = values;
+    Unfold(plain, nHalf + 5, laps);
+    EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + 5, values.begin())) << nHalf;
+    EXPECT_TRUE(std::equal(plain.end() - 5, plain.end(), values.end() - 5)) << nHalf;
+    for (const auto eWidest : test::kAllInstructions) {
+      vcm::LimitInstructions(eWidest);
+      S_Values fast = values;
+      Unfold(fast, nHalf + 5, laps);
+      ASSERT_EQ(fast, plain) << nHalf;
     }
   }
 }

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <functional>
 
-#include "Processor.h"
+#include "Instructions.h"
 #include "Signals.h"
 #include "heron/Configuration.h"
 #include "heron/MagnitudeCode.h"
@@ -134,14 +134,12 @@ void ExpectAgreement(C_PartsBefore& before, const C_Model& model, std::size_t nU
 class HeronPartsBeforeInstructions : public testing::TestWithParam<vcm::tagInstructions> {
  protected:
   HeronPartsBeforeInstructions() { vcm::LimitInstructions(GetParam()); }
-  ~HeronPartsBeforeInstructions() override { vcm::LimitInstructions(m_eBefore); }
 
  private:
-  vcm::tagInstructions m_eBefore = vcm::UsableInstructions();
+  test::C_InstructionsKept m_kept;
 };
 INSTANTIATE_TEST_SUITE_P(Kinds, HeronPartsBeforeInstructions,
-                         testing::Values(vcm::tagInstructions::kPlain, vcm::tagInstructions::kBase,
-                                         vcm::tagInstructions::kAvx2));
+                         testing::ValuesIn(test::kAllInstructions));
 
 TEST_P(HeronPartsBeforeInstructions, AfterRandomParts_ExpectWhatTheModelExpects) {
   C_Random random(1);
