@@ -22,49 +22,39 @@ struct S_Coarseness {
   std::size_t nCoarserFrom;
 };
 
-struct S_RunCost {
-  std::size_t nBytes = 0;
-  std::uint64_t qwError = 0;   // squared, of all coefficients, in some fixed unit
-  std::size_t nNonZero = 0;  // coefficients that are not 0
+// A block that is divided into parts.
+struct S_DividedBlock {
+  std::size_t nCount = 0;            // of samples
+  std::vector<std::int32_t> values;  // coefficients of all parts, Q8
+  std::vector<S_Part> parts;
+  std::vector<int> loudness;  // by part
+  // Before each part: how many nodes are split there.
+  std::vector<std::uint8_t> splits;
 
-  S_RunCost& operator+=(const S_RunCost& other) noexcept {
-    nBytes += other.nBytes;
-    qwError += other.qwError;
-    nNonZero += other.nNonZero;
-    return *this;
+  [[nodiscard]] std::size_t SectionCount() const noexcept {
+    return parts.back().nUnit / kSectionUnits + 1;
   }
 };
 
 class C_BlockEncoder {
  public:
-  C_BlockEncoder(int nSampleRate, int nSlope);
+  // nSampleRate and nBitDepth must be supported.
+  C_BlockEncoder(int nSampleRate, int nBitDepth);
 
-  // Takes the next block: its samples as for C_PartChoice::Choose, and the divisions of its
-  // sections.
-  void Take(std::span<const std::int16_t> samples, std::size_t nCount,
-            std::span<const C_Division> divisions);
+  // Divides a block of 1..BlockLength samples. nOffset is about the one that it will be coded with.
+  S_DividedBlock Divide(std::span<const std::int16_t> samples, int nOffset);
 
-  // The run of the block.
-  [[nodiscard]] std::vector<std::uint8_t> Run(const S_Coarseness& coarseness) const;
-  [[nodiscard]] S_RunCost CostOfRun(const S_Coarseness& coarseness) const;
+  // Sets run to the run of the block.
+  S_WriteCost Encode(const S_DividedBlock& block, const S_Coarseness& coarseness,
+                     std::vector<std::uint8_t>& run);
 
  private:
-  void AddParts(const C_Division& division, std::size_t nNode, std::size_t nUnit,
-                std::size_t nSize);
-  void Transform(std::span<const std::int16_t> samples);
-  // Returns the costs without the size.
-  template <typename T_Sink>
-  S_RunCost Write(T_Sink& sink, const S_Coarseness& coarseness) const;
+  void Transform(S_DividedBlock& block);
 
   std::size_t m_nUnitLength;
   int m_nSlope;
   C_Transforms m_transforms;
-  std::size_t m_nCount = 0;
-  std::vector<std::int32_t> m_values;  // coefficients, Q8
-  std::vector<S_Part> m_parts;
-  // Before each part: the sizes of the nodes that are split there, outermost first.
-  std::vector<std::uint8_t> m_splits;
-  std::vector<int> m_loudness;  // by part
+  std::vector<std::int16_t> m_padded;  // the block, with silence up to the end of its last section
 };
 
 }  // namespace heron

@@ -6,6 +6,7 @@
 
 #include "heron/Block.h"
 #include "heron/Configuration.h"
+#include "heron/SampleCount.h"
 
 namespace heron {
 namespace {
@@ -43,16 +44,6 @@ class C_BlockSearch {
 };
 
 }  // namespace
-
-std::optional<S_Count> ReadCount(std::span<const std::uint8_t> bytes) noexcept {
-  constexpr std::size_t kMostBytes = 5;
-  std::uint64_t qwCount = 0;
-  for (std::size_t n = 0; n < bytes.size() && n < kMostBytes; ++n) {
-    qwCount |= std::uint64_t{bytes[n] & 0x7Fu} << (7 * n);
-    if (bytes[n] < 0x80) return S_Count{qwCount, n + 1};
-  }
-  return std::nullopt;
-}
 
 std::optional<C_Decoder> C_Decoder::Open(std::span<const std::uint8_t> coded, int nSampleRate) {
   if (!IsSupportedSampleRate(nSampleRate)) return std::nullopt;

@@ -15,14 +15,6 @@
 
 namespace heron {
 
-// The sample count that coded audio begins with.
-struct S_Count {
-  std::uint64_t qwCount;
-  std::size_t nBytes;  // bytes that the count takes
-};
-// Empty when the count does not end within five bytes.
-std::optional<S_Count> ReadCount(std::span<const std::uint8_t> coded) noexcept;
-
 class C_Decoder {
  public:
   // Reads the count and finds the blocks. Empty for a rate that is not supported, for a count that

@@ -40,11 +40,6 @@ void C_EntropyEncoder::Finish() {
   m_bytes.insert(m_bytes.end(), m_raw.rbegin(), m_raw.rend());
 }
 
-std::size_t C_SizeCounter::Size() const noexcept {
-  return m_nBytes + static_cast<std::size_t>(Ending(m_qwLow, m_qwRange).nBytes) +
-         (m_nRawBits + 7) / 8;
-}
-
 void C_EntropyEncoder::WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {
   const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
   m_qwRange = qwUnit * nFrequency;

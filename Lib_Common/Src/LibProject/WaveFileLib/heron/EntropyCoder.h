@@ -89,33 +89,6 @@ class C_EntropyEncoder {
   int m_nRawBits = 0;
 };
 
-// Counts the bytes that C_EntropyEncoder would write.
-class C_SizeCounter {
- public:
-  template <std::size_t nSymbols>
-  void WriteSymbol(const S_Cumulative<nSymbols>& cumulative, std::size_t nSymbol) noexcept {
-    const std::uint32_t nBelow = nSymbol == 0 ? 0u : cumulative[nSymbol - 1];
-    const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
-    m_qwRange = qwUnit * (cumulative[nSymbol] - nBelow);
-    m_qwLow += qwUnit * nBelow;
-    if (m_qwRange >> 32 != 0) return;
-    m_nBytes += 4;
-    m_qwLow <<= 32;
-    m_qwRange <<= 32;
-  }
-  void WriteRaw(std::uint32_t /*nValue*/, int nBits) noexcept {
-    m_nRawBits += static_cast<std::size_t>(nBits);
-  }
-  // The size of both sequences, if they ended here.
-  [[nodiscard]] std::size_t Size() const noexcept;
-
- private:
-  std::size_t m_nBytes = 0;
-  std::size_t m_nRawBits = 0;
-  std::uint64_t m_qwLow = 0;
-  std::uint64_t m_qwRange = ~std::uint64_t{0};
-};
-
 class C_EntropyDecoder {
  public:
   // Bytes that the range coder has read but not used.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "heron/FixedPoint.h"
 
@@ -18,6 +19,9 @@ constexpr int Loudness(std::uint64_t qwSquares, std::size_t nCount) noexcept {
   constexpr std::uint64_t kLeastMeanSquare = std::uint64_t{20} * 20;
   return Log2Q8(std::max(kLeastMeanSquare, qwSquares / nCount));
 }
+
+// The same from the coefficients of a part (Q8).
+int LoudnessOf(std::span<const std::int32_t> coefficients) noexcept;
 
 // When the level of a part rises, its step rises by a share of that, both in dB: by 3/8 at 2 bits
 // per sample, by 1/2 at 3 bits, and by 17/32 above. Equal steps would give the best overall

@@ -75,27 +75,24 @@ extern const std::array<S_MagnitudeRows<S_MagnitudeCosts>, kModels> kMagnitudeCo
 
 // nExcess (at least 1) as raw bits: the escape of a level that is nExcess - 1 above what the
 // symbols reach. Reading returns 2^32 for an escape longer than that of any level.
-template <typename T_Sink>
-void WriteEscape(T_Sink& sink, std::uint32_t nExcess) {
+inline void WriteEscape(C_EntropyEncoder& encoder, std::uint32_t nExcess) {
   const int nRest = 31 - std::countl_zero(nExcess);
-  for (int n = 0; n < nRest; ++n) sink.WriteRaw(0, 1);
-  sink.WriteRaw(1, 1);
-  sink.WriteRaw(nExcess & ((1u << nRest) - 1), nRest);
+  for (int n = 0; n < nRest; ++n) encoder.WriteRaw(0, 1);
+  encoder.WriteRaw(1, 1);
+  encoder.WriteRaw(nExcess & ((1u << nRest) - 1), nRest);
 }
 std::uint64_t ReadEscape(C_EntropyDecoder& decoder) noexcept;
 
-// T_Sink is C_EntropyEncoder or C_SizeCounter.
-template <typename T_Sink>
-void WriteLevel(T_Sink& sink, const S_MagnitudeRows<S_MagnitudeCumulative>& rows,
+inline void WriteLevel(C_EntropyEncoder& encoder, const S_MagnitudeRows<S_MagnitudeCumulative>& rows,
                 std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass,
                 std::int32_t nLevel, bool bNegative) {
   const auto nValue = static_cast<std::uint32_t>(nLevel);
   const std::uint32_t nTop = nValue >> magnitudeClass.nShift;
   const std::size_t nSymbol = std::min(nTop, kEscapeSymbol);
-  sink.WriteSymbol(rows[magnitudeClass.nTable][nQuantiser], nSymbol);
-  if (nSymbol == kEscapeSymbol) WriteEscape(sink, nTop - kEscapeSymbol + 1);
-  sink.WriteRaw(nValue & ((1u << magnitudeClass.nShift) - 1), magnitudeClass.nShift);
-  if (nLevel != 0) sink.WriteRaw(bNegative ? 1 : 0, 1);
+  encoder.WriteSymbol(rows[magnitudeClass.nTable][nQuantiser], nSymbol);
+  if (nSymbol == kEscapeSymbol) WriteEscape(encoder, nTop - kEscapeSymbol + 1);
+  encoder.WriteRaw(nValue & ((1u << magnitudeClass.nShift) - 1), magnitudeClass.nShift);
+  if (nLevel != 0) encoder.WriteRaw(bNegative ? 1 : 0, 1);
 }
 
 // Reads a level without its sign; the result is below 2^56. No encoder writes a level above

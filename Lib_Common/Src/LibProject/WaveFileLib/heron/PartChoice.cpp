@@ -31,90 +31,103 @@ std::int64_t Bits(const C_Log2Sum& sum, std::size_t nCount) noexcept {
   return sum.Total() - static_cast<std::int64_t>(nCount) * kScaledQ * 256;
 }
 
+// The prices of all parts that a block may have.
+class C_Prices {
+ public:
+  C_Prices(const S_BlockToDivide& block, C_Transforms& transforms)
+      : m_block(block),
+        m_nUnitLength(transforms.UnitLength()),
+        m_transforms(transforms),
+        m_values(m_nUnitLength * kSectionUnits) {
+    m_energies.push_back(0);
+    for (std::size_t nAt = 0; nAt < block.samples.size(); nAt += m_nUnitLength) {
+      std::uint64_t qwEnergy = m_energies.back();
+      for (const int nSample : block.samples.subspan(nAt, m_nUnitLength)) {
+        qwEnergy += static_cast<std::uint64_t>(nSample * nSample);
+      }
+      m_energies.push_back(qwEnergy);
+    }
+  }
+
+  // The price of one node with all below it. Marks what makes it so low.
+  std::int64_t OfNode(std::size_t nNode, std::size_t nUnit, std::size_t nSize,
+                      C_Division& division) {
+    if (nUnit * m_nUnitLength >= m_block.nCount) return 0;
+    const std::int64_t nWhole = OfPart(nUnit, nSize);
+    if (nSize == 0) {
+      const std::int64_t nPlain = OfPlain(nUnit) + kPlainPrice;
+      if (nPlain < nWhole) division.Mark(nNode);
+      return std::min(nPlain, nWhole);
+    }
+    const std::size_t nHalf = std::size_t{1} << (nSize - 1);
+    C_Division split = division;
+    split.Mark(nNode);
+    const std::int64_t nHalves = OfNode(2 * nNode, nUnit, nSize - 1, split) +
+                                 OfNode(2 * nNode + 1, nUnit + nHalf, nSize - 1, split);
+    if (nHalves < nWhole) division = split;
+    return std::min(nHalves, nWhole);
+  }
+
+ private:
+  // Every size is judged as if its neighbours had it too. With the real overlaps, which depend on
+  // all other choices, the choice is no better.
+  std::int64_t OfPart(std::size_t nUnit, std::size_t nSize) {
+    const std::size_t nLength = m_nUnitLength << nSize;
+    const std::size_t nAt = nUnit * m_nUnitLength;
+    const auto laps = m_transforms.Laps(nSize);
+    S_Lapped lapped{nAt, nLength, laps, laps};
+    if (nAt == 0) lapped.before = {};
+    if (nAt + nLength == m_block.samples.size()) lapped.after = {};
+    const std::span values(m_values.data(), nLength);
+    Fold(m_block.samples, lapped, values);
+    m_transforms.Dct(nSize).Transform(values);
+    const C_ToHalfSteps toHalfSteps(StepAt(nUnit, nSize));
+    C_Log2Sum sum;
+    for (const std::int32_t nValue : values) AddBits(toHalfSteps(std::abs(nValue)), sum);
+    return Bits(sum, values.size()) + kPartPrice;
+  }
+
+  [[nodiscard]] std::int64_t OfPlain(std::size_t nUnit) const {
+    const C_ToHalfSteps toHalfSteps(StepAt(nUnit, 0));
+    const std::size_t nAt = nUnit * m_nUnitLength;
+    const auto samples =
+        m_block.samples.subspan(nAt, std::min(m_nUnitLength, m_block.nCount - nAt));
+    C_Log2Sum sum;
+    for (const int nSample : samples) {
+      AddBits(toHalfSteps(std::abs(nSample) << kCoefficientQ), sum);
+    }
+    return Bits(sum, samples.size()) + kPartPrice;
+  }
+
+  [[nodiscard]] int StepAt(std::size_t nUnit, std::size_t nSize) const {
+    const std::size_t nUnits = m_energies.size() - 1;
+    const std::size_t nAround = std::max(kReferenceUnits, std::size_t{1} << nSize);
+    const std::size_t nMiddle = nUnit + (std::size_t{1} << nSize) / 2;
+    const std::size_t nFirst = nMiddle - std::min(nMiddle, nAround / 2);
+    const std::size_t nEnd = std::min(nMiddle + nAround / 2, nUnits);
+    const int nLoudness = Loudness(m_energies[nEnd] - m_energies[nFirst],
+                                   (nEnd - nFirst) * m_nUnitLength);
+    const int nWanted = WantedStep(nLoudness, m_block.nSlope, m_block.nOffset);
+    return std::clamp((nWanted + 128) >> 8, 0, kSteps - 1);
+  }
+
+  const S_BlockToDivide& m_block;
+  std::size_t m_nUnitLength;
+  C_Transforms& m_transforms;
+  std::vector<std::uint64_t> m_energies;  // [n]: of the units before unit n
+  std::vector<std::int32_t> m_values;
+};
+
 }  // namespace
 
-C_PartChoice::C_PartChoice(int nSampleRate, int nSlope, int nOffset)
-    : m_nUnitLength(UnitLength(nSampleRate)),
-      m_nSlope(nSlope),
-      m_nOffset(nOffset),
-      m_transforms(m_nUnitLength),
-      m_values(m_nUnitLength * kSectionUnits) {}
-
-void C_PartChoice::Choose(std::span<const std::int16_t> samples, std::size_t nCount,
-                          std::vector<C_Division>& divisions) {
-  m_samples = samples;
-  m_nCount = nCount;
-  m_energies.assign(1, 0);
-  for (std::size_t nAt = 0; nAt < samples.size(); nAt += m_nUnitLength) {
-    std::uint64_t qwEnergy = m_energies.back();
-    for (const int nSample : samples.subspan(nAt, m_nUnitLength)) {
-      qwEnergy += static_cast<std::uint64_t>(nSample * nSample);
-    }
-    m_energies.push_back(qwEnergy);
+std::vector<C_Division> ChooseParts(const S_BlockToDivide& block, C_Transforms& transforms) {
+  C_Prices prices(block, transforms);
+  const std::size_t nLength = transforms.UnitLength() * kSectionUnits;
+  std::vector<C_Division> divisions(block.samples.size() / nLength);
+  for (std::size_t n = 0; n < divisions.size(); ++n) {
+    static_cast<void>(prices.OfNode(1, n * kSectionUnits, kPartSizes - 1, divisions[n]));
   }
-  for (std::size_t nUnit = 0; nUnit * m_nUnitLength < samples.size(); nUnit += kSectionUnits) {
-    C_Division division;
-    static_cast<void>(PriceOf(1, nUnit, kPartSizes - 1, division));
-    divisions.push_back(division);
-  }
-}
-
-std::int64_t C_PartChoice::PriceOf(std::size_t nNode, std::size_t nUnit, std::size_t nSize,
-                                   C_Division& division) {
-  if (nUnit * m_nUnitLength >= m_nCount) return 0;
-  const std::int64_t nWhole = PriceOfPart(nUnit, nSize);
-  if (nSize == 0) {
-    const std::int64_t nPlain = PriceOfPlain(nUnit) + kPlainPrice;
-    if (nPlain < nWhole) division.Mark(nNode);
-    return std::min(nPlain, nWhole);
-  }
-  const std::size_t nHalf = std::size_t{1} << (nSize - 1);
-  C_Division split = division;
-  split.Mark(nNode);
-  const std::int64_t nHalves = PriceOf(2 * nNode, nUnit, nSize - 1, split) +
-                               PriceOf(2 * nNode + 1, nUnit + nHalf, nSize - 1, split);
-  if (nHalves < nWhole) division = split;
-  return std::min(nHalves, nWhole);
-}
-
-// Every size is judged as if its neighbours had it too. With the real overlaps, which depend on
-// all other choices, the choice is no better.
-std::int64_t C_PartChoice::PriceOfPart(std::size_t nUnit, std::size_t nSize) {
-  const std::size_t nLength = m_nUnitLength << nSize;
-  const std::size_t nAt = nUnit * m_nUnitLength;
-  const auto laps = m_transforms.Laps(nSize);
-  const std::span values(m_values.data(), nLength);
-  Fold(m_samples,
-       {nAt, nLength, nAt == 0 ? std::span<const S_Lap>() : laps,
-        nAt + nLength == m_samples.size() ? std::span<const S_Lap>() : laps},
-       values);
-  m_transforms.Dct(nSize).Transform(values);
-  const C_ToHalfSteps toHalfSteps(StepAt(nUnit, nSize));
-  C_Log2Sum sum;
-  for (const std::int32_t nValue : values) AddBits(toHalfSteps(std::abs(nValue)), sum);
-  return Bits(sum, values.size()) + kPartPrice;
-}
-
-std::int64_t C_PartChoice::PriceOfPlain(std::size_t nUnit) const {
-  const C_ToHalfSteps toHalfSteps(StepAt(nUnit, 0));
-  const std::size_t nAt = nUnit * m_nUnitLength;
-  const auto samples = m_samples.subspan(nAt, std::min(m_nUnitLength, m_nCount - nAt));
-  C_Log2Sum sum;
-  for (const int nSample : samples) {
-    AddBits(toHalfSteps(std::abs(nSample) << kCoefficientQ), sum);
-  }
-  return Bits(sum, samples.size()) + kPartPrice;
-}
-
-int C_PartChoice::StepAt(std::size_t nUnit, std::size_t nSize) const {
-  const std::size_t nUnits = m_energies.size() - 1;
-  const std::size_t nAround = std::max(kReferenceUnits, std::size_t{1} << nSize);
-  const std::size_t nMiddle = nUnit + (std::size_t{1} << nSize) / 2;
-  const std::size_t nFirst = nMiddle - std::min(nMiddle, nAround / 2);
-  const std::size_t nEnd = std::min(nMiddle + nAround / 2, nUnits);
-  const int nLoudness = Loudness(m_energies[nEnd] - m_energies[nFirst],
-                                 (nEnd - nFirst) * m_nUnitLength);
-  return std::clamp((WantedStep(nLoudness, m_nSlope, m_nOffset) + 128) >> 8, 0, kSteps - 1);
+  return divisions;
 }
 
 }  // namespace heron

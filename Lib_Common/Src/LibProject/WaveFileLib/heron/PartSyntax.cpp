@@ -72,8 +72,7 @@ int IndexCost(int nDifference) noexcept {
                               : static_cast<std::size_t>(nDifference + kMostDifference)];
 }
 
-template <typename T_Sink>
-void C_PartWriter<T_Sink>::Write(const S_Part& part, std::span<const std::int32_t> coefficients) {
+void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coefficients) {
   const std::span levels(m_levels.data(), coefficients.size());
   S_Part written = part;
   m_state.Begin(written, levels.size());
@@ -108,45 +107,41 @@ void C_PartWriter<T_Sink>::Write(const S_Part& part, std::span<const std::int32_
 }
 
 // m_levels holds the magnitudes.
-template <typename T_Sink>
-void C_PartWriter<T_Sink>::AddCosts(std::span<const std::int32_t> coefficients,
+void C_PartWriter::AddCosts(std::span<const std::int32_t> coefficients,
                                     int nIndex) noexcept {
   const std::int32_t nHalfStep = HalfStep(nIndex);
   for (std::size_t k = 0; k < coefficients.size(); ++k) {
     // Q4, so that the sum of all squares in a block fits.
     const auto nError = (std::abs(coefficients[k]) - std::int64_t{m_levels[k]} * nHalfStep) >> 4;
-    m_qwError += static_cast<std::uint64_t>(nError * nError);
-    if (m_levels[k] != 0) ++m_nNonZero;
+    m_cost.qwError += static_cast<std::uint64_t>(nError * nError);
+    if (m_levels[k] != 0) ++m_cost.nNonZero;
   }
 }
 
-template <typename T_Sink>
-void C_PartWriter<T_Sink>::WriteKind(std::size_t nSize, E_PartKind kind) {
-  m_sink.WriteSymbol(kKindCumulative[m_state.KindContext()][nSize], static_cast<std::size_t>(kind));
+void C_PartWriter::WriteKind(std::size_t nSize, E_PartKind kind) {
+  m_encoder.WriteSymbol(kKindCumulative[m_state.KindContext()][nSize], static_cast<std::size_t>(kind));
 }
 
-template <typename T_Sink>
-void C_PartWriter<T_Sink>::WriteIndex(int nIndex) {
+void C_PartWriter::WriteIndex(int nIndex) {
   const int nDifference = nIndex - m_state.StepIndex();
   const bool bEscaped = std::abs(nDifference) > kMostDifference;
   if (m_state.HasStepIndex()) {
-    m_sink.WriteSymbol(kIndexCumulative, bEscaped
+    m_encoder.WriteSymbol(kIndexCumulative, bEscaped
                                              ? kIndexEscape
                                              : static_cast<std::size_t>(nDifference + kMostDifference));
     if (!bEscaped) return;
   }
-  m_sink.WriteRaw(static_cast<std::uint32_t>(nIndex), kIndexBits);
+  m_encoder.WriteRaw(static_cast<std::uint32_t>(nIndex), kIndexBits);
 }
 
-template <typename T_Sink>
 template <typename T_Below>
-void C_PartWriter<T_Sink>::WriteLevels(std::span<const std::int32_t> coefficients) {
+void C_PartWriter::WriteLevels(std::span<const std::int32_t> coefficients) {
   T_Below below;
   std::size_t nState = kFirstState;
   for (std::size_t k = 0; k < coefficients.size(); ++k) {
     const std::int32_t nLevel = m_levels[k];
     const std::size_t nQuantiser = QuantiserOf(nState);
-    WriteLevel(m_sink, kMagnitudeCumulative[ModelOf<T_Below>()], nQuantiser,
+    WriteLevel(m_encoder, kMagnitudeCumulative[ModelOf<T_Below>()], nQuantiser,
                ClassOf(m_state.Before().Expectation(k) + below.Expectation()), nLevel,
                coefficients[k] < 0);
     m_levels[k] = HalfSteps(nQuantiser, nLevel);
@@ -154,9 +149,6 @@ void C_PartWriter<T_Sink>::WriteLevels(std::span<const std::int32_t> coefficient
     nState = NextState(nState, static_cast<std::uint64_t>(nLevel));
   }
 }
-
-template class C_PartWriter<C_EntropyEncoder>;
-template class C_PartWriter<C_SizeCounter>;
 
 bool C_PartReader::ReadSection(std::span<std::int32_t> values, std::size_t nSamples,
                                std::size_t nUnit, std::vector<S_Part>& parts) {

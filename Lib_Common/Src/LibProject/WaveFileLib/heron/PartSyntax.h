@@ -86,12 +86,23 @@ class C_PartState {
 // What coding this difference to the step index before takes, in units of 1/256 bit.
 int IndexCost(int nDifference) noexcept;
 
-// Writes the parts of one block. T_Sink is C_EntropyEncoder or C_SizeCounter.
-template <typename T_Sink>
+// What writing takes, beside bytes.
+struct S_WriteCost {
+  std::uint64_t qwError = 0;  // the squared error of all coefficients, in units of 2^-8
+  std::size_t nNonZero = 0;   // coefficients that are not 0
+
+  S_WriteCost& operator+=(const S_WriteCost& other) noexcept {
+    qwError += other.qwError;
+    nNonZero += other.nNonZero;
+    return *this;
+  }
+};
+
+// Writes the parts of one block.
 class C_PartWriter {
  public:
-  C_PartWriter(T_Sink& sink, std::size_t nUnitLength)
-      : m_sink(sink), m_state(nUnitLength), m_levels(nUnitLength * kSectionUnits),
+  C_PartWriter(C_EntropyEncoder& encoder, std::size_t nUnitLength)
+      : m_encoder(encoder), m_state(nUnitLength), m_levels(nUnitLength * kSectionUnits),
         m_trellis(nUnitLength * kSectionUnits) {}
 
   // A node of the tree that is split.
@@ -99,10 +110,7 @@ class C_PartWriter {
   // Quantises the coefficients (Q8) of a part with its step index and writes them. A part that is
   // not plain is written by the model that promises to cost less, and as silence when all of it becomes 0.
   void Write(const S_Part& part, std::span<const std::int32_t> coefficients);
-  // The squared error of all coefficients, in units of 2^-8.
-  [[nodiscard]] std::uint64_t Error() const noexcept { return m_qwError; }
-  // Coefficients that are not 0.
-  [[nodiscard]] std::size_t NonZero() const noexcept { return m_nNonZero; }
+  [[nodiscard]] const S_WriteCost& Cost() const noexcept { return m_cost; }
 
  private:
   void AddCosts(std::span<const std::int32_t> coefficients, int nIndex) noexcept;
@@ -111,15 +119,12 @@ class C_PartWriter {
   template <typename T_Below>
   void WriteLevels(std::span<const std::int32_t> coefficients);
 
-  T_Sink& m_sink;
-  std::uint64_t m_qwError = 0;
-  std::size_t m_nNonZero = 0;
+  C_EntropyEncoder& m_encoder;
+  S_WriteCost m_cost;
   C_PartState m_state;
   std::vector<std::int32_t> m_levels;  // once written: magnitudes in half steps
   C_Trellis m_trellis;
 };
-extern template class C_PartWriter<C_EntropyEncoder>;
-extern template class C_PartWriter<C_SizeCounter>;
 
 // Reads the parts of one block.
 class C_PartReader {

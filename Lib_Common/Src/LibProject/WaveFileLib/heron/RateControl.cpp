@@ -2,11 +2,15 @@
 #include "heron/RateControl.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include <utility>
+#include <vector>
 
+#include "heron/Block.h"
+#include "heron/BlockEncoder.h"
+#include "heron/BlockGroup.h"
 #include "heron/Configuration.h"
-#include "heron/Loudness.h"
+#include "heron/Forecast.h"
+#include "heron/SampleCount.h"
 
 namespace heron {
 namespace {
@@ -14,87 +18,85 @@ namespace {
 // After so many passes, the interval is halved.
 constexpr std::size_t kNewtonPasses = 8;
 
-// The first offset: a plane through the offsets that the search found for recorded telephone speech
-// at 8 kHz. It misses them by about half an octave of step size. Only the number of passes depends
-// on it.
-constexpr int kFirstOffsetBase = 1600;
-constexpr int kFirstOffsetPerBit = -1147;  // for each bit per sample
-// For each four units of the mean loudness.
-constexpr int kFirstOffsetPerFourLoudness = 3;
+// What may stay unused of the allowed size, as reciprocals. The sizes of short sounds jump up and
+// down from step to step, so more may stay unused after some passes. A smaller share would cost more
+// passes than it is worth.
+constexpr std::int64_t kUnusedAtFirst = 256;
+constexpr std::int64_t kUnusedLater = 200;
+constexpr std::int64_t kUnusedAtLast = 100;
+constexpr std::size_t kFirstPasses = 3;
+constexpr std::size_t kLaterPasses = 5;
+// Aimed at is this fraction less than the size, so that a step that misses a little fits.
+constexpr std::int64_t kAimedBelow = 512;
 
-// Fractions of the allowed size, as their reciprocals. They are a compromise: a smaller share of
-// unused bytes would cost more passes than it is worth.
-constexpr std::int64_t kUnusedAtFirst = 512;  // may stay unused
-constexpr std::int64_t kUnusedLater = 200;    // may stay unused once the interval is halved
-constexpr std::int64_t kAimedBelow = 1024;    // aimed at, so that a step that misses a little fits
+// Blocks at the end of a sound that are held in memory and coded several times.
+constexpr std::size_t kHeldBlocks = 2;
+// More than a run takes when all its parts are silent.
+constexpr std::uint64_t kLeastRun = 100;
 
 // Sounds of so few sections are tried at every coarseness.
 constexpr std::int64_t kFewSections = 4;
 
-// The mean loudness of the frames; there is at least one sample.
-int MeanLoudness(std::span<const std::int16_t> samples, std::size_t nLength) {
-  std::int64_t nTotal = 0;
-  const std::size_t nFrames = 1 + (samples.size() - 1) / nLength;
-  for (std::size_t nAt = 0; nAt < samples.size(); nAt += nLength) {
-    const auto frame = samples.subspan(nAt, std::min(nLength, samples.size() - nAt));
-    std::uint64_t qwSquares = 0;
-    for (const int nSample : frame) qwSquares += static_cast<std::uint64_t>(nSample * nSample);
-    nTotal += Loudness(qwSquares, frame.size());
-  }
-  return static_cast<int>(nTotal / static_cast<std::int64_t>(nFrames));
-}
-
-// The offset at which speech usually ends up. Any value will do, but a good guess saves passes.
-int FirstOffset(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth) {
-  const int nLoudness = MeanLoudness(samples, static_cast<std::size_t>(FrameLength(nSampleRate)));
-  return kFirstOffsetBase + nLoudness * kFirstOffsetPerFourLoudness / 4 +
-         kFirstOffsetPerBit * nBitDepth;
-}
+// Where a search begins.
+struct S_Start {
+  int nOffset;
+  std::int64_t nBytesPerOctave;  // what twice the step size saves
+};
 
 struct S_Pass {
   std::int64_t nCoarseness;
   std::int64_t nSize;
 };
 
-// Approaches the size in Newton's way: twice the step size saves about a bit for each coefficient
-// that is not 0. Once it knows a coarseness that is too fine and one that is coarse enough, it
-// stays between them, and halves what is left when it does not get close soon.
+// Approaches the size in Newton's way. What a step saves is foretold at first; after that, the last
+// two passes tell. Once the search knows a coarseness that is too fine and one that is coarse enough,
+// it stays between them, and halves what is left when it does not get close soon.
 class C_Search {
  public:
-  C_Search(const C_Encoder& encoder, std::uint64_t qwMost, int nFirstOffset)
+  C_Search(const C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start)
       : m_nMost(static_cast<std::int64_t>(qwMost)),
-        m_nStepsPerOctave(encoder.StepsPerOctave()),
-        m_nFine(encoder.Finest() - 1),
-        m_nCoarse(encoder.Coarsest() + 1),
-        m_nNext(Limit(encoder.FromOffset(nFirstOffset))) {}
+        m_nStepsPerOctave(group.StepsPerOctave()),
+        m_nFine(group.Finest() - 1),
+        m_nCoarse(group.Coarsest() + 1),
+        m_nNext(Limit(group.FromOffset(start.nOffset))),
+        m_nForeseenPerOctave(start.nBytesPerOctave),
+        m_nBytesPerOctave(start.nBytesPerOctave) {}
 
   // The coarseness to try next; without a meaning once IsDone().
   [[nodiscard]] std::int64_t Next() const { return m_nNext; }
 
-  // Takes what it cost.
-  void Learn(const S_RunCost& cost) { if (getenv("TR")) fprintf(stderr, "%lld/%lld oct: size %zu of %lld (%+.3f%%)\n", (long long)m_nNext, (long long)m_nStepsPerOctave, cost.nBytes, (long long)m_nMost, 100.0*((double)cost.nBytes-(double)m_nMost)/(double)m_nMost);
-    const S_Pass pass{m_nNext, static_cast<std::int64_t>(cost.nBytes)};
+  // Takes what it gave.
+  void Learn(S_GroupRuns runs) {
+    const S_Pass pass{m_nNext, static_cast<std::int64_t>(runs.nBytes)};
     const bool bFits = pass.nSize <= m_nMost;
     (bFits ? m_nCoarse : m_nFine) = m_nNext;
-    if (!m_bFits || (bFits && pass.nSize > m_best.nSize)) m_best = pass;
-    m_bFits = m_bFits || bFits;
-    ++m_nPasses;
-    if (!IsClosed()) {
-      m_nNext = m_nPasses < kNewtonPasses ? Limit(m_nNext + Step(pass, cost.nNonZero)) : Middle();
+    if (!m_bFits || (bFits && pass.nSize > m_nBestSize)) {
+      m_best = std::move(runs);
+      m_nBest = pass.nCoarseness;
+      m_nBestSize = pass.nSize;
     }
+    m_bFits = m_bFits || bFits;
+    if (m_nPasses > 0) m_nBytesPerOctave = BytesPerOctave(pass);
+    m_last = pass;
+    ++m_nPasses;
+    if (!IsClosed()) m_nNext = m_nPasses < kNewtonPasses ? Limit(m_nNext + Step(pass)) : Middle();
   }
 
   // True when the best result is close enough or nothing is left to try.
   [[nodiscard]] bool IsDone() const {
-    return IsWithin(m_nPasses < kNewtonPasses ? kUnusedAtFirst : kUnusedLater) || IsClosed();
+    return IsWithin(m_nPasses <= kFirstPasses   ? kUnusedAtFirst
+                    : m_nPasses <= kLaterPasses ? kUnusedLater
+                                                : kUnusedAtLast) ||
+           IsClosed();
   }
   // True when the best result fits and leaves at most this share of the size.
   [[nodiscard]] bool IsWithin(std::int64_t nShare) const {
-    return m_bFits && m_nMost - m_best.nSize <= m_nMost / nShare;
+    return m_bFits && m_nMost - m_nBestSize <= m_nMost / nShare;
   }
-  [[nodiscard]] bool Fits() const { return m_bFits; }
-  [[nodiscard]] std::int64_t Best() const { return m_best.nCoarseness; }
-  [[nodiscard]] std::int64_t BestSize() const { return m_best.nSize; }
+  [[nodiscard]] std::int64_t BestCoarseness() const { return m_nBest; }
+  // The size of the best result if it fits, or else -1.
+  [[nodiscard]] std::int64_t SizeThatFits() const { return m_bFits ? m_nBestSize : -1; }
+  S_GroupRuns TakeBest() { return std::move(m_best); }
 
  private:
   // True when nothing is left between the two known ones.
@@ -104,14 +106,19 @@ class C_Search {
   [[nodiscard]] std::int64_t Limit(std::int64_t nCoarseness) const {
     return std::clamp(nCoarseness, m_nFine + 1, m_nCoarse - 1);
   }
+  // What an octave saves by the last two passes, when they agree roughly with what was foretold.
+  [[nodiscard]] std::int64_t BytesPerOctave(const S_Pass& pass) const {
+    const std::int64_t nSteps = pass.nCoarseness - m_last.nCoarseness;
+    if (nSteps == 0) return m_nForeseenPerOctave;
+    return std::clamp((m_last.nSize - pass.nSize) * m_nStepsPerOctave / nSteps,
+                      m_nForeseenPerOctave / 2, 2 * m_nForeseenPerOctave);
+  }
   // From this pass to where the size is as aimed at.
-  [[nodiscard]] std::int64_t Step(const S_Pass& pass, std::size_t nNonZero) const {
-    constexpr std::int64_t kBitsPerByte = 8;
-    const std::int64_t nExcess = (pass.nSize - (m_nMost - m_nMost / kAimedBelow)) * kBitsPerByte;
-    const auto nPerOctave = static_cast<std::int64_t>(nNonZero) + 1;
+  [[nodiscard]] std::int64_t Step(const S_Pass& pass) const {
+    const std::int64_t nExcess = pass.nSize - (m_nMost - m_nMost / kAimedBelow);
+    const std::int64_t nPerOctave = std::max<std::int64_t>(m_nBytesPerOctave, 1);
     // A step of several octaves would rest on too rough a guess.
-    const std::int64_t nBits = std::clamp(nExcess, -2 * nPerOctave, 2 * nPerOctave);
-    return nBits * m_nStepsPerOctave / nPerOctave;
+    return std::clamp(nExcess, -2 * nPerOctave, 2 * nPerOctave) * m_nStepsPerOctave / nPerOctave;
   }
 
   std::int64_t m_nMost;
@@ -120,29 +127,156 @@ class C_Search {
   std::int64_t m_nCoarse;  // coarse enough, or coarser than makes sense
   std::int64_t m_nNext;
   std::size_t m_nPasses = 0;
-  S_Pass m_best{0, -1};
+  S_Pass m_last{0, 0};
+  std::int64_t m_nForeseenPerOctave;
+  std::int64_t m_nBytesPerOctave;
+  S_GroupRuns m_best;
+  std::int64_t m_nBest = 0;
+  std::int64_t m_nBestSize = -1;
   bool m_bFits = false;
 };
 
-C_Search Search(C_Encoder& encoder, std::uint64_t qwMost, int nFirstOffset) {
-  C_Search search(encoder, qwMost, nFirstOffset);
-  while (!search.IsDone()) search.Learn(encoder.CostAt(search.Next()));
+C_Search Search(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start) {
+  C_Search search(group, qwMost, start);
+  while (!search.IsDone()) search.Learn(group.Encode(search.Next()));
   return search;
 }
 
 // The sizes of short sounds jump up and down from step to step, so a finer coarseness than the
 // search found may fit as well. Of all within an octave the one with the least error is taken.
-std::int64_t BestOfAll(C_Encoder& encoder, std::uint64_t qwMost, std::int64_t nFound) {
-  std::int64_t nBest = nFound;
-  std::uint64_t qwLeast = encoder.CostAt(nFound).qwError;
-  for (std::int64_t n = nFound - encoder.StepsPerOctave(); n < nFound; ++n) {
-    const S_RunCost cost = encoder.CostAt(n);
-    if (cost.nBytes > qwMost || cost.qwError >= qwLeast) continue;
-    nBest = n;
-    qwLeast = cost.qwError;
+S_GroupRuns BestOfAll(C_BlockGroup& group, std::uint64_t qwMost, std::int64_t nFound) {
+  S_GroupRuns best = group.Encode(nFound);
+  for (std::int64_t n = nFound - group.StepsPerOctave(); n < nFound; ++n) {
+    S_GroupRuns runs = group.Encode(n);
+    if (runs.nBytes <= qwMost && runs.cost.qwError < best.cost.qwError) best = std::move(runs);
   }
-  return nBest;
+  return best;
 }
+
+// Codes a group so that its runs fill qwMost bytes.
+S_GroupRuns EncodeGroup(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start) {
+  C_Search search = Search(group, qwMost, start);
+  if (group.SectionCount() <= kFewSections) {
+    return BestOfAll(group, qwMost, search.BestCoarseness());
+  }
+  if (search.IsWithin(kUnusedAtLast)) return search.TakeBest();
+  const int nFound = group.ToOffset(search.BestCoarseness());
+  group.UseWholeIndices();
+  C_Search second = Search(group, qwMost, {nFound, start.nBytesPerOctave});
+  const bool bBetter = second.SizeThatFits() > search.SizeThatFits();
+  return bBetter ? second.TakeBest() : search.TakeBest();
+}
+
+// nValue * nTimes / nBy for large numbers; the ratio is rounded to about 24 bits.
+std::uint64_t InRatio(std::uint64_t qwValue, std::uint64_t qwTimes, std::uint64_t qwBy) {
+  while (std::max(qwTimes, qwBy) >> 24 != 0) {
+    qwTimes >>= 1;
+    qwBy >>= 1;
+  }
+  return qwValue * qwTimes / std::max<std::uint64_t>(qwBy, 1);
+}
+
+// Codes the blocks of a sound one after another.
+class C_SoundEncoder {
+ public:
+  C_SoundEncoder(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+                 const S_Write& fnWrite, const S_Progress& fnProgress)
+      : m_samples(samples),
+        m_nLength(BlockLength(nSampleRate)),
+        m_nBlocks((samples.size() + m_nLength - 1) / m_nLength),
+        m_qwRoom(CodedRoom(samples.size(), nBitDepth)),
+        m_forecast(nSampleRate, nBitDepth),
+        m_encoder(nSampleRate, nBitDepth),
+        m_fnWrite(fnWrite),
+        m_fnProgress(fnProgress) {}
+
+  bool Encode() {
+    for (std::size_t n = 0; n < m_nBlocks; ++n) m_forecast.Add(Block(n));
+    std::vector<std::uint8_t> count;
+    AppendCount(count, m_samples.size());
+    m_qwRoom -= count.size() + (m_nBlocks == 1 ? kCheckBytes : m_nBlocks * kBlockHeadBytes);
+    if (!m_fnWrite(count)) return false;
+    std::size_t nBlock = 0;
+    for (; nBlock + kHeldBlocks < m_nBlocks; ++nBlock) {
+      if (!Put(nBlock, EncodeOne(nBlock))) return false;
+      Report(nBlock + 1);
+    }
+    return EncodeRest(nBlock);
+  }
+
+ private:
+  [[nodiscard]] std::span<const std::int16_t> Block(std::size_t nBlock) const {
+    const std::size_t nAt = nBlock * m_nLength;
+    return m_samples.subspan(nAt, std::min(m_nLength, m_samples.size() - nAt));
+  }
+  // The offset at which the blocks that are left should take the room that is left.
+  [[nodiscard]] int NextOffset() const {
+    // The forecast is corrected by how the blocks so far have turned out.
+    const std::uint64_t qwBits = m_qwRoom * 8;
+    return m_forecast.OffsetFor(m_qwTaken == 0 ? qwBits
+                                               : InRatio(qwBits, m_qwForeseen, m_qwTaken));
+  }
+
+  std::vector<std::uint8_t> EncodeOne(std::size_t nBlock) {
+    int nOffset = NextOffset();
+    const auto divided = m_encoder.Divide(Block(nBlock), nOffset);
+    const std::uint64_t qwBitsBefore = m_forecast.BitsAt(nOffset);
+    m_forecast.Remove(Block(nBlock));
+    const std::uint64_t qwForeseen = qwBitsBefore - m_forecast.BitsAt(nOffset);
+    // What the blocks after this one need at least.
+    const std::uint64_t qwKept = (m_nBlocks - nBlock - 1) * kLeastRun;
+    std::vector<std::uint8_t> run;
+    for (;; nOffset += C_BlockGroup::kOffsetsPerOctave / 4) {
+      m_encoder.Encode(divided, {nOffset, nOffset, 0}, run);
+      if (run.size() + qwKept <= m_qwRoom || nOffset >= C_Forecast::kMostOffset) break;
+    }
+    m_qwRoom -= std::min<std::uint64_t>(run.size(), m_qwRoom);
+    m_qwForeseen += qwForeseen;
+    m_qwTaken += run.size() * 8;
+    return run;
+  }
+
+  bool EncodeRest(std::size_t nFirst) {
+    const int nOffset = NextOffset();
+    std::vector<S_DividedBlock> blocks;
+    for (std::size_t n = nFirst; n < m_nBlocks; ++n) {
+      blocks.push_back(m_encoder.Divide(Block(n), nOffset));
+      Report(n + 1);
+    }
+    C_BlockGroup group(m_encoder, std::move(blocks));
+    const S_GroupRuns coded =
+        EncodeGroup(group, m_qwRoom, {nOffset, m_forecast.BytesPerOctave(nOffset)});
+    for (std::size_t n = nFirst; n < m_nBlocks; ++n) {
+      if (!Put(n, coded.runs[n - nFirst])) return false;
+    }
+    return true;
+  }
+
+  bool Put(std::size_t nBlock, std::span<const std::uint8_t> run) {
+    std::vector<std::uint8_t> bytes;
+    if (m_nBlocks == 1) {
+      AppendOnlyBlock(bytes, run);
+    } else {
+      AppendBlock(bytes, nBlock, run);
+    }
+    return m_fnWrite(bytes);
+  }
+  void Report(std::size_t nBlocks) {
+    if (m_fnProgress) m_fnProgress(std::min(nBlocks * m_nLength, m_samples.size()));
+  }
+
+  std::span<const std::int16_t> m_samples;
+  std::size_t m_nLength;  // of a block
+  std::size_t m_nBlocks;
+  std::uint64_t m_qwRoom;  // bytes that are left for runs
+  C_Forecast m_forecast;   // of the blocks that are left
+  C_BlockEncoder m_encoder;
+  const S_Write& m_fnWrite;
+  const S_Progress& m_fnProgress;
+  // Bits of the blocks that were coded one by one.
+  std::uint64_t m_qwForeseen = 0;
+  std::uint64_t m_qwTaken = 0;
+};
 
 }  // namespace
 
@@ -153,23 +287,9 @@ std::uint64_t CodedRoom(std::size_t nSamples, int nBitDepth) noexcept {
   return std::max(qwByDepth, std::min<std::uint64_t>(qwShort, kMostShortBytes)) - kHeadBytes;
 }
 
-std::vector<std::uint8_t> EncodeWithin(std::span<const std::int16_t> samples, int nSampleRate,
-                                       int nBitDepth, const C_Encoder::S_Progress& fnProgress) {
-  const std::uint64_t qwMost = CodedRoom(samples.size(), nBitDepth);
-  const int nFirst = FirstOffset(samples, nSampleRate, nBitDepth);
-  C_Encoder encoder(samples, nSampleRate, nBitDepth, nFirst, fnProgress);
-  C_Search search = Search(encoder, qwMost, nFirst);
-  if (getenv("FO")) fprintf(stderr, "FO %d %d %d %d\n", nBitDepth, nSampleRate, MeanLoudness(samples, (size_t)FrameLength(nSampleRate)), encoder.ToOffset(search.Best()));
-  if (encoder.SectionCount() <= kFewSections) {
-    return encoder.Encode(BestOfAll(encoder, qwMost, search.Best()));
-  }
-  if (search.IsWithin(kUnusedLater)) return encoder.Encode(search.Best());
-  const int nFound = encoder.ToOffset(search.Best());
-  C_Encoder whole = encoder;
-  whole.UseWholeIndices();
-  const C_Search second = Search(whole, qwMost, nFound);
-  const bool bBetter = second.Fits() && (!search.Fits() || second.BestSize() > search.BestSize());
-  return bBetter ? whole.Encode(second.Best()) : encoder.Encode(search.Best());
+bool EncodeWithin(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+                  const S_Write& fnWrite, const S_Progress& fnProgress) {
+  return C_SoundEncoder(samples, nSampleRate, nBitDepth, fnWrite, fnProgress).Encode();
 }
 
 }  // namespace heron

@@ -10,16 +10,29 @@
 #include "heron/RateControl.h"
 
 namespace heron {
+
 bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
-                   std::vector<std::uint8_t>* pCoded,
+                   const std::function<bool(std::span<const std::uint8_t>)>& fnWrite,
                    const std::function<void(unsigned int nFramesDone)>& fnFrames) {
   if (samples.empty() || samples.size() > std::numeric_limits<std::uint32_t>::max()) return false;
   if (!IsSupportedSampleRate(nSampleRate)) return false;
   if (nBitDepth < kMinBitDepth || nBitDepth > kMaxBitDepth) return false;
   const auto nLength = static_cast<std::size_t>(FrameLength(nSampleRate));
-  *pCoded = EncodeWithin(samples, nSampleRate, nBitDepth, [&](std::size_t nDone) {
+  return EncodeWithin(samples, nSampleRate, nBitDepth, fnWrite, [&](std::size_t nDone) {
     if (fnFrames) fnFrames(static_cast<unsigned int>((nDone + nLength - 1) / nLength));
   });
+}
+
+bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+                   std::vector<std::uint8_t>* pCoded,
+                   const std::function<void(unsigned int nFramesDone)>& fnFrames) {
+  std::vector<std::uint8_t> coded;
+  const auto fnWrite = [&](std::span<const std::uint8_t> bytes) {
+    coded.insert(coded.end(), bytes.begin(), bytes.end());
+    return true;
+  };
+  if (!EncodeSamples(samples, nSampleRate, nBitDepth, fnWrite, fnFrames)) return false;
+  *pCoded = std::move(coded);
   return true;
 }
 

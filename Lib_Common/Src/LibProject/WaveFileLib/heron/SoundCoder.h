@@ -15,14 +15,19 @@
 namespace heron {
 
 // Codes the samples at nBitDepth (kMinBitDepth..kMaxBitDepth) bits each. With the kHeadBytes that
-// the caller puts before it, *pCoded takes at most samples * nBitDepth / 8 bytes. Sounds of only a
-// few dozen samples are an exception and take what they need.
+// the caller puts before it, the coded audio takes at most samples * nBitDepth / 8 bytes, rounded
+// down. Short sounds may take a little more: 16 bytes and 2 bits per sample, 128 bytes at the most.
 //
-// The whole sound is coded several times until its size fits. fnFrames (may be empty) is called
-// with the number of frames done; the numbers rise, and the last one is the count of all frames.
+// fnWrite gets the coded audio, piece by piece. fnFrames (may be empty) is called with the number of
+// frames done; the numbers rise, and the last one is the count of all frames. The memory that this
+// takes does not grow with the sound.
 //
-// False, with *pCoded unchanged, for no samples, for more than 2^32-1 samples, and for a rate or
-// depth outside its range.
+// False, and nothing was written, for no samples, for more than 2^32-1 samples, and for a rate or
+// depth outside its range. Also false when fnWrite was false.
+bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+                   const std::function<bool(std::span<const std::uint8_t>)>& fnWrite,
+                   const std::function<void(unsigned int nFramesDone)>& fnFrames);
+// The same; *pCoded gets the coded audio, and keeps what it had when the result is false.
 bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
                    std::vector<std::uint8_t>* pCoded,
                    const std::function<void(unsigned int nFramesDone)>& fnFrames);

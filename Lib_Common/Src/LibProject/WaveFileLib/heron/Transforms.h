@@ -17,7 +17,7 @@ namespace heron {
 
 class C_Transforms {
  public:
-  explicit C_Transforms(std::size_t nUnitLength) {
+  explicit C_Transforms(std::size_t nUnitLength) : m_nUnitLength(nUnitLength) {
     for (std::size_t nSize = 0; nSize < kPartSizes; ++nSize) {
       const std::size_t nLength = nUnitLength << nSize;
       m_dcts.emplace_back(nLength);
@@ -25,6 +25,7 @@ class C_Transforms {
     }
   }
 
+  [[nodiscard]] std::size_t UnitLength() const noexcept { return m_nUnitLength; }
   // For parts of 2^nSize units.
   [[nodiscard]] C_Dct4& Dct(std::size_t nSize) noexcept { return m_dcts[nSize]; }
   // The overlap of two neighbours, the smaller of which has 2^nSize units.
@@ -38,6 +39,7 @@ class C_Transforms {
   }
 
  private:
+  std::size_t m_nUnitLength;
   std::vector<C_Dct4> m_dcts;
   std::vector<std::vector<S_Lap>> m_laps;
 };

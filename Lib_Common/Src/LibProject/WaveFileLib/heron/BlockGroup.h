@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The last blocks of a sound, which are coded together as often as it takes to fill the size that is
+// left for them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "heron/BlockEncoder.h"
+
+namespace heron {
+
+// What coding a group gives.
+struct S_GroupRuns {
+  std::vector<std::vector<std::uint8_t>> runs;
+  std::size_t nBytes = 0;  // of all runs together
+  S_WriteCost cost;
+};
+
+class C_BlockGroup {
+ public:
+  // encoder must outlive the object. There is at least one block.
+  C_BlockGroup(C_BlockEncoder& encoder, std::vector<S_DividedBlock> blocks);
+
+  // Codes all blocks. nCoarseness counts steps that each make one section after the other a little
+  // coarser, from the last one to the first: StepsPerOctave of them double the step sizes. Values
+  // outside Finest..Coarsest count as the nearer of these two.
+  [[nodiscard]] S_GroupRuns Encode(std::int64_t nCoarseness);
+
+  // A sound of steady loudness changes all its step indices at the same coarseness, so that no
+  // coarseness may fill its size. After this call, the steps are those in which one section after
+  // the other changes by a whole step index.
+  void UseWholeIndices() noexcept { m_nOffsetStep = 256; }
+
+  [[nodiscard]] std::int64_t StepsPerOctave() const noexcept {
+    return std::int64_t{kOffsetsPerOctave / m_nOffsetStep} * m_nSections;
+  }
+  // At the finest even the loudest part has step index 0: its loudness (Loudness.h) adds 17/16 of
+  // 30 * 256, less than 12 octaves. At the coarsest every part has the last index: the indices span
+  // 18 octaves in all.
+  [[nodiscard]] std::int64_t Finest() const noexcept { return -12 * StepsPerOctave(); }
+  [[nodiscard]] std::int64_t Coarsest() const noexcept { return 18 * StepsPerOctave(); }
+  // The coarseness of an offset in 256ths of a step index, and the other way round.
+  [[nodiscard]] std::int64_t FromOffset(int nOffset) const noexcept {
+    return std::int64_t{nOffset / m_nOffsetStep} * m_nSections;
+  }
+  [[nodiscard]] int ToOffset(std::int64_t nCoarseness) const noexcept {
+    return static_cast<int>(nCoarseness / m_nSections) * m_nOffsetStep;
+  }
+  [[nodiscard]] std::int64_t SectionCount() const noexcept { return m_nSections; }
+  // An octave of step size: four step indices (StepSize.h) of 256 each.
+  static constexpr int kOffsetsPerOctave = 4 * 256;
+
+ private:
+  C_BlockEncoder& m_encoder;
+  std::vector<S_DividedBlock> m_blocks;
+  std::int64_t m_nSections = 0;
+  int m_nOffsetStep = 16;
+};
+
+}  // namespace heron

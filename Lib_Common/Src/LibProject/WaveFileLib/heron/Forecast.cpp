@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/Forecast.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+
+#include "heron/Configuration.h"
+#include "heron/FixedPoint.h"
+#include "heron/Loudness.h"
+
+namespace heron {
+namespace {
+
+constexpr int kPerOctave = 8;
+constexpr int kOffsetsPerSize = 1024 / kPerOctave;
+// The size of the half step of index 0, which is 2^5.
+constexpr int kHalfStepSize = 5 * kPerOctave;
+
+// The offset at which a sound takes as many bits as it should, less the one at which the sum of
+// BitsOf comes to that: the mean over recorded speech at 8 and 16 kHz, by bit depth. The higher the
+// rate, the smaller the share of what does not depend on it.
+constexpr std::array<int, kMaxBitDepth - kMinBitDepth + 1> kBias = {1750, 1930, 2075, 2155, 2230};
+constexpr int BiasOf(int nSampleRate, int nBitDepth) noexcept {
+  return kBias[static_cast<std::size_t>(nBitDepth - kMinBitDepth)] + 210 -
+         std::min(nSampleRate, 16000) / 50;
+}
+
+// log2(1 + h^2) / 2 in units of 1/256 bit, for a coefficient of h half steps, h = 2^(nSize/8).
+constexpr std::int64_t BitsOf(int nSize) noexcept {
+  if (nSize <= -8 * kPerOctave) return 0;
+  if (nSize >= 15 * kPerOctave) return std::int64_t{nSize} * 256 / kPerOctave;
+  constexpr int kOneQ = 32;
+  // h^2 = 2^(nSize/4)
+  const std::uint64_t qwSquare = static_cast<std::uint64_t>(kQuarterOctave[nSize & 3])
+                                 << (kOneQ - 16 + (nSize >> 2));
+  return (Log2Q8((std::uint64_t{1} << kOneQ) + qwSquare) - kOneQ * 256) / 2;
+}
+
+// Eighths of an octave of a number of at least 1, taken as straight within each octave.
+int SizeOf(std::uint32_t nMagnitude) noexcept {
+  const int nOctave = 31 - std::countl_zero(nMagnitude);
+  const auto nEighths = static_cast<int>((std::uint64_t{nMagnitude} << 3 >> nOctave) & 7);
+  return nOctave * kPerOctave + nEighths;
+}
+
+}  // namespace
+
+C_Forecast::C_Forecast(int nSampleRate, int nBitDepth)
+    : m_nLength(SectionLength(nSampleRate)),
+      m_nSlope(SlopeOf(nBitDepth)),
+      m_nBias(BiasOf(nSampleRate, nBitDepth)),
+      m_dct(m_nLength),
+      m_laps(MakeLaps(m_nLength / 2)),
+      m_values(m_nLength) {}
+
+void C_Forecast::Count(std::span<const std::int16_t> block, std::uint32_t nTimes) {
+  const std::size_t nSections = (block.size() + m_nLength - 1) / m_nLength;
+  m_padded.assign(nSections * m_nLength, 0);
+  std::ranges::copy(block, m_padded.begin());
+  for (std::size_t nAt = 0; nAt < m_padded.size(); nAt += m_nLength) {
+    S_Lapped lapped{nAt, m_nLength, m_laps, m_laps};
+    if (nAt == 0) lapped.before = {};
+    if (nAt + m_nLength == m_padded.size()) lapped.after = {};
+    Fold(m_padded, lapped, m_values);
+    m_dct.Transform(m_values);
+    const int nStep = WantedStep(LoudnessOf(m_values), m_nSlope, 0) / kOffsetsPerSize;
+    std::uint32_t* const pCounts = m_counts.data() + kSizeOf0 - kHalfStepSize - nStep;
+    for (const std::int32_t nValue : m_values) {
+      const auto nMagnitude = static_cast<std::uint32_t>(std::abs(nValue));
+      if (nMagnitude != 0) pCounts[SizeOf(nMagnitude)] += nTimes;
+    }
+  }
+}
+
+std::uint64_t C_Forecast::BitsAt(int nOffset) const noexcept {
+  // Between the sizes, the bits are taken as straight.
+  const int nTotal = nOffset - m_nBias + kSizeOf0 * kOffsetsPerSize;
+  const int nDown = (nTotal + kOffsetsPerSize - 1) / kOffsetsPerSize;
+  const int nRest = nDown * kOffsetsPerSize - nTotal;
+  std::int64_t nBits = 0;
+  std::int64_t nLower = BitsOf(-nDown);
+  for (int n = 0; n < kSizes; ++n) {
+    const std::int64_t nUpper = BitsOf(n + 1 - nDown);
+    const std::int64_t nEach = nLower * (kOffsetsPerSize - nRest) + nUpper * nRest;
+    nBits += nEach * m_counts[static_cast<std::size_t>(n)] / kOffsetsPerSize;
+    nLower = nUpper;
+  }
+  return static_cast<std::uint64_t>(nBits) / 256;
+}
+
+int C_Forecast::OffsetFor(std::uint64_t qwBits) const noexcept {
+  int nLeast = kLeastOffset;
+  int nMost = kMostOffset;
+  while (nLeast < nMost) {
+    const int nMiddle = nLeast + (nMost - nLeast) / 2;
+    if (BitsAt(nMiddle) <= qwBits) {
+      nMost = nMiddle;
+    } else {
+      nLeast = nMiddle + 1;
+    }
+  }
+  return nMost;
+}
+
+std::int64_t C_Forecast::BytesPerOctave(int nOffset) const noexcept {
+  // The slope over a quarter of an octave.
+  constexpr int kAround = 128;
+  const std::uint64_t qwBits = BitsAt(nOffset - kAround) - BitsAt(nOffset + kAround);
+  return static_cast<std::int64_t>(qwBits * 4 / 8);
+}
+
+}  // namespace heron

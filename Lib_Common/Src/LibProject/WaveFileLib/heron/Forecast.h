@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Tells how many bits a sound will take at an offset of its steps before any of it is coded. It
+// sorts the coefficients of its sections, each taken as one part, by their size in steps; how many
+// bits a coefficient of a size takes is known from recorded speech. For voices and for noise, the
+// offset that a number of bits asks for is foretold to about a tenth of an octave.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "heron/Dct4.h"
+#include "heron/Lapping.h"
+
+namespace heron {
+
+class C_Forecast {
+ public:
+  // nSampleRate and nBitDepth must be supported.
+  C_Forecast(int nSampleRate, int nBitDepth);
+
+  // Counts the samples of a block, or takes them out again.
+  void Add(std::span<const std::int16_t> block) { Count(block, 1); }
+  void Remove(std::span<const std::int16_t> block) { Count(block, ~std::uint32_t{0}); }
+
+  // The bits that the samples counted will take at an offset (Loudness.h).
+  [[nodiscard]] std::uint64_t BitsAt(int nOffset) const noexcept;
+  // The lowest offset in kLeastOffset..kMostOffset at which they take no more than so many bits;
+  // kMostOffset when there is none.
+  [[nodiscard]] int OffsetFor(std::uint64_t qwBits) const noexcept;
+
+  // The bytes that twice the step size saves there.
+  [[nodiscard]] std::int64_t BytesPerOctave(int nOffset) const noexcept;
+
+  static constexpr int kLeastOffset = -12 * 1024;
+  static constexpr int kMostOffset = 18 * 1024;
+
+ private:
+  void Count(std::span<const std::int16_t> block, std::uint32_t nTimes);
+
+  std::size_t m_nLength;  // of a section
+  int m_nSlope;
+  int m_nBias;
+  C_Dct4 m_dct;
+  std::vector<S_Lap> m_laps;
+  std::vector<std::int16_t> m_padded;
+  std::vector<std::int32_t> m_values;
+  // The number of coefficients of each size: kSizeOf0 + n is n eighths of an octave above the step of
+  // offset 0.
+  static constexpr int kSizes = 320;
+  static constexpr int kSizeOf0 = 104;
+  std::array<std::uint32_t, kSizes> m_counts{};
+};
+
+}  // namespace heron
