@@ -19,7 +19,6 @@ namespace heron {
 namespace {
 
 using test::C_Random;
-using test::Padded;
 using test::RandomDivisions;
 using test::S_Bytes;
 using test::S_Sound;
@@ -27,10 +26,12 @@ using test::S_Sound;
 constexpr std::size_t kAllSections = std::numeric_limits<std::size_t>::max();
 
 S_Bytes RunOf(const S_Sound& sound, int nSampleRate, int nOffset, std::uint64_t qwSeed) {
-  C_BlockEncoder encoder(nSampleRate, 16);
-  encoder.Take(Padded(sound, nSampleRate), sound.size(),
-               RandomDivisions(qwSeed, sound.size(), nSampleRate));
-  return encoder.Run({nOffset, nOffset, kAllSections});
+  const auto divisions = RandomDivisions(qwSeed, sound.size(), nSampleRate);
+  S_Bytes run;
+  static_cast<void>(C_BlockEncoder(nSampleRate, 3)
+                        .Encode(test::DividedBy(divisions, sound, nSampleRate),
+                                {nOffset, nOffset, kAllSections}, run));
+  return run;
 }
 
 // A span of its own memory, so that a write outside it is found.

@@ -198,50 +198,6 @@ TEST(HeronRangeCoder, ATruncatedSequence_IsPastTheEndInTime) {
   }
 }
 
-// ---- sizes
-
-// Writes the same random mixture of symbols and raw bits to anything that takes them.
-template <typename T_Sink>
-void WriteRandomly(T_Sink& sink, std::uint64_t qwSeed, std::size_t nCount) {
-  C_Random random(qwSeed);
-  const std::uint32_t nKinds = 1 + random.Below(4);
-  for (std::size_t n = 0; n < nCount; ++n) {
-    const std::uint32_t nKind = random.Below(nKinds);
-    if (nKind == 0) sink.WriteSymbol(Accumulate(kThirds), std::size_t{random.Below(3)});
-    if (nKind == 1) sink.WriteSymbol(Accumulate(kLastLikely), std::size_t{random.Below(16)});
-    if (nKind == 2) sink.WriteSymbol(Accumulate(kMixed), Draw<5>(random, kMixed));
-    if (nKind != 3) continue;
-    const int nBits = static_cast<int>(random.Below(kMaxRawBits + 1));
-    sink.WriteRaw(random.Below(1U << nBits), nBits);
-  }
-}
-
-TEST(HeronSizeCounter, OfRandomSequences_CountsWhatIsWritten) {
-  for (std::uint64_t qwSeed = 1; qwSeed <= 3000; ++qwSeed) {
-    const std::size_t nCount = qwSeed % 300;
-    C_SizeCounter counter;
-    WriteRandomly(counter, qwSeed, nCount);
-    const S_Bytes bytes =
-        Written([&](C_CodeWriter& writer) { WriteRandomly(writer, qwSeed, nCount); });
-    ASSERT_EQ(counter.Size(), bytes.size()) << qwSeed;
-  }
-}
-
-TEST(HeronSizeCounter, AskedOnTheWay_CountsWhatWouldBeWrittenSoFar) {
-  C_SizeCounter counter;
-  for (std::uint64_t qwLast = 1; qwLast <= 100; ++qwLast) {
-    WriteRandomly(counter, qwLast, 7);
-    const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
-      for (std::uint64_t qwSeed = 1; qwSeed <= qwLast; ++qwSeed) WriteRandomly(writer, qwSeed, 7);
-    });
-    ASSERT_EQ(counter.Size(), bytes.size()) << qwLast;
-  }
-}
-
-TEST(HeronSizeCounter, OfNothing_CountsTheLeast) {
-  EXPECT_EQ(C_SizeCounter().Size(), Written([](C_CodeWriter&) {}).size());
-}
-
 // ---- the end
 
 // True when the bytes give these symbols of kThirds, whatever follows them.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 #include "Signals.h"
 #include "heron/Configuration.h"
@@ -38,6 +39,16 @@ TEST(HeronLoudness, MoreEnergy_IsNeverSofter) {
     ASSERT_GE(Loudness(qwSquares, 20), nBefore) << qwSquares;
     nBefore = Loudness(qwSquares, 20);
   }
+}
+
+TEST(HeronLoudness, OfCoefficients_IsThatOfTheirMeanSquare) {
+  EXPECT_EQ(LoudnessOf(std::vector<std::int32_t>(320, -1000 * 256)), Log2Q8(1000000));
+  EXPECT_EQ(LoudnessOf(std::vector<std::int32_t>(20)), Log2Q8(400));
+  // The energy of a sound may be in one coefficient, which is below 2^21.
+  EXPECT_EQ(LoudnessOf(std::vector<std::int32_t>(1, -(1 << 29))), 42 * 256);
+  std::vector<std::int32_t> loudest(1920);
+  loudest[7] = 1 << 29;
+  EXPECT_EQ(LoudnessOf(loudest), Log2Q8((std::uint64_t{1} << 42) / 1920));
 }
 
 TEST(HeronSlope, Depths_HaveTheirShares) {

@@ -22,10 +22,8 @@ constexpr int kSlope = 16;
 constexpr int kOffset = -1500;  // about that of 4 bits per sample
 
 S_Divisions Choose(const S_Sound& sound, int nSampleRate, int nOffset = kOffset) {
-  S_Divisions divisions;
-  C_PartChoice(nSampleRate, kSlope, nOffset)
-      .Choose(Padded(sound, nSampleRate), sound.size(), divisions);
-  return divisions;
+  C_Transforms transforms(UnitLength(nSampleRate));
+  return ChooseParts({Padded(sound, nSampleRate), sound.size(), kSlope, nOffset}, transforms);
 }
 
 // The parts of a division, in order. Plain units have a size of -1.
@@ -72,7 +70,6 @@ TEST(HeronDivision, Marks_AreKeptByNode) {
     division.Mark(nNode);
     for (std::size_t n = 1; n < 16; ++n) EXPECT_EQ(division.IsMarked(n), n == nNode) << n;
   }
-  EXPECT_EQ(sizeof(C_Division), 2u);
 }
 
 // ---- what they must be
@@ -102,25 +99,13 @@ TEST(HeronPartChoice, OfAnySound_DividesOnlyWhatIsSplitAndThere) {
   }
 }
 
-TEST(HeronPartChoice, Divisions_AreAppended) {
-  S_Divisions divisions(1);
-  divisions[0].Mark(9);
-  const S_Sound voice = TestVoice(960);
-  C_PartChoice(8000, kSlope, kOffset).Choose(voice, voice.size(), divisions);
-  EXPECT_EQ(divisions.size(), 4u);
-  EXPECT_TRUE(divisions[0].IsMarked(9));
-  EXPECT_FALSE(divisions[0].IsMarked(1));
-}
-
-TEST(HeronPartChoice, AnObjectUsedAgain_ChoosesAsANewOne) {
+TEST(HeronPartChoice, TransformsUsedAgain_ChooseAsNewOnes) {
   const S_Sound first = test::Noise(3200);
-  const S_Sound second = TestVoice(5000);
-  S_Divisions divisions;
-  C_PartChoice used(8000, kSlope, kOffset);
-  used.Choose(first, first.size(), divisions);
-  divisions.clear();
-  used.Choose(Padded(second, 8000), second.size(), divisions);
-  const S_Divisions fresh = Choose(second, 8000);
+  const S_Sound second = Padded(TestVoice(5000), 8000);
+  C_Transforms used(UnitLength(8000));
+  EXPECT_EQ(ChooseParts({first, first.size(), kSlope, kOffset}, used).size(), 10u);
+  const S_Divisions divisions = ChooseParts({second, 5000, kSlope, kOffset}, used);
+  const S_Divisions fresh = Choose(TestVoice(5000), 8000);
   ASSERT_EQ(divisions.size(), fresh.size());
   for (std::size_t n = 0; n < fresh.size(); ++n) {
     EXPECT_EQ(SizesOf(divisions[n]), SizesOf(fresh[n])) << n;
