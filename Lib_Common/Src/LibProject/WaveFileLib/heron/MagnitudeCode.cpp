@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "heron/MagnitudeCode.h"
 
-#include "heron/FixedPoint.h"
-
 namespace heron {
 namespace {
 
@@ -22,7 +20,7 @@ constexpr auto ForEachTable(Convert convert) {
 constexpr S_MagnitudeCosts CostsOf(const S_MagnitudeFrequencies& frequencies) {
   S_MagnitudeCosts costs{};
   for (std::size_t n = 0; n < kMagnitudeSymbols; ++n) {
-    costs[n] = static_cast<std::uint16_t>(kFrequencyBits * 256 - Log2Q8(frequencies[n]));
+    costs[n] = SymbolCost(frequencies[n]);
   }
   return costs;
 }

@@ -21,6 +21,7 @@
 #include <cstdint>
 
 #include "heron/EntropyCoder.h"
+#include "heron/FixedPoint.h"
 #include "heron/Tables.h"
 
 namespace heron {
@@ -63,7 +64,11 @@ inline constexpr int kLevelBits = 24;
 inline constexpr std::uint32_t kEscapeSymbol = kMagnitudeSymbols - 1;
 
 using S_MagnitudeCumulative = S_Cumulative<kMagnitudeSymbols>;
-// The bits that each symbol takes, in units of 1/256 bit.
+// The bits that a symbol of this frequency takes, in units of 1/256 bit.
+constexpr std::uint16_t SymbolCost(std::uint16_t wFrequency) noexcept {
+  return static_cast<std::uint16_t>(kFrequencyBits * 256 - Log2Q8(wFrequency));
+}
+// The same of all symbols of a table.
 using S_MagnitudeCosts = std::array<std::uint16_t, kMagnitudeSymbols>;
 
 // By table and quantiser.
@@ -82,6 +87,10 @@ inline void WriteEscape(C_EntropyEncoder& encoder, std::uint32_t nExcess) {
   encoder.WriteRaw(nExcess & ((1u << nRest) - 1), nRest);
 }
 std::uint64_t ReadEscape(C_EntropyDecoder& decoder) noexcept;
+// The bits of an escape.
+constexpr int EscapeBits(std::uint32_t nExcess) noexcept {
+  return 2 * (31 - std::countl_zero(nExcess)) + 1;
+}
 
 inline void WriteLevel(C_EntropyEncoder& encoder, const S_MagnitudeRows<S_MagnitudeCumulative>& rows,
                 std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass,
@@ -120,8 +129,7 @@ inline std::int32_t LevelCost(const S_MagnitudeCosts& costs, int nShift,
   const auto nTop = static_cast<std::uint32_t>(nLevel >> nShift);
   const std::int32_t nRawCost = (nShift + (nLevel != 0 ? 1 : 0)) * kBitCost;
   if (nTop < kEscapeSymbol) return nRawCost + costs[nTop];
-  const int nEscapeBits = 2 * (31 - std::countl_zero(nTop - kEscapeSymbol + 1)) + 1;
-  return nRawCost + costs[kEscapeSymbol] + nEscapeBits * kBitCost;
+  return nRawCost + costs[kEscapeSymbol] + EscapeBits(nTop - kEscapeSymbol + 1) * kBitCost;
 }
 
 }  // namespace heron
