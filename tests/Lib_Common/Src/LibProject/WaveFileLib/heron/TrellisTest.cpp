@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
 #include "Codes.h"
+#include "Instructions.h"
 #include "Signals.h"
 #include "heron/StepSize.h"
 
@@ -19,6 +21,8 @@ using S_Levels = std::vector<std::int32_t>;
 
 constexpr std::size_t kUnitLength = 20;
 constexpr std::size_t kLength = 160;
+// No coefficient of a sound is larger: full scale in all samples that a part of 1920 sees.
+const auto kLargest = static_cast<std::int32_t>(32768 * std::sqrt(2 * 1920.0) * 256);
 
 // The expectations of a part of eight units with nothing before it, or after a loud part.
 C_PartsBefore Before(bool bSteady, int nIndex, bool bLoud = false) {
@@ -102,13 +106,41 @@ S_Outcome OfNearest(bool bSteady, const S_Coefficients& coefficients, int nIndex
 S_Coefficients RandomCoefficients(std::uint64_t qwSeed, double dMostSteps, int nIndex,
                                   std::size_t nLength = kLength) {
   test::C_Random random(qwSeed);
-  const auto nMost = static_cast<std::int64_t>(dMostSteps * std::exp2(nIndex / 4.0 - 2) * 256);
+  const auto nMost = static_cast<std::int64_t>(
+      std::min<double>(dMostSteps * std::exp2(nIndex / 4.0 - 2) * 256, kLargest));
   S_Coefficients coefficients(nLength);
   for (std::int32_t& nValue : coefficients) {
     nValue =
         static_cast<std::int32_t>(random.Between(-nMost, nMost) * random.Between(0, 100) / 100);
   }
   return coefficients;
+}
+
+// The same cost in the units of the search: squared half steps, Q16.
+template <typename T_Below>
+std::uint64_t ExactCostBy(const S_Coefficients& coefficients, int nIndex,
+                          const C_PartsBefore& before, const S_Levels& levels) {
+  std::uint64_t qwCost = 0;
+  T_Below below;
+  std::size_t nState = kFirstState;
+  for (std::size_t k = 0; k < coefficients.size(); ++k) {
+    const std::size_t nQuantiser = QuantiserOf(nState);
+    const auto [nTable, nShift] = ClassOf(before.Expectation(k) + below.Expectation());
+    const std::int32_t nMagnitude = HalfSteps(nQuantiser, levels[k]);
+    const std::int64_t nError =
+        C_ToHalfSteps(nIndex)(std::abs(coefficients[k])) - std::int64_t{nMagnitude} * 256;
+    const auto& costs = test::CostsOf(ModelOf<T_Below>(), nQuantiser, nTable);
+    qwCost += static_cast<std::uint64_t>(nError * nError) +
+              123 * static_cast<std::uint64_t>(LevelCost(costs, nShift, levels[k]));
+    below = below.Then(nMagnitude);
+    nState = NextState(nState, static_cast<std::uint64_t>(levels[k]));
+  }
+  return qwCost;
+}
+std::uint64_t ExactCost(bool bSteady, const S_Coefficients& coefficients, int nIndex,
+                        const C_PartsBefore& before, const S_Levels& levels) {
+  return bSteady ? ExactCostBy<C_SteadyBelow>(coefficients, nIndex, before, levels)
+                 : ExactCostBy<C_NearBelow>(coefficients, nIndex, before, levels);
 }
 
 // ---- against all choices
@@ -172,9 +204,8 @@ TEST(HeronTrellis, OfShortParts_IsNearTheBestOfAllChoices) {
           const bool bLoud = qwSeed % 2 == 0;
           const C_PartsBefore before = Before(bSteady, nIndex, bLoud);
           const auto coefficients = RandomCoefficients(qwSeed, dMostSteps, nIndex, 9);
-          S_Levels levels(coefficients.size());
-          const auto qwCost =
-              C_Trellis(kLength).Search(bSteady, coefficients, nIndex, before, levels);
+          const S_Levels levels = Searched(bSteady, coefficients, nIndex, before);
+          const auto qwCost = ExactCost(bSteady, coefficients, nIndex, before, levels);
           const auto qwLeast = LeastOfAll(bSteady, coefficients, nIndex, before);
           // The expectations depend on the path, so a path that is given up early may have been
           // the best.
@@ -196,27 +227,149 @@ TEST(HeronTrellis, OfOneOrTwoCoefficients_IsTheBestOfAllChoices) {
     for (std::uint64_t qwSeed = 1; qwSeed <= 500; ++qwSeed) {
       const C_PartsBefore before = Before(bSteady, 20, qwSeed % 2 == 0);
       const auto coefficients = RandomCoefficients(qwSeed, 4, 20, 1 + qwSeed % 2);
-      S_Levels levels(coefficients.size());
-      ASSERT_EQ(C_Trellis(kLength).Search(bSteady, coefficients, 20, before, levels),
+      const S_Levels levels = Searched(bSteady, coefficients, 20, before);
+      ASSERT_EQ(ExactCost(bSteady, coefficients, 20, before, levels),
                 LeastOfAll(bSteady, coefficients, 20, before))
           << qwSeed;
     }
   }
 }
 
-TEST(HeronTrellis, ItsCost_IsThatOfItsLevels) {
-  for (const bool bSteady : {false, true}) {
-    for (const int nIndex : {0, 25, 71}) {
-      for (const double dMostSteps : {1.0, 10.0, 70.0}) {
-        const C_PartsBefore before = Before(bSteady, nIndex, true);
-        const auto coefficients = RandomCoefficients(3, dMostSteps, nIndex);
-        S_Levels levels(kLength);
-        const auto qwCost =
-            C_Trellis(kLength).Search(bSteady, coefficients, nIndex, before, levels);
-        const S_Outcome outcome = Follow(bSteady, coefficients, nIndex, before,
-                                         [&](std::size_t k, int, double) { return levels[k]; });
-        EXPECT_NEAR(static_cast<double>(qwCost) / 65536, Cost(outcome), 1e-6 * Cost(outcome));
+// ---- against a slow search
+
+// The search as it is described, with costs of 64 bits that are never cut.
+template <typename T_Below>
+class C_SlowSearch {
+ public:
+  C_SlowSearch(int nIndex, const C_PartsBefore& before) : m_before(before), m_toHalfSteps(nIndex) {
+    m_paths[kFirstState].bReached = true;
+  }
+
+  S_Levels LevelsOf(const S_Coefficients& coefficients) {
+    for (std::size_t k = 0; k < coefficients.size(); ++k) {
+      S_Paths next;
+      for (std::size_t nState = 0; nState < kStates; ++nState) {
+        if (m_paths[nState].bReached) {
+          Extend(nState, k, m_toHalfSteps(std::abs(coefficients[k])), next);
+        }
       }
+      m_paths = next;
+    }
+    const S_Path* pBest = nullptr;
+    for (const S_Path& path : m_paths) {
+      if (path.bReached && (pBest == nullptr || path.qwCost < pBest->qwCost)) pBest = &path;
+    }
+    return pBest->levels;
+  }
+
+ private:
+  struct S_Path {
+    bool bReached = false;
+    std::uint64_t qwCost = 0;
+    T_Below below;
+    S_Levels levels;
+  };
+  using S_Paths = std::array<S_Path, kStates>;
+
+  void Extend(std::size_t nState, std::size_t k, std::int64_t nScaled, S_Paths& next) const {
+    const std::int64_t nLower = (nScaled + (QuantiserOf(nState) == 1 ? 256 : 0)) / 512;
+    Consider(nState, k, nScaled, nScaled < 128 ? 0 : nLower, next);
+    if (nScaled < 128) return;
+    Consider(nState, k, nScaled, nLower + 1, next);
+    if (nLower == 1) Consider(nState, k, nScaled, 0, next);
+  }
+
+  void Consider(std::size_t nState, std::size_t k, std::int64_t nScaled, std::int64_t nWide,
+                S_Paths& next) const {
+    const S_Path& path = m_paths[nState];
+    const std::size_t nQuantiser = QuantiserOf(nState);
+    const auto nLevel = static_cast<std::int32_t>(nWide);
+    const std::int32_t nMagnitude = HalfSteps(nQuantiser, nLevel);
+    const auto [nTable, nShift] = ClassOf(m_before.Expectation(k) + path.below.Expectation());
+    const std::int64_t nError = nScaled - std::int64_t{nMagnitude} * 256;
+    const auto nBits =
+        LevelCost(test::CostsOf(ModelOf<T_Below>(), nQuantiser, nTable), nShift, nLevel);
+    const std::uint64_t qwCost = path.qwCost + static_cast<std::uint64_t>(nError * nError) +
+                                 123 * static_cast<std::uint64_t>(nBits);
+    S_Path& to = next[NextState(nState, static_cast<std::uint64_t>(nLevel))];
+    if (to.bReached && to.qwCost <= qwCost) return;
+    to = {true, qwCost, path.below.Then(nMagnitude), path.levels};
+    to.levels.push_back(nLevel);
+  }
+
+  const C_PartsBefore& m_before;
+  C_ToHalfSteps m_toHalfSteps;
+  S_Paths m_paths;
+};
+
+S_Levels SlowSearch(bool bSteady, const S_Coefficients& coefficients, int nIndex,
+                    const C_PartsBefore& before) {
+  return bSteady ? C_SlowSearch<C_SteadyBelow>(nIndex, before).LevelsOf(coefficients)
+                 : C_SlowSearch<C_NearBelow>(nIndex, before).LevelsOf(coefficients);
+}
+
+class HeronTrellisInstructions : public testing::TestWithParam<vcm::tagInstructions> {
+ protected:
+  HeronTrellisInstructions() { vcm::LimitInstructions(GetParam()); }
+
+ private:
+  test::C_InstructionsKept m_kept;
+};
+INSTANTIATE_TEST_SUITE_P(Kinds, HeronTrellisInstructions,
+                         testing::ValuesIn(test::kAllInstructions));
+
+TEST_P(HeronTrellisInstructions, OfEveryKind_FindWhatTheSlowSearchFinds) {
+  for (const bool bSteady : {false, true}) {
+    for (const int nIndex : {0, 3, 30, 71}) {
+      for (const double dMostSteps : {0.3, 1.0, 3.0, 40.0, 1e4, 1e9}) {
+        for (std::uint64_t qwSeed = 1; qwSeed <= 6; ++qwSeed) {
+          const C_PartsBefore before = Before(bSteady, nIndex, qwSeed % 2 == 0);
+          const std::size_t nLength = qwSeed < 3 ? kLength : 50 + 7 * qwSeed;
+          const auto coefficients = RandomCoefficients(qwSeed, dMostSteps, nIndex, nLength);
+          ASSERT_EQ(Searched(bSteady, coefficients, nIndex, before),
+                    SlowSearch(bSteady, coefficients, nIndex, before))
+              << bSteady << ' ' << nIndex << ' ' << dMostSteps << ' ' << qwSeed;
+        }
+      }
+    }
+  }
+}
+
+TEST_P(HeronTrellisInstructions, OfTheDearestLevels_FindWhatTheSlowSearchFinds) {
+  // Silence, then the largest coefficients of sounds: the escapes are as long as can be. Many of
+  // them in a row bring the costs as high as they come.
+  for (const bool bSteady : {false, true}) {
+    for (const int nIndex : {0, 1, 20}) {
+      for (const std::size_t nPeriod : {1u, 2u, 5u, 17u, 63u, 64u, 65u}) {
+        S_Coefficients coefficients(kLength);
+        for (std::size_t k = 0; k < kLength; ++k) {
+          if (k % (2 * nPeriod) >= nPeriod) coefficients[k] = k % 3 == 0 ? -kLargest : kLargest;
+          // Just below and at the least coefficient that gets a level.
+          if (k % 7 == 0) {
+            coefficients[k] = HalfStep(nIndex) * (127 + static_cast<int>(k % 2)) / 256;
+          }
+        }
+        const C_PartsBefore before = Before(bSteady, nIndex);
+        ASSERT_EQ(Searched(bSteady, coefficients, nIndex, before),
+                  SlowSearch(bSteady, coefficients, nIndex, before))
+            << bSteady << ' ' << nIndex << ' ' << nPeriod;
+      }
+    }
+  }
+}
+
+TEST_P(HeronTrellisInstructions, OfWholeHalfSteps_BreakTiesInTheSameWay) {
+  test::C_Random random(9);
+  for (const bool bSteady : {false, true}) {
+    for (int nRound = 0; nRound < 60; ++nRound) {
+      S_Coefficients coefficients(kLength);
+      for (std::int32_t& nValue : coefficients) {
+        nValue = static_cast<std::int32_t>(random.Below(9)) * HalfStep(12) / 2;
+      }
+      const C_PartsBefore before = Before(bSteady, 12, nRound % 2 == 0);
+      ASSERT_EQ(Searched(bSteady, coefficients, 12, before),
+                SlowSearch(bSteady, coefficients, 12, before))
+          << bSteady << ' ' << nRound;
     }
   }
 }
@@ -272,20 +425,18 @@ TEST(HeronTrellis, NoCoefficientThatIsKept_IsOffByMoreThanAStep) {
 TEST(HeronTrellis, LargestCoefficients_AreNotOffByMoreThanAStep) {
   for (const bool bSteady : {false, true}) {
     for (int nIndex = 0; nIndex < kSteps; ++nIndex) {
-      const S_Coefficients coefficients(20, static_cast<std::int32_t>(kMaxCoefficient));
-      EXPECT_LE(OfSearch(bSteady, coefficients, nIndex).dLargestError, 2)
+      EXPECT_LE(OfSearch(bSteady, S_Coefficients(20, kLargest), nIndex).dLargestError, 2)
           << bSteady << ' ' << nIndex;
     }
   }
 }
 
-TEST(HeronTrellis, LargestCoefficientsOfSounds_StayWithinTheLargestMultiple) {
-  // Full scale in all samples that a part of 1920 sees. A reader refuses larger magnitudes.
-  const auto nLargest = static_cast<std::int32_t>(32768 * std::sqrt(2 * 1920.0) * 256);
+TEST(HeronTrellis, LargestCoefficients_StayWithinTheLargestMultiple) {
+  // A reader refuses larger magnitudes.
   for (const bool bSteady : {false, true}) {
     for (int nIndex = 0; nIndex < kSteps; ++nIndex) {
       for (const bool bLoud : {false, true}) {
-        const S_Coefficients coefficients(20, nLargest);
+        const S_Coefficients coefficients(20, kLargest);
         const C_PartsBefore before = Before(bSteady, nIndex, bLoud);
         const S_Levels levels = Searched(bSteady, coefficients, nIndex, before);
         std::size_t nState = kFirstState;
@@ -314,8 +465,10 @@ TEST(HeronTrellis, ZeroCoefficients_GetZeroLevels) {
   }
 }
 
-TEST(HeronTrellis, APartOfNoCoefficients_CostsNothing) {
-  EXPECT_EQ(C_Trellis(kLength).Search(false, {}, 20, Before(false, 20), {}), 0u);
+TEST(HeronTrellis, APartOfNoCoefficients_GetsNoLevels) {
+  for (const bool bSteady : {false, true}) {
+    EXPECT_TRUE(Searched(bSteady, {}, 20, Before(bSteady, 20)).empty());
+  }
 }
 
 TEST(HeronTrellis, TheSignOfACoefficient_MakesNoDifference) {
