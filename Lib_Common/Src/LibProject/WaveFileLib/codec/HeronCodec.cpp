@@ -104,14 +104,16 @@ std::optional<S_Task> MakeTask(I_WavData& wavData, unsigned int dwTypeCode) {
 
 // Writes the coded audio after a placeholder for the head, which is not known yet.
 bool WriteAudio(const S_Task& task, C_Progress& progress, std::FILE* pFile) {
-  std::vector<unsigned char> coded;
   const auto fnFrames = [&](unsigned int dwDone) { progress.Advance(dwDone); };
+  const auto fnWrite = [&](std::span<const std::uint8_t> bytes) {
+    return vcm::WriteExact(pFile, bytes);
+  };
   progress.Begin(task.CountFrames());
   vcm::C_ByteWriter placeholder;
   placeholder.Zeros(heronstream::kHeadBytes);
-  return heron::EncodeSamples(task.samples.View(), task.nSampleRate, task.variant.nBitDepth, &coded,
-                              fnFrames) &&
-         vcm::WriteExact(pFile, placeholder.Data()) && vcm::WriteExact(pFile, coded);
+  return vcm::WriteExact(pFile, placeholder.Data()) &&
+         heron::EncodeSamples(task.samples.View(), task.nSampleRate, task.variant.nBitDepth,
+                              fnWrite, fnFrames);
 }
 
 bool WriteEvents(const S_Task& task, I_EventTagMgr& eventMgr, std::FILE* pFile) {
@@ -176,18 +178,11 @@ bool CanHold(std::size_t cbCoded, std::size_t nSamples) {
 // Decodes straight into the memory that becomes the PCM of the sound, which stays as it is when
 // that fails.
 bool DecodeInPlace(heron::C_Decoder& decoder, C_WavData& wavData) {
-  const std::size_t nSamples = decoder.SampleCount();
-  const std::size_t nLength = decoder.Length();
-  const auto dwLength = vcm::CheckedBytes(nSamples, kSampleBytes);
-  // Whole frames; the last one is cut at the end of the sound.
-  const std::uint64_t qwWhole = (std::uint64_t{nSamples} + nLength - 1) / nLength * nLength;
-  if (!dwLength || !std::in_range<std::size_t>(qwWhole * kSampleBytes)) return false;
-  auto pbyPcm = vcm::NewBytes(static_cast<std::size_t>(qwWhole * kSampleBytes));
+  const auto dwLength = vcm::CheckedBytes(decoder.SampleCount(), kSampleBytes);
+  if (!dwLength) return false;
+  auto pbyPcm = vcm::NewBytes(*dwLength);
   auto* const pSamples = static_cast<std::int16_t*>(static_cast<void*>(pbyPcm.get()));
-  for (std::size_t nAt = 0; nAt < nSamples; nAt += nLength) {
-    if (!decoder.DecodeFrame({pSamples + nAt, nLength})) return false;
-  }
-  if (!decoder.IsAtTheEnd()) return false;
+  if (!decoder.DecodeAll({pSamples, decoder.SampleCount()})) return false;
   wavData.TakeBuffer(std::move(pbyPcm), *dwLength);
   wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), *dwLength, 1, 16, 16, true);
   return true;

@@ -85,4 +85,13 @@ bool C_Decoder::DecodeBlock(std::size_t nBlock, std::span<std::int16_t> samples)
   return false;
 }
 
+bool C_Decoder::DecodeAll(std::span<std::int16_t> samples) {
+  bool bAny = false;
+  for (std::size_t n = 0; n < m_runs.size(); ++n) {
+    const std::size_t nAt = n * m_nLength;
+    bAny |= DecodeBlock(n, samples.subspan(nAt, std::min(m_nLength, samples.size() - nAt)));
+  }
+  return bAny;
+}
+
 }  // namespace heron

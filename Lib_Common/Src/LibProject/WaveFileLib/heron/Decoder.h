@@ -34,6 +34,8 @@ class C_Decoder {
   // Decodes block nBlock into samples, which has as many values as the block has samples. False
   // when the block is missing or damaged; the samples are then 0.
   bool DecodeBlock(std::size_t nBlock, std::span<std::int16_t> samples);
+  // Decodes all blocks into SampleCount samples. False when none of them can be decoded.
+  bool DecodeAll(std::span<std::int16_t> samples);
 
  private:
   C_Decoder(int nSampleRate, std::size_t nSamples);
