@@ -28,9 +28,9 @@ constexpr std::size_t kAllSections = std::numeric_limits<std::size_t>::max();
 S_Bytes RunOf(const S_Sound& sound, int nSampleRate, int nOffset, std::uint64_t qwSeed) {
   const auto divisions = RandomDivisions(qwSeed, sound.size(), nSampleRate);
   S_Bytes run;
-  static_cast<void>(C_BlockEncoder(nSampleRate, 3)
-                        .Encode(test::DividedBy(divisions, sound, nSampleRate),
-                                {nOffset, nOffset, kAllSections}, run));
+  C_BlockEncoder(nSampleRate, 3)
+      .Encode(test::DividedBy(divisions, sound, nSampleRate), {nOffset, nOffset, kAllSections},
+              run);
   return run;
 }
 

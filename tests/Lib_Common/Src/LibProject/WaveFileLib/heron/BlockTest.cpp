@@ -223,9 +223,7 @@ TEST(HeronBlock, ClaimedSizes_AreToldOnlyWithinTheBytes) {
                                         {0x100, 0},
                                         {0x10000, 0},
                                         {kMaxRunBytes, 0}}) {
-    for (std::size_t n = 0; n < 3; ++n) {
-      bytes[2 + n] = static_cast<std::uint8_t>(nClaimed >> 8 * n);
-    }
+    for (std::size_t n = 0; n < 3; ++n) bytes[2 + n] = static_cast<std::uint8_t>(nClaimed >> 8 * n);
     EXPECT_EQ(ClaimedBytes(bytes), nTold) << nClaimed;
     EXPECT_FALSE(ReadBlock(bytes)) << nClaimed;
   }

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "Signals.h"
 #include "heron/Configuration.h"
@@ -64,65 +63,6 @@ TEST(HeronFixedPoint, Log2_NeverFalls) {
 TEST(HeronFixedPoint, QuartersOfAnOctave_AreRounded) {
   for (int n = 0; n < 4; ++n) {
     EXPECT_EQ(kQuarterOctave[n], std::lround(65536 * std::exp2(n / 4.0))) << n;
-  }
-}
-
-// ---- sums of logarithms
-
-// The sum of the logarithms, and how much lower the result may be: rounding it down takes less than
-// one, and each number loses less than 2^-31 of itself.
-void ExpectSum(const std::vector<std::uint32_t>& values) {
-  C_Log2Sum sum;
-  long double dSum = 0;
-  for (const std::uint32_t nValue : values) {
-    sum.Add(nValue);
-    dSum += 256 * std::log2(static_cast<long double>(nValue));
-  }
-  const auto dTotal = static_cast<double>(dSum);
-  const double dLost = 1 + 1e-5 + static_cast<double>(values.size()) * 369.4 * std::exp2(-31);
-  ASSERT_LE(static_cast<double>(sum.Total()), dTotal + 1e-3);
-  ASSERT_GT(static_cast<double>(sum.Total()), dTotal - dLost);
-}
-
-TEST(HeronLog2Sum, OfNothing_IsZero) {
-  EXPECT_EQ(C_Log2Sum().Total(), 0);
-  ExpectSum({});
-}
-
-TEST(HeronLog2Sum, OfPowersOfTwo_IsExact) {
-  C_Log2Sum sum;
-  std::int64_t nExpected = 0;
-  for (int nRound = 0; nRound < 100; ++nRound) {
-    for (int n = 0; n < 32; ++n) {
-      sum.Add(1U << n);
-      nExpected += 256 * n;
-      ASSERT_EQ(sum.Total(), nExpected) << nRound << ' ' << n;
-    }
-  }
-}
-
-TEST(HeronLog2Sum, OfOneNumber_IsItsLogarithm) {
-  for (std::uint32_t n = 1; n < 100000; ++n) {
-    C_Log2Sum sum;
-    sum.Add(n);
-    ASSERT_EQ(sum.Total(), Log2Q8(n)) << n;
-  }
-}
-
-TEST(HeronLog2Sum, OfRandomNumbers_IsTheLogarithmOfTheirProduct) {
-  test::C_Random random(2);
-  for (int nRound = 0; nRound < 2000; ++nRound) {
-    std::vector<std::uint32_t> values(random.Below(500));
-    for (std::uint32_t& nValue : values) {
-      nValue = std::max(1U, static_cast<std::uint32_t>(random.Bits() >> 32) >> random.Below(32));
-    }
-    ASSERT_NO_FATAL_FAILURE(ExpectSum(values)) << nRound;
-  }
-}
-
-TEST(HeronLog2Sum, OfTheLargestAndTheSmallestNumbers_NeverOverflows) {
-  for (const std::uint32_t nValue : {~0U, ~0U - 1, 1U << 31, (1U << 31) + 1, 3U, 1U}) {
-    ExpectSum(std::vector<std::uint32_t>(100000, nValue));
   }
 }
 

@@ -49,7 +49,7 @@ TEST(HeronLaps, Factors_AreThoseOfTheWindow) {
 TEST(HeronLaps, SquaresOfBothFactors_AddUpToOne) {
   for (const std::size_t nHalf : kHalves) {
     for (const auto& [nNear, nFar] : MakeLaps(nHalf)) {
-      const double dSquares = (double{1} * nNear * nNear + double{1} * nFar * nFar) / (kOne * kOne);
+      const double dSquares = (std::pow(nNear, 2) + std::pow(nFar, 2)) / (kOne * kOne);
       ASSERT_NEAR(dSquares, 1, 16 / kOne) << nHalf;
     }
   }
@@ -89,12 +89,13 @@ TEST(HeronFold, AroundEitherEnd_AddsOrSubtractsTheMirroredSamples) {
   Fold(samples, {20, 20, before, after}, folded);
   for (std::size_t n = 0; n < 20; ++n) {
     double dExpected = samples[20 + n];
-    if (n < 5)
-      dExpected =
-          (dExpected * before[n].nNear + samples[19 - n] * double{1} * before[n].nFar) / kOne;
+    if (n < 5) {
+      const double dMirrored = samples[19 - n];
+      dExpected = (dExpected * before[n].nNear + dMirrored * before[n].nFar) / kOne;
+    }
     if (n >= 10) {
-      const S_Lap& lap = after[19 - n];
-      dExpected = (dExpected * lap.nNear - samples[40 + 19 - n] * double{1} * lap.nFar) / kOne;
+      const double dMirrored = samples[59 - n];
+      dExpected = (dExpected * after[19 - n].nNear - dMirrored * after[19 - n].nFar) / kOne;
     }
     EXPECT_NEAR(folded[n] / std::exp2(kCoefficientQ), dExpected, std::exp2(-kCoefficientQ)) << n;
   }
@@ -121,7 +122,7 @@ TEST(HeronFold, Extremes_StayBelowTheBoundOfTheTransform) {
   }
 }
 
-TEST(HeronUnfold, TurnsBackWhatFoldTurned) {
+TEST(HeronUnfold, FoldedSamples_ComeBack) {
   for (const std::size_t nHalf : kHalves) {
     const S_Sound samples = test::Noise(4 * nHalf, nHalf);
     const auto laps = MakeLaps(nHalf);
