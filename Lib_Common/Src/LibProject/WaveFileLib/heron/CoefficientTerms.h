@@ -23,10 +23,9 @@ constexpr std::uint32_t LogTerm(std::uint32_t nMagnitude, std::uint32_t nInverse
   const std::uint64_t qwScaled = std::uint64_t{nMagnitude} * nInverse >> kLogDown;
   const auto nTerm =
       static_cast<std::uint32_t>(std::min<std::uint64_t>(qwScaled + (1U << kLogQ), kMostLogged));
-  const int nOctave = 31 - std::countl_zero(nTerm);
-  // The 8 bits after the first one.
-  const std::uint32_t nFraction = (nTerm << 8 >> nOctave) - 256;
-  return (static_cast<std::uint32_t>(nOctave - kLogQ) << 8) + nFraction;
+  // A float is a logarithm that is straight within each octave.
+  constexpr std::uint32_t kOne = std::bit_cast<std::uint32_t>(float{1U << kLogQ});
+  return (std::bit_cast<std::uint32_t>(static_cast<float>(nTerm)) - kOne) >> (23 - 8);
 }
 
 // Levels that are estimated are limited, so that sums of their prices fit 32 bits.
