@@ -122,6 +122,31 @@ TEST(HeronFold, Extremes_StayBelowTheBoundOfTheTransform) {
   }
 }
 
+TEST(HeronFold, WithInstructionsOfEveryKind_GivesTheSame) {
+  const test::C_InstructionsKept kept;
+  for (std::size_t nHalf = 1; nHalf <= 240; nHalf += nHalf < 40 ? 1 : 25) {
+    const auto before = MakeLaps(nHalf);
+    const auto after = MakeLaps((nHalf + 1) / 2);
+    S_Sound samples = test::Noise(4 * nHalf, nHalf);
+    for (std::size_t n = 0; n < samples.size(); n += 3) samples[n] = -32768;
+    for (const S_Lapped& part :
+         {S_Lapped{nHalf, 2 * nHalf, before, after}, S_Lapped{nHalf, 2 * nHalf, {}, before},
+          S_Lapped{0, 2 * nHalf, {}, after}, S_Lapped{2 * nHalf, 2 * nHalf, before, {}}}) {
+      vcm::LimitInstructions(vcm::tagInstructions::kPlain);
+      S_Values plain(2 * nHalf);
+      Fold(samples, part, plain);
+      for (const auto eWidest : test::kAllInstructions) {
+        vcm::LimitInstructions(eWidest);
+        // Nothing is written after the part.
+        S_Values fast(2 * nHalf + 8, 77);
+        Fold(samples, part, std::span(fast).first(2 * nHalf));
+        ASSERT_TRUE(std::equal(plain.begin(), plain.end(), fast.begin())) << nHalf;
+        ASSERT_EQ(S_Values(fast.end() - 8, fast.end()), S_Values(8, 77)) << nHalf;
+      }
+    }
+  }
+}
+
 TEST(HeronUnfold, FoldedSamples_ComeBack) {
   for (const std::size_t nHalf : kHalves) {
     const S_Sound samples = test::Noise(4 * nHalf, nHalf);
