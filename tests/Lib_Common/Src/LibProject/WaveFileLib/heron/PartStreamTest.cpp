@@ -230,7 +230,7 @@ C_Stream TwoHalves(std::uint32_t nFirst, std::size_t nSymbol) {
 TEST(HeronPartStream, DifferencesThatLeaveTheRange_AreRefused) {
   for (const std::uint32_t nFirst : {0u, 1u, 14u, 15u, 40u, 56u, 57u, 70u, 71u}) {
     for (int nDifference = -15; nDifference <= 15; ++nDifference) {
-      C_Stream stream = TwoHalves(nFirst, static_cast<std::size_t>(nDifference + 15));
+      C_Stream stream = TwoHalves(nFirst, static_cast<std::size_t>(nDifference) + 15);
       const S_Read read = ReadStream(stream.Levels({}, kSection / 2).Take());
       const int nIndex = static_cast<int>(nFirst) + nDifference;
       EXPECT_EQ(read.bRead, nIndex >= 0 && nIndex < kSteps) << nFirst << ' ' << nDifference;

@@ -78,7 +78,7 @@ S_Wishes RandomWishes(std::uint64_t qwSeed, std::size_t nParts, std::size_t nUni
 TEST(HeronIndexCost, Differences_TakeTheBitsOfTheirSymbol) {
   for (int nDifference = -71; nDifference <= 71; ++nDifference) {
     const bool bEscaped = std::abs(nDifference) > 15;
-    const std::size_t nSymbol = bEscaped ? 31 : static_cast<std::size_t>(nDifference + 15);
+    const std::size_t nSymbol = bEscaped ? 31 : static_cast<std::size_t>(nDifference) + 15;
     const double dBits = 15 - std::log2(kIndexFrequencies[nSymbol]) + (bEscaped ? 7 : 0);
     EXPECT_NEAR(IndexCost(nDifference), 256 * dBits, 1.01) << nDifference;
   }
