@@ -188,8 +188,9 @@ TEST(HeronRotation, Rotate_TakesAllThatFits) {
   constexpr std::int32_t kPart = 3 << 29;
   const S_Complex turned = Rotate({kPart, kPart}, BackwardRotation(1, 8));
   EXPECT_NEAR(turned.nIm, 0, 8);
-  EXPECT_NEAR(Rotate({kPart / 2, kPart / 2}, BackwardRotation(1, 8)).nRe, kPart / std::sqrt(2.0),
-              8);
+  constexpr std::int32_t kHalfPart = kPart / 2;
+  const S_Complex fitting = Rotate({kHalfPart, kHalfPart}, BackwardRotation(1, 8));
+  EXPECT_NEAR(fitting.nRe, kHalfPart * std::numbers::sqrt2, 8);
 }
 
 // ---- the widths of vectors
