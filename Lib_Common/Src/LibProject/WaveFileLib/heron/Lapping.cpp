@@ -31,8 +31,9 @@ std::vector<S_Lap> MakeLaps(std::size_t nHalf) {
     return PowerSine(static_cast<std::int64_t>(n), nLength);
   };
   std::vector<S_Lap> laps;
-  for (std::size_t i = 0; i < nHalf; ++i)
+  for (std::size_t i = 0; i < nHalf; ++i) {
     laps.push_back({window(nHalf + i), window(nHalf - 1 - i)});
+  }
   return laps;
 }
 

@@ -63,7 +63,9 @@ void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coeff
   }
   tools.trellis.Search(written.kind == E_PartKind::kSteady, coefficients, part.nIndex,
                        m_state.Before(), levels);
-  if (std::ranges::all_of(levels, [](std::int32_t nLevel) { return nLevel == 0; })) {
+  // A plain part stays plain: its neighbours were transformed without an overlap on its side.
+  if (part.kind != E_PartKind::kPlain &&
+      std::ranges::all_of(levels, [](std::int32_t nLevel) { return nLevel == 0; })) {
     WriteKind(part.nSize, E_PartKind::kSilent);
     m_state.PassSilence();
     return;

@@ -13,9 +13,7 @@ C_Tail::C_Tail(C_BlockEncoder& encoder, C_PartWriter writer, std::size_t nFirst,
       m_nFirst(nFirst),
       m_blocks(std::move(blocks)),
       m_nSections(-static_cast<std::int64_t>(nFirst)) {
-  for (const auto& block : m_blocks) {
-    m_nSections += static_cast<std::int64_t>(block.SectionCount());
-  }
+  for (const auto& block : m_blocks) m_nSections += std::ssize(block.firstParts);
 }
 
 S_TailRuns C_Tail::Encode(std::int64_t nCoarseness) {
