@@ -70,8 +70,8 @@ void C_BlockEncoder::Transform(S_DividedBlock& block) {
   }
 }
 
-S_WriteCost C_BlockEncoder::Encode(const S_DividedBlock& block, const S_Coarseness& coarseness,
-                                   std::vector<std::uint8_t>& run) {
+void C_BlockEncoder::Encode(const S_DividedBlock& block, const S_Coarseness& coarseness,
+                            std::vector<std::uint8_t>& run) {
   const auto& parts = block.parts;
   std::vector<S_StepWish> wishes;
   for (std::size_t n = 0; n < parts.size(); ++n) {
@@ -96,7 +96,6 @@ S_WriteCost C_BlockEncoder::Encode(const S_DividedBlock& block, const S_Coarsene
     writer.Write(part, {block.values.data() + nAt, nLength});
   }
   encoder.Finish();
-  return writer.Cost();
 }
 
 }  // namespace heron

@@ -45,8 +45,8 @@ class C_BlockEncoder {
   S_DividedBlock Divide(std::span<const std::int16_t> samples, int nOffset);
 
   // Sets run to the run of the block.
-  S_WriteCost Encode(const S_DividedBlock& block, const S_Coarseness& coarseness,
-                     std::vector<std::uint8_t>& run);
+  void Encode(const S_DividedBlock& block, const S_Coarseness& coarseness,
+              std::vector<std::uint8_t>& run);
 
  private:
   void Transform(S_DividedBlock& block);

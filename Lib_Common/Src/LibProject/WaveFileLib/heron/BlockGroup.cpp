@@ -24,7 +24,7 @@ S_GroupRuns C_BlockGroup::Encode(std::int64_t nCoarseness) {
     const S_Coarseness coarseness{nOffset, nOffset + m_nOffsetStep,
                                   static_cast<std::size_t>(std::max<std::int64_t>(nFiner, 0))};
     auto& run = group.runs.emplace_back();
-    group.cost += m_encoder.Encode(block, coarseness, run);
+    m_encoder.Encode(block, coarseness, run);
     group.nBytes += run.size();
     nFiner -= static_cast<std::int64_t>(block.SectionCount());
   }

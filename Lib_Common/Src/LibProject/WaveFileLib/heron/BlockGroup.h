@@ -15,8 +15,7 @@ namespace heron {
 // What coding a group gives.
 struct S_GroupRuns {
   std::vector<std::vector<std::uint8_t>> runs;
-  std::size_t nBytes = 0;  // of all runs together
-  S_WriteCost cost;
+  std::size_t nBytes = 0;  // of all together
 };
 
 class C_BlockGroup {

@@ -21,14 +21,10 @@ S_Ending Ending(std::uint64_t qwLow, std::uint64_t qwRange) noexcept {
 
 }  // namespace
 
-
-void C_EntropyEncoder::WriteRaw(std::uint32_t nValue, int nBits) {
-  m_qwRawBits |= std::uint64_t{nValue} << m_nRawBits;
-  m_nRawBits += nBits;
-  for (; m_nRawBits >= 8; m_nRawBits -= 8) {
-    m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
-    m_qwRawBits >>= 8;
-  }
+void C_EntropyEncoder::PutRaw() {
+  for (int n = 0; n < 4; ++n) m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits >> 8 * n));
+  m_qwRawBits >>= 32;
+  m_nRawBits -= 32;
 }
 
 void C_EntropyEncoder::Finish() {
@@ -36,19 +32,10 @@ void C_EntropyEncoder::Finish() {
   m_qwLow += qwUp;
   if (m_qwLow < qwUp) Carry();
   PutTop(nBytes);
-  if (m_nRawBits > 0) m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
+  for (; m_nRawBits > 0; m_nRawBits -= 8, m_qwRawBits >>= 8) {
+    m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
+  }
   m_bytes.insert(m_bytes.end(), m_raw.rbegin(), m_raw.rend());
-}
-
-void C_EntropyEncoder::WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {
-  const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
-  m_qwRange = qwUnit * nFrequency;
-  m_qwLow += qwUnit * nBelow;
-  if (m_qwLow < qwUnit * nBelow) Carry();
-  if (m_qwRange >> 32 != 0) return;
-  PutTop(4);
-  m_qwLow <<= 32;
-  m_qwRange <<= 32;
 }
 
 // The sequence as a whole stays below 1, so there is always a byte that can take the carry.

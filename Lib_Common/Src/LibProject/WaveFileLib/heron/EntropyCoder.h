@@ -71,13 +71,28 @@ class C_EntropyEncoder {
     WriteInterval(nBelow, cumulative[nSymbol] - nBelow);
   }
   // nValue < 2^nBits, nBits 0..kMaxRawBits.
-  void WriteRaw(std::uint32_t nValue, int nBits);
+  void WriteRaw(std::uint32_t nValue, int nBits) {
+    m_qwRawBits |= std::uint64_t{nValue} << m_nRawBits;
+    m_nRawBits += nBits;
+    if (m_nRawBits >= 32) PutRaw();
+  }
   // Ends both sequences. Nothing may be written after this.
   void Finish();
 
  private:
-  void WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency);
+  void WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {
+    const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
+    const std::uint64_t qwUp = qwUnit * nBelow;
+    m_qwRange = qwUnit * nFrequency;
+    m_qwLow += qwUp;
+    if (m_qwLow < qwUp) [[unlikely]] Carry();
+    if (m_qwRange >> 32 != 0) return;
+    PutTop(4);
+    m_qwLow <<= 32;
+    m_qwRange <<= 32;
+  }
   void Carry() noexcept;
+  void PutRaw();
   void PutTop(int nBytes);
 
   std::vector<std::uint8_t>& m_bytes;
@@ -85,7 +100,7 @@ class C_EntropyEncoder {
   std::uint64_t m_qwLow = 0;
   std::uint64_t m_qwRange = ~std::uint64_t{0};
   std::vector<std::uint8_t> m_raw;
-  std::uint64_t m_qwRawBits = 0;  // bits that do not fill a byte yet
+  std::uint64_t m_qwRawBits = 0;  // fewer than 32 bits that are not in m_raw yet
   int m_nRawBits = 0;
 };
 

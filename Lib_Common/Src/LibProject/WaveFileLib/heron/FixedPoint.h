@@ -29,27 +29,6 @@ constexpr int Log2Q8(std::uint64_t qwValue) noexcept {
   return nLog;
 }
 
-// Adds up the logarithms of many numbers. Their product is kept as a mantissa of 32 bits and an
-// exponent.
-class C_Log2Sum {
- public:
-  // nValue 1..2^32-1.
-  constexpr void Add(std::uint32_t nValue) noexcept {
-    m_qwMantissa *= nValue;
-    const int nDown = 32 - std::countl_zero(m_qwMantissa);
-    m_qwMantissa >>= nDown;
-    m_nExponent += nDown;
-  }
-  // 256 * log2 of the product, rounded down.
-  [[nodiscard]] constexpr std::int64_t Total() const noexcept {
-    return m_nExponent * 256 + Log2Q8(m_qwMantissa) - 31 * 256;
-  }
-
- private:
-  std::uint64_t m_qwMantissa = std::uint64_t{1} << 31;  // 2^31..2^32-1
-  std::int64_t m_nExponent = 0;
-};
-
 // 2^(n/4) in Q16, n = 0..3.
 inline constexpr std::int64_t kQuarterOctave[4] = {65536, 77936, 92682, 110218};
 

@@ -36,20 +36,27 @@ std::vector<S_Lap> MakeLaps(std::size_t nHalf) {
 void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
           std::span<std::int32_t> folded) noexcept {
   constexpr int kDown = kWindowQ - kCoefficientQ;
-  const std::size_t nEnd = part.nAt + part.nLength;
-  for (std::size_t i = 0; i < part.before.size(); ++i) {
+  const std::int16_t* const pBegin = samples.data() + part.nAt;
+  const std::int16_t* const pEnd = pBegin + part.nLength;
+  std::size_t nFirst = 0;
+  std::size_t nLast = 0;
+#if defined(__x86_64__)
+  if (vcm::UsableInstructions() == vcm::tagInstructions::kAvx2) {
+    nFirst = FoldAfterAvx2(pBegin, part.before, folded.data());
+    nLast = FoldBeforeAvx2(pEnd, part.after, folded.data() + part.nLength);
+  }
+#endif
+  for (std::size_t i = nFirst; i < part.before.size(); ++i) {
     const auto [nNear, nFar] = part.before[i];
-    const std::int64_t nSum = std::int64_t{samples[part.nAt + i]} * nNear +
-                              std::int64_t{samples[part.nAt - 1 - i]} * nFar;
+    const std::int64_t nSum = Product(pBegin[i], nNear) + Product(*(pBegin - 1 - i), nFar);
     folded[i] = static_cast<std::int32_t>(RoundShift(nSum, kDown));
   }
   for (std::size_t i = part.before.size(); i < part.nLength - part.after.size(); ++i) {
-    folded[i] = std::int32_t{samples[part.nAt + i]} * (1 << kCoefficientQ);
+    folded[i] = std::int32_t{pBegin[i]} * (1 << kCoefficientQ);
   }
-  for (std::size_t i = 0; i < part.after.size(); ++i) {
+  for (std::size_t i = nLast; i < part.after.size(); ++i) {
     const auto [nNear, nFar] = part.after[i];
-    const std::int64_t nDifference = std::int64_t{samples[nEnd - 1 - i]} * nNear -
-                                     std::int64_t{samples[nEnd + i]} * nFar;
+    const std::int64_t nDifference = Product(*(pEnd - 1 - i), nNear) - Product(pEnd[i], nFar);
     folded[part.nLength - 1 - i] = static_cast<std::int32_t>(RoundShift(nDifference, kDown));
   }
 }
@@ -74,7 +81,13 @@ void Unfold(std::span<std::int32_t> values, std::size_t nAt, std::span<const S_L
 void ToSamples(std::span<const std::int32_t> values, std::span<std::int16_t> samples) noexcept {
   constexpr std::int32_t kMost = std::numeric_limits<std::int16_t>::max();
   constexpr std::int32_t kLeast = std::numeric_limits<std::int16_t>::min();
-  for (std::size_t n = 0; n < samples.size(); ++n) {
+  std::size_t n = 0;
+#if defined(__x86_64__)
+  if (vcm::UsableInstructions() == vcm::tagInstructions::kAvx2) {
+    n = ToSamplesAvx2(values.first(samples.size()), samples.data());
+  }
+#endif
+  for (; n < samples.size(); ++n) {
     // Rounds in two steps, because adding a half first could leave 32 bits.
     const std::int32_t nSample = ((values[n] >> (kCoefficientQ - 1)) + 1) >> 1;
     samples[n] = static_cast<std::int16_t>(std::clamp(nSample, kLeast, kMost));

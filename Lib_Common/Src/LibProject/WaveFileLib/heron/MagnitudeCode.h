@@ -100,8 +100,14 @@ inline void WriteLevel(C_EntropyEncoder& encoder, const S_MagnitudeRows<S_Magnit
   const std::size_t nSymbol = std::min(nTop, kEscapeSymbol);
   encoder.WriteSymbol(rows[magnitudeClass.nTable][nQuantiser], nSymbol);
   if (nSymbol == kEscapeSymbol) WriteEscape(encoder, nTop - kEscapeSymbol + 1);
-  encoder.WriteRaw(nValue & ((1u << magnitudeClass.nShift) - 1), magnitudeClass.nShift);
-  if (nLevel != 0) encoder.WriteRaw(bNegative ? 1 : 0, 1);
+  // The sign follows the low bits.
+  const std::uint32_t nLow = nValue & ((1u << magnitudeClass.nShift) - 1);
+  const std::uint32_t nSign = (bNegative ? 1u : 0u) << magnitudeClass.nShift;
+  if (nLevel != 0) {
+    encoder.WriteRaw(nLow | nSign, magnitudeClass.nShift + 1);
+  } else if (magnitudeClass.nShift != 0) {
+    encoder.WriteRaw(0, magnitudeClass.nShift);
+  }
 }
 
 // Reads a level without its sign; the result is below 2^56. No encoder writes a level above

@@ -17,27 +17,20 @@ namespace {
 constexpr std::size_t kEdge = 2;
 
 // The share of a part in the averages of its bands, Q8, by its size: they halve in 80 ms.
-constexpr std::array<std::int64_t, kPartSizes> kShares = {11, 21, 41, 75};
+constexpr std::array<std::int32_t, kPartSizes> kShares = {11, 21, 41, 75};
 static_assert(kPartSizes == 4);
 
-// What a part does to the averages of the bands.
-struct S_BandChange {
-  std::int64_t nHalfStep;
-  std::int64_t nShare;  // Q8
-
-  // The part has 2^kSize coefficients in each band.
-  template <std::size_t kSize>
-  void Apply(std::span<const std::int32_t> magnitudes,
-             std::span<std::int32_t> bands) const noexcept {
-    const std::int32_t* pFrom = magnitudes.data();
-    for (std::int32_t& nBand : bands) {
-      std::int64_t nSum = 0;
-      for (std::size_t n = 0; n < std::size_t{1} << kSize; ++n) nSum += *pFrom++;
-      const std::int64_t nNew = nSum * nHalfStep >> kSize;
-      nBand += static_cast<std::int32_t>((nNew - nBand) * nShare >> 8);
-    }
+// The part has 2^kSize coefficients in each band.
+template <std::size_t kSize>
+void UpdateBandsFrom(const std::int32_t* pMagnitudes, std::int32_t nHalfStep, std::int32_t nShare,
+                     std::span<std::int32_t> bands) noexcept {
+  for (std::int32_t& nBand : bands) {
+    std::int32_t nSum = 0;
+    for (std::size_t n = 0; n < std::size_t{1} << kSize; ++n) nSum += *pMagnitudes++;
+    const std::int64_t nNew = std::int64_t{nSum} * nHalfStep >> kSize;
+    nBand += static_cast<std::int32_t>((nNew - nBand) * nShare >> 8);
   }
-};
+}
 
 // The means of 2^kShift values each.
 template <int kShift>
@@ -107,17 +100,27 @@ void C_PartsBefore::End(int nIndex, std::size_t nSize,
 
 void C_PartsBefore::UpdateBands(int nIndex, std::size_t nSize,
                                 std::span<const std::int32_t> magnitudes) noexcept {
-  const S_BandChange change{HalfStep(nIndex), m_bBandsKnown ? kShares[nSize] : 256};
+  const std::int32_t nHalfStep = HalfStep(nIndex);
+  const std::int32_t nShare = m_bBandsKnown ? kShares[nSize] : 256;
   m_bBandsKnown = true;
+  std::span<std::int32_t> bands = m_bands;
+  const std::int32_t* pFrom = magnitudes.data();
+#if defined(__x86_64__)
+  if (vcm::UsableInstructions() == vcm::tagInstructions::kAvx2) {
+    const std::size_t nDone = UpdateBandsAvx2(pFrom, nSize, nHalfStep, nShare, bands);
+    bands = bands.subspan(nDone);
+    pFrom += nDone << nSize;
+  }
+#endif
   switch (nSize) {
     case 0:
-      return change.Apply<0>(magnitudes, m_bands);
+      return UpdateBandsFrom<0>(pFrom, nHalfStep, nShare, bands);
     case 1:
-      return change.Apply<1>(magnitudes, m_bands);
+      return UpdateBandsFrom<1>(pFrom, nHalfStep, nShare, bands);
     case 2:
-      return change.Apply<2>(magnitudes, m_bands);
+      return UpdateBandsFrom<2>(pFrom, nHalfStep, nShare, bands);
     default:
-      return change.Apply<3>(magnitudes, m_bands);
+      return UpdateBandsFrom<3>(pFrom, nHalfStep, nShare, bands);
   }
 }
 

@@ -2,9 +2,8 @@
 #include "heron/PartChoice.h"
 
 #include <algorithm>
-#include <cstdlib>
 
-#include "heron/FixedPoint.h"
+#include "heron/Coefficients.h"
 #include "heron/Loudness.h"
 #include "heron/StepSize.h"
 
@@ -19,17 +18,6 @@ constexpr std::int64_t kPlainPrice = 40 * 256;
 
 // The loudness that a part is judged by is that of this many units around its middle.
 constexpr std::size_t kReferenceUnits = 12;
-
-// Adds log2(1 + value) of a value in half steps: an estimate of the bits of a coefficient.
-void AddBits(std::int64_t nScaled, C_Log2Sum& sum) noexcept {
-  constexpr std::int64_t kOne = std::int64_t{1} << kScaledQ;
-  constexpr std::int64_t kMost = std::int64_t{1} << 32;
-  sum.Add(static_cast<std::uint32_t>(std::min(nScaled + kOne, kMost - 1)));
-}
-// The sum of so many of them, in units of 1/256 bit.
-std::int64_t Bits(const C_Log2Sum& sum, std::size_t nCount) noexcept {
-  return sum.Total() - static_cast<std::int64_t>(nCount) * kScaledQ * 256;
-}
 
 // The prices of all parts that a block may have.
 class C_Prices {
@@ -81,22 +69,16 @@ class C_Prices {
     const std::span values(m_values.data(), nLength);
     Fold(m_block.samples, lapped, values);
     m_transforms.Dct(nSize).Transform(values);
-    const C_ToHalfSteps toHalfSteps(StepAt(nUnit, nSize));
-    C_Log2Sum sum;
-    for (const std::int32_t nValue : values) AddBits(toHalfSteps(std::abs(nValue)), sum);
-    return Bits(sum, values.size()) + kPartPrice;
+    return SumOfLogs(values, StepAt(nUnit, nSize)) + kPartPrice;
   }
 
-  [[nodiscard]] std::int64_t OfPlain(std::size_t nUnit) const {
-    const C_ToHalfSteps toHalfSteps(StepAt(nUnit, 0));
+  std::int64_t OfPlain(std::size_t nUnit) {
     const std::size_t nAt = nUnit * m_nUnitLength;
-    const auto samples =
-        m_block.samples.subspan(nAt, std::min(m_nUnitLength, m_block.nCount - nAt));
-    C_Log2Sum sum;
-    for (const int nSample : samples) {
-      AddBits(toHalfSteps(std::abs(nSample) << kCoefficientQ), sum);
+    const std::span values(m_values.data(), std::min(m_nUnitLength, m_block.nCount - nAt));
+    for (std::size_t k = 0; k < values.size(); ++k) {
+      values[k] = std::int32_t{m_block.samples[nAt + k]} * (1 << kCoefficientQ);
     }
-    return Bits(sum, samples.size()) + kPartPrice;
+    return SumOfLogs(values, StepAt(nUnit, 0)) + kPartPrice;
   }
 
   [[nodiscard]] int StepAt(std::size_t nUnit, std::size_t nSize) const {

@@ -43,27 +43,6 @@ constexpr auto kIndexCosts = [] {
   return costs;
 }();
 
-// Estimates the bits that the coefficients of a part take by one of the models: those that they
-// would take with quantiser 0 and no search. In units of 1/256 bit.
-template <typename T_Below>
-std::int64_t Estimate(std::span<const std::int32_t> coefficients, int nIndex,
-                      const C_PartsBefore& before) noexcept {
-  // Rounds to the nearest level, or to the lower one when the upper one is only a little closer.
-  constexpr std::int64_t kRound = 224;
-  const C_ToHalfSteps toHalfSteps(nIndex);
-  constexpr auto& kCosts = kMagnitudeCosts[ModelOf<T_Below>()];
-  T_Below below;
-  std::int64_t nBits = 0;
-  for (std::size_t k = 0; k < coefficients.size(); ++k) {
-    const auto nLevel = static_cast<std::int32_t>(
-        (toHalfSteps(std::abs(coefficients[k])) + kRound) >> (kScaledQ + 1));
-    const auto [nTable, nShift] = ClassOf(before.Expectation(k) + below.Expectation());
-    nBits += LevelCost(kCosts[nTable][0], nShift, nLevel);
-    below = below.Then(2 * nLevel);
-  }
-  return nBits;
-}
-
 }  // namespace
 
 int IndexCost(int nDifference) noexcept {
@@ -75,22 +54,16 @@ int IndexCost(int nDifference) noexcept {
 void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coefficients) {
   const std::span levels(m_levels.data(), coefficients.size());
   S_Part written = part;
-  m_state.Begin(written, levels.size());
-  if (part.kind != E_PartKind::kPlain) {
-    const auto nNear = Estimate<C_NearBelow>(coefficients, part.nIndex, m_state.Before());
-    written.kind = E_PartKind::kSteady;
+  if (part.kind == E_PartKind::kPlain) {
     m_state.Begin(written, levels.size());
-    if (nNear <= Estimate<C_SteadyBelow>(coefficients, part.nIndex, m_state.Before())) {
-      written.kind = E_PartKind::kNear;
-      m_state.Begin(written, levels.size());
-    }
+  } else {
+    m_state.BeginChosen(m_choice, written, coefficients);
   }
   m_trellis.Search(written.kind == E_PartKind::kSteady, coefficients, part.nIndex,
                    m_state.Before(), levels);
   if (std::ranges::all_of(levels, [](std::int32_t nLevel) { return nLevel == 0; })) {
     WriteKind(part.nSize, E_PartKind::kSilent);
     m_state.PassSilence();
-    AddCosts(coefficients, part.nIndex);
     return;
   }
   WriteKind(part.nSize, written.kind);
@@ -101,19 +74,6 @@ void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coeff
     WriteLevels<C_NearBelow>(coefficients);
   }
   m_state.End(written, levels);
-  AddCosts(coefficients, part.nIndex);
-}
-
-// m_levels holds the magnitudes.
-void C_PartWriter::AddCosts(std::span<const std::int32_t> coefficients,
-                                    int nIndex) noexcept {
-  const std::int32_t nHalfStep = HalfStep(nIndex);
-  for (std::size_t k = 0; k < coefficients.size(); ++k) {
-    // Q4, so that the sum of all squares in a block fits.
-    const auto nError = (std::abs(coefficients[k]) - std::int64_t{m_levels[k]} * nHalfStep) >> 4;
-    m_cost.qwError += static_cast<std::uint64_t>(nError * nError);
-    if (m_levels[k] != 0) ++m_cost.nNonZero;
-  }
 }
 
 void C_PartWriter::WriteKind(std::size_t nSize, E_PartKind kind) {

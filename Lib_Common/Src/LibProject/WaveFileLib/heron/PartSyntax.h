@@ -24,6 +24,7 @@
 
 #include "heron/Configuration.h"
 #include "heron/EntropyCoder.h"
+#include "heron/ModelChoice.h"
 #include "heron/Neighbourhood.h"
 #include "heron/Tables.h"
 #include "heron/Trellis.h"
@@ -55,8 +56,9 @@ class C_PartState {
   [[nodiscard]] bool HasStepIndex() const noexcept { return m_nIndex >= 0; }
   [[nodiscard]] const C_PartsBefore& Before() const noexcept { return m_before; }
 
-  // Before a part is quantised or read: its expectations. nLength is its number of coefficients. A plain part says nothing about the spectrum, so neither it nor the
-  // part after it sees the one before it.
+  // Before a part is quantised or read: its expectations. nLength is its number of coefficients. A
+  // plain part says nothing about the spectrum, so neither it nor the part after it sees the one
+  // before it.
   void Begin(const S_Part& part, std::size_t nLength) noexcept {
     if (part.kind == E_PartKind::kPlain) m_before.Forget();
     if (part.kind == E_PartKind::kSteady) {
@@ -64,6 +66,13 @@ class C_PartState {
     } else {
       m_before.BeginNear(part.nIndex, nLength);
     }
+  }
+  // The same, with the model that the writer chooses.
+  void BeginChosen(C_ModelChoice& choice, S_Part& part,
+                   std::span<const std::int32_t> coefficients) noexcept {
+    part.kind = choice.Begin(coefficients, part.nIndex, part.nSize, m_before)
+                    ? E_PartKind::kSteady
+                    : E_PartKind::kNear;
   }
   // After it: its magnitudes in half steps.
   void End(const S_Part& part, std::span<const std::int32_t> magnitudes) noexcept {
@@ -86,43 +95,29 @@ class C_PartState {
 // What coding this difference to the step index before takes, in units of 1/256 bit.
 int IndexCost(int nDifference) noexcept;
 
-// What writing takes, beside bytes.
-struct S_WriteCost {
-  std::uint64_t qwError = 0;  // the squared error of all coefficients, in units of 2^-8
-  std::size_t nNonZero = 0;   // coefficients that are not 0
-
-  S_WriteCost& operator+=(const S_WriteCost& other) noexcept {
-    qwError += other.qwError;
-    nNonZero += other.nNonZero;
-    return *this;
-  }
-};
-
 // Writes the parts of one block.
 class C_PartWriter {
  public:
   C_PartWriter(C_EntropyEncoder& encoder, std::size_t nUnitLength)
       : m_encoder(encoder), m_state(nUnitLength), m_levels(nUnitLength * kSectionUnits),
-        m_trellis(nUnitLength * kSectionUnits) {}
+        m_choice(nUnitLength * kSectionUnits), m_trellis(nUnitLength * kSectionUnits) {}
 
   // A node of the tree that is split.
   void WriteSplit(std::size_t nSize) { WriteKind(nSize, E_PartKind::kSplit); }
   // Quantises the coefficients (Q8) of a part with its step index and writes them. A part that is
   // not plain is written by the model that promises to cost less, and as silence when all of it becomes 0.
   void Write(const S_Part& part, std::span<const std::int32_t> coefficients);
-  [[nodiscard]] const S_WriteCost& Cost() const noexcept { return m_cost; }
 
  private:
-  void AddCosts(std::span<const std::int32_t> coefficients, int nIndex) noexcept;
   void WriteKind(std::size_t nSize, E_PartKind kind);
   void WriteIndex(int nIndex);
   template <typename T_Below>
   void WriteLevels(std::span<const std::int32_t> coefficients);
 
   C_EntropyEncoder& m_encoder;
-  S_WriteCost m_cost;
   C_PartState m_state;
   std::vector<std::int32_t> m_levels;  // once written: magnitudes in half steps
+  C_ModelChoice m_choice;
   C_Trellis m_trellis;
 };
 

@@ -2,10 +2,12 @@
 #include "heron/RateControl.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 #include <vector>
 
 #include "heron/Block.h"
+#include "heron/BlockDecoder.h"
 #include "heron/BlockEncoder.h"
 #include "heron/BlockGroup.h"
 #include "heron/Configuration.h"
@@ -136,35 +138,55 @@ class C_Search {
   bool m_bFits = false;
 };
 
+// The squared error of what a run decodes to.
+std::uint64_t ErrorOf(C_BlockDecoder& decoder, std::span<const std::uint8_t> run,
+                      std::span<const std::int16_t> samples) {
+  std::vector<std::int16_t> decoded(samples.size());
+  if (!decoder.Decode(run, decoded)) return std::numeric_limits<std::uint64_t>::max();
+  std::uint64_t qwError = 0;
+  for (std::size_t n = 0; n < samples.size(); ++n) {
+    const std::int64_t nError = decoded[n] - samples[n];
+    qwError += static_cast<std::uint64_t>(nError * nError);
+  }
+  return qwError;
+}
+
 C_Search Search(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start) {
   C_Search search(group, qwMost, start);
   while (!search.IsDone()) search.Learn(group.Encode(search.Next()));
   return search;
 }
 
-// The sizes of short sounds jump up and down from step to step, so a finer coarseness than the
-// search found may fit as well. Of all within an octave the one with the least error is taken.
-S_GroupRuns BestOfAll(C_BlockGroup& group, std::uint64_t qwMost, std::int64_t nFound) {
-  S_GroupRuns best = group.Encode(nFound);
-  for (std::int64_t n = nFound - group.StepsPerOctave(); n < nFound; ++n) {
-    S_GroupRuns runs = group.Encode(n);
-    if (runs.nBytes <= qwMost && runs.cost.qwError < best.cost.qwError) best = std::move(runs);
-  }
-  return best;
-}
-
 // Codes a group so that its runs fill qwMost bytes.
 S_GroupRuns EncodeGroup(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start) {
   C_Search search = Search(group, qwMost, start);
-  if (group.SectionCount() <= kFewSections) {
-    return BestOfAll(group, qwMost, search.BestCoarseness());
-  }
   if (search.IsWithin(kUnusedAtLast)) return search.TakeBest();
   const int nFound = group.ToOffset(search.BestCoarseness());
   group.UseWholeIndices();
   C_Search second = Search(group, qwMost, {nFound, start.nBytesPerOctave});
   const bool bBetter = second.SizeThatFits() > search.SizeThatFits();
   return bBetter ? second.TakeBest() : search.TakeBest();
+}
+
+// The same for a group that is one block of a few sections. The sizes of short sounds jump up and
+// down from step to step, so a finer coarseness than the search found may fit as well. Of all within
+// an octave the one with the least error is taken.
+S_GroupRuns EncodeFew(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start,
+                      std::span<const std::int16_t> samples, int nSampleRate) {
+  C_Search search = Search(group, qwMost, start);
+  const std::int64_t nFound = search.BestCoarseness();
+  C_BlockDecoder decoder(nSampleRate);
+  S_GroupRuns best = search.TakeBest();
+  std::uint64_t qwLeast = ErrorOf(decoder, best.runs.front(), samples);
+  for (std::int64_t n = nFound - group.StepsPerOctave(); n < nFound; ++n) {
+    S_GroupRuns runs = group.Encode(n);
+    if (runs.nBytes > qwMost) continue;
+    const std::uint64_t qwError = ErrorOf(decoder, runs.runs.front(), samples);
+    if (qwError >= qwLeast) continue;
+    qwLeast = qwError;
+    best = std::move(runs);
+  }
+  return best;
 }
 
 // nValue * nTimes / nBy for large numbers; the ratio is rounded to about 24 bits.
@@ -182,6 +204,7 @@ class C_SoundEncoder {
   C_SoundEncoder(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
                  const S_Write& fnWrite, const S_Progress& fnProgress)
       : m_samples(samples),
+        m_nSampleRate(nSampleRate),
         m_nLength(BlockLength(nSampleRate)),
         m_nBlocks((samples.size() + m_nLength - 1) / m_nLength),
         m_qwRoom(CodedRoom(samples.size(), nBitDepth)),
@@ -244,8 +267,10 @@ class C_SoundEncoder {
       Report(n + 1);
     }
     C_BlockGroup group(m_encoder, std::move(blocks));
-    const S_GroupRuns coded =
-        EncodeGroup(group, m_qwRoom, {nOffset, m_forecast.BytesPerOctave(nOffset)});
+    const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
+    const S_GroupRuns coded = group.SectionCount() <= kFewSections
+                                  ? EncodeFew(group, m_qwRoom, start, m_samples, m_nSampleRate)
+                                  : EncodeGroup(group, m_qwRoom, start);
     for (std::size_t n = nFirst; n < m_nBlocks; ++n) {
       if (!Put(n, coded.runs[n - nFirst])) return false;
     }
@@ -266,6 +291,7 @@ class C_SoundEncoder {
   }
 
   std::span<const std::int16_t> m_samples;
+  int m_nSampleRate;
   std::size_t m_nLength;  // of a block
   std::size_t m_nBlocks;
   std::uint64_t m_qwRoom;  // bytes that are left for runs

@@ -41,10 +41,14 @@ class C_ToHalfSteps {
   [[nodiscard]] constexpr std::int64_t operator()(std::int32_t nCoefficient) const noexcept {
     return nCoefficient * m_nInverse >> (kInverseQ - kScaledQ);
   }
-
- private:
+  // 1 / half step; 2^31 at most.
+  [[nodiscard]] constexpr std::uint32_t Inverse() const noexcept {
+    return static_cast<std::uint32_t>(m_nInverse);
+  }
   // 2^29 * 2^36 / 32 stays below 2^63.
   static constexpr int kInverseQ = 36;
+
+ private:
   std::int64_t m_nInverse;
 };
 
