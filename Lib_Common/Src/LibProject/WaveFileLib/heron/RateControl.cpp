@@ -268,13 +268,34 @@ class C_SoundEncoder {
     }
     C_BlockGroup group(m_encoder, std::move(blocks));
     const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
-    const S_GroupRuns coded = group.SectionCount() <= kFewSections
+    const S_GroupRuns coded = group.SectionCount() == 1 ? EncodeOneSection(start)
+                              : group.SectionCount() <= kFewSections
                                   ? EncodeFew(group, m_qwRoom, start, m_samples, m_nSampleRate)
                                   : EncodeGroup(group, m_qwRoom, start);
     for (std::size_t n = nFirst; n < m_nBlocks; ++n) {
       if (!Put(n, coded.runs[n - nFirst])) return false;
     }
     return true;
+  }
+
+  // So few samples can take much more or less than foreseen, and then the parts that were chosen do
+  // not suit the steps. So parts for much finer and for much coarser steps are tried as well.
+  S_GroupRuns EncodeOneSection(const S_Start& start) {
+    C_BlockDecoder decoder(m_nSampleRate);
+    S_GroupRuns best;
+    std::uint64_t qwLeast = 0;
+    for (const int nOctaves : {0, -4, 4}) {
+      const int nOffset = start.nOffset + nOctaves * C_BlockGroup::kOffsetsPerOctave;
+      std::vector<S_DividedBlock> block;
+      block.push_back(m_encoder.Divide(m_samples, nOffset));
+      C_BlockGroup group(m_encoder, std::move(block));
+      S_GroupRuns runs = EncodeFew(group, m_qwRoom, start, m_samples, m_nSampleRate);
+      const std::uint64_t qwError = ErrorOf(decoder, runs.runs.front(), m_samples);
+      if (!best.runs.empty() && (runs.nBytes > m_qwRoom || qwError >= qwLeast)) continue;
+      qwLeast = qwError;
+      best = std::move(runs);
+    }
+    return best;
   }
 
   bool Put(std::size_t nBlock, std::span<const std::uint8_t> run) {
