@@ -30,8 +30,13 @@ class C_HeronCodec : public C_VXAudioCodec {
   // Decodes a stream of dwEncDataLen bytes at the sample rate of piWavData. The sound gets a new
   // PCM buffer of 16 bits and one channel, with as many samples as were encoded. The events of the
   // stream are not read: they hold only the low bytes of the commands, from which no event can be
-  // made. False, with the sound unchanged, for a null argument, a sample rate outside the range
-  // above, and a stream that no encoder writes.
+  // made.
+  //
+  // The audio of more than about 4 s consists of blocks (heron/Decoder.h). A block that is missing
+  // or damaged becomes silence, and a stream that is cut ends with its last whole block. False,
+  // with the sound unchanged, for a null argument, a sample rate outside the range above, a wrong
+  // head, and a stream of which no block is right. Also false when the samples take 4 GiB or more,
+  // and when more blocks are missing than are there and the difference is more than 64 MiB of PCM.
   bool Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen, I_WavData* piWavData);
 
   // Encodes the sound, of any supported width and number of channels (MonoMix.h), with its events,

@@ -286,6 +286,26 @@ class C_SoundEncoder {
     }
   }
 
+  // So few samples can take much more or much less than foreseen, and then the parts that were
+  // chosen do not suit the steps. So parts for much finer and for much coarser steps are tried too.
+  S_TailRuns EncodeOneSection(const S_Start& start) {
+    C_BlockDecoder decoder(m_nSampleRate);
+    S_TailRuns best;
+    std::uint64_t qwLeast = 0;
+    for (const int nOctaves : {0, -4, 4}) {
+      std::vector<S_DividedBlock> blocks;
+      blocks.push_back(
+          m_encoder.Divide(m_samples, start.nOffset + nOctaves * C_Tail::kOffsetsPerOctave));
+      C_Tail tail(m_encoder, m_encoder.NewWriter(), 0, std::move(blocks));
+      S_TailRuns runs = EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate);
+      const std::uint64_t qwError = ErrorOf(decoder, runs.runs.front(), m_samples);
+      if (!best.runs.empty() && (runs.nBytes > m_qwRoom || qwError >= qwLeast)) continue;
+      qwLeast = qwError;
+      best = std::move(runs);
+    }
+    return best;
+  }
+
   // Codes from section nFirst of this block to the end of the sound.
   bool EncodeRest(std::size_t nBlock, std::size_t nFirst, S_DividedBlock first,
                   C_PartWriter writer) {
@@ -298,7 +318,8 @@ class C_SoundEncoder {
     }
     C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
     const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
-    const S_TailRuns coded = m_nSections <= kFewSections
+    const S_TailRuns coded = m_nSections == 1 ? EncodeOneSection(start)
+                             : m_nSections <= kFewSections
                                  ? EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate)
                                  : EncodeTail(tail, m_qwRoom, start);
     for (std::size_t n = nBlock; n < m_nBlocks; ++n) {
