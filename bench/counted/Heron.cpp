@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The Heron frame coder on recorded speech at 16 kHz, over and over again; a sample a unit.
+#include <array>
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <vector>
+
+#include "Subjects.h"
+#include "heron/Decoder.h"
+#include "heron/SoundCoder.h"
+
+namespace counted {
+namespace {
+
+constexpr int kSampleRate = 16000;
+constexpr std::size_t kSecond = kSampleRate;
+
+std::vector<std::int16_t> Speech(std::size_t nSeconds) {
+  std::ifstream file(VOXPLAY_SPEECH, std::ios::binary);
+  if (!file) throw std::runtime_error("no " VOXPLAY_SPEECH);
+  const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+  std::vector<std::int16_t> samples;
+  while (samples.size() < nSeconds * kSecond) {
+    const std::size_t i = 2 * samples.size() % bytes.size();
+    const auto wLow = static_cast<std::uint8_t>(bytes[i]);
+    const auto wHigh = static_cast<std::uint8_t>(bytes[i + 1]);
+    samples.push_back(static_cast<std::int16_t>(static_cast<std::uint16_t>(wHigh << 8 | wLow)));
+  }
+  return samples;
+}
+
+std::vector<std::uint8_t> Encoded(std::size_t nSeconds, int nBitDepth) {
+  std::vector<std::uint8_t> coded;
+  heron::EncodeSamples(Speech(nSeconds), kSampleRate, nBitDepth, &coded, {});
+  return coded;
+}
+
+template <int nBitDepth>
+void Encode(std::size_t nSeconds) {
+  Use(Encoded(nSeconds, nBitDepth).data());
+}
+
+// Encodes the sound first, however often it is decoded.
+constexpr std::size_t kDecodedSeconds = 8;
+template <int nBitDepth>
+void Decode(std::size_t nTimes) {
+  const auto coded = Encoded(kDecodedSeconds, nBitDepth);
+  std::vector<std::int16_t> samples(kDecodedSeconds * kSecond);
+  for (std::size_t n = 0; n < nTimes; ++n) {
+    heron::C_Decoder::Open(coded, kSampleRate)->DecodeAll(samples);
+    Use(samples.data());
+  }
+}
+
+constexpr std::array kSubjects = {
+    S_Subject{"heron-encode-2", "sample", kSecond, 8, 20, &Encode<2>},
+    S_Subject{"heron-encode-4", "sample", kSecond, 8, 20, &Encode<4>},
+    S_Subject{"heron-encode-6", "sample", kSecond, 8, 20, &Encode<6>},
+    S_Subject{"heron-decode-2", "sample", kDecodedSeconds* kSecond, 1, 4, &Decode<2>},
+    S_Subject{"heron-decode-4", "sample", kDecodedSeconds* kSecond, 1, 4, &Decode<4>},
+    S_Subject{"heron-decode-6", "sample", kDecodedSeconds* kSecond, 1, 4, &Decode<6>},
+};
+
+}  // namespace
+
+std::span<const S_Subject> HeronSubjects() { return kSubjects; }
+
+}  // namespace counted
