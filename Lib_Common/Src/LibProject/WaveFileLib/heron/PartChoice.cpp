@@ -12,9 +12,9 @@ namespace {
 
 // What a part takes beside its coefficients: its kind, its step index, and contexts that begin
 // again. In units of 1/256 bit; measured over whole sounds.
-constexpr std::int64_t kPartPrice = 8 * 256;
+constexpr std::int64_t kPartPrice = std::int64_t{8} * 256;
 // A plain part leaves its neighbours without an overlap. It has to be this much better.
-constexpr std::int64_t kPlainPrice = 40 * 256;
+constexpr std::int64_t kPlainPrice = std::int64_t{40} * 256;
 
 // The loudness that a part is judged by is that of this many units around its middle.
 constexpr std::size_t kReferenceUnits = 12;

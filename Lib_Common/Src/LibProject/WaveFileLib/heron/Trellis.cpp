@@ -48,8 +48,7 @@ class C_Prices {
   [[nodiscard]] std::uint32_t Of(std::uint32_t nLevel) const {
     const std::uint32_t nTop = nLevel >> m_class.nShift;
     const std::uint32_t nRaw = m_nShiftPrice + (nLevel != 0 ? kBitPrice : 0);
-    if (nTop < kEscapeSymbol) [[likely]]
-      return m_prices[nTop] + nRaw;
+    if (nTop < kEscapeSymbol) return m_prices[nTop] + nRaw;
     return m_prices[kEscapeSymbol] + nRaw +
            static_cast<std::uint32_t>(EscapeBits(nTop - kEscapeSymbol + 1)) * kBitPrice;
   }

@@ -108,8 +108,7 @@ VCM_LANES_INLINE S_Classes ClassesOf(V expectations) {
   const V top = _mm_srli_epi32(_mm_castps_si128(_mm_cvtepi32_ps(expectations)), 21);
   const V table = _mm_sub_epi32(top, _mm_set1_epi32(4 * (kFloatExponent + kLowestOctave)));
   const V high = _mm_srli_epi32(expectations, kHighestOctave);
-  if (IsZero(high)) [[likely]]
-    return {table, _mm_setzero_si128()};
+  if (IsZero(high)) return {table, _mm_setzero_si128()};
   if (!IsZero(_mm_srli_epi32(expectations, 24))) [[unlikely]] {
     // A float would round it.
     const S_Four four = Stored(expectations);
@@ -173,8 +172,7 @@ class C_PriceLanes {
   VCM_LANES_INLINE V Of(V level) const {
     const V symbol = _mm_srlv_epi32(level, m_shift);
     const V least = _mm_cmpgt_epi32(symbol, _mm_set1_epi32(kEscapeSymbol - 1));
-    if (!IsZero(least)) [[unlikely]]
-      return WithEscapes(level, symbol);
+    if (!IsZero(least)) return WithEscapes(level, symbol);
     const V price = _mm_i32gather_epi32(m_pPrices, _mm_add_epi32(m_row, symbol), 4);
     return _mm_add_epi32(_mm_add_epi32(price, ShiftPrice()), SignPrice(level));
   }
