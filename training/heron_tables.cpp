@@ -217,7 +217,8 @@ void PrintRow(const std::array<std::uint32_t, nSymbols>& row) {
 void PrintMagnitudes(const S_Statistics& statistics) {
   std::printf(
       "inline constexpr std::array<\n"
-      "    std::array<std::array<S_MagnitudeFrequencies, kMagnitudeTables>, kQuantisers>, kModels>\n"
+      "    std::array<std::array<S_MagnitudeFrequencies, kMagnitudeTables>, kQuantisers>, "
+      "kModels>\n"
       "    kMagnitudeFrequencies = {{\n");
   for (const auto& quantisers : statistics.magnitudes) {
     std::printf("{{");

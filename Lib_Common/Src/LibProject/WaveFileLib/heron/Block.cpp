@@ -29,9 +29,7 @@ constexpr std::size_t kCheckAt = 5;
 
 std::uint16_t Crc16(std::span<const std::uint8_t> bytes, std::uint16_t nBefore) noexcept {
   unsigned int nCrc = nBefore;
-  for (const std::uint8_t by : bytes) {
-    nCrc = (nCrc << 8 & 0xFFFF) ^ kCrcTable[nCrc >> 8 ^ by];
-  }
+  for (const std::uint8_t by : bytes) nCrc = (nCrc << 8 & 0xFFFF) ^ kCrcTable[nCrc >> 8 ^ by];
   return static_cast<std::uint16_t>(nCrc);
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "heron/EntropyCoder.h"
 #include "heron/Loudness.h"
 #include "heron/StepPath.h"
 
@@ -12,8 +11,8 @@ namespace {
 
 // Adds the parts of one node. splits has one number more than parts while parts are added: the
 // splits before the next part.
-void AddParts(const C_Division& division, std::size_t nNode, const S_Part& node,
-              std::size_t nUnits, S_DividedBlock& block) {
+void AddParts(const C_Division& division, std::size_t nNode, const S_Part& node, std::size_t nUnits,
+              S_DividedBlock& block) {
   if (node.nUnit >= nUnits) return;
   const bool bMarked = division.IsMarked(nNode);
   if (node.nSize == 0 || !bMarked) {
@@ -34,20 +33,21 @@ void AddParts(const C_Division& division, std::size_t nNode, const S_Part& node,
 C_BlockEncoder::C_BlockEncoder(int nSampleRate, int nBitDepth)
     : m_nUnitLength(UnitLength(nSampleRate)),
       m_nSlope(SlopeOf(nBitDepth)),
-      m_transforms(m_nUnitLength) {}
+      m_transforms(m_nUnitLength),
+      m_tools(m_nUnitLength * kSectionUnits) {}
 
 S_DividedBlock C_BlockEncoder::Divide(std::span<const std::int16_t> samples, int nOffset) {
   const std::size_t nLength = m_nUnitLength * kSectionUnits;
   const std::size_t nSections = (samples.size() + nLength - 1) / nLength;
   m_padded.assign(nSections * nLength, 0);
   std::ranges::copy(samples, m_padded.begin());
-  const auto divisions =
-      ChooseParts({m_padded, samples.size(), m_nSlope, nOffset}, m_transforms);
+  const auto divisions = ChooseParts({m_padded, samples.size(), m_nSlope, nOffset}, m_transforms);
   S_DividedBlock block;
   block.nCount = samples.size();
   const std::size_t nUnits = (samples.size() + m_nUnitLength - 1) / m_nUnitLength;
   block.splits.push_back(0);
   for (std::size_t n = 0; n < nSections; ++n) {
+    block.firstParts.push_back(block.parts.size());
     AddParts(divisions[n], 1, {n * kSectionUnits, kPartSizes - 1}, nUnits, block);
   }
   block.splits.pop_back();
@@ -70,32 +70,31 @@ void C_BlockEncoder::Transform(S_DividedBlock& block) {
   }
 }
 
-void C_BlockEncoder::Encode(const S_DividedBlock& block, const S_Coarseness& coarseness,
-                            std::vector<std::uint8_t>& run) {
-  const auto& parts = block.parts;
+void C_BlockEncoder::Write(const S_DividedBlock& block, const S_Sections& sections,
+                           C_PartWriter& writer) {
+  const std::size_t nFirst = block.firstParts[sections.nFirst];
+  const std::size_t nEnd =
+      sections.nEnd < block.SectionCount() ? block.firstParts[sections.nEnd] : block.parts.size();
   std::vector<S_StepWish> wishes;
-  for (std::size_t n = 0; n < parts.size(); ++n) {
-    const bool bCoarser = parts[n].nUnit / kSectionUnits >= coarseness.nCoarserFrom;
-    const int nOffset = bCoarser ? coarseness.nCoarser : coarseness.nOffset;
+  for (std::size_t n = nFirst; n < nEnd; ++n) {
+    const S_Part& part = block.parts[n];
+    const bool bCoarser = part.nUnit / kSectionUnits >= sections.nCoarserFrom;
+    const int nOffset = bCoarser ? sections.nCoarser : sections.nOffset;
     wishes.push_back(
-        {WantedStep(block.loudness[n], m_nSlope, nOffset), parts[n].Units() * m_nUnitLength});
+        {WantedStep(block.loudness[n], m_nSlope, nOffset), part.Units() * m_nUnitLength});
   }
-  const std::vector<int> steps = ChooseSteps(wishes);
-  run.clear();
-  C_EntropyEncoder encoder(run);
-  C_PartWriter writer(encoder, m_nUnitLength);
-  for (std::size_t n = 0; n < parts.size(); ++n) {
-    S_Part part = parts[n];
-    part.nIndex = steps[n];
+  const std::vector<int> steps = ChooseSteps(wishes, writer.StepIndex());
+  for (std::size_t n = nFirst; n < nEnd; ++n) {
+    S_Part part = block.parts[n];
+    part.nIndex = steps[n - nFirst];
     const std::size_t nAt = part.nUnit * m_nUnitLength;
     std::size_t nLength = part.Units() * m_nUnitLength;
     for (std::size_t nSplit = block.splits[n]; nSplit > 0; --nSplit) {
       writer.WriteSplit(part.nSize + nSplit);
     }
     if (part.kind == E_PartKind::kPlain) nLength = std::min(nLength, block.nCount - nAt);
-    writer.Write(part, {block.values.data() + nAt, nLength});
+    writer.Write(part, {block.values.data() + nAt, nLength}, m_tools);
   }
-  encoder.Finish();
 }
 
 }  // namespace heron

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Encodes one block.
+// Divides blocks into parts and encodes them, section by section.
 #pragma once
 
 #include <cstddef>
@@ -14,9 +14,11 @@
 
 namespace heron {
 
-// How coarse the steps are: an offset in 256ths of a step index, higher is coarser. The sections from
-// nCoarserFrom on have nCoarser.
-struct S_Coarseness {
+// Some sections of a block, and how coarse their steps are: an offset in 256ths of a step index,
+// higher is coarser. The sections from nCoarserFrom on have nCoarser.
+struct S_Sections {
+  std::size_t nFirst;
+  std::size_t nEnd;
   int nOffset;
   int nCoarser;
   std::size_t nCoarserFrom;
@@ -30,10 +32,9 @@ struct S_DividedBlock {
   std::vector<int> loudness;  // by part
   // Before each part: how many nodes are split there.
   std::vector<std::uint8_t> splits;
+  std::vector<std::size_t> firstParts;  // by section
 
-  [[nodiscard]] std::size_t SectionCount() const noexcept {
-    return parts.back().nUnit / kSectionUnits + 1;
-  }
+  [[nodiscard]] std::size_t SectionCount() const noexcept { return firstParts.size(); }
 };
 
 class C_BlockEncoder {
@@ -44,9 +45,10 @@ class C_BlockEncoder {
   // Divides a block of 1..BlockLength samples. nOffset is about the one that it will be coded with.
   S_DividedBlock Divide(std::span<const std::int16_t> samples, int nOffset);
 
-  // Sets run to the run of the block.
-  void Encode(const S_DividedBlock& block, const S_Coarseness& coarseness,
-              std::vector<std::uint8_t>& run);
+  // A writer for a block of which nothing is written yet.
+  [[nodiscard]] C_PartWriter NewWriter() const { return C_PartWriter(m_nUnitLength); }
+  // Writes the next sections of a block.
+  void Write(const S_DividedBlock& block, const S_Sections& sections, C_PartWriter& writer);
 
  private:
   void Transform(S_DividedBlock& block);
@@ -54,6 +56,7 @@ class C_BlockEncoder {
   std::size_t m_nUnitLength;
   int m_nSlope;
   C_Transforms m_transforms;
+  S_WriterTools m_tools;
   std::vector<std::int16_t> m_padded;  // the block, with silence up to the end of its last section
 };
 

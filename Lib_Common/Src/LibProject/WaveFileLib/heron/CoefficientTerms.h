@@ -35,8 +35,7 @@ inline constexpr std::uint32_t kRoundUp = 224;
 
 constexpr std::int32_t RoundedLevel(std::uint32_t nMagnitude, std::uint32_t nInverse) noexcept {
   const std::uint64_t qwScaled = std::uint64_t{nMagnitude} * nInverse >> kScaledDown;
-  const auto nLimited =
-      static_cast<std::uint32_t>(std::min<std::uint64_t>(qwScaled, kMostRounded));
+  const auto nLimited = static_cast<std::uint32_t>(std::min<std::uint64_t>(qwScaled, kMostRounded));
   return static_cast<std::int32_t>((nLimited + kRoundUp) >> (kScaledQ + 1));
 }
 

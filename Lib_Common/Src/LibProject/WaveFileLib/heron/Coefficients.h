@@ -18,8 +18,8 @@ std::uint64_t SumOfSquares(std::span<const std::int32_t> coefficients) noexcept;
 // is taken as straight within each octave, and the quotient is rounded down to 16ths.
 std::int64_t SumOfLogs(std::span<const std::int32_t> coefficients, int nIndex) noexcept;
 
-// Rounds |c| to levels of quantiser 0: to the nearest one, or to the lower one when the upper one is
-// only a little closer.
+// Rounds |c| to levels of quantiser 0: to the nearest one, or to the lower one when the upper one
+// is only a little closer.
 void RoundToLevels(std::span<const std::int32_t> coefficients, int nIndex,
                    std::span<std::int32_t> levels) noexcept;
 

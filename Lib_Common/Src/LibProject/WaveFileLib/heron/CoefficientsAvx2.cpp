@@ -13,9 +13,7 @@ namespace {
 
 using R = __m256i;
 
-VCM_LANES_INLINE R Load(const void* p) {
-  return _mm256_loadu_si256(static_cast<const R*>(p));
-}
+VCM_LANES_INLINE R Load(const void* p) { return _mm256_loadu_si256(static_cast<const R*>(p)); }
 VCM_LANES_INLINE R Fill(std::uint32_t n) { return _mm256_set1_epi32(static_cast<int>(n)); }
 VCM_LANES_INLINE R Odd(R a) { return _mm256_srli_epi64(a, 32); }
 VCM_LANES_INLINE std::uint64_t Total64(R a) {
@@ -33,8 +31,7 @@ template <int nDown>
 VCM_LANES_INLINE R Scaled(R values, R factor) {
   const R even = _mm256_srli_epi64(_mm256_mul_epu32(values, factor), nDown);
   const R odd = _mm256_mul_epu32(Odd(values), factor);
-  const R high =
-      nDown < 32 ? _mm256_slli_epi64(odd, 32 - nDown) : _mm256_slli_epi64(Odd(odd), 32);
+  const R high = nDown < 32 ? _mm256_slli_epi64(odd, 32 - nDown) : _mm256_slli_epi64(Odd(odd), 32);
   return _mm256_blend_epi32(even, high, 0xAA);
 }
 
@@ -90,8 +87,8 @@ std::uint64_t PriceOfLevelsAvx2(std::span<const std::int32_t> levels, const std:
   const R last = Fill(kMagnitudeTables - 4);
   R sum = zero;
   for (std::size_t k = 0; k + kCoefficientsAtOnce <= levels.size(); k += kCoefficientsAtOnce) {
-    const R expectation = _mm256_min_epu32(
-        _mm256_add_epi32(Load(pBefore + k), Load(pBelow + k)), Fill(kMostExpected));
+    const R expectation = _mm256_min_epu32(_mm256_add_epi32(Load(pBefore + k), Load(pBelow + k)),
+                                           Fill(kMostExpected));
     // As a float, an expectation has its octave and the two bits after its first bit on top.
     const R top = _mm256_srli_epi32(_mm256_castps_si256(_mm256_cvtepi32_ps(expectation)), 21);
     const R quarter = _mm256_sub_epi32(top, Fill(4 * (127 + kLowestOctave)));

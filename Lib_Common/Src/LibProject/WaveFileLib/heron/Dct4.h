@@ -10,8 +10,8 @@
 //
 // Samples on their way and coefficients are both Q8. Folded samples (Lapping.h) of 16 bits have a
 // modulus below 2^15.5 each, so the root of the sum of all squares of a part stays below
-// 2^15.5 * sqrt(1920) * 2^8 < 2^29. No value on the way is larger than that root, so it fits 32 bits.
-// Values that are made up may wrap around (Complex.h).
+// 2^15.5 * sqrt(1920) * 2^8 < 2^29. No value on the way is larger than that root, so it fits 32
+// bits. Values that are made up may wrap around (Complex.h).
 #pragma once
 
 #include <cstddef>

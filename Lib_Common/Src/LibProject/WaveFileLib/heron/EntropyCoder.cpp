@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "heron/EntropyCoder.h"
 
+#include <utility>
+
 namespace heron {
 namespace {
 
@@ -27,7 +29,7 @@ void C_EntropyEncoder::PutRaw() {
   m_nRawBits -= 32;
 }
 
-void C_EntropyEncoder::Finish() {
+std::vector<std::uint8_t> C_EntropyEncoder::Finish() {
   const auto [qwUp, nBytes] = Ending(m_qwLow, m_qwRange);
   m_qwLow += qwUp;
   if (m_qwLow < qwUp) Carry();
@@ -36,11 +38,12 @@ void C_EntropyEncoder::Finish() {
     m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
   }
   m_bytes.insert(m_bytes.end(), m_raw.rbegin(), m_raw.rend());
+  return std::move(m_bytes);
 }
 
 // The sequence as a whole stays below 1, so there is always a byte that can take the carry.
 void C_EntropyEncoder::Carry() noexcept {
-  for (std::size_t n = m_bytes.size(); n > m_nFirst && ++m_bytes[n - 1] == 0; --n) continue;
+  for (std::size_t n = m_bytes.size(); n > 0 && ++m_bytes[n - 1] == 0; --n) continue;
 }
 
 void C_EntropyEncoder::PutTop(int nBytes) {

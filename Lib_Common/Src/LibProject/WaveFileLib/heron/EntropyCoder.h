@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -58,12 +59,9 @@ constexpr bool IsWhole(const S_Cumulative<nSymbols>& cumulative) noexcept {
   return nBelow == kFrequencyTotal;
 }
 
+// A copy goes on from where the original was.
 class C_EntropyEncoder {
  public:
-  // Appends to bytes, which must outlive the object.
-  explicit C_EntropyEncoder(std::vector<std::uint8_t>& bytes) noexcept
-      : m_bytes(bytes), m_nFirst(bytes.size()) {}
-
   // nSymbol must be a symbol of the table with a frequency of at least 1.
   template <std::size_t nSymbols>
   void WriteSymbol(const S_Cumulative<nSymbols>& cumulative, std::size_t nSymbol) {
@@ -76,8 +74,13 @@ class C_EntropyEncoder {
     m_nRawBits += nBits;
     if (m_nRawBits >= 32) PutRaw();
   }
-  // Ends both sequences. Nothing may be written after this.
-  void Finish();
+  // Ends both sequences and returns the run. Nothing may be written after this.
+  std::vector<std::uint8_t> Finish();
+  // The bits that were written so far, roughly.
+  [[nodiscard]] std::uint64_t Bits() const noexcept {
+    return (m_bytes.size() + m_raw.size()) * 8 + static_cast<std::uint64_t>(m_nRawBits) +
+           static_cast<std::uint64_t>(std::countl_zero(m_qwRange));
+  }
 
  private:
   void WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {
@@ -85,7 +88,8 @@ class C_EntropyEncoder {
     const std::uint64_t qwUp = qwUnit * nBelow;
     m_qwRange = qwUnit * nFrequency;
     m_qwLow += qwUp;
-    if (m_qwLow < qwUp) [[unlikely]] Carry();
+    if (m_qwLow < qwUp) [[unlikely]]
+      Carry();
     if (m_qwRange >> 32 != 0) return;
     PutTop(4);
     m_qwLow <<= 32;
@@ -95,8 +99,7 @@ class C_EntropyEncoder {
   void PutRaw();
   void PutTop(int nBytes);
 
-  std::vector<std::uint8_t>& m_bytes;
-  std::size_t m_nFirst;  // the first byte of the symbols
+  std::vector<std::uint8_t> m_bytes;  // of the symbols
   std::uint64_t m_qwLow = 0;
   std::uint64_t m_qwRange = ~std::uint64_t{0};
   std::vector<std::uint8_t> m_raw;
@@ -116,7 +119,8 @@ class C_EntropyDecoder {
   std::size_t ReadSymbol(const S_Cumulative<nSymbols>& cumulative) noexcept {
     const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
     // Search from the first symbol on, because small symbols are the most likely. The range is a
-    // little wider than its symbols, so damaged bytes may point past the last one, which then counts.
+    // little wider than its symbols, so damaged bytes may point past the last one, which then
+    // counts.
     std::size_t nSymbol = 0;
     std::uint64_t qwBelow = 0;
     std::uint64_t qwUpTo = qwUnit * cumulative[0];

@@ -26,17 +26,27 @@ constexpr int BiasOf(int nSampleRate, int nBitDepth) noexcept {
          std::min(nSampleRate, 16000) / 50;
 }
 
-constexpr std::size_t kFewSections = 50;
+constexpr std::size_t kManySections = 10;
 
 // log2(1 + h^2) / 2 in units of 1/256 bit, for a coefficient of h half steps, h = 2^(nSize/8).
-constexpr std::int64_t BitsOf(int nSize) noexcept {
-  if (nSize <= -8 * kPerOctave) return 0;
-  if (nSize >= 15 * kPerOctave) return std::int64_t{nSize} * 256 / kPerOctave;
+constexpr int kLeastSize = -8 * kPerOctave;
+constexpr int kMostSize = 15 * kPerOctave;
+constexpr auto kBits = [] {
   constexpr int kOneQ = 32;
-  // h^2 = 2^(nSize/4)
-  const std::uint64_t qwSquare = static_cast<std::uint64_t>(kQuarterOctave[nSize & 3])
-                                 << (kOneQ - 16 + (nSize >> 2));
-  return (Log2Q8((std::uint64_t{1} << kOneQ) + qwSquare) - kOneQ * 256) / 2;
+  std::array<std::int32_t, kMostSize - kLeastSize> bits{};
+  for (int nSize = kLeastSize; nSize < kMostSize; ++nSize) {
+    // h^2 = 2^(nSize/4)
+    const std::uint64_t qwSquare = static_cast<std::uint64_t>(kQuarterOctave[nSize & 3])
+                                   << (kOneQ - 16 + (nSize >> 2));
+    bits[static_cast<std::size_t>(nSize - kLeastSize)] =
+        (Log2Q8((std::uint64_t{1} << kOneQ) + qwSquare) - kOneQ * 256) / 2;
+  }
+  return bits;
+}();
+constexpr std::int32_t BitsOf(int nSize) noexcept {
+  if (nSize < kLeastSize) return 0;
+  if (nSize >= kMostSize) return nSize * 256 / kPerOctave;
+  return kBits[static_cast<std::size_t>(nSize - kLeastSize)];
 }
 
 // Eighths of an octave of a number of at least 1, taken as straight within each octave.
@@ -60,8 +70,8 @@ void C_Forecast::Count(std::span<const std::int16_t> block, std::uint32_t nTimes
   const std::size_t nSections = (block.size() + m_nLength - 1) / m_nLength;
   m_padded.assign(nSections * m_nLength, 0);
   std::ranges::copy(block, m_padded.begin());
-  // Of many sections, every second one says enough.
-  const std::uint32_t nEvery = nSections > kFewSections ? 2 : 1;
+  // In a long portion, every second section says enough.
+  const std::uint32_t nEvery = nSections >= kManySections ? 2 : 1;
   for (std::size_t nAt = 0; nAt < m_padded.size(); nAt += nEvery * m_nLength) {
     S_Lapped lapped{nAt, m_nLength, m_laps, m_laps};
     if (nAt == 0) lapped.before = {};
@@ -87,10 +97,10 @@ std::uint64_t C_Forecast::BitsAt(int nOffset) const noexcept {
   for (int n = 0; n < kSizes; ++n) {
     const std::int64_t nUpper = BitsOf(n + 1 - nDown);
     const std::int64_t nEach = nLower * (kOffsetsPerSize - nRest) + nUpper * nRest;
-    nBits += nEach * m_counts[static_cast<std::size_t>(n)] / kOffsetsPerSize;
+    nBits += nEach * m_counts[static_cast<std::size_t>(n)];
     nLower = nUpper;
   }
-  return static_cast<std::uint64_t>(nBits) / 256;
+  return static_cast<std::uint64_t>(nBits) / (256 * kOffsetsPerSize);
 }
 
 int C_Forecast::OffsetFor(std::uint64_t qwBits) const noexcept {

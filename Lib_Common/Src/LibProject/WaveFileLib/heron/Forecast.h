@@ -48,8 +48,8 @@ class C_Forecast {
   std::vector<S_Lap> m_laps;
   std::vector<std::int16_t> m_padded;
   std::vector<std::int32_t> m_values;
-  // The number of coefficients of each size: kSizeOf0 + n is n eighths of an octave above the step of
-  // offset 0.
+  // The number of coefficients of each size: kSizeOf0 + n is n eighths of an octave above the step
+  // of offset 0.
   static constexpr int kSizes = 320;
   static constexpr int kSizeOf0 = 104;
   std::array<std::uint32_t, kSizes> m_counts{};

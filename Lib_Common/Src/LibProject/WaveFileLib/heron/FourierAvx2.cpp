@@ -199,7 +199,8 @@ void RunFirst4(const S_FourierPass& pass) {
   const S_Rotation* const pRotations = pass.rotations.data();
   for (std::size_t j = 0; j < pass.nLeft; j += kAtOnce) {
     R results[4];
-    radix(pass.pIn + j, pass.nLeft, [&](std::size_t k, R value) VCM_LANES_INLINE_LAMBDA { results[k] = value; });
+    radix(pass.pIn + j, pass.nLeft,
+          [&](std::size_t k, R value) VCM_LANES_INLINE_LAMBDA { results[k] = value; });
     results[1] = Rotate(results[1], Load(pRotations + j));
     results[2] = Rotate(results[2], Stepped(pRotations, 2, j));
     results[3] = Rotate(results[3], Stepped(pRotations, 3, j));
@@ -252,14 +253,13 @@ bool RotateIntoPointsAvx2(std::span<const std::int32_t> values,
     const R re = Load(pFront);
     const R im = Reversed(Odd(Load(pBack)));
     const R rotation = Load(&rotations[n]);
-    Store(&points[n], Joined(RoundedEven(TurnedRe(re, im, rotation)),
-                             RoundedOdd(TurnedIm(re, im, rotation))));
+    Store(&points[n],
+          Joined(RoundedEven(TurnedRe(re, im, rotation)), RoundedOdd(TurnedIm(re, im, rotation))));
   }
   return true;
 }
 
-bool RotateFromPointsAvx2(std::span<const S_Complex> points,
-                          std::span<const S_Rotation> rotations,
+bool RotateFromPointsAvx2(std::span<const S_Complex> points, std::span<const S_Rotation> rotations,
                           std::span<std::int32_t> values) noexcept {
   if (points.size() % kAtOnce != 0) return false;
   std::int32_t* pTo = values.data();

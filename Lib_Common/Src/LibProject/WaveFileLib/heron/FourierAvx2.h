@@ -19,8 +19,7 @@ bool RotateIntoPointsAvx2(std::span<const std::int32_t> values,
                           std::span<const S_Rotation> rotations,
                           std::span<S_Complex> points) noexcept;
 // The parts of points[n], turned by rotations[n], are values[2n] and -values[N-1-2n].
-bool RotateFromPointsAvx2(std::span<const S_Complex> points,
-                          std::span<const S_Rotation> rotations,
+bool RotateFromPointsAvx2(std::span<const S_Complex> points, std::span<const S_Rotation> rotations,
                           std::span<std::int32_t> values) noexcept;
 
 }  // namespace heron

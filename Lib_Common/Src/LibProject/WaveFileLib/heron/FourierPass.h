@@ -5,8 +5,9 @@
 //
 // Earlier passes have combined the points into groups of nDone. A pass combines nRadix such groups
 // into one, which leaves nLeft groups. Butterfly (j, q), j below nLeft and q below nDone, reads
-// nRadix values that are nLeft * nDone apart, from j * nDone + q on. It writes the transform of these
-// values nDone apart, from nRadix * j * nDone + q on, result k turned by rotation k * j * nDone.
+// nRadix values that are nLeft * nDone apart, from j * nDone + q on. It writes the transform of
+// these values nDone apart, from nRadix * j * nDone + q on, result k turned by rotation k * j *
+// nDone.
 #pragma once
 
 #include <cstddef>

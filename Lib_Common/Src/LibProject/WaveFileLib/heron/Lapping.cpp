@@ -27,9 +27,13 @@ std::int32_t PowerSine(std::int64_t n, std::int64_t nLength) noexcept {
 
 std::vector<S_Lap> MakeLaps(std::size_t nHalf) {
   const auto nLength = static_cast<std::int64_t>(2 * nHalf);
-  const auto window = [&](std::size_t n) { return PowerSine(static_cast<std::int64_t>(n), nLength); };
+  const auto window = [&](std::size_t n) {
+    return PowerSine(static_cast<std::int64_t>(n), nLength);
+  };
   std::vector<S_Lap> laps;
-  for (std::size_t i = 0; i < nHalf; ++i) laps.push_back({window(nHalf + i), window(nHalf - 1 - i)});
+  for (std::size_t i = 0; i < nHalf; ++i) {
+    laps.push_back({window(nHalf + i), window(nHalf - 1 - i)});
+  }
   return laps;
 }
 

@@ -48,7 +48,8 @@ void Fold(std::span<const std::int16_t> samples, const S_Lapped& part,
 // laps.size() values on either side.
 void Unfold(std::span<std::int32_t> values, std::size_t nAt, std::span<const S_Lap> laps) noexcept;
 
-// Rounds unfolded values (Q8) to samples: to the nearest integer, halves upwards, limited to 16 bits.
+// Rounds unfolded values (Q8) to samples: to the nearest integer, halves upwards, limited to 16
+// bits.
 void ToSamples(std::span<const std::int32_t> values, std::span<std::int16_t> samples) noexcept;
 
 }  // namespace heron

@@ -66,8 +66,7 @@ std::size_t FoldAfterAvx2(const std::int16_t* pBoundary, std::span<const S_Lap> 
   for (; n + kAtOnce <= laps.size(); n += kAtOnce) {
     const R lap = LoadLaps(&laps[n]);
     const R after = _mm256_cvtepi16_epi64(LoadSamples(pBoundary + n));
-    const R before =
-        _mm256_cvtepi16_epi64(ReversedSamples(LoadSamples(pBoundary - n - kAtOnce)));
+    const R before = _mm256_cvtepi16_epi64(ReversedSamples(LoadSamples(pBoundary - n - kAtOnce)));
     const R folded =
         _mm256_add_epi64(_mm256_mul_epi32(after, lap), _mm256_mul_epi32(before, Far(lap)));
     Store4(pFolded + n, Rounded<kFoldDown>(folded));
@@ -81,8 +80,7 @@ std::size_t FoldBeforeAvx2(const std::int16_t* pBoundary, std::span<const S_Lap>
   for (; n + kAtOnce <= laps.size(); n += kAtOnce) {
     const R lap = LoadLaps(&laps[n]);
     const R after = _mm256_cvtepi16_epi64(LoadSamples(pBoundary + n));
-    const R before =
-        _mm256_cvtepi16_epi64(ReversedSamples(LoadSamples(pBoundary - n - kAtOnce)));
+    const R before = _mm256_cvtepi16_epi64(ReversedSamples(LoadSamples(pBoundary - n - kAtOnce)));
     const R folded =
         _mm256_sub_epi64(_mm256_mul_epi32(before, lap), _mm256_mul_epi32(after, Far(lap)));
     Store4(pFoldedEnd - n - kAtOnce, Reversed(Rounded<kFoldDown>(folded)));
@@ -95,8 +93,8 @@ std::size_t ToSamplesAvx2(std::span<const std::int32_t> values, std::int16_t* pS
   const R one = _mm256_set1_epi32(1);
   const auto rounded = [&](const std::int32_t* p) VCM_LANES_INLINE_LAMBDA {
     const R loaded = _mm256_loadu_si256(static_cast<const R*>(static_cast<const void*>(p)));
-    return _mm256_srai_epi32(
-        _mm256_add_epi32(_mm256_srai_epi32(loaded, kCoefficientQ - 1), one), 1);
+    return _mm256_srai_epi32(_mm256_add_epi32(_mm256_srai_epi32(loaded, kCoefficientQ - 1), one),
+                             1);
   };
   std::size_t n = 0;
   for (; n + kSamplesAtOnce <= values.size(); n += kSamplesAtOnce) {

@@ -15,8 +15,8 @@ namespace heron {
 // number.
 std::size_t UnfoldAvx2(std::int32_t* pBoundary, std::span<const S_Lap> laps) noexcept;
 
-// Folds as many samples after a boundary, from it outwards, as four divide, and returns their number:
-// pFolded[i] from pBoundary[i] and pBoundary[-1 - i].
+// Folds as many samples after a boundary, from it outwards, as four divide, and returns their
+// number: pFolded[i] from pBoundary[i] and pBoundary[-1 - i].
 std::size_t FoldAfterAvx2(const std::int16_t* pBoundary, std::span<const S_Lap> laps,
                           std::int32_t* pFolded) noexcept;
 // The same before a boundary: pFoldedEnd[-1 - i] from pBoundary[-1 - i] and pBoundary[i].

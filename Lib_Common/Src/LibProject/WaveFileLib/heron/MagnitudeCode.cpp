@@ -19,9 +19,7 @@ constexpr auto ForEachTable(Convert convert) {
 
 constexpr S_MagnitudeCosts CostsOf(const S_MagnitudeFrequencies& frequencies) {
   S_MagnitudeCosts costs{};
-  for (std::size_t n = 0; n < kMagnitudeSymbols; ++n) {
-    costs[n] = SymbolCost(frequencies[n]);
-  }
+  for (std::size_t n = 0; n < kMagnitudeSymbols; ++n) costs[n] = SymbolCost(frequencies[n]);
   return costs;
 }
 

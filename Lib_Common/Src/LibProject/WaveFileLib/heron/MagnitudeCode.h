@@ -92,9 +92,10 @@ constexpr int EscapeBits(std::uint32_t nExcess) noexcept {
   return 2 * (31 - std::countl_zero(nExcess)) + 1;
 }
 
-inline void WriteLevel(C_EntropyEncoder& encoder, const S_MagnitudeRows<S_MagnitudeCumulative>& rows,
-                std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass,
-                std::int32_t nLevel, bool bNegative) {
+inline void WriteLevel(C_EntropyEncoder& encoder,
+                       const S_MagnitudeRows<S_MagnitudeCumulative>& rows, std::size_t nQuantiser,
+                       const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel,
+                       bool bNegative) {
   const auto nValue = static_cast<std::uint32_t>(nLevel);
   const std::uint32_t nTop = nValue >> magnitudeClass.nShift;
   const std::size_t nSymbol = std::min(nTop, kEscapeSymbol);

@@ -29,15 +29,15 @@ void ExpectSteadyBelow(std::span<const std::int32_t> levels, std::uint32_t* pBel
 
 C_ModelChoice::C_ModelChoice(std::size_t nLength) : m_levels(nLength + kEdge), m_below(nLength) {}
 
-bool C_ModelChoice::Begin(std::span<const std::int32_t> coefficients, int nIndex,
-                          std::size_t nSize, C_PartsBefore& before) noexcept {
+bool C_ModelChoice::Begin(std::span<const std::int32_t> coefficients, int nIndex, std::size_t nSize,
+                          C_PartsBefore& before) noexcept {
   const std::span levels(m_levels.data() + kEdge, coefficients.size());
   const std::span below(m_below.data(), coefficients.size());
   RoundToLevels(coefficients, nIndex, levels);
   before.BeginSteady(nIndex, nSize);
   ExpectSteadyBelow(levels, below.data());
-  const std::uint64_t qwSteady = PriceOfLevels(levels, before.Expectations().data(), below.data(),
-                                               ModelOf<C_SteadyBelow>());
+  const std::uint64_t qwSteady =
+      PriceOfLevels(levels, before.Expectations().data(), below.data(), ModelOf<C_SteadyBelow>());
   before.BeginNear(nIndex, coefficients.size());
   ExpectNearBelow(levels.data(), below);
   if (PriceOfLevels(levels, before.Expectations().data(), below.data(), ModelOf<C_NearBelow>()) <=

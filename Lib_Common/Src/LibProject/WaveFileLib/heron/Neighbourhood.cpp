@@ -51,9 +51,8 @@ void ExpectNear(const std::int32_t* p, C_Rescale rescale,
   }
 #endif
   for (std::size_t k = 0; k < expected.size(); ++k, ++p) {
-    const auto nSum =
-        static_cast<std::uint32_t>(kWeightBefore0 * p[0] + kWeightBefore1 * (p[-1] + p[1]) +
-                                   kWeightBefore2 * (p[-2] + p[2]));
+    const auto nSum = static_cast<std::uint32_t>(
+        kWeightBefore0 * p[0] + kWeightBefore1 * (p[-1] + p[1]) + kWeightBefore2 * (p[-2] + p[2]));
     expected[k] = kLeastExpectation + rescale(std::min(nSum, C_Rescale::kMost));
   }
 }

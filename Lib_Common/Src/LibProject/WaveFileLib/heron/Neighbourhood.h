@@ -104,7 +104,8 @@ class C_PartsBefore {
 
  private:
   void Stretch(std::size_t nLength) noexcept;
-  void UpdateBands(int nIndex, std::size_t nSize, std::span<const std::int32_t> magnitudes) noexcept;
+  void UpdateBands(int nIndex, std::size_t nSize,
+                   std::span<const std::int32_t> magnitudes) noexcept;
 
   int m_nIndex = 0;
   std::size_t m_nLength = 0;  // of the previous part; 0 when nothing is known

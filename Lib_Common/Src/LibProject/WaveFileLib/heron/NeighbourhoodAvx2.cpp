@@ -92,9 +92,9 @@ void ExpectNearAvx2(const std::int32_t* pBefore, C_Rescale rescale, std::size_t 
     const std::int32_t* const p = pBefore + k;
     const R near = _mm256_add_epi32(Load(p - 1), Load(p + 1));
     const R far = _mm256_add_epi32(Load(p - 2), Load(p + 2));
-    const R sum = _mm256_add_epi32(_mm256_slli_epi32(Load(p), 3),
-                                   _mm256_add_epi32(Weighted<kWeightBefore1>(near),
-                                                    _mm256_slli_epi32(far, 1)));
+    const R sum = _mm256_add_epi32(
+        _mm256_slli_epi32(Load(p), 3),
+        _mm256_add_epi32(Weighted<kWeightBefore1>(near), _mm256_slli_epi32(far, 1)));
     const R scaled =
         _mm256_srl_epi32(_mm256_mullo_epi32(_mm256_min_epu32(sum, most), factor), shift);
     _mm256_storeu_si256(static_cast<R*>(static_cast<void*>(pExpected + k)),

@@ -87,8 +87,8 @@ class C_Prices {
     const std::size_t nMiddle = nUnit + (std::size_t{1} << nSize) / 2;
     const std::size_t nFirst = nMiddle - std::min(nMiddle, nAround / 2);
     const std::size_t nEnd = std::min(nMiddle + nAround / 2, nUnits);
-    const int nLoudness = Loudness(m_energies[nEnd] - m_energies[nFirst],
-                                   (nEnd - nFirst) * m_nUnitLength);
+    const int nLoudness =
+        Loudness(m_energies[nEnd] - m_energies[nFirst], (nEnd - nFirst) * m_nUnitLength);
     const int nWanted = WantedStep(nLoudness, m_block.nSlope, m_block.nOffset);
     return std::clamp((nWanted + 128) >> 8, 0, kSteps - 1);
   }

@@ -17,7 +17,7 @@
 namespace heron {
 
 // The division of one section: a bit for each node of its tree. Nodes are numbered from 1, and the
-// halves of node n are 2n and 2n + 1; the units are 8 to 15. 
+// halves of node n are 2n and 2n + 1; the units are 8 to 15.
 class C_Division {
  public:
   // Splits a node, or makes a unit plain.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 #include "heron/FixedPoint.h"
 #include "heron/MagnitudeCode.h"
@@ -51,17 +52,20 @@ int IndexCost(int nDifference) noexcept {
                               : static_cast<std::size_t>(nDifference + kMostDifference)];
 }
 
-void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coefficients) {
-  const std::span levels(m_levels.data(), coefficients.size());
+void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coefficients,
+                         S_WriterTools& tools) {
+  const std::span levels(tools.levels.data(), coefficients.size());
   S_Part written = part;
   if (part.kind == E_PartKind::kPlain) {
     m_state.Begin(written, levels.size());
   } else {
-    m_state.BeginChosen(m_choice, written, coefficients);
+    m_state.BeginChosen(tools.choice, written, coefficients);
   }
-  m_trellis.Search(written.kind == E_PartKind::kSteady, coefficients, part.nIndex,
-                   m_state.Before(), levels);
-  if (std::ranges::all_of(levels, [](std::int32_t nLevel) { return nLevel == 0; })) {
+  tools.trellis.Search(written.kind == E_PartKind::kSteady, coefficients, part.nIndex,
+                       m_state.Before(), levels);
+  // A plain part stays plain: its neighbours were transformed without an overlap on its side.
+  if (part.kind != E_PartKind::kPlain &&
+      std::ranges::all_of(levels, [](std::int32_t nLevel) { return nLevel == 0; })) {
     WriteKind(part.nSize, E_PartKind::kSilent);
     m_state.PassSilence();
     return;
@@ -69,43 +73,49 @@ void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coeff
   WriteKind(part.nSize, written.kind);
   WriteIndex(part.nIndex);
   if (written.kind == E_PartKind::kSteady) {
-    WriteLevels<C_SteadyBelow>(coefficients);
+    WriteLevels<C_SteadyBelow>(coefficients, levels);
   } else {
-    WriteLevels<C_NearBelow>(coefficients);
+    WriteLevels<C_NearBelow>(coefficients, levels);
   }
   m_state.End(written, levels);
 }
 
 void C_PartWriter::WriteKind(std::size_t nSize, E_PartKind kind) {
-  m_encoder.WriteSymbol(kKindCumulative[m_state.KindContext()][nSize], static_cast<std::size_t>(kind));
+  m_encoder.WriteSymbol(kKindCumulative[m_state.KindContext()][nSize],
+                        static_cast<std::size_t>(kind));
 }
 
 void C_PartWriter::WriteIndex(int nIndex) {
   const int nDifference = nIndex - m_state.StepIndex();
   const bool bEscaped = std::abs(nDifference) > kMostDifference;
   if (m_state.HasStepIndex()) {
-    m_encoder.WriteSymbol(kIndexCumulative, bEscaped
-                                             ? kIndexEscape
-                                             : static_cast<std::size_t>(nDifference + kMostDifference));
+    m_encoder.WriteSymbol(
+        kIndexCumulative,
+        bEscaped ? kIndexEscape : static_cast<std::size_t>(nDifference + kMostDifference));
     if (!bEscaped) return;
   }
   m_encoder.WriteRaw(static_cast<std::uint32_t>(nIndex), kIndexBits);
 }
 
+// Turns the levels into magnitudes in half steps as well.
 template <typename T_Below>
-void C_PartWriter::WriteLevels(std::span<const std::int32_t> coefficients) {
+void C_PartWriter::WriteLevels(std::span<const std::int32_t> coefficients,
+                               std::span<std::int32_t> levels) {
+  const std::uint32_t* pExpected = m_state.Before().Expectations().data();
+  // Works on a moved object, so that its state can stay in registers.
+  C_EntropyEncoder encoder = std::move(m_encoder);
   T_Below below;
   std::size_t nState = kFirstState;
-  for (std::size_t k = 0; k < coefficients.size(); ++k) {
-    const std::int32_t nLevel = m_levels[k];
+  for (std::size_t k = 0; k < levels.size(); ++k) {
+    const std::int32_t nLevel = levels[k];
     const std::size_t nQuantiser = QuantiserOf(nState);
-    WriteLevel(m_encoder, kMagnitudeCumulative[ModelOf<T_Below>()], nQuantiser,
-               ClassOf(m_state.Before().Expectation(k) + below.Expectation()), nLevel,
-               coefficients[k] < 0);
-    m_levels[k] = HalfSteps(nQuantiser, nLevel);
-    below = below.Then(m_levels[k]);
+    WriteLevel(encoder, kMagnitudeCumulative[ModelOf<T_Below>()], nQuantiser,
+               ClassOf(*pExpected++ + below.Expectation()), nLevel, coefficients[k] < 0);
+    levels[k] = HalfSteps(nQuantiser, nLevel);
+    below = below.Then(levels[k]);
     nState = NextState(nState, static_cast<std::uint64_t>(nLevel));
   }
+  m_encoder = std::move(encoder);
 }
 
 bool C_PartReader::ReadSection(std::span<std::int32_t> values, std::size_t nSamples,

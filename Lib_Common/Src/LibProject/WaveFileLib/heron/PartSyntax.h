@@ -51,7 +51,9 @@ class C_PartState {
   explicit C_PartState(std::size_t nUnitLength) : m_before(nUnitLength) {}
 
   // The table for the kind of a part of 2^nSize units.
-  [[nodiscard]] std::size_t KindContext() const noexcept { return static_cast<std::size_t>(m_last); }
+  [[nodiscard]] std::size_t KindContext() const noexcept {
+    return static_cast<std::size_t>(m_last);
+  }
   [[nodiscard]] int StepIndex() const noexcept { return m_nIndex; }
   [[nodiscard]] bool HasStepIndex() const noexcept { return m_nIndex >= 0; }
   [[nodiscard]] const C_PartsBefore& Before() const noexcept { return m_before; }
@@ -70,9 +72,8 @@ class C_PartState {
   // The same, with the model that the writer chooses.
   void BeginChosen(C_ModelChoice& choice, S_Part& part,
                    std::span<const std::int32_t> coefficients) noexcept {
-    part.kind = choice.Begin(coefficients, part.nIndex, part.nSize, m_before)
-                    ? E_PartKind::kSteady
-                    : E_PartKind::kNear;
+    part.kind = choice.Begin(coefficients, part.nIndex, part.nSize, m_before) ? E_PartKind::kSteady
+                                                                              : E_PartKind::kNear;
   }
   // After it: its magnitudes in half steps.
   void End(const S_Part& part, std::span<const std::int32_t> magnitudes) noexcept {
@@ -95,37 +96,52 @@ class C_PartState {
 // What coding this difference to the step index before takes, in units of 1/256 bit.
 int IndexCost(int nDifference) noexcept;
 
-// Writes the parts of one block.
+// What writers work with between two parts; one is enough for any number of writers.
+struct S_WriterTools {
+  // nLength: coefficients of the longest part.
+  explicit S_WriterTools(std::size_t nLength)
+      : choice(nLength), trellis(nLength), levels(nLength) {}
+
+  C_ModelChoice choice;
+  C_Trellis trellis;
+  std::vector<std::int32_t> levels;
+};
+
+// Writes the parts of one block. A copy goes on from where the original was.
 class C_PartWriter {
  public:
-  C_PartWriter(C_EntropyEncoder& encoder, std::size_t nUnitLength)
-      : m_encoder(encoder), m_state(nUnitLength), m_levels(nUnitLength * kSectionUnits),
-        m_choice(nUnitLength * kSectionUnits), m_trellis(nUnitLength * kSectionUnits) {}
+  explicit C_PartWriter(std::size_t nUnitLength) : m_state(nUnitLength) {}
 
   // A node of the tree that is split.
   void WriteSplit(std::size_t nSize) { WriteKind(nSize, E_PartKind::kSplit); }
   // Quantises the coefficients (Q8) of a part with its step index and writes them. A part that is
-  // not plain is written by the model that promises to cost less, and as silence when all of it becomes 0.
-  void Write(const S_Part& part, std::span<const std::int32_t> coefficients);
+  // not plain is written by the model that promises to cost less, and as silence when all of it
+  // becomes 0.
+  void Write(const S_Part& part, std::span<const std::int32_t> coefficients, S_WriterTools& tools);
+  // The index that the next one is coded relative to; -1 before the first.
+  [[nodiscard]] int StepIndex() const noexcept { return m_state.StepIndex(); }
+  // The bits that were written so far, roughly.
+  [[nodiscard]] std::uint64_t Bits() const noexcept { return m_encoder.Bits(); }
+  // Ends the block and returns its run.
+  std::vector<std::uint8_t> Finish() { return m_encoder.Finish(); }
 
  private:
   void WriteKind(std::size_t nSize, E_PartKind kind);
   void WriteIndex(int nIndex);
   template <typename T_Below>
-  void WriteLevels(std::span<const std::int32_t> coefficients);
+  void WriteLevels(std::span<const std::int32_t> coefficients, std::span<std::int32_t> levels);
 
-  C_EntropyEncoder& m_encoder;
+  C_EntropyEncoder m_encoder;
   C_PartState m_state;
-  std::vector<std::int32_t> m_levels;  // once written: magnitudes in half steps
-  C_ModelChoice m_choice;
-  C_Trellis m_trellis;
 };
 
 // Reads the parts of one block.
 class C_PartReader {
  public:
   C_PartReader(C_EntropyDecoder& decoder, std::size_t nUnitLength)
-      : m_decoder(decoder), m_nUnitLength(nUnitLength), m_state(nUnitLength),
+      : m_decoder(decoder),
+        m_nUnitLength(nUnitLength),
+        m_state(nUnitLength),
         m_magnitudes(nUnitLength * kSectionUnits) {}
 
   // Reads the next section into values, which has the length of a section: coefficients in Q8.

@@ -9,10 +9,10 @@
 #include "heron/Block.h"
 #include "heron/BlockDecoder.h"
 #include "heron/BlockEncoder.h"
-#include "heron/BlockGroup.h"
 #include "heron/Configuration.h"
 #include "heron/Forecast.h"
 #include "heron/SampleCount.h"
+#include "heron/Tail.h"
 
 namespace heron {
 namespace {
@@ -21,8 +21,8 @@ namespace {
 constexpr std::size_t kNewtonPasses = 8;
 
 // What may stay unused of the allowed size, as reciprocals. The sizes of short sounds jump up and
-// down from step to step, so more may stay unused after some passes. A smaller share would cost more
-// passes than it is worth.
+// down from step to step, so more may stay unused after some passes. A smaller share would cost
+// more passes than it is worth.
 constexpr std::int64_t kUnusedAtFirst = 256;
 constexpr std::int64_t kUnusedLater = 200;
 constexpr std::int64_t kUnusedAtLast = 100;
@@ -31,13 +31,18 @@ constexpr std::size_t kLaterPasses = 5;
 // Aimed at is this fraction less than the size, so that a step that misses a little fits.
 constexpr std::int64_t kAimedBelow = 512;
 
-// Blocks at the end of a sound that are held in memory and coded several times.
-constexpr std::size_t kHeldBlocks = 2;
-// More than a run takes when all its parts are silent.
-constexpr std::uint64_t kLeastRun = 100;
+// Sections that are coded at one offset.
+constexpr std::size_t kPortion = 10;
+static_assert(kBlockSections % kPortion == 0);
+// Sections at the end of a sound that are coded several times.
+constexpr std::size_t kTailSections = 30;
+// The forecast is trusted as if it had been right for so many sections.
+constexpr std::uint64_t kTrustedSections = 50;
+// More bits than a section takes when all its parts are silent.
+constexpr std::uint64_t kLeastBits = 16;
 
 // Sounds of so few sections are tried at every coarseness.
-constexpr std::int64_t kFewSections = 4;
+constexpr std::size_t kFewSections = 4;
 
 // Where a search begins.
 struct S_Start {
@@ -51,16 +56,16 @@ struct S_Pass {
 };
 
 // Approaches the size in Newton's way. What a step saves is foretold at first; after that, the last
-// two passes tell. Once the search knows a coarseness that is too fine and one that is coarse enough,
-// it stays between them, and halves what is left when it does not get close soon.
+// two passes tell. Once the search knows a coarseness that is too fine and one that is coarse
+// enough, it stays between them, and halves what is left when it does not get close soon.
 class C_Search {
  public:
-  C_Search(const C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start)
+  C_Search(const C_Tail& tail, std::uint64_t qwMost, const S_Start& start)
       : m_nMost(static_cast<std::int64_t>(qwMost)),
-        m_nStepsPerOctave(group.StepsPerOctave()),
-        m_nFine(group.Finest() - 1),
-        m_nCoarse(group.Coarsest() + 1),
-        m_nNext(Limit(group.FromOffset(start.nOffset))),
+        m_nStepsPerOctave(tail.StepsPerOctave()),
+        m_nFine(tail.Finest() - 1),
+        m_nCoarse(tail.Coarsest() + 1),
+        m_nNext(Limit(tail.FromOffset(start.nOffset))),
         m_nForeseenPerOctave(start.nBytesPerOctave),
         m_nBytesPerOctave(start.nBytesPerOctave) {}
 
@@ -68,7 +73,7 @@ class C_Search {
   [[nodiscard]] std::int64_t Next() const { return m_nNext; }
 
   // Takes what it gave.
-  void Learn(S_GroupRuns runs) {
+  void Learn(S_TailRuns runs) {
     const S_Pass pass{m_nNext, static_cast<std::int64_t>(runs.nBytes)};
     const bool bFits = pass.nSize <= m_nMost;
     (bFits ? m_nCoarse : m_nFine) = m_nNext;
@@ -98,7 +103,7 @@ class C_Search {
   [[nodiscard]] std::int64_t BestCoarseness() const { return m_nBest; }
   // The size of the best result if it fits, or else -1.
   [[nodiscard]] std::int64_t SizeThatFits() const { return m_bFits ? m_nBestSize : -1; }
-  S_GroupRuns TakeBest() { return std::move(m_best); }
+  S_TailRuns TakeBest() { return std::move(m_best); }
 
  private:
   // True when nothing is left between the two known ones.
@@ -132,7 +137,7 @@ class C_Search {
   S_Pass m_last{0, 0};
   std::int64_t m_nForeseenPerOctave;
   std::int64_t m_nBytesPerOctave;
-  S_GroupRuns m_best;
+  S_TailRuns m_best;
   std::int64_t m_nBest = 0;
   std::int64_t m_nBestSize = -1;
   bool m_bFits = false;
@@ -151,35 +156,35 @@ std::uint64_t ErrorOf(C_BlockDecoder& decoder, std::span<const std::uint8_t> run
   return qwError;
 }
 
-C_Search Search(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start) {
-  C_Search search(group, qwMost, start);
-  while (!search.IsDone()) search.Learn(group.Encode(search.Next()));
+C_Search Search(C_Tail& tail, std::uint64_t qwMost, const S_Start& start) {
+  C_Search search(tail, qwMost, start);
+  while (!search.IsDone()) search.Learn(tail.Encode(search.Next()));
   return search;
 }
 
-// Codes a group so that its runs fill qwMost bytes.
-S_GroupRuns EncodeGroup(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start) {
-  C_Search search = Search(group, qwMost, start);
+// Codes a tail so that its runs fill qwMost bytes.
+S_TailRuns EncodeTail(C_Tail& tail, std::uint64_t qwMost, const S_Start& start) {
+  C_Search search = Search(tail, qwMost, start);
   if (search.IsWithin(kUnusedAtLast)) return search.TakeBest();
-  const int nFound = group.ToOffset(search.BestCoarseness());
-  group.UseWholeIndices();
-  C_Search second = Search(group, qwMost, {nFound, start.nBytesPerOctave});
+  const int nFound = tail.ToOffset(search.BestCoarseness());
+  tail.UseWholeIndices();
+  C_Search second = Search(tail, qwMost, {nFound, start.nBytesPerOctave});
   const bool bBetter = second.SizeThatFits() > search.SizeThatFits();
   return bBetter ? second.TakeBest() : search.TakeBest();
 }
 
-// The same for a group that is one block of a few sections. The sizes of short sounds jump up and
-// down from step to step, so a finer coarseness than the search found may fit as well. Of all within
-// an octave the one with the least error is taken.
-S_GroupRuns EncodeFew(C_BlockGroup& group, std::uint64_t qwMost, const S_Start& start,
-                      std::span<const std::int16_t> samples, int nSampleRate) {
-  C_Search search = Search(group, qwMost, start);
+// The same for a whole sound of a few sections. The sizes of short sounds jump up and
+// down from step to step, so a finer coarseness than the search found may fit as well. Of all
+// within an octave the one with the least error is taken.
+S_TailRuns EncodeFew(C_Tail& tail, std::uint64_t qwMost, const S_Start& start,
+                     std::span<const std::int16_t> samples, int nSampleRate) {
+  C_Search search = Search(tail, qwMost, start);
   const std::int64_t nFound = search.BestCoarseness();
   C_BlockDecoder decoder(nSampleRate);
-  S_GroupRuns best = search.TakeBest();
+  S_TailRuns best = search.TakeBest();
   std::uint64_t qwLeast = ErrorOf(decoder, best.runs.front(), samples);
-  for (std::int64_t n = nFound - group.StepsPerOctave(); n < nFound; ++n) {
-    S_GroupRuns runs = group.Encode(n);
+  for (std::int64_t n = nFound - tail.StepsPerOctave(); n < nFound; ++n) {
+    S_TailRuns runs = tail.Encode(n);
     if (runs.nBytes > qwMost) continue;
     const std::uint64_t qwError = ErrorOf(decoder, runs.runs.front(), samples);
     if (qwError >= qwLeast) continue;
@@ -198,15 +203,16 @@ std::uint64_t InRatio(std::uint64_t qwValue, std::uint64_t qwTimes, std::uint64_
   return qwValue * qwTimes / std::max<std::uint64_t>(qwBy, 1);
 }
 
-// Codes the blocks of a sound one after another.
+// Codes the blocks of a sound one after another, portion by portion.
 class C_SoundEncoder {
  public:
   C_SoundEncoder(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
                  const S_Write& fnWrite, const S_Progress& fnProgress)
       : m_samples(samples),
         m_nSampleRate(nSampleRate),
-        m_nLength(BlockLength(nSampleRate)),
-        m_nBlocks((samples.size() + m_nLength - 1) / m_nLength),
+        m_nLength(SectionLength(nSampleRate)),
+        m_nSections((samples.size() + m_nLength - 1) / m_nLength),
+        m_nBlocks((m_nSections + kBlockSections - 1) / kBlockSections),
         m_qwRoom(CodedRoom(samples.size(), nBitDepth)),
         m_forecast(nSampleRate, nBitDepth),
         m_encoder(nSampleRate, nBitDepth),
@@ -214,82 +220,84 @@ class C_SoundEncoder {
         m_fnProgress(fnProgress) {}
 
   bool Encode() {
-    for (std::size_t n = 0; n < m_nBlocks; ++n) m_forecast.Add(Block(n));
+    for (std::size_t n = 0; n < m_nSections; n += kPortion) m_forecast.Add(Portion(n));
     std::vector<std::uint8_t> count;
     AppendCount(count, m_samples.size());
     m_qwRoom -= count.size() + (m_nBlocks == 1 ? kCheckBytes : m_nBlocks * kBlockHeadBytes);
+    m_qwTrust = m_qwRoom * 8 * kTrustedSections / m_nSections;
     if (!m_fnWrite(count)) return false;
-    std::size_t nBlock = 0;
-    for (; nBlock + kHeldBlocks < m_nBlocks; ++nBlock) {
-      if (!Put(nBlock, EncodeOne(nBlock))) return false;
-      Report(nBlock + 1);
-    }
-    return EncodeRest(nBlock);
-  }
-
- private:
-  [[nodiscard]] std::span<const std::int16_t> Block(std::size_t nBlock) const {
-    const std::size_t nAt = nBlock * m_nLength;
-    return m_samples.subspan(nAt, std::min(m_nLength, m_samples.size() - nAt));
-  }
-  // The offset at which the blocks that are left should take the room that is left.
-  [[nodiscard]] int NextOffset() const {
-    // The forecast is corrected by how the blocks so far have turned out.
-    const std::uint64_t qwBits = m_qwRoom * 8;
-    return m_forecast.OffsetFor(m_qwTaken == 0 ? qwBits
-                                               : InRatio(qwBits, m_qwForeseen, m_qwTaken));
-  }
-
-  std::vector<std::uint8_t> EncodeOne(std::size_t nBlock) {
-    int nOffset = NextOffset();
-    const auto divided = m_encoder.Divide(Block(nBlock), nOffset);
-    const std::uint64_t qwBitsBefore = m_forecast.BitsAt(nOffset);
-    m_forecast.Remove(Block(nBlock));
-    const std::uint64_t qwForeseen = qwBitsBefore - m_forecast.BitsAt(nOffset);
-    // What the blocks after this one need at least.
-    const std::uint64_t qwKept = (m_nBlocks - nBlock - 1) * kLeastRun;
-    std::vector<std::uint8_t> run;
-    for (;; nOffset += C_BlockGroup::kOffsetsPerOctave / 4) {
-      m_encoder.Encode(divided, {nOffset, nOffset, 0}, run);
-      if (run.size() + qwKept <= m_qwRoom || nOffset >= C_Forecast::kMostOffset) break;
-    }
-    m_qwRoom -= std::min<std::uint64_t>(run.size(), m_qwRoom);
-    m_qwForeseen += qwForeseen;
-    m_qwTaken += run.size() * 8;
-    return run;
-  }
-
-  bool EncodeRest(std::size_t nFirst) {
-    const int nOffset = NextOffset();
-    std::vector<S_DividedBlock> blocks;
-    for (std::size_t n = nFirst; n < m_nBlocks; ++n) {
-      blocks.push_back(m_encoder.Divide(Block(n), nOffset));
-      Report(n + 1);
-    }
-    C_BlockGroup group(m_encoder, std::move(blocks));
-    const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
-    const S_GroupRuns coded = group.SectionCount() == 1 ? EncodeOneSection(start)
-                              : group.SectionCount() <= kFewSections
-                                  ? EncodeFew(group, m_qwRoom, start, m_samples, m_nSampleRate)
-                                  : EncodeGroup(group, m_qwRoom, start);
-    for (std::size_t n = nFirst; n < m_nBlocks; ++n) {
-      if (!Put(n, coded.runs[n - nFirst])) return false;
+    const std::size_t nTail = m_nSections - std::min(m_nSections, kTailSections);
+    // The tail begins with a portion.
+    const std::size_t nTailAt = nTail / kPortion * kPortion;
+    for (std::size_t nBlock = 0; nBlock < m_nBlocks; ++nBlock) {
+      const std::size_t nFirst = nBlock * kBlockSections;
+      S_DividedBlock block = m_encoder.Divide(Block(nBlock), NextOffset(0));
+      C_PartWriter writer = m_encoder.NewWriter();
+      const std::size_t nEnd = std::min(nFirst + kBlockSections, nTailAt);
+      for (std::size_t n = nFirst; n < nEnd; n += kPortion) EncodePortion(block, n, writer);
+      if (nTailAt < nFirst + kBlockSections) {
+        return EncodeRest(nBlock, nTailAt - nFirst, std::move(block), std::move(writer));
+      }
+      const auto run = writer.Finish();
+      m_qwTaken += run.size() * 8;
+      m_qwRoom -= std::min<std::uint64_t>(run.size(), m_qwRoom);
+      if (!Put(nBlock, run)) return false;
     }
     return true;
   }
 
-  // So few samples can take much more or less than foreseen, and then the parts that were chosen do
-  // not suit the steps. So parts for much finer and for much coarser steps are tried as well.
-  S_GroupRuns EncodeOneSection(const S_Start& start) {
+ private:
+  // Samples from section nFirst on, of so many sections or as many as there are.
+  [[nodiscard]] std::span<const std::int16_t> Sections(std::size_t nFirst,
+                                                       std::size_t nCount) const {
+    const std::size_t nAt = nFirst * m_nLength;
+    return m_samples.subspan(nAt, std::min(nCount * m_nLength, m_samples.size() - nAt));
+  }
+  [[nodiscard]] std::span<const std::int16_t> Portion(std::size_t nFirst) const {
+    return Sections(nFirst, kPortion);
+  }
+  [[nodiscard]] std::span<const std::int16_t> Block(std::size_t nBlock) const {
+    return Sections(nBlock * kBlockSections, kBlockSections);
+  }
+  // The offset at which what is left should take the room that is left. qwBegun: the bits that the
+  // present block has taken so far.
+  [[nodiscard]] int NextOffset(std::uint64_t qwBegun) const {
+    const std::uint64_t qwBits = m_qwRoom * 8 - std::min(m_qwRoom * 8, qwBegun);
+    // The forecast is corrected by how it went so far. As long as that is little, it counts little.
+    return m_forecast.OffsetFor(
+        InRatio(qwBits, m_qwForeseen + m_qwTrust, m_qwTaken + qwBegun + m_qwTrust));
+  }
+
+  // Codes the portion that begins with section nFirst of the sound.
+  void EncodePortion(const S_DividedBlock& block, std::size_t nFirst, C_PartWriter& writer) {
+    int nOffset = NextOffset(writer.Bits());
+    const std::uint64_t qwBitsBefore = m_forecast.BitsAt(nOffset);
+    m_forecast.Remove(Portion(nFirst));
+    m_qwForeseen += qwBitsBefore - m_forecast.BitsAt(nOffset);
+    // What the sections after this portion need at least.
+    const std::uint64_t qwKept = (m_nSections - nFirst - kPortion) * kLeastBits;
+    const std::size_t nInBlock = nFirst % kBlockSections;
+    for (;; nOffset += C_Tail::kOffsetsPerOctave / 4) {
+      C_PartWriter longer = writer;
+      m_encoder.Write(block, {nInBlock, nInBlock + kPortion, nOffset, nOffset, 0}, longer);
+      if (longer.Bits() + qwKept > m_qwRoom * 8 && nOffset < C_Forecast::kMostOffset) continue;
+      writer = std::move(longer);
+      return;
+    }
+  }
+
+  // So few samples can take much more or much less than foreseen, and then the parts that were
+  // chosen do not suit the steps. So parts for much finer and for much coarser steps are tried too.
+  S_TailRuns EncodeOneSection(const S_Start& start) {
     C_BlockDecoder decoder(m_nSampleRate);
-    S_GroupRuns best;
+    S_TailRuns best;
     std::uint64_t qwLeast = 0;
     for (const int nOctaves : {0, -4, 4}) {
-      const int nOffset = start.nOffset + nOctaves * C_BlockGroup::kOffsetsPerOctave;
-      std::vector<S_DividedBlock> block;
-      block.push_back(m_encoder.Divide(m_samples, nOffset));
-      C_BlockGroup group(m_encoder, std::move(block));
-      S_GroupRuns runs = EncodeFew(group, m_qwRoom, start, m_samples, m_nSampleRate);
+      std::vector<S_DividedBlock> blocks;
+      blocks.push_back(
+          m_encoder.Divide(m_samples, start.nOffset + nOctaves * C_Tail::kOffsetsPerOctave));
+      C_Tail tail(m_encoder, m_encoder.NewWriter(), 0, std::move(blocks));
+      S_TailRuns runs = EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate);
       const std::uint64_t qwError = ErrorOf(decoder, runs.runs.front(), m_samples);
       if (!best.runs.empty() && (runs.nBytes > m_qwRoom || qwError >= qwLeast)) continue;
       qwLeast = qwError;
@@ -298,6 +306,29 @@ class C_SoundEncoder {
     return best;
   }
 
+  // Codes from section nFirst of this block to the end of the sound.
+  bool EncodeRest(std::size_t nBlock, std::size_t nFirst, S_DividedBlock first,
+                  C_PartWriter writer) {
+    const std::uint64_t qwBegun = writer.Bits();
+    const int nOffset = NextOffset(qwBegun);
+    std::vector<S_DividedBlock> blocks;
+    blocks.push_back(std::move(first));
+    for (std::size_t n = nBlock + 1; n < m_nBlocks; ++n) {
+      blocks.push_back(m_encoder.Divide(Block(n), nOffset));
+    }
+    C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
+    const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
+    const S_TailRuns coded = m_nSections == 1 ? EncodeOneSection(start)
+                             : m_nSections <= kFewSections
+                                 ? EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate)
+                                 : EncodeTail(tail, m_qwRoom, start);
+    for (std::size_t n = nBlock; n < m_nBlocks; ++n) {
+      if (!Put(n, coded.runs[n - nBlock])) return false;
+    }
+    return true;
+  }
+
+  // Writes a block.
   bool Put(std::size_t nBlock, std::span<const std::uint8_t> run) {
     std::vector<std::uint8_t> bytes;
     if (m_nBlocks == 1) {
@@ -305,24 +336,25 @@ class C_SoundEncoder {
     } else {
       AppendBlock(bytes, nBlock, run);
     }
-    return m_fnWrite(bytes);
-  }
-  void Report(std::size_t nBlocks) {
-    if (m_fnProgress) m_fnProgress(std::min(nBlocks * m_nLength, m_samples.size()));
+    if (!m_fnWrite(bytes)) return false;
+    const std::size_t nDone = (nBlock + 1) * kBlockSections * m_nLength;
+    if (m_fnProgress) m_fnProgress(std::min(nDone, m_samples.size()));
+    return true;
   }
 
   std::span<const std::int16_t> m_samples;
   int m_nSampleRate;
-  std::size_t m_nLength;  // of a block
+  std::size_t m_nLength;  // of a section
+  std::size_t m_nSections;
   std::size_t m_nBlocks;
   std::uint64_t m_qwRoom;  // bytes that are left for runs
-  C_Forecast m_forecast;   // of the blocks that are left
+  C_Forecast m_forecast;   // of what is left
   C_BlockEncoder m_encoder;
   const S_Write& m_fnWrite;
   const S_Progress& m_fnProgress;
-  // Bits of the blocks that were coded one by one.
-  std::uint64_t m_qwForeseen = 0;
-  std::uint64_t m_qwTaken = 0;
+  std::uint64_t m_qwTrust = 0;     // bits of kTrustedSections on average
+  std::uint64_t m_qwForeseen = 0;  // bits of what was coded portion by portion
+  std::uint64_t m_qwTaken = 0;     // bits of the blocks that are written
 };
 
 }  // namespace

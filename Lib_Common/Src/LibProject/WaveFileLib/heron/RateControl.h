@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Codes a whole sound so that it fills the size that it may take. The coded audio is the number of
-// samples (SampleCount.h) and the blocks (Block.h), of BlockLength samples each; the last one has the
-// rest.
+// samples (SampleCount.h) and the blocks (Block.h), of BlockLength samples each; the last one has
+// the rest.
 //
-// A first look at the whole sound (Forecast.h) tells how coarse its steps have to be. Then its blocks
-// are coded one after another. As they turn out larger or smaller than foreseen, the steps of the
-// others change a little. The last blocks are coded several times, until they fill what is left.
-// Only these are held in memory.
+// A first look at the whole sound (Forecast.h) tells how coarse its steps have to be. Then its
+// blocks are coded one after another. As they turn out larger or smaller than foreseen, the steps
+// of the others change a little. The last blocks are coded several times, until they fill what is
+// left. Only these are held in memory.
 #pragma once
 
 #include <cstddef>
@@ -32,11 +32,11 @@ inline constexpr std::uint64_t kMostShortBytes = 128;
 // down, or more for a short sound; less the head in both cases.
 std::uint64_t CodedRoom(std::size_t nSamples, int nBitDepth) noexcept;
 
-// Codes samples (1..2^32-1) at a supported rate for a supported number of bits per sample. The coded
-// audio takes at most CodedRoom bytes, and is usually no more than a 500th smaller than that, or a
-// 200th where that is hard to meet. Sounds that stay smaller at any step size, like silence, take
-// less. fnProgress gets numbers of samples in rising order; the last one is that of all samples.
-// False when fnWrite was false.
+// Codes samples (1..2^32-1) at a supported rate for a supported number of bits per sample. The
+// coded audio takes at most CodedRoom bytes, and is usually no more than a 500th smaller than that,
+// or a 200th where that is hard to meet. Sounds that stay smaller at any step size, like silence,
+// take less. fnProgress gets numbers of samples in rising order; the last one is that of all
+// samples. False when fnWrite was false.
 bool EncodeWithin(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
                   const S_Write& fnWrite, const S_Progress& fnProgress);
 

@@ -18,9 +18,9 @@ namespace heron {
 // the caller puts before it, the coded audio takes at most samples * nBitDepth / 8 bytes, rounded
 // down. Short sounds may take a little more: 16 bytes and 2 bits per sample, 128 bytes at the most.
 //
-// fnWrite gets the coded audio, piece by piece. fnFrames (may be empty) is called with the number of
-// frames done; the numbers rise, and the last one is the count of all frames. The memory that this
-// takes does not grow with the sound.
+// fnWrite gets the coded audio, piece by piece. fnFrames (may be empty) is called with the number
+// of frames done; the numbers rise, and the last one is the count of all frames. The memory that
+// this takes does not grow with the sound.
 //
 // False, and nothing was written, for no samples, for more than 2^32-1 samples, and for a rate or
 // depth outside its range. Also false when fnWrite was false.

@@ -38,13 +38,15 @@ std::int64_t Loss(const S_StepWish& wish, int nIndex) {
 
 }  // namespace
 
-std::vector<int> ChooseSteps(std::span<const S_StepWish> wishes) {
+std::vector<int> ChooseSteps(std::span<const S_StepWish> wishes, int nBefore) {
   std::vector<S_Steps> steps(wishes.size());
   for (std::size_t n = 0; n < wishes.size(); ++n) {
     for (std::size_t i = 0; i < kCandidates; ++i) {
       const int nIndex = Candidate(wishes[n], i);
       S_Step best{0, 0};
-      if (n > 0) {
+      if (n == 0) {
+        if (nBefore >= 0) best.nCost = IndexCost(nIndex - nBefore);
+      } else {
         best.nCost = std::numeric_limits<std::int64_t>::max();
         for (std::size_t j = 0; j < kCandidates; ++j) {
           const std::int64_t nCost =
@@ -59,8 +61,8 @@ std::vector<int> ChooseSteps(std::span<const S_StepWish> wishes) {
   std::vector<int> indices(wishes.size());
   if (wishes.empty()) return indices;
   const auto& last = steps.back();
-  auto i = static_cast<std::size_t>(
-      std::ranges::min_element(last, {}, &S_Step::nCost) - last.begin());
+  auto i =
+      static_cast<std::size_t>(std::ranges::min_element(last, {}, &S_Step::nCost) - last.begin());
   for (std::size_t n = wishes.size(); n-- > 0;) {
     indices[n] = Candidate(wishes[n], i);
     i = steps[n][i].byFrom;

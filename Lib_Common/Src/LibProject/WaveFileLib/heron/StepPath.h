@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Chooses the step indices of the parts of a block.
+// Chooses the step indices of parts that follow each other.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,8 @@ struct S_StepWish {
 };
 
 // The path of step indices that costs least: what its differences take in the stream, and what is
-// lost where an index is not the one that the part would like. One index per part.
-std::vector<int> ChooseSteps(std::span<const S_StepWish> wishes);
+// lost where an index is not the one that the part would like. One index per part. nBefore is the
+// index that the first one is coded relative to, -1 for none.
+std::vector<int> ChooseSteps(std::span<const S_StepWish> wishes, int nBefore);
 
 }  // namespace heron

@@ -12,8 +12,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "heron/FixedPoint.h"
 #include "heron/Dct4.h"
+#include "heron/FixedPoint.h"
 
 namespace heron {
 

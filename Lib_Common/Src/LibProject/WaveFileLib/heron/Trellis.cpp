@@ -48,7 +48,8 @@ class C_Prices {
   [[nodiscard]] std::uint32_t Of(std::uint32_t nLevel) const {
     const std::uint32_t nTop = nLevel >> m_class.nShift;
     const std::uint32_t nRaw = m_nShiftPrice + (nLevel != 0 ? kBitPrice : 0);
-    if (nTop < kEscapeSymbol) [[likely]] return m_prices[nTop] + nRaw;
+    if (nTop < kEscapeSymbol) [[likely]]
+      return m_prices[nTop] + nRaw;
     return m_prices[kEscapeSymbol] + nRaw +
            static_cast<std::uint32_t>(EscapeBits(nTop - kEscapeSymbol + 1)) * kBitPrice;
   }
@@ -60,8 +61,8 @@ class C_Prices {
 };
 
 template <std::size_t nQuantiser, typename T_Below>
-S_Offers OffersFrom(const S_Path<T_Below>& path, std::uint32_t nExpectation,
-                    std::uint32_t nScaled, const S_LevelPair& levels) {
+S_Offers OffersFrom(const S_Path<T_Below>& path, std::uint32_t nExpectation, std::uint32_t nScaled,
+                    const S_LevelPair& levels) {
   const C_Prices<ModelOf<T_Below>(), nQuantiser> prices(nExpectation + path.below.Expectation());
   S_Offers offers{{path.nCost + levels.nEvenError + prices.Of(levels.nEven), levels.nEven},
                   {path.nCost + levels.nOddError + prices.Of(levels.nOdd), levels.nOdd}};

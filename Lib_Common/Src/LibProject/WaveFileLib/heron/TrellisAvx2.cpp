@@ -29,8 +29,8 @@ VCM_LANES_INLINE V Lanes02(V a, V b) {
 VCM_LANES_INLINE V Lanes13(V a, V b) {
   return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), 0xDD));
 }
-// By the state after the step: what the state before it had, when that is the first or the second of
-// the two that lead here.
+// By the state after the step: what the state before it had, when that is the first or the second
+// of the two that lead here.
 VCM_LANES_INLINE V Followed(V a, V second) { return Select(Lanes02(a, a), Lanes13(a, a), second); }
 // The same when all levels are zero.
 VCM_LANES_INLINE V FollowedByZero(V a) { return _mm_shuffle_epi32(a, 0xD8); }
@@ -67,9 +67,8 @@ struct S_NearLanes {
     n1 = _mm_setzero_si128();
   }
   VCM_LANES_INLINE void Append(V magnitude) {
-    expectation = _mm_add_epi32(
-        Times(magnitude, kWeightBelow1),
-        _mm_add_epi32(Times(n1, kWeightBelow2), Times(n2, kWeightBelow3)));
+    expectation = _mm_add_epi32(Times(magnitude, kWeightBelow1),
+                                _mm_add_epi32(Times(n1, kWeightBelow2), Times(n2, kWeightBelow3)));
     n2 = n1;
     n1 = magnitude;
   }
@@ -93,7 +92,8 @@ struct S_SteadyLanes {
     Fade();
     expectation = _mm_add_epi32(
         expectation,
-        _mm_srli_epi32(Times(magnitude, static_cast<std::int32_t>(kWeightAverageBelow) * 3 / 8), 1));
+        _mm_srli_epi32(Times(magnitude, static_cast<std::int32_t>(kWeightAverageBelow) * 3 / 8),
+                       1));
   }
 };
 
@@ -108,7 +108,8 @@ VCM_LANES_INLINE S_Classes ClassesOf(V expectations) {
   const V top = _mm_srli_epi32(_mm_castps_si128(_mm_cvtepi32_ps(expectations)), 21);
   const V table = _mm_sub_epi32(top, _mm_set1_epi32(4 * (kFloatExponent + kLowestOctave)));
   const V high = _mm_srli_epi32(expectations, kHighestOctave);
-  if (IsZero(high)) [[likely]] return {table, _mm_setzero_si128()};
+  if (IsZero(high)) [[likely]]
+    return {table, _mm_setzero_si128()};
   if (!IsZero(_mm_srli_epi32(expectations, 24))) [[unlikely]] {
     // A float would round it.
     const S_Four four = Stored(expectations);
@@ -122,9 +123,9 @@ VCM_LANES_INLINE S_Classes ClassesOf(V expectations) {
     return {Loaded(tables), Loaded(shifts)};
   }
   const V octave = _mm_srli_epi32(table, 2);
-  const V shift = _mm_max_epi32(
-      _mm_sub_epi32(octave, _mm_set1_epi32(kHighestOctave - kLowestOctave - 1)),
-      _mm_setzero_si128());
+  const V shift =
+      _mm_max_epi32(_mm_sub_epi32(octave, _mm_set1_epi32(kHighestOctave - kLowestOctave - 1)),
+                    _mm_setzero_si128());
   const V last = _mm_or_si128(_mm_and_si128(table, _mm_set1_epi32(3)),
                               _mm_set1_epi32(static_cast<int>(kMagnitudeTables) - 4));
   return {_mm_min_epi32(table, last), shift};
@@ -172,7 +173,8 @@ class C_PriceLanes {
   VCM_LANES_INLINE V Of(V level) const {
     const V symbol = _mm_srlv_epi32(level, m_shift);
     const V least = _mm_cmpgt_epi32(symbol, _mm_set1_epi32(kEscapeSymbol - 1));
-    if (!IsZero(least)) [[unlikely]] return WithEscapes(level, symbol);
+    if (!IsZero(least)) [[unlikely]]
+      return WithEscapes(level, symbol);
     const V price = _mm_i32gather_epi32(m_pPrices, _mm_add_epi32(m_row, symbol), 4);
     return _mm_add_epi32(_mm_add_epi32(price, ShiftPrice()), SignPrice(level));
   }
@@ -209,11 +211,10 @@ VCM_LANES_INLINE void Extend(S_States<T_Below>& states, V scaled, const C_PriceL
                              S_Choices* pChoices) {
   S_LevelPairs levels = LevelPairsAround(scaled);
   V even = _mm_add_epi32(_mm_add_epi32(states.cost, levels.evenError), prices.Of(levels.even));
-  const V odd =
-      _mm_add_epi32(_mm_add_epi32(states.cost, levels.oddError), prices.Of(levels.odd));
+  const V odd = _mm_add_epi32(_mm_add_epi32(states.cost, levels.oddError), prices.Of(levels.odd));
   if (!IsZero(levels.zeroToo)) {
-    const V zero = _mm_add_epi32(_mm_add_epi32(states.cost, _mm_mullo_epi32(scaled, scaled)),
-                                 prices.OfZero());
+    const V zero =
+        _mm_add_epi32(_mm_add_epi32(states.cost, _mm_mullo_epi32(scaled, scaled)), prices.OfZero());
     const V better = _mm_and_si128(_mm_cmpgt_epi32(even, zero), levels.zeroToo);
     even = Select(even, zero, better);
     levels.even = _mm_andnot_si128(better, levels.even);
@@ -229,16 +230,16 @@ VCM_LANES_INLINE void Extend(S_States<T_Below>& states, V scaled, const C_PriceL
                    _mm_sub_epi32(_mm_or_si128(_mm_slli_epi32(level, 2), firstState), second));
   const V quantiser = _mm_setr_epi32(0, 1, 0, 1);
   states.below.Follow(second);
-  states.below.Append(_mm_max_epi32(_mm_sub_epi32(_mm_add_epi32(level, level), quantiser),
-                                    _mm_setzero_si128()));
+  states.below.Append(
+      _mm_max_epi32(_mm_sub_epi32(_mm_add_epi32(level, level), quantiser), _mm_setzero_si128()));
 }
 
 template <typename T_Below>
 VCM_LANES_INLINE void ExtendByZero(S_States<T_Below>& states, V scaled, const C_PriceLanes& prices,
                                    S_Choices* pChoices) {
   *pChoices = {0, 2, 1, 3};
-  states.cost = FollowedByZero(_mm_add_epi32(
-      _mm_add_epi32(states.cost, _mm_mullo_epi32(scaled, scaled)), prices.OfZero()));
+  states.cost = FollowedByZero(
+      _mm_add_epi32(_mm_add_epi32(states.cost, _mm_mullo_epi32(scaled, scaled)), prices.OfZero()));
   states.below.FollowZero();
 }
 
@@ -280,9 +281,8 @@ std::size_t SearchNearAvx2(std::span<const std::int32_t> coefficients, C_ToHalfS
                            const std::uint32_t* pExpectations, S_Choices* pChoices) noexcept {
   return SearchBy<S_NearLanes>(coefficients, toHalfSteps, pExpectations, pChoices);
 }
-std::size_t SearchSteadyAvx2(std::span<const std::int32_t> coefficients,
-                             C_ToHalfSteps toHalfSteps, const std::uint32_t* pExpectations,
-                             S_Choices* pChoices) noexcept {
+std::size_t SearchSteadyAvx2(std::span<const std::int32_t> coefficients, C_ToHalfSteps toHalfSteps,
+                             const std::uint32_t* pExpectations, S_Choices* pChoices) noexcept {
   return SearchBy<S_SteadyLanes>(coefficients, toHalfSteps, pExpectations, pChoices);
 }
 

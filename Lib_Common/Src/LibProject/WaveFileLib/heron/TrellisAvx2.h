@@ -18,8 +18,8 @@ namespace heron {
 std::size_t SearchNearAvx2(std::span<const std::int32_t> coefficients, C_ToHalfSteps toHalfSteps,
                            const std::uint32_t* pExpectations,
                            std::array<std::uint32_t, kStates>* pChoices) noexcept;
-std::size_t SearchSteadyAvx2(std::span<const std::int32_t> coefficients,
-                             C_ToHalfSteps toHalfSteps, const std::uint32_t* pExpectations,
+std::size_t SearchSteadyAvx2(std::span<const std::int32_t> coefficients, C_ToHalfSteps toHalfSteps,
+                             const std::uint32_t* pExpectations,
                              std::array<std::uint32_t, kStates>* pChoices) noexcept;
 
 }  // namespace heron

@@ -198,6 +198,111 @@ TEST(HeronRangeCoder, ATruncatedSequence_IsPastTheEndInTime) {
   }
 }
 
+// ---- the end
+
+// True when the bytes give these symbols of kThirds, whatever follows them.
+bool GiveThirds(S_Bytes bytes, const std::vector<std::size_t>& symbols) {
+  const std::size_t nBytes = bytes.size();
+  for (const std::uint8_t byAfter : S_Bytes{0x00, 0xFF}) {
+    bytes.resize(nBytes);
+    bytes.resize(nBytes + 16, byAfter);
+    C_CodeReader reader(bytes);
+    for (const std::size_t nSymbol : symbols) {
+      if (ReadSymbol(reader, kThirds) != nSymbol) return false;
+    }
+  }
+  return true;
+}
+
+// The number that the bytes stand for, made larger by one in the last of them.
+S_Bytes NextNumber(S_Bytes bytes) {
+  for (std::size_t n = bytes.size(); n-- > 0 && ++bytes[n] == 0;) continue;
+  return bytes;
+}
+
+TEST(HeronRangeCoder, TheEnd_TakesTheFewestBytes) {
+  for (std::uint64_t qwSeed = 1; qwSeed <= 2000; ++qwSeed) {
+    C_Random random(qwSeed);
+    std::vector<std::size_t> symbols(1 + qwSeed % 120);
+    for (std::size_t& nSymbol : symbols) nSymbol = random.Below(3);
+    // The last symbol has neighbours on both sides, so any number outside its interval gives
+    // others.
+    symbols.back() = 1;
+    S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+      for (const std::size_t nSymbol : symbols) WriteSymbol(writer, kThirds, nSymbol);
+    });
+    ASSERT_TRUE(GiveThirds(bytes, symbols)) << qwSeed;
+    // Of numbers with a byte less, only the two around this one could do.
+    bytes.pop_back();
+    ASSERT_FALSE(GiveThirds(bytes, symbols)) << qwSeed;
+    ASSERT_FALSE(GiveThirds(NextNumber(bytes), symbols)) << qwSeed;
+  }
+}
+
+TEST(HeronRangeCoder, AfterAllWasRead_FewBytesAreUnread) {
+  for (std::uint64_t qwSeed = 1; qwSeed <= 2000; ++qwSeed) {
+    C_Random random(qwSeed);
+    const std::size_t nSymbols = random.Below(60);
+    const std::size_t nRaw = random.Below(60);
+    const int nBits = 1 + static_cast<int>(random.Below(kMaxRawBits));
+    const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+      for (std::size_t n = 0; n < nSymbols; ++n) WriteSymbol(writer, kMixed, n % 5);
+      for (std::size_t n = 0; n < nRaw; ++n) writer.WriteRaw(0, nBits);
+    });
+    C_CodeReader reader(bytes);
+    for (std::size_t n = 0; n < nSymbols; ++n) ASSERT_EQ(ReadSymbol(reader, kMixed), n % 5);
+    for (std::size_t n = 0; n < nRaw; ++n) ASSERT_EQ(reader.ReadRaw(nBits), 0u);
+    EXPECT_GE(reader.Unread(), 0) << qwSeed;
+    EXPECT_LE(reader.Unread(), std::ptrdiff_t{C_CodeReader::kAhead}) << qwSeed;
+  }
+}
+
+TEST(HeronRangeCoder, SymbolsThatAreCut_ArePastTheEnd) {
+  const std::vector<std::size_t> symbols(400, 1);
+  const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+    for (const std::size_t nSymbol : symbols) WriteSymbol(writer, kThirds, nSymbol);
+  });
+  // Eight bytes are read ahead and may be missing at the end.
+  for (std::size_t nKept = 0; nKept + C_CodeReader::kAhead < bytes.size(); ++nKept) {
+    C_CodeReader reader{std::span(bytes).first(nKept)};
+    std::size_t nRight = 0;
+    for (const std::size_t nSymbol : symbols) nRight += ReadSymbol(reader, kThirds) == nSymbol;
+    EXPECT_TRUE(reader.Unread() < 0 || nRight < symbols.size()) << nKept;
+  }
+}
+
+TEST(HeronRangeCoder, Append_KeepsWhatIsThere) {
+  S_Bytes bytes = {0xFF, 0xFF, 0xFF};
+  C_CodeWriter writer(bytes);
+  // The carry of the last symbols stays within the sequence.
+  for (int n = 0; n < 100; ++n) WriteSymbol(writer, kLastLikely, 15);
+  writer.WriteRaw(5, 3);
+  writer.Finish();
+  EXPECT_EQ((S_Bytes{bytes.begin(), bytes.begin() + 3}), (S_Bytes{0xFF, 0xFF, 0xFF}));
+  C_CodeReader reader{std::span(bytes).subspan(3)};
+  for (int n = 0; n < 100; ++n) ASSERT_EQ(ReadSymbol(reader, kLastLikely), 15u);
+  EXPECT_EQ(reader.ReadRaw(3), 5u);
+}
+
+TEST(HeronRangeCoder, RawBits_ArePackedFromTheLastByteOn) {
+  const S_Bytes bytes = Written([](C_CodeWriter& writer) {
+    writer.WriteRaw(0b101, 3);
+    writer.WriteRaw(0, 0);
+    writer.WriteRaw(0b11001, 5);
+    writer.WriteRaw(0x3, 2);
+  });
+  ASSERT_GE(bytes.size(), 2u);
+  EXPECT_EQ(bytes[bytes.size() - 1], 0b11001101);
+  EXPECT_EQ(bytes[bytes.size() - 2], 0b11);
+}
+
+TEST(HeronRangeCoder, EmptyBytes_GiveTheFirstSymbolsAndZeros) {
+  C_CodeReader reader({});
+  EXPECT_EQ(reader.ReadRaw(24), 0u);
+  EXPECT_LT(reader.Unread(), 0);
+  for (int n = 0; n < 100; ++n) ASSERT_EQ(ReadSymbol(reader, kMixed), 0u);
+}
+
 TEST(HeronRangeCoder, AnyBytes_GiveSymbolsOfTheTable) {
   for (const int nFill : {0x00, 0xFF, -1}) {
     C_Random random(6);

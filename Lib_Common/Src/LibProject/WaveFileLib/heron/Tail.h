@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The last blocks of a sound, which are coded together as often as it takes to fill the size that is
-// left for them.
+// The last sections of a sound, which are coded as often as it takes to fill the size that is left
+// for them.
 #pragma once
 
 #include <cstddef>
@@ -12,21 +12,23 @@
 
 namespace heron {
 
-// What coding a group gives.
-struct S_GroupRuns {
-  std::vector<std::vector<std::uint8_t>> runs;
-  std::size_t nBytes = 0;  // of all together
+// What coding a tail gives.
+struct S_TailRuns {
+  std::vector<std::vector<std::uint8_t>> runs;  // of the blocks that the tail ends
+  std::size_t nBytes = 0;                       // of all together
 };
 
-class C_BlockGroup {
+class C_Tail {
  public:
-  // encoder must outlive the object. There is at least one block.
-  C_BlockGroup(C_BlockEncoder& encoder, std::vector<S_DividedBlock> blocks);
+  // The tail begins with section nFirst of the first of these blocks; writer has written what comes
+  // before it in that block. There is at least one section. encoder must outlive the object.
+  C_Tail(C_BlockEncoder& encoder, C_PartWriter writer, std::size_t nFirst,
+         std::vector<S_DividedBlock> blocks);
 
-  // Codes all blocks. nCoarseness counts steps that each make one section after the other a little
+  // Codes the tail. nCoarseness counts steps that each make one section after the other a little
   // coarser, from the last one to the first: StepsPerOctave of them double the step sizes. Values
   // outside Finest..Coarsest count as the nearer of these two.
-  [[nodiscard]] S_GroupRuns Encode(std::int64_t nCoarseness);
+  [[nodiscard]] S_TailRuns Encode(std::int64_t nCoarseness);
 
   // A sound of steady loudness changes all its step indices at the same coarseness, so that no
   // coarseness may fill its size. After this call, the steps are those in which one section after
@@ -54,8 +56,10 @@ class C_BlockGroup {
 
  private:
   C_BlockEncoder& m_encoder;
+  C_PartWriter m_writer;
+  std::size_t m_nFirst;
   std::vector<S_DividedBlock> m_blocks;
-  std::int64_t m_nSections = 0;
+  std::int64_t m_nSections;
   int m_nOffsetStep = 16;
 };
 

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "heron/Tail.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace heron {
+
+C_Tail::C_Tail(C_BlockEncoder& encoder, C_PartWriter writer, std::size_t nFirst,
+               std::vector<S_DividedBlock> blocks)
+    : m_encoder(encoder),
+      m_writer(std::move(writer)),
+      m_nFirst(nFirst),
+      m_blocks(std::move(blocks)),
+      m_nSections(-static_cast<std::int64_t>(nFirst)) {
+  for (const auto& block : m_blocks) m_nSections += std::ssize(block.firstParts);
+}
+
+S_TailRuns C_Tail::Encode(std::int64_t nCoarseness) {
+  const std::int64_t nClamped = std::clamp(nCoarseness, Finest(), Coarsest());
+  // Rounded down, also below 0.
+  const std::int64_t nWhole = (nClamped - Finest()) / m_nSections + Finest() / m_nSections;
+  const int nOffset = static_cast<int>(nWhole) * m_nOffsetStep;
+  // The sections that are not coarser, counted from the first section of the first block.
+  std::int64_t nFiner =
+      static_cast<std::int64_t>(m_nFirst) + m_nSections - (nClamped - nWhole * m_nSections);
+  S_TailRuns tail;
+  std::size_t nFirst = m_nFirst;
+  C_PartWriter writer = m_writer;
+  for (const auto& block : m_blocks) {
+    m_encoder.Write(block,
+                    {nFirst, block.SectionCount(), nOffset, nOffset + m_nOffsetStep,
+                     static_cast<std::size_t>(std::max<std::int64_t>(nFiner, 0))},
+                    writer);
+    tail.runs.push_back(writer.Finish());
+    tail.nBytes += tail.runs.back().size();
+    nFiner -= static_cast<std::int64_t>(block.SectionCount());
+    nFirst = 0;
+    writer = m_encoder.NewWriter();
+  }
+  return tail;
+}
+
+}  // namespace heron
