@@ -180,7 +180,8 @@ void AddHeronSignals(C_Seeds& seeds) {
         seeds.Add({"heron_encode_decode"}, made);
       }
     }
-    // A sound of several blocks.
+    // Sounds of several sections and of several blocks. The last byte has them coded again.
+    seeds.Add({"heron_encode_decode"}, Bytes{0, byDepth, 0xC3, 0x84, 0x03, 0x10, 0x20, 0x31, 0x50});
     seeds.Add({"heron_encode_decode"}, Bytes{0, byDepth, 0xF3, 0x10, 0x20, 0x08, 0x40, 0x31, 0x50});
   }
 }
