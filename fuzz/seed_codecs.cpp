@@ -121,6 +121,8 @@ void AddHeronBlocks(C_Seeds& seeds) {
     pieces[1] = pieces[2] = 0xFF;
     seeds.Add({"heron_stream"}, pieces);
   }
+  // A block at 48 kHz that has the number 255, so that 255 others are missing.
+  seeds.Add({"heron_stream"}, Bytes{17, 0xFF, 0xFF, 0, 255, 3, 1, 2, 3});
 }
 
 // The runs of sounds of one block: rate and shape, mode, sample count, run.
