@@ -191,9 +191,7 @@ TEST(HeronDecoder, JunkBetweenBlocks_IsPassedOver) {
   for (std::uint64_t qwSeed = 1; qwSeed <= 300; ++qwSeed) {
     C_Random random(qwSeed);
     C_Coded coded(4 * kLength);
-    for (std::size_t n = 0; n < 4; ++n) {
-      coded.Raw(RandomBytes(random, random.Below(30))).Block(n);
-    }
+    for (std::size_t n = 0; n < 4; ++n) coded.Raw(RandomBytes(random, random.Below(30))).Block(n);
     coded.Raw(RandomBytes(random, random.Below(30)));
     ASSERT_NO_FATAL_FAILURE(ExpectBlocks(coded.Bytes(), {0, 1, 2, 3})) << qwSeed;
   }
