@@ -43,6 +43,8 @@ constexpr std::uint64_t kLeastBits = 16;
 
 // Sounds of so few sections are tried at every coarseness.
 constexpr std::size_t kFewSections = 4;
+// They are also divided for an offset as fine as this.
+constexpr int kFineOffset = -3 * 1024;
 
 // Where a search begins.
 struct S_Start {
@@ -173,16 +175,23 @@ S_TailRuns EncodeTail(C_Tail& tail, std::uint64_t qwMost, const S_Start& start) 
   return bBetter ? second.TakeBest() : search.TakeBest();
 }
 
+struct S_Judged {
+  S_TailRuns runs;
+  std::uint64_t qwError;  // the largest when the runs do not fit
+};
+
 // The same for a whole sound of a few sections. The sizes of short sounds jump up and
 // down from step to step, so a finer coarseness than the search found may fit as well. Of all
 // within an octave the one with the least error is taken.
-S_TailRuns EncodeFew(C_Tail& tail, std::uint64_t qwMost, const S_Start& start,
-                     std::span<const std::int16_t> samples, int nSampleRate) {
+S_Judged EncodeFew(C_Tail& tail, std::uint64_t qwMost, const S_Start& start,
+                   std::span<const std::int16_t> samples, int nSampleRate) {
   C_Search search = Search(tail, qwMost, start);
   const std::int64_t nFound = search.BestCoarseness();
   C_BlockDecoder decoder(nSampleRate);
+  const bool bFits = search.SizeThatFits() >= 0;
   S_TailRuns best = search.TakeBest();
-  std::uint64_t qwLeast = ErrorOf(decoder, best.runs.front(), samples);
+  std::uint64_t qwLeast = bFits ? ErrorOf(decoder, best.runs.front(), samples)
+                                : std::numeric_limits<std::uint64_t>::max();
   for (std::int64_t n = nFound - tail.StepsPerOctave(); n < nFound; ++n) {
     S_TailRuns runs = tail.Encode(n);
     if (runs.nBytes > qwMost) continue;
@@ -191,7 +200,7 @@ S_TailRuns EncodeFew(C_Tail& tail, std::uint64_t qwMost, const S_Start& start,
     qwLeast = qwError;
     best = std::move(runs);
   }
-  return best;
+  return {std::move(best), qwLeast};
 }
 
 // nValue * nTimes / nBy for large numbers; the ratio is rounded to about 24 bits.
@@ -298,13 +307,24 @@ class C_SoundEncoder {
     }
     C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
     const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
-    const S_TailRuns coded = m_nSections <= kFewSections
-                                 ? EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate)
-                                 : EncodeTail(tail, m_qwRoom, start);
+    const S_TailRuns coded =
+        m_nSections <= kFewSections ? EncodeWhole(tail, start) : EncodeTail(tail, m_qwRoom, start);
     for (std::size_t n = nBlock; n < m_nBlocks; ++n) {
       if (!Put(n, coded.runs[n - nBlock])) return false;
     }
     return true;
+  }
+
+  // Codes a whole sound of a few sections. Where all that it may take is a few bytes, the forecast
+  // asks for such coarse steps that no division seems to save anything. So the sound is also
+  // divided for fine steps, and the division with the smaller error is taken.
+  S_TailRuns EncodeWhole(C_Tail& tail, const S_Start& start) {
+    S_Judged coded = EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate);
+    std::vector<S_DividedBlock> blocks;
+    blocks.push_back(m_encoder.Divide(m_samples, kFineOffset));
+    C_Tail finer(m_encoder, m_encoder.NewWriter(), 0, std::move(blocks));
+    S_Judged other = EncodeFew(finer, m_qwRoom, start, m_samples, m_nSampleRate);
+    return std::move(other.qwError < coded.qwError ? other.runs : coded.runs);
   }
 
   // Writes a block.
