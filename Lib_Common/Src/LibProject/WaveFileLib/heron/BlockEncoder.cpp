@@ -70,20 +70,25 @@ void C_BlockEncoder::Transform(S_DividedBlock& block) {
   }
 }
 
-void C_BlockEncoder::Write(const S_DividedBlock& block, const S_Sections& sections,
-                           C_PartWriter& writer) {
-  const std::size_t nFirst = block.firstParts[sections.nFirst];
-  const std::size_t nEnd =
-      sections.nEnd < block.SectionCount() ? block.firstParts[sections.nEnd] : block.parts.size();
+std::vector<int> C_BlockEncoder::Steps(const S_DividedBlock& block, const S_Sections& sections,
+                                       int nBefore) const {
   std::vector<S_StepWish> wishes;
-  for (std::size_t n = nFirst; n < nEnd; ++n) {
+  const std::size_t nEnd = block.PartsUpTo(sections.nEnd);
+  for (std::size_t n = block.PartsUpTo(sections.nFirst); n < nEnd; ++n) {
     const S_Part& part = block.parts[n];
     const bool bCoarser = part.nUnit / kSectionUnits >= sections.nCoarserFrom;
     const int nOffset = bCoarser ? sections.nCoarser : sections.nOffset;
     wishes.push_back(
         {WantedStep(block.loudness[n], m_nSlope, nOffset), part.Units() * m_nUnitLength});
   }
-  const std::vector<int> steps = ChooseSteps(wishes, writer.StepIndex());
+  return ChooseSteps(wishes, nBefore);
+}
+
+void C_BlockEncoder::Write(const S_DividedBlock& block, const S_Sections& sections,
+                           C_PartWriter& writer) {
+  const std::size_t nFirst = block.PartsUpTo(sections.nFirst);
+  const std::size_t nEnd = block.PartsUpTo(sections.nEnd);
+  const std::vector<int> steps = Steps(block, sections, writer.StepIndex());
   for (std::size_t n = nFirst; n < nEnd; ++n) {
     S_Part part = block.parts[n];
     part.nIndex = steps[n - nFirst];

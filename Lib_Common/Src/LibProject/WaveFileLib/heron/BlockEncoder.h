@@ -35,6 +35,10 @@ struct S_DividedBlock {
   std::vector<std::size_t> firstParts;  // by section
 
   [[nodiscard]] std::size_t SectionCount() const noexcept { return firstParts.size(); }
+  // The number of parts before section nEnd.
+  [[nodiscard]] std::size_t PartsUpTo(std::size_t nEnd) const noexcept {
+    return nEnd < SectionCount() ? firstParts[nEnd] : parts.size();
+  }
 };
 
 class C_BlockEncoder {
@@ -47,6 +51,10 @@ class C_BlockEncoder {
 
   // A writer for a block of which nothing is written yet.
   [[nodiscard]] C_PartWriter NewWriter() const { return C_PartWriter(m_nUnitLength); }
+  // The step indices of the parts of some sections. nBefore is the index that the first one is coded
+  // relative to, -1 for none.
+  [[nodiscard]] std::vector<int> Steps(const S_DividedBlock& block, const S_Sections& sections,
+                                       int nBefore) const;
   // Writes the next sections of a block.
   void Write(const S_DividedBlock& block, const S_Sections& sections, C_PartWriter& writer);
 

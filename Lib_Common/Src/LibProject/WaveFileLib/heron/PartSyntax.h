@@ -139,10 +139,7 @@ class C_PartWriter {
 class C_PartReader {
  public:
   C_PartReader(C_EntropyDecoder& decoder, std::size_t nUnitLength)
-      : m_decoder(decoder),
-        m_nUnitLength(nUnitLength),
-        m_state(nUnitLength),
-        m_magnitudes(nUnitLength * kSectionUnits) {}
+      : m_decoder(decoder), m_state(nUnitLength), m_magnitudes(nUnitLength * kSectionUnits) {}
 
   // Reads the next section into values, which has the length of a section: coefficients in Q8.
   // The block's sound has nSamples more samples from here on, at least one. Appends its parts to
@@ -160,7 +157,6 @@ class C_PartReader {
   bool ReadLevels(std::span<std::int32_t> coefficients, int nIndex) noexcept;
 
   C_EntropyDecoder& m_decoder;
-  std::size_t m_nUnitLength;
   C_PartState m_state;
   std::vector<std::int32_t> m_magnitudes;
 };

@@ -36,6 +36,7 @@ constexpr std::size_t kPortion = 10;
 static_assert(kBlockSections % kPortion == 0);
 // Sections at the end of a sound that are coded several times.
 constexpr std::size_t kTailSections = 30;
+constexpr std::size_t kLeastTail = 15;
 // The forecast is trusted as if it had been right for so many sections.
 constexpr std::uint64_t kTrustedSections = 50;
 // More bits than a section takes when all its parts are silent.
@@ -77,7 +78,8 @@ class C_Search {
     const S_Pass pass{m_nNext, static_cast<std::int64_t>(runs.nBytes)};
     const bool bFits = pass.nSize <= m_nMost;
     (bFits ? m_nCoarse : m_nFine) = m_nNext;
-    if (!m_bFits || (bFits && pass.nSize > m_nBestSize)) {
+    // Of two that fit, the finer one is better, even if it takes fewer bytes.
+    if (!m_bFits || (bFits && pass.nCoarseness < m_nBest)) {
       m_best = std::move(runs);
       m_nBest = pass.nCoarseness;
       m_nBestSize = pass.nSize;
@@ -103,6 +105,7 @@ class C_Search {
   [[nodiscard]] std::int64_t BestCoarseness() const { return m_nBest; }
   // The size of the best result if it fits, or else -1.
   [[nodiscard]] std::int64_t SizeThatFits() const { return m_bFits ? m_nBestSize : -1; }
+  [[nodiscard]] const S_TailRuns& Best() const { return m_best; }
   S_TailRuns TakeBest() { return std::move(m_best); }
 
  private:
@@ -173,23 +176,30 @@ S_TailRuns EncodeTail(C_Tail& tail, std::uint64_t qwMost, const S_Start& start) 
   return bBetter ? second.TakeBest() : search.TakeBest();
 }
 
-// The same for a whole sound of a few sections. The sizes of short sounds jump up and
-// down from step to step, so a finer coarseness than the search found may fit as well. Of all
-// within an octave the one with the least error is taken.
-S_TailRuns EncodeFew(C_Tail& tail, std::uint64_t qwMost, const S_Start& start,
-                     std::span<const std::int16_t> samples, int nSampleRate) {
+// The same for a whole sound of a few sections, which is divided into parts. The sizes of short
+// sounds jump up and down from step to step, so a finer coarseness than the search found may fit as
+// well. Of all within an octave the one with the least error is taken.
+struct S_Judged {
+  S_TailRuns runs;
+  std::uint64_t qwError;  // the largest number when the runs do not fit
+};
+S_Judged EncodeFew(C_Tail& tail, std::uint64_t qwMost, const S_Start& start,
+                   std::span<const std::int16_t> samples, C_BlockDecoder& decoder) {
   C_Search search = Search(tail, qwMost, start);
   const std::int64_t nFound = search.BestCoarseness();
-  C_BlockDecoder decoder(nSampleRate);
-  S_TailRuns best = search.TakeBest();
-  std::uint64_t qwLeast = ErrorOf(decoder, best.runs.front(), samples);
+  S_Judged best{{}, std::numeric_limits<std::uint64_t>::max()};
+  if (search.SizeThatFits() >= 0) best.qwError = ErrorOf(decoder, search.Best().runs[0], samples);
+  best.runs = search.TakeBest();
+  std::vector<int> stepsBefore;
   for (std::int64_t n = nFound - tail.StepsPerOctave(); n < nFound; ++n) {
+    // Most differ in no step index from the one before.
+    std::vector<int> steps = tail.FirstSteps(n);
+    if (steps == stepsBefore) continue;
+    stepsBefore = std::move(steps);
     S_TailRuns runs = tail.Encode(n);
     if (runs.nBytes > qwMost) continue;
     const std::uint64_t qwError = ErrorOf(decoder, runs.runs.front(), samples);
-    if (qwError >= qwLeast) continue;
-    qwLeast = qwError;
-    best = std::move(runs);
+    if (qwError < best.qwError) best = {std::move(runs), qwError};
   }
   return best;
 }
@@ -226,9 +236,7 @@ class C_SoundEncoder {
     m_qwRoom -= count.size() + (m_nBlocks == 1 ? kCheckBytes : m_nBlocks * kBlockHeadBytes);
     m_qwTrust = m_qwRoom * 8 * kTrustedSections / m_nSections;
     if (!m_fnWrite(count)) return false;
-    const std::size_t nTail = m_nSections - std::min(m_nSections, kTailSections);
-    // The tail begins with a portion.
-    const std::size_t nTailAt = nTail / kPortion * kPortion;
+    const std::size_t nTailAt = TailAt();
     for (std::size_t nBlock = 0; nBlock < m_nBlocks; ++nBlock) {
       const std::size_t nFirst = nBlock * kBlockSections;
       S_DividedBlock block = m_encoder.Divide(Block(nBlock), NextOffset(0));
@@ -247,6 +255,14 @@ class C_SoundEncoder {
   }
 
  private:
+  // The section that the tail begins with: a portion near the end, in the last block if that is not
+  // too short. Then only one block has to be held.
+  [[nodiscard]] std::size_t TailAt() const {
+    const std::size_t nTail = m_nSections - std::min(m_nSections, kTailSections);
+    const std::size_t nLastBlock = (m_nBlocks - 1) * kBlockSections;
+    if (nLastBlock + kLeastTail <= m_nSections) return std::max(nTail / kPortion * kPortion, nLastBlock);
+    return nTail / kPortion * kPortion;
+  }
   // Samples from section nFirst on, of so many sections or as many as there are.
   [[nodiscard]] std::span<const std::int16_t> Sections(std::size_t nFirst,
                                                        std::size_t nCount) const {
@@ -286,24 +302,21 @@ class C_SoundEncoder {
     }
   }
 
-  // So few samples can take much more or much less than foreseen, and then the parts that were
-  // chosen do not suit the steps. So parts for much finer and for much coarser steps are tried too.
-  S_TailRuns EncodeOneSection(const S_Start& start) {
+  // Codes a whole sound of a few sections. So few samples can take much more or much less than
+  // foreseen, and then the parts that were chosen do not suit the steps. So parts for much finer and
+  // for much coarser steps are tried as well.
+  S_TailRuns EncodeWhole(const S_Start& start) {
     C_BlockDecoder decoder(m_nSampleRate);
-    S_TailRuns best;
-    std::uint64_t qwLeast = 0;
+    S_Judged best{{}, std::numeric_limits<std::uint64_t>::max()};
     for (const int nOctaves : {0, -4, 4}) {
       std::vector<S_DividedBlock> blocks;
       blocks.push_back(
           m_encoder.Divide(m_samples, start.nOffset + nOctaves * C_Tail::kOffsetsPerOctave));
       C_Tail tail(m_encoder, m_encoder.NewWriter(), 0, std::move(blocks));
-      S_TailRuns runs = EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate);
-      const std::uint64_t qwError = ErrorOf(decoder, runs.runs.front(), m_samples);
-      if (!best.runs.empty() && (runs.nBytes > m_qwRoom || qwError >= qwLeast)) continue;
-      qwLeast = qwError;
-      best = std::move(runs);
+      S_Judged coded = EncodeFew(tail, m_qwRoom, start, m_samples, decoder);
+      if (best.runs.runs.empty() || coded.qwError < best.qwError) best = std::move(coded);
     }
-    return best;
+    return std::move(best.runs);
   }
 
   // Codes from section nFirst of this block to the end of the sound.
@@ -316,12 +329,10 @@ class C_SoundEncoder {
     for (std::size_t n = nBlock + 1; n < m_nBlocks; ++n) {
       blocks.push_back(m_encoder.Divide(Block(n), nOffset));
     }
-    C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
     const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
-    const S_TailRuns coded = m_nSections == 1 ? EncodeOneSection(start)
-                             : m_nSections <= kFewSections
-                                 ? EncodeFew(tail, m_qwRoom, start, m_samples, m_nSampleRate)
-                                 : EncodeTail(tail, m_qwRoom, start);
+    C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
+    const S_TailRuns coded =
+        m_nSections <= kFewSections ? EncodeWhole(start) : EncodeTail(tail, m_qwRoom, start);
     for (std::size_t n = nBlock; n < m_nBlocks; ++n) {
       if (!Put(n, coded.runs[n - nBlock])) return false;
     }

@@ -16,27 +16,35 @@ C_Tail::C_Tail(C_BlockEncoder& encoder, C_PartWriter writer, std::size_t nFirst,
   for (const auto& block : m_blocks) m_nSections += std::ssize(block.firstParts);
 }
 
-S_TailRuns C_Tail::Encode(std::int64_t nCoarseness) {
+S_Sections C_Tail::FirstSections(std::int64_t nCoarseness) const noexcept {
   const std::int64_t nClamped = std::clamp(nCoarseness, Finest(), Coarsest());
   // Rounded down, also below 0.
   const std::int64_t nWhole = (nClamped - Finest()) / m_nSections + Finest() / m_nSections;
   const int nOffset = static_cast<int>(nWhole) * m_nOffsetStep;
   // The sections that are not coarser, counted from the first section of the first block.
-  std::int64_t nFiner =
-      static_cast<std::int64_t>(m_nFirst) + m_nSections - (nClamped - nWhole * m_nSections);
+  const std::int64_t nFiner = static_cast<std::int64_t>(m_nFirst) + m_nSections -
+                              (nClamped - nWhole * m_nSections);
+  return {m_nFirst, m_blocks.front().SectionCount(), nOffset, nOffset + m_nOffsetStep,
+          static_cast<std::size_t>(nFiner)};
+}
+
+std::vector<int> C_Tail::FirstSteps(std::int64_t nCoarseness) const {
+  return m_encoder.Steps(m_blocks.front(), FirstSections(nCoarseness), m_writer.StepIndex());
+}
+
+S_TailRuns C_Tail::Encode(std::int64_t nCoarseness) {
+  S_Sections sections = FirstSections(nCoarseness);
   S_TailRuns tail;
-  std::size_t nFirst = m_nFirst;
   C_PartWriter writer = m_writer;
   for (const auto& block : m_blocks) {
-    m_encoder.Write(block,
-                    {nFirst, block.SectionCount(), nOffset, nOffset + m_nOffsetStep,
-                     static_cast<std::size_t>(std::max<std::int64_t>(nFiner, 0))},
-                    writer);
+    sections.nEnd = block.SectionCount();
+    m_encoder.Write(block, sections, writer);
     tail.runs.push_back(writer.Finish());
     tail.nBytes += tail.runs.back().size();
-    nFiner -= static_cast<std::int64_t>(block.SectionCount());
-    nFirst = 0;
     writer = m_encoder.NewWriter();
+    // The next block counts its sections from its own first one.
+    sections.nFirst = 0;
+    sections.nCoarserFrom -= std::min(sections.nCoarserFrom, block.SectionCount());
   }
   return tail;
 }

@@ -30,6 +30,9 @@ class C_Tail {
   // outside Finest..Coarsest count as the nearer of these two.
   [[nodiscard]] S_TailRuns Encode(std::int64_t nCoarseness);
 
+  // The step indices of all parts of the tail in its first block, at a coarseness.
+  [[nodiscard]] std::vector<int> FirstSteps(std::int64_t nCoarseness) const;
+
   // A sound of steady loudness changes all its step indices at the same coarseness, so that no
   // coarseness may fill its size. After this call, the steps are those in which one section after
   // the other changes by a whole step index.
@@ -55,6 +58,9 @@ class C_Tail {
   static constexpr int kOffsetsPerOctave = 4 * 256;
 
  private:
+  // The sections of the tail in its first block, at a coarseness.
+  [[nodiscard]] S_Sections FirstSections(std::int64_t nCoarseness) const noexcept;
+
   C_BlockEncoder& m_encoder;
   C_PartWriter m_writer;
   std::size_t m_nFirst;

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
 
 #include "Blocks.h"
 #include "Codes.h"
@@ -23,15 +22,10 @@ using test::RandomDivisions;
 using test::S_Bytes;
 using test::S_Sound;
 
-constexpr std::size_t kAllSections = std::numeric_limits<std::size_t>::max();
-
 S_Bytes RunOf(const S_Sound& sound, int nSampleRate, int nOffset, std::uint64_t qwSeed) {
   const auto divisions = RandomDivisions(qwSeed, sound.size(), nSampleRate);
-  S_Bytes run;
-  C_BlockEncoder(nSampleRate, 3)
-      .Encode(test::DividedBy(divisions, sound, nSampleRate), {nOffset, nOffset, kAllSections},
-              run);
-  return run;
+  C_BlockEncoder encoder(nSampleRate, 3);
+  return test::RunOf(encoder, test::DividedBy(divisions, sound, nSampleRate), test::AllAt(nOffset));
 }
 
 // A span of its own memory, so that a write outside it is found.
@@ -161,9 +155,8 @@ TEST(HeronBlockDecoder, RandomRunsOfWholeBlocks_AreRefusedOrDecoded) {
 S_Bytes LargestRun(std::size_t nSize, bool bPlain, std::uint64_t qwSeed) {
   C_Random random(qwSeed);
   constexpr std::size_t kUnitLength = 20;
-  S_Bytes run;
-  C_EntropyEncoder encoder(run);
-  C_PartWriter writer(encoder, kUnitLength);
+  S_WriterTools tools(kUnitLength * kSectionUnits);
+  C_PartWriter writer(kUnitLength);
   for (std::size_t nUnit = 0; nUnit < 16; nUnit += std::size_t{1} << nSize) {
     for (std::size_t nSplit = kPartSizes - 1; nSplit > nSize; --nSplit) {
       if (nUnit % (std::size_t{1} << nSplit) == 0) writer.WriteSplit(nSplit);
@@ -174,10 +167,9 @@ S_Bytes LargestRun(std::size_t nSize, bool bPlain, std::uint64_t qwSeed) {
     for (std::int32_t& nValue : coefficients) {
       if (qwSeed > 0 && random.Below(2) == 0) nValue = -nValue;
     }
-    writer.Write(part, coefficients);
+    writer.Write(part, coefficients, tools);
   }
-  encoder.Finish();
-  return run;
+  return writer.Finish();
 }
 
 TEST(HeronBlockDecoder, LargestCoefficients_AreDecodedToSomeSound) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "Blocks.h"
 #include "Signals.h"
@@ -17,29 +18,30 @@
 namespace heron {
 namespace {
 
+using test::AllAt;
 using test::C_Random;
 using test::DividedBy;
 using test::RandomDivisions;
 using test::S_Bytes;
 using test::S_Divisions;
+using test::S_Offsets;
 using test::S_Sound;
 using test::SignalToNoise;
 
-constexpr std::size_t kAllSections = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t kNoSection = std::numeric_limits<std::size_t>::max();
 constexpr int kBitDepth = 3;  // steps follow half of the level
 
 // Every step index is 0.
-constexpr S_Coarseness kFinest{-13 * 1024, -13 * 1024, kAllSections};
+constexpr S_Offsets kFinest = AllAt(-13 * 1024);
 
-S_Bytes RunOf(const S_DividedBlock& block, int nSampleRate, const S_Coarseness& coarseness) {
-  S_Bytes run = {1, 2, 3};
-  C_BlockEncoder(nSampleRate, kBitDepth).Encode(block, coarseness, run);
-  return run;
+S_Bytes RunOf(const S_DividedBlock& block, int nSampleRate, const S_Offsets& offsets) {
+  C_BlockEncoder encoder(nSampleRate, kBitDepth);
+  return test::RunOf(encoder, block, offsets);
 }
 
-S_Sound ThereAndBack(const S_DividedBlock& block, int nSampleRate, const S_Coarseness& coarseness) {
+S_Sound ThereAndBack(const S_DividedBlock& block, int nSampleRate, const S_Offsets& offsets) {
   S_Sound decoded(block.nCount);
-  EXPECT_TRUE(C_BlockDecoder(nSampleRate).Decode(RunOf(block, nSampleRate, coarseness), decoded));
+  EXPECT_TRUE(C_BlockDecoder(nSampleRate).Decode(RunOf(block, nSampleRate, offsets), decoded));
   return decoded;
 }
 
@@ -64,6 +66,7 @@ TEST(HeronBlockEncoder, DividedBlocks_HaveThePartsThatWereChosen) {
       EXPECT_EQ(block.values, expected.values);
       EXPECT_EQ(block.loudness, expected.loudness);
       EXPECT_EQ(block.splits, expected.splits);
+      EXPECT_EQ(block.firstParts, expected.firstParts);
       ASSERT_EQ(block.parts.size(), expected.parts.size());
       for (std::size_t n = 0; n < block.parts.size(); ++n) {
         EXPECT_EQ(block.parts[n].nUnit, expected.parts[n].nUnit) << n;
@@ -133,7 +136,7 @@ TEST(HeronBlockEncoder, APlainUnitThatBecomesZero_LeavesItsNeighboursWhole) {
   C_Division division;
   for (const std::size_t nNode : {1u, 3u, 7u, 15u}) division.Mark(nNode);
   const S_DividedBlock block = DividedBy({division}, sound, 4000);
-  const S_Sound decoded = ThereAndBack(block, 4000, {-3000, -3000, kAllSections});
+  const S_Sound decoded = ThereAndBack(block, 4000, AllAt(-3000));
   EXPECT_GT(SignalToNoise(sound, decoded), 60);
 }
 
@@ -143,8 +146,7 @@ TEST(HeronBlockEncoder, LoudNoise_ComesBackAsItsStepsPromise) {
     const S_Sound noise = test::Noise(100 + random.Below(2000), qwSeed);
     const int nOffset = -static_cast<int>(random.Below(4500));
     const auto divisions = RandomDivisions(qwSeed, noise.size(), 8000);
-    const S_Sound decoded =
-        ThereAndBack(DividedBy(divisions, noise, 8000), 8000, {nOffset, nOffset, kAllSections});
+    const S_Sound decoded = ThereAndBack(DividedBy(divisions, noise, 8000), 8000, AllAt(nOffset));
     // Full-scale noise has a root mean square of 18918 and a loudness of 7274, which is what it
     // wants as its index, Q8. The noise of steps of two half steps is a half step by the root of 3.
     const double dIndex = (7274 + nOffset) / 256.0;
@@ -158,12 +160,12 @@ TEST(HeronBlockEncoder, LoudNoise_ComesBackAsItsStepsPromise) {
 TEST(HeronBlockEncoder, CoarserSteps_GiveFewerBytesAndMoreNoise) {
   const S_Sound voice = TestVoice(4000);
   const S_DividedBlock block = C_BlockEncoder(8000, kBitDepth).Divide(voice, -2000);
-  std::size_t nBefore = RunOf(block, 8000, {-5000, -5000, kAllSections}).size();
-  double dBefore = SignalToNoise(voice, ThereAndBack(block, 8000, {-5000, 0, kAllSections}));
+  std::size_t nBefore = RunOf(block, 8000, AllAt(-5000)).size();
+  double dBefore = SignalToNoise(voice, ThereAndBack(block, 8000, {-5000, 0, kNoSection}));
   for (int nOffset = -4000; nOffset <= 2000; nOffset += 1000) {
-    const S_Coarseness coarseness{nOffset, nOffset, kAllSections};
-    const std::size_t nBytes = RunOf(block, 8000, coarseness).size();
-    const double dRatio = SignalToNoise(voice, ThereAndBack(block, 8000, coarseness));
+    const S_Offsets offsets = AllAt(nOffset);
+    const std::size_t nBytes = RunOf(block, 8000, offsets).size();
+    const double dRatio = SignalToNoise(voice, ThereAndBack(block, 8000, offsets));
     EXPECT_LT(nBytes, nBefore) << nOffset;
     EXPECT_LT(dRatio, dBefore) << nOffset;
     nBefore = nBytes;
@@ -174,10 +176,9 @@ TEST(HeronBlockEncoder, CoarserSteps_GiveFewerBytesAndMoreNoise) {
 TEST(HeronBlockEncoder, Offsets_ReachFromTheFinestToTheCoarsestSteps) {
   for (const auto& [strName, sound] : test::SoundsOf(800)) {
     const S_DividedBlock block = C_BlockEncoder(8000, kBitDepth).Divide(sound, 0);
-    EXPECT_EQ(RunOf(block, 8000, kFinest), RunOf(block, 8000, {-30000, 0, kAllSections}))
-        << strName;
-    EXPECT_EQ(RunOf(block, 8000, {18 * 1024, 0, kAllSections}),
-              RunOf(block, 8000, {90000, 0, kAllSections}))
+    EXPECT_EQ(RunOf(block, 8000, kFinest), RunOf(block, 8000, {-30000, 0, kNoSection})) << strName;
+    EXPECT_EQ(RunOf(block, 8000, {18 * 1024, 0, kNoSection}),
+              RunOf(block, 8000, {90000, 0, kNoSection}))
         << strName;
   }
 }
@@ -186,7 +187,7 @@ TEST(HeronBlockEncoder, SectionsFromOneOn_AreCoarser) {
   const S_Sound voice = TestVoice(3200);  // ten sections
   const S_DividedBlock block = DividedBy(S_Divisions(10), voice, 8000);
   EXPECT_EQ(RunOf(block, 8000, {-2000, 0, 10}), RunOf(block, 8000, {-2000, -2000, 0}));
-  EXPECT_EQ(RunOf(block, 8000, {-2000, 0, 0}), RunOf(block, 8000, {0, 0, kAllSections}));
+  EXPECT_EQ(RunOf(block, 8000, {-2000, 0, 0}), RunOf(block, 8000, AllAt(0)));
   const std::size_t nFinest = RunOf(block, 8000, {-2000, 0, 10}).size();
   std::size_t nBefore = nFinest;
   for (std::size_t nFrom = 10; nFrom-- > 0;) {
@@ -197,28 +198,65 @@ TEST(HeronBlockEncoder, SectionsFromOneOn_AreCoarser) {
   EXPECT_LT(nBefore, nFinest * 4 / 5);
 }
 
+TEST(HeronBlockEncoder, SectionsWrittenOneAfterAnother_GiveWholeBlocks) {
+  const S_Sound voice = TestVoice(3200);
+  C_BlockEncoder encoder(8000, kBitDepth);
+  const S_DividedBlock block = encoder.Divide(voice, -2000);
+  for (const std::size_t nAtOnce : {1u, 3u, 10u}) {
+    C_PartWriter writer = encoder.NewWriter();
+    for (std::size_t n = 0; n < 10; n += nAtOnce) {
+      const std::size_t nEnd = std::min<std::size_t>(n + nAtOnce, 10);
+      encoder.Write(block, {n, nEnd, kFinest.nOffset, kFinest.nOffset, kNoSection}, writer);
+    }
+    S_Sound decoded(voice.size());
+    ASSERT_TRUE(C_BlockDecoder(8000).Decode(writer.Finish(), decoded));
+    ASSERT_NO_FATAL_FAILURE(ExpectNear(decoded, voice, 1)) << nAtOnce;
+  }
+}
+
+TEST(HeronBlockEncoder, APortionWithAnOffsetOfItsOwn_ChangesOnlyItself) {
+  const S_Sound noise = test::Noise(1600);
+  C_BlockEncoder encoder(8000, kBitDepth);
+  const S_DividedBlock block = DividedBy(S_Divisions(5), noise, 8000);
+  std::vector<double> errors;
+  for (const int nMiddle : {-5000, -2000}) {
+    C_PartWriter writer = encoder.NewWriter();
+    encoder.Write(block, {0, 2, -5000, -5000, 0}, writer);
+    encoder.Write(block, {2, 3, nMiddle, nMiddle, 0}, writer);
+    encoder.Write(block, {3, 5, -5000, -5000, 0}, writer);
+    S_Sound decoded(noise.size());
+    ASSERT_TRUE(C_BlockDecoder(8000).Decode(writer.Finish(), decoded));
+    for (const std::size_t nAt : {0u, 720u, 1280u}) {
+      double dError = 0;
+      for (std::size_t n = nAt; n < nAt + 160; ++n) dError += std::pow(decoded[n] - noise[n], 2);
+      errors.push_back(dError);
+    }
+  }
+  EXPECT_LT(errors[3], 1.5 * errors[0]);
+  EXPECT_GT(errors[4], 20 * errors[1]);
+  EXPECT_LT(errors[5], 1.5 * errors[2]);
+}
+
 TEST(HeronBlockEncoder, TheCoarsestSteps_GiveSilenceOfAFewBytes) {
   S_Sound faint = TestVoice(8000);
   for (std::int16_t& nSample : faint) nSample = static_cast<std::int16_t>(nSample / 64);
   const S_DividedBlock block = DividedBy(S_Divisions(25), faint, 8000);
-  const S_Coarseness coarsest{18 * 1024, 18 * 1024, kAllSections};
+  const S_Offsets coarsest = AllAt(18 * 1024);
   EXPECT_LT(RunOf(block, 8000, coarsest).size(), 30u);
   EXPECT_EQ(ThereAndBack(block, 8000, coarsest), S_Sound(faint.size()));
 }
 
 TEST(HeronBlockEncoder, AnEncoderUsedAgain_GivesWhatANewOneGives) {
   const S_Sound second = TestVoice(1700);
-  const S_Coarseness coarseness{-2000, -2000, kAllSections};
+  const S_Offsets offsets = AllAt(-2000);
   C_BlockEncoder used(8000, kBitDepth);
   const S_DividedBlock first = used.Divide(test::Noise(3200), 0);
-  S_Bytes run;
-  used.Encode(first, coarseness, run);
+  EXPECT_FALSE(test::RunOf(used, first, offsets).empty());
   const S_DividedBlock block = used.Divide(second, -2000);
   const S_DividedBlock fresh = C_BlockEncoder(8000, kBitDepth).Divide(second, -2000);
   EXPECT_EQ(block.values, fresh.values);
   for (int nRound = 0; nRound < 2; ++nRound) {
-    used.Encode(block, coarseness, run);
-    EXPECT_EQ(run, RunOf(fresh, 8000, coarseness)) << nRound;
+    EXPECT_EQ(test::RunOf(used, block, offsets), RunOf(fresh, 8000, offsets)) << nRound;
   }
 }
 

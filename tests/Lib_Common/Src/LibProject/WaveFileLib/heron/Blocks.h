@@ -71,6 +71,7 @@ inline S_DividedBlock DividedBy(const S_Divisions& divisions, const S_Sound& sou
   block.nCount = sound.size();
   block.splits.push_back(0);
   for (std::size_t n = 0; n < divisions.size(); ++n) {
+    block.firstParts.push_back(block.parts.size());
     AddParts(divisions[n], 1, {n * kSectionUnits, kPartSizes - 1},
              (sound.size() + nUnitLength - 1) / nUnitLength, block);
   }
@@ -88,6 +89,23 @@ inline S_DividedBlock DividedBy(const S_Divisions& divisions, const S_Sound& sou
     block.loudness.push_back(LoudnessOf(values));
   }
   return block;
+}
+
+// All sections of a block at these offsets; those from section nCoarserFrom on have nCoarser.
+struct S_Offsets {
+  int nOffset;
+  int nCoarser;
+  std::size_t nCoarserFrom;
+};
+constexpr S_Offsets AllAt(int nOffset) { return {nOffset, nOffset, 0}; }
+
+inline S_Bytes RunOf(C_BlockEncoder& encoder, const S_DividedBlock& block,
+                     const S_Offsets& offsets) {
+  C_PartWriter writer = encoder.NewWriter();
+  encoder.Write(block,
+                {0, block.SectionCount(), offsets.nOffset, offsets.nCoarser, offsets.nCoarserFrom},
+                writer);
+  return writer.Finish();
 }
 
 }  // namespace heron::test

@@ -36,11 +36,9 @@ std::size_t ReadSymbol(C_CodeReader& reader, const S_Frequencies<nSymbols>& freq
 // The bytes that fnWrite(writer) produces.
 template <typename Write>
 S_Bytes Written(Write fnWrite) {
-  S_Bytes bytes;
-  C_CodeWriter writer(bytes);
+  C_CodeWriter writer;
   fnWrite(writer);
-  writer.Finish();
-  return bytes;
+  return writer.Finish();
 }
 
 inline S_MagnitudeClass ClassAt(std::int32_t nExpectation) {

@@ -271,17 +271,76 @@ TEST(HeronRangeCoder, SymbolsThatAreCut_ArePastTheEnd) {
   }
 }
 
-TEST(HeronRangeCoder, Append_KeepsWhatIsThere) {
-  S_Bytes bytes = {0xFF, 0xFF, 0xFF};
-  C_CodeWriter writer(bytes);
-  // The carry of the last symbols stays within the sequence.
-  for (int n = 0; n < 100; ++n) WriteSymbol(writer, kLastLikely, 15);
-  writer.WriteRaw(5, 3);
-  writer.Finish();
-  EXPECT_EQ((S_Bytes{bytes.begin(), bytes.begin() + 3}), (S_Bytes{0xFF, 0xFF, 0xFF}));
-  C_CodeReader reader{std::span(bytes).subspan(3)};
-  for (int n = 0; n < 100; ++n) ASSERT_EQ(ReadSymbol(reader, kLastLikely), 15u);
-  EXPECT_EQ(reader.ReadRaw(3), 5u);
+// ---- copies
+
+// Writes a symbol or a raw value that depends only on its number and the seed.
+void WriteNumber(C_CodeWriter& writer, std::uint64_t qwSeed, std::size_t n) {
+  C_Random random(qwSeed * 100000 + n);
+  const std::uint32_t nKind = random.Below(4);
+  if (nKind < 2) WriteSymbol(writer, kMixed, random.Below(5));
+  if (nKind == 2) WriteSymbol(writer, kThirds, random.Below(3));
+  if (nKind == 3) writer.WriteRaw(random.Below(1 << 11), 11);
+}
+
+TEST(HeronRangeCoder, ACopy_GoesOnFromWhereTheOriginalWas) {
+  constexpr std::size_t kNumbers = 300;
+  for (std::size_t nCopied = 0; nCopied <= kNumbers; nCopied += 7) {
+    C_CodeWriter original;
+    for (std::size_t n = 0; n < nCopied; ++n) WriteNumber(original, 1, n);
+    C_CodeWriter same = original;
+    C_CodeWriter other = original;
+    EXPECT_EQ(same.Bits(), original.Bits());
+    for (std::size_t n = nCopied; n < kNumbers; ++n) WriteNumber(other, 2, n);
+    for (std::size_t n = nCopied; n < kNumbers; ++n) WriteNumber(same, 1, n);
+    for (std::size_t n = nCopied; n < kNumbers; ++n) WriteNumber(original, 1, n);
+    const S_Bytes run = original.Finish();
+    EXPECT_EQ(same.Finish(), run) << nCopied;
+    EXPECT_EQ(other.Finish(), Written([&](C_CodeWriter& writer) {
+                for (std::size_t n = 0; n < kNumbers; ++n) {
+                  WriteNumber(writer, n < nCopied ? 1 : 2, n);
+                }
+              }))
+        << nCopied;
+  }
+}
+
+TEST(HeronRangeCoder, ACarryAfterACopy_TurnsItsOwnBytesOver) {
+  bool bTurned = false;
+  bool bStayed = false;
+  const S_Bytes number = {0x80};
+  const auto around = SymbolsAround(number, kThirds, 160);
+  C_CodeWriter original;
+  for (std::size_t nBefore = 0; nBefore < around.size(); ++nBefore) {
+    for (std::size_t nAfter = 0; nAfter < 3; ++nAfter) {
+      C_CodeWriter copy = original;
+      WriteSymbol(copy, kThirds, nAfter);
+      const S_Bytes run = copy.Finish();
+      ASSERT_EQ(run, Written([&](C_CodeWriter& writer) {
+                  for (std::size_t n = 0; n < nBefore; ++n) WriteSymbol(writer, kThirds, around[n]);
+                  WriteSymbol(writer, kThirds, nAfter);
+                }))
+          << nBefore << ' ' << nAfter;
+      // By then, the original has written its first bytes.
+      if (nBefore > 60) (run[0] == number[0] ? bTurned : bStayed) = true;
+    }
+    WriteSymbol(original, kThirds, around[nBefore]);
+  }
+  EXPECT_TRUE(bTurned);
+  EXPECT_TRUE(bStayed);
+}
+
+TEST(HeronRangeCoder, Bits_AreAboutThoseOfTheRun) {
+  C_CodeWriter writer;
+  std::uint64_t qwBefore = writer.Bits();
+  EXPECT_EQ(qwBefore, 0u);
+  for (std::size_t n = 0; n < 1000; ++n) {
+    WriteNumber(writer, 3, n);
+    EXPECT_GE(writer.Bits(), qwBefore) << n;
+    qwBefore = writer.Bits();
+    C_CodeWriter copy = writer;
+    const double dBits = 8.0 * static_cast<double>(copy.Finish().size());
+    EXPECT_NEAR(static_cast<double>(qwBefore), dBits, 24) << n;
+  }
 }
 
 TEST(HeronRangeCoder, RawBits_ArePackedFromTheLastByteOn) {

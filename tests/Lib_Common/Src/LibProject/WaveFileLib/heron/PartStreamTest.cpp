@@ -63,10 +63,7 @@ class C_Stream {
     m_encoder.WriteRaw(1, 1);
     return *this;
   }
-  S_Bytes Take() {
-    m_encoder.Finish();
-    return m_bytes;
-  }
+  S_Bytes Take() { return m_encoder.Finish(); }
 
  private:
   void Begin() {
@@ -82,8 +79,7 @@ class C_Stream {
     m_nState = NextState(m_nState, static_cast<std::uint64_t>(nSize));
   }
 
-  S_Bytes m_bytes;
-  C_EntropyEncoder m_encoder{m_bytes};
+  C_EntropyEncoder m_encoder;
   C_NearBelow m_below;
   std::size_t m_nState = kFirstState;
 };
@@ -130,8 +126,7 @@ TEST(HeronPartStream, SilentParts_AreOnlyTheirKinds) {
 TEST(HeronPartStream, KindsAfterAPart_HaveItsContext) {
   // A near part, a steady one, a near one: each followed by a kind in its context. Nothing but
   // zeros, which every model codes with its own tables, so the kinds would not be found otherwise.
-  S_Bytes bytes;
-  C_EntropyEncoder encoder(bytes);
+  C_EntropyEncoder encoder;
   const auto kind = [&](std::size_t nContext, std::size_t nSize, E_PartKind what) {
     test::WriteSymbol(encoder, kKindFrequencies[nContext][nSize], static_cast<std::size_t>(what));
   };
@@ -154,8 +149,7 @@ TEST(HeronPartStream, KindsAfterAPart_HaveItsContext) {
   test::WriteSymbol(encoder, kIndexFrequencies, 15 - 15);
   zeros(test::kNear, kUnit);
   kind(kAfterNear, 3, E_PartKind::kSilent);  // in the next section, after a plain part
-  encoder.Finish();
-  const S_Read read = ReadStream(bytes, 2 * kSection);
+  const S_Read read = ReadStream(encoder.Finish(), 2 * kSection);
   ASSERT_TRUE(read.bRead);
   ASSERT_EQ(read.parts.size(), 5u);
   const std::vector<E_PartKind> kinds = {E_PartKind::kSteady, E_PartKind::kNear,

@@ -94,11 +94,16 @@ S_Block RandomBlock(std::uint64_t qwSeed, std::size_t nUnitLength, std::size_t n
   return block;
 }
 
-void WriteSteps(C_PartWriter& writer, const S_Block& block) {
-  for (const S_Step& step : block.steps) {
-    if (step.bSplit) writer.WriteSplit(step.part.nSize);
-    if (!step.bSplit) writer.Write(step.part, step.coefficients);
-  }
+void WriteStep(C_PartWriter& writer, const S_Step& step, S_WriterTools& tools) {
+  if (step.bSplit) writer.WriteSplit(step.part.nSize);
+  if (!step.bSplit) writer.Write(step.part, step.coefficients, tools);
+}
+
+S_Bytes RunOf(const S_Block& block) {
+  S_WriterTools tools(block.nUnitLength * kSectionUnits);
+  C_PartWriter writer(block.nUnitLength);
+  for (const S_Step& step : block.steps) WriteStep(writer, step, tools);
+  return writer.Finish();
 }
 
 // Each coefficient is within one step of what was written, or within two when it became zero.
@@ -132,11 +137,7 @@ void ExpectPart(const S_Step& step, const S_Part& part, std::span<const std::int
 }
 
 void CheckRoundTrip(const S_Block& block) {
-  S_Bytes bytes;
-  C_EntropyEncoder encoder(bytes);
-  C_PartWriter writer(encoder, block.nUnitLength);
-  WriteSteps(writer, block);
-  encoder.Finish();
+  const S_Bytes bytes = RunOf(block);
   const S_Read read = ReadParts(bytes, block.nUnitLength, block.nSamples);
   ASSERT_TRUE(read.bRead);
   EXPECT_GE(read.nUnread, 0);
@@ -203,11 +204,7 @@ TEST(HeronPartSyntax, SilentParts_TakeNextToNothing) {
   for (std::size_t nUnit = 0; nUnit < 800; nUnit += 8) {
     block.steps.push_back({false, {nUnit, 3, E_PartKind::kNear, 20}, S_Coefficients(320, 5)});
   }
-  S_Bytes bytes;
-  C_EntropyEncoder encoder(bytes);
-  C_PartWriter writer(encoder, 40);
-  WriteSteps(writer, block);
-  encoder.Finish();
+  const S_Bytes bytes = RunOf(block);
   EXPECT_LT(bytes.size(), 40u);
   ASSERT_NO_FATAL_FAILURE(CheckRoundTrip(block));
 }
@@ -217,11 +214,7 @@ TEST(HeronPartSyntax, APlainPartOfZeros_StaysPlain) {
   S_Block block{20, 20, {}};
   for (const std::size_t nSize : {3u, 2u, 1u}) block.steps.push_back({true, {0, nSize}, {}});
   block.steps.push_back({false, {0, 0, E_PartKind::kPlain, 20}, S_Coefficients(20, 3)});
-  S_Bytes bytes;
-  C_EntropyEncoder encoder(bytes);
-  C_PartWriter writer(encoder, 20);
-  WriteSteps(writer, block);
-  encoder.Finish();
+  const S_Bytes bytes = RunOf(block);
   const S_Read read = ReadParts(bytes, block.nUnitLength, block.nSamples);
   ASSERT_TRUE(read.bRead);
   ASSERT_EQ(read.parts.size(), 1u);
@@ -240,14 +233,48 @@ TEST(HeronPartSyntax, NoiseAfterNoise_IsSteady) {
     }
     block.steps.push_back({false, {nUnit, 3, E_PartKind::kNear, 20}, coefficients});
   }
-  S_Bytes bytes;
-  C_EntropyEncoder encoder(bytes);
-  C_PartWriter writer(encoder, 40);
-  WriteSteps(writer, block);
-  encoder.Finish();
+  const S_Bytes bytes = RunOf(block);
   const S_Read read = ReadParts(bytes, block.nUnitLength, block.nSamples);
   ASSERT_TRUE(read.bRead);
   EXPECT_EQ(read.parts.back().kind, E_PartKind::kSteady);
+}
+
+// ---- copies
+
+TEST(HeronPartSyntax, ACopyOfAWriter_GoesOnAsTheOriginal) {
+  S_WriterTools tools(24 * kSectionUnits);
+  for (std::uint64_t qwSeed = 1; qwSeed <= 40; ++qwSeed) {
+    const S_Block block = RandomBlock(qwSeed, 24, 4 * kSectionUnits * 24);
+    const S_Bytes run = RunOf(block);
+    C_PartWriter writer(24);
+    for (std::size_t n = 0; n < block.steps.size(); ++n) {
+      C_PartWriter copy = writer;
+      // Something else is written with another copy and the same tools.
+      C_PartWriter other = writer;
+      WriteStep(other, {false, {0, 3}, S_Coefficients(24 * kSectionUnits, 70000)}, tools);
+      EXPECT_EQ(copy.StepIndex(), writer.StepIndex());
+      EXPECT_EQ(copy.Bits(), writer.Bits());
+      for (std::size_t m = n; m < block.steps.size(); ++m) WriteStep(copy, block.steps[m], tools);
+      ASSERT_EQ(copy.Finish(), run) << qwSeed << ' ' << n;
+      WriteStep(writer, block.steps[n], tools);
+    }
+    EXPECT_EQ(writer.Finish(), run) << qwSeed;
+  }
+}
+
+TEST(HeronPartSyntax, TheStepIndex_IsThatOfTheLastPartThatIsNotSilent) {
+  S_WriterTools tools(20 * kSectionUnits);
+  C_PartWriter writer(20);
+  EXPECT_EQ(writer.StepIndex(), -1);
+  const S_Coefficients loud(160, 90000);
+  writer.Write({0, 3, E_PartKind::kNear, 17}, S_Coefficients(160), tools);
+  EXPECT_EQ(writer.StepIndex(), -1);
+  writer.Write({8, 3, E_PartKind::kNear, 21}, loud, tools);
+  EXPECT_EQ(writer.StepIndex(), 21);
+  writer.Write({16, 3, E_PartKind::kNear, 30}, S_Coefficients(160), tools);
+  EXPECT_EQ(writer.StepIndex(), 21);
+  writer.Write({24, 3, E_PartKind::kNear, 9}, loud, tools);
+  EXPECT_EQ(writer.StepIndex(), 9);
 }
 
 }  // namespace

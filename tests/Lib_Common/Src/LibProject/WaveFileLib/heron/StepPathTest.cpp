@@ -25,11 +25,14 @@ std::int64_t Loss(const S_StepWish& wish, int nIndex) {
   return nOff * nOff / 256 * 5 * static_cast<std::int64_t>(wish.nLength) / 256;
 }
 
-std::int64_t CostOf(const S_Wishes& wishes, const S_Indices& indices) {
+constexpr int kNone = -1;  // no index before the first one
+
+std::int64_t CostOf(const S_Wishes& wishes, const S_Indices& indices, int nBefore) {
   std::int64_t nCost = 0;
   for (std::size_t n = 0; n < wishes.size(); ++n) {
     nCost += Loss(wishes[n], indices[n]);
-    if (n > 0) nCost += IndexCost(indices[n] - indices[n - 1]);
+    if (nBefore != kNone) nCost += IndexCost(indices[n] - nBefore);
+    nBefore = indices[n];
   }
   return nCost;
 }
@@ -37,13 +40,16 @@ std::int64_t CostOf(const S_Wishes& wishes, const S_Indices& indices) {
 // The least cost of all paths through indices that are at most nReach away from the wishes.
 class C_AllPaths {
  public:
-  C_AllPaths(const S_Wishes& wishes, int nReach) : m_wishes(wishes), m_nReach(nReach) { Try({}); }
+  C_AllPaths(const S_Wishes& wishes, int nReach, int nBefore)
+      : m_wishes(wishes), m_nReach(nReach), m_nBefore(nBefore) {
+    Try({});
+  }
   [[nodiscard]] std::int64_t Least() const { return m_nLeast; }
 
  private:
   void Try(const S_Indices& path) {
     if (path.size() == m_wishes.size()) {
-      m_nLeast = std::min(m_nLeast, CostOf(m_wishes, path));
+      m_nLeast = std::min(m_nLeast, CostOf(m_wishes, path, m_nBefore));
       return;
     }
     const int nWanted = (m_wishes[path.size()].nIndex + 128) >> 8;
@@ -58,6 +64,7 @@ class C_AllPaths {
 
   const S_Wishes& m_wishes;
   int m_nReach;
+  int m_nBefore;
   std::int64_t m_nLeast = std::numeric_limits<std::int64_t>::max();
 };
 
@@ -96,9 +103,13 @@ TEST(HeronStepPath, OfShortSequences_IsTheBestOfAllPaths) {
   for (const int nSpread : {0, 100, 1000, 6000}) {
     for (std::uint64_t qwSeed = 1; qwSeed <= 60; ++qwSeed) {
       const S_Wishes wishes = RandomWishes(qwSeed, 1 + qwSeed % 4, 20, nSpread);
-      const S_Indices indices = ChooseSteps(wishes);
-      ASSERT_EQ(indices.size(), wishes.size());
-      EXPECT_EQ(CostOf(wishes, indices), C_AllPaths(wishes, 4).Least()) << nSpread << ' ' << qwSeed;
+      const int nNear = std::clamp(wishes[0].nIndex / 256 + 5, 0, kSteps - 1);
+      for (const int nBefore : {kNone, 0, nNear, kSteps - 1}) {
+        const S_Indices indices = ChooseSteps(wishes, nBefore);
+        ASSERT_EQ(indices.size(), wishes.size());
+        EXPECT_EQ(CostOf(wishes, indices, nBefore), C_AllPaths(wishes, 4, nBefore).Least())
+            << nSpread << ' ' << qwSeed << ' ' << nBefore;
+      }
     }
   }
 }
@@ -107,26 +118,31 @@ TEST(HeronStepPath, OfLongParts_IsTheBestOfAllIndices) {
   // Parts of 100 coefficients lose more with an index that is 5 away than any difference takes.
   for (std::uint64_t qwSeed = 1; qwSeed <= 6; ++qwSeed) {
     const S_Wishes wishes = RandomWishes(qwSeed, 2, 100, 6000);
-    EXPECT_EQ(CostOf(wishes, ChooseSteps(wishes)), C_AllPaths(wishes, 200).Least()) << qwSeed;
+    for (const int nBefore : {kNone, 30}) {
+      EXPECT_EQ(CostOf(wishes, ChooseSteps(wishes, nBefore), nBefore),
+                C_AllPaths(wishes, 200, nBefore).Least())
+          << qwSeed << ' ' << nBefore;
+    }
   }
 }
 
-TEST(HeronStepPath, OfNoParts_IsEmpty) { EXPECT_TRUE(ChooseSteps({}).empty()); }
+TEST(HeronStepPath, OfNoParts_IsEmpty) { EXPECT_TRUE(ChooseSteps({}, kNone).empty()); }
 
 TEST(HeronStepPath, OfOnePart_IsItsWishRounded) {
-  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256, 40}}), S_Indices{20});
-  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 + 127, 40}}), S_Indices{20});
-  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 + 129, 40}}), S_Indices{21});
-  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 - 127, 40}}), S_Indices{20});
-  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 - 129, 40}}), S_Indices{19});
+  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256, 40}}, kNone), S_Indices{20});
+  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 + 127, 40}}, kNone), S_Indices{20});
+  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 + 129, 40}}, kNone), S_Indices{21});
+  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 - 127, 40}}, kNone), S_Indices{20});
+  EXPECT_EQ(ChooseSteps(S_Wishes{{20 * 256 - 129, 40}}, kNone), S_Indices{19});
 }
 
 TEST(HeronStepPath, WishesOutsideTheRange_GetItsEnds) {
   for (const int nFar : {0, 1000, 20000, 100000}) {
-    EXPECT_EQ(ChooseSteps(S_Wishes{{-nFar, 40}, {-nFar, 80}, {-nFar, 20}}), (S_Indices{0, 0, 0}))
+    EXPECT_EQ(ChooseSteps(S_Wishes{{-nFar, 40}, {-nFar, 80}, {-nFar, 20}}, kNone),
+              (S_Indices{0, 0, 0}))
         << nFar;
     const int nAbove = (kSteps - 1) * 256 + nFar;
-    EXPECT_EQ(ChooseSteps(S_Wishes{{nAbove, 40}, {nAbove, 80}}),
+    EXPECT_EQ(ChooseSteps(S_Wishes{{nAbove, 40}, {nAbove, 80}}, kNone),
               (S_Indices{kSteps - 1, kSteps - 1}))
         << nFar;
   }
@@ -134,17 +150,26 @@ TEST(HeronStepPath, WishesOutsideTheRange_GetItsEnds) {
 
 TEST(HeronStepPath, EqualWishes_GetOneIndex) {
   const S_Wishes wishes(300, S_StepWish{17 * 256 + 30, 160});
-  EXPECT_EQ(ChooseSteps(wishes), S_Indices(300, 17));
+  EXPECT_EQ(ChooseSteps(wishes, kNone), S_Indices(300, 17));
 }
 
 TEST(HeronStepPath, AShortPartBetweenLongOnes_TakesTheirIndex) {
   const S_Wishes wishes = {{20 * 256, 320}, {21 * 256, 20}, {20 * 256, 320}};
-  EXPECT_EQ(ChooseSteps(wishes), (S_Indices{20, 20, 20}));
+  EXPECT_EQ(ChooseSteps(wishes, kNone), (S_Indices{20, 20, 20}));
+}
+
+TEST(HeronStepPath, AShortPartAfterAnIndex_TakesIt) {
+  const S_Wishes wishes = {{21 * 256, 20}};
+  EXPECT_EQ(ChooseSteps(wishes, kNone), S_Indices{21});
+  EXPECT_EQ(ChooseSteps(wishes, 20), S_Indices{20});
+  EXPECT_EQ(ChooseSteps(wishes, 22), S_Indices{22});
+  // A long part keeps its own.
+  EXPECT_EQ(ChooseSteps(S_Wishes{{21 * 256, 1000}}, 20), S_Indices{21});
 }
 
 TEST(HeronStepPath, ALongPartThatDiffers_GetsItsOwn) {
   const S_Wishes wishes = {{20 * 256, 320}, {40 * 256, 320}, {20 * 256, 320}};
-  EXPECT_EQ(ChooseSteps(wishes), (S_Indices{20, 40, 20}));
+  EXPECT_EQ(ChooseSteps(wishes, kNone), (S_Indices{20, 40, 20}));
 }
 
 TEST(HeronStepPath, OfLongSequences_CostsNoMoreThanTheWishesRounded) {
@@ -154,12 +179,12 @@ TEST(HeronStepPath, OfLongSequences_CostsNoMoreThanTheWishesRounded) {
     for (const S_StepWish& wish : wishes) {
       rounded.push_back(std::clamp((wish.nIndex + 128) >> 8, 0, kSteps - 1));
     }
-    const S_Indices indices = ChooseSteps(wishes);
+    const S_Indices indices = ChooseSteps(wishes, kNone);
     for (const int nIndex : indices) {
       ASSERT_GE(nIndex, 0);
       ASSERT_LT(nIndex, kSteps);
     }
-    EXPECT_LT(CostOf(wishes, indices), CostOf(wishes, rounded)) << qwSeed;
+    EXPECT_LT(CostOf(wishes, indices, kNone), CostOf(wishes, rounded, kNone)) << qwSeed;
   }
 }
 
