@@ -51,8 +51,8 @@ class C_BlockEncoder {
 
   // A writer for a block of which nothing is written yet.
   [[nodiscard]] C_PartWriter NewWriter() const { return C_PartWriter(m_nUnitLength); }
-  // The step indices of the parts of some sections. nBefore is the index that the first one is coded
-  // relative to, -1 for none.
+  // The step indices of the parts of some sections. nBefore is the index that the first one is
+  // coded relative to, -1 for none.
   [[nodiscard]] std::vector<int> Steps(const S_DividedBlock& block, const S_Sections& sections,
                                        int nBefore) const;
   // Writes the next sections of a block.

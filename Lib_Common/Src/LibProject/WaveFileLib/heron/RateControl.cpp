@@ -260,8 +260,8 @@ class C_SoundEncoder {
   [[nodiscard]] std::size_t TailAt() const {
     const std::size_t nTail = m_nSections - std::min(m_nSections, kTailSections);
     const std::size_t nLastBlock = (m_nBlocks - 1) * kBlockSections;
-    if (nLastBlock + kLeastTail <= m_nSections) return std::max(nTail / kPortion * kPortion, nLastBlock);
-    return nTail / kPortion * kPortion;
+    const std::size_t nAt = nTail / kPortion * kPortion;
+    return nLastBlock + kLeastTail <= m_nSections ? std::max(nAt, nLastBlock) : nAt;
   }
   // Samples from section nFirst on, of so many sections or as many as there are.
   [[nodiscard]] std::span<const std::int16_t> Sections(std::size_t nFirst,
@@ -303,8 +303,8 @@ class C_SoundEncoder {
   }
 
   // Codes a whole sound of a few sections. So few samples can take much more or much less than
-  // foreseen, and then the parts that were chosen do not suit the steps. So parts for much finer and
-  // for much coarser steps are tried as well.
+  // foreseen, and then the parts that were chosen do not suit the steps. So parts for much finer
+  // and for much coarser steps are tried as well.
   S_TailRuns EncodeWhole(const S_Start& start) {
     C_BlockDecoder decoder(m_nSampleRate);
     S_Judged best{{}, std::numeric_limits<std::uint64_t>::max()};
@@ -330,9 +330,13 @@ class C_SoundEncoder {
       blocks.push_back(m_encoder.Divide(Block(n), nOffset));
     }
     const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
-    C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
-    const S_TailRuns coded =
-        m_nSections <= kFewSections ? EncodeWhole(start) : EncodeTail(tail, m_qwRoom, start);
+    S_TailRuns coded;
+    if (m_nSections <= kFewSections) {
+      coded = EncodeWhole(start);
+    } else {
+      C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
+      coded = EncodeTail(tail, m_qwRoom, start);
+    }
     for (std::size_t n = nBlock; n < m_nBlocks; ++n) {
       if (!Put(n, coded.runs[n - nBlock])) return false;
     }

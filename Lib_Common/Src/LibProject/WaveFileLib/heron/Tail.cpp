@@ -22,8 +22,8 @@ S_Sections C_Tail::FirstSections(std::int64_t nCoarseness) const noexcept {
   const std::int64_t nWhole = (nClamped - Finest()) / m_nSections + Finest() / m_nSections;
   const int nOffset = static_cast<int>(nWhole) * m_nOffsetStep;
   // The sections that are not coarser, counted from the first section of the first block.
-  const std::int64_t nFiner = static_cast<std::int64_t>(m_nFirst) + m_nSections -
-                              (nClamped - nWhole * m_nSections);
+  const std::int64_t nFiner =
+      static_cast<std::int64_t>(m_nFirst) + m_nSections - (nClamped - nWhole * m_nSections);
   return {m_nFirst, m_blocks.front().SectionCount(), nOffset, nOffset + m_nOffsetStep,
           static_cast<std::size_t>(nFiner)};
 }
