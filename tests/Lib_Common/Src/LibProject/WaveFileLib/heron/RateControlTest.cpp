@@ -269,7 +269,7 @@ TEST(HeronWriting, WithoutProgress_GivesTheSame) {
 
 TEST(HeronRoom, AllInstructions_GiveTheSameBytes) {
   const test::C_InstructionsKept kept;
-  for (const auto& [strName, sound] : test::SoundsOf(5000)) {
+  for (const auto& [strName, sound] : test::SoundsOf(10000)) {
     for (const int nSampleRate : {4000, 48000}) {
       std::vector<S_Bytes> all;
       for (const vcm::tagInstructions eInstructions : test::kAllInstructions) {
