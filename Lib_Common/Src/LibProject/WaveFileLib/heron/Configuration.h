@@ -37,7 +37,7 @@ inline constexpr std::size_t kBlockSections = 100;
 
 // Samples per unit, 20 to 240.
 constexpr std::size_t UnitLength(int nSampleRate) noexcept {
-  return static_cast<std::size_t>(nSampleRate / 400 * 2);
+  return static_cast<std::size_t>(nSampleRate) / 400 * 2;
 }
 constexpr std::size_t SectionLength(int nSampleRate) noexcept {
   return kSectionUnits * UnitLength(nSampleRate);

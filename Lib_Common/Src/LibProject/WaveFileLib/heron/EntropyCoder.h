@@ -88,8 +88,9 @@ class C_EntropyEncoder {
     const std::uint64_t qwUp = qwUnit * nBelow;
     m_qwRange = qwUnit * nFrequency;
     m_qwLow += qwUp;
-    if (m_qwLow < qwUp) [[unlikely]]
+    if (m_qwLow < qwUp) [[unlikely]] {
       Carry();
+    }
     if (m_qwRange >> 32 != 0) return;
     PutTop(4);
     m_qwLow <<= 32;
