@@ -100,7 +100,7 @@ std::uint64_t C_Forecast::BitsAt(int nOffset) const noexcept {
     nBits += nEach * m_counts[static_cast<std::size_t>(n)];
     nLower = nUpper;
   }
-  return static_cast<std::uint64_t>(nBits) / (256 * kOffsetsPerSize);
+  return static_cast<std::uint64_t>(nBits) / (std::uint64_t{256} * kOffsetsPerSize);
 }
 
 int C_Forecast::OffsetFor(std::uint64_t qwBits) const noexcept {
