@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "Signals.h"
+#include "heron/RateControl.h"
 
 namespace heron {
 namespace {
@@ -95,6 +96,32 @@ TEST(HeronSounds, TheLoudestCoefficientInASilentSound_ComesBack) {
   EXPECT_GT(SignalToNoise(sound, Decode(Encode(sound, 48000, 6), 48000)), 60);
 }
 
+// ---- short sounds
+
+class HeronShortNoise : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Hertz, HeronShortNoise, testing::Values(4000, 8000, 16000, 48000));
+
+TEST_P(HeronShortNoise, OfFullScale_IsHeardAtEveryDepth) {
+  for (std::size_t nSamples = 1; nSamples <= 400; nSamples += 1 + nSamples / 12) {
+    const S_Sound noise = test::Noise(nSamples, nSamples);
+    for (int nBitDepth = kMinBitDepth; nBitDepth <= kMaxBitDepth; ++nBitDepth) {
+      const S_Bytes coded = Encode(noise, GetParam(), nBitDepth);
+      EXPECT_LE(coded.size(), CodedRoom(nSamples, nBitDepth)) << nSamples << ' ' << nBitDepth;
+      EXPECT_GT(SignalToNoise(noise, Decode(coded, GetParam())), 6) << nSamples << ' ' << nBitDepth;
+    }
+  }
+}
+
+TEST_P(HeronShortNoise, OfAFewSamples_ComesBackAlmostWhole) {
+  for (std::size_t nSamples = 1; nSamples <= 3; ++nSamples) {
+    for (std::uint64_t qwSeed = 1; qwSeed <= 4; ++qwSeed) {
+      const S_Sound noise = test::Noise(nSamples, qwSeed);
+      EXPECT_GT(SignalToNoise(noise, Decode(Encode(noise, GetParam(), 2), GetParam())), 50)
+          << nSamples << ' ' << qwSeed;
+    }
+  }
+}
+
 // ---- rates
 
 class HeronRates : public testing::TestWithParam<int> {};
@@ -144,6 +171,44 @@ TEST(HeronSounds, LoudNoise_ComesBackAsWellAsItsBitsAllow) {
     const double dRatio = SignalToNoise(noise, Decode(Encode(noise, 16000, nBitDepth), 16000));
     EXPECT_GT(dRatio, 6.02 * (nBitDepth - 1)) << nBitDepth;
     EXPECT_LT(dRatio, 6.02 * nBitDepth + 2) << nBitDepth;
+  }
+}
+
+TEST(HeronSounds, All16BitExtremes_ComeBackWithinTheirSize) {
+  // Full scale up and down in random turns, with the longest runs of either.
+  test::C_Random random(2);
+  S_Sound sound;
+  while (sound.size() < 9000) {
+    const std::int16_t nValue = random.Below(2) == 0 ? -32768 : 32767;
+    sound.resize(sound.size() + 1 + random.Below(1 << random.Below(9)), nValue);
+  }
+  for (int nBitDepth = kMinBitDepth; nBitDepth <= kMaxBitDepth; ++nBitDepth) {
+    const S_Bytes coded = Encode(sound, 8000, nBitDepth);
+    EXPECT_LE(coded.size() + kHeadBytes, MostBytes(sound.size(), nBitDepth));
+    EXPECT_GT(SignalToNoise(sound, Decode(coded, 8000)), 12 + 8 * nBitDepth) << nBitDepth;
+  }
+}
+
+TEST(HeronSounds, OneExtremeForAllTime_ComesBack) {
+  for (const std::int16_t nValue : {std::int16_t{-32768}, std::int16_t{32767}}) {
+    for (const int nSampleRate : {4000, 48000}) {
+      const S_Sound steady = test::Steady(30000, nValue);
+      const S_Sound decoded = Decode(Encode(steady, nSampleRate, 6), nSampleRate);
+      EXPECT_GT(SignalToNoise(steady, decoded), 120) << nValue << ' ' << nSampleRate;
+    }
+  }
+}
+
+TEST(HeronSounds, DigitalSilence_TakesFewBytesAndStaysSilent) {
+  for (const int nSampleRate : {4000, 8000, 16000, 48000}) {
+    for (const std::size_t nSamples : {1u, 100u, 5000u, 100000u}) {
+      const S_Sound silence(nSamples);
+      const S_Bytes coded = Encode(silence, nSampleRate, 6);
+      // Two bytes or so for ten sections, and a head for each block.
+      const std::size_t nBlocks = nSamples / BlockLength(nSampleRate) + 1;
+      EXPECT_LE(coded.size(), 6 + 30 * nBlocks) << nSampleRate << ' ' << nSamples;
+      EXPECT_EQ(Decode(coded, nSampleRate), silence) << nSampleRate << ' ' << nSamples;
+    }
   }
 }
 
