@@ -130,7 +130,7 @@ S_Sound FindSeveral(std::span<const std::uint8_t> bytes, std::size_t nCount, std
     }
     nAt += 6 + SlowSize(rest);
     const std::size_t nMissing = (rest[1] + 256 - sound.runs.size() % 256) % 256;
-    if (sound.runs.size() + nMissing >= nBlocks) continue;
+    if (nMissing > 127 || sound.runs.size() + nMissing >= nBlocks) continue;
     sound.runs.resize(sound.runs.size() + nMissing);
     const auto run = rest.subspan(7, SlowSize(rest));
     sound.runs.emplace_back(Bytes(run.begin(), run.end()));

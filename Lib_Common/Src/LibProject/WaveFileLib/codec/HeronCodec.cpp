@@ -155,7 +155,7 @@ std::optional<tempstream::S_Written> EncodeStream(I_WavData& wavData, unsigned i
 }
 
 // Whether too much is missing. Zeros stand for blocks that are missing, and a block of a few bytes
-// may claim that the 255 before it are. So no more may be missing than is there, apart from what a
+// may claim that the 127 before it are. So no more may be missing than is there, apart from what a
 // file may lack anyway.
 bool IsMostlyMissing(const heron::C_Decoder& decoder) {
   std::size_t nMissing = 0;

@@ -14,6 +14,8 @@ namespace {
 // The bytes that a search for the next block may check, as a multiple of all bytes. Bytes that were
 // made to look like the heads of long blocks would otherwise be checked over and over again.
 constexpr std::size_t kChecksPerByte = 16;
+// Blocks that may be missing in one place; half of the numbers that there are.
+constexpr std::size_t kMostMissing = 127;
 
 // Finds the blocks of coded audio one after another.
 class C_BlockSearch {
@@ -69,9 +71,10 @@ void C_Decoder::FindBlocks(std::span<const std::uint8_t> bytes) {
   while (m_runs.size() < nBlocks) {
     const auto block = search.Next();
     if (!block) break;
-    // Blocks that are missing before this one.
+    // Blocks that are missing before this one. A block that has been passed, or is there twice,
+    // seems to be far ahead.
     const std::size_t nMissing = (block->byNumber - m_runs.size()) & 0xFF;
-    if (nMissing >= nBlocks - m_runs.size()) continue;
+    if (nMissing > kMostMissing || nMissing >= nBlocks - m_runs.size()) continue;
     m_runs.resize(m_runs.size() + nMissing);
     m_runs.emplace_back(block->run);
   }

@@ -28,6 +28,9 @@ constexpr int BiasOf(int nSampleRate, int nBitDepth) noexcept {
 
 constexpr std::size_t kManySections = 10;
 
+// Sections with no more samples than this share of them that are not 0 are coded as samples.
+constexpr std::size_t kClickShare = 16;
+
 // log2(1 + h^2) / 2 in units of 1/256 bit, for a coefficient of h half steps, h = 2^(nSize/8).
 constexpr int kLeastSize = -8 * kPerOctave;
 constexpr int kMostSize = 15 * kPerOctave;
@@ -73,11 +76,7 @@ void C_Forecast::Count(std::span<const std::int16_t> block, std::uint32_t nTimes
   // In a long portion, every second section says enough.
   const std::uint32_t nEvery = nSections >= kManySections ? 2 : 1;
   for (std::size_t nAt = 0; nAt < m_padded.size(); nAt += nEvery * m_nLength) {
-    S_Lapped lapped{nAt, m_nLength, m_laps, m_laps};
-    if (nAt == 0) lapped.before = {};
-    if (nAt + m_nLength == m_padded.size()) lapped.after = {};
-    Fold(m_padded, lapped, m_values);
-    m_dct.Transform(m_values);
+    TakeSection(nAt);
     const int nStep = WantedStep(LoudnessOf(m_values), m_nSlope, 0) / kOffsetsPerSize;
     std::uint32_t* const pCounts = m_counts.data() + kSizeOf0 - kHalfStepSize - nStep;
     for (const std::int32_t nValue : m_values) {
@@ -85,6 +84,22 @@ void C_Forecast::Count(std::span<const std::int16_t> block, std::uint32_t nTimes
       if (nMagnitude != 0) pCounts[SizeOf(nMagnitude)] += nTimes * nEvery;
     }
   }
+}
+
+void C_Forecast::TakeSection(std::size_t nAt) {
+  const std::span section(m_padded.data() + nAt, m_nLength);
+  const auto nSilent = static_cast<std::size_t>(std::ranges::count(section, std::int16_t{0}));
+  if (m_nLength - nSilent <= m_nLength / kClickShare) {
+    for (std::size_t n = 0; n < m_nLength; ++n) {
+      m_values[n] = std::int32_t{section[n]} * (1 << kCoefficientQ);
+    }
+    return;
+  }
+  S_Lapped lapped{nAt, m_nLength, m_laps, m_laps};
+  if (nAt == 0) lapped.before = {};
+  if (nAt + m_nLength == m_padded.size()) lapped.after = {};
+  Fold(m_padded, lapped, m_values);
+  m_dct.Transform(m_values);
 }
 
 std::uint64_t C_Forecast::BitsAt(int nOffset) const noexcept {

@@ -40,6 +40,9 @@ class C_Forecast {
 
  private:
   void Count(std::span<const std::int16_t> block, std::uint32_t nTimes);
+  // Sets m_values to the coefficients of the section at sample nAt of m_padded, or to its samples
+  // when it is silent but for some clicks.
+  void TakeSection(std::size_t nAt);
 
   std::size_t m_nLength;  // of a section
   int m_nSlope;

@@ -101,16 +101,16 @@ TEST(HeronClaim, ManyFalseRunsWithRightChecks_AreRefusedWithoutMemoryForThem) {
   ExpectRefusedWithLittle(pieces, 48000);
 }
 
-// Each of these blocks claims that 255 others are missing before it.
+// Each of these blocks claims that 127 others are missing before it.
 TEST(HeronClaim, MostlyMissingSounds_AreRefusedAbove64MiB) {
   S_Pieces pieces;
   pieces.qwCount = kMostSamples;
   const Bytes run = SilentRun();
-  for (std::size_t n = 1; n <= 40; ++n) pieces.Add(256 * n - 1, run);
+  for (std::size_t n = 1; n <= 40; ++n) pieces.Add(128 * n - 1, run);
   ExpectRefusedWithLittle(pieces, 48000);
-  pieces.between.resize(1);
+  pieces.between.resize(2);
   ExpectRefusedWithLittle(pieces, 48000);
-  // At this rate, 255 blocks are 8 MB.
+  // At this rate, 254 blocks are 8 MB.
   const S_Result result = Decode(StreamOf(pieces), 4000);
   EXPECT_TRUE(result.bDecoded);
   EXPECT_EQ(result.nSamples, 256 * heron::BlockLength(4000));

@@ -251,9 +251,9 @@ TEST(HeronDecoder, NumbersAfter255_BeginAgain) {
   ASSERT_NO_FATAL_FAILURE(ExpectBlocks(coded.Bytes(), numbers));
 }
 
-TEST(HeronDecoder, UpTo255BlocksInARow_MayBeMissing) {
+TEST(HeronDecoder, UpTo127BlocksInARow_MayBeMissing) {
   constexpr std::size_t kBlocks = 700;
-  for (const std::size_t nMissing : {1u, 2u, 100u, 254u, 255u}) {
+  for (const std::size_t nMissing : {1u, 2u, 100u, 126u, 127u}) {
     for (const std::size_t nFirst : {0u, 1u, 200u, 255u, 256u, 400u}) {
       C_Coded coded(kBlocks * kLength);
       std::vector<std::size_t> numbers;
@@ -264,6 +264,20 @@ TEST(HeronDecoder, UpTo255BlocksInARow_MayBeMissing) {
       }
       ASSERT_NO_FATAL_FAILURE(ExpectBlocks(coded.Bytes(), numbers)) << nMissing << ' ' << nFirst;
     }
+  }
+}
+
+TEST(HeronDecoder, BlocksThatAreThereTwice_CountOnceInLongSounds) {
+  constexpr std::size_t kBlocks = 700;
+  for (const std::size_t nTwice : {0u, 5u, 255u, 256u, 600u, 699u}) {
+    C_Coded coded(kBlocks * kLength);
+    std::vector<std::size_t> numbers;
+    for (std::size_t n = 0; n < kBlocks; ++n) {
+      coded.Block(n);
+      if (n == nTwice) coded.Block(n);
+      numbers.push_back(n);
+    }
+    ASSERT_NO_FATAL_FAILURE(ExpectBlocks(coded.Bytes(), numbers)) << nTwice;
   }
 }
 
