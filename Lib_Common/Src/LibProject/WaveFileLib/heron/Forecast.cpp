@@ -26,8 +26,6 @@ constexpr int BiasOf(int nSampleRate, int nBitDepth) noexcept {
          std::min(nSampleRate, 16000) / 50;
 }
 
-constexpr std::size_t kManySections = 10;
-
 // Sections with no more samples than this share of them that are not 0 are coded as samples.
 constexpr std::size_t kClickShare = 16;
 
@@ -73,15 +71,13 @@ void C_Forecast::Count(std::span<const std::int16_t> block, std::uint32_t nTimes
   const std::size_t nSections = (block.size() + m_nLength - 1) / m_nLength;
   m_padded.assign(nSections * m_nLength, 0);
   std::ranges::copy(block, m_padded.begin());
-  // In a long portion, every second section says enough.
-  const std::uint32_t nEvery = nSections >= kManySections ? 2 : 1;
-  for (std::size_t nAt = 0; nAt < m_padded.size(); nAt += nEvery * m_nLength) {
+  for (std::size_t nAt = 0; nAt < m_padded.size(); nAt += m_nLength) {
     TakeSection(nAt);
     const int nStep = WantedStep(LoudnessOf(m_values), m_nSlope, 0) / kOffsetsPerSize;
     std::uint32_t* const pCounts = m_counts.data() + kSizeOf0 - kHalfStepSize - nStep;
     for (const std::int32_t nValue : m_values) {
       const auto nMagnitude = static_cast<std::uint32_t>(std::abs(nValue));
-      if (nMagnitude != 0) pCounts[SizeOf(nMagnitude)] += nTimes * nEvery;
+      if (nMagnitude != 0) pCounts[SizeOf(nMagnitude)] += nTimes;
     }
   }
 }

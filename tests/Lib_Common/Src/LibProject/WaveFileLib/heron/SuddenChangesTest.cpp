@@ -171,7 +171,7 @@ TEST_P(HeronChanges, AToneThatBecomesNoise_LeavesRoomForTheNoise) {
   const S_Sound sound = tone + NoiseOf(30000, 20000);
   const S_Coded coded = ThereAndBack(sound, kRate, GetParam());
   EXPECT_GT(RatioOf(sound, coded.decoded, 0, 29800), OfDepth({27, 40, 50, 60, 68}, GetParam()));
-  EXPECT_GT(RatioOf(sound, coded.decoded, 30000, 30000), OfDepth({17, 28, 38, 45, 51}, GetParam()));
+  EXPECT_GT(RatioOf(sound, coded.decoded, 30000, 30000), OfDepth({16, 27, 36, 43, 48}, GetParam()));
   EXPECT_GT(FillOf(coded, GetParam()), 0.99);
 }
 
