@@ -56,9 +56,9 @@ void Decode(std::size_t nTimes) {
 }
 
 constexpr std::array kSubjects = {
-    S_Subject{"heron-encode-2", "sample", kSecond, 8, 20, &Encode<2>},
-    S_Subject{"heron-encode-4", "sample", kSecond, 8, 20, &Encode<4>},
-    S_Subject{"heron-encode-6", "sample", kSecond, 8, 20, &Encode<6>},
+    S_Subject{"heron-encode-2", "sample", kSecond, 8, 32, &Encode<2>},
+    S_Subject{"heron-encode-4", "sample", kSecond, 8, 32, &Encode<4>},
+    S_Subject{"heron-encode-6", "sample", kSecond, 8, 32, &Encode<6>},
     S_Subject{"heron-decode-2", "sample", kDecodedSeconds* kSecond, 1, 4, &Decode<2>},
     S_Subject{"heron-decode-4", "sample", kDecodedSeconds* kSecond, 1, 4, &Decode<4>},
     S_Subject{"heron-decode-6", "sample", kDecodedSeconds* kSecond, 1, 4, &Decode<6>},
