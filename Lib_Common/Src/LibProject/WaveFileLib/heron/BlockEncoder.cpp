@@ -36,12 +36,14 @@ C_BlockEncoder::C_BlockEncoder(int nSampleRate, int nBitDepth)
       m_transforms(m_nUnitLength),
       m_tools(m_nUnitLength * kSectionUnits) {}
 
-S_DividedBlock C_BlockEncoder::Divide(std::span<const std::int16_t> samples, int nOffset) {
+S_DividedBlock C_BlockEncoder::Divide(std::span<const std::int16_t> samples, int nOffset,
+                                      const S_SeeSection& fnSee) {
   const std::size_t nLength = m_nUnitLength * kSectionUnits;
   const std::size_t nSections = (samples.size() + nLength - 1) / nLength;
   m_padded.assign(nSections * nLength, 0);
   std::ranges::copy(samples, m_padded.begin());
-  const auto divisions = ChooseParts({m_padded, samples.size(), m_nSlope, nOffset}, m_transforms);
+  const auto divisions =
+      ChooseParts({m_padded, samples.size(), m_nSlope, nOffset}, m_transforms, fnSee);
   S_DividedBlock block;
   block.nCount = samples.size();
   const std::size_t nUnits = (samples.size() + m_nUnitLength - 1) / m_nUnitLength;

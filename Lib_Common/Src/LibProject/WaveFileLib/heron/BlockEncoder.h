@@ -47,7 +47,9 @@ class C_BlockEncoder {
   C_BlockEncoder(int nSampleRate, int nBitDepth);
 
   // Divides a block of 1..BlockLength samples. nOffset is about the one that it will be coded with.
-  S_DividedBlock Divide(std::span<const std::int16_t> samples, int nOffset);
+  // fnSee, which may be empty, sees the sections of the block (PartChoice.h).
+  S_DividedBlock Divide(std::span<const std::int16_t> samples, int nOffset,
+                        const S_SeeSection& fnSee = {});
 
   // A writer for a block of which nothing is written yet.
   [[nodiscard]] C_PartWriter NewWriter() const { return C_PartWriter(m_nUnitLength); }

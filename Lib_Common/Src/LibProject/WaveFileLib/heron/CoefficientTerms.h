@@ -44,9 +44,12 @@ inline constexpr std::uint32_t kMostExpected = (1U << 24) - 1;
 
 inline std::uint32_t LevelPrice(std::int32_t nLevel, std::uint32_t nExpectation,
                                 const S_MagnitudePrices& prices) noexcept {
+  const auto nValue = static_cast<std::uint32_t>(nLevel);
+  if (nExpectation >> kHighestOctave == 0 && nValue < kEscapeSymbol) [[likely]] {
+    return prices[kTableOf[nExpectation]][0][nValue] + (nValue > 0 ? kBitPrice : 0);
+  }
   const auto [nTable, nShift] = ClassOf(std::min(nExpectation, kMostExpected));
-  const std::uint32_t nSymbol =
-      std::min(static_cast<std::uint32_t>(nLevel) >> nShift, kEscapeSymbol);
+  const std::uint32_t nSymbol = std::min(nValue >> nShift, kEscapeSymbol);
   const auto nBits = static_cast<std::uint32_t>(nShift + (nLevel > 0 ? 1 : 0));
   return prices[nTable][0][nSymbol] + nBits * kBitPrice;
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
+#include <functional>
 
 #include "heron/Configuration.h"
 #include "heron/FixedPoint.h"
@@ -25,9 +26,6 @@ constexpr int BiasOf(int nSampleRate, int nBitDepth) noexcept {
   return kBias[static_cast<std::size_t>(nBitDepth - kMinBitDepth)] + 210 -
          std::min(nSampleRate, 16000) / 50;
 }
-
-// Sections with no more samples than this share of them that are not 0 are coded as samples.
-constexpr std::size_t kClickShare = 16;
 
 // log2(1 + h^2) / 2 in units of 1/256 bit, for a coefficient of h half steps, h = 2^(nSize/8).
 constexpr int kLeastSize = -8 * kPerOctave;
@@ -52,9 +50,16 @@ constexpr std::int32_t BitsOf(int nSize) noexcept {
 
 // Eighths of an octave of a number of at least 1, taken as straight within each octave.
 int SizeOf(std::uint32_t nMagnitude) noexcept {
-  const int nOctave = 31 - std::countl_zero(nMagnitude);
-  const auto nEighths = static_cast<int>((std::uint64_t{nMagnitude} << 3 >> nOctave) & 7);
-  return nOctave * kPerOctave + nEighths;
+  // A double, which holds it exactly, has its octave and the three bits after its first bit on top.
+  constexpr int kDown = 49;
+  constexpr auto kOne = static_cast<int>(std::bit_cast<std::uint64_t>(1.0) >> kDown);
+  return static_cast<int>(std::bit_cast<std::uint64_t>(static_cast<double>(nMagnitude)) >> kDown) - kOne;
+}
+
+// True for silence with at most a sixteenth of its samples other than 0.
+bool IsOfClicks(std::span<const std::int16_t> samples) noexcept {
+  const auto nSilent = static_cast<std::size_t>(std::ranges::count(samples, std::int16_t{0}));
+  return samples.size() - nSilent <= samples.size() / 16;
 }
 
 }  // namespace
@@ -67,35 +72,42 @@ C_Forecast::C_Forecast(int nSampleRate, int nBitDepth)
       m_laps(MakeLaps(m_nLength / 2)),
       m_values(m_nLength) {}
 
-void C_Forecast::Count(std::span<const std::int16_t> block, std::uint32_t nTimes) {
+void C_Forecast::Add(std::span<const std::int16_t> block) {
   const std::size_t nSections = (block.size() + m_nLength - 1) / m_nLength;
-  m_padded.assign(nSections * m_nLength, 0);
-  std::ranges::copy(block, m_padded.begin());
-  for (std::size_t nAt = 0; nAt < m_padded.size(); nAt += m_nLength) {
-    TakeSection(nAt);
-    const int nStep = WantedStep(LoudnessOf(m_values), m_nSlope, 0) / kOffsetsPerSize;
-    std::uint32_t* const pCounts = m_counts.data() + kSizeOf0 - kHalfStepSize - nStep;
-    for (const std::int32_t nValue : m_values) {
-      const auto nMagnitude = static_cast<std::uint32_t>(std::abs(nValue));
-      if (nMagnitude != 0) pCounts[SizeOf(nMagnitude)] += nTimes;
-    }
+  std::vector<std::int16_t> padded(nSections * m_nLength);
+  std::ranges::copy(block, padded.begin());
+  for (std::size_t nAt = 0; nAt < padded.size(); nAt += m_nLength) {
+    Transform(padded, nAt);
+    Count(std::span(padded).subspan(nAt, m_nLength), m_values, m_counts);
   }
 }
 
-void C_Forecast::TakeSection(std::size_t nAt) {
-  const std::span section(m_padded.data() + nAt, m_nLength);
-  const auto nSilent = static_cast<std::size_t>(std::ranges::count(section, std::int16_t{0}));
-  if (m_nLength - nSilent <= m_nLength / kClickShare) {
-    for (std::size_t n = 0; n < m_nLength; ++n) {
-      m_values[n] = std::int32_t{section[n]} * (1 << kCoefficientQ);
-    }
-    return;
-  }
+void C_Forecast::Transform(std::span<const std::int16_t> block, std::size_t nAt) {
   S_Lapped lapped{nAt, m_nLength, m_laps, m_laps};
   if (nAt == 0) lapped.before = {};
-  if (nAt + m_nLength == m_padded.size()) lapped.after = {};
-  Fold(m_padded, lapped, m_values);
+  if (nAt + m_nLength == block.size()) lapped.after = {};
+  Fold(block, lapped, m_values);
   m_dct.Transform(m_values);
+}
+
+void C_Forecast::Count(std::span<const std::int16_t> samples,
+                       std::span<const std::int32_t> coefficients, S_Counts& counts) const {
+  std::vector<std::int32_t> clicks;
+  if (IsOfClicks(samples)) {
+    // Sections of clicks are coded as samples.
+    for (const std::int32_t nSample : samples) clicks.push_back(nSample * (1 << kCoefficientQ));
+    coefficients = clicks;
+  }
+  const int nStep = WantedStep(LoudnessOf(coefficients), m_nSlope, 0) / kOffsetsPerSize;
+  std::uint32_t* const pCounts = counts.data() + kSizeOf0 - kHalfStepSize - nStep;
+  for (const std::int32_t nValue : coefficients) {
+    const auto nMagnitude = static_cast<std::uint32_t>(std::abs(nValue));
+    if (nMagnitude != 0) ++pCounts[SizeOf(nMagnitude)];
+  }
+}
+
+void C_Forecast::Remove(const S_Counts& counts) noexcept {
+  std::ranges::transform(m_counts, counts, m_counts.begin(), std::minus{});
 }
 
 std::uint64_t C_Forecast::BitsAt(int nOffset) const noexcept {

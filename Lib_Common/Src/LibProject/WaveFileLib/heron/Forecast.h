@@ -22,9 +22,19 @@ class C_Forecast {
   // nSampleRate and nBitDepth must be supported.
   C_Forecast(int nSampleRate, int nBitDepth);
 
-  // Counts the samples of a block, or takes them out again.
-  void Add(std::span<const std::int16_t> block) { Count(block, 1); }
-  void Remove(std::span<const std::int16_t> block) { Count(block, ~std::uint32_t{0}); }
+  // The number of coefficients of each size: kSizeOf0 + n is n eighths of an octave above the step
+  // of offset 0.
+  static constexpr int kSizes = 320;
+  using S_Counts = std::array<std::uint32_t, kSizes>;
+
+  // Counts the samples of a block.
+  void Add(std::span<const std::int16_t> block);
+  // Counts one section of a block: its samples, and its coefficients when all sections of the block
+  // are parts.
+  void Count(std::span<const std::int16_t> samples, std::span<const std::int32_t> coefficients,
+             S_Counts& counts) const;
+  // Takes sections out again that were added with their blocks.
+  void Remove(const S_Counts& counts) noexcept;
 
   // The bits that the samples counted will take at an offset (Loudness.h).
   [[nodiscard]] std::uint64_t BitsAt(int nOffset) const noexcept;
@@ -39,23 +49,18 @@ class C_Forecast {
   static constexpr int kMostOffset = 18 * 1024;
 
  private:
-  void Count(std::span<const std::int16_t> block, std::uint32_t nTimes);
-  // Sets m_values to the coefficients of the section at sample nAt of m_padded, or to its samples
-  // when it is silent but for some clicks.
-  void TakeSection(std::size_t nAt);
+  // The coefficients of the section at sample nAt of a block of whole sections.
+  void Transform(std::span<const std::int16_t> block, std::size_t nAt);
+
+  static constexpr int kSizeOf0 = 104;
 
   std::size_t m_nLength;  // of a section
   int m_nSlope;
   int m_nBias;
   C_Dct4 m_dct;
   std::vector<S_Lap> m_laps;
-  std::vector<std::int16_t> m_padded;
   std::vector<std::int32_t> m_values;
-  // The number of coefficients of each size: kSizeOf0 + n is n eighths of an octave above the step
-  // of offset 0.
-  static constexpr int kSizes = 320;
-  static constexpr int kSizeOf0 = 104;
-  std::array<std::uint32_t, kSizes> m_counts{};
+  S_Counts m_counts{};
 };
 
 }  // namespace heron

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Chooses how the sections of a block are divided into parts. Long parts resolve the harmonics of
-// steady voices, short ones keep the noise of an attack from spreading ahead of it. Every division
-// is tried: its price is an estimate of the bits that its coefficients need at a step that depends
-// on the loudness around it.
+// steady voices, short ones keep the noise of an attack from spreading ahead of it. The price of a
+// part is an estimate of the bits that its coefficients need at a step that depends on the loudness
+// around it.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -38,7 +39,13 @@ struct S_BlockToDivide {
   int nOffset;  // about the one that the block will be coded with
 };
 
-// One division for each section of the block.
-std::vector<C_Division> ChooseParts(const S_BlockToDivide& block, C_Transforms& transforms);
+// Sees each section of a block: its samples, and its coefficients as if all sections were parts.
+using S_SeeSection =
+    std::function<void(std::span<const std::int16_t>, std::span<const std::int32_t>)>;
+
+// One division for each section of the block. fnSee, which may be empty, is called for one section
+// after another.
+std::vector<C_Division> ChooseParts(const S_BlockToDivide& block, C_Transforms& transforms,
+                                    const S_SeeSection& fnSee = {});
 
 }  // namespace heron

@@ -2,6 +2,7 @@
 #include "heron/RateControl.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -230,7 +231,7 @@ class C_SoundEncoder {
         m_fnProgress(fnProgress) {}
 
   bool Encode() {
-    for (std::size_t n = 0; n < m_nSections; n += kPortion) m_forecast.Add(Portion(n));
+    for (std::size_t n = 0; n < m_nBlocks; ++n) m_forecast.Add(Block(n));
     std::vector<std::uint8_t> count;
     AppendCount(count, m_samples.size());
     m_qwRoom -= count.size() + (m_nBlocks == 1 ? kCheckBytes : m_nBlocks * kBlockHeadBytes);
@@ -239,7 +240,7 @@ class C_SoundEncoder {
     const std::size_t nTailAt = TailAt();
     for (std::size_t nBlock = 0; nBlock < m_nBlocks; ++nBlock) {
       const std::size_t nFirst = nBlock * kBlockSections;
-      S_DividedBlock block = m_encoder.Divide(Block(nBlock), NextOffset(0));
+      S_DividedBlock block = Divide(nBlock);
       C_PartWriter writer = m_encoder.NewWriter();
       const std::size_t nEnd = std::min(nFirst + kBlockSections, nTailAt);
       for (std::size_t n = nFirst; n < nEnd; n += kPortion) EncodePortion(block, n, writer);
@@ -263,17 +264,9 @@ class C_SoundEncoder {
     const std::size_t nAt = nTail / kPortion * kPortion;
     return nLastBlock + kLeastTail <= m_nSections ? std::max(nAt, nLastBlock) : nAt;
   }
-  // Samples from section nFirst on, of so many sections or as many as there are.
-  [[nodiscard]] std::span<const std::int16_t> Sections(std::size_t nFirst,
-                                                       std::size_t nCount) const {
-    const std::size_t nAt = nFirst * m_nLength;
-    return m_samples.subspan(nAt, std::min(nCount * m_nLength, m_samples.size() - nAt));
-  }
-  [[nodiscard]] std::span<const std::int16_t> Portion(std::size_t nFirst) const {
-    return Sections(nFirst, kPortion);
-  }
   [[nodiscard]] std::span<const std::int16_t> Block(std::size_t nBlock) const {
-    return Sections(nBlock * kBlockSections, kBlockSections);
+    const std::size_t nAt = nBlock * kBlockSections * m_nLength;
+    return m_samples.subspan(nAt, std::min(kBlockSections * m_nLength, m_samples.size() - nAt));
   }
   // The offset at which what is left should take the room that is left. qwBegun: the bits that the
   // present block has taken so far.
@@ -284,15 +277,27 @@ class C_SoundEncoder {
         InRatio(qwBits, m_qwForeseen + m_qwTrust, m_qwTaken + qwBegun + m_qwTrust));
   }
 
+  // Divides a block, and notes what the forecast counted for each of its portions.
+  S_DividedBlock Divide(std::size_t nBlock) {
+    m_portions.fill({});
+    std::size_t nSection = 0;
+    return m_encoder.Divide(Block(nBlock), NextOffset(0),
+                            [&](std::span<const std::int16_t> samples,
+                                std::span<const std::int32_t> coefficients) {
+                              m_forecast.Count(samples, coefficients,
+                                               m_portions[nSection++ / kPortion]);
+                            });
+  }
+
   // Codes the portion that begins with section nFirst of the sound.
   void EncodePortion(const S_DividedBlock& block, std::size_t nFirst, C_PartWriter& writer) {
     int nOffset = NextOffset(writer.Bits());
     const std::uint64_t qwBitsBefore = m_forecast.BitsAt(nOffset);
-    m_forecast.Remove(Portion(nFirst));
+    const std::size_t nInBlock = nFirst % kBlockSections;
+    m_forecast.Remove(m_portions[nInBlock / kPortion]);
     m_qwForeseen += qwBitsBefore - m_forecast.BitsAt(nOffset);
     // What the sections after this portion need at least.
     const std::uint64_t qwKept = (m_nSections - nFirst - kPortion) * kLeastBits;
-    const std::size_t nInBlock = nFirst % kBlockSections;
     for (;; nOffset += C_Tail::kOffsetsPerOctave / 4) {
       C_PartWriter longer = writer;
       m_encoder.Write(block, {nInBlock, nInBlock + kPortion, nOffset, nOffset, 0}, longer);
@@ -364,6 +369,8 @@ class C_SoundEncoder {
   std::size_t m_nBlocks;
   std::uint64_t m_qwRoom;  // bytes that are left for runs
   C_Forecast m_forecast;   // of what is left
+  // Of the present block.
+  std::array<C_Forecast::S_Counts, kBlockSections / kPortion> m_portions{};
   C_BlockEncoder m_encoder;
   const S_Write& m_fnWrite;
   const S_Progress& m_fnProgress;

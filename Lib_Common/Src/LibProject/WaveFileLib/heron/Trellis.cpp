@@ -15,6 +15,7 @@ namespace heron {
 namespace {
 
 using S_Choices = std::array<std::uint32_t, kStates>;
+using S_Expectations = std::array<std::uint32_t, kStates>;
 
 // The best path that ends in a state. T_Below is C_NearBelow or C_SteadyBelow.
 template <typename T_Below>
@@ -59,10 +60,32 @@ class C_Prices {
   std::uint32_t m_nShiftPrice;
 };
 
-template <std::size_t nQuantiser, typename T_Below>
-S_Offers OffersFrom(const S_Path<T_Below>& path, std::uint32_t nExpectation, std::uint32_t nScaled,
-                    const S_LevelPair& levels) {
-  const C_Prices<ModelOf<T_Below>(), nQuantiser> prices(nExpectation + path.below.Expectation());
+// From this size of a coefficient in half steps, Q8, its levels may need an escape. A level lies
+// less than four half steps away.
+constexpr std::uint32_t kLeastLarge = (2 * (kEscapeSymbol - 2)) << kScaledQ;
+
+// The same prices for an expectation below the first shift and levels below the escape, as most
+// are.
+template <std::size_t nModel, std::size_t nQuantiser>
+class C_SmallPrices {
+ public:
+  explicit C_SmallPrices(std::uint32_t nExpectation)
+      : m_prices(kMagnitudePrices[nModel][kTableOf[nExpectation]][nQuantiser]) {}
+
+  [[nodiscard]] std::uint32_t OfZero() const { return m_prices[0]; }
+  [[nodiscard]] std::uint32_t Of(std::uint32_t nLevel) const {
+    return m_prices[nLevel] + (nLevel != 0 ? kBitPrice : 0);
+  }
+
+ private:
+  const std::array<std::uint32_t, kMagnitudeSymbols>& m_prices;
+};
+
+template <typename T_Prices, typename T_Below>
+[[gnu::always_inline]] inline S_Offers OffersFrom(const S_Path<T_Below>& path,
+                                                  std::uint32_t nExpectation, std::uint32_t nScaled,
+                                                  const S_LevelPair& levels) {
+  const T_Prices prices(nExpectation);
   S_Offers offers{{path.nCost + levels.nEvenError + prices.Of(levels.nEven), levels.nEven},
                   {path.nCost + levels.nOddError + prices.Of(levels.nOdd), levels.nOdd}};
   if (levels.bZeroToo) {
@@ -84,19 +107,38 @@ S_Path<T_Below> Better(const S_Paths<T_Below>& paths, const S_Offer& first, cons
   return {offer.nCost, paths[nFrom].below.Then(nMagnitude)};
 }
 
-template <typename T_Below>
-void Extend(S_Paths<T_Below>& paths, std::uint32_t nScaled, std::uint32_t nExpectation,
-            S_Choices& choices) {
+// T_Prices is C_Prices or C_SmallPrices.
+template <template <std::size_t, std::size_t> typename T_Prices, typename T_Below>
+[[gnu::always_inline]] inline void ExtendBy(S_Paths<T_Below>& paths, std::uint32_t nScaled,
+                                            const S_Expectations& expectations,
+                                            S_Choices& choices) {
+  using T_Prices0 = T_Prices<ModelOf<T_Below>(), 0>;
+  using T_Prices1 = T_Prices<ModelOf<T_Below>(), 1>;
   const S_LevelPair levels0 = LevelsAround<0>(nScaled);
   const S_LevelPair levels1 = LevelsAround<1>(nScaled);
-  const S_Offers from0 = OffersFrom<0>(paths[0], nExpectation, nScaled, levels0);
-  const S_Offers from1 = OffersFrom<0>(paths[1], nExpectation, nScaled, levels0);
-  const S_Offers from2 = OffersFrom<1>(paths[2], nExpectation, nScaled, levels1);
-  const S_Offers from3 = OffersFrom<1>(paths[3], nExpectation, nScaled, levels1);
+  const S_Offers from0 = OffersFrom<T_Prices0>(paths[0], expectations[0], nScaled, levels0);
+  const S_Offers from1 = OffersFrom<T_Prices0>(paths[1], expectations[1], nScaled, levels0);
+  const S_Offers from2 = OffersFrom<T_Prices1>(paths[2], expectations[2], nScaled, levels1);
+  const S_Offers from3 = OffersFrom<T_Prices1>(paths[3], expectations[3], nScaled, levels1);
   paths = {Better<0, 0, 1>(paths, from0.even, from1.odd, choices[0]),
            Better<1, 2, 3>(paths, from2.even, from3.odd, choices[1]),
            Better<0, 0, 1>(paths, from0.odd, from1.even, choices[2]),
            Better<1, 2, 3>(paths, from2.odd, from3.even, choices[3])};
+}
+
+template <typename T_Below>
+void Extend(S_Paths<T_Below>& paths, std::uint32_t nScaled, std::uint32_t nExpectation,
+            S_Choices& choices) {
+  const S_Expectations expectations = {nExpectation + paths[0].below.Expectation(),
+                                       nExpectation + paths[1].below.Expectation(),
+                                       nExpectation + paths[2].below.Expectation(),
+                                       nExpectation + paths[3].below.Expectation()};
+  const std::uint32_t nAny = expectations[0] | expectations[1] | expectations[2] | expectations[3];
+  if (nAny >> kHighestOctave == 0 && nScaled < kLeastLarge) {
+    ExtendBy<C_SmallPrices>(paths, nScaled, expectations, choices);
+  } else {
+    ExtendBy<C_Prices>(paths, nScaled, expectations, choices);
+  }
 }
 
 // The same when the level can only be zero.

@@ -112,6 +112,28 @@ TEST(HeronPartChoice, TransformsUsedAgain_ChooseAsNewOnes) {
   }
 }
 
+TEST(HeronPartChoice, EachSection_IsSeenOnceAsOnePart) {
+  const S_Sound sound = Padded(TestVoice(1700), 8000);
+  const std::size_t nLength = SectionLength(8000);
+  C_Transforms transforms(UnitLength(8000));
+  std::size_t nAt = 0;
+  ChooseParts({sound, 1700, kSlope, kOffset}, transforms,
+              [&](std::span<const std::int16_t> samples, std::span<const std::int32_t> values) {
+                ASSERT_EQ(samples.data(), sound.data() + nAt);
+                ASSERT_EQ(samples.size(), nLength);
+                const auto laps = transforms.Laps(kPartSizes - 1);
+                S_Lapped lapped{nAt, nLength, laps, laps};
+                if (nAt == 0) lapped.before = {};
+                if (nAt + nLength == sound.size()) lapped.after = {};
+                std::vector<std::int32_t> expected(nLength);
+                Fold(sound, lapped, expected);
+                C_Dct4(nLength).Transform(expected);
+                EXPECT_TRUE(std::ranges::equal(values, expected)) << nAt;
+                nAt += nLength;
+              });
+  EXPECT_EQ(nAt, sound.size());
+}
+
 TEST(HeronPartChoice, OffsetsFarOutside_AreNoHarm) {
   for (const int nOffset : {-100000, -13000, 19000, 100000}) {
     for (const auto& [strName, sound] : test::SoundsOf(1000)) {
