@@ -42,22 +42,23 @@ done
 convert_to 16000 c2-wia -t 12 -i "$speech/wav/wia_16kHz.wav"
 convert_to 16000 c2-orig16 -i "$speech/raw/speech_orig_16k.wav"
 
-# sort shuffles these in the same way each time, because it takes only the first 16 bytes of its
-# random source, and the first line of this file is a comment that never changes.
+# The languages of an installed package may lie beside those of others. sort shuffles these in the
+# same way each time, because it takes only the first 16 bytes of its random source, and the first
+# line of that file is a comment that never changes.
 actors=$("$unpack" fillets-ng-data-nl)
 number=0
 while IFS= read -r file; do
   for rate in 8000 16000; do convert_to "$rate" "nl-$number" -i "$actors/$file"; done
   number=$((number + 1))
-done < <(cd "$actors/" && find . -name '*.ogg' -size +25k | grep -v music |
+done < <(cd "$actors/" && find ./usr/share/games/fillets-ng/sound -path '*/nl/*.ogg' -size +25k |
   sort -R --random-source=/etc/services | sed 24q)
 ((number == 24)) || fail "$actors has too few sounds"
 
-for package in asterisk-prompt-es-co asterisk-prompt-fr-armelle; do
-  prompts=$("$unpack" "$package")/usr/share/asterisk/sounds
+for voice in es-co/es fr-armelle/fr; do
+  prompts=$("$unpack" "asterisk-prompt-${voice%/*}")/usr/share/asterisk/sounds/${voice#*/}
   number=0
   while IFS= read -r file; do
-    convert_to 8000 "${package#asterisk-prompt-}-$number" -i "$prompts/$file"
+    convert_to 8000 "${voice%/*}-$number" -i "$prompts/$file"
     number=$((number + 1))
   done < <(cd "$prompts" && find . -name '*.gsm' -size +6k | sort | sed 10q)
   ((number == 10)) || fail "$prompts has too few sounds"

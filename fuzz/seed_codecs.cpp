@@ -113,15 +113,22 @@ void AddHeronBlocks(C_Seeds& seeds) {
     for (std::size_t n = 0; n < samples.size(); n += kBlock - 700) samples[n] = 1000;
     Bytes pieces = HeronPieces(samples, 2);
     seeds.Add({"heron_stream"}, pieces);
-    // The same with another number, with a wrong check, and with bytes that are no block.
-    for (const std::uint8_t byWhat : {std::uint8_t{0}, std::uint8_t{1}, std::uint8_t{2}}) {
+    Bytes numbered = pieces;
+    numbered[3] = 0;
+    numbered.insert(numbered.begin() + 4, 2);
+    seeds.Add({"heron_stream"}, numbered);
+    Bytes endless = pieces;
+    endless[1] = endless[2] = 0xFF;
+    seeds.Add({"heron_stream"}, endless);
+    // The same with bytes that are no block, and with a wrong check.
+    for (const std::uint8_t byWhat : {std::uint8_t{1}, std::uint8_t{2}}) {
       pieces[3] = byWhat;
       seeds.Add({"heron_stream"}, pieces);
     }
-    pieces[1] = pieces[2] = 0xFF;
-    seeds.Add({"heron_stream"}, pieces);
   }
-  // A block at 48 kHz that has the number 255, so that 255 others are missing.
+  // Two blocks at 48 kHz with the numbers 127 and 255, so that 127 others are missing before each:
+  // more than may be. Then one with the number 255, which seems to be there for the second time.
+  seeds.Add({"heron_stream"}, Bytes{17, 0xFF, 0xFF, 0, 127, 3, 1, 2, 3, 0, 255, 3, 1, 2, 3});
   seeds.Add({"heron_stream"}, Bytes{17, 0xFF, 0xFF, 0, 255, 3, 1, 2, 3});
 }
 

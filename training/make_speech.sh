@@ -86,13 +86,14 @@ take_core() {
     "$(voice_in "asterisk-core-sounds-$1-g722" "$2")"
 }
 # take_some TAG COUNT FOLDER PATTERN SIZE: takes COUNT of the files above this size at both rates.
+# The pattern names the language where an installed package may have others beside it.
 take_some() {
   local tag=$1 count=$2 folder=$3 pattern=$4 size=$5 number=0 file
   while IFS= read -r file; do
     convert_to 8000 "$out/8k/$tag-$number.wav" -i "$folder/$file"
     convert_to 16000 "$out/16k/$tag-$number.wav" -i "$folder/$file"
     number=$((number + 1))
-  done < <(cd "$folder" && find . -name "$pattern" -size "$size" | shuffled | sed "${count}q")
+  done < <(cd "$folder" && find . -path "$pattern" -size "$size" | shuffled | sed "${count}q")
   ((number == count)) || fail "$folder has too few sounds"
 }
 
@@ -102,7 +103,7 @@ take_core fr fr_CA_f_June 60
 take_core it it_IT_m_Carlo 60
 take_core ru ru_RU_f_IvrvoiceRU 60
 take itf 60 "$(voice_in asterisk-prompt-it-menardi-wav it_IT_f_Menardi)"
-take_some cs 24 "$("$unpack" fillets-ng-data-cs)/usr/share/games/fillets-ng/sound" '*.ogg' +25k
+take_some cs 24 "$("$unpack" fillets-ng-data-cs)/usr/share/games/fillets-ng/sound" '*/cs/*.ogg' +25k
 take_some fvru 16 "$("$unpack" festvox-ru)/usr/share/festival/voices/russian" '*.wav' +100k
 
 # Every third sound gets a copy as bad lines, rooms and microphones make it: one of these in turn,

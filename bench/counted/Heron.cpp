@@ -25,16 +25,18 @@ std::vector<std::int16_t> Speech(std::size_t nSeconds) {
   std::vector<std::int16_t> samples;
   while (samples.size() < nSeconds * kSecond) {
     const std::size_t i = 2 * samples.size() % bytes.size();
-    const auto wLow = static_cast<std::uint8_t>(bytes[i]);
-    const auto wHigh = static_cast<std::uint8_t>(bytes[i + 1]);
-    samples.push_back(static_cast<std::int16_t>(static_cast<std::uint16_t>(wHigh << 8 | wLow)));
+    const auto byLow = static_cast<std::uint8_t>(bytes[i]);
+    const auto byHigh = static_cast<std::uint8_t>(bytes[i + 1]);
+    samples.push_back(static_cast<std::int16_t>(static_cast<std::uint16_t>(byHigh << 8 | byLow)));
   }
   return samples;
 }
 
 std::vector<std::uint8_t> Encoded(std::size_t nSeconds, int nBitDepth) {
   std::vector<std::uint8_t> coded;
-  heron::EncodeSamples(Speech(nSeconds), kSampleRate, nBitDepth, &coded, {});
+  if (!heron::EncodeSamples(Speech(nSeconds), kSampleRate, nBitDepth, &coded, {})) {
+    throw std::runtime_error("not encoded");
+  }
   return coded;
 }
 

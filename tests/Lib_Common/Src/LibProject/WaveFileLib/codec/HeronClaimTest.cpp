@@ -116,6 +116,22 @@ TEST(HeronClaim, MostlyMissingSounds_AreRefusedAbove64MiB) {
   EXPECT_EQ(result.nSamples, 256 * heron::BlockLength(4000));
 }
 
+// 174 blocks more are missing than are there, which is a little less than 64 MiB of PCM, then 175.
+TEST(HeronClaim, MissingBlocks_MayBe64MiBMoreThanAreThere) {
+  const std::size_t nLength = heron::BlockLength(48000);
+  S_Pieces pieces;
+  pieces.qwCount = kMostSamples;
+  const Bytes run = SilentRun();
+  pieces.Add(127, run);
+  pieces.Add(177, run);
+  const S_Result result = Decode(StreamOf(pieces), 48000);
+  EXPECT_TRUE(result.bDecoded);
+  EXPECT_EQ(result.nSamples, 178 * nLength);
+  pieces.between.pop_back();
+  pieces.Add(178, run);
+  ExpectRefusedWithLittle(pieces, 48000);
+}
+
 TEST(HeronClaim, AsManyMissingBlocksAsThereAre_AreSilenceAtAnyLength) {
   const std::size_t nLength = heron::BlockLength(48000);
   S_Pieces pieces;

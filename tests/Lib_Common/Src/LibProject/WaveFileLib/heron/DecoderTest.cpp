@@ -267,6 +267,13 @@ TEST(HeronDecoder, UpTo127BlocksInARow_MayBeMissing) {
   }
 }
 
+TEST(HeronDecoder, ABlockMoreThan127Ahead_IsPassedOver) {
+  for (const std::size_t nMissing : {128u, 129u, 200u, 255u}) {
+    const C_Coded coded = C_Coded(700 * kLength).Block(0).Block(nMissing + 1).Block(1);
+    ASSERT_NO_FATAL_FAILURE(ExpectBlocks(coded.Bytes(), {0, 1})) << nMissing;
+  }
+}
+
 TEST(HeronDecoder, BlocksThatAreThereTwice_CountOnceInLongSounds) {
   constexpr std::size_t kBlocks = 700;
   for (const std::size_t nTwice : {0u, 5u, 255u, 256u, 600u, 699u}) {
