@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The Heron frame coder on recorded speech at 16 kHz, over and over again; a sample a unit.
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -22,12 +24,19 @@ std::vector<std::int16_t> Speech(std::size_t nSeconds) {
   std::ifstream file(VOXPLAY_SPEECH, std::ios::binary);
   if (!file) throw std::runtime_error("no " VOXPLAY_SPEECH);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  std::vector<std::int16_t> samples;
-  while (samples.size() < nSeconds * kSecond) {
-    const std::size_t i = 2 * samples.size() % bytes.size();
+  std::vector<std::int16_t> recorded;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
     const auto byLow = static_cast<std::uint8_t>(bytes[i]);
     const auto byHigh = static_cast<std::uint8_t>(bytes[i + 1]);
-    samples.push_back(static_cast<std::int16_t>(static_cast<std::uint16_t>(byHigh << 8 | byLow)));
+    recorded.push_back(static_cast<std::int16_t>(static_cast<std::uint16_t>(byHigh << 8 | byLow)));
+  }
+  // Copies in one go, so that making the sound hardly counts.
+  std::vector<std::int16_t> samples;
+  const std::size_t nSamples = nSeconds * kSecond;
+  while (samples.size() < nSamples) {
+    const std::size_t nMore = std::min(recorded.size(), nSamples - samples.size());
+    samples.insert(samples.end(), recorded.begin(),
+                   recorded.begin() + static_cast<std::ptrdiff_t>(nMore));
   }
   return samples;
 }

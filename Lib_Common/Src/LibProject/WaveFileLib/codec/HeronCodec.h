@@ -3,10 +3,14 @@
 // Heron, the family of codecs for sound at 2 to 6 bits per sample. It turns a whole sound into one
 // stream (HeronStream.h) and back.
 //
-// Audio and events are divided into frames of 20 ms. Sample rates from 4000 to 48000 Hz are
-// accepted. The encoder works through two temporary files, which it removes before it returns, even
-// when a callback throws. Codecs are independent of each other: any number may work at the same
-// time, each in one thread.
+// The stream takes no more than its bits per sample, events aside. Only short sounds may take more,
+// 16 bytes and 2 bits per sample, but no more than 128 bytes: those of up to 511, 125, 61, 41 or 30
+// samples at 2, 3, 4, 5 or 6 bits.
+//
+// Events and progress count frames of 20 ms. Sample rates from 4000 to 48000 Hz are accepted. The
+// encoder works through two temporary files, which it removes before it returns, even when a
+// callback throws. Codecs are independent of each other: any number may work at the same time, each
+// in one thread.
 #pragma once
 
 #include <optional>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Decodes coded audio (Encoder.h) block by block. Damage ends with its block: a block that is
+// Decodes coded audio (RateControl.h) block by block. Damage ends with its block: a block that is
 // missing or damaged becomes silence, so that the rest of the sound stays where it was. A sound
 // whose end is missing ends with its last block that is there.
 #pragma once

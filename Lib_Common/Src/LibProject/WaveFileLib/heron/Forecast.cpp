@@ -53,7 +53,8 @@ int SizeOf(std::uint32_t nMagnitude) noexcept {
   // A double, which holds it exactly, has its octave and the three bits after its first bit on top.
   constexpr int kDown = 49;
   constexpr auto kOne = static_cast<int>(std::bit_cast<std::uint64_t>(1.0) >> kDown);
-  return static_cast<int>(std::bit_cast<std::uint64_t>(static_cast<double>(nMagnitude)) >> kDown) - kOne;
+  return static_cast<int>(std::bit_cast<std::uint64_t>(static_cast<double>(nMagnitude)) >> kDown) -
+         kOne;
 }
 
 // True for silence with at most a sixteenth of its samples other than 0.

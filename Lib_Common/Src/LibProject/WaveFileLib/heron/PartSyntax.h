@@ -2,7 +2,7 @@
 //
 // The sections of a block in the stream. A section is one part of eight units, or it is split into
 // two halves, each of which is one part or is split again, down to single units. What begins after
-// the last sample of the sound is left out. Each part or half begins with its kind:
+// the last sample of the block is left out. Each part or half begins with its kind:
 //
 //   near     step index, then the levels of its coefficients from the lowest frequency to the
 //            highest, by the near model (Neighbourhood.h)
@@ -10,7 +10,7 @@
 //   silent   nothing; all coefficients are 0
 //   split    its two halves; not for a single unit
 //   plain    like near, but the coefficients are the samples themselves, up to the last one of the
-//            sound; only for a single unit. Clicks need few bits this way
+//            block; only for a single unit. Clicks need few bits this way
 //
 // The step index is coded as its difference from that of the last part that had one: a difference
 // of -15..15 as symbol difference + 15, any other as symbol 31, followed by the index itself as 7

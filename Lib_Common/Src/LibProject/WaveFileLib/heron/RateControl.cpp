@@ -281,12 +281,11 @@ class C_SoundEncoder {
   S_DividedBlock Divide(std::size_t nBlock) {
     m_portions.fill({});
     std::size_t nSection = 0;
-    return m_encoder.Divide(Block(nBlock), NextOffset(0),
-                            [&](std::span<const std::int16_t> samples,
-                                std::span<const std::int32_t> coefficients) {
-                              m_forecast.Count(samples, coefficients,
-                                               m_portions[nSection++ / kPortion]);
-                            });
+    return m_encoder.Divide(
+        Block(nBlock), NextOffset(0),
+        [&](std::span<const std::int16_t> samples, std::span<const std::int32_t> coefficients) {
+          m_forecast.Count(samples, coefficients, m_portions[nSection++ / kPortion]);
+        });
   }
 
   // Codes the portion that begins with section nFirst of the sound.

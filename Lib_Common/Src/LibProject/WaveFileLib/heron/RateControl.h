@@ -33,7 +33,7 @@ inline constexpr std::uint64_t kMostShortBytes = 128;
 std::uint64_t CodedRoom(std::size_t nSamples, int nBitDepth) noexcept;
 
 // Codes samples (1..2^32-1) at a supported rate for a supported number of bits per sample. The
-// coded audio takes at most CodedRoom bytes, and is usually no more than a 250th smaller than that,
+// coded audio takes at most CodedRoom bytes, and is usually no more than a 256th smaller than that,
 // or a 100th where that is hard to meet. Sounds that stay smaller at any step size, like silence,
 // take less. fnProgress gets numbers of samples in rising order; the last one is that of all
 // samples. False when fnWrite was false.

@@ -16,7 +16,8 @@ namespace heron {
 
 // Codes the samples at nBitDepth (kMinBitDepth..kMaxBitDepth) bits each. With the kHeadBytes that
 // the caller puts before it, the coded audio takes at most samples * nBitDepth / 8 bytes, rounded
-// down. Short sounds may take a little more: 16 bytes and 2 bits per sample, 128 bytes at the most.
+// down. Only short sounds may take more, 16 bytes and 2 bits per sample, but no more than 128
+// bytes: those of up to 511, 125, 61, 41 or 30 samples at 2, 3, 4, 5 or 6 bits.
 //
 // fnWrite gets the coded audio, piece by piece. fnFrames (may be empty) is called with the number
 // of frames done; the numbers rise, and the last one is the count of all frames. The memory that

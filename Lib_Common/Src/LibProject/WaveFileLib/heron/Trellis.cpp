@@ -129,10 +129,9 @@ template <template <std::size_t, std::size_t> typename T_Prices, typename T_Belo
 template <typename T_Below>
 void Extend(S_Paths<T_Below>& paths, std::uint32_t nScaled, std::uint32_t nExpectation,
             S_Choices& choices) {
-  const S_Expectations expectations = {nExpectation + paths[0].below.Expectation(),
-                                       nExpectation + paths[1].below.Expectation(),
-                                       nExpectation + paths[2].below.Expectation(),
-                                       nExpectation + paths[3].below.Expectation()};
+  const S_Expectations expectations = {
+      nExpectation + paths[0].below.Expectation(), nExpectation + paths[1].below.Expectation(),
+      nExpectation + paths[2].below.Expectation(), nExpectation + paths[3].below.Expectation()};
   const std::uint32_t nAny = expectations[0] | expectations[1] | expectations[2] | expectations[3];
   if (nAny >> kHighestOctave == 0 && nScaled < kLeastLarge) {
     ExtendBy<C_SmallPrices>(paths, nScaled, expectations, choices);
