@@ -3,7 +3,7 @@
 // Heron, the family of codecs for sound at 2 to 6 bits per sample. It turns a whole sound into one
 // stream (HeronStream.h) and back.
 //
-// Audio and events are divided into frames of 20 ms. Sample rates from 4000 to 48000 Hz are
+// Events and progress are counted in frames of 20 ms. Sample rates from 4000 to 48000 Hz are
 // accepted. The encoder works through two temporary files, which it removes before it returns, even
 // when a callback throws. Codecs are independent of each other: any number may work at the same
 // time, each in one thread.

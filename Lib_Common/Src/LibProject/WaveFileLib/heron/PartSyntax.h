@@ -2,7 +2,7 @@
 //
 // The sections of a block in the stream. A section is one part of eight units, or it is split into
 // two halves, each of which is one part or is split again, down to single units. What begins after
-// the last sample of the sound is left out. Each part or half begins with its kind:
+// the last sample of the block is left out. Each part or half begins with its kind:
 //
 //   near     step index, then the levels of its coefficients from the lowest frequency to the
 //            highest, by the near model (Neighbourhood.h)
@@ -10,7 +10,7 @@
 //   silent   nothing; all coefficients are 0
 //   split    its two halves; not for a single unit
 //   plain    like near, but the coefficients are the samples themselves, up to the last one of the
-//            sound; only for a single unit. Clicks need few bits this way
+//            block; only for a single unit. Clicks need few bits this way
 //
 // The step index is coded as its difference from that of the last part that had one: a difference
 // of -15..15 as symbol difference + 15, any other as symbol 31, followed by the index itself as 7
@@ -50,7 +50,7 @@ class C_PartState {
  public:
   explicit C_PartState(std::size_t nUnitLength) : m_before(nUnitLength) {}
 
-  // The table for the kind of a part of 2^nSize units.
+  // By what the kind of the next part is coded: the context of kKindFrequencies.
   [[nodiscard]] std::size_t KindContext() const noexcept {
     return static_cast<std::size_t>(m_last);
   }
@@ -143,8 +143,9 @@ class C_PartReader {
 
   // Reads the next section into values, which has the length of a section: coefficients in Q8.
   // The block's sound has nSamples more samples from here on, at least one. Appends its parts to
-  // parts; nUnit is the first unit of the section. False for data that no writer writes: a step
-  // index out of range or a coefficient above kMaxCoefficient.
+  // parts; nUnit is the first unit of the section. False for data that no writer writes: a unit
+  // that is split, a longer part that is plain, a step index out of range, or a coefficient above
+  // kMaxCoefficient.
   bool ReadSection(std::span<std::int32_t> values, std::size_t nSamples, std::size_t nUnit,
                    std::vector<S_Part>& parts);
 

@@ -17,7 +17,7 @@ constexpr int kReach = 4;
 constexpr std::size_t kCandidates = 2 * kReach + 1;
 
 // What a difference of one index, squared, costs for each coefficient, in units of 1/256 bit. At a
-// fixed rate, a frame that is off by u nepers of noise power loses u^2 / (4 ln 2) bits a
+// fixed rate, a part that is off by u nepers of noise power loses u^2 / (4 ln 2) bits a
 // coefficient, which would be 11. Measured over whole sounds, half of that is best.
 constexpr std::int64_t kPricePerCoefficient = 5;
 

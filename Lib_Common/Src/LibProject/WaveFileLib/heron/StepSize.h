@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The quantiser's grid. The coefficients of a frame are multiples of its half step, whose size is
+// The quantiser's grid. The coefficients of a part are multiples of its half step, whose size is
 //
 //   half step = round(q[index mod 4] * 2^floor(index / 4) / 2^11) in Q8, index 0..71
 //
