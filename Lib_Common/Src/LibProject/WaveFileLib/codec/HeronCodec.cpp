@@ -30,7 +30,6 @@ namespace {
 
 constexpr unsigned int kGroupFrames = 32;
 constexpr std::uint32_t kSampleBytes = 2;
-constexpr std::size_t kMostMissing = std::size_t{64} << 20;  // bytes of PCM
 // The frame coder's rate control counts the bytes of the head.
 static_assert(heronstream::kHeadBytes == heron::kHeadBytes);
 
@@ -154,16 +153,6 @@ std::optional<tempstream::S_Written> EncodeStream(I_WavData& wavData, unsigned i
   return tempstream::Reopen(audioFile);
 }
 
-// Whether too much is missing. Zeros stand for blocks that are missing, and a block of a few bytes
-// may claim that the 127 before it are. So no more may be missing than is there, apart from what a
-// file may lack anyway.
-bool IsMostlyMissing(const heron::C_Decoder& decoder) {
-  std::size_t nMissing = 0;
-  for (std::size_t n = 0; n < decoder.BlockCount(); ++n) nMissing += decoder.Run(n) ? 0U : 1U;
-  const std::size_t nThere = decoder.BlockCount() - nMissing;
-  return nMissing > nThere && (nMissing - nThere) * decoder.Length() > kMostMissing / kSampleBytes;
-}
-
 // Whether the bytes can hold as many samples, at the smallest depth.
 bool CanHold(std::size_t cbCoded, std::size_t nSamples) {
   return nSamples / 8 <= cbCoded / static_cast<std::size_t>(heron::kMinBitDepth);
@@ -213,7 +202,7 @@ bool DecodeSound(std::span<const std::uint8_t> coded, int nSampleRate, I_WavData
   auto decoder = heron::C_Decoder::Open(coded, nSampleRate);
   if (!decoder) return false;
   const auto dwLength = vcm::CheckedBytes(decoder->SampleCount(), kSampleBytes);
-  if (!dwLength || IsMostlyMissing(*decoder)) return false;
+  if (!dwLength || decoder->IsMostlyMissing()) return false;
   if (!CanHold(coded.size(), decoder->SampleCount()) && !HasGoodBlock(*decoder)) return false;
   C_WavData* const pWavData = AsOurOwn(wavData);
   const bool bInPlace = pWavData != nullptr && std::endian::native == std::endian::little;

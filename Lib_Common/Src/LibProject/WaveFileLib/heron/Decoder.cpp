@@ -16,6 +16,8 @@ namespace {
 constexpr std::size_t kChecksPerByte = 16;
 // Blocks that may be missing in one place; half of the numbers that there are.
 constexpr std::size_t kMostMissing = 127;
+// Samples by which more may be missing than is there: 64 MiB.
+constexpr std::size_t kMostMissingSamples = (std::size_t{64} << 20) / sizeof(std::int16_t);
 
 // Finds the blocks of coded audio one after another.
 class C_BlockSearch {
@@ -66,7 +68,7 @@ void C_Decoder::FindBlocks(std::span<const std::uint8_t> bytes) {
     if (const auto run = ReadOnlyBlock(bytes)) m_runs.emplace_back(run);
     return;
   }
-  const std::size_t nBlocks = (m_nSamples + m_nLength - 1) / m_nLength;
+  const std::size_t nBlocks = (m_nSamples - 1) / m_nLength + 1;
   C_BlockSearch search(bytes);
   while (m_runs.size() < nBlocks) {
     const auto block = search.Next();
@@ -78,7 +80,14 @@ void C_Decoder::FindBlocks(std::span<const std::uint8_t> bytes) {
     m_runs.resize(m_runs.size() + nMissing);
     m_runs.emplace_back(block->run);
   }
-  m_nSamples = std::min(m_nSamples, m_runs.size() * m_nLength);
+  if (m_runs.size() < nBlocks) m_nSamples = m_runs.size() * m_nLength;
+}
+
+bool C_Decoder::IsMostlyMissing() const noexcept {
+  std::size_t nMissing = 0;
+  for (const auto& run : m_runs) nMissing += run ? 0U : 1U;
+  const std::size_t nThere = m_runs.size() - nMissing;
+  return nMissing > nThere && (nMissing - nThere) * m_nLength > kMostMissingSamples;
 }
 
 bool C_Decoder::DecodeBlock(std::size_t nBlock, std::span<std::int16_t> samples) {

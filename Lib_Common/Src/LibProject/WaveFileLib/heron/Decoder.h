@@ -31,6 +31,10 @@ class C_Decoder {
   [[nodiscard]] std::optional<std::span<const std::uint8_t>> Run(std::size_t nBlock) const {
     return m_runs[nBlock];
   }
+  // Whether too much is missing to be taken for a sound: more blocks than are there, by more than
+  // 64 MiB of samples. Zeros stand for missing blocks, and a block of a few bytes may claim that
+  // the 127 before it are missing.
+  [[nodiscard]] bool IsMostlyMissing() const noexcept;
   // Decodes block nBlock into samples, which has as many values as the block has samples. False
   // when the block is missing or damaged; the samples are then 0.
   bool DecodeBlock(std::size_t nBlock, std::span<std::int16_t> samples);

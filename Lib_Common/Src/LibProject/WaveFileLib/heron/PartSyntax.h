@@ -50,7 +50,7 @@ class C_PartState {
  public:
   explicit C_PartState(std::size_t nUnitLength) : m_before(nUnitLength) {}
 
-  // The table for the kind of a part of 2^nSize units.
+  // By what the kind of the next part is coded: the context of kKindFrequencies.
   [[nodiscard]] std::size_t KindContext() const noexcept {
     return static_cast<std::size_t>(m_last);
   }
@@ -143,8 +143,9 @@ class C_PartReader {
 
   // Reads the next section into values, which has the length of a section: coefficients in Q8.
   // The block's sound has nSamples more samples from here on, at least one. Appends its parts to
-  // parts; nUnit is the first unit of the section. False for data that no writer writes: a step
-  // index out of range or a coefficient above kMaxCoefficient.
+  // parts; nUnit is the first unit of the section. False for data that no writer writes: a unit
+  // that is split, a longer part that is plain, a step index out of range, or a coefficient above
+  // kMaxCoefficient.
   bool ReadSection(std::span<std::int32_t> values, std::size_t nSamples, std::size_t nUnit,
                    std::vector<S_Part>& parts);
 

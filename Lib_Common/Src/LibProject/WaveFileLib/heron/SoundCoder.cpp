@@ -39,16 +39,19 @@ bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int n
 bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
                    std::vector<std::int16_t>* pSamples) {
   auto decoder = C_Decoder::Open(coded, nSampleRate);
-  if (!decoder) return false;
+  if (!decoder || decoder->IsMostlyMissing()) return false;
   std::vector<std::int16_t> samples;
-  bool bAny = false;
+  std::vector<std::int16_t> block;
   for (std::size_t n = 0; n < decoder->BlockCount(); ++n) {
     const std::size_t nAt = n * decoder->Length();
-    const std::size_t nCount = std::min(decoder->Length(), decoder->SampleCount() - nAt);
-    samples.resize(nAt + nCount);
-    bAny |= decoder->DecodeBlock(n, {samples.data() + nAt, nCount});
+    block.resize(std::min(decoder->Length(), decoder->SampleCount() - nAt));
+    if (!decoder->DecodeBlock(n, block)) continue;
+    // Bad blocks get memory only when a good one follows. A few bytes may claim many of them.
+    samples.resize(nAt);
+    samples.insert(samples.end(), block.begin(), block.end());
   }
-  if (!bAny) return false;
+  if (samples.empty()) return false;
+  samples.resize(decoder->SampleCount());
   *pSamples = std::move(samples);
   return true;
 }

@@ -36,7 +36,9 @@ bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int n
 // Decodes what EncodeSamples made, at the rate that it was made for; every depth is decoded the
 // same way. Damage ends with its block, about 4 s of sound: a block that is missing or damaged
 // becomes silence, and a sound whose end is missing ends with the last block that is there. False,
-// with *pSamples unchanged, when no block can be decoded, and for a rate outside its range.
+// with *pSamples unchanged, when no block can be decoded, and for a rate outside its range. Also
+// false when more blocks are missing than are there and the difference is more than 64 MiB of
+// samples.
 bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
                    std::vector<std::int16_t>* pSamples);
 

@@ -2,8 +2,8 @@
 //
 // What the search for levels counts as costs: squared half steps, Q16, and bits at a price. All of
 // it fits 32 bits: a level is less than four half steps away, which is 2^20, and the dearest level
-// takes less than 2^22. So 64 coefficients take less than 2^28 after the least cost is taken off
-// all paths.
+// takes less than 64 bits, which is 2^21. So 64 coefficients add less than 2^28 after the least
+// cost is taken off all paths.
 #pragma once
 
 #include <array>

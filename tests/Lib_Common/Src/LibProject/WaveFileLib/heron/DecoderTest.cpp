@@ -15,6 +15,7 @@
 #include "heron/Block.h"
 #include "heron/Configuration.h"
 #include "heron/SampleCount.h"
+#include "heron/SoundCoder.h"
 
 namespace heron {
 namespace {
@@ -134,6 +135,21 @@ TEST(HeronDecoder, CountsThatCannotBe_AreRefused) {
   EXPECT_FALSE(C_Decoder::Open(C_Coded((kMost + 1) * 8 - 1).Block(0).Bytes(), kRate));
 }
 
+// Sizes have 32 bits on some machines.
+TEST(HeronDecoder, AllBlocksOfTheLargestCount_AreCounted) {
+  constexpr std::size_t kMost = std::numeric_limits<std::uint32_t>::max();
+  constexpr std::size_t kBlocks = (kMost - 1) / kLength + 1;
+  C_Coded coded(kMost);
+  for (std::size_t n = 127; n < kBlocks; n += 128) coded.Block(n);
+  EXPECT_EQ(C_Decoder::Open(coded.Bytes(), kRate).value().SampleCount(),
+            kBlocks / 128 * 128 * kLength);
+  coded.Block(kBlocks - 1);
+  const auto decoder = C_Decoder::Open(coded.Bytes(), kRate);
+  ASSERT_TRUE(decoder);
+  EXPECT_EQ(decoder->BlockCount(), kBlocks);
+  EXPECT_EQ(decoder->SampleCount(), kMost);
+}
+
 TEST(HeronDecoder, RatesOutsideTheirRange_AreRefused) {
   const C_Coded coded = C_Coded(5).OnlyBlock(Marked(0));
   for (const int nRate : {-4000, 0, 3999, 48001}) {
@@ -162,6 +178,18 @@ TEST(HeronDecoder, BlocksThatAreMissing_LeaveTheOthersInTheirPlaces) {
     EXPECT_EQ(C_Decoder::Open(coded.Bytes(), kRate)->SampleCount(),
               std::min(nCount, (numbers.back() + 1) * kLength));
   }
+}
+
+TEST(HeronDecoder, MoreThan64MiBMissingBeyondWhatIsThere_AreTooMuch) {
+  const auto isMostlyMissing = [](const C_Coded& coded, int nRate) {
+    return C_Decoder::Open(coded.Bytes(), nRate).value().IsMostlyMissing();
+  };
+  // 64 MiB are 174.8 of these blocks. Two are there, and the others up to the last one are missing.
+  constexpr int kHighRate = 48000;
+  const std::size_t nCount = 400 * BlockLength(kHighRate);
+  EXPECT_FALSE(isMostlyMissing(C_Coded(nCount).Block(100).Block(177), kHighRate));
+  EXPECT_TRUE(isMostlyMissing(C_Coded(nCount).Block(100).Block(178), kHighRate));
+  EXPECT_FALSE(isMostlyMissing(C_Coded(nCount).Block(100).Block(178), kRate));
 }
 
 TEST(HeronDecoder, ABlockThatIsDoubled_CountsOnce) {
@@ -394,6 +422,9 @@ TEST(HeronDecoder, OneBlockThatCanBeDecoded_IsEnough) {
     ASSERT_TRUE(decoder);
     S_Sound all(3 * kLength, 77);
     EXPECT_EQ(decoder->DecodeAll(all), nGood < 3);
+    S_Sound grown = {1, 2, 3};
+    EXPECT_EQ(DecodeSamples(coded.Bytes(), kRate, &grown), nGood < 3);
+    EXPECT_EQ(grown, nGood < 3 ? all : (S_Sound{1, 2, 3}));
     for (std::size_t n = 0; n < 3; ++n) {
       ExpectSteady(std::span(all).subspan(n * kLength, kLength), n == nGood ? HeightOf(n) : 0);
     }

@@ -5,6 +5,8 @@
 
 #include "Signals.h"
 #include "heron/Block.h"
+#include "heron/Configuration.h"
+#include "heron/SampleCount.h"
 #include "heron/SoundCoder.h"
 
 namespace heron {
@@ -178,6 +180,17 @@ TEST_P(HeronStreams, ThatAreDamaged_AreRefusedOrDecoded) {
   }
   // The check finds damage but for one time in 65536; some damage leaves the bytes as they were.
   EXPECT_LT(m_nDecoded, m_nRefused / 20);
+}
+
+// ---- blocks
+
+TEST(HeronSoundsInBlocks, ThatAreMostlyMissing_AreRefused) {
+  constexpr int kRate = 48000;
+  S_Bytes coded;
+  AppendCount(coded, 400 * BlockLength(kRate));
+  AppendBlock(coded, 100, {});
+  AppendBlock(coded, 227, {});
+  EXPECT_TRUE(IsRefused(coded, kRate));
 }
 
 }  // namespace
