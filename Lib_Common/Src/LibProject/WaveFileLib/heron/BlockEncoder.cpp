@@ -72,6 +72,10 @@ void C_BlockEncoder::Transform(S_DividedBlock& block) {
   }
 }
 
+int C_BlockEncoder::StepAtOffset0(const S_DividedBlock& block, std::size_t nPart) const {
+  return WantedStep(block.loudness[nPart], m_nSlope, 0);
+}
+
 std::vector<int> C_BlockEncoder::Steps(const S_DividedBlock& block, const S_Sections& sections,
                                        int nBefore) const {
   std::vector<S_StepWish> wishes;
@@ -88,9 +92,12 @@ std::vector<int> C_BlockEncoder::Steps(const S_DividedBlock& block, const S_Sect
 
 void C_BlockEncoder::Write(const S_DividedBlock& block, const S_Sections& sections,
                            C_PartWriter& writer) {
-  const std::size_t nFirst = block.PartsUpTo(sections.nFirst);
-  const std::size_t nEnd = block.PartsUpTo(sections.nEnd);
-  const std::vector<int> steps = Steps(block, sections, writer.StepIndex());
+  const std::size_t nEndSection = std::min(sections.nEnd, block.SectionCount());
+  S_Sections kept = sections;
+  kept.nEnd = std::clamp(sections.nLostFrom, sections.nFirst, nEndSection);
+  const std::size_t nFirst = block.PartsUpTo(kept.nFirst);
+  const std::size_t nEnd = block.PartsUpTo(kept.nEnd);
+  const std::vector<int> steps = Steps(block, kept, writer.StepIndex());
   for (std::size_t n = nFirst; n < nEnd; ++n) {
     S_Part part = block.parts[n];
     part.nIndex = steps[n - nFirst];
@@ -102,6 +109,7 @@ void C_BlockEncoder::Write(const S_DividedBlock& block, const S_Sections& sectio
     if (part.kind == E_PartKind::kPlain) nLength = std::min(nLength, block.nCount - nAt);
     writer.Write(part, {block.values.data() + nAt, nLength}, m_tools);
   }
+  for (std::size_t n = kept.nEnd; n < nEndSection; ++n) writer.WriteSilence(kPartSizes - 1);
 }
 
 }  // namespace heron

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -22,6 +23,8 @@ struct S_Sections {
   int nOffset;
   int nCoarser;
   std::size_t nCoarserFrom;
+  // The sections from here on are lost: they become silent, whatever they hold.
+  std::size_t nLostFrom = std::numeric_limits<std::size_t>::max();
 };
 
 // A block that is divided into parts.
@@ -53,6 +56,8 @@ class C_BlockEncoder {
 
   // A writer for a block of which nothing is written yet.
   [[nodiscard]] C_PartWriter NewWriter() const { return C_PartWriter(m_nUnitLength); }
+  // The step index, Q8, that a part gets at offset 0.
+  [[nodiscard]] int StepAtOffset0(const S_DividedBlock& block, std::size_t nPart) const;
   // The step indices of the parts of some sections. nBefore is the index that the first one is
   // coded relative to, -1 for none.
   [[nodiscard]] std::vector<int> Steps(const S_DividedBlock& block, const S_Sections& sections,

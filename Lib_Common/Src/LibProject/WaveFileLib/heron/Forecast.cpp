@@ -27,6 +27,19 @@ constexpr int BiasOf(int nSampleRate, int nBitDepth) noexcept {
          std::min(nSampleRate, 16000) / 50;
 }
 
+// Sections of clicks are coded as plain units where that takes fewer bits. A click follows zeros,
+// and so it takes twice the bits that its size would take among others as large. These, what a
+// plain unit takes beside its samples, and what its zeros take, were measured on clicks of many
+// kinds.
+constexpr std::uint32_t kTimesOfClick = 2;
+constexpr std::uint64_t kBitsOfPlain = 45;
+constexpr std::uint64_t kBitsOf16Zeros = 5;
+
+// A loudness is at most 30.6 * 256, which is that of the largest values, and the slope at most
+// 17/16. So a step is at most 65 eighths of an octave above that of offset 0, and the smallest size
+// counts as 0 or more. The largest coefficient has a size below 29 * 8, and counts below kSizes.
+constexpr int kSizeOf0 = 8 + 104;
+
 // log2(1 + h^2) / 2 in units of 1/256 bit, for a coefficient of h half steps, h = 2^(nSize/8).
 constexpr int kLeastSize = -8 * kPerOctave;
 constexpr int kMostSize = 15 * kPerOctave;
@@ -55,6 +68,10 @@ int SizeOf(std::uint32_t nMagnitude) noexcept {
   constexpr auto kOne = static_cast<int>(std::bit_cast<std::uint64_t>(1.0) >> kDown);
   return static_cast<int>(std::bit_cast<std::uint64_t>(static_cast<double>(nMagnitude)) >> kDown) -
          kOne;
+}
+
+bool IsSilent(std::span<const std::int16_t> samples) noexcept {
+  return std::ranges::all_of(samples, [](std::int16_t nSample) { return nSample == 0; });
 }
 
 // True for silence with at most a sixteenth of its samples other than 0.
@@ -91,27 +108,50 @@ void C_Forecast::Transform(std::span<const std::int16_t> block, std::size_t nAt)
   m_dct.Transform(m_values);
 }
 
+void C_Forecast::CountSizes(std::span<const std::int32_t> values, std::uint32_t nTimes,
+                            S_Counts& counts) const noexcept {
+  const int nStep = WantedStep(LoudnessOf(values), m_nSlope, 0) / kOffsetsPerSize;
+  std::uint32_t* const pSizes = counts.sizes.data() + kSizeOf0 - kHalfStepSize - nStep;
+  for (const std::int32_t nValue : values) {
+    const auto nMagnitude = static_cast<std::uint32_t>(std::abs(nValue));
+    if (nMagnitude != 0) pSizes[SizeOf(nMagnitude)] += nTimes;
+  }
+}
+
+C_Forecast::S_Counts C_Forecast::OfClicks(std::span<const std::int16_t> samples) const {
+  S_Counts counts;
+  std::vector<std::int32_t> values;
+  for (const std::int32_t nSample : samples) values.push_back(nSample * (1 << kCoefficientQ));
+  CountSizes(values, kTimesOfClick, counts);
+  const std::size_t nUnitLength = m_nLength / kSectionUnits;
+  for (std::size_t nAt = 0; nAt < m_nLength; nAt += nUnitLength) {
+    if (IsSilent(samples.subspan(nAt, nUnitLength))) continue;
+    counts.qwOther += kBitsOfPlain + nUnitLength * kBitsOf16Zeros / 16;
+  }
+  return counts;
+}
+
 void C_Forecast::Count(std::span<const std::int16_t> samples,
                        std::span<const std::int32_t> coefficients, S_Counts& counts) const {
-  std::vector<std::int32_t> clicks;
   if (IsOfClicks(samples)) {
-    // Sections of clicks are coded as samples.
-    for (const std::int32_t nSample : samples) clicks.push_back(nSample * (1 << kCoefficientQ));
-    coefficients = clicks;
+    S_Counts transformed;
+    CountSizes(coefficients, 1, transformed);
+    const S_Counts plain = OfClicks(samples);
+    if (BitsAt(plain, 0) < BitsAt(transformed, 0)) {
+      std::ranges::transform(counts.sizes, plain.sizes, counts.sizes.begin(), std::plus{});
+      counts.qwOther += plain.qwOther;
+      return;
+    }
   }
-  const int nStep = WantedStep(LoudnessOf(coefficients), m_nSlope, 0) / kOffsetsPerSize;
-  std::uint32_t* const pCounts = counts.data() + kSizeOf0 - kHalfStepSize - nStep;
-  for (const std::int32_t nValue : coefficients) {
-    const auto nMagnitude = static_cast<std::uint32_t>(std::abs(nValue));
-    if (nMagnitude != 0) ++pCounts[SizeOf(nMagnitude)];
-  }
+  CountSizes(coefficients, 1, counts);
 }
 
 void C_Forecast::Remove(const S_Counts& counts) noexcept {
-  std::ranges::transform(m_counts, counts, m_counts.begin(), std::minus{});
+  std::ranges::transform(m_counts.sizes, counts.sizes, m_counts.sizes.begin(), std::minus{});
+  m_counts.qwOther -= counts.qwOther;
 }
 
-std::uint64_t C_Forecast::BitsAt(int nOffset) const noexcept {
+std::uint64_t C_Forecast::BitsAt(const S_Counts& counts, int nOffset) const noexcept {
   // Between the sizes, the bits are taken as straight.
   const int nTotal = nOffset - m_nBias + kSizeOf0 * kOffsetsPerSize;
   const int nDown = (nTotal + kOffsetsPerSize - 1) / kOffsetsPerSize;
@@ -121,10 +161,11 @@ std::uint64_t C_Forecast::BitsAt(int nOffset) const noexcept {
   for (int n = 0; n < kSizes; ++n) {
     const std::int64_t nUpper = BitsOf(n + 1 - nDown);
     const std::int64_t nEach = nLower * (kOffsetsPerSize - nRest) + nUpper * nRest;
-    nBits += nEach * m_counts[static_cast<std::size_t>(n)];
+    nBits += nEach * counts.sizes[static_cast<std::size_t>(n)];
     nLower = nUpper;
   }
-  return static_cast<std::uint64_t>(nBits) / (std::uint64_t{256} * kOffsetsPerSize);
+  return static_cast<std::uint64_t>(nBits) / (std::uint64_t{256} * kOffsetsPerSize) +
+         counts.qwOther;
 }
 
 int C_Forecast::OffsetFor(std::uint64_t qwBits) const noexcept {

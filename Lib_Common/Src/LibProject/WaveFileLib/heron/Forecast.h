@@ -22,10 +22,13 @@ class C_Forecast {
   // nSampleRate and nBitDepth must be supported.
   C_Forecast(int nSampleRate, int nBitDepth);
 
-  // The number of coefficients of each size: kSizeOf0 + n is n eighths of an octave above the step
-  // of offset 0.
-  static constexpr int kSizes = 320;
-  using S_Counts = std::array<std::uint32_t, kSizes>;
+  static constexpr int kSizes = 336;
+  struct S_Counts {
+    // The number of coefficients of each size: kSizeOf0 + n is n eighths of an octave above the
+    // step of offset 0.
+    std::array<std::uint32_t, kSizes> sizes{};
+    std::uint64_t qwOther = 0;  // bits of what is not coefficients, the same at any offset
+  };
 
   // Counts the samples of a block.
   void Add(std::span<const std::int16_t> block);
@@ -37,7 +40,9 @@ class C_Forecast {
   void Remove(const S_Counts& counts) noexcept;
 
   // The bits that the samples counted will take at an offset (Loudness.h).
-  [[nodiscard]] std::uint64_t BitsAt(int nOffset) const noexcept;
+  [[nodiscard]] std::uint64_t BitsAt(int nOffset) const noexcept {
+    return BitsAt(m_counts, nOffset);
+  }
   // The lowest offset in kLeastOffset..kMostOffset at which they take no more than so many bits;
   // kMostOffset when there is none.
   [[nodiscard]] int OffsetFor(std::uint64_t qwBits) const noexcept;
@@ -49,10 +54,13 @@ class C_Forecast {
   static constexpr int kMostOffset = 18 * 1024;
 
  private:
+  // Counts values of a section as coefficients, each so many times.
+  void CountSizes(std::span<const std::int32_t> values, std::uint32_t nTimes,
+                  S_Counts& counts) const noexcept;
+  [[nodiscard]] S_Counts OfClicks(std::span<const std::int16_t> samples) const;
+  [[nodiscard]] std::uint64_t BitsAt(const S_Counts& counts, int nOffset) const noexcept;
   // The coefficients of the section at sample nAt of a block of whole sections.
   void Transform(std::span<const std::int16_t> block, std::size_t nAt);
-
-  static constexpr int kSizeOf0 = 104;
 
   std::size_t m_nLength;  // of a section
   int m_nSlope;

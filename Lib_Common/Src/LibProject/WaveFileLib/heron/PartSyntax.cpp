@@ -66,8 +66,7 @@ void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coeff
   // A plain part stays plain: its neighbours were transformed without an overlap on its side.
   if (part.kind != E_PartKind::kPlain &&
       std::ranges::all_of(levels, [](std::int32_t nLevel) { return nLevel == 0; })) {
-    WriteKind(part.nSize, E_PartKind::kSilent);
-    m_state.PassSilence();
+    WriteSilence(part.nSize);
     return;
   }
   WriteKind(part.nSize, written.kind);
@@ -78,6 +77,11 @@ void C_PartWriter::Write(const S_Part& part, std::span<const std::int32_t> coeff
     WriteLevels<C_NearBelow>(coefficients, levels);
   }
   m_state.End(written, levels);
+}
+
+void C_PartWriter::WriteSilence(std::size_t nSize) {
+  WriteKind(nSize, E_PartKind::kSilent);
+  m_state.PassSilence();
 }
 
 void C_PartWriter::WriteKind(std::size_t nSize, E_PartKind kind) {

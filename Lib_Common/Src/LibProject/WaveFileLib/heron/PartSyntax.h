@@ -114,6 +114,8 @@ class C_PartWriter {
 
   // A node of the tree that is split.
   void WriteSplit(std::size_t nSize) { WriteKind(nSize, E_PartKind::kSplit); }
+  // A part of which nothing is kept.
+  void WriteSilence(std::size_t nSize);
   // Quantises the coefficients (Q8) of a part with its step index and writes them. A part that is
   // not plain is written by the model that promises to cost less, and as silence when all of it
   // becomes 0.

@@ -40,8 +40,10 @@ constexpr std::size_t kTailSections = 30;
 constexpr std::size_t kLeastTail = 15;
 // The forecast is trusted as if it had been right for so many sections.
 constexpr std::uint64_t kTrustedSections = 50;
-// More bits than a section takes when all its parts are silent.
-constexpr std::uint64_t kLeastBits = 16;
+// More bits than what is left of a block takes when it is lost: a section of silence after another
+// one takes about a bit, the first one in a row up to 12 bits, and a run ends with two bytes.
+constexpr std::uint64_t kLeastBitsOfBlock = 32;
+constexpr std::uint64_t kLeastBitsOfSection = 2;
 
 // Sounds of so few sections are tried at every coarseness.
 constexpr std::size_t kFewSections = 4;
@@ -66,7 +68,7 @@ class C_Search {
       : m_nMost(static_cast<std::int64_t>(qwMost)),
         m_nStepsPerOctave(tail.StepsPerOctave()),
         m_nFine(tail.Finest() - 1),
-        m_nCoarse(tail.Coarsest() + 1),
+        m_nCoarse(tail.AllLost() + 1),
         m_nNext(Limit(tail.FromOffset(start.nOffset))),
         m_nForeseenPerOctave(start.nBytesPerOctave),
         m_nBytesPerOctave(start.nBytesPerOctave) {}
@@ -191,6 +193,7 @@ S_Judged EncodeFew(C_Tail& tail, std::uint64_t qwMost, const S_Start& start,
   S_Judged best{{}, std::numeric_limits<std::uint64_t>::max()};
   if (search.SizeThatFits() >= 0) best.qwError = ErrorOf(decoder, search.Best().runs[0], samples);
   best.runs = search.TakeBest();
+  if (nFound > tail.Coarsest()) return best;
   std::vector<int> stepsBefore;
   for (std::int64_t n = nFound - tail.StepsPerOctave(); n < nFound; ++n) {
     // Most differ in no step index from the one before.
@@ -237,6 +240,7 @@ class C_SoundEncoder {
     m_qwRoom -= count.size() + (m_nBlocks == 1 ? kCheckBytes : m_nBlocks * kBlockHeadBytes);
     m_qwTrust = m_qwRoom * 8 * kTrustedSections / m_nSections;
     if (!m_fnWrite(count)) return false;
+    if (m_nSections <= kFewSections) return Put(0, EncodeWhole().runs.front());
     const std::size_t nTailAt = TailAt();
     for (std::size_t nBlock = 0; nBlock < m_nBlocks; ++nBlock) {
       const std::size_t nFirst = nBlock * kBlockSections;
@@ -295,30 +299,49 @@ class C_SoundEncoder {
     const std::size_t nInBlock = nFirst % kBlockSections;
     m_forecast.Remove(m_portions[nInBlock / kPortion]);
     m_qwForeseen += qwBitsBefore - m_forecast.BitsAt(nOffset);
-    // What the sections after this portion need at least.
-    const std::uint64_t qwKept = (m_nSections - nFirst - kPortion) * kLeastBits;
-    for (;; nOffset += C_Tail::kOffsetsPerOctave / 4) {
-      C_PartWriter longer = writer;
-      m_encoder.Write(block, {nInBlock, nInBlock + kPortion, nOffset, nOffset, 0}, longer);
-      if (longer.Bits() + qwKept > m_qwRoom * 8 && nOffset < C_Forecast::kMostOffset) continue;
-      writer = std::move(longer);
-      return;
+    // What the sections after this portion need at least, and at the coarsest steps.
+    const std::uint64_t qwLeast = (m_nSections - nFirst - kPortion) * kLeastBitsOfSection +
+                                  (m_nBlocks - nFirst / kBlockSections) * kLeastBitsOfBlock;
+    const std::uint64_t qwCoarsest = qwLeast + m_forecast.BitsAt(C_Forecast::kMostOffset);
+    S_Sections portion{nInBlock, nInBlock + kPortion, nOffset, nOffset, 0};
+    for (; portion.nOffset < C_Forecast::kMostOffset;
+         portion.nOffset += C_Tail::kOffsetsPerOctave / 4) {
+      portion.nCoarser = portion.nOffset;
+      if (TryPortion(block, portion, qwCoarsest, writer)) return;
     }
+    if (TryPortion(block, portion, qwLeast, writer)) return;
+    portion.nLostFrom = nInBlock;
+    m_encoder.Write(block, portion, writer);
+  }
+
+  // Codes a portion if so many bits are left after it.
+  bool TryPortion(const S_DividedBlock& block, const S_Sections& portion, std::uint64_t qwLeft,
+                  C_PartWriter& writer) {
+    C_PartWriter longer = writer;
+    m_encoder.Write(block, portion, longer);
+    if (longer.Bits() + qwLeft > m_qwRoom * 8) return false;
+    writer = std::move(longer);
+    return true;
   }
 
   // Codes a whole sound of a few sections. So few samples can take much more or much less than
-  // foreseen, and then the parts that were chosen do not suit the steps. So parts for much finer
-  // and for much coarser steps are tried as well.
-  S_TailRuns EncodeWhole(const S_Start& start) {
+  // foreseen, and then the parts that were chosen do not suit the steps. So parts for much finer,
+  // for much coarser and for the finest steps are tried as well.
+  S_TailRuns EncodeWhole() {
+    const int nOffset = NextOffset(0);
+    const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
     C_BlockDecoder decoder(m_nSampleRate);
     S_Judged best{{}, std::numeric_limits<std::uint64_t>::max()};
-    for (const int nOctaves : {0, -4, 4}) {
+    constexpr int kFar = 4 * C_Tail::kOffsetsPerOctave;
+    for (const int nDivided : {nOffset, nOffset - kFar, nOffset + kFar, C_Forecast::kLeastOffset}) {
       std::vector<S_DividedBlock> blocks;
-      blocks.push_back(
-          m_encoder.Divide(m_samples, start.nOffset + nOctaves * C_Tail::kOffsetsPerOctave));
+      blocks.push_back(m_encoder.Divide(m_samples, nDivided));
       C_Tail tail(m_encoder, m_encoder.NewWriter(), 0, std::move(blocks));
-      S_Judged coded = EncodeFew(tail, m_qwRoom, start, m_samples, decoder);
-      if (best.runs.runs.empty() || coded.qwError < best.qwError) best = std::move(coded);
+      for (const bool bWholeIndices : {false, true}) {
+        if (bWholeIndices) tail.UseWholeIndices();
+        S_Judged coded = EncodeFew(tail, m_qwRoom, start, m_samples, decoder);
+        if (best.runs.runs.empty() || coded.qwError < best.qwError) best = std::move(coded);
+      }
     }
     return std::move(best.runs);
   }
@@ -334,13 +357,8 @@ class C_SoundEncoder {
       blocks.push_back(m_encoder.Divide(Block(n), nOffset));
     }
     const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
-    S_TailRuns coded;
-    if (m_nSections <= kFewSections) {
-      coded = EncodeWhole(start);
-    } else {
-      C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
-      coded = EncodeTail(tail, m_qwRoom, start);
-    }
+    C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
+    const S_TailRuns coded = EncodeTail(tail, m_qwRoom, start);
     for (std::size_t n = nBlock; n < m_nBlocks; ++n) {
       if (!Put(n, coded.runs[n - nBlock])) return false;
     }

@@ -26,17 +26,18 @@ class C_Tail {
          std::vector<S_DividedBlock> blocks);
 
   // Codes the tail. nCoarseness counts steps that each make one section after the other a little
-  // coarser, from the last one to the first: StepsPerOctave of them double the step sizes. Values
-  // outside Finest..Coarsest count as the nearer of these two.
+  // coarser, from the last one to the first: StepsPerOctave of them double the step sizes. Each one
+  // above Coarsest loses a section, from the last one to the first. Values outside
+  // Finest..AllLost count as the nearer of these two.
   [[nodiscard]] S_TailRuns Encode(std::int64_t nCoarseness);
 
   // The step indices of all parts of the tail in its first block, at a coarseness.
   [[nodiscard]] std::vector<int> FirstSteps(std::int64_t nCoarseness) const;
 
   // A sound of steady loudness changes all its step indices at the same coarseness, so that no
-  // coarseness may fill its size. After this call, the steps are those in which one section after
-  // the other changes by a whole step index.
-  void UseWholeIndices() noexcept { m_nOffsetStep = 256; }
+  // coarseness may fill its size. After this call, one section after the other changes by a whole
+  // step index, from near one to near the next.
+  void UseWholeIndices() noexcept;
 
   [[nodiscard]] std::int64_t StepsPerOctave() const noexcept {
     return std::int64_t{kOffsetsPerOctave / m_nOffsetStep} * m_nSections;
@@ -46,12 +47,13 @@ class C_Tail {
   // 18 octaves in all.
   [[nodiscard]] std::int64_t Finest() const noexcept { return -12 * StepsPerOctave(); }
   [[nodiscard]] std::int64_t Coarsest() const noexcept { return 18 * StepsPerOctave(); }
+  [[nodiscard]] std::int64_t AllLost() const noexcept { return Coarsest() + m_nSections; }
   // The coarseness of an offset in 256ths of a step index, and the other way round.
   [[nodiscard]] std::int64_t FromOffset(int nOffset) const noexcept {
-    return std::int64_t{nOffset / m_nOffsetStep} * m_nSections;
+    return std::int64_t{(nOffset - m_nPhase) / m_nOffsetStep} * m_nSections;
   }
   [[nodiscard]] int ToOffset(std::int64_t nCoarseness) const noexcept {
-    return static_cast<int>(nCoarseness / m_nSections) * m_nOffsetStep;
+    return static_cast<int>(nCoarseness / m_nSections) * m_nOffsetStep + m_nPhase;
   }
   [[nodiscard]] std::int64_t SectionCount() const noexcept { return m_nSections; }
   // An octave of step size: four step indices (StepSize.h) of 256 each.
@@ -67,6 +69,7 @@ class C_Tail {
   std::vector<S_DividedBlock> m_blocks;
   std::int64_t m_nSections;
   int m_nOffsetStep = 16;
+  int m_nPhase = 0;  // the offset at coarseness 0
 };
 
 }  // namespace heron

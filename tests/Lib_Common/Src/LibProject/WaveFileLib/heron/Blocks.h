@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -96,6 +97,7 @@ struct S_Offsets {
   int nOffset;
   int nCoarser;
   std::size_t nCoarserFrom;
+  std::size_t nLostFrom = std::numeric_limits<std::size_t>::max();
 };
 constexpr S_Offsets AllAt(int nOffset) { return {nOffset, nOffset, 0}; }
 
@@ -103,7 +105,8 @@ inline S_Bytes RunOf(C_BlockEncoder& encoder, const S_DividedBlock& block,
                      const S_Offsets& offsets) {
   C_PartWriter writer = encoder.NewWriter();
   encoder.Write(block,
-                {0, block.SectionCount(), offsets.nOffset, offsets.nCoarser, offsets.nCoarserFrom},
+                {0, block.SectionCount(), offsets.nOffset, offsets.nCoarser, offsets.nCoarserFrom,
+                 offsets.nLostFrom},
                 writer);
   return writer.Finish();
 }

@@ -147,6 +147,69 @@ TEST(HeronRoom, SoundsOfRandomPieces_StayWithinIt) {
   }
 }
 
+// ---- sounds that are hard to foresee
+
+std::int16_t Loud(test::C_Random& random, std::int64_t nMost) {
+  return static_cast<std::int16_t>(random.Between(-nMost, nMost));
+}
+// Sound k of ten: noise, clicks, pulses, tones, extremes and silence.
+std::int16_t SampleOf(std::size_t nKind, std::size_t n, test::C_Random& random) {
+  constexpr int kMost = 32767;
+  switch (nKind) {
+    case 0:
+      return Loud(random, kMost);
+    case 1:
+      return Loud(random, 100);
+    case 2:
+      return random.Below(17) == 0 ? Loud(random, kMost) : std::int16_t{0};
+    case 3:
+      return static_cast<std::int16_t>(10000 * std::sin(0.3 * static_cast<double>(n)));
+    case 4:
+      return random.Below(2) == 0 ? kMost : -kMost;
+    case 5:
+      return random.Below(100) == 0 ? kMost : std::int16_t{0};
+    case 6:
+      return Loud(random, 3000);
+    case 7:
+      return n % 37 == 0 ? Loud(random, 20000) : std::int16_t{0};
+    case 8:
+      return n % 80 < 2 ? 20000 : 0;
+    default:
+      return 0;
+  }
+}
+TEST(HeronRoom, OneKindOfSoundAfterAnother_StaysWithinItAndIsHeard) {
+  constexpr int kRate = 4000;
+  for (std::size_t nPair = 0; nPair < 100; ++nPair) {
+    for (const std::size_t nSections : {45u, 130u}) {
+      for (const int nBitDepth : {2, 4}) {
+        test::C_Random random(1);
+        S_Sound sound(nSections * SectionLength(kRate));
+        for (std::size_t n = 0; n < sound.size(); ++n) {
+          const std::size_t nKind = n < sound.size() / 2 ? nPair / 10 : nPair % 10;
+          sound[n] = SampleOf(nKind, n, random);
+        }
+        const S_Bytes coded = EncodeWithinItsRoom(sound, kRate, nBitDepth);
+        S_Sound decoded(sound.size());
+        C_Decoder::Open(coded, kRate)->DecodeAll(decoded);
+        EXPECT_GT(test::SignalToNoise(sound, decoded), 5) << nPair << ' ' << nSections;
+      }
+    }
+  }
+}
+
+TEST_P(HeronRoomOfRates, TheSoftestClick_ComesBack) {
+  test::C_Random random(2);
+  for (int n = 0; n < 100; ++n) {
+    S_Sound sound(100 + random.Below(5000));
+    sound[random.Below(static_cast<unsigned int>(sound.size()))] = n % 2 == 0 ? 1 : -1;
+    const S_Bytes coded = EncodeWithinItsRoom(sound, GetParam(), 2 + n % 5);
+    S_Sound decoded(sound.size());
+    C_Decoder::Open(coded, GetParam())->DecodeAll(decoded);
+    EXPECT_EQ(decoded, sound) << n;
+  }
+}
+
 // ---- how full it is
 
 double FillOf(const S_Sound& sound, int nSampleRate, int nBitDepth) {
