@@ -43,6 +43,8 @@ class C_Forecast {
   [[nodiscard]] std::uint64_t BitsAt(int nOffset) const noexcept {
     return BitsAt(m_counts, nOffset);
   }
+  // The same of some sections.
+  [[nodiscard]] std::uint64_t BitsAt(const S_Counts& counts, int nOffset) const noexcept;
   // The lowest offset in kLeastOffset..kMostOffset at which they take no more than so many bits;
   // kMostOffset when there is none.
   [[nodiscard]] int OffsetFor(std::uint64_t qwBits) const noexcept;
@@ -58,7 +60,6 @@ class C_Forecast {
   void CountSizes(std::span<const std::int32_t> values, std::uint32_t nTimes,
                   S_Counts& counts) const noexcept;
   [[nodiscard]] S_Counts OfClicks(std::span<const std::int16_t> samples) const;
-  [[nodiscard]] std::uint64_t BitsAt(const S_Counts& counts, int nOffset) const noexcept;
   // The coefficients of the section at sample nAt of a block of whole sections.
   void Transform(std::span<const std::int16_t> block, std::size_t nAt);
 

@@ -40,6 +40,8 @@ constexpr std::size_t kTailSections = 30;
 constexpr std::size_t kLeastTail = 15;
 // The forecast is trusted as if it had been right for so many sections.
 constexpr std::uint64_t kTrustedSections = 50;
+// With each portion, how it went before loses this share of its weight.
+constexpr std::uint64_t kFading = 16;
 // More bits than what is left of a block takes when it is lost: a section of silence after another
 // one takes about a bit, the first one in a row up to 12 bits, and a run ends with two bytes.
 constexpr std::uint64_t kLeastBitsOfBlock = 32;
@@ -252,7 +254,6 @@ class C_SoundEncoder {
         return EncodeRest(nBlock, nTailAt - nFirst, std::move(block), std::move(writer));
       }
       const auto run = writer.Finish();
-      m_qwTaken += run.size() * 8;
       m_qwRoom -= std::min<std::uint64_t>(run.size(), m_qwRoom);
       if (!Put(nBlock, run)) return false;
     }
@@ -277,8 +278,7 @@ class C_SoundEncoder {
   [[nodiscard]] int NextOffset(std::uint64_t qwBegun) const {
     const std::uint64_t qwBits = m_qwRoom * 8 - std::min(m_qwRoom * 8, qwBegun);
     // The forecast is corrected by how it went so far. As long as that is little, it counts little.
-    return m_forecast.OffsetFor(
-        InRatio(qwBits, m_qwForeseen + m_qwTrust, m_qwTaken + qwBegun + m_qwTrust));
+    return m_forecast.OffsetFor(InRatio(qwBits, m_qwForeseen + m_qwTrust, m_qwTaken + m_qwTrust));
   }
 
   // Divides a block, and notes what the forecast counted for each of its portions.
@@ -294,11 +294,21 @@ class C_SoundEncoder {
 
   // Codes the portion that begins with section nFirst of the sound.
   void EncodePortion(const S_DividedBlock& block, std::size_t nFirst, C_PartWriter& writer) {
-    int nOffset = NextOffset(writer.Bits());
-    const std::uint64_t qwBitsBefore = m_forecast.BitsAt(nOffset);
+    const std::uint64_t qwBegun = writer.Bits();
+    const int nOffset = NextOffset(qwBegun);
+    const auto& counts = m_portions[nFirst % kBlockSections / kPortion];
+    m_forecast.Remove(counts);
+    const int nUsed = WritePortion(block, nFirst, nOffset, writer);
+    m_qwForeseen = Faded(m_qwForeseen) + m_forecast.BitsAt(counts, nUsed);
+    m_qwTaken = Faded(m_qwTaken) + writer.Bits() - qwBegun;
+  }
+  static std::uint64_t Faded(std::uint64_t qwBits) { return qwBits - qwBits / kFading; }
+
+  // Writes a portion at an offset, or at the least one above it that leaves enough room for what
+  // follows. Loses the portion when there is none. Returns the offset.
+  int WritePortion(const S_DividedBlock& block, std::size_t nFirst, int nOffset,
+                   C_PartWriter& writer) {
     const std::size_t nInBlock = nFirst % kBlockSections;
-    m_forecast.Remove(m_portions[nInBlock / kPortion]);
-    m_qwForeseen += qwBitsBefore - m_forecast.BitsAt(nOffset);
     // What the sections after this portion need at least, and at the coarsest steps.
     const std::uint64_t qwLeast = (m_nSections - nFirst - kPortion) * kLeastBitsOfSection +
                                   (m_nBlocks - nFirst / kBlockSections) * kLeastBitsOfBlock;
@@ -307,14 +317,16 @@ class C_SoundEncoder {
     for (; portion.nOffset < C_Forecast::kMostOffset;
          portion.nOffset += C_Tail::kOffsetsPerOctave / 4) {
       portion.nCoarser = portion.nOffset;
-      if (TryPortion(block, portion, qwCoarsest, writer)) return;
+      if (TryPortion(block, portion, qwCoarsest, writer)) return portion.nOffset;
     }
-    if (TryPortion(block, portion, qwLeast, writer)) return;
-    portion.nLostFrom = nInBlock;
-    m_encoder.Write(block, portion, writer);
+    if (!TryPortion(block, portion, qwLeast, writer)) {
+      portion.nLostFrom = nInBlock;
+      m_encoder.Write(block, portion, writer);
+    }
+    return portion.nOffset;
   }
 
-  // Codes a portion if so many bits are left after it.
+  // Writes a portion if so many bits are left after it.
   bool TryPortion(const S_DividedBlock& block, const S_Sections& portion, std::uint64_t qwLeft,
                   C_PartWriter& writer) {
     C_PartWriter longer = writer;
@@ -391,9 +403,10 @@ class C_SoundEncoder {
   C_BlockEncoder m_encoder;
   const S_Write& m_fnWrite;
   const S_Progress& m_fnProgress;
-  std::uint64_t m_qwTrust = 0;     // bits of kTrustedSections on average
-  std::uint64_t m_qwForeseen = 0;  // bits of what was coded portion by portion
-  std::uint64_t m_qwTaken = 0;     // bits of the blocks that are written
+  std::uint64_t m_qwTrust = 0;  // bits of kTrustedSections on average
+  // Bits of the portions so far, the last ones above all.
+  std::uint64_t m_qwForeseen = 0;
+  std::uint64_t m_qwTaken = 0;
 };
 
 }  // namespace
