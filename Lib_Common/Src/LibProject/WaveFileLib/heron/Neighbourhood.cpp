@@ -78,13 +78,13 @@ void C_PartsBefore::BeginNear(int nIndex, std::size_t nLength) noexcept {
 }
 
 void C_PartsBefore::BeginSteady(int nIndex, std::size_t nSize) noexcept {
-  constexpr std::uint64_t kMost = std::uint64_t{1} << 31;
+  // A band is at most 2^29 and a half step at least 2^5, so the expectation stays below 2^31.
   const auto nHalfStep = static_cast<std::uint64_t>(HalfStep(nIndex));
   std::uint32_t* pTo = m_expected.data();
   for (const std::int32_t nBand : m_bands) {
     const std::uint64_t qwExpected = static_cast<std::uint64_t>(nBand) * kWeightBand / nHalfStep;
     pTo = std::fill_n(pTo, std::size_t{1} << nSize,
-                      static_cast<std::uint32_t>(std::min(qwExpected + kLeastExpectation, kMost)));
+                      static_cast<std::uint32_t>(qwExpected) + kLeastExpectation);
   }
 }
 
