@@ -7,6 +7,7 @@
 //   scripts/fuzz.sh 60 wav_data_ops
 //
 // Input: operations, one byte each, followed by their arguments.
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -307,7 +308,10 @@ class C_Session {
     S_Part part = TakePart(input);
     if (part.wLast >= m_model.wChannels && part.wFirst <= part.wLast) return;
     const std::uint32_t dwThreshold = input.U16() % 2060U;
-    const std::uint32_t dwMin = input.Flag() ? input.U8() % 8U : input.Near(m_model.HeldFrames());
+    // The model merges ranges one by one: no more are found than it can merge in a moment.
+    const std::uint32_t dwLeast = m_model.HeldFrames() / kMostRanges;
+    const std::uint32_t dwMin =
+        std::max(dwLeast, input.Flag() ? input.U8() % 8U : input.Near(m_model.HeldFrames()));
     const bool bReplace = input.Flag();
     const bool bWhole = input.Below(4) == 0;
     if (bWhole) {
