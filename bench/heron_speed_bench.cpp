@@ -6,8 +6,8 @@
 //   cmake --preset bench && cmake --build --preset bench --target heron_speed_bench
 //   build/bench/bin/heron_speed_bench
 //
-// Encoding takes as many passes as the search for the size needs, so its time depends on the sound.
-// How good the codec is, bench/heron.sh shows.
+// The end of a sound is coded as often as the search for the size needs, so the time of encoding
+// depends a little on the sound. How good the codec is, bench/heron.sh shows.
 #include <benchmark/benchmark.h>
 
 #include <cstddef>

@@ -170,11 +170,12 @@ void CheckAudio(std::span<const std::uint8_t> stream) {
     return;
   }
   const std::size_t nOffset = stream[1] + 256U * stream[2] + 65536U * stream[3];
-  const bool bEnd = nOffset == 0 || (nOffset >= 4 && nOffset < stream.size());
+  const bool bEnd = nOffset == 0 || nOffset >= 4;
   Require(audio.has_value() == (stream[0] >= 1 && stream[0] <= 5 && bEnd));
   if (!audio) return;
   Require(audio->coded.data() == stream.data() + 4);
-  Require(audio->coded.size() == (nOffset == 0 ? stream.size() : nOffset) - 4);
+  const std::size_t nEnd = nOffset == 0 ? stream.size() : std::min(nOffset, stream.size());
+  Require(audio->coded.size() == nEnd - 4);
 }
 
 }  // namespace

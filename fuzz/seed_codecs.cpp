@@ -1,16 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Seeds for the codecs: streams, frames and samples.
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <span>
+#include <vector>
 
+#include "ByteReader.h"
 #include "ExampleSound.h"
 #include "FuzzFile.h"
 #include "Seeds.h"
 #include "codec/HeronCodec.h"
 #include "codec/KestrelCodec.h"
 #include "file/SpHeader.h"
+#include "heron/Block.h"
+#include "heron/Decoder.h"
+#include "heron/SampleCount.h"
+#include "heron/SoundCoder.h"
 
 namespace {
 
@@ -74,6 +83,76 @@ Bytes HeronStream(I_WavData& sound, tagAudioFileType eType) {
   return {pbyStream, pbyStream + dwLength};
 }
 
+// The runs of the blocks of a sound at 4 kHz: what a piece is (a block in its order), length,
+// bytes. This fuzzer makes heads and checks of its own.
+Bytes HeronPieces(const std::vector<std::int16_t>& samples, int nBitDepth) {
+  constexpr int kRate = 4000;
+  constexpr std::size_t kChoice = 12;  // this rate, and a sound of several blocks
+  Bytes coded;
+  if (!heron::EncodeSamples(samples, kRate, nBitDepth, &coded, {})) std::abort();
+  const auto decoder = heron::C_Decoder::Open(coded, kRate);
+  if (!decoder) std::abort();
+  const std::size_t nAfterFirst = samples.size() - decoder->Length();
+  Bytes pieces = Chosen(kChoice, std::array{static_cast<std::uint8_t>(nAfterFirst & 0xFF),
+                                            static_cast<std::uint8_t>(nAfterFirst >> 8)});
+  for (std::size_t n = 0; n < decoder->BlockCount(); ++n) {
+    const auto run = *decoder->Run(n);
+    if (run.size() > 0xFF) std::abort();
+    pieces.insert(pieces.end(), {3, static_cast<std::uint8_t>(run.size())});
+    pieces.insert(pieces.end(), run.begin(), run.end());
+  }
+  return pieces;
+}
+
+// Sounds of several blocks that are nearly all silence, so that they take few bytes.
+void AddHeronBlocks(C_Seeds& seeds) {
+  constexpr std::size_t kBlock = heron::BlockLength(4000);
+  for (std::size_t nMore = 1; nMore <= 3; ++nMore) {
+    std::vector<std::int16_t> samples(nMore * kBlock + 100 * nMore);
+    seeds.Add({"heron_stream"}, HeronPieces(samples, 2));
+    for (std::size_t n = 0; n < samples.size(); n += kBlock - 700) samples[n] = 1000;
+    Bytes pieces = HeronPieces(samples, 2);
+    seeds.Add({"heron_stream"}, pieces);
+    Bytes numbered = pieces;
+    numbered[3] = 0;
+    numbered.insert(numbered.begin() + 4, 2);
+    seeds.Add({"heron_stream"}, numbered);
+    Bytes endless = pieces;
+    endless[1] = endless[2] = 0xFF;
+    seeds.Add({"heron_stream"}, endless);
+    // The same with bytes that are no block, and with a wrong check.
+    for (const std::uint8_t byWhat : {std::uint8_t{1}, std::uint8_t{2}}) {
+      pieces[3] = byWhat;
+      seeds.Add({"heron_stream"}, pieces);
+    }
+  }
+  // Two blocks at 48 kHz with the numbers 127 and 255, so that 127 others are missing before each:
+  // more than may be. Then one with the number 255, which seems to be there for the second time.
+  seeds.Add({"heron_stream"}, Bytes{17, 0xFF, 0xFF, 0, 127, 3, 1, 2, 3, 0, 255, 3, 1, 2, 3});
+  seeds.Add({"heron_stream"}, Bytes{17, 0xFF, 0xFF, 0, 255, 3, 1, 2, 3});
+}
+
+// The runs of sounds of one block: rate and shape, mode, sample count, run.
+void AddHeronRuns(C_Seeds& seeds) {
+  constexpr std::array<int, 6> kRates = {4000, 8000, 11025, 16000, 44100, 48000};
+  for (std::size_t i = 0; i < kRates.size(); ++i) {
+    for (const std::size_t nSamples : {std::size_t{30}, std::size_t{400}, std::size_t{1500}}) {
+      const C_SoundPtr sound = ExampleSound({}, nSamples);
+      std::vector<std::int16_t> samples(nSamples);
+      vcm::C_ByteReader reader({sound->GetBuffer(), sound->GetBufferLength()});
+      for (std::int16_t& nSample : samples) nSample = reader.I16();
+      if (nSamples == 1500) std::fill(samples.begin() + 300, samples.end() - 300, std::int16_t{0});
+      Bytes coded;
+      if (!heron::EncodeSamples(samples, kRates[i], 2, &coded, {})) std::abort();
+      const std::size_t nRunAt = heron::ReadCount(coded)->nBytes + heron::kCheckBytes;
+      Bytes input = Chosen(6 + i, std::array{std::uint8_t{0}, static_cast<std::uint8_t>(nSamples),
+                                             static_cast<std::uint8_t>(nSamples >> 8)});
+      input.insert(input.end(), coded.begin() + static_cast<std::ptrdiff_t>(nRunAt), coded.end());
+      seeds.Add({"heron_stream"}, input);
+    }
+  }
+}
+
 // The first byte chooses one of these sample rates, in this order.
 void AddHeronStreams(C_Seeds& seeds) {
   constexpr std::array<unsigned int, 6> kRates = {4000, 8000, 11025, 16000, 44100, 48000};
@@ -110,6 +189,9 @@ void AddHeronSignals(C_Seeds& seeds) {
         seeds.Add({"heron_encode_decode"}, made);
       }
     }
+    // Sounds of several sections and of several blocks. The last byte has them coded again.
+    seeds.Add({"heron_encode_decode"}, Bytes{0, byDepth, 0xC3, 0x84, 0x03, 0x10, 0x20, 0x31, 0x50});
+    seeds.Add({"heron_encode_decode"}, Bytes{0, byDepth, 0xF3, 0x10, 0x20, 0x08, 0x40, 0x31, 0x50});
   }
 }
 
@@ -118,5 +200,7 @@ void AddHeronSignals(C_Seeds& seeds) {
 void AddCodecs(C_Seeds& seeds) {
   AddStreams(seeds);
   AddHeronStreams(seeds);
+  AddHeronBlocks(seeds);
+  AddHeronRuns(seeds);
   AddHeronSignals(seeds);
 }

@@ -22,6 +22,7 @@ struct S_Subject {
 };
 
 [[nodiscard]] std::span<const S_Subject> FrameSubjects();  // the Kestrel frame coder
+[[nodiscard]] std::span<const S_Subject> HeronSubjects();  // the Heron frame coder
 [[nodiscard]] std::span<const S_Subject> FileSubjects();   // loading, saving, converting
 [[nodiscard]] std::span<const S_Subject> EditSubjects();   // a sound in memory
 

@@ -18,7 +18,7 @@ namespace {
 
 std::vector<S_Subject> AllSubjects() {
   std::vector<S_Subject> all;
-  for (const auto subjects : {FrameSubjects(), FileSubjects(), EditSubjects()}) {
+  for (const auto subjects : {FrameSubjects(), HeronSubjects(), FileSubjects(), EditSubjects()}) {
     all.insert(all.end(), subjects.begin(), subjects.end());
   }
   return all;

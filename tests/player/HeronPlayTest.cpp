@@ -3,6 +3,7 @@
 // Heron files in the real program, without a sound server.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -96,7 +97,29 @@ TEST_P(HeronPlayOnce, RealTimeMode_IsASecondOfSilence) {
   EXPECT_EQ(m_temp.NewFiles(), std::vector<std::string>{});
 }
 
-TEST_P(HeronPlayOnce, DamagedStream_IsADecodingFailure) {
+// A sound of three blocks of 4 s; the one in the middle is damaged.
+TEST_P(HeronPlayOnce, DamagedBlock_IsSilenceInThePlayedSound) {
+  constexpr std::size_t kBlock = heron::BlockLength(16000);
+  C_Bytes stream = C_HeronBytes(GetParam(), TestVoice(10 * 16000), 16000).Take();
+  auto expected = *heron::test::Decoded(stream, 16000);
+  stream[stream.size() / 2] ^= 1;
+  std::fill_n(expected.begin() + kBlock, kBlock, short{0});
+  ExpectRun(m_folder.Write("x.hrn", C_SpBytes().ID(32).Freq(16000).Stream(stream).Take()), "2",
+            "file duration: 10.000000 secs\nLength:10\n", 0);
+  EXPECT_EQ(LeftFile(), WavOf(16000, 1, PcmBytes(expected)));
+}
+
+TEST_P(HeronPlayOnce, CutFile_PlaysItsWholeBlocks) {
+  C_Bytes stream = C_HeronBytes(GetParam(), TestVoice(10 * 16000), 16000).Take();
+  auto expected = *heron::test::Decoded(stream, 16000);
+  stream.resize(stream.size() - 10);
+  expected.resize(2 * heron::BlockLength(16000));
+  ExpectRun(m_folder.Write("x.hrn", C_SpBytes().ID(32).Freq(16000).Stream(stream).Take()), "2",
+            "file duration: 8.000000 secs\nLength:8\n", 0);
+  EXPECT_EQ(LeftFile(), WavOf(16000, 1, PcmBytes(expected)));
+}
+
+TEST_P(HeronPlayOnce, StreamWithAWrongHead_IsADecodingFailure) {
   C_Bytes stream = Stream(GetParam());
   stream[0] = 9;
   ExpectRun(m_folder.Write("x.hrn", C_SpBytes().ID(32).Stream(stream).Take()), "2", "Length:-2\n",

@@ -11,6 +11,7 @@
 
 #include "Outputs.h"
 #include "Voice.h"
+#include "heron/Configuration.h"
 #include "heron/SoundCoder.h"
 #include "kestrel/Decoder.h"
 #include "kestrel/Encoder.h"
@@ -65,6 +66,11 @@ void AddHeron(C_Outputs& outputs, int nBitDepth, int nSampleRate, std::size_t nS
   }
   outputs.Add(strName + " encoded", coded);
   outputs.AddWords(strName + " decoded", samples);
+  // A sound of several blocks loses one of them.
+  if (nSamples <= heron::BlockLength(nSampleRate)) return;
+  coded[coded.size() / 2] ^= 0x10U;
+  if (!heron::DecodeSamples(coded, nSampleRate, &samples)) throw std::runtime_error(strName);
+  outputs.AddWords(strName + " damaged", samples);
 }
 
 }  // namespace
@@ -77,5 +83,6 @@ void AddCoderOutputs(C_Outputs& outputs) {
     AddHeron(outputs, nBitDepth, 8000, 4000);
     AddHeron(outputs, nBitDepth, 16000, 300);
     AddHeron(outputs, nBitDepth, 44100, 3000);
+    AddHeron(outputs, nBitDepth, 4000, 40000);
   }
 }

@@ -6,12 +6,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "CompressedBytes.h"
 #include "CountedWork.h"
 #include "ExampleSound.h"
 #include "SpBytes.h"
 #include "TempFolder.h"
+#include "TestSound.h"
+#include "TestVoice.h"
 #include "WavFileFormat.h"
 #include "WavFileObject.h"
 
@@ -84,6 +87,26 @@ TEST_F(FileMemory, MonoAndStereoOfAnyWidth_AreEncodedForKestrelInPieces) {
       SCOPED_TRACE(testing::Message() << wBits << " bits, " << wChannels);
       const std::string strPath = Pcm(wBits, wChannels, std::size_t{2} << 20);
       ExpectLittle(PeaksOf(strPath, true, AUDIO_FILE_KESTREL, true));
+    }
+  }
+}
+
+// Ten minutes at 8 kHz, and the same samples at 48 kHz, where blocks are longest. Two blocks are
+// held at a time.
+TEST_F(FileMemory, SoundsOfAnyLength_AreEncodedForHeronBlockByBlock) {
+  auto samples = TestVoice(std::size_t{60} * 8000);
+  const std::size_t nOnce = samples.size();
+  samples.resize(10 * nOnce);
+  for (std::size_t n = nOnce; n < samples.size(); ++n) samples[n] = samples[n - nOnce];
+  for (const auto& [dwRate, cbMost] :
+       {std::pair{8000U, kLittle}, std::pair{48000U, 7 * kLittle / 2}}) {
+    for (const tagAudioFileType eType : {AUDIO_FILE_HERON_2BIT, AUDIO_FILE_HERON_6BIT}) {
+      SCOPED_TRACE(testing::Message() << dwRate << " Hz, " << eType);
+      const C_SoundPtr sound = MonoSound(samples, dwRate);
+      const C_CountedWork encoding;
+      EXPECT_TRUE(
+          sound->Convert(eType, m_folder.Path("out").c_str(), true, false, nullptr, true, 0));
+      EXPECT_LT(encoding.Done().cbPeak, cbMost);
     }
   }
 }

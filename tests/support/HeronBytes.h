@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Builds Heron streams with whatever false claim a test needs. Also encodes and decodes with the
-// codec, and with the bare frame coder as the reference for the codec.
+// Builds Heron streams with whatever false claim a test needs, also from the blocks of a sound.
+// Also encodes and decodes with the codec, and with the bare frame coder as the reference for the
+// codec.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -18,6 +20,9 @@
 #include "TestSound.h"
 #include "TestVoice.h"
 #include "codec/HeronCodec.h"
+#include "heron/Block.h"
+#include "heron/Decoder.h"
+#include "heron/SampleCount.h"
 #include "heron/SoundCoder.h"
 
 namespace heron::test {
@@ -59,6 +64,39 @@ inline std::optional<Bytes> Encoded(I_WavData& sound, unsigned int dwTypeCode,
   }
   const std::unique_ptr<unsigned char[]> owner(pbyStream);
   return Bytes(pbyStream, pbyStream + dwLength);
+}
+
+// The most bytes that the stream of so many samples may take without its events. Below 128 bytes,
+// 16 bytes and 2 bits per sample are always allowed.
+inline std::size_t MostBytes(std::size_t nSamples, int nBitDepth) {
+  const std::size_t cbShort = std::min<std::size_t>(16 + nSamples * 2 / 8, 128);
+  return std::max(nSamples * static_cast<std::size_t>(nBitDepth) / 8, cbShort);
+}
+
+// The coded audio of a sound of several blocks, taken apart.
+struct S_Pieces {
+  std::uint64_t qwCount = 0;   // of samples
+  std::vector<Bytes> between;  // whole blocks, or whatever a test puts in their places
+
+  // Appends a block that holds this run.
+  void Add(std::size_t nNumber, std::span<const std::uint8_t> run) {
+    heron::AppendBlock(between.emplace_back(), nNumber, run);
+  }
+  [[nodiscard]] Bytes Joined() const {
+    Bytes coded;
+    heron::AppendCount(coded, static_cast<std::size_t>(qwCount));
+    for (const Bytes& piece : between) coded.insert(coded.end(), piece.begin(), piece.end());
+    return coded;
+  }
+};
+
+inline S_Pieces PiecesOf(const Bytes& coded, int nSampleRate) {
+  S_Pieces pieces;
+  const auto decoder = heron::C_Decoder::Open(coded, nSampleRate);
+  if (!decoder) return pieces;
+  pieces.qwCount = decoder->SampleCount();
+  for (std::size_t n = 0; n < decoder->BlockCount(); ++n) pieces.Add(n, *decoder->Run(n));
+  return pieces;
 }
 
 // The samples of a stream; empty when the codec refuses it.

@@ -104,14 +104,16 @@ std::optional<S_Task> MakeTask(I_WavData& wavData, unsigned int dwTypeCode) {
 
 // Writes the coded audio after a placeholder for the head, which is not known yet.
 bool WriteAudio(const S_Task& task, C_Progress& progress, std::FILE* pFile) {
-  std::vector<unsigned char> coded;
   const auto fnFrames = [&](unsigned int dwDone) { progress.Advance(dwDone); };
+  const auto fnWrite = [&](std::span<const std::uint8_t> bytes) {
+    return vcm::WriteExact(pFile, bytes);
+  };
   progress.Begin(task.CountFrames());
   vcm::C_ByteWriter placeholder;
   placeholder.Zeros(heronstream::kHeadBytes);
-  return heron::EncodeSamples(task.samples.View(), task.nSampleRate, task.variant.nBitDepth, &coded,
-                              fnFrames) &&
-         vcm::WriteExact(pFile, placeholder.Data()) && vcm::WriteExact(pFile, coded);
+  return vcm::WriteExact(pFile, placeholder.Data()) &&
+         heron::EncodeSamples(task.samples.View(), task.nSampleRate, task.variant.nBitDepth,
+                              fnWrite, fnFrames);
 }
 
 bool WriteEvents(const S_Task& task, I_EventTagMgr& eventMgr, std::FILE* pFile) {
@@ -151,57 +153,61 @@ std::optional<tempstream::S_Written> EncodeStream(I_WavData& wavData, unsigned i
   return tempstream::Reopen(audioFile);
 }
 
+// Whether the bytes can hold as many samples, at the smallest depth.
+bool CanHold(std::size_t cbCoded, std::size_t nSamples) {
+  return nSamples / 8 <= cbCoded / static_cast<std::size_t>(heron::kMinBitDepth);
+}
+
+bool HasGoodBlock(heron::C_Decoder& decoder) {
+  std::vector<short> samples(decoder.Length());
+  for (std::size_t n = 0; n < decoder.BlockCount(); ++n) {
+    const std::size_t nLeft = decoder.SampleCount() - n * decoder.Length();
+    const std::size_t nCount = std::min(decoder.Length(), nLeft);
+    if (decoder.Run(n) && decoder.DecodeBlock(n, std::span(samples).first(nCount))) return true;
+  }
+  return false;
+}
+
+// Decodes straight into the memory that becomes the PCM of the sound, which stays as it is when
+// that fails.
+bool DecodeInPlace(heron::C_Decoder& decoder, unsigned int dwLength, C_WavData& wavData) {
+  auto pbyPcm = vcm::NewBytes(dwLength);
+  auto* const pSamples = static_cast<std::int16_t*>(static_cast<void*>(pbyPcm.get()));
+  if (!decoder.DecodeAll({pSamples, decoder.SampleCount()})) return false;
+  wavData.TakeBuffer(std::move(pbyPcm), dwLength);
+  wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), dwLength, 1, 16, 16, true);
+  return true;
+}
+
 // Replaces the PCM of the sound by 16-bit mono samples, little-endian on every machine. The sample
 // rate stays.
-bool SetSamples(I_WavData& wavData, const std::vector<short>& samples) {
-  const auto dwLength = vcm::CheckedBytes(samples.size(), kSampleBytes);
-  if (!dwLength || *dwLength == 0) return false;
-  unsigned char* pbyPcm = wavData.AllocBuffer(*dwLength);
+bool DecodeAndCopy(heron::C_Decoder& decoder, unsigned int dwLength, I_WavData& wavData) {
+  std::vector<short> samples(decoder.SampleCount());
+  if (!decoder.DecodeAll(samples)) return false;
+  unsigned char* pbyPcm = wavData.AllocBuffer(dwLength);
   if (pbyPcm == nullptr) return false;
   for (const short nSample : samples) {
     const auto wSample = static_cast<std::uint16_t>(nSample);
     *pbyPcm++ = static_cast<unsigned char>(wSample);
     *pbyPcm++ = static_cast<unsigned char>(wSample >> 8U);
   }
-  wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), *dwLength, 1, 16, 16, true);
+  wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), dwLength, 1, 16, 16, true);
   return true;
 }
 
-// Whether the bytes can hold as many samples, at the smallest depth. Silence takes fewer bits, and
-// damaged bytes may claim anything: then memory is taken only while samples are decoded.
-bool CanHold(std::size_t cbCoded, std::size_t nSamples) {
-  return nSamples / 8 <= cbCoded / static_cast<std::size_t>(heron::kMinBitDepth);
-}
-
-// Decodes straight into the memory that becomes the PCM of the sound, which stays as it is when
-// that fails.
-bool DecodeInPlace(heron::C_Decoder& decoder, C_WavData& wavData) {
-  const std::size_t nSamples = decoder.SampleCount();
-  const std::size_t nLength = decoder.Length();
-  const auto dwLength = vcm::CheckedBytes(nSamples, kSampleBytes);
-  // Whole frames; the last one is cut at the end of the sound.
-  const std::uint64_t qwWhole = (std::uint64_t{nSamples} + nLength - 1) / nLength * nLength;
-  if (!dwLength || !std::in_range<std::size_t>(qwWhole * kSampleBytes)) return false;
-  auto pbyPcm = vcm::NewBytes(static_cast<std::size_t>(qwWhole * kSampleBytes));
-  auto* const pSamples = static_cast<std::int16_t*>(static_cast<void*>(pbyPcm.get()));
-  for (std::size_t nAt = 0; nAt < nSamples; nAt += nLength) {
-    if (!decoder.DecodeFrame({pSamples + nAt, nLength})) return false;
-  }
-  if (!decoder.IsAtTheEnd()) return false;
-  wavData.TakeBuffer(std::move(pbyPcm), *dwLength);
-  wavData.SetWavInfoData(wavData.GetWavInfo()->GetSampleRate(), *dwLength, 1, 16, 16, true);
-  return true;
-}
-
+// The decoder counts only blocks that it has found, and those before them. Silence and missing
+// blocks take hardly any bytes, so long sounds may come from a few bytes: then memory is taken once
+// a block has turned out to be right.
 bool DecodeSound(std::span<const std::uint8_t> coded, int nSampleRate, I_WavData& wavData) {
+  auto decoder = heron::C_Decoder::Open(coded, nSampleRate);
+  if (!decoder) return false;
+  const auto dwLength = vcm::CheckedBytes(decoder->SampleCount(), kSampleBytes);
+  if (!dwLength || decoder->IsMostlyMissing()) return false;
+  if (!CanHold(coded.size(), decoder->SampleCount()) && !HasGoodBlock(*decoder)) return false;
   C_WavData* const pWavData = AsOurOwn(wavData);
-  if (pWavData != nullptr && std::endian::native == std::endian::little) {
-    auto decoder = heron::C_Decoder::Open(coded, nSampleRate);
-    if (!decoder) return false;
-    if (CanHold(coded.size(), decoder->SampleCount())) return DecodeInPlace(*decoder, *pWavData);
-  }
-  std::vector<short> samples;
-  return heron::DecodeSamples(coded, nSampleRate, &samples) && SetSamples(wavData, samples);
+  const bool bInPlace = pWavData != nullptr && std::endian::native == std::endian::little;
+  return bInPlace ? DecodeInPlace(*decoder, *dwLength, *pWavData)
+                  : DecodeAndCopy(*decoder, *dwLength, wavData);
 }
 
 }  // namespace

@@ -3,10 +3,14 @@
 // Heron, the family of codecs for sound at 2 to 6 bits per sample. It turns a whole sound into one
 // stream (HeronStream.h) and back.
 //
-// Audio and events are divided into frames of 20 ms. Sample rates from 4000 to 48000 Hz are
-// accepted. The encoder works through two temporary files, which it removes before it returns, even
-// when a callback throws. Codecs are independent of each other: any number may work at the same
-// time, each in one thread.
+// The stream takes no more than its bits per sample, events aside. Only short sounds may take more,
+// 16 bytes and 2 bits per sample, but no more than 128 bytes: those of up to 511, 125, 61, 41 or 30
+// samples at 2, 3, 4, 5 or 6 bits.
+//
+// Events and progress count frames of 20 ms. Sample rates from 4000 to 48000 Hz are accepted. The
+// encoder works through two temporary files, which it removes before it returns, even when a
+// callback throws. Codecs are independent of each other: any number may work at the same time, each
+// in one thread.
 #pragma once
 
 #include <optional>
@@ -30,8 +34,13 @@ class C_HeronCodec : public C_VXAudioCodec {
   // Decodes a stream of dwEncDataLen bytes at the sample rate of piWavData. The sound gets a new
   // PCM buffer of 16 bits and one channel, with as many samples as were encoded. The events of the
   // stream are not read: they hold only the low bytes of the commands, from which no event can be
-  // made. False, with the sound unchanged, for a null argument, a sample rate outside the range
-  // above, and a stream that no encoder writes.
+  // made.
+  //
+  // The audio of more than about 4 s consists of blocks (heron/Decoder.h). A block that is missing
+  // or damaged becomes silence, and a stream that is cut ends with its last whole block. False,
+  // with the sound unchanged, for a null argument, a sample rate outside the range above, a wrong
+  // head, and a stream of which no block is right. Also false when the samples take 4 GiB or more,
+  // and when more blocks are missing than are there and the difference is more than 64 MiB of PCM.
   bool Decode(const unsigned char* pbyEncData, unsigned int dwEncDataLen, I_WavData* piWavData);
 
   // Encodes the sound, of any supported width and number of channels (MonoMix.h), with its events,

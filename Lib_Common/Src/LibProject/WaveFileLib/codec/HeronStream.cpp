@@ -23,13 +23,13 @@ std::optional<S_Variant> Find(Value S_Variant::*pMember, Value value) {
   return pFound == kVariants.end() ? std::nullopt : std::optional(*pFound);
 }
 
-// The end of the coded audio, as the head states it; empty when the audio in a stream of cbStream
-// bytes cannot end there.
+// The end of the coded audio in a stream of cbStream bytes; empty when no audio ends where the head
+// says. A stream that ends before its events begin has lost its end, and its audio ends with it.
 std::optional<std::size_t> AudioEnd(std::uint32_t dwHead, std::size_t cbStream) {
   const std::size_t cbOffset = dwHead >> kOffsetShift;
   if (cbOffset == 0) return cbStream;
-  if (cbOffset < kHeadBytes || cbOffset >= cbStream) return std::nullopt;
-  return cbOffset;
+  if (cbOffset < kHeadBytes) return std::nullopt;
+  return std::min(cbOffset, cbStream);
 }
 
 }  // namespace

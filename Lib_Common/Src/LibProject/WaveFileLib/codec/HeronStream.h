@@ -40,9 +40,9 @@ struct S_Audio {
   std::span<const unsigned char> coded;
 };
 
-// The audio in a stream, whose bytes the result refers to. Empty for a stream that no encoder
-// writes: one that is shorter than its head, has an unknown mode, or has events that would begin
-// inside the head, at the end of the stream or after it.
+// The audio in a stream, whose bytes the result refers to. Where the stream ends before its events
+// begin, it is what is left of the audio. Empty for a stream that no encoder writes: one that is
+// shorter than its head, has an unknown mode, or has events that would begin inside the head.
 std::optional<S_Audio> FindAudio(std::span<const unsigned char> stream);
 
 }  // namespace heronstream

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Decodes coded audio (Encoder.h) frame by frame.
+// Decodes coded audio (RateControl.h) block by block. Damage ends with its block: a block that is
+// missing or damaged becomes silence, so that the rest of the sound stays where it was. A sound
+// whose end is missing ends with its last block that is there.
 #pragma once
 
 #include <cstddef>
@@ -9,47 +11,45 @@
 #include <span>
 #include <vector>
 
-#include "heron/EntropyCoder.h"
-#include "heron/FrameSyntax.h"
-#include "heron/Transform.h"
+#include "heron/BlockDecoder.h"
 
 namespace heron {
 
-// The sample count that coded audio begins with.
-struct S_Count {
-  std::uint64_t qwCount;
-  std::size_t nBytes;  // bytes that the count takes
-};
-// Empty when the count does not end within five bytes.
-std::optional<S_Count> ReadCount(std::span<const std::uint8_t> coded) noexcept;
-
 class C_Decoder {
  public:
-  // Reads the count. Empty for a rate that is not supported, and for a count that is missing, 0 or
-  // longer than 32 bits. Also empty when the count needs more frames than there are bytes, which no
-  // encoder writes. coded must outlive the object.
+  // Reads the count and finds the blocks. Empty for a rate that is not supported, for a count that
+  // is missing, 0 or longer than 32 bits, and when no block is there. coded must outlive the
+  // object.
   static std::optional<C_Decoder> Open(std::span<const std::uint8_t> coded, int nSampleRate);
 
-  // Samples in all frames together, 1..2^32-1.
+  // Samples in all blocks together, 1..2^32-1.
   [[nodiscard]] std::size_t SampleCount() const noexcept { return m_nSamples; }
-  // Samples per frame; the last frame holds the rest.
-  [[nodiscard]] std::size_t Length() const noexcept { return m_coefficients.size(); }
-  // Decodes the next frame into samples, which has Length() values. False for data that no encoder
-  // writes; the object is then unusable.
-  bool DecodeFrame(std::span<std::int16_t> samples) noexcept;
-  // Call this after the last frame: true when no more bytes are left than an encoder leaves.
-  [[nodiscard]] bool IsAtTheEnd() const noexcept;
+  // Samples of each block; the last one has the rest.
+  [[nodiscard]] std::size_t Length() const noexcept { return m_nLength; }
+  [[nodiscard]] std::size_t BlockCount() const noexcept { return m_runs.size(); }
+  // The run of block nBlock; empty when the block is missing.
+  [[nodiscard]] std::optional<std::span<const std::uint8_t>> Run(std::size_t nBlock) const {
+    return m_runs[nBlock];
+  }
+  // Whether too much is missing to be taken for a sound: more blocks than are there, by more than
+  // 64 MiB of samples. Zeros stand for missing blocks, and a block of a few bytes may claim that
+  // the 127 before it are missing.
+  [[nodiscard]] bool IsMostlyMissing() const noexcept;
+  // Decodes block nBlock into samples, which has as many values as the block has samples. False
+  // when the block is missing or damaged; the samples are then 0.
+  bool DecodeBlock(std::size_t nBlock, std::span<std::int16_t> samples);
+  // Decodes all blocks into SampleCount samples. False when none of them can be decoded.
+  bool DecodeAll(std::span<std::int16_t> samples);
 
  private:
-  C_Decoder(std::span<const std::uint8_t> frames, std::size_t nSamples, int nLength);
+  C_Decoder(int nSampleRate, std::size_t nSamples);
+  void FindBlocks(std::span<const std::uint8_t> bytes);
 
   std::size_t m_nSamples;
-  bool m_bPadded = false;
-  bool m_bLapRead = false;
-  C_EntropyDecoder m_decoder;
-  C_FrameReader m_reader;
-  C_InverseTransform m_transform;
-  std::vector<std::int32_t> m_coefficients;
+  std::size_t m_nLength;
+  // By block; empty where the block is missing.
+  std::vector<std::optional<std::span<const std::uint8_t>>> m_runs;
+  C_BlockDecoder m_decoder;
 };
 
 }  // namespace heron

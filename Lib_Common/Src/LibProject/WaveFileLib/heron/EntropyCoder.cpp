@@ -1,46 +1,49 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "heron/EntropyCoder.h"
 
+#include <utility>
+
 namespace heron {
+namespace {
 
-void C_EntropyEncoder::WriteRaw(std::uint32_t nValue, int nBits) {
-  m_qwRawBits |= std::uint64_t{nValue} << m_nRawBits;
-  m_nRawBits += nBits;
-  for (; m_nRawBits >= 8; m_nRawBits -= 8) {
-    m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
-    m_qwRawBits >>= 8;
-  }
-}
+struct S_Ending {
+  std::uint64_t qwUp;  // what low rises by
+  int nBytes;          // the top bytes of low that are written then
+};
 
-void C_EntropyEncoder::Finish(std::size_t nLeastSize) {
-  for (int nBytes = 1; nBytes <= 8; ++nBytes) {
+// The fewest bytes that lie in the interval whatever follows them. Eight always do.
+S_Ending Ending(std::uint64_t qwLow, std::uint64_t qwRange) noexcept {
+  int nBytes = 1;
+  for (;; ++nBytes) {
     const std::uint64_t qwStep = std::uint64_t{1} << (64 - 8 * nBytes);
-    const std::uint64_t qwUp = (0 - m_qwLow) & (qwStep - 1);
-    if (m_qwRange < qwStep || qwUp > m_qwRange - qwStep) continue;
-    m_qwLow += qwUp;
-    if (m_qwLow < qwUp) Carry();
-    PutTop(nBytes);
-    break;
+    const std::uint64_t qwUp = (0 - qwLow) & (qwStep - 1);
+    if (nBytes == 8 || (qwRange >= qwStep && qwUp <= qwRange - qwStep)) return {qwUp, nBytes};
   }
-  if (m_nRawBits > 0) m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
-  m_bytes.resize(std::max(m_bytes.size(), nLeastSize - std::min(nLeastSize, m_raw.size())));
-  m_bytes.insert(m_bytes.end(), m_raw.rbegin(), m_raw.rend());
 }
 
-void C_EntropyEncoder::WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {
-  const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
-  m_qwRange = qwUnit * nFrequency;
-  m_qwLow += qwUnit * nBelow;
-  if (m_qwLow < qwUnit * nBelow) Carry();
-  if (m_qwRange >> 32 != 0) return;
-  PutTop(4);
-  m_qwLow <<= 32;
-  m_qwRange <<= 32;
+}  // namespace
+
+void C_EntropyEncoder::PutRaw() {
+  for (int n = 0; n < 4; ++n) m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits >> 8 * n));
+  m_qwRawBits >>= 32;
+  m_nRawBits -= 32;
+}
+
+std::vector<std::uint8_t> C_EntropyEncoder::Finish() {
+  const auto [qwUp, nBytes] = Ending(m_qwLow, m_qwRange);
+  m_qwLow += qwUp;
+  if (m_qwLow < qwUp) Carry();
+  PutTop(nBytes);
+  for (; m_nRawBits > 0; m_nRawBits -= 8, m_qwRawBits >>= 8) {
+    m_raw.push_back(static_cast<std::uint8_t>(m_qwRawBits));
+  }
+  m_bytes.insert(m_bytes.end(), m_raw.rbegin(), m_raw.rend());
+  return std::move(m_bytes);
 }
 
 // The sequence as a whole stays below 1, so there is always a byte that can take the carry.
 void C_EntropyEncoder::Carry() noexcept {
-  for (std::size_t n = m_bytes.size(); n > m_nFirst && ++m_bytes[n - 1] == 0; --n) continue;
+  for (std::size_t n = m_bytes.size(); n > 0 && ++m_bytes[n - 1] == 0; --n) continue;
 }
 
 void C_EntropyEncoder::PutTop(int nBytes) {

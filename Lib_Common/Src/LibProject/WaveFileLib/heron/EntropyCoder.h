@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The two sequences that the numbers of a stream are written to. They share one run of bytes:
-// symbols fill it from the front, raw bits from the end, and padding of zero bytes may lie between
-// them.
+// symbols fill it from the front, raw bits from the end.
 //
 // Symbols go through a range coder: a symbol of a table with total 2^15 takes 15 - log2(its
 // frequency) bits. Encoder and decoder keep the same 64-bit range, which begins as 2^64 - 1:
@@ -20,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -59,12 +59,9 @@ constexpr bool IsWhole(const S_Cumulative<nSymbols>& cumulative) noexcept {
   return nBelow == kFrequencyTotal;
 }
 
+// A copy goes on from where the original was.
 class C_EntropyEncoder {
  public:
-  // Appends to bytes, which must outlive the object.
-  explicit C_EntropyEncoder(std::vector<std::uint8_t>& bytes) noexcept
-      : m_bytes(bytes), m_nFirst(bytes.size()) {}
-
   // nSymbol must be a symbol of the table with a frequency of at least 1.
   template <std::size_t nSymbols>
   void WriteSymbol(const S_Cumulative<nSymbols>& cumulative, std::size_t nSymbol) {
@@ -72,22 +69,40 @@ class C_EntropyEncoder {
     WriteInterval(nBelow, cumulative[nSymbol] - nBelow);
   }
   // nValue < 2^nBits, nBits 0..kMaxRawBits.
-  void WriteRaw(std::uint32_t nValue, int nBits);
-  // Ends both sequences and pads until bytes has at least nLeastSize bytes in all. Nothing may be
-  // written after this.
-  void Finish(std::size_t nLeastSize);
+  void WriteRaw(std::uint32_t nValue, int nBits) {
+    m_qwRawBits |= std::uint64_t{nValue} << m_nRawBits;
+    m_nRawBits += nBits;
+    if (m_nRawBits >= 32) PutRaw();
+  }
+  // Ends both sequences and returns the run. Nothing may be written after this.
+  std::vector<std::uint8_t> Finish();
+  // The bits that were written so far, roughly.
+  [[nodiscard]] std::uint64_t Bits() const noexcept {
+    return (m_bytes.size() + m_raw.size()) * 8 + static_cast<std::uint64_t>(m_nRawBits) +
+           static_cast<std::uint64_t>(std::countl_zero(m_qwRange));
+  }
 
  private:
-  void WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency);
+  void WriteInterval(std::uint32_t nBelow, std::uint32_t nFrequency) {
+    const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
+    const std::uint64_t qwUp = qwUnit * nBelow;
+    m_qwRange = qwUnit * nFrequency;
+    m_qwLow += qwUp;
+    if (m_qwLow < qwUp) Carry();
+    if (m_qwRange >> 32 != 0) return;
+    PutTop(4);
+    m_qwLow <<= 32;
+    m_qwRange <<= 32;
+  }
   void Carry() noexcept;
+  void PutRaw();
   void PutTop(int nBytes);
 
-  std::vector<std::uint8_t>& m_bytes;
-  std::size_t m_nFirst;  // the first byte of the symbols
+  std::vector<std::uint8_t> m_bytes;  // of the symbols
   std::uint64_t m_qwLow = 0;
   std::uint64_t m_qwRange = ~std::uint64_t{0};
   std::vector<std::uint8_t> m_raw;
-  std::uint64_t m_qwRawBits = 0;  // bits that do not fill a byte yet
+  std::uint64_t m_qwRawBits = 0;  // fewer than 32 bits that are not in m_raw yet
   int m_nRawBits = 0;
 };
 
@@ -102,19 +117,18 @@ class C_EntropyDecoder {
   template <std::size_t nSymbols>
   std::size_t ReadSymbol(const S_Cumulative<nSymbols>& cumulative) noexcept {
     const std::uint64_t qwUnit = m_qwRange >> kFrequencyBits;
-    // The range is a little wider than its symbols, so damaged bytes may point past the last
-    // symbol.
-    const std::uint64_t qwAt = std::min<std::uint64_t>(m_qwCode / qwUnit, kFrequencyTotal - 1);
-    // Search from the first symbol on, because small symbols are the most likely.
+    // Search from the first symbol on, because small symbols are the most likely. The range is a
+    // little wider than its symbols, so damaged bytes may point past the last one, which then
+    // counts.
     std::size_t nSymbol = 0;
     std::uint64_t qwBelow = 0;
-    std::uint64_t qwUpTo = cumulative[0];
-    while (qwUpTo <= qwAt) {
+    std::uint64_t qwUpTo = qwUnit * cumulative[0];
+    while (qwUpTo <= m_qwCode && nSymbol < nSymbols - 1) {
       qwBelow = qwUpTo;
-      qwUpTo = cumulative[++nSymbol];
+      qwUpTo = qwUnit * cumulative[++nSymbol];
     }
-    m_qwCode -= qwUnit * qwBelow;
-    m_qwRange = qwUnit * (qwUpTo - qwBelow);
+    m_qwCode -= qwBelow;
+    m_qwRange = qwUpTo - qwBelow;
     if (m_qwRange >> 32 == 0) {
       m_qwRange <<= 32;
       m_qwCode = m_qwCode << 32 | Take4(m_nFront);
@@ -134,8 +148,8 @@ class C_EntropyDecoder {
     m_nRawBits -= nBits;
     return nValue;
   }
-  // Bytes that were not read: 0 to 8 when everything was read and there is no padding. Negative
-  // when more bytes were read than there are; values read from then on mean nothing.
+  // Bytes that were not read: 0 to 8 when everything was read. Negative when more bytes were read
+  // than there are; values read from then on mean nothing.
   [[nodiscard]] std::ptrdiff_t Unread() const noexcept {
     const std::size_t nRead =
         m_nFront - kAhead + m_nBack - static_cast<std::size_t>(m_nRawBits / 8);

@@ -15,7 +15,7 @@ namespace heron {
 
 inline constexpr std::size_t kStates = 4;
 
-// The state that each frame begins with.
+// The state that each part begins with.
 inline constexpr std::size_t kFirstState = 0;
 
 // The next state: for each state, first after an even level, then after an odd one.

@@ -10,39 +10,47 @@
 #include "heron/RateControl.h"
 
 namespace heron {
-namespace {
-
-// 64 MiB of samples, as much as a claim alone gets anywhere.
-constexpr std::size_t kBelievedSamples = std::size_t{32} << 20;
-
-}  // namespace
 
 bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
-                   std::vector<std::uint8_t>* pCoded,
+                   const std::function<bool(std::span<const std::uint8_t>)>& fnWrite,
                    const std::function<void(unsigned int nFramesDone)>& fnFrames) {
   if (samples.empty() || samples.size() > std::numeric_limits<std::uint32_t>::max()) return false;
   if (!IsSupportedSampleRate(nSampleRate)) return false;
   if (nBitDepth < kMinBitDepth || nBitDepth > kMaxBitDepth) return false;
-  *pCoded = EncodeWithin(samples, nSampleRate, nBitDepth, fnFrames);
+  const auto nLength = static_cast<std::size_t>(FrameLength(nSampleRate));
+  return EncodeWithin(samples, nSampleRate, nBitDepth, fnWrite, [&](std::size_t nDone) {
+    if (fnFrames) fnFrames(static_cast<unsigned int>((nDone + nLength - 1) / nLength));
+  });
+}
+
+bool EncodeSamples(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+                   std::vector<std::uint8_t>* pCoded,
+                   const std::function<void(unsigned int nFramesDone)>& fnFrames) {
+  std::vector<std::uint8_t> coded;
+  const auto fnWrite = [&](std::span<const std::uint8_t> bytes) {
+    coded.insert(coded.end(), bytes.begin(), bytes.end());
+    return true;
+  };
+  if (!EncodeSamples(samples, nSampleRate, nBitDepth, fnWrite, fnFrames)) return false;
+  *pCoded = std::move(coded);
   return true;
 }
 
 bool DecodeSamples(std::span<const std::uint8_t> coded, int nSampleRate,
                    std::vector<std::int16_t>* pSamples) {
   auto decoder = C_Decoder::Open(coded, nSampleRate);
-  if (!decoder) return false;
-  // Decodes whole frames; the last one is cut at the end of the sound.
-  const std::size_t nLength = decoder->Length();
+  if (!decoder || decoder->IsMostlyMissing()) return false;
   std::vector<std::int16_t> samples;
-  // Silence takes far fewer bits than other sounds, so many more samples than usual may be there.
-  // Damaged data can claim even more. The room for those grows only while they are decoded.
-  const std::size_t nBelieved = coded.size() * 8 / kMinBitDepth + kBelievedSamples;
-  samples.reserve(std::min(decoder->SampleCount(), nBelieved) + nLength);
-  for (std::size_t nAt = 0; nAt < decoder->SampleCount(); nAt += nLength) {
-    samples.resize(nAt + nLength);
-    if (!decoder->DecodeFrame({samples.data() + nAt, nLength})) return false;
+  std::vector<std::int16_t> block;
+  for (std::size_t n = 0; n < decoder->BlockCount(); ++n) {
+    const std::size_t nAt = n * decoder->Length();
+    block.resize(std::min(decoder->Length(), decoder->SampleCount() - nAt));
+    if (!decoder->DecodeBlock(n, block)) continue;
+    // Bad blocks get memory only when a good one follows. A few bytes may claim many of them.
+    samples.resize(nAt);
+    samples.insert(samples.end(), block.begin(), block.end());
   }
-  if (!decoder->IsAtTheEnd()) return false;
+  if (samples.empty()) return false;
   samples.resize(decoder->SampleCount());
   *pSamples = std::move(samples);
   return true;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The quantiser's grid. The coefficients of a frame are multiples of its half step, whose size is
+// The quantiser's grid. The coefficients of a part are multiples of its half step, whose size is
 //
 //   half step = round(q[index mod 4] * 2^floor(index / 4) / 2^11) in Q8, index 0..71
 //
@@ -12,8 +12,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "heron/Dct4.h"
 #include "heron/FixedPoint.h"
-#include "heron/Transform.h"
 
 namespace heron {
 
@@ -41,10 +41,14 @@ class C_ToHalfSteps {
   [[nodiscard]] constexpr std::int64_t operator()(std::int32_t nCoefficient) const noexcept {
     return nCoefficient * m_nInverse >> (kInverseQ - kScaledQ);
   }
-
- private:
+  // 1 / half step; 2^31 at most.
+  [[nodiscard]] constexpr std::uint32_t Inverse() const noexcept {
+    return static_cast<std::uint32_t>(m_nInverse);
+  }
   // 2^29 * 2^36 / 32 stays below 2^63.
   static constexpr int kInverseQ = 36;
+
+ private:
   std::int64_t m_nInverse;
 };
 
@@ -64,6 +68,8 @@ class C_Rescale {
   [[nodiscard]] constexpr std::uint32_t operator()(std::uint32_t nHalfSteps) const noexcept {
     return nHalfSteps * m_nFactor >> m_nShift;
   }
+  [[nodiscard]] constexpr std::uint32_t Factor() const noexcept { return m_nFactor; }
+  [[nodiscard]] constexpr int Shift() const noexcept { return m_nShift; }
 
  private:
   std::uint32_t m_nFactor;

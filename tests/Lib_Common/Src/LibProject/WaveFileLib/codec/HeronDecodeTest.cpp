@@ -166,11 +166,22 @@ TEST(HeronDecoder, UnknownModes_AreRefused) {
 }
 
 TEST(HeronDecoder, ImpossibleOffsets_AreRefused) {
-  const auto cbStream = static_cast<std::uint32_t>(SomeStream().size());
-  for (const std::uint32_t dwOffset : {1u, 2u, 3u, 4u, cbStream, cbStream + 1, 0xFFFFFFu}) {
+  for (const std::uint32_t dwOffset : {1u, 2u, 3u, 4u}) {
     EXPECT_FALSE(
         Decoded(C_HeronBytes(kKinds[0], TestVoice(500), 8000).Offset(dwOffset).Take(), 8000))
         << dwOffset;
+  }
+}
+
+TEST(HeronDecoder, OffsetsAfterTheEnd_StandForEventsThatAreLost) {
+  const auto cbStream = static_cast<std::uint32_t>(SomeStream().size());
+  const auto whole = Decoded(SomeStream(), 8000);
+  ASSERT_TRUE(whole);
+  for (const std::uint32_t dwOffset : {cbStream, cbStream + 1, 0xFFFFFFu}) {
+    const auto sound =
+        Decoded(C_HeronBytes(kKinds[0], TestVoice(500), 8000).Offset(dwOffset).Take(), 8000);
+    ASSERT_TRUE(sound) << dwOffset;
+    EXPECT_EQ(*sound, *whole) << dwOffset;
   }
 }
 

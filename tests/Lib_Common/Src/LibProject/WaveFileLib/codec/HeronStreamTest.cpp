@@ -88,8 +88,24 @@ TEST(HeronStream, UnknownModeCodes_AreRefused) {
   }
 }
 
-TEST(HeronStream, OffsetsOutsideTheAudio_AreRefused) {
-  for (const unsigned int dwOffset : {1u, 2u, 3u, 8u, 9u, 255u, 0x1234u, 0xFFFFFFu}) {
+TEST(HeronStream, OffsetsAfterTheEnd_LeaveTheAudioThatIsThere) {
+  for (const unsigned int dwOffset : {8u, 9u, 255u, 0x1234u, 0xFFFFFFu}) {
+    const Bytes stream = {1,
+                          static_cast<unsigned char>(dwOffset),
+                          static_cast<unsigned char>(dwOffset >> 8),
+                          static_cast<unsigned char>(dwOffset >> 16),
+                          10,
+                          11,
+                          8,
+                          1};
+    const auto audio = FindAudio(stream);
+    ASSERT_TRUE(audio) << dwOffset;
+    EXPECT_EQ(Bytes(audio->coded.begin(), audio->coded.end()), (Bytes{10, 11, 8, 1}));
+  }
+}
+
+TEST(HeronStream, OffsetsInsideTheHead_AreRefused) {
+  for (const unsigned int dwOffset : {1u, 2u, 3u}) {
     const Bytes stream = {1,
                           static_cast<unsigned char>(dwOffset),
                           static_cast<unsigned char>(dwOffset >> 8),

@@ -104,6 +104,23 @@ TEST(HeronTemp, DiskFullAtAnyByte_IsFalseAndLeavesNothing) {
   EXPECT_TRUE(Encode());
 }
 
+int g_nRecords = 0;
+void CountRecord(const S_CodecProgress*) { ++g_nRecords; }
+
+// Blocks are written while the next ones are encoded, so a long sound is not encoded in vain.
+TEST(HeronTemp, DiskThatFillsUp_EndsEncodingEarly) {
+  const C_SoundPtr sound = MonoSound(TestVoice(10 * heron::BlockLength(4000)), 4000);
+  g_nRecords = 0;
+  const std::size_t cbStream = Encoded(*sound, 35, CountRecord)->size();
+  EXPECT_GT(g_nRecords, 8);
+  for (const std::size_t cbLimit : {std::size_t{0}, cbStream / 4}) {
+    const C_FileSizeLimit limit(cbLimit);
+    g_nRecords = 0;
+    EXPECT_FALSE(Encoded(*sound, 35, CountRecord));
+    EXPECT_LT(g_nRecords, 6) << cbLimit;
+  }
+}
+
 TEST(HeronTemp, WithoutATemporaryDirectory_EncodingIsFalse) {
   const C_TempFolder emptyRoot;
   EXPECT_TRUE(InChildAs(0, [&] { return chroot(emptyRoot.Path().c_str()) == 0 && !Encode(); }));

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <type_traits>
 
@@ -199,6 +200,38 @@ TEST_F(HeronFile, Load_DamagedStreams_AreFalse) {
     EXPECT_TRUE(file.OpenByName(Path("in").c_str()));
     EXPECT_FALSE(Load(file));
   }
+}
+
+// A sound of three blocks at 8 kHz.
+TEST_F(HeronFile, Load_StreamWithADamagedBlock_HasSilenceThere) {
+  constexpr std::size_t kBlock = heron::BlockLength(8000);
+  Bytes stream = Stream(kKinds[0], 2 * kBlock + 500);
+  auto expected = *heron::test::Decoded(stream, 8000);
+  stream[stream.size() * 3 / 4] ^= 0x20;
+  std::fill_n(expected.begin() + kBlock, kBlock, short{0});
+  WriteHeron(32, stream);
+  C_Heron4BitFile file;
+  ASSERT_TRUE(Load(file));
+  EXPECT_EQ(SamplesOf(file.GetWavData()), expected);
+  // The stream itself is kept as it was found.
+  ASSERT_TRUE(Save(file, "out", false));
+  EXPECT_EQ(Content("out"), stream);
+}
+
+TEST_F(HeronFile, Load_CutStream_EndsWithItsLastWholeBlock) {
+  constexpr std::size_t kBlock = heron::BlockLength(8000);
+  Bytes stream = Stream(kKinds[0], 2 * kBlock + 500);
+  auto expected = *heron::test::Decoded(stream, 8000);
+  stream.pop_back();
+  expected.resize(2 * kBlock);
+  WriteHeron(32, stream);
+  C_Heron4BitFile file;
+  ASSERT_TRUE(Load(file));
+  EXPECT_EQ(SamplesOf(file.GetWavData()), expected);
+  stream.resize(stream.size() / 4);
+  WriteHeron(32, stream);
+  EXPECT_TRUE(file.OpenByName(Path("in").c_str()));
+  EXPECT_FALSE(Load(file));
 }
 
 TEST_F(HeronFile, Load_OlderSignatureText_Works) {

@@ -36,31 +36,36 @@ std::size_t ReadSymbol(C_CodeReader& reader, const S_Frequencies<nSymbols>& freq
 // The bytes that fnWrite(writer) produces.
 template <typename Write>
 S_Bytes Written(Write fnWrite) {
-  S_Bytes bytes;
-  C_CodeWriter writer(bytes);
+  C_CodeWriter writer;
   fnWrite(writer);
-  writer.Finish(0);
-  return bytes;
+  return writer.Finish();
 }
 
 inline S_MagnitudeClass ClassAt(std::int32_t nExpectation) {
   return ClassOf(static_cast<std::uint32_t>(nExpectation));
 }
 
-inline const S_MagnitudeCosts& CostsOf(std::size_t nQuantiser, std::size_t nTable) {
-  return kMagnitudeCosts[nTable][nQuantiser];
+// The models of the tables.
+inline constexpr std::size_t kNear = 0;
+inline constexpr std::size_t kSteady = 1;
+
+inline const S_MagnitudeCosts& CostsOf(std::size_t nModel, std::size_t nQuantiser,
+                                       std::size_t nTable) {
+  return kMagnitudeCosts[nModel][nTable][nQuantiser];
 }
 
-inline void WriteMagnitude(C_CodeWriter& writer, std::size_t nQuantiser,
+inline void WriteMagnitude(C_CodeWriter& writer, std::size_t nModel, std::size_t nQuantiser,
                            const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel,
                            bool bNegative) {
-  WriteLevel(writer, nQuantiser, magnitudeClass, nLevel, bNegative);
+  WriteLevel(writer, kMagnitudeCumulative[nModel], nQuantiser, magnitudeClass, nLevel, bNegative);
 }
 
 // A level and whether it is negative. Empty for a code that no writer writes.
 inline std::optional<std::pair<std::int32_t, bool>> ReadMagnitude(
-    C_CodeReader& reader, std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass) {
-  const std::uint64_t qwLevel = ReadLevel(reader, nQuantiser, magnitudeClass);
+    C_CodeReader& reader, std::size_t nModel, std::size_t nQuantiser,
+    const S_MagnitudeClass& magnitudeClass) {
+  const std::uint64_t qwLevel =
+      ReadLevel(reader, kMagnitudeCumulative[nModel], nQuantiser, magnitudeClass);
   if (qwLevel > std::uint64_t{1} << kLevelBits) return std::nullopt;
   return std::pair{static_cast<std::int32_t>(qwLevel), qwLevel != 0 && reader.ReadRaw(1) == 1};
 }

@@ -198,6 +198,170 @@ TEST(HeronRangeCoder, ATruncatedSequence_IsPastTheEndInTime) {
   }
 }
 
+// ---- the end
+
+// True when the bytes give these symbols of kThirds, whatever follows them.
+bool GiveThirds(S_Bytes bytes, const std::vector<std::size_t>& symbols) {
+  const std::size_t nBytes = bytes.size();
+  for (const std::uint8_t byAfter : S_Bytes{0x00, 0xFF}) {
+    bytes.resize(nBytes);
+    bytes.resize(nBytes + 16, byAfter);
+    C_CodeReader reader(bytes);
+    for (const std::size_t nSymbol : symbols) {
+      if (ReadSymbol(reader, kThirds) != nSymbol) return false;
+    }
+  }
+  return true;
+}
+
+// The number that the bytes stand for, made larger by one in the last of them.
+S_Bytes NextNumber(S_Bytes bytes) {
+  for (std::size_t n = bytes.size(); n-- > 0 && ++bytes[n] == 0;) continue;
+  return bytes;
+}
+
+TEST(HeronRangeCoder, TheEnd_TakesTheFewestBytes) {
+  for (std::uint64_t qwSeed = 1; qwSeed <= 2000; ++qwSeed) {
+    C_Random random(qwSeed);
+    std::vector<std::size_t> symbols(1 + qwSeed % 120);
+    for (std::size_t& nSymbol : symbols) nSymbol = random.Below(3);
+    // The last symbol has neighbours on both sides, so any number outside its interval gives
+    // others.
+    symbols.back() = 1;
+    S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+      for (const std::size_t nSymbol : symbols) WriteSymbol(writer, kThirds, nSymbol);
+    });
+    ASSERT_TRUE(GiveThirds(bytes, symbols)) << qwSeed;
+    // Of numbers with a byte less, only the two around this one could do.
+    bytes.pop_back();
+    ASSERT_FALSE(GiveThirds(bytes, symbols)) << qwSeed;
+    ASSERT_FALSE(GiveThirds(NextNumber(bytes), symbols)) << qwSeed;
+  }
+}
+
+TEST(HeronRangeCoder, AfterAllWasRead_FewBytesAreUnread) {
+  for (std::uint64_t qwSeed = 1; qwSeed <= 2000; ++qwSeed) {
+    C_Random random(qwSeed);
+    const std::size_t nSymbols = random.Below(60);
+    const std::size_t nRaw = random.Below(60);
+    const int nBits = 1 + static_cast<int>(random.Below(kMaxRawBits));
+    const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+      for (std::size_t n = 0; n < nSymbols; ++n) WriteSymbol(writer, kMixed, n % 5);
+      for (std::size_t n = 0; n < nRaw; ++n) writer.WriteRaw(0, nBits);
+    });
+    C_CodeReader reader(bytes);
+    for (std::size_t n = 0; n < nSymbols; ++n) ASSERT_EQ(ReadSymbol(reader, kMixed), n % 5);
+    for (std::size_t n = 0; n < nRaw; ++n) ASSERT_EQ(reader.ReadRaw(nBits), 0u);
+    EXPECT_GE(reader.Unread(), 0) << qwSeed;
+    EXPECT_LE(reader.Unread(), std::ptrdiff_t{C_CodeReader::kAhead}) << qwSeed;
+  }
+}
+
+TEST(HeronRangeCoder, SymbolsThatAreCut_ArePastTheEnd) {
+  const std::vector<std::size_t> symbols(400, 1);
+  const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
+    for (const std::size_t nSymbol : symbols) WriteSymbol(writer, kThirds, nSymbol);
+  });
+  // Eight bytes are read ahead and may be missing at the end.
+  for (std::size_t nKept = 0; nKept + C_CodeReader::kAhead < bytes.size(); ++nKept) {
+    C_CodeReader reader{std::span(bytes).first(nKept)};
+    std::size_t nRight = 0;
+    for (const std::size_t nSymbol : symbols) nRight += ReadSymbol(reader, kThirds) == nSymbol;
+    EXPECT_TRUE(reader.Unread() < 0 || nRight < symbols.size()) << nKept;
+  }
+}
+
+// ---- copies
+
+// Writes a symbol or a raw value that depends only on its number and the seed.
+void WriteNumber(C_CodeWriter& writer, std::uint64_t qwSeed, std::size_t n) {
+  C_Random random(qwSeed * 100000 + n);
+  const std::uint32_t nKind = random.Below(4);
+  if (nKind < 2) WriteSymbol(writer, kMixed, random.Below(5));
+  if (nKind == 2) WriteSymbol(writer, kThirds, random.Below(3));
+  if (nKind == 3) writer.WriteRaw(random.Below(1 << 11), 11);
+}
+
+TEST(HeronRangeCoder, ACopy_GoesOnFromWhereTheOriginalWas) {
+  constexpr std::size_t kNumbers = 300;
+  for (std::size_t nCopied = 0; nCopied <= kNumbers; nCopied += 7) {
+    C_CodeWriter original;
+    for (std::size_t n = 0; n < nCopied; ++n) WriteNumber(original, 1, n);
+    C_CodeWriter same = original;
+    C_CodeWriter other = original;
+    EXPECT_EQ(same.Bits(), original.Bits());
+    for (std::size_t n = nCopied; n < kNumbers; ++n) WriteNumber(other, 2, n);
+    for (std::size_t n = nCopied; n < kNumbers; ++n) WriteNumber(same, 1, n);
+    for (std::size_t n = nCopied; n < kNumbers; ++n) WriteNumber(original, 1, n);
+    const S_Bytes run = original.Finish();
+    EXPECT_EQ(same.Finish(), run) << nCopied;
+    EXPECT_EQ(other.Finish(), Written([&](C_CodeWriter& writer) {
+                for (std::size_t n = 0; n < kNumbers; ++n) {
+                  WriteNumber(writer, n < nCopied ? 1 : 2, n);
+                }
+              }))
+        << nCopied;
+  }
+}
+
+TEST(HeronRangeCoder, ACarryAfterACopy_TurnsItsOwnBytesOver) {
+  bool bTurned = false;
+  bool bStayed = false;
+  const S_Bytes number = {0x80};
+  const auto around = SymbolsAround(number, kThirds, 160);
+  C_CodeWriter original;
+  for (std::size_t nBefore = 0; nBefore < around.size(); ++nBefore) {
+    for (std::size_t nAfter = 0; nAfter < 3; ++nAfter) {
+      C_CodeWriter copy = original;
+      WriteSymbol(copy, kThirds, nAfter);
+      const S_Bytes run = copy.Finish();
+      ASSERT_EQ(run, Written([&](C_CodeWriter& writer) {
+                  for (std::size_t n = 0; n < nBefore; ++n) WriteSymbol(writer, kThirds, around[n]);
+                  WriteSymbol(writer, kThirds, nAfter);
+                }))
+          << nBefore << ' ' << nAfter;
+      // By then, the original has written its first bytes.
+      if (nBefore > 60) (run[0] == number[0] ? bTurned : bStayed) = true;
+    }
+    WriteSymbol(original, kThirds, around[nBefore]);
+  }
+  EXPECT_TRUE(bTurned);
+  EXPECT_TRUE(bStayed);
+}
+
+TEST(HeronRangeCoder, Bits_AreAboutThoseOfTheRun) {
+  C_CodeWriter writer;
+  std::uint64_t qwBefore = writer.Bits();
+  EXPECT_EQ(qwBefore, 0u);
+  for (std::size_t n = 0; n < 1000; ++n) {
+    WriteNumber(writer, 3, n);
+    EXPECT_GE(writer.Bits(), qwBefore) << n;
+    qwBefore = writer.Bits();
+    C_CodeWriter copy = writer;
+    const double dBits = 8.0 * static_cast<double>(copy.Finish().size());
+    EXPECT_NEAR(static_cast<double>(qwBefore), dBits, 24) << n;
+  }
+}
+
+TEST(HeronRangeCoder, RawBits_ArePackedFromTheLastByteOn) {
+  const S_Bytes bytes = Written([](C_CodeWriter& writer) {
+    writer.WriteRaw(0b101, 3);
+    writer.WriteRaw(0, 0);
+    writer.WriteRaw(0b11001, 5);
+    writer.WriteRaw(0x3, 2);
+  });
+  ASSERT_GE(bytes.size(), 2u);
+  EXPECT_EQ(bytes[bytes.size() - 1], 0b11001101);
+  EXPECT_EQ(bytes[bytes.size() - 2], 0b11);
+}
+
+TEST(HeronRangeCoder, EmptyBytes_GiveTheFirstSymbolsAndZeros) {
+  C_CodeReader reader({});
+  EXPECT_EQ(reader.ReadRaw(24), 0u);
+  EXPECT_LT(reader.Unread(), 0);
+  for (int n = 0; n < 100; ++n) ASSERT_EQ(ReadSymbol(reader, kMixed), 0u);
+}
+
 TEST(HeronRangeCoder, AnyBytes_GiveSymbolsOfTheTable) {
   for (const int nFill : {0x00, 0xFF, -1}) {
     C_Random random(6);

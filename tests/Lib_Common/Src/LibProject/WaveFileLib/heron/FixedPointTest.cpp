@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "Signals.h"
 #include "heron/Configuration.h"
-#include "heron/Loudness.h"
 
 namespace heron {
 namespace {
@@ -66,19 +66,7 @@ TEST(HeronFixedPoint, QuartersOfAnOctave_AreRounded) {
   }
 }
 
-TEST(HeronLoudness, Loudness_IsTheLogarithmOfTheMeanSquare) {
-  EXPECT_EQ(Loudness(1000 * 320, 320), 2551);
-  EXPECT_EQ(Loudness(std::uint64_t{1} << 40, 1024), 30 * 256);
-  EXPECT_EQ(Loudness(1000, 1), 2551);
-}
-
-TEST(HeronLoudness, SoftFrames_CountAsTheHissOfARoom) {
-  const int nFloor = Log2Q8(400);
-  EXPECT_EQ(Loudness(0, 320), nFloor);
-  EXPECT_EQ(Loudness(399 * 320, 320), nFloor);
-  EXPECT_EQ(Loudness(400 * 320, 320), nFloor);
-  EXPECT_GT(Loudness(404 * 320, 320), nFloor);
-}
+// ---- the divisions of a sound
 
 TEST(HeronConfiguration, FramesAre20Milliseconds_RoundedDownToAnEvenNumber) {
   EXPECT_EQ(FrameLength(4000), 80);
@@ -91,7 +79,26 @@ TEST(HeronConfiguration, FramesAre20Milliseconds_RoundedDownToAnEvenNumber) {
   EXPECT_EQ(FrameLength(44100), 882);
   EXPECT_EQ(FrameLength(47999), 958);
   EXPECT_EQ(FrameLength(48000), 960);
-  EXPECT_EQ(kMaxFrameLength, 960);
+}
+
+TEST(HeronConfiguration, UnitsAre5Milliseconds_RoundedDownToAnEvenNumber) {
+  EXPECT_EQ(UnitLength(4000), 20u);
+  EXPECT_EQ(UnitLength(4399), 20u);
+  EXPECT_EQ(UnitLength(4400), 22u);
+  EXPECT_EQ(UnitLength(8000), 40u);
+  EXPECT_EQ(UnitLength(11025), 54u);
+  EXPECT_EQ(UnitLength(44100), 220u);
+  EXPECT_EQ(UnitLength(47999), 238u);
+  EXPECT_EQ(UnitLength(48000), 240u);
+}
+
+TEST(HeronConfiguration, SectionsAndBlocks_AreWholeUnits) {
+  EXPECT_EQ(kSectionUnits, 8u);
+  EXPECT_EQ(SectionLength(8000), 320u);
+  EXPECT_EQ(BlockLength(8000), 32000u);
+  EXPECT_EQ(SectionLength(11025), 432u);
+  EXPECT_EQ(BlockLength(48000), 192000u);
+  EXPECT_EQ(kMaxPartLength, 1920u);
 }
 
 TEST(HeronConfiguration, RatesFrom4000To48000_AreSupported) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Codes.h"
 #include "Signals.h"
 #include "heron/Quantiser.h"
@@ -19,6 +21,13 @@ using test::ReadMagnitude;
 using test::S_Bytes;
 using test::WriteMagnitude;
 using test::Written;
+
+struct S_TableSet {
+  std::size_t nModel;
+  std::size_t nQuantiser;
+};
+constexpr S_TableSet kTableSets[] = {
+    {test::kNear, 0}, {test::kNear, 1}, {test::kSteady, 0}, {test::kSteady, 1}};
 
 // One expectation of each class up to 2^22.
 std::vector<std::int32_t> Expectations() {
@@ -74,7 +83,7 @@ TEST(HeronMagnitudeClass, TheLargestExpectations_HaveOneToo) {
     EXPECT_LT(ClassAt(n).nTable, kMagnitudeTables) << n;
     EXPECT_GE(ClassAt(n).nShift, 15) << n;
   }
-  // The previous frame and the coefficients below can together reach a value that needs all 32
+  // The previous part and the coefficients below can together reach a value that needs all 32
   // bits.
   EXPECT_EQ(ClassOf(0x80000000u).nTable, 24u);
   EXPECT_EQ(ClassOf(0xFFFFFFFFu).nTable, 27u);
@@ -82,21 +91,39 @@ TEST(HeronMagnitudeClass, TheLargestExpectations_HaveOneToo) {
   static_assert(kMaxRawBits >= 23);
 }
 
+TEST(HeronMagnitudeClass, AnyExpectation_HasTheClassOfItsQuarterOctave) {
+  test::C_Random random(1);
+  for (int n = 0; n < 200000; ++n) {
+    const auto nExpectation =
+        std::max(8U, static_cast<std::uint32_t>(random.Bits() >> 32) >> random.Below(29));
+    int nOctave = 31;
+    while (nExpectation >> nOctave == 0) --nOctave;
+    // Quarters of an octave are equal parts of it, not equal ratios.
+    const std::uint32_t nQuarter = (nExpectation >> (nOctave - 2)) - 4;
+    const int nAbove = std::max(nOctave - kHighestOctave, 0);
+    const auto [nTable, nShift] = ClassOf(nExpectation);
+    ASSERT_EQ(nTable, static_cast<std::size_t>(4 * (nOctave - nAbove - 3)) + nQuarter)
+        << nExpectation;
+    ASSERT_EQ(nShift, nOctave < kHighestOctave ? 0 : nAbove + 1) << nExpectation;
+  }
+}
+
 // ---- levels
 
 TEST(HeronLevel, EveryLevelOfEveryClassAndQuantiser_ComesBackWithItsSign) {
-  for (std::size_t nQuantiser = 0; nQuantiser < 2; ++nQuantiser) {
+  for (const S_TableSet& set : kTableSets) {
     for (const std::int32_t nExpectation : Expectations()) {
       const S_MagnitudeClass magnitudeClass = ClassAt(nExpectation);
       const auto levels = Levels();
       const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
         for (const std::int32_t nLevel : levels) {
-          WriteMagnitude(writer, nQuantiser, magnitudeClass, nLevel, nLevel % 3 == 1);
+          WriteMagnitude(writer, set.nModel, set.nQuantiser, magnitudeClass, nLevel,
+                         nLevel % 3 == 1);
         }
       });
       C_CodeReader reader(bytes);
       for (const std::int32_t nLevel : levels) {
-        const auto read = ReadMagnitude(reader, nQuantiser, magnitudeClass);
+        const auto read = ReadMagnitude(reader, set.nModel, set.nQuantiser, magnitudeClass);
         ASSERT_TRUE(read) << nExpectation << ' ' << nLevel;
         ASSERT_EQ(read->first, nLevel) << nExpectation;
         ASSERT_EQ(read->second, nLevel % 3 == 1) << nExpectation << ' ' << nLevel;
@@ -107,10 +134,10 @@ TEST(HeronLevel, EveryLevelOfEveryClassAndQuantiser_ComesBackWithItsSign) {
 }
 
 // Measures how many bits 1000 copies of this level take.
-double BitsOf(std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel) {
+double BitsOf(const S_TableSet& set, const S_MagnitudeClass& magnitudeClass, std::int32_t nLevel) {
   const S_Bytes bytes = Written([&](C_CodeWriter& writer) {
     for (int n = 0; n < 1000; ++n) {
-      WriteMagnitude(writer, nQuantiser, magnitudeClass, nLevel, n % 2 == 0);
+      WriteMagnitude(writer, set.nModel, set.nQuantiser, magnitudeClass, nLevel, n % 2 == 0);
     }
   });
   return 8 * static_cast<double>(bytes.size());
@@ -119,13 +146,13 @@ double BitsOf(std::size_t nQuantiser, const S_MagnitudeClass& magnitudeClass, st
 TEST(HeronLevelCost, Cost_IsWhatTheLevelTakes) {
   for (const std::int32_t nExpectation : {8, 15, 30, 100, 255, 511, 512, 5000, 100000}) {
     const S_MagnitudeClass magnitudeClass = ClassAt(nExpectation);
-    for (std::size_t nQuantiser = 0; nQuantiser < 2; ++nQuantiser) {
-      const auto& costs = test::CostsOf(nQuantiser, magnitudeClass.nTable);
+    for (const S_TableSet& set : kTableSets) {
+      const auto& costs = test::CostsOf(set.nModel, set.nQuantiser, magnitudeClass.nTable);
       for (const std::int32_t nLevel : {0, 1, 2, 3, 7, 14, 15, 16, 17, 100, 1000, 1 << 20}) {
         const double dCost = LevelCost(costs, magnitudeClass.nShift, nLevel) * 1000 / 256.0;
         // Costs are whole 256ths of a bit; the last bits of a sequence take up to 8 bytes.
-        EXPECT_NEAR(BitsOf(nQuantiser, magnitudeClass, nLevel), dCost, dCost / 100 + 4 + 64)
-            << nExpectation << ' ' << nQuantiser << ' ' << nLevel;
+        EXPECT_NEAR(BitsOf(set, magnitudeClass, nLevel), dCost, dCost / 100 + 4 + 64)
+            << nExpectation << ' ' << set.nModel << ' ' << set.nQuantiser << ' ' << nLevel;
       }
     }
   }
@@ -138,7 +165,7 @@ TEST(HeronLevel, AnEscapeThatNeverEnds_IsRefused) {
     S_Bytes bytes = {static_cast<std::uint8_t>(nHigh >> 8), static_cast<std::uint8_t>(nHigh)};
     bytes.resize(20);
     C_CodeReader reader(bytes);
-    nRefused += ReadMagnitude(reader, 0, ClassAt(8)) ? 0 : 1;
+    nRefused += ReadMagnitude(reader, test::kNear, 0, ClassAt(8)) ? 0 : 1;
   }
   // The escape of the least expectation is the least likely symbol.
   EXPECT_GT(nRefused, 0);
