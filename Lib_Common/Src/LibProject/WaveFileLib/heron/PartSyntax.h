@@ -43,6 +43,8 @@ struct S_Part {
 
   [[nodiscard]] std::size_t Units() const noexcept { return std::size_t{1} << nSize; }
   [[nodiscard]] std::size_t End() const noexcept { return nUnit + Units(); }
+
+  friend bool operator==(const S_Part&, const S_Part&) = default;
 };
 
 // What writer and reader carry from part to part.

@@ -27,6 +27,7 @@ constexpr std::size_t kNewtonPasses = 8;
 constexpr std::int64_t kUnusedAtFirst = 256;
 constexpr std::int64_t kUnusedLater = 200;
 constexpr std::int64_t kUnusedAtLast = 100;
+constexpr std::uint64_t kUnusedOfFew = 16;  // of sounds of a few sections
 constexpr std::size_t kFirstPasses = 3;
 constexpr std::size_t kLaterPasses = 5;
 // Aimed at is this fraction less than the size, so that a step that misses a little fits.
@@ -345,14 +346,19 @@ class C_SoundEncoder {
     C_BlockDecoder decoder(m_nSampleRate);
     S_Judged best{{}, std::numeric_limits<std::uint64_t>::max()};
     constexpr int kFar = 4 * C_Tail::kOffsetsPerOctave;
+    std::vector<std::vector<S_Part>> tried;
     for (const int nDivided : {nOffset, nOffset - kFar, nOffset + kFar, C_Forecast::kLeastOffset}) {
       std::vector<S_DividedBlock> blocks;
       blocks.push_back(m_encoder.Divide(m_samples, nDivided));
+      if (std::ranges::find(tried, blocks[0].parts) != tried.end()) continue;
+      tried.push_back(blocks[0].parts);
       C_Tail tail(m_encoder, m_encoder.NewWriter(), 0, std::move(blocks));
       for (const bool bWholeIndices : {false, true}) {
         if (bWholeIndices) tail.UseWholeIndices();
         S_Judged coded = EncodeFew(tail, m_qwRoom, start, m_samples, decoder);
+        const bool bFull = m_qwRoom - coded.runs.nBytes <= m_qwRoom / kUnusedOfFew;
         if (best.runs.runs.empty() || coded.qwError < best.qwError) best = std::move(coded);
+        if (bFull) break;
       }
     }
     return std::move(best.runs);
