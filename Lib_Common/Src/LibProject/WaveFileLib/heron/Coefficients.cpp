@@ -14,18 +14,14 @@ constexpr std::uint32_t Magnitude(std::int32_t nCoefficient) noexcept {
   return static_cast<std::uint32_t>(std::abs(nCoefficient));
 }
 
-bool HasAvx2() noexcept {
 #if defined(__x86_64__)
-  return vcm::UsableInstructions() == vcm::tagInstructions::kAvx2;
-#else
-  return false;
-#endif
-}
+bool HasAvx2() noexcept { return vcm::UsableInstructions() == vcm::tagInstructions::kAvx2; }
 
 // Those that the functions of CoefficientsAvx2.h leave out.
 std::size_t RestAt(std::size_t nCount) noexcept {
   return nCount / kCoefficientsAtOnce * kCoefficientsAtOnce;
 }
+#endif
 
 }  // namespace
 
