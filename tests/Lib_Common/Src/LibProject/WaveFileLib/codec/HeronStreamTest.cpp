@@ -88,16 +88,18 @@ TEST(HeronStream, UnknownModeCodes_AreRefused) {
   }
 }
 
+// A stream of eight bytes whose events begin at an offset.
+Bytes StreamWithEventsAt(unsigned int dwOffset) {
+  Bytes stream = {1, 0, 0, 0, 10, 11, 8, 1};
+  for (std::size_t n = 0; n < 3; ++n) {
+    stream[1 + n] = static_cast<unsigned char>(dwOffset >> (8 * n));
+  }
+  return stream;
+}
+
 TEST(HeronStream, OffsetsAfterTheEnd_LeaveTheAudioThatIsThere) {
   for (const unsigned int dwOffset : {8u, 9u, 255u, 0x1234u, 0xFFFFFFu}) {
-    const Bytes stream = {1,
-                          static_cast<unsigned char>(dwOffset),
-                          static_cast<unsigned char>(dwOffset >> 8),
-                          static_cast<unsigned char>(dwOffset >> 16),
-                          10,
-                          11,
-                          8,
-                          1};
+    const Bytes stream = StreamWithEventsAt(dwOffset);
     const auto audio = FindAudio(stream);
     ASSERT_TRUE(audio) << dwOffset;
     EXPECT_EQ(Bytes(audio->coded.begin(), audio->coded.end()), (Bytes{10, 11, 8, 1}));
@@ -106,18 +108,10 @@ TEST(HeronStream, OffsetsAfterTheEnd_LeaveTheAudioThatIsThere) {
 
 TEST(HeronStream, OffsetsInsideTheHead_AreRefused) {
   for (const unsigned int dwOffset : {1u, 2u, 3u}) {
-    const Bytes stream = {1,
-                          static_cast<unsigned char>(dwOffset),
-                          static_cast<unsigned char>(dwOffset >> 8),
-                          static_cast<unsigned char>(dwOffset >> 16),
-                          10,
-                          11,
-                          8,
-                          1};
-    EXPECT_FALSE(FindAudio(stream)) << dwOffset;
+    EXPECT_FALSE(FindAudio(StreamWithEventsAt(dwOffset))) << dwOffset;
   }
-  EXPECT_TRUE(FindAudio(Bytes{1, 4, 0, 0, 10, 11, 8, 1}));
-  EXPECT_TRUE(FindAudio(Bytes{1, 7, 0, 0, 10, 11, 8, 1}));
+  EXPECT_TRUE(FindAudio(StreamWithEventsAt(4)));
+  EXPECT_TRUE(FindAudio(StreamWithEventsAt(7)));
 }
 
 }  // namespace
