@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the chunks of a RIFF file say beside its samples, and the chunks that say it. Events, silence
+// and regions are cue points with labels, as file/WavLabels.h and file/VefLabels.h describe them;
+// what these forms hold is read and written in the same way as there. Everything else is kept as it
+// is: cue points, labels and texts of other makers, in their order; chunks that are not understood,
+// byte for byte.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "notes/Notes.h"
+
+namespace api {
+
+enum class E_RiffForm { Wave, Vef };  // VEMD files are like WAV files
+
+struct S_HeldChunk {
+  S_FourCC id{};
+  std::vector<std::uint8_t> data;
+  bool bCut = false;  // the end of the file cuts it; data is what is there
+};
+
+// The notes of the chunks of a file, except for "fmt ", "data", "fact", "ds64", "JUNK" that pads,
+// "vafm" and "vdat", which the caller leaves out. bCutShort is true of a file that is cut anywhere:
+// labels may then lack their cue points. Throws C_Failure (VOXPLAY_DAMAGED) for what the class
+// library refuses.
+S_Notes ReadRiffNotes(std::span<const S_HeldChunk> chunks, E_RiffForm eForm, bool bCutShort);
+
+struct S_RiffNotes {
+  std::vector<S_NoteChunk> marks;   // "cue ", "smpl", "LIST" of type "adtl": those that are needed
+  std::vector<S_NoteChunk> others;  // the further chunks, in their order
+  // What these chunks do not say, one sentence each.
+  std::vector<std::string> lost;
+};
+
+// The chunks for a sound of so many frames. Identifiers of cue points count from 1 for events,
+// silence and regions, in this order; those of other cue points are left as they are, and the
+// former take the lowest that are free.
+S_RiffNotes WriteRiffNotes(const S_Notes& notes, E_RiffForm eForm, std::uint64_t qwFrames);
+
+// What a container without chunks loses of the notes: everything, one sentence each. strHolder is
+// the subject of the sentence, "an SP header".
+std::vector<std::string> AllLost(const S_Notes& notes, const std::string& strHolder);
+
+}  // namespace api

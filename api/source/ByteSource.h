@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The bytes that a reader reads: a file, memory of the caller's, or the caller's functions. All of
+// them are read at positions counted from where the sound begins.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "voxplay.h"
+
+namespace api {
+
+class I_ByteSource {
+ public:
+  virtual ~I_ByteSource() = default;
+
+  // Empty when it is not known, which happens only where CanGoBack() is false.
+  [[nodiscard]] virtual std::optional<std::uint64_t> Length() const noexcept = 0;
+  // False for an input that only goes forward. Positions may then be skipped but not come again,
+  // except for those in the first kKeptBytes, as long as nothing beyond these has been read.
+  [[nodiscard]] virtual bool CanGoBack() const noexcept = 0;
+  // Reads as many bytes as there are from qwPosition on, up to bytes.size(), and returns their
+  // number: fewer always means that the input ends there. Throws C_Failure when they cannot be
+  // read (VOXPLAY_CANNOT_READ), and when the input would have to go back (VOXPLAY_CANNOT_SEEK).
+  virtual std::size_t ReadSome(std::uint64_t qwPosition, std::span<std::uint8_t> bytes) = 0;
+  // The bytes themselves, where they are in memory anyway; otherwise empty. Saves a copy.
+  [[nodiscard]] virtual std::span<const std::uint8_t> InMemory() const noexcept { return {}; }
+
+  static constexpr std::size_t kKeptBytes = 65536;
+};
+using C_ByteSourcePtr = std::unique_ptr<I_ByteSource>;
+
+// Throws C_Failure (VOXPLAY_CANNOT_OPEN) when there is no such regular file that can be read.
+C_ByteSourcePtr OpenFileSource(const char* pszPath);
+// The bytes are borrowed.
+C_ByteSourcePtr OpenMemorySource(std::span<const std::uint8_t> bytes);
+// The record is copied. Throws C_Failure when one of its functions fails.
+C_ByteSourcePtr OpenInputSource(const voxplay_input& input);
+
+// Reads exactly bytes.size() bytes; false when the source ends before.
+bool ReadExact(I_ByteSource& source, std::uint64_t qwPosition, std::span<std::uint8_t> bytes);
+
+// Part of a source.
+struct S_ByteRange {
+  std::uint64_t qwAt = 0;
+  std::uint64_t qwSize = 0;
+};
+
+}  // namespace api

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The samples of an open sound, decoded piece by piece as they are asked for. Every codec has one.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace api {
+
+class I_SampleStream {
+ public:
+  virtual ~I_SampleStream() = default;
+
+  // Channels of a frame, at least 1.
+  [[nodiscard]] virtual std::size_t ChannelCount() const noexcept = 0;
+  // Frames of the sound. Empty while an input that only goes forward does not tell. May become
+  // smaller while a damaged sound is read, and always is what was read in the end.
+  [[nodiscard]] virtual std::optional<std::uint64_t> FrameCount() const noexcept = 0;
+  // Of the frames that were read so far: those that had to be replaced.
+  [[nodiscard]] virtual std::uint64_t DamagedFrames() const noexcept = 0;
+  // The frame that is read next.
+  [[nodiscard]] virtual std::uint64_t Position() const noexcept = 0;
+
+  // Reads as many frames as there are, up to samples.size() / ChannelCount(), and returns their
+  // number; 0 only at the end. Where the source cannot be read, the frames before that place are
+  // returned, and the next call throws C_Failure.
+  virtual std::size_t Read(std::span<std::int16_t> samples) = 0;
+  virtual std::size_t Read(std::span<std::int32_t> samples) = 0;
+  virtual std::size_t Read(std::span<float> samples) = 0;
+
+  // Moves to a frame, at most FrameCount(). The same samples follow as if all frames before it had
+  // been read. Throws C_Failure.
+  virtual void Seek(std::uint64_t qwFrame) = 0;
+};
+using C_SampleStreamPtr = std::unique_ptr<I_SampleStream>;
+
+// The base of streams whose codec gives 16-bit samples.
+class C_SampleStream16 : public I_SampleStream {
+ public:
+  using I_SampleStream::Read;
+  std::size_t Read(std::span<std::int32_t> samples) override;
+  std::size_t Read(std::span<float> samples) override;
+};
+
+}  // namespace api
