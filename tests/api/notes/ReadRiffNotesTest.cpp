@@ -217,10 +217,10 @@ TEST(ReadRiffNotes, LaterChunkOfAKind_CountsAndTheEarlierOneIsKept) {
   EXPECT_EQ(notes.labels, (std::vector<S_NoteLabel>{{2, ID("labl"), "Second"}}));
   ASSERT_EQ(notes.loops.size(), 1U);
   EXPECT_EQ(notes.loops[0].dwFirst, 3U);
-  ASSERT_EQ(NamesOf(notes.chunks), (std::vector<std::string>{"cue ", "LIST", "smpl", "priv"}));
+  ASSERT_EQ(NamesOf(notes.chunks), (std::vector<std::string>{"cue ", "smpl", "LIST", "priv"}));
   EXPECT_EQ(notes.chunks[0].data, firstCue);
-  EXPECT_EQ(notes.chunks[1].data, firstList);
-  EXPECT_EQ(notes.chunks[2].data, SmplBytes(1, 2));
+  EXPECT_EQ(notes.chunks[1].data, SmplBytes(1, 2));
+  EXPECT_EQ(notes.chunks[2].data, firstList);
 }
 
 TEST(ReadRiffNotes, UnknownPartsOfLists_AreKeptAsOneListOfTheirOwn) {

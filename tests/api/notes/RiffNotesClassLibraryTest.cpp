@@ -9,6 +9,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "HeldChunks.h"
@@ -97,26 +98,42 @@ std::vector<S_NoteRange> InOrder(const C_RangesSeen& seen) {
   return ranges;
 }
 
-void ExpectSameMarks(const S_Notes& notes, I_WavFile& file, E_RiffForm eForm) {
+void ExpectSameMarks(const S_Notes& notes, I_WavFile& file, E_RiffForm eForm, bool bCutShort) {
   EXPECT_EQ(notes.events, EventsIn(file));
   EXPECT_EQ(notes.silence, InOrder(SilenceOf(file)));
   EXPECT_EQ(notes.regions, InOrder(RegionsOf(file)));
   EXPECT_EQ(notes.loops.size(), Sampler(file).GetSampleLoopNum());
   EXPECT_EQ(notes.sampler.dwMidiUnityNote, Sampler(file).GetMIDIUnityNote());
   EXPECT_EQ(notes.sampler.data.size(), Sampler(file).GetSamplerData());
-  EXPECT_LE(notes.cues.size(), static_cast<std::size_t>(Cues(file).GetCuePointCount()));
   // Labels that are not listed have said all they say.
-  std::vector<std::string> listed;
+  std::vector<std::pair<unsigned int, std::string>> listed;
   for (const S_NoteLabel& label : notes.labels) {
-    if (label.type == ID("labl")) listed.push_back(label.strText.substr(0, 64));
+    if (label.type == ID("labl")) listed.emplace_back(label.dwCueID, label.strText.substr(0, 64));
   }
-  std::vector<std::string> read;
-  for (const auto& [dwID, strText] : LabelsOf(file)) {
-    const bool bGone = IsOwnLabel(strText, eForm) &&
-                       std::find(listed.begin(), listed.end(), strText) == listed.end();
-    if (!bGone) read.push_back(strText);
+  std::vector<std::pair<unsigned int, std::string>> expected;
+  for (const auto& label : LabelsOf(file)) {
+    const bool bPlaced = bCutShort || Cues(file).FindCuePointByID(label.first, nullptr) != nullptr;
+    if (!bPlaced || !IsOwnLabel(label.second, eForm)) expected.push_back(label);
   }
-  EXPECT_LE(listed.size(), read.size());
+  EXPECT_EQ(listed, expected);
+}
+
+// The cue points that are listed, and those of the library's own labels, are all that there are.
+void ExpectAllCuePoints(const S_Notes& notes, I_WavFile& file) {
+  std::vector<std::uint32_t> listed;
+  for (const S_NoteCue& cue : notes.cues) listed.push_back(cue.dwID);
+  std::vector<std::uint32_t> labelled;
+  for (const auto& [dwID, strText] : LabelsOf(file)) labelled.push_back(dwID);
+  auto next = listed.begin();
+  for (int i = 0; i < Cues(file).GetCuePointCount(); ++i) {
+    const std::uint32_t dwID = Cues(file).GetCuePointByIndex(i)->GetCuePointID();
+    if (next != listed.end() && *next == dwID) {
+      ++next;
+    } else {
+      EXPECT_TRUE(std::count(labelled.begin(), labelled.end(), dwID) > 0) << dwID;
+    }
+  }
+  EXPECT_TRUE(next == listed.end());
 }
 
 class C_Generator {
@@ -141,7 +158,7 @@ class C_Generator {
     }
     return file;
   }
-  unsigned int Below(unsigned int dwEnd) { return m_random() % dwEnd; }
+  unsigned int Below(unsigned int dwEnd) { return static_cast<unsigned int>(m_random() % dwEnd); }
 
  private:
   void AddChunk(C_RiffBytes& riff) {
@@ -197,7 +214,10 @@ class RiffNotesClassLibrary : public testing::Test {
     if (notes && StopsTheClassLibrary(found, eForm)) return false;
     const C_FilePtr file = MakeFile(eForm);
     EXPECT_EQ(file->LoadByName(strPath.c_str(), true, nullptr, nullptr), notes.has_value());
-    if (notes) ExpectSameMarks(*notes, *file, eForm);
+    if (notes) {
+      ExpectSameMarks(*notes, *file, eForm, found.bCutShort);
+      ExpectAllCuePoints(*notes, *file);
+    }
     return notes.has_value();
   }
 

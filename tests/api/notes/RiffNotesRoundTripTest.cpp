@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "HeldChunks.h"
@@ -76,7 +77,7 @@ class C_RandomFile {
     for (unsigned int i = 0; i < nChunks; ++i) chunks.push_back(Chunk());
     return chunks;
   }
-  unsigned int Below(unsigned int dwEnd) { return m_random() % dwEnd; }
+  unsigned int Below(unsigned int dwEnd) { return static_cast<unsigned int>(m_random() % dwEnd); }
 
  private:
   S_HeldChunk Chunk() {
