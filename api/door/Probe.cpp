@@ -23,14 +23,15 @@ void CopyText(const std::string& strText, char* pszText, std::size_t cbText) {
 
 voxplay_status voxplay_probe(const void* bytes, size_t size, voxplay_kind* kind, size_t kind_size,
                              char* text, size_t text_size, size_t* length) {
-  if ((bytes == nullptr && size != 0) || !api::IsRoomForRecord(kind, kind_size) ||
-      (text == nullptr && text_size != 0)) {
-    return VOXPLAY_BAD_ARGUMENT;
-  }
+  if (bytes == nullptr && size != 0) return VOXPLAY_BAD_ARGUMENT;
+  if (text == nullptr && text_size != 0) return VOXPLAY_BAD_ARGUMENT;
   return api::Guarded(nullptr, "", [&] {
     const api::S_Probe probe = api::Probe({static_cast<const std::uint8_t*>(bytes), size});
-    api::GiveRecord(probe.kind, kind, kind_size);
+    if (!api::CopyOut(probe.kind, &voxplay_kind::container, kind, kind_size)) {
+      return VOXPLAY_BAD_ARGUMENT;
+    }
     CopyText(probe.strText, text, text_size);
     if (length != nullptr) *length = probe.strText.size();
+    return VOXPLAY_OK;
   });
 }

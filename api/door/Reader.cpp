@@ -31,11 +31,13 @@ template <typename MakeSource>
 voxplay_status Open(voxplay_reader* pReader, const char* pszName, std::uint32_t dwFlags,
                     MakeSource&& fnSource) {
   voxplay_reader_close(pReader);
-  return api::Guarded(&pReader->strMessage, pszName, [&] {
+  const voxplay_status eNamed =
+      api::Guarded(&pReader->strMessage, "", [&] { pReader->strName = pszName; });
+  if (eNamed != VOXPLAY_OK) return eNamed;
+  return api::Guarded(&pReader->strMessage, pReader->strName, [&] {
     if ((dwFlags & ~std::uint32_t{VOXPLAY_READ_STREAM | VOXPLAY_READ_NO_BARE}) != 0) {
       throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "flags: an unknown flag is set");
     }
-    pReader->strName = pszName;
     auto reader = api::C_Reader::Open(fnSource(), dwFlags);
     pReader->notes.notes = reader->TakeNotes();
     pReader->open = std::move(reader);
@@ -45,10 +47,14 @@ voxplay_status Open(voxplay_reader* pReader, const char* pszName, std::uint32_t 
 // Does something with what is open.
 template <typename Work>
 voxplay_status WithOpen(const voxplay_reader* pReader, Work&& work) {
-  return api::Guarded(&pReader->strMessage, pReader->strName.c_str(), [&] {
+  return api::Guarded(&pReader->strMessage, pReader->strName, [&] {
     if (!pReader->open) throw api::C_Failure(VOXPLAY_WRONG_STATE, "reader: nothing is open");
     work(*pReader->open);
   });
+}
+
+void Give(bool bGiven) {
+  if (!bGiven) throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "record: null or too small");
 }
 
 template <typename Sample>
@@ -110,16 +116,18 @@ const char* voxplay_reader_message(const voxplay_reader* reader) {
 }
 
 voxplay_status voxplay_reader_info(const voxplay_reader* reader, voxplay_info* info, size_t size) {
-  if (reader == nullptr || !api::IsRoomForRecord(info, size)) return VOXPLAY_BAD_ARGUMENT;
-  return WithOpen(reader,
-                  [&](const api::C_Reader& open) { api::GiveRecord(open.Info(), info, size); });
+  if (reader == nullptr) return VOXPLAY_BAD_ARGUMENT;
+  return WithOpen(reader, [&](const api::C_Reader& open) {
+    Give(api::CopyOut(open.Info(), &voxplay_info::container, info, size));
+  });
 }
 
 voxplay_status voxplay_reader_headers(const voxplay_reader* reader, voxplay_headers* headers,
                                       size_t size) {
-  if (reader == nullptr || !api::IsRoomForRecord(headers, size)) return VOXPLAY_BAD_ARGUMENT;
-  return WithOpen(
-      reader, [&](const api::C_Reader& open) { api::GiveRecord(open.Headers(), headers, size); });
+  if (reader == nullptr) return VOXPLAY_BAD_ARGUMENT;
+  return WithOpen(reader, [&](const api::C_Reader& open) {
+    Give(api::CopyOut(open.Headers(), &voxplay_headers::has_sp, headers, size));
+  });
 }
 
 voxplay_status voxplay_reader_read_s16(voxplay_reader* reader, int16_t* samples, size_t count,

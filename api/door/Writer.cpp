@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -31,6 +32,10 @@ struct voxplay_writer {
 
 namespace {
 
+std::optional<voxplay_format> FormatOf(const voxplay_format* pFormat, std::size_t cbFormat) {
+  return api::CopyIn(pFormat, &voxplay_format::container, cbFormat);
+}
+
 void ThrowProblem(const voxplay_format& format) {
   const std::string strProblem = api::FormatProblem(format);
   if (!strProblem.empty()) throw api::C_Failure(VOXPLAY_UNSUPPORTED, "format: " + strProblem);
@@ -46,15 +51,16 @@ api::S_WriterProgress ProgressOf(voxplay_writer* pWriter) {
 
 // Begins a sound at what a function gives as a target.
 template <typename MakeTarget>
-voxplay_status Open(voxplay_writer* pWriter, const char* pszName, const voxplay_format* pFormat,
-                    std::size_t cbFormat, MakeTarget&& fnTarget) {
+voxplay_status Open(voxplay_writer* pWriter, const char* pszName, const voxplay_format& format,
+                    MakeTarget&& fnTarget) {
   voxplay_writer_abandon(pWriter);
   pWriter->lost.clear();
   pWriter->strMessage.clear();
-  return api::Guarded(&pWriter->strMessage, pszName, [&] {
-    const auto format = api::TakeRecord(pFormat, cbFormat);
+  const voxplay_status eNamed =
+      api::Guarded(&pWriter->strMessage, "", [&] { pWriter->strName = pszName; });
+  if (eNamed != VOXPLAY_OK) return eNamed;
+  return api::Guarded(&pWriter->strMessage, pWriter->strName, [&] {
     ThrowProblem(format);
-    pWriter->strName = pszName;
     auto writer = api::C_Writer::Open(fnTarget(), format);
     writer->OnProgress(ProgressOf(pWriter));
     pWriter->dwChannels = format.channels;
@@ -67,7 +73,7 @@ voxplay_status Open(voxplay_writer* pWriter, const char* pszName, const voxplay_
 template <typename Work>
 voxplay_status WithOpen(voxplay_writer* pWriter, Work&& work) {
   if (pWriter == nullptr) return VOXPLAY_BAD_ARGUMENT;
-  return api::Guarded(&pWriter->strMessage, pWriter->strName.c_str(), [&] {
+  return api::Guarded(&pWriter->strMessage, pWriter->strName, [&] {
     if (!pWriter->open) throw api::C_Failure(VOXPLAY_WRONG_STATE, "writer: nothing is open");
     if (pWriter->bFailed) {
       throw api::C_Failure(VOXPLAY_WRONG_STATE, "writer: it failed before, and can be abandoned");
@@ -95,12 +101,11 @@ voxplay_status Write(voxplay_writer* pWriter, const Sample* pSamples, std::size_
 voxplay_status voxplay_format_check(const voxplay_format* format, size_t size, char* text,
                                     size_t text_size) {
   if (text_size != 0 && text != nullptr) *text = '\0';
-  if (!api::IsRecord(format, size) || (text == nullptr && text_size != 0)) {
-    return VOXPLAY_BAD_ARGUMENT;
-  }
+  const auto known = FormatOf(format, size);
+  if (!known || (text == nullptr && text_size != 0)) return VOXPLAY_BAD_ARGUMENT;
   std::string strProblem;
-  const voxplay_status eStatus = api::Guarded(
-      nullptr, "", [&] { strProblem = api::FormatProblem(api::TakeRecord(format, size)); });
+  const voxplay_status eStatus =
+      api::Guarded(nullptr, "", [&] { strProblem = api::FormatProblem(*known); });
   if (eStatus != VOXPLAY_OK) return eStatus;
   if (text_size != 0) {
     const std::size_t cbCopied = std::min(strProblem.size(), text_size - 1);
@@ -116,19 +121,18 @@ void voxplay_writer_free(voxplay_writer* writer) { delete writer; }
 
 voxplay_status voxplay_writer_open_file(voxplay_writer* writer, const char* path,
                                         const voxplay_format* format, size_t size) {
-  if (writer == nullptr || path == nullptr || !api::IsRecord(format, size)) {
-    return VOXPLAY_BAD_ARGUMENT;
-  }
-  return Open(writer, path, format, size, [&] { return api::OpenFileTarget(path); });
+  const auto known = FormatOf(format, size);
+  if (writer == nullptr || path == nullptr || !known) return VOXPLAY_BAD_ARGUMENT;
+  return Open(writer, path, *known, [&] { return api::OpenFileTarget(path); });
 }
 
 voxplay_status voxplay_writer_open_output(voxplay_writer* writer, const voxplay_output* output,
                                           const voxplay_format* format, size_t size) {
-  if (writer == nullptr || output == nullptr || output->write == nullptr ||
-      !api::IsRecord(format, size)) {
+  const auto known = FormatOf(format, size);
+  if (writer == nullptr || output == nullptr || output->write == nullptr || !known) {
     return VOXPLAY_BAD_ARGUMENT;
   }
-  return Open(writer, "output", format, size, [&] { return api::OpenOutputTarget(*output); });
+  return Open(writer, "output", *known, [&] { return api::OpenOutputTarget(*output); });
 }
 
 const char* voxplay_writer_message(const voxplay_writer* writer) {
