@@ -55,8 +55,9 @@ void SetSize(S_EncodedWav& wav, const I_ByteSource& source, const S_ByteRange& d
   wav.bLengthKnown = qwLength.has_value();
   const std::uint64_t qwThere =
       qwLength ? *qwLength - std::min(*qwLength, data.qwAt) : kToTheEnd - data.qwAt;
-  if (data.qwSize != kToTheEnd) DecodedSize(wav, data.qwSize);
-  if (data.qwSize == kToTheEnd && !qwLength) return;
+  const bool bToTheEnd = data.qwSize >= kToTheEnd - data.qwAt;
+  if (!bToTheEnd) DecodedSize(wav, data.qwSize);
+  if (bToTheEnd && !qwLength) return;
   wav.qwSize = std::min(qwThere, data.qwSize);
   const std::uint32_t dwDecoded = DecodedSize(wav, *wav.qwSize);
   if (compressedwav::IsAccountedFor(dwDecoded, *wav.qwSize)) return;

@@ -19,7 +19,8 @@
 
 namespace api {
 
-// As the size of compressed data: it ends where the source ends.
+// As the size of compressed data: it ends where the source ends. Any size that reaches the largest
+// position means that.
 constexpr std::uint64_t kToTheEnd = std::numeric_limits<std::uint64_t>::max();
 
 // The source is borrowed. data is what the file claims, and may go beyond what the source holds;

@@ -106,7 +106,7 @@ class C_Numbers {
  public:
   std::uint16_t Number(unsigned int dwUsual) {
     const auto dwRandom = static_cast<unsigned int>(m_engine());
-    return static_cast<std::uint16_t>(dwRandom >> 28U == 0 ? dwRandom : dwRandom % (dwUsual + 1));
+    return static_cast<std::uint16_t>(dwRandom >> 26U == 0 ? dwRandom : dwRandom % (dwUsual + 1));
   }
   std::uint32_t Seed() { return static_cast<std::uint32_t>(m_engine()); }
   S_Blocks Shape() {
@@ -175,7 +175,7 @@ TEST(CompressedStream, LongSounds_GiveTheSamplesOfTheClassLibrary) {
 TEST(CompressedStream, RandomFormats_AreReadAndRefusedAsByTheClassLibrary) {
   C_Numbers numbers;
   int nRead = 0;
-  for (int i = 0; i < 6000; ++i) {
+  for (int i = 0; i < 2000; ++i) {
     const S_Blocks shape = numbers.Shape();
     S_File file(BlockFmt(shape, Noise(std::size_t{4} * numbers.Number(9) % 400, numbers.Seed())),
                 Noise(numbers.Number(400) % 3000, numbers.Seed()));
@@ -188,8 +188,8 @@ TEST(CompressedStream, RandomFormats_AreReadAndRefusedAsByTheClassLibrary) {
     ASSERT_EQ(ByStream<C_MemorySourceForTests>(file, sweep.Bytes(), file.Range()), expected)
         << NameOf(shape) << ", number " << i;
   }
-  EXPECT_GT(nRead, 2000);
-  EXPECT_LT(nRead, 5500);
+  EXPECT_GT(nRead, 800);
+  EXPECT_LT(nRead, 1900);
 }
 
 TEST(CompressedStream, EverySeek_GoesOnAsSequentialReadingDoes) {
@@ -266,12 +266,22 @@ TEST(CompressedStream, ForwardSource_SeeksForwardAcrossBlocks) {
   C_ForwardSource source(file.Bytes());
   const auto stream = OpenCompressedStream(source, {file.DataAt(), kToTheEnd}, file.format);
   EXPECT_EQ(stream->FrameCount(), std::nullopt);
+  stream->Seek(50);
   stream->Seek(150'000);
   EXPECT_EQ(ReadFrames<std::int16_t>(*stream, 1), C_Shorts{all[150'000]});
   EXPECT_EQ(StatusOf([&] { stream->Seek(3); }), VOXPLAY_CANNOT_SEEK);
   EXPECT_EQ(stream->Position(), 150'001U);
   EXPECT_EQ(ReadRest<std::int16_t>(*stream), C_Shorts(all.begin() + 150'001, all.end()));
   EXPECT_EQ(stream->FrameCount(), all.size());
+}
+
+TEST(CompressedStream, SizeThatReachesTheLargestPosition_IsNotKnown) {
+  const S_File file(BlockFmt({WAVE_TAG_MULAW, 1, 1, 0, 8}), Noise(100));
+  C_ForwardSource source(file.Bytes());
+  const S_ByteRange range = {file.DataAt(), kToTheEnd - file.DataAt()};
+  const auto stream = OpenCompressedStream(source, range, file.format);
+  EXPECT_EQ(stream->FrameCount(), std::nullopt);
+  EXPECT_EQ(ReadRest<std::int16_t>(*stream).size(), 100U);
 }
 
 TEST(CompressedStream, SeekBeyondAnEndThatIsNotKnown_IsRefused) {
