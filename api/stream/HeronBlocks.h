@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The blocks of a Heron stream in a source. Opening reads only their heads when these stand in order
-// up to the end of the sound. The checks of the blocks are then looked at one after another, before
-// a block is decoded. At the first one that is wrong, the blocks from there on are searched for, by
-// the rules of the class library (heron/BlockIndex.h), and the sound may become shorter. When the
-// heads do not stand in order, the checks are looked at and the blocks searched for at once.
+// The blocks of a Heron stream in a source. Opening reads only their heads when these stand in
+// order up to the end of the sound. The checks of the blocks are then looked at one after another,
+// before a block is decoded. At the first one that is wrong, the blocks from there on are searched
+// for, by the rules of the class library (heron/BlockIndex.h), and the sound may become shorter.
+// When the heads do not stand in order, the checks are looked at and the blocks searched for at
+// once.
 #pragma once
 
 #include <cstddef>
@@ -32,8 +33,8 @@ class C_HeronBlocks {
     return m_index.SamplesOf(nBlock);
   }
 
-  // Looks at the checks of all blocks up to nBlock, which may not exist afterwards. Throws C_Failure
-  // when they cannot be read, and when too much is missing.
+  // Looks at the checks of all blocks up to nBlock, which may not exist afterwards. Throws
+  // C_Failure when they cannot be read, and when too much is missing.
   void CheckUpTo(std::size_t nBlock);
   // Decodes a block that has been checked. False when it is missing or damaged; the samples are 0
   // then. samples holds SamplesOf(nBlock) values. Throws C_Failure.
@@ -48,8 +49,8 @@ class C_HeronBlocks {
   std::size_t m_nLength;
   heron::C_BlockIndex m_index;
   heron::C_BlockDecoder m_decoder;
-  std::size_t m_nChecked = 0;    // blocks before this one are where a search finds them
-  bool m_bSearched = false;      // all of them are
+  std::size_t m_nChecked = 0;  // blocks before this one are where a search finds them
+  bool m_bSearched = false;    // all of them are
   bool m_bMostlyMissing = false;
 };
 

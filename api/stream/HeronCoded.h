@@ -23,8 +23,8 @@ class C_HeronCoded final : public heron::C_CodedBytes {
   // Throws C_Failure.
   std::span<const std::uint8_t> View(std::uint64_t qwAt, std::size_t nLeast,
                                      std::size_t nMost) override;
-  // All bytes of a run, which lies in the coded bytes. The window grows for it. Valid until the next
-  // call; views of its bytes do not read again. Throws C_Failure.
+  // All bytes of a run, which lies in the coded bytes. The window grows for it. Valid until the
+  // next call; views of its bytes do not read again. Throws C_Failure.
   std::span<const std::uint8_t> Whole(const heron::S_Run& run);
 
  private:

@@ -67,8 +67,7 @@ S_Audio FindAudio(I_ByteSource& source, S_ByteRange held) {
 
 heron::S_Count ReadCount(I_ByteSource& source, S_ByteRange coded) {
   std::array<std::uint8_t, heron::kMostCountBytes> bytes{};
-  const auto nMost =
-      static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), coded.qwSize));
+  const auto nMost = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), coded.qwSize));
   const std::size_t nRead = source.ReadSome(coded.qwAt, std::span(bytes).first(nMost));
   const auto count = heron::ReadCount(std::span(bytes).first(nRead));
   if (!count || !heron::IsPossible(*count)) Refuse(VOXPLAY_DAMAGED, "it has no count of samples");
@@ -77,8 +76,7 @@ heron::S_Count ReadCount(I_ByteSource& source, S_ByteRange coded) {
 
 C_HeronBlocks OpenBlocks(I_ByteSource& source, S_ByteRange coded, int nSampleRate) {
   const heron::S_Count count = ReadCount(source, coded);
-  return {source, After(coded, count.nBytes), static_cast<std::size_t>(count.qwCount),
-          nSampleRate};
+  return {source, After(coded, count.nBytes), static_cast<std::size_t>(count.qwCount), nSampleRate};
 }
 
 // ---- reading

@@ -25,7 +25,8 @@ class C_KestrelCursor {
   [[nodiscard]] std::uint64_t Frame() const noexcept { return m_at.qwFrame; }
   [[nodiscard]] bool CanGoBack() const noexcept { return m_frames.CanGoBack(); }
   // Decodes the next frame. One that the end cuts short is completed with zeros and counts as
-  // damaged. kNone after the end: then nothing has changed. Throws C_Failure and has not moved then.
+  // damaged. kNone after the end: then nothing has changed. Throws C_Failure and has not moved
+  // then.
   E_KestrelFrame Next(S_Samples samples);
   // Moves to a frame, or to the end if that comes before. Throws C_Failure and has not moved then.
   void MoveTo(std::uint64_t qwFrame);

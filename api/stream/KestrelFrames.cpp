@@ -38,8 +38,8 @@ bool C_KestrelFrames::IsLoaded(std::uint64_t qwAt, std::size_t cbWanted) const n
 
 // Where a block cannot be read, the frames before that place still may.
 void C_KestrelFrames::Load(std::uint64_t qwAt, std::size_t cbFrameHere) {
-  const auto cbBlock = static_cast<std::size_t>(
-      std::min<std::uint64_t>(kFrames * m_cbFrame, m_range.qwSize - qwAt));
+  const auto cbBlock =
+      static_cast<std::size_t>(std::min<std::uint64_t>(kFrames * m_cbFrame, m_range.qwSize - qwAt));
   try {
     LoadBytes(qwAt, cbBlock);
   } catch (const C_Failure&) {

@@ -74,8 +74,8 @@ kestrel::S_Configuration ConfigurationOf(const S_Head& head) {
 std::uint64_t ClaimedFrames(const S_Head& head, std::uint64_t qwWordsPerFrame) {
   const std::uint64_t qwWords = head.dwClaimed / kWordBytes;
   if (qwWords == 0 || (qwWords - 1) % qwWordsPerFrame != 0) {
-    Refuse(VOXPLAY_DAMAGED, "its length field of " + std::to_string(head.dwClaimed) +
-                                " does not end with a frame");
+    Refuse(VOXPLAY_DAMAGED,
+           "its length field of " + std::to_string(head.dwClaimed) + " does not end with a frame");
   }
   return (qwWords - 1) / qwWordsPerFrame;
 }
@@ -201,9 +201,8 @@ S_KestrelStream OpenKestrelStream(I_ByteSource& source, S_ByteRange range) {
   if (qwFrames > std::numeric_limits<std::uint32_t>::max() / (kSamples * sizeof(std::int16_t))) {
     Refuse(VOXPLAY_TOO_LARGE, "its samples would take 4 GiB or more");
   }
-  return {std::make_unique<C_KestrelStream>(C_KestrelFrames(source, frames, cbFrame),
-                                            configuration, qwFrames,
-                                            source.Length().has_value()),
+  return {std::make_unique<C_KestrelStream>(C_KestrelFrames(source, frames, cbFrame), configuration,
+                                            qwFrames, source.Length().has_value()),
           head.dwBitRate};
 }
 

@@ -43,8 +43,8 @@ std::span<const std::uint8_t> ViewHead(C_CodedBytes& bytes, std::uint64_t qwAt) 
 }
 
 S_Block BlockOf(std::span<const std::uint8_t> head, std::uint64_t qwAt) {
-  return {head[kNumberAt], Number16(head.subspan(kCheckAt)),
-          {qwAt + kBlockHeadBytes, SizeIn(head)}};
+  return {
+      head[kNumberAt], Number16(head.subspan(kCheckAt)), {qwAt + kBlockHeadBytes, SizeIn(head)}};
 }
 
 std::uint16_t CrcOf(C_CodedBytes& bytes, S_Run run, std::uint16_t wBefore) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Where the runs of a sound's blocks are. Damage ends with its block: a block that is missing, or
-// whose check is wrong, has no run, and the others are in their places. A sound whose end is missing
-// ends with its last block that is there.
+// whose check is wrong, has no run, and the others are in their places. A sound whose end is
+// missing ends with its last block that is there.
 #pragma once
 
 #include <cstddef>

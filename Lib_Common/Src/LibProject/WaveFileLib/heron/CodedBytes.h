@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The blocks of coded audio (Block.h), all bytes after the count of samples, in memory or elsewhere.
-// A reader of them takes one view after another.
+// The blocks of coded audio (Block.h), all bytes after the count of samples, in memory or
+// elsewhere. A reader of them takes one view after another.
 #pragma once
 
 #include <algorithm>
@@ -19,8 +19,8 @@ class C_CodedBytes {
   virtual ~C_CodedBytes() = default;
 
   [[nodiscard]] virtual std::uint64_t Size() const noexcept = 0;
-  // The bytes from qwAt on, which is at most Size(): nLeast to nMost of them, fewer only at the end.
-  // nMost is at most kPiece. The view is valid until the next call. May throw.
+  // The bytes from qwAt on, which is at most Size(): nLeast to nMost of them, fewer only at the
+  // end. nMost is at most kPiece. The view is valid until the next call. May throw.
   virtual std::span<const std::uint8_t> View(std::uint64_t qwAt, std::size_t nLeast,
                                              std::size_t nMost) = 0;
 

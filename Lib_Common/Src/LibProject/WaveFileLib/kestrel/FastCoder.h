@@ -270,11 +270,11 @@ class C_FastCoder {
 
   // ---- decoding ----
 
-  // Reads a frame, which becomes the last good one unless it is damaged. False if it is. One copy is
-  // enough.
+  // Reads a frame, which becomes the last good one unless it is damaged. False if it is. One copy
+  // is enough.
   [[gnu::noinline]] static bool Unpack(S_DecoderState& state, const S_Configuration& configuration,
-                                       std::span<const std::uint16_t> words,
-                                       S_Frame& coefficients, int& nShift) {
+                                       std::span<const std::uint16_t> words, S_Frame& coefficients,
+                                       int& nShift) {
     words = words.first(Index(configuration.nWordsPerFrame));
     C_WordReader reader(words);
     S_Envelope envelope;
