@@ -26,7 +26,7 @@ constexpr auto kPlainSubFormat = std::to_array<std::uint8_t>(
     {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71});
 
 [[noreturn]] void Refuse(voxplay_status eStatus, const std::string& strReason) {
-  throw C_Failure(eStatus, "\"fmt \" chunk: " + strReason);
+  throw C_Failure(eStatus, "fmt chunk: " + strReason);
 }
 [[noreturn]] void RefuseTag(std::uint16_t wTag) {
   Refuse(VOXPLAY_UNSUPPORTED, "format tag " + words::Hex16(wTag) + " is not supported");

@@ -97,24 +97,24 @@ TEST(WavFormat, ExtensibleLaws_GetThePlainRecord) {
 
 TEST(WavFormat, OtherSubFormats_AreNamed) {
   EXPECT_EQ(TextOf(ExtensibleFmt(2, 1, 4, 4)),
-            "\"fmt \" chunk: sub-format 02 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71 is not "
+            "fmt chunk: sub-format 02 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71 is not "
             "supported");
   C_Bytes fmt = ExtensibleFmt(1, 1, 16, 16);
   fmt[39] ^= 1;
   EXPECT_EQ(FailureOf([&] { return ReadWavFormat(fmt); }).eStatus, VOXPLAY_UNSUPPORTED);
   fmt.resize(39);
-  EXPECT_EQ(TextOf(fmt), "\"fmt \" chunk: an extensible format of 39 bytes is too short");
+  EXPECT_EQ(TextOf(fmt), "fmt chunk: an extensible format of 39 bytes is too short");
 }
 
 TEST(WavFormat, Refusals_AreSentences) {
   EXPECT_EQ(TextOf(FmtBytes(0x11, 1, 8000, 4)),
-            "\"fmt \" chunk: format tag 0x0011 is not supported");
-  EXPECT_EQ(TextOf(FmtBytes(1, 0, 8000, 16)), "\"fmt \" chunk: it names no channels");
-  EXPECT_EQ(TextOf(FmtBytes(1, 1, 8000, 0)), "\"fmt \" chunk: its samples have no bits");
-  EXPECT_EQ(TextOf(C_Bytes(15)), "\"fmt \" chunk: 15 bytes are too few for a format");
-  EXPECT_EQ(TextOf(BlockFmt({11, 1, 0, 17, 4})), "\"fmt \" chunk: its blocks have no bytes");
+            "fmt chunk: format tag 0x0011 is not supported");
+  EXPECT_EQ(TextOf(FmtBytes(1, 0, 8000, 16)), "fmt chunk: it names no channels");
+  EXPECT_EQ(TextOf(FmtBytes(1, 1, 8000, 0)), "fmt chunk: its samples have no bits");
+  EXPECT_EQ(TextOf(C_Bytes(15)), "fmt chunk: 15 bytes are too few for a format");
+  EXPECT_EQ(TextOf(BlockFmt({11, 1, 0, 17, 4})), "fmt chunk: its blocks have no bytes");
   EXPECT_EQ(TextOf(FmtBytes(2, 1, 8000, 4)),
-            "\"fmt \" chunk: 16 bytes are too few for format tag 0x0002");
+            "fmt chunk: 16 bytes are too few for format tag 0x0002");
 }
 
 TEST(WavFormat, Blocks_TellTheirBitRate) {
