@@ -11,7 +11,8 @@
 //   bare   Kestrel streams without any header: those that the player plays
 //
 // The factory also opens PCM of widths above 32 bits, and VEF files with such PCM, as bytes without
-// a meaning. That is refused.
+// a meaning. That is refused. Events are kept even when the sample rate is 0; the class library,
+// which counts them in time, drops them then.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -76,7 +77,7 @@ TEST(ReaderCoded, OtherIdentifiers_AreRefusedBySentences) {
   const auto seven = FailureOfOpening(C_SpBytes().ID(7).Stream(Kestrel(2)).Take());
   EXPECT_EQ(seven.eStatus, VOXPLAY_UNSUPPORTED);
   EXPECT_EQ(seven.strText, "SP header: identifier 7 is not a codec of this library");
-  for (const std::uint16_t wID : {35, 36}) {
+  for (const std::uint16_t wID : std::array<std::uint16_t, 2>{35, 36}) {
     const auto failed =
         FailureOfOpening(C_SpBytes().ID(wID).Freq(8000).Stream(Heron(wID - 32U, 8000)).Take());
     EXPECT_EQ(failed.eStatus, VOXPLAY_UNSUPPORTED);
@@ -143,11 +144,11 @@ TEST(ReaderCoded, UnknownBytes_AreToldTestByTest) {
 }
 
 TEST(ReaderCoded, BareStreamThatDoesNotDecode_SaysWhy) {
-  const C_Bytes file = C_KestrelBytes(16000).Voice(1).Claim(0x7FFFFF2A).Take();
+  const C_Bytes file = C_KestrelBytes(16000).Voice(1).Claim(2000000002).Take();
   const auto failed = FailureOfOpening(file);
   EXPECT_EQ(failed.eStatus, VOXPLAY_UNKNOWN);
   EXPECT_NE(
-      failed.strText.find("Kestrel stream: found, 2147483434 bytes at 16000 bits per second, but "),
+      failed.strText.find("Kestrel stream: found, 2000000002 bytes at 16000 bits per second, but "),
       std::string::npos)
       << failed.strText;
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "CompressedBytes.h"
 #include "HeronBytes.h"
 #include "KestrelBytes.h"
 #include "ReadSounds.h"

