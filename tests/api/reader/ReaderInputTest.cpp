@@ -108,6 +108,19 @@ TEST(ReaderInput, PipedWavWithoutSizes_IsReadToItsEnd) {
   EXPECT_EQ(reader->Info().frames, 2500u);
 }
 
+TEST(ReaderInput, PipedCompressedWav_IsReadToItsEnd) {
+  for (const S_Blocks& blocks : OneOfEachKind()) {
+    SCOPED_TRACE(blocks.wTag);
+    const C_Bytes data = RampBytes(960);
+    C_RiffBytes riff("WAVE");
+    riff.Chunk("fmt ", BlockFmt(blocks)).Chunk("data", 0xFFFFFFFF, data);
+    C_TestInput input(riff.RiffSize(0xFFFFFFFF).Take());
+    const auto reader =
+        C_Reader::Open(OpenInputSource(input.WithoutSeek().WithoutSize().AtMost(100).Record()), 0);
+    EXPECT_EQ(SamplesOf(*reader), SamplesOf(*OpenBytes(CompressedWav(blocks, data).Take())));
+  }
+}
+
 TEST(ReaderInput, ForwardInputWithItsFormatAfterTheSamples_IsRefused) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("data", RampBytes(100)).Chunk("fmt ", FmtBytes(1, 1, 16000, 16));
