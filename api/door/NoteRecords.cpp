@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
+#include <utility>
 #include <vector>
 
 #include "door/SizedRecord.h"
@@ -19,7 +19,7 @@ S_FourCC IDOf(const char (&id)[4]) noexcept { return {id[0], id[1], id[2], id[3]
 // Whether these are bytes that a RIFF chunk can hold.
 bool CanBeData(const void* pData, std::size_t cbData) noexcept {
   if (pData == nullptr) return cbData == 0;
-  return cbData <= std::numeric_limits<std::uint32_t>::max();
+  return std::in_range<std::uint32_t>(cbData);
 }
 
 std::vector<std::uint8_t> BytesOf(const void* pData, std::size_t cbData) {

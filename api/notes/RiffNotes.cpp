@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
+#include <functional>
 #include <utility>
 
 #include "base/Failure.h"
@@ -17,11 +17,14 @@ namespace api {
 namespace {
 
 constexpr S_FourCC kList = FourCC("LIST");
-constexpr std::uint64_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
 // Chunks that the writers of files make themselves.
 constexpr auto kOwnIDs =
     std::to_array({FourCC("fmt "), FourCC("data"), FourCC("fact"), FourCC("ds64")});
 constexpr auto kOwnVefIDs = std::to_array({FourCC("vafm"), FourCC("vdat")});
+
+bool FitsInAChunk(std::span<const std::uint8_t> data) {
+  return std::in_range<std::uint32_t>(data.size());
+}
 
 S_NoteChunk AsList(std::span<const std::uint8_t> parts) {
   S_NoteChunk list{kList, {'a', 'd', 't', 'l'}};
@@ -37,8 +40,8 @@ class C_ChunkReader {
     for (const S_HeldChunk& chunk : chunks) Take(chunk);
   }
 
-  // All but what cue points and labels mean. Chunks that come before the marks when they are
-  // written come first.
+  // All but what cue points and labels mean. Further chunks are in the order in which they are
+  // written.
   S_Notes Read() {
     S_Notes notes;
     if (m_pSampler != nullptr) {
@@ -48,6 +51,9 @@ class C_ChunkReader {
     }
     m_parts.insert(m_parts.end(), m_list.others.begin(), m_list.others.end());
     notes.chunks = std::move(m_earlier);
+    std::ranges::stable_sort(notes.chunks, std::ranges::less(), [](const S_NoteChunk& chunk) {
+      return MarkKindOf(chunk.id, chunk.data);
+    });
     if (!m_parts.empty()) notes.chunks.push_back(AsList(m_parts));
     for (S_NoteChunk& chunk : m_others) notes.chunks.push_back(std::move(chunk));
     return notes;
@@ -130,7 +136,7 @@ class C_ChunkSorter {
       bNeeded = true;
     }
     if (!bNeeded) return;
-    if (chunk.data.size() > kMostBytes) {
+    if (!FitsInAChunk(chunk.data)) {
       throw C_Failure(VOXPLAY_TOO_LARGE,
                       std::string(AsText(chunk.id)) + " chunk: it does not fit in 4 GiB");
     }
@@ -140,7 +146,7 @@ class C_ChunkSorter {
  private:
   // Why a chunk cannot stand in a file; null when it can.
   static const char* Objection(const S_NoteChunk& chunk, E_RiffForm eForm) {
-    if (chunk.data.size() > kMostBytes) return ": chunks hold less than 4 GiB";
+    if (!FitsInAChunk(chunk.data)) return ": chunks hold less than 4 GiB";
     if (chunk.id[0] == 0) return ": readers would pass over its identifier";
     const bool bOwn =
         std::ranges::find(kOwnIDs, chunk.id) != kOwnIDs.end() ||
