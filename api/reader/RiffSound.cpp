@@ -9,7 +9,6 @@
 #include "ByteReader.h"
 #include "base/Failure.h"
 #include "base/Words.h"
-#include "compressed/CompressedWav.h"
 #include "file/WavFileBase.h"
 #include "stream/CompressedStream.h"
 #include "stream/PcmStream.h"
@@ -122,26 +121,11 @@ class C_ChunkLoader {
                   "forward");
 }
 
-// The class library refuses sounds whose claimed length decodes to 4 GiB or more, however short the
-// file is.
-void CheckClaim(const S_WavFormat& format, const S_ByteRange& claimed) {
-  if (!std::in_range<std::uint32_t>(claimed.qwSize)) return;
-  C_WavFileCodecInfo codecInfo;
-  const bool bFormat = codecInfo.SetFormat(format.record);
-  const auto decoder = bFormat ? compressedwav::MakeDecoder(codecInfo) : nullptr;
-  if (decoder && decoder->GetDecodedSize(codecInfo, static_cast<std::uint32_t>(claimed.qwSize))) {
-    return;
-  }
-  throw C_Failure(VOXPLAY_DAMAGED, "data chunk: " + words::Counted(claimed.qwSize, "byte") +
-                                       " would decode to 4 GiB or more");
-}
-
 C_SampleStreamPtr OpenPcm(I_ByteSource& source, const S_WavFormat& format,
                           const S_PcmRange& range) {
   const std::uint64_t qwMissing = range.claimed.qwSize - range.qwHeld;
   if (qwMissing > C_WavFileBase::kMaxMissingBytes) {
-    throw C_Failure(VOXPLAY_DAMAGED,
-                    "data chunk: " + words::Counted(qwMissing, "byte") + " are missing");
+    throw C_Failure(VOXPLAY_DAMAGED, "data: " + words::Counted(qwMissing, "byte") + " are missing");
   }
   // Values use the high bits of their room, so all bits of it count.
   const bool bFloat = format.eCodec == VOXPLAY_CODEC_FLOAT;
@@ -170,8 +154,8 @@ C_SampleStreamPtr OpenStored(I_ByteSource& source, const S_RiffSound& sound) {
   const S_FoundChunk data = pData == nullptr ? S_FoundChunk{} : *pData;
   const bool bToTheEnd = pData != nullptr && sound.contents.bToTheEnd;
   if (format.IsSampled()) return OpenPcm(source, format, {data.payload, data.qwHeld, bToTheEnd});
-  if (!bToTheEnd) CheckClaim(format, data.payload);
-  return OpenCompressedStream(source, {data.payload.qwAt, data.qwHeld}, format.record);
+  const std::uint64_t qwSize = bToTheEnd ? kToTheEnd : data.payload.qwSize;
+  return OpenCompressedStream(source, {data.payload.qwAt, qwSize}, format.record);
 }
 
 voxplay_info StoredInfo(const S_RiffSound& sound, voxplay_container eContainer) {

@@ -158,15 +158,15 @@ TEST(ReaderWav, MoreThan64MiBMissing_IsRefused) {
   EXPECT_EQ(OpenBytes(fileOf(kMost))->Info().frames, 33554433u);
   const auto failed = FailureOfOpening(fileOf(kMost + 1));
   EXPECT_EQ(failed.eStatus, VOXPLAY_DAMAGED);
-  EXPECT_EQ(failed.strText, "data chunk: 67108865 bytes are missing");
+  EXPECT_EQ(failed.strText, "data: 67108865 bytes are missing");
 }
 
 TEST(ReaderWav, CompressedClaimOf4GiBDecoded_IsRefused) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(6, 1, 16000, 8)).Chunk("data", 0x80000000, RampBytes(30));
   const auto failed = FailureOfOpening(riff.Take());
-  EXPECT_EQ(failed.eStatus, VOXPLAY_DAMAGED);
-  EXPECT_EQ(failed.strText, "data chunk: 2147483648 bytes would decode to 4 GiB or more");
+  EXPECT_EQ(failed.eStatus, VOXPLAY_TOO_LARGE);
+  EXPECT_EQ(failed.strText, "data: 2147483648 bytes decode to 4 GiB or more");
 }
 
 TEST(ReaderWav, FileWithoutData_HasNoFrames) {
