@@ -98,8 +98,10 @@ C_ByteTargetPtr OpenFileTarget(const char* pszPath) {
     case vcm::E_TargetKind::Regular:
       if (!vcm::IsWritable(name.strPath)) RefuseToOpen(SystemReason(errno));
       break;
-    case vcm::E_TargetKind::Other: RefuseToOpen("it is not a regular file");
-    case vcm::E_TargetKind::Unknown: RefuseToOpen(SystemReason(errno));
+    case vcm::E_TargetKind::Other:
+      RefuseToOpen("it is not a regular file");
+    case vcm::E_TargetKind::Unknown:
+      RefuseToOpen(SystemReason(errno));
   }
   return std::make_unique<C_FileTarget>(std::move(name));
 }

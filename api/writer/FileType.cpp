@@ -9,12 +9,18 @@ namespace {
 
 unsigned int HeronTypeOf(std::uint32_t dwBits) noexcept {
   switch (dwBits) {
-    case 2: return AUDIO_FILE_HERON_2BIT;
-    case 3: return AUDIO_FILE_HERON_3BIT;
-    case 4: return AUDIO_FILE_HERON_4BIT;
-    case 5: return AUDIO_FILE_HERON_5BIT;
-    case 6: return AUDIO_FILE_HERON_6BIT;
-    default: return AUDIO_FILE_UNKNOWN;
+    case 2:
+      return AUDIO_FILE_HERON_2BIT;
+    case 3:
+      return AUDIO_FILE_HERON_3BIT;
+    case 4:
+      return AUDIO_FILE_HERON_4BIT;
+    case 5:
+      return AUDIO_FILE_HERON_5BIT;
+    case 6:
+      return AUDIO_FILE_HERON_6BIT;
+    default:
+      return AUDIO_FILE_UNKNOWN;
   }
 }
 

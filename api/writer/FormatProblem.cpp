@@ -18,13 +18,20 @@ constexpr auto kKestrelRates =
 
 const char* NameOf(std::uint32_t dwContainer) {
   switch (dwContainer) {
-    case VOXPLAY_CONTAINER_WAV: return "WAV";
-    case VOXPLAY_CONTAINER_VEMD: return "VEMD";
-    case VOXPLAY_CONTAINER_VEF: return "VEF";
-    case VOXPLAY_CONTAINER_SP: return "an SP header";
-    case VOXPLAY_CONTAINER_HEAD: return "a codec head";
-    case VOXPLAY_CONTAINER_BARE: return "a bare stream";
-    default: return nullptr;
+    case VOXPLAY_CONTAINER_WAV:
+      return "WAV";
+    case VOXPLAY_CONTAINER_VEMD:
+      return "VEMD";
+    case VOXPLAY_CONTAINER_VEF:
+      return "VEF";
+    case VOXPLAY_CONTAINER_SP:
+      return "an SP header";
+    case VOXPLAY_CONTAINER_HEAD:
+      return "a codec head";
+    case VOXPLAY_CONTAINER_BARE:
+      return "a bare stream";
+    default:
+      return nullptr;
   }
 }
 
@@ -36,9 +43,12 @@ bool HoldsCodec(const voxplay_format& format) {
   switch (format.container) {
     case VOXPLAY_CONTAINER_WAV:
       return format.codec == VOXPLAY_CODEC_PCM || format.codec == VOXPLAY_CODEC_FLOAT;
-    case VOXPLAY_CONTAINER_VEMD: return format.codec == VOXPLAY_CODEC_PCM;
-    case VOXPLAY_CONTAINER_VEF: return format.codec == VOXPLAY_CODEC_PCM || HasStream(format);
-    default: return HasStream(format);
+    case VOXPLAY_CONTAINER_VEMD:
+      return format.codec == VOXPLAY_CODEC_PCM;
+    case VOXPLAY_CONTAINER_VEF:
+      return format.codec == VOXPLAY_CODEC_PCM || HasStream(format);
+    default:
+      return HasStream(format);
   }
 }
 
@@ -50,8 +60,10 @@ std::string WidthProblem(const voxplay_format& format) {
       return "format: PCM is written with 8, 16, 24 or 32 bits per sample";
     case VOXPLAY_CODEC_FLOAT:
       return dwBits == 32 ? "" : "format: floating point is written with 32 bits per sample";
-    case VOXPLAY_CODEC_KESTREL: return dwBits == 0 ? "" : "format: Kestrel has no bits per sample";
-    default: break;
+    case VOXPLAY_CODEC_KESTREL:
+      return dwBits == 0 ? "" : "format: Kestrel has no bits per sample";
+    default:
+      break;
   }
   if (dwBits < heron::kMinBitDepth || dwBits > heron::kMaxBitDepth) {
     return "format: Heron has 2 to 6 bits per sample";
@@ -96,9 +108,11 @@ std::string ByteRateProblem(const voxplay_format& format) {
 
 std::string FlagProblem(const voxplay_format& format) {
   if (format.reserved != 0) return "format: the reserved member is not 0";
-  if ((format.flags & ~std::uint32_t{VOXPLAY_WRITE_RF64}) != 0) return "format: a flag is not known";
+  if ((format.flags & ~std::uint32_t{VOXPLAY_WRITE_RF64}) != 0)
+    return "format: a flag is not known";
   const bool bRf64 = (format.flags & VOXPLAY_WRITE_RF64) != 0;
-  return bRf64 && format.container != VOXPLAY_CONTAINER_WAV ? "format: only WAV can become RF64" : "";
+  return bRf64 && format.container != VOXPLAY_CONTAINER_WAV ? "format: only WAV can become RF64"
+                                                            : "";
 }
 
 }  // namespace

@@ -63,10 +63,12 @@ std::vector<std::string> LostOfHeronEvents(std::span<const S_NoteEvent> events,
     // A group that begins in the sound has all its events.
     const bool bBeyond = qwFrame / qwGroup * qwGroup >= dwSamples;
     const bool bCrowded = sizes[qwFrame / qwGroup] > kMostInGroup;
-    const char* const pszReason =
-        !bWritten ? kNoRoom : bBeyond ? kBeyond : bCrowded ? kCrowded : kPartly;
-    lost.push_back("event " + std::to_string(n + 1) + " at frame " + std::to_string(qwFrame) + ": " +
-                   pszReason);
+    const char* const pszReason = !bWritten  ? kNoRoom
+                                  : bBeyond  ? kBeyond
+                                  : bCrowded ? kCrowded
+                                             : kPartly;
+    lost.push_back("event " + std::to_string(n + 1) + " at frame " + std::to_string(qwFrame) +
+                   ": " + pszReason);
   }
   return lost;
 }

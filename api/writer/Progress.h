@@ -11,8 +11,8 @@ namespace api {
 using S_ProgressFunction = std::function<bool(std::uint64_t qwDone, std::uint64_t qwAll)>;
 
 // Reports how far a sound is written, in numbers that never fall; the last report says that all
-// frames are done. Of a sound that is coded when all of it is there, writing its frames is the first
-// half, and coding them the second. All functions throw C_Failure (VOXPLAY_CANCELLED).
+// frames are done. Of a sound that is coded when all of it is there, writing its frames is the
+// first half, and coding them the second. All functions throw C_Failure (VOXPLAY_CANCELLED).
 class C_Progress {
  public:
   // qwAnnounced: how many frames will be written; 0 when it is not known.

@@ -9,9 +9,9 @@
 //   "data"  size, samples
 //   others
 //
-// Sizes are without pad bytes; a pad byte of 0 follows each payload of an odd size. A file that does
-// not fit in 32-bit sizes becomes an RF64 file: its first four bytes change, "JUNK" becomes "ds64"
-// with the sizes and the number of frames in 64 bits, and those in 32 bits become 2^32 - 1.
+// Sizes are without pad bytes; a pad byte of 0 follows each payload of an odd size. A file that
+// does not fit in 32-bit sizes becomes an RF64 file: its first four bytes change, "JUNK" becomes
+// "ds64" with the sizes and the number of frames in 64 bits, and those in 32 bits become 2^32 - 1.
 #pragma once
 
 #include <cstddef>

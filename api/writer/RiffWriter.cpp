@@ -9,9 +9,12 @@ constexpr std::uint16_t kFloatTag = 3;
 
 S_FourCC FormOf(std::uint32_t dwContainer) {
   switch (dwContainer) {
-    case VOXPLAY_CONTAINER_VEMD: return {'V', 'E', 'M', 'D'};
-    case VOXPLAY_CONTAINER_VEF: return {'V', 'E', 'F', 'F'};
-    default: return {'W', 'A', 'V', 'E'};
+    case VOXPLAY_CONTAINER_VEMD:
+      return {'V', 'E', 'M', 'D'};
+    case VOXPLAY_CONTAINER_VEF:
+      return {'V', 'E', 'F', 'F'};
+    default:
+      return {'W', 'A', 'V', 'E'};
   }
 }
 
@@ -22,10 +25,14 @@ bool IsCoded(const voxplay_format& format) {
 E_StoredForm StoredFormOf(const voxplay_format& format) {
   if (format.codec == VOXPLAY_CODEC_FLOAT) return E_StoredForm::Float32;
   switch (IsCoded(format) ? 16 : format.bits_per_sample) {
-    case 8: return E_StoredForm::Int8;
-    case 24: return E_StoredForm::Int24;
-    case 32: return E_StoredForm::Int32;
-    default: return E_StoredForm::Int16;
+    case 8:
+      return E_StoredForm::Int8;
+    case 24:
+      return E_StoredForm::Int24;
+    case 32:
+      return E_StoredForm::Int32;
+    default:
+      return E_StoredForm::Int16;
   }
 }
 

@@ -10,8 +10,8 @@
 
 namespace api {
 
-// The RIFF files of a format; codec formats have 16-bit samples. bRoomForRf64 also when the flags of
-// the format do not ask for it.
+// The RIFF files of a format; codec formats have 16-bit samples. bRoomForRf64 also when the flags
+// of the format do not ask for it.
 S_RiffForm RiffFormOf(const voxplay_format& format, bool bRoomForRf64);
 
 // Writes WAV and VEMD files, and VEF files without a stream: the samples, then the marks, then the

@@ -73,11 +73,16 @@ void StoreFloats(std::span<const Sample> samples, std::uint8_t* pbyStored) {
 template <typename Sample>
 void StoreAny(std::span<const Sample> samples, E_StoredForm eForm, std::uint8_t* pbyStored) {
   switch (eForm) {
-    case E_StoredForm::Int8: return StoreIntegers<8>(samples, pbyStored);
-    case E_StoredForm::Int16: return StoreIntegers<16>(samples, pbyStored);
-    case E_StoredForm::Int24: return StoreIntegers<24>(samples, pbyStored);
-    case E_StoredForm::Int32: return StoreIntegers<32>(samples, pbyStored);
-    case E_StoredForm::Float32: return StoreFloats(samples, pbyStored);
+    case E_StoredForm::Int8:
+      return StoreIntegers<8>(samples, pbyStored);
+    case E_StoredForm::Int16:
+      return StoreIntegers<16>(samples, pbyStored);
+    case E_StoredForm::Int24:
+      return StoreIntegers<24>(samples, pbyStored);
+    case E_StoredForm::Int32:
+      return StoreIntegers<32>(samples, pbyStored);
+    case E_StoredForm::Float32:
+      return StoreFloats(samples, pbyStored);
   }
 }
 

@@ -19,10 +19,14 @@ namespace api {
 enum class E_StoredForm { Int8, Int16, Int24, Int32, Float32 };
 [[nodiscard]] constexpr std::size_t BytesOf(E_StoredForm eForm) noexcept {
   switch (eForm) {
-    case E_StoredForm::Int8: return 1;
-    case E_StoredForm::Int16: return 2;
-    case E_StoredForm::Int24: return 3;
-    default: return 4;
+    case E_StoredForm::Int8:
+      return 1;
+    case E_StoredForm::Int16:
+      return 2;
+    case E_StoredForm::Int24:
+      return 3;
+    default:
+      return 4;
   }
 }
 
@@ -35,7 +39,7 @@ void Store(std::span<const float> samples, E_StoredForm eForm, std::uint8_t* pby
 void To16(std::span<const std::int32_t> samples, std::span<std::int16_t> converted) noexcept;
 void To16(std::span<const float> samples, std::span<std::int16_t> converted) noexcept;
 
-// The mean of the channels of every frame, rounded toward zero, as the class library mixes sounds.
+// The mean of the channels of every frame, rounded toward zero, as sound/MonoMix.h has it.
 // frames.size() is mono.size() * nChannels.
 void MixToMono(std::span<const std::int16_t> frames, std::size_t nChannels,
                std::span<std::int16_t> mono) noexcept;

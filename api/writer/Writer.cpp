@@ -47,7 +47,9 @@ C_StreamCoderPtr MakeCoder(I_ByteTarget& target, const voxplay_format& format,
 C_SoundWriterPtr MakeSoundWriter(I_ByteTarget& target, const voxplay_format& format,
                                  C_Progress& progress) {
   if (!HasStream(format)) return std::make_unique<C_RiffWriter>(target, format);
-  const auto fnMakeCoder = [&](I_ByteTarget& stream) { return MakeCoder(stream, format, progress); };
+  const auto fnMakeCoder = [&](I_ByteTarget& stream) {
+    return MakeCoder(stream, format, progress);
+  };
   if (format.container == VOXPLAY_CONTAINER_VEF) {
     return std::make_unique<C_VefStreamWriter>(target, format, fnMakeCoder);
   }
@@ -83,6 +85,10 @@ void C_Writer::SetNotes(S_Notes notes) {
   }
   m_notes = std::move(notes);
 }
+
+void C_Writer::Write(std::span<const std::int16_t> samples) { WriteAny(samples); }
+void C_Writer::Write(std::span<const std::int32_t> samples) { WriteAny(samples); }
+void C_Writer::Write(std::span<const float> samples) { WriteAny(samples); }
 
 template <typename Sample>
 void C_Writer::WriteAny(std::span<const Sample> samples) {
@@ -144,9 +150,10 @@ void C_Writer::Begin() {
 void C_Writer::CheckAnnounced(std::uint64_t qwFrames, bool bAll) const {
   if (m_bCanGoBack || qwFrames == m_format.frames) return;
   if (!bAll && qwFrames < m_format.frames) return;
-  throw C_Failure(VOXPLAY_CANNOT_SEEK, "output: " + std::to_string(m_format.frames) +
-                                           " frames were announced, and it cannot go back to say " +
-                                           (bAll ? std::to_string(qwFrames) : "that there are more"));
+  throw C_Failure(VOXPLAY_CANNOT_SEEK,
+                  "output: " + std::to_string(m_format.frames) +
+                      " frames were announced, and it cannot go back to say " +
+                      (bAll ? std::to_string(qwFrames) : "that there are more"));
 }
 
 }  // namespace api

@@ -33,9 +33,9 @@ class C_Writer {
 
   // Interleaved whole frames. Where the target only goes forward, VOXPLAY_CANNOT_SEEK for more
   // frames than were announced. Reports progress after every 4096 frames, or fewer.
-  void Write(std::span<const std::int16_t> samples) { WriteAny(samples); }
-  void Write(std::span<const std::int32_t> samples) { WriteAny(samples); }
-  void Write(std::span<const float> samples) { WriteAny(samples); }
+  void Write(std::span<const std::int16_t> samples);
+  void Write(std::span<const std::int32_t> samples);
+  void Write(std::span<const float> samples);
 
   // Call it once, last. VOXPLAY_UNSUPPORTED for a stream without a frame.
   void Finish();

@@ -67,7 +67,7 @@ TEST(FormatProblem, Channels_Are1To64) {
 }
 
 TEST(FormatProblem, BitRates_AreThoseOfKestrel) {
-  for (const std::uint32_t dwRate : 
+  for (const std::uint32_t dwRate :
        {0U, 7200U, 9600U, 12000U, 14400U, 16000U, 20000U, 24000U, 32000U}) {
     EXPECT_EQ(FormatProblem(KestrelFormat(VOXPLAY_CONTAINER_SP, dwRate)), "") << dwRate;
   }

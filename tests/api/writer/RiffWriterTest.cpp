@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
+#include <array>
 #include <memory>
 
 #include "WriterSupport.h"
@@ -50,22 +51,20 @@ Bytes WrittenWithin(const voxplay_format& format, const Samples& samples, std::u
 }
 
 TEST(RiffWriter, AnnotatedSounds_AreThoseOfTheClassLibrary) {
-  for (const unsigned short wChannels : {1, 2, 5}) {
+  for (const unsigned short wChannels : std::to_array<unsigned short>({1, 2, 5})) {
     const auto voice = TestVoice(std::size_t{1001} * wChannels);
     const auto sound = SoundOf(voice, 22050, wChannels);
     AddAnnotations(*sound);
-    for (const auto& [dwContainer, eType] :
-         {std::pair{VOXPLAY_CONTAINER_WAV, AUDIO_FILE_WAVE},
-          std::pair{VOXPLAY_CONTAINER_VEMD, AUDIO_FILE_VEMD}}) {
+    for (const auto& [dwContainer, eType] : {std::pair{VOXPLAY_CONTAINER_WAV, AUDIO_FILE_WAVE},
+                                             std::pair{VOXPLAY_CONTAINER_VEMD, AUDIO_FILE_VEMD}}) {
       const auto format = PcmFormat(dwContainer, 16, wChannels, 22050);
-      EXPECT_EQ(WithoutPads(Written(format, voice, ExampleNotes())),
-                ByClassLibrary(*sound, eType));
+      EXPECT_EQ(WithoutPads(Written(format, voice, ExampleNotes())), ByClassLibrary(*sound, eType));
     }
   }
 }
 
 TEST(RiffWriter, WidthsOfTheClassLibrary_HaveItsBytes) {
-  for (const unsigned short wBits : {8, 16, 32}) {
+  for (const unsigned short wBits : std::to_array<unsigned short>({8, 16, 32})) {
     const auto sound = ExampleSound({8000, 2, wBits, wBits}, 333);
     std::vector<std::int32_t> samples;
     vcm::C_ByteReader pcm({sound->GetBuffer(), sound->GetBufferLength()});
@@ -170,7 +169,7 @@ TEST(RiffWriter, SoundBeyondTheSizes_BecomesAnRf64File) {
     EXPECT_EQ(std::string(file.begin(), file.begin() + 4), "RF64");
     EXPECT_EQ(Bytes(file.begin() + 4, file.begin() + 8), Bytes(4, 0xFF));
     EXPECT_EQ(std::string(file.begin() + 12, file.begin() + 16), "ds64");
-    vcm::C_ByteReader sizes(std::span(file).subspan(20));
+    vcm::C_ByteReader sizes{std::span(file).subspan(20)};
     EXPECT_EQ(sizes.U32(), file.size() - 8);
     EXPECT_EQ(sizes.U32(), 0u);
     EXPECT_EQ(sizes.U32(), 1000u);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -30,8 +31,7 @@ TEST(Store, Int16_LosesOrGetsLowBits) {
             (Bytes{0, 0, 0xFF, 0xFF, 0xFF, 0, 0, 0x80, 0xFF, 0x7F}));
   EXPECT_EQ(Stored(samples, E_StoredForm::Int24),
             (Bytes{0, 0, 0, 0, 0xFF, 0xFF, 0, 0xFF, 0, 0, 0, 0x80, 0, 0xFF, 0x7F}));
-  EXPECT_EQ(Stored(std::vector<std::int16_t>{-2}, E_StoredForm::Int32),
-            (Bytes{0, 0, 0xFE, 0xFF}));
+  EXPECT_EQ(Stored(std::vector<std::int16_t>{-2}, E_StoredForm::Int32), (Bytes{0, 0, 0xFE, 0xFF}));
   EXPECT_EQ(Stored(std::vector<std::int16_t>{-16384}, E_StoredForm::Float32),
             (Bytes{0, 0, 0, 0xBF}));
 }
@@ -50,13 +50,12 @@ TEST(Store, Int32_LosesLowBits) {
 
 TEST(Store, Float_IsRoundedToEvenAndLimited) {
   const float fStep = 1.0F / 128;
-  const std::vector<float> samples = {0.0F,         0.5F * fStep, 1.5F * fStep, -0.5F * fStep,
+  const std::vector<float> samples = {0.0F,          0.5F * fStep, 1.5F * fStep, -0.5F * fStep,
                                       -1.5F * fStep, 1.0F,         -1.0F,        2.0F,
                                       -INFINITY,     INFINITY,     NAN,          0.51F * fStep};
   EXPECT_EQ(Stored(samples, E_StoredForm::Int8),
             (Bytes{128, 128, 130, 128, 126, 255, 0, 255, 0, 255, 128, 129}));
-  EXPECT_EQ(Stored(std::vector<float>{1.0F}, E_StoredForm::Int32),
-            (Bytes{0xFF, 0xFF, 0xFF, 0x7F}));
+  EXPECT_EQ(Stored(std::vector<float>{1.0F}, E_StoredForm::Int32), (Bytes{0xFF, 0xFF, 0xFF, 0x7F}));
   EXPECT_EQ(Stored(std::vector<float>{-3.0F}, E_StoredForm::Int24), (Bytes{0, 0, 0x80}));
   EXPECT_EQ(Stored(std::vector<float>{2.0F}, E_StoredForm::Float32), (Bytes{0, 0, 0, 0x40}));
 }
@@ -79,7 +78,7 @@ TEST(To16, Int32_LosesLowBits) {
 }
 
 TEST(MixToMono, EveryNumberOfChannels_AgreesWithTheClassLibrary) {
-  for (const unsigned short wChannels : {1, 2, 3, 5, 64}) {
+  for (const unsigned short wChannels : std::to_array<unsigned short>({1, 2, 3, 5, 64})) {
     std::vector<short> frames;
     for (int i = 0; i < 640; ++i) frames.push_back(static_cast<short>(i * 7919 + 32768));
     frames.resize(frames.size() / wChannels * wChannels);

@@ -4,11 +4,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <string>
 
 #include "WriterSupport.h"
 #include "file/SpHeader.h"
 #include "interface/I_AudioCodecParam.h"
+#include "sound/MonoMix.h"
 
 namespace {
 
@@ -29,11 +32,22 @@ Bytes AfterSpHeader(const Bytes& stream, unsigned short wID, unsigned int dwRate
   return FileBytes(strPath);
 }
 
+// A RIFF file with zeros for the payload of a chunk.
+Bytes Bare(Bytes file, const std::string& strID) {
+  const auto found = std::search(file.begin(), file.end(), strID.begin(), strID.end());
+  EXPECT_NE(found, file.end());
+  const auto nAt = static_cast<std::size_t>(found - file.begin());
+  const std::size_t cbSize = vcm::C_ByteReader{std::span(file).subspan(nAt + 4)}.U32();
+  std::fill_n(found + 8, cbSize, std::uint8_t{0});
+  return file;
+}
+
 TEST(StreamWriter, Kestrel_HasTheBytesOfTheCodecAtEveryLength) {
-  for (const std::size_t nSamples : {1, 319, 320, 321, 640, 1000, 3200, 16001}) {
+  for (const std::size_t nSamples :
+       std::to_array<std::size_t>({1, 319, 320, 321, 640, 1000, 3200, 16001})) {
     const auto voice = TestVoice(nSamples);
     const auto sound = SoundOf(voice, 16000, 1);
-    for (const unsigned int dwBitRate : {7200, 16000, 24000, 32000}) {
+    for (const unsigned int dwBitRate : {7200U, 16000U, 24000U, 32000U}) {
       sound->GetAudioCodecParam()->SetBitRate(dwBitRate);
       const Bytes stream = ByClassLibrary(*sound, AUDIO_FILE_KESTREL, true);
       const auto format = KestrelFormat(VOXPLAY_CONTAINER_BARE, dwBitRate);
@@ -62,7 +76,7 @@ TEST(StreamWriter, KestrelHeaders_AreThoseOfTheClassLibrary) {
 }
 
 TEST(StreamWriter, Heron_HasTheBytesOfTheCodec) {
-  for (const std::size_t nSamples : {1, 100, 5000, 150000}) {
+  for (const std::size_t nSamples : std::to_array<std::size_t>({1, 100, 5000, 150000})) {
     const auto voice = TestVoice(nSamples);
     const auto sound = SoundOf(voice, 16000, 1);
     for (std::uint32_t dwBits = 2; dwBits <= 6; ++dwBits) {
@@ -91,13 +105,19 @@ TEST(StreamWriter, HeronAtOtherRatesAndChannels_HasTheBytesOfTheCodec) {
   }
 }
 
-TEST(StreamWriter, Stereo_IsMixedAsInTheClassLibrary) {
-  const auto frames = Stereo(5000);
-  const auto sound = SoundOf(frames, 16000, 2);
-  sound->GetAudioCodecParam()->SetBitRate(24000);
-  auto format = KestrelFormat(VOXPLAY_CONTAINER_BARE, 24000);
-  format.channels = 2;
-  EXPECT_EQ(Written(format, frames), ByClassLibrary(*sound, AUDIO_FILE_KESTREL, true));
+// The class library mixes stereo for Kestrel in a way that disturbs loud sounds. Here the mean is
+// coded, which it takes for Heron.
+TEST(StreamWriter, KestrelOfManyChannels_IsThatOfTheirMean) {
+  for (const unsigned short wChannels : std::to_array<unsigned short>({2, 3, 64})) {
+    const auto voice = TestVoice(std::size_t{3000} * wChannels);
+    const auto mean = monomix::SamplesOf(*SoundOf(voice, 16000, wChannels));
+    ASSERT_TRUE(mean.has_value());
+    const auto sound = SoundOf(*mean, 16000, 1);
+    sound->GetAudioCodecParam()->SetBitRate(24000);
+    auto format = KestrelFormat(VOXPLAY_CONTAINER_BARE, 24000);
+    format.channels = wChannels;
+    EXPECT_EQ(Written(format, voice), ByClassLibrary(*sound, AUDIO_FILE_KESTREL, true));
+  }
 }
 
 TEST(StreamWriter, OtherSamples_BecomeThoseOf16BitsFirst) {
@@ -131,8 +151,8 @@ TEST(StreamWriter, HeronEvents_HaveTheBytesOfTheCodec) {
   add(39999, 5, 6);
   for (const std::uint32_t dwContainer : {VOXPLAY_CONTAINER_BARE, VOXPLAY_CONTAINER_HEAD}) {
     const auto format = HeronFormat(dwContainer, 5);
-    const Bytes expected = ByClassLibrary(*sound, AUDIO_FILE_HERON_5BIT, true,
-                                          dwContainer == VOXPLAY_CONTAINER_HEAD);
+    const Bytes expected =
+        ByClassLibrary(*sound, AUDIO_FILE_HERON_5BIT, true, dwContainer == VOXPLAY_CONTAINER_HEAD);
     EXPECT_EQ(Written(format, voice, notes), expected);
     EXPECT_EQ(WrittenForward(format, voice, notes), expected);
   }
@@ -178,8 +198,8 @@ TEST(StreamWriter, EventsAfterTooMuchAudio_AreLeftOutAndListed) {
   const Bytes file = Written(HeronFormat(VOXPLAY_CONTAINER_BARE, 6, 48000), noise, notes, &lost);
   EXPECT_GT(file.size(), std::size_t{16} << 20);
   EXPECT_EQ(vcm::C_ByteReader(file).U32(), 3u);
-  EXPECT_THAT(lost, ElementsAre(
-                        "event 1 at frame 48: the coded audio is too long for events after it"));
+  EXPECT_THAT(lost,
+              ElementsAre("event 1 at frame 48: the coded audio is too long for events after it"));
 }
 
 TEST(StreamWriter, StreamWithoutSamples_IsRefused) {
@@ -191,16 +211,19 @@ TEST(StreamWriter, StreamWithoutSamples_IsRefused) {
 }
 
 TEST(StreamWriter, VefWithAStream_IsThatOfTheClassLibrary) {
-  for (const unsigned short wChannels : {1, 2}) {
+  for (const unsigned short wChannels : std::to_array<unsigned short>({1, 2})) {
     const auto frames = wChannels == 1 ? TestVoice(5001) : Stereo(5001);
     const auto sound = SoundOf(frames, 16000, wChannels);
     AddAnnotations(*sound);
     sound->GetAudioCodecParam()->SetBitRate(24000);
     auto format = KestrelFormat(VOXPLAY_CONTAINER_VEF, 24000);
     format.channels = wChannels;
-    const Bytes kestrel = ByClassLibrary(*sound, AUDIO_FILE_KESTREL);
-    EXPECT_EQ(WithoutPads(Written(format, frames, ExampleNotes())), kestrel);
-    EXPECT_EQ(WithoutPads(WrittenForward(format, frames, ExampleNotes())), kestrel);
+    const Bytes kestrel = Written(format, frames, ExampleNotes());
+    EXPECT_EQ(WrittenForward(format, frames, ExampleNotes()), kestrel);
+    const Bytes expected = ByClassLibrary(*sound, AUDIO_FILE_KESTREL);
+    EXPECT_EQ(WithoutPads(kestrel) == expected, wChannels == 1);
+    // The stream of a mean is another one, in the same place.
+    EXPECT_EQ(Bare(WithoutPads(kestrel), "vdat"), Bare(expected, "vdat"));
     sound->GetAudioCodecParam()->SetBitRate(0);
     format = HeronFormat(VOXPLAY_CONTAINER_VEF, 4);
     format.channels = wChannels;
@@ -213,8 +236,8 @@ TEST(StreamWriter, VefWithAStream_IsThatOfTheClassLibrary) {
 TEST(StreamWriter, LengthsThatNoStreamHas_AreRefused) {
   C_CallerOutput output;
   output.OnlyForward();
-  for (auto format : {KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000),
-                      HeronFormat(VOXPLAY_CONTAINER_BARE, 2)}) {
+  for (auto format :
+       {KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000), HeronFormat(VOXPLAY_CONTAINER_BARE, 2)}) {
     for (const std::uint64_t qwFrames : {std::uint64_t{1} << 36, UINT64_MAX}) {
       format.frames = qwFrames;
       const auto writer = api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format);

@@ -23,8 +23,7 @@ class WriterMemory : public C_FolderTest {
     std::array<std::int16_t, 4096> piece{};
     const std::size_t cbBefore = LiveMemory();
     ResetMostMemory();
-    const auto writer =
-        api::C_Writer::Open(api::OpenFileTarget(Path("a").c_str()), format);
+    const auto writer = api::C_Writer::Open(api::OpenFileTarget(Path("a").c_str()), format);
     std::uint32_t dwState = 1;
     for (std::uint64_t qwAt = 0; qwAt < qwFrames; qwAt += piece.size()) {
       const bool bLoud = qwAt < 200000 || qwAt + 200000 > qwFrames;

@@ -14,11 +14,11 @@ using namespace api::test;
 using testing::ElementsAre;
 
 std::vector<voxplay_format> OneOfEachKind() {
-  return {PcmFormat(VOXPLAY_CONTAINER_WAV, 16),      PcmFormat(VOXPLAY_CONTAINER_VEMD, 24),
-          PcmFormat(VOXPLAY_CONTAINER_VEF, 8),       KestrelFormat(VOXPLAY_CONTAINER_VEF),
-          HeronFormat(VOXPLAY_CONTAINER_VEF, 3),     KestrelFormat(VOXPLAY_CONTAINER_SP),
-          HeronFormat(VOXPLAY_CONTAINER_SP, 4),      KestrelFormat(VOXPLAY_CONTAINER_HEAD),
-          HeronFormat(VOXPLAY_CONTAINER_HEAD, 2),    KestrelFormat(VOXPLAY_CONTAINER_BARE),
+  return {PcmFormat(VOXPLAY_CONTAINER_WAV, 16),   PcmFormat(VOXPLAY_CONTAINER_VEMD, 24),
+          PcmFormat(VOXPLAY_CONTAINER_VEF, 8),    KestrelFormat(VOXPLAY_CONTAINER_VEF),
+          HeronFormat(VOXPLAY_CONTAINER_VEF, 3),  KestrelFormat(VOXPLAY_CONTAINER_SP),
+          HeronFormat(VOXPLAY_CONTAINER_SP, 4),   KestrelFormat(VOXPLAY_CONTAINER_HEAD),
+          HeronFormat(VOXPLAY_CONTAINER_HEAD, 2), KestrelFormat(VOXPLAY_CONTAINER_BARE),
           HeronFormat(VOXPLAY_CONTAINER_BARE, 6)};
 }
 
@@ -48,9 +48,8 @@ TEST_F(Writer, Files_HaveTheBytesThatOutputsGet) {
 }
 
 TEST_F(Writer, FormatWithAProblem_IsRefused) {
-  const auto failure = FailureOf([this] {
-    static_cast<void>(Open("a", PcmFormat(VOXPLAY_CONTAINER_WAV, 12)));
-  });
+  const auto failure =
+      FailureOf([this] { static_cast<void>(Open("a", PcmFormat(VOXPLAY_CONTAINER_WAV, 12))); });
   EXPECT_EQ(failure.eStatus, VOXPLAY_UNSUPPORTED);
   EXPECT_EQ(failure.strText, "format: PCM is written with 8, 16, 24 or 32 bits per sample");
   EXPECT_THAT(Entries(), ElementsAre());
