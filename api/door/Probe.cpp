@@ -27,7 +27,9 @@ voxplay_status voxplay_probe(const void* bytes, size_t size, voxplay_kind* kind,
   if (text == nullptr && text_size != 0) return VOXPLAY_BAD_ARGUMENT;
   return api::Guarded(nullptr, "", [&] {
     const api::S_Probe probe = api::Probe({static_cast<const std::uint8_t*>(bytes), size});
-    if (!api::CopyOut(probe.kind, &voxplay_kind::container, kind, kind_size)) {
+    const voxplay_kind found{static_cast<std::uint32_t>(probe.eContainer),
+                             static_cast<std::uint32_t>(probe.eCodec), probe.bSupported ? 1U : 0U};
+    if (!api::CopyOut(found, &voxplay_kind::container, kind, kind_size)) {
       return VOXPLAY_BAD_ARGUMENT;
     }
     CopyText(probe.strText, text, text_size);

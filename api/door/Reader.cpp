@@ -63,7 +63,7 @@ voxplay_status Read(voxplay_reader* pReader, Sample* pSamples, std::size_t nCoun
   if (pnDone != nullptr) *pnDone = 0;
   if (pReader == nullptr || pnDone == nullptr) return VOXPLAY_BAD_ARGUMENT;
   return WithOpen(pReader, [&](api::C_Reader& reader) {
-    api::I_SampleStream& stream = reader.Stream();
+    api::I_SampleStream& stream = reader.Samples();
     if (pSamples == nullptr || nCount > SIZE_MAX / sizeof(Sample) / stream.ChannelCount()) {
       throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "samples: no buffer can hold so many");
     }
@@ -148,17 +148,17 @@ voxplay_status voxplay_reader_read_f32(voxplay_reader* reader, float* samples, s
 voxplay_status voxplay_reader_seek(voxplay_reader* reader, uint64_t frame) {
   if (reader == nullptr) return VOXPLAY_BAD_ARGUMENT;
   return WithOpen(reader, [&](api::C_Reader& open) {
-    const auto count = open.Stream().FrameCount();
+    const auto count = open.Samples().FrameCount();
     if (count && frame > *count) {
       throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "frame " + std::to_string(frame) +
                                                      ": the sound has " + std::to_string(*count));
     }
-    open.Stream().Seek(frame);
+    open.Samples().Seek(frame);
   });
 }
 
 uint64_t voxplay_reader_tell(const voxplay_reader* reader) {
-  return reader == nullptr || !reader->open ? 0 : reader->open->Stream().Position();
+  return reader == nullptr || !reader->open ? 0 : reader->open->Samples().Position();
 }
 
 const voxplay_notes* voxplay_reader_notes(const voxplay_reader* reader) {

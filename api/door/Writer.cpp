@@ -21,7 +21,6 @@
 
 struct voxplay_writer {
   std::unique_ptr<api::C_Writer> open;  // null when nothing is
-  bool bFailed = false;                 // what is open can only be abandoned
   std::uint32_t dwChannels = 0;
   std::vector<std::string> lost;
   voxplay_progress pfnProgress = nullptr;
@@ -42,7 +41,7 @@ void ThrowProblem(const voxplay_format& format) {
 }
 
 // The object hears of changes of the function as well.
-api::S_WriterProgress ProgressOf(voxplay_writer* pWriter) {
+api::S_ProgressFunction ProgressOf(voxplay_writer* pWriter) {
   return [pWriter](std::uint64_t qwDone, std::uint64_t qwAll) {
     return pWriter->pfnProgress == nullptr ||
            pWriter->pfnProgress(pWriter->pProgressUser, qwDone, qwAll) == 0;
@@ -64,20 +63,16 @@ voxplay_status Open(voxplay_writer* pWriter, const char* pszName, const voxplay_
     auto writer = api::C_Writer::Open(fnTarget(), format);
     writer->OnProgress(ProgressOf(pWriter));
     pWriter->dwChannels = format.channels;
-    pWriter->bFailed = false;
     pWriter->open = std::move(writer);
   });
 }
 
-// Does something with what is open. A failure that leaves a half-written sound is final.
+// Does something with what is open.
 template <typename Work>
 voxplay_status WithOpen(voxplay_writer* pWriter, Work&& work) {
   if (pWriter == nullptr) return VOXPLAY_BAD_ARGUMENT;
   return api::Guarded(&pWriter->strMessage, pWriter->strName, [&] {
     if (!pWriter->open) throw api::C_Failure(VOXPLAY_WRONG_STATE, "writer: nothing is open");
-    if (pWriter->bFailed) {
-      throw api::C_Failure(VOXPLAY_WRONG_STATE, "writer: it failed before, and can be abandoned");
-    }
     work(*pWriter->open);
   });
 }
@@ -85,15 +80,12 @@ voxplay_status WithOpen(voxplay_writer* pWriter, Work&& work) {
 template <typename Sample>
 voxplay_status Write(voxplay_writer* pWriter, const Sample* pSamples, std::size_t nCount) {
   if (pWriter == nullptr || (pSamples == nullptr && nCount != 0)) return VOXPLAY_BAD_ARGUMENT;
-  const voxplay_status eStatus = WithOpen(pWriter, [&](api::C_Writer& writer) {
+  return WithOpen(pWriter, [&](api::C_Writer& writer) {
     if (nCount > SIZE_MAX / sizeof(Sample) / pWriter->dwChannels) {
       throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "samples: no buffer can hold so many");
     }
-    pWriter->bFailed = true;  // unless the next line succeeds
     writer.Write(std::span(pSamples, nCount * pWriter->dwChannels));
-    pWriter->bFailed = false;
   });
-  return eStatus;
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "reader/Opened.h"
 
@@ -30,7 +31,10 @@ class C_Reader {
   [[nodiscard]] voxplay_info Info() const;
   [[nodiscard]] const voxplay_headers& Headers() const noexcept { return m_opened.headers; }
   [[nodiscard]] const S_Notes& Notes() const noexcept { return m_opened.notes; }
+  // Leaves none.
+  [[nodiscard]] S_Notes TakeNotes() noexcept { return std::move(m_opened.notes); }
   [[nodiscard]] I_SampleStream& Samples() noexcept { return *m_opened.stream; }
+  [[nodiscard]] const I_SampleStream& Samples() const noexcept { return *m_opened.stream; }
 
  private:
   C_Reader(C_ByteSourcePtr source, std::uint32_t dwFlags);

@@ -11,19 +11,20 @@
 namespace {
 
 std::atomic<std::size_t> g_cbLive{0};
-std::atomic<std::size_t> g_cbPeak{0};
+std::atomic<std::size_t> g_cbMost{0};
 
 }  // namespace
 
-void ResetPeakMemory() { g_cbPeak = g_cbLive.load(); }
-std::size_t PeakMemory() { return g_cbPeak; }
+void ResetMostMemory() { g_cbMost = g_cbLive.load(); }
+std::size_t LiveMemory() { return g_cbLive; }
+std::size_t MostMemory() { return g_cbMost; }
 
 void* replacednew::TryAllocate(std::size_t cbSize) noexcept {
   void* const pMemory = std::malloc(cbSize);
   if (pMemory == nullptr) return nullptr;
   const std::size_t cbLive = g_cbLive += malloc_usable_size(pMemory);
-  std::size_t cbPeak = g_cbPeak.load();
-  while (cbLive > cbPeak && !g_cbPeak.compare_exchange_weak(cbPeak, cbLive)) {
+  std::size_t cbMost = g_cbMost.load();
+  while (cbLive > cbMost && !g_cbMost.compare_exchange_weak(cbMost, cbLive)) {
   }
   return pMemory;
 }

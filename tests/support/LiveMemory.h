@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The memory that operator new has given and not got back, in a program that is built with
-// LiveMemory.cpp. It shows that work on a long sound takes no more memory than work on a short one.
+// The memory that a program holds from new, and the most that it held since the last reset, in a
+// program that is built with LiveMemory.cpp.
 #pragma once
 
 #include <cstddef>
 
-// The peak becomes what is in use now.
-void ResetPeakMemory();
-// The most bytes that were in use at a time since then.
-std::size_t PeakMemory();
+// The most becomes what is held now.
+void ResetMostMemory();
+std::size_t LiveMemory();
+std::size_t MostMemory();

@@ -34,10 +34,10 @@ std::size_t CountFrames(voxplay::Reader& reader) {
 
 // The most memory that was in use at a time while the work ran, above what was in use before.
 std::size_t PeakOf(const std::function<void()>& fnWork) {
-  ResetPeakMemory();
-  const std::size_t cbBefore = PeakMemory();
+  const std::size_t cbBefore = LiveMemory();
+  ResetMostMemory();
   fnWork();
-  return PeakMemory() - cbBefore;
+  return MostMemory() - cbBefore;
 }
 
 class ConstantMemoryTest : public testing::TestWithParam<S_PublicKind> {
