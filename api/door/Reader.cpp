@@ -53,8 +53,16 @@ voxplay_status WithOpen(const voxplay_reader* pReader, Work&& work) {
   });
 }
 
-void Give(bool bGiven) {
-  if (!bGiven) throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "record: null or too small");
+// Gives the caller a record of what is open, as far as the caller knows it. The record may be null.
+template <typename Record, typename First, typename Ask>
+voxplay_status GiveRecord(const voxplay_reader* pReader, First Record::* pFirst, Record* pTarget,
+                          std::size_t cbTarget, Ask&& fnAsk) {
+  if (pReader == nullptr || !api::CopyOut(Record{}, pFirst, pTarget, cbTarget)) {
+    return VOXPLAY_BAD_ARGUMENT;
+  }
+  return WithOpen(pReader, [&](const api::C_Reader& reader) {
+    api::CopyOut(fnAsk(reader), pFirst, pTarget, cbTarget);
+  });
 }
 
 template <typename Sample>
@@ -116,18 +124,14 @@ const char* voxplay_reader_message(const voxplay_reader* reader) {
 }
 
 voxplay_status voxplay_reader_info(const voxplay_reader* reader, voxplay_info* info, size_t size) {
-  if (reader == nullptr) return VOXPLAY_BAD_ARGUMENT;
-  return WithOpen(reader, [&](const api::C_Reader& open) {
-    Give(api::CopyOut(open.Info(), &voxplay_info::container, info, size));
-  });
+  return GiveRecord(reader, &voxplay_info::container, info, size,
+                    [](const api::C_Reader& open) { return open.Info(); });
 }
 
 voxplay_status voxplay_reader_headers(const voxplay_reader* reader, voxplay_headers* headers,
                                       size_t size) {
-  if (reader == nullptr) return VOXPLAY_BAD_ARGUMENT;
-  return WithOpen(reader, [&](const api::C_Reader& open) {
-    Give(api::CopyOut(open.Headers(), &voxplay_headers::has_sp, headers, size));
-  });
+  return GiveRecord(reader, &voxplay_headers::has_sp, headers, size,
+                    [](const api::C_Reader& open) { return open.Headers(); });
 }
 
 voxplay_status voxplay_reader_read_s16(voxplay_reader* reader, int16_t* samples, size_t count,

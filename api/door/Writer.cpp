@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Failure.h"
 #include "door/Guard.h"
 #include "door/NotesObject.h"
 #include "door/SizedRecord.h"
@@ -141,7 +142,7 @@ voxplay_status voxplay_writer_on_progress(voxplay_writer* writer, voxplay_progre
 
 voxplay_status voxplay_writer_set_notes(voxplay_writer* writer, const voxplay_notes* notes) {
   return WithOpen(writer, [&](api::C_Writer& open) {
-    open.SetNotes(notes == nullptr ? api::S_Notes{} : notes->notes);
+    open.SetNotes(notes == nullptr ? api::S_Notes{} : api::NotesOf(*notes));
   });
 }
 

@@ -518,7 +518,8 @@ void voxplay_kestrel_decoder_free(voxplay_kestrel_decoder *decoder);
 void voxplay_kestrel_decoder_reset(voxplay_kestrel_decoder *decoder);
 /* Decodes the words of a frame to 320 samples. NULL words stand for a frame that was lost. In place
  * of a frame that was lost or is damaged, the last good one is repeated once, and after that there
- * is silence; the result is VOXPLAY_DAMAGED for a damaged one, and VOXPLAY_OK for a lost one. */
+ * is silence; the result is VOXPLAY_DAMAGED for a damaged one, and VOXPLAY_OK for a lost one. A
+ * frame that the encoder had to cut off at its end may count as damaged, too. */
 voxplay_status voxplay_kestrel_decode(voxplay_kestrel_decoder *decoder, const uint16_t *words,
                                       int16_t *samples);
 

@@ -133,7 +133,7 @@ TEST(NotesSurviveTest, KestrelBehindAnSpHeader_ListsEachNoteThatItCannotHold) {
   static_cast<void>(Rewritten(first, kKestrel, &lost));
   // 5 cue points, 5 labels and a note, 2 texts, the sampler, a loop, 3 chunks.
   EXPECT_THAT(lost, SizeIs(18));
-  EXPECT_THAT(lost, Contains(HasSubstr("Scene 3")));
+  EXPECT_THAT(lost, Contains(HasSubstr("label 3 of cue point 30")));
   EXPECT_THAT(lost, Contains(HasSubstr("prv1")));
 }
 

@@ -128,7 +128,7 @@ TEST_F(WriterCallsTest, FormatsThatCannotBe_AreRefusedWithAReason) {
   EXPECT_NE(fnProblem(FormatOf(VOXPLAY_CONTAINER_NONE, VOXPLAY_CODEC_PCM, 16)), "");
   voxplay_format format = FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL);
   format.bit_rate = 8000;
-  EXPECT_THAT(fnProblem(format), HasSubstr("8000"));
+  EXPECT_THAT(fnProblem(format), HasSubstr("bit rates of 7200"));
   EXPECT_EQ(voxplay_format_check(&kWav, sizeof kWav, text.data(), text.size()), VOXPLAY_OK);
   EXPECT_STREQ(text.data(), "");
   EXPECT_TRUE(m_folder.IsEmpty());
