@@ -108,8 +108,8 @@ std::string ByteRateProblem(const voxplay_format& format) {
 
 std::string FlagProblem(const voxplay_format& format) {
   if (format.reserved != 0) return "format: the reserved member is not 0";
-  if ((format.flags & ~std::uint32_t{VOXPLAY_WRITE_RF64}) != 0)
-    return "format: a flag is not known";
+  constexpr std::uint32_t kKnown = VOXPLAY_WRITE_RF64;
+  if ((format.flags & ~kKnown) != 0) return "format: a flag is not known";
   const bool bRf64 = (format.flags & VOXPLAY_WRITE_RF64) != 0;
   return bRf64 && format.container != VOXPLAY_CONTAINER_WAV ? "format: only WAV can become RF64"
                                                             : "";

@@ -114,7 +114,7 @@ void To16(std::span<const float> samples, std::span<std::int16_t> converted) noe
 
 void MixToMono(std::span<const std::int16_t> frames, std::size_t nChannels,
                std::span<std::int16_t> mono) noexcept {
-  const auto nDivisor = static_cast<std::int32_t>(nChannels);
+  const auto nDivisor = static_cast<std::int32_t>(std::max<std::size_t>(nChannels, 1));
   const std::int16_t* pFrame = frames.data();
   for (std::int16_t& nMixed : mono) {
     std::int32_t nSum = 0;
