@@ -30,9 +30,10 @@ ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${pee
 architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu qemu-user-static)
 
 abi=("${library[@]}" abigail-tools)
-# The packages for arm64 are built with the cross compiler.
+# The packages for arm64 are built with the cross compiler, and name the packages of the libraries
+# that they need, which must therefore be here.
 package=("${player[@]}" debhelper dpkg-dev fakeroot lintian doxygen debootstrap
-  g++-aarch64-linux-gnu qemu-user-static)
+  g++-aarch64-linux-gnu qemu-user-static libc6:arm64 libstdc++6:arm64)
 
 case "${1:-player}" in
   library) wanted=("${library[@]}") ;;
@@ -76,6 +77,7 @@ fi
 apt=(env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
 
 echo "Installing: ${missing[*]}" >&2
+if [[ ${missing[*]} == *:arm64* ]]; then "${as_root[@]}" dpkg --add-architecture arm64; fi
 # A machine with a stale index and no network may still have the packages in its cache.
 "${as_root[@]}" "${apt[@]}" -q update >/dev/null || echo "${0##*/}: could not refresh the index" >&2
 "${as_root[@]}" "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >/dev/null </dev/null

@@ -17,7 +17,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
-twice= install_test= arm64= folder=build/package
+twice='' install_test='' arm64='' folder=build/package
 for argument in "$@"; do
   case $argument in
     --twice) twice=1 ;;
@@ -56,8 +56,8 @@ build() {
   shift 2
   copy_to "$copy"
   (cd "$copy" && dpkg-buildpackage --no-sign "$@") >"$log" 2>&1 || {
-    cat "$log" >&2
-    echo "package: the build fails" >&2
+    tail -n 60 "$log" >&2
+    echo "package: the build fails; all of its output is in $log" >&2
     exit 1
   }
 }
@@ -65,7 +65,6 @@ build() {
 echo "package: builds the packages"
 build "$folder/one/voxplay" "$folder/one.log" -j"$jobs"
 packages=("$folder"/one/*.deb)
-# As another user, because lintian warns of root.
 lintian --allow-root --fail-on error,warning "$folder"/one/*.changes
 
 needed=$(readelf -dW "$folder"/one/voxplay/build/debian/libvoxplay.so |
@@ -93,7 +92,6 @@ fi
 
 if [[ $arm64 ]]; then
   echo "package: builds the library's packages for arm64"
-  # The cross compiler's packages say what its libraries are called, so nothing is installed for that.
   build "$folder/arm64/voxplay" "$folder/arm64.log" -B -d -aarm64 -Pcross,pkg.voxplay.noplayer -j"$jobs"
   grep -E 'tests passed' "$folder/arm64.log"
   [[ $(dpkg-deb --field "$folder"/arm64/libvoxplay0_*_arm64.deb Architecture) == arm64 ]]
