@@ -70,9 +70,14 @@ done
 while IFS= read -r file; do
   [[ -e ${file%.cpp}.h || $file == */sound/WavData[A-Z]*.cpp ]] || fail "$file has no header of its name"
 done < <(find "${rooms[@]}" -maxdepth 1 -name '*.cpp')
+# Programs of users may be in C, and one header of theirs is for C++ alone.
 while IFS= read -r file; do fail "$file: sources end in .cpp and .h"; done < <(
   find . \( -path ./build -o -path ./.git \) -prune -o -type f -regextype egrep \
-    -regex '.*\.(cc|cxx|c|hpp|hh|hxx|inc|inl|ipp)' -print)
+    -regex '.*\.(cc|cxx|c|hpp|hh|hxx|inc|inl|ipp)' -print |
+    grep -vE '^\./(examples/[^/]*\.c|tests/consumer/.*\.c|api/include/voxplay\.hpp)$')
+while IFS= read -r file; do
+  [[ $(head -n 1 "$file") == *"SPDX-License-Identifier: Apache-2.0"* ]] || fail "$file: no licence line"
+done < <(find examples tests/consumer -name '*.c' -o -path examples/Makefile)
 while IFS= read -r line; do fail "$line: not named as an interface, class, record or enumeration is"; done < <(
   find "${rooms[@]}" Lib_Common/Src/LibProject/FileUtil -maxdepth 1 -name '*.h' -exec \
     grep -nHE '^(class|struct|enum) ' {} + |
