@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the rooms behind voxplay.h throw when they cannot do what they are asked. The functions of
-// the C interface turn it into a status and a sentence (door/Guard.h); nothing else catches it, and
+// the C interface turn it into a status and a sentence (calls/Guard.h); nothing else catches it, and
 // nothing leaves the library.
 #pragma once
 

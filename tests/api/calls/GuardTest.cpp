@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "door/Guard.h"
+#include "calls/Guard.h"
 
 #include <gtest/gtest.h>
 

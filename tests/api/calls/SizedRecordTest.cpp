@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "door/SizedRecord.h"
+#include "calls/SizedRecord.h"
 
 #include <gtest/gtest.h>
 

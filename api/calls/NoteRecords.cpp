@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "door/NoteRecords.h"
+#include "calls/NoteRecords.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
-#include "door/SizedRecord.h"
+#include "calls/SizedRecord.h"
 #include "notes/FourCC.h"
 
 namespace api {

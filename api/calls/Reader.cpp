@@ -10,9 +10,9 @@
 #include <string>
 #include <utility>
 
-#include "door/Guard.h"
-#include "door/NotesObject.h"
-#include "door/SizedRecord.h"
+#include "calls/Guard.h"
+#include "calls/NotesObject.h"
+#include "calls/SizedRecord.h"
 #include "source/ByteSource.h"
 
 struct voxplay_reader {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "door/NotesObject.h"
+#include "calls/NotesObject.h"
 #include "voxplay.h"
 
 namespace {

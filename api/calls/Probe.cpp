@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string>
 
-#include "door/Guard.h"
-#include "door/SizedRecord.h"
+#include "calls/Guard.h"
+#include "calls/SizedRecord.h"
 
 namespace {
 

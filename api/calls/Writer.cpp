@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "base/Failure.h"
-#include "door/Guard.h"
-#include "door/NotesObject.h"
-#include "door/SizedRecord.h"
+#include "calls/Guard.h"
+#include "calls/NotesObject.h"
+#include "calls/SizedRecord.h"
 #include "target/ByteTarget.h"
 
 struct voxplay_writer {

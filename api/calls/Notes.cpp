@@ -5,10 +5,10 @@
 #include <string>
 #include <utility>
 
-#include "door/Guard.h"
-#include "door/NoteRecords.h"
-#include "door/NotesObject.h"
-#include "door/SizedRecord.h"
+#include "calls/Guard.h"
+#include "calls/NoteRecords.h"
+#include "calls/NotesObject.h"
+#include "calls/SizedRecord.h"
 
 namespace {
 
