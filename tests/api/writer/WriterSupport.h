@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Sounds that are written through the door and by the class library, to be compared.
+// Sounds that are written through the public interface and by the class library, to be compared.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DoorOperations.h"
+#include "PublicOperations.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -89,15 +89,15 @@ bool Succeeds(Work&& work) {
   }
 }
 
-class C_DoorReadOperation : public C_SweptOperation {
+class C_PublicReadOperation : public C_SweptOperation {
  public:
-  C_DoorReadOperation(const C_TempFolder& folder, const S_Kind& kind, std::uint32_t dwFlags)
+  C_PublicReadOperation(const C_TempFolder& folder, const S_Kind& kind, std::uint32_t dwFlags)
       : C_SweptOperation(folder), m_dwFlags(dwFlags) {
     const C_TempFolder other;
     Save(other.Path("made"), kind, Ramp(kind));
     m_source = other.Read("made");
     Prepare();
-    if (!C_DoorReadOperation::Run()) std::abort();
+    if (!C_PublicReadOperation::Run()) std::abort();
     m_expected = m_read;
   }
   bool Run() override {
@@ -116,9 +116,9 @@ class C_DoorReadOperation : public C_SweptOperation {
 enum class Onto { Nothing, AnotherFile, Itself };
 
 // Writes a sound, or reads one and writes over it what was read.
-class C_DoorSaveOperation : public C_SweptOperation {
+class C_PublicSaveOperation : public C_SweptOperation {
  public:
-  C_DoorSaveOperation(const C_TempFolder& folder, const S_Kind& kind, Onto eOnto)
+  C_PublicSaveOperation(const C_TempFolder& folder, const S_Kind& kind, Onto eOnto)
       : C_SweptOperation(folder), m_kind(kind), m_eOnto(eOnto), m_samples(Ramp(kind)) {
     if (eOnto == Onto::Itself) {
       const C_TempFolder other;
@@ -127,7 +127,7 @@ class C_DoorSaveOperation : public C_SweptOperation {
     }
     if (eOnto == Onto::AnotherFile) m_replaced = Bytes(3000, std::uint8_t{'x'});
     Prepare();
-    if (!C_DoorSaveOperation::Run()) std::abort();
+    if (!C_PublicSaveOperation::Run()) std::abort();
     m_expected = Written();
   }
   bool Run() override {
@@ -157,31 +157,31 @@ class C_DoorSaveOperation : public C_SweptOperation {
   Bytes m_expected;
 };
 
-C_DoorMaker Read(const S_Kind& kind, std::uint32_t dwFlags = 0) {
+C_PublicMaker Read(const S_Kind& kind, std::uint32_t dwFlags = 0) {
   return [=](const auto& folder) {
-    return std::make_unique<C_DoorReadOperation>(folder, kind, dwFlags);
+    return std::make_unique<C_PublicReadOperation>(folder, kind, dwFlags);
   };
 }
-C_DoorMaker Write(const S_Kind& kind, Onto eOnto) {
+C_PublicMaker Write(const S_Kind& kind, Onto eOnto) {
   return [=](const auto& folder) {
-    return std::make_unique<C_DoorSaveOperation>(folder, kind, eOnto);
+    return std::make_unique<C_PublicSaveOperation>(folder, kind, eOnto);
   };
 }
 
 }  // namespace
 
-std::map<std::string, C_DoorMaker> DoorOperations() {
+std::map<std::string, C_PublicMaker> PublicOperations() {
   return {
-      {"DoorReadWave", Read(kWave)},
-      {"DoorReadKestrel", Read(kKestrel)},
-      {"DoorReadHeron", Read(kHeron)},
-      {"DoorReadStreamOfVef", Read(kHeronVef, VOXPLAY_READ_STREAM)},
-      {"DoorSaveWave", Write(kWave, Onto::Nothing)},
-      {"DoorSaveWaveOntoAnother", Write(kWave, Onto::AnotherFile)},
-      {"DoorSaveWaveOntoItself", Write(kWave, Onto::Itself)},
-      {"DoorSaveVemdOntoAnother", Write(kVemd, Onto::AnotherFile)},
-      {"DoorSaveKestrelOntoAnother", Write(kKestrel, Onto::AnotherFile)},
-      {"DoorSaveKestrelVefOntoItself", Write(kKestrelVef, Onto::Itself)},
-      {"DoorSaveHeronOntoAnother", Write(kHeron, Onto::AnotherFile)},
+      {"PublicReadWave", Read(kWave)},
+      {"PublicReadKestrel", Read(kKestrel)},
+      {"PublicReadHeron", Read(kHeron)},
+      {"PublicReadStreamOfVef", Read(kHeronVef, VOXPLAY_READ_STREAM)},
+      {"PublicSaveWave", Write(kWave, Onto::Nothing)},
+      {"PublicSaveWaveOntoAnother", Write(kWave, Onto::AnotherFile)},
+      {"PublicSaveWaveOntoItself", Write(kWave, Onto::Itself)},
+      {"PublicSaveVemdOntoAnother", Write(kVemd, Onto::AnotherFile)},
+      {"PublicSaveKestrelOntoAnother", Write(kKestrel, Onto::AnotherFile)},
+      {"PublicSaveKestrelVefOntoItself", Write(kKestrelVef, Onto::Itself)},
+      {"PublicSaveHeronOntoAnother", Write(kHeron, Onto::AnotherFile)},
   };
 }

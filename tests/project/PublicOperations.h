@@ -10,7 +10,7 @@
 
 #include "SweptOperations.h"
 
-using C_DoorMaker = std::function<std::unique_ptr<C_SweptOperation>(const C_TempFolder&)>;
+using C_PublicMaker = std::function<std::unique_ptr<C_SweptOperation>(const C_TempFolder&)>;
 
-// By name. All names begin with "Door".
-std::map<std::string, C_DoorMaker> DoorOperations();
+// By name. All names begin with "Public".
+std::map<std::string, C_PublicMaker> PublicOperations();
