@@ -2,7 +2,6 @@
 #include "reader/RiffSound.h"
 
 #include <algorithm>
-#include <limits>
 #include <string_view>
 #include <utility>
 

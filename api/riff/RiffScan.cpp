@@ -110,8 +110,8 @@ class C_Scanner {
       const auto found =
           std::ranges::find_if(bytes.first(cbRead), [](auto byByte) { return byByte != 0; });
       const auto cbZeros = static_cast<std::size_t>(found - bytes.begin());
-      if (cbZeros < cbRead)
-        return CompleteHead(qwAt + cbZeros, bytes.first(cbRead).subspan(cbZeros));
+      const auto begun = bytes.first(cbRead).subspan(cbZeros);
+      if (!begun.empty()) return CompleteHead(qwAt + cbZeros, begun);
       if (cbRead < cbWanted) return std::nullopt;
       qwAt += cbRead;
       if (m_source.CanGoBack()) cbWanted = kPieceBytes;

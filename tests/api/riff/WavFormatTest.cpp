@@ -107,8 +107,7 @@ TEST(WavFormat, OtherSubFormats_AreNamed) {
 }
 
 TEST(WavFormat, Refusals_AreSentences) {
-  EXPECT_EQ(TextOf(FmtBytes(0x11, 1, 8000, 4)),
-            "fmt chunk: format tag 0x0011 is not supported");
+  EXPECT_EQ(TextOf(FmtBytes(0x11, 1, 8000, 4)), "fmt chunk: format tag 0x0011 is not supported");
   EXPECT_EQ(TextOf(FmtBytes(1, 0, 8000, 16)), "fmt chunk: it names no channels");
   EXPECT_EQ(TextOf(FmtBytes(1, 1, 8000, 0)), "fmt chunk: its samples have no bits");
   EXPECT_EQ(TextOf(C_Bytes(15)), "fmt chunk: 15 bytes are too few for a format");
