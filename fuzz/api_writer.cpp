@@ -26,9 +26,9 @@ constexpr std::size_t kMostFrames = 700;
 
 voxplay_format TakeFormat(C_FuzzInput& input) {
   constexpr std::array<std::uint32_t, 6> kRates = {8000, 16000, 4000, 48000, 65536, 44100};
-  constexpr std::array<std::uint32_t, 6> kCodecs = {
-      VOXPLAY_CODEC_PCM,   VOXPLAY_CODEC_FLOAT, VOXPLAY_CODEC_KESTREL,
-      VOXPLAY_CODEC_HERON, VOXPLAY_CODEC_PCM,   VOXPLAY_CODEC_MULAW};
+  constexpr std::array<std::uint32_t, 6> kCodecs = {VOXPLAY_CODEC_PCM,     VOXPLAY_CODEC_FLOAT,
+                                                    VOXPLAY_CODEC_KESTREL, VOXPLAY_CODEC_HERON,
+                                                    VOXPLAY_CODEC_PCM,     VOXPLAY_CODEC_MULAW};
   constexpr std::array<std::uint32_t, 8> kBits = {16, 8, 24, 32, 2, 4, 6, 0};
   voxplay_format format{};
   format.container = input.Below(8);
@@ -140,8 +140,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   const voxplay_output record = output.Record();
   const bool bAllowed = voxplay_format_check(&format, sizeof format, nullptr, 0) == VOXPLAY_OK;
   voxplay_writer* const pWriter = voxplay_writer_new();
-  voxplay_status eStatus =
-      voxplay_writer_open_output(pWriter, &record, &format, sizeof format);
+  voxplay_status eStatus = voxplay_writer_open_output(pWriter, &record, &format, sizeof format);
   Require(bAllowed || eStatus == VOXPLAY_UNSUPPORTED);
   voxplay::Notes notes;
   for (unsigned int n = input.Below(8); n > 0; --n) AddNote(input, notes);

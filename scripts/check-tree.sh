@@ -27,6 +27,8 @@ while IFS= read -r -d '' file; do
     fail "$file is not listed in Lib_Common/Src/LibProject/CMakeLists.txt"
 done < <(find Lib_Common -name '*.cpp' -print0)
 for file in "${sources[@]}"; do
+  # This one is for C compilers of any age, too.
+  [[ $file != ./api/include/voxplay.h ]] || continue
   [[ $(head -n 1 "$file") == "// SPDX-License-Identifier: Apache-2.0" ]] || fail "$file: no licence line"
   [[ $file != *.h ]] || grep -q '^#pragma once$' "$file" || fail "$file: no #pragma once"
 done

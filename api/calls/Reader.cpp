@@ -55,7 +55,7 @@ voxplay_status WithOpen(const voxplay_reader* pReader, Work&& work) {
 
 // Gives the caller a record of what is open, as far as the caller knows it. The record may be null.
 template <typename Record, typename First, typename Ask>
-voxplay_status GiveRecord(const voxplay_reader* pReader, First Record::* pFirst, Record* pTarget,
+voxplay_status GiveRecord(const voxplay_reader* pReader, First Record::*pFirst, Record* pTarget,
                           std::size_t cbTarget, Ask&& fnAsk) {
   if (pReader == nullptr || !api::CopyOut(Record{}, pFirst, pTarget, cbTarget)) {
     return VOXPLAY_BAD_ARGUMENT;

@@ -153,9 +153,7 @@ S_TestResult TestSpHeader(std::span<const std::uint8_t> first) {
   if (!fields) return Missed("SP header: " + WhyNoSpHeader(first));
   const std::string strFound = "SP header: found, version " + std::to_string(fields->dwVersion);
   const std::string strWhyNot = WhyNotIdentifier(fields->wIdentifier);
-  if (!strWhyNot.empty()) {
-    return Unsupported(VOXPLAY_CONTAINER_SP, strFound + ", but " + strWhyNot);
-  }
+  if (!strWhyNot.empty()) return Unsupported(VOXPLAY_CONTAINER_SP, strFound + ", but " + strWhyNot);
   return Found(VOXPLAY_CONTAINER_SP, CodecOfType(fields->wIdentifier),
                strFound + ", identifier " + std::to_string(fields->wIdentifier) + ", " +
                    std::to_string(fields->dwSampleRate) + " Hz");

@@ -21,9 +21,7 @@ class C_OutputTarget final : public I_ByteTarget {
     m_qwLength += bytes.size();
   }
   void WriteAt(std::uint64_t qwPosition, std::span<const std::uint8_t> bytes) override {
-    if (!CanGoBack()) {
-      throw C_Failure(VOXPLAY_CANNOT_SEEK, "output: it only goes forward");
-    }
+    if (!CanGoBack()) throw C_Failure(VOXPLAY_CANNOT_SEEK, "output: it only goes forward");
     MoveTo(qwPosition);
     Send(bytes);
     MoveTo(m_qwLength);

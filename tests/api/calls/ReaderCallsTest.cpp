@@ -55,8 +55,7 @@ TEST_F(ReaderCallsTest, NullPointers_AreBadArguments) {
   EXPECT_EQ(voxplay_reader_seek(nullptr, 0), VOXPLAY_BAD_ARGUMENT);
   EXPECT_EQ(voxplay_reader_read_s16(nullptr, m_samples.data(), 1, &m_nDone), VOXPLAY_BAD_ARGUMENT);
   EXPECT_EQ(m_nDone, 0U);
-  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, m_samples.data(), 1, nullptr),
-            VOXPLAY_BAD_ARGUMENT);
+  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, m_samples.data(), 1, nullptr), VOXPLAY_BAD_ARGUMENT);
   EXPECT_EQ(voxplay_reader_tell(nullptr), 0U);
   EXPECT_EQ(voxplay_reader_notes(nullptr), nullptr);
   EXPECT_STREQ(voxplay_reader_message(nullptr), "");
@@ -67,8 +66,7 @@ TEST_F(ReaderCallsTest, NullPointers_AreBadArguments) {
 TEST_F(ReaderCallsTest, NothingOpen_IsTheWrongState) {
   voxplay_info info{};
   EXPECT_EQ(voxplay_reader_info(m_pReader, &info, sizeof info), VOXPLAY_WRONG_STATE);
-  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, m_samples.data(), 1, &m_nDone),
-            VOXPLAY_WRONG_STATE);
+  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, m_samples.data(), 1, &m_nDone), VOXPLAY_WRONG_STATE);
   EXPECT_EQ(m_nDone, 0U);
   EXPECT_EQ(voxplay_reader_seek(m_pReader, 0), VOXPLAY_WRONG_STATE);
   EXPECT_EQ(voxplay_reader_tell(m_pReader), 0U);
@@ -158,8 +156,7 @@ TEST_F(ReaderCallsTest, CountBeyondAnyBuffer_IsABadArgument) {
 TEST_F(ReaderCallsTest, OpeningAgain_ClosesWhatWasOpen) {
   ASSERT_EQ(OpenWav(), VOXPLAY_OK);
   EXPECT_EQ(voxplay_reader_open_file(m_pReader, "/nowhere", 0), VOXPLAY_CANNOT_OPEN);
-  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, m_samples.data(), 1, &m_nDone),
-            VOXPLAY_WRONG_STATE);
+  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, m_samples.data(), 1, &m_nDone), VOXPLAY_WRONG_STATE);
   ASSERT_EQ(OpenWav(), VOXPLAY_OK);
   EXPECT_EQ(Message(), "");
   voxplay_reader_close(m_pReader);

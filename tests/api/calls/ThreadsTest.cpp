@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Eight threads at once, each with objects of its own, and all kinds of files. scripts/races.sh runs
-// it under the thread sanitizer.
+// Eight threads at once, each with objects of its own, and all kinds of files. scripts/races.sh
+// runs it under the thread sanitizer.
 #include <gtest/gtest.h>
 
 #include <array>

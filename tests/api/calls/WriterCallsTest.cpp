@@ -38,8 +38,7 @@ class WriterCallsTest : public testing::Test {
 TEST_F(WriterCallsTest, NullPointers_AreBadArguments) {
   const voxplay_output output{};
   EXPECT_EQ(voxplay_writer_open_file(nullptr, "x", &kWav, sizeof kWav), VOXPLAY_BAD_ARGUMENT);
-  EXPECT_EQ(voxplay_writer_open_file(m_pWriter, nullptr, &kWav, sizeof kWav),
-            VOXPLAY_BAD_ARGUMENT);
+  EXPECT_EQ(voxplay_writer_open_file(m_pWriter, nullptr, &kWav, sizeof kWav), VOXPLAY_BAD_ARGUMENT);
   EXPECT_EQ(voxplay_writer_open_file(m_pWriter, "x", nullptr, sizeof kWav), VOXPLAY_BAD_ARGUMENT);
   EXPECT_EQ(voxplay_writer_open_file(m_pWriter, "x", &kWav, 0), VOXPLAY_BAD_ARGUMENT);
   EXPECT_EQ(voxplay_writer_open_output(m_pWriter, nullptr, &kWav, sizeof kWav),
@@ -271,8 +270,8 @@ TEST_F(WriterCallsTest, FloatsBeyondTheRange_AreLimited) {
   ASSERT_EQ(voxplay_writer_write_f32(m_pWriter, samples.data(), samples.size()), VOXPLAY_OK);
   ASSERT_EQ(voxplay_writer_finish(m_pWriter), VOXPLAY_OK);
   voxplay::Reader reader(m_folder.Path("a.wav"));
-  EXPECT_EQ(ReadRest(reader), (std::vector<std::int16_t>{32767, -32768, 32767, -32768, 0, 32767,
-                                                         16384, -8192}));
+  EXPECT_EQ(ReadRest(reader),
+            (std::vector<std::int16_t>{32767, -32768, 32767, -32768, 0, 32767, 16384, -8192}));
 }
 
 }  // namespace

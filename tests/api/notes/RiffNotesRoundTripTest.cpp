@@ -166,8 +166,9 @@ TEST(RiffNotesRoundTrip, ChangedBytes_AreReadOrRefused) {
     std::vector<S_HeldChunk> chunks = random.Chunks();
     for (S_HeldChunk& chunk : chunks) {
       chunk.bCut = random.Below(8) == 0;
-      if (chunk.bCut)
+      if (chunk.bCut) {
         chunk.data.resize(random.Below(static_cast<unsigned int>(chunk.data.size()) + 1));
+      }
       if (chunk.data.empty()) continue;
       const auto nAt = random.Below(static_cast<unsigned int>(chunk.data.size()));
       chunk.data[nAt] = static_cast<std::uint8_t>(random.Below(256));

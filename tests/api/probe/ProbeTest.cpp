@@ -124,7 +124,7 @@ TEST(Probe, HeronWithoutAHeader_IsNotKnown) {
 }
 
 // Whatever opens was found by the probe before, with the same codec where the probe names one.
-TEST(Probe, AgreesWithTheReader) {
+TEST(Probe, WhatItFinds_TheReaderOpens) {
   api::test::C_Random random(10);
   int nOpened = 0;
   for (int i = 0; i < 3000; ++i) {

@@ -65,7 +65,7 @@ TEST(InputSource, ReadsThatGiveLessThanAsked_AreContinued) {
   ReadHereAndThere(*source, 50000);
 }
 
-TEST(InputSource, SoundBeginsWhereTellSays) {
+TEST(InputSource, PositionThatTellSays_IsWhereTheSoundBegins) {
   std::vector<std::uint8_t> bytes(100, 0xEE);
   for (const std::uint8_t byByte : Bytes(40000)) bytes.push_back(byByte);
   C_TestInput input(bytes);

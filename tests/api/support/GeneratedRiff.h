@@ -83,8 +83,9 @@ inline C_Bytes RandomRiff(C_Random& random) {
   if (random.OneIn(4)) riff.Zeros(random.Below(3));
   if (random.OneIn(3)) riff.Chunk("LIST", RandomMarks(random, riff));
   if (random.OneIn(6)) riff.Chunk("smpl", SmplBytes(random.Below(9), 20));
-  if (random.OneIn(5))
+  if (random.OneIn(5)) {
     riff.Chunk("vafm", VafmBytes(static_cast<std::uint16_t>(10 + random.Below(30))));
+  }
   if (random.OneIn(5)) riff.Chunk("bext", random.Bytes(random.Below(30)));
   if (random.OneIn(20)) riff.Chunk("data", random.Bytes(random.Below(50)));
   if (random.OneIn(10)) riff.Raw(random.Bytes(random.Below(20)));
