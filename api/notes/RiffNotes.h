@@ -5,8 +5,6 @@
 // them; what these forms hold is read and written in the same way as there. Everything else is kept
 // as it is: cue points, labels and texts of other makers, in their order; chunks that are not
 // understood, byte for byte.
-<<<<<<< HEAD
-=======
 //
 //   several "cue ", "smpl" or adtl lists  the last one counts; the others are further chunks, and
 //                                         are written before it
@@ -16,7 +14,6 @@
 //                                         are written, the label alone says it
 //   "u_3_7" without its cue point         a label; a WAV file with it would stop the class library,
 //                                         so it is among what is lost
->>>>>>> api-c
 #pragma once
 
 #include <cstdint>

@@ -10,7 +10,7 @@
 
 #include "FaultyNew.h"
 #include "base/Failure.h"
-#include "door/Guard.h"
+#include "calls/Guard.h"
 #include "voxplay.h"
 
 namespace {
