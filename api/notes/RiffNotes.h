@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the chunks of a RIFF file say beside its samples, and the chunks that say it. Events, silence
-// and regions are cue points with labels, as file/WavLabels.h and file/VefLabels.h describe them;
-// what these forms hold is read and written in the same way as there. Everything else is kept as it
-// is: cue points, labels and texts of other makers, in their order; chunks that are not understood,
-// byte for byte.
+// What the chunks of a RIFF file say beside its samples, and the chunks that say it. Events,
+// silence and regions are cue points with labels, as file/WavLabels.h and file/VefLabels.h describe
+// them; what these forms hold is read and written in the same way as there. Everything else is kept
+// as it is: cue points, labels and texts of other makers, in their order; chunks that are not
+// understood, byte for byte.
 #pragma once
 
 #include <cstdint>
