@@ -61,7 +61,7 @@ void Write(const std::string& strPath, const S_Kind& kind, std::size_t nSeconds)
   const auto samples = Piece();
   voxplay::Writer writer(strPath, format);
   for (std::size_t n = 0; n < nSeconds; ++n) writer.write(std::span(samples));
-  static_cast<void>(writer.finish());
+  writer.finish();
 }
 
 void ReadAll(voxplay::Reader& reader) {

@@ -28,7 +28,8 @@ void convert(const std::string& source, const std::string& target) {
   while (const std::size_t frames = reader.read(std::span(samples))) {
     writer.write(std::span(samples).first(frames * format.channels));
   }
-  for (const std::string& lost : writer.finish()) std::cerr << "lost: " << lost << '\n';
+  writer.finish();
+  for (const std::string& lost : writer.lost()) std::cerr << "lost: " << lost << '\n';
 }
 
 }  // namespace

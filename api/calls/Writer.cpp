@@ -164,7 +164,7 @@ voxplay_status voxplay_writer_write_f32(voxplay_writer* writer, const float* sam
 voxplay_status voxplay_writer_finish(voxplay_writer* writer) {
   const voxplay_status eStatus = WithOpen(writer, [&](api::C_Writer& open) {
     open.Finish();
-    writer->lost = open.Lost();
+    writer->lost = open.TakeLost();
   });
   if (writer != nullptr) writer->open.reset();
   return eStatus;

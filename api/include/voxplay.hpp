@@ -361,9 +361,10 @@ class Writer {
     if (samples.size() % channels_ != 0) check(VOXPLAY_BAD_ARGUMENT);
     check(write(samples.data(), samples.size() / channels_));
   }
-  // Lets the sound appear. Returns the sentences on notes that it does not hold.
-  std::vector<std::string> finish() {
-    check(voxplay_writer_finish(writer_.get()));
+  // Lets the sound appear.
+  void finish() { check(voxplay_writer_finish(writer_.get())); }
+  // After that: the sentences on notes that it does not hold.
+  [[nodiscard]] std::vector<std::string> lost() const {
     std::vector<std::string> lost;
     for (std::size_t n = 0; n < voxplay_writer_lost_count(writer_.get()); ++n) {
       lost.emplace_back(voxplay_writer_lost(writer_.get(), n));

@@ -41,6 +41,8 @@ class C_Writer {
   void Finish();
   // After Finish: what was lost of the notes, one sentence each.
   [[nodiscard]] const std::vector<std::string>& Lost() const noexcept { return m_lost; }
+  // Leaves none. Unlike a copy, it cannot fail.
+  [[nodiscard]] std::vector<std::string> TakeLost() noexcept { return std::move(m_lost); }
 
  private:
   C_Writer(C_ByteTargetPtr target, const voxplay_format& format);

@@ -79,7 +79,7 @@ std::vector<std::uint8_t> Written(const voxplay::Format& format,
       writer.write(samples.subspan(nAt, std::min(kPiece, samples.size() - nAt)));
     }
   }
-  static_cast<void>(writer.finish());
+  writer.finish();
   return std::move(collected.bytes);
 }
 

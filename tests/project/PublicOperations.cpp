@@ -65,7 +65,7 @@ void Save(const std::string& strPath, const S_Kind& kind, const Samples& samples
     const std::size_t nCount = std::min(kPiece, samples.size() - nAt);
     writer.write(std::span(samples).subspan(nAt, nCount));
   }
-  static_cast<void>(writer.finish());
+  writer.finish();
 }
 
 Samples ReadAll(const std::string& strPath, std::uint32_t dwFlags) {
@@ -133,7 +133,9 @@ class C_PublicSaveOperation : public C_SweptOperation {
   bool Run() override {
     return Succeeds([this] {
       if (m_eOnto == Onto::Itself) {
-        Save(Source(), m_kind, ReadAll(Source(), 0));
+        Samples samples = ReadAll(Source(), 0);
+        samples[100] = 12345;  // so that the new file is another one
+        Save(Source(), m_kind, samples);
       } else {
         Save(Target(), m_kind, m_samples);
       }

@@ -67,7 +67,7 @@ inline std::vector<std::uint8_t> WrittenBytes(const voxplay_format& format,
   voxplay::Writer writer(output.Record(), format);
   writer.set_notes(notes);
   writer.write(std::span(samples));
-  static_cast<void>(writer.finish());
+  writer.finish();
   return output.Bytes();
 }
 

@@ -22,7 +22,7 @@ void WriteLong(const std::string& strPath, const voxplay_format& format, std::si
   const auto second = PublicSamples(format.sample_rate, format.channels);
   voxplay::Writer writer(strPath, format);
   for (std::size_t n = 0; n < nSeconds; ++n) writer.write(std::span(second));
-  static_cast<void>(writer.finish());
+  writer.finish();
 }
 
 std::size_t CountFrames(voxplay::Reader& reader) {

@@ -94,7 +94,8 @@ std::vector<std::uint8_t> Rewritten(const std::vector<std::uint8_t>& bytes,
   voxplay::Writer writer(output.Record(), format);
   writer.set_notes(reader.notes());
   writer.write(std::span(samples));
-  const auto lost = writer.finish();
+  writer.finish();
+  const auto lost = writer.lost();
   if (pLost != nullptr) *pLost = lost;
   return output.Bytes();
 }
@@ -159,7 +160,8 @@ TEST(NotesSurviveTest, EventsSilenceAndRegions_TravelAsFarAsEachFormHoldsThem) {
   writer.set_notes(notes);
   const auto samples = PublicSamples(1000);
   writer.write(std::span(samples));
-  const auto lost = writer.finish();
+  writer.finish();
+  const auto lost = writer.lost();
   EXPECT_THAT(lost, SizeIs(3));  // the silence, the region, a description
   voxplay::Reader vef(AsBytes(output.Bytes()));
   ExpectStudioNotes(vef.notes());

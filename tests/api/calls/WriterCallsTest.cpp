@@ -206,7 +206,7 @@ TEST_F(WriterCallsTest, Pieces_MakeNoDifference) {
         const std::size_t nCount = std::min<std::size_t>(nPiece, 1500 - nAt) * nChannels;
         writer.write(std::span(samples).subspan(nAt * nChannels, nCount));
       }
-      static_cast<void>(writer.finish());
+      writer.finish();
       EXPECT_EQ(output.Bytes(), expected);
     }
   }
@@ -223,7 +223,7 @@ TEST_F(WriterCallsTest, EachCallOfAnOutputFailing_IsAPlainFailure) {
       try {
         voxplay::Writer writer(output.Record(), kind.format);
         writer.write(std::span(samples));
-        static_cast<void>(writer.finish());
+        writer.finish();
       } catch (const voxplay::Error& error) {
         EXPECT_EQ(error.status(), VOXPLAY_CANNOT_WRITE) << error.what();
         ++nFailures;
@@ -243,7 +243,7 @@ TEST_F(WriterCallsTest, OutputsThatOnlyGoForward_GetTheSameBytes) {
     C_MemoryOutput output(false);
     voxplay::Writer writer(output.Record(), kind.format);
     writer.write(std::span(samples));
-    static_cast<void>(writer.finish());
+    writer.finish();
     EXPECT_EQ(output.Bytes(), expected);
   }
 }
