@@ -360,8 +360,9 @@ TEST(HeronSampleStream, WhereTheSourceCannotBeRead_TheBlocksBeforeComeFirst) {
    public:
     using C_MemorySourceForTests::C_MemorySourceForTests;
     std::size_t ReadSome(std::uint64_t qwPosition, std::span<std::uint8_t> read) override {
-      if (read.size() > 7 && qwPosition > qwBroken)
+      if (read.size() > 7 && qwPosition > qwBroken) {
         throw C_Failure(VOXPLAY_CANNOT_READ, "a bad sector");
+      }
       return C_MemorySourceForTests::ReadSome(qwPosition, read);
     }
     std::uint64_t qwBroken = 0;

@@ -34,8 +34,9 @@ class C_BrokenSource final : public C_MemorySourceForTests {
   C_BrokenSource(Bytes bytes, std::uint64_t qwBroken)
       : C_MemorySourceForTests(std::move(bytes)), m_qwBroken(qwBroken) {}
   std::size_t ReadSome(std::uint64_t qwPosition, std::span<std::uint8_t> bytes) override {
-    if (qwPosition + bytes.size() > m_qwBroken)
+    if (qwPosition + bytes.size() > m_qwBroken) {
       throw C_Failure(VOXPLAY_CANNOT_READ, "a bad sector");
+    }
     return C_MemorySourceForTests::ReadSome(qwPosition, bytes);
   }
   void Repair() { m_qwBroken = std::numeric_limits<std::uint64_t>::max(); }
