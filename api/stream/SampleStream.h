@@ -8,6 +8,9 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
+
+#include "base/Failure.h"
 
 namespace api {
 
@@ -44,6 +47,15 @@ class C_SampleStream16 : public I_SampleStream {
   using I_SampleStream::Read;
   std::size_t Read(std::span<std::int32_t> samples) override;
   std::size_t Read(std::span<float> samples) override;
+
+ private:
+  template <typename Sample>
+  std::size_t ReadAs(std::span<Sample> samples);
+  std::size_t ReadOrKeepFailure(std::span<std::int16_t> samples, bool bKeep);
+  void ThrowKeptFailure();
+
+  // What the next call throws, if it reads on from this position.
+  std::optional<std::pair<C_Failure, std::uint64_t>> m_kept;
 };
 
 }  // namespace api
