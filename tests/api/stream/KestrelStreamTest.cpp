@@ -223,7 +223,7 @@ TEST(KestrelStream, SeeksInALongStream_GiveTheSamplesOfReadingAll) {
   ASSERT_NO_FATAL_FAILURE(ExpectExactSeeks(*read.stream, want, 60, 10));
 }
 
-TEST(KestrelMarks, AreAtEqualDistancesThatDouble) {
+TEST(KestrelMarks, TooMany_DoubleTheirDistance) {
   C_KestrelMarks marks;
   S_KestrelMark mark;
   for (; mark.qwFrame < 40000; ++mark.qwFrame) {
