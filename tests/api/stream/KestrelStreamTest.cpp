@@ -14,6 +14,7 @@
 #include "codec/KestrelCodec.h"
 #include "kestrel/Encoder.h"
 #include "kestrel/VectorFiles.h"
+#include "stream/KestrelMarks.h"
 
 namespace api::test {
 namespace {
@@ -220,6 +221,22 @@ TEST(KestrelStream, SeeksInALongStream_GiveTheSamplesOfReadingAll) {
   const auto read = OpenKestrelStream(other, kWhole);
   ASSERT_EQ(ReadAll(*read.stream), want);
   ASSERT_NO_FATAL_FAILURE(ExpectExactSeeks(*read.stream, want, 60, 10));
+}
+
+TEST(KestrelMarks, TooMany_DoubleTheirDistance) {
+  C_KestrelMarks marks;
+  S_KestrelMark mark;
+  for (; mark.qwFrame < 40000; ++mark.qwFrame) {
+    EXPECT_EQ(marks.Wants(mark.qwFrame), mark.qwFrame % (mark.qwFrame <= 16384   ? 64
+                                                         : mark.qwFrame <= 32768 ? 128
+                                                                                 : 256) ==
+                                             0);
+    marks.Offer(mark);
+  }
+  for (const std::uint64_t qwFrame : {0U, 255U, 256U, 9999U, 33000U, 39999U}) {
+    EXPECT_EQ(marks.Before(qwFrame).qwFrame, qwFrame / 256 * 256) << qwFrame;
+  }
+  EXPECT_EQ(marks.Before(1000000).qwFrame, 39936U);
 }
 
 TEST(KestrelStream, ASeekWithinAFrame_GoesOnWithinIt) {
