@@ -122,6 +122,10 @@ if ! awk -v most=100 '
   fail "a body is not laid out as everywhere else"
 fi
 
+# What the README shows in C is part of a program that is built and run.
+shown=$(awk '/^```c$/ { shown = 1; next } /^```$/ { shown = 0 } shown' README.md | tail -n +3)
+[[ -n $shown && $(<examples/read.c) == *"$shown"* ]] || fail "README.md shows other lines than examples/read.c has"
+
 while IFS= read -r file; do fail "$file is larger than 1.9 MB"; done < <(
   find . \( -path ./build -o -path ./.git \) -prune -o -type f -size +1900k -print)
 

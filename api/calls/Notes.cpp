@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "calls/Guard.h"
 #include "calls/NoteRecords.h"
@@ -50,10 +51,10 @@ voxplay_status WithNote(voxplay_notes* pNotes, const Record* pRecord, std::size_
 }
 
 // Adds it to one of the lists that are in the order of adding.
-template <typename Record, typename List>
-voxplay_status Add(voxplay_notes* pNotes, List S_Notes::*pList, const Record* pRecord,
+template <typename Record, typename Note>
+voxplay_status Add(voxplay_notes* pNotes, std::vector<Note> S_Notes::*pList, const Record* pRecord,
                    std::size_t cbRecord) noexcept {
-  return WithNote(pNotes, pRecord, cbRecord, [pList](voxplay_notes& object, auto&& note) {
+  return WithNote(pNotes, pRecord, cbRecord, [pList](voxplay_notes& object, Note&& note) {
     (object.notes.*pList).push_back(std::move(note));
   });
 }

@@ -429,7 +429,8 @@ typedef struct voxplay_output {
 } voxplay_output;
 
 /* Called with the number of frames that are done, of all, which is 0 while it is not known. Returns
- * 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. */
+ * 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. Of Heron, writing the frames
+ * is the first half, and coding them, in voxplay_writer_finish, the second. */
 typedef int (*voxplay_progress)(void* user, uint64_t done, uint64_t all);
 
 voxplay_writer* voxplay_writer_new(void);

@@ -188,7 +188,6 @@ S_Notes ReadRiffNotes(std::span<const S_HeldChunk> chunks, E_RiffForm eForm, boo
   return notes;
 }
 
-// Marks may lie beyond the end of the sound, as in the class library.
 S_RiffNotes WriteRiffNotes(const S_Notes& notes, E_RiffForm eForm, std::uint64_t /*qwFrames*/) {
   S_WrittenMarks written = WriteMarks(notes, eForm);
   C_ChunkSorter chunks(notes.chunks, eForm);

@@ -39,7 +39,7 @@ template <int nBits>
 std::int32_t AsInteger(float fSample) {
   constexpr double kRange = static_cast<double>(std::int64_t{1} << (nBits - 1));
   // Not a number is unequal to itself.
-  const double dScaled = fSample == fSample ? double{fSample} * kRange : 0.0;
+  const double dScaled = fSample == fSample ? static_cast<double>(fSample) * kRange : 0.0;
   return static_cast<std::int32_t>(Nearest(std::clamp(dScaled, -kRange, kRange - 1.0)));
 }
 

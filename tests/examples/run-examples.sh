@@ -53,3 +53,7 @@ frames=$((($(stat -c %s hello.wav) - 44) / 2))
   echo "run-examples: read does not read what convert writes" >&2
   exit 1
 }
+expect '' "$programs/to_wav" tone.vef tone.wav
+expect 'event   16000  1 2 0' "$programs/list_notes" tone.wav
+expect 'event   16000  1 2 7' "$programs/list_notes" tone.vef
+refuse "$programs/list_notes" missing.vef

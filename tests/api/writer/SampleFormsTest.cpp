@@ -66,7 +66,7 @@ TEST(Store, Float_AgreesWithTheRoundingOfTheCLibrary) {
   std::vector<std::int16_t> converted(samples.size());
   api::To16(std::span<const float>(samples), converted);
   for (std::size_t i = 0; i < samples.size(); ++i) {
-    EXPECT_EQ(converted[i], std::nearbyint(double{samples[i]} * 32768)) << samples[i];
+    EXPECT_EQ(converted[i], std::nearbyint(static_cast<double>(samples[i]) * 32768)) << samples[i];
   }
 }
 
