@@ -26,18 +26,27 @@ struct voxplay_reader {
 
 namespace {
 
+// Refuses an argument. What is open stays open.
+voxplay_status Refuse(const voxplay_reader* pReader, const char* pszWhy) {
+  if (pReader == nullptr) return VOXPLAY_BAD_ARGUMENT;
+  return api::Guarded(&pReader->strMessage, pReader->strName,
+                      [&] { throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, pszWhy); });
+}
+
 // Opens what a function gives as a source.
 template <typename MakeSource>
 voxplay_status Open(voxplay_reader* pReader, const char* pszName, std::uint32_t dwFlags,
                     MakeSource&& fnSource) {
-  voxplay_reader_close(pReader);
-  const voxplay_status eNamed =
-      api::Guarded(&pReader->strMessage, "", [&] { pReader->strName = pszName; });
+  if ((dwFlags & ~std::uint32_t{VOXPLAY_READ_STREAM | VOXPLAY_READ_NO_BARE}) != 0) {
+    return Refuse(pReader, "flags: one of them is unknown");
+  }
+  // The name may be a text in the notes that go when the reader is closed.
+  std::string strName;
+  const voxplay_status eNamed = api::Guarded(&pReader->strMessage, "", [&] { strName = pszName; });
   if (eNamed != VOXPLAY_OK) return eNamed;
+  voxplay_reader_close(pReader);
+  pReader->strName.swap(strName);
   return api::Guarded(&pReader->strMessage, pReader->strName, [&] {
-    if ((dwFlags & ~std::uint32_t{VOXPLAY_READ_STREAM | VOXPLAY_READ_NO_BARE}) != 0) {
-      throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "flags: an unknown flag is set");
-    }
     auto reader = api::C_Reader::Open(fnSource(), dwFlags);
     pReader->notes.notes = reader->TakeNotes();
     pReader->open = std::move(reader);
@@ -58,7 +67,7 @@ template <typename Record, typename First, typename Ask>
 voxplay_status GiveRecord(const voxplay_reader* pReader, First Record::*pFirst, Record* pTarget,
                           std::size_t cbTarget, Ask&& fnAsk) {
   if (pReader == nullptr || !api::CopyOut(Record{}, pFirst, pTarget, cbTarget)) {
-    return VOXPLAY_BAD_ARGUMENT;
+    return Refuse(pReader, "record: null, or too small for its first member");
   }
   return WithOpen(pReader, [&](const api::C_Reader& reader) {
     api::CopyOut(fnAsk(reader), pFirst, pTarget, cbTarget);
@@ -69,10 +78,11 @@ template <typename Sample>
 voxplay_status Read(voxplay_reader* pReader, Sample* pSamples, std::size_t nCount,
                     std::size_t* pnDone) {
   if (pnDone != nullptr) *pnDone = 0;
-  if (pReader == nullptr || pnDone == nullptr) return VOXPLAY_BAD_ARGUMENT;
+  if (pReader == nullptr || pnDone == nullptr) return Refuse(pReader, "done: a null pointer");
+  if (pSamples == nullptr && nCount != 0) return Refuse(pReader, "samples: a null pointer");
   return WithOpen(pReader, [&](api::C_Reader& reader) {
     api::I_SampleStream& stream = reader.Samples();
-    if (pSamples == nullptr || nCount > SIZE_MAX / sizeof(Sample) / stream.ChannelCount()) {
+    if (nCount > SIZE_MAX / sizeof(Sample) / stream.ChannelCount()) {
       throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "samples: no buffer can hold so many");
     }
     // A stream may give fewer frames than there are.
@@ -93,13 +103,15 @@ voxplay_reader* voxplay_reader_new(void) { return new (std::nothrow) voxplay_rea
 void voxplay_reader_free(voxplay_reader* reader) { delete reader; }
 
 voxplay_status voxplay_reader_open_file(voxplay_reader* reader, const char* path, uint32_t flags) {
-  if (reader == nullptr || path == nullptr) return VOXPLAY_BAD_ARGUMENT;
-  return Open(reader, path, flags, [&] { return api::OpenFileSource(path); });
+  if (reader == nullptr || path == nullptr) return Refuse(reader, "path: a null pointer");
+  return Open(reader, path, flags, [&] { return api::OpenFileSource(reader->strName.c_str()); });
 }
 
 voxplay_status voxplay_reader_open_memory(voxplay_reader* reader, const void* bytes, size_t size,
                                           uint32_t flags) {
-  if (reader == nullptr || (bytes == nullptr && size != 0)) return VOXPLAY_BAD_ARGUMENT;
+  if (reader == nullptr || (bytes == nullptr && size != 0)) {
+    return Refuse(reader, "bytes: a null pointer");
+  }
   return Open(reader, "memory", flags, [&] {
     return api::OpenMemorySource({static_cast<const std::uint8_t*>(bytes), size});
   });
@@ -107,7 +119,9 @@ voxplay_status voxplay_reader_open_memory(voxplay_reader* reader, const void* by
 
 voxplay_status voxplay_reader_open_input(voxplay_reader* reader, const voxplay_input* input,
                                          uint32_t flags) {
-  if (reader == nullptr || input == nullptr || input->read == nullptr) return VOXPLAY_BAD_ARGUMENT;
+  if (reader == nullptr || input == nullptr || input->read == nullptr) {
+    return Refuse(reader, "input: a null pointer, or no function to read with");
+  }
   return Open(reader, "input", flags, [&] { return api::OpenInputSource(*input); });
 }
 

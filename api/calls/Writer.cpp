@@ -24,6 +24,7 @@ struct voxplay_writer {
   std::unique_ptr<api::C_Writer> open;  // null when nothing is
   std::uint32_t dwChannels = 0;
   std::vector<std::string> lost;
+  bool bBusy = false;  // within a function, which may be calling one of the program's
   voxplay_progress pfnProgress = nullptr;
   void* pProgressUser = nullptr;
   std::string strName;
@@ -41,6 +42,25 @@ void ThrowProblem(const voxplay_format& format) {
   if (!strProblem.empty()) throw api::C_Failure(VOXPLAY_UNSUPPORTED, "format: " + strProblem);
 }
 
+// Refuses an argument. What is open stays open.
+voxplay_status Refuse(voxplay_writer* pWriter, const char* pszWhy) {
+  if (pWriter == nullptr) return VOXPLAY_BAD_ARGUMENT;
+  return api::Guarded(&pWriter->strMessage, pWriter->strName,
+                      [&] { throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, pszWhy); });
+}
+
+// Does work in which functions of the program may be called. A function of the writer that is
+// called from there is refused.
+template <typename Work>
+voxplay_status Guarded(voxplay_writer* pWriter, Work&& work) {
+  if (pWriter->bBusy) return VOXPLAY_WRONG_STATE;
+  pWriter->bBusy = true;
+  const voxplay_status eStatus =
+      api::Guarded(&pWriter->strMessage, pWriter->strName, std::forward<Work>(work));
+  pWriter->bBusy = false;
+  return eStatus;
+}
+
 // The object hears of changes of the function as well.
 api::S_ProgressFunction ProgressOf(voxplay_writer* pWriter) {
   return [pWriter](std::uint64_t qwDone, std::uint64_t qwAll) {
@@ -53,13 +73,15 @@ api::S_ProgressFunction ProgressOf(voxplay_writer* pWriter) {
 template <typename MakeTarget>
 voxplay_status Open(voxplay_writer* pWriter, const char* pszName, const voxplay_format& format,
                     MakeTarget&& fnTarget) {
+  if (pWriter->bBusy) return VOXPLAY_WRONG_STATE;
   voxplay_writer_abandon(pWriter);
-  pWriter->lost.clear();
-  pWriter->strMessage.clear();
+  // The name may be one of these sentences.
   const voxplay_status eNamed =
       api::Guarded(&pWriter->strMessage, "", [&] { pWriter->strName = pszName; });
   if (eNamed != VOXPLAY_OK) return eNamed;
-  return api::Guarded(&pWriter->strMessage, pWriter->strName, [&] {
+  pWriter->lost.clear();
+  pWriter->strMessage.clear();
+  return Guarded(pWriter, [&] {
     ThrowProblem(format);
     auto writer = api::C_Writer::Open(fnTarget(), format);
     writer->OnProgress(ProgressOf(pWriter));
@@ -72,7 +94,7 @@ voxplay_status Open(voxplay_writer* pWriter, const char* pszName, const voxplay_
 template <typename Work>
 voxplay_status WithOpen(voxplay_writer* pWriter, Work&& work) {
   if (pWriter == nullptr) return VOXPLAY_BAD_ARGUMENT;
-  return api::Guarded(&pWriter->strMessage, pWriter->strName, [&] {
+  return Guarded(pWriter, [&] {
     if (!pWriter->open) throw api::C_Failure(VOXPLAY_WRONG_STATE, "writer: nothing is open");
     work(*pWriter->open);
   });
@@ -80,7 +102,9 @@ voxplay_status WithOpen(voxplay_writer* pWriter, Work&& work) {
 
 template <typename Sample>
 voxplay_status Write(voxplay_writer* pWriter, const Sample* pSamples, std::size_t nCount) {
-  if (pWriter == nullptr || (pSamples == nullptr && nCount != 0)) return VOXPLAY_BAD_ARGUMENT;
+  if (pWriter == nullptr || (pSamples == nullptr && nCount != 0)) {
+    return Refuse(pWriter, "samples: a null pointer");
+  }
   return WithOpen(pWriter, [&](api::C_Writer& writer) {
     if (nCount > SIZE_MAX / sizeof(Sample) / pWriter->dwChannels) {
       throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, "samples: no buffer can hold so many");
@@ -115,15 +139,17 @@ void voxplay_writer_free(voxplay_writer* writer) { delete writer; }
 voxplay_status voxplay_writer_open_file(voxplay_writer* writer, const char* path,
                                         const voxplay_format* format, size_t size) {
   const auto known = FormatOf(format, size);
-  if (writer == nullptr || path == nullptr || !known) return VOXPLAY_BAD_ARGUMENT;
-  return Open(writer, path, *known, [&] { return api::OpenFileTarget(path); });
+  if (writer == nullptr || path == nullptr || !known) {
+    return Refuse(writer, "path or format: a null pointer");
+  }
+  return Open(writer, path, *known, [&] { return api::OpenFileTarget(writer->strName.c_str()); });
 }
 
 voxplay_status voxplay_writer_open_output(voxplay_writer* writer, const voxplay_output* output,
                                           const voxplay_format* format, size_t size) {
   const auto known = FormatOf(format, size);
   if (writer == nullptr || output == nullptr || output->write == nullptr || !known) {
-    return VOXPLAY_BAD_ARGUMENT;
+    return Refuse(writer, "output or format: a null pointer, or no function to write with");
   }
   return Open(writer, "output", *known, [&] { return api::OpenOutputTarget(*output); });
 }
@@ -166,12 +192,12 @@ voxplay_status voxplay_writer_finish(voxplay_writer* writer) {
     open.Finish();
     writer->lost = open.TakeLost();
   });
-  if (writer != nullptr) writer->open.reset();
+  if (writer != nullptr && !writer->bBusy) writer->open.reset();
   return eStatus;
 }
 
 void voxplay_writer_abandon(voxplay_writer* writer) {
-  if (writer != nullptr) writer->open.reset();
+  if (writer != nullptr && !writer->bBusy) writer->open.reset();
 }
 
 size_t voxplay_writer_lost_count(const voxplay_writer* writer) {

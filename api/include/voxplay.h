@@ -104,7 +104,7 @@ typedef enum voxplay_codec {
 /* ---- Inputs --------------------------------------------------------------------------------- */
 
 /* An input of the caller's own. All functions get user. They are called from within the functions
- * of the reader only, and must not call functions of that reader. */
+ * of the reader only. They must not call functions of that reader, and must not throw. */
 typedef struct voxplay_input {
   /* Reads up to size bytes from the present position, and moves it. Returns their number, which is
    * 0 only at the end of the input, and -1 when they cannot be read. */
@@ -145,7 +145,8 @@ void voxplay_reader_free(voxplay_reader* reader);
  *
  * A file is opened by name and must be a regular file. */
 voxplay_status voxplay_reader_open_file(voxplay_reader* reader, const char* path, uint32_t flags);
-/* The bytes stay the caller's, and must stay as they are until the reader is closed. */
+/* The bytes stay the caller's, and must stay as they are until the reader is closed. They must not
+ * be those of a chunk of this reader. */
 voxplay_status voxplay_reader_open_memory(voxplay_reader* reader, const void* bytes, size_t size,
                                           uint32_t flags);
 /* The record is copied. An input that only goes forward opens as well, but seeks only forward, and
@@ -418,7 +419,7 @@ enum {
 voxplay_status voxplay_format_check(const voxplay_format* format, size_t size, char* text,
                                     size_t text_size);
 
-/* An output of the caller's own; see voxplay_input. */
+/* An output of the caller's own; what is said at voxplay_input about its functions holds here. */
 typedef struct voxplay_output {
   /* Writes all bytes at the present position and moves it. Returns 0, or -1 when it cannot. */
   int (*write)(void* user, const void* bytes, size_t size);
@@ -429,8 +430,9 @@ typedef struct voxplay_output {
 } voxplay_output;
 
 /* Called with the number of frames that are done, of all, which is 0 while it is not known. Returns
- * 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. Of Heron, writing the frames
- * is the first half, and coding them, in voxplay_writer_finish, the second. */
+ * 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. It must not call functions of
+ * that writer, which would only give VOXPLAY_WRONG_STATE, and must not throw. Of Heron, writing the
+ * frames is the first half, and coding them, in voxplay_writer_finish, the second. */
 typedef int (*voxplay_progress)(void* user, uint64_t done, uint64_t all);
 
 voxplay_writer* voxplay_writer_new(void);
@@ -480,7 +482,7 @@ const char* voxplay_writer_lost(const voxplay_writer* writer, size_t index);
 typedef struct voxplay_kind {
   uint32_t container; /* VOXPLAY_CONTAINER_NONE when the bytes are none of ours */
   uint32_t codec;     /* VOXPLAY_CODEC_NONE when these bytes do not tell */
-  uint32_t supported; /* 1 when this kind can be read */
+  uint32_t supported; /* 1 when this kind can be read, as far as these bytes tell */
 } voxplay_kind;
 
 /* Which format a file has whose first bytes are given; 4,096 of them are enough for all files but

@@ -299,7 +299,8 @@ class Reader {
     return NotesView(voxplay_reader_notes(reader_.get()));
   }
 
-  // Reads as many whole frames as fit in samples, and returns their number; 0 only at the end. When
+  // Reads as many whole frames as fit in samples, and returns their number; 0 only at the end, and
+  // when not even one fits. When
   // it throws, the frames before the place of the failure are lost to the caller; voxplay.h tells
   // them.
   template <Sample T>
@@ -335,7 +336,7 @@ class Reader {
 class Writer {
  public:
   // Is told the frames that are done and the frames of all, 0 while that is not known. False
-  // cancels. It must not throw.
+  // cancels. It must not throw, nor call functions of the writer.
   using Progress = std::function<bool(std::uint64_t done, std::uint64_t all)>;
 
   Writer(const std::string& path, const Format& format) : Writer(format) {
@@ -358,7 +359,7 @@ class Writer {
   template <typename T>
     requires Sample<std::remove_const_t<T>>
   void write(std::span<T> samples) {
-    if (samples.size() % channels_ != 0) check(VOXPLAY_BAD_ARGUMENT);
+    if (samples.size() % channels_ != 0) detail::check(VOXPLAY_BAD_ARGUMENT);
     check(write(samples.data(), samples.size() / channels_));
   }
   // Lets the sound appear.

@@ -9,7 +9,7 @@ namespace api {
 namespace {
 
 std::string Numbered(const char* pszKind, std::size_t nIndex) {
-  return pszKind + (" " + std::to_string(nIndex + 1));
+  return std::string(pszKind) + ' ' + std::to_string(nIndex + 1);
 }
 
 template <typename Number>

@@ -49,7 +49,7 @@ Samples Ramp(const S_Kind& kind) {
 
 voxplay::Notes SomeNotes() {
   voxplay::Notes notes;
-  notes.add(voxplay::Event{100, 3, 7, 0, nullptr});
+  notes.add(voxplay::Event{100, 3, 7, 8, "what no file holds"});
   notes.add_silence({20, 30});
   notes.add(voxplay::Cue{9, 50, {'d', 'a', 't', 'a'}, 0, 0, 50});
   notes.add(voxplay::Label{9, {'l', 'a', 'b', 'l'}, "a mark"});

@@ -79,10 +79,33 @@ TEST_F(ReaderCallsTest, MissingFile_IsNamedInTheMessage) {
   EXPECT_THAT(Message(), StartsWith("/nowhere/speech.kst: "));
 }
 
-TEST_F(ReaderCallsTest, UnknownFlag_IsABadArgument) {
+TEST_F(ReaderCallsTest, BadArgument_ClosesNothingAndSaysWhatIsWrong) {
+  ASSERT_EQ(OpenWav(), VOXPLAY_OK);
   EXPECT_EQ(voxplay_reader_open_memory(m_pReader, m_wav.data(), m_wav.size(), 0x80),
             VOXPLAY_BAD_ARGUMENT);
-  EXPECT_EQ(voxplay_reader_notes(m_pReader), nullptr);
+  EXPECT_THAT(Message(), HasSubstr("flags"));
+  EXPECT_EQ(voxplay_reader_open_file(m_pReader, nullptr, 0), VOXPLAY_BAD_ARGUMENT);
+  EXPECT_THAT(Message(), HasSubstr("path"));
+  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, nullptr, 1, &m_nDone), VOXPLAY_BAD_ARGUMENT);
+  EXPECT_THAT(Message(), HasSubstr("samples"));
+  EXPECT_NE(voxplay_reader_notes(m_pReader), nullptr);
+  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, nullptr, 0, &m_nDone), VOXPLAY_OK);
+  EXPECT_EQ(voxplay_reader_read_s16(m_pReader, m_samples.data(), 1, &m_nDone), VOXPLAY_OK);
+  EXPECT_EQ(m_nDone, 1U);
+}
+
+// The path may be a text that goes with what was open.
+TEST_F(ReaderCallsTest, PathFromTheOpenNotes_IsUsedBeforeTheyGo) {
+  const C_TempFolder folder;
+  const std::string strPath = folder.Write("named in its own notes, in a text that is long", m_wav);
+  voxplay::Notes notes;
+  notes.add(voxplay::Chunk{{'p', 'a', 't', 'h'}, strPath.c_str(), strPath.size() + 1});
+  const auto named =
+      WrittenBytes(FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 16), kSamples, notes);
+  ASSERT_EQ(voxplay_reader_open_memory(m_pReader, named.data(), named.size(), 0), VOXPLAY_OK);
+  const voxplay::Chunk chunk = voxplay::NotesView(voxplay_reader_notes(m_pReader)).chunks()[0];
+  EXPECT_EQ(voxplay_reader_open_file(m_pReader, static_cast<const char*>(chunk.data), 0),
+            VOXPLAY_OK);
 }
 
 TEST_F(ReaderCallsTest, ForeignBytes_AreUnknownAndSaySo) {

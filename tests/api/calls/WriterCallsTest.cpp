@@ -175,6 +175,25 @@ TEST_F(WriterCallsTest, CancelledWriting_LeavesNothing) {
   }
 }
 
+// A button that cancels may well try to abandon.
+TEST_F(WriterCallsTest, FunctionsCalledFromProgress_AreRefused) {
+  ASSERT_EQ(Open("a.wav"), VOXPLAY_OK);
+  const auto fnMeddle = [](void* pUser, std::uint64_t, std::uint64_t) {
+    auto* const pWriter = static_cast<voxplay_writer*>(pUser);
+    const std::int16_t nSample = 0;
+    voxplay_writer_abandon(pWriter);
+    EXPECT_EQ(voxplay_writer_write_s16(pWriter, &nSample, 1), VOXPLAY_WRONG_STATE);
+    EXPECT_EQ(voxplay_writer_finish(pWriter), VOXPLAY_WRONG_STATE);
+    EXPECT_EQ(voxplay_writer_open_file(pWriter, "/tmp/x", &kWav, sizeof kWav), VOXPLAY_WRONG_STATE);
+    return 0;
+  };
+  ASSERT_EQ(voxplay_writer_on_progress(m_pWriter, fnMeddle, m_pWriter), VOXPLAY_OK);
+  ASSERT_EQ(voxplay_writer_write_s16(m_pWriter, m_samples.data(), 1000), VOXPLAY_OK);
+  ASSERT_EQ(voxplay_writer_finish(m_pWriter), VOXPLAY_OK);
+  voxplay::Reader reader(m_folder.Path("a.wav"));
+  EXPECT_EQ(ReadRest(reader), m_samples);
+}
+
 TEST_F(WriterCallsTest, NotesThatAreLost_AreListed) {
   voxplay::Notes notes;
   notes.add(voxplay::Event{100, 3, 7, 0, nullptr});
