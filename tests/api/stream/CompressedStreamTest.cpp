@@ -317,6 +317,21 @@ TEST(CompressedStream, FramesBeforeABadPlace_AreReturnedBeforeTheFailure) {
   }
 }
 
+TEST(CompressedStream, FailureThatPasses_IsStillTold) {
+  const S_File file(BlockFmt({WAVE_TAG_MS_ADPCM, 1, 100, 188, 4}), Noise(40'000));
+  C_HiccupSource source(file.Bytes());
+  const auto stream = OpenCompressedStream(source, file.Range(), file.format);
+  std::size_t nFrames = 0;
+  EXPECT_EQ(TextOf([&] {
+              while (const std::size_t n = ReadFrames<std::int16_t>(*stream, 999).size()) {
+                nFrames += n;
+              }
+            }),
+            "bad sector");
+  nFrames += ReadRest<std::int16_t>(*stream).size();
+  EXPECT_EQ(nFrames, 400U * 188);
+}
+
 TEST(CompressedStream, WidenedFramesBeforeABadPlace_AreReturnedBeforeTheFailure) {
   const S_File file(BlockFmt({WAVE_TAG_MULAW, 1, 1, 0, 8}), Noise(20'000));
   C_BrokenSource source(file.Bytes(), file.DataAt() + 8192);
