@@ -2,6 +2,7 @@
 #include "stream/AdpcmStream.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <utility>
@@ -41,6 +42,23 @@ std::size_t BlocksTogether(std::size_t cbBlock, std::uint64_t qwBlockSamples) {
   const std::uint64_t qwBySamples = kTogetherSamples / std::max<std::uint64_t>(qwBlockSamples, 1);
   const std::uint64_t qwBlocks = std::min<std::uint64_t>(kTogetherBytes / cbBlock, qwBySamples);
   return std::max<std::size_t>(static_cast<std::size_t>(qwBlocks), 1);
+}
+
+// These two work a little at a time, because processors are slow to start long copies and fills.
+constexpr std::size_t kPartSamples = 512;
+
+void CopySamples(std::span<const std::int16_t> from, std::span<std::int16_t> to) {
+  for (std::size_t i = 0; i < from.size(); i += kPartSamples) {
+    const auto part = from.subspan(i, std::min(kPartSamples, from.size() - i));
+    std::memcpy(to.data() + i, part.data(), part.size_bytes());
+  }
+}
+
+void Silence(std::span<std::int16_t> samples) {
+  for (std::size_t i = 0; i < samples.size(); i += kPartSamples) {
+    const auto part = samples.subspan(i, std::min(kPartSamples, samples.size() - i));
+    std::memset(part.data(), 0, part.size_bytes());
+  }
 }
 
 }  // namespace
@@ -200,8 +218,9 @@ void C_AdpcmStream::DecodeRest(std::span<const std::uint8_t> bytes) {
 
 void C_AdpcmStream::Decode(std::span<const std::uint8_t> bytes, std::size_t nFrames) {
   std::vector<std::int16_t>& samples = m_window.samples;
+  samples.resize(nFrames * m_nChannels);
   // Decoders leave samples alone that a block does not have.
-  samples.assign(nFrames * m_nChannels, 0);
+  Silence(samples);
   m_wav.decoder->Decode(m_wav.codecInfo, bytes.data(), static_cast<unsigned int>(bytes.size()),
                         samples.data(),
                         static_cast<unsigned int>(samples.size() * sizeof(std::int16_t)));
@@ -227,8 +246,8 @@ std::size_t C_AdpcmStream::Copy(std::span<std::int16_t> samples) {
   const auto left = decoded.subspan(
       static_cast<std::size_t>(std::min<std::uint64_t>(decoded.size(), qwAt * m_nChannels)));
   const auto sound = left.first(std::min(left.size(), copied.size()));
-  std::ranges::copy(sound, copied.begin());
-  std::ranges::fill(copied.subspan(sound.size()), std::int16_t{0});
+  CopySamples(sound, copied);
+  Silence(copied.subspan(sound.size()));
   m_qwPosition += qwFrames;
   return static_cast<std::size_t>(qwFrames);
 }

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 namespace api {
 
@@ -16,18 +17,20 @@ namespace {
 template <std::size_t cbUnit>
 using Unit = std::conditional_t<(cbUnit > 4), std::uint64_t, std::uint32_t>;
 
+// Written out, because compilers see one load in that, and not in a loop.
 template <std::size_t cbUnit>
 Unit<cbUnit> UnitAt(const std::uint8_t* pbyUnit) {
-  Unit<cbUnit> unit = 0;
-  for (std::size_t i = 0; i < cbUnit; ++i) unit |= Unit<cbUnit>{pbyUnit[i]} << (8 * i);
-  return unit;
+  return [pbyUnit]<std::size_t... i>(std::index_sequence<i...>) {
+    return ((Unit<cbUnit>{pbyUnit[i]} << (8 * i)) | ...);
+  }
+  (std::make_index_sequence<cbUnit>());
 }
 
 // To the nearest integer, to the even one of two. dValue fits in 32 bits.
 std::int32_t Rounded(double dValue) {
   if constexpr (FLT_EVAL_METHOD == 0 || FLT_EVAL_METHOD == 1) {
     // Beside this number, a double has no room for fractions: adding it rounds, and leaves the
-    // integer in the low bits. Compilers make vector instructions of that.
+    // integer in the low bits.
     constexpr double kNoFractions = 6755399441055744.0;  // 1.5 * 2^52
     const auto qwBits = std::bit_cast<std::uint64_t>(dValue + kNoFractions);
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(qwBits));

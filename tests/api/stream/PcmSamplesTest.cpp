@@ -160,8 +160,9 @@ TEST(PcmSamples, RoundingOfAllKinds_IsThatOfTheStandardLibrary) {
   const C_Shorts shorts = Converted<std::int16_t>(kFloat, bytes);
   const C_Longs longs = Converted<std::int32_t>(kFloat, bytes);
   for (std::size_t i = 0; i < values.size() && !testing::Test::HasFailure(); ++i) {
-    EXPECT_EQ(shorts[i], std::lrint(double{values[i]} * 32768)) << values[i];
-    EXPECT_EQ(longs[i], std::lrint(double{values[i]} * 2147483648.0)) << values[i];
+    const auto dValue = static_cast<double>(values[i]);
+    EXPECT_EQ(shorts[i], std::lrint(dValue * 32768)) << dValue;
+    EXPECT_EQ(longs[i], std::llrint(dValue * 2147483648.0)) << dValue;
   }
 }
 

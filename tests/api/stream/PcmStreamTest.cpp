@@ -251,6 +251,16 @@ TEST(PcmStream, FramesBeforeABadPlace_AreConvertedToo) {
   EXPECT_EQ(StatusOf([&] { ReadFrames<float>(*stream, 10'000); }), VOXPLAY_CANNOT_READ);
 }
 
+TEST(PcmStream, FailureThatPasses_IsStillTold) {
+  C_HiccupSource source(Noise(60));
+  const auto stream = OpenPcmStream(source, Claim(60, 60), kMono16);
+  EXPECT_EQ(ReadFrames<std::int16_t>(*stream, 10).size(), 10U);
+  const std::size_t nFrames = ReadFrames<std::int16_t>(*stream, 10).size();
+  EXPECT_GT(nFrames, 0U);
+  EXPECT_EQ(TextOf([&] { ReadFrames<std::int16_t>(*stream, 10); }), "bad sector");
+  EXPECT_EQ(ReadRest<std::int16_t>(*stream).size(), 20 - nFrames);
+}
+
 TEST(PcmStream, SeekAfterAFailure_ForgetsIt) {
   C_BrokenSource source(Noise(60), 40);
   const auto stream = OpenPcmStream(source, Claim(60, 60), kMono16);

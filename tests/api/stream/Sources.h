@@ -47,6 +47,20 @@ class C_BrokenSource final : public C_MemorySourceForTests {
   std::uint64_t m_qwBad;
 };
 
+// Fails once, the second time that it is read.
+class C_HiccupSource final : public C_MemorySourceForTests {
+ public:
+  using C_MemorySourceForTests::C_MemorySourceForTests;
+
+  std::size_t ReadSome(std::uint64_t qwPosition, std::span<std::uint8_t> bytes) override {
+    if (++m_nCalls == 2) throw C_Failure(VOXPLAY_CANNOT_READ, "bad sector");
+    return C_MemorySourceForTests::ReadSome(qwPosition, bytes);
+  }
+
+ private:
+  int m_nCalls = 0;
+};
+
 // As long as it says, without any memory: byte n is n * 37 / 256.
 class C_EndlessSource final : public I_ByteSource {
  public:
