@@ -10,6 +10,9 @@ namespace {
 // The bytes that a search for the next block may check, as a multiple of all bytes. Bytes that were
 // made to look like the heads of long blocks would otherwise be checked over and over again.
 constexpr std::uint64_t kChecksPerByte = 16;
+// The bytes of a run by samples of a block. No coefficient takes as many bits. Bytes of a damaged
+// block often look like the head of one, but nearly all of these claim more.
+constexpr std::uint64_t kMostPerSample = 8;
 // Blocks that may be missing in one place; half of the numbers that there are.
 constexpr std::size_t kMostMissing = 127;
 // Samples by which more may be missing than is there: 64 MiB.
@@ -18,18 +21,22 @@ constexpr std::size_t kMostMissingSamples = (std::size_t{64} << 20) / sizeof(std
 // Finds the blocks of coded audio one after another.
 class C_BlockSearch {
  public:
-  C_BlockSearch(C_CodedBytes& bytes, std::uint64_t qwAt)
-      : m_bytes(bytes), m_qwAt(qwAt), m_qwChecksLeft(CheckedProduct(bytes.Size())) {}
+  C_BlockSearch(C_CodedBytes& bytes, std::uint64_t qwAt, std::size_t nLength)
+      : m_bytes(bytes),
+        m_qwAt(qwAt),
+        m_qwMost(kBlockHeadBytes + nLength * kMostPerSample),
+        m_qwChecksLeft(CheckedProduct(bytes.Size())) {}
 
   // The next block at or after the present place. The bytes before it are passed over.
   std::optional<S_Block> Next() {
     for (; FindSync(); ++m_qwAt) {
+      const std::uint64_t qwCost = ClaimedBytes(m_bytes, m_qwAt);
+      if (qwCost > m_qwMost) continue;
       const auto block = ReadBlock(m_bytes, m_qwAt);
       if (block) {
         m_qwAt = block->run.End();
         return block;
       }
-      const std::uint64_t qwCost = ClaimedBytes(m_bytes, m_qwAt);
       if (qwCost > m_qwChecksLeft) break;
       m_qwChecksLeft -= qwCost;
     }
@@ -55,6 +62,7 @@ class C_BlockSearch {
 
   C_CodedBytes& m_bytes;
   std::uint64_t m_qwAt;
+  std::uint64_t m_qwMost;  // bytes of a block
   std::uint64_t m_qwChecksLeft;
 };
 
@@ -69,7 +77,7 @@ void C_BlockIndex::Search(C_CodedBytes& bytes, std::size_t nFrom) {
     if (const auto run = ReadOnlyBlock(bytes)) m_runs.emplace_back(run);
     return;
   }
-  C_BlockSearch search(bytes, nFrom == 0 ? 0 : m_runs.back()->End());
+  C_BlockSearch search(bytes, nFrom == 0 ? 0 : m_runs.back()->End(), m_nLength);
   while (!IsComplete()) {
     const auto block = search.Next();
     if (!block) break;

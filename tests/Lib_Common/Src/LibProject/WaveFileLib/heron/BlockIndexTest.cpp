@@ -72,5 +72,29 @@ TEST(HeronBlockIndex, ASearchFromABlock_KeepsTheBlocksBefore) {
   EXPECT_EQ(index.Run(3)->qwBytes, 13U);
 }
 
+// Bytes of a damaged block often look like heads. Those that claim more than a block can have cost
+// the search nothing; it would give up long before the end otherwise.
+TEST(HeronBlockIndex, DamagedBlockOfManySyncs_LosesOnlyItself) {
+  constexpr std::size_t kSecondsLong = 64000;
+  constexpr std::size_t kBlocks = 330;
+  S_Bytes run(25000);
+  std::uint32_t dwRandom = 1;
+  for (auto& by : run) {
+    dwRandom = dwRandom * 1664525U + 1013904223U;
+    by = static_cast<std::uint8_t>(dwRandom >> 24);
+  }
+  S_Bytes coded;
+  for (std::size_t n = 0; n < kBlocks; ++n) AppendBlock(coded, n, run);
+  coded[run.size() + kBlockHeadBytes + 100] ^= 1;
+  C_CodedMemory memory(coded);
+  C_BlockIndex index(kBlocks * kSecondsLong, kSecondsLong);
+  index.Search(memory);
+  EXPECT_TRUE(index.IsComplete());
+  EXPECT_TRUE(index.Run(0));
+  EXPECT_FALSE(index.Run(1));
+  EXPECT_TRUE(index.Run(2));
+  EXPECT_TRUE(index.Run(kBlocks - 1));
+}
+
 }  // namespace
 }  // namespace heron
