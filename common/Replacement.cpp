@@ -49,6 +49,14 @@ bool CopyAccessList([[maybe_unused]] const std::string& strOldFile,
 #endif
 }
 
+// Renames unless something has the name. Nothing prevents that something gets it between the two
+// steps; this is for file systems that have no better way.
+bool RenameToFree(const std::string& strFrom, const std::string& strTo) {
+  struct stat status {};
+  return lstat(strTo.c_str(), &status) != 0 && errno == ENOENT &&
+         std::rename(strFrom.c_str(), strTo.c_str()) == 0;
+}
+
 }  // namespace
 
 unsigned int UnforeseeableNumber() {
@@ -58,10 +66,14 @@ unsigned int UnforeseeableNumber() {
   return static_cast<unsigned int>(std::chrono::steady_clock::now().time_since_epoch().count());
 }
 
-C_Replacement::C_Replacement(const std::string& strStem, unsigned int (*pfnNumber)()) {
+C_Replacement::C_Replacement(const std::string& strStem, unsigned int (*pfnNumber)())
+    : C_Replacement(strStem, S_IRUSR | S_IWUSR, pfnNumber) {}
+
+C_Replacement::C_Replacement(const std::string& strStem, unsigned int dwMode,
+                             unsigned int (*pfnNumber)()) {
   for (int i = 0; i < kNameAttempts && !m_file; ++i) {
     m_strPath = NumberedName(strStem, pfnNumber());
-    m_file = CreateExclusive(m_strPath);
+    m_file = CreateExclusive(m_strPath, dwMode);
     m_nError = m_file ? 0 : errno;
     if (m_nError != EEXIST) break;
   }
@@ -93,15 +105,36 @@ bool C_Replacement::TakeOwnerAndMode(const struct stat& old, const std::string& 
   return fstat(nDescriptor, &now) == 0 && (now.st_mode & kModeBits) == nMode;
 }
 
-bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {
+bool C_Replacement::CloseOnDisk() {
   // Some file systems have no disk to bring it to.
   const bool bOnDisk =
       fsync(fileno(m_file.get())) == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
-  if (!CloseChecked(std::move(m_file)) || !bOnDisk) return false;
+  return CloseChecked(std::move(m_file)) && bOnDisk;
+}
+
+bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {
+  if (!CloseOnDisk()) return false;
   if (std::rename(m_strPath.c_str(), strOldFile.c_str()) != 0) {
     m_nError = errno;
     return false;
   }
+  m_strPath.clear();
+  return true;
+}
+
+bool C_Replacement::TakeNewName(const std::string& strNewFile) {
+  m_nError = 0;
+  // Of a file that is not flushed, less would reach the disk than is there.
+  if (std::fflush(m_file.get()) != 0 || !CloseOnDisk()) return false;
+  // A second name is only given when nothing has it. Some file systems give none.
+  if (link(m_strPath.c_str(), strNewFile.c_str()) == 0) {
+    unlink(m_strPath.c_str());
+    m_strPath.clear();
+    return true;
+  }
+  m_nError = errno;
+  if (m_nError == EEXIST || !RenameToFree(m_strPath, strNewFile)) return false;
+  m_nError = 0;
   m_strPath.clear();
   return true;
 }

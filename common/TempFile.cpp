@@ -42,8 +42,12 @@ std::string TempName(const char* pszSuffix, const char* pszPrefix) {
 }
 
 C_FilePtr CreateExclusive(const std::string& strPath) {
+  return CreateExclusive(strPath, S_IRUSR | S_IWUSR);
+}
+
+C_FilePtr CreateExclusive(const std::string& strPath, unsigned int dwMode) {
   constexpr int nFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  const int nDescriptor = open(strPath.c_str(), nFlags, S_IRUSR | S_IWUSR);
+  const int nDescriptor = open(strPath.c_str(), nFlags, mode_t{dwMode});
   if (nDescriptor < 0) return {};
   C_FilePtr file(fdopen(nDescriptor, "w+b"));
   if (!file) {

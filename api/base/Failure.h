@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the rooms behind voxplay.h throw when they cannot do what they are asked. The functions of
-// the C interface turn it into a status and a sentence (door/Guard.h); nothing else catches it, and
-// nothing leaves the library.
+// the C interface turn it into a status and a sentence (calls/Guard.h); nothing else catches it,
+// and nothing leaves the library.
 #pragma once
 
 #include <exception>

@@ -6,7 +6,7 @@
  *
  *     voxplay_reader *reader = voxplay_reader_new();
  *     if (voxplay_reader_open_file(reader, "speech.kst", 0) != VOXPLAY_OK)
- *       fprintf(stderr, "%s\n", voxplay_reader_message(reader));
+ *       complain(voxplay_reader_message(reader));
  *     else
  *       while (voxplay_reader_read_s16(reader, samples, 1024, &frames) == VOXPLAY_OK && frames > 0)
  *         play(samples, frames);
@@ -50,29 +50,29 @@ extern "C" {
 #endif
 
 /* The version of the library that the program runs with, "0.1.0". */
-const char *voxplay_version(void);
+const char* voxplay_version(void);
 
 /* ---- Failure -------------------------------------------------------------------------------- */
 
 typedef enum voxplay_status {
   VOXPLAY_OK = 0,
-  VOXPLAY_NO_MEMORY = 1,     /* memory was refused */
-  VOXPLAY_BAD_ARGUMENT = 2,  /* a null pointer, or a value outside its range */
-  VOXPLAY_WRONG_STATE = 3,   /* the object is not open, or already finished */
-  VOXPLAY_CANNOT_OPEN = 4,   /* no such file, no permission, or not a regular file */
-  VOXPLAY_CANNOT_READ = 5,   /* the input cannot be read here; never the mere end of it */
-  VOXPLAY_CANNOT_WRITE = 6,  /* the target cannot be written: a full disk, for instance */
-  VOXPLAY_CANNOT_SEEK = 7,   /* an input or output that only goes forward would have to go back */
-  VOXPLAY_UNKNOWN = 8,       /* the bytes are none of the formats that this library reads */
-  VOXPLAY_UNSUPPORTED = 9,   /* the format is known, but not this kind of it */
-  VOXPLAY_DAMAGED = 10,      /* the bytes contradict themselves */
-  VOXPLAY_TOO_LARGE = 11,    /* the sound does not fit in its container */
-  VOXPLAY_CANCELLED = 12,    /* a progress function asked to stop */
-  VOXPLAY_INTERNAL = 13      /* none of these: a mistake in the library */
+  VOXPLAY_NO_MEMORY = 1,    /* memory was refused */
+  VOXPLAY_BAD_ARGUMENT = 2, /* a null pointer, or a value outside its range */
+  VOXPLAY_WRONG_STATE = 3,  /* the object is not open, or already finished */
+  VOXPLAY_CANNOT_OPEN = 4,  /* no such file, no permission, or not a regular file */
+  VOXPLAY_CANNOT_READ = 5,  /* the input cannot be read here; never the mere end of it */
+  VOXPLAY_CANNOT_WRITE = 6, /* the target cannot be written: a full disk, for instance */
+  VOXPLAY_CANNOT_SEEK = 7,  /* an input or output that only goes forward would have to go back */
+  VOXPLAY_UNKNOWN = 8,      /* the bytes are none of the formats that this library reads */
+  VOXPLAY_UNSUPPORTED = 9,  /* the format is known, but not this kind of it */
+  VOXPLAY_DAMAGED = 10,     /* the bytes contradict themselves */
+  VOXPLAY_TOO_LARGE = 11,   /* the sound does not fit in its container */
+  VOXPLAY_CANCELLED = 12,   /* a progress function asked to stop */
+  VOXPLAY_INTERNAL = 13     /* none of these: a mistake in the library */
 } voxplay_status;
 
 /* One text per value, "the input cannot be read"; "unknown status" for any other number. */
-const char *voxplay_status_text(voxplay_status status);
+const char* voxplay_status_text(voxplay_status status);
 
 /* ---- What a sound is ------------------------------------------------------------------------ */
 
@@ -90,9 +90,9 @@ typedef enum voxplay_container {
 /* How its samples are coded. */
 typedef enum voxplay_codec {
   VOXPLAY_CODEC_NONE = 0,
-  VOXPLAY_CODEC_PCM = 1,      /* integers of 8 (unsigned), 16, 24 or 32 bits */
-  VOXPLAY_CODEC_FLOAT = 2,    /* floating point of 32 or 64 bits */
-  VOXPLAY_CODEC_MULAW = 3,    /* read only, as are the next four */
+  VOXPLAY_CODEC_PCM = 1,   /* integers of 8 (unsigned), 16, 24 or 32 bits */
+  VOXPLAY_CODEC_FLOAT = 2, /* floating point of 32 or 64 bits */
+  VOXPLAY_CODEC_MULAW = 3, /* read only, as are the next four */
   VOXPLAY_CODEC_ALAW = 4,
   VOXPLAY_CODEC_MS_ADPCM = 5,
   VOXPLAY_CODEC_DVI4 = 6,     /* DVI ADPCM of 4 bits, format tag 11 */
@@ -104,20 +104,20 @@ typedef enum voxplay_codec {
 /* ---- Inputs --------------------------------------------------------------------------------- */
 
 /* An input of the caller's own. All functions get user. They are called from within the functions
- * of the reader only, and must not call functions of that reader. */
+ * of the reader only. They must not call functions of that reader, and must not throw. */
 typedef struct voxplay_input {
   /* Reads up to size bytes from the present position, and moves it. Returns their number, which is
    * 0 only at the end of the input, and -1 when they cannot be read. */
-  int64_t (*read)(void *user, void *bytes, size_t size);
+  int64_t (*read)(void* user, void* bytes, size_t size);
   /* Moves to a position from the start of the input, which may be its end. Returns 0, or -1 when it
    * cannot. NULL for an input that only goes forward. */
-  int (*seek)(void *user, uint64_t position);
+  int (*seek)(void* user, uint64_t position);
   /* The present position, or -1. May be NULL: then reading begins at position 0. Otherwise the
    * sound begins at the position that this returns when the reader is opened. */
-  int64_t (*tell)(void *user);
+  int64_t (*tell)(void* user);
   /* The length of the input in bytes from position 0, or -1 when it is not known. May be NULL. */
-  int64_t (*size)(void *user);
-  void *user;
+  int64_t (*size)(void* user);
+  void* user;
 } voxplay_input;
 
 /* ---- Reader --------------------------------------------------------------------------------- */
@@ -137,27 +137,28 @@ enum {
   VOXPLAY_READ_NO_BARE = 2
 };
 
-voxplay_reader *voxplay_reader_new(void);
-void voxplay_reader_free(voxplay_reader *reader);
+voxplay_reader* voxplay_reader_new(void);
+void voxplay_reader_free(voxplay_reader* reader);
 
 /* Opens a sound. What the reader had open before is closed first. After a failure nothing is open,
  * and the message says why. Of formats that are none of ours it says which tests they failed.
  *
  * A file is opened by name and must be a regular file. */
-voxplay_status voxplay_reader_open_file(voxplay_reader *reader, const char *path, uint32_t flags);
-/* The bytes stay the caller's, and must stay as they are until the reader is closed. */
-voxplay_status voxplay_reader_open_memory(voxplay_reader *reader, const void *bytes, size_t size,
+voxplay_status voxplay_reader_open_file(voxplay_reader* reader, const char* path, uint32_t flags);
+/* The bytes stay the caller's, and must stay as they are until the reader is closed. They must not
+ * be those of a chunk of this reader. */
+voxplay_status voxplay_reader_open_memory(voxplay_reader* reader, const void* bytes, size_t size,
                                           uint32_t flags);
 /* The record is copied. An input that only goes forward opens as well, but seeks only forward, and
  * knows no marks that come after the samples. Heron and Kestrel inside VEF need to go back. */
-voxplay_status voxplay_reader_open_input(voxplay_reader *reader, const voxplay_input *input,
+voxplay_status voxplay_reader_open_input(voxplay_reader* reader, const voxplay_input* input,
                                          uint32_t flags);
 /* Closes what is open, if anything. */
-void voxplay_reader_close(voxplay_reader *reader);
+void voxplay_reader_close(voxplay_reader* reader);
 
 /* What went wrong in the last call that failed: "speech.kst: SP header: identifier 7 is not a codec
  * of this library". Empty when nothing has. Never NULL. */
-const char *voxplay_reader_message(const voxplay_reader *reader);
+const char* voxplay_reader_message(const voxplay_reader* reader);
 
 typedef struct voxplay_info {
   uint32_t container; /* voxplay_container */
@@ -177,14 +178,14 @@ typedef struct voxplay_info {
 } voxplay_info;
 
 /* Fills *info as far as size. */
-voxplay_status voxplay_reader_info(const voxplay_reader *reader, voxplay_info *info, size_t size);
+voxplay_status voxplay_reader_info(const voxplay_reader* reader, voxplay_info* info, size_t size);
 
 /* The fields of the headers that stand before streams. A header that a file does not have is all
  * zeros. */
 typedef struct voxplay_headers {
-  uint32_t has_sp;   /* 1 for a file with an SP header */
-  uint32_t has_head; /* 1 for a file with a codec head */
-  uint32_t has_vafm; /* 1 for a VEF file with a "vafm" chunk */
+  uint32_t has_sp;     /* 1 for a file with an SP header */
+  uint32_t has_head;   /* 1 for a file with a codec head */
+  uint32_t has_vafm;   /* 1 for a VEF file with a "vafm" chunk */
   uint32_t sp_version; /* 254 or 255 */
   uint32_t sp_identifier;
   uint32_t sp_format;
@@ -204,25 +205,25 @@ typedef struct voxplay_headers {
   uint32_t vafm_platform;
 } voxplay_headers;
 
-voxplay_status voxplay_reader_headers(const voxplay_reader *reader, voxplay_headers *headers,
+voxplay_status voxplay_reader_headers(const voxplay_reader* reader, voxplay_headers* headers,
                                       size_t size);
 
 /* Reads up to count frames from the present position on, and moves it. *done is their number; it is
  * 0 only at the end of the sound. When it fails, *done says how many frames before the place of the
  * failure were read. The buffer has room for count * channels samples. */
-voxplay_status voxplay_reader_read_s16(voxplay_reader *reader, int16_t *samples, size_t count,
-                                       size_t *done);
-voxplay_status voxplay_reader_read_s32(voxplay_reader *reader, int32_t *samples, size_t count,
-                                       size_t *done);
-voxplay_status voxplay_reader_read_f32(voxplay_reader *reader, float *samples, size_t count,
-                                       size_t *done);
+voxplay_status voxplay_reader_read_s16(voxplay_reader* reader, int16_t* samples, size_t count,
+                                       size_t* done);
+voxplay_status voxplay_reader_read_s32(voxplay_reader* reader, int32_t* samples, size_t count,
+                                       size_t* done);
+voxplay_status voxplay_reader_read_f32(voxplay_reader* reader, float* samples, size_t count,
+                                       size_t* done);
 
 /* Moves to a frame; frame is at most the number of frames. The same samples follow as if everything
  * before them had been read. Codecs have to decode some of it: all of it, the first time, in
  * Kestrel, though in a way that takes a fraction of the time. */
-voxplay_status voxplay_reader_seek(voxplay_reader *reader, uint64_t frame);
+voxplay_status voxplay_reader_seek(voxplay_reader* reader, uint64_t frame);
 /* The present position; 0 when nothing is open. */
-uint64_t voxplay_reader_tell(const voxplay_reader *reader);
+uint64_t voxplay_reader_tell(const voxplay_reader* reader);
 
 /* ---- Notes ---------------------------------------------------------------------------------- */
 
@@ -250,7 +251,7 @@ typedef struct voxplay_event {
   uint16_t main_command;
   uint16_t sub_command;
   uint32_t data;
-  const char *description; /* may be NULL when it is added; never NULL when it is read */
+  const char* description; /* may be NULL when it is added; never NULL when it is read */
 } voxplay_event;
 
 /* Silence and regions. */
@@ -263,17 +264,17 @@ typedef struct voxplay_range {
  * those are not listed here. */
 typedef struct voxplay_cue {
   uint32_t id;
-  uint32_t position;    /* frame, or place in a play list */
-  char chunk[4];        /* "data" */
-  uint32_t chunk_start; /* bytes */
-  uint32_t block_start; /* bytes */
+  uint32_t position;      /* frame, or place in a play list */
+  char chunk[4];          /* "data" */
+  uint32_t chunk_start;   /* bytes */
+  uint32_t block_start;   /* bytes */
   uint32_t sample_offset; /* frame, within the block */
 } voxplay_cue;
 
 typedef struct voxplay_label {
   uint32_t cue_id;
   char type[4]; /* "labl" or "note" */
-  const char *text;
+  const char* text;
 } voxplay_label;
 
 typedef struct voxplay_region_text {
@@ -284,12 +285,12 @@ typedef struct voxplay_region_text {
   uint16_t language;
   uint16_t dialect;
   uint16_t code_page;
-  const char *text; /* "" when there is none */
+  const char* text; /* "" when there is none */
 } voxplay_region_text;
 
 typedef struct voxplay_loop {
   uint32_t id;
-  uint32_t type; /* 0 forward, 1 forth and back, 2 backward */
+  uint32_t type;  /* 0 forward, 1 forth and back, 2 backward */
   uint32_t first; /* frame */
   uint32_t last;  /* frame; it is played */
   uint32_t fraction;
@@ -305,7 +306,7 @@ typedef struct voxplay_sampler {
   uint32_t midi_pitch_fraction;
   uint32_t smpte_format;
   uint32_t smpte_offset;
-  const void *data; /* bytes for the sampler alone */
+  const void* data; /* bytes for the sampler alone */
   size_t data_size;
 } voxplay_sampler;
 
@@ -313,60 +314,60 @@ typedef struct voxplay_sampler {
  * whatever else. */
 typedef struct voxplay_chunk {
   char id[4];
-  const void *data;
+  const void* data;
   size_t size; /* in bytes, without a pad byte; below 4 GiB */
 } voxplay_chunk;
 
 /* The notes of what is open, as far as they have been read; NULL when nothing is open. They are the
  * reader's, and stay valid until it is closed. */
-const voxplay_notes *voxplay_reader_notes(const voxplay_reader *reader);
+const voxplay_notes* voxplay_reader_notes(const voxplay_reader* reader);
 
-voxplay_notes *voxplay_notes_new(void);
+voxplay_notes* voxplay_notes_new(void);
 /* NULL for NULL, and when there is no memory. */
-voxplay_notes *voxplay_notes_copy(const voxplay_notes *notes);
-void voxplay_notes_free(voxplay_notes *notes);
+voxplay_notes* voxplay_notes_copy(const voxplay_notes* notes);
+void voxplay_notes_free(voxplay_notes* notes);
 
 /* How many there are; 0 for NULL. */
-size_t voxplay_notes_count(const voxplay_notes *notes, voxplay_note_kind kind);
-voxplay_status voxplay_notes_event(const voxplay_notes *notes, size_t index, voxplay_event *event,
+size_t voxplay_notes_count(const voxplay_notes* notes, voxplay_note_kind kind);
+voxplay_status voxplay_notes_event(const voxplay_notes* notes, size_t index, voxplay_event* event,
                                    size_t size);
 /* kind is VOXPLAY_NOTE_SILENCE or VOXPLAY_NOTE_REGION. */
-voxplay_status voxplay_notes_range(const voxplay_notes *notes, voxplay_note_kind kind, size_t index,
-                                   voxplay_range *range, size_t size);
-voxplay_status voxplay_notes_cue(const voxplay_notes *notes, size_t index, voxplay_cue *cue,
+voxplay_status voxplay_notes_range(const voxplay_notes* notes, voxplay_note_kind kind, size_t index,
+                                   voxplay_range* range, size_t size);
+voxplay_status voxplay_notes_cue(const voxplay_notes* notes, size_t index, voxplay_cue* cue,
                                  size_t size);
-voxplay_status voxplay_notes_label(const voxplay_notes *notes, size_t index, voxplay_label *label,
+voxplay_status voxplay_notes_label(const voxplay_notes* notes, size_t index, voxplay_label* label,
                                    size_t size);
-voxplay_status voxplay_notes_region_text(const voxplay_notes *notes, size_t index,
-                                         voxplay_region_text *text, size_t size);
-voxplay_status voxplay_notes_loop(const voxplay_notes *notes, size_t index, voxplay_loop *loop,
+voxplay_status voxplay_notes_region_text(const voxplay_notes* notes, size_t index,
+                                         voxplay_region_text* text, size_t size);
+voxplay_status voxplay_notes_loop(const voxplay_notes* notes, size_t index, voxplay_loop* loop,
                                   size_t size);
-voxplay_status voxplay_notes_chunk(const voxplay_notes *notes, size_t index, voxplay_chunk *chunk,
+voxplay_status voxplay_notes_chunk(const voxplay_notes* notes, size_t index, voxplay_chunk* chunk,
                                    size_t size);
 /* All zeros when there is no sampler record. */
-voxplay_status voxplay_notes_sampler(const voxplay_notes *notes, voxplay_sampler *sampler,
+voxplay_status voxplay_notes_sampler(const voxplay_notes* notes, voxplay_sampler* sampler,
                                      size_t size);
 
 /* Each of these copies what it is given. Events are kept in order of their frames, after those of
  * the same frame; ranges in order of their first frames; everything else in the order of adding. */
-voxplay_status voxplay_notes_add_event(voxplay_notes *notes, const voxplay_event *event,
+voxplay_status voxplay_notes_add_event(voxplay_notes* notes, const voxplay_event* event,
                                        size_t size);
-voxplay_status voxplay_notes_add_range(voxplay_notes *notes, voxplay_note_kind kind,
-                                       const voxplay_range *range, size_t size);
-voxplay_status voxplay_notes_add_cue(voxplay_notes *notes, const voxplay_cue *cue, size_t size);
-voxplay_status voxplay_notes_add_label(voxplay_notes *notes, const voxplay_label *label,
+voxplay_status voxplay_notes_add_range(voxplay_notes* notes, voxplay_note_kind kind,
+                                       const voxplay_range* range, size_t size);
+voxplay_status voxplay_notes_add_cue(voxplay_notes* notes, const voxplay_cue* cue, size_t size);
+voxplay_status voxplay_notes_add_label(voxplay_notes* notes, const voxplay_label* label,
                                        size_t size);
-voxplay_status voxplay_notes_add_region_text(voxplay_notes *notes, const voxplay_region_text *text,
+voxplay_status voxplay_notes_add_region_text(voxplay_notes* notes, const voxplay_region_text* text,
                                              size_t size);
-voxplay_status voxplay_notes_add_loop(voxplay_notes *notes, const voxplay_loop *loop, size_t size);
-voxplay_status voxplay_notes_add_chunk(voxplay_notes *notes, const voxplay_chunk *chunk,
+voxplay_status voxplay_notes_add_loop(voxplay_notes* notes, const voxplay_loop* loop, size_t size);
+voxplay_status voxplay_notes_add_chunk(voxplay_notes* notes, const voxplay_chunk* chunk,
                                        size_t size);
-voxplay_status voxplay_notes_set_sampler(voxplay_notes *notes, const voxplay_sampler *sampler,
+voxplay_status voxplay_notes_set_sampler(voxplay_notes* notes, const voxplay_sampler* sampler,
                                          size_t size);
 /* Takes one out. */
-voxplay_status voxplay_notes_remove(voxplay_notes *notes, voxplay_note_kind kind, size_t index);
+voxplay_status voxplay_notes_remove(voxplay_notes* notes, voxplay_note_kind kind, size_t index);
 /* Takes all of them out, and with VOXPLAY_NOTE_LOOP the sampler record, too. */
-voxplay_status voxplay_notes_clear(voxplay_notes *notes, voxplay_note_kind kind);
+voxplay_status voxplay_notes_clear(voxplay_notes* notes, voxplay_note_kind kind);
 
 /* ---- Writer --------------------------------------------------------------------------------- */
 
@@ -378,10 +379,10 @@ voxplay_status voxplay_notes_clear(voxplay_notes *notes, voxplay_note_kind kind)
 typedef struct voxplay_writer voxplay_writer;
 
 typedef struct voxplay_format {
-  uint32_t container;   /* voxplay_container */
-  uint32_t codec;       /* voxplay_codec; see the table at voxplay_format_check */
-  uint32_t sample_rate; /* 1 to 4,294,967,295, but see there */
-  uint32_t channels;    /* of the frames that will be written, 1 to 64 */
+  uint32_t container;       /* voxplay_container */
+  uint32_t codec;           /* voxplay_codec; see the table at voxplay_format_check */
+  uint32_t sample_rate;     /* 1 to 4,294,967,295, but see there */
+  uint32_t channels;        /* of the frames that will be written, 1 to 64 */
   uint32_t bits_per_sample; /* PCM: 8, 16, 24, 32; FLOAT: 32; Heron: 2 to 6; otherwise 0 */
   uint32_t bit_rate;        /* Kestrel: 7200, 9600, 12000, 14400, 16000, 20000, 24000 or 32000;
                              * 0 means 16000. Otherwise 0 */
@@ -415,79 +416,81 @@ enum {
  *
  * KESTREL and HERON are mono: the mean of all channels is coded. HERON takes rates of 4,000 to
  * 48,000 Hz; HEAD and VEF with a stream take rates of up to 65,535 Hz. */
-voxplay_status voxplay_format_check(const voxplay_format *format, size_t size, char *text,
+voxplay_status voxplay_format_check(const voxplay_format* format, size_t size, char* text,
                                     size_t text_size);
 
-/* An output of the caller's own; see voxplay_input. */
+/* An output of the caller's own; what is said at voxplay_input about its functions holds here. */
 typedef struct voxplay_output {
   /* Writes all bytes at the present position and moves it. Returns 0, or -1 when it cannot. */
-  int (*write)(void *user, const void *bytes, size_t size);
+  int (*write)(void* user, const void* bytes, size_t size);
   /* Moves to a position from where the output began. Returns 0, or -1 when it cannot. NULL for an
    * output that only goes forward. */
-  int (*seek)(void *user, uint64_t position);
-  void *user;
+  int (*seek)(void* user, uint64_t position);
+  void* user;
 } voxplay_output;
 
 /* Called with the number of frames that are done, of all, which is 0 while it is not known. Returns
- * 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. */
-typedef int (*voxplay_progress)(void *user, uint64_t done, uint64_t all);
+ * 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. It must not call functions of
+ * that writer, which would only give VOXPLAY_WRONG_STATE, and must not throw. Of Heron, writing the
+ * frames is the first half, and coding them, in voxplay_writer_finish, the second. */
+typedef int (*voxplay_progress)(void* user, uint64_t done, uint64_t all);
 
-voxplay_writer *voxplay_writer_new(void);
+voxplay_writer* voxplay_writer_new(void);
 /* Abandons what is not finished. */
-void voxplay_writer_free(voxplay_writer *writer);
+void voxplay_writer_free(voxplay_writer* writer);
 
 /* Begins a sound. What was not finished before is abandoned first. After a failure nothing is open,
  * and nothing was changed under the name. A link to a file stays a link. */
-voxplay_status voxplay_writer_open_file(voxplay_writer *writer, const char *path,
-                                        const voxplay_format *format, size_t size);
+voxplay_status voxplay_writer_open_file(voxplay_writer* writer, const char* path,
+                                        const voxplay_format* format, size_t size);
 /* The record is copied. Outputs that only go forward need voxplay_format.frames, and notes that are
  * set before the first frame. */
-voxplay_status voxplay_writer_open_output(voxplay_writer *writer, const voxplay_output *output,
-                                          const voxplay_format *format, size_t size);
+voxplay_status voxplay_writer_open_output(voxplay_writer* writer, const voxplay_output* output,
+                                          const voxplay_format* format, size_t size);
 /* As for a reader. */
-const char *voxplay_writer_message(const voxplay_writer *writer);
+const char* voxplay_writer_message(const voxplay_writer* writer);
 
 /* Sets the function that hears of the progress; NULL for none. */
-voxplay_status voxplay_writer_on_progress(voxplay_writer *writer, voxplay_progress progress,
-                                          void *user);
+voxplay_status voxplay_writer_on_progress(voxplay_writer* writer, voxplay_progress progress,
+                                          void* user);
 
 /* Notes to be written; they are copied, and replace those of an earlier call. NULL for none. May be
  * called at any time before the writer is finished. */
-voxplay_status voxplay_writer_set_notes(voxplay_writer *writer, const voxplay_notes *notes);
+voxplay_status voxplay_writer_set_notes(voxplay_writer* writer, const voxplay_notes* notes);
 
 /* Writes count interleaved frames. After a failure the sound can only be abandoned. */
-voxplay_status voxplay_writer_write_s16(voxplay_writer *writer, const int16_t *samples,
+voxplay_status voxplay_writer_write_s16(voxplay_writer* writer, const int16_t* samples,
                                         size_t count);
-voxplay_status voxplay_writer_write_s32(voxplay_writer *writer, const int32_t *samples,
+voxplay_status voxplay_writer_write_s32(voxplay_writer* writer, const int32_t* samples,
                                         size_t count);
-voxplay_status voxplay_writer_write_f32(voxplay_writer *writer, const float *samples, size_t count);
+voxplay_status voxplay_writer_write_f32(voxplay_writer* writer, const float* samples, size_t count);
 
 /* Writes what is left, and lets the file appear. After a failure nothing is open, and what had the
  * name before is as it was. */
-voxplay_status voxplay_writer_finish(voxplay_writer *writer);
+voxplay_status voxplay_writer_finish(voxplay_writer* writer);
 /* Removes what was written to a file; what was sent to an output stays there. */
-void voxplay_writer_abandon(voxplay_writer *writer);
+void voxplay_writer_abandon(voxplay_writer* writer);
 
 /* The notes that the last finished sound could not hold, one sentence each: "event 2 at frame 4800:
  * an SP header holds no events". The count is 0 before voxplay_writer_finish. NULL for an index
  * outside the list. */
-size_t voxplay_writer_lost_count(const voxplay_writer *writer);
-const char *voxplay_writer_lost(const voxplay_writer *writer, size_t index);
+size_t voxplay_writer_lost_count(const voxplay_writer* writer);
+const char* voxplay_writer_lost(const voxplay_writer* writer, size_t index);
 
 /* ---- Probe ---------------------------------------------------------------------------------- */
 
 typedef struct voxplay_kind {
   uint32_t container; /* VOXPLAY_CONTAINER_NONE when the bytes are none of ours */
   uint32_t codec;     /* VOXPLAY_CODEC_NONE when these bytes do not tell */
-  uint32_t supported; /* 1 when this kind can be read */
+  uint32_t supported; /* 1 when this kind can be read, as far as these bytes tell */
 } voxplay_kind;
 
 /* Which format a file has whose first bytes are given; 4,096 of them are enough for all files but
  * WAV files with a large chunk before their format. Text gets one line for each test: what it
  * looked for, and what it found. Its length without the final zero is *length, whatever fits in
  * text_size; length may be NULL, and text may be NULL when text_size is 0. */
-voxplay_status voxplay_probe(const void *bytes, size_t size, voxplay_kind *kind, size_t kind_size,
-                             char *text, size_t text_size, size_t *length);
+voxplay_status voxplay_probe(const void* bytes, size_t size, voxplay_kind* kind, size_t kind_size,
+                             char* text, size_t text_size, size_t* length);
 
 /* ---- Kestrel frames ------------------------------------------------------------------------- */
 
@@ -504,23 +507,24 @@ typedef struct voxplay_kestrel_decoder voxplay_kestrel_decoder;
 size_t voxplay_kestrel_words(uint32_t bit_rate);
 
 /* NULL for such a rate, too. */
-voxplay_kestrel_encoder *voxplay_kestrel_encoder_new(uint32_t bit_rate);
-void voxplay_kestrel_encoder_free(voxplay_kestrel_encoder *encoder);
+voxplay_kestrel_encoder* voxplay_kestrel_encoder_new(uint32_t bit_rate);
+void voxplay_kestrel_encoder_free(voxplay_kestrel_encoder* encoder);
 /* Forgets the frames before. */
-void voxplay_kestrel_encoder_reset(voxplay_kestrel_encoder *encoder);
+void voxplay_kestrel_encoder_reset(voxplay_kestrel_encoder* encoder);
 /* Encodes 320 samples to voxplay_kestrel_words words. What is decoded lags by one frame: the second
  * frame of words gives the first frame of samples. */
-voxplay_status voxplay_kestrel_encode(voxplay_kestrel_encoder *encoder, const int16_t *samples,
-                                      uint16_t *words);
+voxplay_status voxplay_kestrel_encode(voxplay_kestrel_encoder* encoder, const int16_t* samples,
+                                      uint16_t* words);
 
-voxplay_kestrel_decoder *voxplay_kestrel_decoder_new(uint32_t bit_rate);
-void voxplay_kestrel_decoder_free(voxplay_kestrel_decoder *decoder);
-void voxplay_kestrel_decoder_reset(voxplay_kestrel_decoder *decoder);
+voxplay_kestrel_decoder* voxplay_kestrel_decoder_new(uint32_t bit_rate);
+void voxplay_kestrel_decoder_free(voxplay_kestrel_decoder* decoder);
+void voxplay_kestrel_decoder_reset(voxplay_kestrel_decoder* decoder);
 /* Decodes the words of a frame to 320 samples. NULL words stand for a frame that was lost. In place
  * of a frame that was lost or is damaged, the last good one is repeated once, and after that there
- * is silence; the result is VOXPLAY_DAMAGED for a damaged one, and VOXPLAY_OK for a lost one. */
-voxplay_status voxplay_kestrel_decode(voxplay_kestrel_decoder *decoder, const uint16_t *words,
-                                      int16_t *samples);
+ * is silence; the result is VOXPLAY_DAMAGED for a damaged one, and VOXPLAY_OK for a lost one. A
+ * frame that the encoder had to cut off at its end may count as damaged, too. */
+voxplay_status voxplay_kestrel_decode(voxplay_kestrel_decoder* decoder, const uint16_t* words,
+                                      int16_t* samples);
 
 #ifdef __cplusplus
 }

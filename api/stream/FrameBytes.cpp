@@ -46,7 +46,7 @@ std::size_t C_FrameBytes::Fill(std::uint64_t cbOffset, std::span<std::uint8_t> b
   const std::uint64_t qwAll = m_qwFrames.value_or(0) * m_cbFrame;
   const auto cbFilled = static_cast<std::size_t>(
       std::min<std::uint64_t>(bytes.size(), qwAll - std::min(qwAll, qwFrom)));
-  std::ranges::fill(bytes.first(std::max(cbFilled, cbRead)).subspan(cbRead), std::uint8_t{0});
+  if (cbFilled > cbRead) std::ranges::fill(bytes.first(cbFilled).subspan(cbRead), std::uint8_t{0});
   return cbFilled;
 }
 

@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Builds the reference of voxplay.h and voxplay.hpp in build/docs/html. A warning is an error.
+#
+#   scripts/docs.sh
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+scripts/install-deps.sh docs
+rm -rf build/docs
+mkdir -p build/docs
+doxygen docs/Doxyfile
+cp docs/FORMATS.md docs/HERON.md build/docs/
