@@ -8,7 +8,7 @@
 #include <limits>
 #include <string>
 
-#include "../support/MemorySourceForTests.h"
+#include "MemorySourceForTests.h"
 #include "stream/SampleStream.h"
 
 namespace api::test {
