@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "FuzzFile.h"
@@ -25,13 +26,16 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 using Samples = std::vector<std::int16_t>;
 
-// Longer sounds show nothing more.
+// Longer sounds show nothing more, nor do those of thousands of channels.
 constexpr std::size_t kMostFrames = 20000;
+constexpr std::size_t kMostSamples = 200000;
 
 // The first frames of what is open.
 Samples ReadFrames(voxplay_reader* pReader, std::size_t nChannels, std::size_t nPiece,
                    std::size_t nMost) {
   Samples all;
+  nPiece = std::min(nPiece, 1 + kMostSamples / nChannels);
+  nMost = std::min(nMost, 1 + kMostSamples / nChannels);
   Samples piece(nPiece * nChannels);
   while (all.size() < nMost * nChannels) {
     std::size_t nDone = 0;
@@ -80,8 +84,10 @@ void CompareWithClasses(Bytes input, voxplay_reader* pReader, bool bOpen) {
   C_WavFileFormat format;
   const C_WavFilePtr loaded(format.CreateWavFile(file.Path(), true, true, nullptr, nullptr));
   if (!loaded) return;
-  Require(bOpen);
   I_WavInfo& info = *loaded->GetWavInfo();
+  // The classes take samples of any width for bytes without a meaning.
+  if (info.GetBitsPerSample() > 32) return;
+  Require(bOpen);
   voxplay_info open{};
   Require(voxplay_reader_info(pReader, &open, sizeof open) == VOXPLAY_OK);
   Require(open.channels == info.GetChannels() || info.GetByteLength() == 0);
@@ -89,14 +95,22 @@ void CompareWithClasses(Bytes input, voxplay_reader* pReader, bool bOpen) {
   if (info.GetChannels() == 0) return;
   const std::size_t nFrames = info.GetByteLength() / 2U / info.GetChannels();
   Require(voxplay_reader_seek(pReader, 0) == VOXPLAY_OK);
-  const Samples samples =
-      ReadFrames(pReader, info.GetChannels(), 4096, std::min(nFrames, kMostFrames));
-  Require(samples.size() == std::min(nFrames, kMostFrames) * info.GetChannels());
+  const std::size_t nMost = std::min({nFrames, kMostFrames, 1 + kMostSamples / info.GetChannels()});
+  const Samples samples = ReadFrames(pReader, info.GetChannels(), 4096, nMost);
+  Require(samples.size() == nMost * info.GetChannels());
   const unsigned char* const pbyPcm = loaded->GetWavData()->GetBuffer();
   for (std::size_t n = 0; n < samples.size(); ++n) {
     const int nValue = pbyPcm[2 * n] | pbyPcm[2 * n + 1] << 8;
     Require(static_cast<std::int16_t>(nValue) == samples[n]);
   }
+}
+
+// Of several "data" chunks the last one counts, but a pipe is read from the first one on.
+bool IsSameThroughPipe(Bytes input) {
+  constexpr std::string_view kData = "data";
+  const auto first = std::search(input.begin(), input.end(), kData.begin(), kData.end());
+  if (first == input.end()) return true;
+  return std::search(first + 1, input.end(), kData.begin(), kData.end()) == input.end();
 }
 
 // Loading may take much memory for a claim, or end in an assertion about labels.
@@ -126,7 +140,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
     CheckNotes(voxplay_reader_notes(pReader));
     const Samples all = ReadFrames(pReader, info.channels, nPiece, kMostFrames);
     CheckSeeking(pReader, all, info.channels, nPiece);
-    if (bOther && byChoice % 16 != 3) {
+    const bool bPipe = byChoice % 8 == 5;
+    if (bOther && byChoice % 16 != 3 && (!bPipe || IsSameThroughPipe(input))) {
       Require(ReadFrames(pOther, info.channels, 1000, kMostFrames) == all);
     }
   }
