@@ -438,7 +438,8 @@ voxplay_writer* voxplay_writer_new(void);
 void voxplay_writer_free(voxplay_writer* writer);
 
 /* Begins a sound. What was not finished before is abandoned first. After a failure nothing is open,
- * and nothing was changed under the name. A link to a file stays a link. */
+ * and nothing was changed under the name. A link to a file stays a link. Of several writers of one
+ * name, even a new one, that which finishes last wins. */
 voxplay_status voxplay_writer_open_file(voxplay_writer* writer, const char* path,
                                         const voxplay_format* format, size_t size);
 /* The record is copied. Outputs that only go forward need voxplay_format.frames, and notes that are
