@@ -56,5 +56,6 @@ S_RiffNotes WriteRiffNotes(const S_Notes& notes, E_RiffForm eForm, std::uint64_t
 // What a container without chunks loses of the notes: everything, one sentence each. strHolder is
 // the subject of the sentence, "an SP header".
 std::vector<std::string> AllLost(const S_Notes& notes, const std::string& strHolder);
+std::vector<std::string> AllLostButEvents(const S_Notes& notes, const std::string& strHolder);
 
 }  // namespace api
