@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Replacement.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <sys/xattr.h>
 #endif
 
 #include <cerrno>
-#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -57,14 +57,16 @@ bool RenameToFree(const std::string& strFrom, const std::string& strTo) {
          std::rename(strFrom.c_str(), strTo.c_str()) == 0;
 }
 
-}  // namespace
-
-unsigned int UnforeseeableNumber() {
-  unsigned int dwNumber = 0;
-  // Where the system has no such numbers, the clock must do: the file is created exclusively.
-  if (getentropy(&dwNumber, sizeof(dwNumber)) == 0) return dwNumber;
-  return static_cast<unsigned int>(std::chrono::steady_clock::now().time_since_epoch().count());
+// A second stream of a file; null where there cannot be one.
+C_FilePtr SecondStream(std::FILE* pFile) {
+  const int nDescriptor = fcntl(fileno(pFile), F_DUPFD_CLOEXEC, 0);
+  if (nDescriptor < 0) return {};
+  C_FilePtr second(fdopen(nDescriptor, "r+b"));
+  if (!second) close(nDescriptor);
+  return second;
 }
+
+}  // namespace
 
 C_Replacement::C_Replacement(const std::string& strStem, unsigned int (*pfnNumber)())
     : C_Replacement(strStem, S_IRUSR | S_IWUSR, pfnNumber) {}
@@ -113,6 +115,7 @@ bool C_Replacement::CloseOnDisk() {
 }
 
 bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {
+  m_nError = 0;
   if (!CloseOnDisk()) return false;
   if (std::rename(m_strPath.c_str(), strOldFile.c_str()) != 0) {
     m_nError = errno;
@@ -125,7 +128,10 @@ bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {
 bool C_Replacement::TakeNewName(const std::string& strNewFile) {
   m_nError = 0;
   // Of a file that is not flushed, less would reach the disk than is there.
-  if (std::fflush(m_file.get()) != 0 || !CloseOnDisk()) return false;
+  if (std::fflush(m_file.get()) != 0) return false;
+  // Opened by its path again, the file could be another one.
+  C_FilePtr second = SecondStream(m_file.get());
+  if (!CloseOnDisk()) return false;
   // A second name is only given when nothing has it. Some file systems give none.
   if (link(m_strPath.c_str(), strNewFile.c_str()) == 0) {
     unlink(m_strPath.c_str());
@@ -133,6 +139,7 @@ bool C_Replacement::TakeNewName(const std::string& strNewFile) {
     return true;
   }
   m_nError = errno;
+  if (m_nError == EEXIST) m_file = std::move(second);
   if (m_nError == EEXIST || !RenameToFree(m_strPath, strNewFile)) return false;
   m_nError = 0;
   m_strPath.clear();

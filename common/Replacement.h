@@ -10,11 +10,9 @@
 #include <string>
 
 #include "StdioFile.h"
+#include "UnforeseeableNumber.h"
 
 namespace vcm {
-
-// A number that nobody can foresee.
-[[nodiscard]] unsigned int UnforeseeableNumber();
 
 class C_Replacement {
  public:
@@ -48,7 +46,8 @@ class C_Replacement {
   // file is as it was, and the new one is removed on destruction.
   [[nodiscard]] bool TakePlaceOf(const std::string& strOldFile);
   // The same for a name that nothing has. False, with EEXIST for Error(), when something has got it
-  // in the meantime; that stays as it is.
+  // in the meantime. That stays as it is, and if Stream() is not null, the functions above or this
+  // one may still be called.
   [[nodiscard]] bool TakeNewName(const std::string& strNewFile);
 
  private:

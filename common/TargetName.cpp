@@ -61,6 +61,10 @@ E_TargetKind Look(const char* pszPath, S_TargetName& name) {
 S_TargetName LookAtTarget(const char* pszPath) {
   S_TargetName name;
   name.strPath = pszPath;
+  if (name.strPath.empty()) {
+    errno = ENOENT;
+    return name;
+  }
   for (int i = 0; i < kLooks && name.eKind == E_TargetKind::Unknown; ++i) {
     name.eKind = Look(pszPath, name);
   }

@@ -13,7 +13,7 @@ enum class E_TargetKind {
   New,      // nothing has the name yet
   Regular,  // an existing regular file
   Other,    // a folder, a device, a pipe, or a stream that somebody has open
-  Unknown,  // it cannot be looked at, or changes while that is done
+  Unknown,  // it is empty, cannot be looked at, or changes while that is done
 };
 
 struct S_TargetName {

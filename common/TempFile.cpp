@@ -5,8 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <random>
 #include <string_view>
+
+#include "UnforeseeableNumber.h"
 
 namespace vcm {
 namespace {
@@ -19,10 +20,8 @@ constexpr int kAttempts = 100;
 std::string LibraryTempName(const char* pszPrefix) {
   static constexpr std::string_view kLetters =
       "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
-  thread_local std::random_device device;
-  std::uniform_int_distribution<std::size_t> pick(0, kLetters.size() - 1);
   std::string strName = std::string(P_tmpdir "/") + pszPrefix;
-  for (int i = 0; i < 6; ++i) strName += kLetters[pick(device)];
+  for (int i = 0; i < 6; ++i) strName += kLetters[UnforeseeableNumber() % kLetters.size()];
   return strName;
 }
 

@@ -55,5 +55,5 @@ int main(void) {
   if (child == 0) _exit(send_speech(ends[0]));
   close(ends[0]);
   if (child < 0 || hear_speech(ends[1]) != 0 || waitpid(child, &result, 0) != child) return 1;
-  return result;
+  return result != 0;
 }

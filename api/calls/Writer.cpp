@@ -39,7 +39,7 @@ std::optional<voxplay_format> FormatOf(const voxplay_format* pFormat, std::size_
 
 void ThrowProblem(const voxplay_format& format) {
   const std::string strProblem = api::FormatProblem(format);
-  if (!strProblem.empty()) throw api::C_Failure(VOXPLAY_UNSUPPORTED, "format: " + strProblem);
+  if (!strProblem.empty()) throw api::C_Failure(VOXPLAY_UNSUPPORTED, strProblem);
 }
 
 // Refuses an argument. What is open stays open.

@@ -19,7 +19,8 @@
  * Samples. int16_t and int32_t samples use their whole range, whatever the width in the file is;
  * float samples lie in -1 to 1. Wider samples lose their low bits when they are read as narrower
  * ones. float samples beyond the range are limited when they become integers, and a sample that is
- * not a number becomes 0.
+ * not a number becomes 0 then. Files of floating point give and take float samples as they are,
+ * those beyond the range and those that are no numbers included.
  *
  * Objects. A voxplay_..._new function makes an object, or returns NULL when there is no memory. The
  * matching ..._free function ends it and does nothing for NULL. An object may be used by one thread
@@ -271,6 +272,9 @@ typedef struct voxplay_cue {
   uint32_t sample_offset; /* frame, within the block */
 } voxplay_cue;
 
+/* In WAV and VEMD files, a label whose text has the characters "u", "_" and "_", or "e" and "_", in
+ * this order but with anything between them, is read as an event as well, and kept as a label:
+ * "take_1", for instance. Only the first 64 characters count. */
 typedef struct voxplay_label {
   uint32_t cue_id;
   char type[4]; /* "labl" or "note" */
@@ -311,7 +315,8 @@ typedef struct voxplay_sampler {
 } voxplay_sampler;
 
 /* A chunk that this library gives no meaning, kept byte for byte: INFO lists, "bext", "vevt" and
- * whatever else. */
+ * whatever else. What has a meaning is written anew from it: bytes after the zero that ends a label
+ * or a text, after the last cue point, and after the data of a sampler are not kept. */
 typedef struct voxplay_chunk {
   char id[4];
   const void* data;
@@ -364,7 +369,8 @@ voxplay_status voxplay_notes_add_chunk(voxplay_notes* notes, const voxplay_chunk
                                        size_t size);
 voxplay_status voxplay_notes_set_sampler(voxplay_notes* notes, const voxplay_sampler* sampler,
                                          size_t size);
-/* Takes one out. */
+/* Takes one out. The time that it takes grows with the number of notes of this kind, so use
+ * voxplay_notes_clear to take out many. */
 voxplay_status voxplay_notes_remove(voxplay_notes* notes, voxplay_note_kind kind, size_t index);
 /* Takes all of them out, and with VOXPLAY_NOTE_LOOP the sampler record, too. */
 voxplay_status voxplay_notes_clear(voxplay_notes* notes, voxplay_note_kind kind);
@@ -373,9 +379,14 @@ voxplay_status voxplay_notes_clear(voxplay_notes* notes, voxplay_note_kind kind)
 
 /* Writes a sound piece by piece. A file appears under its name, whole, when the writer is finished:
  * until then it stands beside that name, and what had the name before is as it was. A file that is
- * not finished never appears. Kestrel, WAV and VEMD take the same memory however long the sound is;
- * Heron and VEF files with a stream also hold the sound in a private temporary file, because their
- * coder looks at it twice. */
+ * not finished never appears. The memory that this takes does not grow with the length of the
+ * sound.
+ *
+ * Until it is finished, a Heron sound also holds its samples in a private temporary file, because
+ * its coder looks at them twice, and a VEF file with a stream holds the stream in one. Outputs that
+ * only go forward hold in another what has to be corrected before it is sent: Heron, and VEF with a
+ * stream. These files stand in the C library's folder for temporary files, usually /tmp. When that
+ * is full, writing fails with VOXPLAY_CANNOT_WRITE. */
 typedef struct voxplay_writer voxplay_writer;
 
 typedef struct voxplay_format {
@@ -401,18 +412,22 @@ enum {
   VOXPLAY_WRITE_RF64 = 1
 };
 
-/* Whether a sound of this format can be written. Text, as far as text_size, gets a sentence that
- * says why not, or "". It may be NULL when text_size is 0.
+/* Whether a sound of this format can be written: VOXPLAY_OK or, for everything else, members
+ * outside their ranges included, VOXPLAY_UNSUPPORTED. Text, as far as text_size, gets a sentence
+ * that says why not, or "". It may be NULL when text_size is 0. The functions that open a writer
+ * refuse the same formats with the same status and sentence.
  *
  *   container  codec                    notes it holds
  *   WAV        PCM, FLOAT               all, but data and description of events
  *   VEMD       PCM                      the same
  *   VEF        PCM                      all, but silence, regions and descriptions of events
  *   VEF        KESTREL, HERON           the same; PCM of 16 bits stands beside the stream
- *   SP         KESTREL, HERON 4, 5, 6   none; Heron keeps the commands of events, without their
- *                                       places. 2 and 3 bits would not be recognised again
+ *   SP         KESTREL, HERON 4, 5, 6   none; Heron keeps the low bytes of the commands of events,
+ *                                       and their places to 640 ms, but readers pass over them.
+ *                                       2 and 3 bits would not be recognised again
  *   HEAD       KESTREL, HERON           the same
- *   BARE       KESTREL, HERON           the same, and no sample rate
+ *   BARE       KESTREL, HERON           the same, and no sample rate. BARE HERON is for programs
+ *                                       that put a header before it: no reader takes it without one
  *
  * KESTREL and HERON are mono: the mean of all channels is coded. HERON takes rates of 4,000 to
  * 48,000 Hz; HEAD and VEF with a stream take rates of up to 65,535 Hz. */
@@ -429,10 +444,12 @@ typedef struct voxplay_output {
   void* user;
 } voxplay_output;
 
-/* Called with the number of frames that are done, of all, which is 0 while it is not known. Returns
- * 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. It must not call functions of
- * that writer, which would only give VOXPLAY_WRONG_STATE, and must not throw. Of Heron, writing the
- * frames is the first half, and coding them, in voxplay_writer_finish, the second. */
+/* Called with the number of frames that are done, of all. Until the sound is finished, all is the
+ * number that was announced; it is 0 when none was, and when more are written. While
+ * voxplay_writer_finish works, it is the number that was written. Returns 0 to go on; anything else
+ * ends the writing with VOXPLAY_CANCELLED. Of Heron, writing the frames is the first half, and
+ * coding them, in voxplay_writer_finish, the second. It must not call functions of that writer,
+ * which would only give VOXPLAY_WRONG_STATE, and must not throw. */
 typedef int (*voxplay_progress)(void* user, uint64_t done, uint64_t all);
 
 voxplay_writer* voxplay_writer_new(void);
@@ -440,7 +457,8 @@ voxplay_writer* voxplay_writer_new(void);
 void voxplay_writer_free(voxplay_writer* writer);
 
 /* Begins a sound. What was not finished before is abandoned first. After a failure nothing is open,
- * and nothing was changed under the name. A link to a file stays a link. */
+ * and nothing was changed under the name. A link to a file stays a link. Of several writers of one
+ * name, even a new one, that which finishes last wins. */
 voxplay_status voxplay_writer_open_file(voxplay_writer* writer, const char* path,
                                         const voxplay_format* format, size_t size);
 /* The record is copied. Outputs that only go forward need voxplay_format.frames, and notes that are
@@ -455,7 +473,8 @@ voxplay_status voxplay_writer_on_progress(voxplay_writer* writer, voxplay_progre
                                           void* user);
 
 /* Notes to be written; they are copied, and replace those of an earlier call. NULL for none. May be
- * called at any time before the writer is finished. */
+ * called at any time after the writer is opened and before it is finished; otherwise the result is
+ * VOXPLAY_WRONG_STATE. */
 voxplay_status voxplay_writer_set_notes(voxplay_writer* writer, const voxplay_notes* notes);
 
 /* Writes count interleaved frames. After a failure the sound can only be abandoned. */
@@ -471,9 +490,10 @@ voxplay_status voxplay_writer_finish(voxplay_writer* writer);
 /* Removes what was written to a file; what was sent to an output stays there. */
 void voxplay_writer_abandon(voxplay_writer* writer);
 
-/* The notes that the last finished sound could not hold, one sentence each: "event 2 at frame 4800:
- * an SP header holds no events". The count is 0 before voxplay_writer_finish. NULL for an index
- * outside the list. */
+/* The notes that the last finished sound could not hold, or that readers take for something else,
+ * one sentence each: "event 2 at frame 4800: an SP header holds no events". Notes are counted from
+ * 1 in these sentences, unlike indexes. The count is 0 before voxplay_writer_finish. NULL for an
+ * index outside the list. */
 size_t voxplay_writer_lost_count(const voxplay_writer* writer);
 const char* voxplay_writer_lost(const voxplay_writer* writer, size_t index);
 

@@ -47,6 +47,16 @@ class C_LostList {
   void AddAll(const std::vector<S_NoteRange>& ranges, const char* pszKind, const char* pszKinds) {
     for (std::size_t i = 0; i < ranges.size(); ++i) Add(NameOf(pszKind, ranges[i], i), pszKinds);
   }
+  void AddAllButEvents(const S_Notes& notes) {
+    AddAll(notes.silence, "silence", "silence");
+    AddAll(notes.regions, "region", "regions");
+    AddAll(notes.cues, "cue points");
+    AddAll(notes.labels, "labels");
+    AddAll(notes.texts, "region texts");
+    if (notes.sampler.bPresent) Add("sampler record", "sampler record");
+    AddAll(notes.loops, "loops");
+    AddAll(notes.chunks, "further chunks");
+  }
   std::vector<std::string> Take() { return std::move(m_lost); }
 
  private:
@@ -87,14 +97,13 @@ std::string NameOf(const S_NoteChunk& chunk, std::size_t nIndex) {
 std::vector<std::string> AllLost(const S_Notes& notes, const std::string& strHolder) {
   C_LostList lost(strHolder);
   lost.AddAll(notes.events, "events");
-  lost.AddAll(notes.silence, "silence", "silence");
-  lost.AddAll(notes.regions, "region", "regions");
-  lost.AddAll(notes.cues, "cue points");
-  lost.AddAll(notes.labels, "labels");
-  lost.AddAll(notes.texts, "region texts");
-  if (notes.sampler.bPresent) lost.Add("sampler record", "sampler record");
-  lost.AddAll(notes.loops, "loops");
-  lost.AddAll(notes.chunks, "further chunks");
+  lost.AddAllButEvents(notes);
+  return lost.Take();
+}
+
+std::vector<std::string> AllLostButEvents(const S_Notes& notes, const std::string& strHolder) {
+  C_LostList lost(strHolder);
+  lost.AddAllButEvents(notes);
   return lost.Take();
 }
 

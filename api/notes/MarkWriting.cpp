@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "notes/MarkWriting.h"
 
+#include <algorithm>
 #include <limits>
-#include <map>
 #include <optional>
-#include <tuple>
 #include <utility>
 
 #include "file/CuedEvents.h"
@@ -13,6 +12,7 @@
 #include "notes/FourCC.h"
 #include "notes/LabelForms.h"
 #include "notes/LostNotes.h"
+#include "notes/SpokenEvents.h"
 
 namespace api {
 namespace {
@@ -42,7 +42,8 @@ class C_MarkWriter {
       : m_notes(notes),
         m_eForm(eForm),
         m_positions(Positions(notes.cues)),
-        m_freeIDs(IDsOfOthers(notes)) {}
+        m_freeIDs(IDsOfOthers(notes)),
+        m_spoken(notes.events, eForm) {}
 
   S_WrittenMarks Write() {
     std::vector<std::string> lostLabels;
@@ -57,10 +58,10 @@ class C_MarkWriter {
   }
 
  private:
-  using C_EventKey = std::tuple<std::uint64_t, std::uint16_t, std::uint16_t>;
   struct S_OwnLabel {
     std::uint32_t dwCueID;
     std::string strText;
+    std::size_t nBefore;  // the label of another maker that it stands before; all when too large
   };
 
   void ChooseLabels(std::vector<std::string>& lost) {
@@ -72,8 +73,10 @@ class C_MarkWriter {
         lost.push_back(NameOf(label, i) + pszReason);
         continue;
       }
+      if (dwFrame && label.type == FourCC("labl") && !IsUnderstood(label, *dwFrame)) {
+        lost.push_back(NameOf(label, i) + ": readers take it for an event");
+      }
       m_labels.push_back(&label);
-      if (dwFrame && label.type == FourCC("labl")) NoteExpressed(label, *dwFrame);
     }
   }
 
@@ -90,21 +93,15 @@ class C_MarkWriter {
     return bMeansPlace ? ": readers would look for its cue point, and there is none" : nullptr;
   }
 
-  void NoteExpressed(const S_NoteLabel& label, std::uint32_t dwFrame) {
+  // False for the label of an event that there is not.
+  bool IsUnderstood(const S_NoteLabel& label, std::uint32_t dwFrame) {
     const S_LabelMeaning meaning = MeaningOf(label.strText, m_eForm);
-    if (meaning.eKind != S_LabelMeaning::E_Kind::Event) return;
-    ++m_expressed[{dwFrame, meaning.wMain, meaning.wSub}];
-  }
-
-  // Counts an event off, if a label of another maker says it.
-  bool TakeExpressed(const S_NoteEvent& event) {
-    const auto found = m_expressed.find({event.qwFrame, event.wMain, event.wSub});
-    if (found == m_expressed.end() || found->second == 0) return false;
-    --found->second;
-    return true;
+    return meaning.eKind != S_LabelMeaning::E_Kind::Event ||
+           m_spoken.Take(m_labels.size(), dwFrame, meaning);
   }
 
   void AddEvents() {
+    const std::vector<std::size_t> places = Places();
     for (std::size_t i = 0; i < m_notes.events.size(); ++i) {
       const S_NoteEvent& event = m_notes.events[i];
       if (event.qwFrame > kMost) {
@@ -112,8 +109,27 @@ class C_MarkWriter {
         continue;
       }
       ReportParts(event, i);
-      if (!TakeExpressed(event)) AddPoint(event.qwFrame, OwnEventLabel(event, m_eForm));
+      if (!m_spoken.LabelOf(i)) {
+        AddPoint(event.qwFrame, OwnEventLabel(event, m_eForm), places[i]);
+      } else if (m_spoken.IsMisplaced(i)) {
+        m_written.lost.push_back(NameOf(event, i) + ": its place among those of the same frame");
+      }
     }
+  }
+
+  // Before which label of another maker that of an event has to stand: the next one that says an
+  // event of the same frame, because readers keep the order of the labels.
+  [[nodiscard]] std::vector<std::size_t> Places() const {
+    const std::vector<S_NoteEvent>& events = m_notes.events;
+    std::vector<std::size_t> places(events.size(), m_labels.size());
+    for (std::size_t i = events.size(); i-- > 0;) {
+      if (i + 1 < events.size() && events[i].qwFrame == events[i + 1].qwFrame) {
+        places[i] = places[i + 1];
+      }
+      const std::optional<std::size_t> nLabel = m_spoken.LabelOf(i);
+      if (nLabel && !m_spoken.IsMisplaced(i)) places[i] = *nLabel;
+    }
+    return places;
   }
 
   void ReportParts(const S_NoteEvent& event, std::size_t nIndex) {
@@ -135,29 +151,37 @@ class C_MarkWriter {
         m_written.lost.push_back(NameOf(pszKind, range, i) + kTooFar);
       } else {
         S_NoteRegionText length;
-        length.dwCueID = AddPoint(range.qwFirst, pszLabel);
+        length.dwCueID = AddPoint(range.qwFirst, pszLabel, m_labels.size());
         length.dwCount = static_cast<std::uint32_t>(range.qwCount);
         m_lengths.push_back(std::move(length));
       }
     }
   }
 
-  std::uint32_t AddPoint(std::uint64_t qwFrame, std::string strLabel) {
+  std::uint32_t AddPoint(std::uint64_t qwFrame, std::string strLabel, std::size_t nBefore) {
     S_NoteCue cue;
     cue.dwID = m_freeIDs.Next();
     cue.dwPosition = static_cast<std::uint32_t>(qwFrame);
     cue.dwSampleOffset = cue.dwPosition;
     m_written.cues.push_back(cue);
-    m_ownLabels.push_back({cue.dwID, std::move(strLabel)});
+    m_ownLabels.push_back({cue.dwID, std::move(strLabel), nBefore});
     return cue.dwID;
   }
 
   void WriteList() {
     for (const S_NoteRegionText& text : m_notes.texts) m_written.list.Text(text);
     for (const S_NoteRegionText& length : m_lengths) m_written.list.Text(length);
-    for (const S_NoteLabel* pLabel : m_labels) m_written.list.Label(*pLabel);
-    for (const S_OwnLabel& label : m_ownLabels) {
-      m_written.list.OwnLabel(label.dwCueID, label.strText);
+    std::ranges::stable_sort(m_ownLabels, {}, &S_OwnLabel::nBefore);
+    std::size_t nOwn = 0;
+    for (std::size_t i = 0; i < m_labels.size(); ++i) {
+      WriteOwnLabels(nOwn, i);
+      m_written.list.Label(*m_labels[i]);
+    }
+    WriteOwnLabels(nOwn, m_labels.size());
+  }
+  void WriteOwnLabels(std::size_t& nOwn, std::size_t nBefore) {
+    for (; nOwn < m_ownLabels.size() && m_ownLabels[nOwn].nBefore <= nBefore; ++nOwn) {
+      m_written.list.OwnLabel(m_ownLabels[nOwn].dwCueID, m_ownLabels[nOwn].strText);
     }
   }
 
@@ -165,7 +189,7 @@ class C_MarkWriter {
   E_RiffForm m_eForm;
   cuedevents::C_ByID m_positions;  // of other makers' cue points
   C_FreeIDs m_freeIDs;
-  std::map<C_EventKey, std::size_t> m_expressed;  // how often other makers' labels say an event
+  C_SpokenEvents m_spoken;  // by other makers' labels
   std::vector<const S_NoteLabel*> m_labels;
   std::vector<S_OwnLabel> m_ownLabels;
   std::vector<S_NoteRegionText> m_lengths;

@@ -20,7 +20,8 @@ struct S_WrittenMarks {
 };
 
 // Where a label of another maker, "take_1", says the same as an event at its cue point, no label is
-// added for the event: there would be two events when the file is read.
+// added for the event: there would be two events when the file is read. Labels of the library's own
+// stand before such labels where the order of events at the same frame asks for it.
 S_WrittenMarks WriteMarks(const S_Notes& notes, E_RiffForm eForm);
 
 }  // namespace api

@@ -19,6 +19,7 @@ constexpr auto kByFirst = [](const S_NoteRange& a, const S_NoteRange& b) {
 template <typename Note, typename Less>
 void Sort(std::vector<Note>& notes, Less less) {
   const auto tail = std::is_sorted_until(notes.begin(), notes.end(), less);
+  if (tail == notes.end()) return;
   std::stable_sort(tail, notes.end(), less);
   std::inplace_merge(notes.begin(), tail, notes.end(), less);
 }

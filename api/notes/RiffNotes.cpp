@@ -144,10 +144,17 @@ class C_ChunkSorter {
   }
 
  private:
+  // Readers take it for room that was left free.
+  static bool IsPadding(const S_NoteChunk& chunk) {
+    return chunk.id == FourCC("JUNK") &&
+           std::ranges::all_of(chunk.data, [](std::uint8_t byByte) { return byByte == 0; });
+  }
+
   // Why a chunk cannot stand in a file; null when it can.
   static const char* Objection(const S_NoteChunk& chunk, E_RiffForm eForm) {
     if (!FitsInAChunk(chunk.data)) return ": chunks hold less than 4 GiB";
     if (chunk.id[0] == 0) return ": readers would pass over its identifier";
+    if (IsPadding(chunk)) return ": readers would take it for padding";
     const bool bOwn =
         std::ranges::find(kOwnIDs, chunk.id) != kOwnIDs.end() ||
         (eForm == E_RiffForm::Vef && std::ranges::find(kOwnVefIDs, chunk.id) != kOwnVefIDs.end());

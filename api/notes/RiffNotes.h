@@ -11,7 +11,8 @@
 //   unknown parts of adtl lists           one further chunk "LIST" of type "adtl" with all of them;
 //                                         they are written into the list with the labels
 //   "take_1" in a WAV file                reads as an event, and stays a label as well; when both
-//                                         are written, the label alone says it
+//                                         are written, the label alone says it; when there is no
+//                                         such event, it is among what is lost that readers find it
 //   "u_3_7" without its cue point         a label; a WAV file with it would stop the class library,
 //                                         so it is among what is lost
 #pragma once
@@ -33,10 +34,10 @@ struct S_HeldChunk {
   bool bCut = false;  // the end of the file cuts it; data is what is there
 };
 
-// The notes of the chunks of a file, except for "fmt ", "data", "fact", "ds64", "JUNK" that pads,
-// "vafm" and "vdat", which the caller leaves out. bCutShort is true of a file that is cut anywhere:
-// labels may then lack their cue points. Throws C_Failure (VOXPLAY_DAMAGED) for what the class
-// library refuses.
+// The notes of the chunks of a file, except for "fmt ", "data", "fact", "ds64", "JUNK" of zeros
+// and, of VEF files, "vafm" and "vdat", which the caller leaves out. bCutShort is true of a file
+// that is cut anywhere: labels may then lack their cue points. Throws C_Failure (VOXPLAY_DAMAGED)
+// for what the class library refuses.
 S_Notes ReadRiffNotes(std::span<const S_HeldChunk> chunks, E_RiffForm eForm, bool bCutShort);
 
 struct S_RiffNotes {
@@ -55,5 +56,6 @@ S_RiffNotes WriteRiffNotes(const S_Notes& notes, E_RiffForm eForm, std::uint64_t
 // What a container without chunks loses of the notes: everything, one sentence each. strHolder is
 // the subject of the sentence, "an SP header".
 std::vector<std::string> AllLost(const S_Notes& notes, const std::string& strHolder);
+std::vector<std::string> AllLostButEvents(const S_Notes& notes, const std::string& strHolder);
 
 }  // namespace api

@@ -73,7 +73,7 @@ void OpenStream(I_ByteSource& source, const S_RiffSound& sound, S_Opened& opened
 }  // namespace
 
 S_Opened OpenVef(I_ByteSource& source, std::uint32_t dwFlags) {
-  const S_RiffSound sound = ReadRiffSound(source);
+  const S_RiffSound sound = ReadRiffSound(source, E_RiffForm::Vef);
   if (sound.format.wTag != WAVE_TAG_PCM) {
     throw C_Failure(VOXPLAY_UNSUPPORTED, "fmt chunk: format tag " +
                                              words::Hex16(sound.format.wTag) +

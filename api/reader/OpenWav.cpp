@@ -5,7 +5,7 @@
 namespace api {
 
 S_Opened OpenWav(I_ByteSource& source, std::uint32_t /*dwFlags*/) {
-  const S_RiffSound sound = ReadRiffSound(source);
+  const S_RiffSound sound = ReadRiffSound(source, E_RiffForm::Wave);
   const bool bVemd = sound.contents.form == S_FourCC{'V', 'E', 'M', 'D'};
   S_Opened opened;
   opened.info = StoredInfo(sound, bVemd ? VOXPLAY_CONTAINER_VEMD : VOXPLAY_CONTAINER_WAV);

@@ -65,14 +65,15 @@ bool IsPadding(const S_FoundChunk& chunk, std::span<const std::uint8_t> payload)
 // Loads chunks one after the other, as the scan finds them.
 class C_ChunkLoader {
  public:
-  C_ChunkLoader(I_ByteSource& source, S_RiffSound& sound) : m_source(source), m_sound(sound) {}
+  C_ChunkLoader(I_ByteSource& source, E_RiffForm eForm, S_RiffSound& sound)
+      : m_source(source), m_eForm(eForm), m_sound(sound) {}
 
   void Take(const S_FoundChunk& chunk) {
     if (IsID(chunk, "fmt ")) {
       TakeFormat(chunk);
-    } else if (IsID(chunk, "vafm")) {
+    } else if (IsContainers(chunk, "vafm")) {
       TakeCodecRecord(chunk);
-    } else if (!IsID(chunk, "data") && !IsID(chunk, "vdat") && !IsID(chunk, "fact") &&
+    } else if (!IsID(chunk, "data") && !IsContainers(chunk, "vdat") && !IsID(chunk, "fact") &&
                !IsID(chunk, "ds64")) {
       TakeFurther(chunk);
     }
@@ -80,6 +81,10 @@ class C_ChunkLoader {
   [[nodiscard]] bool HasFormat() const noexcept { return m_bFormat; }
 
  private:
+  // In other files than containers, such a chunk belongs to another program.
+  [[nodiscard]] bool IsContainers(const S_FoundChunk& chunk, std::string_view id) const {
+    return m_eForm == E_RiffForm::Vef && IsID(chunk, id);
+  }
   void TakeFormat(const S_FoundChunk& chunk) {
     const auto payload = LoadPayload(m_source, chunk, kMaxFormatBytes);
     const bool bWhole = chunk.qwHeld == chunk.payload.qwSize &&
@@ -108,6 +113,7 @@ class C_ChunkLoader {
   }
 
   I_ByteSource& m_source;
+  E_RiffForm m_eForm;
   S_RiffSound& m_sound;
   bool m_bFormat = false;
   std::uint64_t m_qwLeft = kMaxFurtherBytes;
@@ -134,9 +140,9 @@ C_SampleStreamPtr OpenPcm(I_ByteSource& source, const S_WavFormat& format,
 
 }  // namespace
 
-S_RiffSound ReadRiffSound(I_ByteSource& source) {
+S_RiffSound ReadRiffSound(I_ByteSource& source, E_RiffForm eForm) {
   S_RiffSound sound;
-  C_ChunkLoader loader(source, sound);
+  C_ChunkLoader loader(source, eForm, sound);
   auto contents = ScanRiff(source, [&loader](const S_FoundChunk& chunk) { loader.Take(chunk); });
   if (!contents) throw C_Failure(VOXPLAY_UNKNOWN, "RIFF: there is no header");
   if (!loader.HasFormat()) FailWithoutFormat(source);

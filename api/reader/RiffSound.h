@@ -39,7 +39,7 @@ inline constexpr std::uint64_t kMaxFurtherBytes = std::uint64_t{1} << 30U;
 // The source is a RIFF or RF64 file. Of several formats the last one counts, and all of them must
 // be right. Throws C_Failure, also when there is no format, or none before the samples in a source
 // that only goes forward.
-S_RiffSound ReadRiffSound(I_ByteSource& source);
+S_RiffSound ReadRiffSound(I_ByteSource& source, E_RiffForm eForm);
 
 // The samples in "data"; without such a chunk there are none. Throws C_Failure when they cannot be
 // read, and when more than 64 MiB of PCM are missing.

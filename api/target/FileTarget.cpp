@@ -26,6 +26,7 @@ namespace api {
 namespace {
 
 constexpr std::size_t kBufferBytes = 65536;
+constexpr int kAttempts = 100;
 // What a new file gets that everybody may read and write whom the process's mask does not exclude.
 constexpr mode_t kModeOfNew = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
@@ -61,16 +62,31 @@ class C_FileTarget final : public I_ByteTarget {
   void Finish() override {
     Expect(std::fflush(Stream()) == 0);
     errno = 0;
-    const bool bTaken = IsNew() ? m_file->TakeNewName(m_name.strPath)
-                                : m_file->TakeOwnerAndMode(m_name.status, m_name.strPath) &&
-                                      m_file->TakePlaceOf(m_name.strPath);
-    if (bTaken) return;
+    if (IsNew() ? TakeNewName() : TakePlace()) return;
     Fail("the new file cannot take its place: ", m_file->Error() != 0 ? m_file->Error() : errno);
   }
 
  private:
   [[nodiscard]] bool IsNew() const { return m_name.eKind == vcm::E_TargetKind::New; }
   [[nodiscard]] std::FILE* Stream() const { return m_file->Stream(); }
+  bool TakePlace() {
+    return m_file->TakeOwnerAndMode(m_name.status, m_name.strPath) &&
+           m_file->TakePlaceOf(m_name.strPath);
+  }
+  // A file that got the name meanwhile is treated like one that was there from the beginning. It
+  // may go again, but not forever.
+  bool TakeNewName() {
+    for (int i = 0; i < kAttempts; ++i) {
+      if (m_file->TakeNewName(m_name.strPath)) return true;
+      if (m_file->Error() != EEXIST || Stream() == nullptr) return false;
+      vcm::S_TargetName name = vcm::LookAtTarget(m_name.strPath.c_str());
+      if (name.eKind == vcm::E_TargetKind::New) continue;
+      if (name.eKind != vcm::E_TargetKind::Regular || !vcm::IsWritable(name.strPath)) return false;
+      m_name = std::move(name);
+      return TakePlace();
+    }
+    return false;
+  }
   [[noreturn]] static void Fail(const char* pszWhat, int nError) {
     throw C_Failure(VOXPLAY_CANNOT_WRITE, std::string("file: ") + pszWhat + SystemReason(nError));
   }
@@ -101,7 +117,7 @@ C_ByteTargetPtr OpenFileTarget(const char* pszPath) {
     case vcm::E_TargetKind::Other:
       RefuseToOpen("it is not a regular file");
     case vcm::E_TargetKind::Unknown:
-      RefuseToOpen(SystemReason(errno));
+      RefuseToOpen(*pszPath == '\0' ? "its name is empty" : SystemReason(errno));
   }
   return std::make_unique<C_FileTarget>(std::move(name));
 }

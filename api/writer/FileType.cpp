@@ -26,6 +26,29 @@ unsigned int HeronTypeOf(std::uint32_t dwBits) noexcept {
 
 }  // namespace
 
+bool HasStream(const voxplay_format& format) noexcept {
+  return format.codec == VOXPLAY_CODEC_KESTREL || format.codec == VOXPLAY_CODEC_HERON;
+}
+
+const char* NameOfContainer(std::uint32_t dwContainer) noexcept {
+  switch (dwContainer) {
+    case VOXPLAY_CONTAINER_WAV:
+      return "WAV";
+    case VOXPLAY_CONTAINER_VEMD:
+      return "VEMD";
+    case VOXPLAY_CONTAINER_VEF:
+      return "VEF";
+    case VOXPLAY_CONTAINER_SP:
+      return "an SP header";
+    case VOXPLAY_CONTAINER_HEAD:
+      return "a codec head";
+    case VOXPLAY_CONTAINER_BARE:
+      return "a bare stream";
+    default:
+      return nullptr;
+  }
+}
+
 std::optional<heronstream::S_Variant> HeronVariantOf(const voxplay_format& format) noexcept {
   if (format.codec != VOXPLAY_CODEC_HERON) return std::nullopt;
   return heronstream::VariantOfType(HeronTypeOf(format.bits_per_sample));

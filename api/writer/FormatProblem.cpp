@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "heron/Configuration.h"
+#include "writer/FileType.h"
 
 namespace api {
 namespace {
@@ -15,29 +16,6 @@ constexpr std::uint32_t kMostChannels = 64;
 constexpr std::uint32_t kMostHeadRate = 65535;
 constexpr auto kKestrelRates =
     std::to_array<std::uint32_t>({7200, 9600, 12000, 14400, 16000, 20000, 24000, 32000});
-
-const char* NameOf(std::uint32_t dwContainer) {
-  switch (dwContainer) {
-    case VOXPLAY_CONTAINER_WAV:
-      return "WAV";
-    case VOXPLAY_CONTAINER_VEMD:
-      return "VEMD";
-    case VOXPLAY_CONTAINER_VEF:
-      return "VEF";
-    case VOXPLAY_CONTAINER_SP:
-      return "an SP header";
-    case VOXPLAY_CONTAINER_HEAD:
-      return "a codec head";
-    case VOXPLAY_CONTAINER_BARE:
-      return "a bare stream";
-    default:
-      return nullptr;
-  }
-}
-
-bool HasStream(const voxplay_format& format) {
-  return format.codec == VOXPLAY_CODEC_KESTREL || format.codec == VOXPLAY_CODEC_HERON;
-}
 
 bool HoldsCodec(const voxplay_format& format) {
   switch (format.container) {
@@ -91,7 +69,7 @@ std::string SampleRateProblem(const voxplay_format& format) {
   const bool bShortRate = format.container == VOXPLAY_CONTAINER_HEAD ||
                           (format.container == VOXPLAY_CONTAINER_VEF && HasStream(format));
   if (bShortRate && dwRate > kMostHeadRate) {
-    return std::string("format: ") + NameOf(format.container) +
+    return std::string("format: ") + NameOfContainer(format.container) +
            " with a stream takes sample rates of up to 65535 Hz";
   }
   return {};
@@ -118,7 +96,7 @@ std::string FlagProblem(const voxplay_format& format) {
 }  // namespace
 
 std::string FormatProblem(const voxplay_format& format) {
-  const char* const pszContainer = NameOf(format.container);
+  const char* const pszContainer = NameOfContainer(format.container);
   if (pszContainer == nullptr) {
     return "format: " + std::to_string(format.container) + " is no container";
   }

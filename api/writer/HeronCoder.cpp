@@ -25,14 +25,14 @@ C_HeronCoder::C_HeronCoder(I_ByteTarget& target, int nSampleRate,
       m_variant(variant),
       m_fnLooked(std::move(fnLooked)) {}
 
-void C_HeronCoder::Begin(std::uint64_t qwAnnounced) {
-  if (qwAnnounced > kMostSamples) {
+void C_HeronCoder::CheckLength(std::uint64_t qwSamples) const {
+  if (qwSamples > kMostSamples) {
     throw C_Failure(VOXPLAY_TOO_LARGE, "Heron: a stream has at most 4,294,967,295 samples");
   }
 }
 
 void C_HeronCoder::Put(std::span<const std::int16_t> samples) {
-  Begin(std::uint64_t{m_dwSamples} + samples.size());
+  CheckLength(std::uint64_t{m_dwSamples} + samples.size());
   m_spool.Append(samples.data(), samples.size_bytes());
   m_dwSamples += static_cast<std::uint32_t>(samples.size());
 }
@@ -49,9 +49,9 @@ void C_HeronCoder::End(const S_Notes& notes) {
 std::vector<std::string> C_HeronCoder::Lost(const S_Notes& notes,
                                             const std::string& strHolder) const {
   auto lost = LostOfHeronEvents(notes.events, m_dwSamples, m_nSampleRate, m_bEventsWritten);
-  S_Notes others = notes;
-  others.events.clear();
-  for (std::string& strLost : AllLost(others, strHolder)) lost.push_back(std::move(strLost));
+  for (std::string& strLost : AllLostButEvents(notes, strHolder)) {
+    lost.push_back(std::move(strLost));
+  }
   return lost;
 }
 

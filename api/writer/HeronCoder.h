@@ -24,7 +24,8 @@ class C_HeronCoder final : public I_StreamCoder {
   C_HeronCoder(I_ByteTarget& target, int nSampleRate, const heronstream::S_Variant& variant,
                S_Looked fnLooked);
 
-  void Begin(std::uint64_t qwAnnounced) override;
+  void CheckLength(std::uint64_t qwSamples) const override;
+  void Begin(std::uint64_t qwAnnounced) override { CheckLength(qwAnnounced); }
   void Put(std::span<const std::int16_t> samples) override;
   // Calls fnLooked at least once for 4096 samples, with rising numbers.
   void End(const S_Notes& notes) override;

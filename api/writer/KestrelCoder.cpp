@@ -45,14 +45,16 @@ std::uint64_t C_KestrelCoder::StreamBytes(std::uint64_t qwSamples,
   return kLengthField + kWordBytes * (1 + qwFrames * nWords);
 }
 
+void C_KestrelCoder::CheckLength(std::uint64_t qwSamples) const {
+  if (StreamBytes(std::max<std::uint64_t>(qwSamples, 1), BitRate()) > kMostBytes) FailAsTooLarge();
+}
+
 void C_KestrelCoder::Begin(std::uint64_t qwAnnounced) {
+  CheckLength(qwAnnounced);
   m_qwStart = m_target.Length();
-  const std::uint32_t dwBitRate = m_encoder.Configuration().dwBitRate;
-  const std::uint64_t qwBytes = StreamBytes(std::max<std::uint64_t>(qwAnnounced, 1), dwBitRate);
-  if (qwBytes > kMostBytes) FailAsTooLarge();
   vcm::C_ByteWriter head;
-  AppendLength(head, qwBytes);
-  head.U16(static_cast<std::uint16_t>(dwBitRate));
+  AppendLength(head, StreamBytes(std::max<std::uint64_t>(qwAnnounced, 1), BitRate()));
+  head.U16(static_cast<std::uint16_t>(BitRate()));
   m_target.Write(head.Data());
 }
 

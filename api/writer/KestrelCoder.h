@@ -20,6 +20,7 @@ class C_KestrelCoder final : public I_StreamCoder {
   // dwBitRate is one that streams may have. target must outlive the object.
   C_KestrelCoder(I_ByteTarget& target, std::uint32_t dwBitRate);
 
+  void CheckLength(std::uint64_t qwSamples) const override;
   void Begin(std::uint64_t qwAnnounced) override;
   void Put(std::span<const std::int16_t> samples) override;
   void End(const S_Notes& notes) override;
@@ -32,6 +33,7 @@ class C_KestrelCoder final : public I_StreamCoder {
  private:
   using S_Samples = std::span<const std::int16_t, kestrel::kSamplesPerFrame>;
 
+  [[nodiscard]] std::uint32_t BitRate() const { return m_encoder.Configuration().dwBitRate; }
   void Encode(S_Samples samples, bool bWritten);
   void EncodeWhole(S_Samples samples);
   void Flush();

@@ -12,6 +12,7 @@
 namespace api {
 namespace {
 
+constexpr std::uint16_t kPcmTag = 1;
 constexpr std::uint16_t kFloatTag = 3;
 constexpr std::uint32_t kLargeSize = 0xFFFFFFFF;
 constexpr std::uint32_t kDs64Bytes = 28;
@@ -35,18 +36,17 @@ std::uint32_t In32Bits(std::uint64_t qwValue) {
 
 // "fmt " and, of floating point, "fact".
 void PutFormat(vcm::C_ByteWriter& writer, const S_RiffForm& form, std::uint64_t qwFrames) {
-  const bool bFloat = form.wFormatTag == kFloatTag;
   const std::uint32_t dwFrameBytes = form.FrameBytes();
-  PutHeader(writer, "fmt ", bFloat ? 18 : 16);
+  PutHeader(writer, "fmt ", form.bFloat ? 18 : 16);
   S_PcmFormatRecord record{};
-  record.wFormatTag = form.wFormatTag;
+  record.wFormatTag = form.bFloat ? kFloatTag : kPcmTag;
   record.wChannels = form.wChannels;
   record.dwSamplesPerSec = form.dwSampleRate;
   record.dwAvgBytesPerSec = form.dwSampleRate * dwFrameBytes;
   record.wBlockAlign = static_cast<std::uint16_t>(dwFrameBytes);
   record.wBitsPerSample = form.wBits;
   pcmformat::Write(record, writer);
-  if (!bFloat) return;
+  if (!form.bFloat) return;
   writer.U16(0);  // nothing more in the record
   PutHeader(writer, "fact", 4);
   writer.U32(In32Bits(qwFrames));

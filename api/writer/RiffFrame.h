@@ -27,7 +27,7 @@ namespace api {
 
 struct S_RiffForm {
   S_FourCC form{};
-  std::uint16_t wFormatTag = 1;
+  bool bFloat = false;  // floating point; otherwise integers
   std::uint16_t wChannels = 0;
   std::uint32_t dwSampleRate = 0;
   std::uint16_t wBits = 0;  // of a sample; whole bytes

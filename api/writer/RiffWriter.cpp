@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "writer/RiffWriter.h"
 
+#include "writer/FileType.h"
+
 namespace api {
 namespace {
-
-constexpr std::uint16_t kPcmTag = 1;
-constexpr std::uint16_t kFloatTag = 3;
 
 S_FourCC FormOf(std::uint32_t dwContainer) {
   switch (dwContainer) {
@@ -18,13 +17,9 @@ S_FourCC FormOf(std::uint32_t dwContainer) {
   }
 }
 
-bool IsCoded(const voxplay_format& format) {
-  return format.codec == VOXPLAY_CODEC_KESTREL || format.codec == VOXPLAY_CODEC_HERON;
-}
-
 E_StoredForm StoredFormOf(const voxplay_format& format) {
   if (format.codec == VOXPLAY_CODEC_FLOAT) return E_StoredForm::Float32;
-  switch (IsCoded(format) ? 16 : format.bits_per_sample) {
+  switch (HasStream(format) ? 16 : format.bits_per_sample) {
     case 8:
       return E_StoredForm::Int8;
     case 24:
@@ -46,7 +41,7 @@ bool NeedsRf64(I_ByteTarget& target, const voxplay_format& format, std::uint64_t
 
 S_RiffForm RiffFormOf(const voxplay_format& format, bool bRoomForRf64) {
   return {.form = FormOf(format.container),
-          .wFormatTag = format.codec == VOXPLAY_CODEC_FLOAT ? kFloatTag : kPcmTag,
+          .bFloat = format.codec == VOXPLAY_CODEC_FLOAT,
           .wChannels = static_cast<std::uint16_t>(format.channels),
           .dwSampleRate = format.sample_rate,
           .wBits = static_cast<std::uint16_t>(8 * BytesOf(StoredFormOf(format))),

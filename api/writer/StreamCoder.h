@@ -17,6 +17,8 @@ class I_StreamCoder {
  public:
   virtual ~I_StreamCoder() = default;
 
+  // VOXPLAY_TOO_LARGE when no stream has so many samples.
+  virtual void CheckLength(std::uint64_t qwSamples) const = 0;
   // Once, before the samples: appends what stands before them. qwAnnounced is the number of samples
   // that will come. It matters only where the target cannot go back, and must be right there.
   virtual void Begin(std::uint64_t qwAnnounced) = 0;

@@ -42,11 +42,6 @@ std::vector<std::uint8_t> HeaderOf(const voxplay_format& format) {
   return {};
 }
 
-const char* HolderOf(const voxplay_format& format) {
-  if (format.container == VOXPLAY_CONTAINER_SP) return "an SP header";
-  return format.container == VOXPLAY_CONTAINER_HEAD ? "a codec head" : "a bare stream";
-}
-
 }  // namespace
 
 C_StreamWriter::C_StreamWriter(I_ByteTarget& target, const voxplay_format& format,
@@ -63,7 +58,7 @@ void C_StreamWriter::Begin(const S_Notes& /*notes*/, std::uint64_t qwAnnounced) 
 
 std::vector<std::string> C_StreamWriter::End(const S_Notes& notes, std::uint64_t /*qwFrames*/) {
   m_coder->End(notes);
-  return m_coder->Lost(notes, HolderOf(m_format));
+  return m_coder->Lost(notes, NameOfContainer(m_format.container));
 }
 
 }  // namespace api

@@ -16,8 +16,7 @@ class C_StreamWriter final : public I_SoundWriter {
   C_StreamWriter(I_ByteTarget& target, const voxplay_format& format, C_StreamCoderPtr coder);
 
   void Begin(const S_Notes& notes, std::uint64_t qwAnnounced) override;
-  // The coder knows how long its streams may become.
-  void MakeRoom(std::uint64_t /*qwFrames*/) override {}
+  void MakeRoom(std::uint64_t qwFrames) override { m_coder->CheckLength(qwFrames); }
   I_FrameSink& Frames() override { return m_coded; }
   std::vector<std::string> End(const S_Notes& notes, std::uint64_t qwFrames) override;
 

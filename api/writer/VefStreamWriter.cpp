@@ -33,6 +33,11 @@ void C_VefStreamWriter::Begin(const S_Notes& /*notes*/, std::uint64_t qwAnnounce
   m_coder->Begin(qwAnnounced);
 }
 
+void C_VefStreamWriter::MakeRoom(std::uint64_t qwFrames) {
+  m_coder->CheckLength(qwFrames);
+  m_frame.CheckRoom(qwFrames);
+}
+
 std::vector<std::string> C_VefStreamWriter::End(const S_Notes& notes, std::uint64_t qwFrames) {
   m_coder->End(notes);
   S_RiffNotes chunks = WriteRiffNotes(notes, E_RiffForm::Vef, qwFrames);

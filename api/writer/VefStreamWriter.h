@@ -24,7 +24,7 @@ class C_VefStreamWriter final : public I_SoundWriter {
                     std::uint64_t qwMost = C_RiffFrame::kMostBytes);
 
   void Begin(const S_Notes& notes, std::uint64_t qwAnnounced) override;
-  void MakeRoom(std::uint64_t qwFrames) override { m_frame.CheckRoom(qwFrames); }
+  void MakeRoom(std::uint64_t qwFrames) override;
   I_FrameSink& Frames() override { return m_both; }
   std::vector<std::string> End(const S_Notes& notes, std::uint64_t qwFrames) override;
 

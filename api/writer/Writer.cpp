@@ -21,10 +21,6 @@ constexpr std::size_t kPieceFrames = 4096;
 
 bool IsCodedAtEnd(const voxplay_format& format) { return format.codec == VOXPLAY_CODEC_HERON; }
 
-bool HasStream(const voxplay_format& format) {
-  return format.codec == VOXPLAY_CODEC_KESTREL || format.codec == VOXPLAY_CODEC_HERON;
-}
-
 // What is written first says something about what is written last.
 bool MustGoBack(const voxplay_format& format) {
   return IsCodedAtEnd(format) || (HasStream(format) && format.container == VOXPLAY_CONTAINER_VEF);

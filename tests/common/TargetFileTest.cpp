@@ -295,6 +295,26 @@ TEST_F(TargetFile, ReplacementWithANewName_KeepsWhatHasGotIt) {
   EXPECT_THAT(Entries(), ElementsAre("a"));
 }
 
+TEST_F(TargetFile, ReplacementWhoseNewNameIsTaken_CanStillTakeThePlace) {
+  vcm::C_Replacement replacement(Path("a"));
+  EXPECT_TRUE(vcm::WriteExact(replacement.Stream(), kNew));
+  Write("a", kOld);
+  ASSERT_EQ(chmod(Path("a").c_str(), 0640), 0);
+  EXPECT_FALSE(replacement.TakeNewName(Path("a")));
+  ASSERT_NE(replacement.Stream(), nullptr);
+  EXPECT_TRUE(replacement.TakeOwnerAndMode(StatusOf("a"), Path("a")));
+  EXPECT_TRUE(replacement.TakePlaceOf(Path("a")));
+  EXPECT_EQ(replacement.Error(), 0);
+  EXPECT_EQ(Content("a"), kNew);
+  EXPECT_EQ(StatusOf("a").st_mode & 07777, 0640u);
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(TargetFile, EmptyName_IsRefused) {
+  EXPECT_EQ(vcm::LookAtTarget("").eKind, vcm::E_TargetKind::Unknown);
+  EXPECT_FALSE(WriteNew(""));
+}
+
 TEST_F(TargetFile, NewPath_IsWhereLinksLead) {
   std::filesystem::create_directory(Path("folder"));
   ASSERT_EQ(symlink("folder/b", Path("a").c_str()), 0);

@@ -112,6 +112,7 @@ TEST_F(WriterCallsTest, FormatsThatCannotBe_AreRefusedWithAReason) {
     EXPECT_EQ(voxplay_format_check(&format, sizeof format, text.data(), text.size()),
               VOXPLAY_UNSUPPORTED);
     EXPECT_EQ(Open("x", format), VOXPLAY_UNSUPPORTED);
+    EXPECT_EQ(Message(), m_folder.Path("x") + ": " + text.data());
     return std::string(text.data());
   };
   EXPECT_NE(fnProblem(FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_KESTREL)), "");

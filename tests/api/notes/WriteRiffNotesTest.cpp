@@ -131,6 +131,56 @@ TEST(WriteRiffNotes, LabelThatSaysAnEvent_StandsForIt) {
   EXPECT_EQ(Through(notes, E_RiffForm::Vef), notes);
 }
 
+TEST(WriteRiffNotes, LabelThatSaysAnEventThatIsGone_IsNamed) {
+  S_Notes notes;
+  notes.cues = {Cue(4, 300)};
+  notes.labels = {{4, ID("labl"), "take_1"}};
+  const S_RiffNotes written = Written(notes);
+  EXPECT_EQ(written.lost, (C_Texts{"label 1 of cue point 4: readers take it for an event"}));
+  EXPECT_EQ(Read(HeldOf(written)).labels, notes.labels);
+  EXPECT_EQ(Read(HeldOf(written)).events, (std::vector<S_NoteEvent>{{300, 0, 1, 0, ""}}));
+  EXPECT_TRUE(Written(notes, E_RiffForm::Vef).lost.empty());
+  // One event for two labels.
+  notes.labels.push_back(notes.labels[0]);
+  notes.events = {{300, 0, 1, 0, ""}};
+  EXPECT_EQ(Written(notes).lost, (C_Texts{"label 2 of cue point 4: readers take it for an event"}));
+}
+
+TEST(WriteRiffNotes, EventsOfOneFrame_KeepTheirOrderAroundALabelThatSaysOne) {
+  S_Notes notes;
+  notes.cues = {Cue(7, 300)};
+  notes.labels = {{7, ID("labl"), "Verse"}, {7, ID("labl"), "take_2"}};
+  notes.events = {{300, 0, 1, 0, ""}, {300, 0, 2, 0, ""}, {300, 0, 3, 0, ""}, {300, 0, 2, 0, ""}};
+  const S_RiffNotes written = Written(notes);
+  EXPECT_TRUE(written.lost.empty());
+  EXPECT_EQ(PayloadOf(written.marks, "LIST"),
+            AdtlBytes({OthersLabel(7, "Verse"), LablBytes(1, "u_0_1"), OthersLabel(7, "take_2"),
+                       LablBytes(2, "u_0_3"), LablBytes(3, "u_0_2")}));
+  EXPECT_EQ(Read(HeldOf(written)), notes);
+}
+
+TEST(WriteRiffNotes, EventsInAnotherOrderThanTheLabelsThatSayThem_AreNamed) {
+  S_Notes notes;
+  notes.cues = {Cue(7, 300)};
+  notes.labels = {{7, ID("labl"), "take_2"}, {7, ID("labl"), "take_1"}};
+  notes.events = {{300, 0, 1, 0, ""}, {300, 0, 2, 0, ""}};
+  const S_RiffNotes written = Written(notes);
+  EXPECT_EQ(written.lost,
+            (C_Texts{"event 1 at frame 300: its place among those of the same frame"}));
+  EXPECT_EQ(Read(HeldOf(written)).events,
+            (std::vector<S_NoteEvent>{{300, 0, 2, 0, ""}, {300, 0, 1, 0, ""}}));
+}
+
+TEST(WriteRiffNotes, Padding_IsNamedAndLeftOut) {
+  S_Notes notes;
+  notes.chunks = {{ID("JUNK"), C_Bytes(28)}, {ID("JUNK"), {}}, {ID("JUNK"), {0, 1}}};
+  const S_RiffNotes written = Written(notes);
+  EXPECT_EQ(written.lost, (C_Texts{"chunk 1 \"JUNK\": readers would take it for padding",
+                                   "chunk 2 \"JUNK\": readers would take it for padding"}));
+  ASSERT_EQ(NamesOf(written.others), (C_Texts{"JUNK"}));
+  EXPECT_EQ(written.others[0].data, (C_Bytes{0, 1}));
+}
+
 TEST(WriteRiffNotes, LabelThatReadersWouldTakeForAnother_IsNamedAndLeftOut) {
   S_Notes notes;
   notes.cues = {Cue(1, 10)};

@@ -65,14 +65,37 @@ TEST_F(FileTarget, NewName_HasTheModeThatTheMaskLeaves) {
   EXPECT_EQ(ModeOf("b"), 0666u);
 }
 
-TEST_F(FileTarget, FileThatGetsTheNameMeanwhile_IsKept) {
+TEST_F(FileTarget, FileThatGetsTheNameMeanwhile_IsReplacedLikeAnyOther) {
   const auto target = Open("a");
   target->Write(kNew);
   Write("a", kOld);
+  ASSERT_EQ(chmod(Path("a").c_str(), 0604), 0);
+  target->Finish();
+  EXPECT_EQ(Content("a"), kNew);
+  EXPECT_EQ(ModeOf("a"), 0604u);
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(FileTarget, TwoWritersOfANewName_BothFinish) {
+  const auto first = Open("a");
+  const auto second = Open("a");
+  first->Write(kNew);
+  second->Write(kOld);
+  second->Finish();
+  EXPECT_EQ(Content("a"), kOld);
+  first->Finish();
+  EXPECT_EQ(Content("a"), kNew);
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(FileTarget, SomethingElseThatGetsTheNameMeanwhile_IsKept) {
+  const auto target = Open("a");
+  target->Write(kNew);
+  std::filesystem::create_directory(Path("a"));
   const auto failure = FailureOf([&] { target->Finish(); });
   EXPECT_EQ(failure.eStatus, VOXPLAY_CANNOT_WRITE);
   EXPECT_THAT(failure.strText, HasSubstr("another file has got this name in the meantime"));
-  EXPECT_EQ(Content("a"), kOld);
+  EXPECT_TRUE(std::filesystem::is_directory(Path("a")));
 }
 
 TEST_F(FileTarget, ExistingFile_IsIntactUntilTheEnd) {
@@ -136,6 +159,7 @@ TEST_F(FileTarget, WhatCannotBeAFile_IsRefusedWithASentence) {
   EXPECT_EQ(refusal("/dev/stdout"), "file: cannot be written: it is not a regular file");
   EXPECT_EQ(refusal(Folder()), "file: cannot be written: it is not a regular file");
   EXPECT_EQ(refusal(Path("loop")), "file: cannot be written: its links lead in a circle");
+  EXPECT_EQ(refusal(""), "file: cannot be written: its name is empty");
   EXPECT_THAT(refusal(Path("none/a")), HasSubstr("there is no such folder"));
   EXPECT_THAT(refusal(Path(std::string(300, 'a'))), HasSubstr("the name is too long"));
   EXPECT_THAT(Entries(), ElementsAre("b", "loop", "pipe"));

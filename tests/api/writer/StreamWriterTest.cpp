@@ -233,19 +233,39 @@ TEST(StreamWriter, VefWithAStream_IsThatOfTheClassLibrary) {
   }
 }
 
-TEST(StreamWriter, LengthsThatNoStreamHas_AreRefused) {
-  C_CallerOutput output;
-  output.OnlyForward();
-  for (auto format :
-       {KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000), HeronFormat(VOXPLAY_CONTAINER_BARE, 2)}) {
-    for (const std::uint64_t qwFrames : {std::uint64_t{1} << 36, UINT64_MAX}) {
-      format.frames = qwFrames;
-      const auto writer = api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format);
-      const Samples one(1);
-      EXPECT_EQ(FailureOf([&] { writer->Write(std::span<const std::int16_t>(one)); }).eStatus,
-                VOXPLAY_TOO_LARGE);
+TEST(StreamWriter, LengthsThatNoStreamHas_AreRefusedBeforeAByteIsWritten) {
+  for (const bool bForward : {false, true}) {
+    C_CallerOutput output;
+    if (bForward) output.OnlyForward();
+    for (auto format :
+         {KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000), HeronFormat(VOXPLAY_CONTAINER_HEAD, 2),
+          KestrelFormat(VOXPLAY_CONTAINER_SP, 7200), HeronFormat(VOXPLAY_CONTAINER_VEF, 4)}) {
+      for (const std::uint64_t qwFrames :
+           {std::uint64_t{1} << 37, std::uint64_t{1} << 40, UINT64_MAX}) {
+        format.frames = qwFrames;
+        const auto open = [&] {
+          static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format));
+        };
+        EXPECT_EQ(FailureOf(open).eStatus, VOXPLAY_TOO_LARGE);
+      }
     }
+    EXPECT_EQ(output.Calls(), 0);
   }
+}
+
+// 80 bytes per frame: the last stream that fits has 53,687,091 of them.
+TEST(StreamWriter, LongestKestrelStream_IsAccepted) {
+  C_CallerOutput output;
+  auto format = KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000);
+  format.frames = std::uint64_t{53'687'091} * 320;
+  EXPECT_NO_THROW(
+      static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format)));
+  ++format.frames;
+  const auto failure = FailureOf([&] {
+    static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format));
+  });
+  EXPECT_EQ(failure.eStatus, VOXPLAY_TOO_LARGE);
+  EXPECT_EQ(failure.strText, "Kestrel: the stream would be larger than 4 GiB");
 }
 
 }  // namespace
