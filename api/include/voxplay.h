@@ -378,7 +378,8 @@ voxplay_status voxplay_notes_clear(voxplay_notes* notes, voxplay_note_kind kind)
 
 /* Writes a sound piece by piece. A file appears under its name, whole, when the writer is finished:
  * until then it stands beside that name, and what had the name before is as it was. A file that is
- * not finished never appears. The memory that this takes does not grow with the length of the sound.
+ * not finished never appears. The memory that this takes does not grow with the length of the
+ * sound.
  *
  * Until it is finished, a Heron sound also holds its samples in a private temporary file, because
  * its coder looks at them twice, and a VEF file with a stream holds the stream in one. Outputs that
@@ -410,10 +411,10 @@ enum {
   VOXPLAY_WRITE_RF64 = 1
 };
 
-/* Whether a sound of this format can be written: VOXPLAY_OK or, for everything else, members outside
- * their ranges included, VOXPLAY_UNSUPPORTED. Text, as far as text_size, gets a sentence that says
- * why not, or "". It may be NULL when text_size is 0. The functions that open a writer refuse the
- * same formats with the same status and sentence.
+/* Whether a sound of this format can be written: VOXPLAY_OK or, for everything else, members
+ * outside their ranges included, VOXPLAY_UNSUPPORTED. Text, as far as text_size, gets a sentence
+ * that says why not, or "". It may be NULL when text_size is 0. The functions that open a writer
+ * refuse the same formats with the same status and sentence.
  *
  *   container  codec                    notes it holds
  *   WAV        PCM, FLOAT               all, but data and description of events
@@ -444,8 +445,9 @@ typedef struct voxplay_output {
 
 /* Called with the number of frames that are done, of all. Until the sound is finished, all is the
  * number that was announced; it is 0 when none was, and when more are written. While
- * voxplay_writer_finish works, it is the number that was written. Returns 0 to go on; anything else ends the writing with VOXPLAY_CANCELLED. Of Heron, writing the frames
- * is the first half, and coding them, in voxplay_writer_finish, the second. */
+ * voxplay_writer_finish works, it is the number that was written. Returns 0 to go on; anything else
+ * ends the writing with VOXPLAY_CANCELLED. Of Heron, writing the frames is the first half, and
+ * coding them, in voxplay_writer_finish, the second. */
 typedef int (*voxplay_progress)(void* user, uint64_t done, uint64_t all);
 
 voxplay_writer* voxplay_writer_new(void);
@@ -487,9 +489,9 @@ voxplay_status voxplay_writer_finish(voxplay_writer* writer);
 void voxplay_writer_abandon(voxplay_writer* writer);
 
 /* The notes that the last finished sound could not hold, or that readers take for something else,
- * one sentence each: "event 2 at frame 4800: an SP header holds no events". Notes are counted from 1
- * in these sentences, unlike indexes. The count is 0 before voxplay_writer_finish. NULL for an index
- * outside the list. */
+ * one sentence each: "event 2 at frame 4800: an SP header holds no events". Notes are counted from
+ * 1 in these sentences, unlike indexes. The count is 0 before voxplay_writer_finish. NULL for an
+ * index outside the list. */
 size_t voxplay_writer_lost_count(const voxplay_writer* writer);
 const char* voxplay_writer_lost(const voxplay_writer* writer, size_t index);
 
