@@ -37,9 +37,13 @@ set(PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/Voxplay)
 install(EXPORT VoxplayTargets NAMESPACE Voxplay:: DESTINATION ${PACKAGE} COMPONENT development)
 configure_package_config_file(cmake/VoxplayConfig.cmake.in
   ${PROJECT_BINARY_DIR}/VoxplayConfig.cmake INSTALL_DESTINATION ${PACKAGE})
-# Before version 1.0, a program needs the minor version that it was made with.
+# A program takes any later version whose library has the same SONAME, whatever its major version.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/VoxplayConfigVersion.cmake
-  COMPATIBILITY SameMinorVersion)
+  COMPATIBILITY AnyNewerVersion)
+file(APPEND ${PROJECT_BINARY_DIR}/VoxplayConfigVersion.cmake
+  "if(PACKAGE_FIND_VERSION AND PACKAGE_FIND_VERSION VERSION_LESS ${VOXPLAY_COMPATIBLE_SINCE})\n"
+  "  set(PACKAGE_VERSION_COMPATIBLE FALSE)\n"
+  "endif()\n")
 install(
   FILES ${PROJECT_BINARY_DIR}/VoxplayConfig.cmake ${PROJECT_BINARY_DIR}/VoxplayConfigVersion.cmake
   DESTINATION ${PACKAGE} COMPONENT development)

@@ -17,7 +17,8 @@ endforeach()
 
 set(VOXPLAY_MAP ${PROJECT_SOURCE_DIR}/cmake/voxplay.map)
 add_library(voxplay SHARED ${VOXPLAY_OBJECTS})
-# docs/RELEASING.md says when the number in the name moves.
+# docs/RELEASING.md says when the number in the name moves, and with it the first version of that name.
+set(VOXPLAY_COMPATIBLE_SINCE 0.1)
 set_target_properties(voxplay PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION 0 LINKER_LANGUAGE CXX LINK_DEPENDS ${VOXPLAY_MAP})
 target_link_libraries(voxplay PRIVATE $<BUILD_INTERFACE:voxplay_flags>)
