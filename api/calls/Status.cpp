@@ -34,7 +34,7 @@ const char* voxplay_status_text(voxplay_status status) {
     case VOXPLAY_DAMAGED:
       return "the file contradicts itself";
     case VOXPLAY_TOO_LARGE:
-      return "the sound does not fit in its container";
+      return "the sound is too large";
     case VOXPLAY_CANCELLED:
       return "the work was cancelled";
     case VOXPLAY_INTERNAL:

@@ -67,7 +67,7 @@ typedef enum voxplay_status {
   VOXPLAY_UNKNOWN = 8,      /* the bytes are none of the formats that this library reads */
   VOXPLAY_UNSUPPORTED = 9,  /* the format is known, but not this kind of it */
   VOXPLAY_DAMAGED = 10,     /* the bytes contradict themselves */
-  VOXPLAY_TOO_LARGE = 11,   /* the sound does not fit in its container */
+  VOXPLAY_TOO_LARGE = 11,   /* the sound is too large, for its container or its codec */
   VOXPLAY_CANCELLED = 12,   /* a progress function asked to stop */
   VOXPLAY_INTERNAL = 13     /* none of these: a mistake in the library */
 } voxplay_status;
@@ -88,7 +88,8 @@ typedef enum voxplay_container {
   VOXPLAY_CONTAINER_BARE = 6  /* a coded stream alone */
 } voxplay_container;
 
-/* How its samples are coded. */
+/* How its samples are coded. Sounds of all codecs but the first two are refused with
+ * VOXPLAY_TOO_LARGE when they have 2,147,483,648 samples or more: 4 GiB as int16_t. */
 typedef enum voxplay_codec {
   VOXPLAY_CODEC_NONE = 0,
   VOXPLAY_CODEC_PCM = 1,   /* integers of 8 (unsigned), 16, 24 or 32 bits */
@@ -169,12 +170,17 @@ typedef struct voxplay_info {
   /* All frames of the sound, UINT64_MAX while an input that only goes forward does not tell. Of a
    * damaged sound it may turn out smaller while it is read. */
   uint64_t frames;
-  uint32_t bits_per_sample; /* of PCM and FLOAT: 8, 12, 16 ...; of Heron: 2 to 6; otherwise 0 */
-  uint32_t stored_bits;     /* of PCM and FLOAT: the room of a sample in the file; otherwise 0 */
-  uint32_t bit_rate;        /* of Kestrel; otherwise bits per second of the coded samples, or 0 */
-  uint32_t has_stream;      /* 1 for a VEF file with PCM and a stream, whichever is read */
+  /* Of PCM and FLOAT: 8, 12, 16 ..., which are the high bits of stored_bits; of Heron: 2 to 6;
+   * otherwise 0. */
+  uint32_t bits_per_sample;
+  uint32_t stored_bits; /* of PCM and FLOAT: the room of a sample in the file; otherwise 0 */
+  uint32_t bit_rate;    /* of Kestrel; otherwise bits per second of the coded samples, or 0 */
+  /* 1 for a VEF file with PCM and a stream, whichever is read, when the stream is whole and not
+   * empty. An input that only goes forward does not tell what comes after the samples. */
+  uint32_t has_stream;
   /* Of the frames that were read so far: those whose bytes are damaged or missing, so that
-   * something else stands in their place. */
+   * something else stands in their place. Such a frame counts when reading first goes beyond it, so
+   * frames that are read twice count once. Frames that a seek passed over are not counted. */
   uint64_t damaged_frames;
 } voxplay_info;
 
@@ -186,7 +192,8 @@ voxplay_status voxplay_reader_info(const voxplay_reader* reader, voxplay_info* i
 typedef struct voxplay_headers {
   uint32_t has_sp;     /* 1 for a file with an SP header */
   uint32_t has_head;   /* 1 for a file with a codec head */
-  uint32_t has_vafm;   /* 1 for a VEF file with a "vafm" chunk */
+  uint32_t has_vafm;   /* 1 for a VEF file with a "vafm" chunk; see has_stream for inputs that only
+                        * go forward */
   uint32_t sp_version; /* 254 or 255 */
   uint32_t sp_identifier;
   uint32_t sp_format;
@@ -221,7 +228,12 @@ voxplay_status voxplay_reader_read_f32(voxplay_reader* reader, float* samples, s
 
 /* Moves to a frame; frame is at most the number of frames. The same samples follow as if everything
  * before them had been read. Codecs have to decode some of it: all of it, the first time, in
- * Kestrel, though in a way that takes a fraction of the time. */
+ * Kestrel, though in a way that takes a fraction of the time.
+ *
+ * An input that only goes forward goes back, if at all, only to what is still in memory; otherwise
+ * the result is VOXPLAY_CANNOT_SEEK, and the position stays. An input that only goes forward and
+ * does not tell its length may be read to its end by a seek beyond that: the result is
+ * VOXPLAY_BAD_ARGUMENT, and the position is then the end of the sound. */
 voxplay_status voxplay_reader_seek(voxplay_reader* reader, uint64_t frame);
 /* The present position; 0 when nothing is open. */
 uint64_t voxplay_reader_tell(const voxplay_reader* reader);

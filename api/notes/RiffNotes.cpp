@@ -26,18 +26,18 @@ bool FitsInAChunk(std::span<const std::uint8_t> data) {
   return std::in_range<std::uint32_t>(data.size());
 }
 
-S_NoteChunk AsList(std::span<const std::uint8_t> parts) {
-  S_NoteChunk list{kList, {'a', 'd', 't', 'l'}};
-  list.data.insert(list.data.end(), parts.begin(), parts.end());
-  return list;
+S_NoteChunk AsList(std::vector<std::uint8_t> parts) {
+  parts.insert(parts.begin(), {'a', 'd', 't', 'l'});
+  return {kList, std::move(parts)};
 }
 
 // Goes through the chunks of a file. Of several chunks that hold marks of one kind, the last one
 // counts, as in the class library. The earlier ones are kept as further chunks.
 class C_ChunkReader {
  public:
-  explicit C_ChunkReader(std::span<const S_HeldChunk> chunks) {
-    for (const S_HeldChunk& chunk : chunks) Take(chunk);
+  // The chunks must outlive the object, which moves from them.
+  explicit C_ChunkReader(std::span<S_HeldChunk> chunks) {
+    for (S_HeldChunk& chunk : chunks) Take(chunk);
   }
 
   // All but what cue points and labels mean. Further chunks are in the order in which they are
@@ -49,12 +49,12 @@ class C_ChunkReader {
       notes.sampler = std::move(read.sampler);
       notes.loops = std::move(read.loops);
     }
-    m_parts.insert(m_parts.end(), m_list.others.begin(), m_list.others.end());
+    TakeParts();
     notes.chunks = std::move(m_earlier);
     std::ranges::stable_sort(notes.chunks, std::ranges::less(), [](const S_NoteChunk& chunk) {
       return MarkKindOf(chunk.id, chunk.data);
     });
-    if (!m_parts.empty()) notes.chunks.push_back(AsList(m_parts));
+    if (!m_parts.empty()) notes.chunks.push_back(AsList(std::move(m_parts)));
     for (S_NoteChunk& chunk : m_others) notes.chunks.push_back(std::move(chunk));
     return notes;
   }
@@ -64,7 +64,7 @@ class C_ChunkReader {
   [[nodiscard]] const S_LabelList& List() const { return m_list; }
 
  private:
-  void Take(const S_HeldChunk& chunk) {
+  void Take(S_HeldChunk& chunk) {
     switch (MarkKindOf(chunk.id, chunk.data)) {
       case E_MarkKind::Cues:
         Supersede(m_pCues, chunk);
@@ -77,32 +77,42 @@ class C_ChunkReader {
         break;
       case E_MarkKind::None:
         // Half of a chunk that nobody understands would be taken for all of it.
-        if (!chunk.bCut) m_others.push_back({chunk.id, chunk.data});
+        if (!chunk.bCut) m_others.push_back({chunk.id, std::move(chunk.data)});
     }
   }
 
-  void Supersede(const S_HeldChunk*& pLast, const S_HeldChunk& chunk) {
-    if (pLast != nullptr) m_earlier.push_back({pLast->id, pLast->data});
+  void Supersede(S_HeldChunk*& pLast, S_HeldChunk& chunk) {
+    if (pLast != nullptr) m_earlier.push_back({pLast->id, std::move(pLast->data)});
     pLast = &chunk;
   }
 
-  void SupersedeList(const S_HeldChunk& chunk) {
+  void SupersedeList(S_HeldChunk& chunk) {
     if (m_list.HasOnlyOthers()) {
-      m_parts.insert(m_parts.end(), m_list.others.begin(), m_list.others.end());
+      TakeParts();
     } else {
-      m_earlier.push_back({kList, {m_listBytes.begin(), m_listBytes.end()}});
+      m_pList->data.resize(m_list.cbWhole);
+      m_earlier.push_back({kList, std::move(m_pList->data)});
     }
     m_list = ReadLabelList(chunk.data);
     if (!m_list.bSound && !chunk.bCut) {
       throw C_Failure(VOXPLAY_DAMAGED, "LIST chunk: its labels contradict their own sizes");
     }
-    m_listBytes = std::span(chunk.data).first(m_list.cbWhole);
+    m_pList = &chunk;
   }
 
-  const S_HeldChunk* m_pCues = nullptr;
-  const S_HeldChunk* m_pSampler = nullptr;
+  void TakeParts() {
+    std::vector<std::uint8_t> parts = std::exchange(m_list.others, {});
+    if (m_parts.empty()) {
+      m_parts = std::move(parts);
+    } else {
+      m_parts.insert(m_parts.end(), parts.begin(), parts.end());
+    }
+  }
+
+  S_HeldChunk* m_pCues = nullptr;
+  S_HeldChunk* m_pSampler = nullptr;
+  S_HeldChunk* m_pList = nullptr;  // m_list is read from it
   S_LabelList m_list;
-  std::span<const std::uint8_t> m_listBytes;
   std::vector<std::uint8_t> m_parts;  // of lists without labels
   std::vector<S_NoteChunk> m_earlier;
   std::vector<S_NoteChunk> m_others;
@@ -188,7 +198,7 @@ class C_ChunkSorter {
 
 }  // namespace
 
-S_Notes ReadRiffNotes(std::span<const S_HeldChunk> chunks, E_RiffForm eForm, bool bCutShort) {
+S_Notes ReadRiffNotes(std::vector<S_HeldChunk> chunks, E_RiffForm eForm, bool bCutShort) {
   C_ChunkReader reader(chunks);
   S_Notes notes = reader.Read();
   AddMarks(reader.Cues(), reader.List(), eForm, bCutShort, notes);

@@ -37,8 +37,8 @@ struct S_HeldChunk {
 // The notes of the chunks of a file, except for "fmt ", "data", "fact", "ds64", "JUNK" of zeros
 // and, of VEF files, "vafm" and "vdat", which the caller leaves out. bCutShort is true of a file
 // that is cut anywhere: labels may then lack their cue points. Throws C_Failure (VOXPLAY_DAMAGED)
-// for what the class library refuses.
-S_Notes ReadRiffNotes(std::span<const S_HeldChunk> chunks, E_RiffForm eForm, bool bCutShort);
+// for what the class library refuses. Payloads that are kept are moved from the chunks.
+S_Notes ReadRiffNotes(std::vector<S_HeldChunk> chunks, E_RiffForm eForm, bool bCutShort);
 
 struct S_RiffNotes {
   std::vector<S_NoteChunk> marks;   // "cue ", "smpl", "LIST" of type "adtl": those that are needed

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "reader/CodedStream.h"
 
-#include <algorithm>
 #include <utility>
 
-#include "base/Failure.h"
 #include "interface/AudioFileType.h"
 #include "stream/HeronStream.h"
 #include "stream/KestrelStream.h"
@@ -24,8 +22,7 @@ void Describe(voxplay_info& info, voxplay_codec eCodec, std::uint32_t dwSampleRa
 
 S_ByteRange RestOf(const I_ByteSource& source, std::uint64_t qwAt) {
   const auto qwLength = source.Length();
-  if (!qwLength) return {qwAt, kLongestClaim};
-  return {qwAt, *qwLength - std::min(*qwLength, qwAt)};
+  return Held(source, {qwAt, qwLength ? *qwLength : kLongestClaim});
 }
 
 void OpenKestrel(I_ByteSource& source, const S_ByteRange& range, std::uint32_t dwSampleRate,
@@ -38,9 +35,6 @@ void OpenKestrel(I_ByteSource& source, const S_ByteRange& range, std::uint32_t d
 
 void OpenHeron(I_ByteSource& source, const S_ByteRange& range, std::uint32_t dwSampleRate,
                S_Opened& opened) {
-  if (!source.CanGoBack()) {
-    throw C_Failure(VOXPLAY_CANNOT_SEEK, "Heron stream: the input only goes forward");
-  }
   S_HeronStream heron = OpenHeronStream(source, range, dwSampleRate);
   Describe(opened.info, VOXPLAY_CODEC_HERON, dwSampleRate);
   opened.info.bits_per_sample = static_cast<std::uint32_t>(heron.nBitDepth);

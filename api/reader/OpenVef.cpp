@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "base/Failure.h"
 #include "base/Words.h"
@@ -20,6 +21,14 @@ const S_FoundChunk* FindStream(const S_RiffContents& contents) {
     return std::ranges::equal(chunk.id, kID);
   });
   return found == contents.chunks.end() ? nullptr : &*found;
+}
+
+// An input of unknown length has a chunk that claims to be whole, if another one follows it.
+bool HasStream(const I_ByteSource& source, const S_RiffContents& contents) {
+  const S_FoundChunk* const pStream = FindStream(contents);
+  if (pStream == nullptr || pStream->payload.qwSize == 0) return false;
+  if (!source.Length()) return pStream != &contents.chunks.back();
+  return pStream->qwHeld == pStream->payload.qwSize;
 }
 
 void FillHeaders(const S_CodecRecord& record, voxplay_headers& headers) {
@@ -73,14 +82,14 @@ void OpenStream(I_ByteSource& source, const S_RiffSound& sound, S_Opened& opened
 }  // namespace
 
 S_Opened OpenVef(I_ByteSource& source, std::uint32_t dwFlags) {
-  const S_RiffSound sound = ReadRiffSound(source, E_RiffForm::Vef);
+  S_RiffSound sound = ReadRiffSound(source, E_RiffForm::Vef);
   if (sound.format.wTag != WAVE_TAG_PCM) {
     throw C_Failure(VOXPLAY_UNSUPPORTED, "fmt chunk: format tag " +
                                              words::Hex16(sound.format.wTag) +
                                              " is not supported in a VEF file");
   }
   S_Opened opened;
-  opened.notes = ReadRiffNotes(sound.further, E_RiffForm::Vef, sound.contents.bCutShort);
+  opened.notes = ReadRiffNotes(std::move(sound.further), E_RiffForm::Vef, sound.contents.bCutShort);
   if ((dwFlags & VOXPLAY_READ_STREAM) != 0) {
     opened.info.container = VOXPLAY_CONTAINER_VEF;
     OpenStream(source, sound, opened);
@@ -88,7 +97,7 @@ S_Opened OpenVef(I_ByteSource& source, std::uint32_t dwFlags) {
     opened.info = StoredInfo(sound, VOXPLAY_CONTAINER_VEF);
     opened.stream = OpenStored(source, sound);
   }
-  opened.info.has_stream = FindStream(sound.contents) != nullptr ? 1 : 0;
+  opened.info.has_stream = HasStream(source, sound.contents) ? 1 : 0;
   if (sound.codecRecord) FillHeaders(*sound.codecRecord, opened.headers);
   return opened;
 }

@@ -11,7 +11,13 @@
 namespace api {
 namespace {
 
-constexpr std::uint32_t kFlags = VOXPLAY_READ_STREAM | VOXPLAY_READ_NO_BARE;
+// Enough for all tests but those of RIFF files. More is not asked of an input that only goes
+// forward: it may be live, and its first samples would wait for what is tested.
+constexpr std::size_t kMarkBytes = 64;
+
+bool MayBeRiff(std::span<const std::uint8_t> first) {
+  return first.size() >= 2 && first[0] == 'R' && (first[1] == 'I' || first[1] == 'F');
+}
 
 // Whether a failure says that the bytes are not what they were taken for.
 bool IsAboutTheBytes(const C_Failure& failure) {
@@ -28,7 +34,8 @@ bool HasMark(voxplay_container eContainer) {
 class C_Opener {
  public:
   C_Opener(I_ByteSource& source, std::uint32_t dwFlags) : m_source(source), m_dwFlags(dwFlags) {
-    m_first = std::span(m_bytes).first(source.ReadSome(0, m_bytes));
+    m_first = FirstBytes(source.CanGoBack() ? kTestedBytes : kMarkBytes);
+    if (!source.CanGoBack() && MayBeRiff(m_first)) m_first = FirstBytes(kTestedBytes);
   }
 
   S_Opened Open() {
@@ -42,6 +49,9 @@ class C_Opener {
   }
 
  private:
+  std::span<const std::uint8_t> FirstBytes(std::size_t cbMost) {
+    return std::span(m_bytes).first(m_source.ReadSome(0, std::span(m_bytes).first(cbMost)));
+  }
   bool Try(PFN_Test pfnTest, PFN_Open pfnOpen, S_Opened& opened) {
     const S_TestResult test = pfnTest(m_first);
     if (!m_strTests.empty()) m_strTests += "; ";
@@ -67,7 +77,6 @@ class C_Opener {
 }  // namespace
 
 std::unique_ptr<C_Reader> C_Reader::Open(C_ByteSourcePtr source, std::uint32_t dwFlags) {
-  if ((dwFlags & ~kFlags) != 0) throw C_Failure(VOXPLAY_BAD_ARGUMENT, "flags: some are not known");
   return std::unique_ptr<C_Reader>(new C_Reader(std::move(source), dwFlags));
 }
 

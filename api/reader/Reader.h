@@ -11,8 +11,9 @@
 //   bare   Kestrel streams without any header: those that the player plays
 //
 // The factory also opens PCM of widths above 32 bits, and VEF files with such PCM, as bytes without
-// a meaning. That is refused. Events are kept even when the sample rate is 0; the class library,
-// which counts them in time, drops them then.
+// a meaning. That is refused. Samples of 12 or 20 bits are taken as the high bits of their bytes,
+// as other programs take them, while the class library takes them as they are. Events are kept even
+// when the sample rate is 0; the class library, which counts them in time, drops them then.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +26,8 @@ namespace api {
 
 class C_Reader {
  public:
-  // dwFlags are VOXPLAY_READ_.... Throws C_Failure; VOXPLAY_UNKNOWN says which tests failed.
+  // dwFlags are VOXPLAY_READ_..., and no others. Throws C_Failure; VOXPLAY_UNKNOWN says which tests
+  // failed.
   static std::unique_ptr<C_Reader> Open(C_ByteSourcePtr source, std::uint32_t dwFlags);
 
   [[nodiscard]] voxplay_info Info() const;

@@ -9,6 +9,7 @@
 #include "base/Failure.h"
 #include "base/Words.h"
 #include "file/WavFileBase.h"
+#include "reader/ChunkPayload.h"
 #include "stream/CompressedStream.h"
 #include "stream/PcmStream.h"
 
@@ -17,30 +18,9 @@ namespace {
 
 constexpr std::size_t kRecordBytes = 16;
 constexpr std::uint16_t kRecordVersion = 256;
-// A source of unknown length may hold less than a chunk claims.
-constexpr std::uint64_t kTrustedBytes = 65536;
 
 bool IsID(const S_FoundChunk& chunk, std::string_view id) {
   return std::ranges::equal(chunk.id, id);
-}
-
-// The first bytes of a chunk, up to qwMost of them, as far as they are there.
-std::vector<std::uint8_t> LoadPayload(I_ByteSource& source, const S_FoundChunk& chunk,
-                                      std::uint64_t qwMost) {
-  const std::uint64_t qwWanted = std::min(chunk.qwHeld, qwMost);
-  std::vector<std::uint8_t> bytes;
-  while (bytes.size() < qwWanted) {
-    const std::size_t cbBefore = bytes.size();
-    const std::uint64_t qwStep =
-        source.Length() ? qwWanted : std::max<std::uint64_t>(kTrustedBytes, cbBefore);
-    const auto cbStep = static_cast<std::size_t>(std::min(qwStep, qwWanted - cbBefore));
-    bytes.resize(cbBefore + cbStep);
-    const auto part = std::span(bytes).subspan(cbBefore);
-    const std::size_t cbRead = source.ReadSome(chunk.payload.qwAt + cbBefore, part);
-    bytes.resize(cbBefore + cbRead);
-    if (cbRead < cbStep) break;
-  }
-  return bytes;
 }
 
 std::optional<S_CodecRecord> ReadCodecRecord(std::span<const std::uint8_t> payload) {
@@ -57,10 +37,7 @@ std::optional<S_CodecRecord> ReadCodecRecord(std::span<const std::uint8_t> paylo
   return bKnown ? std::optional(record) : std::nullopt;
 }
 
-bool IsPadding(const S_FoundChunk& chunk, std::span<const std::uint8_t> payload) {
-  return IsID(chunk, "JUNK") &&
-         std::ranges::all_of(payload, [](auto byByte) { return byByte == 0; });
-}
+bool MayPad(const S_FoundChunk& chunk) { return IsID(chunk, "JUNK"); }
 
 // Loads chunks one after the other, as the scan finds them.
 class C_ChunkLoader {
@@ -98,18 +75,12 @@ class C_ChunkLoader {
     m_sound.codecRecord = ReadCodecRecord(LoadPayload(m_source, chunk, kRecordBytes));
   }
   void TakeFurther(const S_FoundChunk& chunk) {
-    // What an input of unknown length claims need not be there.
-    if (m_source.Length()) CheckRoom(chunk.qwHeld);
-    auto payload = LoadPayload(m_source, chunk, m_qwLeft + 1);
-    CheckRoom(payload.size());
-    m_qwLeft -= payload.size();
-    if (IsPadding(chunk, payload)) return;
-    const bool bCut = payload.size() < chunk.payload.qwSize;
-    m_sound.further.push_back({chunk.id, std::move(payload), bCut});
-  }
-  void CheckRoom(std::uint64_t qwBytes) const {
-    if (qwBytes <= m_qwLeft) return;
-    throw C_Failure(VOXPLAY_UNSUPPORTED, "chunks: those beside the samples take more than 1 GiB");
+    auto payload = MayPad(chunk) ? LoadUnlessZeros(m_source, chunk, m_qwLeft)
+                                 : LoadWhole(m_source, chunk, m_qwLeft);
+    if (!payload) return;
+    m_qwLeft -= payload->size();
+    const bool bCut = payload->size() < chunk.payload.qwSize;
+    m_sound.further.push_back({chunk.id, std::move(*payload), bCut});
   }
 
   I_ByteSource& m_source;
@@ -134,8 +105,7 @@ C_SampleStreamPtr OpenPcm(I_ByteSource& source, const S_WavFormat& format,
   }
   // Values use the high bits of their room, so all bits of it count.
   const bool bFloat = format.eCodec == VOXPLAY_CODEC_FLOAT;
-  return OpenPcmStream(source, range,
-                       {format.wChannels, format.wStoredBits, format.wStoredBits, bFloat});
+  return OpenPcmStream(source, range, {format.wChannels, format.wStoredBits, bFloat});
 }
 
 }  // namespace

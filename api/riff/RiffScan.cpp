@@ -133,7 +133,7 @@ class C_Scanner {
     if (m_contents.bRf64 && head.dwSize == kNotSaid) {
       chunk.payload.qwSize = m_ds64.SizeOf(head.id).value_or(kNotSaid);
     }
-    if (IsData(head) && IsToTheEnd(head, chunk.payload)) {
+    if (IsData(head) && IsToTheEnd(head)) {
       m_contents.bToTheEnd = true;
       chunk.payload.qwSize = qwRest;
     }
@@ -150,11 +150,11 @@ class C_Scanner {
     return IsID(head.id, "data") &&
            (IsID(m_contents.form, "WAVE") || IsID(m_contents.form, "VEMD"));
   }
-  [[nodiscard]] bool IsToTheEnd(const S_ChunkHead& head, const S_ByteRange& payload) {
-    if (head.dwSize == kNotSaid) return payload.qwSize == kNotSaid;
+  [[nodiscard]] bool IsToTheEnd(const S_ChunkHead& head) {
+    if (head.dwSize == kNotSaid) return !m_contents.bRf64 || !m_ds64.SizeOf(head.id);
     if (head.dwSize != 0 || m_contents.bRf64 || SaysSize()) return false;
     // What holds after one empty chunk holds after the next one.
-    m_bOnlyChunks = m_bOnlyChunks || HoldsChunks(payload.qwAt);
+    m_bOnlyChunks = m_bOnlyChunks || HoldsChunks(head.qwAt + kChunkHeadBytes);
     return !m_bOnlyChunks;
   }
   // Whether chunks begin here and go on to the end of the file. Samples never look like that.

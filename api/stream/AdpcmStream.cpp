@@ -26,6 +26,7 @@ constexpr std::size_t kSamplesPerByte = 3;
 // group that only some channels have.
 constexpr std::size_t kFramesBeyond = 40;
 constexpr std::size_t kLeastHeader = 4;  // bytes of each channel
+constexpr std::uint64_t kNoEnd = std::numeric_limits<std::uint64_t>::max();
 
 std::size_t MostFrames(std::size_t cbBlock, std::size_t nChannels) {
   if (cbBlock / kLeastHeader < nChannels) return 0;
@@ -111,9 +112,12 @@ void C_AdpcmStream::Seek(std::uint64_t qwFrame) {
 bool C_AdpcmStream::Reaches(std::uint64_t qwFrame) {
   if (m_qwFrames) return qwFrame <= *m_qwFrames;
   if (qwFrame <= m_qwPosition || IsInWindow(qwFrame - 1)) return true;
+  GoTo(BlockOf(qwFrame - 1) * m_cbBlock);
   const bool bThere = MoveWindow(qwFrame - 1);
   m_input.ThrowFailure();
-  return bThere && (!m_qwFrames || qwFrame <= *m_qwFrames);
+  if (bThere && (!m_qwFrames || qwFrame <= *m_qwFrames)) return true;
+  m_qwPosition = m_qwFrames.value_or(m_qwPosition);
+  return false;
 }
 
 // The blocks far from the end count as they are; the decoder counts the others, by its own rule.
@@ -158,9 +162,8 @@ void C_AdpcmStream::ForgetEncoded(std::uint64_t qwOffset) {
   m_qwEncodedAt = qwOffset;
 }
 
-// Of blocks without frames, only what is left after them is a sound.
-void C_AdpcmStream::FindEnd() {
-  while (!m_bEndKnown && !m_input.Failed()) {
+void C_AdpcmStream::GoTo(std::uint64_t qwTo) {
+  while (!m_bEndKnown && !m_input.Failed() && m_qwEncodedAt + m_cbEncoded < qwTo) {
     Encoded(m_qwEncodedAt + m_cbEncoded / m_cbBlock * m_cbBlock);
   }
 }
@@ -182,7 +185,8 @@ std::uint64_t C_AdpcmStream::BlockOf(std::uint64_t qwFrame) const noexcept {
 
 bool C_AdpcmStream::MoveWindow(std::uint64_t qwFrame) {
   m_window.qwFrames = 0;
-  if (m_nBlockFrames == 0) FindEnd();
+  // Of blocks without frames, only what is left after them is a sound.
+  if (m_nBlockFrames == 0) GoTo(kNoEnd);
   if (m_input.Failed()) return false;
   const std::uint64_t qwBlock = BlockOf(qwFrame);
   const auto bytes = Encoded(qwBlock * m_cbBlock);

@@ -46,7 +46,8 @@ class C_AdpcmStream final : public C_SampleStream16 {
   void NoteEnd(std::uint64_t qwBytes);
   [[nodiscard]] std::uint64_t MostBytes() const noexcept;
   [[nodiscard]] bool IsAtEnd() const noexcept;
-  // Whether there are qwFrame frames.
+  // Whether there are qwFrame frames. Where a sound that does not tell ends before, the position is
+  // its end.
   [[nodiscard]] bool Reaches(std::uint64_t qwFrame);
 
   // The encoded bytes from qwOffset on, at most MostBytes(), as many as there is room for. Less
@@ -54,7 +55,8 @@ class C_AdpcmStream final : public C_SampleStream16 {
   std::span<const std::uint8_t> Encoded(std::uint64_t qwOffset);
   // Forgets what is held of the encoded bytes before qwOffset.
   void ForgetEncoded(std::uint64_t qwOffset);
-  void FindEnd();
+  // Reads on until the encoded bytes up to qwTo, or their end, have come.
+  void GoTo(std::uint64_t qwTo);
 
   [[nodiscard]] std::uint64_t BlockOf(std::uint64_t qwFrame) const noexcept;
   [[nodiscard]] bool IsInWindow(std::uint64_t qwFrame) const noexcept;

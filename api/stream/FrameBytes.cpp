@@ -13,6 +13,7 @@ namespace api {
 namespace {
 
 constexpr std::uint64_t kEverything = std::numeric_limits<std::uint64_t>::max();
+constexpr std::size_t kSkipBytes = 4096;  // that are passed over together
 
 }  // namespace
 
@@ -78,19 +79,34 @@ void C_FrameBytes::NoteEnd(std::uint64_t qwBytes) {
 }
 
 void C_FrameBytes::CountDamage(std::uint64_t qwEnd) {
-  const std::uint64_t qwFirst = std::max({m_qwPosition, m_qwHeld / m_cbFrame, m_qwCountedTo});
-  if (qwEnd <= qwFirst) return;
-  m_qwDamaged += qwEnd - qwFirst;
-  m_qwCountedTo = qwEnd;
+  const std::uint64_t qwGood = std::clamp(m_qwHeld / m_cbFrame, m_qwPosition, qwEnd);
+  m_damage.Read(m_qwPosition, qwGood, false);
+  m_damage.Read(qwGood, qwEnd, true);
 }
 
 bool C_FrameBytes::Reaches(std::uint64_t qwFrame) {
   if (qwFrame <= m_qwPosition) return true;
   if (qwFrame > m_qwHeld / m_cbFrame) return false;
-  std::array<std::uint8_t, 1> last{};
-  const bool bThere = m_input.Read(m_qwAt + (qwFrame * m_cbFrame - 1), last) == 1;
+  const std::uint64_t qwTo = qwFrame * m_cbFrame;
+  const std::uint64_t qwEnd = SkipTo(qwTo);
   m_input.ThrowFailure();
-  return bThere;
+  if (qwEnd == qwTo) return true;
+  NoteEnd(qwEnd);
+  m_qwPosition = *m_qwFrames;
+  return false;
+}
+
+// Reads on from the position to a byte of the sound, and returns how far it came.
+std::uint64_t C_FrameBytes::SkipTo(std::uint64_t qwTo) {
+  std::array<std::uint8_t, kSkipBytes> piece;
+  std::uint64_t qwAt = m_qwPosition * m_cbFrame;
+  while (qwAt < qwTo) {
+    const auto cbPart = static_cast<std::size_t>(std::min<std::uint64_t>(kSkipBytes, qwTo - qwAt));
+    const std::size_t cbRead = m_input.Read(m_qwAt + qwAt, std::span(piece).first(cbPart));
+    qwAt += cbRead;
+    if (cbRead < cbPart) break;
+  }
+  return qwAt;
 }
 
 }  // namespace api

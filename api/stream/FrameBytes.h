@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 
+#include "stream/DamageCount.h"
 #include "stream/StreamInput.h"
 
 namespace api {
@@ -32,8 +33,7 @@ class C_FrameBytes {
   C_FrameBytes(I_ByteSource& source, const S_FrameRange& range, std::size_t cbFrame);
 
   [[nodiscard]] std::optional<std::uint64_t> FrameCount() const noexcept { return m_qwFrames; }
-  // Frames that are read again count once.
-  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept { return m_qwDamaged; }
+  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept { return m_damage.Frames(); }
   [[nodiscard]] std::uint64_t Position() const noexcept { return m_qwPosition; }
 
   // Begins to read frames: returns how many of nFrames may be there. Throws what stopped the frames
@@ -53,8 +53,10 @@ class C_FrameBytes {
   // The source has no more than this many bytes of the sound.
   void NoteEnd(std::uint64_t qwBytes);
   void CountDamage(std::uint64_t qwEnd);
-  // Whether there are qwFrame frames, for a sound that does not tell.
+  // Whether there are qwFrame frames, for a sound that does not tell. Reads on to there; where the
+  // sound ends before, the position is its end.
   [[nodiscard]] bool Reaches(std::uint64_t qwFrame);
+  std::uint64_t SkipTo(std::uint64_t qwTo);
 
   C_StreamInput m_input;
   std::uint64_t m_qwAt;
@@ -63,8 +65,7 @@ class C_FrameBytes {
   bool m_bZeros;
   std::optional<std::uint64_t> m_qwFrames;
   std::uint64_t m_qwPosition = 0;
-  std::uint64_t m_qwDamaged = 0;
-  std::uint64_t m_qwCountedTo = 0;  // damage before this frame is counted
+  C_DamageCount m_damage;
 };
 
 }  // namespace api

@@ -17,7 +17,10 @@ std::span<const std::uint8_t> C_HeronCoded::View(std::uint64_t qwAt, std::size_t
   if (m_bInMemory) {
     return m_source.InMemory().subspan(static_cast<std::size_t>(m_range.qwAt + qwAt), nThere);
   }
-  if (LoadedAt(qwAt) < std::min(nLeast, nThere)) Load(qwAt, nThere);
+  // Runs may be empty, wherever the window is.
+  if (nThere == 0) return {};
+  const std::size_t nNeeded = std::max<std::size_t>(std::min(nLeast, nThere), 1);
+  if (LoadedAt(qwAt) < nNeeded) Load(qwAt, nThere);
   const auto nBefore = static_cast<std::size_t>(qwAt - m_qwWindow);
   return std::span(m_window).subspan(nBefore, std::min(nThere, m_nLoaded - nBefore));
 }

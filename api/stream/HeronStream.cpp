@@ -12,6 +12,7 @@
 #include "codec/HeronStream.h"
 #include "heron/Configuration.h"
 #include "heron/SampleCount.h"
+#include "stream/DamageCount.h"
 #include "stream/HeronBlocks.h"
 #include "stream/PieceStream.h"
 
@@ -32,14 +33,9 @@ int CoderRate(std::uint32_t dwSampleRate) {
   return static_cast<int>(dwSampleRate);
 }
 
-// The range without what comes after the source.
-S_ByteRange Held(const I_ByteSource& source, S_ByteRange range) {
-  const auto length = source.Length();
-  if (!length || !source.CanGoBack()) {
-    Refuse(VOXPLAY_CANNOT_SEEK, "the input only goes forward, and has to go back for this codec");
-  }
-  const std::uint64_t qwRest = *length - std::min(range.qwAt, *length);
-  return {range.qwAt, std::min(range.qwSize, qwRest)};
+void CheckWay(const I_ByteSource& source) {
+  if (source.CanGoBack()) return;
+  Refuse(VOXPLAY_CANNOT_SEEK, "the input only goes forward, and has to go back for this codec");
 }
 
 S_ByteRange After(S_ByteRange range, std::uint64_t qwBytes) {
@@ -90,7 +86,7 @@ class C_HeronStream final : public C_PieceStream {
   [[nodiscard]] std::optional<std::uint64_t> FrameCount() const noexcept override {
     return m_blocks.SampleCount();
   }
-  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override { return m_qwDamaged; }
+  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override { return m_damage.Frames(); }
   [[nodiscard]] std::uint64_t Position() const noexcept override { return m_qwPosition; }
   void Seek(std::uint64_t qwFrame) override;
 
@@ -110,7 +106,7 @@ class C_HeronStream final : public C_PieceStream {
 
   C_HeronBlocks m_blocks;
   std::uint64_t m_qwPosition = 0;
-  std::uint64_t m_qwDamaged = 0;
+  C_DamageCount m_damage;
   std::vector<std::int16_t> m_samples;  // of the block that is held
   std::size_t m_nHeld = kNone;
   bool m_bGood = false;
@@ -156,8 +152,8 @@ std::size_t C_HeronStream::ReadPiece(std::span<std::int16_t> samples) {
   const auto rest = std::span(m_samples).subspan(nAt);
   const auto part = rest.first(std::min(rest.size(), samples.size()));
   std::ranges::copy(part, samples.begin());
+  m_damage.Read(m_qwPosition, m_qwPosition + part.size(), !m_bGood);
   m_qwPosition += part.size();
-  if (!m_bGood) m_qwDamaged += part.size();
   return part.size();
 }
 
@@ -171,6 +167,7 @@ void C_HeronStream::Seek(std::uint64_t qwFrame) {
 }  // namespace
 
 S_HeronStream OpenHeronStream(I_ByteSource& source, S_ByteRange range, std::uint32_t dwSampleRate) {
+  CheckWay(source);
   const int nSampleRate = CoderRate(dwSampleRate);
   const S_Audio audio = FindAudio(source, Held(source, range));
   return {std::make_unique<C_HeronStream>(source, audio.coded, nSampleRate), audio.nBitDepth};

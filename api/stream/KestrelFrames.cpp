@@ -36,14 +36,15 @@ bool C_KestrelFrames::IsLoaded(std::uint64_t qwAt, std::size_t cbWanted) const n
   return qwAt >= m_qwWindow && cbWanted <= m_cbAsked && qwAt - m_qwWindow <= m_cbAsked - cbWanted;
 }
 
-// Where a block cannot be read, the frames before that place still may.
 void C_KestrelFrames::Load(std::uint64_t qwAt, std::size_t cbFrameHere) {
+  if (!m_source.CanGoBack()) return LoadBytes(qwAt, cbFrameHere);
   const auto cbBlock =
       static_cast<std::size_t>(std::min<std::uint64_t>(kFrames * m_cbFrame, m_range.qwSize - qwAt));
   try {
     LoadBytes(qwAt, cbBlock);
   } catch (const C_Failure&) {
-    if (cbBlock == cbFrameHere || !m_source.CanGoBack()) throw;
+    // Where a block cannot be read, the frames before that place still may.
+    if (cbBlock == cbFrameHere) throw;
     LoadBytes(qwAt, cbFrameHere);
   }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The bytes of a Kestrel stream's frames, read in blocks of frames.
+// The bytes of a Kestrel stream's frames, read in blocks of frames; one by one from a source that
+// cannot go back, so that nobody waits for frames that are still to come.
 #pragma once
 
 #include <array>

@@ -8,6 +8,7 @@
 
 #include "ByteReader.h"
 #include "base/Failure.h"
+#include "stream/DamageCount.h"
 #include "stream/KestrelCursor.h"
 #include "stream/PieceStream.h"
 
@@ -43,14 +44,6 @@ S_Head ReadHead(I_ByteSource& source, S_ByteRange range) {
   head.dwClaimed = reader.U32();
   head.dwBitRate = reader.U16();
   return head;
-}
-
-// The range without what comes after the source.
-S_ByteRange Held(const I_ByteSource& source, S_ByteRange range) {
-  const auto length = source.Length();
-  if (!length) return range;
-  const std::uint64_t qwRest = *length - std::min(range.qwAt, *length);
-  return {range.qwAt, std::min(range.qwSize, qwRest)};
 }
 
 void CheckClaim(const S_Head& head, std::uint64_t qwHeld) {
@@ -100,7 +93,7 @@ class C_KestrelStream final : public C_PieceStream {
   [[nodiscard]] std::optional<std::uint64_t> FrameCount() const noexcept override {
     return m_bKnown ? std::optional(m_qwCount) : std::nullopt;
   }
-  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override { return m_qwDamaged; }
+  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override { return m_damage.Frames(); }
   [[nodiscard]] std::uint64_t Position() const noexcept override { return m_qwPosition; }
   void Seek(std::uint64_t qwFrame) override;
 
@@ -120,7 +113,7 @@ class C_KestrelStream final : public C_PieceStream {
   std::uint64_t m_qwCount;  // samples of the sound
   bool m_bKnown;
   std::uint64_t m_qwPosition = 0;
-  std::uint64_t m_qwDamaged = 0;
+  C_DamageCount m_damage;
   // The frame before that of the cursor, as long as it has not been read to its end.
   kestrel::S_Frame m_held{};
   std::uint64_t m_qwHeld = kNone;
@@ -166,25 +159,30 @@ void C_KestrelStream::EndHere() {
 }
 
 void C_KestrelStream::Passed(std::size_t nSamples) {
+  m_damage.Read(m_qwPosition, m_qwPosition + nSamples, m_bDamaged);
   m_qwPosition += nSamples;
-  if (m_bDamaged) m_qwDamaged += nSamples;
 }
 
 void C_KestrelStream::Seek(std::uint64_t qwFrame) {
-  if (m_bKnown && qwFrame > m_qwCount) ThrowAfterEnd(qwFrame, m_qwCount);
+  const std::uint64_t qwCount = m_qwCount;  // or more than that, while it is not known
+  if (qwFrame > qwCount) ThrowAfterEnd(qwFrame, qwCount);
+  const bool bEnd = m_bKnown && qwFrame == qwCount;
+  if (!bEnd && qwFrame / kSamples != m_qwHeld) Move(qwFrame);
   ForgetFailure();
-  const bool bEnd = m_bKnown && qwFrame == m_qwCount;
-  if (!bEnd && qwFrame / kSamples != m_qwHeld) Move(qwFrame / kSamples);
-  m_qwPosition = std::min(qwFrame, m_bKnown ? m_qwCount : qwFrame);
+  m_qwPosition = std::min(qwFrame, m_qwCount);
+  if (qwFrame > m_qwCount) ThrowAfterEnd(qwFrame, m_qwCount);
 }
 
 void C_KestrelStream::Move(std::uint64_t qwFrame) {
-  if (qwFrame < m_cursor.Frame() && !m_cursor.CanGoBack()) {
+  const std::uint64_t qwTo = qwFrame / kSamples;
+  if (qwTo < m_cursor.Frame() && !m_cursor.CanGoBack()) {
     Refuse(VOXPLAY_CANNOT_SEEK, "the input only goes forward");
   }
-  m_cursor.MoveTo(qwFrame);
+  m_cursor.MoveTo(qwTo);
   m_qwHeld = kNone;
-  if (m_cursor.Frame() != qwFrame) EndHere();
+  if (m_cursor.Frame() != qwTo) return EndHere();
+  // Whether there is a place within a frame shows only with the frame.
+  if (!m_bKnown && qwFrame % kSamples != 0 && Decode(m_held)) m_qwHeld = qwTo;
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ struct S_KestrelStream {
 
 // The stream is in this range, which may end after the source. The source must outlive the result.
 // Of a source that does not tell its length, the length field of the stream is believed until the
-// end comes, and a seek to a frame after the end moves there. Throws C_Failure.
+// end comes. Throws C_Failure.
 S_KestrelStream OpenKestrelStream(I_ByteSource& source, S_ByteRange range);
 
 }  // namespace api

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "stream/PcmSamples.h"
 
-#include <algorithm>
 #include <bit>
 #include <cfloat>
 #include <cmath>
@@ -96,43 +95,6 @@ struct S_Float {
   }
 };
 
-// The significant bits are the low ones of more.
-template <std::size_t cbSample>
-class C_Low {
- public:
-  static constexpr std::size_t kBytes = cbSample;
-
-  explicit C_Low(unsigned int dwBits) : m_dwBits(dwBits), m_dwSign(1U << (dwBits - 1U)) {}
-
-  template <typename Sample>
-  [[nodiscard]] Sample To(const std::uint8_t* pbyStored) const {
-    const std::int64_t nValue = Value(UnitAt<cbSample>(pbyStored));
-    if constexpr (std::is_same_v<Sample, float>) {
-      return FromFull<float>(Scaled<std::int32_t>(nValue));
-    } else {
-      return Scaled<Sample>(nValue);
-    }
-  }
-
- private:
-  // Bits above the sign are as they are when it is not set, so a value may be out of its range.
-  [[nodiscard]] std::int32_t Value(std::uint32_t dwUnit) const {
-    if constexpr (cbSample == 1) return static_cast<std::int32_t>(dwUnit - m_dwSign);
-    return static_cast<std::int32_t>(dwUnit | (0U - (dwUnit & m_dwSign)));
-  }
-  template <typename Sample>
-  [[nodiscard]] Sample Scaled(std::int64_t nValue) const {
-    // There are at most 31 bits, so nothing leaves 64.
-    constexpr std::int64_t kFull = std::int64_t{1} << (8 * sizeof(Sample));
-    const std::int64_t nScaled = nValue * kFull / (std::int64_t{1} << m_dwBits);
-    return static_cast<Sample>(std::clamp<std::int64_t>(nScaled, std::numeric_limits<Sample>::min(),
-                                                        std::numeric_limits<Sample>::max()));
-  }
-
-  unsigned int m_dwBits;
-  std::uint32_t m_dwSign;
-};
-
 template <typename Stored, typename Sample>
 void ConvertAll(const Stored& stored, const std::uint8_t* pbyStored, std::span<Sample> samples) {
   Sample* const pSamples = samples.data();
@@ -143,28 +105,12 @@ void ConvertAll(const Stored& stored, const std::uint8_t* pbyStored, std::span<S
 }
 
 template <typename Sample>
-void ConvertLow(const S_PcmFormat& format, const std::uint8_t* pbyStored,
-                std::span<Sample> samples) {
-  switch (format.wStoredBits) {
-    case 8:
-      return ConvertAll(C_Low<1>(format.wBits), pbyStored, samples);
-    case 16:
-      return ConvertAll(C_Low<2>(format.wBits), pbyStored, samples);
-    case 24:
-      return ConvertAll(C_Low<3>(format.wBits), pbyStored, samples);
-    default:
-      return ConvertAll(C_Low<4>(format.wBits), pbyStored, samples);
-  }
-}
-
-template <typename Sample>
 void Convert(const S_PcmFormat& format, const std::uint8_t* pbyStored, std::span<Sample> samples) {
-  if (format.bFloat && format.wStoredBits == 32) {
+  if (format.bFloat && format.wBits == 32) {
     return ConvertAll(S_Float<float>(), pbyStored, samples);
   }
   if (format.bFloat) return ConvertAll(S_Float<double>(), pbyStored, samples);
-  if (format.wBits < format.wStoredBits) return ConvertLow(format, pbyStored, samples);
-  switch (format.wStoredBits) {
+  switch (format.wBits) {
     case 8:
       return ConvertAll(S_Unsigned8(), pbyStored, samples);
     case 16:
@@ -179,9 +125,9 @@ void Convert(const S_PcmFormat& format, const std::uint8_t* pbyStored, std::span
 }  // namespace
 
 bool IsKnownPcm(const S_PcmFormat& format) noexcept {
-  const std::uint16_t wStored = format.wStoredBits;
-  if (format.bFloat) return wStored == 32 || wStored == 64;
-  return wStored % 8 == 0 && wStored <= 32 && format.wBits > 0 && format.wBits <= wStored;
+  const std::uint16_t wBits = format.wBits;
+  if (format.bFloat) return wBits == 32 || wBits == 64;
+  return wBits % 8 == 0 && wBits > 0 && wBits <= 32;
 }
 
 void ConvertPcm(const S_PcmFormat& format, const std::uint8_t* pbyStored,

@@ -22,7 +22,7 @@ class C_PcmStream final : public I_SampleStream {
  public:
   C_PcmStream(I_ByteSource& source, const S_FrameRange& range, const S_PcmFormat& format)
       : m_format(format),
-        m_cbSample(format.wStoredBits / 8U),
+        m_cbSample(format.wBits / 8U),
         m_bytes(source, range, m_cbSample * format.wChannels) {}
 
   [[nodiscard]] std::size_t ChannelCount() const noexcept override { return m_format.wChannels; }
@@ -44,8 +44,7 @@ class C_PcmStream final : public I_SampleStream {
   template <typename Sample>
   [[nodiscard]] bool IsSame() const noexcept {
     const bool bSameKind = m_format.bFloat == std::is_same_v<Sample, float>;
-    const bool bFull = m_format.bFloat || m_format.wBits == m_format.wStoredBits;
-    return bSameKind && bFull && m_cbSample == sizeof(Sample);
+    return bSameKind && m_cbSample == sizeof(Sample);
   }
 
   // These return how many samples they read.
@@ -102,8 +101,7 @@ void CheckFormat(const S_PcmFormat& format) {
   if (IsKnownPcm(format)) return;
   throw C_Failure(VOXPLAY_UNSUPPORTED,
                   (format.bFloat ? "format: floating point of " : "format: samples of ") +
-                      std::to_string(format.wBits) + " bits in " +
-                      std::to_string(format.wStoredBits) + " are not supported");
+                      std::to_string(format.wBits) + " bits are not supported");
 }
 
 }  // namespace

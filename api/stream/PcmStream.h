@@ -12,12 +12,7 @@
 // Floating point is rounded to the nearest integer, to the even one of two, and limited; what is
 // not a number becomes 0.
 //
-// Integers that have fewer significant bits than room are taken as the sounds of the class library
-// hold them: the significant bits are the low ones, 12 of 16 bits go from -2048 to 2047. They are
-// scaled to their full range, those beyond it are limited, and narrower ones are rounded toward
-// zero: the int16_t samples are those of I_WavData::CreateBitsConvertedData(16, 16, true, true) for
-// each channel. Files whose significant bits are the high ones (WAV files) have wBits equal to
-// wStoredBits here.
+// All bits of a sample count. Those of 12 or 20 significant bits use the high bits of 16 or 24.
 //
 // Bytes that the file claims and does not hold are zeros, as the class library takes them: in 8-bit
 // sounds, that is the lowest value. The frames that they are in count as damaged.
@@ -32,8 +27,7 @@ namespace api {
 
 struct S_PcmFormat {
   std::uint16_t wChannels = 0;
-  std::uint16_t wBits = 0;        // the significant ones; of no meaning for floating point
-  std::uint16_t wStoredBits = 0;  // the room of a sample: 8, 16, 24, 32; 32, 64 for floating point
+  std::uint16_t wBits = 0;  // of a sample in the file: 8, 16, 24, 32; 32, 64 for floating point
   bool bFloat = false;
 };
 

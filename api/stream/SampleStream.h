@@ -23,7 +23,9 @@ class I_SampleStream {
   // Frames of the sound. Empty while an input that only goes forward does not tell. May become
   // smaller while a damaged sound is read, and always is what was read in the end.
   [[nodiscard]] virtual std::optional<std::uint64_t> FrameCount() const noexcept = 0;
-  // Of the frames that were read so far: those that had to be replaced.
+  // Of the frames that were read so far: those that had to be replaced. Such a frame counts when
+  // reading first goes beyond it (DamageCount.h). Frames that are read twice count once, and those
+  // that a seek passed over do not count.
   [[nodiscard]] virtual std::uint64_t DamagedFrames() const noexcept = 0;
   // The frame that is read next.
   [[nodiscard]] virtual std::uint64_t Position() const noexcept = 0;
@@ -36,7 +38,9 @@ class I_SampleStream {
   virtual std::size_t Read(std::span<float> samples) = 0;
 
   // Moves to a frame, at most FrameCount(). The same samples follow as if all frames before it had
-  // been read. Throws C_Failure.
+  // been read. Throws C_Failure: VOXPLAY_CANNOT_SEEK where the source would have to go back and
+  // cannot, and VOXPLAY_BAD_ARGUMENT for a frame after the end. Where the end shows only now, the
+  // position is then there.
   virtual void Seek(std::uint64_t qwFrame) = 0;
 };
 using C_SampleStreamPtr = std::unique_ptr<I_SampleStream>;

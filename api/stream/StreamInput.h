@@ -29,11 +29,10 @@ class C_StreamInput {
   void Fail(const C_Failure& failure) { m_failure = failure; }
   void ForgetFailure() noexcept { m_failure.reset(); }
   // Throws C_Failure where the source would have to go back to qwAt, and cannot.
-  void CheckWayBack(std::uint64_t qwAt);
+  void CheckWayBack(std::uint64_t qwAt) const;
 
  private:
   I_ByteSource& m_source;
-  std::uint64_t m_qwReadTo = 0;  // the end of what was ever read
   std::optional<C_Failure> m_failure;
 };
 

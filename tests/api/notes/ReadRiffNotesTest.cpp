@@ -7,6 +7,7 @@
 #include "HeldChunks.h"
 #include "WavBytes.h"
 #include "base/Failure.h"
+#include "notes/FourCC.h"
 
 namespace api::test {
 namespace {
@@ -260,6 +261,18 @@ TEST(ReadRiffNotes, ListsThatContradictTheirSizes_AreRefused) {
   EXPECT_EQ(RefusalOf({Held("LIST", AdtlBytes({ChunkBytes("abcd", 0xFFFFFFFFU, {1})}))}), pszText);
   EXPECT_EQ(RefusalOf({Held("LIST", AdtlBytes({ChunkBytes("note", {1, 2, 3})}))}), "");
   EXPECT_EQ(RefusalOf({Held("LIST", AdtlBytes({ChunkBytes("labl", 77, {})}))}), "");
+}
+
+TEST(ReadRiffNotes, PayloadsThatAreKept_AreMovedAndNotCopied) {
+  std::vector<S_HeldChunk> chunks = {{FourCC("abcd"), std::vector<std::uint8_t>(1000, 1)},
+                                     {FourCC("cue "), std::vector<std::uint8_t>(4)},
+                                     {FourCC("cue "), std::vector<std::uint8_t>(4)}};
+  const std::uint8_t* const pbyData = chunks[0].data.data();
+  const std::uint8_t* const pbyEarlier = chunks[1].data.data();
+  const S_Notes notes = ReadRiffNotes(std::move(chunks), E_RiffForm::Wave, false);
+  ASSERT_EQ(notes.chunks.size(), 2U);
+  EXPECT_EQ(notes.chunks[0].data.data(), pbyEarlier);
+  EXPECT_EQ(notes.chunks[1].data.data(), pbyData);
 }
 
 TEST(ReadRiffNotes, CutChunks_KeepTheirWholeRecords) {

@@ -158,7 +158,3 @@ TEST(ReaderCoded, EmptyFile_IsUnknown) {
   EXPECT_EQ(failed.eStatus, VOXPLAY_UNKNOWN);
   EXPECT_EQ(failed.strText.substr(0, 51), "none of the known formats: RIFF: the file is empty;");
 }
-
-TEST(ReaderCoded, UnknownFlags_AreABadArgument) {
-  EXPECT_EQ(FailureOfOpening(Kestrel(1), 4).eStatus, VOXPLAY_BAD_ARGUMENT);
-}

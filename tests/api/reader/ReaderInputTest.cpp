@@ -9,6 +9,7 @@
 #include "CompressedBytes.h"
 #include "HeronBytes.h"
 #include "KestrelBytes.h"
+#include "LargestAllocation.h"
 #include "ReadSounds.h"
 #include "SpBytes.h"
 #include "TestInput.h"
@@ -166,5 +167,88 @@ TEST(ReaderInput, EachFailingCall_IsAFailureAndNeverOtherSamples) {
       nFailures += failed.eStatus == VOXPLAY_CANNOT_READ ? 1 : 0;
     }
     EXPECT_GE(nFailures, 2);
+  }
+}
+
+TEST(ReaderInput, SeekBackThatWouldLeaveAGap_IsRefused) {
+  const C_Bytes file = MonoWav(1200000).Take();
+  const C_Samples16 all = SamplesOf(*OpenBytes(file));
+  C_TestInput input(file);
+  const auto reader =
+      C_Reader::Open(OpenInputSource(input.WithoutSeek().WithoutSize().Record()), 0);
+  C_Samples16 samples(500000);
+  ASSERT_EQ(reader->Samples().Read(std::span(samples)), 500000u);
+  const auto failed = FailureOf([&] {
+    reader->Samples().Seek(0);
+    return 0;
+  });
+  EXPECT_EQ(failed.eStatus, VOXPLAY_CANNOT_SEEK);
+  EXPECT_EQ(reader->Samples().Position(), 500000u);
+  EXPECT_EQ(SamplesOf(*reader), C_Samples16(all.begin() + 500000, all.end()));
+}
+
+TEST(ReaderInput, SeekBackToWhatIsHeld_GivesAllThatFollows) {
+  const C_Bytes file = MonoWav(1200000).Take();
+  const C_Samples16 all = SamplesOf(*OpenBytes(file));
+  C_TestInput input(file);
+  const auto reader =
+      C_Reader::Open(OpenInputSource(input.WithoutSeek().WithoutSize().Record()), 0);
+  C_Samples16 samples(30000);
+  ASSERT_EQ(reader->Samples().Read(std::span(samples)), 30000u);
+  reader->Samples().Seek(1);
+  EXPECT_EQ(SamplesOf(*reader), C_Samples16(all.begin() + 1, all.end()));
+}
+
+TEST(ReaderInput, LiveInputs_GiveTheirFirstFrameWhenItIsThere) {
+  const C_Bytes kestrel = C_KestrelBytes(16000).Voice(300).Take();
+  for (const C_Bytes& file : {C_SpBytes().Stream(kestrel).Take(), kestrel}) {
+    C_TestInput input(file);
+    input.WithoutSeek().WithoutSize().WithoutTell().AtMost(20);
+    const auto reader = C_Reader::Open(OpenInputSource(input.Record()), 0);
+    C_Samples16 samples(320);
+    ASSERT_EQ(reader->Samples().Read(std::span(samples)), 320u);
+    // 48 bytes of header, 6 of head and 40 of a frame.
+    EXPECT_LE(input.Reads(), 5);
+  }
+}
+
+TEST(ReaderInput, ClaimedLength_TakesNoMemory) {
+  C_RiffBytes riff("WAVE");
+  riff.Chunk("bext", 0x30000000, RampBytes(1000));
+  C_TestInput input(riff.Take());
+  voxplay_input record = input.Record();
+  record.size = [](void*) { return std::int64_t{0x40000000}; };
+  ResetLargestAllocation();
+  EXPECT_NE(FailureOf([&] { return C_Reader::Open(OpenInputSource(record), 0); }).eStatus,
+            VOXPLAY_OK);
+  EXPECT_LT(LargestAllocation(), 200000u);
+}
+
+TEST(ReaderInput, PaddingOfZeros_TakesNoMemory) {
+  for (const char* pszID : {"JUNK"}) {
+    const C_Bytes file = MonoWav(0).Chunk(pszID, C_Bytes(5000000)).Chunk("abcd", {1, 2}).Take();
+    C_TestInput input(file);
+    ResetLargestAllocation();
+    const auto reader = C_Reader::Open(OpenInputSource(input.Record()), 0);
+    EXPECT_LT(LargestAllocation(), 200000u);
+    ASSERT_EQ(reader->Notes().chunks.size(), 1u);
+    EXPECT_EQ(reader->Notes().chunks[0].data, (C_Bytes{1, 2}));
+  }
+}
+
+TEST(ReaderInput, PaddingThatHoldsSomething_IsKept) {
+  for (const std::size_t nAt : {0u, 4095u, 4096u, 90000u, 99999u}) {
+    C_Bytes padding(100000);
+    padding[nAt] = 1;
+    C_RiffBytes riff("WAVE");
+    riff.Chunk("JUNK", padding).Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", {1, 2});
+    for (const bool bForward : {false, true}) {
+      C_TestInput input(riff.Take());
+      if (bForward) input.WithoutSeek().WithoutSize();
+      input.AtMost(700);
+      const auto reader = C_Reader::Open(OpenInputSource(input.Record()), 0);
+      ASSERT_EQ(reader->Notes().chunks.size(), 1u) << nAt;
+      EXPECT_EQ(reader->Notes().chunks[0].data, padding) << nAt;
+    }
   }
 }

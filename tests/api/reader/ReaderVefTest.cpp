@@ -7,10 +7,14 @@
 #include "HeronBytes.h"
 #include "KestrelBytes.h"
 #include "ReadSounds.h"
+#include "TestInput.h"
 #include "VefBytes.h"
 
 namespace {
 
+using api::C_Reader;
+using api::OpenInputSource;
+using api::test::C_TestInput;
 using api::test::FailureOfOpening;
 using api::test::OpenBytes;
 using api::test::SamplesOf;
@@ -111,6 +115,31 @@ TEST(ReaderVef, MissingEmptyAndCutStreams_AreRefused) {
   EXPECT_EQ(textOf(file), "vdat chunk: the file ends within it");
   // Its PCM can still be read.
   EXPECT_EQ(OpenBytes(file)->Info().frames, 5u);
+}
+
+TEST(ReaderVef, HasStream_IsSaidOfWholeStreamsOnly) {
+  EXPECT_EQ(OpenBytes(MonoVef(10).Chunk("vdat", {}).Take())->Info().has_stream, 0u);
+  C_Bytes file = KestrelVefBytes(10, 3).Take();
+  EXPECT_EQ(OpenBytes(file)->Info().has_stream, 1u);
+  file.pop_back();
+  EXPECT_EQ(OpenBytes(file)->Info().has_stream, 0u);
+}
+
+TEST(ReaderVef, HasStream_IsSaidOfForwardInputsWhenItComesBeforeTheSamples) {
+  const C_Bytes stream = C_KestrelBytes(16000).Voice(3).Take();
+  const C_Bytes fmt = FmtBytes(1, 1, 16000, 16);
+  const C_Bytes before =
+      C_RiffBytes("VEFF").Chunk("fmt ", fmt).Chunk("vdat", stream).Chunk("data", {1, 2}).Take();
+  C_Bytes cut = C_RiffBytes("VEFF").Chunk("fmt ", fmt).Chunk("vdat", stream).Take();
+  cut.pop_back();
+  const auto hasStream = [](const C_Bytes& file) {
+    C_TestInput input(file);
+    const auto record = input.WithoutSeek().WithoutSize().Record();
+    return C_Reader::Open(OpenInputSource(record), 0)->Info().has_stream;
+  };
+  EXPECT_EQ(hasStream(before), 1u);
+  EXPECT_EQ(hasStream(cut), 0u);
+  EXPECT_EQ(hasStream(KestrelVefBytes(10, 3).Take()), 0u);
 }
 
 TEST(ReaderVef, OtherFormatsThanPcm_AreRefused) {

@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "CompressedBytes.h"
@@ -30,8 +31,9 @@ class C_VastSource final : public api::I_ByteSource {
   [[nodiscard]] bool CanGoBack() const noexcept override { return true; }
   std::size_t ReadSome(std::uint64_t qwAt, std::span<std::uint8_t> bytes) override {
     if (qwAt >= m_qwLength) return 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-      bytes[i] = qwAt + i < m_bytes.size() ? m_bytes[static_cast<std::size_t>(qwAt) + i] : 0;
+    std::memset(bytes.data(), 0, bytes.size());
+    for (std::size_t i = 0; i < bytes.size() && qwAt + i < m_bytes.size(); ++i) {
+      bytes[i] = m_bytes[static_cast<std::size_t>(qwAt) + i];
     }
     return bytes.size();
   }
@@ -219,6 +221,15 @@ TEST(ReaderWav, ChunksOfMoreThanAGibibyte_AreRefusedBeforeTheyAreLoaded) {
   const auto failed = FailureOf([&] { return api::C_Reader::Open(std::move(source), 0); });
   EXPECT_EQ(failed.eStatus, VOXPLAY_UNSUPPORTED);
   EXPECT_EQ(failed.strText, "chunks: those beside the samples take more than 1 GiB");
+}
+
+TEST(ReaderWav, PaddingOfMoreThanAGibibyte_DoesNotCount) {
+  C_RiffBytes riff("WAVE");
+  riff.Chunk("fmt ", FmtBytes(1, 1, 8000, 8)).Chunk("data", {}).Chunk("JUNK", (1U << 30U) + 9, {});
+  auto source = std::make_unique<C_VastSource>(riff.RiffSize(0x60000000).Take(),
+                                               (std::uint64_t{1} << 30) + 1000);
+  const auto reader = api::C_Reader::Open(std::move(source), 0);
+  EXPECT_TRUE(reader->Notes().chunks.empty());
 }
 
 TEST(ReaderWav, FileBeyond4GiB_IsReadToItsEnd) {

@@ -131,6 +131,12 @@ TEST(RiffScan, Rf64WithoutSizes_GoesToTheEnd) {
   EXPECT_EQ(Listing(contents), "ds64 20..48, fmt  56..72, data 80..90");
 }
 
+TEST(RiffScan, Rf64SizeOfAllOnesThatDs64Names_IsASize) {
+  const S_RiffContents contents = Scanned(Rf64(0x100000000, 0xFFFFFFFF, RampBytes(10)));
+  EXPECT_FALSE(contents.bToTheEnd);
+  EXPECT_EQ(Listing(contents), "ds64 20..48, fmt  56..72, data 80..4294967375 holds 10");
+}
+
 TEST(RiffScan, PipeSizes_AreToTheEnd) {
   for (const std::uint32_t dwRiffSize : {0u, 0xFFFFFFFFu}) {
     for (const std::uint32_t dwDataSize : {0u, 0xFFFFFFFFu}) {

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <stdexcept>
 #include <vector>
 
 #include "Failed.h"
@@ -128,7 +129,7 @@ TEST(InputSource, ForwardInput_SkipsButDoesNotGoBack) {
     return source->ReadSome(120000, read);
   });
   EXPECT_EQ(failed.eStatus, VOXPLAY_CANNOT_SEEK);
-  EXPECT_EQ(failed.strText, "input: it only goes forward, and byte 120000 has gone by");
+  EXPECT_EQ(failed.strText, "it only goes forward, and byte 120000 has gone by");
 }
 
 TEST(InputSource, ForwardInputThatEndsBeforeAPosition_GivesNothingThere) {
@@ -156,7 +157,7 @@ TEST(InputSource, ReadOfMoreThanAsked_IsAFailure) {
     return source->ReadSome(0, read);
   });
   EXPECT_EQ(failed.eStatus, VOXPLAY_CANNOT_READ);
-  EXPECT_EQ(failed.strText, "input: it gives more bytes than it was asked for");
+  EXPECT_EQ(failed.strText, "it gives more bytes than it was asked for");
 }
 
 TEST(InputSource, RecordWithoutRead_IsABadArgument) {
@@ -195,4 +196,83 @@ TEST(InputSource, AfterAFailedRead_TheSamePlaceCanBeReadAgain) {
   std::vector<std::uint8_t> read(6000);
   EXPECT_EQ(FailureOf([&] { return source->ReadSome(100, read); }).eStatus, VOXPLAY_CANNOT_READ);
   ExpectRead(*source, 100, 6000, 50000);
+}
+
+TEST(InputSource, ForwardInput_CanBeReadFromWhatItStillHolds) {
+  C_TestInput input(Bytes(200000));
+  input.WithoutSeek().WithoutSize().AtMost(1000);
+  const auto source = OpenInputSource(input.Record());
+  ExpectRead(*source, 0, 65536, 200000);
+  EXPECT_TRUE(source->CanReadFrom(0));
+  EXPECT_TRUE(source->CanReadFrom(150000));
+  // 66,000 bytes have come. What comes with the next call leaves a gap behind the first bytes.
+  ExpectRead(*source, 66000, 10, 200000);
+  EXPECT_FALSE(source->CanReadFrom(0));
+  EXPECT_FALSE(source->CanReadFrom(65535));
+  EXPECT_FALSE(source->CanReadFrom(65999));
+  EXPECT_TRUE(source->CanReadFrom(66000));
+  ExpectRead(*source, 66000, 10000, 200000);
+}
+
+TEST(InputSource, InputThatSeeks_CanBeReadFromEverywhere) {
+  C_TestInput input(Bytes(200000));
+  const auto source = OpenInputSource(input.Record());
+  ExpectRead(*source, 150000, 10, 200000);
+  EXPECT_TRUE(source->CanReadFrom(0));
+}
+
+TEST(InputSource, ForwardInputThatFails_GivesWhatCameBefore) {
+  for (const std::size_t cbAtOnce : {7u, 1000u, 4096u}) {
+    C_TestInput input(Bytes(200000));
+    input.WithoutSeek().WithoutSize().WithoutTell().AtMost(cbAtOnce).FailingAt(30);
+    const auto source = OpenInputSource(input.Record());
+    std::vector<std::uint8_t> read(150000);
+    const api::S_BytesRead result = source->ReadToFailure(0, read);
+    ASSERT_TRUE(result.failure);
+    EXPECT_EQ(result.failure->Status(), VOXPLAY_CANNOT_READ);
+    EXPECT_EQ(result.failure->Text(), "it cannot be read");
+    EXPECT_EQ(result.cbRead, 29 * cbAtOnce);
+    for (std::size_t i = 0; i < result.cbRead; ++i) ASSERT_EQ(read[i], ByteAt(i)) << i;
+    // The last bytes before the failure are still there.
+    ExpectRead(*source, 29 * cbAtOnce - 5, 2000, 200000);
+  }
+}
+
+TEST(InputSource, InputThatSeeksAndFails_GivesWhatCameBefore) {
+  C_TestInput input(Bytes(50000));
+  input.WithoutTell().AtMost(9000).FailingAt(4);
+  const auto source = OpenInputSource(input.Record());
+  std::vector<std::uint8_t> read(40000);
+  const api::S_BytesRead result = source->ReadToFailure(0, read);
+  EXPECT_TRUE(result.failure);
+  EXPECT_EQ(result.cbRead, 9000u);
+  ExpectRead(*source, 0, 40000, 50000);
+}
+
+TEST(InputSource, ReadThatThrowsOnItsWay_LeavesNoFalsePosition) {
+  struct S_Throwing {
+    C_TestInput input{Bytes(50000)};
+    voxplay_input record = input.Record();
+    bool bThrows = false;
+  } throwing;
+  voxplay_input record{};
+  record.user = &throwing;
+  record.size = [](void*) { return std::int64_t{50000}; };
+  record.seek = [](void* pUser, std::uint64_t qwAt) {
+    const auto& inner = static_cast<S_Throwing*>(pUser)->record;
+    return inner.seek(inner.user, qwAt);
+  };
+  record.read = [](void* pUser, void* pBytes, std::size_t cbSize) {
+    auto& state = *static_cast<S_Throwing*>(pUser);
+    const std::int64_t nRead = state.record.read(state.record.user, pBytes, cbSize);
+    if (state.bThrows) throw std::runtime_error("a mistake of the caller's");
+    return nRead;
+  };
+  const auto source = OpenInputSource(record);
+  ExpectRead(*source, 0, 10000, 50000);
+  throwing.bThrows = true;
+  std::vector<std::uint8_t> read(10000);
+  EXPECT_THROW(source->ReadSome(10000, read), std::runtime_error);
+  throwing.bThrows = false;
+  ExpectRead(*source, 10000, 10000, 50000);
 }

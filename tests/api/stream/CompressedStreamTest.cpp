@@ -7,6 +7,7 @@
 #include <array>
 #include <random>
 
+#include "../support/TestInput.h"
 #include "CompressedBytes.h"
 #include "LargestAllocation.h"
 #include "Sources.h"
@@ -294,6 +295,45 @@ TEST(CompressedStream, SeekBeyondAnEndThatIsNotKnown_IsRefused) {
     EXPECT_EQ(StatusOf([&] { stream->Seek(std::numeric_limits<std::uint64_t>::max()); }),
               VOXPLAY_BAD_ARGUMENT);
   }
+}
+
+TEST(CompressedStream, SeekBeyondAnEndThatIsNotKnown_EndsAtTheEnd) {
+  for (const S_Blocks& shape : Shapes()) {
+    const S_File file(BlockFmt(shape), Noise(100'000));
+    C_MemorySourceForTests whole(file.Bytes());
+    const auto length = OpenCompressedStream(whole, file.Range(), file.format)->FrameCount();
+    for (const std::uint64_t qwBeyond : {std::uint64_t{1}, std::uint64_t{1'000'000}}) {
+      C_ForwardSource source(file.Bytes());
+      const auto stream = OpenCompressedStream(source, {file.DataAt(), kToTheEnd}, file.format);
+      ReadFrames<std::int16_t>(*stream, 3);
+      // Of blocks without frames, the end shows with the first frame. Then the position stays.
+      const std::uint64_t qwFound = stream->FrameCount() ? stream->Position() : *length;
+      EXPECT_EQ(StatusOf([&] { stream->Seek(*length + qwBeyond); }), VOXPLAY_BAD_ARGUMENT)
+          << NameOf(shape);
+      EXPECT_EQ(stream->Position(), qwFound) << NameOf(shape);
+      EXPECT_EQ(stream->FrameCount(), length) << NameOf(shape);
+      const std::uint64_t qwLeft = *length - qwFound;
+      EXPECT_EQ(ReadRest<std::int16_t>(*stream).size(), qwLeft * shape.wChannels) << NameOf(shape);
+    }
+  }
+}
+
+TEST(CompressedStream, ForwardInputThatFails_GivesTheFramesBefore) {
+  const S_Blocks shape = {WAVE_TAG_MS_ADPCM, 1, 100, 188, 4};
+  const S_File file(BlockFmt(shape), Noise(20'000));
+  C_MemorySourceForTests whole(file.Bytes());
+  const C_Shorts all =
+      ReadRest<std::int16_t>(*OpenCompressedStream(whole, file.Range(), file.format));
+  C_TestInput input(file.data);
+  input.WithoutSeek().WithoutSize().WithoutTell().AtMost(1000).FailingAt(8);
+  const auto source = OpenInputSource(input.Record());
+  const auto stream = OpenCompressedStream(*source, {0, kToTheEnd}, file.format);
+  C_Shorts samples = ReadFrames<std::int16_t>(*stream, all.size());
+  EXPECT_GE(samples.size(), 69U * 188);
+  EXPECT_EQ(StatusOf([&] { ReadFrames<std::int16_t>(*stream, 1); }), VOXPLAY_CANNOT_READ);
+  const C_Shorts rest = ReadRest<std::int16_t>(*stream);
+  samples.insert(samples.end(), rest.begin(), rest.end());
+  EXPECT_EQ(samples, all);
 }
 
 TEST(CompressedStream, FramesBeforeABadPlace_AreReturnedBeforeTheFailure) {

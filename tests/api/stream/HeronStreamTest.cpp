@@ -349,6 +349,59 @@ TEST(HeronSampleStream, AFalseRunWithARightCheck_CountsAsItIsRead) {
   EXPECT_EQ(ReadAll(*OpenHeronStream(source, kWhole, kRate).stream).size(), kSamples);
 }
 
+TEST(HeronSampleStream, DamagedFramesThatAreReadAgain_CountOnce) {
+  S_Pieces pieces = Voice();
+  pieces.between[1][99] ^= 1;
+  pieces.between[3][99] ^= 1;
+  C_MemorySourceForTests source(StreamOf(pieces));
+  const auto opened = OpenHeronStream(source, kWhole, kRate);
+  Samples samples(kSamples);
+  for (int n = 0; n < 3; ++n) {
+    opened.stream->Seek(kBlock + 1000);
+    EXPECT_EQ(opened.stream->Read(std::span(samples).first(500)), 500U);
+    EXPECT_EQ(opened.stream->DamagedFrames(), 500U);
+  }
+  // Those before were passed over.
+  opened.stream->Seek(0);
+  EXPECT_EQ(opened.stream->Read(std::span(samples)), kSamples);
+  EXPECT_EQ(opened.stream->DamagedFrames(), kBlock - 1000 + kBlock);
+}
+
+// ---- empty runs
+
+// Blocks 1 to 3, so that every other one may be empty.
+S_Pieces WithEmptyRuns(unsigned int nMask) {
+  S_Pieces pieces = Voice();
+  for (std::size_t n = 0; n < pieces.between.size(); ++n) {
+    if ((nMask >> n & 1U) == 0) continue;
+    pieces.between[n].clear();
+    heron::AppendBlock(pieces.between[n], n, {});
+  }
+  return pieces;
+}
+
+TEST(HeronSampleStream, EmptyRunsInEveryPlace_GiveWhatTheLibraryGives) {
+  for (unsigned int nMask = 1; nMask < 32; ++nMask) {
+    const Bytes bytes = StreamOf(WithEmptyRuns(nMask));
+    ASSERT_NO_FATAL_FAILURE(ExpectAgreement(bytes)) << nMask;
+    const auto want = Decoded(bytes, kRate);
+    if (!want) continue;
+    C_MemorySourceForTests source(bytes);
+    const auto opened = OpenHeronStream(source, kWhole, kRate);
+    ASSERT_NO_FATAL_FAILURE(ExpectExactSeeks(*opened.stream, *want, 20, nMask)) << nMask;
+  }
+}
+
+TEST(HeronSampleStream, EmptyRunsBeforeAFalseOne_AreNoSound) {
+  S_Pieces pieces;
+  pieces.qwCount = 10 * kBlock;
+  pieces.Add(0, {});
+  pieces.Add(1, {});
+  pieces.Add(2, Bytes(50, 7));
+  C_MemorySourceForTests source(StreamOf(pieces));
+  EXPECT_EQ(StatusOf([&] { OpenHeronStream(source, kWhole, kRate); }), VOXPLAY_DAMAGED);
+}
+
 // ---- sources that fail or only go forward
 
 TEST(HeronSampleStream, WhereTheSourceCannotBeRead_TheBlocksBeforeComeFirst) {

@@ -10,6 +10,7 @@
 #include "KestrelBytes.h"
 #include "KestrelSignals.h"
 #include "StreamsForTests.h"
+#include "TestInput.h"
 #include "TestSound.h"
 #include "codec/KestrelCodec.h"
 #include "kestrel/Encoder.h"
@@ -294,6 +295,21 @@ TEST(KestrelStream, FramesThatASeekPasses_AreNotCounted) {
   EXPECT_EQ(opened.stream->DamagedFrames(), 320U);
 }
 
+TEST(KestrelStream, DamagedFramesThatAreReadAgain_CountOnce) {
+  C_MemorySourceForTests source(WithDamaged({3, 4, 8}));
+  const auto opened = OpenKestrelStream(source, kWhole);
+  Samples samples(10 * 320);
+  opened.stream->Seek(4 * 320 + 100);
+  opened.stream->Read(std::span(samples).first(320));
+  EXPECT_EQ(opened.stream->DamagedFrames(), 220U);
+  // Those before were passed over.
+  for (int n = 0; n < 3; ++n) {
+    opened.stream->Seek(0);
+    EXPECT_EQ(opened.stream->Read(std::span(samples)), 10U * 320);
+    EXPECT_EQ(opened.stream->DamagedFrames(), 220U + 320);
+  }
+}
+
 TEST(KestrelStream, AFrameThatTheEndCuts_CountsAsDamaged) {
   const Bytes bytes = C_KestrelBytes(16000).Voice(10).Take();
   for (const auto& [nKept, nFrames, nDamaged] : {std::array<std::size_t, 3>{6 + 400, 10, 0},
@@ -363,11 +379,72 @@ TEST(KestrelStream, APipe_SeeksForwardOnly) {
   EXPECT_EQ(opened.stream->Read(std::span(samples)), 500U);
   EXPECT_TRUE(std::equal(samples.begin(), samples.end(), want.begin() + 150 * 320 + 7));
   EXPECT_EQ(StatusOf([&] { opened.stream->Seek(100); }), VOXPLAY_CANNOT_SEEK);
-  // To the end, where that is before.
-  opened.stream->Seek(1000000);
-  EXPECT_EQ(opened.stream->Position(), want.size());
-  EXPECT_EQ(opened.stream->FrameCount(), want.size());
-  EXPECT_EQ(opened.stream->Read(std::span(samples)), 0U);
+  EXPECT_EQ(opened.stream->Position(), 150U * 320 + 507);
+  EXPECT_EQ(opened.stream->Read(std::span(samples)), 500U);
+  EXPECT_TRUE(std::equal(samples.begin(), samples.end(), want.begin() + 150 * 320 + 507));
+}
+
+TEST(KestrelStream, ASeekBeyondTheClaimOfAPipe_IsRefusedAtOnce) {
+  const Bytes bytes = MixedStream(16000, 200, 4);
+  C_PipeSource source(bytes);
+  const auto opened = OpenKestrelStream(source, kWhole);
+  const std::size_t nReads = source.ReadCount();
+  EXPECT_EQ(StatusOf([&] { opened.stream->Seek(1000000000000); }), VOXPLAY_BAD_ARGUMENT);
+  EXPECT_EQ(source.ReadCount(), nReads);
+  EXPECT_EQ(opened.stream->Position(), 0U);
+  EXPECT_EQ(ReadAll(*opened.stream), ByTheLibrary(bytes));
+}
+
+// 100 of the 200 frames that the length field claims.
+TEST(KestrelStream, ASeekBeyondTheEndOfAPipe_IsRefusedAtTheEnd) {
+  Bytes bytes = MixedStream(16000, 200, 4);
+  bytes.resize(6 + 100 * 40);
+  for (const std::size_t nAt : {100U * 320 + 1, 150U * 320, 150U * 320 + 7, 200U * 320}) {
+    C_PipeSource source(bytes);
+    const auto opened = OpenKestrelStream(source, kWhole);
+    Samples samples(500);
+    EXPECT_EQ(opened.stream->Read(std::span(samples)), 500U);
+    EXPECT_EQ(StatusOf([&] { opened.stream->Seek(nAt); }), VOXPLAY_BAD_ARGUMENT) << nAt;
+    EXPECT_EQ(opened.stream->Position(), 100U * 320);
+    EXPECT_EQ(opened.stream->FrameCount(), 100U * 320);
+    EXPECT_EQ(opened.stream->Read(std::span(samples)), 0U);
+  }
+  C_PipeSource source(bytes);
+  const auto opened = OpenKestrelStream(source, kWhole);
+  opened.stream->Seek(100 * 320);
+  EXPECT_EQ(opened.stream->Position(), 100U * 320);
+}
+
+TEST(KestrelStream, APipe_GivesAFrameAsSoonAsItsBytesCome) {
+  C_TestInput input(MixedStream(16000, 200, 3));
+  input.WithoutSeek().WithoutSize().WithoutTell().AtMost(46);
+  const auto source = OpenInputSource(input.Record());
+  const auto opened = OpenKestrelStream(*source, kWhole);
+  Samples samples(320);
+  EXPECT_EQ(opened.stream->Read(std::span(samples)), 320U);
+  EXPECT_EQ(input.Reads(), 1);
+  EXPECT_EQ(opened.stream->Read(std::span(samples)), 320U);
+  EXPECT_EQ(input.Reads(), 2);
+}
+
+TEST(KestrelStream, APipeThatFails_GivesTheFramesBefore) {
+  const Bytes bytes = MixedStream(16000, 200, 3);
+  const Samples want = ByTheLibrary(bytes).value();
+  for (const std::size_t cbAtOnce : {46U, 100U, 1000U}) {
+    C_TestInput input(bytes);
+    input.WithoutSeek().WithoutSize().WithoutTell().AtMost(cbAtOnce).FailingAt(5);
+    const auto source = OpenInputSource(input.Record());
+    const auto opened = OpenKestrelStream(*source, kWhole);
+    Samples samples(want.size());
+    const std::size_t nFrames = (4 * cbAtOnce - 6) / 40;
+    ASSERT_EQ(opened.stream->Read(std::span(samples)), nFrames * 320) << cbAtOnce;
+    EXPECT_EQ(StatusOf([&] { opened.stream->Read(std::span(samples).first(1)); }),
+              VOXPLAY_CANNOT_READ);
+    // The input goes on, and so does the sound.
+    const auto rest = std::span(samples).subspan(nFrames * 320);
+    EXPECT_EQ(opened.stream->Read(rest), rest.size());
+    EXPECT_EQ(samples, want);
+  }
 }
 
 }  // namespace

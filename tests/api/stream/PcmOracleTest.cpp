@@ -79,19 +79,19 @@ class RealOracle : public PcmOracle {
 };
 
 INSTANTIATE_TEST_SUITE_P(Kinds, IntegerOracle,
-                         testing::Values(S_Kind{{1, 8, 8, false}, SF_FORMAT_PCM_U8},
-                                         S_Kind{{2, 8, 8, false}, SF_FORMAT_PCM_U8},
-                                         S_Kind{{1, 16, 16, false}, SF_FORMAT_PCM_16},
-                                         S_Kind{{8, 16, 16, false}, SF_FORMAT_PCM_16},
-                                         S_Kind{{1, 24, 24, false}, SF_FORMAT_PCM_24},
-                                         S_Kind{{3, 24, 24, false}, SF_FORMAT_PCM_24},
-                                         S_Kind{{1, 32, 32, false}, SF_FORMAT_PCM_32},
-                                         S_Kind{{2, 32, 32, false}, SF_FORMAT_PCM_32}));
+                         testing::Values(S_Kind{{1, 8, false}, SF_FORMAT_PCM_U8},
+                                         S_Kind{{2, 8, false}, SF_FORMAT_PCM_U8},
+                                         S_Kind{{1, 16, false}, SF_FORMAT_PCM_16},
+                                         S_Kind{{8, 16, false}, SF_FORMAT_PCM_16},
+                                         S_Kind{{1, 24, false}, SF_FORMAT_PCM_24},
+                                         S_Kind{{3, 24, false}, SF_FORMAT_PCM_24},
+                                         S_Kind{{1, 32, false}, SF_FORMAT_PCM_32},
+                                         S_Kind{{2, 32, false}, SF_FORMAT_PCM_32}));
 INSTANTIATE_TEST_SUITE_P(Kinds, RealOracle,
-                         testing::Values(S_Kind{{1, 32, 32, true}, SF_FORMAT_FLOAT},
-                                         S_Kind{{2, 32, 32, true}, SF_FORMAT_FLOAT},
-                                         S_Kind{{1, 64, 64, true}, SF_FORMAT_DOUBLE},
-                                         S_Kind{{3, 64, 64, true}, SF_FORMAT_DOUBLE}));
+                         testing::Values(S_Kind{{1, 32, true}, SF_FORMAT_FLOAT},
+                                         S_Kind{{2, 32, true}, SF_FORMAT_FLOAT},
+                                         S_Kind{{1, 64, true}, SF_FORMAT_DOUBLE},
+                                         S_Kind{{3, 64, true}, SF_FORMAT_DOUBLE}));
 
 }  // namespace
 

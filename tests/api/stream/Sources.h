@@ -20,6 +20,9 @@ class C_ForwardSource final : public C_MemorySourceForTests {
 
   [[nodiscard]] std::optional<std::uint64_t> Length() const noexcept override { return {}; }
   [[nodiscard]] bool CanGoBack() const noexcept override { return false; }
+  [[nodiscard]] bool CanReadFrom(std::uint64_t qwPosition) const noexcept override {
+    return qwPosition >= m_qwNext;
+  }
   std::size_t ReadSome(std::uint64_t qwPosition, std::span<std::uint8_t> bytes) override {
     if (qwPosition < m_qwNext) throw C_Failure(VOXPLAY_CANNOT_SEEK, "input: it only goes forward");
     const std::size_t cbRead = C_MemorySourceForTests::ReadSome(qwPosition, bytes);

@@ -51,6 +51,9 @@ class C_PipeSource final : public C_MemorySourceForTests {
   using C_MemorySourceForTests::C_MemorySourceForTests;
   [[nodiscard]] std::optional<std::uint64_t> Length() const noexcept override { return {}; }
   [[nodiscard]] bool CanGoBack() const noexcept override { return false; }
+  [[nodiscard]] bool CanReadFrom(std::uint64_t qwPosition) const noexcept override {
+    return qwPosition >= m_qwAt;
+  }
   std::size_t ReadSome(std::uint64_t qwPosition, std::span<std::uint8_t> bytes) override {
     if (qwPosition < m_qwAt) throw C_Failure(VOXPLAY_CANNOT_SEEK, "back");
     const std::size_t nRead = C_MemorySourceForTests::ReadSome(qwPosition, bytes);
