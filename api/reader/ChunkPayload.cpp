@@ -85,9 +85,7 @@ std::optional<std::vector<std::uint8_t>> LoadUnlessZeros(I_ByteSource& source,
         static_cast<std::size_t>(std::min<std::uint64_t>(piece.size(), chunk.qwHeld - qwZeros));
     const auto part = std::span(piece).first(cbPart);
     const auto read = part.first(source.ReadSome(chunk.payload.qwAt + qwZeros, part));
-    if (!AreZeros(read)) {
-      return LoadRest(source, chunk, qwRoom, AfterZeros(qwZeros, read, qwRoom));
-    }
+    if (!AreZeros(read)) return LoadRest(source, chunk, qwRoom, AfterZeros(qwZeros, read, qwRoom));
     if (read.size() < cbPart) break;
     qwZeros += cbPart;
   }

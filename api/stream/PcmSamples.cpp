@@ -106,9 +106,7 @@ void ConvertAll(const Stored& stored, const std::uint8_t* pbyStored, std::span<S
 
 template <typename Sample>
 void Convert(const S_PcmFormat& format, const std::uint8_t* pbyStored, std::span<Sample> samples) {
-  if (format.bFloat && format.wBits == 32) {
-    return ConvertAll(S_Float<float>(), pbyStored, samples);
-  }
+  if (format.bFloat && format.wBits == 32) return ConvertAll(S_Float<float>(), pbyStored, samples);
   if (format.bFloat) return ConvertAll(S_Float<double>(), pbyStored, samples);
   switch (format.wBits) {
     case 8:

@@ -49,7 +49,7 @@ std::optional<C_Shorts> ByClassLibrary(const std::string& strPath) {
   const std::size_t nChannels = file->GetWavInfo()->GetChannels();
   const std::size_t nSamples = file->GetWavData()->GetBufferLength() / 2 / nChannels * nChannels;
   C_Shorts samples(nSamples);
-  ConvertPcm({1, 16, 16, false}, file->GetWavDataBuffer(), std::span(samples));
+  ConvertPcm({1, 16, false}, file->GetWavDataBuffer(), std::span(samples));
   return samples;
 }
 
