@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "CountedWork.h"
@@ -128,11 +129,11 @@ class RiffNotesGrowth : public testing::TestWithParam<S_Case> {
     std::size_t cbFile = 0;
   };
   static S_Cost CostOf(std::uint32_t nCount) {
-    const std::vector<S_HeldChunk> chunks = GetParam().pfnMake(nCount);
+    std::vector<S_HeldChunk> chunks = GetParam().pfnMake(nCount);
     S_Cost cost;
     for (const S_HeldChunk& chunk : chunks) cost.cbFile += 8 + chunk.data.size();
     const C_CountedWork reading;
-    const S_Notes notes = ReadRiffNotes(chunks, GetParam().eForm, false);
+    const S_Notes notes = ReadRiffNotes(std::move(chunks), GetParam().eForm, false);
     cost.read = reading.Done();
     const C_CountedWork writing;
     const S_RiffNotes written = WriteRiffNotes(notes, GetParam().eForm, 16000);
