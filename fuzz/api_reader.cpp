@@ -126,7 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
   const Bytes input(pData, cbData);
   const std::uint8_t byChoice = cbData == 0 ? 0 : input.back();
   const std::uint32_t dwFlags = byChoice % 4 == 1 ? VOXPLAY_READ_STREAM : 0;
-  const std::size_t nPiece = std::size_t{1} + byChoice * 3U;
+  const std::size_t nPiece = 1 + std::size_t{3} * byChoice;
   voxplay_reader* const pReader = voxplay_reader_new();
   const bool bOpen = voxplay_reader_open_memory(pReader, pData, cbData, dwFlags) == VOXPLAY_OK;
   Require(bOpen == (*voxplay_reader_message(pReader) == '\0'));

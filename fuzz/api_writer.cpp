@@ -100,8 +100,9 @@ std::vector<std::int16_t> TakeSamples(C_FuzzInput& input, std::size_t nChannels)
 
 template <typename T>
 std::vector<T> Converted(const std::vector<std::int16_t>& samples, T scale) {
-  std::vector<T> all;
-  for (const std::int16_t nSample : samples) all.push_back(static_cast<T>(nSample) * scale);
+  std::vector<T> all(samples.size());
+  std::ranges::transform(samples, all.begin(),
+                         [scale](std::int16_t nSample) { return static_cast<T>(nSample) * scale; });
   return all;
 }
 
