@@ -69,4 +69,10 @@ function(voxplay_library NAME)
   set_target_properties(${NAME} PROPERTIES
     CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF UNITY_BUILD OFF)
   target_compile_features(${NAME} PUBLIC cxx_std_20)
+  if(VOXPLAY_API)
+    # The shared library is made of the same objects as the archives. Nothing takes the place of a
+    # function of ours at run time, so that calls need not allow for that.
+    set_target_properties(${NAME} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_compile_options(${NAME} PRIVATE -fno-semantic-interposition)
+  endif()
 endfunction()

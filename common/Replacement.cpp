@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Replacement.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <sys/xattr.h>
 #endif
 
 #include <cerrno>
-#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -49,19 +49,33 @@ bool CopyAccessList([[maybe_unused]] const std::string& strOldFile,
 #endif
 }
 
-}  // namespace
-
-unsigned int UnforeseeableNumber() {
-  unsigned int dwNumber = 0;
-  // Where the system has no such numbers, the clock must do: the file is created exclusively.
-  if (getentropy(&dwNumber, sizeof(dwNumber)) == 0) return dwNumber;
-  return static_cast<unsigned int>(std::chrono::steady_clock::now().time_since_epoch().count());
+// Renames unless something has the name. Nothing prevents that something gets it between the two
+// steps; this is for file systems that have no better way.
+bool RenameToFree(const std::string& strFrom, const std::string& strTo) {
+  struct stat status {};
+  return lstat(strTo.c_str(), &status) != 0 && errno == ENOENT &&
+         std::rename(strFrom.c_str(), strTo.c_str()) == 0;
 }
 
-C_Replacement::C_Replacement(const std::string& strStem, unsigned int (*pfnNumber)()) {
+// A second stream of a file; null where there cannot be one.
+C_FilePtr SecondStream(std::FILE* pFile) {
+  const int nDescriptor = fcntl(fileno(pFile), F_DUPFD_CLOEXEC, 0);
+  if (nDescriptor < 0) return {};
+  C_FilePtr second(fdopen(nDescriptor, "r+b"));
+  if (!second) close(nDescriptor);
+  return second;
+}
+
+}  // namespace
+
+C_Replacement::C_Replacement(const std::string& strStem, unsigned int (*pfnNumber)())
+    : C_Replacement(strStem, S_IRUSR | S_IWUSR, pfnNumber) {}
+
+C_Replacement::C_Replacement(const std::string& strStem, unsigned int dwMode,
+                             unsigned int (*pfnNumber)()) {
   for (int i = 0; i < kNameAttempts && !m_file; ++i) {
     m_strPath = NumberedName(strStem, pfnNumber());
-    m_file = CreateExclusive(m_strPath);
+    m_file = CreateExclusive(m_strPath, dwMode);
     m_nError = m_file ? 0 : errno;
     if (m_nError != EEXIST) break;
   }
@@ -93,15 +107,41 @@ bool C_Replacement::TakeOwnerAndMode(const struct stat& old, const std::string& 
   return fstat(nDescriptor, &now) == 0 && (now.st_mode & kModeBits) == nMode;
 }
 
-bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {
+bool C_Replacement::CloseOnDisk() {
   // Some file systems have no disk to bring it to.
   const bool bOnDisk =
       fsync(fileno(m_file.get())) == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
-  if (!CloseChecked(std::move(m_file)) || !bOnDisk) return false;
+  return CloseChecked(std::move(m_file)) && bOnDisk;
+}
+
+bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {
+  m_nError = 0;
+  if (!CloseOnDisk()) return false;
   if (std::rename(m_strPath.c_str(), strOldFile.c_str()) != 0) {
     m_nError = errno;
     return false;
   }
+  m_strPath.clear();
+  return true;
+}
+
+bool C_Replacement::TakeNewName(const std::string& strNewFile) {
+  m_nError = 0;
+  // Of a file that is not flushed, less would reach the disk than is there.
+  if (std::fflush(m_file.get()) != 0) return false;
+  // Opened by its path again, the file could be another one.
+  C_FilePtr second = SecondStream(m_file.get());
+  if (!CloseOnDisk()) return false;
+  // A second name is only given when nothing has it. Some file systems give none.
+  if (link(m_strPath.c_str(), strNewFile.c_str()) == 0) {
+    unlink(m_strPath.c_str());
+    m_strPath.clear();
+    return true;
+  }
+  m_nError = errno;
+  if (m_nError == EEXIST) m_file = std::move(second);
+  if (m_nError == EEXIST || !RenameToFree(m_strPath, strNewFile)) return false;
+  m_nError = 0;
   m_strPath.clear();
   return true;
 }

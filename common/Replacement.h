@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The new version of a file. It is written beside the old file, under a name of its own, and takes
-// the old file's place in one step. The old file is intact until then.
+// the old file's place in one step. The old file is intact until then. A file whose name nothing
+// has yet is made in the same way.
 #pragma once
 
 #include <sys/stat.h>
@@ -9,11 +10,9 @@
 #include <string>
 
 #include "StdioFile.h"
+#include "UnforeseeableNumber.h"
 
 namespace vcm {
-
-// A number that nobody can foresee.
-[[nodiscard]] unsigned int UnforeseeableNumber();
 
 class C_Replacement {
  public:
@@ -24,6 +23,9 @@ class C_Replacement {
   // file's path, and a number. No such name has the extension of a sound.
   explicit C_Replacement(const std::string& strStem,
                          unsigned int (*pfnNumber)() = UnforeseeableNumber);
+  // The same with another mode, of which the process's mask takes its bits: what the file gets that
+  // no old file gives its mode to.
+  C_Replacement(const std::string& strStem, unsigned int dwMode, unsigned int (*pfnNumber)());
   // Removes the new file, unless it has taken the old file's place.
   ~C_Replacement();
   C_Replacement(const C_Replacement&) = delete;
@@ -43,8 +45,15 @@ class C_Replacement {
   // Brings the new file to the disk, closes it and renames it to strOldFile. On failure the old
   // file is as it was, and the new one is removed on destruction.
   [[nodiscard]] bool TakePlaceOf(const std::string& strOldFile);
+  // The same for a name that nothing has. False, with EEXIST for Error(), when something has got it
+  // in the meantime. That stays as it is, and if Stream() is not null, the functions above or this
+  // one may still be called.
+  [[nodiscard]] bool TakeNewName(const std::string& strNewFile);
 
  private:
+  // Brings the file to the disk and closes it.
+  bool CloseOnDisk();
+
   std::string m_strPath;
   C_FilePtr m_file;
   int m_nError = 0;

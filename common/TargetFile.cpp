@@ -7,69 +7,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <filesystem>
-#include <system_error>
 #include <utility>
+
+#include "TargetName.h"
 
 namespace vcm {
 namespace {
-
-constexpr int kMostLinks = 40;  // as many as the system follows
-constexpr int kLooks = 100;
-// What common file systems allow between two slashes.
-constexpr std::size_t kLongestName = 255;
-
-bool IsSameFile(const struct stat& one, const struct stat& other) {
-  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
-// A link in the system's folder of processes, to which the links in /dev lead, stands for a stream
-// that somebody has open, not for a name.
-bool IsOpenStream(const struct stat& link) {
-  struct stat processes {};
-  return stat("/proc/self", &processes) == 0 && link.st_dev == processes.st_dev;
-}
-
-enum class Target { New, Regular, Other, Unknown };
-
-// Where the links lead that begin at path, which names a file with this state.
-Target Follow(std::filesystem::path path, const struct stat& status, std::string* pstrOldFile) {
-  struct stat named {};
-  std::error_code error;
-  for (int i = 0; i <= kMostLinks && lstat(path.c_str(), &named) == 0; ++i) {
-    if (!S_ISLNK(named.st_mode)) {
-      *pstrOldFile = path.string();
-      return IsSameFile(named, status) ? Target::Regular : Target::Unknown;
-    }
-    if (IsOpenStream(named)) return Target::Other;
-    const std::filesystem::path next = std::filesystem::read_symlink(path, error);
-    if (error) return Target::Unknown;
-    path = path.parent_path() / next;
-  }
-  return Target::Unknown;
-}
-
-// What the path names. For a regular file, also its path after all links, and its state.
-Target Look(const char* pszPath, std::string* pstrOldFile, struct stat* pStatus) {
-  if (stat(pszPath, pStatus) != 0) return errno == ENOENT ? Target::New : Target::Unknown;
-  if (!S_ISREG(pStatus->st_mode)) return Target::Other;
-  return Follow(pszPath, *pStatus, pstrOldFile);
-}
-
-// The old file's path, cut where the name beside it would otherwise be too long.
-std::string StemOf(const std::string& strOldFile) {
-  const std::size_t nSlash = strOldFile.rfind('/');
-  const std::size_t nName = nSlash == std::string::npos ? 0 : nSlash + 1;
-  return strOldFile.substr(0, nName + kLongestName - C_Replacement::kNumberLength);
-}
-
-// Whether "wb" could open the file. This does not empty it.
-bool IsWritable(const std::string& strPath) {
-  const int nDescriptor = open(strPath.c_str(), O_WRONLY | O_CLOEXEC);
-  if (nDescriptor < 0) return false;
-  close(nDescriptor);
-  return true;
-}
 
 // What the system says when the new file must not be made, given its mode or renamed.
 constexpr auto kForbidden =
@@ -89,7 +32,8 @@ bool MakeRoom(int nDescriptor, off_t nSize) {
 
 // Writes over the old file once there is room for the new contents.
 bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {
-  if (chmod(strFrom.c_str(), S_IRUSR | S_IWUSR) != 0) return false;
+  // A file system that refuses this may let the file be read nevertheless.
+  static_cast<void>(chmod(strFrom.c_str(), S_IRUSR | S_IWUSR));
   const C_FilePtr from = OpenFile(strFrom.c_str(), "rb");
   C_FilePtr to = OpenFile(strTo.c_str(), "r+b");
   if (!from || !to) return false;
@@ -106,15 +50,13 @@ bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {
 
 C_TargetFile::C_TargetFile(const char* pszPath) {
   if (pszPath == nullptr) return;
-  // Another process may replace the file, or change a link, while it is looked at.
-  auto eTarget = Target::Unknown;
-  for (int i = 0; i < kLooks && eTarget == Target::Unknown; ++i) {
-    eTarget = Look(pszPath, &m_strOldFile, &m_oldStatus);
-  }
-  if (eTarget == Target::Unknown) return;
-  if (eTarget == Target::Regular) {
-    if (!IsWritable(m_strOldFile)) return;
-    m_replacement.emplace(StemOf(m_strOldFile));
+  S_TargetName name = LookAtTarget(pszPath);
+  if (name.eKind == E_TargetKind::Unknown) return;
+  if (name.eKind == E_TargetKind::Regular) {
+    if (!IsWritable(name.strPath)) return;
+    m_strOldFile = std::move(name.strPath);
+    m_oldStatus = name.status;
+    m_replacement.emplace(StemBeside(m_strOldFile));
     if (m_replacement->Stream() != nullptr || !IsForbidden(m_replacement->Error())) return;
     m_replacement.reset();
   }

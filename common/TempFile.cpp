@@ -5,8 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <random>
 #include <string_view>
+
+#include "UnforeseeableNumber.h"
 
 namespace vcm {
 namespace {
@@ -19,10 +20,8 @@ constexpr int kAttempts = 100;
 std::string LibraryTempName(const char* pszPrefix) {
   static constexpr std::string_view kLetters =
       "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
-  thread_local std::random_device device;
-  std::uniform_int_distribution<std::size_t> pick(0, kLetters.size() - 1);
   std::string strName = std::string(P_tmpdir "/") + pszPrefix;
-  for (int i = 0; i < 6; ++i) strName += kLetters[pick(device)];
+  for (int i = 0; i < 6; ++i) strName += kLetters[UnforeseeableNumber() % kLetters.size()];
   return strName;
 }
 
@@ -42,8 +41,12 @@ std::string TempName(const char* pszSuffix, const char* pszPrefix) {
 }
 
 C_FilePtr CreateExclusive(const std::string& strPath) {
+  return CreateExclusive(strPath, S_IRUSR | S_IWUSR);
+}
+
+C_FilePtr CreateExclusive(const std::string& strPath, unsigned int dwMode) {
   constexpr int nFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  const int nDescriptor = open(strPath.c_str(), nFlags, S_IRUSR | S_IWUSR);
+  const int nDescriptor = open(strPath.c_str(), nFlags, mode_t{dwMode});
   if (nDescriptor < 0) return {};
   C_FilePtr file(fdopen(nDescriptor, "w+b"));
   if (!file) {

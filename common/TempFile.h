@@ -23,6 +23,8 @@ inline constexpr const char* kTempPrefix = "file";
 // Creates strPath exclusively for reading and writing, with mode 0600 and without following a link.
 // Empty when the file exists or cannot be created.
 [[nodiscard]] C_FilePtr CreateExclusive(const std::string& strPath);
+// The same with another mode, of which the process's mask takes its bits.
+[[nodiscard]] C_FilePtr CreateExclusive(const std::string& strPath, unsigned int dwMode);
 
 // Removes the file at a path on destruction, unless Keep() was called. Owns the file, but no stream
 // of it.

@@ -48,5 +48,7 @@ void AddFiles(C_Seeds& seeds);
 void AddCodecs(C_Seeds& seeds);
 // seed_operations.cpp: sequences of operations, chunks and texts.
 void AddOperations(C_Seeds& seeds);
+// seed_api.cpp: what goes through the public interface.
+void AddApi(C_Seeds& seeds);
 // seed_audio.cpp: files that the toolbox opens.
 void AddAudioFiles(C_Seeds& seeds);

@@ -18,6 +18,7 @@ int main(int argc, char** argv) {
   AddFiles(seeds);
   AddCodecs(seeds);
   AddOperations(seeds);
+  AddApi(seeds);
 #ifdef VOXPLAY_AUDIO_SEEDS
   AddAudioFiles(seeds);
 #endif

@@ -32,7 +32,8 @@ void AddWaves(C_Seeds& seeds) {
   for (const auto& [wBits, wStoreBits] : kWidths) {
     for (const unsigned short wChannels : {std::uint16_t{1}, std::uint16_t{2}, std::uint16_t{6}}) {
       const C_SoundPtr sound = ExampleSound({11025, wChannels, wBits, wStoreBits}, 320);
-      seeds.Add({"wav_load", "factory", "file_kind"}, WaveFile(*sound, AUDIO_FILE_WAVE));
+      seeds.Add({"wav_load", "factory", "file_kind", "api_reader", "api_probe"},
+                WaveFile(*sound, AUDIO_FILE_WAVE));
       AddAnnotations(*sound);
       seeds.Add({"wav_load", "factory", "file_kind", "riff_list"},
                 WaveFile(*sound, AUDIO_FILE_WAVE));
@@ -45,7 +46,8 @@ void AddWaves(C_Seeds& seeds) {
 void AddCompressedWaves(C_Seeds& seeds) {
   for (const S_Blocks& blocks : OneOfEachKind()) {
     const Bytes encoded = ExamplePcm({8000, 1, 8, 8}, std::size_t{3} * blocks.wBlockAlign + 19);
-    seeds.Add({"wav_load", "factory", "file_kind"}, CompressedWav(blocks, encoded).Take());
+    seeds.Add({"wav_load", "factory", "file_kind", "api_reader", "api_probe"},
+              CompressedWav(blocks, encoded).Take());
     seeds.Add({"wav_load", "file_kind"}, CompressedWav(blocks, encoded, "VEMD").Take());
   }
 }
@@ -64,7 +66,7 @@ void AddMarkOfTheUser(I_WavData& sound) {
 void AddContainers(C_Seeds& seeds) {
   for (const unsigned short wChannels : {std::uint16_t{1}, std::uint16_t{2}}) {
     const C_SoundPtr sound = ExampleSound({16000, wChannels, 16, 16}, 320);
-    seeds.Add({"vef", "factory", "file_kind"}, Container(*sound, AUDIO_FILE_KESTREL));
+    seeds.Add({"vef", "factory", "file_kind", "api_reader"}, Container(*sound, AUDIO_FILE_KESTREL));
     AddAnnotations(*sound);
     AddMarkOfTheUser(*sound);
     seeds.Add({"vef", "factory", "file_kind", "riff_list"}, Container(*sound, AUDIO_FILE_KESTREL));

@@ -50,7 +50,7 @@ done
 
 # The folders in which an include is looked up, after the folder of the file itself and the top
 # folder that it is in.
-roots=(common "$library/WaveFileLib" "$library/FileUtil" platform platform/toolbox player fuzz tests/support)
+roots=(api api/include common "$library/WaveFileLib" "$library/FileUtil" platform platform/toolbox player fuzz tests/support)
 
 # Sets found to the files that an include of the file could mean.
 resolve() {

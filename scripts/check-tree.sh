@@ -10,7 +10,7 @@ fail() {
   failed=1
 }
 mapfile -d '' sources < <(scripts/sources.sh)
-mapfile -d '' code < <(find common Lib_Common platform player -name '*.cpp' -print0 -o -name '*.h' -print0)
+mapfile -d '' code < <(find api common Lib_Common platform player -name '*.cpp' -print0 -o -name '*.h' -print0)
 
 # What no target builds is never compiled, and a test that no program has never runs. Programs of one
 # source are listed without its suffix.
@@ -21,12 +21,14 @@ while IFS= read -r file; do
   [[ $file =~ ^(fuzz|bench|examples|training)/[^/]*$ ]] && listed=$name
   grep -qwF -e "$listed" -e "add_server_test($name" <<<"$cmake_lists" ||
     fail "$file is listed in no CMakeLists.txt"
-done < <(find common player platform fuzz bench examples training tests -name '*.cpp')
+done < <(find api common player platform fuzz bench examples training tests -name '*.cpp')
 while IFS= read -r -d '' file; do
   grep -qwF "${file#Lib_Common/Src/LibProject/}" Lib_Common/Src/LibProject/CMakeLists.txt ||
     fail "$file is not listed in Lib_Common/Src/LibProject/CMakeLists.txt"
 done < <(find Lib_Common -name '*.cpp' -print0)
 for file in "${sources[@]}"; do
+  # This one is for C compilers of any age, too.
+  [[ $file != ./api/include/voxplay.h ]] || continue
   [[ $(head -n 1 "$file") == "// SPDX-License-Identifier: Apache-2.0" ]] || fail "$file: no licence line"
   [[ $file != *.h ]] || grep -q '^#pragma once$' "$file" || fail "$file: no #pragma once"
 done
@@ -41,7 +43,7 @@ if grep -nE '\btemp_directory_path\b' "${code[@]}"; then fail "the environment c
 
 # The library speaks through its results: only its assertion writes to a standard stream, and the
 # row of dots that one codec shows on request.
-mapfile -d '' library < <(find common Lib_Common \( -name '*.cpp' -o -name '*.h' \) \
+mapfile -d '' library < <(find api common Lib_Common \( -name '*.cpp' -o -name '*.h' \) \
   ! -name 'VcmAssert.*' ! -name 'HeronDots.*' -print0)
 if grep -nE '\bstd(out|err)\b|std::c(out|err|log)\b|\b(printf|vprintf|puts|putchar|perror)\(' "${library[@]}"; then
   fail "the library prints"
@@ -70,9 +72,14 @@ done
 while IFS= read -r file; do
   [[ -e ${file%.cpp}.h || $file == */sound/WavData[A-Z]*.cpp ]] || fail "$file has no header of its name"
 done < <(find "${rooms[@]}" -maxdepth 1 -name '*.cpp')
+# Programs of users may be in C, and one header of theirs is for C++ alone.
 while IFS= read -r file; do fail "$file: sources end in .cpp and .h"; done < <(
   find . \( -path ./build -o -path ./.git \) -prune -o -type f -regextype egrep \
-    -regex '.*\.(cc|cxx|c|hpp|hh|hxx|inc|inl|ipp)' -print)
+    -regex '.*\.(cc|cxx|c|hpp|hh|hxx|inc|inl|ipp)' -print |
+    grep -vE '^\./(examples/[^/]*\.c|tests/consumer/.*\.c|api/include/voxplay\.hpp)$')
+while IFS= read -r file; do
+  [[ $(head -n 1 "$file") == *"SPDX-License-Identifier: Apache-2.0"* ]] || fail "$file: no licence line"
+done < <(find examples tests/consumer -name '*.c' -o -path examples/Makefile)
 while IFS= read -r line; do fail "$line: not named as an interface, class, record or enumeration is"; done < <(
   find "${rooms[@]}" Lib_Common/Src/LibProject/FileUtil -maxdepth 1 -name '*.h' -exec \
     grep -nHE '^(class|struct|enum) ' {} + |
@@ -114,6 +121,10 @@ if ! awk -v most=100 '
   END { exit bad }' "${sources[@]}"; then
   fail "a body is not laid out as everywhere else"
 fi
+
+# What the README shows in C is part of a program that is built and run.
+shown=$(awk '/^```c$/ { shown = 1; next } /^```$/ { shown = 0 } shown' README.md | tail -n +3)
+[[ -n $shown && $(<examples/read.c) == *"$shown"* ]] || fail "README.md shows other lines than examples/read.c has"
 
 while IFS= read -r file; do fail "$file is larger than 1.9 MB"; done < <(
   find . \( -path ./build -o -path ./.git \) -prune -o -type f -size +1900k -print)

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Checks that the library can be used without the player: built by itself where no audio package can
-# be found, and as a subfolder of another project, with position-independent archives and with shared
-# libraries. What is built by itself is a release, so its protections are checked, too.
+# be found, installed, and as a subfolder of another project, with position-independent archives and
+# with shared libraries. What is built by itself is a release, so its protections are checked, too.
 #
 #   scripts/consumers.sh
 set -euo pipefail
@@ -15,7 +15,25 @@ jobs=$(nproc)
 cmake --preset library -B build/library-alone \
   -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
 cmake --build build/library-alone --parallel "$jobs"
-scripts/check-hardening.sh build/library-alone/bin/convert $(find build/library-alone -name '*.a')
+scripts/check-hardening.sh build/library-alone/bin/convert build/library-alone/libvoxplay.so \
+  $(find build/library-alone -name '*.a')
+
+# What is installed can be moved, and names nothing of the place where it was built.
+rm -rf build/installed build/moved build/consumer-installed
+cmake --install build/library-alone --prefix "$PWD/build/installed" >/dev/null
+if grep -rlF "$PWD" build/installed --include='*.cmake' --include='*.pc' --include='*.h*'; then
+  echo "consumers: these files name the folder that they were built in" >&2
+  exit 1
+fi
+mv build/installed build/moved
+cmake -S tests/consumer/installed -B build/consumer-installed -DCMAKE_PREFIX_PATH="$PWD/build/moved"
+cmake --build build/consumer-installed --parallel "$jobs"
+ctest --test-dir build/consumer-installed --output-on-failure
+# Every header of the classes can be included by itself.
+while IFS= read -r header; do
+  "${CXX:-c++}" -std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Werror \
+    -I build/moved/include/voxplay-classes -include "$header" -x c++ /dev/null
+done < <(find build/moved/include/voxplay-classes -name '*.h')
 
 build() {
   local folder=build/consumer-$1

@@ -12,6 +12,9 @@
 #   scripts/install-deps.sh bench    what builds the benchmarks and what they compare with
 #   scripts/install-deps.sh training what trains the Heron tables
 #   scripts/install-deps.sh architectures what builds and runs the library for other machines
+#   scripts/install-deps.sh docs     what builds the reference
+#   scripts/install-deps.sh abi      what compares the ABI of the library
+#   scripts/install-deps.sh package  what builds, checks and tries the Debian packages
 #   scripts/install-deps.sh coverage what the tests need and the coverage reporter
 set -euo pipefail
 
@@ -26,6 +29,12 @@ ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${pee
 # The cross compilers bring their C and C++ libraries; static programs need nothing else to run.
 architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu qemu-user-static)
 
+abi=("${library[@]}" abigail-tools)
+# The packages for arm64 are built with the cross compiler, and name the packages of the libraries
+# that they need, which must therefore be here.
+package=("${player[@]}" debhelper dpkg-dev fakeroot lintian doxygen debootstrap
+  g++-aarch64-linux-gnu qemu-user-static libc6:arm64 libstdc++6:arm64)
+
 case "${1:-player}" in
   library) wanted=("${library[@]}") ;;
   player) wanted=("${player[@]}") ;;
@@ -36,8 +45,11 @@ case "${1:-player}" in
   training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
   coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   architectures) wanted=("${library[@]}" "${architectures[@]}") ;;
+  docs) wanted=(doxygen) ;;
+  abi) wanted=("${abi[@]}") ;;
+  package) wanted=("${package[@]}") ;;
   *)
-    echo "usage: ${0##*/} [player|library|test|ci|budgets|bench|training|coverage|architectures]" >&2
+    echo "usage: ${0##*/} KIND, as its first lines say" >&2
     exit 2
     ;;
 esac
@@ -65,6 +77,7 @@ fi
 apt=(env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
 
 echo "Installing: ${missing[*]}" >&2
+if [[ ${missing[*]} == *:arm64* ]]; then "${as_root[@]}" dpkg --add-architecture arm64; fi
 # A machine with a stale index and no network may still have the packages in its cache.
 "${as_root[@]}" "${apt[@]}" -q update >/dev/null || echo "${0##*/}: could not refresh the index" >&2
 "${as_root[@]}" "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >/dev/null </dev/null

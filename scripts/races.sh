@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Plays in both modes under the thread sanitizer, with and without a sound server, and tests the
-# parts that threads share.
+# parts that threads share. Eight threads read and write with objects of their own.
 #
 #   scripts/races.sh
 set -euo pipefail
@@ -11,11 +11,13 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install-deps.sh ci
 cmake --preset tsan
 cmake --build build/tsan --parallel "$(nproc)" --target \
-  PcmQueueTest RealTimePlayerTest PlaybackTest VoxplayOnServerTest CommandLineTest HeardTest
+  PcmQueueTest RealTimePlayerTest PlaybackTest VoxplayOnServerTest CommandLineTest HeardTest \
+  PublicThreadsTest
 
 # The thread of real-time mode is never joined.
 export TSAN_OPTIONS=report_thread_leaks=0
 try() { build/tsan/bin/"$@" --gtest_brief=1; }
+try PublicThreadsTest
 try PcmQueueTest
 try RealTimePlayerTest
 try PlaybackTest

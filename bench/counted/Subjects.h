@@ -25,6 +25,7 @@ struct S_Subject {
 [[nodiscard]] std::span<const S_Subject> HeronSubjects();  // the Heron frame coder
 [[nodiscard]] std::span<const S_Subject> FileSubjects();   // loading, saving, converting
 [[nodiscard]] std::span<const S_Subject> EditSubjects();   // a sound in memory
+[[nodiscard]] std::span<const S_Subject> ApiSubjects();    // the public interface
 
 // Keeps the compiler from leaving out work whose result is not used.
 void Use(const void* pResult);

@@ -18,7 +18,8 @@ namespace {
 
 std::vector<S_Subject> AllSubjects() {
   std::vector<S_Subject> all;
-  for (const auto subjects : {FrameSubjects(), HeronSubjects(), FileSubjects(), EditSubjects()}) {
+  for (const auto subjects :
+       {FrameSubjects(), HeronSubjects(), FileSubjects(), EditSubjects(), ApiSubjects()}) {
     all.insert(all.end(), subjects.begin(), subjects.end());
   }
   return all;

@@ -30,6 +30,7 @@ int RealFchmod(int, mode_t) asm("__real_fchmod");
 int RealFtruncate(int, off_t) asm("__real_ftruncate");
 int RealFallocate(int, off_t, off_t) asm("__real_posix_fallocate");
 int RealGetentropy(void*, std::size_t) asm("__real_getentropy");
+int RealLink(const char*, const char*) asm("__real_link");
 int RealRemoveList(int, const char*) asm("__real_fremovexattr");
 
 int WrapStat(const char*, struct stat*) asm("__wrap_stat");
@@ -42,6 +43,7 @@ int WrapFallocate(int, off_t, off_t) asm("__wrap_posix_fallocate");
 int WrapGetentropy(void*, std::size_t) asm("__wrap_getentropy");
 ssize_t WrapGetList(const char*, const char*, void*, std::size_t) asm("__wrap_getxattr");
 int WrapSetList(int, const char*, const void*, std::size_t, int) asm("__wrap_fsetxattr");
+int WrapLink(const char*, const char*) asm("__wrap_link");
 int WrapRemoveList(int, const char*) asm("__wrap_fremovexattr");
 
 namespace {
@@ -117,6 +119,9 @@ int WrapSetList(int /*nDescriptor*/, const char* /*pszName*/, const void* /*pLis
                 std::size_t /*cbList*/, int /*nFlags*/) {
   return Refuses("fsetxattr") ? -1 : 0;
 }
+int WrapLink(const char* pszOld, const char* pszNew) {
+  return Refuses("link") ? -1 : RealLink(pszOld, pszNew);
+}
 int WrapRemoveList(int nDescriptor, const char* pszName) {
   return Refuses("fremovexattr") ? -1 : RealRemoveList(nDescriptor, pszName);
 }
@@ -178,6 +183,12 @@ TEST_F(RefusedCalls, ReplacementWithoutEntropy_IsNumberedFromTheClock) {
   ExpectNewFileAlone(false);
 }
 
+TEST_F(RefusedCalls, TempNameWithoutEntropy_HasTheSameForm) {
+  g_system.refused["getentropy"] = ENOSYS;
+  EXPECT_THAT(vcm::TempName(""), testing::MatchesRegex("/tmp/file[A-Za-z0-9]+"));
+  EXPECT_EQ(vcm::TempName("").size(), 15u);
+}
+
 TEST_F(RefusedCalls, ReplacementWhoseNamesAreAllTaken_IsNotMade) {
   MakeOld(0600);
   Write("a.7", {1});
@@ -186,6 +197,20 @@ TEST_F(RefusedCalls, ReplacementWhoseNamesAreAllTaken_IsNotMade) {
   EXPECT_EQ(replacement.Error(), EEXIST);
   EXPECT_EQ(replacement.Path(), "");
   EXPECT_EQ(Content("a.7"), (Bytes{1}));
+}
+
+TEST_F(RefusedCalls, NewNameWhereNothingGetsASecondOne_IsGivenByRenaming) {
+  g_system.refused["link"] = EPERM;
+  {
+    vcm::C_Replacement replacement(Path("b"));
+    EXPECT_TRUE(vcm::WriteExact(replacement.Stream(), kNew));
+    EXPECT_TRUE(replacement.TakeNewName(Path("b")));
+    EXPECT_EQ(replacement.Error(), 0);
+  }
+  EXPECT_EQ(Content("b"), kNew);
+  EXPECT_FALSE(vcm::C_Replacement(Path("b")).TakeNewName(Path("b")));
+  EXPECT_EQ(Content("b"), kNew);
+  EXPECT_THAT(Entries(), testing::ElementsAre("b"));
 }
 
 // --- A file that changes while it is looked at
@@ -225,6 +250,23 @@ TEST_F(RefusedCalls, ModeThatIsRightAlready_NeedNotBeSet) {
   g_system.refused["fchmod"] = EPERM;
   EXPECT_TRUE(WriteNew());
   ExpectNewFileAlone(false);
+}
+
+TEST_F(RefusedCalls, ModeThatIsRightAlready_DoesNotExcuseALaterFailure) {
+  g_system.refused["fchmod"] = EPERM;
+  bool bHit = true;
+  for (int nCall = 1; bHit; ++nCall) {
+    MakeOld(0600);
+    C_FaultyIo faults({.nCall = nCall});
+    const bool bRet = WriteNew();
+    faults.Stop();
+    bHit = faults.WasHit();
+    if (bRet) {
+      ExpectNewFileAlone(false);
+    } else {
+      ExpectOldFileAlone();
+    }
+  }
 }
 
 TEST_F(RefusedCalls, ModeThatMayNotBeSet_LetsTheFileBeWrittenInPlace) {
@@ -301,10 +343,10 @@ TEST_F(InPlace, WithoutRoom_KeepsTheOldFile) {
   ExpectOldFileAlone();
 }
 
-TEST_F(InPlace, WhenTheNewFileCannotBeReadAgain_KeepsTheOldFile) {
+TEST_F(InPlace, WhereNoModeCanBeSet_IsWritten) {
   g_system.refused["chmod"] = EPERM;
-  EXPECT_FALSE(WriteNew());
-  ExpectOldFileAlone();
+  EXPECT_TRUE(WriteNew());
+  ExpectNewFileAlone(true);
 }
 
 TEST_F(InPlace, WhenTheOldEndCannotBeCut_IsFalse) {

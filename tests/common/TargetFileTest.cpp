@@ -19,6 +19,7 @@
 #include "FileSizeLimit.h"
 #include "FolderTest.h"
 #include "InChild.h"
+#include "TargetName.h"
 
 namespace {
 
@@ -267,6 +268,61 @@ TEST_F(TargetFile, LongestName_IsReplacedToo) {
   EXPECT_EQ(Content(strName), kNew);
   EXPECT_NE(StatusOf(strName).st_ino, nBefore);
   EXPECT_THAT(Entries(), ElementsAre(strName));
+}
+
+TEST_F(TargetFile, ReplacementWithANewName_HasTheModeThatTheMaskLeaves) {
+  const mode_t nBefore = umask(022);
+  vcm::C_Replacement replacement(Path("a"), 0666, vcm::UnforeseeableNumber);
+  umask(nBefore);
+  ASSERT_NE(replacement.Stream(), nullptr);
+  EXPECT_TRUE(vcm::WriteExact(replacement.Stream(), kNew));
+  EXPECT_TRUE(replacement.TakeNewName(Path("a")));
+  EXPECT_EQ(Content("a"), kNew);
+  EXPECT_EQ(StatusOf("a").st_mode & 07777, 0644u);
+  EXPECT_EQ(StatusOf("a").st_nlink, 1u);
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(TargetFile, ReplacementWithANewName_KeepsWhatHasGotIt) {
+  {
+    vcm::C_Replacement replacement(Path("a"));
+    EXPECT_TRUE(vcm::WriteExact(replacement.Stream(), kNew));
+    Write("a", kOld);
+    EXPECT_FALSE(replacement.TakeNewName(Path("a")));
+    EXPECT_EQ(replacement.Error(), EEXIST);
+  }
+  EXPECT_EQ(Content("a"), kOld);
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(TargetFile, ReplacementWhoseNewNameIsTaken_CanStillTakeThePlace) {
+  vcm::C_Replacement replacement(Path("a"));
+  EXPECT_TRUE(vcm::WriteExact(replacement.Stream(), kNew));
+  Write("a", kOld);
+  ASSERT_EQ(chmod(Path("a").c_str(), 0640), 0);
+  EXPECT_FALSE(replacement.TakeNewName(Path("a")));
+  ASSERT_NE(replacement.Stream(), nullptr);
+  EXPECT_TRUE(replacement.TakeOwnerAndMode(StatusOf("a"), Path("a")));
+  EXPECT_TRUE(replacement.TakePlaceOf(Path("a")));
+  EXPECT_EQ(replacement.Error(), 0);
+  EXPECT_EQ(Content("a"), kNew);
+  EXPECT_EQ(StatusOf("a").st_mode & 07777, 0640u);
+  EXPECT_THAT(Entries(), ElementsAre("a"));
+}
+
+TEST_F(TargetFile, EmptyName_IsRefused) {
+  EXPECT_EQ(vcm::LookAtTarget("").eKind, vcm::E_TargetKind::Unknown);
+  EXPECT_FALSE(WriteNew(""));
+}
+
+TEST_F(TargetFile, NewPath_IsWhereLinksLead) {
+  std::filesystem::create_directory(Path("folder"));
+  ASSERT_EQ(symlink("folder/b", Path("a").c_str()), 0);
+  ASSERT_EQ(symlink("c", Path("folder/b").c_str()), 0);
+  ASSERT_EQ(symlink("loop", Path("loop").c_str()), 0);
+  EXPECT_EQ(vcm::NewPathOf(Path("a").c_str()), Path("folder/c"));
+  EXPECT_EQ(vcm::NewPathOf(Path("none").c_str()), Path("none"));
+  EXPECT_EQ(vcm::NewPathOf(Path("loop").c_str()), "");
 }
 
 }  // namespace

@@ -39,3 +39,4 @@ class C_Outputs {
 void AddCoderOutputs(C_Outputs& outputs);
 void AddFileOutputs(C_Outputs& outputs);
 void AddSoundOutputs(C_Outputs& outputs);
+void AddApiOutputs(C_Outputs& outputs);

@@ -55,6 +55,7 @@ int main(int argc, char** argv) {
     AddCoderOutputs(outputs);
     AddFileOutputs(outputs);
     AddSoundOutputs(outputs);
+    AddApiOutputs(outputs);
     if (argc > 1) return Compare(outputs.Lines(), LinesOf(argv[1])) ? EXIT_SUCCESS : EXIT_FAILURE;
     for (const std::string& strLine : outputs.Lines()) Print("", strLine);
     return EXIT_SUCCESS;

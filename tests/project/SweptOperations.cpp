@@ -13,6 +13,7 @@
 #include "CompressedBytes.h"
 #include "DecodeToWav.h"
 #include "ExampleSound.h"
+#include "PublicOperations.h"
 #include "WavFileFormat.h"
 #include "file/HeronFile.h"
 #include "file/KestrelFile.h"
@@ -297,8 +298,8 @@ Maker WriteField(Bytes (*pfnSource)()) {
 }
 Bytes KestrelFile() { return FileOf(*AnnotatedSound(), AUDIO_FILE_KESTREL); }
 
-const std::map<std::string, Maker>& Makers() {
-  static const std::map<std::string, Maker> makers = {
+std::map<std::string, Maker> ClassMakers() {
+  return {
       {"LoadWave", Load(AUDIO_FILE_WAVE)},
       {"LoadVemd", Load(AUDIO_FILE_VEMD)},
       {"LoadKestrel", Load(AUDIO_FILE_KESTREL)},
@@ -341,6 +342,14 @@ const std::map<std::string, Maker>& Makers() {
       {"DecodeKestrelForPlayer", Files(KestrelFile, DecodeForPlayer)},
       {"DecodeBareKestrelForPlayer", Files(BareKestrel, DecodeForPlayer)},
   };
+}
+
+const std::map<std::string, Maker>& Makers() {
+  static const std::map<std::string, Maker> makers = [] {
+    std::map<std::string, Maker> all = ClassMakers();
+    all.merge(PublicOperations());
+    return all;
+  }();
   return makers;
 }
 

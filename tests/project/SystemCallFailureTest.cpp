@@ -89,7 +89,7 @@ TEST_P(SystemCallFailureTest, EachFileCallFailing_IsReportedAndLosesNothing) {
   }
   EXPECT_LT(nCall, kMaxCalls);
   EXPECT_EQ(nOutcome, kWhole);
-  EXPECT_GT(nCall, 6) << "the calls of this operation are not seen";
+  EXPECT_GT(nCall, 5) << "the calls of this operation are not seen";
   EXPECT_TRUE(nFailed > 0 || !bFromThenOn);
   EXPECT_THAT(m_temp.NewFiles(), testing::IsEmpty());
 }

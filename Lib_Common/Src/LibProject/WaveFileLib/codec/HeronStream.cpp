@@ -23,15 +23,6 @@ std::optional<S_Variant> Find(Value S_Variant::*pMember, Value value) {
   return pFound == kVariants.end() ? std::nullopt : std::optional(*pFound);
 }
 
-// The end of the coded audio in a stream of cbStream bytes; empty when no audio ends where the head
-// says. A stream that ends before its events begin has lost its end, and its audio ends with it.
-std::optional<std::size_t> AudioEnd(std::uint32_t dwHead, std::size_t cbStream) {
-  const std::size_t cbOffset = dwHead >> kOffsetShift;
-  if (cbOffset == 0) return cbStream;
-  if (cbOffset < kHeadBytes) return std::nullopt;
-  return std::min(cbOffset, cbStream);
-}
-
 }  // namespace
 
 std::optional<S_Variant> VariantOfType(unsigned int dwType) {
@@ -45,13 +36,22 @@ std::optional<std::uint32_t> MakeHead(const S_Variant& variant, std::uint64_t qw
   return variant.byModeCode | static_cast<std::uint32_t>(qwAudioEnd << kOffsetShift);
 }
 
+// A stream that ends before its events begin has lost its end, and its audio ends with it.
+std::optional<S_AudioEnd> FindAudioEnd(std::uint32_t dwHead, std::uint64_t qwStream) {
+  const auto variant = Find(&S_Variant::byModeCode, static_cast<std::uint8_t>(dwHead));
+  const std::uint64_t qwOffset = dwHead >> kOffsetShift;
+  if (!variant || (qwOffset != 0 && qwOffset < kHeadBytes)) return std::nullopt;
+  return S_AudioEnd{*variant, qwOffset == 0 ? qwStream : std::min(qwOffset, qwStream)};
+}
+
 std::optional<S_Audio> FindAudio(std::span<const unsigned char> stream) {
   vcm::C_ByteReader reader(stream);
   const std::uint32_t dwHead = reader.U32();
-  const auto variant = Find(&S_Variant::byModeCode, static_cast<std::uint8_t>(dwHead));
-  const auto cbEnd = AudioEnd(dwHead, stream.size());
-  if (!reader.Ok() || !variant || !cbEnd) return std::nullopt;
-  return S_Audio{*variant, stream.first(*cbEnd).subspan(kHeadBytes)};
+  if (!reader.Ok()) return std::nullopt;
+  const auto audio = FindAudioEnd(dwHead, stream.size());
+  if (!audio) return std::nullopt;
+  return S_Audio{audio->variant,
+                 stream.first(static_cast<std::size_t>(audio->qwEnd)).subspan(kHeadBytes)};
 }
 
 }  // namespace heronstream

@@ -35,6 +35,16 @@ std::optional<S_Variant> VariantOfType(unsigned int dwType);
 std::optional<std::uint32_t> MakeHead(const S_Variant& variant, std::uint64_t qwAudioEnd,
                                       std::uint64_t qwEvents);
 
+// Where the coded audio of a stream ends, counted from the start of the stream.
+struct S_AudioEnd {
+  S_Variant variant;
+  std::uint64_t qwEnd;  // at least kHeadBytes
+};
+
+// The same as FindAudio for a stream of qwStream bytes, at least kHeadBytes, of which only the head
+// is read.
+std::optional<S_AudioEnd> FindAudioEnd(std::uint32_t dwHead, std::uint64_t qwStream);
+
 struct S_Audio {
   S_Variant variant;
   std::span<const unsigned char> coded;

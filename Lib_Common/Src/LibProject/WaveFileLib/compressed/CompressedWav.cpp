@@ -18,11 +18,6 @@ constexpr std::uint64_t kMaxExpansion = 6;
 // they are at least as many blocks of usual sizes as are decoded at once.
 constexpr std::size_t kPieceBytes = 32768;
 
-bool IsAccountedFor(std::uint64_t qwPcm, std::uint64_t qwEncoded) {
-  const std::uint64_t qwMost = qwEncoded * kMaxExpansion;
-  return qwPcm <= qwMost || qwPcm - qwMost <= kMaxSilentBytes;
-}
-
 // What can be decoded by itself: a block, or the byte of one sample.
 struct S_Unit {
   std::size_t cbEncoded = 1;
@@ -98,6 +93,11 @@ std::optional<unsigned int> DecodeFile(C_PieceDecoder& decoder, vcm::C_FileReade
 }
 
 }  // namespace
+
+bool IsAccountedFor(std::uint64_t qwPcm, std::uint64_t qwEncoded) {
+  const std::uint64_t qwMost = qwEncoded * kMaxExpansion;
+  return qwPcm <= qwMost || qwPcm - qwMost <= kMaxSilentBytes;
+}
 
 std::unique_ptr<C_MSAdpcmCodec> MakeDecoder(const C_WavFileCodecInfo& codecInfo) {
   const S_WavTag* const pTag = wavtags::Find(codecInfo.GetFormatTag());

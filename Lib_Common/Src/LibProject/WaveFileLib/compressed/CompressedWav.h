@@ -22,6 +22,8 @@ namespace compressedwav {
 // The blocks of a file may claim more samples than they hold. Up to this many bytes of PCM that the
 // encoded bytes do not account for are silence; beyond that, the file is refused.
 constexpr unsigned int kMaxSilentBytes = 64U << 20;
+// Whether a file with so many bytes of PCM and so many encoded bytes is not refused for that.
+[[nodiscard]] bool IsAccountedFor(std::uint64_t qwPcm, std::uint64_t qwEncoded);
 
 // Null for linear PCM, for a tag that the library does not read, and for DVI ADPCM of a width other
 // than 3 or 4 bits.

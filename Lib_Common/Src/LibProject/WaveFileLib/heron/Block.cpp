@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "heron/Block.h"
 
+#include <algorithm>
 #include <array>
 
 namespace heron {
@@ -24,6 +25,39 @@ void Append16(std::vector<std::uint8_t>& bytes, unsigned int nValue) {
 constexpr std::size_t kNumberAt = 1;
 constexpr std::size_t kSizeAt = 2;
 constexpr std::size_t kCheckAt = 5;
+
+std::uint16_t Number16(std::span<const std::uint8_t> bytes) {
+  return static_cast<std::uint16_t>(bytes[0] | static_cast<unsigned int>(bytes[1]) << 8);
+}
+
+std::size_t SizeIn(std::span<const std::uint8_t> head) {
+  return Number16(head.subspan(kSizeAt)) | std::size_t{head[kSizeAt + 2]} << 16;
+}
+
+// The head at qwAt, with or without a sync; empty when the block would end after the bytes.
+std::span<const std::uint8_t> ViewHead(C_CodedBytes& bytes, std::uint64_t qwAt) {
+  const std::uint64_t qwLeft = bytes.Size() - qwAt;
+  if (qwLeft < kBlockHeadBytes) return {};
+  const auto head = bytes.View(qwAt, kBlockHeadBytes, kBlockHeadBytes);
+  return SizeIn(head) > qwLeft - kBlockHeadBytes ? std::span<const std::uint8_t>() : head;
+}
+
+S_Block BlockOf(std::span<const std::uint8_t> head, std::uint64_t qwAt) {
+  return {
+      head[kNumberAt], Number16(head.subspan(kCheckAt)), {qwAt + kBlockHeadBytes, SizeIn(head)}};
+}
+
+std::uint16_t CrcOf(C_CodedBytes& bytes, S_Run run, std::uint16_t wBefore) {
+  while (run.qwBytes > 0) {
+    const auto nMost =
+        static_cast<std::size_t>(std::min<std::uint64_t>(run.qwBytes, C_CodedBytes::kPiece));
+    const auto view = bytes.View(run.qwAt, 1, nMost);
+    wBefore = Crc16(view, wBefore);
+    run.qwAt += view.size();
+    run.qwBytes -= view.size();
+  }
+  return wBefore;
+}
 
 }  // namespace
 
@@ -49,30 +83,31 @@ void AppendOnlyBlock(std::vector<std::uint8_t>& coded, std::span<const std::uint
   coded.insert(coded.end(), run.begin(), run.end());
 }
 
-std::size_t ClaimedBytes(std::span<const std::uint8_t> bytes) noexcept {
-  if (bytes.size() < kBlockHeadBytes) return 0;
-  const std::size_t nSize = std::size_t{bytes[kSizeAt]} | std::size_t{bytes[kSizeAt + 1]} << 8 |
-                            std::size_t{bytes[kSizeAt + 2]} << 16;
-  return nSize > bytes.size() - kBlockHeadBytes ? 0 : kBlockHeadBytes + nSize;
+std::optional<S_Block> ReadHead(C_CodedBytes& bytes, std::uint64_t qwAt) {
+  const auto head = ViewHead(bytes, qwAt);
+  if (head.empty() || head[0] != kBlockSync) return std::nullopt;
+  return BlockOf(head, qwAt);
 }
 
-std::optional<S_Block> ReadBlock(std::span<const std::uint8_t> bytes) noexcept {
-  const std::size_t nBytes = ClaimedBytes(bytes);
-  if (nBytes == 0 || bytes[0] != kBlockSync) return std::nullopt;
-  const auto run = bytes.first(nBytes).subspan(kBlockHeadBytes);
-  const unsigned int nCheck = bytes[kCheckAt] | static_cast<unsigned int>(bytes[kCheckAt + 1]) << 8;
-  if (nCheck != Crc16(run, Crc16(bytes.subspan(kNumberAt, kCheckAt - kNumberAt)))) {
-    return std::nullopt;
-  }
-  return S_Block{bytes[kNumberAt], run, nBytes};
+std::optional<S_Block> ReadBlock(C_CodedBytes& bytes, std::uint64_t qwAt) {
+  const auto head = ViewHead(bytes, qwAt);
+  if (head.empty() || head[0] != kBlockSync) return std::nullopt;
+  const S_Block block = BlockOf(head, qwAt);
+  const std::uint16_t wCovered = Crc16(head.subspan(kNumberAt, kCheckAt - kNumberAt));
+  if (block.wCheck != CrcOf(bytes, block.run, wCovered)) return std::nullopt;
+  return block;
 }
 
-std::optional<std::span<const std::uint8_t>> ReadOnlyBlock(
-    std::span<const std::uint8_t> bytes) noexcept {
-  if (bytes.size() < kCheckBytes) return std::nullopt;
-  const auto run = bytes.subspan(kCheckBytes);
-  const unsigned int nCheck = bytes[0] | static_cast<unsigned int>(bytes[1]) << 8;
-  if (nCheck != Crc16(run)) return std::nullopt;
+std::uint64_t ClaimedBytes(C_CodedBytes& bytes, std::uint64_t qwAt) {
+  const auto head = ViewHead(bytes, qwAt);
+  return head.empty() ? 0 : kBlockHeadBytes + SizeIn(head);
+}
+
+std::optional<S_Run> ReadOnlyBlock(C_CodedBytes& bytes) {
+  if (bytes.Size() < kCheckBytes) return std::nullopt;
+  const std::uint16_t wCheck = Number16(bytes.View(0, kCheckBytes, C_CodedBytes::kPiece));
+  const S_Run run{kCheckBytes, bytes.Size() - kCheckBytes};
+  if (wCheck != CrcOf(bytes, run, 0xFFFF)) return std::nullopt;
   return run;
 }
 

@@ -19,6 +19,8 @@
 #include <span>
 #include <vector>
 
+#include "heron/CodedBytes.h"
+
 namespace heron {
 
 inline constexpr std::uint8_t kBlockSync = 0xB6;
@@ -35,17 +37,27 @@ void AppendBlock(std::vector<std::uint8_t>& coded, std::size_t nNumber,
                  std::span<const std::uint8_t> run);
 void AppendOnlyBlock(std::vector<std::uint8_t>& coded, std::span<const std::uint8_t> run);
 
-struct S_Block {
-  std::uint8_t byNumber;
-  std::span<const std::uint8_t> run;
-  std::size_t nBytes;  // of the whole block
+// The place of a run in coded bytes.
+struct S_Run {
+  std::uint64_t qwAt = 0;
+  std::uint64_t qwBytes = 0;
+
+  [[nodiscard]] std::uint64_t End() const noexcept { return qwAt + qwBytes; }
 };
-// The block that bytes begin with. Empty when no whole block with a right check begins there.
-std::optional<S_Block> ReadBlock(std::span<const std::uint8_t> bytes) noexcept;
-// The size of the block that seems to begin here, 0 when it would end after the bytes.
-std::size_t ClaimedBytes(std::span<const std::uint8_t> bytes) noexcept;
+struct S_Block {
+  std::uint8_t byNumber = 0;
+  std::uint16_t wCheck = 0;
+  S_Run run;
+};
+// What the head at qwAt says. Empty when there is no sync, or when the block would end after the
+// bytes.
+std::optional<S_Block> ReadHead(C_CodedBytes& bytes, std::uint64_t qwAt);
+// The block at qwAt. Empty when no whole block with a right check begins there.
+std::optional<S_Block> ReadBlock(C_CodedBytes& bytes, std::uint64_t qwAt);
+// The size of the block that seems to begin here, with or without a sync; 0 when it would end after
+// the bytes.
+std::uint64_t ClaimedBytes(C_CodedBytes& bytes, std::uint64_t qwAt);
 // The run of a sound of one block.
-std::optional<std::span<const std::uint8_t>> ReadOnlyBlock(
-    std::span<const std::uint8_t> bytes) noexcept;
+std::optional<S_Run> ReadOnlyBlock(C_CodedBytes& bytes);
 
 }  // namespace heron

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Decodes coded audio (RateControl.h) block by block. Damage ends with its block: a block that is
-// missing or damaged becomes silence, so that the rest of the sound stays where it was. A sound
-// whose end is missing ends with its last block that is there.
+// Decodes coded audio (RateControl.h) in memory, block by block (BlockIndex.h). A block that is
+// missing or damaged becomes silence, so that the rest of the sound stays where it was.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include "heron/BlockDecoder.h"
+#include "heron/BlockIndex.h"
 
 namespace heron {
 
@@ -23,18 +22,13 @@ class C_Decoder {
   static std::optional<C_Decoder> Open(std::span<const std::uint8_t> coded, int nSampleRate);
 
   // Samples in all blocks together, 1..2^32-1.
-  [[nodiscard]] std::size_t SampleCount() const noexcept { return m_nSamples; }
+  [[nodiscard]] std::size_t SampleCount() const noexcept { return m_index.SampleCount(); }
   // Samples of each block; the last one has the rest.
   [[nodiscard]] std::size_t Length() const noexcept { return m_nLength; }
-  [[nodiscard]] std::size_t BlockCount() const noexcept { return m_runs.size(); }
+  [[nodiscard]] std::size_t BlockCount() const noexcept { return m_index.Count(); }
   // The run of block nBlock; empty when the block is missing.
-  [[nodiscard]] std::optional<std::span<const std::uint8_t>> Run(std::size_t nBlock) const {
-    return m_runs[nBlock];
-  }
-  // Whether too much is missing to be taken for a sound: more blocks than are there, by more than
-  // 64 MiB of samples. Zeros stand for missing blocks, and a block of a few bytes may claim that
-  // the 127 before it are missing.
-  [[nodiscard]] bool IsMostlyMissing() const noexcept;
+  [[nodiscard]] std::optional<std::span<const std::uint8_t>> Run(std::size_t nBlock) const;
+  [[nodiscard]] bool IsMostlyMissing() const noexcept { return m_index.IsMostlyMissing(); }
   // Decodes block nBlock into samples, which has as many values as the block has samples. False
   // when the block is missing or damaged; the samples are then 0.
   bool DecodeBlock(std::size_t nBlock, std::span<std::int16_t> samples);
@@ -42,13 +36,11 @@ class C_Decoder {
   bool DecodeAll(std::span<std::int16_t> samples);
 
  private:
-  C_Decoder(int nSampleRate, std::size_t nSamples);
-  void FindBlocks(std::span<const std::uint8_t> bytes);
+  C_Decoder(int nSampleRate, std::size_t nSamples, std::span<const std::uint8_t> bytes);
 
-  std::size_t m_nSamples;
   std::size_t m_nLength;
-  // By block; empty where the block is missing.
-  std::vector<std::optional<std::span<const std::uint8_t>>> m_runs;
+  std::span<const std::uint8_t> m_bytes;  // of the blocks
+  C_BlockIndex m_index;
   C_BlockDecoder m_decoder;
 };
 

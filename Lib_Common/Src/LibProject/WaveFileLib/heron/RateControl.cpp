@@ -223,31 +223,34 @@ std::uint64_t InRatio(std::uint64_t qwValue, std::uint64_t qwTimes, std::uint64_
 // Codes the blocks of a sound one after another, portion by portion.
 class C_SoundEncoder {
  public:
-  C_SoundEncoder(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
+  C_SoundEncoder(std::size_t nSamples, const S_ReadSamples& fnRead, int nSampleRate, int nBitDepth,
                  const S_Write& fnWrite, const S_Progress& fnProgress)
-      : m_samples(samples),
+      : m_nSamples(nSamples),
+        m_fnRead(fnRead),
         m_nSampleRate(nSampleRate),
         m_nLength(SectionLength(nSampleRate)),
-        m_nSections((samples.size() + m_nLength - 1) / m_nLength),
+        // Not by adding first: so many samples may be all that the type can count.
+        m_nSections(nSamples / m_nLength + (nSamples % m_nLength == 0 ? 0 : 1)),
         m_nBlocks((m_nSections + kBlockSections - 1) / kBlockSections),
-        m_qwRoom(CodedRoom(samples.size(), nBitDepth)),
+        m_qwRoom(CodedRoom(nSamples, nBitDepth)),
         m_forecast(nSampleRate, nBitDepth),
         m_encoder(nSampleRate, nBitDepth),
         m_fnWrite(fnWrite),
         m_fnProgress(fnProgress) {}
 
   bool Encode() {
-    for (std::size_t n = 0; n < m_nBlocks; ++n) m_forecast.Add(Block(n));
+    if (!Foresee()) return false;
     std::vector<std::uint8_t> count;
-    AppendCount(count, m_samples.size());
+    AppendCount(count, m_nSamples);
     m_qwRoom -= count.size() + (m_nBlocks == 1 ? kCheckBytes : m_nBlocks * kBlockHeadBytes);
     m_qwTrust = m_qwRoom * 8 * kTrustedSections / m_nSections;
     if (!m_fnWrite(count)) return false;
-    if (m_nSections <= kFewSections) return Put(0, EncodeWhole().runs.front());
+    if (m_nSections <= kFewSections) return Load(0) && Put(0, EncodeWhole().runs.front());
     const std::size_t nTailAt = TailAt();
     for (std::size_t nBlock = 0; nBlock < m_nBlocks; ++nBlock) {
       const std::size_t nFirst = nBlock * kBlockSections;
-      S_DividedBlock block = Divide(nBlock);
+      if (!Load(nBlock)) return false;
+      S_DividedBlock block = Divide();
       C_PartWriter writer = m_encoder.NewWriter();
       const std::size_t nEnd = std::min(nFirst + kBlockSections, nTailAt);
       for (std::size_t n = nFirst; n < nEnd; n += kPortion) EncodePortion(block, n, writer);
@@ -270,9 +273,23 @@ class C_SoundEncoder {
     const std::size_t nAt = nTail / kPortion * kPortion;
     return nLastBlock + kLeastTail <= m_nSections ? std::max(nAt, nLastBlock) : nAt;
   }
-  [[nodiscard]] std::span<const std::int16_t> Block(std::size_t nBlock) const {
+  // Reads the samples of a block.
+  bool Load(std::size_t nBlock) {
     const std::size_t nAt = nBlock * kBlockSections * m_nLength;
-    return m_samples.subspan(nAt, std::min(kBlockSections * m_nLength, m_samples.size() - nAt));
+    m_samples.resize(std::min(kBlockSections * m_nLength, m_nSamples - nAt));
+    const std::span<std::int16_t> samples = m_samples;
+    for (std::size_t n = 0; n < samples.size(); n += kMostAtOnce) {
+      const auto piece = samples.subspan(n, std::min(kMostAtOnce, samples.size() - n));
+      if (!m_fnRead(nAt + n, piece)) return false;
+    }
+    return true;
+  }
+  bool Foresee() {
+    for (std::size_t n = 0; n < m_nBlocks; ++n) {
+      if (!Load(n)) return false;
+      m_forecast.Add(m_samples);
+    }
+    return true;
   }
   // The offset at which what is left should take the room that is left. qwBegun: the bits that the
   // present block has taken so far.
@@ -282,12 +299,12 @@ class C_SoundEncoder {
     return m_forecast.OffsetFor(InRatio(qwBits, m_qwForeseen + m_qwTrust, m_qwTaken + m_qwTrust));
   }
 
-  // Divides a block, and notes what the forecast counted for each of its portions.
-  S_DividedBlock Divide(std::size_t nBlock) {
+  // Divides the block that was read, and notes what the forecast counted for each of its portions.
+  S_DividedBlock Divide() {
     m_portions.fill({});
     std::size_t nSection = 0;
     return m_encoder.Divide(
-        Block(nBlock), NextOffset(0),
+        m_samples, NextOffset(0),
         [&](std::span<const std::int16_t> samples, std::span<const std::int32_t> coefficients) {
           m_forecast.Count(samples, coefficients, m_portions[nSection++ / kPortion]);
         });
@@ -372,7 +389,8 @@ class C_SoundEncoder {
     std::vector<S_DividedBlock> blocks;
     blocks.push_back(std::move(first));
     for (std::size_t n = nBlock + 1; n < m_nBlocks; ++n) {
-      blocks.push_back(m_encoder.Divide(Block(n), nOffset));
+      if (!Load(n)) return false;
+      blocks.push_back(m_encoder.Divide(m_samples, nOffset));
     }
     const S_Start start{nOffset, m_forecast.BytesPerOctave(nOffset)};
     C_Tail tail(m_encoder, std::move(writer), nFirst, std::move(blocks));
@@ -393,11 +411,13 @@ class C_SoundEncoder {
     }
     if (!m_fnWrite(bytes)) return false;
     const std::size_t nDone = (nBlock + 1) * kBlockSections * m_nLength;
-    if (m_fnProgress) m_fnProgress(std::min(nDone, m_samples.size()));
+    if (m_fnProgress) m_fnProgress(std::min(nDone, m_nSamples));
     return true;
   }
 
-  std::span<const std::int16_t> m_samples;
+  std::size_t m_nSamples;
+  const S_ReadSamples& m_fnRead;
+  std::vector<std::int16_t> m_samples;  // of the present block
   int m_nSampleRate;
   std::size_t m_nLength;  // of a section
   std::size_t m_nSections;
@@ -424,9 +444,18 @@ std::uint64_t CodedRoom(std::size_t nSamples, int nBitDepth) noexcept {
   return std::max(qwByDepth, std::min<std::uint64_t>(qwShort, kMostShortBytes)) - kHeadBytes;
 }
 
+bool EncodeWithin(std::size_t nSamples, const S_ReadSamples& fnRead, int nSampleRate, int nBitDepth,
+                  const S_Write& fnWrite, const S_Progress& fnProgress) {
+  return C_SoundEncoder(nSamples, fnRead, nSampleRate, nBitDepth, fnWrite, fnProgress).Encode();
+}
+
 bool EncodeWithin(std::span<const std::int16_t> samples, int nSampleRate, int nBitDepth,
                   const S_Write& fnWrite, const S_Progress& fnProgress) {
-  return C_SoundEncoder(samples, nSampleRate, nBitDepth, fnWrite, fnProgress).Encode();
+  const auto fnRead = [samples](std::size_t nAt, std::span<std::int16_t> piece) {
+    std::ranges::copy(samples.subspan(nAt, piece.size()), piece.begin());
+    return true;
+  };
+  return EncodeWithin(samples.size(), fnRead, nSampleRate, nBitDepth, fnWrite, fnProgress);
 }
 
 }  // namespace heron

@@ -46,6 +46,12 @@ bool IsValidEnd(C_BitReader& reader, bool bEnough, int nControl) {
   return true;
 }
 
+S_UnpackedFrame UnpackNext(S_DecoderState& state, const S_Configuration& configuration,
+                           std::span<const std::uint16_t> words) {
+  return UnpackFrame(words.first(Index(configuration.nWordsPerFrame)), configuration.nRegions,
+                     state.noise);
+}
+
 }  // namespace
 
 const S_Configuration& C_Decoder::Init(std::uint32_t dwBitRate) noexcept {
@@ -54,18 +60,34 @@ const S_Configuration& C_Decoder::Init(std::uint32_t dwBitRate) noexcept {
   return m_configuration;
 }
 
-void C_Decoder::Decode(std::span<const std::uint16_t> words,
+bool C_Decoder::Decode(std::span<const std::uint16_t> words,
                        std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
-  FastestRoutines().pfnDecode(m_state, m_configuration, words, samples);
+  return FastestRoutines().pfnDecode(m_state, m_configuration, words, samples);
 }
 
-void DecodeFrame(S_DecoderState& state, const S_Configuration& configuration,
+void C_Decoder::DecodeLost(std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
+  const S_Spectrum spectrum = std::exchange(m_state.lastGood, S_Spectrum{});
+  FastestRoutines().pfnInverse(m_state.overlap, spectrum.coefficients, spectrum.nShift, samples);
+}
+
+bool C_Decoder::Skip(std::span<const std::uint16_t> words) noexcept {
+  return FastestRoutines().pfnSkip(m_state, m_configuration, words);
+}
+
+bool DecodeFrame(S_DecoderState& state, const S_Configuration& configuration,
                  std::span<const std::uint16_t> words,
                  std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
-  const auto frameWords = words.first(Index(configuration.nWordsPerFrame));
-  const S_UnpackedFrame frame = UnpackFrame(frameWords, configuration.nRegions, state.noise);
+  const S_UnpackedFrame frame = UnpackNext(state, configuration, words);
   const S_Spectrum spectrum = Conceal(frame, state.lastGood);
   InverseTransform(state.overlap, spectrum.coefficients, spectrum.nShift, samples);
+  return !frame.bDamaged;
+}
+
+bool SkipFrame(S_DecoderState& state, const S_Configuration& configuration,
+               std::span<const std::uint16_t> words) noexcept {
+  const S_UnpackedFrame frame = UnpackNext(state, configuration, words);
+  Conceal(frame, state.lastGood);
+  return !frame.bDamaged;
 }
 
 S_UnpackedFrame UnpackFrame(std::span<const std::uint16_t> words, int nRegions,

@@ -59,19 +59,27 @@ class C_FastCoder {
     writer.Finish(words.first(Index(configuration.nWordsPerFrame)));
   }
 
-  static void Decode(S_DecoderState& state, const S_Configuration& configuration,
+  static bool Decode(S_DecoderState& state, const S_Configuration& configuration,
                      std::span<const std::uint16_t> words,
                      std::span<std::int16_t, kSamplesPerFrame> samples) noexcept {
-    words = words.first(Index(configuration.nWordsPerFrame));
-    C_WordReader reader(words);
-    S_Envelope envelope;
-    if (ReadEnvelope(reader, configuration.nRegions, envelope)) [[likely]] {
-      DecodeRegions(state, configuration.nRegions, words, reader, envelope, samples);
+    alignas(32) S_Frame coefficients;
+    int nShift = 0;
+    const bool bGood = Unpack(state, configuration, words, coefficients, nShift);
+    if (bGood) [[likely]] {
+      Transforms::Inverse(state.overlap, coefficients, nShift, samples);
     } else {
-      // The frame is damaged, and only the noise that it would have used matters.
-      UnpackFrame(words, configuration.nRegions, state.noise);
       Repeat(state, samples);
     }
+    return bGood;
+  }
+
+  static bool Skip(S_DecoderState& state, const S_Configuration& configuration,
+                   std::span<const std::uint16_t> words) noexcept {
+    alignas(32) S_Frame coefficients;
+    int nShift = 0;
+    const bool bGood = Unpack(state, configuration, words, coefficients, nShift);
+    if (!bGood) state.lastGood = {};
+    return bGood;
   }
 
  private:
@@ -262,6 +270,28 @@ class C_FastCoder {
 
   // ---- decoding ----
 
+  // Reads a frame, which becomes the last good one unless it is damaged. False if it is. One copy
+  // is enough.
+  [[gnu::noinline]] static bool Unpack(S_DecoderState& state, const S_Configuration& configuration,
+                                       std::span<const std::uint16_t> words, S_Frame& coefficients,
+                                       int& nShift) {
+    words = words.first(Index(configuration.nWordsPerFrame));
+    C_WordReader reader(words);
+    S_Envelope envelope;
+    if (!ReadEnvelope(reader, configuration.nRegions, envelope)) [[unlikely]] {
+      // The frame is damaged, and only the noise that it would have used matters.
+      UnpackFrame(words, configuration.nRegions, state.noise);
+      return false;
+    }
+    if (!UnpackRegions(state.noise, configuration.nRegions, words, reader, envelope, coefficients,
+                       nShift)) {
+      return false;
+    }
+    std::memcpy(&state.lastGood.coefficients, &coefficients, sizeof coefficients);
+    state.lastGood.nShift = nShift;
+    return true;
+  }
+
   // False if an index is not valid.
   VCM_LANES_INLINE static bool ReadEnvelope(C_WordReader& reader, int nRegions,
                                             S_Envelope& envelope) {
@@ -410,10 +440,11 @@ class C_FastCoder {
            nDeviation <= kDeviations[nCategory].nMost;
   }
 
-  VCM_LANES_INLINE static void DecodeRegions(S_DecoderState& state, int nRegions,
+  // False if the frame is damaged.
+  VCM_LANES_INLINE static bool UnpackRegions(S_NoiseGenerator& generator, int nRegions,
                                              std::span<const std::uint16_t> words,
                                              C_WordReader& reader, const S_Envelope& envelope,
-                                             std::span<std::int16_t, kSamplesPerFrame> samples) {
+                                             S_Frame& coefficients, int& nShift) {
     const S_Scale scale = Scale(envelope, nRegions);
     const auto nControl = static_cast<int>(reader.Next() >> (64 - kControlBits));
     reader.Skip(kControlBits);
@@ -422,25 +453,18 @@ class C_FastCoder {
       ++categorisation.categories[Index(categorisation.balances[Index(n)])];
     }
 
-    alignas(32) S_Frame coefficients;
-    C_FastNoise noise(state.noise);
+    C_FastNoise noise(generator);
     bool bEnough = true;
     for (int r = 0; r < nRegions; ++r) {
       const int nCategory = std::clamp(categorisation.categories[Index(r)], 0, kNoiseCategory);
       bEnough = ReadRegion(reader, words, bEnough ? nCategory : kNoiseCategory, bEnough,
                            scale.deviation[Index(r)], noise, Coefficients(coefficients, r));
     }
-    noise.Put(state.noise);
+    noise.Put(generator);
     std::fill(Coefficients(coefficients, nRegions), coefficients.data() + coefficients.size(),
               std::int16_t{0});
-
-    if (IsValidEnd(reader, bEnough, nControl)) {
-      std::memcpy(&state.lastGood.coefficients, &coefficients, sizeof coefficients);
-      state.lastGood.nShift = scale.nShift;
-      Transforms::Inverse(state.overlap, coefficients, scale.nShift, samples);
-    } else {
-      Repeat(state, samples);
-    }
+    nShift = scale.nShift;
+    return IsValidEnd(reader, bEnough, nControl);
   }
 
   VCM_LANES_INLINE static bool ReadRegion(C_WordReader& reader,

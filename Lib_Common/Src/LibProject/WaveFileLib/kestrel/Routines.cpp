@@ -8,8 +8,8 @@
 namespace kestrel {
 namespace {
 
-constexpr S_Routines kRoutinesPlain = {"plain", &ForwardTransform, &InverseTransform, &EncodeFrame,
-                                       &DecodeFrame};
+constexpr S_Routines kRoutinesPlain = {"plain",      &ForwardTransform, &InverseTransform,
+                                       &EncodeFrame, &DecodeFrame,      &SkipFrame};
 
 }  // namespace
 

@@ -20,12 +20,14 @@ struct S_Routines {
   int (*pfnForward)(S_Frame& history, S_Samples samples, S_Frame& coefficients) noexcept;
   void (*pfnInverse)(S_Overlap& overlap, const S_Frame& coefficients, int nShift,
                      std::span<std::int16_t, kSamplesPerFrame> samples) noexcept;
-  // EncodeFrame and DecodeFrame.
+  // EncodeFrame, DecodeFrame and SkipFrame.
   void (*pfnEncode)(S_EncoderState& state, const S_Configuration& configuration, S_Samples samples,
                     std::span<std::uint16_t> words) noexcept;
-  void (*pfnDecode)(S_DecoderState& state, const S_Configuration& configuration,
+  bool (*pfnDecode)(S_DecoderState& state, const S_Configuration& configuration,
                     std::span<const std::uint16_t> words,
                     std::span<std::int16_t, kSamplesPerFrame> samples) noexcept;
+  bool (*pfnSkip)(S_DecoderState& state, const S_Configuration& configuration,
+                  std::span<const std::uint16_t> words) noexcept;
 };
 
 // The routines that work on this processor, the fastest first and the plain ones last.

@@ -10,7 +10,8 @@ namespace kestrel {
 template <typename Transforms, typename Regions>
 constexpr S_Routines RoutinesOf(const char* pszName) {
   using Coder = C_FastCoder<Transforms, Regions>;
-  return {pszName, &Transforms::Forward, &Transforms::Inverse, &Coder::Encode, &Coder::Decode};
+  return {pszName,        &Transforms::Forward, &Transforms::Inverse,
+          &Coder::Encode, &Coder::Decode,       &Coder::Skip};
 }
 
 }  // namespace kestrel

@@ -101,6 +101,50 @@ TEST(HeronBlock, LayoutOfAnOnlyBlock_IsCheckRun) {
   EXPECT_EQ(OnlyBlockOf({}), (S_Bytes{0xFF, 0xFF}));
 }
 
+struct S_Read {
+  std::uint8_t byNumber;
+  std::span<const std::uint8_t> run;
+  std::size_t nBytes;
+};
+
+// Reads only what lies in the bytes, a few of them at a time.
+class C_SmallViews final : public C_CodedBytes {
+ public:
+  explicit C_SmallViews(std::span<const std::uint8_t> bytes) : m_bytes(bytes) {}
+  [[nodiscard]] std::uint64_t Size() const noexcept override { return m_bytes.size(); }
+  std::span<const std::uint8_t> View(std::uint64_t qwAt, std::size_t nLeast,
+                                     std::size_t nMost) override {
+    const auto rest = m_bytes.subspan(static_cast<std::size_t>(qwAt));
+    return rest.first(std::min({rest.size(), nMost, std::max<std::size_t>(nLeast, 3)}));
+  }
+
+ private:
+  std::span<const std::uint8_t> m_bytes;
+};
+
+std::uint64_t ClaimedBytes(std::span<const std::uint8_t> bytes) {
+  C_CodedMemory memory(bytes);
+  return heron::ClaimedBytes(memory, 0);
+}
+
+std::optional<S_Read> ReadBlock(std::span<const std::uint8_t> bytes) {
+  C_CodedMemory memory(bytes);
+  const auto block = heron::ReadBlock(memory, 0);
+  C_SmallViews views(bytes);
+  EXPECT_EQ(heron::ReadBlock(views, 0).has_value(), block.has_value());
+  if (!block) return std::nullopt;
+  const auto nBytes = static_cast<std::size_t>(block->run.End());
+  return S_Read{block->byNumber, bytes.first(nBytes).subspan(kBlockHeadBytes), nBytes};
+}
+
+std::optional<std::span<const std::uint8_t>> ReadOnlyBlock(std::span<const std::uint8_t> bytes) {
+  C_CodedMemory memory(bytes);
+  const auto run = heron::ReadOnlyBlock(memory);
+  if (!run) return std::nullopt;
+  EXPECT_EQ(run->End(), bytes.size());
+  return bytes.subspan(static_cast<std::size_t>(run->qwAt));
+}
+
 TEST(HeronBlock, Append_KeepsWhatIsThere) {
   S_Bytes coded = {1, 2, 3};
   AppendBlock(coded, 0, BytesOf("ab"));

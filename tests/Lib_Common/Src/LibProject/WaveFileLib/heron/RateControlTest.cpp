@@ -328,6 +328,50 @@ TEST(HeronWriting, WithoutProgress_GivesTheSame) {
   EXPECT_EQ(Encode(voice, 4000, 3), coded);
 }
 
+// ---- reading
+
+// A section, a block, and a block and a half with a short last one.
+TEST(HeronReading, Samples_AreReadTwiceFromFirstToLastInShortPieces) {
+  const std::size_t nBlock = BlockLength(8000);
+  for (const std::size_t nSamples : {std::size_t{1}, SectionLength(8000), nBlock,
+                                     nBlock + nBlock / 2, nBlock + SectionLength(8000)}) {
+    const S_Sound sound = TestVoice(nSamples);
+    std::size_t nRead = 0;
+    S_Bytes coded;
+    const auto fnRead = [&](std::size_t nAt, std::span<std::int16_t> samples) {
+      EXPECT_EQ(nAt, nRead % nSamples);
+      EXPECT_LE(samples.size(), kMostAtOnce);
+      std::copy_n(sound.begin() + static_cast<std::ptrdiff_t>(nAt), samples.size(),
+                  samples.begin());
+      nRead += samples.size();
+      return true;
+    };
+    const auto fnWrite = [&](std::span<const std::uint8_t> bytes) {
+      coded.insert(coded.end(), bytes.begin(), bytes.end());
+      return true;
+    };
+    EXPECT_TRUE(EncodeWithin(nSamples, fnRead, 8000, 4, fnWrite, {}));
+    EXPECT_EQ(nRead, 2 * nSamples);
+    EXPECT_EQ(coded, Encode(sound, 8000, 4));
+  }
+}
+
+TEST(HeronReading, AFailedRead_IsTheLast) {
+  const std::size_t nSamples = 2 * BlockLength(4000) + SectionLength(4000);
+  const std::size_t nReads = 2 * 3 * (BlockLength(4000) / kMostAtOnce + 1);
+  for (std::size_t nFailing = 1; nFailing <= nReads; ++nFailing) {
+    std::size_t nCalls = 0;
+    const auto fnRead = [&](std::size_t, std::span<std::int16_t> samples) {
+      std::ranges::fill(samples, std::int16_t{1000});
+      return ++nCalls != nFailing;
+    };
+    const bool bCoded = EncodeWithin(nSamples, fnRead, 4000, 2,
+                                     [](std::span<const std::uint8_t>) { return true; }, {});
+    EXPECT_EQ(bCoded, nCalls < nFailing);
+    EXPECT_LE(nCalls, nFailing);
+  }
+}
+
 // ---- instructions
 
 TEST(HeronRoom, AllInstructions_GiveTheSameBytes) {

@@ -229,6 +229,42 @@ TEST(Decoder, AfterTwoDamagedFrames_FallsSilentAndComesBack) {
   EXPECT_GT(*std::max_element(back.begin(), back.end()), 1000);
 }
 
+TEST(Decoder, Decode_TellsDamagedFramesFromGoodOnes) {
+  const C_SpeechFrames speech(16000);
+  C_Decoder decoder;
+  S_Frame samples;
+  EXPECT_TRUE(decoder.Decode(speech.Frame(31), samples));
+  EXPECT_FALSE(decoder.Decode(std::vector<std::uint16_t>(20, 0), samples));
+  EXPECT_TRUE(decoder.Decode(speech.Frame(32), samples));
+}
+
+TEST(Decoder, ALostFrame_IsReplacedLikeADamagedOneButForTheNoise) {
+  const C_SpeechFrames speech(16000);
+  // The envelope of this frame is not valid, and its regions still use up noise.
+  const std::vector<std::uint16_t> damaged(20, 0);
+  C_Decoder lost;
+  C_Decoder other;
+  for (int nFrame = 0; nFrame <= 31; ++nFrame) {
+    Decode(lost, speech.Frame(nFrame));
+    Decode(other, speech.Frame(nFrame));
+  }
+  for (int n = 0; n < 3; ++n) {
+    S_Frame samples;
+    lost.DecodeLost(samples);
+    EXPECT_EQ(samples, Decode(other, damaged)) << n;
+  }
+  // The generator stays where it was: the next frame has the noise of the one that follows it.
+  S_NoiseGenerator noise;
+  for (int nFrame = 0; nFrame <= 31; ++nFrame) UnpackFrame(speech.Frame(nFrame), 14, noise);
+  const auto next = UnpackFrame(speech.Frame(32), 14, noise);
+  S_Overlap overlap{};
+  S_Frame wanted;
+  for (int n = 0; n < 3; ++n) InverseTransform(overlap, S_Frame{}, 0, wanted);
+  InverseTransform(overlap, next.spectrum.coefficients, next.spectrum.nShift, wanted);
+  EXPECT_EQ(Decode(lost, speech.Frame(32)), wanted);
+  EXPECT_NE(Decode(other, speech.Frame(32)), wanted);
+}
+
 TEST(Decoder, BeforeInit_RunsAt16000) {
   const C_Decoder decoder;
   EXPECT_EQ(decoder.Configuration().dwBitRate, 16000u);

@@ -146,6 +146,41 @@ TEST_P(FastRoutinesTest, FramesOfAnyWords_DecodeLikeThePlainOnes) {
   }
 }
 
+// One frame after the last one that was skipped, everything is as if all had been decoded.
+TEST_P(RoutinesTest, FramesThatAreSkipped_LeaveTheStateButForTheOverlap) {
+  C_Signals signals(6);
+  for (const std::uint32_t dwRate : {4800U, 9600U, 12000U, 16000U, 32000U}) {
+    const S_Configuration configuration = Configure(dwRate);
+    std::vector<std::uint16_t> words(static_cast<std::size_t>(configuration.nWordsPerFrame));
+    S_EncoderState encoder;
+    S_DecoderState all;
+    S_DecoderState some;
+    int nDamaged = 0;
+    for (int n = 0; n < 200; ++n) {
+      Plain().pfnEncode(encoder, configuration, signals.Next(), words);
+      Damage(signals, words);
+      S_Frame want;
+      S_Frame samples;
+      const bool bGood = Plain().pfnDecode(all, configuration, words, want);
+      nDamaged += bGood ? 0 : 1;
+      if (n % 5 < 2) {
+        ASSERT_EQ(GetParam().pfnSkip(some, configuration, words), bGood) << dwRate << ' ' << n;
+      } else {
+        ASSERT_EQ(GetParam().pfnDecode(some, configuration, words, samples), bGood)
+            << dwRate << ' ' << n;
+      }
+      if (n % 5 > 2) {
+        ASSERT_EQ(samples, want) << dwRate << ' ' << n;
+      }
+      ASSERT_EQ(some.noise.seeds, all.noise.seeds) << dwRate << ' ' << n;
+      ASSERT_EQ(some.lastGood.coefficients, all.lastGood.coefficients) << dwRate << ' ' << n;
+      ASSERT_EQ(some.lastGood.nShift, all.lastGood.nShift) << dwRate << ' ' << n;
+    }
+    EXPECT_GT(nDamaged, 5) << dwRate;
+    EXPECT_LT(nDamaged, 195) << dwRate;
+  }
+}
+
 TEST_P(FastRoutinesTest, MoreRoomThanAFrameNeeds_IsLeftAlone) {
   S_EncoderState state;
   std::vector<std::uint16_t> words(kMaxWordsPerFrame, 0x1234);

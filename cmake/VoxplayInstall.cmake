@@ -1,0 +1,57 @@
+# SPDX-License-Identifier: Apache-2.0
+# What "cmake --install" puts where. The components are those of the Debian packages: runtime is what
+# programs need to run, development what they need to be built, player the player.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+if(VOXPLAY_PLAYER)
+  install(TARGETS VoxplaySampleCode RUNTIME COMPONENT player)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/man/VoxplaySampleCode.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT player)
+endif()
+if(NOT VOXPLAY_API)
+  return()
+endif()
+
+# Voxplay::WaveFileLib, as it is installed: the classes' headers, over the archive that has their
+# objects.
+set(CLASSES ${CMAKE_INSTALL_INCLUDEDIR}/voxplay-classes)
+get_target_property(CLASS_HEADERS WaveFileLib HEADER_SET)
+get_target_property(CLASS_FOLDERS WaveFileLib HEADER_DIRS)
+add_library(voxplay_classes INTERFACE)
+set_target_properties(voxplay_classes PROPERTIES EXPORT_NAME WaveFileLib)
+target_sources(voxplay_classes INTERFACE FILE_SET HEADERS BASE_DIRS
+  ${CLASS_FOLDERS} ${PROJECT_SOURCE_DIR}/common FILES ${CLASS_HEADERS} ${VOXPLAY_COMMON_HEADERS})
+target_link_libraries(voxplay_classes INTERFACE voxplay_static)
+target_compile_features(voxplay_classes INTERFACE cxx_std_20)
+
+install(TARGETS voxplay EXPORT VoxplayTargets
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  FILE_SET HEADERS COMPONENT development)
+install(TARGETS voxplay_static EXPORT VoxplayTargets
+  ARCHIVE COMPONENT development FILE_SET HEADERS COMPONENT development)
+install(TARGETS voxplay_classes EXPORT VoxplayTargets
+  FILE_SET HEADERS DESTINATION ${CLASSES} COMPONENT development)
+
+set(PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/Voxplay)
+install(EXPORT VoxplayTargets NAMESPACE Voxplay:: DESTINATION ${PACKAGE} COMPONENT development)
+configure_package_config_file(cmake/VoxplayConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/VoxplayConfig.cmake INSTALL_DESTINATION ${PACKAGE})
+# A program takes any later version whose library has the same SONAME, whatever its major version.
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/VoxplayConfigVersion.cmake
+  COMPATIBILITY AnyNewerVersion)
+file(APPEND ${PROJECT_BINARY_DIR}/VoxplayConfigVersion.cmake
+  "if(PACKAGE_FIND_VERSION AND PACKAGE_FIND_VERSION VERSION_LESS ${VOXPLAY_COMPATIBLE_SINCE})\n"
+  "  set(PACKAGE_VERSION_COMPATIBLE FALSE)\n"
+  "endif()\n")
+install(
+  FILES ${PROJECT_BINARY_DIR}/VoxplayConfig.cmake ${PROJECT_BINARY_DIR}/VoxplayConfigVersion.cmake
+  DESTINATION ${PACKAGE} COMPONENT development)
+
+# The way from the file to where everything is installed, so that the whole can be moved.
+set(PKG_CONFIG_FOLDER ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH VOXPLAY_UP /prefix/${PKG_CONFIG_FOLDER} /prefix)
+string(REGEX REPLACE "/$" "" VOXPLAY_UP "${VOXPLAY_UP}")
+configure_file(cmake/voxplay.pc.in ${PROJECT_BINARY_DIR}/voxplay.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/voxplay.pc
+  DESTINATION ${PKG_CONFIG_FOLDER} COMPONENT development)
