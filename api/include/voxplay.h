@@ -180,7 +180,8 @@ typedef struct voxplay_info {
   uint32_t has_stream;
   /* Of the frames that were read so far: those whose bytes are damaged or missing, so that
    * something else stands in their place. Such a frame counts when reading first goes beyond it, so
-   * frames that are read twice count once. Frames that a seek passed over are not counted. */
+   * frames that are read twice count once. Frames that a seek passed over are not counted. What
+   * G.711 and ADPCM lack counts nowhere, because the sound ends there. */
   uint64_t damaged_frames;
 } voxplay_info;
 
