@@ -1,25 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "probe/Probe.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string>
 
+#include "calls/CallerText.h"
 #include "calls/Guard.h"
 #include "calls/SizedRecord.h"
-
-namespace {
-
-// Copies what fits, and ends it with a zero.
-void CopyText(const std::string& strText, char* pszText, std::size_t cbText) {
-  if (cbText == 0) return;
-  const std::size_t cbCopied = std::min(strText.size(), cbText - 1);
-  std::memcpy(pszText, strText.data(), cbCopied);
-  pszText[cbCopied] = '\0';
-}
-
-}  // namespace
 
 voxplay_status voxplay_probe(const void* bytes, size_t size, voxplay_kind* kind, size_t kind_size,
                              char* text, size_t text_size, size_t* length) {
@@ -32,7 +19,7 @@ voxplay_status voxplay_probe(const void* bytes, size_t size, voxplay_kind* kind,
     if (!api::CopyOut(found, &voxplay_kind::container, kind, kind_size)) {
       return VOXPLAY_BAD_ARGUMENT;
     }
-    CopyText(probe.strText, text, text_size);
+    api::CopyText(probe.strText, text, text_size);
     if (length != nullptr) *length = probe.strText.size();
     return VOXPLAY_OK;
   });

@@ -3,9 +3,7 @@
 // The writer of voxplay.h.
 #include "writer/Writer.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <optional>
@@ -15,6 +13,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "calls/CallerText.h"
 #include "calls/Guard.h"
 #include "calls/NotesObject.h"
 #include "calls/SizedRecord.h"
@@ -124,11 +123,7 @@ voxplay_status voxplay_format_check(const voxplay_format* format, size_t size, c
   const voxplay_status eStatus =
       api::Guarded(nullptr, "", [&] { strProblem = api::FormatProblem(*known); });
   if (eStatus != VOXPLAY_OK) return eStatus;
-  if (text_size != 0) {
-    const std::size_t cbCopied = std::min(strProblem.size(), text_size - 1);
-    std::memcpy(text, strProblem.data(), cbCopied);
-    text[cbCopied] = '\0';
-  }
+  api::CopyText(strProblem, text, text_size);
   return strProblem.empty() ? VOXPLAY_OK : VOXPLAY_UNSUPPORTED;
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "CountedWork.h"
+#include "ManyCuePoints.h"
 #include "TempFolder.h"
 #include "VefBytes.h"
 #include "WavFileFormat.h"
@@ -26,22 +27,6 @@ constexpr std::uint32_t kMany = 100'000;
 constexpr std::uint64_t kMostTimes = 12;  // ten times, and room for searching in a larger table
 constexpr std::size_t kTimesTheFile = 16;
 constexpr std::size_t kFixedMemory = 8U << 20;
-
-// Identifiers that are far apart, so that a table indexed by their low bits would put them all in
-// one place.
-std::uint32_t FarID(std::uint32_t i) { return i * 0x8000u + i / 0x20000u; }
-
-C_Bytes CuePoints(std::uint32_t nCount) {
-  vcm::C_ByteWriter cue;
-  cue.U32(nCount);
-  for (std::uint32_t i = 0; i < nCount; ++i) {
-    cue.U32(FarID(i));
-    cue.U32(nCount - i);
-    cue.Text("data", 4);
-    cue.Zeros(12);
-  }
-  return cue.Take();
-}
 
 // A label, and perhaps a labelled text, for each cue point.
 C_Bytes Labels(std::uint32_t nCount, const std::function<std::string(std::uint32_t)>& fnText,

@@ -11,6 +11,7 @@
 
 #include "CountedWork.h"
 #include "HeldChunks.h"
+#include "ManyCuePoints.h"
 #include "WavBytes.h"
 #include "notes/NoteEdits.h"
 
@@ -21,20 +22,6 @@ constexpr std::uint32_t kFew = 10'000;
 constexpr std::uint32_t kMany = 100'000;
 constexpr std::uint64_t kMostTimes = 13;  // ten times, and room for searching in a larger table
 constexpr std::size_t kTimesTheFile = 16;
-
-std::uint32_t FarID(std::uint32_t i) { return i * 0x8000U + i / 0x20000U; }
-
-C_Bytes CuePoints(std::uint32_t nCount) {
-  vcm::C_ByteWriter cue;
-  cue.U32(nCount);
-  for (std::uint32_t i = 0; i < nCount; ++i) {
-    cue.U32(FarID(i));
-    cue.U32(nCount - i);
-    cue.Text("data", 4);
-    cue.Zeros(12);
-  }
-  return cue.Take();
-}
 
 using C_PartOf = std::function<C_Bytes(std::uint32_t)>;
 C_Bytes List(std::uint32_t nCount, const C_PartOf& fnPart) {

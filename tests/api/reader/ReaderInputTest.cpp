@@ -225,15 +225,13 @@ TEST(ReaderInput, ClaimedLength_TakesNoMemory) {
 }
 
 TEST(ReaderInput, PaddingOfZeros_TakesNoMemory) {
-  for (const char* pszID : {"JUNK"}) {
-    const C_Bytes file = MonoWav(0).Chunk(pszID, C_Bytes(5000000)).Chunk("abcd", {1, 2}).Take();
-    C_TestInput input(file);
-    ResetLargestAllocation();
-    const auto reader = C_Reader::Open(OpenInputSource(input.Record()), 0);
-    EXPECT_LT(LargestAllocation(), 200000u);
-    ASSERT_EQ(reader->Notes().chunks.size(), 1u);
-    EXPECT_EQ(reader->Notes().chunks[0].data, (C_Bytes{1, 2}));
-  }
+  const C_Bytes file = MonoWav(0).Chunk("JUNK", C_Bytes(5000000)).Chunk("abcd", {1, 2}).Take();
+  C_TestInput input(file);
+  ResetLargestAllocation();
+  const auto reader = C_Reader::Open(OpenInputSource(input.Record()), 0);
+  EXPECT_LT(LargestAllocation(), 200000u);
+  ASSERT_EQ(reader->Notes().chunks.size(), 1u);
+  EXPECT_EQ(reader->Notes().chunks[0].data, (C_Bytes{1, 2}));
 }
 
 TEST(ReaderInput, PaddingThatHoldsSomething_IsKept) {
