@@ -6,6 +6,7 @@
 #
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
+#   scripts/install-deps.sh tool     the same and what builds voxtool
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
 #   scripts/install-deps.sh budgets  what counts the instructions of the library
@@ -21,7 +22,9 @@ set -euo pipefail
 library=(g++ cmake make)
 # cubeb finds the sound service's client library at run time, so no package depends on it.
 player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
-tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
+# What voxtool needs beside what the player needs.
+tool=(libcli11-dev nlohmann-json3-dev libcairo2-dev libkissfft-dev libsqlite3-dev fonts-dejavu-core)
+tests=("${tool[@]}" libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
   ffmpeg)
 # What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
@@ -32,12 +35,13 @@ architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu
 abi=("${library[@]}" abigail-tools)
 # The packages for arm64 are built with the cross compiler, and name the packages of the libraries
 # that they need, which must therefore be here.
-package=("${player[@]}" debhelper dpkg-dev fakeroot lintian doxygen debootstrap
+package=("${player[@]}" "${tool[@]}" debhelper dpkg-dev fakeroot lintian doxygen debootstrap
   g++-aarch64-linux-gnu qemu-user-static libc6:arm64 libstdc++6:arm64)
 
 case "${1:-player}" in
   library) wanted=("${library[@]}") ;;
   player) wanted=("${player[@]}") ;;
+  tool) wanted=("${player[@]}" "${tool[@]}") ;;
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
   budgets) wanted=("${library[@]}" valgrind) ;;

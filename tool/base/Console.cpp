@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "base/Console.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "base/Failure.h"
+
+namespace tool {
+namespace {
+
+constexpr std::size_t kUsualColumns = 80;
+
+bool TerminalHasColours() {
+  const char* const pszNoColour = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe)
+  if (pszNoColour != nullptr && *pszNoColour != '\0') return false;
+  const char* const pszTerminal = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe)
+  return pszTerminal != nullptr && std::string_view(pszTerminal) != "dumb";
+}
+
+[[noreturn]] void FailToPrint() {
+  throw C_Failure("standard output", "cannot be written", SystemReason(errno));
+}
+
+void ToErrors(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
+
+}  // namespace
+
+C_Console::C_Console()
+    : m_bOutIsTerminal(isatty(STDOUT_FILENO) == 1),
+      m_bErrIsTerminal(isatty(STDERR_FILENO) == 1),
+      m_bColours(m_bOutIsTerminal && TerminalHasColours()) {}
+
+C_Console::~C_Console() { TakeProgressAway(); }
+
+void C_Console::Print(std::string_view text) {
+  const std::lock_guard lock(m_lock);
+  if (m_bOutIsTerminal) TakeProgressAway();
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) FailToPrint();
+}
+
+void C_Console::Flush() {
+  const std::lock_guard lock(m_lock);
+  if (std::fflush(stdout) != 0) FailToPrint();
+}
+
+void C_Console::Complain(std::string_view line) {
+  const std::lock_guard lock(m_lock);
+  TakeProgressAway();
+  ToErrors(std::string(line) + '\n');
+}
+
+void C_Console::ShowProgress(std::string_view line) {
+  if (!m_bErrIsTerminal) return;
+  const std::lock_guard lock(m_lock);
+  if (line == m_strProgress) return;
+  TakeProgressAway();
+  m_strProgress = line;
+  ToErrors(line);
+}
+
+std::size_t C_Console::Columns() const noexcept {
+  winsize size{};
+  const bool bKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return bKnown ? size.ws_col : kUsualColumns;
+}
+
+void C_Console::TakeProgressAway() {
+  if (m_strProgress.empty()) return;
+  m_strProgress.clear();
+  // To the first column, and everything after it away.
+  ToErrors("\r\x1b[K");
+}
+
+}  // namespace tool
