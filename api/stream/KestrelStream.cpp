@@ -8,6 +8,7 @@
 
 #include "ByteReader.h"
 #include "base/Failure.h"
+#include "stream/CodedLength.h"
 #include "stream/DamageCount.h"
 #include "stream/KestrelCursor.h"
 #include "stream/PieceStream.h"
@@ -196,7 +197,7 @@ S_KestrelStream OpenKestrelStream(I_ByteSource& source, S_ByteRange range) {
   const S_ByteRange frames = FrameRange(head, held, nWords);
   const std::size_t cbFrame = nWords * kWordBytes;
   const std::uint64_t qwFrames = (frames.qwSize + cbFrame - 1) / cbFrame;
-  if (qwFrames > std::numeric_limits<std::uint32_t>::max() / (kSamples * sizeof(std::int16_t))) {
+  if (qwFrames > kMostCodedSamples / kSamples) {
     Refuse(VOXPLAY_TOO_LARGE, "its samples would take 4 GiB or more");
   }
   return {std::make_unique<C_KestrelStream>(C_KestrelFrames(source, frames, cbFrame), configuration,
