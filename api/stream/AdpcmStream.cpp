@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "base/CopyTo.h"
 #include "compressed/CompressedWav.h"
 #include "compressed/SampleBytes.h"
 
@@ -250,7 +251,7 @@ std::size_t C_AdpcmStream::Copy(std::span<std::int16_t> samples) {
   const auto left = decoded.subspan(
       static_cast<std::size_t>(std::min<std::uint64_t>(decoded.size(), qwAt * m_nChannels)));
   const auto sound = left.first(std::min(left.size(), copied.size()));
-  std::ranges::copy(sound, copied.begin());
+  CopyTo(sound, copied);
   std::ranges::fill(copied.subspan(sound.size()), std::int16_t{0});
   m_qwPosition += qwFrames;
   return static_cast<std::size_t>(qwFrames);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ByteReader.h"
+#include "base/CopyTo.h"
 #include "base/Failure.h"
 #include "codec/HeronStream.h"
 #include "heron/Configuration.h"
@@ -150,7 +151,7 @@ std::size_t C_HeronStream::ReadPiece(std::span<std::int16_t> samples) {
   const auto nAt = static_cast<std::size_t>(m_qwPosition % m_blocks.Length());
   const auto rest = std::span(m_samples).subspan(nAt);
   const auto part = rest.first(std::min(rest.size(), samples.size()));
-  std::ranges::copy(part, samples.begin());
+  CopyTo(part, samples);
   m_damage.Read(m_qwPosition, m_qwPosition + part.size(), !m_bGood);
   m_qwPosition += part.size();
   return part.size();

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "ByteReader.h"
+#include "base/CopyTo.h"
 #include "base/Failure.h"
 #include "stream/CodedLength.h"
 #include "stream/DamageCount.h"
@@ -139,7 +140,7 @@ std::size_t C_KestrelStream::ReadPiece(std::span<std::int16_t> samples) {
 std::size_t C_KestrelStream::ReadHeld(std::span<std::int16_t> samples) {
   const auto rest = std::span(m_held).subspan(static_cast<std::size_t>(m_qwPosition % kSamples));
   const auto part = rest.first(std::min(rest.size(), samples.size()));
-  std::ranges::copy(part, samples.begin());
+  CopyTo(part, samples);
   Passed(part.size());
   return part.size();
 }
