@@ -52,6 +52,10 @@ install(
 set(PKG_CONFIG_FOLDER ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH VOXPLAY_UP /prefix/${PKG_CONFIG_FOLDER} /prefix)
 string(REGEX REPLACE "/$" "" VOXPLAY_UP "${VOXPLAY_UP}")
+foreach(FOLDER LIBDIR INCLUDEDIR)
+  set(VOXPLAY_${FOLDER} "\${prefix}")
+  cmake_path(APPEND VOXPLAY_${FOLDER} ${CMAKE_INSTALL_${FOLDER}})
+endforeach()
 configure_file(cmake/voxplay.pc.in ${PROJECT_BINARY_DIR}/voxplay.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/voxplay.pc
   DESTINATION ${PKG_CONFIG_FOLDER} COMPONENT development)

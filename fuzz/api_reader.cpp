@@ -17,6 +17,7 @@
 #include "FuzzFile.h"
 #include "LabelsArePlaced.h"
 #include "MemoryOutput.h"
+#include "ReadMore.h"
 #include "Require.h"
 #include "WavFileFormat.h"
 #include "voxplay.hpp"
@@ -115,7 +116,7 @@ bool IsSameThroughPipe(Bytes input) {
 
 // Loading may take much memory for a claim, or end in an assertion about labels.
 bool IsForClasses(Bytes input) {
-  if (input.size() % 4 != 0) return false;
+  if (input.size() % 4 != 0 || api::test::IsReadMoreOf(input)) return false;
   const C_FuzzFile file(input);
   return LabelsArePlaced(file.Path());
 }

@@ -30,10 +30,9 @@ cmake -S tests/consumer/installed -B build/consumer-installed -DCMAKE_PREFIX_PAT
 cmake --build build/consumer-installed --parallel "$jobs"
 ctest --test-dir build/consumer-installed --output-on-failure
 # Every header of the classes can be included by itself.
-while IFS= read -r header; do
-  "${CXX:-c++}" -std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Werror \
-    -I build/moved/include/voxplay-classes -include "$header" -x c++ /dev/null
-done < <(find build/moved/include/voxplay-classes -name '*.h')
+find build/moved/include/voxplay-classes -name '*.h' -print0 |
+  xargs -0 -I{} -P "$jobs" "${CXX:-c++}" -std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Werror \
+    -I build/moved/include/voxplay-classes -include {} -x c++ /dev/null
 
 build() {
   local folder=build/consumer-$1

@@ -29,7 +29,7 @@ export ASAN_OPTIONS=quarantine_size_mb=8:malloc_context_size=8${ASAN_OPTIONS:+:$
 export options="-timeout=10 -rss_limit_mb=2048 -malloc_limit_mb=160 -entropic=0 -print_final_stats=1"
 
 build() {
-  cmake --preset fuzz >/dev/null
+  cmake --preset fuzz ${VOXPLAY_CONFIGURE:-} >/dev/null
   cmake --build build/fuzz --parallel "$(nproc)" --target make_seeds corpus_pack "$@" >/dev/null
   rm -rf build/fuzz/seeds
   build/fuzz/bin/make_seeds build/fuzz/seeds

@@ -74,7 +74,8 @@ done
 mkdir "$bare/tmp/static"
 try static inside make -C /tmp/examples STATIC=1 PROGRAMS=/tmp/static -j "$(nproc)"
 run /tmp/static
-inside ldd /tmp/static/read | grep -q voxplay && fail "a program that holds the library asks for it"
+asked=$(inside ldd /tmp/static/read)
+[[ $asked != *voxplay* ]] || fail "a program that holds the library asks for it"
 
 echo "  installs and runs the player"
 inside apt-get -qq install --no-install-recommends "${packages[@]}" >>"$log" 2>&1 ||

@@ -9,7 +9,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install-deps.sh ci
-cmake --preset tsan
+cmake --preset tsan ${VOXPLAY_CONFIGURE:-}
 cmake --build build/tsan --parallel "$(nproc)" --target \
   PcmQueueTest RealTimePlayerTest PlaybackTest VoxplayOnServerTest CommandLineTest HeardTest \
   PublicThreadsTest

@@ -13,7 +13,8 @@ shift $(($# > 0))
 packages=test
 [[ $preset == *san* ]] && packages=ci
 "$root/scripts/install-deps.sh" "$packages"
-cmake -S "$root" --preset "$preset"
+# Words of VOXPLAY_CONFIGURE are further arguments for CMake.
+cmake -S "$root" --preset "$preset" ${VOXPLAY_CONFIGURE:-}
 cmake --build "$root/build/$preset" --parallel "$(nproc)"
 # One more than there are processors, because many tests only wait for a sound to end.
 exec ctest --test-dir "$root/build/$preset" --parallel $(($(nproc) + 1)) --output-on-failure "$@"

@@ -12,14 +12,15 @@
 
 namespace api {
 
-// Copies as much as the caller knows. False, and nothing is copied, for a null pointer and for a
-// size below that of the first member.
+// Copies as much as the caller knows, and zeros for what only the caller knows. False, and nothing
+// is copied, for a null pointer and for a size below that of the first member.
 template <typename Record, typename First>
 bool CopyOut(const Record& record, First Record::* /*pFirst*/, Record* pTarget,
              std::size_t cbTarget) noexcept {
   static_assert(std::is_trivially_copyable_v<Record>);
   if (pTarget == nullptr || cbTarget < sizeof(First)) return false;
   std::memcpy(pTarget, &record, std::min(cbTarget, sizeof(Record)));
+  if (cbTarget > sizeof(Record)) std::memset(pTarget + 1, 0, cbTarget - sizeof(Record));
   return true;
 }
 

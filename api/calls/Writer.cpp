@@ -48,11 +48,18 @@ voxplay_status Refuse(voxplay_writer* pWriter, const char* pszWhy) {
                       [&] { throw api::C_Failure(VOXPLAY_BAD_ARGUMENT, pszWhy); });
 }
 
+// Refuses a call from one of the program's own functions.
+voxplay_status RefuseWhileBusy(voxplay_writer* pWriter) {
+  return api::Guarded(&pWriter->strMessage, pWriter->strName, [] {
+    throw api::C_Failure(VOXPLAY_WRONG_STATE, "writing: one of its functions is still working");
+  });
+}
+
 // Does work in which functions of the program may be called. A function of the writer that is
 // called from there is refused.
 template <typename Work>
 voxplay_status Guarded(voxplay_writer* pWriter, Work&& work) {
-  if (pWriter->bBusy) return VOXPLAY_WRONG_STATE;
+  if (pWriter->bBusy) return RefuseWhileBusy(pWriter);
   pWriter->bBusy = true;
   const voxplay_status eStatus =
       api::Guarded(&pWriter->strMessage, pWriter->strName, std::forward<Work>(work));
@@ -72,7 +79,7 @@ api::S_ProgressFunction ProgressOf(voxplay_writer* pWriter) {
 template <typename MakeTarget>
 voxplay_status Open(voxplay_writer* pWriter, const char* pszName, const voxplay_format& format,
                     MakeTarget&& fnTarget) {
-  if (pWriter->bBusy) return VOXPLAY_WRONG_STATE;
+  if (pWriter->bBusy) return RefuseWhileBusy(pWriter);
   voxplay_writer_abandon(pWriter);
   // The name may be one of these sentences.
   const voxplay_status eNamed =
@@ -156,6 +163,7 @@ const char* voxplay_writer_message(const voxplay_writer* writer) {
 voxplay_status voxplay_writer_on_progress(voxplay_writer* writer, voxplay_progress progress,
                                           void* user) {
   if (writer == nullptr) return VOXPLAY_BAD_ARGUMENT;
+  if (writer->bBusy) return RefuseWhileBusy(writer);
   writer->pfnProgress = progress;
   writer->pProgressUser = user;
   return VOXPLAY_OK;

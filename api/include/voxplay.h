@@ -28,13 +28,14 @@
  * library has no state of its own, prints nothing and reads nothing from the environment.
  *
  * Failure. Functions return a voxplay_status. Whatever fails leaves a sentence on its object, which
- * ..._message returns: file, place and reason. Pointers that an object returns stay valid until the
+ * ..._message returns: file, place and reason; notes and the objects for Kestrel frames have none.
+ * Pointers that an object returns stay valid until the
  * next call that changes the object. Unless it says otherwise, a function returns
  * VOXPLAY_BAD_ARGUMENT, and does nothing, for a null pointer and for a value outside its range.
  *
  * Structures. A function that takes a structure also takes its size, as the caller was compiled
- * with: pass sizeof. Later versions may append members; members that the caller does not know are
- * taken as 0, and not written.
+ * with: pass sizeof. Later versions may append members: those that the caller does not know are
+ * taken as 0 and not written, and those that only the caller knows become 0.
  */
 #ifndef VOXPLAY_H
 #define VOXPLAY_H
@@ -117,7 +118,8 @@ typedef struct voxplay_input {
   /* The present position, or -1. May be NULL: then reading begins at position 0. Otherwise the
    * sound begins at the position that this returns when the reader is opened. */
   int64_t (*tell)(void* user);
-  /* The length of the input in bytes from position 0, or -1 when it is not known. May be NULL. */
+  /* The length of the input in bytes from position 0, or -1 when it is not known. May be NULL.
+   * Where it does not tell, an input that can go back is read to its end once when it is opened. */
   int64_t (*size)(void* user);
   void* user;
 } voxplay_input;
@@ -234,7 +236,8 @@ voxplay_status voxplay_reader_read_f32(voxplay_reader* reader, float* samples, s
  * An input that only goes forward goes back, if at all, only to what is still in memory; otherwise
  * the result is VOXPLAY_CANNOT_SEEK, and the position stays. An input that only goes forward and
  * does not tell its length may be read to its end by a seek beyond that: the result is
- * VOXPLAY_BAD_ARGUMENT, and the position is then the end of the sound. */
+ * VOXPLAY_BAD_ARGUMENT, and the position is then the end of the sound, or unchanged where the file
+ * says itself how long it is. */
 voxplay_status voxplay_reader_seek(voxplay_reader* reader, uint64_t frame);
 /* The present position; 0 when nothing is open. */
 uint64_t voxplay_reader_tell(const voxplay_reader* reader);
@@ -329,7 +332,8 @@ typedef struct voxplay_sampler {
 
 /* A chunk that this library gives no meaning, kept byte for byte: INFO lists, "bext", "vevt" and
  * whatever else. What has a meaning is written anew from it: bytes after the zero that ends a label
- * or a text, after the last cue point, and after the data of a sampler are not kept. */
+ * or a text, after the last cue point, and after the data of a sampler are not kept. Nor is a chunk
+ * that the end of the file cuts. */
 typedef struct voxplay_chunk {
   char id[4];
   const void* data;
@@ -497,8 +501,9 @@ voxplay_status voxplay_writer_write_s32(voxplay_writer* writer, const int32_t* s
                                         size_t count);
 voxplay_status voxplay_writer_write_f32(voxplay_writer* writer, const float* samples, size_t count);
 
-/* Writes what is left, and lets the file appear. After a failure nothing is open, and what had the
- * name before is as it was. */
+/* Writes what is left, and lets the file appear. A stream of KESTREL or HERON has at least one
+ * frame: without any the result is VOXPLAY_UNSUPPORTED. After a failure nothing is open, and what
+ * had the name before is as it was. */
 voxplay_status voxplay_writer_finish(voxplay_writer* writer);
 /* Removes what was written to a file; what was sent to an output stays there. */
 void voxplay_writer_abandon(voxplay_writer* writer);
@@ -527,8 +532,9 @@ voxplay_status voxplay_probe(const void* bytes, size_t size, voxplay_kind* kind,
 
 /* ---- Kestrel frames ------------------------------------------------------------------------- */
 
-/* For streams without files: a frame is 20 ms of 16 kHz mono sound. Encoders and decoders allocate
- * nothing after they have been made. */
+/* For streams without files: a frame is 20 ms of 16 kHz mono sound. Its words are numbers; files
+ * have the low byte of each first. Encoders and decoders allocate nothing after they have been
+ * made. */
 #define VOXPLAY_KESTREL_FRAME 320 /* samples */
 #define VOXPLAY_KESTREL_MAX_WORDS 40
 

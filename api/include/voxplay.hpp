@@ -300,9 +300,8 @@ class Reader {
   }
 
   // Reads as many whole frames as fit in samples, and returns their number; 0 only at the end, and
-  // when not even one fits. When
-  // it throws, the frames before the place of the failure are lost to the caller; voxplay.h tells
-  // them.
+  // when not even one fits. When it throws, the frames before the place of the failure are lost to
+  // the caller; voxplay.h tells them.
   template <Sample T>
   std::size_t read(std::span<T> samples) {
     std::size_t done = 0;
@@ -348,9 +347,9 @@ class Writer {
   }
 
   void on_progress(Progress progress) {
-    progress_ = std::make_unique<Progress>(std::move(progress));
-    check(voxplay_writer_on_progress(writer_.get(), *progress_ ? &call_progress : nullptr,
-                                     progress_.get()));
+    auto next = std::make_unique<Progress>(std::move(progress));
+    check(voxplay_writer_on_progress(writer_.get(), *next ? &call_progress : nullptr, next.get()));
+    progress_ = std::move(next);
   }
   void set_notes(const NotesView& notes) {
     check(voxplay_writer_set_notes(writer_.get(), notes.get()));

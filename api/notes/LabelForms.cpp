@@ -60,7 +60,7 @@ S_LabelMeaning MeaningOf(const std::string& strText, E_RiffForm eForm) {
 
 bool IsOwnLabel(const std::string& strText, E_RiffForm eForm) {
   return eForm == E_RiffForm::Wave ? IsOwnWavLabel(strText)
-                                   : veflabels::IsLibraryLabel(strText.c_str());
+                                   : VefMeaning(strText).eKind == E_Kind::Event;
 }
 
 bool IsRangeLabel(const std::string& strText) {

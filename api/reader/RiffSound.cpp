@@ -97,10 +97,18 @@ class C_ChunkLoader {
                   "forward");
 }
 
+// Whether the size of the samples is the largest that a program could think of, because it could
+// not go back to correct it. Our own containers are never written like that.
+bool IsWrittenToAPipe(const S_RiffContents& contents, const S_FoundChunk& data) {
+  return std::ranges::equal(contents.form, std::string_view("WAVE")) &&
+         &data == &contents.chunks.back() &&
+         data.payload.qwSize - data.qwHeld > C_WavFileBase::kMaxMissingBytes;
+}
+
 C_SampleStreamPtr OpenPcm(I_ByteSource& source, const S_WavFormat& format,
                           const S_PcmRange& range) {
   const std::uint64_t qwMissing = range.claimed.qwSize - range.qwHeld;
-  if (qwMissing > C_WavFileBase::kMaxMissingBytes) {
+  if (!range.bToTheEnd && qwMissing > C_WavFileBase::kMaxMissingBytes) {
     throw C_Failure(VOXPLAY_DAMAGED, "data: " + words::Counted(qwMissing, "byte") + " are missing");
   }
   // Values use the high bits of their room, so all bits of it count.
@@ -127,7 +135,8 @@ C_SampleStreamPtr OpenStored(I_ByteSource& source, const S_RiffSound& sound) {
   }
   const S_FoundChunk* const pData = sound.contents.Find("data");
   const S_FoundChunk data = pData == nullptr ? S_FoundChunk{} : *pData;
-  const bool bToTheEnd = pData != nullptr && sound.contents.bToTheEnd;
+  const bool bToTheEnd =
+      pData != nullptr && (sound.contents.bToTheEnd || IsWrittenToAPipe(sound.contents, *pData));
   if (format.IsSampled()) return OpenPcm(source, format, {data.payload, data.qwHeld, bToTheEnd});
   const std::uint64_t qwSize = bToTheEnd ? kToTheEnd : data.payload.qwSize;
   return OpenCompressedStream(source, {data.payload.qwAt, qwSize}, format.record);

@@ -81,7 +81,7 @@ class C_Scanner {
 
   // Lists a chunk; false when it is the last one.
   bool ListNext() {
-    const auto head = FindHead(m_qwNext);
+    const auto head = FindHead(HeadMayBeAt());
     if (!head) return false;
     // The count may wrap and is not looked at again before the chunk is listed, as in the class
     // library: old writers leave zeros between chunks out of the size.
@@ -97,6 +97,23 @@ class C_Scanner {
     if (m_qwRemaining < qwTaken) return false;
     m_qwRemaining -= qwTaken;
     return true;
+  }
+
+  // Where to look for the next chunk header. Some programs put another byte than zero after an odd
+  // payload, and old ones put none.
+  [[nodiscard]] std::uint64_t HeadMayBeAt() const {
+    std::array<std::uint8_t, kChunkHeadBytes + 1> bytes{};
+    const bool bAfterOdd = !m_contents.chunks.empty() && m_source.CanGoBack() &&
+                           m_contents.chunks.back().payload.qwSize % 2 != 0;
+    if (!bAfterOdd || !ReadExact(m_source, m_qwNext, bytes) || bytes[0] == 0) return m_qwNext;
+    const S_ChunkHead even = HeadOf(m_qwNext + 1, std::span(bytes).subspan(1));
+    const bool bPadded = IsID(even.id, "data") || IsID(even.id, "fmt ") ||
+                         (MayBeChunk(even) && !MayBeChunk(HeadOf(m_qwNext, bytes)));
+    return bPadded ? m_qwNext + 1 : m_qwNext;
+  }
+  [[nodiscard]] bool MayBeChunk(const S_ChunkHead& head) const {
+    const bool bText = std::ranges::all_of(head.id, [](char ch) { return ch >= ' ' && ch <= '~'; });
+    return bText && head.dwSize <= BytesFrom(head.qwAt + kChunkHeadBytes);
   }
 
   // The next chunk header; zeros before it are passed over. A source that only goes forward is
@@ -168,11 +185,8 @@ class C_Scanner {
         if (bytes[1] == 0 || !ReadExact(m_source, ++qwAt, bytes)) return false;
       }
       const S_ChunkHead head = HeadOf(qwAt, bytes);
-      const bool bText =
-          std::ranges::all_of(head.id, [](char ch) { return ch >= ' ' && ch <= '~'; });
-      qwAt += kChunkHeadBytes;
-      if (!bText || head.dwSize > BytesFrom(qwAt)) return false;
-      qwAt += head.dwSize;
+      if (!MayBeChunk(head)) return false;
+      qwAt += kChunkHeadBytes + head.dwSize;
     }
     return true;
   }

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cerrno>
-#include <system_error>
+#include <string>
 #include <utility>
 
 #include "FileReader.h"
 #include "StdioFile.h"
 #include "base/Failure.h"
+#include "base/SystemReason.h"
 #include "source/ByteSource.h"
 
 namespace api {
 namespace {
+
+std::string WhyNotOpened(int nError) {
+  if (nError == 0) return "not a regular file";
+  return nError == ENOENT ? "there is no such file" : SystemReason(nError);
+}
 
 class C_FileSource final : public I_ByteSource {
  public:
@@ -42,8 +48,7 @@ C_ByteSourcePtr OpenFileSource(const char* pszPath) {
   if (!file) {
     // Pipes and devices are not even tried, so there is no error then.
     const int nError = errno;
-    throw C_Failure(VOXPLAY_CANNOT_OPEN,
-                    nError == 0 ? "not a regular file" : std::generic_category().message(nError));
+    throw C_Failure(VOXPLAY_CANNOT_OPEN, WhyNotOpened(nError));
   }
   return std::make_unique<C_FileSource>(std::move(file));
 }

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/CopyTo.h"
 #include "base/Failure.h"
 #include "source/ByteSource.h"
 
@@ -102,7 +103,7 @@ class C_InputSource final : public I_ByteSource {
       held = FillWindow(kWindow);
     }
     const auto part = held.first(std::min(held.size(), bytes.size()));
-    std::ranges::copy(part, bytes.begin());
+    CopyTo(part, bytes);
     return part.size();
   }
   // How many of cbWanted bytes from qwPosition on the length allows.

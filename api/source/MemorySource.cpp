@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 
+#include "base/CopyTo.h"
 #include "source/ByteSource.h"
 
 namespace api {
@@ -18,7 +19,7 @@ class C_MemorySource final : public I_ByteSource {
     if (qwPosition >= m_bytes.size()) return 0;
     const auto rest = m_bytes.subspan(static_cast<std::size_t>(qwPosition));
     const auto part = rest.first(std::min(rest.size(), bytes.size()));
-    std::ranges::copy(part, bytes.begin());
+    CopyTo(part, bytes);
     return part.size();
   }
   [[nodiscard]] std::span<const std::uint8_t> InMemory() const noexcept override { return m_bytes; }

@@ -2,11 +2,11 @@
 #include "stream/AdpcmStream.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <utility>
 
+#include "base/CopyTo.h"
 #include "compressed/CompressedWav.h"
 #include "compressed/SampleBytes.h"
 
@@ -45,21 +45,16 @@ std::size_t BlocksTogether(std::size_t cbBlock, std::uint64_t qwBlockSamples) {
   return std::max<std::size_t>(static_cast<std::size_t>(qwBlocks), 1);
 }
 
-// These two work a little at a time, because processors are slow to start long copies and fills.
-constexpr std::size_t kPartSamples = 512;
-
-void CopySamples(std::span<const std::int16_t> from, std::span<std::int16_t> to) {
-  for (std::size_t i = 0; i < from.size(); i += kPartSamples) {
-    const auto part = from.subspan(i, std::min(kPartSamples, from.size() - i));
-    std::memcpy(to.data() + i, part.data(), part.size_bytes());
-  }
-}
-
-void Silence(std::span<std::int16_t> samples) {
-  for (std::size_t i = 0; i < samples.size(); i += kPartSamples) {
-    const auto part = samples.subspan(i, std::min(kPartSamples, samples.size() - i));
-    std::memset(part.data(), 0, part.size_bytes());
-  }
+// Whether the decoder gives all samples of a block. Which ones it gives depends on the format
+// alone.
+bool DecodesWholeBlocks(const S_EncodedWav& wav, std::size_t cbBlock, std::size_t nSamples) {
+  // No block of zeros has a sample this low.
+  constexpr std::int16_t kLeftAlone = std::numeric_limits<std::int16_t>::min();
+  const std::vector<std::uint8_t> zeros(cbBlock);
+  std::vector<std::int16_t> samples(nSamples, kLeftAlone);
+  wav.decoder->Decode(wav.codecInfo, zeros.data(), static_cast<unsigned int>(cbBlock),
+                      samples.data(), static_cast<unsigned int>(nSamples * sizeof(std::int16_t)));
+  return std::ranges::find(samples, kLeftAlone) == samples.end();
 }
 
 }  // namespace
@@ -80,6 +75,8 @@ C_AdpcmStream::C_AdpcmStream(I_ByteSource& source, S_EncodedWav wav)
   if (!m_bEndKnown && !m_wav.decoder->GetDecodedSize(m_wav.codecInfo, dwNear)) {
     throw C_Failure(VOXPLAY_TOO_LARGE, "format: a few blocks decode to 4 GiB or more");
   }
+  m_bWholeBlocks = m_nBlockFrames <= m_nMostFrames &&
+                   DecodesWholeBlocks(m_wav, m_cbBlock, m_nBlockFrames * m_nChannels);
   m_encoded.resize((m_nTogether + (m_bEndKnown ? 0 : m_nNear)) * m_cbBlock);
   if (m_wav.qwSize) m_qwFrames = FramesOf(*m_wav.qwSize);
 }
@@ -144,6 +141,9 @@ std::uint64_t C_AdpcmStream::MostBytes() const noexcept {
 std::span<const std::uint8_t> C_AdpcmStream::Encoded(std::uint64_t qwOffset) {
   const std::uint64_t qwThere = MostBytes() - qwOffset;
   const auto cbAll = static_cast<std::size_t>(std::min<std::uint64_t>(m_encoded.size(), qwThere));
+  if (const auto bytes = m_input.InMemory(m_wav.qwAt + qwOffset, cbAll); !bytes.empty()) {
+    return bytes;
+  }
   ForgetEncoded(qwOffset);
   const auto room = std::span(m_encoded).first(cbAll).subspan(m_cbEncoded);
   m_cbEncoded += m_input.Read(m_wav.qwAt + qwOffset + m_cbEncoded, room);
@@ -224,7 +224,8 @@ void C_AdpcmStream::Decode(std::span<const std::uint8_t> bytes, std::size_t nFra
   std::vector<std::int16_t>& samples = m_window.samples;
   samples.resize(nFrames * m_nChannels);
   // Decoders leave samples alone that a block does not have.
-  Silence(samples);
+  const bool bAllGiven = m_bWholeBlocks && bytes.size() % m_cbBlock == 0;
+  if (!bAllGiven) std::ranges::fill(samples, std::int16_t{0});
   m_wav.decoder->Decode(m_wav.codecInfo, bytes.data(), static_cast<unsigned int>(bytes.size()),
                         samples.data(),
                         static_cast<unsigned int>(samples.size() * sizeof(std::int16_t)));
@@ -250,8 +251,8 @@ std::size_t C_AdpcmStream::Copy(std::span<std::int16_t> samples) {
   const auto left = decoded.subspan(
       static_cast<std::size_t>(std::min<std::uint64_t>(decoded.size(), qwAt * m_nChannels)));
   const auto sound = left.first(std::min(left.size(), copied.size()));
-  CopySamples(sound, copied);
-  Silence(copied.subspan(sound.size()));
+  CopyTo(sound, copied);
+  std::ranges::fill(copied.subspan(sound.size()), std::int16_t{0});
   m_qwPosition += qwFrames;
   return static_cast<std::size_t>(qwFrames);
 }

@@ -79,6 +79,7 @@ class C_AdpcmStream final : public C_SampleStream16 {
   std::size_t m_nTogether;     // blocks that are decoded together
   std::size_t m_nNear;         // blocks that what is left after them may shorten
   bool m_bEndKnown;
+  bool m_bWholeBlocks = false;  // the decoder gives all samples of a whole block
   std::optional<std::uint64_t> m_qwFrames;
   std::uint64_t m_qwPosition = 0;
   std::vector<std::uint8_t> m_encoded;

@@ -51,6 +51,16 @@ std::size_t C_FrameBytes::Fill(std::uint64_t cbOffset, std::span<std::uint8_t> b
   return cbFilled;
 }
 
+std::span<const std::uint8_t> C_FrameBytes::Bytes(std::uint64_t cbOffset,
+                                                  std::span<std::uint8_t> room) {
+  const std::uint64_t qwFrom = m_qwPosition * m_cbFrame + cbOffset;
+  if (qwFrom <= m_qwHeld && room.size() <= m_qwHeld - qwFrom) {
+    const auto bytes = m_input.InMemory(m_qwAt + qwFrom, room.size());
+    if (!bytes.empty()) return bytes;
+  }
+  return room.first(Fill(cbOffset, room));
+}
+
 std::size_t C_FrameBytes::End(std::size_t nFrames) {
   if (nFrames == 0) m_input.ThrowFailure();
   CountDamage(m_qwPosition + nFrames);

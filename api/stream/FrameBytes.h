@@ -42,6 +42,8 @@ class C_FrameBytes {
   // Fills bytes with those that stand cbOffset bytes after Position(), and returns how many there
   // are. Less means that the sound ends there, or that its source cannot be read there.
   std::size_t Fill(std::uint64_t cbOffset, std::span<std::uint8_t> bytes);
+  // The same bytes, as many as room has space for: in the memory of the source, or else in room.
+  std::span<const std::uint8_t> Bytes(std::uint64_t cbOffset, std::span<std::uint8_t> room);
   // Moves Position() over the frames that were read. Returns their number, and throws when there
   // are none because of a failure.
   std::size_t End(std::size_t nFrames);

@@ -26,11 +26,11 @@ std::size_t C_G711Stream::Read(std::span<std::int16_t> samples) {
   std::size_t nDone = 0;
   while (nDone < wanted.size()) {
     const auto part = wanted.subspan(nDone, std::min(block.size(), wanted.size() - nDone));
-    const std::size_t nRead = m_bytes.Fill(nDone, std::span(block).first(part.size()));
-    m_wav.decoder->Decode(m_wav.codecInfo, block.data(), static_cast<unsigned int>(nRead),
+    const auto bytes = m_bytes.Bytes(nDone, std::span(block).first(part.size()));
+    m_wav.decoder->Decode(m_wav.codecInfo, bytes.data(), static_cast<unsigned int>(bytes.size()),
                           part.data(), static_cast<unsigned int>(part.size_bytes()));
-    nDone += nRead;
-    if (nRead < part.size()) break;
+    nDone += bytes.size();
+    if (bytes.size() < part.size()) break;
   }
   for (std::int16_t& nSample : wanted.first(nDone)) nSample = samplebytes::LittleEndian(nSample);
   return m_bytes.End(nDone / m_nChannels);

@@ -8,10 +8,12 @@
 #include <vector>
 
 #include "ByteReader.h"
+#include "base/CopyTo.h"
 #include "base/Failure.h"
 #include "codec/HeronStream.h"
 #include "heron/Configuration.h"
 #include "heron/SampleCount.h"
+#include "stream/CodedLength.h"
 #include "stream/DamageCount.h"
 #include "stream/HeronBlocks.h"
 #include "stream/PieceStream.h"
@@ -118,11 +120,9 @@ C_HeronStream::C_HeronStream(I_ByteSource& source, S_ByteRange coded, int nSampl
   FindGoodBlock();
 }
 
-// The class library has the PCM in memory, with a length of 32 bits.
 void C_HeronStream::CheckLength() {
-  constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max() / sizeof(std::int16_t);
-  if (m_blocks.SampleCount() > kMost) m_blocks.CheckUpTo(m_blocks.Count() - 1);
-  if (m_blocks.SampleCount() > kMost) {
+  if (m_blocks.SampleCount() > kMostCodedSamples) m_blocks.CheckUpTo(m_blocks.Count() - 1);
+  if (m_blocks.SampleCount() > kMostCodedSamples) {
     Refuse(VOXPLAY_TOO_LARGE, "its samples would take 4 GiB or more");
   }
 }
@@ -151,7 +151,7 @@ std::size_t C_HeronStream::ReadPiece(std::span<std::int16_t> samples) {
   const auto nAt = static_cast<std::size_t>(m_qwPosition % m_blocks.Length());
   const auto rest = std::span(m_samples).subspan(nAt);
   const auto part = rest.first(std::min(rest.size(), samples.size()));
-  std::ranges::copy(part, samples.begin());
+  CopyTo(part, samples);
   m_damage.Read(m_qwPosition, m_qwPosition + part.size(), !m_bGood);
   m_qwPosition += part.size();
   return part.size();

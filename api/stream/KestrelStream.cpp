@@ -7,7 +7,9 @@
 #include <string>
 
 #include "ByteReader.h"
+#include "base/CopyTo.h"
 #include "base/Failure.h"
+#include "stream/CodedLength.h"
 #include "stream/DamageCount.h"
 #include "stream/KestrelCursor.h"
 #include "stream/PieceStream.h"
@@ -138,7 +140,7 @@ std::size_t C_KestrelStream::ReadPiece(std::span<std::int16_t> samples) {
 std::size_t C_KestrelStream::ReadHeld(std::span<std::int16_t> samples) {
   const auto rest = std::span(m_held).subspan(static_cast<std::size_t>(m_qwPosition % kSamples));
   const auto part = rest.first(std::min(rest.size(), samples.size()));
-  std::ranges::copy(part, samples.begin());
+  CopyTo(part, samples);
   Passed(part.size());
   return part.size();
 }
@@ -196,7 +198,7 @@ S_KestrelStream OpenKestrelStream(I_ByteSource& source, S_ByteRange range) {
   const S_ByteRange frames = FrameRange(head, held, nWords);
   const std::size_t cbFrame = nWords * kWordBytes;
   const std::uint64_t qwFrames = (frames.qwSize + cbFrame - 1) / cbFrame;
-  if (qwFrames > std::numeric_limits<std::uint32_t>::max() / (kSamples * sizeof(std::int16_t))) {
+  if (qwFrames > kMostCodedSamples / kSamples) {
     Refuse(VOXPLAY_TOO_LARGE, "its samples would take 4 GiB or more");
   }
   return {std::make_unique<C_KestrelStream>(C_KestrelFrames(source, frames, cbFrame), configuration,

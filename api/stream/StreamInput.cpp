@@ -5,6 +5,13 @@
 
 namespace api {
 
+std::span<const std::uint8_t> C_StreamInput::InMemory(std::uint64_t qwAt,
+                                                      std::size_t cbBytes) const noexcept {
+  const auto memory = m_source.InMemory();
+  if (qwAt > memory.size() || cbBytes > memory.size() - qwAt) return {};
+  return memory.subspan(static_cast<std::size_t>(qwAt), cbBytes);
+}
+
 std::size_t C_StreamInput::Read(std::uint64_t qwAt, std::span<std::uint8_t> bytes) {
   if (bytes.empty() || Failed()) return 0;
   S_BytesRead result = m_source.ReadToFailure(qwAt, bytes);

@@ -19,6 +19,9 @@ class C_StreamInput {
   // The source is borrowed.
   explicit C_StreamInput(I_ByteSource& source) noexcept : m_source(source) {}
 
+  // These bytes where the source has all of them in memory, and nothing otherwise.
+  [[nodiscard]] std::span<const std::uint8_t> InMemory(std::uint64_t qwAt,
+                                                       std::size_t cbBytes) const noexcept;
   // Reads as many bytes as there are, up to bytes.size(), and returns their number. When it is
   // less, either the source ends there, or it cannot be read there: Failed() tells.
   std::size_t Read(std::uint64_t qwAt, std::span<std::uint8_t> bytes);

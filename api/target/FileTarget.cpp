@@ -19,8 +19,8 @@
 #include "StdioFile.h"
 #include "TargetName.h"
 #include "base/Failure.h"
+#include "base/SystemReason.h"
 #include "target/ByteTarget.h"
-#include "target/SystemReason.h"
 
 namespace api {
 namespace {

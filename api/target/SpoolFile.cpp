@@ -9,8 +9,8 @@
 
 #include "TempFile.h"
 #include "base/Failure.h"
+#include "base/SystemReason.h"
 #include "target/ByteTarget.h"
-#include "target/SystemReason.h"
 
 namespace api {
 namespace {

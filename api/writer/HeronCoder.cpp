@@ -1,22 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "writer/HeronCoder.h"
 
-#include <limits>
 #include <utility>
 
 #include "ByteReader.h"
 #include "base/Failure.h"
 #include "heron/RateControl.h"
 #include "notes/RiffNotes.h"
+#include "stream/CodedLength.h"
 #include "writer/HeronEvents.h"
 
 namespace api {
-namespace {
-
-// The number of samples in a stream has so many bits.
-constexpr std::uint64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
-
-}  // namespace
 
 C_HeronCoder::C_HeronCoder(I_ByteTarget& target, int nSampleRate,
                            const heronstream::S_Variant& variant, S_Looked fnLooked)
@@ -26,8 +20,8 @@ C_HeronCoder::C_HeronCoder(I_ByteTarget& target, int nSampleRate,
       m_fnLooked(std::move(fnLooked)) {}
 
 void C_HeronCoder::CheckLength(std::uint64_t qwSamples) const {
-  if (qwSamples > kMostSamples) {
-    throw C_Failure(VOXPLAY_TOO_LARGE, "Heron: a stream has at most 4,294,967,295 samples");
+  if (qwSamples > kMostCodedSamples) {
+    throw C_Failure(VOXPLAY_TOO_LARGE, "Heron: a sound has at most 2,147,483,647 samples");
   }
 }
 

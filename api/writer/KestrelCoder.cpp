@@ -2,11 +2,11 @@
 #include "writer/KestrelCoder.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "ByteReader.h"
 #include "base/Failure.h"
 #include "notes/RiffNotes.h"
+#include "stream/CodedLength.h"
 
 namespace api {
 namespace {
@@ -15,11 +15,19 @@ constexpr std::size_t kFrame = kestrel::kSamplesPerFrame;
 constexpr std::uint64_t kLengthField = 4;
 constexpr std::uint64_t kWordBytes = 2;
 constexpr std::size_t kWrittenAtOnce = 8192;
-// Readers hold a stream in memory whose length they count in 32 bits.
-constexpr std::uint64_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
 
-[[noreturn]] void FailAsTooLarge() {
-  throw C_Failure(VOXPLAY_TOO_LARGE, "Kestrel: the stream would be larger than 4 GiB");
+// Of a stream of so many samples: all but the first whole one, and one of silence.
+std::uint64_t FrameCount(std::uint64_t qwSamples) {
+  const std::uint64_t qwWhole = qwSamples / kFrame;
+  return qwWhole - std::min<std::uint64_t>(qwWhole, 1) + (qwSamples % kFrame == 0 ? 0 : 1) + 1;
+}
+
+// bytes has room for all words.
+void StoreWords(std::span<const std::uint16_t> words, std::span<std::uint8_t> bytes) {
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    bytes[2 * i] = static_cast<std::uint8_t>(words[i]);
+    bytes[2 * i + 1] = static_cast<std::uint8_t>(words[i] >> 8);
+  }
 }
 
 void AppendLength(vcm::C_ByteWriter& writer, std::uint64_t qwStreamBytes) {
@@ -37,16 +45,12 @@ C_KestrelCoder::C_KestrelCoder(I_ByteTarget& target, std::uint32_t dwBitRate)
 std::uint64_t C_KestrelCoder::StreamBytes(std::uint64_t qwSamples,
                                           std::uint32_t dwBitRate) noexcept {
   const auto nWords = static_cast<std::uint64_t>(kestrel::Configure(dwBitRate).nWordsPerFrame);
-  const std::uint64_t qwWhole = qwSamples / kFrame;
-  const std::uint64_t qwFrames =
-      qwWhole - std::min<std::uint64_t>(qwWhole, 1) + (qwSamples % kFrame == 0 ? 0 : 1) + 1;
-  // What is too much for the product is too much in any case.
-  if (qwFrames > kMostBytes) return std::numeric_limits<std::uint64_t>::max();
-  return kLengthField + kWordBytes * (1 + qwFrames * nWords);
+  return kLengthField + kWordBytes * (1 + FrameCount(qwSamples) * nWords);
 }
 
 void C_KestrelCoder::CheckLength(std::uint64_t qwSamples) const {
-  if (StreamBytes(std::max<std::uint64_t>(qwSamples, 1), BitRate()) > kMostBytes) FailAsTooLarge();
+  if (FrameCount(qwSamples) <= kMostCodedSamples / kFrame) return;
+  throw C_Failure(VOXPLAY_TOO_LARGE, "Kestrel: a sound has at most 2,147,483,520 samples");
 }
 
 void C_KestrelCoder::Begin(std::uint64_t qwAnnounced) {
@@ -60,6 +64,7 @@ void C_KestrelCoder::Begin(std::uint64_t qwAnnounced) {
 
 void C_KestrelCoder::Put(std::span<const std::int16_t> samples) {
   m_qwSamples += samples.size();
+  CheckLength(m_qwSamples);
   while (!samples.empty()) {
     if (m_nBegun == 0 && samples.size() >= kFrame) {
       EncodeWhole(samples.first<kFrame>());
@@ -109,11 +114,8 @@ void C_KestrelCoder::Encode(S_Samples samples, bool bWritten) {
   m_encoder.Encode(samples, words);
   if (!bWritten) return;
   m_qwWords += m_nWords;
-  if (kLengthField + kWordBytes * m_qwWords > kMostBytes) FailAsTooLarge();
-  for (const std::uint16_t wWord : std::span(words).first(m_nWords)) {
-    m_bytes.push_back(static_cast<std::uint8_t>(wWord));
-    m_bytes.push_back(static_cast<std::uint8_t>(wWord >> 8));
-  }
+  m_bytes.resize(m_bytes.size() + kWordBytes * m_nWords);
+  StoreWords(std::span(words).first(m_nWords), std::span(m_bytes).last(kWordBytes * m_nWords));
   if (m_bytes.size() >= kWrittenAtOnce) Flush();
 }
 

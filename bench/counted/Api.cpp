@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "LongSounds.h"
+#include "ScratchFile.h"
 #include "Subjects.h"
 #include "voxplay.hpp"
 
@@ -39,24 +40,6 @@ std::vector<std::int16_t> Speech() {
   return samples;
 }
 
-struct S_Collected {
-  static int Write(void* pUser, const void* pBytes, std::size_t cbBytes) {
-    auto& collected = *static_cast<S_Collected*>(pUser);
-    const auto* const pbyBytes = static_cast<const std::uint8_t*>(pBytes);
-    collected.bytes.resize(std::max(collected.bytes.size(), collected.cbAt + cbBytes));
-    std::copy_n(pbyBytes, cbBytes,
-                collected.bytes.begin() + static_cast<std::ptrdiff_t>(collected.cbAt));
-    collected.cbAt += cbBytes;
-    return 0;
-  }
-  static int Seek(void* pUser, std::uint64_t qwPosition) {
-    static_cast<S_Collected*>(pUser)->cbAt = static_cast<std::size_t>(qwPosition);
-    return 0;
-  }
-  std::vector<std::uint8_t> bytes;
-  std::size_t cbAt = 0;
-};
-
 voxplay::Format FormatOf(voxplay_container eContainer, voxplay_codec eCodec, std::uint32_t dwBits) {
   voxplay::Format format{};
   format.container = static_cast<std::uint32_t>(eContainer);
@@ -70,21 +53,19 @@ const voxplay::Format kWav = FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 
 const voxplay::Format kKestrel = FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL, 0);
 const voxplay::Format kHeron = FormatOf(VOXPLAY_CONTAINER_HEAD, VOXPLAY_CODEC_HERON, 2);
 
-std::vector<std::uint8_t> Written(const voxplay::Format& format,
-                                  std::span<const std::int16_t> samples, std::size_t nTimes) {
-  S_Collected collected;
-  voxplay::Writer writer({&S_Collected::Write, &S_Collected::Seek, &collected}, format);
+void WriteTimes(const C_ScratchFile& file, const voxplay::Format& format,
+                std::span<const std::int16_t> samples, std::size_t nTimes) {
+  voxplay::Writer writer(file.Path(), format);
   for (std::size_t n = 0; n < nTimes; ++n) {
     for (std::size_t nAt = 0; nAt < samples.size(); nAt += kPiece) {
       writer.write(samples.subspan(nAt, std::min(kPiece, samples.size() - nAt)));
     }
   }
   writer.finish();
-  return std::move(collected.bytes);
 }
 
-void ReadTimes(const std::vector<std::uint8_t>& bytes, std::size_t nTimes) {
-  voxplay::Reader reader(std::as_bytes(std::span(bytes)));
+void ReadTimes(const C_ScratchFile& file, std::size_t nTimes) {
+  voxplay::Reader reader(file.Path());
   std::vector<std::int16_t> piece(kPiece);
   for (std::size_t n = 0; n < nTimes; ++n) {
     reader.seek(0);
@@ -98,16 +79,18 @@ constexpr std::size_t kSamplesOf =
     longsounds::SamplesOfWholeBlocks(longsounds::kKinds[nKind].blocks, kPcmBytes);
 template <std::size_t nKind>
 void ReadLong(std::size_t nTimes) {
-  ReadTimes(longsounds::File(longsounds::kKinds[nKind], false, kPcmBytes), nTimes);
+  ReadTimes(C_ScratchFile(longsounds::File(longsounds::kKinds[nKind], false, kPcmBytes)), nTimes);
 }
 
 template <const voxplay::Format& kFormat>
 void Read(std::size_t nTimes) {
-  ReadTimes(Written(kFormat, Speech(), 1), nTimes);
+  const C_ScratchFile file;
+  WriteTimes(file, kFormat, Speech(), 1);
+  ReadTimes(file, nTimes);
 }
 template <const voxplay::Format& kFormat>
 void Write(std::size_t nTimes) {
-  Use(Written(kFormat, Speech(), nTimes).data());
+  WriteTimes(C_ScratchFile(), kFormat, Speech(), nTimes);
 }
 
 constexpr std::array kSubjects = {

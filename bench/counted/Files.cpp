@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Files, a sample or a frame a unit. What is converted is one second long, all in.
-#include <unistd.h>
-
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -12,6 +10,7 @@
 
 #include "ExampleSound.h"
 #include "LongSounds.h"
+#include "ScratchFile.h"
 #include "Subjects.h"
 #include "WavFileFormat.h"
 #include "file/SpHeader.h"
@@ -21,31 +20,6 @@ namespace {
 
 constexpr std::size_t kSamples = 16000;
 constexpr std::size_t kFrames = 50;
-
-// A file that is deleted at the end.
-class C_ScratchFile {
- public:
-  C_ScratchFile() {
-    const int nFile = mkstemp(m_strPath.data());
-    if (nFile < 0) throw std::runtime_error("no temporary file");
-    close(nFile);
-  }
-  explicit C_ScratchFile(const C_Bytes& bytes) : C_ScratchFile() {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pFile(
-        std::fopen(Path(), "wb"), [](std::FILE* p) { return std::fclose(p); });
-    if (!pFile || std::fwrite(bytes.data(), 1, bytes.size(), pFile.get()) != bytes.size()) {
-      throw std::runtime_error("cannot write " + m_strPath);
-    }
-  }
-  ~C_ScratchFile() { std::remove(Path()); }
-  C_ScratchFile(const C_ScratchFile&) = delete;
-  C_ScratchFile& operator=(const C_ScratchFile&) = delete;
-
-  [[nodiscard]] const char* Path() const { return m_strPath.c_str(); }
-
- private:
-  std::string m_strPath = "/tmp/voxplay-counted-XXXXXX";
-};
 
 struct S_Releaser {
   void operator()(I_WavFile* pFile) const { pFile->Release(); }

@@ -28,7 +28,7 @@ TEST(SizedRecord, CopyOut_CopiesWhatTheCallerKnows) {
   EXPECT_FALSE(CopyOut<S_Record>(record, &S_Record::dwFirst, nullptr, sizeof(target)));
 }
 
-TEST(SizedRecord, CopyOutToALaterVersion_LeavesItsFurtherMembers) {
+TEST(SizedRecord, CopyOutToALaterVersion_ClearsItsFurtherMembers) {
   struct S_Later {
     S_Record record;
     std::uint32_t dwFourth;
@@ -36,7 +36,7 @@ TEST(SizedRecord, CopyOutToALaterVersion_LeavesItsFurtherMembers) {
   S_Later later{{}, 44};
   EXPECT_TRUE(CopyOut({1, 2, "three"}, &S_Record::dwFirst, &later.record, sizeof(later)));
   EXPECT_EQ(later.record.dwSecond, 2U);
-  EXPECT_EQ(later.dwFourth, 44U);
+  EXPECT_EQ(later.dwFourth, 0U);
 }
 
 TEST(SizedRecord, CopyIn_HasZerosForWhatTheCallerDoesNotKnow) {

@@ -186,6 +186,10 @@ TEST_F(WriterCallsTest, FunctionsCalledFromProgress_AreRefused) {
     EXPECT_EQ(voxplay_writer_write_s16(pWriter, &nSample, 1), VOXPLAY_WRONG_STATE);
     EXPECT_EQ(voxplay_writer_finish(pWriter), VOXPLAY_WRONG_STATE);
     EXPECT_EQ(voxplay_writer_open_file(pWriter, "/tmp/x", &kWav, sizeof kWav), VOXPLAY_WRONG_STATE);
+    EXPECT_EQ(voxplay_writer_on_progress(pWriter, nullptr, nullptr), VOXPLAY_WRONG_STATE);
+    EXPECT_STREQ(
+        voxplay_writer_message(pWriter) + std::string(voxplay_writer_message(pWriter)).rfind(':'),
+        ": one of its functions is still working");
     return 0;
   };
   ASSERT_EQ(voxplay_writer_on_progress(m_pWriter, fnMeddle, m_pWriter), VOXPLAY_OK);

@@ -53,10 +53,14 @@ TEST(ReadRiffNotes, ContainerLabels_BecomeEventsWithData) {
   ASSERT_EQ(notes.events.size(), 2U);
   EXPECT_EQ(notes.events[0], (S_NoteEvent{7, 0x8000, 0, 0xFFFFFFFFU, ""}));
   EXPECT_EQ(notes.events[1], (S_NoteEvent{4800, 1, 2, 7, ""}));
+  // What only WAV files say so is a label of another maker here.
   EXPECT_TRUE(notes.silence.empty());
-  EXPECT_TRUE(notes.cues.empty());
-  EXPECT_TRUE(notes.labels.empty());
-  EXPECT_TRUE(notes.texts.empty());
+  ASSERT_EQ(notes.labels.size(), 2U);
+  EXPECT_EQ(notes.labels[0].strText, "u_3_7");
+  EXPECT_EQ(notes.labels[1].strText, "VX_Silence");
+  ASSERT_EQ(notes.cues.size(), 1U);
+  EXPECT_EQ(notes.cues[0].dwID, 3U);
+  EXPECT_EQ(notes.texts.size(), 1U);
 }
 
 TEST(ReadRiffNotes, ContainerLabelInAWavFile_IsALabelOfAnotherMaker) {

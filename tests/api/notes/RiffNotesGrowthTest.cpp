@@ -18,8 +18,8 @@
 namespace api::test {
 namespace {
 
-constexpr std::uint32_t kFew = 10'000;
-constexpr std::uint32_t kMany = 100'000;
+constexpr std::uint32_t kFew = 3'000;
+constexpr std::uint32_t kMany = 30'000;
 constexpr std::uint64_t kMostTimes = 13;  // ten times, and room for searching in a larger table
 constexpr std::size_t kTimesTheFile = 16;
 

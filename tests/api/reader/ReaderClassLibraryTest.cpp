@@ -14,6 +14,7 @@
 #include "GeneratedRiff.h"
 #include "HeronBytes.h"
 #include "KestrelBytes.h"
+#include "ReadMore.h"
 #include "ReadSounds.h"
 #include "SpBytes.h"
 #include "SweepFile.h"
@@ -98,15 +99,8 @@ void CompareEvents(I_WavFile& file, const api::S_Notes& notes) {
   EXPECT_EQ(seen, EventsOf(file));
 }
 
-bool ReachesToTheEnd(const C_Bytes& bytes) {
-  const auto source = api::OpenMemorySource(bytes);
-  const auto contents = api::ScanRiff(*source);
-  return contents && contents->bToTheEnd;
-}
-
-bool IsExtra(const C_Bytes& bytes, const voxplay_info& info) {
-  return info.container == VOXPLAY_CONTAINER_HEAD || info.codec == VOXPLAY_CODEC_FLOAT ||
-         ReachesToTheEnd(bytes);
+bool IsExtra(const voxplay_info& info) {
+  return info.container == VOXPLAY_CONTAINER_HEAD || info.codec == VOXPLAY_CODEC_FLOAT;
 }
 
 // The only files that the reader refuses by itself.
@@ -124,7 +118,7 @@ void Compare(const C_Bytes& bytes, std::uint32_t dwFlags, S_Counts& counts) {
   C_WavFilePtr file = OpenedByClass(bytes, !bStream);
   if (!file && (dwFlags & VOXPLAY_READ_NO_BARE) == 0) file = OpenedAsBareKestrel(bytes);
   const S_Attempt attempt = OpenedByReader(bytes, dwFlags);
-  if (attempt.reader && IsExtra(bytes, attempt.reader->Info())) {
+  if (api::test::IsReadMoreOf(bytes) || (attempt.reader && IsExtra(attempt.reader->Info()))) {
     ++counts.nExtra;
   } else if (attempt.reader && file) {
     ++counts.nBoth;

@@ -150,21 +150,36 @@ TEST(ReaderWav, MissingTail_IsZeroAndDamaged) {
   EXPECT_EQ(reader->Info().damaged_frames, 20u);
 }
 
-TEST(ReaderWav, MoreThan64MiBMissing_IsRefused) {
+// Up to there, a file is taken for one that was cut; beyond it, its program could not go back to
+// write the size.
+TEST(ReaderWav, MoreThan64MiBMissing_EndsWithTheFile) {
   constexpr std::uint32_t kMost = 64U << 20U;
-  const auto fileOf = [](std::uint32_t dwMissing) {
-    C_RiffBytes riff("WAVE");
+  const auto fileOf = [](const char* pszForm, std::uint32_t dwMissing) {
+    C_RiffBytes riff(pszForm);
     riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", 2 + dwMissing, {1, 2});
     return riff.Take();
   };
-  EXPECT_EQ(OpenBytes(fileOf(kMost))->Info().frames, 33554433u);
-  const auto failed = FailureOfOpening(fileOf(kMost + 1));
+  EXPECT_EQ(OpenBytes(fileOf("WAVE", kMost))->Info().frames, 33554433u);
+  const auto reader = OpenBytes(fileOf("WAVE", kMost + 1));
+  EXPECT_EQ(reader->Info().frames, 1u);
+  EXPECT_EQ(SamplesOf(*reader), C_Samples16{0x0201});
+  EXPECT_EQ(reader->Info().damaged_frames, 0u);
+  const auto failed = FailureOfOpening(fileOf("VEMD", kMost + 1));
   EXPECT_EQ(failed.eStatus, VOXPLAY_DAMAGED);
   EXPECT_EQ(failed.strText, "data: 67108865 bytes are missing");
 }
 
+TEST(ReaderWav, LargestSizesOfPipes_EndWithTheFile) {
+  C_RiffBytes pcm("WAVE");
+  pcm.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", 0x7FFFF000, Shorts({5, 6, 7}));
+  EXPECT_EQ(SamplesOf(*OpenBytes(pcm.RiffSize(0x7FFFF024).Take())), (C_Samples16{5, 6, 7}));
+  C_RiffBytes alaw("WAVE");
+  alaw.Chunk("fmt ", FmtBytes(6, 1, 16000, 8)).Chunk("data", 0x80000000, RampBytes(30));
+  EXPECT_EQ(OpenBytes(alaw.Take())->Info().frames, 30u);
+}
+
 TEST(ReaderWav, CompressedClaimOf4GiBDecoded_IsRefused) {
-  C_RiffBytes riff("WAVE");
+  C_RiffBytes riff("VEMD");
   riff.Chunk("fmt ", FmtBytes(6, 1, 16000, 8)).Chunk("data", 0x80000000, RampBytes(30));
   const auto failed = FailureOfOpening(riff.Take());
   EXPECT_EQ(failed.eStatus, VOXPLAY_TOO_LARGE);

@@ -214,3 +214,29 @@ TEST(RiffScan, ForwardInputWithZerosBetweenChunks_NeverGoesBack) {
   ASSERT_TRUE(contents.has_value());
   EXPECT_EQ(Listing(*contents), Listing(Scanned(file)));
 }
+
+// Standard pad bytes are zeros, and zeros are passed over anyway.
+TEST(RiffScan, PadByteThatIsNotZero_IsPassedOver) {
+  const auto fileOf = [](std::uint8_t byPad, const C_Bytes& rest) {
+    const C_Bytes content = Join({Ascii("WAVE"), Ascii("odd "), U32(3), {1, 2, 3}, {byPad}, rest});
+    return Join({Ascii("RIFF"), U32(static_cast<std::uint32_t>(content.size())), content});
+  };
+  const C_Bytes rest = Join({ChunkBytes("data", C_Bytes{5, 0, 6, 0}), ChunkBytes("bext", {1, 2})});
+  for (const std::uint8_t byPad : C_Bytes{0x00, 0x01, 0x20, 0x61, 0xFF}) {
+    EXPECT_EQ(Listing(Scanned(fileOf(byPad, rest))), "odd  20..23, data 32..36, bext 44..46")
+        << int{byPad};
+  }
+  EXPECT_EQ(Listing(Scanned(fileOf('x', ChunkBytes("abcd", {1, 2})))), "odd  20..23, abcd 32..34");
+}
+
+TEST(RiffScan, OddPayloadWithoutAPadByte_IsFollowedAtOnce) {
+  const C_Bytes content = Join({Ascii("WAVE"),
+                                Ascii("odd "),
+                                U32(3),
+                                {1, 2, 3},
+                                ChunkBytes("data", C_Bytes{5, 0, 6, 0}),
+                                ChunkBytes("abcd", {1, 2})});
+  EXPECT_EQ(Listing(Scanned(
+                Join({Ascii("RIFF"), U32(static_cast<std::uint32_t>(content.size())), content}))),
+            "odd  20..23, data 31..35, abcd 43..45");
+}

@@ -39,7 +39,7 @@ TEST(FileSource, MissingFile_SaysSo) {
   const C_TempFolder folder;
   const auto failed = FailureOf([&] { return api::OpenFileSource(folder.Path("none").c_str()); });
   EXPECT_EQ(failed.eStatus, VOXPLAY_CANNOT_OPEN);
-  EXPECT_EQ(failed.strText, "No such file or directory");
+  EXPECT_EQ(failed.strText, "there is no such file");
 }
 
 TEST(FileSource, Folder_IsNoFile) {

@@ -132,6 +132,8 @@ TEST(CompressedStream, FilesCutAtEveryByte_HaveTheSamplesOfTheClassLibrary) {
       const C_Bytes bytes = Beginning(sweep.Bytes(), cbLength);
       ASSERT_EQ(ByStream<C_MemorySourceForTests>(file, bytes, file.Range()), expected)
           << NameOf(shape) << ", " << cbLength - file.DataAt();
+      ASSERT_EQ(ByStream<C_ShownSource>(file, bytes, file.Range()), expected)
+          << NameOf(shape) << ", " << cbLength - file.DataAt();
       ASSERT_EQ(ByStream<C_ForwardSource>(file, bytes, file.Range(), 5), expected)
           << NameOf(shape) << ", " << cbLength - file.DataAt();
       ASSERT_EQ(ByStream<C_ForwardSource>(file, bytes, {file.DataAt(), kToTheEnd}), expected)
@@ -168,6 +170,8 @@ TEST(CompressedStream, LongSounds_GiveTheSamplesOfTheClassLibrary) {
     ASSERT_TRUE(expected);
     EXPECT_EQ(ByStream<C_MemorySourceForTests>(file, sweep.Bytes(), file.Range()), expected)
         << NameOf(shape);
+    EXPECT_EQ(ByStream<C_ShownSource>(file, sweep.Bytes(), file.Range()), expected)
+        << NameOf(shape);
     EXPECT_EQ(ByStream<C_ForwardSource>(file, sweep.Bytes(), {file.DataAt(), kToTheEnd}), expected)
         << NameOf(shape);
   }
@@ -189,6 +193,8 @@ TEST(CompressedStream, RandomFormats_AreReadAndRefusedAsByTheClassLibrary) {
     const auto expected = ByClassLibrary(sweep.Path());
     nRead += expected ? 1 : 0;
     ASSERT_EQ(ByStream<C_MemorySourceForTests>(file, sweep.Bytes(), file.Range()), expected)
+        << NameOf(shape) << ", number " << i;
+    ASSERT_EQ(ByStream<C_ShownSource>(file, sweep.Bytes(), file.Range()), expected)
         << NameOf(shape) << ", number " << i;
   }
   EXPECT_GT(nRead, 800);

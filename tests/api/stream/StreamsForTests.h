@@ -18,16 +18,6 @@ using Bytes = std::vector<std::uint8_t>;
 using Samples = std::vector<std::int16_t>;
 constexpr S_ByteRange kWhole{0, std::numeric_limits<std::uint64_t>::max()};
 
-// Shows its bytes, so that nothing is read.
-class C_ShownSource final : public C_MemorySourceForTests {
- public:
-  explicit C_ShownSource(const Bytes& bytes) : C_MemorySourceForTests(bytes), m_shown(bytes) {}
-  [[nodiscard]] std::span<const std::uint8_t> InMemory() const noexcept override { return m_shown; }
-
- private:
-  Bytes m_shown;
-};
-
 // Cannot be read from a place on.
 class C_BrokenSource final : public C_MemorySourceForTests {
  public:

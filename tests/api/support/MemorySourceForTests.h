@@ -30,9 +30,19 @@ class C_MemorySourceForTests : public I_ByteSource {
 
   [[nodiscard]] std::size_t ReadCount() const noexcept { return m_nReads; }
 
+ protected:
+  [[nodiscard]] std::span<const std::uint8_t> Held() const noexcept { return m_bytes; }
+
  private:
   std::vector<std::uint8_t> m_bytes;
   std::size_t m_nReads = 0;
+};
+
+// Shows its bytes, so that nothing is read.
+class C_ShownSource final : public C_MemorySourceForTests {
+ public:
+  using C_MemorySourceForTests::C_MemorySourceForTests;
+  [[nodiscard]] std::span<const std::uint8_t> InMemory() const noexcept override { return Held(); }
 };
 
 }  // namespace api::test

@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <vector>
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -241,7 +244,7 @@ TEST(StreamWriter, LengthsThatNoStreamHas_AreRefusedBeforeAByteIsWritten) {
          {KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000), HeronFormat(VOXPLAY_CONTAINER_HEAD, 2),
           KestrelFormat(VOXPLAY_CONTAINER_SP, 7200), HeronFormat(VOXPLAY_CONTAINER_VEF, 4)}) {
       for (const std::uint64_t qwFrames :
-           {std::uint64_t{1} << 37, std::uint64_t{1} << 40, UINT64_MAX}) {
+           {std::uint64_t{1} << 31, std::uint64_t{1} << 40, UINT64_MAX}) {
         format.frames = qwFrames;
         const auto open = [&] {
           static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format));
@@ -253,19 +256,24 @@ TEST(StreamWriter, LengthsThatNoStreamHas_AreRefusedBeforeAByteIsWritten) {
   }
 }
 
-// 80 bytes per frame: the last stream that fits has 53,687,091 of them.
-TEST(StreamWriter, LongestKestrelStream_IsAccepted) {
-  C_CallerOutput output;
-  auto format = KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000);
-  format.frames = std::uint64_t{53'687'091} * 320;
-  EXPECT_NO_THROW(
-      static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format)));
-  ++format.frames;
-  const auto failure = FailureOf([&] {
-    static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format));
-  });
-  EXPECT_EQ(failure.eStatus, VOXPLAY_TOO_LARGE);
-  EXPECT_EQ(failure.strText, "Kestrel: the stream would be larger than 4 GiB");
+// Longer ones could be written, but not read again.
+TEST(StreamWriter, LongestSoundsThatCanBeRead_AreTheLongestThatAreWritten) {
+  const std::vector<std::tuple<voxplay_format, std::uint64_t, std::string>> limits = {
+      {KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000), std::uint64_t{6'710'886} * 320,
+       "Kestrel: a sound has at most 2,147,483,520 samples"},
+      {HeronFormat(VOXPLAY_CONTAINER_HEAD, 2), 2'147'483'647,
+       "Heron: a sound has at most 2,147,483,647 samples"}};
+  for (auto [format, qwMost, strWhy] : limits) {
+    C_CallerOutput output;
+    const auto fnOpen = [&](std::uint64_t qwFrames) {
+      format.frames = qwFrames;
+      static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format));
+    };
+    EXPECT_NO_THROW(fnOpen(qwMost));
+    const auto failure = FailureOf([&] { fnOpen(qwMost + 1); });
+    EXPECT_EQ(failure.eStatus, VOXPLAY_TOO_LARGE);
+    EXPECT_EQ(failure.strText, strWhy);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "target/SystemReason.h"
+#include "base/SystemReason.h"
 
 #include <algorithm>
 #include <array>
