@@ -16,10 +16,11 @@ tagTalk S_BatchOptions::Talk() const noexcept {
   return bVerbose ? tagTalk::TALK_ALL : tagTalk::TALK_USUAL;
 }
 
+void S_BatchOptions::CheckNamed() const {
+  if (operands.empty() && strList.empty()) throw C_UsageFailure("voxtool: no file is named");
+}
+
 C_FileList S_BatchOptions::List(C_Console& console) const {
-  if (operands.empty() && strList.empty()) {
-    throw C_UsageFailure("voxtool: no file is named");
-  }
   C_FileList list(bFolders, console);
   for (const std::string& strOperand : operands) list.AddOperand(strOperand);
   if (!strList.empty()) list.AddListed(strList, bZeros);
@@ -30,19 +31,17 @@ void AddBatchOptions(CLI::App& command, S_BatchOptions& options) {
   command.add_option("IN", options.operands, "files, folders with -r, or - for standard input")
       ->type_name("FILE");
   command.add_flag("-r,--recursive", options.bFolders, "take the sounds in folders and below them");
-  CLI::Option* const pList =
-      command
-          .add_option("--files-from", options.strList,
-                      "read more names from a file, or with - from standard input")
-          ->type_name("FILE");
+  CLI::Option* const pList = command
+                                 .add_option("--files-from", options.strList,
+                                             "read more names from a file, or - for input")
+                                 ->type_name("FILE");
   command.add_flag("-0,--null", options.bZeros, "names in that file end with a zero")->needs(pList);
   command
-      .add_option("-j,--jobs", options.nThreads,
-                  "how many files to work on at a time; one for each processor if not given")
+      .add_option("-j,--jobs", options.nThreads, "files at a time; one per processor if not given")
       ->type_name("N")
       ->check(CLI::Range(1U, kMostThreads).description(""));
-  CLI::Option* const pQuiet = command.add_flag("-q,--quiet", options.nQuiet,
-                                               "show no progress; twice: say nothing but errors");
+  CLI::Option* const pQuiet =
+      command.add_flag("-q,--quiet", options.nQuiet, "show no progress; -qq: say only what fails");
   command.add_flag("-v,--verbose", options.bVerbose, "say what is done with each file")
       ->excludes(pQuiet);
 }
@@ -57,16 +56,12 @@ void AddTargetOptions(CLI::App& command, S_TargetOptions& options) {
       command
           .add_option("-o,--output", options.strFile, "the file to write, or - for standard output")
           ->type_name("FILE");
-  command
-      .add_option("-d,--directory", options.strFolder,
-                  "the folder for the files to write, which are named like those that are read")
+  command.add_option("-d,--directory", options.strFolder, "the folder for the files to write")
       ->type_name("DIR")
       ->excludes(pFile);
   CLI::Option* const pReplace =
       command.add_flag("-f,--force", options.bReplace, "replace files that exist");
-  command
-      .add_flag("--skip-existing", options.bSkip,
-                "leave out what has a target already, to go on after an interruption")
+  command.add_flag("--skip-existing", options.bSkip, "leave out what has a target already")
       ->excludes(pReplace);
 }
 

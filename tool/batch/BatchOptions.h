@@ -23,7 +23,9 @@ struct S_BatchOptions {
   bool bVerbose = false;
 
   [[nodiscard]] tagTalk Talk() const noexcept;
-  // Complains of what cannot be listed. Throws C_UsageFailure when no file is named at all.
+  // Throws C_UsageFailure when no file is named at all.
+  void CheckNamed() const;
+  // Complains of what cannot be listed.
   [[nodiscard]] C_FileList List(C_Console& console) const;
 };
 // The record must outlive the table.

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/Console.h"
@@ -35,6 +36,8 @@ class C_FileList {
   void AddListed(const std::string& strList, bool bZeros);
 
   [[nodiscard]] const std::vector<S_ListedFile>& Files() const noexcept { return m_files; }
+  // The same, once: there may be millions.
+  [[nodiscard]] std::vector<S_ListedFile> TakeFiles() { return std::move(m_files); }
   // How often it has complained.
   [[nodiscard]] std::size_t Failures() const noexcept { return m_nFailures; }
 

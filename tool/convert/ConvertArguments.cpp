@@ -20,29 +20,23 @@ constexpr double kMostDecibels = 200.0;
 constexpr double kMillisecondsPerSecond = 1000.0;
 
 void AddFormatArguments(CLI::App& command, S_FormatWords& words) {
-  command
-      .add_option("--to", words.strTo,
-                  "the format to write; without it, the extension of the output says it")
+  command.add_option("--to", words.strTo, "the format to write, unless its extension says it")
       ->type_name("FORMAT")
       ->check(CLI::IsMember(FormatNames()));
   command.add_option("--codec", words.strCodec, "what a VEF file holds: pcm if not given")
       ->type_name("CODEC")
       ->check(CLI::IsMember(CodecNames()));
-  command
-      .add_option("--bits", words.strBits, "the width of samples; that of the source if not given")
+  command.add_option("--bits", words.strBits, "the width of samples, in place of the source's")
       ->type_name("BITS")
       ->check(CLI::IsMember({"8", "16", "24", "32", "float"}));
   command
-      .add_option("--bitrate", words.dwBitRate,
-                  "bits per second of Kestrel, 7200 to 32000; 16000 if not given")
-      ->type_name("RATE");
-  command
-      .add_option("--header", words.strHeader, "what stands before a stream of Kestrel or Heron")
+      .add_option("--bitrate", words.dwBitRate, "bits per second of Kestrel, 16000 if not given")
+      ->type_name("RATE")
+      ->check(CLI::IsMember({7200U, 9600U, 12000U, 14400U, 16000U, 20000U, 24000U, 32000U}));
+  command.add_option("--header", words.strHeader, "what stands before Kestrel or Heron")
       ->type_name("HEADER")
       ->check(CLI::IsMember({"sp", "codec", "none"}));
-  command
-      .add_option("--rate", words.dwRate,
-                  "frames per second; those of the source, as far as the codec can, if not given")
+  command.add_option("--rate", words.dwRate, "frames per second, in place of the source's")
       ->type_name("HZ")
       ->check(CLI::Range(1U, kMostRate).description(""));
 }
@@ -60,18 +54,15 @@ void AddSoundArguments(CLI::App& command, S_ConvertArguments& arguments) {
           ->check(CLI::Range(-kMostDecibels, kMostDecibels).description(""));
   command
       .add_flag("--normalize{-1}", arguments.strNormalize,
-                "bring the loudest sample to so many dB of full scale: --normalize=-3")
+                "bring the loudest sample to -1 dB, or to =DB")
       ->excludes(pGain);
   command.add_flag("--detect-silence{-50:200}", arguments.strSilence,
-                   "mark what is at most so loud for at least so many milliseconds: "
-                   "--detect-silence=-40:500");
-  command
-      .add_option("--read", arguments.strRead,
-                  "of VEF files with both, the coded stream or the pcm beside it; pcm if not given")
+                   "mark 200 ms of -50 dB and less, or =DB:MS");
+  command.add_option("--read", arguments.strRead, "what of VEF files that have both")
       ->type_name("WHAT")
       ->check(CLI::IsMember({"stream", "pcm"}));
   command.add_flag("--no-notes", arguments.bNoNotes,
-                   "leave out events, cue points, labels and other notes");
+                   "leave out events, cue points and other notes");
 }
 
 [[noreturn]] void RefuseValue(const std::string& strOption, const std::string& strValue) {

@@ -73,11 +73,12 @@ S_RunOptions RunOptionsOf(const S_ConvertArguments& arguments) {
 }
 
 int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
+  arguments.batch.CheckNamed();
   const S_ConvertOptions options = ConvertOptionsOf(arguments);
-  const C_FileList list = arguments.batch.List(console);
+  C_FileList list = arguments.batch.List(console);
   const PFN_TargetOf fnTargetOf = TargetsOf(arguments);
   IsMany(arguments) ? CheckManyTargets(list, fnTargetOf) : CheckOneTarget(arguments, list);
-  C_ListedJobs jobs(list.Files(), fnTargetOf);
+  C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
   const S_RunOptions run = RunOptionsOf(arguments);
   const C_FileReport report(console, run.eTalk);
   const tagExisting eExisting = arguments.target.Existing();

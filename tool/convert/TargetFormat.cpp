@@ -124,6 +124,7 @@ std::vector<std::string> Names(Wanted&& wanted) {
   for (const S_TargetKind& kind : kKinds) {
     if (wanted(kind)) names.emplace_back(kind.name);
   }
+  std::ranges::sort(names);
   return names;
 }
 

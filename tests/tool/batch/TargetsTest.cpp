@@ -42,7 +42,7 @@ TEST_F(TargetsTest, TwoSourcesOfOneTarget_AreRefused) {
 
 TEST_F(TargetsTest, TargetThatIsAnotherSource_IsRefused) {
   EXPECT_EQ(ClashOf({{"x.wav", 0}, {"d/../y/x.kst", 5}}, "y"),
-            "d/../y/x.kst: has the same target as x.wav: y/x.kst");
+            "x.wav: its target is to be read as well: d/../y/x.kst");
   EXPECT_EQ(ClashOf({{"x.wav", 0}, {"out/x.kst", 0}}),
             "x.wav: its target is to be read as well: out/x.kst");
   EXPECT_EQ(ClashOf({{"out/x.kst", 4}, {"z.wav", 0}}), "") << "its own target";

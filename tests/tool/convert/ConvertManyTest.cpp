@@ -93,12 +93,11 @@ TEST_F(ConvertManyTest, Tree_IsKeptBelowTheFolder) {
 TEST_F(ConvertManyTest, ListedNames_MayHaveLineEndsAndComeFromAPipe) {
   MakeSounds("in", 2);
   fs::rename(Path("in/000.wav"), Path("in/two\nlines.wav"));
-  static const C_Program shell("/bin/sh");
   const S_Run run =
-      shell.Run(Placed({"-c",
-                        "cd @ && find in -name '*.wav' -print0 | $V convert --files-from - -0 -q "
-                        "-d out --to wav"}),
-                {"V=" VOXPLAY_VOXTOOL, "PATH=/usr/bin:/bin"});
+      Shell().Run(Placed({"-c",
+                          "cd @ && find in -name '*.wav' -print0 | $V convert --files-from - -0 -q "
+                          "-d out --to wav"}),
+                  {"V=" VOXPLAY_VOXTOOL, "PATH=/usr/bin:/bin"});
   EXPECT_EQ(run.nExit, 0) << run.strErr;
   EXPECT_EQ(Timeless(run.strErr), "2 files: 2 converted; 0.20 s of sound");
   EXPECT_EQ(Tree("out"), (Texts{"in/001.wav", "in/two\nlines.wav"}));

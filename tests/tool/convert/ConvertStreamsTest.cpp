@@ -21,9 +21,9 @@ namespace {
 class ConvertStreamsTest : public test::C_ToolTest {
  protected:
   // Runs a shell command with $V for the program and @ for the folder.
-  [[nodiscard]] int Shell(const std::string& strCommand) const {
-    static const C_Program shell("/bin/sh");
-    const S_Run run = shell.Run(Placed({"-c", strCommand}), {"V=" VOXPLAY_VOXTOOL});
+  [[nodiscard]] int Pipe(const std::string& strCommand) const {
+    const S_Run run =
+        Shell().Run(Placed({"-c", strCommand}), {"V=" VOXPLAY_VOXTOOL, "PATH=/usr/bin:/bin"});
     EXPECT_EQ(run.strErr, "") << strCommand;
     return run.nExit;
   }
@@ -33,8 +33,8 @@ TEST_F(ConvertStreamsTest, SoundFromAPipeToAPipe_IsThatOfTheFiles) {
   MakeWav("in.wav", PublicSamples(20000), 16, 16000, 1, test::SomeNotes());
   for (const char* pszTo : {"wav", "vemd", "vef", "kestrel", "heron4", "heron2"}) {
     Convert({"@/in.wav", "-q", "-f", "-o", "@/file", "--to", pszTo, "--no-notes"});
-    EXPECT_EQ(Shell("cat @/in.wav | $V convert - --no-notes -o - --to " + std::string(pszTo) +
-                    " | cat > @/pipe"),
+    EXPECT_EQ(Pipe("cat @/in.wav | $V convert - --no-notes -o - --to " + std::string(pszTo) +
+                   " | cat > @/pipe"),
               0);
     EXPECT_EQ(Content("pipe"), Content("file")) << pszTo;
   }
@@ -43,8 +43,8 @@ TEST_F(ConvertStreamsTest, SoundFromAPipeToAPipe_IsThatOfTheFiles) {
 TEST_F(ConvertStreamsTest, NotesThroughAPipe_AreKept) {
   MakeWav("in.wav", PublicSamples(20000), 16, 16000, 1, test::SomeNotes());
   for (const char* pszMore : {"", "--detect-silence", "--normalize", "--rate 8000"}) {
-    EXPECT_EQ(Shell("$V convert - -o - --to wav " + std::string(pszMore) +
-                    " < @/in.wav | cat > @/out.wav"),
+    EXPECT_EQ(Pipe("$V convert - -o - --to wav " + std::string(pszMore) +
+                   " < @/in.wav | cat > @/out.wav"),
               0);
     EXPECT_EQ(test::ReadSound(Path("out.wav")).notes.view().events().size(), 2U) << pszMore;
   }
@@ -52,7 +52,7 @@ TEST_F(ConvertStreamsTest, NotesThroughAPipe_AreKept) {
 
 TEST_F(ConvertStreamsTest, OtherPrograms_ReadWhatIsSent) {
   MakeWav("in.wav", PublicSamples(16000, 2), 16, 44100, 2);
-  EXPECT_EQ(Shell("$V convert @/in.wav -o - --to wav | sox -t wav - -t raw @/raw"), 0);
+  EXPECT_EQ(Pipe("$V convert @/in.wav -o - --to wav | sox -t wav - -t raw @/raw"), 0);
   EXPECT_EQ(Content("raw").size(), 64000U);
   EXPECT_EQ(
       Shell("sox @/in.wav -t flac - | $V convert - -o - --to wav | sox -t wav - -t raw @/raw2"), 0);
@@ -63,7 +63,7 @@ TEST_F(ConvertStreamsTest, LargePipe_IsReadAsItComes) {
   // 2 s of sound are sent before the input of the reader has ended, so the first samples come out
   // while the rest is still to be decoded.
   MakeWav("in.wav", PublicSamples(160000));
-  EXPECT_EQ(Shell("$V convert @/in.wav -o - --to wav | head -c 44 > @/head"), 0);
+  EXPECT_EQ(Pipe("$V convert @/in.wav -o - --to wav | head -c 44 > @/head"), 0);
   EXPECT_EQ(Content("head").size(), 44U);
 }
 

@@ -135,8 +135,8 @@ TEST_F(SampleChangesTest, Sum_IsTheSameWhateverTheTypeOfTheSamples) {
 
 TEST(SilenceFinderTest, LongEnoughQuiet_IsFoundAndPassedOn) {
   C_Kept kept;
-  C_SilenceFinder finder(0.1, 3, 2, kept);
-  const std::vector<float> first = {0, 0, 0, 0.1F, 0, 0, 0, 0.5F, 0, 0, 0};
+  C_SilenceFinder finder(0.125, 3, 2, kept);
+  const std::vector<float> first = {0, 0, 0, 0.125F, 0, 0, 0, 0.5F, 0, 0, 0};
   finder.Take(std::span(first).first(10));
   const std::vector<float> second = {0, 0, -0.2F, 0, 0, 0, 0, 0, 0, 0, 0, 0};
   finder.Take(std::span<const float>(second));

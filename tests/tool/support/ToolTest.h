@@ -51,10 +51,8 @@ class C_ToolTest : public C_FolderTest {
     EXPECT_EQ(run.nExit, nExit) << run.strErr;
     return Said(run.strErr);
   }
-  static const C_Program& Program() {
-    static const C_Program program(VOXPLAY_VOXTOOL);
-    return program;
-  }
+  static C_Program Program() { return C_Program(VOXPLAY_VOXTOOL); }
+  static C_Program Shell() { return C_Program("/bin/sh"); }
 
   // A sound in the folder.
   template <typename Sample>
