@@ -55,7 +55,7 @@ TEST_F(ConvertStreamsTest, OtherPrograms_ReadWhatIsSent) {
   EXPECT_EQ(Pipe("$V convert @/in.wav -o - --to wav | sox -t wav - -t raw @/raw"), 0);
   EXPECT_EQ(Content("raw").size(), 64000U);
   EXPECT_EQ(
-      Shell("sox @/in.wav -t flac - | $V convert - -o - --to wav | sox -t wav - -t raw @/raw2"), 0);
+      Pipe("sox @/in.wav -t flac - | $V convert - -o - --to wav | sox -t wav - -t raw @/raw2"), 0);
   EXPECT_EQ(Content("raw2"), Content("raw"));
 }
 
