@@ -119,8 +119,7 @@ void Check(voxplay::Format format) {
 }
 
 template <typename Wanted>
-std::vector<std::string> Names(Wanted&& wanted) {
-  std::vector<std::string> names;
+std::vector<std::string> Names(std::vector<std::string> names, Wanted&& wanted) {
   for (const S_TargetKind& kind : kKinds) {
     if (wanted(kind)) names.emplace_back(kind.name);
   }
@@ -131,13 +130,11 @@ std::vector<std::string> Names(Wanted&& wanted) {
 }  // namespace
 
 std::vector<std::string> FormatNames() {
-  return Names([](const S_TargetKind&) { return true; });
+  return Names({}, [](const S_TargetKind&) { return true; });
 }
 
 std::vector<std::string> CodecNames() {
-  auto names = Names([](const S_TargetKind& kind) { return IsCoded(kind); });
-  names.insert(names.begin(), "pcm");
-  return names;
+  return Names({"pcm"}, [](const S_TargetKind& kind) { return IsCoded(kind); });
 }
 
 std::string FormatOfExtension(std::string_view extension) {
