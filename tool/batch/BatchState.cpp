@@ -54,9 +54,7 @@ void S_BatchState::Count(const S_FileResult& result) {
     case tagFileState::FILE_DONE:
       ++qwDone;
       if (result.qwDamaged != 0) ++qwDamaged;
-      if (result.dwRate != 0) {
-        dSoundSeconds += static_cast<double>(result.qwFrames) / result.dwRate;
-      }
+      dSoundSeconds += result.Seconds();
       break;
     case tagFileState::FILE_SKIPPED:
       ++qwSkipped;

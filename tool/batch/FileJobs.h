@@ -29,6 +29,10 @@ struct S_FileResult {
   std::uint64_t qwDamaged = 0;  // of these
   // Of the decoded sound, where it was asked for.
   std::optional<std::uint64_t> qwSum;
+
+  [[nodiscard]] double Seconds() const noexcept {
+    return dwRate == 0 ? 0.0 : static_cast<double>(qwFrames) / dwRate;
+  }
 };
 
 // Any thread may call any operation.
