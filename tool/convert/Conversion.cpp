@@ -5,6 +5,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,12 @@ namespace {
 
 std::string Count(std::uint64_t qwCount, const char* pszWhat) {
   return std::to_string(qwCount) + ' ' + pszWhat + (qwCount == 1 ? " is" : "s are");
+}
+
+// "format: there are 1 to 64 channels" says it to programmers.
+std::string_view ReasonIn(std::string_view problem) {
+  constexpr std::string_view kBegin = "format: ";
+  return problem.starts_with(kBegin) ? problem.substr(kBegin.size()) : problem;
 }
 
 bool Touches(const voxplay::Range& a, const voxplay::Range& b) {
@@ -52,10 +59,12 @@ class C_Conversion {
         m_watch(watch),
         m_input(Open(job, options)),
         m_info(m_input->Info()) {
+    if (m_info.dwRate == 0) Refuse("it has no sample rate");
     ChooseChannels();
     m_format = FormatFor(options.format, m_info, ChangedChannels(m_info, m_changes));
     m_changes.dwRate = m_format.sample_rate;
     m_changes.dGain = options.dGain;
+    CheckFormat();
   }
 
   S_FileResult Work(tagExisting eExisting) {
@@ -75,6 +84,16 @@ class C_Conversion {
     return std::make_unique<C_SummedSound>(std::move(input));
   }
   [[nodiscard]] std::string Source() const { return NameOf(m_job.strSource); }
+
+  [[noreturn]] void Refuse(std::string_view why) const {
+    throw C_Failure(Source(), "cannot be converted", why);
+  }
+  // Sounds of others may have more than the target can.
+  void CheckFormat() const {
+    const std::string strProblem = voxplay::problem(m_format);
+    if (!strProblem.empty()) Refuse(ReasonIn(strProblem));
+    if (HasStream(m_format) && m_info.qwFrames == 0) Refuse("it has no samples");
+  }
 
   // Streams are mono, so all channels are mixed for them.
   void ChooseChannels() {

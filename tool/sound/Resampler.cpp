@@ -23,7 +23,7 @@ soxr_t Make(std::uint32_t dwFrom, std::uint32_t dwTo, std::uint32_t dwChannels) 
   // The files are what runs in parallel.
   const soxr_runtime_spec_t runtime = soxr_runtime_spec(1);
   soxr_error_t pszError = nullptr;
-  const soxr_t pMade =
+  soxr* const pMade =
       soxr_create(dwFrom, dwTo, dwChannels, &pszError, &samples, &quality, &runtime);
   if (pMade == nullptr) throw std::bad_alloc();
   return pMade;

@@ -7,7 +7,7 @@
 namespace tool {
 
 // Where a frame is after the rate was changed: qwFrame * dwTo / dwFrom, rounded to the nearest.
-// What does not fit in 64 bits becomes the greatest number.
+// What does not fit in 64 bits becomes the greatest number. The rates are not 0.
 [[nodiscard]] inline std::uint64_t ScaledFrames(std::uint64_t qwFrame, std::uint32_t dwFrom,
                                                 std::uint32_t dwTo) noexcept {
   if (dwFrom == dwTo) return qwFrame;

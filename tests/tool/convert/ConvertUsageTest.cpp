@@ -3,6 +3,8 @@
 // What voxtool convert refuses, overwrites and prints.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -68,6 +70,28 @@ TEST_F(ConvertUsageTest, FileThatIsNoSound_FailsWithItsName) {
   EXPECT_EQ(std::ranges::count(strSaid, '\n'), 1) << strSaid;
   EXPECT_TRUE(Fail(1, {"@/none.wav", "-o", "@/out.wav"}).starts_with("@/none.wav: "));
   EXPECT_FALSE(std::filesystem::exists(Path("out.wav")));
+}
+
+TEST_F(ConvertUsageTest, SoundThatNoTargetCanHold_FailsWithItsName) {
+  auto bytes = Content("in.wav");
+  std::fill_n(bytes.begin() + 24, 4, std::uint8_t{0});
+  Write("still.wav", bytes);
+  for (const char* pszTo : {"wav", "kestrel", "heron4", "vef"}) {
+    EXPECT_EQ(Fail(1, {"@/still.wav", "-o", "@/out", "--to", pszTo, "--detect-silence"}),
+              "@/still.wav: cannot be converted: it has no sample rate\n");
+  }
+  MakeWav("empty.wav", std::vector<std::int16_t>());
+  EXPECT_EQ(Fail(1, {"@/empty.wav", "-o", "@/out", "--to", "heron4"}),
+            "@/empty.wav: cannot be converted: it has no samples\n");
+  EXPECT_EQ(Convert({"@/empty.wav", "-o", "@/empty2.wav", "--rate", "8000"}), "");
+  bytes = Content("in.wav");
+  bytes[22] = 65;
+  bytes[32] = 130;
+  Write("wide.wav", bytes);
+  EXPECT_EQ(Fail(1, {"@/wide.wav", "-o", "@/out", "--to", "vemd"}),
+            "@/wide.wav: cannot be converted: there are 1 to 64 channels\n");
+  EXPECT_EQ(Convert({"@/wide.wav", "-o", "@/out", "--to", "vemd", "--channel", "65"}), "");
+  EXPECT_EQ(test::ReadSound(Path("out")).samples.size(), 1600U / 65);
 }
 
 TEST_F(ConvertUsageTest, ExistingTarget_IsReplacedOnlyWhenItIsAskedFor) {
