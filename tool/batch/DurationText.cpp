@@ -17,7 +17,8 @@ constexpr double kMostSeconds = 1e15;
 
 std::string ShortText(double dSeconds) {
   std::array<char, 32> szText{};
-  std::snprintf(szText.data(), szText.size(), "%.2f s", dSeconds);
+  std::snprintf(szText.data(), szText.size(),
+                dSeconds == std::floor(dSeconds) ? "%.0f s" : "%.2f s", dSeconds);
   return szText.data();
 }
 

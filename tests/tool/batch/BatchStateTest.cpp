@@ -51,7 +51,7 @@ TEST(BatchStateTest, ProgressOfOneFile_IsInPercent) {
   EXPECT_EQ(ProgressText(state, 0.25, 10.0, 80), "[=====               ] 25 %");
   state.dSeconds = 2.0;
   EXPECT_EQ(ProgressText(state, 0.25, 10.0, 80),
-            "[=====               ] 25 %, 5 x real time, 6.00 s left");
+            "[=====               ] 25 %, 5 x real time, 6 s left");
 }
 
 TEST(BatchStateTest, Results_AreCounted) {
@@ -74,7 +74,8 @@ TEST(BatchStateTest, Results_AreCounted) {
 }
 
 TEST(DurationTextTest, EveryLength_HasTwoPartsAtMost) {
-  EXPECT_EQ(DurationText(0.0), "0.00 s");
+  EXPECT_EQ(DurationText(0.0), "0 s");
+  EXPECT_EQ(DurationText(3.0), "3 s");
   EXPECT_EQ(DurationText(0.254), "0.25 s");
   EXPECT_EQ(DurationText(41.4), "41 s");
   EXPECT_EQ(DurationText(60.0), "1 min");
