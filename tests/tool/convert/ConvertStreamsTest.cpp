@@ -67,6 +67,19 @@ TEST_F(ConvertStreamsTest, LargePipe_IsReadAsItComes) {
   EXPECT_EQ(Content("head").size(), 44U);
 }
 
+TEST_F(ConvertStreamsTest, TargetThatAppearsMeanwhile_IsKept) {
+  // More than a pipe holds, so that the program has begun when the other file appears.
+  MakeWav("in.wav", PublicSamples(160000));
+  EXPECT_EQ(
+      Shell()
+          .Run(Placed({"-c", "(cat @/in.wav; echo other > @/out.kst) | $V convert - -o @/out.kst"}),
+               {"V=" VOXPLAY_VOXTOOL, "PATH=/usr/bin:/bin"})
+          .strErr,
+      Path("out.kst") + ": exists: -f replaces it\n");
+  EXPECT_EQ(Content("out.kst").size(), 6U);
+  EXPECT_EQ(Entries(), (Texts{"in.wav", "out.kst"}));
+}
+
 TEST_F(ConvertStreamsTest, FullDisk_IsAFailure) {
   MakeWav("in.wav", PublicSamples(160000));
   for (const char* pszTo : {"wav", "heron4", "vef"}) {
