@@ -46,9 +46,12 @@ void AddBatchOptions(CLI::App& command, S_BatchOptions& options) {
       ->excludes(pQuiet);
 }
 
-tagExisting S_TargetOptions::Existing() const noexcept {
-  if (bReplace) return tagExisting::EXISTING_REPLACED;
-  return bSkip ? tagExisting::EXISTING_SKIPPED : tagExisting::EXISTING_REFUSED;
+S_TargetRule S_TargetOptions::Rule() const noexcept {
+  S_TargetRule rule;
+  if (bReplace) rule.eExisting = tagExisting::EXISTING_REPLACED;
+  if (bSkip) rule.eExisting = tagExisting::EXISTING_SKIPPED;
+  rule.bMakeFolders = !strFolder.empty();
+  return rule;
 }
 
 void AddTargetOptions(CLI::App& command, S_TargetOptions& options) {

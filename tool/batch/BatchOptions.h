@@ -37,7 +37,8 @@ struct S_TargetOptions {
   bool bReplace = false;
   bool bSkip = false;
 
-  [[nodiscard]] tagExisting Existing() const noexcept;
+  // Folders are made below that of -d. A folder that -o names and that is missing is a mistake.
+  [[nodiscard]] S_TargetRule Rule() const noexcept;
 };
 void AddTargetOptions(CLI::App& command, S_TargetOptions& options);
 

@@ -19,6 +19,11 @@ enum class tagExisting {
   EXISTING_REPLACED,
 };
 
+struct S_TargetRule {
+  tagExisting eExisting = tagExisting::EXISTING_REFUSED;
+  bool bMakeFolders = false;  // that the target is in
+};
+
 // The path below a folder that the target of a file has.
 [[nodiscard]] std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
                                       std::string_view extension);

@@ -218,18 +218,18 @@ class C_Conversion {
 
 }  // namespace
 
-S_FileResult ConvertFile(const S_FileJob& job, const S_ConvertOptions& options,
-                         tagExisting eExisting, const C_FileReport& report, C_FileWatch& watch) {
+S_FileResult ConvertFile(const S_FileJob& job, const S_ConvertOptions& options, S_TargetRule rule,
+                         const C_FileReport& report, C_FileWatch& watch) {
   const bool bFile = job.strTarget != kStandardStream;
-  if (!bFile) eExisting = tagExisting::EXISTING_REPLACED;
-  if (!MayWrite(job.strTarget, eExisting)) {
+  if (!bFile) rule.eExisting = tagExisting::EXISTING_REPLACED;
+  if (!MayWrite(job.strTarget, rule.eExisting)) {
     S_FileResult result;
     result.eState = tagFileState::FILE_SKIPPED;
     return result;
   }
   C_Conversion conversion(job, options, report, watch);
-  if (bFile) MakeFoldersOf(job.strTarget);
-  return conversion.Work(eExisting);
+  if (bFile && rule.bMakeFolders) MakeFoldersOf(job.strTarget);
+  return conversion.Work(rule.eExisting);
 }
 
 }  // namespace tool

@@ -11,7 +11,7 @@ namespace tool {
 
 // Converts one file. The target appears whole, or not at all. Throws C_Failure, C_Interrupted or
 // voxplay::Error.
-S_FileResult ConvertFile(const S_FileJob& job, const S_ConvertOptions& options,
-                         tagExisting eExisting, const C_FileReport& report, C_FileWatch& watch);
+S_FileResult ConvertFile(const S_FileJob& job, const S_ConvertOptions& options, S_TargetRule rule,
+                         const C_FileReport& report, C_FileWatch& watch);
 
 }  // namespace tool

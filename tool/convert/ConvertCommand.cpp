@@ -81,11 +81,11 @@ int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
   C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
   const S_RunOptions run = RunOptionsOf(arguments);
   const C_FileReport report(console, run.eTalk);
-  const tagExisting eExisting = arguments.target.Existing();
+  const S_TargetRule rule = arguments.target.Rule();
   const S_BatchState state = RunOnFiles(
       jobs, run,
       [&](const S_FileJob& job, C_FileWatch& watch) {
-        return ConvertFile(job, options, eExisting, report, watch);
+        return ConvertFile(job, options, rule, report, watch);
       },
       console);
   return state.qwFailed == 0 && list.Failures() == 0 ? 0 : 1;

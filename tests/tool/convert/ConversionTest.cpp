@@ -20,8 +20,8 @@ class ConversionTest : public C_FolderTest {
   }
   S_FileResult Convert(const std::string& strFrom, const std::string& strTo) {
     const C_FileReport report(m_console, tagTalk::TALK_ERRORS);
-    return ConvertFile({Path(strFrom), Path(strTo)}, m_options, tagExisting::EXISTING_SKIPPED,
-                       report, m_watch);
+    return ConvertFile({Path(strFrom), Path(strTo)}, m_options,
+                       {tagExisting::EXISTING_SKIPPED, false}, report, m_watch);
   }
 
   C_Console m_console;

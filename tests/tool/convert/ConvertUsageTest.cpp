@@ -118,8 +118,10 @@ TEST_F(ConvertUsageTest, SourceAsItsOwnTarget_IsReplacedAsAWhole) {
 
 TEST_F(ConvertUsageTest, TargetThatCannotBeMade_FailsWithItsName) {
   Write("file", {1});
-  EXPECT_EQ(Fail(1, {"@/in.wav", "-o", "@/file/out.wav"}),
-            "@/file: cannot be made: Not a directory\n");
+  EXPECT_EQ(Fail(1, {"@/in.wav", "-d", "@/file/more", "--to", "wav", "-qq"}),
+            "@/file/more: cannot be made: Not a directory\n");
+  EXPECT_TRUE(Fail(1, {"@/in.wav", "-o", "@/none/out.wav"}).starts_with("@/none/out.wav: "));
+  EXPECT_FALSE(std::filesystem::exists(Path("none")));
   const std::string strSaid = Fail(1, {"@/in.wav", "-f", "-o", "/dev/full", "--to", "wav"});
   EXPECT_TRUE(strSaid.starts_with("/dev/full: ")) << strSaid;
 }
