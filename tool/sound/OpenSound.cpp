@@ -50,18 +50,18 @@ class C_Operand {
 
 }  // namespace
 
-C_SoundInputPtr OpenSound(const std::string& strPath) {
+C_SoundInputPtr OpenSound(const std::string& strPath, std::uint32_t dwFlags) {
   const C_Operand operand(strPath);
   std::string strOurs;
   try {
-    return operand.OpenLibrary(VOXPLAY_READ_NO_BARE);
+    return operand.OpenLibrary(dwFlags | VOXPLAY_READ_NO_BARE);
   } catch (const voxplay::Error& error) {
     if (!MayBeForeign(error)) throw;
   }
   std::string strWhy;
   if (auto sound = operand.OpenForeign(&strWhy)) return sound;
   // Its message tells of all tests that the file has failed.
-  return operand.OpenLibrary(0);
+  return operand.OpenLibrary(dwFlags);
 }
 
 std::string NameOf(const std::string& strPath) {

@@ -59,8 +59,9 @@ inline constexpr const char* kStandardStream = "-";
 //
 // Our own formats come first, then those of libsndfile, and last Kestrel streams without a header,
 // which are recognised by their length alone. The failure for a file that is none of these says
-// which test of ours it failed.
-C_SoundInputPtr OpenSound(const std::string& strPath);
+// which test of ours it failed. dwFlags may have VOXPLAY_READ_STREAM of voxplay.h, which only
+// counts for our own formats.
+C_SoundInputPtr OpenSound(const std::string& strPath, std::uint32_t dwFlags = 0);
 
 // What messages call the file of an operand: "standard input" for "-".
 std::string NameOf(const std::string& strPath);
