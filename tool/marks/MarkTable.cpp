@@ -71,14 +71,18 @@ C_TextTable::Row Line(const C_Json& row, std::uint32_t dwRate) {
 
 }  // namespace
 
-std::string MarkTable(const C_Json& rows, std::uint32_t dwRate, std::size_t nIndent,
-                      bool bColours) {
+std::string MarkTable(const C_Json& rows, std::uint32_t dwRate, std::size_t nIndent, bool bColours,
+                      std::size_t nMost) {
   std::vector<const C_Json*> sorted;
   for (const C_Json& row : rows) sorted.push_back(&row);
   std::ranges::stable_sort(sorted, {}, [](const C_Json* pRow) { return Start(*pRow); });
   C_TextTable table("lrrrrrl", {"kind", "no.", "time", "frame", "length", "id", "content"});
+  const std::size_t nHidden = sorted.size() - std::min(nMost, sorted.size());
+  sorted.resize(sorted.size() - nHidden);
   for (const C_Json* const pRow : sorted) table.Add(Line(*pRow, dwRate));
-  return table.Text(nIndent, bColours);
+  const std::string strText = table.Text(nIndent, bColours);
+  if (nHidden == 0) return strText;
+  return strText + std::string(nIndent, ' ') + "and " + CountText(nHidden) + " more\n";
 }
 
 }  // namespace tool

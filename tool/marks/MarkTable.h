@@ -10,6 +10,8 @@
 namespace tool {
 
 // Rows of marks (MarkRows.h) as a table for people, in the order of their places.
-std::string MarkTable(const C_Json& rows, std::uint32_t dwRate, std::size_t nIndent, bool bColours);
+// Where there are more than nMost, the last line says how many are not shown.
+std::string MarkTable(const C_Json& rows, std::uint32_t dwRate, std::size_t nIndent, bool bColours,
+                      std::size_t nMost = SIZE_MAX);
 
 }  // namespace tool
