@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "base/Interrupt.h"
+#include "base/EachFile.h"
 #include "info/FileReport.h"
 #include "info/FormatTests.h"
 #include "info/InfoJson.h"
@@ -27,18 +27,16 @@ class C_InfoRun {
       : m_options(options), m_console(console) {}
 
   int Run() {
-    for (const std::string& strPath : m_options.files) {
-      ThrowIfInterrupted();
+    const int nExit = ForEachFile(m_options.files, m_console, [this](const std::string& strPath) {
       try {
         Show(ReportOf(strPath, m_options.bDamage));
-      } catch (const voxplay::Error& error) {
-        ShowFailure(strPath, error.what());
       } catch (const std::runtime_error& failure) {
         ShowFailure(strPath, failure.what());
+        throw;
       }
-    }
+    });
     if (m_options.bJson) m_console.Print(JsonText(m_array));
-    return m_nExit;
+    return nExit;
   }
 
  private:
@@ -54,9 +52,6 @@ class C_InfoRun {
     m_array.push_back(std::move(json));
   }
   void ShowFailure(const std::string& strPath, const std::string& strWhy) {
-    m_nExit = 1;
-    m_console.Flush();
-    m_console.Complain(strWhy);
     if (IsForPrograms()) ShowJson(InfoJsonOfFailure(strPath, strWhy));
     if (!m_options.bVerbose) return;
     for (const std::string& strLine : FormatTests(strPath)) {
@@ -68,7 +63,6 @@ class C_InfoRun {
   C_Console& m_console;
   C_Json m_array = C_Json::array();
   bool m_bFirst = true;
-  int m_nExit = 0;
 };
 
 S_Command Command(const std::shared_ptr<S_Options>& options) {
