@@ -1,8 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Commands.h"
 
+#include "check/CheckCommand.h"
+#include "header/HeaderCommand.h"
+#include "info/InfoCommand.h"
+#include "tags/TagsCommand.h"
+
 namespace tool {
 
-void AddCommands(C_CommandLine& /*commandLine*/) {}
+void AddCommands(C_CommandLine& commandLine) {
+  AddInfoCommand(commandLine);
+  AddCheckCommand(commandLine);
+  AddHeaderCommand(commandLine);
+  AddTagsCommand(commandLine);
+}
 
 }  // namespace tool
