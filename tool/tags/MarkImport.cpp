@@ -100,6 +100,10 @@ void ClearMarks(voxplay::Notes& notes) {
 }
 
 int Run(const S_Options& options, C_Console& console) {
+  if (SourceOf(options).empty()) {
+    throw C_UsageFailure("voxtool tags import", options.edit.strFile,
+                         "name what to import with --csv, --json or --labels");
+  }
   return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
     try {
       const C_Json rows = ReadRows(options, file.Info().sample_rate);
@@ -128,11 +132,12 @@ void AddImportCommand(C_CommandLine& commandLine, CLI::App& tags) {
          "let a label track replace all marks"}},
        [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
-  CLI::Option_group* const pSource = command.add_option_group("");
-  pSource->add_option("--csv", options->strCsv, "comma-separated values")->type_name("FILE");
-  pSource->add_option("--json", options->strJson, "JSON")->type_name("FILE");
-  pSource->add_option("--labels", options->strLabels, "a label track")->type_name("FILE");
-  pSource->require_option(1);
+  auto* const pCsv = command.add_option("--csv", options->strCsv, "comma-separated values");
+  auto* const pJson = command.add_option("--json", options->strJson, "JSON");
+  auto* const pLabels = command.add_option("--labels", options->strLabels, "a label track");
+  for (CLI::Option* const pSource : {pCsv, pJson, pLabels}) pSource->type_name("FILE");
+  pCsv->excludes(pJson)->excludes(pLabels);
+  pJson->excludes(pLabels);
   command.add_flag("--replace", options->bReplace, "remove all marks of the file first");
 }
 
