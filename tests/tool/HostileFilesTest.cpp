@@ -82,8 +82,9 @@ TEST_P(HostileFiles, Edits_AreWholeOrNotAtAll) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, HostileFiles,
-                         testing::Values("api_reader", "factory", "vef", "wav_load", "sp_header_files",
-                                         "kestrel_stream", "heron_stream", "riff_list", "adtl"),
+                         testing::Values("api_reader", "factory", "vef", "wav_load",
+                                         "sp_header_files", "kestrel_stream", "heron_stream",
+                                         "riff_list", "adtl"),
                          [](const auto& corpus) { return std::string(corpus.param); });
 
 }  // namespace

@@ -28,7 +28,7 @@ std::string WithoutName(const std::string& strPath, const std::string& strSenten
 tagVerdict VerdictOf(voxplay_status eStatus) {
   if (eStatus == VOXPLAY_UNKNOWN || eStatus == VOXPLAY_UNSUPPORTED) return tagVerdict::UNKNOWN;
   return eStatus == VOXPLAY_DAMAGED || eStatus == VOXPLAY_TOO_LARGE ? tagVerdict::DAMAGED
-                                                                   : tagVerdict::UNREADABLE;
+                                                                    : tagVerdict::UNREADABLE;
 }
 
 class C_Checker {
@@ -111,9 +111,8 @@ std::string CheckText(const S_FileCheck& check) {
 }
 
 C_Json CheckJson(const S_FileCheck& check) {
-  C_Json json = {{"schema", kJsonSchema},
-                 {"file", check.strPath},
-                 {"verdict", VerdictText(check.eVerdict)}};
+  C_Json json = {
+      {"schema", kJsonSchema}, {"file", check.strPath}, {"verdict", VerdictText(check.eVerdict)}};
   if (!check.strWhy.empty()) json["reason"] = check.strWhy;
   if (check.strFormat.empty()) return json;
   json["format"] = check.strFormat;

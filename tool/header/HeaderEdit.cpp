@@ -9,8 +9,8 @@
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "sound/ByteCopy.h"
-#include "sound/ShortSound.h"
 #include "sound/FormatText.h"
+#include "sound/ShortSound.h"
 #include "voxplay.hpp"
 
 namespace tool {

@@ -77,18 +77,19 @@ class C_InfoRun {
 };
 
 S_Command Command(const std::shared_ptr<S_Options>& options) {
-  return {"info",
-          "tell what files are and what they hold",
-          "Tells the format, the length, the fields of headers, the events and other marks, and the "
-          "chunks of each file. Sounds are not decoded for that, so it is quick, however long they "
-          "are; with --damage they are, and damaged frames are counted.\n\n"
-          "For programs, --json prints one array with an object for each file, and --json-lines one "
-          "object a line. Members without a value are left out; the member \"schema\" changes when "
-          "another one changes its meaning.",
-          {{"voxtool info speech.kst", "show what speech.kst is"},
-           {"voxtool info --damage *.hrn", "decode the files, too, and count damaged frames"},
-           {"voxtool info --json talk.wav | jq '.[0].events[].start'", "list the frames of events"}},
-          [options](C_Console& console) { return C_InfoRun(*options, console).Run(); }};
+  return {
+      "info",
+      "tell what files are and what they hold",
+      "Tells the format, the length, the fields of headers, the events and other marks, and the "
+      "chunks of each file. Sounds are not decoded for that, so it is quick, however long they "
+      "are; with --damage they are, and damaged frames are counted.\n\n"
+      "For programs, --json prints one array with an object for each file, and --json-lines one "
+      "object a line. Members without a value are left out; the member \"schema\" changes when "
+      "another one changes its meaning.",
+      {{"voxtool info speech.kst", "show what speech.kst is"},
+       {"voxtool info --damage *.hrn", "decode the files, too, and count damaged frames"},
+       {"voxtool info --json talk.wav | jq '.[0].events[].start'", "list the frames of events"}},
+      [options](C_Console& console) { return C_InfoRun(*options, console).Run(); }};
 }
 
 }  // namespace

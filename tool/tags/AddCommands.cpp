@@ -106,7 +106,9 @@ void AddKind(C_CommandLine& commandLine, CLI::App& parent, S_Command command,
              const std::function<void(CLI::App&, S_Options&)>& fnAddOptions) {
   const auto options = std::make_shared<S_Options>();
   const std::string strKind = command.strName;
-  command.fnRun = [options, strKind](C_Console& console) { return Run(*options, strKind, console); };
+  command.fnRun = [options, strKind](C_Console& console) {
+    return Run(*options, strKind, console);
+  };
   CLI::App& added = commandLine.Add(parent, std::move(command));
   AddPlace(added, *options);
   fnAddOptions(added, *options);
@@ -148,13 +150,14 @@ void AddAddCommands(C_CommandLine& commandLine, CLI::App& tags) {
              {{"voxtool tags add event talk.wav --at 1.5 --main 3 --sub 1", "add an event"},
               {"voxtool tags add cue talk.wav --at 0:12.250 --name Chorus", "name a place"}},
              {}});
-  AddKind(commandLine, parent,
-          {"event",
-           "add an event",
-           "Adds an event. VEF files hold its data; WAV and VEMD files do not.",
-           {{"voxtool tags add event talk.wav --at 1.5 --main 3 --sub 1", "add event 3/1 at 1.5 s"}},
-           {}},
-          &AddEvent);
+  AddKind(
+      commandLine, parent,
+      {"event",
+       "add an event",
+       "Adds an event. VEF files hold its data; WAV and VEMD files do not.",
+       {{"voxtool tags add event talk.wav --at 1.5 --main 3 --sub 1", "add event 3/1 at 1.5 s"}},
+       {}},
+      &AddEvent);
   AddKind(commandLine, parent,
           {"cue",
            "add a cue point",

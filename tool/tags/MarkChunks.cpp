@@ -27,8 +27,7 @@ bool IsMarkChunk(const voxplay::ChunkPlace& chunk, Form&& fnForm) {
 
 std::span<const std::byte> ContentOf(const voxplay::ChunkPlace& chunk,
                                      std::span<const std::byte> file) {
-  return file.subspan(static_cast<std::size_t>(chunk.offset),
-                      static_cast<std::size_t>(chunk.held));
+  return file.subspan(static_cast<std::size_t>(chunk.offset), static_cast<std::size_t>(chunk.held));
 }
 
 // Marks are written in the same way whatever the samples are.
@@ -62,7 +61,8 @@ S_MarkChunks MarkChunksOf(const voxplay::NotesView& notes, const voxplay::Info& 
     const bool bMarks = IsMarkChunk(chunk, [&] {
       return std::string_view(reinterpret_cast<const char*>(content.data()), kLabels.size());
     });
-    if (bMarks) marks.chunks.push_back({std::string(IDOf(chunk)), {content.begin(), content.end()}});
+    if (bMarks)
+      marks.chunks.push_back({std::string(IDOf(chunk)), {content.begin(), content.end()}});
   }
   marks.lost = std::move(sound.lost);
   return marks;

@@ -35,9 +35,8 @@ struct S_Options {
 
 std::string ReadText(const std::string& strPath) {
   const std::string strName = NameOf(strPath);
-  const C_Descriptor file(strPath == kStandardStream
-                              ? 0
-                              : open(strPath.c_str(), O_RDONLY | O_CLOEXEC));
+  const C_Descriptor file(strPath == kStandardStream ? 0
+                                                     : open(strPath.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.Get() < 0) throw C_Failure(strName, "cannot be opened", SystemReason(errno));
   std::string strText;
   std::array<std::byte, kPieceBytes> piece{};
@@ -120,17 +119,19 @@ int Run(const S_Options& options, C_Console& console) {
 void AddImportCommand(C_CommandLine& commandLine, CLI::App& tags) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(
-      tags,
-      {"import",
-       "add marks from a table, from JSON or from a label track",
-       "Reads what \"tags export\" writes, and tables that people have written: of the columns, only "
-       "\"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may have a \"name\", and a "
-       "\"length\" or a \"duration\". Where the file has the ids of new cue points already, the new "
-       "ones get others.",
-       {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
-        {"voxtool tags import talk.wav --labels talk.txt --replace",
-         "let a label track replace all marks"}},
-       [options](C_Console& console) { return Run(*options, console); }});
+      tags, {"import",
+             "add marks from a table, from JSON or from a label track",
+             "Reads what \"tags export\" writes, and tables that people have written: of the "
+             "columns, only "
+             "\"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may have a "
+             "\"name\", and a "
+             "\"length\" or a \"duration\". Where the file has the ids of new cue points already, "
+             "the new "
+             "ones get others.",
+             {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
+              {"voxtool tags import talk.wav --labels talk.txt --replace",
+               "let a label track replace all marks"}},
+             [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
   auto* const pCsv = command.add_option("--csv", options->strCsv, "comma-separated values");
   auto* const pJson = command.add_option("--json", options->strJson, "JSON");

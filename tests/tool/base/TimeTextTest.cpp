@@ -69,10 +69,31 @@ TEST(TimeText, Samples_AreFramesAtAnyRate) {
 }
 
 TEST(TimeText, OtherTexts_AreNoTimes) {
-  for (const char* const pszText :
-       {"", "s", "-1", "+1", "1e3", "abc", "1:60", "1:2:60", "1:60:00", "1:2:3:4", "1.5:00", ":", "1:",
-        ":30", "1..2", ".", "1.5s", "-5s", "99999999999999999999s", "1 ", " 1", "1,5", "inf", "nan",
-        "0x10"}) {
+  for (const char* const pszText : {"",
+                                    "s",
+                                    "-1",
+                                    "+1",
+                                    "1e3",
+                                    "abc",
+                                    "1:60",
+                                    "1:2:60",
+                                    "1:60:00",
+                                    "1:2:3:4",
+                                    "1.5:00",
+                                    ":",
+                                    "1:",
+                                    ":30",
+                                    "1..2",
+                                    ".",
+                                    "1.5s",
+                                    "-5s",
+                                    "99999999999999999999s",
+                                    "1 ",
+                                    " 1",
+                                    "1,5",
+                                    "inf",
+                                    "nan",
+                                    "0x10"}) {
     EXPECT_FALSE(C_Time::Parse(pszText).has_value()) << pszText;
   }
 }

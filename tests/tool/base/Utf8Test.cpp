@@ -33,7 +33,9 @@ TEST(Utf8, OtherTexts_AreTakenForWindows1252) {
 TEST(Utf8, ControlCharacters_DoNothingToTerminals) {
   EXPECT_EQ(Printable("a\tb\nc\rd"), "a\\tb\\nc\\rd");
   EXPECT_EQ(Printable("\x1b[31mred\x7f"), "\\x1b[31mred\\x7f");
-  EXPECT_EQ(Printable("\xC2\x9B" "31m"), "\\xc2\\x9b31m");
+  EXPECT_EQ(Printable("\xC2\x9B"
+                      "31m"),
+            "\\xc2\\x9b31m");
   EXPECT_EQ(Printable("caf\xE9 \xC3\xA9"), "caf\\xe9 \xC3\xA9");
 }
 

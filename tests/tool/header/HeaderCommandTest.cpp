@@ -79,10 +79,11 @@ TEST_F(HeaderCommand, HeronStream_GetsItsHeaderBack) {
 
 TEST_F(HeaderCommand, StreamThatNobodyWouldKnow_KeepsItsHeader) {
   const Bytes whole = WriteHeron("a.hrn");
-  EXPECT_EQ(WhyNot({"header", "strip", "@a.hrn"}),
-            Path("a.hrn") +
-                ": nothing is changed: without the header no program would know the stream again; -f "
-                "strips it nevertheless\n");
+  EXPECT_EQ(
+      WhyNot({"header", "strip", "@a.hrn"}),
+      Path("a.hrn") +
+          ": nothing is changed: without the header no program would know the stream again; -f "
+          "strips it nevertheless\n");
   EXPECT_EQ(Content("a.hrn"), whole);
   EXPECT_EQ(Output({"header", "strip", "-f", "@a.hrn"}), "");
   EXPECT_EQ(Content("a.hrn"), WithoutHeader(whole));
@@ -98,10 +99,11 @@ TEST_F(HeaderCommand, FileThatIsSomethingElse_GetsNoHeader) {
   WriteKestrel("a.kst");
   WriteWav("a.wav");
   Write("text", {'w', 'o', 'r', 'd', 's'});
-  EXPECT_EQ(WhyNot({"header", "add", "@a.kst"}),
-            Path("a.kst") +
-                ": nothing is changed: it is no stream without a header, but Kestrel, 16000 bit/s, SP "
-                "header\n");
+  EXPECT_EQ(
+      WhyNot({"header", "add", "@a.kst"}),
+      Path("a.kst") +
+          ": nothing is changed: it is no stream without a header, but Kestrel, 16000 bit/s, SP "
+          "header\n");
   EXPECT_THAT(WhyNot({"header", "add", "@a.wav"}), HasSubstr("but WAV, PCM, 16 bits"));
   EXPECT_THAT(WhyNot({"header", "add", "@text"}), HasSubstr("none of the known formats"));
   EXPECT_THAT(WhyNot({"header", "add", "--codec", "heron4", "@text"}),

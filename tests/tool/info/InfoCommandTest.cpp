@@ -13,7 +13,8 @@ using testing::StartsWith;
 
 class InfoCommand : public C_ToolTest {
  protected:
-  [[nodiscard]] std::string FromSoxi(const std::string& strOption, const std::string& strName) const {
+  [[nodiscard]] std::string FromSoxi(const std::string& strOption,
+                                     const std::string& strName) const {
     const C_TempFolder folder;
     const auto bytes = RunIn(folder, "soxi " + strOption + " " + Path(strName));
     return {bytes.begin(), bytes.end() - 1};
@@ -119,8 +120,9 @@ TEST_F(InfoCommand, StreamBesideThePcm_IsTold) {
   EXPECT_EQ(info[0]["stream"]["codec"], "kestrel");
   EXPECT_EQ(info[0]["stream"]["frames"], 16000);
   EXPECT_EQ(info[0]["headers"]["vafm"]["bit_rate"], 16000);
-  EXPECT_THAT(Output({"info", "@a.vef"}),
-              HasSubstr("  Stream      Kestrel, 16000 bit/s, 16,000 Hz, 0:01.000 (16,000 frames)\n"));
+  EXPECT_THAT(
+      Output({"info", "@a.vef"}),
+      HasSubstr("  Stream      Kestrel, 16000 bit/s, 16,000 Hz, 0:01.000 (16,000 frames)\n"));
 }
 
 TEST_F(InfoCommand, MarksOfEveryKind_HaveTheirLists) {
@@ -139,8 +141,8 @@ TEST_F(InfoCommand, MarksOfEveryKind_HaveTheirLists) {
 }
 
 TEST_F(InfoCommand, Damage_IsCountedWhenAsked) {
-  auto bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL),
-                            PublicSamples(16000));
+  auto bytes =
+      WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL), PublicSamples(16000));
   std::fill(bytes.begin() + 1000, bytes.begin() + 1080, std::uint8_t{0xFF});
   Write("a.kst", bytes);
   const auto info = Json({"info", "--json", "--damage", "@a.kst"})[0];

@@ -19,7 +19,8 @@ TEST(CsvText, FieldsThatNeedIt_AreQuoted) {
 }
 
 TEST(CsvText, AnyFields_AreReadBack) {
-  const C_CsvRow row = {"", ",", "\"", "\"\"", "\r\n", "\n", "\r", " x ", "\xC3\xA4\xFF", "a\"b,c\nd"};
+  const C_CsvRow row = {"",   ",",  "\"",  "\"\"",         "\r\n",
+                        "\n", "\r", " x ", "\xC3\xA4\xFF", "a\"b,c\nd"};
   EXPECT_THAT(ParseCsv(CsvLine(row) + CsvLine(row)), ElementsAre(row, row));
   EXPECT_THAT(ParseCsv(CsvLine({""}) + CsvLine({"x"})), ElementsAre(C_CsvRow{"x"}));
 }
@@ -31,7 +32,8 @@ TEST(CsvText, LineEndsOfAnyKind_AreRead) {
 }
 
 TEST(CsvText, OtherSeparatorsAndTheMark_AreUnderstood) {
-  EXPECT_THAT(ParseCsv("\xEF\xBB\xBF" "a;b\nc;d,e\n"),
+  EXPECT_THAT(ParseCsv("\xEF\xBB\xBF"
+                       "a;b\nc;d,e\n"),
               ElementsAre(C_CsvRow{"a", "b"}, C_CsvRow{"c", "d,e"}));
   EXPECT_THAT(ParseCsv("a\tb\nc\td\n"), ElementsAre(C_CsvRow{"a", "b"}, C_CsvRow{"c", "d"}));
 }

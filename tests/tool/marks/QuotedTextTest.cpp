@@ -11,7 +11,8 @@ std::string Line(std::string_view text) { return tool::OnOneLine(text, &IsBracke
 std::string Text(std::string_view line) { return tool::FromOneLine(line, &IsBracketed); }
 
 TEST(QuotedText, OrdinaryTexts_StandAsTheyAre) {
-  for (const char* const pszText : {"plain", "\"quoted\"", "a \"b\" c", "C:\\new", "\\n", "\"", " "}) {
+  for (const char* const pszText :
+       {"plain", "\"quoted\"", "a \"b\" c", "C:\\new", "\\n", "\"", " "}) {
     EXPECT_EQ(Line(pszText), pszText);
     EXPECT_EQ(Text(pszText), pszText);
   }

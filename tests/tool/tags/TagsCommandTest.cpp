@@ -39,16 +39,15 @@ class TagsCommand : public C_ToolTest {
 TEST_F(TagsCommand, MarksOfEveryKind_AreAdded) {
   WriteWav("a.wav");
   Output({"tags", "add", "event", "@a.wav", "--at", "0.5", "--main", "3", "--sub", "1"});
-  Output({"tags", "add", "cue", "@a.wav", "--at", "0:00.250", "--name", "Chorus", "--text", "a note",
-          "--to", "0.3"});
+  Output({"tags", "add", "cue", "@a.wav", "--at", "0:00.250", "--name", "Chorus", "--text",
+          "a note", "--to", "0.3"});
   Output({"tags", "add", "silence", "@a.wav", "--at", "100s", "--length", "50s"});
   Output({"tags", "add", "region", "@a.wav", "--at", "200s", "--to", "300s"});
   Output({"tags", "add", "loop", "@a.wav", "--at", "0", "--length", "1", "--type", "backward",
           "--count", "3"});
-  EXPECT_THAT(Rows("a.wav"),
-              ElementsAre("event 1 8000", "cue 1 4000", "label 1 4000 Chorus", "note 2 4000 a note",
-                          "text 1 4000+800 ", "silence 1 100+50", "region 1 200+100",
-                          "loop 1 0+16000"));
+  EXPECT_THAT(Rows("a.wav"), ElementsAre("event 1 8000", "cue 1 4000", "label 1 4000 Chorus",
+                                         "note 2 4000 a note", "text 1 4000+800 ",
+                                         "silence 1 100+50", "region 1 200+100", "loop 1 0+16000"));
   voxplay::Reader reader(Path("a.wav"));
   EXPECT_EQ(reader.notes().events()[0].sub_command, 1U);
   EXPECT_EQ(reader.notes().loops()[0].type, 2U);

@@ -23,7 +23,8 @@ using Bytes = std::vector<std::uint8_t>;
 class TagsFiles : public C_ToolTest {
  protected:
   // Samples in their whole width.
-  [[nodiscard]] std::vector<float> Samples(const std::string& strName, std::uint32_t dwFlags = 0) const {
+  [[nodiscard]] std::vector<float> Samples(const std::string& strName,
+                                           std::uint32_t dwFlags = 0) const {
     voxplay::Reader reader(Path(strName), dwFlags);
     return ReadRest<float>(reader);
   }
@@ -70,7 +71,8 @@ TEST_F(TagsFiles, SamplesAndStreamsOfEveryKind_StayBitForBit) {
 
 TEST_F(TagsFiles, CompressedWavFiles_AreMarkedWithoutCoding) {
   for (const auto& shape : OneOfEachKind()) {
-    Write("a.wav", CompressedWav(shape, RampBytes(std::size_t{10} * shape.wBlockAlign), "WAVE").Take());
+    Write("a.wav",
+          CompressedWav(shape, RampBytes(std::size_t{10} * shape.wBlockAlign), "WAVE").Take());
     const auto chunks = OtherChunks("a.wav");
     Mark("a.wav");
     EXPECT_EQ(OtherChunks("a.wav"), chunks);
@@ -203,11 +205,13 @@ TEST_F(TagsFiles, FullDisk_LeavesTheFileAsItIs) {
   WriteWav("a.wav");
   const Bytes before = Content("a.wav");
   const C_Program tool(VOXTOOL);
-  const S_Run run = tool.Start({"tags", "add", "event", Path("a.wav"), "--at", "0"}, {}, [] {
-                          const rlimit limit{10000, 10000};
-                          setrlimit(RLIMIT_FSIZE, &limit);
-                          signal(SIGXFSZ, SIG_IGN);
-                        }).Wait();
+  const S_Run run = tool.Start({"tags", "add", "event", Path("a.wav"), "--at", "0"}, {},
+                               [] {
+                                 const rlimit limit{10000, 10000};
+                                 setrlimit(RLIMIT_FSIZE, &limit);
+                                 signal(SIGXFSZ, SIG_IGN);
+                               })
+                        .Wait();
   EXPECT_EQ(run.nExit, 1);
   EXPECT_THAT(run.strErr, HasSubstr("a.wav: cannot be written: File too large"));
   EXPECT_EQ(Content("a.wav"), before);

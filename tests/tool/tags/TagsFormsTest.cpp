@@ -67,9 +67,10 @@ TEST_F(TagsForms, EveryContainer_KeepsItsMarksThroughEveryForm) {
 TEST_F(TagsForms, Values_AreWhatPythonReads) {
   WriteWav("a.wav", NotesOfAllKinds());
   Output({"tags", "export", "@a.wav", "-o", "@marks.csv"});
-  const auto rows = nlohmann::ordered_json::parse(Python(
-      "import csv, json\n"
-      "print(json.dumps(list(csv.DictReader(open('@/marks.csv', encoding='utf-8', newline='')))))"));
+  const auto rows =
+      nlohmann::ordered_json::parse(Python("import csv, json\n"
+                                           "print(json.dumps(list(csv.DictReader(open('@/"
+                                           "marks.csv', encoding='utf-8', newline='')))))"));
   const auto marks = Marks("a.wav");
   ASSERT_EQ(rows.size(), marks.size());
   for (std::size_t n = 0; n < rows.size(); ++n) {
