@@ -48,7 +48,7 @@ TEST_F(InfoCommand, Text_IsWhatPeopleRead) {
                                             "  Format  WAV, PCM, 16 bits\n"
                                             "  Rate    16,000 Hz, mono\n"
                                             "  Length  0:01.000 (16,000 frames)\n"
-                                            "  Size    32,114 bytes\n"
+                                            "  Size    32,110 bytes\n"
                                             "  Marks (1)\n"
                                             "    kind   no.      time  frame  content\n"
                                             "    event    1  0:00.500  8,000  main 3, sub 1\n"
@@ -57,7 +57,7 @@ TEST_F(InfoCommand, Text_IsWhatPeopleRead) {
                                             "    fmt        20      16\n"
                                             "    data       44  32,000\n"
                                             "    cue    32,052      28\n"
-                                            "    LIST   32,088      26\n");
+                                            "    LIST   32,088      22\n");
 }
 
 TEST_F(InfoCommand, SeveralFiles_AreSeparatedAndGoOnAfterAFailure) {
@@ -143,13 +143,13 @@ TEST_F(InfoCommand, MarksOfEveryKind_HaveTheirLists) {
 TEST_F(InfoCommand, Damage_IsCountedWhenAsked) {
   auto bytes =
       WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL), PublicSamples(16000));
-  std::fill(bytes.begin() + 1000, bytes.begin() + 1080, std::uint8_t{0xFF});
+  std::fill(bytes.begin() + 1054, bytes.begin() + 1134, std::uint8_t{0});
   Write("a.kst", bytes);
   const auto info = Json({"info", "--json", "--damage", "@a.kst"})[0];
-  EXPECT_GE(info["damaged_frames"], 320);
-  EXPECT_LE(info["damaged_frames"], 960);
+  EXPECT_EQ(info["damaged_frames"], 640);
   EXPECT_EQ(info["frames"], 16000);
-  EXPECT_THAT(Output({"info", "--damage", "@a.kst"}), HasSubstr(" of 16,000 frames (0:00.0"));
+  EXPECT_THAT(Output({"info", "--damage", "@a.kst"}),
+              HasSubstr("  Damage     640 of 16,000 frames (0:00.040)\n"));
 }
 
 TEST_F(InfoCommand, FilesOfOtherLibraries_AreToldAsWell) {
@@ -175,7 +175,7 @@ TEST_F(InfoCommand, ChunkThatTheEndCuts_IsShown) {
 TEST_F(InfoCommand, StandardInput_IsRead) {
   WriteWav("a.wav");
   const C_TempFolder folder;
-  const auto out = RunIn(folder, "cat " + Path("a.wav") + " | " VOXTOOL " info -");
+  const auto out = RunIn(folder, "(cat " + Path("a.wav") + " | " VOXTOOL " info -)");
   const std::string strOut(out.begin(), out.end());
   EXPECT_THAT(strOut, StartsWith("standard input\n"));
   EXPECT_THAT(strOut, Not(HasSubstr("Size")));

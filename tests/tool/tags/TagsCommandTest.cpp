@@ -14,7 +14,8 @@ class TagsCommand : public C_ToolTest {
   // The rows of a file, one text each: "event 1 24000".
   [[nodiscard]] std::vector<std::string> Rows(const std::string& strName) const {
     std::vector<std::string> rows;
-    for (const auto& row : Json({"tags", "list", "--json", "@" + strName})[0]["marks"]) {
+    const auto list = Json({"tags", "list", "--json", "@" + strName});
+    for (const auto& row : list[0]["marks"]) {
       std::string strText = row["kind"].get<std::string>() + ' ' + row["number"].dump();
       if (row.contains("start")) strText += ' ' + row["start"].dump();
       if (row.contains("length")) strText += '+' + row["length"].dump();

@@ -136,7 +136,6 @@ TEST_F(TagsFiles, SizesThatWereNotKnown_BecomeKnown) {
 }
 
 TEST_F(TagsFiles, Rf64File_StaysOne) {
-  auto format = FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 16);
   const C_TempFolder folder;
   WriteWav("a.wav");
   RunIn(folder, "ffmpeg -v error -i " + Path("a.wav") + " -rf64 always " + Path("b.wav"));
