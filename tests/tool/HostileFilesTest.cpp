@@ -6,11 +6,14 @@
 #include <string>
 
 #include "CorpusPack.h"
+#include "Sanitized.h"
 #include "ToolTest.h"
 
 namespace {
 
 constexpr std::size_t kFilesAtOnce = 250;
+// Each of them starts the program, which takes long with a sanitizer.
+constexpr std::size_t kEdits = kSanitized ? 20 : 100;
 
 class HostileFiles : public C_ToolTest, public testing::WithParamInterface<const char*> {
  protected:
@@ -66,7 +69,7 @@ TEST_P(HostileFiles, TagsAndHeaders_AreListed) {
 
 // Marks either change and the file is good as before, or nothing changes.
 TEST_P(HostileFiles, Edits_AreWholeOrNotAtAll) {
-  const std::size_t nStep = std::max<std::size_t>(m_inputs.size() / 150, 1);
+  const std::size_t nStep = std::max<std::size_t>(m_inputs.size() / kEdits, 1);
   for (std::size_t n = 0; n < m_inputs.size(); n += nStep) {
     Write("f", m_inputs[n]);
     const S_Run run = Voxtool({"tags", "add", "cue", "-f", "@f", "--at", "1s", "--name", "x"});

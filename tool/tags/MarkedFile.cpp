@@ -23,9 +23,9 @@ bool HoldsNotes(std::uint32_t dwContainer) {
 
 [[noreturn]] void Refuse(const std::string& strPath, const std::string& strFormat) {
   throw C_Failure(strPath, kUnchanged,
-                  strFormat +
-                      ": only WAV, VEMD and VEF files hold marks that can be changed; \"voxtool "
-                      "convert\" makes such a file of it");
+                  "marks of its format (" + strFormat +
+                      ") cannot be changed; \"voxtool convert\" makes a WAV file of it, which can "
+                      "hold them");
 }
 
 // Where only another library knows the file, the reader's message would be about our formats.
