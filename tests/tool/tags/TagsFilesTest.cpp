@@ -217,6 +217,24 @@ TEST_F(TagsFiles, FullDisk_LeavesTheFileAsItIs) {
   EXPECT_THAT(Entries(), ElementsAre("a.wav"));
 }
 
+// The file is so long that the interrupt comes while it is written.
+TEST_F(TagsFiles, Interrupt_LeavesTheFileAsItIs) {
+  constexpr std::uint32_t kBytes = 2000000000;
+  C_RiffBytes riff("WAVE");
+  riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", kBytes, {});
+  Write("a.wav", riff.RiffSize(36 + kBytes).Take());
+  std::filesystem::resize_file(Path("a.wav"), 44 + std::uintmax_t{kBytes});
+  const C_Program tool(VOXTOOL);
+  C_RunningProgram running = tool.Start({"tags", "add", "event", Path("a.wav"), "--at", "0"});
+  while (Entries().size() < 2) usleep(1000);
+  running.Send(SIGINT);
+  const S_Run run = running.Wait();
+  EXPECT_EQ(run.nExit, 130);
+  EXPECT_EQ(run.strErr, "");
+  EXPECT_THAT(Entries(), ElementsAre("a.wav"));
+  EXPECT_EQ(std::filesystem::file_size(Path("a.wav")), 44 + std::uintmax_t{kBytes});
+}
+
 TEST_F(TagsFiles, EditsOneAfterTheOther_LeaveNoTraces) {
   WriteWav("a.wav", NotesOfAllKinds());
   const Bytes before = Content("a.wav");
