@@ -165,8 +165,8 @@ class C_LabelReader {
   void TakeCue(const S_Line& line, const S_LabelMeaning& meaning) {
     AddCue(line);
     if (meaning.bHasText) AddOfCue("label", "name", meaning.strText);
-    if (line.qwEnd != line.qwStart)
-      AddOfCue("text", "text", "")["length"] = line.qwEnd - line.qwStart;
+    if (line.qwEnd == line.qwStart) return;
+    AddOfCue("text", "text", "")["length"] = line.qwEnd - line.qwStart;
   }
   // One without the line of a cue point gets one of its own.
   void TakeFurther(const S_Line& line, const S_LabelMeaning& meaning) {

@@ -53,7 +53,8 @@ std::string Content(const C_Json& row) {
   if (row.at("kind") == "loop") Append(strText, LoopText(row));
   Append(strText, Quoted(row, "name"));
   // Most texts only say how long something is.
-  if (row.at("kind") != "text" || row.at("text") != "") Append(strText, Quoted(row, "text"));
+  const bool bOnlyLength = row.at("kind") == "text" && Quoted(row, "text") == "\"\"";
+  if (!bOnlyLength) Append(strText, Quoted(row, "text"));
   return strText;
 }
 
@@ -80,9 +81,9 @@ std::string MarkTable(const C_Json& rows, std::uint32_t dwRate, std::size_t nInd
   const std::size_t nHidden = sorted.size() - std::min(nMost, sorted.size());
   sorted.resize(sorted.size() - nHidden);
   for (const C_Json* const pRow : sorted) table.Add(Line(*pRow, dwRate));
-  const std::string strText = table.Text(nIndent, bColours);
-  if (nHidden == 0) return strText;
-  return strText + std::string(nIndent, ' ') + "and " + CountText(nHidden) + " more\n";
+  const std::string strEnd =
+      nHidden == 0 ? "" : std::string(nIndent, ' ') + "and " + CountText(nHidden) + " more\n";
+  return table.Text(nIndent, bColours) + strEnd;
 }
 
 }  // namespace tool

@@ -61,8 +61,8 @@ S_MarkChunks MarkChunksOf(const voxplay::NotesView& notes, const voxplay::Info& 
     const bool bMarks = IsMarkChunk(chunk, [&] {
       return std::string_view(reinterpret_cast<const char*>(content.data()), kLabels.size());
     });
-    if (bMarks)
-      marks.chunks.push_back({std::string(IDOf(chunk)), {content.begin(), content.end()}});
+    if (!bMarks) continue;
+    marks.chunks.push_back({std::string(IDOf(chunk)), {content.begin(), content.end()}});
   }
   marks.lost = std::move(sound.lost);
   return marks;
