@@ -7,7 +7,7 @@
 
 #include "CorpusPack.h"
 #include "Sanitized.h"
-#include "ToolTest.h"
+#include "VoxtoolTest.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ constexpr std::size_t kFilesAtOnce = 250;
 // Each of them starts the program, which takes long with a sanitizer.
 constexpr std::size_t kEdits = kSanitized ? 20 : 100;
 
-class HostileFiles : public C_ToolTest, public testing::WithParamInterface<const char*> {
+class HostileFiles : public C_VoxtoolTest, public testing::WithParamInterface<const char*> {
  protected:
   HostileFiles() {
     const auto pack = ReadPack(std::string(VOXPLAY_CORPORA "/") + GetParam() + ".pack");

@@ -3,7 +3,7 @@
 
 #include "OtherPrograms.h"
 #include "Sanitized.h"
-#include "ToolTest.h"
+#include "VoxtoolTest.h"
 #include "WavBytes.h"
 
 namespace {
@@ -11,7 +11,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class CheckCommand : public C_ToolTest {
+class CheckCommand : public C_VoxtoolTest {
  protected:
   [[nodiscard]] std::string Verdict(const std::string& strName) const {
     const S_Run run = Voxtool({"check", "@" + strName});

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <sys/stat.h>
 
-#include "ToolTest.h"
+#include "VoxtoolTest.h"
 
 namespace {
 
@@ -10,7 +10,7 @@ using testing::HasSubstr;
 
 using Bytes = std::vector<std::uint8_t>;
 
-class HeaderCommand : public C_ToolTest {
+class HeaderCommand : public C_VoxtoolTest {
  protected:
   // A Kestrel file with an SP header of this rate.
   Bytes WriteKestrel(const std::string& strName, std::uint32_t dwRate = 16000) const {

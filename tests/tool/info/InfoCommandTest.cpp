@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AllNotes.h"
 #include "OtherPrograms.h"
-#include "ToolTest.h"
+#include "VoxtoolTest.h"
 #include "WavBytes.h"
 
 namespace {
@@ -11,7 +11,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-class InfoCommand : public C_ToolTest {
+class InfoCommand : public C_VoxtoolTest {
  protected:
   [[nodiscard]] std::string FromSoxi(const std::string& strOption,
                                      const std::string& strName) const {

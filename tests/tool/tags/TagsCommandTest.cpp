@@ -2,14 +2,14 @@
 //
 // Adding and removing marks.
 #include "AllNotes.h"
-#include "ToolTest.h"
+#include "VoxtoolTest.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class TagsCommand : public C_ToolTest {
+class TagsCommand : public C_VoxtoolTest {
  protected:
   // The rows of a file, one text each: "event 1 24000".
   [[nodiscard]] std::vector<std::string> Rows(const std::string& strName) const {

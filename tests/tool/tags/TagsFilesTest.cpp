@@ -10,7 +10,7 @@
 #include "AllNotes.h"
 #include "CompressedBytes.h"
 #include "OtherPrograms.h"
-#include "ToolTest.h"
+#include "VoxtoolTest.h"
 #include "WavBytes.h"
 
 namespace {
@@ -20,7 +20,7 @@ using testing::HasSubstr;
 
 using Bytes = std::vector<std::uint8_t>;
 
-class TagsFiles : public C_ToolTest {
+class TagsFiles : public C_VoxtoolTest {
  protected:
   // Samples in their whole width.
   [[nodiscard]] std::vector<float> Samples(const std::string& strName,

@@ -3,13 +3,13 @@
 // Marks in the forms of other programs, and back.
 #include "AllNotes.h"
 #include "OtherPrograms.h"
-#include "ToolTest.h"
+#include "VoxtoolTest.h"
 
 namespace {
 
 using testing::HasSubstr;
 
-class TagsForms : public C_ToolTest {
+class TagsForms : public C_VoxtoolTest {
  protected:
   // What a Python program prints, in which "@" stands for the folder.
   std::string Python(std::string strProgram) const {

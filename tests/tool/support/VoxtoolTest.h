@@ -14,7 +14,7 @@
 #include "FolderTest.h"
 #include "PublicSounds.h"
 
-class C_ToolTest : public C_FolderTest {
+class C_VoxtoolTest : public C_FolderTest {
  protected:
   using Texts = C_Program::Texts;
 
