@@ -6,5 +6,18 @@
 namespace tool {
 
 void AddCommands(C_CommandLine& commandLine) { AddConvertCommand(commandLine); }
+#include "check/CheckCommand.h"
+#include "header/HeaderCommand.h"
+#include "info/InfoCommand.h"
+#include "tags/TagsCommand.h"
+
+namespace tool {
+
+void AddCommands(C_CommandLine& commandLine) {
+  AddInfoCommand(commandLine);
+  AddCheckCommand(commandLine);
+  AddHeaderCommand(commandLine);
+  AddTagsCommand(commandLine);
+}
 
 }  // namespace tool
