@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "compare/Report.h"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "base/NumberText.h"
 #include "sound/TimeText.h"
 
 namespace tool {
@@ -15,17 +13,11 @@ namespace {
 using C_Json = nlohmann::ordered_json;
 
 constexpr int kSchema = 1;
+constexpr std::size_t kNameWidth = 22;  // with the first number
 constexpr const char* kDefinition =
     "SNR: energy of the first sound over that of the difference. Segmental: mean over\n"
     "segments of 20 ms, each limited to -10..35 dB; silent ones (RMS below 40 of 32768)\n"
     "are left out. Ratios in dB, levels and the greatest difference in dBFS.\n";
-
-template <typename... Values>
-std::string Print(const char* pszFormat, Values... values) {
-  std::array<char, 256> text{};
-  const int nLength = std::snprintf(text.data(), text.size(), pszFormat, values...);
-  return std::string(text.data(), static_cast<std::size_t>(std::max(nLength, 0)));
-}
 
 std::string Counted(std::uint64_t qwCount, const char* pszWhat) {
   return std::to_string(qwCount) + ' ' + pszWhat + (qwCount == 1 ? "" : "s");
@@ -51,8 +43,8 @@ std::string LagLine(const S_Compared& compared) {
   const std::int64_t nLag = compared.result.nLag;
   if (nLag == 0) return "lag      none\n";
   const double dSeconds = SecondsOf(Distance(nLag), compared.first.dwRate);
-  return "lag      " + Counted(Distance(nLag), "frame") + Print(" (%.3f ms): ", dSeconds * 1000) +
-         "the second sound is " + (nLag > 0 ? "later\n" : "earlier\n");
+  return "lag      " + Counted(Distance(nLag), "frame") + " (" + NumberText(dSeconds * 1000, 3) +
+         " ms): the second sound is " + (nLag > 0 ? "later\n" : "earlier\n");
 }
 
 std::string AloneText(const char* pszWhich, const S_Side& side) {
@@ -70,8 +62,8 @@ std::string DifferenceLine(const S_Compared& compared) {
          TimeText(SecondsOf(qwFrame, compared.first.dwRate)) + ") of the first sound on\n";
 }
 
-std::string Number(const std::optional<double>& value, int nWidth, int nDecimals) {
-  return value ? Print("%*.*f", nWidth, nDecimals, *value) : Print("%*s", nWidth, "-");
+std::string Number(const std::optional<double>& value, std::size_t nWidth, int nDecimals) {
+  return AtRight(value ? NumberText(*value, nDecimals) : "-", nWidth);
 }
 
 std::optional<double> Level(double dAmplitude) {
@@ -81,8 +73,7 @@ std::optional<double> Level(double dAmplitude) {
 
 std::string Row(const std::string& strName, const S_Sums& sums, const S_Level& first,
                 const S_Level& second) {
-  return Print("%-12s%10llu", strName.c_str(),
-               static_cast<unsigned long long>(sums.qwDiffering)) +
+  return strName + AtRight(std::to_string(sums.qwDiffering), kNameWidth - strName.size()) +
          Number(Level(sums.dGreatest), 10, 1) + Number(sums.Snr(), 8, 2) +
          Number(sums.SegmentalSnr(), 10, 2) + Number(first.Rms(), 8, 1) +
          Number(first.Peak(), 8, 1) + Number(second.Rms(), 8, 1) +

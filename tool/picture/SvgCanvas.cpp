@@ -2,10 +2,9 @@
 #include "picture/SvgCanvas.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstddef>
 
+#include "base/NumberText.h"
 #include "picture/PngCanvas.h"
 
 namespace tool {
@@ -20,11 +19,7 @@ constexpr std::string_view kHex = "0123456789abcdef";
 
 // "12.5", without zeros at the end.
 std::string Number(double dValue) {
-  std::array<char, 32> text{};
-  const auto [pEnd, eError] = std::to_chars(text.data(), text.data() + text.size(), dValue,
-                                            std::chars_format::fixed, kDecimals);
-  if (eError != std::errc{}) return "0";
-  std::string strText(text.data(), pEnd);
+  std::string strText = NumberText(dValue, kDecimals);
   while (strText.ends_with('0')) strText.pop_back();
   if (strText.ends_with('.')) strText.pop_back();
   return strText == "-0" ? "0" : strText;

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
+#include "base/NumberText.h"
 #include "sound/TimeText.h"
 
 namespace tool {
@@ -30,12 +30,6 @@ std::vector<S_Tick> Ticks(double dFirst, double dLast, double dStep, const Text&
     ticks.push_back({dIndex * dStep, text(dIndex * dStep)});
   }
   return ticks;
-}
-
-std::string NumberText(double dValue, int nDecimals) {
-  char szText[64];
-  std::snprintf(szText, sizeof szText, "%.*f", std::min(nDecimals, 12), dValue);
-  return szText;
 }
 
 }  // namespace

@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+
+#include "base/NumberText.h"
 
 namespace tool {
 namespace {
@@ -13,13 +14,6 @@ constexpr int kMostDecimals = 9;
 constexpr double kMinute = 60.0;
 constexpr double kHour = 3600.0;
 constexpr std::uint64_t kMostFrames = UINT64_C(1) << 62;
-
-std::string Printed(const char* pszFormat, int nWidth, int nDecimals, double dValue) {
-  char szText[64];
-  const int nLength = std::snprintf(szText, sizeof szText, pszFormat, nWidth, nDecimals, dValue);
-  const auto nMost = static_cast<int>(sizeof szText) - 1;
-  return std::string(szText, static_cast<std::size_t>(std::clamp(nLength, 0, nMost)));
-}
 
 // Only digits and a point: neither signs nor exponents, nor words such as "nan".
 std::optional<double> PlainNumber(std::string_view text) {
@@ -54,10 +48,10 @@ std::string TimeText(double dSeconds, int nDecimals) {
   const double dMinutes = std::floor((dSeconds - dHours * kHour) / kMinute);
   const double dRest = dSeconds - dHours * kHour - dMinutes * kMinute;
   const bool bHours = dHours > 0.0;
-  const int nWidth = nDecimals > 0 ? nDecimals + 3 : 2;
-  return (bHours ? Printed("%0*.*f:", 1, 0, dHours) : "") +
-         Printed("%0*.*f:", bHours ? 2 : 1, 0, dMinutes) +
-         Printed("%0*.*f", nWidth, nDecimals, std::max(dRest, 0.0));
+  const std::size_t nWidth = nDecimals > 0 ? static_cast<std::size_t>(nDecimals) + 3 : 2;
+  return (bHours ? NumberText(dHours, 0) + ':' : "") +
+         AtRight(NumberText(dMinutes, 0), bHours ? 2 : 1, '0') + ':' +
+         AtRight(NumberText(std::max(dRest, 0.0), nDecimals), nWidth, '0');
 }
 
 std::optional<std::uint64_t> FrameOfTime(std::string_view text, std::uint32_t dwRate) {
