@@ -52,6 +52,9 @@ void RefuseUnlike(const S_CompareArguments& arguments, const S_SoundInfo& first,
 }
 
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
+  if (arguments.strFirst == kStandardStream && arguments.strSecond == kStandardStream) {
+    throw C_UsageFailure("compare", "both sounds are standard input", "one of them can be");
+  }
   const C_SoundInputPtr first = OpenSound(arguments.strFirst);
   const C_SoundInputPtr second = OpenSound(arguments.strSecond);
   RefuseUnlike(arguments, first->Info(), second->Info());

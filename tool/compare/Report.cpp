@@ -13,6 +13,7 @@ namespace {
 using C_Json = nlohmann::ordered_json;
 
 constexpr int kSchema = 1;
+constexpr std::size_t kSnrWidth = 8;
 constexpr std::size_t kNameWidth = 22;  // with the first number
 constexpr const char* kDefinition =
     "SNR: energy of the first sound over that of the difference. Segmental: mean over\n"
@@ -71,10 +72,16 @@ std::optional<double> Level(double dAmplitude) {
   return 20 * std::log10(dAmplitude);
 }
 
+// Nothing differs: the ratio has no bounds.
+std::string SnrText(const S_Sums& sums) {
+  const bool bFlawless = sums.dNoise == 0.0 && sums.dSignal > 0.0;
+  return bFlawless ? AtRight("inf", kSnrWidth) : Number(sums.Snr(), kSnrWidth, 2);
+}
+
 std::string Row(const std::string& strName, const S_Sums& sums, const S_Level& first,
                 const S_Level& second) {
   return strName + AtRight(std::to_string(sums.qwDiffering), kNameWidth - strName.size()) +
-         Number(Level(sums.dGreatest), 10, 1) + Number(sums.Snr(), 8, 2) +
+         Number(Level(sums.dGreatest), 10, 1) + SnrText(sums) +
          Number(sums.SegmentalSnr(), 10, 2) + Number(first.Rms(), 8, 1) +
          Number(first.Peak(), 8, 1) + Number(second.Rms(), 8, 1) +
          Number(second.Peak(), 8, 1) + '\n';

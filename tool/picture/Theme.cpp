@@ -18,11 +18,11 @@ constexpr S_Theme kLight = {
     .mean = {30, 92, 160},
     .clipped = {204, 34, 34},
     .event = {196, 78, 0},
-    .cue = {0, 120, 88},
+    .cue = {116, 44, 158},
     .silence = {120, 126, 136},
     .region = {226, 150, 0},
-    .loop = {150, 80, 170},
-    .text = {0, 120, 88},
+    .loop = {0, 128, 94},
+    .text = {116, 44, 158},
 };
 
 constexpr S_Theme kDark = {
@@ -35,11 +35,11 @@ constexpr S_Theme kDark = {
     .mean = {142, 196, 246},
     .clipped = {255, 92, 80},
     .event = {255, 160, 74},
-    .cue = {72, 214, 168},
+    .cue = {206, 156, 250},
     .silence = {146, 152, 164},
     .region = {246, 196, 68},
-    .loop = {206, 146, 226},
-    .text = {72, 214, 168},
+    .loop = {72, 214, 168},
+    .text = {206, 156, 250},
 };
 
 // A path through the colours from quiet to loud: lightness and hue change evenly, and the colour is

@@ -27,7 +27,9 @@ std::vector<S_Tick> Ticks(double dFirst, double dLast, double dStep, const Text&
   std::vector<S_Tick> ticks;
   const double dEnd = std::floor(dLast / dStep + kSlack);
   for (double dIndex = std::ceil(dFirst / dStep - kSlack); dIndex <= dEnd; ++dIndex) {
-    ticks.push_back({dIndex * dStep, text(dIndex * dStep)});
+    // Rounding up may give -0, which would be written so.
+    const double dValue = dIndex * dStep + 0.0;
+    ticks.push_back({dValue, text(dValue)});
   }
   return ticks;
 }

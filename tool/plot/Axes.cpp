@@ -15,8 +15,10 @@ constexpr double kTick = 4.0;  // pixels
 // In letters' heights: from the middle of a letter to its foot, and what texts need.
 constexpr double kToFoot = 0.36;
 constexpr double kLineOfText = 1.7;
+constexpr double kLineOfScale = 2.4;
 constexpr double kBetweenTexts = 1.6;
 constexpr double kTitleNeeds = 4.0;
+constexpr double kMostMoved = 1.2;
 constexpr const char* kMinus = "\u2212";
 
 struct S_LevelTick {
@@ -71,6 +73,17 @@ double StepOfTime(const S_Scene& scene, double dLast, double dPixelsPerSecond) {
   }
 }
 
+// Near the edges of the picture a text is moved a little, so that nothing of it is cut.
+void DrawTimeText(I_Canvas& canvas, const S_Scene& scene, S_Point place,
+                  const std::string& strText) {
+  const double dLetters = scene.layout.Letters();
+  const double dHalf = scene.lettering.Width(strText, dLetters) / 2 + 1;
+  const double dMost = std::max(dHalf, scene.options.nWidth - dHalf);
+  const double dX = std::clamp(place.dX, dHalf, dMost);
+  if (std::abs(dX - place.dX) > kMostMoved * dLetters) return;
+  canvas.Text({dX, place.dY}, strText, Small(scene, TEXT_CENTRED));
+}
+
 std::string LevelText(double dLevel) {
   const auto nLevel = std::lround(std::abs(dLevel));
   return (dLevel < -0.5 ? kMinus : "") + std::to_string(nLevel);
@@ -90,7 +103,7 @@ void DrawTimeAxis(I_Canvas& canvas, const S_Scene& scene) {
       const double dX = panels.dX + (tick.dValue - dFirst) * dScale;
       DrawTick(canvas, scene, {std::min(std::floor(dX), panels.Right() - 1), panels.Bottom(), 1,
                                kTick});
-      canvas.Text({dX, dBase}, tick.strText, Small(scene, TEXT_CENTRED));
+      DrawTimeText(canvas, scene, {dX, dBase}, tick.strText);
     }
   }
   if (!scene.layout.HasTitles()) return;
@@ -134,7 +147,7 @@ void DrawColourScale(I_Canvas& canvas, const S_Scene& scene, const S_LevelColour
                         colours[nColour]);
   }
   canvas.Image({box.dX, box.dY}, image);
-  const double dTexts = std::max(box.dHeight / (kLineOfText * dLetters), 1.0);
+  const double dTexts = std::max(box.dHeight / (kLineOfScale * dLetters), 1.0);
   const double dStep = std::max(RoundStep(-kQuietest / dTexts), 10.0);
   for (const S_Tick& tick : NumberTicks(kQuietest, 0.0, dStep)) {
     const double dY = box.dY + tick.dValue / kQuietest * box.dHeight;
@@ -146,7 +159,7 @@ void DrawColourScale(I_Canvas& canvas, const S_Scene& scene, const S_LevelColour
   S_TextStyle style = Small(scene, TEXT_CENTRED);
   style.colour = scene.theme.faint;
   style.bUpwards = true;
-  canvas.Text({panels.Right() + 5.4 * dLetters, box.dY + box.dHeight / 2}, "dBFS", style);
+  canvas.Text({panels.Right() + 6.3 * dLetters, box.dY + box.dHeight / 2}, "dBFS", style);
 }
 
 }  // namespace tool

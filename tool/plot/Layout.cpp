@@ -46,7 +46,7 @@ void C_Layout::SetMargins(const S_PlotOptions& options) {
   m_bTitles = options.nWidth >= kWidthForScale && m_nHeight >= kHeightForTitles;
   m_bScale = m_bSpectra && options.nWidth >= kWidthForScale;
   m_nLeft = Pixels((m_bTitles ? 4.6 : 3.2) * m_dLetters);
-  const int nRight = Pixels((m_bScale ? 5.8 : 1.2) * m_dLetters);
+  const int nRight = Pixels((m_bScale ? 6.8 : 1.2) * m_dLetters);
   m_nColumns = options.nWidth - m_nLeft - nRight;
 }
 
@@ -64,7 +64,8 @@ bool C_Layout::Arrange(const S_Heading& heading, std::size_t nChannels) {
   if (m_bAxes) {
     m_dLegend = std::ceil(3.7 * m_dLetters);
     m_dNames = m_dLegend + std::ceil(heading.nLegendRows * 1.5 * m_dLetters + 0.5 * m_dLetters);
-    m_dBars = m_dNames + heading.nNameRows * NameRow() + (heading.nNameRows > 0 ? 2.0 : 0.0);
+    m_dTicks = m_dNames + heading.nNameRows * NameRow() + (heading.nNameRows > 0 ? 2.0 : 0.0);
+    m_dBars = m_dTicks + (heading.bTicks ? Tick() + 1 : 0.0);
     dTop = m_dBars + heading.nBars * (Bar() + 1) + (heading.nBars > 0 ? 2.0 : 0.0);
   }
   const double dGap = m_bAxes ? std::ceil(0.7 * m_dLetters) : 0.0;

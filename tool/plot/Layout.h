@@ -14,7 +14,8 @@ namespace tool {
 struct S_Heading {
   int nLegendRows = 0;
   int nNameRows = 0;
-  int nBars = 0;  // kinds of ranges
+  bool bTicks = false;  // marks that have no lines through the panels
+  int nBars = 0;        // kinds of ranges
 };
 
 // Where everything stands in a picture. All edges of panels are whole pixels.
@@ -38,6 +39,8 @@ class C_Layout {
   [[nodiscard]] double LegendTop() const noexcept { return m_dLegend; }
   [[nodiscard]] double NamesTop() const noexcept { return m_dNames; }
   [[nodiscard]] double NameRow() const noexcept;
+  [[nodiscard]] double TicksTop() const noexcept { return m_dTicks; }
+  [[nodiscard]] double Tick() const noexcept { return Bar(); }
   [[nodiscard]] double BarsTop() const noexcept { return m_dBars; }
   [[nodiscard]] double Bar() const noexcept;
   // One for each channel, as far as they are shown.
@@ -61,6 +64,7 @@ class C_Layout {
   bool m_bTitles = false;
   double m_dLegend = 0.0;
   double m_dNames = 0.0;
+  double m_dTicks = 0.0;
   double m_dBars = 0.0;
   std::vector<S_Box> m_waves;
   std::vector<S_Box> m_spectra;

@@ -7,15 +7,7 @@
 namespace tool {
 namespace {
 
-// With more marks than this many columns each, lines through the panels would hide the sound.
-constexpr int kColumnsPerLine = 12;
-constexpr double kTicks = 6.0;  // pixels, of marks without lines
 constexpr double kHalo = 0.55;
-
-bool IsCrowded(const S_Scene& scene) {
-  const auto nMarks = static_cast<int>(scene.marks.marks.size());
-  return nMarks > scene.layout.Columns() / kColumnsPerLine;
-}
 
 double LineX(const S_Scene& scene, const S_Mark& mark) { return ColumnX(scene, mark.nColumn); }
 
@@ -48,11 +40,13 @@ void DrawBars(I_Canvas& canvas, const S_Scene& scene) {
 
 void DrawNames(I_Canvas& canvas, const S_Scene& scene) {
   const C_Layout& layout = scene.layout;
+  const bool bCrowded = scene.marks.AreCrowded(layout.Columns());
   for (const S_PlacedName& name : scene.names.names) {
     const S_Mark& mark = scene.marks.marks[name.nMark];
     const double dTop = layout.NamesTop() + name.nRow * layout.NameRow();
     const S_Colour& colour = ColourOf(scene.theme, mark.eKind);
-    canvas.Fill(S_Box{LineX(scene, mark), dTop, 1, layout.Panels().dY - dTop}, colour);
+    const double dEnd = bCrowded ? layout.TicksTop() : layout.Panels().dY;
+    canvas.Fill(S_Box{LineX(scene, mark), dTop, 1, dEnd - dTop}, colour);
     canvas.Text({ColumnX(scene, name.dX), dTop + 1.02 * layout.Letters()}, name.strText,
                 {.dSize = layout.Letters(), .colour = colour});
   }
@@ -61,14 +55,15 @@ void DrawNames(I_Canvas& canvas, const S_Scene& scene) {
 }  // namespace
 
 void DrawMarks(I_Canvas& canvas, const S_Scene& scene) {
-  const bool bCrowded = IsCrowded(scene);
-  const S_Box panels = scene.layout.Panels();
+  const C_Layout& layout = scene.layout;
+  const bool bCrowded = scene.marks.AreCrowded(layout.Columns());
   for (const S_Mark& mark : scene.marks.marks) {
-    if (!bCrowded) DrawThrough(canvas, scene, mark);
-    const double dTick = bCrowded ? kTicks : 0.0;
-    const double dTop = std::max(panels.dY - dTick, 0.0);
-    canvas.Fill(S_Box{LineX(scene, mark), dTop, 1, panels.dY + dTick - dTop},
-                ColourOf(scene.theme, mark.eKind));
+    if (!bCrowded) {
+      DrawThrough(canvas, scene, mark);
+    } else if (scene.options.bAxes) {
+      canvas.Fill(S_Box{LineX(scene, mark), layout.TicksTop(), 1, layout.Tick()},
+                  ColourOf(scene.theme, mark.eKind));
+    }
   }
   if (!scene.options.bAxes) return;
   DrawBars(canvas, scene);

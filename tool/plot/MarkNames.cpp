@@ -10,6 +10,7 @@ namespace {
 constexpr double kWidest = 14.0;
 constexpr double kSpace = 0.8;
 constexpr double kToLine = 0.3;
+constexpr double kBetweenLines = 0.6;
 
 class C_Rows {
  public:
@@ -38,11 +39,12 @@ S_MarkNames PlaceNames(const S_Marks& marks, const C_Lettering& lettering, doubl
                        double dSize, int nMostRows) {
   S_MarkNames result;
   C_Rows rows(nMostRows);
+  double dNextLine = 0.0;
   for (std::size_t n = 0; n < marks.marks.size(); ++n) {
     const S_Mark& mark = marks.marks[n];
     const double dLine = mark.nColumn + 0.5;
     const int nRow = rows.RowAt(dLine);
-    if (nRow < 0) continue;
+    if (nRow < 0 || dLine < dNextLine) continue;
     const double dMost = std::min(kWidest * dSize, dWidth / 2);
     std::string strText = lettering.Cut(mark.strName, dMost, dSize);
     const double dLength = lettering.Width(strText, dSize);
@@ -51,6 +53,7 @@ S_MarkNames PlaceNames(const S_Marks& marks, const C_Lettering& lettering, doubl
       dX = dLine - kToLine * dSize - dLength;
       if (!rows.AllEndBefore(dX)) continue;
     }
+    dNextLine = dLine + kBetweenLines * dSize;
     rows.Take(nRow, std::max(dX + dLength, dLine) + kSpace * dSize);
     result.names.push_back({n, nRow, dX, std::move(strText)});
     result.nRows = std::max(result.nRows, nRow + 1);

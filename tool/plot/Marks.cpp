@@ -5,6 +5,7 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <set>
 #include <unordered_map>
 
 #include "picture/Lettering.h"
@@ -72,7 +73,8 @@ class C_Collector {
       ++m_result.counts[MARK_EVENT];
       const int nColumn = m_columns.ColumnOf(event.frame - m_qwFirst);
       if (m_marks.contains(nColumn)) continue;
-      m_marks[nColumn] = {nColumn, MARK_EVENT, NameOfEvent(event)};
+      m_marks[nColumn] = {nColumn, event.frame, MARK_EVENT, NameOfEvent(event)};
+      if (*event.description == '\0') m_unnamed.insert(nColumn);
     }
   }
 
@@ -84,11 +86,17 @@ class C_Collector {
       if (!IsShown(cue.sample_offset)) continue;
       ++m_result.counts[MARK_CUE];
       const int nColumn = m_columns.ColumnOf(cue.sample_offset - m_qwFirst);
-      if (m_marks.contains(nColumn)) continue;
-      m_marks[nColumn] = {nColumn, MARK_CUE, "#" + std::to_string(cue.id)};
-      columnsOf.emplace(cue.id, nColumn);
+      const auto [mark, bNew] = m_marks.try_emplace(nColumn);
+      if (bNew) {
+        mark->second = {nColumn, cue.sample_offset, MARK_CUE, "#" + std::to_string(cue.id)};
+      }
+      if (bNew || IsNameless(mark->second, cue)) columnsOf.emplace(cue.id, nColumn);
     }
     NameCues(columnsOf);
+  }
+  // Labels that read as events are labels of cue points as well, and say more than numbers do.
+  [[nodiscard]] bool IsNameless(const S_Mark& mark, const voxplay::Cue& cue) const {
+    return m_unnamed.contains(mark.nColumn) && mark.qwFrame == cue.sample_offset;
   }
   void NameCues(const std::unordered_map<std::uint32_t, int>& columnsOf) {
     for (const voxplay::Label label : m_notes.labels()) {
@@ -142,6 +150,7 @@ class C_Collector {
   std::uint64_t m_qwFirst;
   C_Columns m_columns;
   std::map<int, S_Mark> m_marks;
+  std::set<int> m_unnamed;  // columns of events without a description
   S_Marks m_result;
 };
 

@@ -17,6 +17,7 @@ enum tagRangeKind { RANGE_SILENCE, RANGE_REGION, RANGE_LOOP, RANGE_TEXT, RANGE_K
 
 struct S_Mark {
   int nColumn = 0;
+  std::uint64_t qwFrame = 0;
   tagMarkKind eKind = MARK_EVENT;
   std::string strName;  // as CleanText gives it
 };
@@ -33,6 +34,12 @@ struct S_Marks {
   std::vector<S_Mark> marks;  // in order of their columns
   std::array<std::size_t, MARK_KINDS> counts{};  // of all marks in the picture
   std::array<std::vector<S_Run>, RANGE_KINDS> ranges;
+
+  // Whether lines through the whole picture would hide it.
+  [[nodiscard]] bool AreCrowded(int nColumns) const noexcept {
+    constexpr int kColumnsPerLine = 12;
+    return static_cast<int>(marks.size()) > nColumns / kColumnsPerLine;
+  }
 };
 
 // Of the frames that the columns show; the first of them is frame qwFirst of the sound.

@@ -25,6 +25,7 @@ constexpr int kHeightPerChannel = 300;
 // How often the length of a sound may turn out to be smaller than it said.
 constexpr int kAttempts = 2;
 constexpr double kTitleSize = 1.2;  // in letters' heights
+constexpr std::uint64_t kFewSamples = 1000;
 constexpr const char* kBetween = " \u00B7 ";
 
 int HeightOf(const S_PlotOptions& options, std::size_t nChannels) {
@@ -84,10 +85,16 @@ S_Part PartOf(const S_PlotOptions& options, const S_SoundInfo& info, const std::
   return {qwFrom, std::min(qwTo, qwFrames) - qwFrom};
 }
 
+// Of a very short sound, thousandths of a second say little.
+std::string LengthText(std::uint64_t qwFrames, std::uint32_t dwRate) {
+  if (qwFrames == 1) return "1 sample";
+  if (qwFrames < kFewSamples) return std::to_string(qwFrames) + " samples";
+  return TimeText(static_cast<double>(qwFrames) / dwRate);
+}
+
 std::string SubtitleOf(const S_SoundInfo& info, std::uint64_t qwFrames) {
   return info.strFormat + kBetween + RateText(info.dwRate) + kBetween +
-         ChannelsText(info.dwChannels) + kBetween +
-         TimeText(static_cast<double>(qwFrames) / info.dwRate);
+         ChannelsText(info.dwChannels) + kBetween + LengthText(qwFrames, info.dwRate);
 }
 
 void DrawHeading(I_Canvas& canvas, const S_Scene& scene) {
@@ -147,8 +154,9 @@ void DrawAround(I_Canvas& canvas, const S_Scene& scene, const S_LevelColours& co
     }
   }
   if (scene.part.qwCount > 0) return;
-  const S_Box panels = scene.layout.Panels();
-  canvas.Text({panels.dX + panels.dWidth / 2, panels.dY + panels.dHeight / 2}, "no samples",
+  const S_Box& panel = scene.layout.Spectra().empty() ? scene.layout.Waves().front()
+                                                       : scene.layout.Spectra().front();
+  canvas.Text({panel.dX + panel.dWidth / 2, panel.dY + panel.dHeight * 0.4}, "no samples",
               {.dSize = scene.layout.Letters(), .colour = scene.theme.ink, .ePlace = TEXT_CENTRED});
 }
 
@@ -226,8 +234,10 @@ class C_PictureMaker {
     scene.names = PlaceNames(scene.marks, m_lettering, columns.Count(), scene.layout.Letters(),
                              scene.layout.MostNameRows());
     scene.legend.AddMarks(scene.marks, scene.names);
-    if (!m_options.bWaveform) return;
-    scene.legend.AddWaves();
+    if (!m_options.bWaveform || scene.part.qwCount == 0) return;
+    // Fewer samples are drawn one by one.
+    const bool bColumns = scene.part.qwCount > static_cast<std::uint64_t>(columns.Count());
+    if (bColumns) scene.legend.AddWaves();
     scene.legend.AddClipping();
   }
 
@@ -236,6 +246,7 @@ class C_PictureMaker {
     S_Heading heading;
     heading.nLegendRows = scene.legend.Arrange(m_lettering, dRoom);
     heading.nNameRows = scene.names.nRows;
+    heading.bTicks = scene.marks.AreCrowded(scene.layout.Columns());
     heading.nBars = static_cast<int>(
         std::count_if(scene.marks.ranges.begin(), scene.marks.ranges.end(),
                       [](const auto& runs) { return !runs.empty(); }));

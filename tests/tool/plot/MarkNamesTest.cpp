@@ -22,7 +22,7 @@ constexpr double kSize = 12.0;
 
 S_Marks MarksAt(const std::vector<int>& columns, const std::string& strName) {
   S_Marks marks;
-  for (const int nColumn : columns) marks.marks.push_back({nColumn, tool::MARK_EVENT, strName});
+  for (const int nColumn : columns) marks.marks.push_back({nColumn, 0, tool::MARK_EVENT, strName});
   marks.counts[tool::MARK_EVENT] = columns.size();
   return marks;
 }
@@ -113,6 +113,20 @@ TEST(Marks, EventWithoutADescription_IsNamedByItsCommands) {
   EXPECT_EQ(MarksOf(notes, 0, C_Columns(10, 10)).marks[0].strName, "3/4");
 }
 
+TEST(Marks, LabelThatReadsAsAnEvent_NamesIt) {
+  voxplay::Notes notes;
+  notes.add(voxplay::Event{50, 0, 1, 0, nullptr});
+  voxplay::Cue cue{};
+  cue.id = 1;
+  cue.sample_offset = 50;
+  notes.add(cue);
+  notes.add(voxplay::Label{1, {'l', 'a', 'b', 'l'}, "take_1"});
+  const S_Marks marks = MarksOf(notes, 0, C_Columns(100, 100));
+  ASSERT_EQ(marks.marks.size(), 1u);
+  EXPECT_EQ(marks.marks[0].eKind, tool::MARK_EVENT);
+  EXPECT_EQ(marks.marks[0].strName, "take_1");
+}
+
 TEST(Marks, Ranges_AreCutToThePicture) {
   voxplay::Notes notes;
   notes.add_silence({90, 20});
@@ -144,6 +158,7 @@ TEST(Marks, RegionText_LastsFromItsCuePoint) {
   voxplay::RegionText text{};
   text.cue_id = 3;
   text.count = 20;
+  text.text = "";
   notes.add(text);
   const S_Marks marks = MarksOf(notes, 0, C_Columns(100, 100));
   ASSERT_EQ(marks.ranges[tool::RANGE_TEXT].size(), 1u);

@@ -63,7 +63,7 @@ class C_Pixels {
 constexpr std::uint32_t kPanel = 0xF7F8FA;
 constexpr std::uint32_t kClipped = 0xCC2222;
 constexpr std::uint32_t kEvent = 0xC44E00;
-constexpr std::uint32_t kCue = 0x007858;
+constexpr std::uint32_t kCue = 0x742C9E;
 
 class Plot : public C_FolderTest {
  protected:
@@ -202,7 +202,7 @@ TEST_F(Plot, Svg_IsWellFormedAndHoldsTheTexts) {
   WriteWav(Path("a.wav"), NoiseSamples(16000, 20000), 16000, 2, notes, VOXPLAY_CONTAINER_VEF);
   const std::string strDocument = Svg();
   for (const char* const pszText : {">a.wav</text>", ">kHz</text>", ">dBFS</text>", ">left</text>",
-                                    ">right</text>", ">0:00.4</text>", "16 kHz", "stereo",
+                                    ">right</text>", ">0:00.40</text>", "16 kHz", "stereo",
                                     "0:00.500", "time in m:ss"}) {
     EXPECT_THAT(strDocument, HasSubstr(pszText));
   }
@@ -268,7 +268,7 @@ TEST_F(Plot, FewSamples_AreDots) {
 
 TEST_F(Plot, StandardStreams_AreReadAndWritten) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
-  const std::string strCommand = std::string("cat ") + Path("a.wav") + " | " + VOXTOOL_PATH +
+  const std::string strCommand = std::string("cat ") + Path("a.wav") + " | " + VOXTOOL +
                                  " plot - -o - > " + Path("a.png");
   EXPECT_EQ(std::system(strCommand.c_str()), 0);  // NOLINT(cert-env33-c)
   EXPECT_EQ(C_Pixels(Path("a.png")).Width(), 1200);
@@ -347,10 +347,46 @@ TEST_F(Plot, MoreChannelsThanFit_AreRefused) {
   EXPECT_EQ(Run({Path("a.wav"), "-o", Path("x.png"), "--size", "400x300", "--channel", "64"}), 0);
 }
 
+// The inputs of a pack of the fuzzers: the length of each in 4 bytes, and its bytes.
+std::vector<std::vector<std::uint8_t>> InputsOf(const std::string& strPack) {
+  const auto bytes = FileBytes(std::string(VOXPLAY_CORPORA) + "/" + strPack + ".pack");
+  std::vector<std::vector<std::uint8_t>> inputs;
+  for (std::size_t n = 0; n + 4 <= bytes.size();) {
+    std::size_t nLength = 0;
+    for (std::size_t i = 0; i < 4; ++i) nLength |= std::size_t{bytes[n + i]} << (8 * i);
+    const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(n + 4);
+    inputs.emplace_back(first, first + static_cast<std::ptrdiff_t>(nLength));
+    n += 4 + nLength;
+  }
+  return inputs;
+}
+
+TEST_F(Plot, HostileFiles_GiveEachAPictureOrOneLine) {
+  std::filesystem::create_directory(Path("in"));
+  C_Program::Texts arguments = {"-d", Path("out"), "--size", "300x200"};
+  for (const char* const pszPack : {"api_reader", "wav_load", "vef", "smpl_cue", "adtl",
+                                    "heron_stream", "sp_header_files", "codec_heads"}) {
+    for (const auto& input : InputsOf(pszPack)) {
+      arguments.push_back(Write("in/" + std::to_string(arguments.size()), input));
+    }
+  }
+  const std::size_t nSounds = arguments.size() - 4;
+  ASSERT_GT(nSounds, 500u);
+  EXPECT_EQ(Run(arguments), 1) << m_run.nSignal;
+  std::size_t nPictures = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(Path("out"))) {
+    EXPECT_GT(entry.file_size(), 500u);
+    ++nPictures;
+  }
+  const auto nLines = std::count(m_run.strErr.begin(), m_run.strErr.end(), '\n');
+  EXPECT_GT(nPictures, 50u);
+  EXPECT_EQ(nPictures + static_cast<std::size_t>(nLines), nSounds);
+}
+
 TEST_F(Plot, FullDisk_IsAFailure) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
   const std::string strCommand =
-      std::string(VOXTOOL_PATH) + " plot " + Path("a.wav") + " -o - > /dev/full 2> " + Path("err");
+      std::string(VOXTOOL) + " plot " + Path("a.wav") + " -o - > /dev/full 2> " + Path("err");
   const int nStatus = std::system(strCommand.c_str());  // NOLINT(cert-env33-c)
   EXPECT_EQ(WEXITSTATUS(nStatus), 1);
   const auto error = Content("err");
