@@ -38,8 +38,9 @@ std::uint64_t WindowsPerColumn(const C_Columns& columns, std::size_t nWindow) {
       std::max(1.0, std::ceil(dFrames / (static_cast<double>(nWindow) / 2))));
 }
 
-std::uint8_t LevelByte(double dPower) {
-  const double dLevel = 10 * std::log10(std::max(dPower, kNothing));
+double Decibels(double dPower) { return 10 * std::log10(std::max(dPower, kNothing)); }
+
+std::uint8_t LevelByte(double dLevel) {
   const double dAt = (dLevel - kQuietest) / -kQuietest;
   return static_cast<std::uint8_t>(std::lround(std::clamp(dAt, 0.0, 1.0) * kLoudestLevel));
 }
@@ -110,10 +111,11 @@ void C_SpectrumMeter::CloseColumn() {
   // The ends of the spectrum have no second half.
   m_power.front() /= 4;
   m_power.back() /= 4;
+  for (double& dBin : m_power) dBin = Decibels(dBin / static_cast<double>(m_qwPerColumn));
   const auto nColumns = static_cast<std::size_t>(m_columns.Count());
   for (std::size_t nRow = 0; nRow < m_rows.size(); ++nRow) {
-    const double dPower = LevelOf(m_rows[nRow]) / static_cast<double>(m_qwPerColumn);
-    m_levels[nRow * nColumns + static_cast<std::size_t>(m_nColumn)] = LevelByte(dPower);
+    m_levels[nRow * nColumns + static_cast<std::size_t>(m_nColumn)] =
+        LevelByte(LevelOf(m_rows[nRow]));
   }
   std::fill(m_power.begin(), m_power.end(), 0.0);
   m_qwDone = 0;
@@ -124,7 +126,7 @@ double C_SpectrumMeter::LevelOf(const S_Row& row) const {
   const auto first = m_power.begin() + static_cast<std::ptrdiff_t>(row.nFirst);
   const auto last = m_power.begin() + static_cast<std::ptrdiff_t>(row.nLast);
   if (row.dBetween == 0.0) return *std::max_element(first, last + 1);
-  return std::pow(*first + kNothing, 1 - row.dBetween) * std::pow(*last + kNothing, row.dBetween);
+  return *first * (1 - row.dBetween) + *last * row.dBetween;
 }
 
 void C_SpectrumMeter::PrepareRows(int nRows) {
