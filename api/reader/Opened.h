@@ -7,8 +7,10 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "notes/Notes.h"
+#include "riff/RiffScan.h"
 #include "source/ByteSource.h"
 #include "stream/SampleStream.h"
 #include "voxplay.h"
@@ -20,6 +22,7 @@ struct S_Opened {
   voxplay_info info{};
   voxplay_headers headers{};
   S_Notes notes;
+  std::vector<S_FoundChunk> chunks;  // of a RIFF file
   C_SampleStreamPtr stream;  // reads from the source
 };
 

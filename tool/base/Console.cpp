@@ -28,6 +28,12 @@ bool TerminalHasColours() {
 
 void ToErrors(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
+std::size_t ColumnsOf(int nTerminal) {
+  winsize size{};
+  const bool bKnown = ioctl(nTerminal, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return bKnown ? size.ws_col : kUsualColumns;
+}
+
 }  // namespace
 
 C_Console::C_Console()
@@ -63,11 +69,8 @@ void C_Console::ShowProgress(std::string_view line) {
   ToErrors(line);
 }
 
-std::size_t C_Console::Columns() const noexcept {
-  winsize size{};
-  const bool bKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return bKnown ? size.ws_col : kUsualColumns;
-}
+std::size_t C_Console::Columns() const noexcept { return ColumnsOf(STDERR_FILENO); }
+std::size_t C_Console::OutputColumns() const noexcept { return ColumnsOf(STDOUT_FILENO); }
 
 void C_Console::TakeProgressAway() {
   if (m_strProgress.empty()) return;

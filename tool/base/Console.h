@@ -37,6 +37,8 @@ class C_Console {
   [[nodiscard]] bool HasColours() const noexcept { return m_bColours; }
   // Columns of the terminal that standard error is, now; 80 where that is unknown.
   [[nodiscard]] std::size_t Columns() const noexcept;
+  // The same of standard output.
+  [[nodiscard]] std::size_t OutputColumns() const noexcept;
 
  private:
   void TakeProgressAway();

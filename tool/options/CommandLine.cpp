@@ -5,6 +5,9 @@
 
 #include "base/Failure.h"
 #include "base/Interrupt.h"
+#include "options/HelpText.h"
+#include "options/OptionTable.h"
+#include "options/Suggestion.h"
 #include "voxplay.hpp"
 
 namespace tool {
@@ -12,67 +15,12 @@ namespace {
 
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
-constexpr std::size_t kOptionColumns = 30;
 
-// As they stand below a help text.
-std::string ExamplesText(const std::vector<S_Example>& examples) {
-  std::string strText = examples.empty() ? "" : "Examples:\n";
-  for (const S_Example& example : examples) {
-    strText += "  " + example.strLine + "\n      " + example.strMeaning + "\n";
-  }
-  return strText;
-}
-
-}  // namespace
-
-C_CommandLine::C_CommandLine()
-    : m_app("Sees, converts, marks, checks, draws and plays sound files.", "voxtool") {
-  m_app.require_subcommand(1);
-  m_app.set_help_flag("-h,--help", "print this help and exit");
-  m_app.set_version_flag("-V,--version", std::string("voxtool ") + voxplay_version(),
-                         "print the version and exit");
-  m_app.get_formatter()->column_width(kOptionColumns);
-}
-
-CLI::App& C_CommandLine::Add(S_Command command) {
-  CLI::App* const pAdded = m_app.add_subcommand(command.strName, command.strSummary);
-  pAdded->set_version_flag("-V,--version", std::string("voxtool ") + voxplay_version(),
-                           "print the version and exit");
-  pAdded->footer(ExamplesText(command.examples));
-  m_commands.push_back(std::make_unique<S_Command>(std::move(command)));
-  return *pAdded;
-}
-
-const S_Command& C_CommandLine::Command(const CLI::App& table) const {
-  for (const auto& command : m_commands) {
-    if (command->strName == table.get_name()) return *command;
-  }
-  throw std::logic_error("no such command: " + table.get_name());
-}
-
-int C_CommandLine::Run(int nArguments, const char* const* ppszArguments, C_Console& console) {
+// What the work returns, or the exit code of what it throws.
+template <typename Work>
+int Guarded(C_Console& console, Work&& work) {
   try {
-    m_app.parse(nArguments, ppszArguments);
-  } catch (const CLI::CallForHelp&) {
-    const auto chosen = m_app.get_subcommands();
-    console.Print((chosen.empty() ? m_app : *chosen.front()).help());
-    console.Flush();
-    return 0;
-  } catch (const CLI::CallForVersion& version) {
-    console.Print(version.what() + std::string("\n"));
-    console.Flush();
-    return 0;
-  } catch (const CLI::ParseError& error) {
-    console.Complain(std::string("voxtool: ") + error.what());
-    console.Complain("Try \"voxtool --help\".");
-    return kUsage;
-  }
-  return RunParsed(console);
-}
-
-int C_CommandLine::RunParsed(C_Console& console) {
-  try {
-    const int nExit = Command(*m_app.get_subcommands().front()).fnRun(console);
+    const int nExit = work();
     console.Flush();
     return nExit;
   } catch (const C_UsageFailure& failure) {
@@ -87,6 +35,81 @@ int C_CommandLine::RunParsed(C_Console& console) {
     console.Complain(failure.what());
     return kFailed;
   }
+}
+
+int ShowText(const std::string& strText, C_Console& console) {
+  console.Print(strText);
+  return 0;
+}
+
+// What the whole program is, in the words of a command.
+S_Command Program() {
+  return {"voxtool",
+          "see, convert, mark, check, draw and play sound files",
+          "voxtool works with compressed speech in the codecs Kestrel and Heron, with VEF and VEMD "
+          "containers and WAV files of most kinds, and reads FLAC, Ogg, Opus, MP3 and AIFF as well. "
+          "Events and marks in files are kept wherever the target can hold them.\n\n"
+          "\"-\" as a file name stands for standard input or output.",
+          {},
+          {}};
+}
+
+}  // namespace
+
+C_CommandLine::C_CommandLine() { Register(m_app, Program()); }
+
+CLI::App& C_CommandLine::Add(S_Command command) { return Add(m_app, std::move(command)); }
+
+CLI::App& C_CommandLine::Add(CLI::App& parent, S_Command command) {
+  CLI::App& added = *parent.add_subcommand(command.strName, command.strSummary);
+  Register(added, std::move(command));
+  return added;
+}
+
+void C_CommandLine::Register(CLI::App& table, S_Command command) {
+  table.name(command.strName);
+  table.set_help_flag("-h,--help", "print this help and exit");
+  table.set_version_flag("-V,--version", std::string("voxtool ") + voxplay_version(),
+                         "print the version and exit");
+  if (!command.fnRun) table.require_subcommand(1);
+  m_commands.emplace(&table, std::move(command));
+}
+
+const S_Command& C_CommandLine::Command(const CLI::App& table) const {
+  return m_commands.at(&table);
+}
+
+// The innermost command that the arguments name.
+const CLI::App& C_CommandLine::Chosen() const {
+  const CLI::App* pChosen = &m_app;
+  while (!pChosen->get_subcommands().empty()) pChosen = pChosen->get_subcommands().front();
+  return *pChosen;
+}
+
+int C_CommandLine::Run(int nArguments, const char* const* ppszArguments, C_Console& console) {
+  try {
+    m_app.parse(nArguments, ppszArguments);
+  } catch (const CLI::CallForHelp&) {
+    return Guarded(console, [&] {
+      return ShowText(HelpText(*this, Chosen(), console.OutputColumns()), console);
+    });
+  } catch (const CLI::CallForVersion& version) {
+    return Guarded(console, [&] { return ShowText(version.what() + std::string("\n"), console); });
+  } catch (const CLI::ParseError& error) {
+    return ComplainOfUsage(error, console);
+  }
+  return Guarded(console, [&] { return Command(Chosen()).fnRun(console); });
+}
+
+int C_CommandLine::ComplainOfUsage(const CLI::ParseError& error, C_Console& console) const {
+  const CLI::App* pWrong = &m_app;
+  while (!UnknownWord(*pWrong) && !pWrong->get_subcommands().empty()) {
+    pWrong = pWrong->get_subcommands().front();
+  }
+  const std::string strCommand = FullName(*pWrong);
+  console.Complain(strCommand + ": " + UnknownWord(*pWrong).value_or(error.what()));
+  console.Complain("Try \"" + strCommand + " --help\".");
+  return kUsage;
 }
 
 }  // namespace tool

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The commands of the program and their options. This is the one table of them: parsing, --help,
-// the manual pages (ManualPage.h) and the completions of shells (Completion.h) are all made from
-// it.
+// The commands of the program and their options. This is the one table of them: parsing, --help
+// (HelpText.h), the manual pages (ManualPage.h) and the completions of shells (Completion.h) are all
+// made from it.
 #pragma once
 
 #include <CLI/CLI.hpp>
 #include <functional>
-#include <memory>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -29,7 +29,7 @@ struct S_Command {
   std::string strSummary;      // one line, without a full stop
   std::string strDescription;  // paragraphs, with empty lines between them
   std::vector<S_Example> examples;
-  PFN_RunCommand fnRun;
+  PFN_RunCommand fnRun;  // empty for a command that only holds others
 };
 
 class C_CommandLine {
@@ -40,19 +40,24 @@ class C_CommandLine {
   // name of is told by its type name, and shells complete it accordingly: "FILE", "DIR", and
   // anything else for what they cannot know. CLI::IsMember lists the values of an option.
   CLI::App& Add(S_Command command);
+  // Adds a command to one that is there, as in "voxtool tags add".
+  CLI::App& Add(CLI::App& parent, S_Command command);
 
   // Parses the arguments and runs the command that they name. Returns the exit code: 0; 1 when a
   // command failed; 2 for what cannot be meant; 130 when the user has interrupted it.
   int Run(int nArguments, const char* const* ppszArguments, C_Console& console);
 
   [[nodiscard]] const CLI::App& Table() const noexcept { return m_app; }
+  // Of the table or of a command in it.
   [[nodiscard]] const S_Command& Command(const CLI::App& table) const;
 
  private:
-  int RunParsed(C_Console& console);
+  void Register(CLI::App& table, S_Command command);
+  [[nodiscard]] const CLI::App& Chosen() const;
+  int ComplainOfUsage(const CLI::ParseError& error, C_Console& console) const;
 
   CLI::App m_app;
-  std::vector<std::unique_ptr<S_Command>> m_commands;
+  std::map<const CLI::App*, S_Command> m_commands;
 };
 
 }  // namespace tool

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sound/FormatText.h"
 
+#include <array>
+
 namespace tool {
 namespace {
 
@@ -74,6 +76,18 @@ std::string CodecText(std::uint32_t dwCodec) {
     default:
       return "";
   }
+}
+
+std::string ContainerKey(std::uint32_t dwContainer) {
+  constexpr std::array kKeys = {"", "wav", "vemd", "vef", "sp", "codec_head", "bare"};
+  return dwContainer < kKeys.size() ? kKeys.at(dwContainer) : "";
+}
+
+std::string CodecKey(std::uint32_t dwCodec) {
+  if (dwCodec == VOXPLAY_CODEC_KESTREL) return "kestrel";
+  if (dwCodec == VOXPLAY_CODEC_HERON) return "heron";
+  constexpr std::array kKeys = {"", "pcm", "float", "mulaw", "alaw", "ms_adpcm", "dvi4", "dvi3"};
+  return dwCodec < kKeys.size() ? kKeys.at(dwCodec) : "";
 }
 
 std::string FormatText(const voxplay::Info& info) {

@@ -14,6 +14,9 @@ namespace tool {
 std::string ContainerText(std::uint32_t dwContainer);
 // "PCM", "DVI ADPCM".
 std::string CodecText(std::uint32_t dwCodec);
+// The same for programs: "wav", "codec_head"; "dvi4".
+std::string ContainerKey(std::uint32_t dwContainer);
+std::string CodecKey(std::uint32_t dwCodec);
 // "Kestrel, 16000 bit/s, SP header"; "WAV, PCM, 24 bits".
 std::string FormatText(const voxplay::Info& info);
 

@@ -23,7 +23,8 @@ voxplay_input InputOf(C_FileBytes& file) {
   return input;
 }
 
-S_SoundInfo InfoOf(const voxplay::Info& ours) {
+S_SoundInfo InfoOf(const voxplay::Reader& reader) {
+  const voxplay::Info ours = reader.info();
   S_SoundInfo info;
   info.dwRate = ours.sample_rate;
   info.dwChannels = ours.channels;
@@ -31,19 +32,21 @@ S_SoundInfo InfoOf(const voxplay::Info& ours) {
   info.strFormat = FormatText(ours);
   info.dwBits = UsedBits(ours);
   info.ours = ours;
+  info.headers = reader.headers();
+  info.chunks = reader.chunk_places();
   return info;
 }
 
 class C_LibrarySound final : public I_SoundInput {
  public:
   C_LibrarySound(const std::string& strPath, std::uint32_t dwFlags)
-      : m_reader(strPath, dwFlags), m_info(InfoOf(m_reader.info())) {}
+      : m_reader(strPath, dwFlags), m_info(InfoOf(m_reader)) {}
   C_LibrarySound(std::unique_ptr<C_FileBytes> file, const std::string& strName,
                  std::uint32_t dwFlags)
       : m_file(std::move(file)),
         m_strName(strName),
         m_reader(InputOf(*m_file), dwFlags),
-        m_info(InfoOf(m_reader.info())) {}
+        m_info(InfoOf(m_reader)) {}
 
   [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_info; }
   [[nodiscard]] voxplay::NotesView Notes() const noexcept override { return m_reader.notes(); }

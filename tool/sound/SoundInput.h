@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "voxplay.hpp"
 
@@ -28,6 +29,8 @@ struct S_SoundInfo {
   std::uint32_t dwBits = 0;
   // For files of our formats, as it was when they were opened.
   std::optional<voxplay::Info> ours;
+  std::optional<voxplay::Headers> headers;
+  std::vector<voxplay::ChunkPlace> chunks;  // of RIFF files of ours
 };
 
 // An open sound. Operations throw C_Failure or voxplay::Error, whose text is "FILE: what: why".
