@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Commands.h"
 
-#include "compare/CompareCommand.h"
-#include "plot/PlotCommand.h"
 #include "check/CheckCommand.h"
+#include "compare/CompareCommand.h"
 #include "header/HeaderCommand.h"
 #include "info/InfoCommand.h"
+#include "plot/PlotCommand.h"
 #include "tags/TagsCommand.h"
 
 namespace tool {
 
 void AddCommands(C_CommandLine& commandLine) {
-  AddPlotCommand(commandLine);
-  AddCompareCommand(commandLine);
   AddInfoCommand(commandLine);
   AddCheckCommand(commandLine);
   AddHeaderCommand(commandLine);
   AddTagsCommand(commandLine);
+  AddPlotCommand(commandLine);
+  AddCompareCommand(commandLine);
 }
 
 }  // namespace tool

@@ -14,9 +14,4 @@ std::string NumberText(double dValue, int nDecimals) {
   return eError == std::errc{} ? std::string(text.data(), pEnd) : "?";
 }
 
-std::string AtRight(const std::string& strText, std::size_t nWidth, char chBefore) {
-  const std::size_t nMissing = nWidth > strText.size() ? nWidth - strText.size() : 0;
-  return std::string(nMissing, chBefore) + strText;
-}
-
 }  // namespace tool

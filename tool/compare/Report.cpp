@@ -2,31 +2,19 @@
 #include "compare/Report.h"
 
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "base/JsonText.h"
 #include "base/NumberText.h"
-#include "sound/TimeText.h"
+#include "base/TextTable.h"
+#include "base/TimeText.h"
 
 namespace tool {
 namespace {
 
-using C_Json = nlohmann::ordered_json;
-
-constexpr int kSchema = 1;
-constexpr std::size_t kSnrWidth = 8;
-constexpr std::size_t kNameWidth = 22;  // with the first number
 constexpr const char* kDefinition =
     "SNR: energy of the first sound over that of the difference. Segmental: mean over\n"
     "segments of 20 ms, each limited to -10..35 dB; silent ones (RMS below 40 of 32768)\n"
     "are left out. Ratios in dB, levels and the greatest difference in dBFS.\n";
-
-std::string Counted(std::uint64_t qwCount, const char* pszWhat) {
-  return std::to_string(qwCount) + ' ' + pszWhat + (qwCount == 1 ? "" : "s");
-}
-
-double SecondsOf(std::uint64_t qwFrames, std::uint32_t dwRate) {
-  return static_cast<double>(qwFrames) / dwRate;
-}
 
 std::uint64_t Distance(std::int64_t nLag) {
   return static_cast<std::uint64_t>(nLag < 0 ? -nLag : nLag);
@@ -35,23 +23,23 @@ std::uint64_t Distance(std::int64_t nLag) {
 std::string SoundLine(const char* pszWhich, const std::string& strName, const S_SoundInfo& info,
                       const S_Side& side) {
   return std::string(pszWhich) + strName + ": " + info.strFormat + ", " +
-         std::to_string(info.dwRate) + " Hz, " + Counted(info.dwChannels, "channel") + ", " +
-         Counted(side.qwFrames, "frame") + " (" +
-         TimeText(SecondsOf(side.qwFrames, info.dwRate)) + ")\n";
+         CountText(info.dwRate) + " Hz, " + CountedText(info.dwChannels, "channel") + ", " +
+         CountedText(side.qwFrames, "frame") + " (" +
+         ClockText(side.qwFrames, info.dwRate) + ")\n";
 }
 
 std::string LagLine(const S_Compared& compared) {
   const std::int64_t nLag = compared.result.nLag;
   if (nLag == 0) return "lag      none\n";
   const double dSeconds = SecondsOf(Distance(nLag), compared.first.dwRate);
-  return "lag      " + Counted(Distance(nLag), "frame") + " (" + NumberText(dSeconds * 1000, 3) +
+  return "lag      " + CountedText(Distance(nLag), "frame") + " (" + NumberText(dSeconds * 1000, 3) +
          " ms): the second sound is " + (nLag > 0 ? "later\n" : "earlier\n");
 }
 
 std::string AloneText(const char* pszWhich, const S_Side& side) {
   if (side.qwBefore + side.qwAfter == 0) return "";
-  return std::string("         ") + pszWhich + " alone has " + Counted(side.qwBefore, "frame") +
-         " before and " + std::to_string(side.qwAfter) + " after them, " +
+  return std::string("         ") + pszWhich + " alone has " + CountedText(side.qwBefore, "frame") +
+         " before and " + CountText(side.qwAfter) + " after them, " +
          (side.bHeardAlone ? "which are not silent\n" : "all silent\n");
 }
 
@@ -59,12 +47,12 @@ std::string DifferenceLine(const S_Compared& compared) {
   if (compared.result.IsEqual()) return "result   equal\n";
   if (!compared.result.qwFirstFrame) return "result   different, but for the frames that both have\n";
   const std::uint64_t qwFrame = *compared.result.qwFirstFrame;
-  return "result   different from frame " + std::to_string(qwFrame) + " (" +
-         TimeText(SecondsOf(qwFrame, compared.first.dwRate)) + ") of the first sound on\n";
+  return "result   different from frame " + CountText(qwFrame) + " (" +
+         ClockText(qwFrame, compared.first.dwRate) + ") of the first sound on\n";
 }
 
-std::string Number(const std::optional<double>& value, std::size_t nWidth, int nDecimals) {
-  return AtRight(value ? NumberText(*value, nDecimals) : "-", nWidth);
+std::string Number(const std::optional<double>& value, int nDecimals) {
+  return value ? NumberText(*value, nDecimals) : "-";
 }
 
 std::optional<double> Level(double dAmplitude) {
@@ -72,19 +60,23 @@ std::optional<double> Level(double dAmplitude) {
   return 20 * std::log10(dAmplitude);
 }
 
-// Nothing differs: the ratio has no bounds.
+// Where nothing differs, the ratio has no bounds.
 std::string SnrText(const S_Sums& sums) {
   const bool bFlawless = sums.dNoise == 0.0 && sums.dSignal > 0.0;
-  return bFlawless ? AtRight("inf", kSnrWidth) : Number(sums.Snr(), kSnrWidth, 2);
+  return bFlawless ? "inf" : Number(sums.Snr(), 2);
 }
 
-std::string Row(const std::string& strName, const S_Sums& sums, const S_Level& first,
-                const S_Level& second) {
-  return strName + AtRight(std::to_string(sums.qwDiffering), kNameWidth - strName.size()) +
-         Number(Level(sums.dGreatest), 10, 1) + SnrText(sums) +
-         Number(sums.SegmentalSnr(), 10, 2) + Number(first.Rms(), 8, 1) +
-         Number(first.Peak(), 8, 1) + Number(second.Rms(), 8, 1) +
-         Number(second.Peak(), 8, 1) + '\n';
+C_TextTable::Row Row(const std::string& strName, const S_Sums& sums, const S_Level& first,
+                     const S_Level& second) {
+  return {strName,
+          CountText(sums.qwDiffering),
+          Number(Level(sums.dGreatest), 1),
+          SnrText(sums),
+          Number(sums.SegmentalSnr(), 2),
+          Number(first.Rms(), 1),
+          Number(first.Peak(), 1),
+          Number(second.Rms(), 1),
+          Number(second.Peak(), 1)};
 }
 
 struct S_Together {
@@ -99,6 +91,20 @@ S_Together Together(const S_Comparison& result) {
   for (const S_Level& level : result.first.levels) together.first += level;
   for (const S_Level& level : result.second.levels) together.second += level;
   return together;
+}
+
+std::string TableText(const S_Comparison& result) {
+  C_TextTable table("lrrrrrrrr", {"", "differing", "greatest", "SNR", "segmental", "RMS 1",
+                                  "peak 1", "RMS 2", "peak 2"});
+  for (std::size_t n = 0; n < result.channels.size(); ++n) {
+    table.Add(Row("channel " + std::to_string(n + 1), result.channels[n], result.first.levels[n],
+                  result.second.levels[n]));
+  }
+  if (result.channels.size() > 1) {
+    const S_Together together = Together(result);
+    table.Add(Row("together", together.sums, together.first, together.second));
+  }
+  return table.Text(0);
 }
 
 C_Json Optional(const std::optional<double>& value) { return value ? C_Json(*value) : C_Json(); }
@@ -133,19 +139,11 @@ std::string ReportText(const S_Compared& compared) {
   const S_Comparison& result = compared.result;
   std::string strText = SoundLine("first    ", compared.strFirst, compared.first, result.first) +
                         SoundLine("second   ", compared.strSecond, compared.second, result.second) +
-                        LagLine(compared) + "compared " + Counted(result.qwFrames, "frame") +
+                        LagLine(compared) + "compared " + CountedText(result.qwFrames, "frame") +
                         "\n" + AloneText("the first", result.first) +
                         AloneText("the second", result.second) + DifferenceLine(compared) + '\n' +
                         kDefinition;
-  strText += "\n             differing  greatest     SNR segmental"
-             "   RMS 1  peak 1   RMS 2  peak 2\n";
-  for (std::size_t n = 0; n < result.channels.size(); ++n) {
-    strText += Row("channel " + std::to_string(n + 1), result.channels[n], result.first.levels[n],
-                   result.second.levels[n]);
-  }
-  if (result.channels.size() == 1) return strText;
-  const S_Together together = Together(result);
-  return strText + Row("together", together.sums, together.first, together.second);
+  return strText + '\n' + TableText(result);
 }
 
 std::string ReportJson(const S_Compared& compared) {
@@ -156,7 +154,7 @@ std::string ReportJson(const S_Compared& compared) {
     channels.push_back(
         SumsJson(result.channels[n], result.first.levels[n], result.second.levels[n]));
   }
-  C_Json json = {{"schema", kSchema},
+  C_Json json = {{"schema", kJsonSchema},
                  {"first", SoundJson(compared.strFirst, compared.first, result.first)},
                  {"second", SoundJson(compared.strSecond, compared.second, result.second)},
                  {"equal", result.IsEqual()},
@@ -166,8 +164,7 @@ std::string ReportJson(const S_Compared& compared) {
                   result.qwFirstFrame ? C_Json(*result.qwFirstFrame) : C_Json()}};
   json["together"] = SumsJson(together.sums, together.first, together.second);
   json["channels"] = std::move(channels);
-  // Names of files may be any bytes.
-  return json.dump(2, ' ', false, C_Json::error_handler_t::replace) + '\n';
+  return JsonText(json);
 }
 
 }  // namespace tool

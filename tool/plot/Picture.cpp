@@ -9,6 +9,7 @@
 #include <numeric>
 
 #include "base/Failure.h"
+#include "base/TimeText.h"
 #include "picture/PngCanvas.h"
 #include "picture/SvgCanvas.h"
 #include "plot/Axes.h"
@@ -16,7 +17,6 @@
 #include "plot/Scene.h"
 #include "plot/SpectrumPanel.h"
 #include "plot/WavePanel.h"
-#include "sound/TimeText.h"
 
 namespace tool {
 namespace {
@@ -25,6 +25,7 @@ constexpr int kHeightPerChannel = 300;
 // How often the length of a sound may turn out to be smaller than it said.
 constexpr int kAttempts = 2;
 constexpr double kTitleSize = 1.2;  // in letters' heights
+constexpr std::uint32_t kAssumedRate = 16000;
 constexpr std::uint64_t kFewSamples = 1000;
 constexpr const char* kBetween = " \u00B7 ";
 
@@ -56,31 +57,28 @@ std::string ChannelsText(std::uint32_t dwChannels) {
   return std::to_string(dwChannels) + " channels";
 }
 
+// A header may hold 0, which no axis can be drawn for.
+std::uint32_t RateOf(const S_SoundInfo& info) {
+  return info.dwRate == 0 ? kAssumedRate : info.dwRate;
+}
+
 std::string RateText(std::uint32_t dwRate) {
+  if (dwRate == 0) return "no rate, drawn as 16 kHz";
   char szText[32];
   const auto end = std::to_chars(szText, szText + sizeof szText, dwRate / 1000.0).ptr;
   return std::string(szText, end) + " kHz";
 }
 
-std::uint64_t TimeOption(const char* pszOption, const std::string& strTime, std::uint32_t dwRate,
-                         std::uint64_t qwDefault) {
-  if (strTime.empty()) return qwDefault;
-  const auto qwFrame = FrameOfTime(strTime, dwRate);
-  if (!qwFrame) throw C_UsageFailure(pszOption, strTime, "is no time, such as 5.2, 1:30 or 8000s");
-  return *qwFrame;
-}
-
-S_Part PartOf(const S_PlotOptions& options, const S_SoundInfo& info, const std::string& strName,
+S_Part PartOf(const S_PlotOptions& options, std::uint32_t dwRate, const std::string& strName,
               std::uint64_t qwFrames) {
-  const std::uint64_t qwFrom = TimeOption("--from", options.strFrom, info.dwRate, 0);
-  const std::uint64_t qwTo = TimeOption("--to", options.strTo, info.dwRate, qwFrames);
-  if (!options.strFrom.empty() && qwFrom >= qwFrames) {
-    throw C_Failure(strName, "nothing is drawn from " + options.strFrom + " on",
-                    "the sound ends at " +
-                        TimeText(static_cast<double>(qwFrames) / info.dwRate));
+  const std::uint64_t qwFrom = options.from ? options.from->FrameAt(dwRate) : 0;
+  const std::uint64_t qwTo = options.to ? options.to->FrameAt(dwRate) : qwFrames;
+  if (options.to && qwTo <= qwFrom) {
+    throw C_UsageFailure("--to", "nothing is drawn", "it is not after --from");
   }
-  if (!options.strTo.empty() && qwTo <= qwFrom) {
-    throw C_UsageFailure("--to", options.strTo, "is not after where the picture begins");
+  if (options.from && qwFrom >= qwFrames) {
+    throw C_Failure(strName, "nothing is drawn from " + ClockText(qwFrom, dwRate) + " on",
+                    "the sound ends at " + ClockText(qwFrames, dwRate));
   }
   return {qwFrom, std::min(qwTo, qwFrames) - qwFrom};
 }
@@ -89,12 +87,12 @@ S_Part PartOf(const S_PlotOptions& options, const S_SoundInfo& info, const std::
 std::string LengthText(std::uint64_t qwFrames, std::uint32_t dwRate) {
   if (qwFrames == 1) return "1 sample";
   if (qwFrames < kFewSamples) return std::to_string(qwFrames) + " samples";
-  return TimeText(static_cast<double>(qwFrames) / dwRate);
+  return ClockText(qwFrames, dwRate);
 }
 
 std::string SubtitleOf(const S_SoundInfo& info, std::uint64_t qwFrames) {
   return info.strFormat + kBetween + RateText(info.dwRate) + kBetween +
-         ChannelsText(info.dwChannels) + kBetween + LengthText(qwFrames, info.dwRate);
+         ChannelsText(info.dwChannels) + kBetween + LengthText(qwFrames, RateOf(info));
 }
 
 void DrawHeading(I_Canvas& canvas, const S_Scene& scene) {
@@ -210,9 +208,9 @@ class C_PictureMaker {
                   m_lettering,
                   CleanText(std::filesystem::path(m_strName).filename().string()),
                   CleanText(SubtitleOf(info, qwFrames)),
-                  info.dwRate,
+                  RateOf(info),
                   {},
-                  PartOf(m_options, info, m_strName, qwFrames),
+                  PartOf(m_options, RateOf(info), m_strName, qwFrames),
                   layout,
                   {},
                   {},

@@ -4,14 +4,16 @@
 #include <charconv>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string_view>
 
 #include "base/Failure.h"
 #include "base/Interrupt.h"
-#include "base/WholeFile.h"
+#include "base/ReplacedFile.h"
+#include "base/TimeText.h"
 #include "plot/Picture.h"
 #include "plot/PlotTargets.h"
-#include "sound/TimeText.h"
 
 namespace tool {
 namespace {
@@ -33,6 +35,8 @@ struct S_PlotArguments {
   S_PlotPlaces places;
   S_PlotOptions options;
   std::string strSize;
+  std::string strFrom;
+  std::string strTo;
   std::string strTheme = "light";
   bool bWaveform = false;
   bool bSpectrogram = false;
@@ -63,17 +67,20 @@ void SetSize(const std::string& strSize, S_PlotOptions& options) {
                        "is no size: give one from 16x16 to 8192x8192, such as 1200x600");
 }
 
-void CheckTime(const char* pszOption, const std::string& strTime) {
-  if (strTime.empty() || FrameOfTime(strTime, 1)) return;
-  throw C_UsageFailure(pszOption, strTime, "is no time, such as 5.2, 1:30 or 8000s");
+std::optional<C_Time> TimeOf(const char* pszOption, const std::string& strTime) {
+  if (strTime.empty()) return {};
+  const auto time = C_Time::Parse(strTime);
+  if (time) return time;
+  throw C_UsageFailure(pszOption, "\"" + strTime + "\" is no time",
+                       std::string("write ") + C_Time::kForms);
 }
 
 // One panel alone, or both.
 void SetOptions(S_PlotArguments& arguments) {
   S_PlotOptions& options = arguments.options;
   SetSize(arguments.strSize, options);
-  CheckTime("--from", options.strFrom);
-  CheckTime("--to", options.strTo);
+  options.from = TimeOf("--from", arguments.strFrom);
+  options.to = TimeOf("--to", arguments.strTo);
   options.bWaveform = arguments.bWaveform || !arguments.bSpectrogram;
   options.bSpectrogram = arguments.bSpectrogram || !arguments.bWaveform;
   options.bAxes = !arguments.bNoAxes;
@@ -129,21 +136,24 @@ class C_Plotting {
   }
 
   void DrawTo(const std::string& strSource, const std::string& strTarget) {
-    const bool bStandard = strTarget == kStandardStream;
-    if (!bStandard) {
-      RefuseSameFile(strSource, strTarget);
-      RefuseTakenName(strTarget, m_arguments.bForce);
+    if (strTarget == kStandardStream) {
+      m_console.Print(PictureOfFile(strSource));
+      return;
     }
+    RefuseSameFile(strSource, strTarget);
+    C_ReplacedFile target(strTarget, m_arguments.bForce);
+    const std::string strPicture = PictureOfFile(strSource);
+    target.Write(std::as_bytes(std::span(strPicture)));
+    ThrowIfInterrupted();
+    target.TakePlace();
+  }
+  std::string PictureOfFile(const std::string& strSource) {
     const C_SoundInputPtr input = OpenSound(strSource);
     const std::string strName = NameOf(strSource);
-    const std::string strPicture = PictureOf(
-        *input, strName, m_arguments.options,
-        [&](std::uint64_t qwDone, std::uint64_t qwAll) { ShowProgress(strName, qwDone, qwAll); });
-    if (bStandard) {
-      m_console.Print(strPicture);
-    } else {
-      WriteWholeFile(strTarget, strPicture, m_arguments.bForce);
-    }
+    return PictureOf(*input, strName, m_arguments.options,
+                     [&](std::uint64_t qwDone, std::uint64_t qwAll) {
+                       ShowProgress(strName, qwDone, qwAll);
+                     });
   }
 
   void ShowProgress(const std::string& strName, std::uint64_t qwDone, std::uint64_t qwAll) {
@@ -175,9 +185,9 @@ void AddOptions(CLI::App& app, S_PlotArguments& arguments) {
       ->type_name("WxH");
   app.add_flag("--waveform", arguments.bWaveform, "the waveform alone");
   app.add_flag("--spectrogram", arguments.bSpectrogram, "the spectrogram alone");
-  app.add_option("--from", arguments.options.strFrom, "begin here: 5.2, 1:30 or 8000s (samples)")
+  app.add_option("--from", arguments.strFrom, "begin here: 5.2, 1:30 or 8000s (samples)")
       ->type_name("TIME");
-  app.add_option("--to", arguments.options.strTo, "end here")->type_name("TIME");
+  app.add_option("--to", arguments.strTo, "end here")->type_name("TIME");
   app.add_option("--channel", arguments.options.dwChannel, "this one alone, counted from 1")
       ->check(CLI::PositiveNumber)
       ->type_name("N");

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <optional>
+
+#include "base/TimeText.h"
 
 namespace tool {
 
@@ -21,8 +23,8 @@ struct S_PlotOptions {
   bool bDark = false;
   bool bSvg = false;
   std::uint32_t dwChannel = 0;  // counted from 1; 0 for all
-  std::string strFrom;          // times; "" for the beginning and the end
-  std::string strTo;
+  std::optional<C_Time> from;   // otherwise the beginning
+  std::optional<C_Time> to;     // and the end
 };
 
 }  // namespace tool

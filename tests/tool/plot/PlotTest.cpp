@@ -241,7 +241,6 @@ TEST_F(Plot, Channel_IsDrawnAlone) {
   std::vector<std::int16_t> samples(16000);
   for (std::size_t n = 0; n < samples.size(); n += 2) samples[n] = n % 4 == 0 ? 20000 : -20000;
   WriteWav(Path("a.wav"), samples, 16000, 2);
-  const C_Program::Texts options = {"--no-axes", "--waveform", "--size", "100x100"};
   EXPECT_NE(Draw({"--no-axes", "--waveform", "--size", "100x100", "--channel", "1"}).At(50, 30),
             kPanel);
   EXPECT_EQ(Draw({"--no-axes", "--waveform", "--size", "100x100", "--channel", "2"}).At(50, 30),
@@ -278,7 +277,7 @@ TEST_F(Plot, PictureThatExists_StaysWithoutForce) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
   Write("a.png", {'o', 'l', 'd'});
   EXPECT_EQ(Run({Path("a.wav"), "-o", Path("a.png")}), 1);
-  EXPECT_EQ(m_run.strErr, Path("a.png") + ": is not written: it exists; -f writes over it\n");
+  EXPECT_EQ(m_run.strErr, Path("a.png") + ": stays as it is: it exists already\n");
   EXPECT_EQ(Content("a.png").size(), 3u);
   EXPECT_EQ(Run({Path("a.wav"), "-o", Path("a.png"), "-f"}), 0);
   EXPECT_GT(Content("a.png").size(), 1000u);
@@ -337,7 +336,21 @@ TEST_F(Plot, TimeAfterTheEnd_IsToldWithTheLength) {
   WriteWav(Path("a.wav"), NoiseSamples(16000, 1000));
   EXPECT_EQ(Run({Path("a.wav"), "-o", Path("x.png"), "--from", "2"}), 1);
   EXPECT_EQ(m_run.strErr,
-            Path("a.wav") + ": nothing is drawn from 2 on: the sound ends at 0:01.000\n");
+            Path("a.wav") + ": nothing is drawn from 0:02.000 on: the sound ends at 0:01.000\n");
+}
+
+TEST_F(Plot, SoundWithoutARate_IsDrawnAllTheSame) {
+  // An SP header of Kestrel whose rate is 0, and the least of a stream.
+  const auto samples = NoiseSamples(16000, 1000);
+  voxplay::Writer writer(Path("a.kst"), FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL));
+  writer.write(std::span(samples));
+  writer.finish();
+  auto bytes = Content("a.kst");
+  ASSERT_EQ(bytes[26], 16000 % 256);
+  std::fill(bytes.begin() + 26, bytes.begin() + 30, std::uint8_t{0});
+  Write("a.kst", bytes);
+  ASSERT_EQ(Run({Path("a.kst"), "-o", "-", "--format", "svg"}), 0) << m_run.strErr;
+  EXPECT_THAT(m_run.strOut, HasSubstr("no rate, drawn as 16 kHz"));
 }
 
 TEST_F(Plot, MoreChannelsThanFit_AreRefused) {
