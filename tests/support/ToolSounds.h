@@ -31,7 +31,8 @@ inline std::vector<std::int16_t> NoiseSamples(std::size_t nFrames, std::int32_t 
   for (std::int16_t& nSample : samples) {
     dwState = dwState * 1664525U + 1013904223U;
     const auto nRange = static_cast<std::uint32_t>(2 * nMost + 1);
-    nSample = static_cast<std::int16_t>(static_cast<std::int32_t>((dwState >> 8U) % nRange) - nMost);
+    nSample =
+        static_cast<std::int16_t>(static_cast<std::int32_t>((dwState >> 8U) % nRange) - nMost);
   }
   return samples;
 }
@@ -40,8 +41,7 @@ inline void WriteWav(const std::string& strPath, const std::vector<std::int16_t>
                      std::uint32_t dwRate = 16000, std::uint32_t dwChannels = 1,
                      const voxplay::NotesView& notes = {},
                      voxplay_container eContainer = VOXPLAY_CONTAINER_WAV) {
-  voxplay::Writer writer(strPath,
-                         FormatOf(eContainer, VOXPLAY_CODEC_PCM, 16, dwRate, dwChannels));
+  voxplay::Writer writer(strPath, FormatOf(eContainer, VOXPLAY_CODEC_PCM, 16, dwRate, dwChannels));
   writer.set_notes(notes);
   writer.write(std::span(samples));
   writer.finish();

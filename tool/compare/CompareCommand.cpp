@@ -16,7 +16,8 @@ constexpr double kMostLagSeconds = 10.0;
 constexpr int kDiffer = 1;
 
 constexpr const char* kDescription =
-    "Says how the second sound differs from the first: lag, samples that differ, the first of them, "
+    "Says how the second sound differs from the first: lag, samples that differ, the first of "
+    "them, "
     "the greatest difference, signal-to-noise ratios and levels, of each channel and of all "
     "together.\n"
     "\n"
@@ -24,7 +25,8 @@ constexpr const char* kDescription =
     "alike. Frames are compared without it. Frames that only one of the sounds has are compared "
     "with silence. They do not count in the ratios.\n"
     "\n"
-    "Ends with 0 when all samples are equal, and with 1 when they differ, or when a sound cannot be "
+    "Ends with 0 when all samples are equal, and with 1 when they differ, or when a sound cannot "
+    "be "
     "read or compared.";
 
 struct S_CompareArguments {

@@ -51,8 +51,7 @@ class C_MonoReader {
 // nMostLag frames before its beginning to as many after its end.
 class C_Pieces {
  public:
-  C_Pieces(C_SampleSource& first, C_SampleSource& second, std::size_t nMostLag,
-           std::size_t nLength)
+  C_Pieces(C_SampleSource& first, C_SampleSource& second, std::size_t nMostLag, std::size_t nLength)
       : m_first(first), m_second(second), m_piece(nLength), m_around(nLength + 2 * nMostLag) {
     const std::size_t nAhead = std::min(nMostLag, m_around.size());
     m_second.Read(std::span(m_around).last(nAhead));
@@ -129,7 +128,8 @@ class C_LagFinder {
       std::copy(pieces.Piece().begin(), pieces.Piece().end(), padded.begin());
       m_transform.Forward(padded, firstBins);
       m_transform.Forward(pieces.Around(), secondBins);
-      for (std::size_t n = 0; n < sum.size(); ++n) sum[n] += std::conj(firstBins[n]) * secondBins[n];
+      for (std::size_t n = 0; n < sum.size(); ++n)
+        sum[n] += std::conj(firstBins[n]) * secondBins[n];
     }
     m_transform.Backward(sum, padded);
     padded.resize(2 * m_nMostLag + 1);

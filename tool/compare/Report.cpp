@@ -22,18 +22,18 @@ std::uint64_t Distance(std::int64_t nLag) {
 
 std::string SoundLine(const char* pszWhich, const std::string& strName, const S_SoundInfo& info,
                       const S_Side& side) {
-  return std::string(pszWhich) + strName + ": " + info.strFormat + ", " +
-         CountText(info.dwRate) + " Hz, " + CountedText(info.dwChannels, "channel") + ", " +
-         CountedText(side.qwFrames, "frame") + " (" +
-         ClockText(side.qwFrames, info.dwRate) + ")\n";
+  return std::string(pszWhich) + strName + ": " + info.strFormat + ", " + CountText(info.dwRate) +
+         " Hz, " + CountedText(info.dwChannels, "channel") + ", " +
+         CountedText(side.qwFrames, "frame") + " (" + ClockText(side.qwFrames, info.dwRate) + ")\n";
 }
 
 std::string LagLine(const S_Compared& compared) {
   const std::int64_t nLag = compared.result.nLag;
   if (nLag == 0) return "lag      none\n";
   const double dSeconds = SecondsOf(Distance(nLag), compared.first.dwRate);
-  return "lag      " + CountedText(Distance(nLag), "frame") + " (" + NumberText(dSeconds * 1000, 3) +
-         " ms): the second sound is " + (nLag > 0 ? "later\n" : "earlier\n");
+  return "lag      " + CountedText(Distance(nLag), "frame") + " (" +
+         NumberText(dSeconds * 1000, 3) + " ms): the second sound is " +
+         (nLag > 0 ? "later\n" : "earlier\n");
 }
 
 std::string AloneText(const char* pszWhich, const S_Side& side) {
@@ -45,7 +45,8 @@ std::string AloneText(const char* pszWhich, const S_Side& side) {
 
 std::string DifferenceLine(const S_Compared& compared) {
   if (compared.result.IsEqual()) return "result   equal\n";
-  if (!compared.result.qwFirstFrame) return "result   different, but for the frames that both have\n";
+  if (!compared.result.qwFirstFrame)
+    return "result   different, but for the frames that both have\n";
   const std::uint64_t qwFrame = *compared.result.qwFirstFrame;
   return "result   different from frame " + CountText(qwFrame) + " (" +
          ClockText(qwFrame, compared.first.dwRate) + ") of the first sound on\n";
@@ -154,14 +155,14 @@ std::string ReportJson(const S_Compared& compared) {
     channels.push_back(
         SumsJson(result.channels[n], result.first.levels[n], result.second.levels[n]));
   }
-  C_Json json = {{"schema", kJsonSchema},
-                 {"first", SoundJson(compared.strFirst, compared.first, result.first)},
-                 {"second", SoundJson(compared.strSecond, compared.second, result.second)},
-                 {"equal", result.IsEqual()},
-                 {"lag_frames", result.nLag},
-                 {"frames", result.qwFrames},
-                 {"first_differing_frame",
-                  result.qwFirstFrame ? C_Json(*result.qwFirstFrame) : C_Json()}};
+  C_Json json = {
+      {"schema", kJsonSchema},
+      {"first", SoundJson(compared.strFirst, compared.first, result.first)},
+      {"second", SoundJson(compared.strSecond, compared.second, result.second)},
+      {"equal", result.IsEqual()},
+      {"lag_frames", result.nLag},
+      {"frames", result.qwFrames},
+      {"first_differing_frame", result.qwFirstFrame ? C_Json(*result.qwFirstFrame) : C_Json()}};
   json["together"] = SumsJson(together.sums, together.first, together.second);
   json["channels"] = std::move(channels);
   return JsonText(json);

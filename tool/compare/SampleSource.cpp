@@ -21,9 +21,7 @@ std::size_t ReadAs(I_SoundInput& input, std::vector<Sample>& buffer, std::span<d
 }  // namespace
 
 C_SampleSource::C_SampleSource(I_SoundInput& input)
-    : m_input(input),
-      m_nChannels(input.Info().dwChannels),
-      m_bIntegers(input.Info().dwBits != 0) {}
+    : m_input(input), m_nChannels(input.Info().dwChannels), m_bIntegers(input.Info().dwBits != 0) {}
 
 void C_SampleSource::Rewind() { m_input.Seek(0); }
 

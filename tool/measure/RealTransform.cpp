@@ -15,8 +15,7 @@ static_assert(alignof(kiss_fft_cpx) == alignof(std::complex<float>));
 C_RealTransform::C_RealTransform(std::size_t nLength)
     : m_nLength(nLength), m_forward(Make(false)) {}
 
-void C_RealTransform::Forward(std::span<const float> samples,
-                              std::span<std::complex<float>> bins) {
+void C_RealTransform::Forward(std::span<const float> samples, std::span<std::complex<float>> bins) {
   kiss_fftr(m_forward.get(), samples.data(), reinterpret_cast<kiss_fft_cpx*>(bins.data()));
 }
 

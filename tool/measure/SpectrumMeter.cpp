@@ -111,7 +111,7 @@ void C_SpectrumMeter::CloseColumn() {
   // The ends of the spectrum have no second half.
   m_power.front() /= 4;
   m_power.back() /= 4;
-  for (double& dBin : m_power) dBin = Decibels(dBin / static_cast<double>(m_qwPerColumn));
+  for (double& dBin : m_power) dBin /= static_cast<double>(m_qwPerColumn);
   const auto nColumns = static_cast<std::size_t>(m_columns.Count());
   for (std::size_t nRow = 0; nRow < m_rows.size(); ++nRow) {
     m_levels[nRow * nColumns + static_cast<std::size_t>(m_nColumn)] =
@@ -125,8 +125,8 @@ void C_SpectrumMeter::CloseColumn() {
 double C_SpectrumMeter::LevelOf(const S_Row& row) const {
   const auto first = m_power.begin() + static_cast<std::ptrdiff_t>(row.nFirst);
   const auto last = m_power.begin() + static_cast<std::ptrdiff_t>(row.nLast);
-  if (row.dBetween == 0.0) return *std::max_element(first, last + 1);
-  return *first * (1 - row.dBetween) + *last * row.dBetween;
+  if (row.dBetween == 0.0) return Decibels(*std::max_element(first, last + 1));
+  return Decibels(*first) * (1 - row.dBetween) + Decibels(*last) * row.dBetween;
 }
 
 void C_SpectrumMeter::PrepareRows(int nRows) {

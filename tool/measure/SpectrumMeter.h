@@ -60,7 +60,7 @@ class C_SpectrumMeter {
   int m_nColumn = 0;
   std::vector<float> m_weighted;
   std::vector<std::complex<float>> m_bins;
-  std::vector<double> m_power;  // of each bin; in dB while a column is closed
+  std::vector<double> m_power;  // of each bin
   std::vector<std::uint8_t> m_levels;
 };
 

@@ -28,8 +28,7 @@ void C_WaveMeter::Add(std::span<const float> samples) {
   }
   while (!samples.empty() && m_nColumn < m_columns.Count()) {
     const std::uint64_t qwLeft = m_columns.Begin(m_nColumn + 1) - m_qwFrame;
-    const auto nHere =
-        static_cast<std::size_t>(std::min<std::uint64_t>(qwLeft, samples.size()));
+    const auto nHere = static_cast<std::size_t>(std::min<std::uint64_t>(qwLeft, samples.size()));
     AddToColumn(samples.first(nHere));
     samples = samples.subspan(nHere);
     if (nHere == qwLeft) ++m_nColumn;

@@ -50,8 +50,7 @@ double C_Lettering::Width(std::string_view text, double dSize, bool bBold) const
   return extents.x_advance;
 }
 
-std::string C_Lettering::Cut(std::string_view text, double dWidth, double dSize,
-                             bool bBold) const {
+std::string C_Lettering::Cut(std::string_view text, double dWidth, double dSize, bool bBold) const {
   std::string strText(text);
   if (Width(strText, dSize, bBold) <= dWidth) return strText;
   while (!strText.empty()) {

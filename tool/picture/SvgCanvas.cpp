@@ -137,8 +137,8 @@ void C_SvgCanvas::Text(S_Point place, std::string_view text, const S_TextStyle& 
   if (style.ePlace != TEXT_BEGINS) m_strDocument += Attribute("text-anchor", Anchor(style.ePlace));
   if (style.bBold) m_strDocument += Attribute("font-weight", "bold");
   if (style.bUpwards) {
-    m_strDocument += Attribute("transform",
-                               "rotate(-90 " + Number(place.dX) + ' ' + Number(place.dY) + ')');
+    m_strDocument +=
+        Attribute("transform", "rotate(-90 " + Number(place.dX) + ' ' + Number(place.dY) + ')');
   }
   m_strDocument += '>' + Escaped(text) + "</text>\n";
 }

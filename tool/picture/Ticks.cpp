@@ -10,8 +10,8 @@
 namespace tool {
 namespace {
 
-constexpr std::array<double, 15> kSeconds = {1,   2,    5,    10,   15,   30,    60,    120,
-                                             300, 600,  900,  1800, 3600, 7200,  10800};
+constexpr std::array<double, 15> kSeconds = {1,   2,   5,   10,   15,   30,   60,   120,
+                                             300, 600, 900, 1800, 3600, 7200, 10800};
 constexpr double kMinute = 60.0;
 constexpr double kHour = 3600.0;
 constexpr double kDay = 86400.0;
@@ -84,7 +84,8 @@ std::vector<S_Tick> NumberTicks(double dFirst, double dLast, double dStep) {
 
 std::vector<S_Tick> TimeTicks(double dFirst, double dLast, double dStep) {
   const int nDecimals = DecimalsOf(dStep);
-  return Ticks(dFirst, dLast, dStep, [=](double d) { return TimeText(Rounded(d, nDecimals), nDecimals); });
+  return Ticks(dFirst, dLast, dStep,
+               [=](double d) { return TimeText(Rounded(d, nDecimals), nDecimals); });
 }
 
 }  // namespace tool

@@ -101,8 +101,8 @@ void DrawTimeAxis(I_Canvas& canvas, const S_Scene& scene) {
     const double dScale = panels.dWidth / (dLast - dFirst);
     for (const S_Tick& tick : TimeTicks(dFirst, dLast, StepOfTime(scene, dLast, dScale))) {
       const double dX = panels.dX + (tick.dValue - dFirst) * dScale;
-      DrawTick(canvas, scene, {std::min(std::floor(dX), panels.Right() - 1), panels.Bottom(), 1,
-                               kTick});
+      DrawTick(canvas, scene,
+               {std::min(std::floor(dX), panels.Right() - 1), panels.Bottom(), 1, kTick});
       DrawTimeText(canvas, scene, {dX, dBase}, tick.strText);
     }
   }

@@ -71,8 +71,7 @@ bool C_Layout::Arrange(const S_Heading& heading, std::size_t nChannels) {
   const double dGap = m_bAxes ? std::ceil(0.7 * m_dLetters) : 0.0;
   const double dChannels = static_cast<double>(nChannels);
   const double dPanels = dChannels * ((m_bWaves ? 1 : 0) + (m_bSpectra ? 1 : 0));
-  const double dShares =
-      dChannels * ((m_bWaves ? 1.0 : 0.0) + (m_bSpectra ? kSpectrumShare : 0.0));
+  const double dShares = dChannels * ((m_bWaves ? 1.0 : 0.0) + (m_bSpectra ? kSpectrumShare : 0.0));
   const double dRoom = m_nHeight - dTop - (m_bAxes ? Under() : 0) - dGap * (dPanels - 1);
   const double dWave = std::floor(dRoom / dShares);
   const double dLeast = m_bAxes ? kLeastPanel * m_dLetters : kLeastBarePanel;

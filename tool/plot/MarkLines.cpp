@@ -30,8 +30,8 @@ void DrawBars(I_Canvas& canvas, const S_Scene& scene) {
   for (const tagRangeKind eKind : {RANGE_SILENCE, RANGE_REGION, RANGE_LOOP, RANGE_TEXT}) {
     if (scene.marks.ranges[eKind].empty()) continue;
     for (const S_Run& run : scene.marks.ranges[eKind]) {
-      canvas.Fill(S_Box{ColumnX(scene, run.nFirst), dY,
-                        static_cast<double>(run.nEnd - run.nFirst), scene.layout.Bar()},
+      canvas.Fill(S_Box{ColumnX(scene, run.nFirst), dY, static_cast<double>(run.nEnd - run.nFirst),
+                        scene.layout.Bar()},
                   ColourOf(scene.theme, eKind));
     }
     dY += scene.layout.Bar() + 1;

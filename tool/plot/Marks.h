@@ -31,7 +31,7 @@ struct S_Run {
 // The notes of a sound as far as a picture shows them. However many there are: a column has one
 // mark at most, the first of its events or else of its cue points.
 struct S_Marks {
-  std::vector<S_Mark> marks;  // in order of their columns
+  std::vector<S_Mark> marks;                     // in order of their columns
   std::array<std::size_t, MARK_KINDS> counts{};  // of all marks in the picture
   std::array<std::vector<S_Run>, RANGE_KINDS> ranges;
 

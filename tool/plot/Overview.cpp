@@ -126,8 +126,7 @@ S_Overview Measure(I_SoundInput& input, const S_Measured& measured, const PFN_Fr
 
 std::uint64_t FramesOf(I_SoundInput& input) {
   if (input.Info().qwFrames != kFramesUnknown) return input.Info().qwFrames;
-  std::vector<std::int16_t> samples(PieceFrames(input.Info().dwChannels) *
-                                    input.Info().dwChannels);
+  std::vector<std::int16_t> samples(PieceFrames(input.Info().dwChannels) * input.Info().dwChannels);
   std::uint64_t qwFrames = 0;
   while (const std::size_t nFrames = input.Read(std::span(samples))) {
     ThrowIfInterrupted();

@@ -102,8 +102,8 @@ void DrawHeading(I_Canvas& canvas, const S_Scene& scene) {
   const double dTitle = kTitleSize * dLetters;
   const S_TextStyle title = {.dSize = dTitle, .colour = scene.theme.ink, .bBold = true};
   const S_TextStyle subtitle = {.dSize = dLetters, .colour = scene.theme.faint};
-  canvas.Text({dLeft, 1.8 * dLetters},
-              scene.lettering.Cut(scene.strTitle, dWidth, dTitle, true), title);
+  canvas.Text({dLeft, 1.8 * dLetters}, scene.lettering.Cut(scene.strTitle, dWidth, dTitle, true),
+              title);
   canvas.Text({dLeft, 3.3 * dLetters}, scene.lettering.Cut(scene.strSubtitle, dWidth, dLetters),
               subtitle);
 }
@@ -132,10 +132,9 @@ void DrawPanels(I_Canvas& canvas, const S_Scene& scene, const S_LevelColours& co
 }
 
 bool HasClipping(const S_Scene& scene) {
-  return std::any_of(scene.overview.channels.begin(), scene.overview.channels.end(),
-                     [](const auto& channel) {
-                       return channel.wave && channel.wave->Clippings() > 0;
-                     });
+  return std::any_of(
+      scene.overview.channels.begin(), scene.overview.channels.end(),
+      [](const auto& channel) { return channel.wave && channel.wave->Clippings() > 0; });
 }
 
 // What explains the panels.
@@ -153,7 +152,7 @@ void DrawAround(I_Canvas& canvas, const S_Scene& scene, const S_LevelColours& co
   }
   if (scene.part.qwCount > 0) return;
   const S_Box& panel = scene.layout.Spectra().empty() ? scene.layout.Waves().front()
-                                                       : scene.layout.Spectra().front();
+                                                      : scene.layout.Spectra().front();
   canvas.Text({panel.dX + panel.dWidth / 2, panel.dY + panel.dHeight * 0.4}, "no samples",
               {.dSize = scene.layout.Letters(), .colour = scene.theme.ink, .ePlace = TEXT_CENTRED});
 }
@@ -245,9 +244,9 @@ class C_PictureMaker {
     heading.nLegendRows = scene.legend.Arrange(m_lettering, dRoom);
     heading.nNameRows = scene.names.nRows;
     heading.bTicks = scene.marks.AreCrowded(scene.layout.Columns());
-    heading.nBars = static_cast<int>(
-        std::count_if(scene.marks.ranges.begin(), scene.marks.ranges.end(),
-                      [](const auto& runs) { return !runs.empty(); }));
+    heading.nBars =
+        static_cast<int>(std::count_if(scene.marks.ranges.begin(), scene.marks.ranges.end(),
+                                       [](const auto& runs) { return !runs.empty(); }));
     if (scene.layout.Arrange(heading, m_channels.size())) return;
     throw C_Failure(m_strName,
                     "is not drawn with " + std::to_string(m_options.nWidth) + "x" +
@@ -278,8 +277,8 @@ class C_PictureMaker {
 
 }  // namespace
 
-std::string PictureOf(I_SoundInput& input, const std::string& strName,
-                      const S_PlotOptions& options, const PFN_FramesDone& fnDone) {
+std::string PictureOf(I_SoundInput& input, const std::string& strName, const S_PlotOptions& options,
+                      const PFN_FramesDone& fnDone) {
   return C_PictureMaker(input, strName, options).Make(fnDone);
 }
 

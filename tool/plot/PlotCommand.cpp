@@ -20,15 +20,18 @@ namespace {
 
 constexpr const char* kDescription =
     "Draws sounds: the waveform above, the spectrogram below, all channels one below the other, "
-    "with events, cue points, silence, uncompressed regions and loops, and red marks where three or "
+    "with events, cue points, silence, uncompressed regions and loops, and red marks where three "
+    "or "
     "more samples in a row are at full scale.\n"
     "\n"
-    "The waveform shows the highest and lowest sample of each column, and within them the root mean "
+    "The waveform shows the highest and lowest sample of each column, and within them the root "
+    "mean "
     "square. The spectrogram goes from 0 Hz to half of the sample rate and from -100 to 0 dBFS; a "
     "sine of full scale has 0 dBFS. Marks that stand too close have no name, or only a short line; "
     "how many there are is said above.\n"
     "\n"
-    "A picture appears under its name when it is complete. The same sound gives the same bytes. Ends "
+    "A picture appears under its name when it is complete. The same sound gives the same bytes. "
+    "Ends "
     "with 1 when a sound could not be drawn; the others are drawn all the same.";
 
 struct S_PlotArguments {
@@ -150,10 +153,9 @@ class C_Plotting {
   std::string PictureOfFile(const std::string& strSource) {
     const C_SoundInputPtr input = OpenSound(strSource);
     const std::string strName = NameOf(strSource);
-    return PictureOf(*input, strName, m_arguments.options,
-                     [&](std::uint64_t qwDone, std::uint64_t qwAll) {
-                       ShowProgress(strName, qwDone, qwAll);
-                     });
+    return PictureOf(
+        *input, strName, m_arguments.options,
+        [&](std::uint64_t qwDone, std::uint64_t qwAll) { ShowProgress(strName, qwDone, qwAll); });
   }
 
   void ShowProgress(const std::string& strName, std::uint64_t qwDone, std::uint64_t qwAll) {
@@ -181,8 +183,7 @@ void AddOptions(CLI::App& app, S_PlotArguments& arguments) {
       ->type_name("DIR");
   app.add_option("--format", arguments.places.strFormat, "png (usual) or svg")
       ->check(CLI::IsMember({"png", "svg"}));
-  app.add_option("--size", arguments.strSize, "in pixels; 1200x600 if not said")
-      ->type_name("WxH");
+  app.add_option("--size", arguments.strSize, "in pixels; 1200x600 if not said")->type_name("WxH");
   app.add_flag("--waveform", arguments.bWaveform, "the waveform alone");
   app.add_flag("--spectrogram", arguments.bSpectrogram, "the spectrogram alone");
   app.add_option("--from", arguments.strFrom, "begin here: 5.2, 1:30 or 8000s (samples)")

@@ -14,9 +14,8 @@ namespace {
 
 std::string Extension(const std::string& strPath) {
   std::string strText = std::filesystem::path(strPath).extension().string();
-  std::transform(strText.begin(), strText.end(), strText.begin(), [](unsigned char chPart) {
-    return static_cast<char>(std::tolower(chPart));
-  });
+  std::transform(strText.begin(), strText.end(), strText.begin(),
+                 [](unsigned char chPart) { return static_cast<char>(std::tolower(chPart)); });
   return strText;
 }
 

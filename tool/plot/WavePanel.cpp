@@ -46,8 +46,7 @@ struct S_Edges {
 std::vector<S_Edges> EdgesOf(const C_WaveMeter& wave, const S_Box& panel) {
   std::vector<S_Edges> edges;
   for (const S_WaveColumn& column : wave.Waves()) {
-    S_Edges here = {WaveY(panel, Limited(column.fGreatest)),
-                    WaveY(panel, Limited(column.fLeast))};
+    S_Edges here = {WaveY(panel, Limited(column.fGreatest)), WaveY(panel, Limited(column.fLeast))};
     const double dThin = std::max(0.0, 1.0 - (here.dBottom - here.dTop)) / 2;
     here = {here.dTop - dThin, here.dBottom + dThin};
     if (!edges.empty()) {

@@ -30,7 +30,9 @@ TEST(CleanText, Utf8_StaysAsItIs) {
 }
 
 TEST(CleanText, OtherBytes_AreWindows1252) {
-  EXPECT_EQ(CleanText("Gr\xfc\xdf" "e \x80"), "Gr\u00fc\u00dfe \u20ac");
+  EXPECT_EQ(CleanText("Gr\xfc\xdf"
+                      "e \x80"),
+            "Gr\u00fc\u00dfe \u20ac");
   EXPECT_EQ(CleanText("\x81"), " ");
 }
 
@@ -125,7 +127,8 @@ TEST(PngCanvas, SameDrawing_IsTheSameBytes) {
 
 TEST(SvgCanvas, Texts_StayTexts) {
   tool::C_SvgCanvas canvas(200, 100, "a & b");
-  canvas.Text({10, 20.5}, "1 < 2", {.dSize = 11, .colour = {}, .ePlace = tool::TEXT_ENDS, .bBold = true});
+  canvas.Text({10, 20.5}, "1 < 2",
+              {.dSize = 11, .colour = {}, .ePlace = tool::TEXT_ENDS, .bBold = true});
   const std::string strDocument = canvas.Finish();
   EXPECT_THAT(strDocument, HasSubstr("<title>a &amp; b</title>"));
   EXPECT_THAT(strDocument, HasSubstr("x=\"10\" y=\"20.5\" font-size=\"11\" fill=\"#000000\" "
