@@ -128,8 +128,9 @@ class C_LagFinder {
       std::copy(pieces.Piece().begin(), pieces.Piece().end(), padded.begin());
       m_transform.Forward(padded, firstBins);
       m_transform.Forward(pieces.Around(), secondBins);
-      for (std::size_t n = 0; n < sum.size(); ++n)
+      for (std::size_t n = 0; n < sum.size(); ++n) {
         sum[n] += std::conj(firstBins[n]) * secondBins[n];
+      }
     }
     m_transform.Backward(sum, padded);
     padded.resize(2 * m_nMostLag + 1);

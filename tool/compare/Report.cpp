@@ -45,8 +45,9 @@ std::string AloneText(const char* pszWhich, const S_Side& side) {
 
 std::string DifferenceLine(const S_Compared& compared) {
   if (compared.result.IsEqual()) return "result   equal\n";
-  if (!compared.result.qwFirstFrame)
+  if (!compared.result.qwFirstFrame) {
     return "result   different, but for the frames that both have\n";
+  }
   const std::uint64_t qwFrame = *compared.result.qwFirstFrame;
   return "result   different from frame " + CountText(qwFrame) + " (" +
          ClockText(qwFrame, compared.first.dwRate) + ") of the first sound on\n";

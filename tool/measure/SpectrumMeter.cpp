@@ -85,7 +85,7 @@ double C_SpectrumMeter::Middle() const {
 }
 
 void C_SpectrumMeter::Work() {
-  const double dReach = static_cast<double>(m_window.size() / 2);
+  const double dReach = static_cast<double>(m_window.size()) / 2;
   while (m_nColumn < m_columns.Count()) {
     const double dFrom = Middle() - dReach - m_dStart;
     if (dFrom + 2 * dReach > static_cast<double>(m_samples.size())) break;

@@ -26,10 +26,11 @@ int DecimalsOf(double dStep) {
 template <typename Text>
 std::vector<S_Tick> Ticks(double dFirst, double dLast, double dStep, const Text& text) {
   std::vector<S_Tick> ticks;
-  const double dEnd = std::floor(dLast / dStep + kSlack);
-  for (double dIndex = std::ceil(dFirst / dStep - kSlack); dIndex <= dEnd; ++dIndex) {
+  const double dBegin = std::ceil(dFirst / dStep - kSlack);
+  const auto nTicks = static_cast<int>(std::floor(dLast / dStep + kSlack) - dBegin) + 1;
+  for (int n = 0; n < nTicks; ++n) {
     // Rounding up may give -0, which would be written so.
-    const double dValue = dIndex * dStep + 0.0;
+    const double dValue = (dBegin + n) * dStep + 0.0;
     ticks.push_back({dValue, text(dValue)});
   }
   return ticks;

@@ -142,7 +142,7 @@ void DrawColourScale(I_Canvas& canvas, const S_Scene& scene, const S_LevelColour
   S_Image image{static_cast<int>(box.dWidth), static_cast<int>(box.dHeight), {}};
   for (int nRow = 0; nRow < image.nHeight; ++nRow) {
     const double dAt = 1.0 - (nRow + 0.5) / image.nHeight;
-    const auto nColour = static_cast<std::size_t>(dAt * kLoudestLevel + 0.5);
+    const auto nColour = static_cast<std::size_t>(std::lround(dAt * kLoudestLevel));
     image.pixels.insert(image.pixels.end(), static_cast<std::size_t>(image.nWidth),
                         colours[nColour]);
   }

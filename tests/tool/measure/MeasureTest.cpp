@@ -29,7 +29,8 @@ std::vector<float> Sine(std::size_t nFrames, double dHz, double dRate, double dA
 }
 
 std::uint8_t LevelAt(const C_SpectrumMeter& meter, int nColumns, int nRow, int nColumn) {
-  return meter.Levels()[static_cast<std::size_t>(nRow * nColumns + nColumn)];
+  const auto nStart = static_cast<std::size_t>(nRow) * static_cast<std::size_t>(nColumns);
+  return meter.Levels()[nStart + static_cast<std::size_t>(nColumn)];
 }
 
 int LoudestRow(const C_SpectrumMeter& meter, int nColumns, int nRows, int nColumn) {
