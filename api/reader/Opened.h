@@ -23,7 +23,7 @@ struct S_Opened {
   voxplay_headers headers{};
   S_Notes notes;
   std::vector<S_FoundChunk> chunks;  // of a RIFF file
-  C_SampleStreamPtr stream;  // reads from the source
+  C_SampleStreamPtr stream;          // reads from the source
 };
 
 // dwFlags are those of the reader, VOXPLAY_READ_....

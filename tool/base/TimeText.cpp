@@ -62,7 +62,8 @@ std::string ClockText(std::uint64_t qwFrames, std::uint32_t dwRate) {
   const std::uint64_t qwMillis = (qwRest * kMillis + dwRate / 2) / dwRate;
   const std::uint64_t qwSeconds = qwFrames / dwRate + qwMillis / kMillis;
   const std::uint64_t qwMinutes = qwSeconds / kSixty;
-  const std::string strSeconds = Padded(qwSeconds % kSixty, 2) + '.' + Padded(qwMillis % kMillis, 3);
+  const std::string strSeconds =
+      Padded(qwSeconds % kSixty, 2) + '.' + Padded(qwMillis % kMillis, 3);
   if (qwMinutes < kSixty) return std::to_string(qwMinutes) + ':' + strSeconds;
   return std::to_string(qwMinutes / kSixty) + ':' + Padded(qwMinutes % kSixty, 2) + ':' +
          strSeconds;

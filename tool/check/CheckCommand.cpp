@@ -42,19 +42,20 @@ int Run(const S_Options& options, C_Console& console) {
 }
 
 S_Command Command(const std::shared_ptr<S_Options>& options) {
-  return {"check",
-          "decode files to their end and say whether they are whole",
-          "Decodes every frame of each file, counts damaged frames, and compares what the file claims "
-          "to hold with what is there. Of VEF files, the PCM and the stream beside it are both "
-          "checked. A line for each file says what was found: good, damaged, cut (there is less than "
-          "the file claims) or unknown.\n\n"
-          "A frame is one sample of every channel. The exit code is 1 when a file is not good. PCM has "
-          "no checks of its own, so what is wrong in it cannot be seen.",
-          {{"voxtool check archive/*.kst", "check some files"},
-           {"voxtool check -q archive/*.kst", "name only those that are not good"},
-           {"voxtool check --json speech.kst | jq '.[0].damaged_frames'",
-            "count the damaged frames of a file"}},
-          [options](C_Console& console) { return Run(*options, console); }};
+  return {
+      "check",
+      "decode files to their end and say whether they are whole",
+      "Decodes every frame of each file, counts damaged frames, and compares what the file claims "
+      "to hold with what is there. Of VEF files, the PCM and the stream beside it are both "
+      "checked. A line for each file says what was found: good, damaged, cut (there is less than "
+      "the file claims) or unknown.\n\n"
+      "A frame is one sample of every channel. The exit code is 1 when a file is not good. PCM has "
+      "no checks of its own, so what is wrong in it cannot be seen.",
+      {{"voxtool check archive/*.kst", "check some files"},
+       {"voxtool check -q archive/*.kst", "name only those that are not good"},
+       {"voxtool check --json speech.kst | jq '.[0].damaged_frames'",
+        "count the damaged frames of a file"}},
+      [options](C_Console& console) { return Run(*options, console); }};
 }
 
 }  // namespace

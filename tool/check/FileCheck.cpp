@@ -6,6 +6,7 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "base/Utf8.h"
+#include "check/StreamClaim.h"
 #include "marks/FourCharacters.h"
 #include "sound/LibrarySound.h"
 #include "sound/WholeSound.h"
@@ -27,7 +28,7 @@ std::string WithoutName(const std::string& strPath, const std::string& strSenten
 tagVerdict VerdictOf(voxplay_status eStatus) {
   if (eStatus == VOXPLAY_UNKNOWN || eStatus == VOXPLAY_UNSUPPORTED) return tagVerdict::UNKNOWN;
   return eStatus == VOXPLAY_DAMAGED || eStatus == VOXPLAY_TOO_LARGE ? tagVerdict::DAMAGED
-                                                                   : tagVerdict::UNREADABLE;
+                                                                    : tagVerdict::UNREADABLE;
 }
 
 class C_Checker {
@@ -38,7 +39,9 @@ class C_Checker {
     try {
       CheckAll();
     } catch (const voxplay::Error& error) {
-      Find(VerdictOf(error.status()), WithoutName(m_check.strPath, error.what()));
+      Find(VerdictOf(error.status()), error.status() == VOXPLAY_UNKNOWN
+                                          ? "none of the known formats"
+                                          : WithoutName(m_check.strPath, error.what()));
     } catch (const C_UsageFailure&) {
       throw;
     } catch (const C_Failure& failure) {
@@ -61,6 +64,7 @@ class C_Checker {
     m_check.strFormat = info.strFormat;
     m_check.dwRate = info.dwRate;
     for (const voxplay::ChunkPlace& chunk : info.chunks) CheckChunk(chunk);
+    if (info.ours && m_check.strPath != kStandardStream) CheckStream(*info.ours);
     CheckFrames(*sound, "");
     if (info.ours && info.ours->has_stream != 0 && m_check.strPath != kStandardStream) {
       CheckFrames(*OpenLibrarySound(m_check.strPath, VOXPLAY_READ_STREAM), "its stream: ");
@@ -70,6 +74,12 @@ class C_Checker {
     if (chunk.held == chunk.size) return;
     Find(tagVerdict::CUT, "chunk \"" + Printable(FourCharacters(chunk.id)) + "\" holds " +
                               CountText(chunk.held) + " of " + CountedText(chunk.size, "byte"));
+  }
+  void CheckStream(const voxplay::Info& info) {
+    const auto claim = StreamClaimOf(m_check.strPath, info);
+    if (!claim || claim->qwHeld >= claim->qwClaimed) return;
+    Find(tagVerdict::CUT, "its stream holds " + CountText(claim->qwHeld) + " of " +
+                              CountedText(claim->qwClaimed, "byte"));
   }
   void CheckFrames(I_SoundInput& sound, const std::string& strOf) {
     const std::uint64_t qwClaimed = sound.Info().qwFrames;
@@ -101,9 +111,8 @@ std::string CheckText(const S_FileCheck& check) {
 }
 
 C_Json CheckJson(const S_FileCheck& check) {
-  C_Json json = {{"schema", kJsonSchema},
-                 {"file", check.strPath},
-                 {"verdict", VerdictText(check.eVerdict)}};
+  C_Json json = {
+      {"schema", kJsonSchema}, {"file", check.strPath}, {"verdict", VerdictText(check.eVerdict)}};
   if (!check.strWhy.empty()) json["reason"] = check.strWhy;
   if (check.strFormat.empty()) return json;
   json["format"] = check.strFormat;

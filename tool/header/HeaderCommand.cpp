@@ -83,12 +83,13 @@ int EditAll(const S_EditOptions& options, C_Console& console, Edit&& fnEdit) {
 void AddShow(C_CommandLine& commandLine, CLI::App& parent) {
   const auto options = std::make_shared<S_ShowOptions>();
   CLI::App& command = commandLine.Add(
-      parent, {"show",
-               "print the fields of headers",
-               "Prints the SP header of each file, and the codec head or the \"vafm\" chunk of those "
-               "that have one. Fields without a known meaning are named by their place in the header.",
-               {{"voxtool header show speech.kst", "print the header of a file"}},
-               [options](C_Console& console) { return Show(*options, console); }});
+      parent,
+      {"show",
+       "print the fields of headers",
+       "Prints the SP header of each file, and the codec head or the \"vafm\" chunk of those "
+       "that have one. Fields without a known meaning are named by their place in the header.",
+       {{"voxtool header show speech.kst", "print the header of a file"}},
+       [options](C_Console& console) { return Show(*options, console); }});
   command.add_option("FILE", options->files, "the files")->type_name("FILE")->required();
   command.add_flag("--json", options->bJson, "print an array with an object for each file");
 }
@@ -104,7 +105,8 @@ void AddAdd(C_CommandLine& commandLine, CLI::App& parent) {
       parent,
       {"add",
        "put an SP header before a stream that has none",
-       "Puts an SP header before a coded stream without any header, so that it says what it is. The "
+       "Puts an SP header before a coded stream without any header, so that it says what it is. "
+       "The "
        "file is replaced in one step, after a look at the result.",
        {{"voxtool header add --rate 8000 stream.bin", "say that a Kestrel stream has 8,000 Hz"},
         {"voxtool header add --codec heron4 --rate 22050 -o a.hrn a.bin",

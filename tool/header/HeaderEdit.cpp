@@ -9,8 +9,8 @@
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "sound/ByteCopy.h"
-#include "sound/EmptySound.h"
 #include "sound/FormatText.h"
+#include "sound/ShortSound.h"
 #include "voxplay.hpp"
 
 namespace tool {
@@ -104,8 +104,8 @@ void AddHeader(const S_HeaderEdit& edit, const std::string& strCodec, std::uint3
   }
   auto stream = OpenBareStream(edit.strFile, format.codec == VOXPLAY_CODEC_KESTREL);
   C_ReplacedFile target(TargetOf(edit), MayReplace(edit));
-  const S_EmptySound empty = WriteEmptySound(format);
-  target.Write(std::span(empty.bytes).first(kHeaderBytes));
+  const S_ShortSound sample = WriteShortSound(format);
+  target.Write(std::span(sample.bytes).first(kHeaderBytes));
   CopyRest(edit, 0, target);
   std::optional<voxplay::Reader> result = TryToOpen(target.NewPath(), VOXPLAY_READ_NO_BARE);
   if (!result || result->info().codec != format.codec) {

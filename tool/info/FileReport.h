@@ -19,8 +19,8 @@ struct S_FileReport {
   S_SoundInfo info;
   C_Json marks;  // rows (MarkRows.h)
   voxplay::Sampler sampler{};
-  std::optional<voxplay::Info> stream;                // the one beside the PCM of a VEF file
-  std::optional<std::uint64_t> qwDamaged;             // when the sound was decoded
+  std::optional<voxplay::Info> stream;     // the one beside the PCM of a VEF file
+  std::optional<std::uint64_t> qwDamaged;  // when the sound was decoded
 };
 
 // Opens a file, and decodes it when bDecodes is true, or throws what opening and reading throw.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/EachFile.h"
+#include "base/Failure.h"
 #include "info/FileReport.h"
 #include "info/FormatTests.h"
 #include "info/InfoJson.h"
@@ -30,9 +31,14 @@ class C_InfoRun {
     const int nExit = ForEachFile(m_options.files, m_console, [this](const std::string& strPath) {
       try {
         Show(ReportOf(strPath, m_options.bDamage));
-      } catch (const std::runtime_error& failure) {
-        ShowFailure(strPath, failure.what());
+      } catch (const voxplay::Error& error) {
+        if (error.status() != VOXPLAY_UNKNOWN) Fail(strPath, error.what());
+        Fail(strPath, NameOf(strPath) + ": unknown: none of the known formats" +
+                          (m_options.bVerbose ? "" : "; -v shows what was tested"));
+      } catch (const C_UsageFailure&) {
         throw;
+      } catch (const C_Failure& failure) {
+        Fail(strPath, failure.what());
       }
     });
     if (m_options.bJson) m_console.Print(JsonText(m_array));
@@ -51,12 +57,17 @@ class C_InfoRun {
     if (m_options.bJsonLines) return m_console.Print(JsonLine(json));
     m_array.push_back(std::move(json));
   }
-  void ShowFailure(const std::string& strPath, const std::string& strWhy) {
+  // After the failure has been told to programs, and what the tests found to people.
+  [[noreturn]] void Fail(const std::string& strPath, const std::string& strWhy) {
     if (IsForPrograms()) ShowJson(InfoJsonOfFailure(strPath, strWhy));
-    if (!m_options.bVerbose) return;
-    for (const std::string& strLine : FormatTests(strPath)) {
-      m_console.Complain(strPath + ": " + strLine);
+    m_console.Flush();
+    for (const std::string& strLine : TestsToShow(strPath)) {
+      m_console.Complain(NameOf(strPath) + ": " + strLine);
     }
+    throw C_Failure(strWhy);
+  }
+  [[nodiscard]] std::vector<std::string> TestsToShow(const std::string& strPath) const {
+    return m_options.bVerbose ? FormatTests(strPath) : std::vector<std::string>();
   }
 
   const S_Options& m_options;
@@ -66,18 +77,19 @@ class C_InfoRun {
 };
 
 S_Command Command(const std::shared_ptr<S_Options>& options) {
-  return {"info",
-          "tell what files are and what they hold",
-          "Tells the format, the length, the fields of headers, the events and other marks, and the "
-          "chunks of each file. Sounds are not decoded for that, so it is quick, however long they "
-          "are; with --damage they are, and damaged frames are counted.\n\n"
-          "For programs, --json prints one array with an object for each file, and --json-lines one "
-          "object a line. Members without a value are left out; the member \"schema\" changes when "
-          "another one changes its meaning.",
-          {{"voxtool info speech.kst", "show what speech.kst is"},
-           {"voxtool info --damage *.hrn", "decode the files, too, and count damaged frames"},
-           {"voxtool info --json talk.wav | jq '.[0].events[].start'", "list the frames of events"}},
-          [options](C_Console& console) { return C_InfoRun(*options, console).Run(); }};
+  return {
+      "info",
+      "tell what files are and what they hold",
+      "Tells the format, the length, the fields of headers, the events and other marks, and the "
+      "chunks of each file. Sounds are not decoded for that, so it is quick, however long they "
+      "are; with --damage they are, and damaged frames are counted.\n\n"
+      "For programs, --json prints one array with an object for each file, and --json-lines one "
+      "object a line. Members without a value are left out; the member \"schema\" changes when "
+      "another one changes its meaning.",
+      {{"voxtool info speech.kst", "show what speech.kst is"},
+       {"voxtool info --damage *.hrn", "decode the files, too, and count damaged frames"},
+       {"voxtool info --json talk.wav | jq '.[0].events[].start'", "list the frames of events"}},
+      [options](C_Console& console) { return C_InfoRun(*options, console).Run(); }};
 }
 
 }  // namespace

@@ -77,10 +77,10 @@ void PutMarks(C_Json& json, const C_Json& rows) {
     const char* pszKey;
     const char* pszKind;
   };
-  constexpr std::array kLists = {
-      S_List{"events", "event"},   S_List{"silence", "silence"}, S_List{"regions", "region"},
-      S_List{"cue_points", "cue"}, S_List{"labels", "label"},    S_List{"notes", "note"},
-      S_List{"texts", "text"},     S_List{"loops", "loop"}};
+  constexpr std::array kLists = {S_List{"events", "event"},   S_List{"silence", "silence"},
+                                 S_List{"regions", "region"}, S_List{"cue_points", "cue"},
+                                 S_List{"labels", "label"},   S_List{"notes", "note"},
+                                 S_List{"texts", "text"},     S_List{"loops", "loop"}};
   for (const S_List& list : kLists) json[list.pszKey] = RowsOfKind(rows, list.pszKind);
 }
 

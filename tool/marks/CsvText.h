@@ -15,8 +15,8 @@ using C_CsvRow = std::vector<std::string>;
 // empty lines do not arise.
 std::string CsvLine(const C_CsvRow& row);
 
-// Read back exactly, whatever the fields hold. Lines may also end with a line feed alone, fields may
-// be separated by semicolons or tabs where the first line has no commas, and the mark that some
+// Read back exactly, whatever the fields hold. Lines may also end with a line feed alone, fields
+// may be separated by semicolons or tabs where the first line has no commas, and the mark that some
 // programs put before UTF-8 is passed over. Empty lines are left out. Throws C_BadRow for a quote
 // that does not end.
 std::vector<C_CsvRow> ParseCsv(std::string_view text);

@@ -39,8 +39,9 @@ bool IsLabl(const voxplay::Label& label) {
 
 // Whether a text says a length and no more.
 bool IsBare(const voxplay::RegionText& text) {
-  return text.count != 0 && *text.text == '\0' && std::string_view(text.purpose, sizeof text.purpose) == "rgn " &&
-         text.country == 0 && text.language == 0 && text.dialect == 0 && text.code_page == 0;
+  return text.count != 0 && *text.text == '\0' &&
+         std::string_view(text.purpose, sizeof text.purpose) == "rgn " && text.country == 0 &&
+         text.language == 0 && text.dialect == 0 && text.code_page == 0;
 }
 
 class C_LabelWriter {
@@ -71,9 +72,8 @@ class C_LabelWriter {
   }
   void AddEvent(const voxplay::Event& event) {
     std::string strText =
-        event.data == 0
-            ? LabelTag("event", {event.main_command, event.sub_command})
-            : LabelTag("event", {event.main_command, event.sub_command, event.data});
+        event.data == 0 ? LabelTag("event", {event.main_command, event.sub_command})
+                        : LabelTag("event", {event.main_command, event.sub_command, event.data});
     if (*event.description != '\0') strText += ' ' + LabelLineText(event.description);
     Add(event.frame, event.frame, std::move(strText));
   }
@@ -165,7 +165,8 @@ class C_LabelReader {
   void TakeCue(const S_Line& line, const S_LabelMeaning& meaning) {
     AddCue(line);
     if (meaning.bHasText) AddOfCue("label", "name", meaning.strText);
-    if (line.qwEnd != line.qwStart) AddOfCue("text", "text", "")["length"] = line.qwEnd - line.qwStart;
+    if (line.qwEnd != line.qwStart)
+      AddOfCue("text", "text", "")["length"] = line.qwEnd - line.qwStart;
   }
   // One without the line of a cue point gets one of its own.
   void TakeFurther(const S_Line& line, const S_LabelMeaning& meaning) {

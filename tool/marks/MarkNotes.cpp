@@ -117,8 +117,8 @@ class C_RowAdder {
     std::ranges::copy(row.ID("chunk", {'d', 'a', 't', 'a'}), cue.chunk);
     cue.chunk_start = row.Number<std::uint32_t>("chunk_start");
     cue.block_start = row.Number<std::uint32_t>("block_start");
-    cue.sample_offset = row.IsEmpty("sample_offset") ? cue.position
-                                                     : row.Number<std::uint32_t>("sample_offset");
+    cue.sample_offset =
+        row.IsEmpty("sample_offset") ? cue.position : row.Number<std::uint32_t>("sample_offset");
     m_notes.add(cue);
     return cue.id;
   }

@@ -21,10 +21,10 @@ struct S_Kind {
   voxplay_note_kind eList;
 };
 constexpr std::array kKinds = {
-    S_Kind{"event", VOXPLAY_NOTE_EVENT},     S_Kind{"cue", VOXPLAY_NOTE_CUE},
-    S_Kind{"label", VOXPLAY_NOTE_LABEL},     S_Kind{"note", VOXPLAY_NOTE_LABEL},
+    S_Kind{"event", VOXPLAY_NOTE_EVENT},      S_Kind{"cue", VOXPLAY_NOTE_CUE},
+    S_Kind{"label", VOXPLAY_NOTE_LABEL},      S_Kind{"note", VOXPLAY_NOTE_LABEL},
     S_Kind{"text", VOXPLAY_NOTE_REGION_TEXT}, S_Kind{"silence", VOXPLAY_NOTE_SILENCE},
-    S_Kind{"region", VOXPLAY_NOTE_REGION},   S_Kind{"loop", VOXPLAY_NOTE_LOOP}};
+    S_Kind{"region", VOXPLAY_NOTE_REGION},    S_Kind{"loop", VOXPLAY_NOTE_LOOP}};
 
 bool IsLabel(const voxplay::Label& label) {
   return std::string_view(label.type, sizeof label.type) == kLabelType;

@@ -22,7 +22,7 @@ std::string Shown(const C_Json& value) {
 }
 
 std::optional<std::uint64_t> WholeNumber(const C_Json& value) {
-  if (value.is_number_unsigned()) return value.get<std::uint64_t>();
+  if (value.is_number_integer() && value >= 0) return value.get<std::uint64_t>();
   if (!value.is_string()) return {};
   const auto& strText = value.get_ref<const std::string&>();
   const char* const pEnd = strText.data() + strText.size();

@@ -19,7 +19,7 @@ struct S_Options {
   std::string strAt;
   std::string strLength;
   std::string strTo;
-  std::string strType = "forward";
+  bool bNeedsLength = false;
   C_Json row = C_Json::object();  // what further options say
 };
 
@@ -31,6 +31,9 @@ std::uint64_t FrameOf(const std::string& strTime, std::uint32_t dwRate) {
 
 std::uint64_t LengthOf(const S_Options& options, std::uint64_t qwStart, std::uint32_t dwRate) {
   if (!options.strLength.empty()) return FrameOf(options.strLength, dwRate);
+  if (options.strTo.empty() && options.bNeedsLength) {
+    throw C_UsageFailure("voxtool tags add", "--length", "it is needed, or --to");
+  }
   if (options.strTo.empty()) return 0;
   const std::uint64_t qwEnd = FrameOf(options.strTo, dwRate);
   if (qwEnd >= qwStart) return qwEnd - qwStart;
@@ -67,11 +70,14 @@ void AddPlace(CLI::App& command, S_Options& options) {
   AddTimeOption(command, "--at", options.strAt, "where it is, or begins").required();
 }
 
-void AddLength(CLI::App& command, S_Options& options, bool bNeeded) {
-  CLI::Option_group* const pGroup = command.add_option_group("");
-  CLI::Option& length = AddTimeOption(*pGroup, "--length", options.strLength, "how long it is");
-  AddTimeOption(*pGroup, "--to", options.strTo, "where it ends").excludes(&length);
-  if (bNeeded) pGroup->require_option(1);
+void AddLength(CLI::App& command, S_Options& options) {
+  CLI::Option& length = AddTimeOption(command, "--length", options.strLength, "how long it is");
+  AddTimeOption(command, "--to", options.strTo, "where it ends").excludes(&length);
+}
+
+void AddNeededLength(CLI::App& command, S_Options& options) {
+  AddLength(command, options);
+  options.bNeedsLength = true;
 }
 
 // An option whose value becomes a member of the row.
@@ -100,7 +106,9 @@ void AddKind(C_CommandLine& commandLine, CLI::App& parent, S_Command command,
              const std::function<void(CLI::App&, S_Options&)>& fnAddOptions) {
   const auto options = std::make_shared<S_Options>();
   const std::string strKind = command.strName;
-  command.fnRun = [options, strKind](C_Console& console) { return Run(*options, strKind, console); };
+  command.fnRun = [options, strKind](C_Console& console) {
+    return Run(*options, strKind, console);
+  };
   CLI::App& added = commandLine.Add(parent, std::move(command));
   AddPlace(added, *options);
   fnAddOptions(added, *options);
@@ -113,13 +121,13 @@ void AddEvent(CLI::App& command, S_Options& options) {
 }
 
 void AddCue(CLI::App& command, S_Options& options) {
-  AddLength(command, options, false);
+  AddLength(command, options);
   AddText(command, "--name", "name", options, "its label");
   AddText(command, "--text", "text", options, "a note on it");
 }
 
 void AddLoop(CLI::App& command, S_Options& options) {
-  AddLength(command, options, true);
+  AddNeededLength(command, options);
   AddNumber<std::uint32_t>(command, "--count", "play_count", options,
                            "how often it is played; 0 for ever");
   const auto Choose = [&options](const std::string& strType) {
@@ -130,7 +138,7 @@ void AddLoop(CLI::App& command, S_Options& options) {
       ->check(CLI::IsMember(std::vector<std::string>(kLoopTypes.begin(), kLoopTypes.end())));
 }
 
-void AddRange(CLI::App& command, S_Options& options) { AddLength(command, options, true); }
+void AddRange(CLI::App& command, S_Options& options) { AddNeededLength(command, options); }
 
 }  // namespace
 
@@ -142,13 +150,14 @@ void AddAddCommands(C_CommandLine& commandLine, CLI::App& tags) {
              {{"voxtool tags add event talk.wav --at 1.5 --main 3 --sub 1", "add an event"},
               {"voxtool tags add cue talk.wav --at 0:12.250 --name Chorus", "name a place"}},
              {}});
-  AddKind(commandLine, parent,
-          {"event",
-           "add an event",
-           "Adds an event. VEF files hold its data; WAV and VEMD files do not.",
-           {{"voxtool tags add event talk.wav --at 1.5 --main 3 --sub 1", "add event 3/1 at 1.5 s"}},
-           {}},
-          &AddEvent);
+  AddKind(
+      commandLine, parent,
+      {"event",
+       "add an event",
+       "Adds an event. VEF files hold its data; WAV and VEMD files do not.",
+       {{"voxtool tags add event talk.wav --at 1.5 --main 3 --sub 1", "add event 3/1 at 1.5 s"}},
+       {}},
+      &AddEvent);
   AddKind(commandLine, parent,
           {"cue",
            "add a cue point",

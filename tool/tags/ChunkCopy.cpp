@@ -19,7 +19,8 @@ constexpr std::size_t kFileHead = 12;
 constexpr std::size_t kChunkHead = 8;
 constexpr std::size_t kRiffSizeAt = 4;
 constexpr std::uint64_t kFormBytes = 4;
-constexpr std::uint64_t kMostRiff = std::numeric_limits<std::uint32_t>::max() - 1;  // the last says nothing
+constexpr std::uint64_t kMostRiff =
+    std::numeric_limits<std::uint32_t>::max() - 1;  // the last says nothing
 
 using ChunkHead = std::array<std::byte, kChunkHead>;
 
@@ -72,7 +73,8 @@ class C_Copier {
     m_file.Seek(qwAt);
     const std::int64_t nRead = m_file.Read(bytes.data(), bytes.size());
     if (nRead == static_cast<std::int64_t>(bytes.size())) return;
-    throw C_Failure(m_strFile, "cannot be read", nRead < 0 ? SystemReason(m_file.Error()) : "it has changed");
+    throw C_Failure(m_strFile, "cannot be read",
+                    nRead < 0 ? SystemReason(m_file.Error()) : "it has changed");
   }
 
   void AddOld(const voxplay::ChunkPlace& chunk, std::span<const S_MarkChunk> marks) {

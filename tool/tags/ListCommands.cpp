@@ -64,13 +64,14 @@ void AddOptions(CLI::App& command, S_Options& options) {
 void AddListCommand(C_CommandLine& commandLine, CLI::App& tags) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(
-      tags, {"list",
-             "show the marks of files",
-             "Shows all marks in the order of their places. The numbers are those that \"tags remove\" "
-             "takes. Marks that belong to a cue point which does not exist have no place and come last.",
-             {{"voxtool tags list talk.wav", "show all marks of a file"},
-              {"voxtool tags list --json talk.wav | jq '.[0].marks[].start'", "list their frames"}},
-             [options](C_Console& console) { return List(*options, console); }});
+      tags,
+      {"list",
+       "show the marks of files",
+       "Shows all marks in the order of their places. The numbers are those that \"tags remove\" "
+       "takes. Marks that belong to a cue point which does not exist have no place and come last.",
+       {{"voxtool tags list talk.wav", "show all marks of a file"},
+        {"voxtool tags list --json talk.wav | jq '.[0].marks[].start'", "list their frames"}},
+       [options](C_Console& console) { return List(*options, console); }});
   AddOptions(command, *options);
 }
 
@@ -80,8 +81,10 @@ void AddExportCommand(C_CommandLine& commandLine, CLI::App& tags) {
       tags,
       {"export",
        "write the marks of files for other programs",
-       "Writes all marks as comma-separated values, or in the form that is asked for. \"tags import\" "
-       "reads each of these forms back. Values and JSON hold all that marks have. A label track holds "
+       "Writes all marks as comma-separated values, or in the form that is asked for. \"tags "
+       "import\" "
+       "reads each of these forms back. Values and JSON hold all that marks have. A label track "
+       "holds "
        "places and texts: ids, and what is rare, do not come back from it. Texts that are no UTF-8 "
        "are written as what they are in Windows-1252, with their bytes beside them (\"hex\").",
        {{"voxtool tags export talk.wav -o talk.csv", "write a table"},

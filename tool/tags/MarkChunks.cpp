@@ -5,7 +5,7 @@
 #include <array>
 #include <string_view>
 
-#include "sound/EmptySound.h"
+#include "sound/ShortSound.h"
 
 namespace tool {
 namespace {
@@ -27,8 +27,7 @@ bool IsMarkChunk(const voxplay::ChunkPlace& chunk, Form&& fnForm) {
 
 std::span<const std::byte> ContentOf(const voxplay::ChunkPlace& chunk,
                                      std::span<const std::byte> file) {
-  return file.subspan(static_cast<std::size_t>(chunk.offset),
-                      static_cast<std::size_t>(chunk.held));
+  return file.subspan(static_cast<std::size_t>(chunk.offset), static_cast<std::size_t>(chunk.held));
 }
 
 // Marks are written in the same way whatever the samples are.
@@ -54,17 +53,18 @@ bool HoldsMarks(const voxplay::ChunkPlace& chunk, C_FileBytes& file) {
 }
 
 S_MarkChunks MarkChunksOf(const voxplay::NotesView& notes, const voxplay::Info& info) {
-  S_EmptySound empty = WriteEmptySound(FormatOf(info), notes);
-  const voxplay::Reader reader(empty.bytes);
+  S_ShortSound sound = WriteShortSound(FormatOf(info), notes);
+  const voxplay::Reader reader(sound.bytes);
   S_MarkChunks marks;
   for (const voxplay::ChunkPlace& chunk : reader.chunk_places()) {
-    const auto content = ContentOf(chunk, empty.bytes);
+    const auto content = ContentOf(chunk, sound.bytes);
     const bool bMarks = IsMarkChunk(chunk, [&] {
       return std::string_view(reinterpret_cast<const char*>(content.data()), kLabels.size());
     });
-    if (bMarks) marks.chunks.push_back({std::string(IDOf(chunk)), {content.begin(), content.end()}});
+    if (bMarks)
+      marks.chunks.push_back({std::string(IDOf(chunk)), {content.begin(), content.end()}});
   }
-  marks.lost = std::move(empty.lost);
+  marks.lost = std::move(sound.lost);
   return marks;
 }
 

@@ -89,9 +89,8 @@ S_MarkExport ExportMarks(const std::vector<std::string>& files, tagMarkForm eFor
     throw C_UsageFailure("voxtool tags", "--labels", "a label track is of one file");
   }
   C_Exporter exporter(eForm, files.size() > 1, console.HasColours());
-  const int nExit = ForEachFile(files, console, [&](const std::string& strPath) {
-    exporter.Add(strPath);
-  });
+  const int nExit =
+      ForEachFile(files, console, [&](const std::string& strPath) { exporter.Add(strPath); });
   return {exporter.Text(), nExit};
 }
 

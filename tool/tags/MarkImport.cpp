@@ -35,9 +35,8 @@ struct S_Options {
 
 std::string ReadText(const std::string& strPath) {
   const std::string strName = NameOf(strPath);
-  const C_Descriptor file(strPath == kStandardStream
-                              ? 0
-                              : open(strPath.c_str(), O_RDONLY | O_CLOEXEC));
+  const C_Descriptor file(strPath == kStandardStream ? 0
+                                                     : open(strPath.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.Get() < 0) throw C_Failure(strName, "cannot be opened", SystemReason(errno));
   std::string strText;
   std::array<std::byte, kPieceBytes> piece{};
@@ -100,6 +99,10 @@ void ClearMarks(voxplay::Notes& notes) {
 }
 
 int Run(const S_Options& options, C_Console& console) {
+  if (SourceOf(options).empty()) {
+    throw C_UsageFailure("voxtool tags import", options.edit.strFile,
+                         "name what to import with --csv, --json or --labels");
+  }
   return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
     try {
       const C_Json rows = ReadRows(options, file.Info().sample_rate);
@@ -116,23 +119,26 @@ int Run(const S_Options& options, C_Console& console) {
 void AddImportCommand(C_CommandLine& commandLine, CLI::App& tags) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(
-      tags,
-      {"import",
-       "add marks from a table, from JSON or from a label track",
-       "Reads what \"tags export\" writes, and tables that people have written: of the columns, only "
-       "\"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may have a \"name\", and a "
-       "\"length\" or a \"duration\". Where the file has the ids of new cue points already, the new "
-       "ones get others.",
-       {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
-        {"voxtool tags import talk.wav --labels talk.txt --replace",
-         "let a label track replace all marks"}},
-       [options](C_Console& console) { return Run(*options, console); }});
+      tags, {"import",
+             "add marks from a table, from JSON or from a label track",
+             "Reads what \"tags export\" writes, and tables that people have written: of the "
+             "columns, only "
+             "\"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may have a "
+             "\"name\", and a "
+             "\"length\" or a \"duration\". Where the file has the ids of new cue points already, "
+             "the new "
+             "ones get others.",
+             {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
+              {"voxtool tags import talk.wav --labels talk.txt --replace",
+               "let a label track replace all marks"}},
+             [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
-  CLI::Option_group* const pSource = command.add_option_group("");
-  pSource->add_option("--csv", options->strCsv, "comma-separated values")->type_name("FILE");
-  pSource->add_option("--json", options->strJson, "JSON")->type_name("FILE");
-  pSource->add_option("--labels", options->strLabels, "a label track")->type_name("FILE");
-  pSource->require_option(1);
+  auto* const pCsv = command.add_option("--csv", options->strCsv, "comma-separated values");
+  auto* const pJson = command.add_option("--json", options->strJson, "JSON");
+  auto* const pLabels = command.add_option("--labels", options->strLabels, "a label track");
+  for (CLI::Option* const pSource : {pCsv, pJson, pLabels}) pSource->type_name("FILE");
+  pCsv->excludes(pJson)->excludes(pLabels);
+  pJson->excludes(pLabels);
   command.add_flag("--replace", options->bReplace, "remove all marks of the file first");
 }
 

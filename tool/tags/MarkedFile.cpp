@@ -104,9 +104,9 @@ void C_MarkedFile::CheckResult(const std::string& strNew, const voxplay::Notes& 
   const voxplay::Reader result(strNew, VOXPLAY_READ_NO_BARE);
   const voxplay::NotesView held = result.notes();
   const std::uint32_t dwRate = m_info.sample_rate;
-  const bool bSameMarks = !bAllHeld || (RowsOf(held, dwRate) == RowsOf(notes, dwRate) &&
-                                        AreSame(held.sampler(), notes.view().sampler()) &&
-                                        HaveSameChunks(held, notes));
+  const bool bSameMarks =
+      !bAllHeld || (RowsOf(held, dwRate) == RowsOf(notes, dwRate) &&
+                    AreSame(held.sampler(), notes.view().sampler()) && HaveSameChunks(held, notes));
   if (AreSame(result.info(), m_info) && bSameMarks) return;
   throw C_Failure(m_strPath, kUnchanged, "the file would read as something else with these marks");
 }

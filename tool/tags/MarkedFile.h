@@ -25,8 +25,8 @@ class C_MarkedFile {
   [[nodiscard]] const voxplay::Info& Info() const noexcept { return m_info; }
   [[nodiscard]] voxplay::NotesView Notes() const noexcept { return m_reader.notes(); }
 
-  // Writes the file with these notes, looks whether it reads as it should, and lets it appear, whole
-  // or not at all. Returns what it could not hold, one sentence each. Throws C_Failure and
+  // Writes the file with these notes, looks whether it reads as it should, and lets it appear,
+  // whole or not at all. Returns what it could not hold, one sentence each. Throws C_Failure and
   // voxplay::Error; nothing is changed then.
   std::vector<std::string> Save(const voxplay::Notes& notes, const S_MarkTarget& target);
 

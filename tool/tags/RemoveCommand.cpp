@@ -74,8 +74,7 @@ class C_Remover {
   }
   void CheckNumbers(std::size_t nCount) const {
     for (const std::size_t nNumber : m_options.numbers) {
-      if (nNumber >= 1 && nNumber <= nCount &&
-          IsOfKind(m_old, m_options.strKind, nNumber - 1)) {
+      if (nNumber >= 1 && nNumber <= nCount && IsOfKind(m_old, m_options.strKind, nNumber - 1)) {
         continue;
       }
       throw C_Failure(m_options.edit.strFile, "nothing is changed",
@@ -91,9 +90,11 @@ class C_Remover {
     const auto texts = m_old.view().region_texts();
     const auto Add = [this](const auto& record) { m_notes.add(record); };
     m_notes.clear(VOXPLAY_NOTE_LABEL);
-    AddKept(labels, [&](std::size_t n) { return !gone.contains(labels[n].cue_id); }, Add);
+    AddKept(
+        labels, [&](std::size_t n) { return !gone.contains(labels[n].cue_id); }, Add);
     m_notes.clear(VOXPLAY_NOTE_REGION_TEXT);
-    AddKept(texts, [&](std::size_t n) { return !gone.contains(texts[n].cue_id); }, Add);
+    AddKept(
+        texts, [&](std::size_t n) { return !gone.contains(texts[n].cue_id); }, Add);
   }
 
   const S_Options& m_options;
@@ -122,15 +123,15 @@ int Run(const S_Options& options, C_Console& console) {
 void AddRemoveCommand(C_CommandLine& commandLine, CLI::App& tags) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(
-      tags,
-      {"remove",
-       "remove marks from a file",
-       "Removes marks by their kinds and by the numbers that \"tags list\" shows. With a cue point go "
-       "its labels, notes and texts.",
-       {{"voxtool tags remove talk.wav event 3 4", "remove the third and the fourth event"},
-        {"voxtool tags remove talk.wav label --all", "remove all labels"},
-        {"voxtool tags remove talk.wav --all", "remove all marks"}},
-       [options](C_Console& console) { return Run(*options, console); }});
+      tags, {"remove",
+             "remove marks from a file",
+             "Removes marks by their kinds and by the numbers that \"tags list\" shows. With a cue "
+             "point go "
+             "its labels, notes and texts.",
+             {{"voxtool tags remove talk.wav event 3 4", "remove the third and the fourth event"},
+              {"voxtool tags remove talk.wav label --all", "remove all labels"},
+              {"voxtool tags remove talk.wav --all", "remove all marks"}},
+             [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
   command.add_option("KIND", options->strKind, "what to remove")->check(CLI::IsMember(kKinds));
   command.add_option("NUMBER", options->numbers, "which of these")->type_name("NUMBER");

@@ -10,9 +10,11 @@ void AddTagsCommand(C_CommandLine& commandLine) {
       {"tags",
        "show and change events, cue points, labels, silence, regions and loops",
        "Marks of sounds form one table. Each has a kind: an event has two commands and data; a cue "
-       "point is a place with an id, to which labels, notes and texts belong, and a text may give it "
+       "point is a place with an id, to which labels, notes and texts belong, and a text may give "
+       "it "
        "a length; silence and regions are ranges, and so are loops.\n\n"
-       "Marks of WAV, VEMD and VEF files can be changed, whatever codec these have. Samples, streams "
+       "Marks of WAV, VEMD and VEF files can be changed, whatever codec these have. Samples, "
+       "streams "
        "and all other chunks stay as they are, byte for byte, and a file is replaced in one step. "
        "Headers before streams hold no marks.\n\n"
        "Times are seconds (2.5), m:ss.mmm (1:02.500) or samples (32000s).",

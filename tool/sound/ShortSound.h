@@ -9,12 +9,12 @@
 
 namespace tool {
 
-struct S_EmptySound {
+struct S_ShortSound {
   std::vector<std::byte> bytes;
   std::vector<std::string> lost;  // as voxplay::Writer tells it
 };
 
-// The file that a sound without any frames would be: the headers, and the chunks with the notes.
-S_EmptySound WriteEmptySound(const voxplay::Format& format, const voxplay::NotesView& notes = {});
+// The file that a single frame of silence would be: the headers, and the chunks with the notes.
+S_ShortSound WriteShortSound(const voxplay::Format& format, const voxplay::NotesView& notes = {});
 
 }  // namespace tool

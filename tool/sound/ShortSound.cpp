@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sound/EmptySound.h"
+#include "sound/ShortSound.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -41,10 +41,12 @@ class C_MemoryTarget {
 
 }  // namespace
 
-S_EmptySound WriteEmptySound(const voxplay::Format& format, const voxplay::NotesView& notes) {
+S_ShortSound WriteShortSound(const voxplay::Format& format, const voxplay::NotesView& notes) {
   C_MemoryTarget target;
   voxplay::Writer writer(target.Record(), format);
   writer.set_notes(notes);
+  const std::vector<std::int16_t> frame(format.channels);
+  writer.write(std::span(frame));
   writer.finish();
   return {target.Take(), writer.lost()};
 }
