@@ -87,9 +87,7 @@ class C_Collector {
       ++m_result.counts[MARK_CUE];
       const int nColumn = m_columns.ColumnOf(cue.sample_offset - m_qwFirst);
       const auto [mark, bNew] = m_marks.try_emplace(nColumn);
-      if (bNew) {
-        mark->second = {nColumn, cue.sample_offset, MARK_CUE, "#" + std::to_string(cue.id)};
-      }
+      if (bNew) mark->second = {nColumn, cue.sample_offset, MARK_CUE, "#" + std::to_string(cue.id)};
       if (bNew || IsNameless(mark->second, cue)) columnsOf.emplace(cue.id, nColumn);
     }
     NameCues(columnsOf);
