@@ -3,6 +3,8 @@
 // Sounds for tests of the program, written through the public interface.
 #pragma once
 
+#include <sys/resource.h>
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +14,25 @@
 #include <vector>
 
 #include "PublicSounds.h"
+#include "Sanitized.h"
 #include "voxplay.hpp"
+
+// Keeps a program that is being started from taking more memory of its own than this. Programs with
+// a sanitizer need more for themselves, and are let alone.
+inline void LimitOwnMemory(rlim_t cbMost) {
+  const rlimit limit = {cbMost, cbMost};
+  if (!kSanitized) setrlimit(RLIMIT_DATA, &limit);
+}
+
+// Eighty megabytes of samples, made and written piece by piece.
+inline void WriteLongWav(const std::string& strPath) {
+  constexpr int kPieces = 400;
+  voxplay::Writer writer(strPath, FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 16, 48000));
+  std::vector<std::int16_t> piece(100'000);
+  for (std::size_t n = 0; n < piece.size(); ++n) piece[n] = static_cast<std::int16_t>(n * 7);
+  for (int i = 0; i < kPieces; ++i) writer.write(std::span(piece));
+  writer.finish();
+}
 
 inline std::vector<std::int16_t> SineSamples(std::size_t nFrames, double dHz, double dRate,
                                              double dAmplitude) {

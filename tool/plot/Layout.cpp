@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "plot/Legend.h"
+
 namespace tool {
 namespace {
 
@@ -63,7 +65,8 @@ bool C_Layout::Arrange(const S_Heading& heading, std::size_t nChannels) {
   double dTop = 0.0;
   if (m_bAxes) {
     m_dLegend = std::ceil(3.7 * m_dLetters);
-    m_dNames = m_dLegend + std::ceil(heading.nLegendRows * 1.5 * m_dLetters + 0.5 * m_dLetters);
+    m_dNames =
+        m_dLegend + std::ceil(heading.nLegendRows * kLegendRow * m_dLetters + 0.5 * m_dLetters);
     m_dTicks = m_dNames + heading.nNameRows * NameRow() + (heading.nNameRows > 0 ? 2.0 : 0.0);
     m_dBars = m_dTicks + (heading.bTicks ? Tick() + 1 : 0.0);
     dTop = m_dBars + heading.nBars * (Bar() + 1) + (heading.nBars > 0 ? 2.0 : 0.0);

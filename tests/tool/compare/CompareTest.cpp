@@ -273,6 +273,15 @@ TEST_F(Compare, DecodedSpeech_IsInTimeWithItsSource) {
   EXPECT_GT(m_json["together"]["snr_db"].get<double>(), 25.0);
 }
 
+TEST_F(Compare, LongSounds_AreNeverInMemory) {
+  WriteLongWav(Path("a.wav"));
+  C_RunningProgram run = m_program.Start({"compare", Path("a.wav"), Path("a.wav")}, {},
+                                         [] { LimitOwnMemory(40'000'000); });
+  const S_Run ended = run.Wait();
+  EXPECT_EQ(ended.nExit, 0) << ended.strErr;
+  EXPECT_THAT(ended.strOut, HasSubstr("compared 40,000,000 frames\n"));
+}
+
 TEST_F(Compare, OtherRate_IsRefusedWithAWayOut) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 100), 16000);
   WriteWav(Path("b.wav"), NoiseSamples(1000, 100), 8000);

@@ -400,6 +400,15 @@ TEST_F(Plot, HostileFiles_GiveEachAPictureOrOneLine) {
   EXPECT_EQ(nPictures + static_cast<std::size_t>(nLines), nSounds);
 }
 
+TEST_F(Plot, LongSound_IsNeverInMemory) {
+  WriteLongWav(Path("a.wav"));
+  C_RunningProgram run = m_program.Start({"plot", Path("a.wav"), "-o", Path("a.png")}, {},
+                                         [] { LimitOwnMemory(40'000'000); });
+  const S_Run ended = run.Wait();
+  EXPECT_EQ(ended.nExit, 0) << ended.strErr;
+  EXPECT_EQ(C_Pixels(Path("a.png")).Width(), 1200);
+}
+
 TEST_F(Plot, FullDisk_IsAFailure) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
   const std::string strCommand =
