@@ -93,12 +93,12 @@ void AddCompareCommand(C_CommandLine& commandLine) {
   auto arguments = std::make_shared<S_CompareArguments>();
   S_Command command;
   command.strName = "compare";
-  command.strSummary = "Say how two sounds differ";
+  command.strSummary = "say how two sounds differ";
   command.strDescription = kDescription;
   command.examples = {
-      {"voxtool compare speech.wav decoded.wav", "How close a decoded sound is to the original."},
-      {"voxtool compare a.wav b.flac --max-lag 0", "Whether two files have the same samples."},
-      {"voxtool compare a.wav b.wav --json", "The same for programs."}};
+      {"voxtool compare speech.wav decoded.wav", "how close a decoded sound is to the original"},
+      {"voxtool compare a.wav b.flac --max-lag 0", "whether two files have the same samples"},
+      {"voxtool compare a.wav b.wav --json", "the same for programs"}};
   command.fnRun = [arguments](C_Console& console) { return RunCompare(*arguments, console); };
   AddOptions(commandLine.Add(std::move(command)), *arguments);
 }

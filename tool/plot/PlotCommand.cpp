@@ -205,14 +205,14 @@ void AddPlotCommand(C_CommandLine& commandLine) {
   auto arguments = std::make_shared<S_PlotArguments>();
   S_Command command;
   command.strName = "plot";
-  command.strSummary = "Draw waveforms and spectrograms as PNG or SVG";
+  command.strSummary = "draw waveforms and spectrograms as PNG or SVG";
   command.strDescription = kDescription;
   command.examples = {
-      {"voxtool plot speech.kst -o speech.png", "Waveform and spectrogram of a sound."},
-      {"voxtool plot *.wav -d pictures --format svg", "An SVG picture for each of many sounds."},
+      {"voxtool plot speech.kst -o speech.png", "waveform and spectrogram of a sound"},
+      {"voxtool plot *.wav -d pictures --format svg", "an SVG picture for each of many sounds"},
       {"voxtool plot song.flac -o part.png --from 1:30 --to 1:40 --theme dark",
-       "Ten seconds on a dark background."},
-      {"voxtool plot speech.kst -o icon.png --no-axes --size 256x256", "A small picture."}};
+       "ten seconds on a dark background"},
+      {"voxtool plot speech.kst -o icon.png --no-axes --size 256x256", "a small picture"}};
   command.fnRun = [arguments](C_Console& console) {
     SetOptions(*arguments);
     return C_Plotting(*arguments, console).Run();
