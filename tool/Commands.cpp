@@ -7,8 +7,10 @@ namespace tool {
 
 void AddCommands(C_CommandLine& commandLine) { AddConvertCommand(commandLine); }
 #include "check/CheckCommand.h"
+#include "compare/CompareCommand.h"
 #include "header/HeaderCommand.h"
 #include "info/InfoCommand.h"
+#include "plot/PlotCommand.h"
 #include "tags/TagsCommand.h"
 
 namespace tool {
@@ -18,6 +20,8 @@ void AddCommands(C_CommandLine& commandLine) {
   AddCheckCommand(commandLine);
   AddHeaderCommand(commandLine);
   AddTagsCommand(commandLine);
+  AddPlotCommand(commandLine);
+  AddCompareCommand(commandLine);
 }
 
 }  // namespace tool
