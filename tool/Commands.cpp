@@ -3,11 +3,13 @@
 
 #include "completion/CompletionCommand.h"
 #include "manual/ManualCommand.h"
+#include "play/PlayCommand.h"
 
 namespace tool {
 
 void AddCommands(C_CommandLine& commandLine) {
   AddCompletionCommand(commandLine);
+  AddPlayCommand(commandLine);
   AddManualCommand(commandLine);
 }
 

@@ -23,7 +23,7 @@ void AddCompletionCommand(C_CommandLine& commandLine) {
   const auto pstrShell = std::make_shared<std::string>();
   CLI::App& table = commandLine.Add({
       "completion",
-      "print what lets a shell complete voxtool's commands and options",
+      "complete commands and options in shells",
       "Prints a script for the shell. The packages of voxtool install these scripts where the "
       "shells look for them, so this is for other installations.",
       {{"voxtool completion bash >~/.local/share/bash-completion/completions/voxtool",

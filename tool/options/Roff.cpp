@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options/Roff.h"
 
+#include <algorithm>
+#include <cctype>
+
 #include "options/WrappedText.h"
 
 namespace tool {
@@ -45,7 +48,11 @@ void C_Roff::Line(std::string_view macro, std::string_view rest) {
 
 void C_Roff::Title(std::string_view name, std::string_view date, std::string_view version) {
   Line(".\\\" SPDX-License-Identifier: Apache-2.0");
-  Line(".TH", Escaped(name) + " 1 " + std::string(date) + " \"" + std::string(version) +
+  std::string strTitle(name);
+  std::ranges::transform(strTitle, strTitle.begin(), [](unsigned char by) {
+    return static_cast<char>(std::toupper(by));
+  });
+  Line(".TH", Escaped(strTitle) + " 1 " + std::string(date) + " \"" + std::string(version) +
                   "\" \"User Commands\"");
 }
 
