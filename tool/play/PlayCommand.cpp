@@ -32,7 +32,7 @@ constexpr const char* kDescription =
     "and behind are mixed to their side, those in the middle to both, and the one for the lowest "
     "frequencies is left out; of more channels, the odd ones are heard on the left and the even "
     "ones on the right.\n\n"
-    "Times are seconds, m:ss or h:mm:ss with decimals, or a number of frames and an s.";
+    "Times are seconds, m:ss or h:mm:ss with decimals, or frames as in 32000s.";
 
 std::string CheckTime(std::string& strText) {
   return ParsePlayTime(strText) ? "" : strText + " is no time such as 90, 1:30.5 or 720000s";

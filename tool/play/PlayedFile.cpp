@@ -11,7 +11,7 @@
 #include "play/PassingMarks.h"
 #include "play/SoundPlayer.h"
 #include "play/StatusLine.h"
-#include "play/TerminalText.h"
+#include "base/TerminalText.h"
 
 namespace tool {
 namespace {

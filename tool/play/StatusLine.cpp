@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "play/PlayTime.h"
-#include "play/TerminalText.h"
+#include "base/TerminalText.h"
 
 namespace tool {
 namespace {

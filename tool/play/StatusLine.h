@@ -18,8 +18,8 @@ struct S_PlayStatus {
   bool bPaused = false;
 };
 
-// "speech.kst  0:01.250 / 0:05.120  [=====>          ]", in less than nColumns: first the bar goes,
-// then the beginning of the name, then the length.
+// "speech.kst  0:01.250 / 0:05.120  [=====>          ]", in less than nColumns. Where that
+// is little room, the bar goes first, then the beginning of the name, all of it, and the length.
 std::string StatusLine(const S_PlayStatus& status, std::size_t nColumns);
 
 }  // namespace tool

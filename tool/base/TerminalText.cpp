@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "play/TerminalText.h"
+#include "base/TerminalText.h"
 
 #include <clocale>
 #include <cwchar>
