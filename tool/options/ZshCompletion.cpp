@@ -67,7 +67,7 @@ std::string InnerCommandSpec(const CLI::App& command) {
 }
 
 std::string InnerCalls(const CLI::App& command) {
-  std::string strText = "  [[ $state == inner ]] || return\n  case $line[1] in\n";
+  std::string strText = "  [[ $state == inner ]] || return 0\n  case $line[1] in\n";
   for (const CLI::App* pInner : CommandsIn(command)) {
     strText += "    " + pInner->get_name() + ") " + FunctionName(*pInner) + " ;;\n";
   }
