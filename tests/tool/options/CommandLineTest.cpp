@@ -20,7 +20,7 @@ struct S_Outcome {
   std::string strErr;
 };
 
-S_Outcome Run(S_SmallTable& table, const std::vector<const char*>& arguments) {
+S_Outcome OutcomeOf(S_SmallTable& table, const std::vector<const char*>& arguments) {
   S_Outcome outcome;
   CaptureStdout();
   CaptureStderr();
@@ -40,7 +40,7 @@ TEST(CommandLine, ACommandInACommand_IsRun) {
 
 TEST(CommandLine, ACommandThatOnlyHoldsOthers_NeedsOneOfThem) {
   S_SmallTable table;
-  const S_Outcome outcome = Run(table, {"marks"});
+  const S_Outcome outcome = OutcomeOf(table, {"marks"});
   EXPECT_EQ(outcome.nExit, 2);
   EXPECT_EQ(outcome.strErr,
             "voxtool marks: A subcommand is required\nTry \"voxtool marks --help\".\n");
@@ -58,7 +58,7 @@ TEST(CommandLine, WrongWords_AreAnsweredWithTheNearest) {
       {{"marks", "elephants"}, "voxtool marks: elephants: no such command"},
   };
   for (const auto& [arguments, pszLine] : kCases) {
-    const S_Outcome outcome = Run(table, arguments);
+    const S_Outcome outcome = OutcomeOf(table, arguments);
     EXPECT_EQ(outcome.nExit, 2);
     EXPECT_EQ(outcome.strErr.substr(0, outcome.strErr.find('\n')), pszLine);
     EXPECT_EQ(outcome.strOut, "");
@@ -68,12 +68,12 @@ TEST(CommandLine, WrongWords_AreAnsweredWithTheNearest) {
 
 TEST(CommandLine, HelpAndVersion_AreDataEverywhere) {
   S_SmallTable table;
-  const S_Outcome help = Run(table, {"marks", "add", "--help"});
+  const S_Outcome help = OutcomeOf(table, {"marks", "add", "--help"});
   EXPECT_EQ(help.nExit, 0);
   EXPECT_EQ(help.strErr, "");
   EXPECT_TRUE(help.strOut.starts_with("Usage: voxtool marks add [OPTION]... KIND FILE...\n"))
       << help.strOut;
-  const S_Outcome version = Run(table, {"draw", "--version"});
+  const S_Outcome version = OutcomeOf(table, {"draw", "--version"});
   EXPECT_EQ(version.nExit, 0);
   EXPECT_EQ(version.strOut, "voxtool 0.1.0\n");
 }

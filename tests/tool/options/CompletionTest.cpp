@@ -24,7 +24,7 @@ class Completion : public testing::Test {
   void Write(const char* pszName, const std::string& strText) const {
     folder.Write(pszName, {strText.begin(), strText.end()});
   }
-  [[nodiscard]] std::string Run(const std::string& strCommand) const {
+  [[nodiscard]] std::string Shell(const std::string& strCommand) const {
     const auto bytes = RunIn(folder, "cd @/songs/.. && " + strCommand);
     EXPECT_EQ(folder.Read("stderr").size(), 0U);
     return {bytes.begin(), bytes.end()};
@@ -34,11 +34,11 @@ class Completion : public testing::Test {
     Write("ask", "source ./bash\nCOMP_WORDS=(voxtool " + strWords +
                      ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_voxtool\n"
                      "((${#COMPREPLY[@]})) && printf '%s\\n' \"${COMPREPLY[@]}\" | sort\nexit 0\n");
-    return Run("bash ./ask");
+    return Shell("bash ./ask");
   }
   [[nodiscard]] std::string InFish(const std::string& strLine) const {
     Write("ask", "source ./fish\ncomplete -C 'voxtool " + strLine + "'\n");
-    return Run("HOME=@ fish --no-config ./ask");
+    return Shell("HOME=@ fish --no-config ./ask");
   }
 
   const C_TempFolder folder;
@@ -83,7 +83,7 @@ TEST_F(Completion, InFish_TheSameIsOfferedWithMeanings) {
 }
 
 TEST_F(Completion, ForZsh_IsAScriptThatItReads) {
-  EXPECT_EQ(Run("zsh -n ./zsh"), "");
+  EXPECT_EQ(Shell("zsh -n ./zsh"), "");
   const auto bytes = folder.Read("zsh");
   const std::string strText(bytes.begin(), bytes.end());
   EXPECT_TRUE(strText.starts_with("#compdef voxtool\n"));
@@ -93,9 +93,9 @@ TEST_F(Completion, ForZsh_IsAScriptThatItReads) {
 }
 
 TEST_F(Completion, OfTheProgram_IsReadByAllShells) {
-  Run(VOXTOOL " completion bash | bash -n");
-  Run(VOXTOOL " completion zsh | zsh -n");
-  Run(VOXTOOL " completion fish | fish --no-config --no-execute");
+  EXPECT_EQ(Shell(VOXTOOL " completion bash | bash -n"), "");
+  EXPECT_EQ(Shell(VOXTOOL " completion zsh | zsh -n"), "");
+  EXPECT_EQ(Shell(VOXTOOL " completion fish | fish --no-config --no-execute"), "");
 }
 
 }  // namespace
