@@ -53,12 +53,12 @@ riff VEFF >"$folder/vef.pcm"
 riff VEMD >"$folder/vemd.pcm"
 riff WAVE >"$folder/wave"
 printf 'samples' >"$folder/raw.pcm"
-: >"$folder/empty.hrn"
+printf '\1\2\3\200' >"$folder/bare.hrn"
 expect speech.kst audio/x-kestrel
 expect no-extension audio/x-kestrel
 expect old-kestrel audio/x-kestrel
 expect heron audio/x-heron
-expect empty.hrn audio/x-heron
+expect bare.hrn audio/x-heron
 expect vef.pcm audio/x-vef
 expect vemd.pcm audio/x-vemd
 # What is not ours stays what it was.
