@@ -23,7 +23,7 @@ class Terminal:
 
     def __init__(self, voxtool, folder, columns, rows=24, settings=""):
         self.socket = os.path.join(folder, "tmux")
-        environment = {"PATH": os.environ["PATH"], "HOME": folder, "TERM": "xterm",
+        environment = {"PATH": f"{os.path.dirname(voxtool)}:{os.environ['PATH']}", "HOME": folder, "TERM": "xterm",
                        "LANG": "C.UTF-8"}
         # Keys go to the program at once, and the shell is a plain one.
         self.tmux("-f", "/dev/null", "new-session", "-d", "-x", str(columns), "-y", str(rows),
@@ -41,7 +41,7 @@ class Terminal:
         self.tmux("send-keys", *keys)
 
     def run(self, line):
-        self.tmux("send-keys", "-l", line)
+        self.tmux("send-keys", "-l", "--", line)
         self.press("Enter")
 
     def screen(self, *options):
@@ -273,6 +273,38 @@ def help_fits_narrow_terminals(terminal):
     check(not long, long)
 
 
+def completes(terminal, shell, prompt, *lines):
+    terminal.run(shell)
+    for line in lines:
+        terminal.run(line)
+    terminal.run("clear")
+    terminal.wait(lambda screen: screen.strip() == prompt, "the prompt of the shell")
+    typed = f"{prompt} voxtool play"
+    for keys, whole in (("voxtool pl", typed), ("--nu", f"{typed} --null"),
+                        ("minu", f"{typed} --null minute.wav")):
+        terminal.tmux("send-keys", "-l", "--", keys)
+        # Shells take keys that come at once for pasted text.
+        time.sleep(0.2)
+        terminal.press("Tab")
+        terminal.wait(lambda screen: whole in screen.splitlines(), whole)
+
+
+def bash_completes(terminal):
+    completes(terminal, "bash --norc --noprofile", "#", "PS1='# '",
+              "source <(voxtool completion bash)")
+
+
+def zsh_completes(terminal):
+    terminal.run("voxtool completion zsh >_voxtool")
+    completes(terminal, "zsh -f", "z>", "fpath=($PWD $fpath); autoload -Uz compinit",
+              "compinit -u -d dump; PS1='z> '")
+
+
+def fish_completes(terminal):
+    completes(terminal, "fish --no-config --private", ">",
+              "function fish_prompt; echo '> '; end; voxtool completion fish | source")
+
+
 TESTS = {
     "In40Columns_TheLineHasNoBar": (in_40_columns_the_line_has_no_bar, 40, ""),
     "In120Columns_TheLineHasABar": (in_120_columns_the_line_has_a_bar, 120, ""),
@@ -290,13 +322,16 @@ TESTS = {
     "Narrowing_LeavesOneLine": (narrowing_leaves_one_line, 100, ""),
     "NoColor_IsObeyed": (colours_are_not_used_where_they_are_not_wanted, 80, "NO_COLOR=1"),
     "ControlsInNames_AreNotObeyed": (controls_in_names_are_not_obeyed, 80, ""),
+    "Bash_CompletesWhatIsTyped": (bash_completes, 80, ""),
+    "Zsh_CompletesWhatIsTyped": (zsh_completes, 80, ""),
+    "Fish_CompletesWhatIsTyped": (fish_completes, 80, ""),
     "Help_FitsNarrowTerminals": (help_fits_narrow_terminals, 40, ""),
 }
 
 
 def run(voxtool, name):
     test, columns, settings = TESTS[name]
-    with tempfile.TemporaryDirectory() as folder:
+    with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as folder:
         write_wav(os.path.join(folder, "minute.wav"), 60)
         terminal = Terminal(voxtool, folder, columns, settings=settings)
         try:

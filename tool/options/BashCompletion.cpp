@@ -48,8 +48,8 @@ std::string PathCases(const CLI::App& table) {
   VisitCommands(table, [&](const CLI::App& command) {
     if (command.get_parent() == nullptr) return;
     const std::string strBefore = NameInProgram(*command.get_parent());
-    strText += "      " + Quoted(strBefore + " " + command.get_name()) + ") path=" +
-               Quoted(NameInProgram(command)) + " ;;\n";
+    strText += "      " + Quoted(strBefore + " " + command.get_name()) +
+               ") path=" + Quoted(NameInProgram(command)) + " ;;\n";
   });
   return strText;
 }
@@ -77,11 +77,11 @@ std::string ValueCases(const CLI::App& command) {
     if (option.eKind == tagValueKind::NONE || option.bMayLackValue) continue;
     std::string strPatterns;
     for (const std::string& strName : option.names) {
-      strPatterns += (strPatterns.empty() ? "" : " | ") +
-                     Quoted(NameInProgram(command) + " " + strName);
+      strPatterns +=
+          (strPatterns.empty() ? "" : " | ") + Quoted(NameInProgram(command) + " " + strName);
     }
-    strText += "    " + strPatterns + ") words=" + Quoted(JoinedWords(option.choices)) + " kind=" +
-               KindFlag(option.eKind) + " ;;\n";
+    strText += "    " + strPatterns + ") words=" + Quoted(JoinedWords(option.choices)) +
+               " kind=" + KindFlag(option.eKind) + " ;;\n";
   }
   return strText;
 }

@@ -39,11 +39,16 @@ std::string Complete(const CLI::App& command) {
 
 std::string ValueText(const S_Argument& argument) {
   switch (argument.eKind) {
-    case tagValueKind::NONE: return "";
-    case tagValueKind::TEXT: return argument.bMayLackValue ? "" : " -x";
-    case tagValueKind::FILE: return " -r -F";
-    case tagValueKind::FOLDER: return " -x -a '(__fish_complete_directories)'";
-    case tagValueKind::CHOICE: return " -x -a " + QuotedForFish(JoinedWords(argument.choices));
+    case tagValueKind::NONE:
+      return "";
+    case tagValueKind::TEXT:
+      return argument.bMayLackValue ? "" : " -x";
+    case tagValueKind::FILE:
+      return " -r -F";
+    case tagValueKind::FOLDER:
+      return " -x -a '(__fish_complete_directories)'";
+    case tagValueKind::CHOICE:
+      return " -x -a " + QuotedForFish(JoinedWords(argument.choices));
   }
   return "";
 }
@@ -60,10 +65,13 @@ std::string OptionLine(const CLI::App& command, const S_Argument& option) {
 // The values of an operand; an option that takes none has none.
 std::string OperandLine(const CLI::App& command, const S_Argument& operand) {
   switch (operand.eKind) {
-    case tagValueKind::FILE: return Complete(command) + " -F\n";
+    case tagValueKind::FILE:
+      return Complete(command) + " -F\n";
     case tagValueKind::FOLDER:
-    case tagValueKind::CHOICE: return Complete(command) + ValueText(operand).substr(3) + "\n";
-    default: return "";
+    case tagValueKind::CHOICE:
+      return Complete(command) + ValueText(operand).substr(3) + "\n";
+    default:
+      return "";
   }
 }
 

@@ -31,7 +31,8 @@ void AddArguments(C_Roff& page, const CLI::App& table) {
   for (const S_Argument& option : OptionsOf(table)) {
     S_Argument bare = option;
     bare.strValue.clear();
-    page.Term(OptionText(bare), option.bMayLackValue ? "[" + option.strValue + "]" : option.strValue);
+    page.Term(OptionText(bare),
+              option.bMayLackValue ? "[" + option.strValue + "]" : option.strValue);
     page.Paragraphs(option.strMeaning);
   }
 }

@@ -17,14 +17,29 @@ std::string Escaped(std::string_view text) {
   std::string strText;
   for (const char ch : text) {
     switch (ch) {
-      case '\\': strText += "\\e"; break;
-      case '-': strText += "\\-"; break;
-      case '~': strText += "\\(ti"; break;
-      case '^': strText += "\\(ha"; break;
-      case '`': strText += "\\(ga"; break;
-      case '"': strText += "\\(dq"; break;
-      case '\'': strText += "\\(aq"; break;
-      default: strText += ch;
+      case '\\':
+        strText += "\\e";
+        break;
+      case '-':
+        strText += "\\-";
+        break;
+      case '~':
+        strText += "\\(ti";
+        break;
+      case '^':
+        strText += "\\(ha";
+        break;
+      case '`':
+        strText += "\\(ga";
+        break;
+      case '"':
+        strText += "\\(dq";
+        break;
+      case '\'':
+        strText += "\\(aq";
+        break;
+      default:
+        strText += ch;
     }
   }
   return strText;
@@ -49,9 +64,8 @@ void C_Roff::Line(std::string_view macro, std::string_view rest) {
 void C_Roff::Title(std::string_view name, std::string_view date, std::string_view version) {
   Line(".\\\" SPDX-License-Identifier: Apache-2.0");
   std::string strTitle(name);
-  std::ranges::transform(strTitle, strTitle.begin(), [](unsigned char by) {
-    return static_cast<char>(std::toupper(by));
-  });
+  std::ranges::transform(strTitle, strTitle.begin(),
+                         [](unsigned char by) { return static_cast<char>(std::toupper(by)); });
   Line(".TH", Escaped(strTitle) + " 1 " + std::string(date) + " \"" + std::string(version) +
                   "\" \"User Commands\"");
 }
@@ -85,7 +99,8 @@ void C_Roff::Paragraphs(std::string_view text) {
 void C_Roff::Term(std::string_view bold, std::string_view value) {
   Line(".TP");
   const bool bBoth = !bold.empty() && !value.empty();
-  Line((bold.empty() ? "" : Bold(bold)) + (bBoth ? " " : "") + (value.empty() ? "" : Italic(value)));
+  Line((bold.empty() ? "" : Bold(bold)) + (bBoth ? " " : "") +
+       (value.empty() ? "" : Italic(value)));
 }
 
 void C_Roff::Example(std::string_view line) {

@@ -32,11 +32,16 @@ std::string FunctionName(const CLI::App& command) {
 std::string ValueSpec(const S_Argument& argument) {
   const std::string strName = ":" + Escaped(argument.strValue) + ":";
   switch (argument.eKind) {
-    case tagValueKind::NONE: return "";
-    case tagValueKind::TEXT: return strName + " ";
-    case tagValueKind::FILE: return strName + "_files";
-    case tagValueKind::FOLDER: return strName + "_files -/";
-    case tagValueKind::CHOICE: return strName + "(" + JoinedWords(argument.choices) + ")";
+    case tagValueKind::NONE:
+      return "";
+    case tagValueKind::TEXT:
+      return strName + " ";
+    case tagValueKind::FILE:
+      return strName + "_files";
+    case tagValueKind::FOLDER:
+      return strName + "_files -/";
+    case tagValueKind::CHOICE:
+      return strName + "(" + JoinedWords(argument.choices) + ")";
   }
   return "";
 }
@@ -44,8 +49,7 @@ std::string ValueSpec(const S_Argument& argument) {
 std::string OptionSpec(const S_Argument& option, const std::string& strName) {
   const bool bLong = strName.starts_with("--");
   const char* const pszValue = option.eKind == tagValueKind::NONE ? "" : bLong ? "=" : "+";
-  const std::string strExcluded =
-      option.bMany ? "*" : "(" + JoinedWords(option.names) + ")";
+  const std::string strExcluded = option.bMany ? "*" : "(" + JoinedWords(option.names) + ")";
   return Quoted(strExcluded + strName + pszValue + "[" + Escaped(option.strMeaning) + "]" +
                 (option.bMayLackValue ? ":" : "") + ValueSpec(option));
 }

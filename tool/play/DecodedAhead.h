@@ -69,8 +69,8 @@ class C_DecodedAhead {
   mutable std::mutex m_lock;
   std::condition_variable m_changed;
   std::array<S_Piece, kPieces> m_pieces;
-  std::size_t m_nFirst = 0;       // the piece that is taken from
-  std::size_t m_nFilled = 0;      // pieces that hold frames
+  std::size_t m_nFirst = 0;        // the piece that is taken from
+  std::size_t m_nFilled = 0;       // pieces that hold frames
   std::size_t m_nTakenFrames = 0;  // of the first piece
   std::optional<std::uint64_t> m_seek;
   bool m_bEnded = false;  // the decoder is at the end

@@ -51,8 +51,9 @@ C_KeyTerminal::C_KeyTerminal(bool bWanted)
     : m_terminal(bWanted ? OpenTerminal() : -1), m_bUsable(m_terminal.Get() >= 0) {
   if (!m_bUsable) return;
   SetHandler(SIGTSTP, &NoteSuspend, 0);
-  for (const int nSignal : kFatal) SetHandler(nSignal, &PutBackAndDie, static_cast<int>(SA_RESETHAND));
-  Enter();
+  for (const int nSignal : kFatal) {
+    SetHandler(nSignal, &PutBackAndDie, static_cast<int>(SA_RESETHAND));
+  }
 }
 
 C_KeyTerminal::~C_KeyTerminal() { End(); }

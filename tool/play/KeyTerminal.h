@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Single keys from the terminal that the program runs on. The terminal shows no keys that are
-// pressed and gives them at once, without Enter, only while an object lives and the program is in
-// the foreground; then it is as before, also after signals that end or stop the program.
+// pressed and gives them at once, without Enter, only from the first Wait on, while the object
+// lives and the program is in the foreground; then it is as before, also after signals that end or
+// stop the program.
 #pragma once
 
 #include <chrono>

@@ -8,8 +8,8 @@ namespace tool {
 namespace {
 
 std::string EventText(const voxplay::Event& event) {
-  std::string strText = "event " + std::to_string(event.main_command) + "/" +
-                        std::to_string(event.sub_command);
+  std::string strText =
+      "event " + std::to_string(event.main_command) + "/" + std::to_string(event.sub_command);
   if (event.data != 0) strText += ", data " + std::to_string(event.data);
   if (*event.description != '\0') strText += std::string(": ") + event.description;
   return strText;

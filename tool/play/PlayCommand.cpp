@@ -44,9 +44,7 @@ S_PlayedFile FileOf(const S_PlayOptions& options, std::size_t nIndex, const C_Co
   const std::size_t nFiles = options.files.size();
   S_PlayedFile file;
   file.strPath = options.files[nIndex];
-  if (nFiles > 1) {
-    file.strPlace = std::to_string(nIndex + 1) + "/" + std::to_string(nFiles) + " ";
-  }
+  if (nFiles > 1) file.strPlace = std::to_string(nIndex + 1) + "/" + std::to_string(nFiles) + " ";
   file.from = ParsePlayTime(options.strFrom).value_or(S_PlayTime{});
   if (!options.strTo.empty()) file.to = ParsePlayTime(options.strTo);
   file.bAgain = options.bLoop && nFiles == 1;
@@ -124,14 +122,13 @@ void AddOptions(CLI::App& table, S_PlayOptions& options) {
   table.add_option("--from", options.strFrom, "begin at this time")
       ->type_name("TIME")
       ->check(kIsTime);
-  table.add_option("--to", options.strTo, "end at this time")
-      ->type_name("TIME")
-      ->check(kIsTime);
+  table.add_option("--to", options.strTo, "end at this time")->type_name("TIME")->check(kIsTime);
   table.add_flag("-l,--loop", options.bLoop, "play again and again");
   table.add_flag("-q,--quiet", options.bQuiet, "show no position");
   table.add_flag("-v,--verbose", options.bVerbose, "print events and cue points as they pass");
-  table.add_option("--device", options.strDevice,
-                   "play on this output: its name, or a part of it that no other has")
+  table
+      .add_option("--device", options.strDevice,
+                  "play on this output: its name, or a part of it that no other has")
       ->type_name("NAME");
   table.add_flag("--list-devices", options.bListDevices, "print the outputs, and play nothing");
   table.add_flag("--null", options.bSilent, "use no output: take the time in silence");

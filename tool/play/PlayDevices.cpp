@@ -42,9 +42,8 @@ class C_CuttableDevice final : public I_OutputDevice {
 };
 
 std::string Lowered(std::string strText) {
-  std::ranges::transform(strText, strText.begin(), [](unsigned char by) {
-    return static_cast<char>(std::tolower(by));
-  });
+  std::ranges::transform(strText, strText.begin(),
+                         [](unsigned char by) { return static_cast<char>(std::tolower(by)); });
   return strText;
 }
 
@@ -81,9 +80,7 @@ std::unique_ptr<I_OutputDevice> C_PlayDevices::Open(const S_OutputFormat& format
   m_bCut = false;
   if (!m_bSilent) {
     auto device = toolbox::OpenNamedDevice(format, client, m_strDevice);
-    if (device != nullptr) {
-      return std::make_unique<C_CuttableDevice>(std::move(device), m_bCut);
-    }
+    if (device != nullptr) return std::make_unique<C_CuttableDevice>(std::move(device), m_bCut);
     m_console.Complain("no output device; playing silently in real time");
     // A service that does not answer is not asked again for each sound.
     m_bSilent = true;

@@ -26,8 +26,7 @@ C_PlaySource::C_PlaySource(I_SoundInput& sound, const std::string& strName, cons
       m_dwRate(sound.Info().dwRate),
       m_channels(kPieceFrames * sound.Info().dwChannels) {
   if (m_dwRate < kLowestChanged || m_dwRate > kHighestChanged) {
-    throw C_Failure(strName, "cannot be played",
-                    "its rate is " + std::to_string(m_dwRate) + " Hz");
+    throw C_Failure(strName, "cannot be played", "its rate is " + std::to_string(m_dwRate) + " Hz");
   }
   if (m_dwRate < kLowestRate || m_dwRate > kHighestRate) {
     m_change.emplace(m_dwRate, kUsualRate, Channels());

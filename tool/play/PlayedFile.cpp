@@ -8,10 +8,10 @@
 
 #include "base/Failure.h"
 #include "base/Interrupt.h"
+#include "base/TerminalText.h"
 #include "play/PassingMarks.h"
 #include "play/SoundPlayer.h"
 #include "play/StatusLine.h"
-#include "base/TerminalText.h"
 
 namespace tool {
 namespace {
@@ -55,10 +55,9 @@ class C_PlayedSound {
         m_sound(OpenSound(file.strPath)),
         m_span(SpanOf(file, m_sound->Info())),
         m_marks(m_sound->Notes()),
-        m_player(*m_sound, NameOf(file.strPath), {m_span, file.bAgain, file.bShowLine},
-                 [&devices](const auto& format, auto& client) {
-                   return devices.Open(format, client);
-                 }) {
+        m_player(
+            *m_sound, NameOf(file.strPath), {m_span, file.bAgain, file.bShowLine},
+            [&devices](const auto& format, auto& client) { return devices.Open(format, client); }) {
     m_marks.Jump(m_span.qwBegin);
   }
   // Whoever leaves before the end wants no more sound.
@@ -115,17 +114,38 @@ void C_PlayedSound::Step() {
 
 void C_PlayedSound::Follow(tagKey eKey) {
   switch (eKey) {
-    case tagKey::NONE: break;
-    case tagKey::PAUSE: m_player.TogglePause(); break;
-    case tagKey::BACK: Skip(-kSkip); break;
-    case tagKey::FORWARD: Skip(kSkip); break;
-    case tagKey::FAR_BACK: Skip(-kFarSkip); break;
-    case tagKey::FAR_FORWARD: Skip(kFarSkip); break;
-    case tagKey::NEXT: m_wanted = tagAfter::NEXT; break;
-    case tagKey::PREVIOUS: m_wanted = tagAfter::PREVIOUS; break;
-    case tagKey::QUIT: m_wanted = tagAfter::END; break;
-    case tagKey::HELP: m_console.Complain(kHelp); break;
-    case tagKey::SUSPEND: Suspend(); break;
+    case tagKey::NONE:
+      break;
+    case tagKey::PAUSE:
+      m_player.TogglePause();
+      break;
+    case tagKey::BACK:
+      Skip(-kSkip);
+      break;
+    case tagKey::FORWARD:
+      Skip(kSkip);
+      break;
+    case tagKey::FAR_BACK:
+      Skip(-kFarSkip);
+      break;
+    case tagKey::FAR_FORWARD:
+      Skip(kFarSkip);
+      break;
+    case tagKey::NEXT:
+      m_wanted = tagAfter::NEXT;
+      break;
+    case tagKey::PREVIOUS:
+      m_wanted = tagAfter::PREVIOUS;
+      break;
+    case tagKey::QUIT:
+      m_wanted = tagAfter::END;
+      break;
+    case tagKey::HELP:
+      m_console.Complain(kHelp);
+      break;
+    case tagKey::SUSPEND:
+      Suspend();
+      break;
   }
 }
 

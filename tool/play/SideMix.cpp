@@ -38,13 +38,26 @@ C_SideMix::C_SideMix(std::uint32_t dwChannels) : m_dwChannels(dwChannels) {
   for (std::uint32_t n = 0; n < dwChannels; ++n) {
     S_Weights weights;
     switch (PlaceOf(n, dwChannels)) {
-      case 'L': weights = {1.0F, 0.0F}; break;
-      case 'R': weights = {0.0F, 1.0F}; break;
-      case 'l': weights = {kBehind, 0.0F}; break;
-      case 'r': weights = {0.0F, kBehind}; break;
-      case 'c': weights = {kMiddle, kMiddle}; break;
-      case 'b': weights = {kMiddle * kBehind, kMiddle * kBehind}; break;
-      default: break;
+      case 'L':
+        weights = {1.0F, 0.0F};
+        break;
+      case 'R':
+        weights = {0.0F, 1.0F};
+        break;
+      case 'l':
+        weights = {kBehind, 0.0F};
+        break;
+      case 'r':
+        weights = {0.0F, kBehind};
+        break;
+      case 'c':
+        weights = {kMiddle, kMiddle};
+        break;
+      case 'b':
+        weights = {kMiddle * kBehind, kMiddle * kBehind};
+        break;
+      default:
+        break;
     }
     fLeft += weights.fLeft;
     fRight += weights.fRight;

@@ -17,7 +17,7 @@ namespace tool {
 // What is played of a sound, and how.
 struct S_PlayedPart {
   S_PlaySpan span;
-  bool bAgain = false;  // over and over
+  bool bAgain = false;      // over and over
   bool bAfterText = false;  // the cursor stands after text when playback begins
 };
 

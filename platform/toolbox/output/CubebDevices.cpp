@@ -5,8 +5,8 @@ namespace toolbox {
 
 C_CubebDevices::C_CubebDevices(const S_CubebFunctions& functions, cubeb* pContext)
     : m_functions(functions), m_pContext(pContext) {
-  m_bListed = m_functions.enumerate_devices(pContext, CUBEB_DEVICE_TYPE_OUTPUT, &m_devices) ==
-              CUBEB_OK;
+  m_bListed =
+      m_functions.enumerate_devices(pContext, CUBEB_DEVICE_TYPE_OUTPUT, &m_devices) == CUBEB_OK;
 }
 
 C_CubebDevices::~C_CubebDevices() {

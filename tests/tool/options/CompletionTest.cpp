@@ -53,8 +53,7 @@ TEST_F(Completion, InBash_CommandsAndCommandsInThemAreOffered) {
 }
 
 TEST_F(Completion, InBash_OptionsAreThoseOfTheCommand) {
-  EXPECT_EQ(InBash("draw --"),
-            "--dir\n--force\n--help\n--output\n--size\n--theme\n--version\n");
+  EXPECT_EQ(InBash("draw --"), "--dir\n--force\n--help\n--output\n--size\n--theme\n--version\n");
   EXPECT_EQ(InBash("draw --t"), "--theme\n");
   EXPECT_EQ(InBash("marks add --t"), "");
 }

@@ -26,9 +26,9 @@ std::string Shown(const C_TempFolder& folder, const std::string& strPage) {
 TEST(ManualPage, OfACommand_ShowsItsOptionsAsTheyAreTyped) {
   const C_TempFolder folder;
   const S_SmallTable table;
-  const std::string strShown = Shown(
-      folder,
-      tool::ManualPage(table.commandLine, *table.commandLine.Table().get_subcommand("draw")));
+  const std::string strShown =
+      Shown(folder,
+            tool::ManualPage(table.commandLine, *table.commandLine.Table().get_subcommand("draw")));
   EXPECT_NE(strShown.find("voxtool-draw - draw a picture"), std::string::npos) << strShown;
   EXPECT_NE(strShown.find("--theme light|dark\n              its colours"), std::string::npos)
       << strShown;

@@ -9,17 +9,22 @@
 
 struct S_SmallTable {
   S_SmallTable() {
-    CLI::App& marks = commandLine.Add(
-        {"marks", "list and edit marks", "Works on marks.\n\n.Dots and 'quotes' may begin lines.", {},
-         {}});
-    CLI::App& add = commandLine.Add(
-        marks, {"add", "add a mark", "", {{"voxtool marks add cue x.wav", "add a cue point"}},
-                [this](tool::C_Console&) { return Note("add"); }});
-    add.add_option("KIND", strText, "what it is")->required()->check(CLI::IsMember({"cue", "loop"}));
+    CLI::App& marks = commandLine.Add({"marks",
+                                       "list and edit marks",
+                                       "Works on marks.\n\n.Dots and 'quotes' may begin lines.",
+                                       {},
+                                       {}});
+    CLI::App& add = commandLine.Add(marks, {"add",
+                                            "add a mark",
+                                            "",
+                                            {{"voxtool marks add cue x.wav", "add a cue point"}},
+                                            [this](tool::C_Console&) { return Note("add"); }});
+    add.add_option("KIND", strText, "what it is")
+        ->required()
+        ->check(CLI::IsMember({"cue", "loop"}));
     add.add_option("FILE", files, "where it goes")->required()->type_name("FILE");
-    commandLine.Add(marks, {"list", "list them", "", {}, [this](tool::C_Console&) {
-                              return Note("list");
-                            }});
+    commandLine.Add(
+        marks, {"list", "list them", "", {}, [this](tool::C_Console&) { return Note("list"); }});
     CLI::App& draw = commandLine.Add({"draw",
                                       "draw a picture",
                                       "Draws.",

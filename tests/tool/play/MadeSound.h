@@ -9,7 +9,8 @@
 #include "base/Failure.h"
 #include "sound/SoundInput.h"
 
-// A sound whose samples tell where they are: each channel of a frame is its number, divided by 2^20.
+// A sound whose samples tell where they are: each channel of a frame is its number, divided by
+// 2^20.
 class C_MadeSound final : public tool::I_SoundInput {
  public:
   C_MadeSound(std::uint32_t dwRate, std::uint32_t dwChannels, std::uint64_t qwFrames) {

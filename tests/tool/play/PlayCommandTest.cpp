@@ -3,8 +3,8 @@
 // "voxtool play" without a sound server and without a terminal.
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <thread>
 
@@ -48,8 +48,8 @@ TEST_F(PlayCommand, InWantedSilence_SaysNothing) {
 
 TEST_F(PlayCommand, AFileThatCannotBePlayed_DoesNotStopTheOthers) {
   folder.Write("b.wav", {'n', 'o', 't', 'h', 'i', 'n', 'g'});
-  const S_Run run = Run({"--null", folder.Path("none.wav"), folder.Path("b.wav"),
-                         Wav("a.wav", 2000)});
+  const S_Run run =
+      Run({"--null", folder.Path("none.wav"), folder.Path("b.wav"), Wav("a.wav", 2000)});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_TRUE(run.strErr.starts_with(folder.Path("none.wav") + ": ")) << run.strErr;
   EXPECT_NE(run.strErr.find("\n" + folder.Path("b.wav") + ": "), std::string::npos) << run.strErr;
@@ -87,9 +87,10 @@ TEST_F(PlayCommand, EventsInThePart_PassInOrder) {
 
 TEST_F(PlayCommand, TimesThatCannotBeMeant_AreUsageFailures) {
   const std::string strFile = Wav("a.wav", 8000);
-  for (const C_Program::Texts& operands :
-       {C_Program::Texts{"--from", "x", strFile}, {"--to", "1:99", strFile},
-        {"--from", "0.5", "--to", "0.2", strFile}, {}}) {
+  for (const C_Program::Texts& operands : {C_Program::Texts{"--from", "x", strFile},
+                                           {"--to", "1:99", strFile},
+                                           {"--from", "0.5", "--to", "0.2", strFile},
+                                           {}}) {
     const S_Run run = Run(operands);
     EXPECT_EQ(run.nExit, 2) << run.strErr;
     EXPECT_TRUE(run.strErr.starts_with("voxtool play: ")) << run.strErr;
@@ -122,8 +123,7 @@ TEST_F(PlayCommand, WithoutAService_ThereAreNoDevicesToList) {
 TEST_F(PlayCommand, Interrupted_EndsWith130) {
   WriteKestrel(folder.Path("a.kst"), 160000);
   for (const int nSignal : {SIGINT, SIGTERM}) {
-    C_RunningProgram running =
-        program.Start({"play", "-v", "--null", folder.Path("a.kst")});
+    C_RunningProgram running = program.Start({"play", "-v", "--null", folder.Path("a.kst")});
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     running.Send(nSignal);
     EXPECT_EQ(running.Wait().nExit, 130);

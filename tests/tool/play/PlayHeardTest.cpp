@@ -28,8 +28,7 @@ class PlayHeard : public testing::Test {
                    double dLeastSeconds) const {
     ASSERT_TRUE(server.Start());
     S_Run run;
-    const auto sound =
-        server.RecordUntilSame(BytesOf(want), [&] { run = Run(server, operands); });
+    const auto sound = server.RecordUntilSame(BytesOf(want), [&] { run = Run(server, operands); });
     EXPECT_EQ(sound.same, tagSameSound::Exact) << sound.Description();
     EXPECT_GT(sound.bytes.size(), want.size() * sizeof(Sample) / 2) << "silence proves nothing";
     EXPECT_EQ(run.strOut + run.strErr, "");
@@ -91,7 +90,8 @@ TEST_F(PlayHeard, AServerThatFreezes_IsNotWaitedFor) {
   WriteWav(folder.Path("a.wav"), 16000, 1, 48000);
   C_SoundServer server(16000, "s16le", 1);
   ASSERT_TRUE(server.Start());
-  auto running = std::async(std::launch::async, [&] { return Run(server, {folder.Path("a.wav")}); });
+  auto running =
+      std::async(std::launch::async, [&] { return Run(server, {folder.Path("a.wav")}); });
   ASSERT_TRUE(server.WaitForStreams(1));
   server.Freeze();
   const S_Run run = running.get();

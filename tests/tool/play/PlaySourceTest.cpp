@@ -127,7 +127,7 @@ std::vector<float> Taken(C_DecodedAhead& ahead, std::size_t nFrames, std::uint64
   return samples;
 }
 
-TEST(DecodedAhead, GivesEveryFrameOnceAndSaysWhereItIs) {
+TEST(DecodedAhead, EveryFrame_IsGivenOnceWithItsPlace) {
   C_MadeSound sound(8000, 1, 1000000);
   C_PlaySource source(sound, "made.wav", {});
   C_DecodedAhead ahead(source, 0, false);

@@ -55,8 +55,13 @@ TEST(PlayTime, Texts_HaveHoursOnlyWhereThereAreSome) {
 
 TEST(TerminalText, WhatATerminalObeys_IsReplaced) {
   EXPECT_EQ(tool::Printable("a\x1b[2Jb\r\n\x7f"), "a?[2Jb???");
-  EXPECT_EQ(tool::Printable("\xff" "a\xc3"), "?a?");
-  EXPECT_EQ(tool::Printable("\xc2\x9b" "1m"), "?1m") << "controls of one character are U+009B";
+  EXPECT_EQ(tool::Printable("\xff"
+                            "a\xc3"),
+            "?a?");
+  EXPECT_EQ(tool::Printable("\xc2\x9b"
+                            "1m"),
+            "?1m")
+      << "controls of one character are U+009B";
   EXPECT_EQ(tool::Printable("gr\xc3\xbc\xc3\x9f"), "gr\xc3\xbc\xc3\x9f");
 }
 
@@ -84,9 +89,8 @@ tool::S_PlayStatus Status() {
   return status;
 }
 
-TEST(StatusLine, HasABarWhereThereIsRoom) {
-  EXPECT_EQ(StatusLine(Status(), 56),
-            "speech.kst  0:01.250 / 0:05.000  [=====>              ]");
+TEST(StatusLine, WhereThereIsRoom_HasABar) {
+  EXPECT_EQ(StatusLine(Status(), 56), "speech.kst  0:01.250 / 0:05.000  [=====>              ]");
   EXPECT_EQ(StatusLine(Status(), 46), "speech.kst  0:01.250 / 0:05.000  [==>       ]");
   EXPECT_EQ(StatusLine(Status(), 45), "speech.kst  0:01.250 / 0:05.000");
 }
@@ -121,9 +125,9 @@ TEST(StatusLine, PausedAndOfUnknownLength_SaysSo) {
 
 TEST(Keys, ArrowsInBothForms_AreKnown) {
   std::string strSent = " \x1b[C\x1bOA\x1b[D\x1b[Bnpq?";
-  const std::deque<tagKey> want = {tagKey::PAUSE,    tagKey::FORWARD, tagKey::FAR_FORWARD,
+  const std::deque<tagKey> want = {tagKey::PAUSE,    tagKey::FORWARD,  tagKey::FAR_FORWARD,
                                    tagKey::BACK,     tagKey::FAR_BACK, tagKey::NEXT,
-                                   tagKey::PREVIOUS, tagKey::QUIT,    tagKey::HELP};
+                                   tagKey::PREVIOUS, tagKey::QUIT,     tagKey::HELP};
   EXPECT_EQ(tool::TakeKeys(strSent), want);
   EXPECT_EQ(strSent, "");
 }
@@ -142,7 +146,7 @@ TEST(Keys, WithoutAMeaning_AreDropped) {
   EXPECT_EQ(strSent, "");
 }
 
-TEST(PlayClock, CountsFromWhenFramesAreHeard) {
+TEST(PlayClock, GivenFrames_CountWhenTheyAreHeard) {
   using namespace std::chrono_literals;
   const tool::C_PlayClock::Time begin{100s};
   tool::C_PlayClock clock(8000, 1000);
@@ -189,15 +193,16 @@ tool::C_PassingMarks ThreeMarks() {
 
 std::string TextsOf(const std::vector<tool::C_PassingMarks::S_Mark>& marks) {
   std::string strText;
-  for (const auto& mark : marks) strText += std::to_string(mark.qwFrame) + " " + mark.strText + "\n";
+  for (const auto& mark : marks) {
+    strText += std::to_string(mark.qwFrame) + " " + mark.strText + "\n";
+  }
   return strText;
 }
 
-TEST(PassingMarks, AreGivenOnceAndInOrder) {
+TEST(PassingMarks, AllOfThem_AreGivenOnceAndInOrder) {
   tool::C_PassingMarks marks = ThreeMarks();
   EXPECT_EQ(TextsOf(marks.Passed(1999)), "");
-  EXPECT_EQ(TextsOf(marks.Passed(3500)),
-            "2000 event 3/7, data 48: two\n3000 cue point 9: three\n");
+  EXPECT_EQ(TextsOf(marks.Passed(3500)), "2000 event 3/7, data 48: two\n3000 cue point 9: three\n");
   EXPECT_EQ(TextsOf(marks.Passed(3500)), "");
   EXPECT_EQ(TextsOf(marks.Passed(9999)), "4000 event 1/2\n");
 }

@@ -41,14 +41,15 @@ inline std::vector<std::int16_t> WriteKestrel(const std::string& strPath, std::s
 }
 
 // The part of a sound with one channel.
-inline std::vector<std::int16_t> Part(const std::vector<std::int16_t>& samples,
-                                      std::size_t nBegin, std::size_t nEnd) {
+inline std::vector<std::int16_t> Part(const std::vector<std::int16_t>& samples, std::size_t nBegin,
+                                      std::size_t nEnd) {
   return {samples.begin() + static_cast<std::ptrdiff_t>(nBegin),
           samples.begin() + static_cast<std::ptrdiff_t>(nEnd)};
 }
 
 inline std::vector<float> AsFloats(const std::vector<std::int16_t>& samples) {
   std::vector<float> floats;
-  for (const std::int16_t nSample : samples) floats.push_back(static_cast<float>(nSample) / 32768.0F);
+  floats.reserve(samples.size());
+  for (const std::int16_t n : samples) floats.push_back(static_cast<float>(n) / 32768.0F);
   return floats;
 }
