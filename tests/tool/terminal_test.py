@@ -200,6 +200,8 @@ def signals_put_the_terminal_back(terminal):
                          (signal.SIGABRT, 134), (signal.SIGSEGV, 139)):
         terminal.run("clear; sh -c 'echo $$ >pid; exec $0 play --null minute.wav' $program; "
                      "echo ended-$?")
+        # What the last one left on the screen must not be taken for this one.
+        terminal.wait(lambda screen: "told-" not in screen, "an empty screen")
         terminal.wait_for(r"^minute\.wav  0:0")
         with open(os.path.join(os.path.dirname(terminal.socket), "pid"), encoding="ascii") as file:
             os.kill(int(file.read()), number)

@@ -47,7 +47,7 @@ std::string StatusLine(const S_PlayStatus& status, std::size_t nColumns) {
   if (strTimes.size() > nRoom) strTimes = PlayTimeText(status.qwFrame, status.dwRate) + strMark;
   if (strTimes.size() + kBetweenColumns + kShortestName > nRoom) return strTimes.substr(0, nRoom);
   const std::string strName = FittedEnd(status.strName, nRoom - strTimes.size() - kBetweenColumns);
-  const std::string strText = strName + kBetween + strTimes;
+  std::string strText = strName + kBetween + strTimes;
   const std::size_t nTaken = ColumnsOf(strText) + kBetweenColumns + 2;
   if (nRoom < nTaken + kShortestBar || status.qwFrames == kFramesUnknown) return strText;
   return strText + kBetween + Bar(status, std::min(nRoom - nTaken, kLongestBar));
