@@ -25,7 +25,8 @@ player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg
 # What voxtool needs beside what the player needs.
 tool=(libcli11-dev nlohmann-json3-dev libcairo2-dev libkissfft-dev libsqlite3-dev fonts-dejavu-core)
 tests=("${tool[@]}" libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
-  ffmpeg)
+  ffmpeg tmux zsh fish man-db mandoc python3-minimal desktop-file-utils appstream libxml2-utils shared-mime-info
+  libglib2.0-bin)
 # What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
 ci=(git lld clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")

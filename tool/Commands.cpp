@@ -22,6 +22,16 @@ void AddCommands(C_CommandLine& commandLine) {
   AddTagsCommand(commandLine);
   AddPlotCommand(commandLine);
   AddCompareCommand(commandLine);
+#include "completion/CompletionCommand.h"
+#include "manual/ManualCommand.h"
+#include "play/PlayCommand.h"
+
+namespace tool {
+
+void AddCommands(C_CommandLine& commandLine) {
+  AddCompletionCommand(commandLine);
+  AddPlayCommand(commandLine);
+  AddManualCommand(commandLine);
 }
 
 }  // namespace tool

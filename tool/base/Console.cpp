@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "base/Failure.h"
+#include "base/TerminalText.h"
 
 namespace tool {
 namespace {
@@ -26,9 +27,11 @@ bool TerminalHasColours() {
   throw C_Failure("standard output", "cannot be written", SystemReason(errno));
 }
 
-void ToErrors(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
+void ToErrors(std::string_view text) {
+  if (!text.empty()) std::fwrite(text.data(), 1, text.size(), stderr);
+}
 
-std::size_t ColumnsOf(int nTerminal) {
+std::size_t WidthOf(int nTerminal) {
   winsize size{};
   const bool bKnown = ioctl(nTerminal, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
   return bKnown ? size.ws_col : kUsualColumns;
@@ -64,19 +67,27 @@ void C_Console::ShowProgress(std::string_view line) {
   if (!m_bErrIsTerminal) return;
   const std::lock_guard lock(m_lock);
   if (line == m_strProgress) return;
-  TakeProgressAway();
+  // In one piece, so that it does not flicker.
+  ToErrors(Erasure() + std::string(line));
   m_strProgress = line;
-  ToErrors(line);
 }
 
-std::size_t C_Console::Columns() const noexcept { return ColumnsOf(STDERR_FILENO); }
-std::size_t C_Console::OutputColumns() const noexcept { return ColumnsOf(STDOUT_FILENO); }
+std::size_t C_Console::Columns() const noexcept { return WidthOf(STDERR_FILENO); }
+std::size_t C_Console::OutputColumns() const noexcept { return WidthOf(STDOUT_FILENO); }
+
+// What takes the progress away. Terminals that have become narrower since have broken its line, and
+// the cursor is in the last part of it.
+std::string C_Console::Erasure() const {
+  if (m_strProgress.empty()) return "";
+  const std::size_t nRowsAbove = (ColumnsOf(m_strProgress) - 1) / Columns();
+  const std::string strUp = "\x1b[" + std::to_string(nRowsAbove) + "A";
+  // To the first column, and everything after it away.
+  return (nRowsAbove > 0 ? strUp : "") + "\r\x1b[J";
+}
 
 void C_Console::TakeProgressAway() {
-  if (m_strProgress.empty()) return;
+  ToErrors(Erasure());
   m_strProgress.clear();
-  // To the first column, and everything after it away.
-  ToErrors("\r\x1b[K");
 }
 
 }  // namespace tool

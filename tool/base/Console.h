@@ -41,6 +41,7 @@ class C_Console {
   [[nodiscard]] std::size_t OutputColumns() const noexcept;
 
  private:
+  [[nodiscard]] std::string Erasure() const;
   void TakeProgressAway();
 
   std::mutex m_lock;

@@ -44,14 +44,15 @@ int ShowText(const std::string& strText, C_Console& console) {
 
 // What the whole program is, in the words of a command.
 S_Command Program() {
-  return {"voxtool",
-          "see, convert, mark, check, draw and play sound files",
-          "voxtool works with compressed speech in the codecs Kestrel and Heron, with VEF and VEMD "
-          "containers and WAV files of most kinds, and reads FLAC, Ogg, Opus, MP3 and AIFF as well. "
-          "Events and marks in files are kept wherever the target can hold them.\n\n"
-          "\"-\" as a file name stands for standard input or output.",
-          {},
-          {}};
+  return {
+      "voxtool",
+      "see, convert, mark, check, draw and play sound files",
+      "voxtool works with compressed speech in the codecs Kestrel and Heron, with VEF and VEMD "
+      "containers and WAV files of most kinds, and reads FLAC, Ogg, Opus, MP3 and AIFF as well. "
+      "Events and marks in files are kept wherever the target can hold them.\n\n"
+      "\"-\" as a file name stands for standard input or output.",
+      {},
+      {}};
 }
 
 }  // namespace

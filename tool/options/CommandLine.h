@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The commands of the program and their options. This is the one table of them: parsing, --help
-// (HelpText.h), the manual pages (ManualPage.h) and the completions of shells (Completion.h) are all
-// made from it.
+// (HelpText.h), the manual pages (ManualPage.h) and the completions of shells (Completion.h) are
+// all made from it.
 #pragma once
 
 #include <CLI/CLI.hpp>

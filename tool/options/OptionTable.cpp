@@ -106,7 +106,7 @@ std::string NameInProgram(const CLI::App& table) {
 }
 
 std::string OptionText(const S_Argument& option) {
-  const std::string strNames = Joined(option.names, ", ");
+  std::string strNames = Joined(option.names, ", ");
   if (option.strValue.empty()) return strNames;
   return strNames + (option.bMayLackValue ? " [" + option.strValue + "]" : " " + option.strValue);
 }
