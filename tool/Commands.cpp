@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Commands.h"
 
-#include "convert/ConvertCommand.h"
-
-namespace tool {
-
-void AddCommands(C_CommandLine& commandLine) { AddConvertCommand(commandLine); }
 #include "check/CheckCommand.h"
 #include "compare/CompareCommand.h"
+#include "completion/CompletionCommand.h"
+#include "convert/ConvertCommand.h"
 #include "header/HeaderCommand.h"
 #include "info/InfoCommand.h"
+#include "manual/ManualCommand.h"
+#include "play/PlayCommand.h"
 #include "plot/PlotCommand.h"
 #include "tags/TagsCommand.h"
 
@@ -17,20 +16,14 @@ namespace tool {
 
 void AddCommands(C_CommandLine& commandLine) {
   AddInfoCommand(commandLine);
-  AddCheckCommand(commandLine);
-  AddHeaderCommand(commandLine);
+  AddPlayCommand(commandLine);
+  AddConvertCommand(commandLine);
   AddTagsCommand(commandLine);
+  AddHeaderCommand(commandLine);
+  AddCheckCommand(commandLine);
   AddPlotCommand(commandLine);
   AddCompareCommand(commandLine);
-#include "completion/CompletionCommand.h"
-#include "manual/ManualCommand.h"
-#include "play/PlayCommand.h"
-
-namespace tool {
-
-void AddCommands(C_CommandLine& commandLine) {
   AddCompletionCommand(commandLine);
-  AddPlayCommand(commandLine);
   AddManualCommand(commandLine);
 }
 
