@@ -49,6 +49,15 @@ bool IsForClasses(const C_Bytes& bytes) {
   return LabelsArePlaced(file.Path().c_str());
 }
 
+// Small blocks may stand for minutes of silence. Longer sounds take more time and show nothing new.
+bool IsShort(const C_Bytes& bytes) {
+  constexpr std::uint64_t kMostSamples = 500'000;
+  const auto attempt = api::test::OpenedByReader(bytes, 0);
+  if (!attempt.reader) return true;
+  const voxplay_info info = attempt.reader->Info();
+  return info.frames <= kMostSamples / info.channels;
+}
+
 bool HasText(const C_Bytes& bytes, std::string_view text) {
   return std::search(bytes.begin(), bytes.end(), text.begin(), text.end()) != bytes.end();
 }
@@ -70,7 +79,7 @@ TEST_P(ReaderCorpora, Inputs_OpenAlike) {
   for (std::size_t i = 0; i < inputs->size() && !HasFailure(); ++i) {
     SCOPED_TRACE(i);
     const C_Bytes bytes = GetParam().pfnFile((*inputs)[i]);
-    if (!IsForClasses(bytes)) continue;
+    if (!IsForClasses(bytes) || !IsShort(bytes)) continue;
     for (const std::uint32_t dwFlags : FlagsFor(bytes)) {
       SCOPED_TRACE(dwFlags);
       api::test::Compare(bytes, dwFlags, counts);
