@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Writes any sound in any format with any notes through the public interface, reads it back, and
-// compares: PCM of 16 bits and the notes that a WAV file holds come back as they were, and whatever
-// cannot be written is refused.
+// compares: PCM of 16 bits and the notes come back as they were, whatever notes do not are among
+// those that the writer says are lost, and whatever cannot be written is refused.
 //
 //   scripts/fuzz.sh 60 api_writer
 //
@@ -17,6 +17,7 @@
 
 #include "FuzzInput.h"
 #include "MemoryOutput.h"
+#include "NotesComeBack.h"
 #include "Require.h"
 #include "voxplay.hpp"
 
@@ -51,9 +52,25 @@ std::string TakeText(C_FuzzInput& input) {
   return strText.substr(0, strText.find('\0'));
 }
 
+void AddChunk(C_FuzzInput& input, voxplay::Notes& notes, unsigned int dwWhich) {
+  // Some are the file's own, or look like padding.
+  static constexpr std::array<const char*, 6> kIDs = {"fuzz", "JUNK", "data",
+                                                      "vafm", "bext", "fact"};
+  const auto bytes = input.Bytes(input.Below(60));
+  voxplay::Chunk chunk{{}, bytes.data(), bytes.size()};
+  std::copy_n(kIDs[dwWhich % kIDs.size()], sizeof chunk.id, chunk.id);
+  notes.add(chunk);
+}
+
+void SetSampler(C_FuzzInput& input, voxplay::Notes& notes) {
+  const auto bytes = input.Bytes(input.Below(9));
+  notes.set_sampler({input.U8(), 2, input.U16(), input.U8(), 5, 6, 7, bytes.data(), bytes.size()});
+}
+
 void AddNote(C_FuzzInput& input, voxplay::Notes& notes) {
   const std::uint32_t dwID = input.Below(12);
-  switch (input.Below(8)) {
+  const unsigned int dwKind = input.U8();
+  switch (dwKind % 8) {
     case 0:
       notes.add(voxplay::Event{input.U16(), input.U16(), input.U16(), input.U8(), nullptr});
       break;
@@ -68,7 +85,9 @@ void AddNote(C_FuzzInput& input, voxplay::Notes& notes) {
       break;
     case 4: {
       const std::string strText = TakeText(input);
-      notes.add(voxplay::Label{dwID, {'l', 'a', 'b', 'l'}, strText.c_str()});
+      voxplay::Label label{dwID, {'l', 'a', 'b', 'l'}, strText.c_str()};
+      if (dwKind >= 224) std::copy_n("note", sizeof label.type, label.type);
+      notes.add(label);
       break;
     }
     case 5: {
@@ -78,12 +97,11 @@ void AddNote(C_FuzzInput& input, voxplay::Notes& notes) {
       break;
     }
     case 6:
+      if (dwKind >= 200) return SetSampler(input, notes);
       notes.add(voxplay::Loop{dwID, input.Below(3), input.U16(), input.U16(), 0, input.U8()});
       break;
-    default: {
-      const auto bytes = input.Bytes(input.Below(60));
-      notes.add(voxplay::Chunk{{'f', 'u', 'z', 'z'}, bytes.data(), bytes.size()});
-    }
+    default:
+      AddChunk(input, notes, dwKind / 32);
   }
 }
 
@@ -117,8 +135,24 @@ voxplay_status WritePiece(voxplay_writer* pWriter, std::uint8_t byKind,
   return voxplay_writer_write_f32(pWriter, Converted(piece, 1.0F / 32768.0F).data(), nFrames);
 }
 
-void CheckReadBack(const std::vector<std::uint8_t>& bytes, const voxplay_format& format,
-                   const std::vector<std::int16_t>& samples) {
+std::vector<std::string> LostOf(const voxplay_writer* pWriter) {
+  std::vector<std::string> lost;
+  for (std::size_t n = 0; n < voxplay_writer_lost_count(pWriter); ++n) {
+    lost.emplace_back(voxplay_writer_lost(pWriter, n));
+  }
+  return lost;
+}
+
+// What a writer was given, and what it made of that.
+struct S_Written {
+  voxplay_format format;
+  voxplay::Notes notes;
+  std::vector<std::int16_t> samples;
+  std::vector<std::string> lost;
+};
+
+void CheckReadBack(const std::vector<std::uint8_t>& bytes, const S_Written& written) {
+  const auto& [format, notes, samples, lost] = written;
   const bool bStream = format.container == VOXPLAY_CONTAINER_VEF &&
                        format.codec != VOXPLAY_CODEC_PCM && samples.size() % 2 == 0;
   voxplay::Reader reader(std::as_bytes(std::span(bytes)), bStream ? VOXPLAY_READ_STREAM : 0);
@@ -130,22 +164,22 @@ void CheckReadBack(const std::vector<std::uint8_t>& bytes, const voxplay_format&
   const bool bPcm = format.codec == VOXPLAY_CODEC_PCM || format.codec == VOXPLAY_CODEC_FLOAT ||
                     (format.container == VOXPLAY_CONTAINER_VEF && !bStream);
   if (bPcm && format.bits_per_sample != 8) Require(read == samples);
+  RequireNotesComeBack(notes, reader.notes(), lost);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   C_FuzzInput input(pData, cbData);
-  const voxplay_format format = TakeFormat(input);
+  S_Written written{TakeFormat(input), {}, {}, {}};
+  auto& [format, notes, samples, lost] = written;
   C_MemoryOutput output(!input.Flag(), input.Below(4) == 0 ? 1 + input.U8() : 1 << 30);
   const voxplay_output record = output.Record();
   const bool bAllowed = voxplay_format_check(&format, sizeof format, nullptr, 0) == VOXPLAY_OK;
   voxplay_writer* const pWriter = voxplay_writer_new();
   voxplay_status eStatus = voxplay_writer_open_output(pWriter, &record, &format, sizeof format);
   Require(bAllowed || eStatus == VOXPLAY_UNSUPPORTED);
-  voxplay::Notes notes;
   for (unsigned int n = input.Below(8); n > 0; --n) AddNote(input, notes);
-  std::vector<std::int16_t> samples;
   if (eStatus == VOXPLAY_OK) {
     Require(voxplay_writer_set_notes(pWriter, notes.view().get()) == VOXPLAY_OK);
     for (unsigned int n = 1 + input.Below(3); n > 0 && eStatus == VOXPLAY_OK; --n) {
@@ -157,11 +191,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
     if (eStatus == VOXPLAY_OK) eStatus = voxplay_writer_finish(pWriter);
   }
   Require((eStatus == VOXPLAY_OK) == (*voxplay_writer_message(pWriter) == '\0'));
+  lost = LostOf(pWriter);
   voxplay_writer_free(pWriter);
   const bool bBareHeron =
       format.container == VOXPLAY_CONTAINER_BARE && format.codec == VOXPLAY_CODEC_HERON;
   if (eStatus == VOXPLAY_OK && !bBareHeron && !samples.empty()) {
-    CheckReadBack(output.Bytes(), format, samples);
+    CheckReadBack(output.Bytes(), written);
   }
   return 0;
 }

@@ -7,10 +7,7 @@
 //
 //   scripts/fuzz.sh 60 heron_stream
 //
-// Input: rate and shape, then one of these:
-//   shape 0   a stream
-//   shape 1   mode and sample count of a sound of one block, then its run
-//   shape 2   the sample count of a sound of several blocks, then pieces: what, length, bytes
+// Input: what HeronStreams.h makes a stream of.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -22,6 +19,7 @@
 #include "ByteReader.h"
 #include "FuzzFile.h"
 #include "FuzzInput.h"
+#include "HeronStreams.h"
 #include "Processor.h"
 #include "Require.h"
 #include "codec/HeronCodec.h"
@@ -38,55 +36,8 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Samples = std::vector<std::int16_t>;
 
-constexpr std::array<int, 6> kRates = {4000, 8000, 11025, 16000, 44100, 48000};
 // Some bytes may stand for a silence of seconds. Longer sounds take more time and show nothing new.
 constexpr std::size_t kMostSamples = 6 * heron::BlockLength(4000);
-constexpr std::size_t kMostPieces = 12;
-
-// ---- making streams
-
-Bytes StreamOf(const Bytes& coded, std::uint8_t byMode) {
-  Bytes stream = {byMode, 0, 0, 0};
-  stream.insert(stream.end(), coded.begin(), coded.end());
-  return stream;
-}
-
-Bytes OneBlock(C_FuzzInput& input) {
-  const auto byMode = static_cast<std::uint8_t>(1 + input.Below(5));
-  Bytes coded;
-  heron::AppendCount(coded, input.U16() % 4096U);
-  heron::AppendOnlyBlock(coded, input.Rest());
-  return StreamOf(coded, byMode);
-}
-
-// Nearly all pieces are blocks in their order. Others have any number, or a wrong check, or are no
-// blocks at all.
-Bytes SeveralBlocks(C_FuzzInput& input, int nRate) {
-  Bytes coded;
-  const std::uint32_t dwCount = input.U16();
-  const auto nLength = static_cast<std::uint32_t>(heron::BlockLength(nRate));
-  heron::AppendCount(coded, dwCount == 0xFFFF ? 0xFFFFFFFF : nLength + dwCount);
-  std::size_t nNumber = 0;
-  for (std::size_t n = 0; n < kMostPieces && !input.Ended(); ++n) {
-    const std::uint8_t byWhat = input.U8();
-    if (byWhat % 16 == 0) nNumber = input.U8();
-    const auto bytes = input.Bytes(input.U8());
-    if (byWhat % 16 == 1) {
-      coded.insert(coded.end(), bytes.begin(), bytes.end());
-      continue;
-    }
-    heron::AppendBlock(coded, nNumber++, bytes);
-    if (byWhat % 16 == 2) coded.back() ^= 1;
-  }
-  return StreamOf(coded, 1);
-}
-
-Bytes TakeStream(C_FuzzInput& input, std::size_t nShape, int nRate) {
-  if (nShape == 1) return OneBlock(input);
-  if (nShape == 2) return SeveralBlocks(input, nRate);
-  const auto rest = input.Rest();
-  return {rest.begin(), rest.end()};
-}
 
 // ---- the slow search
 
@@ -231,8 +182,7 @@ void CheckFile(const Bytes& stream, int nRate, const Samples& expected) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbData) {
   C_FuzzInput input(pData, cbData);
   const std::uint8_t byChoice = input.U8();
-  const int nRate = kRates[byChoice % kRates.size()];
-  const Bytes stream = TakeStream(input, byChoice / kRates.size() % 3, nRate);
+  const auto [nRate, stream] = heronstreams::Take(input, byChoice);
   const auto audio = heronstream::FindAudio(stream);
   const S_Sound sound = audio ? Find(audio->coded, nRate) : S_Sound{};
   const bool bMissing = IsMostlyMissing(sound, nRate);

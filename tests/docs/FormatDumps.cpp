@@ -8,12 +8,16 @@
 #include <stdexcept>
 #include <utility>
 
+#include "CallerOutput.h"
 #include "CompressedBytes.h"
+#include "PublicSounds.h"
 #include "StdioFile.h"
 #include "TempFile.h"
 #include "file/SpHeader.h"
 #include "interface/I_WavDataInfo.h"
 #include "sound/WavData.h"
+#include "target/ByteTarget.h"
+#include "writer/RiffWriter.h"
 
 namespace formatdumps {
 namespace {
@@ -104,7 +108,52 @@ S_Dump Vemd() {
   return {"vemd", Written(*sound, {.eType = AUDIO_FILE_VEMD})};
 }
 
-// Nothing of ours writes these; devices do.
+// The following three are files of the C interface.
+
+S_Dump Float() {
+  C_MemoryOutput output;
+  voxplay::Writer writer(output.Record(),
+                         FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_FLOAT, 32, 8000));
+  const std::vector<float> samples = {0.5F, -1.0F};
+  writer.write(std::span(samples));
+  writer.finish();
+  return {"float", output.Bytes()};
+}
+
+S_Dump Padded() {
+  voxplay::Notes notes;
+  notes.add(voxplay::Cue{5, 1, {'d', 'a', 't', 'a'}, 0, 0, 1});
+  notes.add(voxplay::Label{5, {'l', 'a', 'b', 'l'}, "ab"});
+  notes.add(voxplay::Chunk{{'n', 'o', 't', 'e'}, "odd", 3});
+  const auto format = FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 8, 8000);
+  return {"padded", WrittenBytes(format, {256, 512, 768}, notes)};
+}
+
+// Written as if sizes had no room for anything, because a file that needs RF64 is too long to show.
+S_Dump Rf64() {
+  api::test::C_CallerOutput output;
+  const auto target = api::OpenOutputTarget(output.Record());
+  auto format = FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 16, 8000);
+  format.flags = VOXPLAY_WRITE_RF64;
+  api::C_RiffWriter writer(*target, format, 0);
+  const std::vector<std::int16_t> samples = {1000, 2000, 3000, 4000};
+  writer.Begin({}, 0);
+  writer.Frames().Put(std::span(samples));
+  writer.End({}, samples.size());
+  return {"rf64", output.Content()};
+}
+
+// Nothing of ours writes these; devices and other programs do.
+S_Dump MsAdpcm() {
+  const C_Bytes block = Join({{0}, Shorts({16, 1000, 900}), {0x12, 0xF0}});
+  return {"msadpcm", CompressedWav({WAVE_TAG_MS_ADPCM, 1, 9, 6, 4, 8000}, block).Take()};
+}
+
+S_Dump ALaw() {
+  const C_Bytes codes = {0xD5, 0x55, 0x80, 0x00};
+  return {"alaw", CompressedWav({WAVE_TAG_ALAW, 1, 1, 0, 8, 8000}, codes).Take()};
+}
+
 S_Dump Dvi() {
   const C_Bytes block = Join({Shorts({1000}), {10, 0}, {0x10, 0x32, 0x54, 0x76}});
   return {"dvi", CompressedWav({WAVE_TAG_DVI_ADPCM, 1, 8, 9, 4, 8000}, block).Take()};
@@ -158,6 +207,11 @@ std::string HexLine(std::size_t nOffset, std::span<const std::uint8_t> bytes) {
 std::vector<S_Dump> AllDumps() {
   return {Wav(),
           Vemd(),
+          Float(),
+          Padded(),
+          Rf64(),
+          MsAdpcm(),
+          ALaw(),
           Dvi(),
           MuLaw(),
           Kestrel("kestrel", {.eType = AUDIO_FILE_KESTREL, .bSpHeader = true}),

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The hex dumps of docs/FORMATS.md: small files, made by the library's own writers. In the document
-// a dump is a block of code after a line "<!-- dump NAME -->".
+// The hex dumps of docs/FORMATS.md: small files, made by the library's own writers, or put together
+// where it only reads. In the document a dump is a block of code after a line
+// "<!-- dump NAME -->".
 #pragma once
 
 #include <cstdint>

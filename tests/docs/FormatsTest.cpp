@@ -9,8 +9,23 @@
 #include <string>
 
 #include "FormatDumps.h"
+#include "PublicSounds.h"
 
 namespace {
+
+std::vector<std::uint8_t> DumpOf(const std::string& strName) {
+  for (const auto& dump : formatdumps::AllDumps()) {
+    if (dump.strName == strName) return dump.bytes;
+  }
+  ADD_FAILURE() << strName;
+  return {};
+}
+
+std::vector<std::int16_t> SamplesOf(const std::string& strName) {
+  const auto bytes = DumpOf(strName);
+  voxplay::Reader reader(AsBytes(bytes));
+  return ReadRest(reader);
+}
 
 std::string Document() {
   std::ifstream file(VOXPLAY_FORMATS, std::ios::binary);
@@ -30,6 +45,19 @@ TEST(Formats, EveryDump_IsInTheDocument) {
         formatdumps::MarkOf(dump) + "```\n" + formatdumps::HexLines(dump.bytes) + "```\n";
     EXPECT_NE(strDocument.find(strShown), std::string::npos) << dump.strName;
   }
+}
+
+using C_Samples = std::vector<std::int16_t>;
+
+TEST(Formats, SamplesThatTheDocumentNames_AreThoseOfTheDumps) {
+  EXPECT_EQ(SamplesOf("wav"), (C_Samples{1000, 2000, 3000, 4000, 5000, 6000, 7000, 8000}));
+  EXPECT_EQ(SamplesOf("float"), (C_Samples{16384, -32768}));
+  EXPECT_EQ(SamplesOf("padded"), (C_Samples{256, 512, 768}));
+  EXPECT_EQ(SamplesOf("rf64"), (C_Samples{1000, 2000, 3000, 4000}));
+  EXPECT_EQ(SamplesOf("alaw"), (C_Samples{0, -32768, 5376, -27392}));
+  EXPECT_EQ(SamplesOf("mulaw"), (C_Samples{-32735, -1, 32734, 0}));
+  EXPECT_EQ(SamplesOf("msadpcm"), (C_Samples{900, 1000, 1016, 1048, 1032, 1032}));
+  EXPECT_EQ(SamplesOf("dvi"), (C_Samples{1000, 1002, 1008, 1018, 1029, 1043, 1065, 1101, 1177}));
 }
 
 TEST(Formats, LineOfADump_HasOffsetBytesAndCharacters) {

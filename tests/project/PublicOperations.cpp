@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "ReadKinds.h"
 #include "voxplay.hpp"
 
 namespace {
@@ -68,14 +69,15 @@ void Save(const std::string& strPath, const S_Kind& kind, const Samples& samples
   writer.finish();
 }
 
+Bytes Saved(const S_Kind& kind) {
+  const C_TempFolder folder;
+  Save(folder.Path("made"), kind, Ramp(kind));
+  return folder.Read("made");
+}
+
 Samples ReadAll(const std::string& strPath, std::uint32_t dwFlags) {
   voxplay::Reader reader(strPath, dwFlags);
-  Samples all;
-  Samples piece(kPiece);
-  while (const std::size_t nRead = reader.read(std::span(piece))) {
-    all.insert(all.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(nRead));
-  }
-  return all;
+  return ReadRest(reader, kPiece);
 }
 
 // Without memory, the exception goes to the caller.
@@ -91,11 +93,9 @@ bool Succeeds(Work&& work) {
 
 class C_PublicReadOperation : public C_SweptOperation {
  public:
-  C_PublicReadOperation(const C_TempFolder& folder, const S_Kind& kind, std::uint32_t dwFlags)
+  C_PublicReadOperation(const C_TempFolder& folder, Bytes source, std::uint32_t dwFlags)
       : C_SweptOperation(folder), m_dwFlags(dwFlags) {
-    const C_TempFolder other;
-    Save(other.Path("made"), kind, Ramp(kind));
-    m_source = other.Read("made");
+    m_source = std::move(source);
     Prepare();
     if (!C_PublicReadOperation::Run()) std::abort();
     m_expected = m_read;
@@ -120,11 +120,7 @@ class C_PublicSaveOperation : public C_SweptOperation {
  public:
   C_PublicSaveOperation(const C_TempFolder& folder, const S_Kind& kind, Onto eOnto)
       : C_SweptOperation(folder), m_kind(kind), m_eOnto(eOnto), m_samples(Ramp(kind)) {
-    if (eOnto == Onto::Itself) {
-      const C_TempFolder other;
-      Save(other.Path("made"), kWave, m_samples);
-      m_source = other.Read("made");
-    }
+    if (eOnto == Onto::Itself) m_source = Saved(kWave);
     if (eOnto == Onto::AnotherFile) m_replaced = Bytes(3000, std::uint8_t{'x'});
     Prepare();
     if (!C_PublicSaveOperation::Run()) std::abort();
@@ -161,8 +157,18 @@ class C_PublicSaveOperation : public C_SweptOperation {
 
 C_PublicMaker Read(const S_Kind& kind, std::uint32_t dwFlags = 0) {
   return [=](const auto& folder) {
-    return std::make_unique<C_PublicReadOperation>(folder, kind, dwFlags);
+    return std::make_unique<C_PublicReadOperation>(folder, Saved(kind), dwFlags);
   };
+}
+// What only others write.
+std::map<std::string, C_PublicMaker> ReadsOfOthers() {
+  std::map<std::string, C_PublicMaker> makers;
+  for (const S_PublicKind& kind : ReadOnlyKinds()) {
+    makers["PublicRead" + kind.strName] = [kind](const auto& folder) {
+      return std::make_unique<C_PublicReadOperation>(folder, SoundBytes(kind, kFrames), 0);
+    };
+  }
+  return makers;
 }
 C_PublicMaker Write(const S_Kind& kind, Onto eOnto) {
   return [=](const auto& folder) {
@@ -173,7 +179,7 @@ C_PublicMaker Write(const S_Kind& kind, Onto eOnto) {
 }  // namespace
 
 std::map<std::string, C_PublicMaker> PublicOperations() {
-  return {
+  std::map<std::string, C_PublicMaker> makers = {
       {"PublicReadWave", Read(kWave)},
       {"PublicReadKestrel", Read(kKestrel)},
       {"PublicReadHeron", Read(kHeron)},
@@ -186,4 +192,6 @@ std::map<std::string, C_PublicMaker> PublicOperations() {
       {"PublicSaveKestrelVefOntoItself", Write(kKestrelVef, Onto::Itself)},
       {"PublicSaveHeronOntoAnother", Write(kHeron, Onto::AnotherFile)},
   };
+  makers.merge(ReadsOfOthers());
+  return makers;
 }

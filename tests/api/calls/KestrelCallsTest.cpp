@@ -91,34 +91,63 @@ TEST(KestrelCallsTest, CodersSideBySide_GiveWhatTheEntryPointsGive) {
   fnCompare(32000, highWords, highSamples);
 }
 
-TEST(KestrelCallsTest, LostFrame_RepeatsTheLastOneOnceAndThenIsSilent) {
+int Loudest(const Samples& samples) {
+  int nLoudest = 0;
+  for (const int nSample : samples) nLoudest = std::max(nLoudest, std::abs(nSample));
+  return nLoudest;
+}
+
+// A decoder that has just decoded some good frames.
+voxplay::kestrel::Decoder DecoderWithinASound(std::uint32_t dwBitRate) {
   const auto samples = PublicSamples(VOXPLAY_KESTREL_FRAME * 10);
-  voxplay::kestrel::Encoder encoder(24000);
-  voxplay::kestrel::Decoder decoder(24000);
+  voxplay::kestrel::Encoder encoder(dwBitRate);
+  voxplay::kestrel::Decoder decoder(dwBitRate);
   Words words{};
   Samples decoded{};
   for (std::size_t n = 0; n < 10; ++n) {
     encoder.encode(FrameOf(samples, n), words);
     EXPECT_TRUE(decoder.decode(words, decoded));
   }
-  const auto fnLoudest = [&] {
-    int nLoudest = 0;
-    for (const int nSample : decoded) nLoudest = std::max(nLoudest, std::abs(nSample));
-    return nLoudest;
-  };
-  decoder.decode_lost(decoded);
-  EXPECT_GT(fnLoudest(), 5000);
-  decoder.decode_lost(decoded);  // the end of the repeated frame overlaps into this one
-  EXPECT_GT(fnLoudest(), 5000);
-  decoder.decode_lost(decoded);
-  EXPECT_LT(fnLoudest(), 50);  // silence, as the transform rounds it
+  return decoder;
 }
 
-TEST(KestrelCallsTest, DamagedFrame_IsConcealedAndTold) {
-  voxplay::kestrel::Decoder decoder(16000);
-  Words words{};
+TEST(KestrelCallsTest, LostFrame_RepeatsTheLastOneOnceAndThenIsSilent) {
+  auto decoder = DecoderWithinASound(24000);
   Samples decoded{};
-  EXPECT_FALSE(decoder.decode(words, decoded));  // ones must follow the vectors, not zeros
+  decoder.decode_lost(decoded);
+  EXPECT_GT(Loudest(decoded), 5000);
+  decoder.decode_lost(decoded);  // the end of the repeated frame overlaps into this one
+  EXPECT_GT(Loudest(decoded), 5000);
+  decoder.decode_lost(decoded);
+  EXPECT_LT(Loudest(decoded), 50);  // silence, as the transform rounds it
+}
+
+TEST(KestrelCallsTest, DamagedFrames_AreToldAndSoundLikeLostOnes) {
+  for (const std::uint32_t dwBitRate : {7200U, 16000U, 32000U}) {
+    SCOPED_TRACE(dwBitRate);
+    auto damaging = DecoderWithinASound(dwBitRate);
+    auto losing = DecoderWithinASound(dwBitRate);
+    const Words zeros{};  // ones must follow the vectors
+    std::array<Samples, 4> decoded{};
+    for (Samples& frame : decoded) {
+      Samples lost{};
+      losing.decode_lost(lost);
+      EXPECT_FALSE(damaging.decode(zeros, frame));
+      EXPECT_EQ(frame, lost);
+    }
+    EXPECT_GT(Loudest(decoded[0]), 5000);
+    EXPECT_GT(Loudest(decoded[1]), 5000);  // by the overlap
+    EXPECT_LT(Loudest(decoded[2]), 50);
+    EXPECT_LT(Loudest(decoded[3]), 50);
+  }
+}
+
+TEST(KestrelCallsTest, DamagedFirstFrame_IsSilent) {
+  voxplay::kestrel::Decoder decoder(16000);
+  Samples decoded;
+  decoded.fill(1234);
+  EXPECT_FALSE(decoder.decode(Words{}, decoded));
+  EXPECT_LT(Loudest(decoded), 50);
 }
 
 TEST(KestrelCallsTest, Reset_ForgetsWhatWasBefore) {

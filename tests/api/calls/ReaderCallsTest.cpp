@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "PublicSounds.h"
+#include "ReadKinds.h"
 #include "TempFolder.h"
 #include "voxplay.hpp"
 
@@ -191,16 +192,17 @@ class EveryKindTest : public testing::TestWithParam<S_PublicKind> {};
 // The same sound comes from a file, from memory, from functions, and from a pipe where that can be.
 TEST_P(EveryKindTest, EveryInput_GivesTheSameSound) {
   const auto& kind = GetParam();
-  const auto samples = PublicSamples(3000, kind.format.channels);
-  const auto bytes = WrittenBytes(kind.format, samples);
+  const auto bytes = SoundBytes(kind, 3000);
   const C_TempFolder folder;
   voxplay::Reader fromFile(folder.Write("sound", bytes), kind.dwReadFlags);
   voxplay::Reader fromMemory(AsBytes(bytes), kind.dwReadFlags);
   C_MemoryInput input(bytes, 37);
   voxplay::Reader fromInput(input.Record(), kind.dwReadFlags);
   const auto expected = ReadRest(fromFile);
+  EXPECT_EQ(fromFile.info().codec, kind.format.codec);
+  EXPECT_EQ(fromFile.info().channels, kind.format.channels);
   EXPECT_EQ(expected.size() % kind.format.channels, 0U);
-  EXPECT_GE(expected.size(), samples.size());
+  EXPECT_GE(expected.size(), 3000 * kind.format.channels);
   EXPECT_EQ(fromFile.info().frames, expected.size() / kind.format.channels);
   EXPECT_EQ(ReadRest(fromMemory, 7), expected);
   EXPECT_EQ(ReadRest(fromInput, 333), expected);
@@ -209,7 +211,7 @@ TEST_P(EveryKindTest, EveryInput_GivesTheSameSound) {
 
 TEST_P(EveryKindTest, AnInputThatBeginsElsewhere_IsReadFromThere) {
   const auto& kind = GetParam();
-  const auto bytes = WrittenBytes(kind.format, PublicSamples(900, kind.format.channels));
+  const auto bytes = SoundBytes(kind, 900);
   std::vector<std::uint8_t> shifted(13, 0x55);
   shifted.insert(shifted.end(), bytes.begin(), bytes.end());
   C_MemoryInput input(shifted);
@@ -221,7 +223,7 @@ TEST_P(EveryKindTest, AnInputThatBeginsElsewhere_IsReadFromThere) {
 
 TEST_P(EveryKindTest, EachCallOfAnInputFailing_IsAPlainFailure) {
   const auto& kind = GetParam();
-  const auto bytes = WrittenBytes(kind.format, PublicSamples(900, kind.format.channels));
+  const auto bytes = SoundBytes(kind, 900);
   voxplay::Reader plain(AsBytes(bytes), kind.dwReadFlags);
   const auto expected = ReadRest(plain);
   int nFailures = 0;
@@ -241,7 +243,7 @@ TEST_P(EveryKindTest, EachCallOfAnInputFailing_IsAPlainFailure) {
 
 TEST_P(EveryKindTest, Seeking_GivesTheSamplesOfReadingOn) {
   const auto& kind = GetParam();
-  const auto bytes = WrittenBytes(kind.format, PublicSamples(3000, kind.format.channels));
+  const auto bytes = SoundBytes(kind, 3000);
   voxplay::Reader reader(AsBytes(bytes), kind.dwReadFlags);
   const auto all = ReadRest(reader);
   const std::size_t nChannels = kind.format.channels;
@@ -260,15 +262,15 @@ TEST_P(EveryKindTest, Seeking_GivesTheSamplesOfReadingOn) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EveryKindTest, testing::ValuesIn(PublicKinds()),
+INSTANTIATE_TEST_SUITE_P(All, EveryKindTest, testing::ValuesIn(ReadKinds()),
                          [](const auto& parameters) { return parameters.param.strName; });
 
 // What a pipe can give: everything whose samples come in order.
 TEST(PipeTest, WavAndKestrelFromAPipe_AreReadToTheirEnd) {
-  for (const auto& kind : PublicKinds()) {
+  for (const auto& kind : ReadKinds()) {
     if (kind.dwReadFlags != 0 || kind.format.codec == VOXPLAY_CODEC_HERON) continue;
     SCOPED_TRACE(kind.strName);
-    const auto bytes = WrittenBytes(kind.format, PublicSamples(2000, kind.format.channels));
+    const auto bytes = SoundBytes(kind, 2000);
     C_MemoryInput input(bytes, 100);
     voxplay::Reader piped(input.Pipe());
     voxplay::Reader plain(AsBytes(bytes));

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "PublicSounds.h"
+#include "ReadKinds.h"
 
 namespace {
 
@@ -22,8 +23,7 @@ struct S_Made {
 };
 
 S_Made Make(const S_PublicKind& kind) {
-  const auto samples = PublicSamples(2000, kind.format.channels);
-  S_Made made{WrittenBytes(kind.format, samples), {}};
+  S_Made made{SoundBytes(kind, 2000), {}};
   voxplay::Reader reader(AsBytes(made.bytes), kind.dwReadFlags);
   made.decoded = ReadRest(reader, 333);
   return made;
@@ -48,12 +48,12 @@ std::uint32_t CodeFrames() {
 
 TEST(ThreadsTest, EightThreadsWithTheirOwnObjects_GiveTheSame) {
   std::map<std::string, S_Made> expected;
-  for (const auto& kind : PublicKinds()) expected[kind.strName] = Make(kind);
+  for (const auto& kind : ReadKinds()) expected[kind.strName] = Make(kind);
   const std::uint32_t dwFrames = CodeFrames();
   std::atomic<int> nWrong = 0;
   const auto fnWork = [&] {
     for (int n = 0; n < 3; ++n) {
-      for (const auto& kind : PublicKinds()) {
+      for (const auto& kind : ReadKinds()) {
         const S_Made made = Make(kind);
         const S_Made& wanted = expected.at(kind.strName);
         if (made.bytes != wanted.bytes || made.decoded != wanted.decoded) ++nWrong;

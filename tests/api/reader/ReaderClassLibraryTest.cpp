@@ -4,134 +4,24 @@
 // of all kinds, whole, cut and damaged.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <limits>
-#include <memory>
-#include <optional>
-#include <string>
+#include <string_view>
 #include <vector>
 
+#include "ClassLibraryComparison.h"
 #include "GeneratedRiff.h"
 #include "HeronBytes.h"
 #include "KestrelBytes.h"
-#include "ReadMore.h"
-#include "ReadSounds.h"
-#include "SpBytes.h"
-#include "SweepFile.h"
-#include "WavFileFormat.h"
-#include "WavFileObject.h"
-#include "file/KestrelFile.h"
-#include "riff/RiffScan.h"
 
 namespace {
 
 using api::test::C_Random;
-using api::test::C_ReaderPtr;
-using api::test::FailureOf;
+using api::test::Compare;
+using api::test::S_Counts;
 
 constexpr std::string_view kAdtl = "adtl";
-
-C_WavFilePtr OpenedByClass(const C_Bytes& bytes, bool bKeepEncoded) {
-  const C_SweepFile file(bytes);
-  C_WavFileFormat format;
-  return C_WavFilePtr(
-      format.CreateWavFile(file.Path().c_str(), true, bKeepEncoded, nullptr, nullptr));
-}
-
-// What the player does with a file that no class opens.
-C_WavFilePtr OpenedAsBareKestrel(const C_Bytes& bytes) {
-  const C_SweepFile file(C_SpBytes().Stream(bytes).Take());
-  auto kestrel = std::make_unique<C_KestrelFile>();
-  if (!kestrel->LoadByName(file.Path().c_str(), true, nullptr, nullptr)) return nullptr;
-  return C_WavFilePtr(kestrel.release());
-}
-
-struct S_Attempt {
-  C_ReaderPtr reader;
-  voxplay_status eStatus = VOXPLAY_OK;
-  std::string strText;
-};
-
-S_Attempt OpenedByReader(const C_Bytes& bytes, std::uint32_t dwFlags) {
-  S_Attempt attempt;
-  const auto failed = FailureOf([&] {
-    attempt.reader = api::test::OpenBytes(bytes, dwFlags);
-    return 0;
-  });
-  attempt.eStatus = failed.eStatus;
-  attempt.strText = failed.strText;
-  return attempt;
-}
-
-// The PCM of the class library in full scale, in as much room as the reader says.
-std::vector<std::int32_t> FullScale(I_WavFile& file, std::uint32_t dwStoredBits) {
-  const std::vector<std::uint8_t> pcm = PcmOf(file);
-  const std::size_t cbSample = dwStoredBits / 8;
-  std::vector<std::int32_t> samples;
-  for (std::size_t n = 0; pcm.size() - n >= cbSample; n += cbSample) {
-    std::uint32_t dwValue = 0;
-    for (std::size_t i = cbSample; i > 0; --i) dwValue = dwValue << 8U | pcm[n + i - 1];
-    if (cbSample == 1) dwValue -= 0x80U;
-    samples.push_back(static_cast<std::int32_t>(dwValue << (32 - dwStoredBits)));
-  }
-  const std::size_t nChannels = file.GetWavInfo()->GetChannels();
-  samples.resize(samples.size() / nChannels * nChannels);
-  return samples;
-}
-
-void CompareSounds(I_WavFile& file, api::C_Reader& reader) {
-  const voxplay_info info = reader.Info();
-  EXPECT_EQ(info.sample_rate, file.GetWavInfo()->GetSampleRate());
-  EXPECT_EQ(info.channels, file.GetWavInfo()->GetChannels());
-  const std::uint32_t dwStoredBits = info.stored_bits == 0 ? 16 : info.stored_bits;
-  const auto expected = FullScale(file, dwStoredBits);
-  EXPECT_EQ(info.frames, expected.size() / info.channels);
-  EXPECT_EQ(api::test::SamplesOf<std::int32_t>(reader), expected);
-}
-
-void CompareEvents(I_WavFile& file, const api::S_Notes& notes) {
-  // The class library counts in time, and has no events in a sound without a rate.
-  if (file.GetWavInfo()->GetSampleRate() == 0) return;
-  std::vector<S_EventSeen> seen;
-  for (const api::S_NoteEvent& event : notes.events) {
-    seen.push_back({event.wMain, event.wSub, static_cast<unsigned int>(event.qwFrame)});
-  }
-  EXPECT_EQ(seen, EventsOf(file));
-}
-
-bool IsExtra(const voxplay_info& info) {
-  return info.container == VOXPLAY_CONTAINER_HEAD || info.codec == VOXPLAY_CODEC_FLOAT;
-}
-
-// The only files that the reader refuses by itself.
-bool IsWide(I_WavFile& file) { return file.GetWavInfo()->GetBitsPerSample() > 32; }
-
-struct S_Counts {
-  int nBoth = 0;
-  int nNone = 0;
-  int nExtra = 0;
-  int nWide = 0;
-};
-
-void Compare(const C_Bytes& bytes, std::uint32_t dwFlags, S_Counts& counts) {
-  const bool bStream = (dwFlags & VOXPLAY_READ_STREAM) != 0;
-  C_WavFilePtr file = OpenedByClass(bytes, !bStream);
-  if (!file && (dwFlags & VOXPLAY_READ_NO_BARE) == 0) file = OpenedAsBareKestrel(bytes);
-  const S_Attempt attempt = OpenedByReader(bytes, dwFlags);
-  if (api::test::IsReadMoreOf(bytes) || (attempt.reader && IsExtra(attempt.reader->Info()))) {
-    ++counts.nExtra;
-  } else if (attempt.reader && file) {
-    ++counts.nBoth;
-    CompareSounds(*file, *attempt.reader);
-    CompareEvents(*file, attempt.reader->Notes());
-  } else if (file) {
-    EXPECT_TRUE(IsWide(*file)) << attempt.strText;
-    ++counts.nWide;
-  } else {
-    EXPECT_FALSE(attempt.reader) << "the class library refuses this";
-    ++counts.nNone;
-  }
-}
 
 // Streams are made once, because encoding takes long.
 const std::vector<C_Bytes>& Streams() {
