@@ -24,6 +24,8 @@ constexpr int kAroundPeak = 2;  // rounding may move a peak that is flat
 constexpr double kClearlyBetter = 0.9;
 constexpr double kSame = 1e-9;
 
+double Product(float fA, float fB) { return static_cast<double>(fA) * static_cast<double>(fB); }
+
 // The sum of all channels of a sound, in order; silence after its end.
 class C_MonoReader {
  public:
@@ -78,7 +80,7 @@ class C_Pieces {
   }
   [[nodiscard]] bool IsAudible() const {
     double dSquares = 0.0;
-    for (const float fSample : m_piece) dSquares += double{fSample} * double{fSample};
+    for (const float fSample : m_piece) dSquares += Product(fSample, fSample);
     return dSquares >= kAudible * static_cast<double>(m_piece.size());
   }
 
@@ -163,7 +165,7 @@ class C_LagFinder {
   void MeasureAll(std::vector<S_Candidate>& candidates) {
     C_Pieces pieces = Pieces();
     while (pieces.Next()) {
-      for (const float fSample : pieces.Piece()) m_dFirst += double{fSample} * double{fSample};
+      for (const float fSample : pieces.Piece()) m_dFirst += Product(fSample, fSample);
       for (S_Candidate& candidate : candidates) {
         const auto nFrom =
             static_cast<std::size_t>(candidate.nLag + static_cast<std::int64_t>(m_nMostLag));
@@ -174,8 +176,8 @@ class C_LagFinder {
   static void Add(std::span<const float> first, std::span<const float> second,
                   S_Candidate& candidate) {
     for (std::size_t n = 0; n < first.size(); ++n) {
-      candidate.dProduct += double{first[n]} * double{second[n]};
-      candidate.dSecond += double{second[n]} * double{second[n]};
+      candidate.dProduct += Product(first[n], second[n]);
+      candidate.dSecond += Product(second[n], second[n]);
     }
   }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "picture/CairoObjects.h"
 
+#include <fontconfig/fontconfig.h>
+
 #include <new>
 #include <stdexcept>
 
@@ -8,6 +10,15 @@ namespace tool {
 namespace {
 
 constexpr const char* kFont = "DejaVu Sans";
+
+// The fonts that cairo and its font library remember are given back when the program ends. Otherwise
+// checkers take them for lost.
+struct S_Remembered {
+  ~S_Remembered() {
+    cairo_debug_reset_static_data();
+    FcFini();
+  }
+};
 
 cairo_status_t Append(void* pUser, const unsigned char* pBytes, unsigned int dwLength) {
   try {
@@ -28,6 +39,7 @@ void CheckCairo(cairo_status_t eStatus) {
 }
 
 C_CairoPtr MakeCairo(cairo_surface_t* pSurface) {
+  static const S_Remembered remembered;
   CheckCairo(cairo_surface_status(pSurface));
   C_CairoPtr cairo(cairo_create(pSurface));
   CheckCairo(cairo_status(cairo.get()));

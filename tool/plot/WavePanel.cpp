@@ -13,6 +13,8 @@ constexpr double kDots = 6.0;    // pixels between samples from which each gets 
 constexpr double kStems = 24.0;  // and a line to the middle
 
 double Limited(double d) { return std::clamp(d, -1.0, 1.0); }
+// What is beyond full scale is drawn there.
+double Shown(float fSample) { return Limited(static_cast<double>(fSample)); }
 
 double Rms(const S_WaveColumn& wave) {
   return wave.qwFrames == 0 ? 0.0 : std::sqrt(wave.dSquares / static_cast<double>(wave.qwFrames));
@@ -46,7 +48,7 @@ struct S_Edges {
 std::vector<S_Edges> EdgesOf(const C_WaveMeter& wave, const S_Box& panel) {
   std::vector<S_Edges> edges;
   for (const S_WaveColumn& column : wave.Waves()) {
-    S_Edges here = {WaveY(panel, Limited(column.fGreatest)), WaveY(panel, Limited(column.fLeast))};
+    S_Edges here = {WaveY(panel, Shown(column.fGreatest)), WaveY(panel, Shown(column.fLeast))};
     const double dThin = std::max(0.0, 1.0 - (here.dBottom - here.dTop)) / 2;
     here = {here.dTop - dThin, here.dBottom + dThin};
     if (!edges.empty()) {
@@ -64,8 +66,8 @@ std::vector<S_Edges> RmsEdges(const C_WaveMeter& wave, const S_Box& panel) {
   std::vector<S_Edges> edges;
   for (const S_WaveColumn& column : wave.Waves()) {
     const double dRms = Limited(Rms(column));
-    edges.push_back({WaveY(panel, std::min(dRms, Limited(column.fGreatest))),
-                     WaveY(panel, std::max(-dRms, Limited(column.fLeast)))});
+    edges.push_back({WaveY(panel, std::min(dRms, Shown(column.fGreatest))),
+                     WaveY(panel, std::max(-dRms, Shown(column.fLeast)))});
   }
   return edges;
 }
@@ -99,7 +101,7 @@ void DrawSamples(I_Canvas& canvas, const S_Scene& scene, const S_Box& panel,
   std::vector<S_Point> points;
   for (const float fSample : wave.Samples()) {
     points.push_back({panel.dX + (static_cast<double>(points.size()) + 0.5) * dStep,
-                      WaveY(panel, Limited(fSample))});
+                      WaveY(panel, Shown(fSample))});
   }
   const double dMiddle = WaveY(panel, 0.0);
   for (const S_Point& point : points) {
