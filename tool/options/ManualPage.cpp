@@ -23,12 +23,12 @@ void AddUsage(C_Roff& page, const CLI::App& table) {
   }
 }
 
-void AddArguments(C_Roff& page, const CLI::App& table) {
+void AddArguments(C_Roff& page, const CLI::App& table, const std::vector<S_Argument>& options) {
   for (const S_Argument& operand : OperandsOf(table)) {
     page.Term("", operand.strValue);
     page.Paragraphs(operand.strMeaning);
   }
-  for (const S_Argument& option : OptionsOf(table)) {
+  for (const S_Argument& option : options) {
     S_Argument bare = option;
     bare.strValue.clear();
     page.Term(OptionText(bare),
@@ -51,7 +51,7 @@ void AddInnerCommands(C_Roff& page, const C_CommandLine& commandLine, const CLI:
     page.Subsection(FullName(*pCommand) + " " + UsageText(*pCommand));
     const S_Command& command = commandLine.Command(*pCommand);
     page.Paragraphs(command.strDescription.empty() ? command.strSummary : command.strDescription);
-    AddArguments(page, *pCommand);
+    AddArguments(page, *pCommand, OwnOptionsOf(*pCommand));
     AddInnerCommands(page, commandLine, *pCommand);
   }
 }
@@ -125,7 +125,7 @@ std::string ManualPage(const C_CommandLine& commandLine, const CLI::App& table) 
   page.Paragraphs(command.strDescription);
   if (bProgram) AddCommandList(page, commandLine, table);
   page.Section("OPTIONS");
-  AddArguments(page, table);
+  AddArguments(page, table, OptionsOf(table));
   if (!bProgram && !CommandsIn(table).empty()) {
     page.Section("COMMANDS");
     AddInnerCommands(page, commandLine, table);

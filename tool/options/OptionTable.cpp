@@ -2,6 +2,7 @@
 #include "options/OptionTable.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace tool {
 namespace {
@@ -66,6 +67,11 @@ S_Argument ArgumentOf(const CLI::Option& option) {
   return argument;
 }
 
+// What all commands have.
+bool IsGeneral(const S_Argument& option) {
+  return option.names.back() == "--help" || option.names.back() == "--version";
+}
+
 std::vector<S_Argument> ArgumentsOf(const CLI::App& table, bool bOptions) {
   std::vector<S_Argument> arguments;
   for (const CLI::Option* pOption : table.get_options()) {
@@ -79,12 +85,14 @@ std::vector<S_Argument> ArgumentsOf(const CLI::App& table, bool bOptions) {
 
 std::vector<S_Argument> OptionsOf(const CLI::App& table) {
   auto options = ArgumentsOf(table, true);
-  // Help and version come first in the table, and last for people.
-  const auto isGeneral = [](const S_Argument& option) {
-    return option.names.back() == "--help" || option.names.back() == "--version";
-  };
-  std::stable_partition(options.begin(), options.end(),
-                        [&](const S_Argument& option) { return !isGeneral(option); });
+  // They come first in the table, and last for people.
+  std::stable_partition(options.begin(), options.end(), std::not_fn(&IsGeneral));
+  return options;
+}
+
+std::vector<S_Argument> OwnOptionsOf(const CLI::App& table) {
+  auto options = ArgumentsOf(table, true);
+  std::erase_if(options, &IsGeneral);
   return options;
 }
 

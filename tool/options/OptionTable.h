@@ -25,6 +25,8 @@ struct S_Argument {
 
 // In the order of the table, without what is hidden.
 std::vector<S_Argument> OptionsOf(const CLI::App& table);
+// Without those that all commands have.
+std::vector<S_Argument> OwnOptionsOf(const CLI::App& table);
 std::vector<S_Argument> OperandsOf(const CLI::App& table);
 std::vector<const CLI::App*> CommandsIn(const CLI::App& table);
 

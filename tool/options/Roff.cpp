@@ -10,7 +10,7 @@ namespace tool {
 namespace {
 
 // Programs that check pages ask for lines of less than 80 bytes.
-constexpr std::size_t kColumns = 72;
+constexpr std::size_t kColumns = 78;
 
 // Names and command lines are escaped so that they can be copied from the page.
 std::string Escaped(std::string_view text) {
@@ -87,11 +87,11 @@ void C_Roff::Command(std::string_view bold, std::string_view rest) {
 }
 
 void C_Roff::Paragraphs(std::string_view text) {
-  for (const std::string& strLine : WrappedLines(text, kColumns)) {
+  for (const std::string& strLine : WrappedLines(Escaped(text), kColumns)) {
     if (strLine.empty()) {
       Break();
     } else {
-      Line(Protected(Escaped(strLine)));
+      Line(Protected(strLine));
     }
   }
 }

@@ -47,6 +47,7 @@ TEST(ManualPage, OfACommandWithCommands_HoldsThem) {
   EXPECT_NE(strShown.find("voxtool marks add [OPTION]... KIND FILE..."), std::string::npos)
       << strShown;
   EXPECT_NE(strShown.find("voxtool marks add cue x.wav"), std::string::npos) << strShown;
+  EXPECT_EQ(strShown.find("--help"), strShown.rfind("--help")) << "once for all of them";
 }
 
 TEST(ManualPage, OfEachCommandOfTheProgram_HasNoWarnings) {
