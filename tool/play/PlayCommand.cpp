@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "play/PlayCommand.h"
+#include "base/TimeText.h"
 
 #include <memory>
 
 #include "base/Failure.h"
+#include "base/TimeText.h"
 #include "play/PlayedFile.h"
 
 namespace tool {
@@ -35,7 +37,7 @@ constexpr const char* kDescription =
     "Times are seconds, m:ss or h:mm:ss with decimals, or frames as in 32000s.";
 
 std::string CheckTime(std::string& strText) {
-  return ParsePlayTime(strText) ? "" : strText + " is no time such as 90, 1:30.5 or 720000s";
+  return C_Time::Parse(strText) ? "" : strText + " is no time: " + C_Time::kForms;
 }
 
 const CLI::Validator kIsTime(CheckTime, "");
@@ -45,8 +47,8 @@ S_PlayedFile FileOf(const S_PlayOptions& options, std::size_t nIndex, const C_Co
   S_PlayedFile file;
   file.strPath = options.files[nIndex];
   if (nFiles > 1) file.strPlace = std::to_string(nIndex + 1) + "/" + std::to_string(nFiles) + " ";
-  file.from = ParsePlayTime(options.strFrom).value_or(S_PlayTime{});
-  if (!options.strTo.empty()) file.to = ParsePlayTime(options.strTo);
+  file.from = C_Time::Parse(options.strFrom);
+  if (!options.strTo.empty()) file.to = C_Time::Parse(options.strTo);
   file.bAgain = options.bLoop && nFiles == 1;
   file.bShowLine = console.ShowsErrors() && !options.bQuiet;
   file.bShowMarks = options.bVerbose;

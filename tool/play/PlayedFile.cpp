@@ -29,7 +29,7 @@ constexpr const char* kHelp =
     "q      end                 ?            this help";
 
 S_PlaySpan SpanOf(const S_PlayedFile& file, const S_SoundInfo& info) {
-  S_PlaySpan span{file.from.FrameAt(info.dwRate), kFramesUnknown};
+  S_PlaySpan span{file.from ? file.from->FrameAt(info.dwRate) : 0, kFramesUnknown};
   if (file.to) span.qwEnd = file.to->FrameAt(info.dwRate);
   if (span.qwEnd < span.qwBegin) throw C_UsageFailure("voxtool play: --to is before --from");
   if (span.qwBegin > info.qwFrames) {
@@ -189,7 +189,7 @@ void C_PlayedSound::Show(bool bNow) {
 void C_PlayedSound::ShowMarks(std::uint64_t qwFrame) {
   const auto marks = m_marks.Passed(qwFrame);
   for (const auto& mark : marks) {
-    m_console.Print(PlayTimeText(mark.qwFrame, m_sound->Info().dwRate) + "  " +
+    m_console.Print(ClockText(mark.qwFrame, m_sound->Info().dwRate) + "  " +
                     Printable(mark.strText) + "\n");
   }
   if (!marks.empty()) m_console.Flush();

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "base/Console.h"
+#include "base/TimeText.h"
 #include "play/KeyTerminal.h"
 #include "play/PlayDevices.h"
-#include "play/PlayTime.h"
 
 namespace tool {
 
@@ -17,8 +17,9 @@ enum class tagAfter { NEXT, PREVIOUS, END };
 struct S_PlayedFile {
   std::string strPath;
   std::string strPlace;  // before its name on the line: "2/5 "
-  S_PlayTime from;
-  std::optional<S_PlayTime> to;
+  // Where to begin and to end, if not at the beginning and the end.
+  std::optional<C_Time> from;
+  std::optional<C_Time> to;
   bool bAgain = false;
   bool bShowLine = false;
   bool bShowMarks = false;

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "base/TerminalText.h"
-#include "play/PlayTime.h"
+#include "base/TimeText.h"
 
 namespace tool {
 namespace {
@@ -30,9 +30,9 @@ std::string Bar(const S_PlayStatus& status, std::size_t nColumns) {
 }
 
 std::string Times(const S_PlayStatus& status) {
-  std::string strText = PlayTimeText(status.qwFrame, status.dwRate);
+  std::string strText = ClockText(status.qwFrame, status.dwRate);
   if (status.qwFrames != kFramesUnknown) {
-    strText += " / " + PlayTimeText(status.qwFrames, status.dwRate);
+    strText += " / " + ClockText(status.qwFrames, status.dwRate);
   }
   return strText;
 }
@@ -44,7 +44,7 @@ std::string StatusLine(const S_PlayStatus& status, std::size_t nColumns) {
   const std::size_t nRoom = nColumns > 0 ? nColumns - 1 : 0;
   const std::string strMark = status.bPaused ? " (paused)" : "";
   std::string strTimes = Times(status) + strMark;
-  if (strTimes.size() > nRoom) strTimes = PlayTimeText(status.qwFrame, status.dwRate) + strMark;
+  if (strTimes.size() > nRoom) strTimes = ClockText(status.qwFrame, status.dwRate) + strMark;
   if (strTimes.size() + kBetweenColumns + kShortestName > nRoom) return strTimes.substr(0, nRoom);
   const std::string strName = FittedEnd(status.strName, nRoom - strTimes.size() - kBetweenColumns);
   std::string strText = strName + kBetween + strTimes;

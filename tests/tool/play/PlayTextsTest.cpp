@@ -1,57 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What play shows and reads: times, the line on the terminal, keys, marks.
+// What play shows and reads: the line on the terminal, keys, marks.
 #include <gtest/gtest.h>
 
 #include "base/TerminalText.h"
 #include "play/KeyTerminal.h"
 #include "play/PassingMarks.h"
 #include "play/PlayClock.h"
-#include "play/PlayTime.h"
 #include "play/StatusLine.h"
 
 namespace {
 
-using tool::ParsePlayTime;
-using tool::PlayTimeText;
 using tool::tagKey;
-
-std::uint64_t FrameAt8000(const char* pszText) {
-  const auto time = ParsePlayTime(pszText);
-  return time ? time->FrameAt(8000) : UINT64_MAX;
-}
-
-TEST(PlayTime, SecondsClocksAndFrames_AreRead) {
-  EXPECT_EQ(FrameAt8000("0"), 0U);
-  EXPECT_EQ(FrameAt8000("1.5"), 12000U);
-  EXPECT_EQ(FrameAt8000("90"), 720000U);
-  EXPECT_EQ(FrameAt8000("1:30"), 720000U);
-  EXPECT_EQ(FrameAt8000("1:30.125"), 721000U);
-  EXPECT_EQ(FrameAt8000("1:00:00"), 28800000U);
-  EXPECT_EQ(FrameAt8000("0:59.9999"), 479999U);
-  EXPECT_EQ(FrameAt8000("32000s"), 32000U);
-  EXPECT_EQ(FrameAt8000("18446744073709551615s"), UINT64_MAX);
-}
-
-TEST(PlayTime, WhatIsNoTime_IsRefused) {
-  for (const char* pszText :
-       {"", "s", "x", "-1", "+1", "1e3", "nan", "inf", "1:60", "1:", ":1", "1.5:10", "1:2:3:4",
-        "1..2", "1 ", "-5s", "1.5s", "18446744073709551616s", "0x10"}) {
-    EXPECT_FALSE(ParsePlayTime(pszText)) << pszText;
-  }
-}
-
-TEST(PlayTime, TimesBeyondAllSounds_AreTheLastFrame) {
-  EXPECT_GT(FrameAt8000("99999999999999999999999999"), UINT64_MAX / 2);
-}
-
-TEST(PlayTime, Texts_HaveHoursOnlyWhereThereAreSome) {
-  EXPECT_EQ(PlayTimeText(0, 8000), "0:00.000");
-  EXPECT_EQ(PlayTimeText(10000, 8000), "0:01.250");
-  EXPECT_EQ(PlayTimeText(479999, 8000), "0:59.999");
-  EXPECT_EQ(PlayTimeText(480000, 8000), "1:00.000");
-  EXPECT_EQ(PlayTimeText(std::uint64_t{8000} * 3723, 8000), "1:02:03.000");
-}
 
 TEST(TerminalText, WhatATerminalObeys_IsReplaced) {
   EXPECT_EQ(tool::Printable("a\x1b[2Jb\r\n\x7f"), "a?[2Jb???");
