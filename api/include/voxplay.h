@@ -226,8 +226,7 @@ typedef struct voxplay_chunk_place {
   /* Of its content, in bytes, as the file claims. Of RF64, what "ds64" says counts; of samples
    * whose number was not known when they were written, those that are there. */
   uint64_t size;
-  uint64_t
-      held; /* the bytes of it that are there; less than size where the end of the file cuts it */
+  uint64_t held; /* of these bytes, those that are there: fewer where the end of the file cuts it */
 } voxplay_chunk_place;
 
 /* How many chunks a RIFF file has beside each other, in its order, "fmt " and "data" included; 0
