@@ -104,8 +104,9 @@ void C_SpectrumMeter::Transform(std::size_t nFrom) {
     m_weighted[n] = m_samples[nFrom + n] * m_window[n];
   }
   m_transform.Forward(m_weighted, m_bins);
-  for (std::size_t n = 0; n < m_bins.size(); ++n)
+  for (std::size_t n = 0; n < m_bins.size(); ++n) {
     m_power[n] += static_cast<double>(std::norm(m_bins[n]));
+  }
 }
 
 void C_SpectrumMeter::CloseColumn() {

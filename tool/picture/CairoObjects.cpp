@@ -11,8 +11,8 @@ namespace {
 
 constexpr const char* kFont = "DejaVu Sans";
 
-// The fonts that cairo and its font library remember are given back when the program ends. Otherwise
-// checkers take them for lost.
+// The fonts that cairo and its font library remember are given back when the program ends.
+// Otherwise checkers take them for lost.
 struct S_Remembered {
   ~S_Remembered() {
     cairo_debug_reset_static_data();
