@@ -15,6 +15,7 @@ namespace tool {
 namespace {
 
 constexpr std::size_t kEnoughFrames = std::size_t{1} << 21U;
+constexpr std::size_t kReadSamples = 65536;
 constexpr std::size_t kLeastTransform = 8192;
 // Mean square of a piece from which it counts: that of -80 dBFS.
 constexpr double kAudible = 1e-8;
@@ -29,22 +30,33 @@ double Product(float fA, float fB) { return static_cast<double>(fA) * static_cas
 // The sum of all channels of a sound, in order; silence after its end.
 class C_MonoReader {
  public:
-  explicit C_MonoReader(C_SampleSource& source) : m_source(source) { m_source.Rewind(); }
+  // A sound may have very many channels: frames are read as far as so many samples allow.
+  explicit C_MonoReader(C_SampleSource& source)
+      : m_source(source),
+        m_frames(std::max<std::size_t>(kReadSamples / source.Channels(), 1) * source.Channels()) {
+    m_source.Rewind();
+  }
 
   // False when all of it is after the end.
   bool Read(std::span<float> mono) {
-    const std::size_t nChannels = m_source.Channels();
-    m_frames.resize(mono.size() * nChannels);
-    const std::size_t nFrames = m_source.Read(m_frames);
     std::fill(mono.begin(), mono.end(), 0.0F);
+    std::size_t nDone = 0;
+    while (const std::size_t nFrames = AddPiece(mono.subspan(nDone))) nDone += nFrames;
+    return nDone > 0;
+  }
+
+ private:
+  std::size_t AddPiece(std::span<float> mono) {
+    const std::size_t nChannels = m_source.Channels();
+    const std::size_t nWanted = std::min(mono.size() * nChannels, m_frames.size());
+    const std::size_t nFrames = m_source.Read(std::span(m_frames).first(nWanted));
     for (std::size_t n = 0; n < nFrames * nChannels; ++n) {
       const double dSample = m_frames[n];
       if (std::isfinite(dSample)) mono[n / nChannels] += static_cast<float>(dSample);
     }
-    return nFrames > 0;
+    return nFrames;
   }
 
- private:
   C_SampleSource& m_source;
   std::vector<double> m_frames;
 };

@@ -282,6 +282,24 @@ TEST_F(Compare, LongSounds_AreNeverInMemory) {
   EXPECT_THAT(ended.strOut, HasSubstr("compared 40,000,000 frames\n"));
 }
 
+TEST_F(Compare, VeryManyChannels_TakeNoMoreMemory) {
+  // The writer makes no such file: a header of one channel is changed to 65,535 of 8 bits.
+  voxplay::Writer writer(Path("a.wav"), FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 8));
+  const C_Samples samples(65535, 100);
+  writer.write(std::span(samples));
+  writer.finish();
+  auto bytes = Content("a.wav");
+  ASSERT_EQ(bytes[22], 1);
+  std::fill(bytes.begin() + 22, bytes.begin() + 24, std::uint8_t{0xFF});
+  std::fill(bytes.begin() + 32, bytes.begin() + 34, std::uint8_t{0xFF});
+  Write("a.wav", bytes);
+  C_RunningProgram run = m_program.Start({"compare", Path("a.wav"), Path("a.wav")}, {},
+                                         [] { LimitOwnMemory(100'000'000); });
+  const S_Run ended = run.Wait();
+  EXPECT_EQ(ended.nExit, 0) << ended.strErr;
+  EXPECT_THAT(ended.strOut, HasSubstr("compared 1 frame\n"));
+}
+
 TEST_F(Compare, OtherRate_IsRefusedWithAWayOut) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 100), 16000);
   WriteWav(Path("b.wav"), NoiseSamples(1000, 100), 8000);
