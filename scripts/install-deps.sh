@@ -29,7 +29,7 @@ tests=("${tool[@]}" libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewi
   libglib2.0-bin)
 # What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
-ci=(git lld clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")
+ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")
 # The cross compilers bring their C and C++ libraries; static programs need nothing else to run.
 architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu qemu-user-static)
 
