@@ -23,6 +23,9 @@ struct S_ConvertArguments {
   std::string strSilence;
   std::string strRead;
   bool bNoNotes = false;
+  std::string strManifest;
+  bool bRetryFailed = false;
+  bool bReclaim = false;
 };
 
 // The record must outlive the table.

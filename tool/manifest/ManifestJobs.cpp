@@ -7,6 +7,7 @@
 #include <ctime>
 #include <utility>
 
+#include "base/Interrupt.h"
 #include "manifest/Worker.h"
 
 namespace tool {
@@ -69,7 +70,7 @@ C_ManifestJobs::~C_ManifestJobs() {
 void C_ManifestJobs::Begin(S_ManifestWork work) {
   C_Transaction transaction(m_manifest.Database());
   m_nWorker = NumberOf(ThisWorker(), m_manifest);
-  FreeAbandoned(m_manifest, work.bElsewhere);
+  m_qwElsewhere = FreeAbandoned(m_manifest, work.bElsewhere);
   if (work.bRetryFailed) {
     m_manifest.Database().Execute("UPDATE main.files SET state = 0, reason = NULL WHERE state = 3");
   }
@@ -94,7 +95,7 @@ void C_ManifestJobs::Done(const S_FileJob& job, const S_FileResult& result) {
   const std::lock_guard lock(m_lock);
   m_ended.push_back({job, result, m_begun[job.qwKey]});
   m_begun.erase(job.qwKey);
-  RecordSoon();
+  if (!Interrupted()) RecordSoon();
 }
 
 void C_ManifestJobs::ClaimMore() {

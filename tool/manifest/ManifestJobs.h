@@ -34,6 +34,8 @@ class C_ManifestJobs final : public I_FileJobs {
   void Done(const S_FileJob& job, const S_FileResult& result) override;
   // That were to be done at the beginning.
   [[nodiscard]] std::uint64_t Count() const noexcept override { return m_qwCount; }
+  // That were claimed on other machines at the beginning, and are left to these.
+  [[nodiscard]] std::uint64_t ClaimedElsewhere() const noexcept { return m_qwElsewhere; }
 
   // Records everything, and gives back what is not done. To be called when no thread works.
   void End();
@@ -61,6 +63,7 @@ class C_ManifestJobs final : public I_FileJobs {
   C_Statement m_record;
   std::int64_t m_nWorker = 0;
   std::uint64_t m_qwCount = 0;
+  std::uint64_t m_qwElsewhere = 0;
 
   std::mutex m_lock;  // of what follows
   std::deque<S_FileJob> m_claimed;

@@ -90,7 +90,7 @@ void C_Plan::RefuseTargetsThatAreSources() {
 void C_Plan::FindLostTargets() {
   C_Statement select(m_database,
                      "SELECT f.id, f.target, f.target_bytes FROM temp.plan p "
-                     "JOIN main.files f ON f.source = p.source WHERE f.state = 2");
+                     "JOIN main.files f ON f.source = p.source WHERE f.state IN (2, 4)");
   C_Statement insert(m_database, "INSERT INTO temp.lost VALUES(?)");
   while (select.Next()) {
     const auto stamp = StampOf(select.Text(1));
