@@ -72,6 +72,10 @@ void AddManifestArguments(CLI::App& command, S_ConvertArguments& arguments) {
                       "keep in this file what is done; without IN, go on with what it has")
           ->type_name("FILE");
   command
+      .add_flag("--plan-only", arguments.bPlanOnly,
+                "add IN to the manifest, and convert nothing yet")
+      ->needs(pManifest);
+  command
       .add_flag("--retry-failed", arguments.bRetryFailed,
                 "try again what has failed before, with --manifest")
       ->needs(pManifest);

@@ -24,6 +24,7 @@ struct S_ConvertArguments {
   std::string strRead;
   bool bNoNotes = false;
   std::string strManifest;
+  bool bPlanOnly = false;
   bool bRetryFailed = false;
   bool bReclaim = false;
 };

@@ -2,6 +2,7 @@
 #include "convert/ManifestRun.h"
 
 #include <string>
+#include <utility>
 
 #include "base/Failure.h"
 #include "base/TimeText.h"
@@ -24,7 +25,9 @@ void CheckArguments(const S_ConvertArguments& arguments) {
   if (arguments.batch.AreNamed() && !bFolder) {
     throw C_UsageFailure("voxtool: -d DIR has to say where the files go");
   }
-  if (!arguments.batch.AreNamed() && bFolder) throw C_UsageFailure("voxtool: no file is named");
+  if (!arguments.batch.AreNamed() && (bFolder || arguments.bPlanOnly)) {
+    throw C_UsageFailure("voxtool: no file is named");
+  }
 }
 
 class C_ManifestRun {
@@ -43,6 +46,7 @@ class C_ManifestRun {
 
   int Work() {
     const bool bListed = !m_arguments.batch.AreNamed() || Plan();
+    if (m_arguments.bPlanOnly) return bListed ? 0 : 1;
     C_ManifestJobs jobs(m_manifest, {m_arguments.bRetryFailed, m_arguments.bReclaim});
     const S_BatchState state = Convert(jobs);
     jobs.End();
@@ -60,14 +64,13 @@ class C_ManifestRun {
   bool Plan() {
     C_Plan plan(m_manifest);
     const std::string strExtension(ExtensionOfFormat(FormatNameOf(m_arguments)));
-    const C_FileList list =
-        m_arguments.batch.List(m_console, [&](const S_ListedFile& file) {
-          if (file.strPath == kStandardStream) {
-            throw C_UsageFailure("voxtool: standard input has no name, which a manifest needs");
-          }
-          plan.Add(PlainPath(file.strPath),
-                   PlainPath(TargetBelow(m_arguments.target.strFolder, file, strExtension)));
-        });
+    const C_FileList list = m_arguments.batch.List(m_console, [&](const S_ListedFile& file) {
+      if (file.strPath == kStandardStream) {
+        throw C_UsageFailure("voxtool: standard input has no name, which a manifest needs");
+      }
+      plan.Add(PlainPath(file.strPath),
+               PlainPath(TargetBelow(m_arguments.target.strFolder, file, strExtension)));
+    });
     const S_PlanCounts counts =
         plan.Finish(StoredOptions(m_arguments), StoredRule(m_arguments.target));
     m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwFiles, "file") + " listed, " +

@@ -24,9 +24,8 @@ std::string AbsolutePath(const std::string& strPath) {
 // Naps that grow, so that many processes do not wear each other out.
 int Wait(void* /*pContext*/, int nTries) {
   const int nNap = std::min(nTries + 1, kLongestNap);
-  const int nWaited = nTries <= kLongestNap
-                          ? nTries * (nTries + 1) / 2
-                          : kLongestNap * (nTries - kLongestNap / 2);
+  const int nWaited =
+      nTries <= kLongestNap ? nTries * (nTries + 1) / 2 : kLongestNap * (nTries - kLongestNap / 2);
   if (Interrupted() || nWaited > kLongestWait) return 0;
   sqlite3_sleep(nNap);
   return 1;

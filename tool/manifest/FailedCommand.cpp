@@ -20,8 +20,8 @@ void PrintJson(C_Statement& rows, C_Console& console) {
   std::string strBefore = "[";
   while (rows.Next()) {
     ThrowIfInterrupted();
-    std::string strLine = JsonLine(
-        {{"source", rows.Text(0)}, {"target", rows.Text(1)}, {"reason", rows.Text(2)}});
+    std::string strLine =
+        JsonLine({{"source", rows.Text(0)}, {"target", rows.Text(1)}, {"reason", rows.Text(2)}});
     while (strLine.ends_with('\n')) strLine.pop_back();
     console.Print(strBefore + "\n  " + strLine);
     strBefore = ",";
@@ -38,9 +38,8 @@ void PrintText(C_Statement& rows, C_Console& console) {
 
 int Run(const S_Options& options, C_Console& console) {
   C_Manifest manifest(options.strManifest, tagManifestUse::MANIFEST_EXISTING);
-  C_Statement rows(
-      manifest.Database(),
-      "SELECT source, target, reason FROM main.files WHERE state = 3 ORDER BY source");
+  C_Statement rows(manifest.Database(),
+                   "SELECT source, target, reason FROM main.files WHERE state = 3 ORDER BY source");
   options.bJson ? PrintJson(rows, console) : PrintText(rows, console);
   return 0;
 }

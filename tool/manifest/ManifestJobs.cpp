@@ -23,8 +23,7 @@ std::string HexText(std::uint64_t qwValue) {
   std::array<char, 16> digits;
   digits.fill('0');
   std::array<char, 16> text;
-  const char* const pEnd =
-      std::to_chars(text.data(), text.data() + text.size(), qwValue, 16).ptr;
+  const char* const pEnd = std::to_chars(text.data(), text.data() + text.size(), qwValue, 16).ptr;
   std::copy_backward(static_cast<const char*>(text.data()), pEnd, digits.end());
   return {digits.begin(), digits.end()};
 }

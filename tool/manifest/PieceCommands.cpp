@@ -81,7 +81,8 @@ void AddSplitCommand(C_CommandLine& commandLine, CLI::App& manifest) {
       ->required()
       ->check(CLI::Range(1U, kMostPieces).description(""));
   command.add_option("DB", options->strManifest, "the manifest")->type_name("FILE")->required();
-  command.add_option("-o,--output", options->strNames, "the names of the pieces, with a %d in them")
+  command
+      .add_option("-o,--output", options->strNames, "the names of the pieces, with a %d in them")
       ->type_name("FILE")
       ->required();
   command.add_flag("-f,--force", options->bReplace, "replace files that exist");

@@ -20,7 +20,8 @@ struct S_Options {
 
 std::string StatusText(const std::string& strName, const S_ManifestCounts& counts) {
   C_TextTable table("lrl");
-  const auto Add = [&](const char* pszState, std::uint64_t qwCount, const std::string& strMore = {}) {
+  const auto Add = [&](const char* pszState, std::uint64_t qwCount,
+                       const std::string& strMore = {}) {
     if (qwCount != 0) table.Add({pszState, CountText(qwCount), strMore});
   };
   Add("planned", counts.qwPlanned);
@@ -34,19 +35,18 @@ std::string StatusText(const std::string& strName, const S_ManifestCounts& count
 }
 
 C_Json StatusJson(const std::string& strName, const S_ManifestCounts& counts) {
-  return {{"schema", kJsonSchema},         {"file", strName},
-          {"files", counts.All()},         {"planned", counts.qwPlanned},
-          {"claimed", counts.qwClaimed},   {"done", counts.qwDone},
-          {"skipped", counts.qwSkipped},   {"failed", counts.qwFailed},
-          {"damaged", counts.qwDamaged},   {"seconds", counts.dSeconds},
+  return {{"schema", kJsonSchema},       {"file", strName},
+          {"files", counts.All()},       {"planned", counts.qwPlanned},
+          {"claimed", counts.qwClaimed}, {"done", counts.qwDone},
+          {"skipped", counts.qwSkipped}, {"failed", counts.qwFailed},
+          {"damaged", counts.qwDamaged}, {"seconds", counts.dSeconds},
           {"bytes_left", counts.qwBytes}};
 }
 
 int Run(const S_Options& options, C_Console& console) {
   C_Json array = C_Json::array();
   const int nExit = ForEachFile(options.files, console, [&](const std::string& strPath) {
-    const S_ManifestCounts counts =
-        C_Manifest(strPath, tagManifestUse::MANIFEST_EXISTING).Counts();
+    const S_ManifestCounts counts = C_Manifest(strPath, tagManifestUse::MANIFEST_EXISTING).Counts();
     if (!options.bJson) return console.Print(StatusText(strPath, counts));
     array.push_back(StatusJson(strPath, counts));
   });
@@ -59,16 +59,17 @@ int Run(const S_Options& options, C_Console& console) {
 void AddStatusCommand(C_CommandLine& commandLine, CLI::App& manifest) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(
-      manifest, {"status",
-                 "show how much is done",
-                 "Counts the files of manifests by their states: planned; claimed, which means that "
-                 "a process works on them, or has died; done; skipped, because the target was "
-                 "there; and failed. A manifest that is being worked on can be asked as well.",
-                 {{"voxtool manifest status archive.db", "show how many files are done"},
-                  {"watch voxtool manifest status archive.db", "keep showing it"},
-                  {"voxtool manifest status --json archive.db | jq '.[0].failed'",
-                   "print how many have failed"}},
-                 [options](C_Console& console) { return Run(*options, console); }});
+      manifest,
+      {"status",
+       "show how much is done",
+       "Counts the files of manifests by their states: planned; claimed, which means that "
+       "a process works on them, or has died; done; skipped, because the target was "
+       "there; and failed. A manifest that is being worked on can be asked as well.",
+       {{"voxtool manifest status archive.db", "show how many files are done"},
+        {"watch voxtool manifest status archive.db", "keep showing it"},
+        {"voxtool manifest status --json archive.db | jq '.[0].failed'",
+         "print how many have failed"}},
+       [options](C_Console& console) { return Run(*options, console); }});
   command.add_option("DB", options->files, "the manifests")->type_name("FILE")->required();
   command.add_flag("--json", options->bJson, "print an array with an object for each manifest");
 }

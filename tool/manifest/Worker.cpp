@@ -78,9 +78,8 @@ std::vector<S_KnownWorker> WorkersWithClaims(C_Manifest& manifest) {
                      "(SELECT worker FROM main.files WHERE state = 1)");
   std::vector<S_KnownWorker> workers;
   while (select.Next()) {
-    workers.push_back(
-        {select.Integer(0),
-         {select.Text(1), select.Text(2), select.Integer(3), select.Integer(4)}});
+    workers.push_back({select.Integer(0),
+                       {select.Text(1), select.Text(2), select.Integer(3), select.Integer(4)}});
   }
   return workers;
 }
