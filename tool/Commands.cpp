@@ -7,6 +7,7 @@
 #include "convert/ConvertCommand.h"
 #include "header/HeaderCommand.h"
 #include "info/InfoCommand.h"
+#include "manifest/ManifestCommand.h"
 #include "manual/ManualCommand.h"
 #include "play/PlayCommand.h"
 #include "plot/PlotCommand.h"
@@ -18,6 +19,7 @@ void AddCommands(C_CommandLine& commandLine) {
   AddInfoCommand(commandLine);
   AddPlayCommand(commandLine);
   AddConvertCommand(commandLine);
+  AddManifestCommand(commandLine);
   AddTagsCommand(commandLine);
   AddHeaderCommand(commandLine);
   AddCheckCommand(commandLine);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "batch/BatchOptions.h"
 
+#include <utility>
+
 #include "base/Failure.h"
 
 namespace tool {
@@ -17,11 +19,11 @@ tagTalk S_BatchOptions::Talk() const noexcept {
 }
 
 void S_BatchOptions::CheckNamed() const {
-  if (operands.empty() && strList.empty()) throw C_UsageFailure("voxtool: no file is named");
+  if (!AreNamed()) throw C_UsageFailure("voxtool: no file is named");
 }
 
-C_FileList S_BatchOptions::List(C_Console& console) const {
-  C_FileList list(bFolders, console);
+C_FileList S_BatchOptions::List(C_Console& console, PFN_TakeFile fnTake) const {
+  C_FileList list(bFolders, console, std::move(fnTake));
   for (const std::string& strOperand : operands) list.AddOperand(strOperand);
   if (!strList.empty()) list.AddListed(strList, bZeros);
   return list;

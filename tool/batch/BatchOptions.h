@@ -25,8 +25,9 @@ struct S_BatchOptions {
   [[nodiscard]] tagTalk Talk() const noexcept;
   // Throws C_UsageFailure when no file is named at all.
   void CheckNamed() const;
-  // Complains of what cannot be listed.
-  [[nodiscard]] C_FileList List(C_Console& console) const;
+  [[nodiscard]] bool AreNamed() const noexcept { return !operands.empty() || !strList.empty(); }
+  // Complains of what cannot be listed. With fnTake, files are handed on and not kept.
+  [[nodiscard]] C_FileList List(C_Console& console, PFN_TakeFile fnTake = {}) const;
 };
 // The record must outlive the table.
 void AddBatchOptions(CLI::App& command, S_BatchOptions& options);

@@ -13,6 +13,8 @@ struct S_FileJob {
   std::string strSource;
   std::string strTarget;    // "" when nothing is made of the file
   std::uint64_t qwKey = 0;  // whatever the giver knows the file by
+  // A file that has the name of the target was made by an earlier run and may be replaced.
+  bool bOwnTarget = false;
 };
 
 enum class tagFileState {

@@ -90,13 +90,18 @@ std::size_t KeptOfListed(const std::string& strPath) {
 
 void C_FileList::AddOperand(const std::string& strPath) {
   if (AddFolder(strPath)) return;
-  m_files.push_back({strPath, strPath.size() - NameIn(strPath).size()});
+  AddFile({strPath, strPath.size() - NameIn(strPath).size()});
 }
 
 void C_FileList::AddListed(const std::string& strList, bool bZeros) {
   ReadListedNames(strList, bZeros, [this](const std::string& strName) {
-    if (!AddFolder(strName)) m_files.push_back({strName, KeptOfListed(strName)});
+    if (!AddFolder(strName)) AddFile({strName, KeptOfListed(strName)});
   });
+}
+
+void C_FileList::AddFile(S_ListedFile file) {
+  if (m_fnTake) return m_fnTake(file);
+  m_files.push_back(std::move(file));
 }
 
 // False when it is none.
@@ -119,7 +124,7 @@ void C_FileList::Walk(const std::string& strFolder, std::size_t nKept) {
     if (entry.bFolder) {
       Walk(entry.strPath, nKept);
     } else if (IsSound(entry.strPath)) {
-      m_files.push_back({entry.strPath, nKept});
+      AddFile({entry.strPath, nKept});
     }
   }
 }

@@ -86,6 +86,8 @@ class C_Run {
       Say(InterruptedText(m_state, m_options.strDone));
       throw C_Interrupted();
     }
+    // Other processes may have taken a part.
+    m_state.qwAll = m_state.Ended();
     if (m_options.bSummary) Say(SummaryText(m_state, m_options.strDone));
     return m_state;
   }

@@ -17,13 +17,6 @@
 namespace tool {
 namespace {
 
-// The same for all ways to write a path, as far as its text tells.
-std::string PlainPath(const std::string& strPath) {
-  std::error_code error;
-  const std::filesystem::path path = std::filesystem::absolute(strPath, error);
-  return (error ? std::filesystem::path(strPath) : path).lexically_normal().string();
-}
-
 // A path of one of the files. Only its hash is kept, because there may be millions.
 struct S_HashedPath {
   std::size_t nHash;
@@ -97,6 +90,12 @@ class C_ClashSearch {
 std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
                         std::string_view extension) {
   return (std::filesystem::path(strFolder) / WithExtension(file.Kept(), extension)).string();
+}
+
+std::string PlainPath(const std::string& strPath) {
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::absolute(strPath, error);
+  return (error ? std::filesystem::path(strPath) : path).lexically_normal().string();
 }
 
 void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& fnTargetOf) {

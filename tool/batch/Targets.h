@@ -28,6 +28,9 @@ struct S_TargetRule {
 [[nodiscard]] std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
                                       std::string_view extension);
 
+// Absolute, and the same for all ways to write a path, as far as its text tells.
+[[nodiscard]] std::string PlainPath(const std::string& strPath);
+
 using PFN_TargetOf = std::function<std::string(const S_ListedFile& file)>;
 
 // Throws C_UsageFailure when two files have the same target, and when the target of one file is

@@ -221,7 +221,7 @@ class C_Conversion {
 S_FileResult ConvertFile(const S_FileJob& job, const S_ConvertOptions& options, S_TargetRule rule,
                          const C_FileReport& report, C_FileWatch& watch) {
   const bool bFile = job.strTarget != kStandardStream;
-  if (!bFile) rule.eExisting = tagExisting::EXISTING_REPLACED;
+  if (!bFile || job.bOwnTarget) rule.eExisting = tagExisting::EXISTING_REPLACED;
   if (!MayWrite(job.strTarget, rule.eExisting)) {
     S_FileResult result;
     result.eState = tagFileState::FILE_SKIPPED;

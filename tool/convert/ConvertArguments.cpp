@@ -65,6 +65,26 @@ void AddSoundArguments(CLI::App& command, S_ConvertArguments& arguments) {
                    "leave out events, cue points and other notes");
 }
 
+void AddManifestArguments(CLI::App& command, S_ConvertArguments& arguments) {
+  CLI::Option* const pManifest =
+      command
+          .add_option("--manifest", arguments.strManifest,
+                      "keep in this file what is done; without IN, go on with what it has")
+          ->type_name("FILE");
+  command
+      .add_flag("--plan-only", arguments.bPlanOnly,
+                "add IN to the manifest, and convert nothing yet")
+      ->needs(pManifest);
+  command
+      .add_flag("--retry-failed", arguments.bRetryFailed,
+                "try again what has failed before, with --manifest")
+      ->needs(pManifest);
+  command
+      .add_flag("--reclaim", arguments.bReclaim,
+                "take over what other machines have begun, when they no longer work on it")
+      ->needs(pManifest);
+}
+
 [[noreturn]] void RefuseValue(const std::string& strOption, const std::string& strValue) {
   throw C_UsageFailure("voxtool: " + strOption + ": " + strValue + " cannot be meant");
 }
@@ -109,6 +129,7 @@ void AddConvertArguments(CLI::App& command, S_ConvertArguments& arguments) {
   AddFormatArguments(command, arguments.format);
   AddSoundArguments(command, arguments);
   AddBatchOptions(command, arguments.batch);
+  AddManifestArguments(command, arguments);
 }
 
 std::string FormatNameOf(const S_ConvertArguments& arguments) {

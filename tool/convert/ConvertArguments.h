@@ -23,6 +23,10 @@ struct S_ConvertArguments {
   std::string strSilence;
   std::string strRead;
   bool bNoNotes = false;
+  std::string strManifest;
+  bool bPlanOnly = false;
+  bool bRetryFailed = false;
+  bool bReclaim = false;
 };
 
 // The record must outlive the table.

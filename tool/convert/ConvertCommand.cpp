@@ -13,6 +13,7 @@
 #include "batch/RunOnFiles.h"
 #include "convert/Conversion.h"
 #include "convert/ConvertArguments.h"
+#include "convert/ManifestRun.h"
 #include "sound/SoundInput.h"
 
 namespace tool {
@@ -27,7 +28,10 @@ constexpr const char* kDescription =
     "target can hold it. One line says what it cannot.\n\n"
     "A target appears when it is whole, and never replaces a file unless -f is given. Files below "
     "a "
-    "folder, and relative names in a list, keep their folders below that of -d.";
+    "folder, and relative names in a list, keep their folders below that of -d.\n\n"
+    "With --manifest, a file keeps what is done. The same command, or one without files, goes on "
+    "where an earlier one has ended, however it did, and any number of them may run at a time. "
+    "Files that have changed are converted again.";
 
 bool IsFolder(const std::string& strPath) {
   struct stat status {};
@@ -73,6 +77,7 @@ S_RunOptions RunOptionsOf(const S_ConvertArguments& arguments) {
 }
 
 int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
+  if (!arguments.strManifest.empty()) return ConvertByManifest(arguments, console);
   arguments.batch.CheckNamed();
   const S_ConvertOptions options = ConvertOptionsOf(arguments);
   C_FileList list = arguments.batch.List(console);
@@ -108,6 +113,8 @@ void AddConvertCommand(C_CommandLine& commandLine) {
        "converts the files that another program finds"},
       {"voxtool convert message.vef --read stream -o - --to wav | aplay",
        "sends a sound to another program"},
+      {"voxtool convert --manifest archive.db -r archive -d new --to kestrel",
+       "converts a large archive so that it can be interrupted and continued"},
   };
   command.fnRun = [arguments](C_Console& console) { return RunConvert(*arguments, console); };
   AddConvertArguments(commandLine.Add(std::move(command)), *arguments);
