@@ -10,6 +10,7 @@
 
 #include "base/Failure.h"
 #include "base/TerminalText.h"
+#include "base/Utf8.h"
 
 namespace tool {
 namespace {
@@ -24,6 +25,7 @@ bool TerminalHasColours() {
 }
 
 [[noreturn]] void FailToPrint() {
+  if (errno == EPIPE) throw C_OutputClosed();
   throw C_Failure("standard output", "cannot be written", SystemReason(errno));
 }
 
@@ -60,7 +62,7 @@ void C_Console::Flush() {
 void C_Console::Complain(std::string_view line) {
   const std::lock_guard lock(m_lock);
   TakeProgressAway();
-  ToErrors(std::string(line) + '\n');
+  ToErrors(Printable(line) + '\n');
 }
 
 void C_Console::ShowProgress(std::string_view line) {

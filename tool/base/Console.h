@@ -23,7 +23,7 @@ class C_Console {
   void Print(std::string_view text);
   // Writes out what is printed. Throws as Print does.
   void Flush();
-  // A line on standard error. The line end is added.
+  // A line on standard error. The line end is added, and control characters are shown (Utf8.h).
   void Complain(std::string_view line);
   // Shows a line at the bottom of a terminal in place of the one before; "" takes it away. Shows
   // nothing when standard error is no terminal.

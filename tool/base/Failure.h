@@ -26,6 +26,12 @@ class C_Interrupted : public std::exception {
   [[nodiscard]] const char* what() const noexcept override { return "interrupted"; }
 };
 
+// Nobody reads standard output any more, so there is nothing left to do and nothing to say.
+class C_OutputClosed : public std::exception {
+ public:
+  [[nodiscard]] const char* what() const noexcept override { return "standard output is closed"; }
+};
+
 // What the system says about errno.
 std::string SystemReason(int nError);
 

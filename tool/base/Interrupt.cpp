@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "base/Interrupt.h"
 
+#include <atomic>
 #include <csignal>
 
 #include "base/Failure.h"
@@ -8,11 +9,16 @@
 namespace tool {
 namespace {
 
-volatile std::sig_atomic_t g_nInterrupted = 0;
+// Threads read it as well, so the type that signals are otherwise noted in will not do.
+std::atomic<bool> g_bInterrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
-extern "C" void NoteInterrupt(int /*nSignal*/) { g_nInterrupted = 1; }
+extern "C" void NoteInterrupt(int /*nSignal*/) { g_bInterrupted = true; }
 
+// What whoever started the program has ignored stays ignored: it is meant to outlive a terminal.
 void Catch(int nSignal) {
+  struct sigaction before = {};
+  if (sigaction(nSignal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN) return;
   struct sigaction action = {};
   action.sa_handler = &NoteInterrupt;
   // The second one takes the system's way. Calls that wait return, so that the first is seen.
@@ -26,9 +32,11 @@ void CatchInterrupts() {
   Catch(SIGINT);
   Catch(SIGTERM);
   Catch(SIGHUP);
+  // Who reads no further must not end the program while it has half a file beside its target.
+  std::signal(SIGPIPE, SIG_IGN);
 }
 
-bool Interrupted() noexcept { return g_nInterrupted != 0; }
+bool Interrupted() noexcept { return g_bInterrupted; }
 
 void ThrowIfInterrupted() {
   if (Interrupted()) throw C_Interrupted();

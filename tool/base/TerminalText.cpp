@@ -59,14 +59,6 @@ void ForEachCharacter(std::string_view text, Each&& each) {
 
 }  // namespace
 
-std::string Printable(const std::string& strText) {
-  std::string strPrintable;
-  ForEachCharacter(strText, [&](const S_Character& character) {
-    strPrintable += character.nColumns < 0 ? "?" : character.bytes;
-  });
-  return strPrintable;
-}
-
 std::size_t ColumnsOf(const std::string& strText) {
   std::size_t nColumns = 0;
   ForEachCharacter(strText, [&](const S_Character& character) {

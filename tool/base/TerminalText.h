@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Texts from files and their names, as a terminal may show them. Bytes are UTF-8.
+// How much room texts take on a terminal. They are UTF-8, and printable (Utf8.h).
 #pragma once
 
 #include <cstddef>
@@ -8,11 +8,7 @@
 
 namespace tool {
 
-// The text with a "?" for everything that would not be shown but obeyed, and for bytes that are no
-// character.
-std::string Printable(const std::string& strText);
-
-// Of a printable text: the columns that it takes.
+// The columns that it takes.
 std::size_t ColumnsOf(const std::string& strText);
 
 // The text, or as much of its end as fits, after "...".

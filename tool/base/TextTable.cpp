@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "base/Utf8.h"
+#include "base/TerminalText.h"
 
 namespace tool {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kGap = 2;
 
 std::string Cell(const std::string& strText, std::size_t nWidth, char chSide) {
-  const std::size_t nWritten = std::min(nWidth, CharacterCount(strText));
+  const std::size_t nWritten = std::min(nWidth, ColumnsOf(strText));
   const std::string strFill(nWidth - nWritten, ' ');
   return chSide == 'r' ? strFill + strText : strText + strFill;
 }
@@ -25,9 +25,9 @@ std::string Bold(const std::string& strText, bool bColours) {
 std::vector<std::size_t> C_TextTable::Widths() const {
   std::vector<std::size_t> widths(m_strSides.size());
   for (std::size_t n = 0; n < widths.size(); ++n) {
-    for (const Row& row : m_rows) widths[n] = std::max(widths[n], CharacterCount(row.at(n)));
+    for (const Row& row : m_rows) widths[n] = std::max(widths[n], ColumnsOf(row.at(n)));
     const bool bHeaded = widths[n] != 0 && n < m_heading.size();
-    if (bHeaded) widths[n] = std::max(widths[n], CharacterCount(m_heading[n]));
+    if (bHeaded) widths[n] = std::max(widths[n], ColumnsOf(m_heading[n]));
   }
   return widths;
 }

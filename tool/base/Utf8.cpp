@@ -93,12 +93,6 @@ bool IsUtf8(std::string_view text) noexcept {
   return true;
 }
 
-std::size_t CharacterCount(std::string_view text) noexcept {
-  std::size_t nCount = 0;
-  for (; !text.empty(); ++nCount) text.remove_prefix(std::max<std::size_t>(FirstLength(text), 1));
-  return nCount;
-}
-
 std::string AsUtf8(std::string_view text) {
   if (IsUtf8(text)) return std::string(text);
   std::string strText;

@@ -3,15 +3,12 @@
 // Texts in files are bytes of any kind. What people and other programs see of them is UTF-8.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace tool {
 
 [[nodiscard]] bool IsUtf8(std::string_view text) noexcept;
-// How many characters a text of UTF-8 has; every byte that belongs to none counts as one.
-[[nodiscard]] std::size_t CharacterCount(std::string_view text) noexcept;
 
 // A text of UTF-8 as it is, and any other as what its bytes are in Windows-1252.
 std::string AsUtf8(std::string_view text);

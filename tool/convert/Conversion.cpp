@@ -33,8 +33,13 @@ std::string_view ReasonIn(std::string_view problem) {
   return problem.starts_with(kBegin) ? problem.substr(kBegin.size()) : problem;
 }
 
+// The frame after the last one. Counts come from files, and may be anything.
+std::uint64_t EndOf(const voxplay::Range& range) {
+  return range.first + std::min(range.count, UINT64_MAX - range.first);
+}
+
 bool Touches(const voxplay::Range& a, const voxplay::Range& b) {
-  return a.first < b.first + b.count && b.first < a.first + a.count;
+  return a.first < EndOf(b) && b.first < EndOf(a);
 }
 
 // What the file says of silence stays, and counts more than what was found.
@@ -43,7 +48,7 @@ void AddSilence(voxplay::Notes& notes, const std::vector<voxplay::Range>& found)
   const auto known = before.view().silence();
   auto at = known.begin();
   for (const voxplay::Range& range : found) {
-    while (at != known.end() && (*at).first + (*at).count <= range.first) ++at;
+    while (at != known.end() && EndOf(*at) <= range.first) ++at;
     if (at == known.end() || !Touches(*at, range)) notes.add_silence(range);
   }
 }

@@ -32,7 +32,7 @@ void PrintJson(C_Statement& rows, C_Console& console) {
 void PrintText(C_Statement& rows, C_Console& console) {
   while (rows.Next()) {
     ThrowIfInterrupted();
-    console.Print(Printable(std::string_view(rows.Text(2))) + '\n');
+    console.Print(Printable(rows.Text(2)) + '\n');
   }
 }
 

@@ -44,9 +44,8 @@ int RunSplit(const S_SplitOptions& options, C_Console& console) {
   C_Manifest manifest(options.strManifest, tagManifestUse::MANIFEST_EXISTING);
   Split(manifest, pieces, options.bReplace);
   for (const S_Piece& piece : pieces) {
-    console.Print(Printable(std::string_view(piece.strPath)) + ": " +
-                  CountedText(piece.qwFiles, "file") + ", " + CountedText(piece.qwBytes, "byte") +
-                  '\n');
+    console.Print(Printable(piece.strPath) + ": " + CountedText(piece.qwFiles, "file") + ", " +
+                  CountedText(piece.qwBytes, "byte") + '\n');
   }
   return 0;
 }
@@ -55,8 +54,7 @@ int RunMerge(const S_MergeOptions& options, C_Console& console) {
   C_Manifest manifest(options.strManifest, tagManifestUse::MANIFEST_EXISTING);
   return ForEachFile(options.pieces, console, [&](const std::string& strPiece) {
     const S_MergeCounts counts = Merge(manifest, strPiece);
-    console.Print(Printable(std::string_view(strPiece)) + ": " +
-                  CountedText(counts.qwTaken, "new result") + ", " +
+    console.Print(Printable(strPiece) + ": " + CountedText(counts.qwTaken, "new result") + ", " +
                   CountedText(counts.qwLeft, "file") + " left\n");
   });
 }

@@ -16,6 +16,8 @@ constexpr std::size_t kMostShown = 40;
 
 // As much of a value as a message has room for.
 std::string Shown(const C_Json& value) {
+  // What is nested may be so deeply that it takes all of the stack to write it.
+  if (value.is_structured()) return value.is_array() ? "[...]" : "{...}";
   std::string strText = JsonLine(value);
   strText.pop_back();
   return strText.size() <= kMostShown ? strText : Printable(strText.substr(0, kMostShown)) + "...";

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
+constexpr int kOutputClosed = 141;  // what shells say of a program that such a pipe has ended
 
 // What the work returns, or the exit code of what it throws.
 template <typename Work>
@@ -28,6 +29,8 @@ int Guarded(C_Console& console, Work&& work) {
     return kUsage;
   } catch (const C_Interrupted&) {
     return kInterruptedExit;
+  } catch (const C_OutputClosed&) {
+    return kOutputClosed;
   } catch (const std::bad_alloc&) {
     console.Complain("voxtool: there is not enough memory");
     return kFailed;

@@ -8,7 +8,7 @@
 
 #include "base/Failure.h"
 #include "base/Interrupt.h"
-#include "base/TerminalText.h"
+#include "base/Utf8.h"
 #include "play/PassingMarks.h"
 #include "play/SoundPlayer.h"
 #include "play/StatusLine.h"

@@ -71,6 +71,8 @@ std::uint32_t UsedBits(int nFormat) {
       return 8;
     case SF_FORMAT_PCM_24:
     case SF_FORMAT_ALAC_24:
+    case SF_FORMAT_DWVW_24:
+    case SF_FORMAT_DWVW_N:
       return 24;
     case SF_FORMAT_ALAC_20:
       return 20;

@@ -50,8 +50,8 @@ std::string ReadText(const std::string& strPath) {
 void CheckRate(const C_Json& file, std::uint32_t dwRate) {
   const auto found = file.find("sample_rate");
   if (found == file.end() || *found == dwRate) return;
-  throw C_BadRow("the marks count frames of " + found->dump() + " Hz, and the sound has " +
-                 std::to_string(dwRate) + " Hz");
+  throw C_BadRow("the marks count frames of " + (found->is_structured() ? "[...]" : found->dump()) +
+                 " Hz, and the sound has " + std::to_string(dwRate) + " Hz");
 }
 
 // An array of rows, or what "tags export" writes of one file.

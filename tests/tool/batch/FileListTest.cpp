@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "FolderTest.h"
-#include "ToolSounds.h"
+#include "VoxtoolSounds.h"
 #include "base/Failure.h"
 
 namespace tool {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "FolderTest.h"
-#include "ToolSounds.h"
+#include "VoxtoolSounds.h"
 #include "convert/TargetFormat.h"
 
 namespace tool {

@@ -13,18 +13,6 @@ namespace {
 
 using tool::tagKey;
 
-TEST(TerminalText, WhatATerminalObeys_IsReplaced) {
-  EXPECT_EQ(tool::Printable("a\x1b[2Jb\r\n\x7f"), "a?[2Jb???");
-  EXPECT_EQ(tool::Printable("\xff"
-                            "a\xc3"),
-            "?a?");
-  EXPECT_EQ(tool::Printable("\xc2\x9b"
-                            "1m"),
-            "?1m")
-      << "controls of one character are U+009B";
-  EXPECT_EQ(tool::Printable("gr\xc3\xbc\xc3\x9f"), "gr\xc3\xbc\xc3\x9f");
-}
-
 TEST(TerminalText, Columns_AreThoseOfCharacters) {
   EXPECT_EQ(tool::ColumnsOf("abc"), 3U);
   EXPECT_EQ(tool::ColumnsOf("\xc3\xbc"), 1U);

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "ToolSounds.h"
+#include "VoxtoolSounds.h"
 #include "base/Failure.h"
 
 namespace tool {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "FolderTest.h"
-#include "ToolSounds.h"
+#include "VoxtoolSounds.h"
 #include "sound/PeakMeter.h"
 #include "sound/SampleSum.h"
 #include "sound/SilenceFinder.h"

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "ToolSounds.h"
+#include "VoxtoolSounds.h"
 
 namespace tool {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "ChildProcess.h"
 #include "FolderTest.h"
-#include "ToolSounds.h"
+#include "VoxtoolSounds.h"
 
 namespace tool::test {
 
