@@ -83,5 +83,5 @@ seconds "$voxtool" manifest split 100 m.db -o 'piece-%d.db' >pieces
 echo "| split it into 100 pieces | $took |"
 seconds "$voxtool" manifest merge m.db piece-*.db >merged
 echo "| merge them | $took |"
-seconds "$voxtool" manifest status m.db >status
+seconds "$voxtool" manifest status m.db >counts
 echo "| show its status | $took |"

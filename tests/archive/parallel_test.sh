@@ -11,6 +11,7 @@ files=${2:-2000}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$(mktemp -d /tmp/voxparallel-XXXXXX)
 trap 'rm -rf "$folder"' EXIT
+# shellcheck source=tests/archive/expect_archive.sh
 source "$here/expect_archive.sh"
 
 # In place of ssh: "HOST COMMAND". A host that is gone does not answer, and whatever ran on it is gone.

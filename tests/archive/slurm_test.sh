@@ -10,6 +10,7 @@ voxtool=$(realpath "$1")
 files=${2:-5000}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$(mktemp -d /tmp/voxslurm-XXXXXX)
+# shellcheck source=tests/archive/expect_archive.sh
 source "$here/expect_archive.sh"
 
 started=()
