@@ -117,7 +117,8 @@ constexpr const char* kTakeResults =
 
 // Of files that were begun and not ended there: their targets, if they are there, are ours.
 constexpr const char* kTakeTargets =
-    "UPDATE main.files SET own = 1 FROM piece.files p WHERE p.id = files.id AND "
+    "UPDATE main.files SET own = 1 FROM piece.files p "
+    "WHERE files.id IN (SELECT id FROM piece.files WHERE own = 1) AND p.id = files.id AND "
     "p.source = files.source AND p.target = files.target AND p.own = 1 AND files.own = 0";
 
 void CheckFamily(C_Manifest& manifest, const std::string& strPiece) {
