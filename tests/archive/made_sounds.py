@@ -21,7 +21,7 @@ def wav(number, frames):
 
 
 DAMAGES = [lambda data: b"", lambda data: data[:10], lambda data: b"no sound at all" + data[400:],
-           lambda data: data[:20] + b"\xff" * 16 + data[36:], lambda data: data[:44]]
+           lambda data: data[:20] + b"\xff" * 16 + data[36:], lambda data: data[:30]]
 
 
 def main():

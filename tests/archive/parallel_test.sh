@@ -11,6 +11,7 @@ files=${2:-2000}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$(mktemp -d /tmp/voxparallel-XXXXXX)
 trap 'rm -rf "$folder"' EXIT
+# shellcheck source=tests/archive/expect_archive.sh
 source "$here/expect_archive.sh"
 
 # In place of ssh: "HOST COMMAND". A host that is gone does not answer, and whatever ran on it is gone.
@@ -22,12 +23,12 @@ host=$1
 shift
 [[ ${1:-} != -- ]] || shift
 [[ ! -e $folder/gone-$host ]] || exit 255
-echo "$*" >>"$folder/asked-$host"
+touch "$folder/asked-$host"
 setsid bash -c "$*" <&0 &
 process=$!
 while kill -0 $process 2>/dev/null; do
   if [[ -e $folder/gone-$host ]]; then
-    kill -KILL -- -$process
+    ps -o pid= -s $process | xargs -r kill -KILL
     exit 255
   fi
   sleep 0.05
@@ -39,7 +40,6 @@ export PARALLEL_SSH=$folder/ssh VOXTOOL=$voxtool PARALLEL_HOME=$folder/parallel
 mkdir "$PARALLEL_HOME"
 
 make_archive "$files" 9
-code=0
 "$here/../../archive/parallel/convert.sh" -S 1/one,1/two -n 8 "$folder/archive.db" >"$folder/said" &
 job=$!
 end=$((SECONDS + 60)) process=
@@ -56,9 +56,10 @@ until [[ -n $(process_of "$folder/archive.db.work/round-1/piece-4.db") ]]; do
   sleep 0.02
 done
 touch "$folder/gone-two"
+code=0
 wait "$job" || code=$?
 ((code == 1)) || fail "ends with $code, not with 1 for files that failed"
-[[ -s $folder/asked-one && -s $folder/asked-two ]] || fail "a host had nothing to do"
+[[ -e $folder/asked-one && -e $folder/asked-two ]] || fail "a host had nothing to do"
 grep -q "failed  9" "$folder/said" || fail "the report does not count what has failed"
 expect_archive
 echo "parallel_test: after $SECONDS s"

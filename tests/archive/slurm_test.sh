@@ -10,6 +10,7 @@ voxtool=$(realpath "$1")
 files=${2:-5000}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$(mktemp -d /tmp/voxslurm-XXXXXX)
+# shellcheck source=tests/archive/expect_archive.sh
 source "$here/expect_archive.sh"
 
 started=()
@@ -29,8 +30,12 @@ start() {
   "$@" >"$folder/slurm/$name.out" 2>&1 &
   started+=($!)
 }
-# A node counts its processes apart, as a machine would, and they end with it.
-start_node() { start "$1" unshare --pid --fork --kill-child --mount-proc slurmd -D -N "$1"; }
+# A node counts its processes apart, as a machine would, and they end with it. The shell, which is its
+# first process, takes in those whose parents have ended.
+start_node() {
+  start "$1" unshare --pid --fork --kill-child --mount-proc \
+    bash -c 'slurmd -D -N "$1"; exit' bash "$1"
+}
 
 # wait_for SECONDS WHAT COMMAND...
 wait_for() {
@@ -57,7 +62,7 @@ SlurmctldHost=$host(127.0.0.1)
 SlurmUser=root
 SlurmdUser=root
 AuthType=auth/munge
-AuthInfo=socket=$folder/slurm/run/munge.socket,cred_expire=2
+AuthInfo=socket=$folder/slurm/run/munge.socket,cred_expire=5
 CredType=cred/munge
 SlurmctldPort=${ports[0]}
 StateSaveLocation=$folder/slurm/state
@@ -113,7 +118,7 @@ working() {
 wait_for 60 "the first task" working
 kill -KILL "$process"
 wait_for 60 "another task" working
-scancel -s KILL --full "$(squeue -h -t R -n voxtool -o '%K %i' | sed -n "s/^$before //p")"
+scancel "$(squeue -h -t R -n voxtool -o '%K %i' | sed -n "s/^$before //p")"
 wait_for 60 "a task on the second node" working -w two
 kill -KILL "$node_two"
 

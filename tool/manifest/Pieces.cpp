@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "manifest/Pieces.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -9,6 +10,7 @@
 #include <queue>
 #include <utility>
 
+#include "base/Descriptor.h"
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "manifest/Worker.h"
@@ -18,6 +20,7 @@ namespace {
 
 // What opening and writing a file costs beside reading it, as so many bytes.
 constexpr std::uint64_t kBytesPerFile = 4096;
+constexpr mode_t kReadAndWrite = 0666;  // as far as the user's mask lets them
 
 bool Exists(const std::string& strPath) {
   struct stat status {};
@@ -29,6 +32,9 @@ class C_NewPiece {
  public:
   explicit C_NewPiece(const std::string& strPath) : m_strPath(strPath), m_strNew(strPath + ".new") {
     std::remove(m_strNew.c_str());
+    const C_Descriptor made(
+        open(m_strNew.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadAndWrite));
+    if (made.Get() < 0) throw C_Failure(m_strPath, "cannot be made", SystemReason(errno));
   }
   ~C_NewPiece() { std::remove(m_strNew.c_str()); }
   C_NewPiece(const C_NewPiece&) = delete;
@@ -111,7 +117,8 @@ constexpr const char* kTakeResults =
 
 // Of files that were begun and not ended there: their targets, if they are there, are ours.
 constexpr const char* kTakeTargets =
-    "UPDATE main.files SET own = 1 FROM piece.files p WHERE p.id = files.id AND "
+    "UPDATE main.files SET own = 1 FROM piece.files p "
+    "WHERE files.id IN (SELECT id FROM piece.files WHERE own = 1) AND p.id = files.id AND "
     "p.source = files.source AND p.target = files.target AND p.own = 1 AND files.own = 0";
 
 void CheckFamily(C_Manifest& manifest, const std::string& strPiece) {

@@ -58,7 +58,8 @@ S_PlanCounts C_Plan::Finish(const std::string& strOptions, const std::string& st
 // They are found when the folder that is written is in one that is read.
 void C_Plan::LeaveOutTargets() {
   m_database.Execute(
-      "DELETE FROM temp.plan WHERE EXISTS (SELECT 1 FROM main.files f WHERE f.target = source)");
+      "DELETE FROM temp.plan AS p "
+      "WHERE EXISTS (SELECT 1 FROM main.files f WHERE f.target = p.source)");
 }
 
 void C_Plan::RefuseSameTargets() {

@@ -175,7 +175,7 @@ TEST_F(PlanTest, DamagedManifests_FailOrAreRead) {
   }
   const std::vector<std::uint8_t> whole = Content("files.db");
   int nFailed = 0;
-  for (std::size_t nAt = 0; nAt < whole.size(); nAt += 97) {
+  for (std::size_t nAt = 0; nAt < whole.size(); nAt += 397) {
     std::vector<std::uint8_t> bytes = whole;
     for (std::size_t n = nAt; n < std::min(nAt + 8, bytes.size()); ++n) bytes[n] ^= 0xA5U;
     Write("files.db", bytes);
