@@ -31,10 +31,11 @@ awk 'BEGIN { printf "[" }
   END { print "\n]" }' "$database" >build/tidy/once/compile_commands.json
 
 # The static analyser takes more time than everything else together, so it looks at what users run only.
+# What the compiler warns of is a finding like all others, and can be excused like them.
 check() {
   local output checks=''
   [[ ! $1 =~ ^(\./)?(bench|fuzz|training)/ ]] || checks=-clang-analyzer-*
-  output=$(clang-tidy --quiet --checks="$checks" -p build/tidy/once "$1" 2>/dev/null) && return
+  output=$(clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-error -p build/tidy/once "$1" 2>/dev/null) && return
   printf '%s\n' "$output" "clang-tidy: $1 is not clean"
   return 1
 }
