@@ -9,6 +9,28 @@ if(VOXPLAY_PLAYER)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/man/VoxplaySampleCode.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT player)
 endif()
+if(VOXPLAY_TOOL)
+  set(DESKTOP ${PROJECT_SOURCE_DIR}/desktop)
+  install(TARGETS voxtool RUNTIME COMPONENT player)
+  install(FILES ${DESKTOP}/voxplay.xml
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages COMPONENT player)
+  install(FILES ${DESKTOP}/voxtool.desktop
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT player)
+  install(FILES ${DESKTOP}/voxtool.thumbnailer
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/thumbnailers COMPONENT player)
+  install(FILES ${DESKTOP}/org.voxplay.voxtool.metainfo.xml
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT player)
+endif()
+if(VOXTOOL_TEXTS)
+  install(DIRECTORY ${VOXTOOL_TEXTS}/man/
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT player FILES_MATCHING PATTERN "*.1")
+  install(FILES ${VOXTOOL_TEXTS}/bash/voxtool
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT player)
+  install(FILES ${VOXTOOL_TEXTS}/zsh/_voxtool
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT player)
+  install(FILES ${VOXTOOL_TEXTS}/fish/voxtool.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT player)
+endif()
 if(NOT VOXPLAY_API)
   return()
 endif()

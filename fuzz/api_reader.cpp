@@ -64,6 +64,18 @@ void CheckNotes(const voxplay_notes* pNotes) {
   static_cast<void>(notes.sampler());
 }
 
+// Chunks stand within the file, one after the other.
+void CheckChunks(const voxplay_reader* pReader, Bytes input) {
+  std::uint64_t qwEnd = 0;
+  for (std::size_t n = 0; n < voxplay_reader_chunk_count(pReader); ++n) {
+    voxplay_chunk_place place{};
+    Require(voxplay_reader_chunk(pReader, n, &place, sizeof place) == VOXPLAY_OK);
+    Require(place.offset >= qwEnd + 8 && place.held <= place.size);
+    Require(place.offset <= input.size() && place.held <= input.size() - place.offset);
+    qwEnd = place.offset + place.held;
+  }
+}
+
 // Seeking gives what reading on gives.
 void CheckSeeking(voxplay_reader* pReader, const Samples& all, std::size_t nChannels,
                   std::size_t nPiece) {
@@ -139,6 +151,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
     voxplay_info info{};
     Require(voxplay_reader_info(pReader, &info, sizeof info) == VOXPLAY_OK);
     CheckNotes(voxplay_reader_notes(pReader));
+    CheckChunks(pReader, input);
     const Samples all = ReadFrames(pReader, info.channels, nPiece, kMostFrames);
     CheckSeeking(pReader, all, info.channels, nPiece);
     const bool bPipe = byChoice % 8 == 5;

@@ -6,6 +6,7 @@
 #
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
+#   scripts/install-deps.sh tool     the same and what builds and tests voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
 #   scripts/install-deps.sh budgets  what counts the instructions of the library
@@ -21,8 +22,13 @@ set -euo pipefail
 library=(g++ cmake make)
 # cubeb finds the sound service's client library at run time, so no package depends on it.
 player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
+# What voxtool needs beside what the player needs.
+tool=(libcli11-dev nlohmann-json3-dev libcairo2-dev libkissfft-dev libsqlite3-dev fonts-dejavu-core)
 tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
   ffmpeg)
+# What the tests of voxtool need beside those.
+tool_tests=(tmux zsh fish man-db mandoc python3-minimal desktop-file-utils appstream libxml2-utils
+  shared-mime-info libglib2.0-bin)
 # What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
 ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")
@@ -38,6 +44,7 @@ package=("${player[@]}" debhelper dpkg-dev fakeroot lintian doxygen debootstrap
 case "${1:-player}" in
   library) wanted=("${library[@]}") ;;
   player) wanted=("${player[@]}") ;;
+  tool) wanted=("${player[@]}" "${tests[@]}" "${tool[@]}" "${tool_tests[@]}") ;;
   test) wanted=("${player[@]}" "${tests[@]}") ;;
   ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
   budgets) wanted=("${library[@]}" valgrind) ;;

@@ -3,12 +3,14 @@
 // The reader of voxplay.h.
 #include "reader/Reader.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <new>
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "calls/Guard.h"
 #include "calls/NotesObject.h"
@@ -72,6 +74,21 @@ voxplay_status GiveRecord(const voxplay_reader* pReader, First Record::*pFirst, 
   return WithOpen(pReader, [&](const api::C_Reader& reader) {
     api::CopyOut(fnAsk(reader), pFirst, pTarget, cbTarget);
   });
+}
+
+voxplay_chunk_place PlaceOf(const std::vector<api::S_FoundChunk>& chunks, std::size_t nIndex) {
+  if (nIndex >= chunks.size()) {
+    throw api::C_Failure(
+        VOXPLAY_BAD_ARGUMENT,
+        "chunk " + std::to_string(nIndex) + ": the file has " + std::to_string(chunks.size()));
+  }
+  const api::S_FoundChunk& chunk = chunks[nIndex];
+  voxplay_chunk_place place{};
+  std::ranges::copy(chunk.id, place.id);
+  place.offset = chunk.payload.qwAt;
+  place.size = chunk.payload.qwSize;
+  place.held = chunk.qwHeld;
+  return place;
 }
 
 template <typename Sample>
@@ -146,6 +163,16 @@ voxplay_status voxplay_reader_headers(const voxplay_reader* reader, voxplay_head
                                       size_t size) {
   return GiveRecord(reader, &voxplay_headers::has_sp, headers, size,
                     [](const api::C_Reader& open) { return open.Headers(); });
+}
+
+size_t voxplay_reader_chunk_count(const voxplay_reader* reader) {
+  return reader == nullptr || !reader->open ? 0 : reader->open->Chunks().size();
+}
+
+voxplay_status voxplay_reader_chunk(const voxplay_reader* reader, size_t index,
+                                    voxplay_chunk_place* place, size_t size) {
+  return GiveRecord(reader, &voxplay_chunk_place::id, place, size,
+                    [index](const api::C_Reader& open) { return PlaceOf(open.Chunks(), index); });
 }
 
 voxplay_status voxplay_reader_read_s16(voxplay_reader* reader, int16_t* samples, size_t count,

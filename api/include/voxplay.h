@@ -219,6 +219,25 @@ typedef struct voxplay_headers {
 voxplay_status voxplay_reader_headers(const voxplay_reader* reader, voxplay_headers* headers,
                                       size_t size);
 
+/* Where a chunk of a RIFF file stands. Positions count from where the sound begins in its input. */
+typedef struct voxplay_chunk_place {
+  char id[4];
+  uint64_t offset; /* of its content, which begins after identifier and size */
+  /* Of its content, in bytes, as the file claims. Of RF64, what "ds64" says counts; of samples
+   * whose number was not known when they were written, those that are there. */
+  uint64_t size;
+  uint64_t held; /* of these bytes, those that are there: fewer where the end of the file cuts it */
+} voxplay_chunk_place;
+
+/* How many chunks a RIFF file has beside each other, in its order, "fmt " and "data" included; 0
+ * for files of other containers, and when nothing is open. Of an input that only goes forward,
+ * those up to "data" count, and where it does not tell its length, all of a chunk is taken to be
+ * there. */
+size_t voxplay_reader_chunk_count(const voxplay_reader* reader);
+/* index counts from 0; an index outside the list is a VOXPLAY_BAD_ARGUMENT. */
+voxplay_status voxplay_reader_chunk(const voxplay_reader* reader, size_t index,
+                                    voxplay_chunk_place* place, size_t size);
+
 /* Reads up to count frames from the present position on, and moves it. *done is their number; it is
  * 0 only at the end of the sound. When it fails, *done says how many frames before the place of the
  * failure were read. The buffer has room for count * channels samples. */

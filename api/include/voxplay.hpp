@@ -37,6 +37,7 @@ namespace voxplay {
 
 using Info = voxplay_info;
 using Headers = voxplay_headers;
+using ChunkPlace = voxplay_chunk_place;
 using Format = voxplay_format;
 using Event = voxplay_event;
 using Range = voxplay_range;
@@ -293,6 +294,14 @@ class Reader {
     Headers headers{};
     check(voxplay_reader_headers(reader_.get(), &headers, sizeof headers));
     return headers;
+  }
+  // Where the chunks of a RIFF file stand, in its order; none for files of other containers.
+  [[nodiscard]] std::vector<ChunkPlace> chunk_places() const {
+    std::vector<ChunkPlace> places(voxplay_reader_chunk_count(reader_.get()));
+    for (std::size_t n = 0; n < places.size(); ++n) {
+      check(voxplay_reader_chunk(reader_.get(), n, &places[n], sizeof places[n]));
+    }
+    return places;
   }
   // The reader's own.
   [[nodiscard]] NotesView notes() const noexcept {

@@ -99,6 +99,7 @@ S_Opened OpenVef(I_ByteSource& source, std::uint32_t dwFlags) {
   }
   opened.info.has_stream = HasStream(source, sound.contents) ? 1 : 0;
   if (sound.codecRecord) FillHeaders(*sound.codecRecord, opened.headers);
+  opened.chunks = std::move(sound.contents.chunks);
   return opened;
 }
 

@@ -14,6 +14,7 @@ S_Opened OpenWav(I_ByteSource& source, std::uint32_t /*dwFlags*/) {
   opened.notes =
       ReadRiffNotes(std::move(sound.further), E_RiffForm::Wave, sound.contents.bCutShort);
   opened.stream = OpenStored(source, sound);
+  opened.chunks = std::move(sound.contents.chunks);
   return opened;
 }
 

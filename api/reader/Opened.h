@@ -7,8 +7,10 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "notes/Notes.h"
+#include "riff/RiffScan.h"
 #include "source/ByteSource.h"
 #include "stream/SampleStream.h"
 #include "voxplay.h"
@@ -20,7 +22,8 @@ struct S_Opened {
   voxplay_info info{};
   voxplay_headers headers{};
   S_Notes notes;
-  C_SampleStreamPtr stream;  // reads from the source
+  std::vector<S_FoundChunk> chunks;  // of a RIFF file
+  C_SampleStreamPtr stream;          // reads from the source
 };
 
 // dwFlags are those of the reader, VOXPLAY_READ_....

@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "reader/Opened.h"
 
@@ -32,6 +33,7 @@ class C_Reader {
 
   [[nodiscard]] voxplay_info Info() const;
   [[nodiscard]] const voxplay_headers& Headers() const noexcept { return m_opened.headers; }
+  [[nodiscard]] const std::vector<S_FoundChunk>& Chunks() const noexcept { return m_opened.chunks; }
   [[nodiscard]] const S_Notes& Notes() const noexcept { return m_opened.notes; }
   // Leaves none.
   [[nodiscard]] S_Notes TakeNotes() noexcept { return std::move(m_opened.notes); }

@@ -3,47 +3,16 @@
 
 #include <atomic>
 #include <exception>
-#include <future>
 #include <memory>
-#include <thread>
+#include <string>
 #include <utility>
 
 #include "output/CubebStream.h"
+#include "output/ServiceCall.h"
 #include "output/Watchdog.h"
 
 namespace toolbox {
 namespace {
-
-// Makes a call on a thread that may be left behind, so the call must keep alive whatever it works
-// on. It has released all of that by the time its result is available. Throws when no thread can be
-// made.
-template <typename Call>
-std::future<bool> MakeCall(Call call) {
-  auto pAnswer = std::make_shared<std::promise<bool>>();
-  auto answer = pAnswer->get_future();
-  std::thread([call = std::make_unique<Call>(std::move(call)), pAnswer]() mutable {
-    bool bAnswer = false;
-    try {
-      bAnswer = (*call)();
-    } catch (...) {
-      bAnswer = false;  // the service's own library has no memory
-    }
-    call.reset();
-    pAnswer->set_value(bAnswer);
-  }).detach();
-  return answer;
-}
-
-// Returns what the call returns, or false when it takes longer than the limit or cannot be made.
-template <typename Call>
-bool CallService(std::chrono::milliseconds limit, Call call) {
-  try {
-    auto answer = MakeCall(std::move(call));
-    return answer.wait_for(limit) == std::future_status::ready && answer.get();
-  } catch (const std::exception&) {
-    return false;
-  }
-}
 
 // A stream that cannot be closed on another thread stays open until the process ends. Here the call
 // might wait forever.
@@ -62,8 +31,10 @@ void Close(std::shared_ptr<C_CubebStream> pStream, std::chrono::milliseconds lim
 class C_CubebDevice final : public I_OutputDevice {
  public:
   C_CubebDevice(const S_OutputFormat& format, I_DeviceClient& client,
-                std::chrono::milliseconds limit)
-      : m_pStream(std::make_shared<C_CubebStream>(format)), m_client(client), m_limit(limit) {}
+                std::chrono::milliseconds limit, const std::string& strDevice)
+      : m_pStream(std::make_shared<C_CubebStream>(format, strDevice)),
+        m_client(client),
+        m_limit(limit) {}
   ~C_CubebDevice() override;
   C_CubebDevice(const C_CubebDevice&) = delete;
   C_CubebDevice& operator=(const C_CubebDevice&) = delete;
@@ -140,9 +111,10 @@ void C_CubebDevice::OnSilence() {
 
 std::unique_ptr<I_OutputDevice> OpenCubebDevice(const S_OutputFormat& format,
                                                 I_DeviceClient& client,
-                                                std::chrono::milliseconds limit) {
+                                                std::chrono::milliseconds limit,
+                                                const std::string& strDevice) {
   try {
-    auto pDevice = std::make_unique<C_CubebDevice>(format, client, limit);
+    auto pDevice = std::make_unique<C_CubebDevice>(format, client, limit, strDevice);
     if (pDevice->Open()) return pDevice;
   } catch (const std::exception&) {
     return nullptr;

@@ -8,6 +8,7 @@
 
 #include "object/Room.h"
 #include "output/CubebBackend.h"
+#include "output/CubebDevices.h"
 
 namespace toolbox {
 namespace {
@@ -51,6 +52,15 @@ bool C_CubebStream::Open() {
   cubeb* pContext = nullptr;
   if (pCubeb->init(&pContext, "Voxplay", CubebBackend()) != CUBEB_OK) return false;
   m_pContext.reset(pContext);
+  if (m_strDevice.empty()) return OpenOn(nullptr);
+  // What names a device to the service is the list's, and ends with it.
+  const C_CubebDevices devices(*pCubeb, pContext);
+  const cubeb_device_info* const pDevice = devices.Find(m_strDevice);
+  return pDevice != nullptr && OpenOn(pDevice->devid);
+}
+
+bool C_CubebStream::OpenOn(cubeb_devid device) {
+  const S_CubebFunctions* pCubeb = CubebFunctions();
   cubeb_stream_params params{};
   params.format = m_format.bFloat ? CUBEB_SAMPLE_FLOAT32NE : CUBEB_SAMPLE_S16NE;
   params.rate = m_format.dwRate;
@@ -59,7 +69,7 @@ bool C_CubebStream::Open() {
   params.prefs = CUBEB_STREAM_PREF_NONE;
   cubeb_stream* pStream = nullptr;
   const int nResult =
-      pCubeb->stream_init(pContext, &pStream, "Playback", nullptr, nullptr, nullptr, &params,
+      pCubeb->stream_init(m_pContext.get(), &pStream, "Playback", nullptr, nullptr, device, &params,
                           FramesIn(m_format, kLatencyMs), &OnData, &OnState, this);
   if (nResult != CUBEB_OK) return false;
   m_pStream.reset(pStream);
@@ -69,12 +79,7 @@ bool C_CubebStream::Open() {
 // When the service has just died, starting a stream makes the library abort the process. Once the
 // service has answered, or failed to answer, this class knows whether it has died.
 void C_CubebStream::AskService() {
-  const S_CubebFunctions& functions = *CubebFunctions();
-  cubeb_device_collection devices{};
-  if (functions.enumerate_devices(m_pContext.get(), CUBEB_DEVICE_TYPE_OUTPUT, &devices) ==
-      CUBEB_OK) {
-    functions.device_collection_destroy(m_pContext.get(), &devices);
-  }
+  const C_CubebDevices devices(*CubebFunctions(), m_pContext.get());
 }
 
 bool C_CubebStream::Start() {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <utility>
 
 #include "output/CubebLibrary.h"
@@ -17,7 +18,9 @@ namespace toolbox {
 // frozen, so they belong on a thread that can be left behind; so does the destruction.
 class C_CubebStream {
  public:
-  explicit C_CubebStream(const S_OutputFormat& format) noexcept : m_format(format) {}
+  // Of the default device, or of the one of this name.
+  explicit C_CubebStream(const S_OutputFormat& format, std::string strDevice = {}) noexcept
+      : m_format(format), m_strDevice(std::move(strDevice)) {}
 
   // These operations ask the service. False when it cannot play, or can no longer play.
   bool Open();
@@ -44,6 +47,7 @@ class C_CubebStream {
   bool ShowsLife();
 
  private:
+  bool OpenOn(cubeb_devid device);
   void AskService();
   static long OnData(cubeb_stream* pStream, void* pThis, const void* pInput, void* pOutput,
                      long nFrames);
@@ -62,6 +66,7 @@ class C_CubebStream {
   };
 
   const S_OutputFormat m_format;
+  const std::string m_strDevice;
   // Held while the client is called.
   std::mutex m_clientLock;
   I_DeviceClient* m_pClient = nullptr;

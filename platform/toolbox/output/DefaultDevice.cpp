@@ -9,8 +9,9 @@ namespace toolbox {
 namespace {
 
 // Gives OpenCubebDevice, which has another parameter, the form of the list.
-std::unique_ptr<I_OutputDevice> OpenCubeb(const S_OutputFormat& format, I_DeviceClient& client) {
-  return OpenCubebDevice(format, client);
+std::unique_ptr<I_OutputDevice> OpenCubeb(const S_OutputFormat& format, I_DeviceClient& client,
+                                          const std::string& strDevice) {
+  return OpenCubebDevice(format, client, kServiceAnswerLimit, strDevice);
 }
 
 // Asked in this order.
@@ -20,8 +21,14 @@ constexpr std::array kBackends = {&OpenCubeb};
 
 std::unique_ptr<I_OutputDevice> OpenDefaultDevice(const S_OutputFormat& format,
                                                   I_DeviceClient& client) {
+  return OpenNamedDevice(format, client, {});
+}
+
+std::unique_ptr<I_OutputDevice> OpenNamedDevice(const S_OutputFormat& format,
+                                                I_DeviceClient& client,
+                                                const std::string& strDevice) {
   for (const auto pfnOpen : kBackends) {
-    if (auto device = pfnOpen(format, client)) return device;
+    if (auto device = pfnOpen(format, client, strDevice)) return device;
   }
   return nullptr;
 }

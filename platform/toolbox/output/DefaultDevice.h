@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <string>
+
 #include "output/OutputDevice.h"
 
 namespace toolbox {
@@ -9,5 +11,9 @@ namespace toolbox {
 // does, which may take as long as each of them waits for its service.
 [[nodiscard]] std::unique_ptr<I_OutputDevice> OpenDefaultDevice(const S_OutputFormat& format,
                                                                 I_DeviceClient& client);
+// The same for the output of this name, as DeviceList.h lists it.
+[[nodiscard]] std::unique_ptr<I_OutputDevice> OpenNamedDevice(const S_OutputFormat& format,
+                                                              I_DeviceClient& client,
+                                                              const std::string& strDevice);
 
 }  // namespace toolbox

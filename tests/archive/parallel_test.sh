@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# An archive with GNU parallel on two hosts, which are this machine under two names. A process is
+# killed, and a host is lost, while some files are damaged.
+#
+#   parallel_test.sh VOXTOOL [FILES]
+set -euo pipefail
+voxtool=$(realpath "$1")
+files=${2:-2000}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+folder=$(mktemp -d /tmp/voxparallel-XXXXXX)
+trap 'rm -rf "$folder"' EXIT
+# shellcheck source=tests/archive/expect_archive.sh
+source "$here/expect_archive.sh"
+
+# In place of ssh: "HOST COMMAND". A host that is gone does not answer, and whatever ran on it is gone.
+cat >"$folder/ssh" <<'SSH'
+#!/usr/bin/env bash
+folder=$(dirname "$0")
+while [[ $1 == -* ]]; do [[ $1 == -[lop] ]] && shift; shift; done
+host=$1
+shift
+[[ ${1:-} != -- ]] || shift
+[[ ! -e $folder/gone-$host ]] || exit 255
+touch "$folder/asked-$host"
+setsid bash -c "$*" <&0 &
+process=$!
+while kill -0 $process 2>/dev/null; do
+  if [[ -e $folder/gone-$host ]]; then
+    ps -o pid= -s $process | xargs -r kill -KILL
+    exit 255
+  fi
+  sleep 0.05
+done
+wait $process
+SSH
+chmod +x "$folder/ssh"
+export PARALLEL_SSH=$folder/ssh VOXTOOL=$voxtool PARALLEL_HOME=$folder/parallel
+mkdir "$PARALLEL_HOME"
+
+make_archive "$files" 9
+"$here/../../archive/parallel/convert.sh" -S 1/one,1/two -n 8 "$folder/archive.db" >"$folder/said" &
+job=$!
+end=$((SECONDS + 60)) process=
+until [[ -n $process ]]; do
+  ((SECONDS < end)) || fail "no process begins"
+  for piece in 1 2 3 4; do
+    process=$(process_of "$folder/archive.db.work/round-1/piece-$piece.db")
+    [[ -z $process ]] || break
+  done
+done
+kill -KILL "$process"
+until [[ -n $(process_of "$folder/archive.db.work/round-1/piece-4.db") ]]; do
+  ((SECONDS < end)) || fail "no more processes begin"
+  sleep 0.02
+done
+touch "$folder/gone-two"
+code=0
+wait "$job" || code=$?
+((code == 1)) || fail "ends with $code, not with 1 for files that failed"
+[[ -e $folder/asked-one && -e $folder/asked-two ]] || fail "a host had nothing to do"
+grep -q "failed  9" "$folder/said" || fail "the report does not count what has failed"
+expect_archive
+echo "parallel_test: after $SECONDS s"

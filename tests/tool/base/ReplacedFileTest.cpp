@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "base/ReplacedFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "FolderTest.h"
+#include "base/Failure.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using tool::C_ReplacedFile;
+
+using Bytes = std::vector<std::uint8_t>;
+
+class ReplacedFile : public C_FolderTest {
+ protected:
+  static void Write(C_ReplacedFile& file, const std::string& strText) {
+    file.Write(std::as_bytes(std::span(strText)));
+  }
+  using C_FolderTest::Write;
+  [[nodiscard]] unsigned int ModeOf(const std::string& strName) const {
+    struct stat status {};
+    EXPECT_EQ(stat(Path(strName).c_str(), &status), 0);
+    return status.st_mode & 07777U;
+  }
+  // The message of the failure to make the file.
+  [[nodiscard]] std::string WhyNot(const std::string& strPath, bool bMayReplace) const {
+    try {
+      const C_ReplacedFile file(strPath, bMayReplace);
+      return "";
+    } catch (const tool::C_Failure& failure) {
+      return failure.what();
+    }
+  }
+};
+
+TEST_F(ReplacedFile, NewFile_AppearsWhenItIsFinished) {
+  {
+    C_ReplacedFile file(Path("new"), false);
+    Write(file, "content");
+    EXPECT_FALSE(std::filesystem::exists(Path("new")));
+    file.TakePlace();
+  }
+  EXPECT_EQ(Content("new"), (Bytes{'c', 'o', 'n', 't', 'e', 'n', 't'}));
+  EXPECT_THAT(Entries(), ElementsAre("new"));
+}
+
+TEST_F(ReplacedFile, FileThatIsNotFinished_LeavesNothing) {
+  Write("old", {'o'});
+  {
+    C_ReplacedFile file(Path("old"), true);
+    Write(file, "other");
+  }
+  EXPECT_EQ(Content("old"), Bytes{'o'});
+  EXPECT_THAT(Entries(), ElementsAre("old"));
+}
+
+TEST_F(ReplacedFile, ReplacedFile_KeepsItsMode) {
+  Write("old", {'o'});
+  ASSERT_EQ(chmod(Path("old").c_str(), 0640), 0);
+  C_ReplacedFile file(Path("old"), true);
+  Write(file, "n");
+  file.TakePlace();
+  EXPECT_EQ(ModeOf("old"), 0640U);
+  EXPECT_EQ(Content("old"), Bytes{'n'});
+}
+
+TEST_F(ReplacedFile, NewFile_HasTheModeOfTheProcess) {
+  const mode_t dwMask = umask(027);
+  C_ReplacedFile file(Path("new"), true);
+  file.TakePlace();
+  umask(dwMask);
+  EXPECT_EQ(ModeOf("new"), 0640U);
+}
+
+TEST_F(ReplacedFile, Link_StaysALink) {
+  Write("old", {'o'});
+  ASSERT_EQ(symlink("old", Path("link").c_str()), 0);
+  C_ReplacedFile file(Path("link"), true);
+  Write(file, "n");
+  file.TakePlace();
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+  EXPECT_EQ(Content("old"), Bytes{'n'});
+}
+
+TEST_F(ReplacedFile, ExistingFile_IsNotReplacedUnasked) {
+  Write("old", {'o'});
+  EXPECT_EQ(WhyNot(Path("old"), false), Path("old") + ": stays as it is: it exists already");
+}
+
+TEST_F(ReplacedFile, FileThatComesMeanwhile_Stays) {
+  C_ReplacedFile file(Path("new"), false);
+  Write(file, "n");
+  Write("new", {'m'});
+  EXPECT_THROW(file.TakePlace(), tool::C_Failure);
+  EXPECT_EQ(Content("new"), Bytes{'m'});
+}
+
+TEST_F(ReplacedFile, WhatIsNoFile_IsRefused) {
+  EXPECT_EQ(WhyNot(Folder(), true), Folder() + ": cannot be written: it is not a regular file");
+  EXPECT_EQ(WhyNot("/dev/null", true), "/dev/null: cannot be written: it is not a regular file");
+  EXPECT_THAT(WhyNot(Path("no/where"), true), HasSubstr("No such file or directory"));
+  ASSERT_EQ(symlink("nowhere", Path("dangling").c_str()), 0);
+  EXPECT_THAT(WhyNot(Path("dangling"), true), HasSubstr("cannot be written"));
+}
+
+TEST_F(ReplacedFile, LongestName_CanBeReplaced) {
+  const std::string strName(255, 'n');
+  Write(strName, {'o'});
+  C_ReplacedFile file(Path(strName), true);
+  Write(file, "n");
+  file.TakePlace();
+  EXPECT_EQ(Content(strName), Bytes{'n'});
+}
+
+}  // namespace

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "batch/Targets.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "FolderTest.h"
+#include "base/Failure.h"
+
+namespace tool {
+namespace {
+
+std::string ClashOf(const std::vector<S_ListedFile>& files, const std::string& strFolder = "out") {
+  try {
+    RefuseClashes(files,
+                  [&](const S_ListedFile& file) { return TargetBelow(strFolder, file, ".kst"); });
+  } catch (const C_UsageFailure& failure) {
+    return failure.what();
+  }
+  return "";
+}
+
+class TargetsTest : public C_FolderTest {};
+
+TEST_F(TargetsTest, Target_IsBelowTheFolderWithItsOwnExtension) {
+  EXPECT_EQ(TargetBelow("out", {"in/a/b.wav", 3}, ".kst"), "out/a/b.kst");
+  EXPECT_EQ(TargetBelow("out/", {"b.wav", 0}, ".kst"), "out/b.kst");
+}
+
+TEST_F(TargetsTest, TwoSourcesOfOneTarget_AreRefused) {
+  EXPECT_EQ(ClashOf({{"a/x.wav", 2}, {"y.wav", 0}, {"b/x.flac", 2}}),
+            "b/x.flac: has the same target as a/x.wav: out/x.kst");
+  EXPECT_EQ(ClashOf({{"x.wav", 0}, {"x.wav", 0}}),
+            "x.wav: has the same target as x.wav: out/x.kst");
+  EXPECT_EQ(ClashOf({{"a/./x.wav", 0}, {"a/x.wav", 0}}),
+            "a/x.wav: has the same target as a/./x.wav: out/a/x.kst");
+  EXPECT_EQ(ClashOf({{"a/x.wav", 0}, {"b/x.wav", 0}, {"x.wav", 0}}), "");
+}
+
+TEST_F(TargetsTest, TargetThatIsAnotherSource_IsRefused) {
+  EXPECT_EQ(ClashOf({{"x.wav", 0}, {"d/../y/x.kst", 5}}, "y"),
+            "x.wav: its target is to be read as well: d/../y/x.kst");
+  EXPECT_EQ(ClashOf({{"x.wav", 0}, {"out/x.kst", 0}}),
+            "x.wav: its target is to be read as well: out/x.kst");
+  EXPECT_EQ(ClashOf({{"out/x.kst", 4}, {"z.wav", 0}}), "") << "its own target";
+}
+
+TEST_F(TargetsTest, ExistingTarget_IsTreatedAsItWasAsked) {
+  const std::string strFile = Write("old.kst", {1});
+  EXPECT_TRUE(MayWrite(Path("new.kst"), tagExisting::EXISTING_REFUSED));
+  EXPECT_TRUE(MayWrite(strFile, tagExisting::EXISTING_REPLACED));
+  EXPECT_FALSE(MayWrite(strFile, tagExisting::EXISTING_SKIPPED));
+  EXPECT_THROW(static_cast<void>(MayWrite(strFile, tagExisting::EXISTING_REFUSED)), C_Failure);
+}
+
+TEST_F(TargetsTest, FoldersOfATarget_AreMadeAsFarAsTheyAreMissing) {
+  MakeFoldersOf(Path("a/b/c.kst"));
+  MakeFoldersOf(Path("a/b/d.kst"));
+  EXPECT_TRUE(std::filesystem::is_directory(Path("a/b")));
+  Write("file", {1});
+  EXPECT_THROW(MakeFoldersOf(Path("file/c.kst")), C_Failure);
+}
+
+}  // namespace
+}  // namespace tool

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <sys/resource.h>
+
+#include "OtherPrograms.h"
+#include "Sanitized.h"
+#include "VoxtoolTest.h"
+#include "WavBytes.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class CheckCommand : public C_VoxtoolTest {
+ protected:
+  [[nodiscard]] std::string Verdict(const std::string& strName) const {
+    const S_Run run = Voxtool({"check", "@" + strName});
+    EXPECT_EQ(run.strErr, "");
+    const std::string strBegin = Path(strName) + ": ";
+    EXPECT_THAT(run.strOut, StartsWith(strBegin));
+    EXPECT_EQ(run.nExit, run.strOut == strBegin + "good\n" ? 0 : 1);
+    return run.strOut.substr(strBegin.size());
+  }
+  std::vector<std::uint8_t> Kestrel() const {
+    return WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL),
+                        PublicSamples(16000));
+  }
+};
+
+TEST_F(CheckCommand, EveryKindThatIsWritten_IsGood) {
+  for (const S_PublicKind& kind : PublicKinds()) {
+    WriteSound(kind.strName, kind.format, PublicSamples(8000, kind.format.channels));
+    EXPECT_EQ(Verdict(kind.strName), "good\n") << kind.strName;
+  }
+}
+
+TEST_F(CheckCommand, DamagedFrames_AreCounted) {
+  auto bytes = Kestrel();
+  // The second frame of the stream.
+  std::fill(bytes.begin() + 54 + 40, bytes.begin() + 54 + 80, std::uint8_t{0});
+  Write("a.kst", bytes);
+  EXPECT_EQ(Verdict("a.kst"), "damaged: 320 of 16,000 frames (0:00.020)\n");
+}
+
+TEST_F(CheckCommand, FilesThatTheEndCuts_AreCut) {
+  auto bytes = Kestrel();
+  bytes.resize(1054);
+  Write("a.kst", bytes);
+  EXPECT_EQ(Verdict("a.kst"), "cut: its stream holds 1,002 of 2,002 bytes\n");
+  C_Bytes wav = MonoWav(1000).Take();
+  wav.resize(544);
+  Write("a.wav", wav);
+  EXPECT_EQ(Verdict("a.wav"), "cut: chunk \"data\" holds 500 of 1,000 bytes\n");
+}
+
+TEST_F(CheckCommand, StreamBesideGoodPcm_IsChecked) {
+  auto bytes =
+      WrittenBytes(FormatOf(VOXPLAY_CONTAINER_VEF, VOXPLAY_CODEC_KESTREL), PublicSamples(16000));
+  std::fill(bytes.end() - 400, bytes.end() - 360, std::uint8_t{0});
+  Write("a.vef", bytes);
+  EXPECT_THAT(Verdict("a.vef"), StartsWith("damaged: its stream: 320 of 16,000 frames"));
+}
+
+TEST_F(CheckCommand, OtherFiles_AreUnknown) {
+  Write("a", {'n', 'o'});
+  Write("empty", {});
+  EXPECT_EQ(Verdict("a"), "unknown: none of the known formats\n");
+  EXPECT_EQ(Verdict("empty"), "unknown: none of the known formats\n");
+}
+
+TEST_F(CheckCommand, FilesThatCannotBeRead_AreFailures) {
+  const S_Run run = Voxtool({"check", "@missing", "@."});
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_EQ(run.strOut, "");
+  EXPECT_THAT(run.strErr, HasSubstr(Path("missing") + ": unreadable: No such file or directory\n"));
+  EXPECT_THAT(run.strErr, HasSubstr(Path(".") + ": unreadable: "));
+}
+
+TEST_F(CheckCommand, Quiet_NamesOnlyWhatIsNotGood) {
+  WriteWav("good.wav");
+  Write("bad", {'n', 'o'});
+  const S_Run run = Voxtool({"check", "-q", "@good.wav", "@bad", "@good.wav"});
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_EQ(run.strOut, Path("bad") + ": unknown: none of the known formats\n");
+  EXPECT_EQ(Output({"check", "-q", "@good.wav"}), "");
+}
+
+TEST_F(CheckCommand, Json_HasOneObjectPerFile) {
+  WriteWav("good.wav");
+  Write("bad", {'n', 'o'});
+  const S_Run run = Voxtool({"check", "--json", "@good.wav", "@bad"});
+  EXPECT_EQ(run.nExit, 1);
+  const auto json = nlohmann::json::parse(run.strOut);
+  ASSERT_EQ(json.size(), 2U);
+  EXPECT_EQ(json[0]["verdict"], "good");
+  EXPECT_EQ(json[0]["frames"], 16000);
+  EXPECT_EQ(json[0]["damaged_frames"], 0);
+  EXPECT_EQ(json[1]["verdict"], "unknown");
+  EXPECT_EQ(json[1]["reason"], "none of the known formats");
+}
+
+TEST_F(CheckCommand, FilesOfOtherLibraries_AreChecked) {
+  WriteWav("a.wav");
+  const C_TempFolder folder;
+  RunIn(folder, "sox " + Path("a.wav") + " " + Path("a.flac"));
+  EXPECT_EQ(Verdict("a.flac"), "good\n");
+}
+
+// Sanitizers need a large room for addresses.
+TEST_F(CheckCommand, LongSound_DoesNotHaveToFitInMemory) {
+  constexpr std::uint32_t kBytes = 230400000;
+  C_Bytes head = MonoWav(0).RiffSize(36 + kBytes).Take();
+  head.resize(head.size() - 4);
+  const C_Bytes size = U32(kBytes);
+  head.insert(head.end(), size.begin(), size.end());
+  Write("long.wav", head);
+  std::filesystem::resize_file(Path("long.wav"), head.size() + kBytes);
+  const C_Program tool(VOXTOOL);
+  const S_Run run = tool.Start({"check", Path("long.wav")}, {},
+                               [] {
+                                 const rlimit limit{160U << 20U, 160U << 20U};
+                                 if (!kSanitized) setrlimit(RLIMIT_AS, &limit);
+                               })
+                        .Wait();
+  EXPECT_EQ(run.strOut, Path("long.wav") + ": good\n") << run.strErr;
+}
+
+}  // namespace

@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// voxtool convert on many files.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ToolTest.h"
+
+namespace tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ConvertManyTest : public test::C_ToolTest {
+ protected:
+  // Sounds 000.wav, 001.wav ... in a folder, all of other lengths.
+  void MakeSounds(const std::string& strFolder, std::size_t nSounds,
+                  std::size_t nFrames = 1600) const {
+    fs::create_directories(Path(strFolder));
+    for (std::size_t i = 0; i < nSounds; ++i) {
+      MakeWav(strFolder + "/" + NameOf(i) + ".wav", PublicSamples(nFrames + i));
+    }
+  }
+  static std::string NameOf(std::size_t nSound) {
+    std::string strName = std::to_string(nSound);
+    return std::string(3 - strName.size(), '0') + strName;
+  }
+  // All files below a folder, by their paths in it.
+  [[nodiscard]] Texts Tree(const std::string& strFolder) const {
+    Texts names;
+    for (const auto& entry : fs::recursive_directory_iterator(Path(strFolder))) {
+      if (entry.is_regular_file()) {
+        names.push_back(entry.path().lexically_relative(Path(strFolder)).string());
+      }
+    }
+    std::ranges::sort(names);
+    return names;
+  }
+  void WriteText(const std::string& strName, const std::string& strText) const {
+    Write(strName, {strText.begin(), strText.end()});
+  }
+  // Without the time that it took.
+  static std::string Timeless(const std::string& strSaid) {
+    return strSaid.substr(0, strSaid.rfind(" in "));
+  }
+};
+
+TEST_F(ConvertManyTest, FolderWithOneDamagedFile_IsConvertedButForThat) {
+  MakeSounds("in", 200);
+  WriteText("in/077.wav", "RIFF damaged");
+  const std::string strSaid = Fail(1, {"-r", "@/in", "-d", "@/out", "--to", "kestrel", "-j", "2"});
+  EXPECT_TRUE(strSaid.starts_with("@/in/077.wav: ")) << strSaid;
+  EXPECT_NE(strSaid.find("\n200 files: 199 converted, 1 failed; 21 s of sound in "),
+            std::string::npos)
+      << strSaid;
+  EXPECT_EQ(std::ranges::count(strSaid, '\n'), 2) << strSaid;
+  const Texts made = Tree("out");
+  EXPECT_EQ(made.size(), 199U);
+  EXPECT_EQ(std::ranges::count(made, "077.kst"), 0);
+}
+
+TEST_F(ConvertManyTest, TwoThreads_MakeTheSameFilesAsOne) {
+  MakeSounds("in", 40, 9000);
+  for (const char* pszTo : {"kestrel", "heron3", "vef"}) {
+    Convert({"-r", "@/in", "-f", "-d", "@/one", "--to", pszTo, "-j", "1", "--rate", "16000"});
+    Convert({"-r", "@/in", "-f", "-d", "@/two", "--to", pszTo, "-j", "2"});
+    ASSERT_EQ(Tree("one"), Tree("two"));
+    for (const std::string& strName : Tree("one")) {
+      ASSERT_EQ(Content("one/" + strName), Content("two/" + strName)) << strName;
+    }
+  }
+  EXPECT_EQ(Tree("one").size(), 120U);
+}
+
+TEST_F(ConvertManyTest, Tree_IsKeptBelowTheFolder) {
+  MakeSounds("in/a/b", 2);
+  MakeSounds("in/c", 1);
+  WriteText("in/c/notes.txt", "no sound");
+  EXPECT_EQ(Timeless(Convert({"-r", "@/in", "-d", "@/out", "--to", "heron4"})),
+            "3 files: 3 converted; 0.30 s of sound");
+  EXPECT_EQ(Tree("out"), (Texts{"a/b/000.hrn", "a/b/001.hrn", "c/000.hrn"}));
+}
+
+TEST_F(ConvertManyTest, ListedNames_MayHaveLineEndsAndComeFromAPipe) {
+  MakeSounds("in", 2);
+  fs::rename(Path("in/000.wav"), Path("in/two\nlines.wav"));
+  const S_Run run =
+      Shell().Run(Placed({"-c",
+                          "cd @ && find in -name '*.wav' -print0 | $V convert --files-from - -0 -q "
+                          "-d out --to wav"}),
+                  {"V=" VOXPLAY_VOXTOOL, "PATH=/usr/bin:/bin"});
+  EXPECT_EQ(run.nExit, 0) << run.strErr;
+  EXPECT_EQ(Timeless(run.strErr), "2 files: 2 converted; 0.20 s of sound");
+  EXPECT_EQ(Tree("out"), (Texts{"in/001.wav", "in/two\nlines.wav"}));
+  WriteText("list", Path("in/001.wav") + "\n" + Path("in/none.wav") + "\n");
+  EXPECT_TRUE(Fail(1, {"--files-from", "@/list", "-d", "@/more", "--to", "wav"})
+                  .starts_with("@/in/none.wav: "));
+  EXPECT_EQ(Tree("more"), Texts{"001.wav"});
+}
+
+TEST_F(ConvertManyTest, SourcesOfOneTarget_AreRefusedBeforeAnythingIsWritten) {
+  MakeSounds("a", 3);
+  MakeSounds("b", 1);
+  EXPECT_EQ(Fail(2, {"@/a/001.wav", "@/a/000.wav", "@/b/000.wav", "-d", "@/out", "--to", "wav"}),
+            "@/b/000.wav: has the same target as @/a/000.wav: @/out/000.wav\n");
+  EXPECT_FALSE(fs::exists(Path("out")));
+}
+
+TEST_F(ConvertManyTest, ExistingTargets_AreKeptUnlessTheyAreToBeReplaced) {
+  MakeSounds("in", 3);
+  fs::create_directories(Path("out"));
+  WriteText("out/001.kst", "old");
+  const Texts arguments = {"-r", "@/in", "-d", "@/out", "--to", "kestrel"};
+  EXPECT_EQ(Timeless(Fail(1, arguments)),
+            "@/out/001.kst: exists: -f replaces it\n"
+            "3 files: 2 converted, 1 failed; 0.20 s of sound");
+  EXPECT_EQ(Content("out/001.kst").size(), 3U);
+  Texts more = arguments;
+  more.emplace_back("--skip-existing");
+  EXPECT_EQ(Timeless(Convert(more)), "3 files: 0 converted, 3 skipped; 0 s of sound");
+  more.back() = "-f";
+  EXPECT_EQ(Timeless(Convert(more)), "3 files: 3 converted; 0.30 s of sound");
+  EXPECT_GT(Content("out/001.kst").size(), 48U);
+}
+
+TEST_F(ConvertManyTest, Quietness_LeavesTheSummaryThenErrorsOnly) {
+  MakeSounds("in", 2);
+  WriteText("in/none.wav", "");
+  const Texts arguments = {"-r", "@/in", "-f", "-d", "@/out", "--to", "wav"};
+  Texts quiet = arguments;
+  quiet.emplace_back("-q");
+  EXPECT_NE(Fail(1, quiet).find("3 files: 2 converted, 1 failed"), std::string::npos);
+  quiet.back() = "-qq";
+  const std::string strSaid = Fail(1, quiet);
+  EXPECT_EQ(std::ranges::count(strSaid, '\n'), 1) << strSaid;
+}
+
+TEST_F(ConvertManyTest, Progress_IsShownOnATerminalOnly) {
+  MakeSounds("in", 30, 160000);
+  const Texts arguments =
+      Placed({"convert", "-r", "@/in", "-f", "-j", "1", "-d", "@/out", "--to", "heron6"});
+  const S_Run run = Program().RunOnTerminal(arguments);
+  EXPECT_EQ(run.nExit, 0);
+  EXPECT_NE(run.strErr.find("/30 files"), std::string::npos) << run.strErr;
+  EXPECT_NE(run.strErr.find("\x1b[J"), std::string::npos);
+  EXPECT_EQ(run.strOut, "");
+  const S_Run plain = Program().Run(arguments);
+  EXPECT_EQ(plain.strErr.find('\r'), std::string::npos) << plain.strErr;
+}
+
+TEST_F(ConvertManyTest, Interrupt_LeavesWholeFilesOnly) {
+  MakeSounds("in", 400, 32000);
+  for (const char* pszJobs : {"1", "2"}) {
+    fs::remove_all(Path("out"));
+    C_RunningProgram run = Program().Start(
+        Placed({"convert", "-r", "@/in", "-d", "@/out", "--to", "heron6", "-j", pszJobs}));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!fs::exists(Path("out/003.hrn")) && std::chrono::steady_clock::now() < end) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    run.Send(SIGINT);
+    const S_Run ended = run.Wait();
+    EXPECT_EQ(ended.nExit, 130) << ended.strErr;
+    const Texts made = Tree("out");
+    EXPECT_LT(made.size(), 400U);
+    EXPECT_EQ(ended.strErr,
+              "interrupted: " + std::to_string(made.size()) + " of 400 files converted\n");
+    for (const std::string& strName : made) {
+      EXPECT_TRUE(strName.ends_with(".hrn")) << strName;
+      EXPECT_EQ(voxplay::Reader(Path("out/" + strName)).info().frames,
+                32000U + static_cast<unsigned>(std::stoi(strName)))
+          << strName;
+    }
+  }
+  Convert({"-r", "@/in", "-d", "@/out", "--to", "heron6", "--skip-existing"});
+  EXPECT_EQ(Tree("out").size(), 400U);
+}
+
+}  // namespace
+}  // namespace tool

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "convert/LostText.h"
+
+#include <gtest/gtest.h>
+
+namespace tool {
+namespace {
+
+TEST(LostTextTest, SentencesOfOneReason_BecomeOne) {
+  EXPECT_EQ(LostText({"event 1 at frame 4800: an SP header holds no events",
+                      "event 2 at frame 4900: an SP header holds no events",
+                      "event 3 at frame 5000: an SP header holds no events",
+                      "label 1 of cue point 3: an SP header holds no labels"}),
+            "3 events and 1 label are not kept: an SP header holds none");
+  EXPECT_EQ(LostText({"chunk 1 \"bext\": a codec head holds no further chunks"}),
+            "1 chunk is not kept: a codec head holds none");
+}
+
+TEST(LostTextTest, EveryKind_IsNamed) {
+  EXPECT_EQ(LostText({"silence 1 at frame 0: a VEF file holds no silence",
+                      "region text 1 of cue point 2: a VEF file holds no region texts",
+                      "sampler record: a VEF file holds no sampler record"}),
+            "1 silence segment, 1 region text and 1 sampler record are not kept: a VEF file holds "
+            "none");
+}
+
+TEST(LostTextTest, OtherReasons_StandBehindTheFirst) {
+  EXPECT_EQ(
+      LostText({"event 1 at frame 48: its data", "event 2 at frame 49: its data",
+                "region 1 at frame 7: a VEF file holds no regions"}),
+      "2 events are not kept as before: its data; 1 region is not kept: a VEF file holds none");
+}
+
+TEST(LostTextTest, NothingLost_IsNothingSaid) { EXPECT_EQ(LostText({}), ""); }
+
+}  // namespace
+}  // namespace tool

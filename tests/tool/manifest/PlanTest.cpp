@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "manifest/Plan.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+
+#include "ManifestFixture.h"
+
+namespace tool {
+namespace {
+
+class PlanTest : public test::C_ManifestTest {
+ protected:
+  // As if a process had converted all files.
+  void Finish(C_Manifest& manifest) const {
+    C_Statement select(manifest.Database(), "SELECT target FROM files");
+    while (select.Next()) {
+      Write(std::filesystem::path(select.Text(0)).filename().string(), {1, 2, 3});
+    }
+    manifest.Database().Execute(
+        "UPDATE files SET state = 2, own = 1, target_bytes = 3, frames = 7, checksum = 'a'");
+  }
+};
+
+TEST_F(PlanTest, Files_ArePlannedOnce) {
+  MakeSources(5);
+  C_Manifest manifest = Made();
+  EXPECT_EQ(PlanFiles(manifest, 3).qwNew, 3U);
+  const S_PlanCounts counts = PlanFiles(manifest, 5);
+  EXPECT_EQ(counts.qwNew, 2U);
+  EXPECT_EQ(counts.qwChanged, 0U);
+  EXPECT_EQ(counts.qwFiles, 5U);
+  EXPECT_EQ(manifest.Counts().qwPlanned, 5U);
+  EXPECT_EQ(manifest.Counts().qwBytes, 15U);
+  EXPECT_EQ(Value(manifest, "SELECT target FROM files WHERE bytes = 4"), Path("o4"));
+}
+
+TEST_F(PlanTest, WhatIsDoneAndUnchanged_StaysDone) {
+  MakeSources(3);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 3);
+  Finish(manifest);
+  EXPECT_EQ(PlanFiles(manifest, 3).qwChanged, 0U);
+  EXPECT_EQ(manifest.Counts().qwDone, 3U);
+}
+
+TEST_F(PlanTest, ChangedSource_IsPlannedAgain) {
+  MakeSources(3);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 3);
+  Finish(manifest);
+  Write("2", {1, 2, 3, 4});
+  EXPECT_EQ(PlanFiles(manifest, 3).qwChanged, 1U);
+  EXPECT_EQ(Value(manifest, "SELECT source FROM files WHERE state = 0"), Path("2"));
+  EXPECT_EQ(Value(manifest, "SELECT own || plan || bytes FROM files WHERE state = 0"), "114");
+  EXPECT_EQ(Value(manifest, "SELECT checksum IS NULL FROM files WHERE state = 0"), "1");
+}
+
+TEST_F(PlanTest, SourceOfAnotherTime_IsPlannedAgain) {
+  MakeSources(1);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 1);
+  Finish(manifest);
+  const auto time = std::filesystem::last_write_time(Path("1"));
+  std::filesystem::last_write_time(Path("1"), time - std::chrono::milliseconds(3));
+  EXPECT_EQ(PlanFiles(manifest, 1).qwChanged, 1U);
+}
+
+TEST_F(PlanTest, LostAndShortenedTargets_ArePlannedAgain) {
+  MakeSources(4);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 4);
+  Finish(manifest);
+  std::filesystem::remove(Path("o1"));
+  Write("o3", {1, 2});
+  EXPECT_EQ(PlanFiles(manifest, 4).qwChanged, 2U);
+  EXPECT_EQ(Value(manifest, "SELECT group_concat(bytes) FROM files WHERE state = 0"), "1,3");
+}
+
+TEST_F(PlanTest, SameTargets_AreRefusedAndNothingIsPlanned) {
+  MakeSources(3);
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest);
+  plan.Add("/in/a", "/out/x");
+  plan.Add("/in/b", "/out/y");
+  plan.Add("/in/c", "/out/x");
+  EXPECT_EQ(FailureOf([&] { plan.Finish("{}", ""); }),
+            "/in/c: has the same target as /in/a: /out/x");
+  EXPECT_EQ(manifest.Counts().All(), 0U);
+  EXPECT_EQ(manifest.Setting(kOptionsSetting), "");
+}
+
+TEST_F(PlanTest, TargetsOfEarlierFiles_AreRefused) {
+  C_Manifest manifest = Made();
+  C_Plan first(manifest);
+  first.Add("/in/a", "/out/x");
+  first.Finish("{}", "");
+  C_Plan second(manifest);
+  second.Add("/other/a", "/out/x");
+  EXPECT_EQ(FailureOf([&] { second.Finish("{}", ""); }),
+            "/other/a: has the same target as /in/a: /out/x");
+  EXPECT_EQ(manifest.Counts().All(), 1U);
+}
+
+TEST_F(PlanTest, TargetThatIsToBeRead_IsRefused) {
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest);
+  plan.Add("/in/a", "/in/b");
+  plan.Add("/in/b", "/in/c");
+  EXPECT_EQ(FailureOf([&] { plan.Finish("{}", ""); }),
+            "/in/a: its target is to be read as well: /in/b");
+}
+
+// The folder of the targets may be in that of the sources.
+TEST_F(PlanTest, TargetsOfAnEarlierPlan_AreNoSources) {
+  C_Manifest manifest = Made();
+  C_Plan first(manifest);
+  first.Add("/in/a", "/in/out/a");
+  first.Finish("{}", "");
+  C_Plan second(manifest);
+  second.Add("/in/a", "/in/out/a");
+  second.Add("/in/out/a", "/in/out/out/a");
+  EXPECT_EQ(second.Finish("{}", "").qwFiles, 1U);
+  EXPECT_EQ(manifest.Counts().All(), 1U);
+}
+
+TEST_F(PlanTest, OtherOptions_AreRefused) {
+  MakeSources(1);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 1, "{\"to\":\"wav\"}");
+  EXPECT_EQ(FailureOf([&] { PlanFiles(manifest, 1, "{\"to\":\"vef\"}"); }),
+            Path("files.db") + ": is for other conversions: {\"to\":\"wav\"}");
+}
+
+TEST_F(PlanTest, ClaimedFiles_AreLeftToTheirProcess) {
+  MakeSources(2);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 2);
+  manifest.Database().Execute("UPDATE files SET state = 1, worker = 1 WHERE bytes = 2");
+  Write("2", {1, 2, 3, 4});
+  EXPECT_EQ(PlanFiles(manifest, 2).qwChanged, 0U);
+  EXPECT_EQ(manifest.Counts().qwClaimed, 1U);
+}
+
+TEST_F(PlanTest, NamesOfAnyBytes_AreKept) {
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest);
+  const std::string strName = "/in/caf\xE9 \n'\"%d";
+  plan.Add(strName, "/out/x");
+  plan.Finish("{}", "");
+  EXPECT_EQ(Value(manifest, "SELECT source FROM files"), strName);
+}
+
+TEST_F(PlanTest, OtherFiles_AreNoManifests) {
+  Write("text", {'n', 'o', ' ', 'd', 'a', 't', 'a', 'b', 'a', 's', 'e', '\n'});
+  EXPECT_EQ(FailureOf([&] { Made("text"); }), Path("text") + ": is no manifest: it is no database");
+  EXPECT_EQ(Content("text").size(), 12U);
+  C_Database(Path("other"), true).Execute("CREATE TABLE mine(a)");
+  EXPECT_EQ(FailureOf([&] { Made("other"); }),
+            Path("other") + ": is no manifest: it is a database of something else");
+  EXPECT_EQ(FailureOf([&] { Opened("none"); }),
+            Path("none") + ": cannot be opened: No such file or directory");
+  EXPECT_FALSE(std::filesystem::exists(Path("none")));
+}
+
+// Whatever is broken: an answer or a failure, but no crash.
+TEST_F(PlanTest, DamagedManifests_FailOrAreRead) {
+  MakeSources(20);
+  {
+    C_Manifest manifest = Made();
+    PlanFiles(manifest, 20);
+  }
+  const std::vector<std::uint8_t> whole = Content("files.db");
+  int nFailed = 0;
+  for (std::size_t nAt = 0; nAt < whole.size(); nAt += 397) {
+    std::vector<std::uint8_t> bytes = whole;
+    for (std::size_t n = nAt; n < std::min(nAt + 8, bytes.size()); ++n) bytes[n] ^= 0xA5U;
+    Write("files.db", bytes);
+    const std::string strFailure = FailureOf([&] {
+      C_Manifest manifest = Opened();
+      PlanFiles(manifest, 20);
+      static_cast<void>(manifest.Counts());
+    });
+    if (strFailure != "nothing failed") ++nFailed;
+  }
+  EXPECT_GT(nFailed, 3);
+  Write("files.db", {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2)});
+  EXPECT_NE(FailureOf([&] { static_cast<void>(Opened().Counts()); }), "nothing failed");
+}
+
+}  // namespace
+}  // namespace tool

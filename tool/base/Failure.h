@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+// What could not be done. The text is the whole line for standard error, "FILE: what: why".
+class C_Failure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+  C_Failure(const std::string& strFile, std::string_view what, std::string_view why);
+};
+
+// Something on the command line that cannot be meant. The program ends with 2.
+class C_UsageFailure : public C_Failure {
+ public:
+  using C_Failure::C_Failure;
+};
+
+// The user has asked the program to end (Interrupt.h).
+class C_Interrupted : public std::exception {
+ public:
+  [[nodiscard]] const char* what() const noexcept override { return "interrupted"; }
+};
+
+// Nobody reads standard output any more, so there is nothing left to do and nothing to say.
+class C_OutputClosed : public std::exception {
+ public:
+  [[nodiscard]] const char* what() const noexcept override { return "standard output is closed"; }
+};
+
+// What the system says about errno.
+std::string SystemReason(int nError);
+
+}  // namespace tool

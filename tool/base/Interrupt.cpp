@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "base/Interrupt.h"
+
+#include <atomic>
+#include <csignal>
+
+#include "base/Failure.h"
+
+namespace tool {
+namespace {
+
+// Threads read it as well, so the type that signals are otherwise noted in will not do.
+std::atomic<bool> g_bInterrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+extern "C" void NoteInterrupt(int /*nSignal*/) { g_bInterrupted = true; }
+
+// What whoever started the program has ignored stays ignored: it is meant to outlive a terminal.
+void Catch(int nSignal) {
+  struct sigaction before = {};
+  if (sigaction(nSignal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN) return;
+  struct sigaction action = {};
+  action.sa_handler = &NoteInterrupt;
+  // The second one takes the system's way. Calls that wait return, so that the first is seen.
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  sigaction(nSignal, &action, nullptr);
+}
+
+}  // namespace
+
+void CatchInterrupts() {
+  Catch(SIGINT);
+  Catch(SIGTERM);
+  Catch(SIGHUP);
+  // Who reads no further must not end the program while it has half a file beside its target.
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool Interrupted() noexcept { return g_bInterrupted; }
+
+void ThrowIfInterrupted() {
+  if (Interrupted()) throw C_Interrupted();
+}
+
+}  // namespace tool

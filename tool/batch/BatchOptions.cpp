@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "batch/BatchOptions.h"
+
+#include <utility>
+
+#include "base/Failure.h"
+
+namespace tool {
+namespace {
+
+constexpr unsigned kMostThreads = 1024;
+
+}  // namespace
+
+tagTalk S_BatchOptions::Talk() const noexcept {
+  if (nQuiet > 1) return tagTalk::TALK_ERRORS;
+  if (nQuiet > 0) return tagTalk::TALK_RESULTS;
+  return bVerbose ? tagTalk::TALK_ALL : tagTalk::TALK_USUAL;
+}
+
+void S_BatchOptions::CheckNamed() const {
+  if (!AreNamed()) throw C_UsageFailure("voxtool: no file is named");
+}
+
+C_FileList S_BatchOptions::List(C_Console& console, PFN_TakeFile fnTake) const {
+  C_FileList list(bFolders, console, std::move(fnTake));
+  for (const std::string& strOperand : operands) list.AddOperand(strOperand);
+  if (!strList.empty()) list.AddListed(strList, bZeros);
+  return list;
+}
+
+void AddBatchOptions(CLI::App& command, S_BatchOptions& options) {
+  command.add_option("IN", options.operands, "files, folders with -r, or - for standard input")
+      ->type_name("FILE");
+  command.add_flag("-r,--recursive", options.bFolders, "take the sounds in folders and below them");
+  CLI::Option* const pList = command
+                                 .add_option("--files-from", options.strList,
+                                             "read more names from a file, or - for input")
+                                 ->type_name("FILE");
+  command.add_flag("-0,--null", options.bZeros, "names in that file end with a zero")->needs(pList);
+  command
+      .add_option("-j,--jobs", options.nThreads, "files at a time; one per processor if not given")
+      ->type_name("N")
+      ->check(CLI::Range(1U, kMostThreads).description(""));
+  CLI::Option* const pQuiet =
+      command.add_flag("-q,--quiet", options.nQuiet, "show no progress; -qq: say only what fails");
+  command.add_flag("-v,--verbose", options.bVerbose, "say what is done with each file")
+      ->excludes(pQuiet);
+}
+
+S_TargetRule S_TargetOptions::Rule() const noexcept {
+  S_TargetRule rule;
+  if (bReplace) rule.eExisting = tagExisting::EXISTING_REPLACED;
+  if (bSkip) rule.eExisting = tagExisting::EXISTING_SKIPPED;
+  rule.bMakeFolders = !strFolder.empty();
+  return rule;
+}
+
+void AddTargetOptions(CLI::App& command, S_TargetOptions& options) {
+  CLI::Option* const pFile =
+      command
+          .add_option("-o,--output", options.strFile, "the file to write, or - for standard output")
+          ->type_name("FILE");
+  command.add_option("-d,--directory", options.strFolder, "the folder for the files to write")
+      ->type_name("DIR")
+      ->excludes(pFile);
+  CLI::Option* const pReplace =
+      command.add_flag("-f,--force", options.bReplace, "replace files that exist");
+  command.add_flag("--skip-existing", options.bSkip, "leave out what has a target already")
+      ->excludes(pReplace);
+}
+
+}  // namespace tool

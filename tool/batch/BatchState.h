@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What has become of the files of a command, and how texts say it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "batch/FileJobs.h"
+
+namespace tool {
+
+struct S_BatchState {
+  std::uint64_t qwAll = 0;  // files
+  std::uint64_t qwDone = 0;
+  std::uint64_t qwSkipped = 0;
+  std::uint64_t qwFailed = 0;
+  std::uint64_t qwDamaged = 0;  // of those that are done: files with damaged frames
+  double dSoundSeconds = 0.0;   // of those that are done
+  double dSeconds = 0.0;        // that it took
+
+  void Count(const S_FileResult& result);
+  [[nodiscard]] std::uint64_t Ended() const noexcept { return qwDone + qwSkipped + qwFailed; }
+};
+
+// "2000 files: 1999 converted (3 with damaged frames), 1 failed; 3 h 12 min of sound in 41 s".
+// strDone is the word for those that are done.
+[[nodiscard]] std::string SummaryText(const S_BatchState& state, const std::string& strDone);
+// The same after the user has interrupted the work: "interrupted: 12 of 2000 files converted".
+[[nodiscard]] std::string InterruptedText(const S_BatchState& state, const std::string& strDone);
+
+// "[=====     ] 12/2000 files, 345 x real time, 41 s left": as much of it as fits. dBegun are the
+// files that are being worked on, as parts of whole ones, and dBegunSeconds is what is done of
+// their sound.
+[[nodiscard]] std::string ProgressText(const S_BatchState& state, double dBegun,
+                                       double dBegunSeconds, std::size_t nColumns);
+
+}  // namespace tool

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The files that a command works on. They keep the order of the operands; those of a folder come in
+// the order of their names.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/Console.h"
+
+namespace tool {
+
+struct S_ListedFile {
+  std::string strPath;
+  // Where the part of the path begins that its target keeps: that below a folder that was named,
+  // all of a relative path in a list, and the name alone of everything else.
+  std::size_t nKept = 0;
+
+  [[nodiscard]] std::string_view Kept() const { return std::string_view(strPath).substr(nKept); }
+};
+
+using PFN_TakeFile = std::function<void(const S_ListedFile& file)>;
+
+class C_FileList {
+ public:
+  // With bFolders, folders stand for the sounds in them and below them. These are the files that
+  // are named like sounds, and those that begin like one of ours. What begins with a dot does not
+  // count, and links to folders are not followed. With fnTake, files are handed on and
+  // not kept.
+  C_FileList(bool bFolders, C_Console& console, PFN_TakeFile fnTake = {})
+      : m_bFolders(bFolders), m_console(console), m_fnTake(std::move(fnTake)) {}
+
+  // "-" is a file like any other. Complains of folders that cannot be listed, and goes on.
+  void AddOperand(const std::string& strPath);
+  // The names in a file, as ReadListedNames has them.
+  void AddListed(const std::string& strList, bool bZeros);
+
+  [[nodiscard]] const std::vector<S_ListedFile>& Files() const noexcept { return m_files; }
+  // The same, once: there may be millions.
+  [[nodiscard]] std::vector<S_ListedFile> TakeFiles() { return std::move(m_files); }
+  // How often it has complained.
+  [[nodiscard]] std::size_t Failures() const noexcept { return m_nFailures; }
+
+ private:
+  void AddFile(S_ListedFile file);
+  bool AddFolder(const std::string& strPath);
+  void Walk(const std::string& strFolder, std::size_t nKept);
+  void Complain(const std::string& strPath, std::string_view what, std::string_view why);
+
+  bool m_bFolders;
+  C_Console& m_console;
+  PFN_TakeFile m_fnTake;
+  std::vector<S_ListedFile> m_files;
+  std::size_t m_nFailures = 0;
+};
+
+}  // namespace tool

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "info/FileReport.h"
+
+#include <sys/stat.h>
+
+#include "marks/MarkRows.h"
+#include "sound/WholeSound.h"
+
+namespace tool {
+namespace {
+
+std::optional<std::uint64_t> BytesOf(const std::string& strPath) {
+  struct stat status {};
+  if (strPath == kStandardStream || stat(strPath.c_str(), &status) != 0) return {};
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+// A stream that cannot be read is what "check" tells of.
+std::optional<voxplay::Info> StreamOf(const std::string& strPath, const S_SoundInfo& info) {
+  if (!info.ours || info.ours->has_stream == 0 || strPath == kStandardStream) return {};
+  try {
+    return voxplay::Reader(strPath, VOXPLAY_READ_STREAM).info();
+  } catch (const voxplay::Error&) {
+    return {};
+  }
+}
+
+}  // namespace
+
+S_FileReport ReportOf(const std::string& strPath, bool bDecodes) {
+  const C_SoundInputPtr sound = OpenSound(strPath);
+  S_FileReport report;
+  report.strPath = strPath;
+  report.qwBytes = BytesOf(strPath);
+  report.info = sound->Info();
+  report.marks = RowsOf(sound->Notes(), report.info.dwRate);
+  report.sampler = sound->Notes().sampler();
+  report.sampler.data = nullptr;  // goes with the sound
+  report.stream = StreamOf(strPath, report.info);
+  if (!bDecodes) return report;
+  report.info.qwFrames = ReadToEnd(*sound);
+  report.qwDamaged = sound->DamagedFrames();
+  return report;
+}
+
+}  // namespace tool

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "manifest/Pieces.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <functional>
+#include <queue>
+#include <utility>
+
+#include "base/Descriptor.h"
+#include "base/Failure.h"
+#include "base/Interrupt.h"
+#include "manifest/Worker.h"
+
+namespace tool {
+namespace {
+
+// What opening and writing a file costs beside reading it, as so many bytes.
+constexpr std::uint64_t kBytesPerFile = 4096;
+constexpr mode_t kReadAndWrite = 0666;  // as far as the user's mask lets them
+
+bool Exists(const std::string& strPath) {
+  struct stat status {};
+  return lstat(strPath.c_str(), &status) == 0;
+}
+
+// Beside the name of a piece until it is whole.
+class C_NewPiece {
+ public:
+  explicit C_NewPiece(const std::string& strPath) : m_strPath(strPath), m_strNew(strPath + ".new") {
+    std::remove(m_strNew.c_str());
+    const C_Descriptor made(
+        open(m_strNew.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadAndWrite));
+    if (made.Get() < 0) throw C_Failure(m_strPath, "cannot be made", SystemReason(errno));
+  }
+  ~C_NewPiece() { std::remove(m_strNew.c_str()); }
+  C_NewPiece(const C_NewPiece&) = delete;
+  C_NewPiece& operator=(const C_NewPiece&) = delete;
+
+  [[nodiscard]] const std::string& NewPath() const noexcept { return m_strNew; }
+  void TakePlace() const {
+    if (std::rename(m_strNew.c_str(), m_strPath.c_str()) == 0) return;
+    throw C_Failure(m_strPath, "cannot be made", SystemReason(errno));
+  }
+
+ private:
+  std::string m_strPath;
+  std::string m_strNew;
+};
+
+void RefuseExisting(const std::vector<S_Piece>& pieces) {
+  for (const S_Piece& piece : pieces) {
+    if (Exists(piece.strPath)) throw C_Failure(piece.strPath, "exists", "-f replaces it");
+  }
+}
+
+// The largest file goes first, and each one to the piece that has least. That leaves them almost
+// equal, and no piece ends with its longest file.
+void Share(C_Database& database, std::vector<S_Piece>& pieces) {
+  using C_Load = std::pair<std::uint64_t, std::size_t>;
+  std::priority_queue<C_Load, std::vector<C_Load>, std::greater<>> loads;
+  for (std::size_t i = 0; i < pieces.size(); ++i) loads.emplace(0, i);
+  database.Execute(
+      "PRAGMA temp.cache_size=-65536; DROP TABLE IF EXISTS temp.share;"
+      "CREATE TEMP TABLE share(piece INTEGER, id INTEGER, PRIMARY KEY(piece, id)) WITHOUT ROWID");
+  C_Statement select(database,
+                     "SELECT id, bytes FROM main.files WHERE state = 0 ORDER BY bytes DESC, id");
+  C_Statement insert(database, "INSERT INTO temp.share VALUES(?, ?)");
+  database.Execute("BEGIN");
+  while (select.Next()) {
+    const auto [qwLoad, nPiece] = loads.top();
+    loads.pop();
+    const auto qwBytes = static_cast<std::uint64_t>(select.Integer(1));
+    loads.emplace(qwLoad + qwBytes + kBytesPerFile, nPiece);
+    ++pieces[nPiece].qwFiles;
+    pieces[nPiece].qwBytes += qwBytes;
+    insert.Bind(1, static_cast<std::int64_t>(nPiece)).Bind(2, select.Integer(0)).Run();
+  }
+  database.Execute("COMMIT");
+}
+
+void WritePiece(C_Database& database, const std::string& strPath, std::size_t nPiece) {
+  const C_NewPiece file(strPath);
+  {
+    const C_Attached attached(database, file.NewPath(), "piece");
+    // Nothing is lost with a file that is not whole.
+    database.Execute("PRAGMA piece.journal_mode=MEMORY; PRAGMA piece.synchronous=OFF; BEGIN");
+    MakeTables(database, "piece");
+    database.Execute("INSERT INTO piece.settings SELECT name, value FROM main.settings");
+    C_Statement(database,
+                "INSERT INTO piece.files(id, source, target, bytes, modified, plan, own) "
+                "SELECT f.id, source, target, bytes, modified, plan, own FROM temp.share s "
+                "JOIN main.files f ON f.id = s.id WHERE s.piece = ? ORDER BY f.id")
+        .Bind(1, static_cast<std::int64_t>(nPiece))
+        .Run();
+    database.Execute("COMMIT");
+  }
+  file.TakePlace();
+}
+
+constexpr const char* kTakeWorkers =
+    "INSERT OR IGNORE INTO main.workers(host, machine, process, start) "
+    "SELECT host, machine, process, start FROM piece.workers";
+
+constexpr const char* kTakeResults =
+    "UPDATE main.files SET state = p.state, bytes = p.bytes, modified = p.modified, own = p.own, "
+    "worker = (SELECT w.id FROM piece.workers pw JOIN main.workers w ON w.host = pw.host AND "
+    "w.machine = pw.machine AND w.process = pw.process AND w.start = pw.start "
+    "WHERE pw.id = p.worker), claimed = p.claimed, target_bytes = p.target_bytes, rate = p.rate, "
+    "frames = p.frames, damaged = p.damaged, checksum = p.checksum, reason = p.reason "
+    "FROM piece.files p WHERE p.id = files.id AND p.source = files.source AND "
+    "p.target = files.target AND p.plan = files.plan AND p.state IN (2, 3, 4) AND "
+    "(files.state IN (0, 1) OR (files.state = 3 AND (p.state <> 3 OR p.reason <> files.reason)))";
+
+// Of files that were begun and not ended there: their targets, if they are there, are ours.
+constexpr const char* kTakeTargets =
+    "UPDATE main.files SET own = 1 FROM piece.files p "
+    "WHERE files.id IN (SELECT id FROM piece.files WHERE own = 1) AND p.id = files.id AND "
+    "p.source = files.source AND p.target = files.target AND p.own = 1 AND files.own = 0";
+
+void CheckFamily(C_Manifest& manifest, const std::string& strPiece) {
+  CheckTables(manifest.Database(), "piece", strPiece);
+  if (manifest.Setting(kFamilySetting, "piece") == manifest.Setting(kFamilySetting)) return;
+  throw C_Failure(strPiece, "is no piece of " + manifest.Name(), "it comes from another manifest");
+}
+
+}  // namespace
+
+void Split(C_Manifest& manifest, std::vector<S_Piece>& pieces, bool bReplace) {
+  if (!bReplace) RefuseExisting(pieces);
+  C_Database& database = manifest.Database();
+  {
+    C_Transaction transaction(database);
+    FreeAbandoned(manifest, false);
+    transaction.Commit();
+  }
+  Share(database, pieces);
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    ThrowIfInterrupted();
+    WritePiece(database, pieces[i].strPath, i);
+  }
+}
+
+S_MergeCounts Merge(C_Manifest& manifest, const std::string& strPiece) {
+  if (!Exists(strPiece)) throw C_Failure(strPiece, "cannot be opened", SystemReason(ENOENT));
+  C_Database& database = manifest.Database();
+  const C_Attached attached(database, strPiece, "piece");
+  CheckFamily(manifest, strPiece);
+  C_Transaction transaction(database);
+  database.Execute(kTakeWorkers);
+  database.Execute(kTakeResults);
+  S_MergeCounts counts;
+  counts.qwTaken = database.Changes();
+  database.Execute(kTakeTargets);
+  {
+    C_Statement left(database, "SELECT COUNT(*) FROM piece.files WHERE state IN (0, 1)");
+    if (left.Next()) counts.qwLeft = static_cast<std::uint64_t>(left.Integer(0));
+  }
+  transaction.Commit();
+  return counts;
+}
+
+}  // namespace tool

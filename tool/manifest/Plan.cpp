@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "manifest/Plan.h"
+
+#include "base/Failure.h"
+#include "base/Interrupt.h"
+#include "manifest/FileStamp.h"
+
+namespace tool {
+namespace {
+
+C_Database& WithTables(C_Manifest& manifest) {
+  manifest.Database().Execute(
+      "PRAGMA temp.cache_size=-65536;"
+      "DROP TABLE IF EXISTS temp.plan;"
+      "DROP TABLE IF EXISTS temp.lost;"
+      "CREATE TEMP TABLE plan(source TEXT PRIMARY KEY, target TEXT, bytes INTEGER,"
+      "modified INTEGER) WITHOUT ROWID;"
+      "CREATE TEMP TABLE lost(id INTEGER PRIMARY KEY)");
+  return manifest.Database();
+}
+
+}  // namespace
+
+C_Plan::C_Plan(C_Manifest& manifest)
+    : m_manifest(manifest),
+      m_database(WithTables(manifest)),
+      m_insert(m_database, "INSERT OR IGNORE INTO temp.plan VALUES(?, ?, ?, ?)") {
+  // Nothing is locked by what happens to these tables alone.
+  m_database.Execute("BEGIN");
+}
+
+void C_Plan::Add(const std::string& strSource, const std::string& strTarget) {
+  ThrowIfInterrupted();
+  const S_FileStamp stamp = StampOf(strSource).value_or(S_FileStamp());
+  m_insert.Bind(1, strSource).Bind(2, strTarget).Bind(3, stamp.nBytes).Bind(4, stamp.nModified);
+  m_insert.Run();
+}
+
+S_PlanCounts C_Plan::Finish(const std::string& strOptions, const std::string& strExisting) {
+  m_database.Execute("COMMIT");
+  LeaveOutTargets();
+  FindLostTargets();
+  C_Transaction transaction(m_database);
+  RefuseSameTargets();
+  RefuseTargetsOfOthers();
+  RefuseTargetsThatAreSources();
+  Settle(strOptions, strExisting);
+  S_PlanCounts counts;
+  counts.qwChanged = Change();
+  counts.qwNew = AddNew();
+  C_Statement count(m_database, "SELECT COUNT(*) FROM temp.plan");
+  if (count.Next()) counts.qwFiles = static_cast<std::uint64_t>(count.Integer(0));
+  count.Reset();
+  transaction.Commit();
+  return counts;
+}
+
+// They are found when the folder that is written is in one that is read.
+void C_Plan::LeaveOutTargets() {
+  m_database.Execute(
+      "DELETE FROM temp.plan AS p "
+      "WHERE EXISTS (SELECT 1 FROM main.files f WHERE f.target = p.source)");
+}
+
+void C_Plan::RefuseSameTargets() {
+  C_Statement select(m_database,
+                     "SELECT MAX(source), MIN(source), target FROM temp.plan GROUP BY target "
+                     "HAVING COUNT(*) > 1 LIMIT 1");
+  if (!select.Next()) return;
+  throw C_UsageFailure(select.Text(0), "has the same target as " + select.Text(1), select.Text(2));
+}
+
+void C_Plan::RefuseTargetsOfOthers() {
+  C_Statement select(m_database,
+                     "SELECT p.source, f.source, p.target FROM temp.plan p "
+                     "JOIN main.files f ON f.target = p.target WHERE f.source <> p.source LIMIT 1");
+  if (!select.Next()) return;
+  throw C_UsageFailure(select.Text(0), "has the same target as " + select.Text(1), select.Text(2));
+}
+
+void C_Plan::RefuseTargetsThatAreSources() {
+  C_Statement select(m_database,
+                     "SELECT p.source, p.target FROM temp.plan p WHERE "
+                     "EXISTS (SELECT 1 FROM temp.plan q WHERE q.source = p.target) OR "
+                     "EXISTS (SELECT 1 FROM main.files f WHERE f.source = p.target) LIMIT 1");
+  if (!select.Next()) return;
+  throw C_UsageFailure(select.Text(0), "its target is to be read as well", select.Text(1));
+}
+
+// Before anything is locked, because it may take long.
+void C_Plan::FindLostTargets() {
+  C_Statement select(m_database,
+                     "SELECT f.id, f.target, f.target_bytes FROM temp.plan p "
+                     "JOIN main.files f ON f.source = p.source WHERE f.state IN (2, 4)");
+  C_Statement insert(m_database, "INSERT INTO temp.lost VALUES(?)");
+  while (select.Next()) {
+    const auto stamp = StampOf(select.Text(1));
+    if (!stamp || stamp->nBytes != select.Integer(2)) insert.Bind(1, select.Integer(0)).Run();
+  }
+}
+
+void C_Plan::Settle(const std::string& strOptions, const std::string& strExisting) {
+  const std::string strSettled = m_manifest.Setting(kOptionsSetting);
+  if (!strSettled.empty() && strSettled != strOptions) {
+    throw C_UsageFailure(m_manifest.Name(), "is for other conversions", strSettled);
+  }
+  m_manifest.Set(kOptionsSetting, strOptions);
+  m_manifest.Set(kExistingSetting, strExisting);
+}
+
+// What a process works on stays: it sees the new source, or the next plan does.
+std::uint64_t C_Plan::Change() {
+  m_database.Execute(
+      "UPDATE main.files SET own = (own AND files.target = p.target), target = p.target, "
+      "bytes = p.bytes, modified = p.modified, state = 0, plan = plan + 1, worker = NULL, "
+      "claimed = NULL, target_bytes = NULL, rate = NULL, frames = NULL, damaged = NULL, "
+      "checksum = NULL, reason = NULL "
+      "FROM temp.plan p WHERE p.source = files.source AND files.state <> 1 AND "
+      "(p.bytes <> files.bytes OR p.modified <> files.modified OR p.target <> files.target OR "
+      "files.id IN (SELECT id FROM temp.lost))");
+  return m_database.Changes();
+}
+
+std::uint64_t C_Plan::AddNew() {
+  m_database.Execute(
+      "INSERT INTO main.files(source, target, bytes, modified) "
+      "SELECT source, target, bytes, modified FROM temp.plan p "
+      "WHERE NOT EXISTS (SELECT 1 FROM main.files f WHERE f.source = p.source) ORDER BY source");
+  return m_database.Changes();
+}
+
+}  // namespace tool

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "base/JsonText.h"
+#include "voxplay.hpp"
+
+namespace tool {
+
+// What is wrong with a row: "row 3: start: "x" is not a whole number up to 4294967295".
+class C_BadRow : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Adds what rows (MarkRows.h) stand for to notes, of a sound of this rate. Rows that people have
+// written may say less:
+//
+//   - without start, time counts: a number of seconds, or a text as C_Time takes it
+//   - without length, duration counts, which is written like time
+//   - a cue point without id gets one that is free
+//   - a name of a cue point becomes its label, a text its note, and a length that of its text
+//   - a label, a note or a text without id gets a cue point of its own, at its start
+//
+// Cue points get other ids where the notes have these already, and what belongs to them follows.
+// Numbers may be texts of digits. Members that are not known are passed over. Throws C_BadRow; the
+// notes are then half done.
+void AddRows(const C_Json& rows, std::uint32_t dwRate, voxplay::Notes& notes);
+
+}  // namespace tool

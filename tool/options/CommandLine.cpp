@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "options/CommandLine.h"
+
+#include <utility>
+
+#include "base/Failure.h"
+#include "base/Interrupt.h"
+#include "options/HelpText.h"
+#include "options/OptionTable.h"
+#include "options/Suggestion.h"
+#include "voxplay.hpp"
+
+namespace tool {
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+constexpr int kOutputClosed = 141;  // what shells say of a program that such a pipe has ended
+
+// What the work returns, or the exit code of what it throws.
+template <typename Work>
+int Guarded(C_Console& console, Work&& work) {
+  try {
+    const int nExit = work();
+    console.Flush();
+    return nExit;
+  } catch (const C_UsageFailure& failure) {
+    console.Complain(failure.what());
+    return kUsage;
+  } catch (const C_Interrupted&) {
+    return kInterruptedExit;
+  } catch (const C_OutputClosed&) {
+    return kOutputClosed;
+  } catch (const std::bad_alloc&) {
+    console.Complain("voxtool: there is not enough memory");
+    return kFailed;
+  } catch (const std::exception& failure) {
+    console.Complain(failure.what());
+    return kFailed;
+  }
+}
+
+int ShowText(const std::string& strText, C_Console& console) {
+  console.Print(strText);
+  return 0;
+}
+
+// What the whole program is, in the words of a command.
+S_Command Program() {
+  return {
+      "voxtool",
+      "see, convert, mark, check, draw and play sound files",
+      "voxtool works with compressed speech in the codecs Kestrel and Heron, with VEF and VEMD "
+      "containers and WAV files of most kinds, and reads FLAC, Ogg, Opus, MP3 and AIFF as well. "
+      "Events and marks in files are kept wherever the target can hold them.\n\n"
+      "\"-\" as a file name stands for standard input or output.",
+      {},
+      {}};
+}
+
+}  // namespace
+
+C_CommandLine::C_CommandLine() { Register(m_app, Program()); }
+
+CLI::App& C_CommandLine::Add(S_Command command) { return Add(m_app, std::move(command)); }
+
+CLI::App& C_CommandLine::Add(CLI::App& parent, S_Command command) {
+  CLI::App& added = *parent.add_subcommand(command.strName, command.strSummary);
+  Register(added, std::move(command));
+  return added;
+}
+
+void C_CommandLine::Register(CLI::App& table, S_Command command) {
+  table.name(command.strName);
+  table.set_help_flag("-h,--help", "print this help and exit");
+  table.set_version_flag("-V,--version", std::string("voxtool ") + voxplay_version(),
+                         "print the version and exit");
+  if (!command.fnRun) table.require_subcommand(1);
+  m_commands.emplace(&table, std::move(command));
+}
+
+const S_Command& C_CommandLine::Command(const CLI::App& table) const {
+  return m_commands.at(&table);
+}
+
+// The innermost command that the arguments name.
+const CLI::App& C_CommandLine::Chosen() const {
+  const CLI::App* pChosen = &m_app;
+  while (!pChosen->get_subcommands().empty()) pChosen = pChosen->get_subcommands().front();
+  return *pChosen;
+}
+
+int C_CommandLine::Run(int nArguments, const char* const* ppszArguments, C_Console& console) {
+  try {
+    m_app.parse(nArguments, ppszArguments);
+  } catch (const CLI::CallForHelp&) {
+    return Guarded(console, [&] {
+      return ShowText(HelpText(*this, Chosen(), console.OutputColumns()), console);
+    });
+  } catch (const CLI::CallForVersion& version) {
+    return Guarded(console, [&] { return ShowText(version.what() + std::string("\n"), console); });
+  } catch (const CLI::ParseError& error) {
+    return ComplainOfUsage(error, console);
+  }
+  return Guarded(console, [&] { return Command(Chosen()).fnRun(console); });
+}
+
+int C_CommandLine::ComplainOfUsage(const CLI::ParseError& error, C_Console& console) const {
+  const CLI::App* pWrong = &m_app;
+  while (!UnknownWord(*pWrong) && !pWrong->get_subcommands().empty()) {
+    pWrong = pWrong->get_subcommands().front();
+  }
+  const std::string strCommand = FullName(*pWrong);
+  console.Complain(strCommand + ": " + UnknownWord(*pWrong).value_or(error.what()));
+  console.Complain("Try \"" + strCommand + " --help\".");
+  return kUsage;
+}
+
+}  // namespace tool

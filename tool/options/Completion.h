@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Scripts that let shells complete commands, options, listed values, files and folders.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+std::string BashCompletion(const CLI::App& table);
+std::string FishCompletion(const CLI::App& table);
+std::string ZshCompletion(const CLI::App& table);
+
+// For the functions above: calls fnVisit for the program, and for each command after the one that
+// it is in.
+void VisitCommands(const CLI::App& table, const std::function<void(const CLI::App&)>& fnVisit);
+// The text as one word of a shell.
+std::string Quoted(const std::string& strText);
+std::string JoinedWords(const std::vector<std::string>& words);
+
+}  // namespace tool

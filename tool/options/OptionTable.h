@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The table of the command line as help texts, manual pages and completions want to see it.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+enum class tagValueKind { NONE, TEXT, FILE, FOLDER, CHOICE };
+
+// An option or an operand.
+struct S_Argument {
+  std::vector<std::string> names;  // "-o", "--output"; none for an operand
+  tagValueKind eKind = tagValueKind::NONE;
+  std::string strValue;              // "FILE": what stands for its value
+  std::vector<std::string> choices;  // the values, where they are listed
+  bool bRequired = false;
+  bool bMany = false;
+  bool bMayLackValue = false;
+  std::string strMeaning;  // with its default
+};
+
+// In the order of the table, without what is hidden.
+std::vector<S_Argument> OptionsOf(const CLI::App& table);
+// Without those that all commands have.
+std::vector<S_Argument> OwnOptionsOf(const CLI::App& table);
+std::vector<S_Argument> OperandsOf(const CLI::App& table);
+std::vector<const CLI::App*> CommandsIn(const CLI::App& table);
+
+// "voxtool tags add".
+std::string FullName(const CLI::App& table);
+// The same without the program: "tags add".
+std::string NameInProgram(const CLI::App& table);
+
+// "-o, --output FILE".
+std::string OptionText(const S_Argument& option);
+// "FILE...", in brackets where it may be left out.
+std::string OperandText(const S_Argument& operand);
+// What follows the name of the command: "[OPTION]... FILE...".
+std::string UsageText(const CLI::App& table);
+
+}  // namespace tool

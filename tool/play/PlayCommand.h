@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "options/CommandLine.h"
+
+namespace tool {
+
+void AddPlayCommand(C_CommandLine& commandLine);
+
+}  // namespace tool

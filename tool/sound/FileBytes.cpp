@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "sound/FileBytes.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace tool {
+namespace {
+
+std::int64_t LengthOf(int nFile) {
+  struct stat status {};
+  return fstat(nFile, &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
+}
+
+}  // namespace
+
+C_FileBytes::C_FileBytes(C_Descriptor file)
+    : m_file(std::move(file)), m_nLength(LengthOf(m_file.Get())) {}
+
+std::int64_t C_FileBytes::Read(void* pBytes, std::size_t cbBytes) {
+  std::size_t cbDone = 0;
+  while (cbDone < cbBytes) {
+    const ssize_t cbRead = pread(m_file.Get(), static_cast<std::byte*>(pBytes) + cbDone,
+                                 cbBytes - cbDone, static_cast<off_t>(m_qwPosition));
+    if (cbRead < 0 && errno == EINTR) continue;
+    if (cbRead < 0) m_nError = errno;
+    if (cbRead < 0 && cbDone == 0) return -1;
+    if (cbRead <= 0) break;
+    cbDone += static_cast<std::size_t>(cbRead);
+    m_qwPosition += static_cast<std::size_t>(cbRead);
+  }
+  return static_cast<std::int64_t>(cbDone);
+}
+
+}  // namespace tool

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "base/Descriptor.h"
+
+namespace tool {
+
+// The bytes of an open file with a position of our own, so that two readers of the same descriptor
+// do not disturb each other.
+class C_FileBytes {
+ public:
+  explicit C_FileBytes(C_Descriptor file);
+
+  // -1 where they cannot be read.
+  std::int64_t Read(void* pBytes, std::size_t cbBytes);
+  void Seek(std::uint64_t qwPosition) noexcept { m_qwPosition = qwPosition; }
+  [[nodiscard]] std::uint64_t Position() const noexcept { return m_qwPosition; }
+  [[nodiscard]] std::int64_t Length() const noexcept { return m_nLength; }
+  // What a failed read was about; 0 when none has failed.
+  [[nodiscard]] int Error() const noexcept { return m_nError; }
+
+ private:
+  C_Descriptor m_file;
+  std::int64_t m_nLength;
+  std::uint64_t m_qwPosition = 0;
+  int m_nError = 0;
+};
+
+}  // namespace tool

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Files that are not ours, through libsndfile: FLAC, Ogg, Opus, MP3, AIFF, and kinds of WAV that
+// voxplay.h does not read.
+#pragma once
+
+#include <string>
+
+#include "sound/FileBytes.h"
+#include "sound/SoundInput.h"
+
+namespace tool {
+
+// Null when libsndfile does not know the file either; *pstrWhy is then what it says. Throws
+// C_Failure.
+C_SoundInputPtr OpenForeignSound(C_FileBytes file, const std::string& strName,
+                                 std::string* pstrWhy);
+
+}  // namespace tool

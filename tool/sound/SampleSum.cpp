@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "sound/SampleSum.h"
+
+#include <bit>
+#include <utility>
+
+namespace tool {
+namespace {
+
+constexpr std::uint64_t kPrime = 0x100000001B3U;
+constexpr float kFullScale16 = 32768.0F;
+constexpr float kFullScale32 = 2147483648.0F;
+
+std::uint32_t BitsOf(float fSample) { return std::bit_cast<std::uint32_t>(fSample); }
+std::uint32_t BitsOf(std::int16_t nSample) {
+  return BitsOf(static_cast<float>(nSample) / kFullScale16);
+}
+std::uint32_t BitsOf(std::int32_t nSample) {
+  return BitsOf(static_cast<float>(nSample) / kFullScale32);
+}
+
+}  // namespace
+
+template <typename Sample>
+void C_SampleSum::Add(std::span<const Sample> samples) noexcept {
+  std::uint64_t qwSum = m_qwSum;
+  for (const Sample sample : samples) qwSum = (qwSum ^ BitsOf(sample)) * kPrime;
+  m_qwSum = qwSum;
+}
+
+C_SummedSound::C_SummedSound(C_SoundInputPtr sound) : m_sound(std::move(sound)) {}
+
+void C_SummedSound::Seek(std::uint64_t qwFrame) {
+  m_sound->Seek(qwFrame);
+  if (qwFrame == 0) m_sum.Reset();
+}
+
+template <typename Sample>
+std::size_t C_SummedSound::ReadAny(std::span<Sample> samples) {
+  const std::size_t nFrames = m_sound->Read(samples);
+  m_sum.Add(std::span<const Sample>(samples).first(nFrames * Info().dwChannels));
+  return nFrames;
+}
+
+}  // namespace tool

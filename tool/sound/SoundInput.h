@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Sounds as the commands read them: files of our own formats through voxplay.h, and others through
+// libsndfile.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "voxplay.hpp"
+
+namespace tool {
+
+// The number of frames where an input does not tell it.
+inline constexpr std::uint64_t kFramesUnknown = UINT64_MAX;
+
+struct S_SoundInfo {
+  std::uint32_t dwRate = 0;  // Hz
+  std::uint32_t dwChannels = 0;
+  std::uint64_t qwFrames = kFramesUnknown;
+  // For people: "Kestrel, 16000 bit/s, SP header" or "FLAC, 24 bits".
+  std::string strFormat;
+  // Of integer samples: how many bits of them are used, 1 to 32. 0 for floating point.
+  std::uint32_t dwBits = 0;
+  // For files of our formats, as it was when they were opened.
+  std::optional<voxplay::Info> ours;
+  std::optional<voxplay::Headers> headers;
+  std::vector<voxplay::ChunkPlace> chunks;  // of RIFF files of ours
+};
+
+// An open sound. Operations throw C_Failure or voxplay::Error, whose text is "FILE: what: why".
+class I_SoundInput {
+ public:
+  virtual ~I_SoundInput() = default;
+
+  [[nodiscard]] virtual const S_SoundInfo& Info() const noexcept = 0;
+  // Events and everything else beside the samples; empty for files that are not ours, but for their
+  // cue points, loops and texts, as far as libsndfile tells them.
+  [[nodiscard]] virtual voxplay::NotesView Notes() const noexcept = 0;
+  // Of the frames that were read so far: those that were damaged.
+  [[nodiscard]] virtual std::uint64_t DamagedFrames() const noexcept = 0;
+
+  // Reads whole interleaved frames, as many as fit, and returns their number; 0 only at the end.
+  virtual std::size_t Read(std::span<std::int16_t> samples) = 0;
+  virtual std::size_t Read(std::span<std::int32_t> samples) = 0;
+  virtual std::size_t Read(std::span<float> samples) = 0;
+  // Moves to a frame, at most the number of frames.
+  virtual void Seek(std::uint64_t qwFrame) = 0;
+};
+using C_SoundInputPtr = std::unique_ptr<I_SoundInput>;
+
+// Standard input, as an operand.
+inline constexpr const char* kStandardStream = "-";
+
+// Opens a file, or standard input for "-". What can be read from standard input only once is copied
+// to a private temporary file first, so that it can be read like any other.
+//
+// Our own formats come first, then those of libsndfile, and last Kestrel streams without a header,
+// which are recognised by their length alone. The failure for a file that is none of these says
+// which test of ours it failed. dwFlags may have VOXPLAY_READ_STREAM of voxplay.h, which only
+// counts for our own formats.
+C_SoundInputPtr OpenSound(const std::string& strPath, std::uint32_t dwFlags = 0);
+
+// What messages call the file of an operand: "standard input" for "-".
+std::string NameOf(const std::string& strPath);
+
+}  // namespace tool

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tags/MarkEdit.h"
+
+#include "base/Failure.h"
+#include "base/TimeText.h"
+#include "marks/MarkNotes.h"
+
+namespace tool {
+
+void AddEditOptions(CLI::App& command, S_EditOptions& options) {
+  command.add_option("FILE", options.strFile, "the file, which is changed in place")
+      ->type_name("FILE")
+      ->required();
+  command.add_option("-o,--output", options.target.strOutput, "write another file instead")
+      ->type_name("FILE");
+  command.add_flag("-f,--force", options.target.bForce,
+                   "also when the file cannot hold all of it, or the output exists");
+}
+
+CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,
+                           const std::string& strMeaning) {
+  const auto Check = [](const std::string& strText) {
+    return C_Time::Parse(strText) ? std::string()
+                                  : strText + " is not a time: " + std::string(C_Time::kForms);
+  };
+  return *command.add_option(strNames, strTime, strMeaning)->type_name("TIME")->check(Check);
+}
+
+int EditMarks(const S_EditOptions& options, C_Console& console,
+              const std::function<void(const C_MarkedFile& file, voxplay::Notes& notes)>& fnEdit) {
+  C_MarkedFile file(options.strFile);
+  voxplay::Notes notes(file.Notes());
+  try {
+    fnEdit(file, notes);
+  } catch (const C_BadRow& bad) {
+    throw C_Failure(options.strFile, "nothing is changed", bad.what());
+  }
+  for (const std::string& strLost : file.Save(notes, options.target)) {
+    console.Complain(options.strFile + ": " + strLost);
+  }
+  return 0;
+}
+
+}  // namespace tool

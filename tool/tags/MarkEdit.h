@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+#include "base/Console.h"
+#include "tags/MarkedFile.h"
+
+namespace tool {
+
+// What every command takes that changes a file.
+struct S_EditOptions {
+  std::string strFile;
+  S_MarkTarget target;
+};
+
+// The options, and the operand FILE.
+void AddEditOptions(CLI::App& command, S_EditOptions& options);
+
+// A place or a length as C_Time takes it, which is checked when the options are read.
+CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,
+                           const std::string& strMeaning);
+
+// Changes the notes of the file. fnEdit may throw C_BadRow and C_Failure, and then nothing changes.
+// Complains of what the file cannot hold. Returns the exit code.
+int EditMarks(const S_EditOptions& options, C_Console& console,
+              const std::function<void(const C_MarkedFile& file, voxplay::Notes& notes)>& fnEdit);
+
+}  // namespace tool

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <set>
+#include <utility>
+
+#include "base/Descriptor.h"
+#include "base/Failure.h"
+#include "marks/LabelText.h"
+#include "marks/MarkCsv.h"
+#include "marks/MarkNotes.h"
+#include "marks/MarkRows.h"
+#include "sound/SoundInput.h"
+#include "tags/MarkEdit.h"
+#include "tags/Subcommands.h"
+
+namespace tool {
+namespace {
+
+// Larger files hold something else than marks.
+constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
+constexpr std::size_t kPieceBytes = 65536;
+
+struct S_Options {
+  S_EditOptions edit;
+  std::string strJson;
+  std::string strCsv;
+  std::string strLabels;
+  bool bReplace = false;
+};
+
+std::string ReadText(const std::string& strPath) {
+  const std::string strName = NameOf(strPath);
+  const C_Descriptor file(strPath == kStandardStream ? 0
+                                                     : open(strPath.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.Get() < 0) throw C_Failure(strName, "cannot be opened", SystemReason(errno));
+  std::string strText;
+  std::array<std::byte, kPieceBytes> piece{};
+  while (const std::size_t cbRead = ReadSome(file.Get(), piece, strName)) {
+    strText.append(reinterpret_cast<const char*>(piece.data()), cbRead);
+    if (strText.size() > kMostBytes) throw C_Failure(strName, "cannot be read", "it is too large");
+  }
+  return strText;
+}
+
+void CheckRate(const C_Json& file, std::uint32_t dwRate) {
+  const auto found = file.find("sample_rate");
+  if (found == file.end() || *found == dwRate) return;
+  throw C_BadRow("the marks count frames of " + (found->is_structured() ? "[...]" : found->dump()) +
+                 " Hz, and the sound has " + std::to_string(dwRate) + " Hz");
+}
+
+// An array of rows, or what "tags export" writes of one file.
+C_Json RowsOfJson(const std::string& strText, std::uint32_t dwRate) {
+  C_Json json = C_Json::parse(strText, nullptr, false);
+  if (json.is_discarded()) throw C_BadRow("it is not JSON");
+  const bool bFiles = json.is_array() && !json.empty() && json.front().is_object() &&
+                      json.front().contains("marks");
+  if (bFiles && json.size() > 1) throw C_BadRow("it has the marks of several files");
+  if (bFiles) json = C_Json(std::move(json.front()));
+  if (!json.is_object()) return json;
+  if (!json.contains("marks")) throw C_BadRow("it has no member \"marks\"");
+  CheckRate(json, dwRate);
+  return std::move(json["marks"]);
+}
+
+C_Json RowsOfTable(const std::string& strText) {
+  C_Json rows = RowsOfCsv(strText);
+  std::set<std::string> files;
+  for (const C_Json& row : rows) files.insert(row.value("file", std::string()));
+  if (files.size() > 1) throw C_BadRow("it has the marks of several files");
+  return rows;
+}
+
+C_Json ReadRows(const S_Options& options, std::uint32_t dwRate) {
+  if (!options.strJson.empty()) return RowsOfJson(ReadText(options.strJson), dwRate);
+  if (!options.strCsv.empty()) return RowsOfTable(ReadText(options.strCsv));
+  return RowsOfLabelText(ReadText(options.strLabels), dwRate);
+}
+
+const std::string& SourceOf(const S_Options& options) {
+  if (!options.strJson.empty()) return options.strJson;
+  return options.strCsv.empty() ? options.strLabels : options.strCsv;
+}
+
+// The sampler's own record is no mark and stays.
+void ClearMarks(voxplay::Notes& notes) {
+  const voxplay::Notes old(notes);
+  for (const voxplay_note_kind eKind :
+       {VOXPLAY_NOTE_EVENT, VOXPLAY_NOTE_SILENCE, VOXPLAY_NOTE_REGION, VOXPLAY_NOTE_CUE,
+        VOXPLAY_NOTE_LABEL, VOXPLAY_NOTE_REGION_TEXT, VOXPLAY_NOTE_LOOP}) {
+    notes.clear(eKind);
+  }
+  notes.set_sampler(old.view().sampler());
+}
+
+int Run(const S_Options& options, C_Console& console) {
+  if (SourceOf(options).empty()) {
+    throw C_UsageFailure("voxtool tags import", options.edit.strFile,
+                         "name what to import with --csv, --json or --labels");
+  }
+  return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
+    try {
+      const C_Json rows = ReadRows(options, file.Info().sample_rate);
+      if (options.bReplace) ClearMarks(notes);
+      AddRows(rows, file.Info().sample_rate, notes);
+    } catch (const C_BadRow& bad) {
+      throw C_Failure(NameOf(SourceOf(options)), "cannot be imported", bad.what());
+    }
+  });
+}
+
+}  // namespace
+
+void AddImportCommand(C_CommandLine& commandLine, CLI::App& tags) {
+  const auto options = std::make_shared<S_Options>();
+  CLI::App& command = commandLine.Add(
+      tags, {"import",
+             "add marks from a table, from JSON or from a label track",
+             "Reads what \"tags export\" writes, and tables that people have written: of the "
+             "columns, only "
+             "\"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may have a "
+             "\"name\", and a "
+             "\"length\" or a \"duration\". Where the file has the ids of new cue points already, "
+             "the new "
+             "ones get others.",
+             {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
+              {"voxtool tags import talk.wav --labels talk.txt --replace",
+               "let a label track replace all marks"}},
+             [options](C_Console& console) { return Run(*options, console); }});
+  AddEditOptions(command, options->edit);
+  auto* const pCsv = command.add_option("--csv", options->strCsv, "comma-separated values");
+  auto* const pJson = command.add_option("--json", options->strJson, "JSON");
+  auto* const pLabels = command.add_option("--labels", options->strLabels, "a label track");
+  for (CLI::Option* const pSource : {pCsv, pJson, pLabels}) pSource->type_name("FILE");
+  pCsv->excludes(pJson)->excludes(pLabels);
+  pJson->excludes(pLabels);
+  command.add_flag("--replace", options->bReplace, "remove all marks of the file first");
+}
+
+}  // namespace tool

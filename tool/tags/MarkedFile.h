@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "voxplay.hpp"
+
+namespace tool {
+
+// Where a file with other marks goes.
+struct S_MarkTarget {
+  std::string strOutput;  // empty: the file itself
+  bool bForce = false;    // also when something is lost, or the output exists
+};
+
+// A WAV, VEMD or VEF file whose marks are to change. Samples, streams and all other chunks stay as
+// they are, byte for byte.
+class C_MarkedFile {
+ public:
+  // Throws C_Failure for a file that cannot hold marks, and voxplay::Error.
+  explicit C_MarkedFile(const std::string& strPath);
+
+  [[nodiscard]] const voxplay::Info& Info() const noexcept { return m_info; }
+  [[nodiscard]] voxplay::NotesView Notes() const noexcept { return m_reader.notes(); }
+
+  // Writes the file with these notes, looks whether it reads as it should, and lets it appear,
+  // whole or not at all. Returns what it could not hold, one sentence each. Throws C_Failure and
+  // voxplay::Error; nothing is changed then.
+  std::vector<std::string> Save(const voxplay::Notes& notes, const S_MarkTarget& target);
+
+ private:
+  void CheckResult(const std::string& strNew, const voxplay::Notes& notes, bool bAllHeld) const;
+
+  std::string m_strPath;
+  voxplay::Reader m_reader;
+  voxplay::Info m_info;
+};
+
+}  // namespace tool
