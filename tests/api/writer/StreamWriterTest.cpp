@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <tuple>
 #include <vector>
 
 #include <algorithm>
@@ -258,21 +257,27 @@ TEST(StreamWriter, LengthsThatNoStreamHas_AreRefusedBeforeAByteIsWritten) {
 
 // Longer ones could be written, but not read again.
 TEST(StreamWriter, LongestSoundsThatCanBeRead_AreTheLongestThatAreWritten) {
-  const std::vector<std::tuple<voxplay_format, std::uint64_t, std::string>> limits = {
+  struct S_Limit {
+    voxplay_format format;
+    std::uint64_t qwMost;
+    std::string strWhy;
+  };
+  const std::vector<S_Limit> limits = {
       {KestrelFormat(VOXPLAY_CONTAINER_BARE, 32000), std::uint64_t{6'710'886} * 320,
        "Kestrel: a sound has at most 2,147,483,520 samples"},
       {HeronFormat(VOXPLAY_CONTAINER_HEAD, 2), 2'147'483'647,
        "Heron: a sound has at most 2,147,483,647 samples"}};
-  for (auto [format, qwMost, strWhy] : limits) {
+  for (const S_Limit& limit : limits) {
     C_CallerOutput output;
     const auto fnOpen = [&](std::uint64_t qwFrames) {
+      voxplay_format format = limit.format;
       format.frames = qwFrames;
       static_cast<void>(api::C_Writer::Open(api::OpenOutputTarget(output.Record()), format));
     };
-    EXPECT_NO_THROW(fnOpen(qwMost));
-    const auto failure = FailureOf([&] { fnOpen(qwMost + 1); });
+    EXPECT_NO_THROW(fnOpen(limit.qwMost));
+    const auto failure = FailureOf([&] { fnOpen(limit.qwMost + 1); });
     EXPECT_EQ(failure.eStatus, VOXPLAY_TOO_LARGE);
-    EXPECT_EQ(failure.strText, strWhy);
+    EXPECT_EQ(failure.strText, limit.strWhy);
   }
 }
 
