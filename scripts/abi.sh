@@ -14,9 +14,10 @@ kept=abi/libvoxplay.so.0.abi
 build=build/abi
 
 # Without the optimiser, because it makes one function of several that do the same, and the types
-# of all but one of them are lost.
+# of all but one of them are lost. The folder of the build is no part of the ABI.
 cmake --preset library -B "$build" -DVOXPLAY_EXAMPLES=OFF -DVOXPLAY_HARDENING=OFF \
-  -DVOXPLAY_WARNINGS_AS_ERRORS=OFF -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_FLAGS='-O0 -g' >/dev/null
+  -DVOXPLAY_WARNINGS_AS_ERRORS=OFF -DCMAKE_BUILD_TYPE=None \
+  -DCMAKE_CXX_FLAGS="-O0 -g -fdebug-prefix-map=$PWD/=" >/dev/null
 cmake --build "$build" --parallel "${JOBS:-$(nproc)}" --target voxplay >/dev/null
 
 abidw --headers-dir api/include --drop-private-types --exported-interfaces-only --type-id-style hash \

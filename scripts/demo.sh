@@ -19,7 +19,7 @@ quietly() {
   return 1
 }
 [[ -x $player ]] || echo "Building the player, once ..." >&2
-quietly cmake -S "$root" --preset release -DVOXPLAY_TESTS=OFF -DVOXPLAY_TOOL=OFF
+quietly cmake -S "$root" --preset release -DVOXPLAY_TESTS=OFF
 quietly cmake --build "$build" --target VoxplaySampleCode --parallel "$(nproc)"
 
 "$player" "${1:-$root/samples/Test.kst}" "${2:-0}"

@@ -6,8 +6,8 @@
 #
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
-#   scripts/install-deps.sh tool     the same and what builds and tests voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh test     the same and what the tests need
+#   scripts/install-deps.sh tool     the same and what builds and tests voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
 #   scripts/install-deps.sh budgets  what counts the instructions of the library
 #   scripts/install-deps.sh bench    what builds the benchmarks and what they compare with

@@ -14,7 +14,7 @@ command -v sox >/dev/null || { echo "${0##*/}: sox is missing (apt-get install s
 
 cd "$root"
 if [[ -z ${VOXTOOL:-} ]]; then
-  cmake --preset release >/dev/null
+  cmake --preset release -DVOXPLAY_TOOL=ON >/dev/null
   cmake --build --preset release --target voxtool -j "$(nproc)" >/dev/null
   VOXTOOL=$root/build/release/bin/voxtool
 fi

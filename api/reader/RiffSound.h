@@ -42,7 +42,7 @@ inline constexpr std::uint64_t kMaxFurtherBytes = std::uint64_t{1} << 30U;
 S_RiffSound ReadRiffSound(I_ByteSource& source, E_RiffForm eForm);
 
 // The samples in "data"; without such a chunk there are none. Throws C_Failure when they cannot be
-// read, and when more than 64 MiB of PCM are missing.
+// read, and when more than 64 MiB of PCM are missing in a container of ours.
 C_SampleStreamPtr OpenStored(I_ByteSource& source, const S_RiffSound& sound);
 
 // The members of voxplay_info that the format tells.

@@ -6,7 +6,8 @@
 //   what is written                        what is understood
 //   "RIFF" or "RF64"                       of RF64, the sizes in "ds64" count
 //   a RIFF or "data" size of 0 or 2^32-1   by programs that wrote to a pipe: to the end of the file
-//   pad bytes after odd sizes, or none     zeros before a chunk's header are passed over
+//   pad bytes after odd sizes, or none     zeros before a chunk's header are passed over; so is
+//                                          another byte where only what follows it can be a chunk
 //   a chunk that the end of the file cuts  it is listed with what is there
 //
 // A "data" size of 0 says so only in WAVE and VEMD files whose RIFF size does not say anything

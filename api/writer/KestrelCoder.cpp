@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kFrame = kestrel::kSamplesPerFrame;
 constexpr std::uint64_t kLengthField = 4;
-constexpr std::uint64_t kWordBytes = 2;
+constexpr std::size_t kWordBytes = 2;
 constexpr std::size_t kWrittenAtOnce = 8192;
 
 // Of a stream of so many samples: all but the first whole one, and one of silence.

@@ -15,7 +15,8 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 
 extern "C" void NoteInterrupt(int /*nSignal*/) { g_bInterrupted = true; }
 
-// What whoever started the program has ignored stays ignored: it is meant to outlive a terminal.
+// A signal that is ignored when the program starts stays ignored. That is how nohup lets it run on
+// after its terminal is closed.
 void Catch(int nSignal) {
   struct sigaction before = {};
   if (sigaction(nSignal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN) return;

@@ -32,7 +32,7 @@ extern "C" void PutBackAndDie(int nSignal) {
 void SetHandler(int nSignal, void (*pfnHandler)(int), int nFlags) {
   struct sigaction before = {};
   sigaction(nSignal, nullptr, &before);
-  // What whoever started the program wanted to be ignored stays so.
+  // A signal that is ignored when the program starts stays ignored.
   if (before.sa_handler == SIG_IGN) return;
   struct sigaction action = {};
   action.sa_handler = pfnHandler;
@@ -66,7 +66,7 @@ void C_KeyTerminal::End() {
   for (const int nSignal : kFatal) SetHandler(nSignal, SIG_DFL, 0);
 }
 
-// In the background, whoever asks the terminal for something is stopped.
+// The system stops a background program that asks its terminal for something.
 bool C_KeyTerminal::InForeground() const { return tcgetpgrp(m_terminal.Get()) == getpgrp(); }
 
 void C_KeyTerminal::Enter() {

@@ -60,7 +60,7 @@ class C_PlayedSound {
             [&devices](const auto& format, auto& client) { return devices.Open(format, client); }) {
     m_marks.Jump(m_span.qwBegin);
   }
-  // Whoever leaves before the end wants no more sound.
+  // A user who quits before the end wants silence at once.
   ~C_PlayedSound() { m_devices.Cut(); }
   C_PlayedSound(const C_PlayedSound&) = delete;
   C_PlayedSound& operator=(const C_PlayedSound&) = delete;
