@@ -282,7 +282,7 @@ def completes(terminal, shell, prompt, *lines):
     terminal.run("clear")
     terminal.wait(lambda screen: screen.strip() == prompt, "the prompt of the shell")
     typed = f"{prompt} voxtool play"
-    for keys, whole in (("voxtool pl", typed), ("--nu", f"{typed} --null"),
+    for keys, whole in (("voxtool pla", typed), ("--nu", f"{typed} --null"),
                         ("minu", f"{typed} --null minute.wav")):
         terminal.tmux("send-keys", "-l", "--", keys)
         # Shells take keys that come at once for pasted text.
