@@ -11,6 +11,12 @@ if(VOXPLAY_PLAYER)
 endif()
 if(VOXPLAY_TOOL)
   set(DESKTOP ${PROJECT_SOURCE_DIR}/desktop)
+  # Outside of /usr the system may not look for the library, which is found from the program then,
+  # wherever both are moved. Packages want no such path.
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    file(RELATIVE_PATH LIBRARY_FOLDER ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(voxtool PROPERTIES INSTALL_RPATH "\$ORIGIN/${LIBRARY_FOLDER}")
+  endif()
   install(TARGETS voxtool RUNTIME COMPONENT player)
   install(FILES ${DESKTOP}/voxplay.xml
     DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages COMPONENT player)
