@@ -12,7 +12,8 @@ import sys
 
 
 def wav(number, frames):
-    samples = array.array("h", [(n * (number % 251 + 3)) % 8000 - 4000 for n in range(frames)])
+    tooth = array.array("h", range(-4000, 4000, number % 251 + 3))
+    samples = (tooth * (frames // len(tooth) + 1))[:frames]
     samples[0] = number  # one that no other file has
     data = samples.tobytes()
     head = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + len(data), b"WAVE", b"fmt ", 16, 1, 1,

@@ -79,11 +79,14 @@ ReturnToService=2
 MpiDefault=none
 JobAcctGatherType=jobacct_gather/none
 AccountingStorageType=accounting_storage/none
-SlurmdTimeout=6
+SlurmdParameters=config_overrides
+SlurmdTimeout=4
+MessageTimeout=2
+TCPTimeout=1
 KillWait=2
 SchedulerParameters=sched_interval=1,bf_interval=1
-NodeName=one NodeAddr=127.0.0.1 NodeHostname=$host Port=${ports[1]} CPUs=1
-NodeName=two NodeAddr=127.0.0.1 NodeHostname=$host Port=${ports[2]} CPUs=1
+NodeName=one NodeAddr=127.0.0.1 NodeHostname=$host Port=${ports[1]} CPUs=2
+NodeName=two NodeAddr=127.0.0.1 NodeHostname=$host Port=${ports[2]} CPUs=2
 PartitionName=all Nodes=one,two Default=YES MaxTime=INFINITE State=UP
 CONF
 
@@ -115,6 +118,8 @@ working() {
   done
   return 1
 }
+begun() { compgen -G "$folder/out/*/*.hrn" >/dev/null; }
+wait_for 60 "the first target" begun
 wait_for 60 "the first task" working
 kill -KILL "$process"
 wait_for 60 "another task" working
