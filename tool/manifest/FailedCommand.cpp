@@ -17,16 +17,17 @@ struct S_Options {
 
 // One after another, because there may be many.
 void PrintJson(C_Statement& rows, C_Console& console) {
-  std::string strBefore = "[";
+  bool bFirst = true;
   while (rows.Next()) {
     ThrowIfInterrupted();
     std::string strLine =
         JsonLine({{"source", rows.Text(0)}, {"target", rows.Text(1)}, {"reason", rows.Text(2)}});
     while (strLine.ends_with('\n')) strLine.pop_back();
-    console.Print(strBefore + "\n  " + strLine);
-    strBefore = ",";
+    console.Print(bFirst ? "[\n  " : ",\n  ");
+    console.Print(strLine);
+    bFirst = false;
   }
-  console.Print(strBefore == "[" ? "[]\n" : "\n]\n");
+  console.Print(bFirst ? "[]\n" : "\n]\n");
 }
 
 void PrintText(C_Statement& rows, C_Console& console) {
