@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Measures how fast archives are converted, and prints the tables of docs/ARCHIVES.md: files and hours
-# of sound for each core and second, at several numbers of processes, and what manifests cost.
+# of sound for each second of a core, at several numbers of threads, and what manifests cost.
 #
 #   measure.sh [SPEECH.wav]         a file of speech; without it, a made sound
 #
@@ -12,16 +12,16 @@ if [[ ${1:-} == -h || ${1:-} == --help ]]; then
   sed -n '4,9s/^# \{0,1\}//p' "$0"
   exit 0
 fi
-voxtool=${VOXTOOL:-voxtool}
+voxtool=$(realpath "$(command -v "${VOXTOOL:-voxtool}")")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cores=$(nproc)
 
-# seconds COMMAND...: sets took
+# seconds COMMAND...: sets took, and busy, the seconds of all processors
 seconds() {
-  local begin=$EPOCHREALTIME
-  "$@"
-  took=$(awk -v a="$begin" -v b="$EPOCHREALTIME" 'BEGIN { printf "%.3f", b - a }')
+  local TIMEFORMAT='%R %U %S' said
+  said=$( { time "$@" >"$folder/printed" 2>&1; } 2>&1) || { cat "$folder/printed" >&2 && exit 1; }
+  read -r took busy < <(awk '{ print $1, $2 + $3 }' <<<"$said")
 }
 
 # make_files FOLDER COUNT SECONDS: of one sound, which is repeated or cut
@@ -54,15 +54,15 @@ row() {
   "$voxtool" convert --manifest "$folder/a.db" -r "$folder/$1" -d "$folder/out" --to "$4" \
     --plan-only -qq
   seconds "$voxtool" convert --manifest "$folder/a.db" -j "$5" -qq
-  awk -v to="$4" -v count="$2" -v long="$3" -v jobs="$5" -v took="$took" 'BEGIN {
-    printf "| %s | %d of %g s | %d | %.2f | %.0f | %.3f |\n", to, count, long, jobs, took,
-      count / took / jobs, count * long / 3600 / took / jobs }'
+  awk -v to="$4" -v count="$2" -v long="$3" -v jobs="$5" -v took="$took" -v busy="$busy" 'BEGIN {
+    printf "| %s | %d of %g s | %d | %.1f | %.1f | %.0f | %.2f |\n", to, count, long, jobs, took, busy,
+      count / busy, count * long / 3600 / busy }'
 }
 
 make_files tiny 4000 1 "${1:-}"
 make_files usual 400 30 "${1:-}"
-echo "| to | files | threads | seconds | files a core and second | hours of sound a core and second |"
-echo "|---|---|---|---|---|---|"
+echo "| to | files | threads | seconds | seconds of the processors | files a core and second | hours of sound a core and second |"
+echo "|---|---|---|---|---|---|---|"
 for to in kestrel heron4 wav; do
   for ((jobs = 1; jobs <= cores; jobs *= 2)); do
     row tiny 4000 1 "$to" "$jobs"
@@ -71,17 +71,17 @@ for to in kestrel heron4 wav; do
 done
 
 echo
-echo "| with a manifest of a million files | seconds |"
-echo "|---|---|"
+echo "| with a manifest of a million files | seconds | of the processors |"
+echo "|---|---|---|"
 seq -f "rec/%.0f.wav" 1000000 | awk -F/ '{ printf "rec/%03d/%s\n", NR % 1000, $2 }' >"$folder/list"
 cd "$folder"
 seconds "$voxtool" convert --manifest m.db --files-from list -d out --to kestrel --plan-only -qq
-echo "| plan it | $took |"
+echo "| plan it | $took | $busy |"
 seconds "$voxtool" convert --manifest m.db --files-from list -d out --to kestrel --plan-only -qq
-echo "| plan it again | $took |"
-seconds "$voxtool" manifest split 100 m.db -o 'piece-%d.db' >pieces
-echo "| split it into 100 pieces | $took |"
-seconds "$voxtool" manifest merge m.db piece-*.db >merged
-echo "| merge them | $took |"
-seconds "$voxtool" manifest status m.db >counts
-echo "| show its status | $took |"
+echo "| plan it again | $took | $busy |"
+seconds "$voxtool" manifest split 200 m.db -o 'piece-%d.db'
+echo "| split it into 200 pieces | $took | $busy |"
+seconds "$voxtool" manifest merge m.db piece-*.db
+echo "| merge them | $took | $busy |"
+seconds "$voxtool" manifest status m.db
+echo "| show its status | $took | $busy |"
