@@ -82,6 +82,13 @@ inside apt-get -qq install --no-install-recommends "${packages[@]}" >>"$log" 2>&
   { tail -n 20 "$log" >&2; fail "the player's package cannot be installed"; }
 [[ $(inside VoxplaySampleCode /tmp/Test.kst 2 | tail -n 1) == Length:5 ]] || fail "the player does not know the length"
 
+echo "  runs voxtool"
+[[ $(inside voxtool info /tmp/Test.kst) == *"Length     0:05.040"* ]] || fail "voxtool does not know the length"
+inside voxtool convert -q /tmp/Test.kst -o /tmp/Test.wav || fail "voxtool does not convert"
+inside voxtool plot /tmp/Test.wav -o /tmp/Test.png || fail "voxtool does not draw"
+[[ $(head -c 8 "$bare/tmp/Test.png" | od -An -tx1) == *"89 50 4e 47"* ]] || fail "voxtool draws no picture"
+inside voxtool check -q /tmp/Test.wav || fail "what voxtool converts is not whole"
+
 echo "  removes everything"
 inside apt-get -qq purge '*voxplay*' >>"$log" 2>&1
 inside apt-get -qq autoremove --purge >>"$log" 2>&1
