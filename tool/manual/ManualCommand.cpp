@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <fstream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "base/Failure.h"
 #include "options/ManualPage.h"
@@ -14,21 +16,36 @@ namespace tool {
 namespace {
 
 struct S_ManualOptions {
-  std::string strCommand;
+  std::vector<std::string> command;
   std::string strFolder;
   bool bAll = false;
 };
 
-const CLI::App& PageOf(const C_CommandLine& commandLine, const std::string& strCommand) {
-  if (strCommand.empty()) return commandLine.Table();
+const CLI::App& CommandOf(const CLI::App& table, const std::string& strName) {
   std::vector<std::string> names;
-  for (const CLI::App* pCommand : CommandsIn(commandLine.Table())) {
-    if (pCommand->get_name() == strCommand) return *pCommand;
+  for (const CLI::App* pCommand : CommandsIn(table)) {
+    if (pCommand->get_name() == strName) return *pCommand;
     names.push_back(pCommand->get_name());
   }
-  const auto nearest = Nearest(strCommand, names);
-  throw C_UsageFailure("voxtool manual: " + strCommand + ": no such command" +
+  const auto nearest = Nearest(strName, names);
+  throw C_UsageFailure("voxtool manual: " + strName + ": no such command" +
                        (nearest ? "; did you mean \"" + *nearest + "\"?" : ""));
+}
+
+// Of "tags add": the page of a command in a command.
+const CLI::App& PageOf(const CLI::App& program, const std::vector<std::string>& command) {
+  const CLI::App* pTable = &program;
+  for (const std::string& strName : command) pTable = &CommandOf(*pTable, strName);
+  return *pTable;
+}
+
+// As options name the values that they can have, which shells complete.
+std::string NamesAsType(const CLI::App& program) {
+  std::string strNames;
+  for (const CLI::App* pCommand : CommandsIn(program)) {
+    strNames += (strNames.empty() ? "" : ",") + pCommand->get_name();
+  }
+  return "TEXT:{" + strNames + "}";
 }
 
 void WritePage(const C_CommandLine& commandLine, const CLI::App& table,
@@ -43,7 +60,7 @@ void WritePage(const C_CommandLine& commandLine, const CLI::App& table,
 int RunManual(const C_CommandLine& commandLine, const S_ManualOptions& options,
               C_Console& console) {
   if (!options.bAll) {
-    console.Print(ManualPage(commandLine, PageOf(commandLine, options.strCommand)));
+    console.Print(ManualPage(commandLine, PageOf(commandLine.Table(), options.command)));
     return 0;
   }
   WritePage(commandLine, commandLine.Table(), options.strFolder);
@@ -60,14 +77,18 @@ void AddManualCommand(C_CommandLine& commandLine) {
   CLI::App& table = commandLine.Add({
       "manual",
       "print the manual page of a command",
-      "Prints the page as man(1) takes it. Without a command, the page is that of voxtool itself.",
+      "Prints the page as man(1) takes it. Without a command, the page is that of voxtool itself. "
+      "The page of a command describes the commands in it as well, which also have pages of their "
+      "own here.",
       {{"voxtool manual play | man -l -", "read the page of \"voxtool play\""},
+       {"voxtool manual tags add | man -l -", "read about \"voxtool tags add\" alone"},
        {"voxtool manual --all -d pages", "write all pages into a folder"}},
       [&commandLine, pOptions](C_Console& console) {
         return RunManual(commandLine, *pOptions, console);
       },
   });
-  auto* const pCommand = table.add_option("COMMAND", pOptions->strCommand, "whose page it is");
+  auto* const pCommand = table.add_option("COMMAND", pOptions->command, "whose page it is");
+  pCommand->type_name(NamesAsType(commandLine.Table()));
   auto* const pAll = table.add_flag("--all", pOptions->bAll, "write the pages of all commands");
   auto* const pFolder = table.add_option("-d,--dir", pOptions->strFolder, "where to write them");
   pFolder->type_name("DIR")->needs(pAll);

@@ -91,6 +91,14 @@ TEST_F(Completion, ForZsh_IsAScriptThatItReads) {
       << strText;
 }
 
+TEST_F(Completion, OfManual_NamesTheCommandsWithPages) {
+  EXPECT_NE(Shell(VOXTOOL " completion bash")
+                .find(" words='info play convert manifest tags header "
+                      "check plot compare completion manual' kind= ;;\n"
+                      "  esac\n"),
+            std::string::npos);
+}
+
 TEST_F(Completion, OfTheProgram_IsReadByAllShells) {
   EXPECT_EQ(Shell(VOXTOOL " completion bash | bash -n"), "");
   EXPECT_EQ(Shell(VOXTOOL " completion zsh | zsh -n"), "");

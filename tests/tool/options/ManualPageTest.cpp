@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include "ChildProcess.h"
+#include "Commands.h"
 #include "OtherPrograms.h"
 #include "SmallTable.h"
+#include "options/OptionTable.h"
 
 namespace {
 
@@ -59,6 +61,32 @@ TEST(ManualPage, OfEachCommandOfTheProgram_HasNoWarnings) {
   EXPECT_EQ(TextOf(folder.Read("stderr")), "");
   EXPECT_TRUE(folder.Has("voxtool.1"));
   EXPECT_TRUE(folder.Has("voxtool-play.1"));
+}
+
+// Every command of the program has a page, which describes the commands in it.
+TEST(ManualPage, OfTheProgram_LeaveNoCommandOut) {
+  const C_TempFolder folder;
+  RunIn(folder, VOXTOOL " manual --all -d @");
+  tool::C_CommandLine commandLine;
+  tool::AddCommands(commandLine);
+  std::size_t nInner = 0;
+  for (const CLI::App* pCommand : tool::CommandsIn(commandLine.Table())) {
+    const std::string strPage = TextOf(folder.Read(tool::ManualPageName(*pCommand) + ".1"));
+    EXPECT_TRUE(strPage.starts_with(".\\\" SPDX")) << pCommand->get_name();
+    for (const CLI::App* pInner : tool::CommandsIn(*pCommand)) {
+      EXPECT_NE(strPage.find(".SS " + tool::FullName(*pInner)), std::string::npos);
+      ++nInner;
+    }
+  }
+  EXPECT_GE(nInner, 12U);
+}
+
+TEST(ManualCommand, ACommandInACommand_HasAPageOfItsOwn) {
+  const S_Run run = C_Program(VOXTOOL).Run({"manual", "tags", "add", "cue"});
+  EXPECT_EQ(run.nExit, 0) << run.strErr;
+  EXPECT_NE(run.strOut.find("voxtool\\-tags\\-add\\-cue \\- "), std::string::npos) << run.strOut;
+  EXPECT_EQ(C_Program(VOXTOOL).Run({"manual", "tags", "ad"}).strErr,
+            "voxtool manual: ad: no such command; did you mean \"add\"?\n");
 }
 
 TEST(ManualCommand, AnUnknownCommand_IsAUsageFailure) {
