@@ -81,6 +81,17 @@ seconds "$voxtool" convert --manifest m.db --files-from list -d out --to kestrel
 echo "| plan it again | $took | $busy |"
 seconds "$voxtool" manifest split 200 m.db -o 'piece-%d.db'
 echo "| split it into 200 pieces | $took | $busy |"
+# As if all of it had been converted.
+python3 - piece-*.db <<'PYTHON'
+import sqlite3
+import sys
+
+for name in sys.argv[1:]:
+    piece = sqlite3.connect(name)
+    piece.execute("UPDATE files SET state = 2, own = 1, target_bytes = 20000, rate = 16000, frames = 160000,"
+                  " damaged = 0, checksum = printf('%016x', id)")
+    piece.commit()
+PYTHON
 seconds "$voxtool" manifest merge m.db piece-*.db
 echo "| merge them | $took | $busy |"
 seconds "$voxtool" manifest status m.db
