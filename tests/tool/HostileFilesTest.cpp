@@ -33,7 +33,7 @@ class HostileFiles : public C_VoxtoolTest, public testing::WithParamInterface<co
       for (std::size_t n = 0; n < nFiles; ++n) {
         arguments.push_back(Write("f" + std::to_string(n), m_inputs[nFirst + n]));
       }
-      const S_Run run = Voxtool(arguments);
+      const S_Run run = Run(arguments);
       ASSERT_TRUE(run.nExit == 0 || run.nExit == 1)
           << "files from " << nFirst << " on: " << run.nExit << ", signal " << run.nSignal;
       fnExpect(run, nFiles);
@@ -72,11 +72,11 @@ TEST_P(HostileFiles, Edits_AreWholeOrNotAtAll) {
   const std::size_t nStep = std::max<std::size_t>(m_inputs.size() / kEdits, 1);
   for (std::size_t n = 0; n < m_inputs.size(); n += nStep) {
     Write("f", m_inputs[n]);
-    const S_Run run = Voxtool({"tags", "add", "cue", "-f", "@f", "--at", "1s", "--name", "x"});
+    const S_Run run = Run({"tags", "add", "cue", "-f", "@f", "--at", "1s", "--name", "x"});
     ASSERT_TRUE(run.nExit == 0 || run.nExit == 1) << n << ": signal " << run.nSignal;
     EXPECT_THAT(Entries(), testing::ElementsAre("f"));
     if (run.nExit == 0) {
-      EXPECT_EQ(Voxtool({"info", "@f"}).nExit, 0) << n;
+      EXPECT_EQ(Run({"info", "@f"}).nExit, 0) << n;
     } else {
       EXPECT_EQ(Content("f"), m_inputs[n]);
       EXPECT_EQ(Lines(run.strErr), 1U) << run.strErr;

@@ -175,7 +175,7 @@ TEST_F(TagsFiles, Output_LeavesTheFileAsItIs) {
   Output({"tags", "add", "event", "@a.wav", "--at", "10s", "--main", "7", "-o", "@b.wav"});
   EXPECT_EQ(Content("a.wav"), before);
   EXPECT_EQ(voxplay::Reader(Path("b.wav")).notes().events().size(), 1U);
-  EXPECT_EQ(Voxtool({"tags", "add", "event", "@a.wav", "--at", "1s", "-o", "@b.wav"}).nExit, 1);
+  EXPECT_EQ(Run({"tags", "add", "event", "@a.wav", "--at", "1s", "-o", "@b.wav"}).nExit, 1);
 }
 
 TEST_F(TagsFiles, FilesThatHoldNoMarks_AreRefusedWithAWayOut) {
@@ -183,7 +183,7 @@ TEST_F(TagsFiles, FilesThatHoldNoMarks_AreRefusedWithAWayOut) {
        {VOXPLAY_CONTAINER_SP, VOXPLAY_CONTAINER_HEAD, VOXPLAY_CONTAINER_BARE}) {
     WriteSound("a", FormatOf(eContainer, VOXPLAY_CODEC_KESTREL), PublicSamples(640));
     const Bytes before = Content("a");
-    const S_Run run = Voxtool({"tags", "add", "event", "@a", "--at", "0"});
+    const S_Run run = Run({"tags", "add", "event", "@a", "--at", "0"});
     EXPECT_EQ(run.nExit, 1);
     EXPECT_THAT(run.strErr, HasSubstr("\"voxtool convert\""));
     EXPECT_EQ(Content("a"), before);
@@ -194,7 +194,7 @@ TEST_F(TagsFiles, CutFile_IsNotWrittenAgain) {
   Bytes bytes = MonoWav(1000).Take();
   bytes.resize(544);
   Write("a.wav", bytes);
-  const S_Run run = Voxtool({"tags", "add", "event", "@a.wav", "--at", "0"});
+  const S_Run run = Run({"tags", "add", "event", "@a.wav", "--at", "0"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_THAT(run.strErr, HasSubstr("the file is cut short"));
   EXPECT_EQ(Content("a.wav"), bytes);
@@ -203,7 +203,7 @@ TEST_F(TagsFiles, CutFile_IsNotWrittenAgain) {
 TEST_F(TagsFiles, FullDisk_LeavesTheFileAsItIs) {
   WriteWav("a.wav");
   const Bytes before = Content("a.wav");
-  const C_Program tool(VOXTOOL);
+  const C_Program tool = Program();
   const S_Run run = tool.Start({"tags", "add", "event", Path("a.wav"), "--at", "0"}, {},
                                [] {
                                  const rlimit limit{10000, 10000};
@@ -224,7 +224,7 @@ TEST_F(TagsFiles, Interrupt_LeavesTheFileAsItIs) {
   riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", kBytes, {});
   Write("a.wav", riff.RiffSize(36 + kBytes).Take());
   std::filesystem::resize_file(Path("a.wav"), 44 + std::uintmax_t{kBytes});
-  const C_Program tool(VOXTOOL);
+  const C_Program tool = Program();
   C_RunningProgram running = tool.Start({"tags", "add", "event", Path("a.wav"), "--at", "0"});
   while (Entries().size() < 2) usleep(1000);
   running.Send(SIGINT);

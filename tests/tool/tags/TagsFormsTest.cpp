@@ -13,16 +13,11 @@ class TagsForms : public C_VoxtoolTest {
  protected:
   // What a Python program prints, in which "@" stands for the folder.
   std::string Python(std::string strProgram) const {
-    for (std::size_t n = 0; (n = strProgram.find('@', n)) != std::string::npos;) {
-      strProgram.replace(n, 1, Folder());
-    }
+    strProgram = InFolder(std::move(strProgram));
     const C_TempFolder folder;
     folder.Write("program.py", {strProgram.begin(), strProgram.end()});
     const auto bytes = RunIn(folder, "python3 @/program.py");
     return {bytes.begin(), bytes.end()};
-  }
-  void WriteText(const std::string& strName, std::string_view text) const {
-    Write(strName, {text.begin(), text.end()});
   }
   [[nodiscard]] nlohmann::ordered_json Marks(const std::string& strName) const {
     return Json({"tags", "list", "--json", "@" + strName})[0]["marks"];
@@ -131,7 +126,7 @@ TEST_F(TagsForms, SeveralFiles_AreOneTable) {
   const std::string strTable = Output({"tags", "export", "@a.wav", "@b.wav"});
   EXPECT_EQ(strTable.substr(0, 10), "file,kind,");
   WriteText("marks", strTable);
-  const S_Run run = Voxtool({"tags", "import", "@a.wav", "--csv", "@marks"});
+  const S_Run run = Run({"tags", "import", "@a.wav", "--csv", "@marks"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_EQ(run.strErr,
             Path("marks") + ": cannot be imported: it has the marks of several files\n");
@@ -160,7 +155,7 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
   };
   for (const auto& import : imports) {
     WriteText("marks", import.pszText);
-    const S_Run run = Voxtool({"tags", "import", "@a.wav", import.pszForm, "@marks", "--replace"});
+    const S_Run run = Run({"tags", "import", "@a.wav", import.pszForm, "@marks", "--replace"});
     EXPECT_EQ(run.nExit, 1);
     EXPECT_THAT(run.strErr, HasSubstr(Path("marks") + ": cannot be imported: " + import.pszWhy));
     EXPECT_EQ(Content("a.wav"), before);
@@ -170,7 +165,7 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
 TEST_F(TagsForms, DeepJson_IsOnlyRefused) {
   WriteWav("a.wav");
   WriteText("marks", std::string(300000, '[') + std::string(300000, ']'));
-  const S_Run run = Voxtool({"tags", "import", "@a.wav", "--json", "@marks"});
+  const S_Run run = Run({"tags", "import", "@a.wav", "--json", "@marks"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_THAT(run.strErr, HasSubstr("row 1: it is not an object"));
 }
@@ -178,7 +173,7 @@ TEST_F(TagsForms, DeepJson_IsOnlyRefused) {
 TEST_F(TagsForms, ExistingExport_IsReplacedOnlyWhenAsked) {
   WriteWav("a.wav");
   WriteText("marks", "mine");
-  EXPECT_EQ(Voxtool({"tags", "export", "@a.wav", "-o", "@marks"}).nExit, 1);
+  EXPECT_EQ(Run({"tags", "export", "@a.wav", "-o", "@marks"}).nExit, 1);
   EXPECT_EQ(Text("marks"), "mine");
   Output({"tags", "export", "@a.wav", "-f", "-o", "@marks"});
   EXPECT_NE(Text("marks"), "mine");
