@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "sound/CueFrame.h"
+
 namespace tool {
 namespace {
 
@@ -72,15 +74,22 @@ std::vector<SF_CUE_POINT> CuePoints(SNDFILE* pFile) {
   return points;
 }
 
-// A cue point of libsndfile has its frame in the one field or in the other, as the format has it.
+std::uint32_t FrameOfPoint(const SF_CUE_POINT& point) {
+  voxplay::Cue cue{};
+  cue.position = point.position;
+  cue.block_start = static_cast<std::uint32_t>(point.block_start);
+  cue.sample_offset = point.sample_offset;
+  return FrameOf(cue);
+}
+
 void AddCuePoints(SNDFILE* pFile, voxplay::Notes& notes) {
   std::uint32_t dwID = 0;
   for (const SF_CUE_POINT& point : CuePoints(pFile)) {
     ++dwID;
     voxplay::Cue cue{};
     cue.id = dwID;
-    cue.sample_offset = point.sample_offset;
-    cue.position = point.sample_offset;
+    cue.position = FrameOfPoint(point);
+    cue.sample_offset = cue.position;
     std::memcpy(cue.chunk, "data", sizeof cue.chunk);
     notes.add(cue);
     if (point.name[0] == '\0') continue;

@@ -5,6 +5,7 @@
 #include <limits>
 #include <map>
 
+#include "sound/CueFrame.h"
 #include "sound/ScaledFrames.h"
 
 namespace tool {
@@ -38,8 +39,11 @@ class C_NotesScale {
     return {Frame(range.first), Count(range.first, range.count)};
   }
   [[nodiscard]] voxplay::Cue operator()(voxplay::Cue cue) const {
-    cue.position = Short(cue.position);
-    cue.sample_offset = Short(cue.sample_offset);
+    cue.position = Short(FrameOf(cue));
+    cue.sample_offset = cue.position;
+    // The blocks of the sound before are not those of the new one.
+    cue.chunk_start = 0;
+    cue.block_start = 0;
     return cue;
   }
   // The last frame is part of a loop, so it is the frame after it that is scaled.
@@ -68,7 +72,7 @@ bool IsPresent(const voxplay::Sampler& sampler) {
 // Of cue points with the same identifier, the first one counts.
 std::map<std::uint32_t, std::uint32_t> CuePositions(const voxplay::NotesView& notes) {
   std::map<std::uint32_t, std::uint32_t> positions;
-  for (const voxplay::Cue cue : notes.cues()) positions.emplace(cue.id, cue.position);
+  for (const voxplay::Cue cue : notes.cues()) positions.emplace(cue.id, FrameOf(cue));
   return positions;
 }
 

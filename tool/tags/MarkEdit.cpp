@@ -11,7 +11,7 @@ void AddEditOptions(CLI::App& command, S_EditOptions& options) {
   command.add_option("FILE", options.strFile, "the file, which is changed in place")
       ->type_name("FILE")
       ->required();
-  command.add_option("-o,--output", options.target.strOutput, "write another file instead")
+  command.add_option("-o,--output", options.target.strOutput, "write another file instead; \"-\" is standard output")
       ->type_name("FILE");
   command.add_flag("-f,--force", options.target.bForce,
                    "also when the file cannot hold all of it, or the output exists");

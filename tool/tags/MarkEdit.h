@@ -13,7 +13,7 @@ namespace tool {
 // What every command takes that changes a file.
 struct S_EditOptions {
   std::string strFile;
-  S_MarkTarget target;
+  S_EditTarget target;
 };
 
 // The options, and the operand FILE.

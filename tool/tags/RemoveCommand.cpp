@@ -33,7 +33,10 @@ void AddKept(const Records& old, IsKept&& fnIsKept, Add&& fnAdd) {
 class C_Remover {
  public:
   C_Remover(const S_Options& options, voxplay::Notes& notes)
-      : m_options(options), m_old(notes.view()), m_notes(notes) {}
+      : m_options(options),
+        m_numbers(options.numbers.begin(), options.numbers.end()),
+        m_old(notes.view()),
+        m_notes(notes) {}
 
   void RemoveAll() {
     for (const std::string& strKind : kKinds) m_notes.clear(*ListOfKind(strKind));
@@ -70,7 +73,7 @@ class C_Remover {
  private:
   [[nodiscard]] bool IsRemoved(std::size_t nIndex) const {
     if (!IsOfKind(m_old, m_options.strKind, nIndex)) return false;
-    return m_options.bAll || std::ranges::count(m_options.numbers, nIndex + 1) != 0;
+    return m_options.bAll || m_numbers.contains(nIndex + 1);
   }
   void CheckNumbers(std::size_t nCount) const {
     for (const std::size_t nNumber : m_options.numbers) {
@@ -98,6 +101,7 @@ class C_Remover {
   }
 
   const S_Options& m_options;
+  const std::unordered_set<std::size_t> m_numbers;
   const voxplay::Notes m_old;
   voxplay::Notes& m_notes;
 };

@@ -43,6 +43,17 @@ TEST_F(HeaderCommand, Show_PrintsTheFields) {
   EXPECT_EQ(json[0]["sp"]["version"], 254);
 }
 
+TEST_F(HeaderCommand, ChangedFile_IsSentToStandardOutput) {
+  const Bytes whole = WriteKestrel("a.kst");
+  const std::string strStripped = Output({"header", "strip", "@a.kst", "-o", "-"});
+  EXPECT_EQ(Bytes(strStripped.begin(), strStripped.end()), WithoutHeader(whole));
+  EXPECT_EQ(Content("a.kst"), whole);
+  WriteText("a.bin", strStripped);
+  const std::string strWhole = Output({"header", "add", "@a.bin", "-o", "-"});
+  EXPECT_EQ(Bytes(strWhole.begin(), strWhole.end()), whole);
+  EXPECT_THAT(Entries(), ElementsAre("a.bin", "a.kst"));
+}
+
 TEST_F(HeaderCommand, FileWithoutHeader_IsAFailureToShow) {
   WriteWav("a.wav");
   EXPECT_EQ(WhyNot({"header", "show", "@a.wav"}),

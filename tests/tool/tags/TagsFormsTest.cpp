@@ -120,6 +120,17 @@ TEST_F(TagsForms, Replace_KeepsTheSampler) {
   EXPECT_EQ(voxplay::Reader(Path("a.wav")).notes().sampler().midi_unity_note, 60U);
 }
 
+// Frames of one sound are other places in a sound of another rate.
+TEST_F(TagsForms, TableOfAnotherRate_IsRefusedWithItsLine) {
+  WriteWav("a.wav", NotesWithTexts());
+  MakeWav("b.wav", PublicSamples(44100), 16, 44100);
+  Output({"tags", "export", "@a.wav", "-o", "@marks"});
+  const S_Run run = Run({"tags", "import", "@b.wav", "--csv", "@marks"});
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_THAT(Said(run.strErr), testing::StartsWith("@/marks: cannot be imported: line 2: start is "
+                                                    "1000, but time is \"0.0625\", which is 2756"));
+}
+
 TEST_F(TagsForms, SeveralFiles_AreOneTable) {
   WriteWav("a.wav", NotesWithTexts());
   WriteWav("b.wav", NotesWithTexts());
@@ -149,7 +160,7 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
        "the marks count frames of 8000 Hz, and the sound has 16000 Hz"},
       {"--json", R"([{"kind": "cue", "start": 1}, {"kind": "cue"}])",
        "row 2: it has neither start nor time"},
-      {"--csv", "kind,start\ncue,x\n", "row 1: start: \"x\" is not a whole number"},
+      {"--csv", "kind,start\ncue,x\n", "line 2: start: \"x\" is not a whole number"},
       {"--csv", "a,b\n", "the first line does not name a column \"kind\""},
       {"--labels", "x\n", "line 1: \"x\" is not a time"},
   };
