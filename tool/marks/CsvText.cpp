@@ -74,9 +74,7 @@ bool C_CsvReader::Takes(char chWanted) {
   return bThere;
 }
 
-bool C_CsvReader::IsEnd(char ch) const {
-  return ch == m_chSeparator || ch == '\n' || ch == '\r';
-}
+bool C_CsvReader::IsEnd(char ch) const { return ch == m_chSeparator || ch == '\n' || ch == '\r'; }
 
 std::string C_CsvReader::ReadField() {
   std::string strField;

@@ -60,8 +60,10 @@ class C_IndexByCue {
   // Their indices, in their order.
   [[nodiscard]] std::vector<std::size_t> Of(std::uint32_t dwID) const {
     std::vector<std::size_t> indices;
-    const auto found = std::ranges::equal_range(m_entries, dwID, {}, &Entry::first);
-    for (const Entry& entry : found) indices.push_back(entry.second);
+    auto entry = std::ranges::lower_bound(m_entries, dwID, {}, &Entry::first);
+    for (; entry != m_entries.end() && entry->first == dwID; ++entry) {
+      indices.push_back(entry->second);
+    }
     return indices;
   }
 
@@ -136,8 +138,8 @@ class C_LabelWriter {
     if (!m_seen.insert(cue.id).second) return Add(qwFrame, qwFrame, tagLineKind::NOTHING);
     std::vector<std::size_t> labels = m_labels.Of(cue.id);
     std::vector<std::size_t> texts = m_texts.Of(cue.id);
-    const auto label = std::ranges::find_if(
-        labels, [this](std::size_t n) { return IsLabl(m_notes.labels()[n]); });
+    const auto label =
+        std::ranges::find_if(labels, [this](std::size_t n) { return IsLabl(m_notes.labels()[n]); });
     const auto text = std::ranges::find_if(
         texts, [this](std::size_t n) { return IsBare(m_notes.region_texts()[n]); });
     const std::uint64_t qwLength = text == texts.end() ? 0 : m_notes.region_texts()[*text].count;

@@ -12,10 +12,10 @@ namespace {
 
 constexpr std::array kUsual = {"kind", "number", "id",           "start",       "time", "length",
                                "name", "text",   "main_command", "sub_command", "data"};
-constexpr std::array kRare = {"hex",       "chunk",         "chunk_start", "block_start",
-                              "position",  "sample_offset", "purpose",     "country",
-                              "language",  "dialect",       "code_page",   "last",
-                              "type",      "fraction",      "play_count"};
+constexpr std::array kRare = {"hex",      "chunk",         "chunk_start", "block_start",
+                              "position", "sample_offset", "purpose",     "country",
+                              "language", "dialect",       "code_page",   "last",
+                              "type",     "fraction",      "play_count"};
 constexpr const char* kFile = "file";
 
 bool Has(const C_CsvRow& columns, const std::string& strName) {

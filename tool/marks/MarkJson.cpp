@@ -23,8 +23,9 @@ std::string Indented(const C_Json& json, std::size_t nSpaces) {
   return strIndented;
 }
 
-// Hands out each row as soon as it is whole. Rows are the elements of the innermost array that can
-// have them; the objects around that are records as well, whose member "marks" it is.
+// Goes through a text once, and hands out each row as soon as it is whole. A record is an object
+// that is a row or says something of a file: the outermost object, or an element of the outermost
+// array. In its member "marks", the elements of that array are the records instead.
 class C_RowFinder : public nlohmann::json_sax<C_Json> {
  public:
   C_RowFinder(std::uint32_t dwRate, const PFN_Row& fnRow) : m_dwRate(dwRate), m_fnRow(fnRow) {}
@@ -114,14 +115,14 @@ class C_RowFinder : public nlohmann::json_sax<C_Json> {
     const auto found = m_record.find("sample_rate");
     if (found == m_record.end() || *found == m_dwRate) return;
     throw C_BadRow("the marks count frames of " +
-                   (found->is_structured() ? "[...]" : found->dump()) +
-                   " Hz, and the sound has " + std::to_string(m_dwRate) + " Hz");
+                   (found->is_structured() ? "[...]" : found->dump()) + " Hz, and the sound has " +
+                   std::to_string(m_dwRate) + " Hz");
   }
 
   std::uint32_t m_dwRate;
   const PFN_Row& m_fnRow;
   std::size_t m_nDepth = 0;  // how many arrays and objects are open
-  std::size_t m_nList = 0;   // the depth in the array that has the records; 0 outside of any
+  std::size_t m_nList = 0;   // how many are open where records begin
   bool m_bInRecord = false;
   bool m_bIsFile = false;  // the record has marks of its own
   std::string m_strKey;

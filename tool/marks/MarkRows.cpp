@@ -45,9 +45,9 @@ void PutID(C_Json& row, const char* pszKey, const char* pchID, std::string_view 
 }
 
 // In the order in which rows come.
-constexpr std::array kLists = {
-    VOXPLAY_NOTE_EVENT,   VOXPLAY_NOTE_CUE,    VOXPLAY_NOTE_LABEL, VOXPLAY_NOTE_REGION_TEXT,
-    VOXPLAY_NOTE_SILENCE, VOXPLAY_NOTE_REGION, VOXPLAY_NOTE_LOOP};
+constexpr std::array kLists = {VOXPLAY_NOTE_EVENT,       VOXPLAY_NOTE_CUE,     VOXPLAY_NOTE_LABEL,
+                               VOXPLAY_NOTE_REGION_TEXT, VOXPLAY_NOTE_SILENCE, VOXPLAY_NOTE_REGION,
+                               VOXPLAY_NOTE_LOOP};
 
 C_Json NewRow(const char* pszKind, std::size_t nIndex) {
   C_Json row = C_Json::object();

@@ -13,9 +13,10 @@
 //   hex      the bytes of name or text, where these are no UTF-8; the members hold them as what
 //            they are in Windows-1252
 //
-// and what only its kind has: main_command, sub_command and data; chunk, chunk_start and block_start
-// of a cue point, and its position and sample_offset where they are not its start; purpose, country, language, dialect and code_page; type, fraction,
-// last and play_count. Members that say nothing are left out, but not kind and number.
+// and what only its kind has: main_command, sub_command and data; chunk, chunk_start and
+// block_start of a cue point, and its position and sample_offset where they are not its start;
+// purpose, country, language, dialect and code_page; type, fraction, last and play_count. Members
+// that say nothing are left out, but not kind and number.
 #pragma once
 
 #include <cstddef>

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "sound/CueFrame.h"
+#include "sound/SamplerRecord.h"
 #include "sound/ScaledFrames.h"
 
 namespace tool {
@@ -62,12 +63,6 @@ class C_NotesScale {
   std::uint32_t m_dwFrom;
   std::uint32_t m_dwTo;
 };
-
-bool IsPresent(const voxplay::Sampler& sampler) {
-  return sampler.manufacturer != 0 || sampler.product != 0 || sampler.sample_period != 0 ||
-         sampler.midi_unity_note != 0 || sampler.midi_pitch_fraction != 0 ||
-         sampler.smpte_format != 0 || sampler.smpte_offset != 0 || sampler.data_size != 0;
-}
 
 // Of cue points with the same identifier, the first one counts.
 std::map<std::uint32_t, std::uint32_t> CuePositions(const voxplay::NotesView& notes) {

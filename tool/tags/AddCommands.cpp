@@ -28,9 +28,9 @@ constexpr std::array kLoopTypes = {"forward", "both", "backward"};
 std::uint64_t FrameAt(const S_Options& options, const std::string& strTime, std::uint32_t dwRate) {
   const C_Time time = C_Time::Parse(strTime).value();
   if (dwRate != 0 || !time.NeedsRate()) return time.FrameAt(dwRate);
-  throw C_Failure(options.edit.strFile, "nothing is changed",
-                  "it has no sample rate, so that " + strTime +
-                      " is no place in it; give samples (32000s)");
+  throw C_Failure(
+      options.edit.strFile, "nothing is changed",
+      "it has no sample rate, so that " + strTime + " is no place in it; give samples (32000s)");
 }
 
 std::uint64_t LengthOf(const S_Options& options, std::uint64_t qwStart, std::uint32_t dwRate) {
@@ -54,9 +54,9 @@ void CheckPlace(const S_Options& options, std::uint64_t qwStart, std::uint64_t q
     return info.sample_rate == 0 ? "sample " + CountText(qwFrame)
                                  : ClockText(qwFrame, info.sample_rate);
   };
-  throw C_Failure(options.edit.strFile, "nothing is changed",
-                  Name(qwPlace) + " is beyond its end at " + Name(info.frames) +
-                      "; -f adds it nevertheless");
+  throw C_Failure(
+      options.edit.strFile, "nothing is changed",
+      Name(qwPlace) + " is beyond its end at " + Name(info.frames) + "; -f adds it nevertheless");
 }
 
 int Run(const S_Options& options, const std::string& strKind, C_Console& console) {

@@ -103,8 +103,7 @@ int Export(const S_ExportOptions& options, C_Console& console) {
   }
   C_ReplacedFile file(options.strOutput, options.bForce);
   C_Pieces pieces(file);
-  const int nExit =
-      Export(options, console, [&](std::string_view piece) { pieces.Write(piece); });
+  const int nExit = Export(options, console, [&](std::string_view piece) { pieces.Write(piece); });
   pieces.Flush();
   if (nExit == 0) file.TakePlace();
   return nExit;

@@ -19,6 +19,11 @@ struct S_EditOptions {
 // The options, and the operand FILE.
 void AddEditOptions(CLI::App& command, S_EditOptions& options);
 
+// Removes all marks from notes. Other chunks stay, and so does what is said of the sampler.
+void ClearMarks(voxplay::Notes& notes);
+// Removes all loops alone.
+void ClearLoops(voxplay::Notes& notes);
+
 // A place or a length as C_Time takes it, which is checked when the options are read.
 CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,
                            const std::string& strMeaning);

@@ -56,17 +56,6 @@ const std::string& SourceOf(const S_Options& options) {
   return options.strCsv.empty() ? options.strLabels : options.strCsv;
 }
 
-// The sampler's own record is no mark and stays.
-void ClearMarks(voxplay::Notes& notes) {
-  const voxplay::Notes old(notes);
-  for (const voxplay_note_kind eKind :
-       {VOXPLAY_NOTE_EVENT, VOXPLAY_NOTE_SILENCE, VOXPLAY_NOTE_REGION, VOXPLAY_NOTE_CUE,
-        VOXPLAY_NOTE_LABEL, VOXPLAY_NOTE_REGION_TEXT, VOXPLAY_NOTE_LOOP}) {
-    notes.clear(eKind);
-  }
-  notes.set_sampler(old.view().sampler());
-}
-
 int Run(const S_Options& options, C_Console& console) {
   if (SourceOf(options).empty()) {
     throw C_UsageFailure("voxtool tags import", options.edit.strFile,
@@ -89,19 +78,21 @@ int Run(const S_Options& options, C_Console& console) {
 void AddImportCommand(C_CommandLine& commandLine, CLI::App& tags) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(
-      tags, {"import",
-             "add marks from a table, from JSON or from a label track",
-             "Reads what \"tags export\" writes, and tables that people have written: of the "
-             "columns, only "
-             "\"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may have a "
-             "\"name\", and a "
-             "\"length\" or a \"duration\". Where the file has the ids of new cue points already, "
-             "the new "
-             "ones get others.",
-             {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
-              {"voxtool tags import talk.wav --labels talk.txt --replace",
-               "let a label track replace all marks"}},
-             [options](C_Console& console) { return Run(*options, console); }});
+      tags,
+      {"import",
+       "add marks from a table, from JSON or from a label track",
+       "Reads what \"tags export\" writes, and tables that people have written: of the "
+       "columns, only \"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may "
+       "have a \"name\", and a \"length\" or a \"duration\". Where the file has the ids of "
+       "new cue points already, the new ones get others.\n\n"
+       "When you edit a table: \"start\" and \"time\" say the same, so change one of them and "
+       "empty the other; a row that contradicts itself is refused with its line. Labels, notes "
+       "and texts move with the cue point of their \"id\". A text that you edit counts, and "
+       "its \"hex\" is then passed over.",
+       {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
+        {"voxtool tags import talk.wav --labels talk.txt --replace",
+         "let a label track replace all marks"}},
+       [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
   auto* const pCsv = command.add_option("--csv", options->strCsv, "comma-separated values");
   auto* const pJson = command.add_option("--json", options->strJson, "JSON");

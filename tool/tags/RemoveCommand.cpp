@@ -38,15 +38,12 @@ class C_Remover {
         m_old(notes.view()),
         m_notes(notes) {}
 
-  void RemoveAll() {
-    for (const std::string& strKind : kKinds) m_notes.clear(*ListOfKind(strKind));
-    m_notes.set_sampler(m_old.view().sampler());
-  }
+  void RemoveAll() { ClearMarks(m_notes); }
 
   void Remove() {
     const voxplay_note_kind eList = *ListOfKind(m_options.strKind);
     if (!m_options.bAll) CheckNumbers(voxplay_notes_count(m_old.view().get(), eList));
-    m_notes.clear(eList);
+    eList == VOXPLAY_NOTE_LOOP ? ClearLoops(m_notes) : m_notes.clear(eList);
     const auto IsKept = [this](std::size_t nIndex) { return !IsRemoved(nIndex); };
     const auto Add = [this](const auto& record) { m_notes.add(record); };
     const voxplay::NotesView old = m_old.view();
@@ -65,7 +62,6 @@ class C_Remover {
       case VOXPLAY_NOTE_REGION:
         return AddKept(old.regions(), IsKept, [this](const auto& r) { m_notes.add_region(r); });
       default:
-        m_notes.set_sampler(old.sampler());
         return AddKept(old.loops(), IsKept, Add);
     }
   }

@@ -60,9 +60,9 @@ bool AreSameLists(const voxplay::Records<Record>& a, const voxplay::Records<Reco
 bool AreSame(const voxplay::NotesView& a, const voxplay::NotesView& b) {
   return AreSameLists(a.events(), b.events()) && AreSameLists(a.silence(), b.silence()) &&
          AreSameLists(a.regions(), b.regions()) && AreSameLists(a.cues(), b.cues()) &&
-         AreSameLists(a.labels(), b.labels()) &&
-         AreSameLists(a.region_texts(), b.region_texts()) && AreSameLists(a.loops(), b.loops()) &&
-         AreSameLists(a.chunks(), b.chunks()) && Values(a.sampler()) == Values(b.sampler());
+         AreSameLists(a.labels(), b.labels()) && AreSameLists(a.region_texts(), b.region_texts()) &&
+         AreSameLists(a.loops(), b.loops()) && AreSameLists(a.chunks(), b.chunks()) &&
+         Values(a.sampler()) == Values(b.sampler());
 }
 
 }  // namespace tool

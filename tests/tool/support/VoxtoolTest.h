@@ -31,7 +31,8 @@ class C_VoxtoolTest : public C_FolderTest {
   [[nodiscard]] std::string InFolder(std::string strText) const {
     for (std::size_t n = 0; (n = strText.find('@', n)) != std::string::npos;) {
       const std::size_t nName = n + 1;
-      const bool bName = nName < strText.size() && std::isalnum(static_cast<unsigned char>(strText[nName])) != 0;
+      const bool bName =
+          nName < strText.size() && std::isalnum(static_cast<unsigned char>(strText[nName])) != 0;
       strText.replace(n, 1, bName ? Folder() + '/' : Folder());
       n += Folder().size();
     }

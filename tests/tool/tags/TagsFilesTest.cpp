@@ -149,7 +149,8 @@ TEST_F(TagsFiles, FileWithoutARate_TakesPlacesInSamplesAlone) {
   riff.Chunk("fmt ", FmtBytes(1, 1, 0, 16)).Chunk("data", RampBytes(2000));
   Write("a.wav", riff.Take());
   const Bytes before = Content("a.wav");
-  for (const Texts& further : std::vector<Texts>{{"--at", "0.01"}, {"--at", "1s", "--to", "0:01"}}) {
+  for (const Texts& further :
+       std::vector<Texts>{{"--at", "0.01"}, {"--at", "1s", "--to", "0:01"}}) {
     Texts command = {"tags", "add", "cue", "@a.wav"};
     command.insert(command.end(), further.begin(), further.end());
     const S_Run run = Run(command);
@@ -157,9 +158,10 @@ TEST_F(TagsFiles, FileWithoutARate_TakesPlacesInSamplesAlone) {
     EXPECT_EQ(Said(run.strErr), "@/a.wav: nothing is changed: it has no sample rate, so that " +
                                     further.back() + " is no place in it; give samples (32000s)\n");
   }
-  EXPECT_EQ(Said(Run({"tags", "add", "cue", "@a.wav", "--at", "1001s"}).strErr),
-            "@/a.wav: nothing is changed: sample 1,001 is beyond its end at sample 1,000; -f adds it "
-            "nevertheless\n");
+  EXPECT_EQ(
+      Said(Run({"tags", "add", "cue", "@a.wav", "--at", "1001s"}).strErr),
+      "@/a.wav: nothing is changed: sample 1,001 is beyond its end at sample 1,000; -f adds it "
+      "nevertheless\n");
   EXPECT_EQ(Said(Run({"tags", "list", "--labels", "@a.wav"}).strErr),
             "@/a.wav: its marks are no label track: it has no sample rate, and label tracks count "
             "seconds\n");

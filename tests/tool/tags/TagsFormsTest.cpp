@@ -109,6 +109,19 @@ TEST_F(TagsForms, Import_AddsToWhatIsThere) {
   EXPECT_EQ(reader.notes().labels()[14].cue_id, 15U);
 }
 
+// There was no chunk for a sampler, and none is made.
+TEST_F(TagsForms, Replace_AddsNothingElse) {
+  WriteWav("a.wav");
+  const auto before = Content("a.wav");
+  WriteText("marks", "1\t1\tx\n");
+  Output({"tags", "import", "@a.wav", "--labels", "@marks"});
+  const auto marked = Content("a.wav");
+  Output({"tags", "import", "@a.wav", "--labels", "@marks", "--replace"});
+  EXPECT_EQ(Content("a.wav"), marked);
+  Output({"tags", "remove", "@a.wav", "--all"});
+  EXPECT_EQ(Content("a.wav"), before);
+}
+
 TEST_F(TagsForms, Replace_KeepsTheSampler) {
   voxplay::Notes notes;
   voxplay::Sampler sampler{};
