@@ -75,7 +75,7 @@ TEST_P(HostileFiles, Info_SaysSomethingOfEach) {
     std::size_t nShown = 0;
     std::istringstream lines(run.strOut);
     for (std::string strLine; std::getline(lines, strLine);) {
-      nShown += strLine.starts_with(Folder()) ? 1 : 0;
+      if (strLine.starts_with(Folder())) ++nShown;
     }
     EXPECT_EQ(nShown + Complaints(run), nFiles);
   });
