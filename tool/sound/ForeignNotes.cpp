@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -60,7 +61,9 @@ void AddTitles(SNDFILE* pFile, voxplay::Notes& notes) {
 std::vector<SF_CUE_POINT> CuePoints(SNDFILE* pFile) {
   std::uint32_t dwCount = 0;
   sf_command(pFile, SFC_GET_CUE_COUNT, &dwCount, sizeof dwCount);
-  if (dwCount == 0) return {};
+  // The call takes the size as an int.
+  constexpr std::uint32_t kMost = std::numeric_limits<int>::max() / sizeof(SF_CUE_POINT) - 1;
+  if (dwCount == 0 || dwCount > kMost) return {};
   // The record ends with an array whose length the program chooses.
   const std::size_t cbRecord = sizeof(std::uint32_t) + dwCount * sizeof(SF_CUE_POINT);
   const auto record = std::make_unique<std::byte[]>(cbRecord);
