@@ -6,27 +6,26 @@
 #include <string>
 
 #include "base/Descriptor.h"
+#include "base/NewFile.h"
 
 namespace tool {
 
 // A file that appears whole or not at all. It is written beside its name; what has that name is as
 // it was until the new file takes its place in one step, with the mode, the owner and the access
 // rights of the old one. A link stays a link, and what it leads to is replaced.
-class C_ReplacedFile {
+class C_ReplacedFile : public I_NewFile {
  public:
   // Makes the new file. bMayReplace is false when nothing may have the name yet. Throws C_Failure.
   C_ReplacedFile(const std::string& strPath, bool bMayReplace);
   // Removes the new file, unless it has taken its place.
-  ~C_ReplacedFile();
+  ~C_ReplacedFile() override;
   C_ReplacedFile(const C_ReplacedFile&) = delete;
   C_ReplacedFile& operator=(const C_ReplacedFile&) = delete;
 
-  // Throws C_Failure and C_Interrupted.
-  void Write(std::span<const std::byte> bytes);
-  // Where the new file stands until then, so that what was written can be read.
-  [[nodiscard]] const std::string& NewPath() const noexcept { return m_strNew; }
-  // Brings the new file to the disk and lets it take its place. Throws C_Failure.
-  void TakePlace();
+  void Write(std::span<const std::byte> bytes) override;
+  [[nodiscard]] const std::string& NewPath() const noexcept override { return m_strNew; }
+  // Brings the new file to the disk and lets it take its place.
+  void TakePlace() override;
 
  private:
   void Create();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "base/TerminalText.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cwchar>
 #include <string_view>
@@ -60,6 +61,8 @@ void ForEachCharacter(std::string_view text, Each&& each) {
 }  // namespace
 
 std::size_t ColumnsOf(const std::string& strText) {
+  const auto IsPlain = [](char ch) { return ch >= ' ' && ch <= '~'; };
+  if (std::ranges::all_of(strText, IsPlain)) return strText.size();
   std::size_t nColumns = 0;
   ForEachCharacter(strText, [&](const S_Character& character) {
     nColumns += character.nColumns < 0 ? 1 : static_cast<std::size_t>(character.nColumns);

@@ -2,6 +2,7 @@
 #include "base/TextTable.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/TerminalText.h"
 
@@ -10,10 +11,28 @@ namespace {
 
 constexpr std::size_t kGap = 2;
 
-std::string Cell(const std::string& strText, std::size_t nWidth, char chSide) {
-  const std::size_t nWritten = std::min(nWidth, ColumnsOf(strText));
-  const std::string strFill(nWidth - nWritten, ' ');
-  return chSide == 'r' ? strFill + strText : strText + strFill;
+std::string Joined(const C_TextTable::Row& row) {
+  std::string strJoined;
+  for (const std::string& strText : row) {
+    strJoined += strText;
+    strJoined += '\0';
+  }
+  strJoined.shrink_to_fit();
+  return strJoined;
+}
+
+std::string TakeFirst(std::string_view& row) {
+  const std::size_t nEnd = row.find('\0');
+  std::string strText(row.substr(0, nEnd));
+  row.remove_prefix(nEnd + 1);
+  return strText;
+}
+
+void AppendCell(std::string& strLine, const std::string& strText, std::size_t nWidth, char chSide) {
+  const std::size_t nFill = nWidth - std::min(nWidth, ColumnsOf(strText));
+  if (chSide == 'r') strLine.append(nFill, ' ');
+  strLine += strText;
+  strLine.append(chSide == 'r' ? kGap : nFill + kGap, ' ');
 }
 
 }  // namespace
@@ -22,31 +41,41 @@ std::string Bold(const std::string& strText, bool bColours) {
   return bColours ? "\x1b[1m" + strText + "\x1b[0m" : strText;
 }
 
-std::vector<std::size_t> C_TextTable::Widths() const {
-  std::vector<std::size_t> widths(m_strSides.size());
-  for (std::size_t n = 0; n < widths.size(); ++n) {
-    for (const Row& row : m_rows) widths[n] = std::max(widths[n], ColumnsOf(row.at(n)));
-    const bool bHeaded = widths[n] != 0 && n < m_heading.size();
-    if (bHeaded) widths[n] = std::max(widths[n], ColumnsOf(m_heading[n]));
-  }
-  return widths;
+C_TextTable::C_TextTable(std::string strSides, Row heading)
+    : m_strSides(std::move(strSides)), m_widths(m_strSides.size()) {
+  m_strHeading = Joined(heading);
 }
 
-std::string C_TextTable::Line(const Row& row, const std::vector<std::size_t>& widths) const {
+void C_TextTable::Add(const Row& row) {
+  for (std::size_t n = 0; n < m_widths.size(); ++n) {
+    m_widths[n] = std::max(m_widths[n], ColumnsOf(row.at(n)));
+  }
+  m_rows.push_back(Joined(row));
+}
+
+std::string C_TextTable::Line(std::string_view row) const {
+  std::string_view heading = m_strHeading;
   std::string strLine;
-  for (std::size_t n = 0; n < widths.size(); ++n) {
-    if (widths[n] != 0) strLine += Cell(row[n], widths[n], m_strSides[n]) + std::string(kGap, ' ');
+  for (std::size_t n = 0; n < m_widths.size(); ++n) {
+    const std::string strText = TakeFirst(row);
+    const std::size_t nHeading = heading.empty() ? 0 : ColumnsOf(TakeFirst(heading));
+    if (m_widths[n] == 0) continue;
+    AppendCell(strLine, strText, std::max(m_widths[n], nHeading), m_strSides[n]);
   }
   strLine.erase(strLine.find_last_not_of(' ') + 1);
   return strLine;
 }
 
-std::string C_TextTable::Text(std::size_t nIndent, bool bColours) const {
-  const std::vector<std::size_t> widths = Widths();
+void C_TextTable::Write(std::size_t nIndent, bool bColours,
+                        const std::function<void(std::string_view)>& fnWrite) const {
   const std::string strIndent(nIndent, ' ');
+  if (!m_strHeading.empty()) fnWrite(strIndent + Bold(Line(m_strHeading), bColours) + '\n');
+  for (const std::string& strRow : m_rows) fnWrite(strIndent + Line(strRow) + '\n');
+}
+
+std::string C_TextTable::Text(std::size_t nIndent, bool bColours) const {
   std::string strText;
-  if (!m_heading.empty()) strText = strIndent + Bold(Line(m_heading, widths), bColours) + '\n';
-  for (const Row& row : m_rows) strText += strIndent + Line(row, widths) + '\n';
+  Write(nIndent, bColours, [&](std::string_view line) { strText += line; });
   return strText;
 }
 

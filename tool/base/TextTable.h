@@ -2,8 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 namespace tool {
@@ -17,22 +18,25 @@ class C_TextTable {
   using Row = std::vector<std::string>;
 
   // One character per column, 'l' or 'r': the side on which its texts are flush.
-  explicit C_TextTable(std::string strSides, Row heading = {})
-      : m_strSides(std::move(strSides)), m_heading(std::move(heading)) {}
+  explicit C_TextTable(std::string strSides, Row heading = {});
 
-  void Add(Row row) { m_rows.push_back(std::move(row)); }
+  void Add(const Row& row);
   [[nodiscard]] bool IsEmpty() const noexcept { return m_rows.empty(); }
   // Each line begins with the indentation. Columns in which no row has anything are left out, and
   // no line ends with spaces. The heading is bold where there may be colours.
   [[nodiscard]] std::string Text(std::size_t nIndent, bool bColours = false) const;
+  // The same line by line, for tables that may be long.
+  void Write(std::size_t nIndent, bool bColours,
+             const std::function<void(std::string_view)>& fnWrite) const;
 
  private:
-  [[nodiscard]] std::vector<std::size_t> Widths() const;
-  [[nodiscard]] std::string Line(const Row& row, const std::vector<std::size_t>& widths) const;
+  [[nodiscard]] std::string Line(std::string_view row) const;
 
   std::string m_strSides;
-  Row m_heading;
-  std::vector<Row> m_rows;
+  std::string m_strHeading;
+  std::vector<std::size_t> m_widths;  // of the rows
+  // Each in one piece, its texts separated by zeros, which they do not have: there may be many.
+  std::vector<std::string> m_rows;
 };
 
 }  // namespace tool

@@ -30,7 +30,9 @@ class C_Time {
   // Empty for what is no place in a sound.
   static std::optional<C_Time> OfSeconds(double dSeconds);
 
-  // The nearest frame.
+  // Whether it is a time that is no place in a sound without a rate.
+  [[nodiscard]] bool NeedsRate() const noexcept { return !m_qwFrames; }
+  // The nearest frame. The rate is not 0 where it is needed.
   [[nodiscard]] std::uint64_t FrameAt(std::uint32_t dwRate) const noexcept;
 
  private:

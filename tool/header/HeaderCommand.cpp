@@ -76,7 +76,7 @@ int EditAll(const S_EditOptions& options, C_Console& console, Edit&& fnEdit) {
     throw C_UsageFailure("voxtool header", "-o", "it takes one file, and there are several");
   }
   return ForEachFile(options.files, console, [&](const std::string& strPath) {
-    fnEdit(S_HeaderEdit{strPath, options.strOutput, options.bForce});
+    fnEdit(S_HeaderEdit{strPath, {options.strOutput, options.bForce}});
   });
 }
 
@@ -96,7 +96,9 @@ void AddShow(C_CommandLine& commandLine, CLI::App& parent) {
 
 void AddEditOptions(CLI::App& command, S_EditOptions& options) {
   command.add_option("FILE", options.files, "the files")->type_name("FILE")->required();
-  command.add_option("-o,--output", options.strOutput, "write another file")->type_name("FILE");
+  command
+      .add_option("-o,--output", options.strOutput, "write another file; \"-\" is standard output")
+      ->type_name("FILE");
 }
 
 void AddAdd(C_CommandLine& commandLine, CLI::App& parent) {

@@ -63,12 +63,7 @@ bool AreSameSound(voxplay::Reader& a, voxplay::Reader& b) {
   throw C_Failure(strFile, kUnchanged, pszWhy + FormatText(info));
 }
 
-const std::string& TargetOf(const S_HeaderEdit& edit) {
-  return edit.strOutput.empty() ? edit.strFile : edit.strOutput;
-}
-bool MayReplace(const S_HeaderEdit& edit) { return edit.strOutput.empty() || edit.bForce; }
-
-void CopyRest(const S_HeaderEdit& edit, std::uint64_t qwFrom, C_ReplacedFile& target) {
+void CopyRest(const S_HeaderEdit& edit, std::uint64_t qwFrom, I_NewFile& target) {
   C_FileBytes bytes = OpenBytes(edit.strFile);
   const auto qwLength = static_cast<std::uint64_t>(bytes.Length());
   CopyBytes(bytes, qwFrom, qwLength - std::min(qwLength, qwFrom), target, edit.strFile);
@@ -103,18 +98,18 @@ void AddHeader(const S_HeaderEdit& edit, const std::string& strCodec, std::uint3
     throw C_UsageFailure(edit.strFile, kUnchanged, strProblem);
   }
   auto stream = OpenBareStream(edit.strFile, format.codec == VOXPLAY_CODEC_KESTREL);
-  C_ReplacedFile target(TargetOf(edit), MayReplace(edit));
+  const auto target = MakeEdited(edit.strFile, edit.target);
   const S_ShortSound sample = WriteShortSound(format);
-  target.Write(std::span(sample.bytes).first(kHeaderBytes));
-  CopyRest(edit, 0, target);
-  std::optional<voxplay::Reader> result = TryToOpen(target.NewPath(), VOXPLAY_READ_NO_BARE);
+  target->Write(std::span(sample.bytes).first(kHeaderBytes));
+  CopyRest(edit, 0, *target);
+  std::optional<voxplay::Reader> result = TryToOpen(target->NewPath(), VOXPLAY_READ_NO_BARE);
   if (!result || result->info().codec != format.codec) {
     throw C_Failure(edit.strFile, kUnchanged, "it is no stream of this codec");
   }
   if (stream && !AreSameSound(*stream, *result)) {
     throw C_Failure(edit.strFile, kUnchanged, "with the header the sound would be another one");
   }
-  target.TakePlace();
+  target->TakePlace();
 }
 
 void StripHeader(const S_HeaderEdit& edit) {
@@ -122,13 +117,13 @@ void StripHeader(const S_HeaderEdit& edit) {
   if (reader.headers().has_sp == 0) {
     RefuseFormat(edit.strFile, reader.info(), "there is no SP header: it is ");
   }
-  C_ReplacedFile target(TargetOf(edit), MayReplace(edit));
-  CopyRest(edit, kHeaderBytes, target);
-  const std::string strWhyNot = edit.bForce ? "" : WhyNotStripped(reader, target.NewPath());
+  const auto target = MakeEdited(edit.strFile, edit.target);
+  CopyRest(edit, kHeaderBytes, *target);
+  const std::string strWhyNot = edit.target.bForce ? "" : WhyNotStripped(reader, target->NewPath());
   if (!strWhyNot.empty()) {
     throw C_Failure(edit.strFile, kUnchanged, strWhyNot + "; -f strips it nevertheless");
   }
-  target.TakePlace();
+  target->TakePlace();
 }
 
 }  // namespace tool

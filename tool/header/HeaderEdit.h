@@ -7,12 +7,13 @@
 #include <cstdint>
 #include <string>
 
+#include "sound/EditTarget.h"
+
 namespace tool {
 
 struct S_HeaderEdit {
   std::string strFile;
-  std::string strOutput;  // empty: the file itself
-  bool bForce = false;    // also when something is lost, or the output exists
+  S_EditTarget target;
 };
 
 // Throw C_Failure and voxplay::Error; nothing is changed then.

@@ -17,16 +17,18 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <functional>
 #include <string_view>
 
-#include "base/JsonText.h"
+#include "marks/RowSource.h"
 #include "voxplay.hpp"
 
 namespace tool {
 
-std::string LabelTextOf(const voxplay::NotesView& notes, std::uint32_t dwRate);
-// As rows (MarkRows.h) whose cue points count from 1. Throws C_BadRow.
-C_Json RowsOfLabelText(std::string_view text, std::uint32_t dwRate);
+// fnWrite takes one line after the other. The rate is not 0.
+void WriteLabelText(const voxplay::NotesView& notes, std::uint32_t dwRate,
+                    const std::function<void(std::string_view)>& fnWrite);
+// As rows (MarkRows.h) whose cue points count from 1. The text must outlive the function.
+PFN_Rows RowsOfLabelText(std::string_view text, std::uint32_t dwRate);
 
 }  // namespace tool

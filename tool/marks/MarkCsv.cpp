@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
-#include "marks/CsvText.h"
 #include "marks/MarkNotes.h"
 
 namespace tool {
@@ -12,21 +12,14 @@ namespace {
 
 constexpr std::array kUsual = {"kind", "number", "id",           "start",       "time", "length",
                                "name", "text",   "main_command", "sub_command", "data"};
+constexpr std::array kRare = {"hex",      "chunk",         "chunk_start", "block_start",
+                              "position", "sample_offset", "purpose",     "country",
+                              "language", "dialect",       "code_page",   "last",
+                              "type",     "fraction",      "play_count"};
 constexpr const char* kFile = "file";
 
 bool Has(const C_CsvRow& columns, const std::string& strName) {
   return std::ranges::find(columns, strName) != columns.end();
-}
-
-C_CsvRow Columns(const C_Json& rows) {
-  C_CsvRow columns(kUsual.begin(), kUsual.end());
-  for (const C_Json& row : rows) {
-    for (const auto& [strKey, value] : row.items()) {
-      if (Has(columns, strKey)) continue;
-      columns.insert(strKey == kFile ? columns.begin() : columns.end(), strKey);
-    }
-  }
-  return columns;
 }
 
 std::string ValueText(const C_Json& row, const std::string& strKey) {
@@ -35,38 +28,70 @@ std::string ValueText(const C_Json& row, const std::string& strKey) {
   return found->is_string() ? found->get<std::string>() : found->dump();
 }
 
-C_Json RowOf(const C_CsvRow& columns, const C_CsvRow& fields) {
+C_Json RowOf(const C_CsvRow& columns, C_CsvRow& fields) {
   C_Json row = C_Json::object();
-  for (std::size_t n = 0; n < fields.size(); ++n) row[columns[n]] = fields[n];
+  for (std::size_t n = 0; n < fields.size(); ++n) {
+    // Most columns of most rows are empty.
+    if (!fields[n].empty()) row[columns[n]] = std::move(fields[n]);
+  }
   return row;
 }
 
+class C_TableReader {
+ public:
+  explicit C_TableReader(std::string_view text) : m_reader(text) {
+    if (!m_reader.Read(m_columns) || !Has(m_columns, "kind")) {
+      throw C_BadRow("the first line does not name a column \"kind\"");
+    }
+  }
+
+  void ForEach(const PFN_Row& fnRow) {
+    C_CsvRow fields;
+    while (m_reader.Read(fields)) {
+      const std::string strPlace = "line " + std::to_string(m_reader.Line());
+      if (fields.size() > m_columns.size()) {
+        throw C_BadRow(strPlace + ": it has more fields than there are columns");
+      }
+      const C_Json row = RowOf(m_columns, fields);
+      m_files.insert(row.value(kFile, std::string()));
+      if (m_files.size() > 1) throw C_BadRow("it has the marks of several files");
+      fnRow(row, strPlace);
+    }
+  }
+
+ private:
+  C_CsvReader m_reader;
+  C_CsvRow m_columns;
+  std::set<std::string> m_files;
+};
+
 }  // namespace
 
-std::string CsvOf(const C_Json& rows) {
-  const C_CsvRow columns = Columns(rows);
-  std::string strText = CsvLine(columns);
-  for (const C_Json& row : rows) {
-    C_CsvRow fields;
-    for (const std::string& strKey : columns) fields.push_back(ValueText(row, strKey));
-    strText += CsvLine(fields);
-  }
-  return strText;
+C_MarkCsv::C_MarkCsv(const C_MarkRows& rows) : m_columns(kUsual.begin(), kUsual.end()) {
+  std::set<std::string> present;
+  rows.ForEach([&](const C_Json& row) {
+    for (const auto& [strKey, value] : row.items()) present.insert(strKey);
+  });
+  std::ranges::copy_if(kRare, std::back_inserter(m_columns),
+                       [&](const char* pszName) { return present.contains(pszName); });
 }
 
-C_Json RowsOfCsv(std::string_view text) {
-  const std::vector<C_CsvRow> lines = ParseCsv(text);
-  C_Json rows = C_Json::array();
-  if (lines.empty() || !Has(lines.front(), "kind")) {
-    throw C_BadRow("the first line does not name a column \"kind\"");
+C_MarkCsv::C_MarkCsv() : m_columns{kFile} {
+  m_columns.insert(m_columns.end(), kUsual.begin(), kUsual.end());
+  m_columns.insert(m_columns.end(), kRare.begin(), kRare.end());
+}
+
+std::string C_MarkCsv::Line(const C_Json& row, const std::string& strFile) const {
+  C_CsvRow fields;
+  fields.reserve(m_columns.size());
+  for (const std::string& strKey : m_columns) {
+    fields.push_back(strKey == kFile ? strFile : ValueText(row, strKey));
   }
-  for (std::size_t n = 1; n < lines.size(); ++n) {
-    if (lines[n].size() > lines.front().size()) {
-      throw C_BadRow("row " + std::to_string(n) + ": it has more fields than there are columns");
-    }
-    rows.push_back(RowOf(lines.front(), lines[n]));
-  }
-  return rows;
+  return CsvLine(fields);
+}
+
+PFN_Rows RowsOfCsv(std::string_view text) {
+  return [text](const PFN_Row& fnRow) { C_TableReader(text).ForEach(fnRow); };
 }
 
 }  // namespace tool

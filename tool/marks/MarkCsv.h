@@ -6,16 +6,31 @@
 #include <string>
 #include <string_view>
 
-#include "base/JsonText.h"
+#include "marks/CsvText.h"
+#include "marks/MarkRows.h"
+#include "marks/RowSource.h"
 
 namespace tool {
 
-// The columns that every table has come first: kind, number, id, start, time, length, name, text,
-// main_command, sub_command and data. Further ones follow where a row has them. A table of several
-// files has their names in a column "file" before these.
-std::string CsvOf(const C_Json& rows);
+// The lines of a table.
+class C_MarkCsv {
+ public:
+  // Of one file. The columns that every table has come first: kind, number, id, start, time,
+  // length, name, text, main_command, sub_command and data. Further ones follow where a row has
+  // them.
+  explicit C_MarkCsv(const C_MarkRows& rows);
+  // Of any files, with all columns that rows can have. Their names are in a first column, "file".
+  C_MarkCsv();
 
-// The other way round; all values are texts. Throws C_BadRow.
-C_Json RowsOfCsv(std::string_view text);
+  [[nodiscard]] std::string Heading() const { return CsvLine(m_columns); }
+  [[nodiscard]] std::string Line(const C_Json& row, const std::string& strFile = "") const;
+
+ private:
+  C_CsvRow m_columns;
+};
+
+// The rows of a table; all values are texts, and where they stand is "line 2". The text must
+// outlive the function.
+PFN_Rows RowsOfCsv(std::string_view text);
 
 }  // namespace tool

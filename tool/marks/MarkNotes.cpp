@@ -5,8 +5,11 @@
 #include <limits>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
+#include "base/Interrupt.h"
 #include "marks/RowValues.h"
+#include "sound/CueFrame.h"
 
 namespace tool {
 namespace {
@@ -51,24 +54,29 @@ class C_CueIDs {
 
 class C_RowAdder {
  public:
-  C_RowAdder(const C_Json& rows, std::uint32_t dwRate, voxplay::Notes& notes)
-      : m_rows(rows), m_dwRate(dwRate), m_notes(notes), m_ids(notes) {}
+  C_RowAdder(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes)
+      : m_fnRows(fnRows), m_dwRate(dwRate), m_notes(notes), m_ids(notes) {}
 
   void AddAll() {
-    ForEach([this](const C_RowValues& row) {
-      if (!row.IsEmpty("id")) m_ids.Use(row.Number<std::uint32_t>("id"));
+    std::vector<std::uint32_t> cues;
+    ForEach([&](const C_RowValues& row) {
+      if (row.IsEmpty("id")) return;
+      const auto dwID = row.Number<std::uint32_t>("id");
+      m_ids.Use(dwID);
+      if (Kind(row) == "cue") cues.push_back(dwID);
     });
-    ForEach([this](const C_RowValues& row) {
-      if (Kind(row) == "cue" && !row.IsEmpty("id")) m_ids.Rename(row.Number<std::uint32_t>("id"));
-    });
+    // Only now is it known which ids are free.
+    for (const std::uint32_t dwID : cues) m_ids.Rename(dwID);
     ForEach([this](const C_RowValues& row) { Add(row); });
   }
 
  private:
   template <typename Work>
   void ForEach(Work&& work) {
-    std::size_t nRow = 0;
-    for (const C_Json& row : m_rows) work(C_RowValues(row, ++nRow, m_dwRate));
+    m_fnRows([&](const C_Json& row, const std::string& strPlace) {
+      ThrowIfInterrupted();
+      work(C_RowValues(row, strPlace, m_dwRate));
+    });
   }
   static std::string Kind(const C_RowValues& row) { return row.Word("kind"); }
 
@@ -110,15 +118,23 @@ class C_RowAdder {
     if (!row.IsEmpty("id")) return m_ids.Of(row.Number<std::uint32_t>("id"));
     return AddCue(row);
   }
+  static std::uint32_t OwnOr(const C_RowValues& row, const char* pszKey, std::uint32_t dwFrame) {
+    return row.IsEmpty(pszKey) ? dwFrame : row.Number<std::uint32_t>(pszKey);
+  }
   std::uint32_t AddCue(const C_RowValues& row) {
     voxplay::Cue cue{};
     cue.id = row.IsEmpty("id") ? m_ids.Free() : m_ids.Of(row.Number<std::uint32_t>("id"));
-    cue.position = Narrow(Start(row));
+    const std::uint32_t dwFrame = Narrow(Start(row));
     std::ranges::copy(row.ID("chunk", {'d', 'a', 't', 'a'}), cue.chunk);
     cue.chunk_start = row.Number<std::uint32_t>("chunk_start");
     cue.block_start = row.Number<std::uint32_t>("block_start");
-    cue.sample_offset =
-        row.IsEmpty("sample_offset") ? cue.position : row.Number<std::uint32_t>("sample_offset");
+    cue.position = OwnOr(row, "position", dwFrame);
+    cue.sample_offset = OwnOr(row, "sample_offset", dwFrame);
+    if (FrameOf(cue) != dwFrame) {
+      row.Refuse("start is " + std::to_string(dwFrame) +
+                 ", but position and sample_offset make it " + std::to_string(FrameOf(cue)) +
+                 "; leave these empty if start is meant");
+    }
     m_notes.add(cue);
     return cue.id;
   }
@@ -179,7 +195,7 @@ class C_RowAdder {
     return Narrow(qwLast);
   }
 
-  const C_Json& m_rows;
+  const PFN_Rows& m_fnRows;
   std::uint32_t m_dwRate;
   voxplay::Notes& m_notes;
   C_CueIDs m_ids;
@@ -187,9 +203,15 @@ class C_RowAdder {
 
 }  // namespace
 
-void AddRows(const C_Json& rows, std::uint32_t dwRate, voxplay::Notes& notes) {
-  if (!rows.is_array()) throw C_BadRow("the marks are not an array");
-  C_RowAdder(rows, dwRate, notes).AddAll();
+void AddRows(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes) {
+  C_RowAdder(fnRows, dwRate, notes).AddAll();
+}
+
+PFN_Rows RowsIn(const C_Json& array) {
+  return [&array](const PFN_Row& fnRow) {
+    std::size_t nRow = 0;
+    for (const C_Json& row : array) fnRow(row, "row " + std::to_string(++nRow));
+  };
 }
 
 }  // namespace tool

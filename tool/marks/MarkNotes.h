@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "base/JsonText.h"
+#include "marks/RowSource.h"
 #include "voxplay.hpp"
 
 namespace tool {
@@ -17,9 +17,11 @@ class C_BadRow : public std::runtime_error {
 };
 
 // Adds what rows (MarkRows.h) stand for to notes, of a sound of this rate. Rows that people have
-// written may say less:
+// written may say less, and must not contradict themselves:
 //
-//   - without start, time counts: a number of seconds, or a text as C_Time takes it
+//   - without start, time counts: a number of seconds, or a text as C_Time takes it. Both must be
+//     the same place; position and sample_offset of a cue point may not make it another one
+//   - hex counts as long as name or text are what its bytes look like
 //   - without length, duration counts, which is written like time
 //   - a cue point without id gets one that is free
 //   - a name of a cue point becomes its label, a text its note, and a length that of its text
@@ -28,6 +30,6 @@ class C_BadRow : public std::runtime_error {
 // Cue points get other ids where the notes have these already, and what belongs to them follows.
 // Numbers may be texts of digits. Members that are not known are passed over. Throws C_BadRow; the
 // notes are then half done.
-void AddRows(const C_Json& rows, std::uint32_t dwRate, voxplay::Notes& notes);
+void AddRows(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes);
 
 }  // namespace tool

@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "base/TimeText.h"
 #include "base/Utf8.h"
 #include "marks/FourCharacters.h"
+#include "sound/CueFrame.h"
 
 namespace tool {
 namespace {
@@ -44,105 +44,127 @@ void PutID(C_Json& row, const char* pszKey, const char* pchID, std::string_view 
   if (std::string_view(pchID, usual.size()) != usual) row[pszKey] = FourCharacters(pchID);
 }
 
-class C_RowMaker {
- public:
-  C_RowMaker(const voxplay::NotesView& notes, std::uint32_t dwRate)
-      : m_notes(notes), m_dwRate(dwRate) {
-    for (const voxplay::Cue cue : notes.cues()) m_starts.try_emplace(cue.id, cue.position);
-  }
+// In the order in which rows come.
+constexpr std::array kLists = {VOXPLAY_NOTE_EVENT,       VOXPLAY_NOTE_CUE,     VOXPLAY_NOTE_LABEL,
+                               VOXPLAY_NOTE_REGION_TEXT, VOXPLAY_NOTE_SILENCE, VOXPLAY_NOTE_REGION,
+                               VOXPLAY_NOTE_LOOP};
 
-  C_Json Rows() {
-    for (const voxplay::Event event : m_notes.events()) AddEvent(event);
-    for (const voxplay::Cue cue : m_notes.cues()) AddCue(cue);
-    std::uint64_t qwNumber = 0;
-    for (const voxplay::Label label : m_notes.labels()) AddLabel(label, ++qwNumber);
-    for (const voxplay::RegionText text : m_notes.region_texts()) AddText(text);
-    for (const voxplay::Range range : m_notes.silence()) AddRange("silence", range);
-    for (const voxplay::Range range : m_notes.regions()) AddRange("region", range);
-    for (const voxplay::Loop loop : m_notes.loops()) AddLoop(loop);
-    return std::move(m_rows);
-  }
-
- private:
-  C_Json& Add(const char* pszKind) {
-    const std::uint64_t qwNumber = ++m_numbers[pszKind];
-    m_rows.push_back({{"kind", pszKind}, {"number", qwNumber}});
-    return m_rows.back();
-  }
-  void Place(C_Json& row, std::uint64_t qwStart, std::uint64_t qwLength = 0) const {
-    row["start"] = qwStart;
-    row["time"] = SecondsOf(qwStart, m_dwRate);
-    Put(row, "length", qwLength);
-  }
-  // What belongs to a cue point that does not exist has no place.
-  C_Json& AddOfCue(const char* pszKind, std::uint32_t dwID, std::uint64_t qwLength = 0) {
-    C_Json& row = Add(pszKind);
-    row["id"] = dwID;
-    if (const auto start = m_starts.find(dwID); start != m_starts.end()) {
-      Place(row, start->second, qwLength);
-    } else {
-      Put(row, "length", qwLength);
-    }
-    return row;
-  }
-
-  void AddEvent(const voxplay::Event& event) {
-    C_Json& row = Add("event");
-    Place(row, event.frame);
-    if (*event.description != '\0') PutText(row, "name", event.description);
-    row["main_command"] = event.main_command;
-    row["sub_command"] = event.sub_command;
-    Put(row, "data", event.data);
-  }
-  void AddCue(const voxplay::Cue& cue) {
-    C_Json& row = Add("cue");
-    row["id"] = cue.id;
-    Place(row, cue.position);
-    PutID(row, "chunk", cue.chunk, "data");
-    Put(row, "chunk_start", cue.chunk_start);
-    Put(row, "block_start", cue.block_start);
-    if (cue.sample_offset != cue.position) row["sample_offset"] = cue.sample_offset;
-  }
-  void AddLabel(const voxplay::Label& label, std::uint64_t qwNumber) {
-    const bool bLabel = IsLabel(label);
-    C_Json& row = AddOfCue(bLabel ? "label" : "note", label.cue_id);
-    row["number"] = qwNumber;
-    PutText(row, bLabel ? "name" : "text", label.text);
-  }
-  void AddText(const voxplay::RegionText& text) {
-    C_Json& row = AddOfCue("text", text.cue_id, text.count);
-    PutText(row, "text", text.text);
-    PutID(row, "purpose", text.purpose, "rgn ");
-    Put(row, "country", text.country);
-    Put(row, "language", text.language);
-    Put(row, "dialect", text.dialect);
-    Put(row, "code_page", text.code_page);
-  }
-  void AddRange(const char* pszKind, const voxplay::Range& range) {
-    Place(Add(pszKind), range.first, range.count);
-  }
-  void AddLoop(const voxplay::Loop& loop) {
-    C_Json& row = Add("loop");
-    row["id"] = loop.id;
-    const bool bForward = loop.last >= loop.first;
-    Place(row, loop.first, bForward ? std::uint64_t{loop.last} - loop.first + 1 : 0);
-    if (!bForward) row["last"] = loop.last;
-    Put(row, "type", loop.type);
-    Put(row, "fraction", loop.fraction);
-    Put(row, "play_count", loop.play_count);
-  }
-
-  voxplay::NotesView m_notes;
-  std::uint32_t m_dwRate;
-  std::unordered_map<std::uint32_t, std::uint32_t> m_starts;  // of the first cue point of each id
-  std::unordered_map<std::string, std::uint64_t> m_numbers;
-  C_Json m_rows = C_Json::array();
-};
+C_Json NewRow(const char* pszKind, std::size_t nIndex) {
+  C_Json row = C_Json::object();
+  row["kind"] = pszKind;
+  row["number"] = std::uint64_t{nIndex} + 1;
+  return row;
+}
 
 }  // namespace
 
+C_MarkRows::C_MarkRows(const voxplay::NotesView& notes, std::uint32_t dwRate)
+    : m_notes(notes), m_dwRate(dwRate) {
+  for (const auto eList : kLists) m_nCount += voxplay_notes_count(notes.get(), eList);
+  for (const voxplay::Cue cue : notes.cues()) m_starts.try_emplace(cue.id, FrameOf(cue));
+}
+
+C_Json C_MarkRows::Row(std::size_t nRow) const {
+  for (const auto eList : kLists) {
+    const std::size_t nCount = voxplay_notes_count(m_notes.get(), eList);
+    if (nRow < nCount) return RowOf(eList, nRow);
+    nRow -= nCount;
+  }
+  return C_Json::object();
+}
+
+C_Json C_MarkRows::RowOf(voxplay_note_kind eList, std::size_t nIndex) const {
+  const auto Filled = [&](const char* pszKind, const auto& record) {
+    C_Json row = NewRow(pszKind, nIndex);
+    Fill(row, record);
+    return row;
+  };
+  switch (eList) {
+    case VOXPLAY_NOTE_EVENT:
+      return Filled("event", m_notes.events()[nIndex]);
+    case VOXPLAY_NOTE_CUE:
+      return Filled("cue", m_notes.cues()[nIndex]);
+    case VOXPLAY_NOTE_LABEL: {
+      const voxplay::Label label = m_notes.labels()[nIndex];
+      return Filled(IsLabel(label) ? "label" : "note", label);
+    }
+    case VOXPLAY_NOTE_REGION_TEXT:
+      return Filled("text", m_notes.region_texts()[nIndex]);
+    case VOXPLAY_NOTE_SILENCE:
+      return Filled("silence", m_notes.silence()[nIndex]);
+    case VOXPLAY_NOTE_REGION:
+      return Filled("region", m_notes.regions()[nIndex]);
+    default:
+      return Filled("loop", m_notes.loops()[nIndex]);
+  }
+}
+
+void C_MarkRows::Place(C_Json& row, std::uint64_t qwStart, std::uint64_t qwLength) const {
+  row["start"] = qwStart;
+  if (m_dwRate != 0) row["time"] = SecondsOf(qwStart, m_dwRate);
+  Put(row, "length", qwLength);
+}
+
+// What belongs to a cue point that does not exist has no place.
+void C_MarkRows::PlaceAtCue(C_Json& row, std::uint32_t dwID, std::uint64_t qwLength) const {
+  row["id"] = dwID;
+  const auto start = m_starts.find(dwID);
+  if (start != m_starts.end()) return Place(row, start->second, qwLength);
+  Put(row, "length", qwLength);
+}
+
+void C_MarkRows::Fill(C_Json& row, const voxplay::Event& event) const {
+  Place(row, event.frame);
+  if (*event.description != '\0') PutText(row, "name", event.description);
+  row["main_command"] = event.main_command;
+  row["sub_command"] = event.sub_command;
+  Put(row, "data", event.data);
+}
+
+void C_MarkRows::Fill(C_Json& row, const voxplay::Cue& cue) const {
+  const std::uint32_t dwFrame = FrameOf(cue);
+  row["id"] = cue.id;
+  Place(row, dwFrame);
+  PutID(row, "chunk", cue.chunk, "data");
+  Put(row, "chunk_start", cue.chunk_start);
+  Put(row, "block_start", cue.block_start);
+  if (cue.position != dwFrame) row["position"] = cue.position;
+  if (cue.sample_offset != dwFrame) row["sample_offset"] = cue.sample_offset;
+}
+
+void C_MarkRows::Fill(C_Json& row, const voxplay::Label& label) const {
+  PlaceAtCue(row, label.cue_id);
+  PutText(row, IsLabel(label) ? "name" : "text", label.text);
+}
+
+void C_MarkRows::Fill(C_Json& row, const voxplay::RegionText& text) const {
+  PlaceAtCue(row, text.cue_id, text.count);
+  PutText(row, "text", text.text);
+  PutID(row, "purpose", text.purpose, "rgn ");
+  Put(row, "country", text.country);
+  Put(row, "language", text.language);
+  Put(row, "dialect", text.dialect);
+  Put(row, "code_page", text.code_page);
+}
+
+void C_MarkRows::Fill(C_Json& row, const voxplay::Range& range) const {
+  Place(row, range.first, range.count);
+}
+
+void C_MarkRows::Fill(C_Json& row, const voxplay::Loop& loop) const {
+  const bool bForward = loop.last >= loop.first;
+  row["id"] = loop.id;
+  Place(row, loop.first, bForward ? std::uint64_t{loop.last} - loop.first + 1 : 0);
+  if (!bForward) row["last"] = loop.last;
+  Put(row, "type", loop.type);
+  Put(row, "fraction", loop.fraction);
+  Put(row, "play_count", loop.play_count);
+}
+
 C_Json RowsOf(const voxplay::NotesView& notes, std::uint32_t dwRate) {
-  return C_RowMaker(notes, dwRate).Rows();
+  C_Json rows = C_Json::array();
+  C_MarkRows(notes, dwRate).ForEach([&](C_Json row) { rows.push_back(std::move(row)); });
+  return rows;
 }
 
 std::optional<voxplay_note_kind> ListOfKind(const std::string& strKind) {

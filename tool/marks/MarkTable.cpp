@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "base/TextTable.h"
@@ -23,7 +24,10 @@ std::uint64_t Start(const C_Json& row) {
 
 std::string Quoted(const C_Json& row, const char* pszKey) {
   const auto found = row.find(pszKey);
-  return found == row.end() ? "" : "\"" + Printable(found->get<std::string>()) + "\"";
+  if (found == row.end()) return "";
+  std::string strQuoted(1, '"');
+  strQuoted += Printable(found->get<std::string>());
+  return strQuoted += '"';
 }
 
 void Append(std::string& strText, const std::string& strPart) {
@@ -70,20 +74,33 @@ C_TextTable::Row Line(const C_Json& row, std::uint32_t dwRate) {
           Content(row)};
 }
 
+// The first nMost rows in the order of their places. fnRow gives the row at an index.
+template <typename GetRow>
+C_TextTable TableOf(std::size_t nRows, GetRow&& fnRow, std::uint32_t dwRate, std::size_t nMost) {
+  std::vector<std::pair<std::uint64_t, std::size_t>> places;
+  places.reserve(nRows);
+  for (std::size_t n = 0; n < nRows; ++n) places.emplace_back(Start(fnRow(n)), n);
+  std::ranges::sort(places);
+  places.resize(std::min(nMost, nRows));
+  C_TextTable table("lrrrrrl", {"kind", "no.", "time", "frame", "length", "id", "content"});
+  for (const auto& place : places) table.Add(Line(fnRow(place.second), dwRate));
+  return table;
+}
+
 }  // namespace
+
+void WriteMarkTable(const C_MarkRows& rows, std::size_t nIndent, bool bColours,
+                    const std::function<void(std::string_view)>& fnWrite) {
+  const auto GetRow = [&](std::size_t nRow) { return rows.Row(nRow); };
+  TableOf(rows.Count(), GetRow, rows.Rate(), rows.Count()).Write(nIndent, bColours, fnWrite);
+}
 
 std::string MarkTable(const C_Json& rows, std::uint32_t dwRate, std::size_t nIndent, bool bColours,
                       std::size_t nMost) {
-  std::vector<const C_Json*> sorted;
-  for (const C_Json& row : rows) sorted.push_back(&row);
-  std::ranges::stable_sort(sorted, {}, [](const C_Json* pRow) { return Start(*pRow); });
-  C_TextTable table("lrrrrrl", {"kind", "no.", "time", "frame", "length", "id", "content"});
-  const std::size_t nHidden = sorted.size() - std::min(nMost, sorted.size());
-  sorted.resize(sorted.size() - nHidden);
-  for (const C_Json* const pRow : sorted) table.Add(Line(*pRow, dwRate));
-  const std::string strEnd =
-      nHidden == 0 ? "" : std::string(nIndent, ' ') + "and " + CountText(nHidden) + " more\n";
-  return table.Text(nIndent, bColours) + strEnd;
+  const auto GetRow = [&](std::size_t nRow) -> const C_Json& { return rows[nRow]; };
+  const std::string strTable = TableOf(rows.size(), GetRow, dwRate, nMost).Text(nIndent, bColours);
+  if (rows.size() <= nMost) return strTable;
+  return strTable + std::string(nIndent, ' ') + "and " + CountText(rows.size() - nMost) + " more\n";
 }
 
 }  // namespace tool

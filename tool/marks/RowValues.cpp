@@ -13,6 +13,8 @@ namespace tool {
 namespace {
 
 constexpr std::size_t kMostShown = 40;
+// Up to here, a time tells all frames apart at every rate: seconds are numbers of 53 bits.
+constexpr std::uint64_t kMostExact = std::uint64_t{1} << 52U;
 
 // As much of a value as a message has room for.
 std::string Shown(const C_Json& value) {
@@ -33,15 +35,38 @@ std::optional<std::uint64_t> WholeNumber(const C_Json& value) {
   return error == std::errc() && pRead == pEnd ? std::optional(qwNumber) : std::nullopt;
 }
 
+// Spreadsheets write "1,5" in many countries.
+std::string WithPoint(std::string strTime) {
+  if (std::ranges::count(strTime, ',') == 1 && strTime.find('.') == std::string::npos) {
+    std::ranges::replace(strTime, ',', '.');
+  }
+  return strTime;
+}
+
+// Programs write very short times as "6.25e-05".
+bool HasExponent(std::string_view time) {
+  const std::size_t nExponent = time.find_first_of("eE");
+  return nExponent != 0 && nExponent != std::string_view::npos;
+}
+std::optional<C_Time> Scientific(std::string_view time) {
+  double dSeconds = 0.0;
+  const char* const pEnd = time.data() + time.size();
+  const auto [pRead, error] = std::from_chars(time.data(), pEnd, dSeconds);
+  return error == std::errc() && pRead == pEnd ? C_Time::OfSeconds(dSeconds) : std::nullopt;
+}
+
 std::optional<C_Time> TimeOf(const C_Json& value) {
-  if (value.is_string()) return C_Time::Parse(value.get_ref<const std::string&>());
+  if (value.is_string()) {
+    const std::string strTime = WithPoint(value.get_ref<const std::string&>());
+    return HasExponent(strTime) ? Scientific(strTime) : C_Time::Parse(strTime);
+  }
   return value.is_number() ? C_Time::OfSeconds(value.get<double>()) : std::nullopt;
 }
 
 }  // namespace
 
-C_RowValues::C_RowValues(const C_Json& row, std::size_t nRow, std::uint32_t dwRate)
-    : m_row(row), m_nRow(nRow), m_dwRate(dwRate) {
+C_RowValues::C_RowValues(const C_Json& row, const std::string& strPlace, std::uint32_t dwRate)
+    : m_row(row), m_strPlace(strPlace), m_dwRate(dwRate) {
   if (!row.is_object()) Refuse("it is not an object");
 }
 
@@ -61,11 +86,26 @@ std::uint64_t C_RowValues::Number(const char* pszKey, std::uint64_t qwMost) cons
 
 std::uint64_t C_RowValues::Frames(const char* pszKey, const char* pszTimeKey,
                                   std::uint64_t qwMost) const {
-  if (!IsEmpty(pszKey) || IsEmpty(pszTimeKey)) return Number(pszKey, qwMost);
+  if (IsEmpty(pszTimeKey)) return Number(pszKey, qwMost);
+  if (IsEmpty(pszKey)) return FramesOfTime(pszTimeKey, qwMost);
+  const std::uint64_t qwFrames = Number(pszKey, qwMost);
+  // Times of huge frames are not exact.
+  const std::uint64_t qwOther = FramesOfTime(pszTimeKey, std::numeric_limits<std::uint64_t>::max());
+  if (qwFrames == qwOther || qwOther >= kMostExact) return qwFrames;
+  Refuse(std::string(pszKey) + " is " + std::to_string(qwFrames) + ", but " + pszTimeKey + " is " +
+         Shown(m_row.at(pszTimeKey)) + ", which is " + std::to_string(qwOther) +
+         "; leave the one empty that is not meant");
+}
+
+std::uint64_t C_RowValues::FramesOfTime(const char* pszTimeKey, std::uint64_t qwMost) const {
   const C_Json& value = m_row.at(pszTimeKey);
   const auto time = TimeOf(value);
   if (!time) {
     Refuse(std::string(pszTimeKey) + ": " + Shown(value) + " is not a time: " + C_Time::kForms);
+  }
+  if (m_dwRate == 0 && time->NeedsRate()) {
+    Refuse(std::string(pszTimeKey) + ": " + Shown(value) +
+           " has no place in a sound without a sample rate; give samples (32000s)");
   }
   const std::uint64_t qwFrames = time->FrameAt(m_dwRate);
   if (qwFrames <= qwMost) return qwFrames;
@@ -85,7 +125,7 @@ std::string C_RowValues::Text(const char* pszKey) const {
   if (!IsEmpty("hex")) {
     const auto bytes = FromHexText(Word("hex"));
     if (!bytes) Refuse("hex: it does not consist of pairs of hexadecimal digits");
-    strText = *bytes;
+    if (strText.empty() || strText == AsUtf8(*bytes)) strText = *bytes;
   }
   if (strText.find('\0') != std::string::npos) {
     Refuse(std::string(pszKey) + ": texts of marks hold no zeros");
@@ -103,7 +143,7 @@ std::array<char, 4> C_RowValues::ID(const char* pszKey, const std::array<char, 4
 }
 
 void C_RowValues::Refuse(const std::string& strWhy) const {
-  throw C_BadRow("row " + std::to_string(m_nRow) + ": " + strWhy);
+  throw C_BadRow(m_strPlace + ": " + strWhy);
 }
 
 }  // namespace tool

@@ -16,8 +16,8 @@ namespace tool {
 
 class C_RowValues {
  public:
-  // The row must outlive the object. nRow is its number in messages.
-  C_RowValues(const C_Json& row, std::size_t nRow, std::uint32_t dwRate);
+  // The row and the place must outlive the object. The place begins messages: "row 3".
+  C_RowValues(const C_Json& row, const std::string& strPlace, std::uint32_t dwRate);
 
   // Not there, null or an empty text.
   [[nodiscard]] bool IsEmpty(const char* pszKey) const;
@@ -28,12 +28,14 @@ class C_RowValues {
     static_assert(std::is_unsigned_v<T>);
     return static_cast<T>(Number(pszKey, std::numeric_limits<T>::max()));
   }
-  // A frame or a number of frames, of this member or, when it is empty, of one with a time.
+  // A frame or a number of frames, of this member or of one with a time. Where both are there, they
+  // have to say the same, because nobody can tell which of them is meant.
   [[nodiscard]] std::uint64_t Frames(const char* pszKey, const char* pszTimeKey,
                                      std::uint64_t qwMost) const;
   // A text that "hex" says nothing of.
   [[nodiscard]] std::string Word(const char* pszKey) const;
-  // The bytes that "hex" has, or the characters of the member.
+  // The characters of the member. Where these are what the bytes of "hex" look like, those bytes:
+  // the text is then as it was written, and has not been edited since.
   [[nodiscard]] std::string Text(const char* pszKey) const;
   // The usual identifier when it is empty.
   [[nodiscard]] std::array<char, 4> ID(const char* pszKey, const std::array<char, 4>& usual) const;
@@ -41,8 +43,10 @@ class C_RowValues {
   [[noreturn]] void Refuse(const std::string& strWhy) const;
 
  private:
+  [[nodiscard]] std::uint64_t FramesOfTime(const char* pszTimeKey, std::uint64_t qwMost) const;
+
   const C_Json& m_row;
-  std::size_t m_nRow;
+  const std::string& m_strPlace;
   std::uint32_t m_dwRate;
 };
 

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <map>
 
+#include "sound/CueFrame.h"
+
 namespace tool {
 namespace {
 
@@ -31,7 +33,7 @@ C_PassingMarks::C_PassingMarks(const voxplay::NotesView& notes) {
   for (const voxplay::Cue cue : notes.cues()) {
     const auto text = texts.find(cue.id);
     const std::string strLabel = text != texts.end() ? ": " + text->second : "";
-    m_marks.push_back({cue.sample_offset, "cue point " + std::to_string(cue.id) + strLabel});
+    m_marks.push_back({FrameOf(cue), "cue point " + std::to_string(cue.id) + strLabel});
   }
   std::ranges::stable_sort(m_marks, {}, &S_Mark::qwFrame);
 }

@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "picture/Lettering.h"
+#include "sound/CueFrame.h"
 
 namespace tool {
 namespace {
@@ -83,18 +84,18 @@ class C_Collector {
   void AddCues() {
     std::unordered_map<std::uint32_t, int> columnsOf;
     for (const voxplay::Cue cue : m_notes.cues()) {
-      if (!IsShown(cue.sample_offset)) continue;
+      if (!IsShown(FrameOf(cue))) continue;
       ++m_result.counts[MARK_CUE];
-      const int nColumn = m_columns.ColumnOf(cue.sample_offset - m_qwFirst);
+      const int nColumn = m_columns.ColumnOf(FrameOf(cue) - m_qwFirst);
       const auto [mark, bNew] = m_marks.try_emplace(nColumn);
-      if (bNew) mark->second = {nColumn, cue.sample_offset, MARK_CUE, "#" + std::to_string(cue.id)};
+      if (bNew) mark->second = {nColumn, FrameOf(cue), MARK_CUE, "#" + std::to_string(cue.id)};
       if (bNew || IsNameless(mark->second, cue)) columnsOf.emplace(cue.id, nColumn);
     }
     NameCues(columnsOf);
   }
   // Labels that read as events are labels of cue points as well, and say more than numbers do.
   [[nodiscard]] bool IsNameless(const S_Mark& mark, const voxplay::Cue& cue) const {
-    return m_unnamed.contains(mark.nColumn) && mark.qwFrame == cue.sample_offset;
+    return m_unnamed.contains(mark.nColumn) && mark.qwFrame == FrameOf(cue);
   }
   void NameCues(const std::unordered_map<std::uint32_t, int>& columnsOf) {
     for (const voxplay::Label label : m_notes.labels()) {
@@ -139,7 +140,7 @@ class C_Collector {
     for (const voxplay::Cue cue : m_notes.cues()) {
       const auto found = lengths.find(cue.id);
       if (found == lengths.end()) continue;
-      if (const auto run = RunOf(cue.sample_offset, found->second)) coverage.Add(*run);
+      if (const auto run = RunOf(FrameOf(cue), found->second)) coverage.Add(*run);
     }
     m_result.ranges[RANGE_TEXT] = coverage.Runs();
   }

@@ -23,7 +23,7 @@ C_FileBytes OpenBytes(const std::string& strPath) {
   return C_FileBytes(std::move(file));
 }
 
-void CopyBytes(C_FileBytes& from, std::uint64_t qwAt, std::uint64_t qwBytes, C_ReplacedFile& to,
+void CopyBytes(C_FileBytes& from, std::uint64_t qwAt, std::uint64_t qwBytes, I_NewFile& to,
                const std::string& strName) {
   std::vector<std::byte> piece(static_cast<std::size_t>(std::min(qwBytes, kPieceBytes)));
   from.Seek(qwAt);

@@ -5,10 +5,13 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "sound/CueFrame.h"
 
 namespace tool {
 namespace {
@@ -58,7 +61,9 @@ void AddTitles(SNDFILE* pFile, voxplay::Notes& notes) {
 std::vector<SF_CUE_POINT> CuePoints(SNDFILE* pFile) {
   std::uint32_t dwCount = 0;
   sf_command(pFile, SFC_GET_CUE_COUNT, &dwCount, sizeof dwCount);
-  if (dwCount == 0) return {};
+  // The call takes the size as an int.
+  constexpr std::uint32_t kMost = std::numeric_limits<int>::max() / sizeof(SF_CUE_POINT) - 1;
+  if (dwCount == 0 || dwCount > kMost) return {};
   // The record ends with an array whose length the program chooses.
   const std::size_t cbRecord = sizeof(std::uint32_t) + dwCount * sizeof(SF_CUE_POINT);
   const auto record = std::make_unique<std::byte[]>(cbRecord);
@@ -72,15 +77,22 @@ std::vector<SF_CUE_POINT> CuePoints(SNDFILE* pFile) {
   return points;
 }
 
-// A cue point of libsndfile has its frame in the one field or in the other, as the format has it.
+std::uint32_t FrameOfPoint(const SF_CUE_POINT& point) {
+  voxplay::Cue cue{};
+  cue.position = point.position;
+  cue.block_start = static_cast<std::uint32_t>(point.block_start);
+  cue.sample_offset = point.sample_offset;
+  return FrameOf(cue);
+}
+
 void AddCuePoints(SNDFILE* pFile, voxplay::Notes& notes) {
   std::uint32_t dwID = 0;
   for (const SF_CUE_POINT& point : CuePoints(pFile)) {
     ++dwID;
     voxplay::Cue cue{};
     cue.id = dwID;
-    cue.sample_offset = point.sample_offset;
-    cue.position = point.sample_offset;
+    cue.position = FrameOfPoint(point);
+    cue.sample_offset = cue.position;
     std::memcpy(cue.chunk, "data", sizeof cue.chunk);
     notes.add(cue);
     if (point.name[0] == '\0') continue;

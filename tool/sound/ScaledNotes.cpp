@@ -5,6 +5,8 @@
 #include <limits>
 #include <map>
 
+#include "sound/CueFrame.h"
+#include "sound/SamplerRecord.h"
 #include "sound/ScaledFrames.h"
 
 namespace tool {
@@ -38,8 +40,11 @@ class C_NotesScale {
     return {Frame(range.first), Count(range.first, range.count)};
   }
   [[nodiscard]] voxplay::Cue operator()(voxplay::Cue cue) const {
-    cue.position = Short(cue.position);
-    cue.sample_offset = Short(cue.sample_offset);
+    cue.position = Short(FrameOf(cue));
+    cue.sample_offset = cue.position;
+    // The blocks of the sound before are not those of the new one.
+    cue.chunk_start = 0;
+    cue.block_start = 0;
     return cue;
   }
   // The last frame is part of a loop, so it is the frame after it that is scaled.
@@ -59,16 +64,10 @@ class C_NotesScale {
   std::uint32_t m_dwTo;
 };
 
-bool IsPresent(const voxplay::Sampler& sampler) {
-  return sampler.manufacturer != 0 || sampler.product != 0 || sampler.sample_period != 0 ||
-         sampler.midi_unity_note != 0 || sampler.midi_pitch_fraction != 0 ||
-         sampler.smpte_format != 0 || sampler.smpte_offset != 0 || sampler.data_size != 0;
-}
-
 // Of cue points with the same identifier, the first one counts.
 std::map<std::uint32_t, std::uint32_t> CuePositions(const voxplay::NotesView& notes) {
   std::map<std::uint32_t, std::uint32_t> positions;
-  for (const voxplay::Cue cue : notes.cues()) positions.emplace(cue.id, cue.position);
+  for (const voxplay::Cue cue : notes.cues()) positions.emplace(cue.id, FrameOf(cue));
   return positions;
 }
 

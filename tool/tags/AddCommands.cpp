@@ -25,17 +25,21 @@ struct S_Options {
 
 constexpr std::array kLoopTypes = {"forward", "both", "backward"};
 
-std::uint64_t FrameOf(const std::string& strTime, std::uint32_t dwRate) {
-  return C_Time::Parse(strTime)->FrameAt(dwRate);
+std::uint64_t FrameAt(const S_Options& options, const std::string& strTime, std::uint32_t dwRate) {
+  const C_Time time = C_Time::Parse(strTime).value();
+  if (dwRate != 0 || !time.NeedsRate()) return time.FrameAt(dwRate);
+  throw C_Failure(
+      options.edit.strFile, "nothing is changed",
+      "it has no sample rate, so that " + strTime + " is no place in it; give samples (32000s)");
 }
 
 std::uint64_t LengthOf(const S_Options& options, std::uint64_t qwStart, std::uint32_t dwRate) {
-  if (!options.strLength.empty()) return FrameOf(options.strLength, dwRate);
+  if (!options.strLength.empty()) return FrameAt(options, options.strLength, dwRate);
   if (options.strTo.empty() && options.bNeedsLength) {
     throw C_UsageFailure("voxtool tags add", "--length", "it is needed, or --to");
   }
   if (options.strTo.empty()) return 0;
-  const std::uint64_t qwEnd = FrameOf(options.strTo, dwRate);
+  const std::uint64_t qwEnd = FrameAt(options, options.strTo, dwRate);
   if (qwEnd >= qwStart) return qwEnd - qwStart;
   throw C_UsageFailure(options.edit.strFile, "--to", "it is before --at");
 }
@@ -46,22 +50,26 @@ void CheckPlace(const S_Options& options, std::uint64_t qwStart, std::uint64_t q
   if (options.edit.target.bForce || info.frames == UINT64_MAX) return;
   if (qwStart <= info.frames && qwLength <= info.frames - qwStart) return;
   const std::uint64_t qwPlace = qwStart > info.frames ? qwStart : qwStart + qwLength;
-  throw C_Failure(options.edit.strFile, "nothing is changed",
-                  ClockText(qwPlace, info.sample_rate) + " is beyond its end at " +
-                      ClockText(info.frames, info.sample_rate) + "; -f adds it nevertheless");
+  const auto Name = [&](std::uint64_t qwFrame) {
+    return info.sample_rate == 0 ? "sample " + CountText(qwFrame)
+                                 : ClockText(qwFrame, info.sample_rate);
+  };
+  throw C_Failure(
+      options.edit.strFile, "nothing is changed",
+      Name(qwPlace) + " is beyond its end at " + Name(info.frames) + "; -f adds it nevertheless");
 }
 
 int Run(const S_Options& options, const std::string& strKind, C_Console& console) {
   return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
     const voxplay::Info& info = file.Info();
-    const std::uint64_t qwStart = FrameOf(options.strAt, info.sample_rate);
+    const std::uint64_t qwStart = FrameAt(options, options.strAt, info.sample_rate);
     const std::uint64_t qwLength = LengthOf(options, qwStart, info.sample_rate);
     CheckPlace(options, qwStart, qwLength, info);
     C_Json row = options.row;
     row["kind"] = strKind;
     row["start"] = qwStart;
     row["length"] = qwLength;
-    AddRows(C_Json::array({row}), info.sample_rate, notes);
+    AddRows(RowsIn(C_Json::array({row})), info.sample_rate, notes);
   });
 }
 

@@ -32,6 +32,14 @@ void PutNumber(std::span<std::byte> bytes, std::uint64_t qwNumber) {
   }
 }
 
+std::uint64_t NumberIn(std::span<const std::byte> bytes) {
+  std::uint64_t qwNumber = 0;
+  for (std::size_t n = bytes.size(); n-- > 0;) {
+    qwNumber = qwNumber << 8U | std::to_integer<std::uint64_t>(bytes[n]);
+  }
+  return qwNumber;
+}
+
 std::uint64_t Padded(std::uint64_t qwBytes) { return qwBytes + qwBytes % 2; }
 
 // A chunk of the new file.
@@ -54,7 +62,7 @@ ChunkHead HeadOf(std::string_view id, std::uint64_t qwBytes) {
 
 class C_Copier {
  public:
-  C_Copier(const std::string& strFile, C_ReplacedFile& target)
+  C_Copier(const std::string& strFile, I_NewFile& target)
       : m_strFile(strFile), m_file(OpenBytes(strFile)), m_target(target) {
     Read(0, m_head);
     m_bRf64 = std::memcmp(m_head.data(), "RF64", kFormBytes) == 0;
@@ -108,13 +116,12 @@ class C_Copier {
   }
   void WriteFileHead() {
     m_qwRiffSize = RiffSize();
-    if (!m_bRf64) {
-      if (m_qwRiffSize > kMostRiff) {
-        throw C_Failure(m_strFile, "nothing is changed", "it would have 4 GiB or more");
-      }
-      PutNumber(std::span(m_head).subspan(kRiffSizeAt, kFormBytes), m_qwRiffSize);
+    if (!m_bRf64 && m_qwRiffSize > kMostRiff) {
+      throw C_Failure(m_strFile, "nothing is changed", "it would have 4 GiB or more");
     }
-    m_target.Write(m_head);
+    std::array<std::byte, kFileHead> head = m_head;
+    if (!m_bRf64) PutNumber(std::span(head).subspan(kRiffSizeAt, kFormBytes), m_qwRiffSize);
+    m_target.Write(head);
   }
 
   void WritePiece(const S_Piece& piece) {
@@ -139,18 +146,31 @@ class C_Copier {
     CopyBytes(m_file, chunk.offset + qwDone, chunk.size - qwDone, m_target, m_strFile);
   }
 
-  // What other programs put after the end of the RIFF file.
+  // Where the RIFF file says that it ends. first is its first chunk, which is "ds64" in RF64 files.
+  std::uint64_t OldEnd(const voxplay::ChunkPlace& first) {
+    std::array<std::byte, sizeof(std::uint64_t)> size{};
+    if (!m_bRf64) {
+      std::ranges::copy(std::span(m_head).subspan(kRiffSizeAt, kFormBytes), size.begin());
+    } else if (first.held >= size.size()) {
+      Read(first.offset, size);
+    }
+    return NumberIn(size) + kChunkHead;
+  }
+  // What other programs put after the end of the RIFF file. The size of that says whether a byte
+  // fills up the last chunk, which some programs forget.
   void CopyTail(std::span<const voxplay::ChunkPlace> chunks) {
     if (chunks.empty()) return;
     const voxplay::ChunkPlace& last = chunks.back();
-    const std::uint64_t qwEnd = last.offset + Padded(last.size);
+    const std::uint64_t qwLast = last.offset + last.size;
+    const bool bPadded = OldEnd(chunks.front()) != qwLast;
+    const std::uint64_t qwEnd = bPadded ? last.offset + Padded(last.size) : qwLast;
     const auto qwLength = static_cast<std::uint64_t>(m_file.Length());
     if (qwEnd < qwLength) CopyBytes(m_file, qwEnd, qwLength - qwEnd, m_target, m_strFile);
   }
 
   std::string m_strFile;
   C_FileBytes m_file;
-  C_ReplacedFile& m_target;
+  I_NewFile& m_target;
   std::array<std::byte, kFileHead> m_head{};
   bool m_bRf64 = false;
   bool m_bHasMarks = false;
@@ -161,7 +181,7 @@ class C_Copier {
 }  // namespace
 
 void CopyWithMarks(const std::string& strFile, std::span<const voxplay::ChunkPlace> chunks,
-                   std::span<const S_MarkChunk> marks, C_ReplacedFile& target) {
+                   std::span<const S_MarkChunk> marks, I_NewFile& target) {
   C_Copier(strFile, target).Copy(chunks, marks);
 }
 

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "base/ReplacedFile.h"
+#include "base/NewFile.h"
 #include "tags/MarkChunks.h"
 #include "voxplay.hpp"
 
@@ -15,6 +15,6 @@ namespace tool {
 // works for all codecs. Throws C_Failure for a file that the end cuts, and for one that would
 // become too large.
 void CopyWithMarks(const std::string& strFile, std::span<const voxplay::ChunkPlace> chunks,
-                   std::span<const S_MarkChunk> marks, C_ReplacedFile& target);
+                   std::span<const S_MarkChunk> marks, I_NewFile& target);
 
 }  // namespace tool

@@ -3,7 +3,9 @@
 // "tags list" and "tags export", which show the same to people and to programs.
 #include <memory>
 #include <span>
+#include <utility>
 
+#include "base/EachFile.h"
 #include "base/ReplacedFile.h"
 #include "tags/MarkExport.h"
 #include "tags/Subcommands.h"
@@ -11,45 +13,103 @@
 namespace tool {
 namespace {
 
-struct S_Options {
-  std::vector<std::string> files;
-  std::string strOutput;
+struct S_FormOptions {
   bool bJson = false;
   bool bCsv = false;
   bool bLabels = false;
+
+  [[nodiscard]] tagMarkForm Form(tagMarkForm eUsual) const {
+    if (bJson) return tagMarkForm::JSON;
+    if (bCsv) return tagMarkForm::CSV;
+    return bLabels ? tagMarkForm::LABELS : eUsual;
+  }
+};
+
+struct S_ListOptions {
+  S_BatchOptions batch;
+  S_FormOptions forms;
+};
+
+struct S_ExportOptions {
+  std::vector<std::string> files;
+  S_FormOptions forms;
+  std::string strOutput;
   bool bForce = false;
 };
 
-tagMarkForm FormOf(const S_Options& options, tagMarkForm eUsual) {
-  if (options.bJson) return tagMarkForm::JSON;
-  if (options.bCsv) return tagMarkForm::CSV;
-  return options.bLabels ? tagMarkForm::LABELS : eUsual;
+S_FileResult ResultOf(const S_SoundInfo& info) {
+  S_FileResult result;
+  result.dwRate = info.dwRate;
+  if (info.qwFrames != kFramesUnknown) result.qwFrames = info.qwFrames;
+  return result;
 }
 
-int List(const S_Options& options, C_Console& console) {
-  const S_MarkExport list =
-      ExportMarks(options.files, FormOf(options, tagMarkForm::TABLE), console);
-  console.Print(list.strText);
-  return list.nExit;
+int List(const S_ListOptions& options, C_Console& console) {
+  const S_BatchOptions& batch = options.batch;
+  S_MarkView view;
+  view.eForm = options.forms.Form(tagMarkForm::TABLE);
+  view.bSeveral = batch.operands.size() != 1 || batch.bFolders || !batch.strList.empty();
+  view.bColours = console.HasColours();
+  view.Check();
+  const PFN_PrintFile fnList = [&view](const std::string& strPath, C_FileOutput& output,
+                                       C_FileWatch& /*watch*/) {
+    const C_ShownMarks marks(strPath);
+    marks.Write(view, [&output](std::string_view piece) { output.Print(piece); });
+    return ResultOf(marks.Info());
+  };
+  return PrintFiles(batch, view.Rule(), fnList, console);
 }
+
+// Goes through the files one by one, which an output for all of them needs.
+int Export(const S_ExportOptions& options, C_Console& console,
+           const std::function<void(std::string_view)>& fnWrite) {
+  const S_MarkView view{options.forms.Form(tagMarkForm::CSV), options.files.size() > 1};
+  view.Check();
+  const S_PrintRule rule = view.Rule();
+  bool bAny = false;
+  const int nExit = ForEachFile(options.files, console, [&](const std::string& strPath) {
+    const C_ShownMarks marks(strPath);
+    fnWrite(std::exchange(bAny, true) ? rule.strBetween : rule.strBefore);
+    marks.Write(view, fnWrite);
+  });
+  fnWrite(bAny ? rule.strAfter : rule.strNothing);
+  return nExit;
+}
+
+// Collects small pieces.
+class C_Pieces {
+ public:
+  explicit C_Pieces(I_NewFile& file) : m_file(file) {}
+
+  void Write(std::string_view piece) {
+    m_strPieces += piece;
+    if (m_strPieces.size() >= kEnough) Flush();
+  }
+  void Flush() {
+    m_file.Write(std::as_bytes(std::span(m_strPieces)));
+    m_strPieces.clear();
+  }
+
+ private:
+  static constexpr std::size_t kEnough = 65536;
+  I_NewFile& m_file;
+  std::string m_strPieces;
+};
 
 // A file with only some of what was asked for does not appear.
-int Export(const S_Options& options, C_Console& console) {
-  const S_MarkExport marks = ExportMarks(options.files, FormOf(options, tagMarkForm::CSV), console);
-  if (options.strOutput.empty() || options.strOutput == "-") {
-    console.Print(marks.strText);
-  } else if (marks.nExit == 0) {
-    C_ReplacedFile file(options.strOutput, options.bForce);
-    file.Write(std::as_bytes(std::span(marks.strText)));
-    file.TakePlace();
+int Export(const S_ExportOptions& options, C_Console& console) {
+  if (options.strOutput.empty() || options.strOutput == kStandardStream) {
+    return Export(options, console, [&](std::string_view piece) { console.Print(piece); });
   }
-  return marks.nExit;
+  C_ReplacedFile file(options.strOutput, options.bForce);
+  C_Pieces pieces(file);
+  const int nExit = Export(options, console, [&](std::string_view piece) { pieces.Write(piece); });
+  pieces.Flush();
+  if (nExit == 0) file.TakePlace();
+  return nExit;
 }
 
-void AddOptions(CLI::App& command, S_Options& options) {
-  command.add_option("FILE", options.files, "the files; \"-\" is standard input")
-      ->type_name("FILE")
-      ->required();
+void AddFormOptions(CLI::App& command, S_FormOptions& options) {
   auto* const pJson =
       command.add_flag("--json", options.bJson, "an array with an object for each file");
   auto* const pCsv = command.add_flag("--csv", options.bCsv, "comma-separated values");
@@ -62,7 +122,7 @@ void AddOptions(CLI::App& command, S_Options& options) {
 }  // namespace
 
 void AddListCommand(C_CommandLine& commandLine, CLI::App& tags) {
-  const auto options = std::make_shared<S_Options>();
+  const auto options = std::make_shared<S_ListOptions>();
   CLI::App& command = commandLine.Add(
       tags,
       {"list",
@@ -70,13 +130,17 @@ void AddListCommand(C_CommandLine& commandLine, CLI::App& tags) {
        "Shows all marks in the order of their places. The numbers are those that \"tags remove\" "
        "takes. Marks that belong to a cue point which does not exist have no place and come last.",
        {{"voxtool tags list talk.wav", "show all marks of a file"},
+        {"voxtool tags list -r archive", "show those of all sounds in a folder"},
         {"voxtool tags list --json talk.wav | jq '.[0].marks[].start'", "list their frames"}},
        [options](C_Console& console) { return List(*options, console); }});
-  AddOptions(command, *options);
+  AddFileOptions(command, options->batch, "FILE");
+  AddFormOptions(command, options->forms);
+  AddThreadsOption(command, options->batch);
+  AddQuietOption(command, options->batch);
 }
 
 void AddExportCommand(C_CommandLine& commandLine, CLI::App& tags) {
-  const auto options = std::make_shared<S_Options>();
+  const auto options = std::make_shared<S_ExportOptions>();
   CLI::App& command = commandLine.Add(
       tags,
       {"export",
@@ -91,7 +155,10 @@ void AddExportCommand(C_CommandLine& commandLine, CLI::App& tags) {
         {"voxtool tags export talk.wav --labels -o talk.txt", "write a label track"},
         {"voxtool tags export *.wav --json", "print the marks of many files"}},
        [options](C_Console& console) { return Export(*options, console); }});
-  AddOptions(command, *options);
+  command.add_option("FILE", options->files, "the files; \"-\" is standard input")
+      ->type_name("FILE")
+      ->required();
+  AddFormOptions(command, options->forms);
   command.add_option("-o,--output", options->strOutput, "the file; standard output without it")
       ->type_name("FILE");
   command.add_flag("-f,--force", options->bForce, "replace an existing output");

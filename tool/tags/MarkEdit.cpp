@@ -4,6 +4,7 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "marks/MarkNotes.h"
+#include "sound/SamplerRecord.h"
 
 namespace tool {
 
@@ -11,10 +12,28 @@ void AddEditOptions(CLI::App& command, S_EditOptions& options) {
   command.add_option("FILE", options.strFile, "the file, which is changed in place")
       ->type_name("FILE")
       ->required();
-  command.add_option("-o,--output", options.target.strOutput, "write another file instead")
+  command
+      .add_option("-o,--output", options.target.strOutput,
+                  "write another file instead; \"-\" is standard output")
       ->type_name("FILE");
   command.add_flag("-f,--force", options.target.bForce,
                    "also when the file cannot hold all of it, or the output exists");
+}
+
+void ClearMarks(voxplay::Notes& notes) {
+  for (const voxplay_note_kind eKind :
+       {VOXPLAY_NOTE_EVENT, VOXPLAY_NOTE_SILENCE, VOXPLAY_NOTE_REGION, VOXPLAY_NOTE_CUE,
+        VOXPLAY_NOTE_LABEL, VOXPLAY_NOTE_REGION_TEXT}) {
+    notes.clear(eKind);
+  }
+  ClearLoops(notes);
+}
+
+// The record of the sampler goes with the loops.
+void ClearLoops(voxplay::Notes& notes) {
+  const voxplay::Notes old(notes);
+  notes.clear(VOXPLAY_NOTE_LOOP);
+  if (IsPresent(old.view().sampler())) notes.set_sampler(old.view().sampler());
 }
 
 CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,

@@ -13,11 +13,16 @@ namespace tool {
 // What every command takes that changes a file.
 struct S_EditOptions {
   std::string strFile;
-  S_MarkTarget target;
+  S_EditTarget target;
 };
 
 // The options, and the operand FILE.
 void AddEditOptions(CLI::App& command, S_EditOptions& options);
+
+// Removes all marks from notes. Other chunks stay, and so does what is said of the sampler.
+void ClearMarks(voxplay::Notes& notes);
+// Removes all loops alone.
+void ClearLoops(voxplay::Notes& notes);
 
 // A place or a length as C_Time takes it, which is checked when the options are read.
 CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,

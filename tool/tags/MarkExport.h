@@ -1,23 +1,44 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "base/Console.h"
+#include "batch/PrintFiles.h"
+#include "sound/SoundInput.h"
 
 namespace tool {
 
 enum class tagMarkForm { TABLE, JSON, CSV, LABELS };
 
-struct S_MarkExport {
-  std::string strText;
-  int nExit = 0;  // 1 when a file failed, about which it has complained
+// How marks of files are shown: as a table for people, as an array with an object for each file, as
+// one table for all of them, or as a label track, which is of one file.
+struct S_MarkView {
+  tagMarkForm eForm = tagMarkForm::TABLE;
+  bool bSeveral = false;
+  bool bColours = false;
+
+  // Throws C_UsageFailure for a label track of several files.
+  void Check() const;
+  // What stands around and between the files.
+  [[nodiscard]] S_PrintRule Rule() const;
 };
 
-// The marks of files: as a table for people, as an array with an object for each file, as one table
-// for all of them, or as a label track, which is of one file only (C_UsageFailure).
-S_MarkExport ExportMarks(const std::vector<std::string>& files, tagMarkForm eForm,
-                         C_Console& console);
+// The marks of a file.
+class C_ShownMarks {
+ public:
+  // Opens the file. Throws what OpenSound throws.
+  explicit C_ShownMarks(const std::string& strPath);
+
+  [[nodiscard]] const S_SoundInfo& Info() const noexcept { return m_sound->Info(); }
+  // fnWrite takes the text, a piece at a time. Throws C_Failure for a label track of a sound that
+  // has no rate, and what fnWrite throws.
+  void Write(const S_MarkView& view, const std::function<void(std::string_view)>& fnWrite) const;
+
+ private:
+  std::string m_strPath;
+  C_SoundInputPtr m_sound;
+};
 
 }  // namespace tool

@@ -5,15 +5,14 @@
 #include <array>
 #include <cerrno>
 #include <memory>
-#include <set>
-#include <utility>
+#include <string_view>
 
 #include "base/Descriptor.h"
 #include "base/Failure.h"
 #include "marks/LabelText.h"
 #include "marks/MarkCsv.h"
+#include "marks/MarkJson.h"
 #include "marks/MarkNotes.h"
-#include "marks/MarkRows.h"
 #include "sound/SoundInput.h"
 #include "tags/MarkEdit.h"
 #include "tags/Subcommands.h"
@@ -47,55 +46,14 @@ std::string ReadText(const std::string& strPath) {
   return strText;
 }
 
-void CheckRate(const C_Json& file, std::uint32_t dwRate) {
-  const auto found = file.find("sample_rate");
-  if (found == file.end() || *found == dwRate) return;
-  throw C_BadRow("the marks count frames of " + (found->is_structured() ? "[...]" : found->dump()) +
-                 " Hz, and the sound has " + std::to_string(dwRate) + " Hz");
-}
-
-// An array of rows, or what "tags export" writes of one file.
-C_Json RowsOfJson(const std::string& strText, std::uint32_t dwRate) {
-  C_Json json = C_Json::parse(strText, nullptr, false);
-  if (json.is_discarded()) throw C_BadRow("it is not JSON");
-  const bool bFiles = json.is_array() && !json.empty() && json.front().is_object() &&
-                      json.front().contains("marks");
-  if (bFiles && json.size() > 1) throw C_BadRow("it has the marks of several files");
-  if (bFiles) json = C_Json(std::move(json.front()));
-  if (!json.is_object()) return json;
-  if (!json.contains("marks")) throw C_BadRow("it has no member \"marks\"");
-  CheckRate(json, dwRate);
-  return std::move(json["marks"]);
-}
-
-C_Json RowsOfTable(const std::string& strText) {
-  C_Json rows = RowsOfCsv(strText);
-  std::set<std::string> files;
-  for (const C_Json& row : rows) files.insert(row.value("file", std::string()));
-  if (files.size() > 1) throw C_BadRow("it has the marks of several files");
-  return rows;
-}
-
-C_Json ReadRows(const S_Options& options, std::uint32_t dwRate) {
-  if (!options.strJson.empty()) return RowsOfJson(ReadText(options.strJson), dwRate);
-  if (!options.strCsv.empty()) return RowsOfTable(ReadText(options.strCsv));
-  return RowsOfLabelText(ReadText(options.strLabels), dwRate);
+PFN_Rows RowsOf(const S_Options& options, std::string_view text, std::uint32_t dwRate) {
+  if (!options.strJson.empty()) return RowsOfJson(text, dwRate);
+  return options.strCsv.empty() ? RowsOfLabelText(text, dwRate) : RowsOfCsv(text);
 }
 
 const std::string& SourceOf(const S_Options& options) {
   if (!options.strJson.empty()) return options.strJson;
   return options.strCsv.empty() ? options.strLabels : options.strCsv;
-}
-
-// The sampler's own record is no mark and stays.
-void ClearMarks(voxplay::Notes& notes) {
-  const voxplay::Notes old(notes);
-  for (const voxplay_note_kind eKind :
-       {VOXPLAY_NOTE_EVENT, VOXPLAY_NOTE_SILENCE, VOXPLAY_NOTE_REGION, VOXPLAY_NOTE_CUE,
-        VOXPLAY_NOTE_LABEL, VOXPLAY_NOTE_REGION_TEXT, VOXPLAY_NOTE_LOOP}) {
-    notes.clear(eKind);
-  }
-  notes.set_sampler(old.view().sampler());
 }
 
 int Run(const S_Options& options, C_Console& console) {
@@ -105,9 +63,10 @@ int Run(const S_Options& options, C_Console& console) {
   }
   return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
     try {
-      const C_Json rows = ReadRows(options, file.Info().sample_rate);
+      const std::string strText = ReadText(SourceOf(options));
+      const std::uint32_t dwRate = file.Info().sample_rate;
       if (options.bReplace) ClearMarks(notes);
-      AddRows(rows, file.Info().sample_rate, notes);
+      AddRows(RowsOf(options, strText, dwRate), dwRate, notes);
     } catch (const C_BadRow& bad) {
       throw C_Failure(NameOf(SourceOf(options)), "cannot be imported", bad.what());
     }
@@ -119,19 +78,21 @@ int Run(const S_Options& options, C_Console& console) {
 void AddImportCommand(C_CommandLine& commandLine, CLI::App& tags) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(
-      tags, {"import",
-             "add marks from a table, from JSON or from a label track",
-             "Reads what \"tags export\" writes, and tables that people have written: of the "
-             "columns, only "
-             "\"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may have a "
-             "\"name\", and a "
-             "\"length\" or a \"duration\". Where the file has the ids of new cue points already, "
-             "the new "
-             "ones get others.",
-             {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
-              {"voxtool tags import talk.wav --labels talk.txt --replace",
-               "let a label track replace all marks"}},
-             [options](C_Console& console) { return Run(*options, console); }});
+      tags,
+      {"import",
+       "add marks from a table, from JSON or from a label track",
+       "Reads what \"tags export\" writes, and tables that people have written: of the "
+       "columns, only \"kind\" is needed, and \"start\" (frame) or \"time\". A cue point may "
+       "have a \"name\", and a \"length\" or a \"duration\". Where the file has the ids of "
+       "new cue points already, the new ones get others.\n\n"
+       "When you edit a table: \"start\" and \"time\" say the same, so change one of them and "
+       "empty the other; a row that contradicts itself is refused with its line. Labels, notes "
+       "and texts move with the cue point of their \"id\". A text that you edit counts, and "
+       "its \"hex\" is then passed over.",
+       {{"voxtool tags import talk.wav --csv talk.csv", "add the marks of a table"},
+        {"voxtool tags import talk.wav --labels talk.txt --replace",
+         "let a label track replace all marks"}},
+       [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
   auto* const pCsv = command.add_option("--csv", options->strCsv, "comma-separated values");
   auto* const pJson = command.add_option("--json", options->strJson, "JSON");

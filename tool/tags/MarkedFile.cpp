@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tags/MarkedFile.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "base/Failure.h"
 #include "base/TimeText.h"
-#include "marks/MarkRows.h"
 #include "sound/FormatText.h"
 #include "sound/SoundInput.h"
 #include "tags/ChunkCopy.h"
+#include "tags/SameNotes.h"
 
 namespace tool {
 namespace {
@@ -49,29 +46,6 @@ bool AreSame(const voxplay::Info& a, const voxplay::Info& b) {
          a.bit_rate == b.bit_rate && a.has_stream == b.has_stream;
 }
 
-bool AreSame(const voxplay::Chunk& a, const voxplay::Chunk& b) {
-  return std::memcmp(a.id, b.id, sizeof a.id) == 0 && a.size == b.size &&
-         (a.size == 0 || std::memcmp(a.data, b.data, a.size) == 0);
-}
-
-bool AreSame(const voxplay::Sampler& a, const voxplay::Sampler& b) {
-  return a.manufacturer == b.manufacturer && a.product == b.product &&
-         a.sample_period == b.sample_period && a.midi_unity_note == b.midi_unity_note &&
-         a.midi_pitch_fraction == b.midi_pitch_fraction && a.smpte_format == b.smpte_format &&
-         a.smpte_offset == b.smpte_offset && a.data_size == b.data_size &&
-         (a.data_size == 0 || std::memcmp(a.data, b.data, a.data_size) == 0);
-}
-
-bool HaveSameChunks(const voxplay::NotesView& a, const voxplay::NotesView& b) {
-  const auto ofA = a.chunks();
-  const auto ofB = b.chunks();
-  if (ofA.size() != ofB.size()) return false;
-  for (std::size_t n = 0; n < ofA.size(); ++n) {
-    if (!AreSame(ofA[n], ofB[n])) return false;
-  }
-  return true;
-}
-
 std::string LostText(const std::vector<std::string>& lost) {
   const std::size_t nMore = lost.size() - 1;
   return lost.front() + (nMore == 0 ? "" : " (and " + CountText(nMore) + " more)") +
@@ -86,27 +60,22 @@ C_MarkedFile::C_MarkedFile(const std::string& strPath)
 }
 
 std::vector<std::string> C_MarkedFile::Save(const voxplay::Notes& notes,
-                                            const S_MarkTarget& target) {
+                                            const S_EditTarget& target) {
   const S_MarkChunks marks = MarkChunksOf(notes, m_info);
   if (!marks.lost.empty() && !target.bForce) {
     throw C_Failure(m_strPath, kUnchanged, LostText(marks.lost));
   }
-  const bool bInPlace = target.strOutput.empty();
-  C_ReplacedFile file(bInPlace ? m_strPath : target.strOutput, bInPlace || target.bForce);
-  CopyWithMarks(m_strPath, m_reader.chunk_places(), marks.chunks, file);
-  CheckResult(file.NewPath(), notes, marks.lost.empty());
-  file.TakePlace();
+  const auto file = MakeEdited(m_strPath, target);
+  CopyWithMarks(m_strPath, m_reader.chunk_places(), marks.chunks, *file);
+  CheckResult(file->NewPath(), notes, marks.lost.empty());
+  file->TakePlace();
   return marks.lost;
 }
 
 void C_MarkedFile::CheckResult(const std::string& strNew, const voxplay::Notes& notes,
                                bool bAllHeld) const {
   const voxplay::Reader result(strNew, VOXPLAY_READ_NO_BARE);
-  const voxplay::NotesView held = result.notes();
-  const std::uint32_t dwRate = m_info.sample_rate;
-  const bool bSameMarks =
-      !bAllHeld || (RowsOf(held, dwRate) == RowsOf(notes, dwRate) &&
-                    AreSame(held.sampler(), notes.view().sampler()) && HaveSameChunks(held, notes));
+  const bool bSameMarks = !bAllHeld || AreSame(result.notes(), notes);
   if (AreSame(result.info(), m_info) && bSameMarks) return;
   throw C_Failure(m_strPath, kUnchanged, "the file would read as something else with these marks");
 }

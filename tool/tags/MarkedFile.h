@@ -5,15 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "sound/EditTarget.h"
 #include "voxplay.hpp"
 
 namespace tool {
-
-// Where a file with other marks goes.
-struct S_MarkTarget {
-  std::string strOutput;  // empty: the file itself
-  bool bForce = false;    // also when something is lost, or the output exists
-};
 
 // A WAV, VEMD or VEF file whose marks are to change. Samples, streams and all other chunks stay as
 // they are, byte for byte.
@@ -28,7 +23,7 @@ class C_MarkedFile {
   // Writes the file with these notes, looks whether it reads as it should, and lets it appear,
   // whole or not at all. Returns what it could not hold, one sentence each. Throws C_Failure and
   // voxplay::Error; nothing is changed then.
-  std::vector<std::string> Save(const voxplay::Notes& notes, const S_MarkTarget& target);
+  std::vector<std::string> Save(const voxplay::Notes& notes, const S_EditTarget& target);
 
  private:
   void CheckResult(const std::string& strNew, const voxplay::Notes& notes, bool bAllHeld) const;

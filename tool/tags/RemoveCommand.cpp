@@ -33,17 +33,17 @@ void AddKept(const Records& old, IsKept&& fnIsKept, Add&& fnAdd) {
 class C_Remover {
  public:
   C_Remover(const S_Options& options, voxplay::Notes& notes)
-      : m_options(options), m_old(notes.view()), m_notes(notes) {}
+      : m_options(options),
+        m_numbers(options.numbers.begin(), options.numbers.end()),
+        m_old(notes.view()),
+        m_notes(notes) {}
 
-  void RemoveAll() {
-    for (const std::string& strKind : kKinds) m_notes.clear(*ListOfKind(strKind));
-    m_notes.set_sampler(m_old.view().sampler());
-  }
+  void RemoveAll() { ClearMarks(m_notes); }
 
   void Remove() {
     const voxplay_note_kind eList = *ListOfKind(m_options.strKind);
     if (!m_options.bAll) CheckNumbers(voxplay_notes_count(m_old.view().get(), eList));
-    m_notes.clear(eList);
+    eList == VOXPLAY_NOTE_LOOP ? ClearLoops(m_notes) : m_notes.clear(eList);
     const auto IsKept = [this](std::size_t nIndex) { return !IsRemoved(nIndex); };
     const auto Add = [this](const auto& record) { m_notes.add(record); };
     const voxplay::NotesView old = m_old.view();
@@ -62,7 +62,6 @@ class C_Remover {
       case VOXPLAY_NOTE_REGION:
         return AddKept(old.regions(), IsKept, [this](const auto& r) { m_notes.add_region(r); });
       default:
-        m_notes.set_sampler(old.sampler());
         return AddKept(old.loops(), IsKept, Add);
     }
   }
@@ -70,7 +69,7 @@ class C_Remover {
  private:
   [[nodiscard]] bool IsRemoved(std::size_t nIndex) const {
     if (!IsOfKind(m_old, m_options.strKind, nIndex)) return false;
-    return m_options.bAll || std::ranges::count(m_options.numbers, nIndex + 1) != 0;
+    return m_options.bAll || m_numbers.contains(nIndex + 1);
   }
   void CheckNumbers(std::size_t nCount) const {
     for (const std::size_t nNumber : m_options.numbers) {
@@ -98,6 +97,7 @@ class C_Remover {
   }
 
   const S_Options& m_options;
+  const std::unordered_set<std::size_t> m_numbers;
   const voxplay::Notes m_old;
   voxplay::Notes& m_notes;
 };

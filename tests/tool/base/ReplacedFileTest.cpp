@@ -6,10 +6,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <string>
 
 #include "FolderTest.h"
+#include "InChild.h"
 #include "base/Failure.h"
+#include "base/Interrupt.h"
 
 namespace {
 
@@ -58,6 +61,26 @@ TEST_F(ReplacedFile, FileThatIsNotFinished_LeavesNothing) {
     C_ReplacedFile file(Path("old"), true);
     Write(file, "other");
   }
+  EXPECT_EQ(Content("old"), Bytes{'o'});
+  EXPECT_THAT(Entries(), ElementsAre("old"));
+}
+
+// In another process, because what was asked for cannot be taken back.
+TEST_F(ReplacedFile, FileThatIsInterrupted_LeavesNothing) {
+  Write("old", {'o'});
+  EXPECT_TRUE(InChildAs(0, [this] {
+    tool::CatchInterrupts();
+    try {
+      C_ReplacedFile file(Path("old"), true);
+      Write(file, "before");
+      const bool bIsBeside = Entries().size() == 2;
+      raise(SIGINT);
+      if (bIsBeside) Write(file, "after");
+    } catch (const tool::C_Interrupted&) {
+      return true;
+    }
+    return false;
+  }));
   EXPECT_EQ(Content("old"), Bytes{'o'});
   EXPECT_THAT(Entries(), ElementsAre("old"));
 }

@@ -59,12 +59,21 @@ TEST_F(ConvertStreamsTest, OtherPrograms_ReadWhatIsSent) {
   EXPECT_EQ(Content("raw2"), Content("raw"));
 }
 
-TEST_F(ConvertStreamsTest, LargePipe_IsReadAsItComes) {
-  // 2 s of sound are sent before the input of the reader has ended, so the first samples come out
-  // while the rest is still to be decoded.
+// A file to a WAV stream needs no temporary file, so it comes out as it is decoded. Here, there is
+// no folder for one.
+TEST_F(ConvertStreamsTest, Wav_IsSentAsItIsDecoded) {
   MakeWav("in.wav", PublicSamples(160000));
-  EXPECT_EQ(Pipe("$V convert @/in.wav -o - --to wav | head -c 44 > @/head"), 0);
+  Convert({"@/in.wav", "-q", "-o", "@/out.wav"});
+  EXPECT_EQ(Pipe("TMPDIR=@/none $V convert @/in.wav -q -o - --to wav > @/sent"), 0);
+  EXPECT_EQ(Content("sent"), Content("out.wav"));
+}
+
+// More than a pipe holds.
+TEST_F(ConvertStreamsTest, ReaderThatLeaves_EndsItQuietly) {
+  MakeWav("in.wav", PublicSamples(160000));
+  EXPECT_EQ(Pipe("($V convert @/in.wav -o - --to wav; echo $? > @/exit) | head -c 44 > @/head"), 0);
   EXPECT_EQ(Content("head").size(), 44U);
+  EXPECT_EQ(Content("exit"), (std::vector<std::uint8_t>{'1', '4', '1', '\n'}));
 }
 
 TEST_F(ConvertStreamsTest, TargetThatAppearsMeanwhile_IsKept) {

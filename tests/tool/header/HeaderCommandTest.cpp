@@ -27,7 +27,7 @@ class HeaderCommand : public C_VoxtoolTest {
   // Expects a failure that changes nothing.
   [[nodiscard]] std::string WhyNot(const Texts& arguments) const {
     const auto before = Entries();
-    const S_Run run = Voxtool(arguments);
+    const S_Run run = Run(arguments);
     EXPECT_EQ(run.nExit, 1);
     EXPECT_EQ(run.strOut, "");
     EXPECT_EQ(Entries(), before);
@@ -41,6 +41,17 @@ TEST_F(HeaderCommand, Show_PrintsTheFields) {
   const auto json = Json({"header", "show", "--json", "@a.kst"});
   EXPECT_EQ(json[0]["sp"]["sample_rate"], 8000);
   EXPECT_EQ(json[0]["sp"]["version"], 254);
+}
+
+TEST_F(HeaderCommand, ChangedFile_IsSentToStandardOutput) {
+  const Bytes whole = WriteKestrel("a.kst");
+  const std::string strStripped = Output({"header", "strip", "@a.kst", "-o", "-"});
+  EXPECT_EQ(Bytes(strStripped.begin(), strStripped.end()), WithoutHeader(whole));
+  EXPECT_EQ(Content("a.kst"), whole);
+  WriteText("a.bin", strStripped);
+  const std::string strWhole = Output({"header", "add", "@a.bin", "-o", "-"});
+  EXPECT_EQ(Bytes(strWhole.begin(), strWhole.end()), whole);
+  EXPECT_THAT(Entries(), ElementsAre("a.bin", "a.kst"));
 }
 
 TEST_F(HeaderCommand, FileWithoutHeader_IsAFailureToShow) {
@@ -123,19 +134,19 @@ TEST_F(HeaderCommand, ExistingOutput_IsReplacedOnlyWhenAsked) {
 TEST_F(HeaderCommand, SeveralFiles_AreAllDone) {
   const Bytes whole = WriteKestrel("a.kst");
   WriteKestrel("b.kst");
-  const S_Run run = Voxtool({"header", "strip", "@a.kst", "@missing", "@b.kst"});
+  const S_Run run = Run({"header", "strip", "@a.kst", "@missing", "@b.kst"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_EQ(Content("a.kst"), WithoutHeader(whole));
   EXPECT_EQ(Content("b.kst"), WithoutHeader(whole));
-  EXPECT_EQ(Voxtool({"header", "strip", "@a.kst", "@b.kst", "-o", "@c"}).nExit, 2);
+  EXPECT_EQ(Run({"header", "strip", "@a.kst", "@b.kst", "-o", "@c"}).nExit, 2);
 }
 
 TEST_F(HeaderCommand, WhatCannotBeMeant_IsAUsageError) {
   Write("bare", {1, 2});
-  EXPECT_EQ(Voxtool({"header"}).nExit, 2);
-  EXPECT_EQ(Voxtool({"header", "add", "--codec", "heron2", "@bare"}).nExit, 2);
-  EXPECT_EQ(Voxtool({"header", "add", "--rate", "0", "@bare"}).nExit, 2);
-  EXPECT_EQ(Voxtool({"header", "add", "--codec", "heron4", "--rate", "96000", "@bare"}).nExit, 2);
+  EXPECT_EQ(Run({"header"}).nExit, 2);
+  EXPECT_EQ(Run({"header", "add", "--codec", "heron2", "@bare"}).nExit, 2);
+  EXPECT_EQ(Run({"header", "add", "--rate", "0", "@bare"}).nExit, 2);
+  EXPECT_EQ(Run({"header", "add", "--codec", "heron4", "--rate", "96000", "@bare"}).nExit, 2);
 }
 
 }  // namespace

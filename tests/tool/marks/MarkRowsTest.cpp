@@ -5,37 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include "AllNotes.h"
-#include "marks/LabelText.h"
-#include "marks/MarkCsv.h"
-#include "marks/MarkNotes.h"
+#include "ReadRows.h"
 
+namespace tool::test {
 namespace {
-
-using tool::C_Json;
-
-constexpr std::uint32_t kRate = 16000;
-
-C_Json Rows(const voxplay::Notes& notes) { return tool::RowsOf(notes, kRate); }
-
-voxplay::Notes NotesOf(const C_Json& rows) {
-  voxplay::Notes notes;
-  tool::AddRows(rows, kRate, notes);
-  return notes;
-}
-
-// What is wrong with a row, as the message says it.
-std::string WhyNot(const C_Json& row) {
-  try {
-    NotesOf(C_Json::array({row}));
-    return "";
-  } catch (const tool::C_BadRow& bad) {
-    return bad.what();
-  }
-}
-
-// As with a file between.
-C_Json ThroughText(const C_Json& rows) { return C_Json::parse(tool::JsonText(rows)); }
 
 TEST(MarkRows, AllKinds_ComeBackThroughJson) {
   const voxplay::Notes notes = NotesOfAllKinds();
@@ -44,19 +17,19 @@ TEST(MarkRows, AllKinds_ComeBackThroughJson) {
 
 TEST(MarkRows, AllKinds_ComeBackThroughValues) {
   const voxplay::Notes notes = NotesOfAllKinds();
-  EXPECT_EQ(Rows(NotesOf(tool::RowsOfCsv(tool::CsvOf(Rows(notes))))), Rows(notes));
+  EXPECT_EQ(Rows(NotesFrom(RowsOfCsv(CsvOf(notes)))), Rows(notes));
 }
 
 // At rates whose frames are no whole microseconds, too.
 TEST(MarkRows, AllKinds_ComeBackThroughLabelTracks) {
   for (const std::uint32_t dwRate : {8000U, 11025U, 44100U, 192000U, 3000000U}) {
     const voxplay::Notes notes = NotesOfAllKinds();
-    voxplay::Notes back;
-    tool::AddRows(tool::RowsOfLabelText(tool::LabelTextOf(notes, dwRate), dwRate), dwRate, back);
+    const std::string strTrack = LabelTextOf(notes, dwRate);
+    const voxplay::Notes back = NotesFrom(RowsOfLabelText(strTrack, dwRate), dwRate);
     // Labels stand beside their cue points there, so their order is another one.
-    EXPECT_EQ(tool::LabelTextOf(back, dwRate), tool::LabelTextOf(notes, dwRate)) << dwRate;
+    EXPECT_EQ(LabelTextOf(back, dwRate), strTrack) << dwRate;
     for (const char* const pszKind : {"event", "cue", "silence", "region", "loop"}) {
-      const auto eList = *tool::ListOfKind(pszKind);
+      const auto eList = *ListOfKind(pszKind);
       EXPECT_EQ(voxplay_notes_count(back.view().get(), eList),
                 voxplay_notes_count(notes.view().get(), eList));
     }
@@ -67,7 +40,7 @@ TEST(MarkRows, AllKinds_ComeBackThroughLabelTracks) {
 
 TEST(MarkRows, RareMembers_ComeBack) {
   voxplay::Notes notes;
-  voxplay::Cue cue{7, 100, {'s', 'l', 'n', 't'}, 1, 2, 3};
+  voxplay::Cue cue{7, 100, {'s', 'l', 'n', 't'}, 1, 2, 3};  // in the block at 2
   notes.add(cue);
   voxplay::RegionText text{};
   text.cue_id = 7;
@@ -86,7 +59,7 @@ TEST(MarkRows, RareMembers_ComeBack) {
   EXPECT_EQ(rows[1]["purpose"], "01000000");
   EXPECT_EQ(rows[2]["last"], 400);
   EXPECT_EQ(Rows(NotesOf(ThroughText(rows))), rows);
-  EXPECT_EQ(Rows(NotesOf(tool::RowsOfCsv(tool::CsvOf(rows)))), rows);
+  EXPECT_EQ(Rows(NotesFrom(RowsOfCsv(CsvOf(notes)))), rows);
 }
 
 TEST(MarkRows, BytesThatAreNoUtf8_StandBesideTheirText) {
@@ -136,7 +109,8 @@ TEST(MarkRows, IDsThatAreTaken_AreExchangedWithAllThatBelongsToThem) {
   AddCue(more, 1, 200);
   AddLabel(more, 1, "labl", "new");
   AddCue(more, 2, 300);
-  tool::AddRows(Rows(more), kRate, notes);
+  const C_Json rows = Rows(more);
+  AddRows(RowsIn(rows), kRate, notes);
   EXPECT_EQ(notes.view().cues()[1].id, 3U);
   EXPECT_EQ(notes.view().cues()[2].id, 2U);
   EXPECT_EQ(notes.view().labels()[1].cue_id, 3U);
@@ -167,32 +141,29 @@ TEST(MarkRows, BadRows_AreNamedAndExplained) {
             "row 1: hex: it does not consist of pairs of hexadecimal digits");
   EXPECT_EQ(WhyNot({{"kind", "cue"}, {"start", 1}, {"chunk", "dat"}}),
             "row 1: chunk: it has neither four characters nor eight digits");
-  EXPECT_THROW(NotesOf(C_Json::object()), tool::C_BadRow);
 }
 
-TEST(MarkRows, LabelTracksOfOtherPrograms_AreRead) {
-  const C_Json rows = tool::RowsOfLabelText(
-      "1.500000\t1.500000\tplain \"text\"\r\n\\\t100.0\t2000.0\n2.0\t3.25\t\n\n4\t4\n", kRate);
-  const voxplay::Notes notes = NotesOf(rows);
-  EXPECT_EQ(notes.view().cues().size(), 3U);
-  EXPECT_STREQ(notes.view().labels()[0].text, "plain \"text\"");
-  EXPECT_EQ(notes.view().labels().size(), 1U);
-  EXPECT_EQ(notes.view().region_texts()[0].count, 20000U);
-  EXPECT_EQ(notes.view().cues()[2].position, 64000U);
-}
-
-TEST(MarkRows, BadLabelTracks_AreRefusedWithTheirLine) {
-  const auto Why = [](const char* pszText) {
-    try {
-      tool::RowsOfLabelText(pszText, kRate);
-      return std::string();
-    } catch (const tool::C_BadRow& bad) {
-      return std::string(bad.what());
-    }
-  };
-  EXPECT_EQ(Why("1\t2\tx\nabc\n"), "line 2: \"abc\" is not a time");
-  EXPECT_EQ(Why("2\t1\tx\n"), "line 1: it ends before it starts");
-  EXPECT_EQ(Why("1\n"), "line 1: \"\" is not a time");
+// As other programs write them: with the frame in the one member, in the other, in both, and
+// counted from a block.
+TEST(MarkRows, CuePoints_AreWhereOtherProgramsSeeThem) {
+  const struct {
+    std::uint32_t dwPosition, dwBlock, dwOffset, dwStart;
+  } cues[] = {{1000, 0, 1000, 1000}, {0, 0, 2000, 2000},      {1000, 0, 0, 1000},
+              {1000, 0, 2000, 2000}, {1000, 1600, 200, 1000}, {0, 1600, 200, 200}};
+  for (const auto& cue : cues) {
+    voxplay::Notes notes;
+    notes.add(voxplay::Cue{1, cue.dwPosition, {'d', 'a', 't', 'a'}, 0, cue.dwBlock, cue.dwOffset});
+    AddLabel(notes, 1, "labl", "x");
+    const C_Json rows = Rows(notes);
+    EXPECT_EQ(rows[0]["start"], cue.dwStart);
+    EXPECT_EQ(rows[1]["start"], cue.dwStart);
+    const double dSeconds = cue.dwStart / 16000.0;
+    EXPECT_EQ(std::stod(LabelTextOf(notes, kRate)), dSeconds);
+    const voxplay::Notes back = NotesFrom(RowsOfCsv(CsvOf(notes)));
+    EXPECT_EQ(back.view().cues()[0].position, cue.dwPosition);
+    EXPECT_EQ(back.view().cues()[0].sample_offset, cue.dwOffset);
+  }
 }
 
 }  // namespace
+}  // namespace tool::test

@@ -30,6 +30,23 @@ TEST(ScaledNotesTest, HalfTheRate_HalvesAllFramesAndLengths) {
   EXPECT_EQ(notes.chunks().size(), 1U);
 }
 
+// Whatever other programs have left at 0, the place is scaled and both members have it.
+TEST(ScaledNotesTest, CuePointsOfOtherPrograms_AreScaledWhereTheyAre) {
+  voxplay::Notes notes;
+  notes.add(voxplay::Cue{1, 0, {'d', 'a', 't', 'a'}, 0, 0, 400});
+  notes.add(voxplay::Cue{2, 600, {'d', 'a', 't', 'a'}, 0, 0, 0});
+  notes.add(voxplay::Cue{3, 1000, {'d', 'a', 't', 'a'}, 0, 1600, 200});
+  notes.add(voxplay::RegionText{1, 101, {'r', 'g', 'n', ' '}, 0, 0, 0, 0, ""});
+  const voxplay::Notes scaled = ScaledNotes(notes, 32000, 16000);
+  const std::uint32_t frames[] = {200, 300, 500};
+  for (std::size_t n = 0; n < std::size(frames); ++n) {
+    EXPECT_EQ(scaled.view().cues()[n].position, frames[n]);
+    EXPECT_EQ(scaled.view().cues()[n].sample_offset, frames[n]);
+    EXPECT_EQ(scaled.view().cues()[n].block_start, 0U);
+  }
+  EXPECT_EQ(scaled.view().region_texts()[0].count, 51U);
+}
+
 TEST(ScaledNotesTest, SameRate_ChangesNothing) {
   const voxplay::Notes scaled = ScaledNotes(test::SomeNotes(), 44100, 44100);
   EXPECT_EQ(scaled.view().events()[0].frame, 1000U);

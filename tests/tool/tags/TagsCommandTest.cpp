@@ -29,7 +29,7 @@ class TagsCommand : public C_VoxtoolTest {
   [[nodiscard]] std::string WhyNot(const Texts& arguments) const {
     const auto before = Content("a.wav");
     const auto names = Entries();
-    const S_Run run = Voxtool(arguments);
+    const S_Run run = Run(arguments);
     EXPECT_EQ(run.nExit, 1);
     EXPECT_EQ(Content("a.wav"), before);
     EXPECT_EQ(Entries(), names);
@@ -72,7 +72,7 @@ TEST_F(TagsCommand, List_IsSortedByPlace) {
 TEST_F(TagsCommand, SoundsWithoutMarks_AreListedAsSuch) {
   WriteWav("a.wav");
   WriteSound("a.kst", FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL), PublicSamples(640));
-  EXPECT_EQ(Output({"tags", "list", "@a.wav", "@a.kst"}),
+  EXPECT_EQ(Output({"tags", "list", "-qq", "@a.wav", "@a.kst"}),
             Path("a.wav") + ": no marks\n\n" + Path("a.kst") + ": no marks\n");
 }
 
@@ -84,7 +84,7 @@ TEST_F(TagsCommand, WhatAFileCannotHold_ChangesNothingUnlessForced) {
                                  "the rest\n");
   Texts forced = command;
   forced.emplace_back("-f");
-  const S_Run run = Voxtool(forced);
+  const S_Run run = Run(forced);
   EXPECT_EQ(run.nExit, 0);
   EXPECT_EQ(run.strErr, Path("a.wav") + ": event 1 at frame 8000: its data\n");
   EXPECT_THAT(Rows("a.wav"), ElementsAre("event 1 8000"));
@@ -199,7 +199,7 @@ TEST_F(TagsCommand, WhatCannotBeMeant_IsAUsageError) {
       {"tags", "import", "@a.wav", "--csv", "x", "--json", "y"},
       {"tags", "export", "@a.wav", "@a.wav", "--labels"}};
   for (const Texts& command : commands) {
-    const S_Run run = Voxtool(command);
+    const S_Run run = Run(command);
     EXPECT_EQ(run.nExit, 2) << testing::PrintToString(command);
     EXPECT_NE(run.strErr, "");
   }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What becomes of files whose marks change: nothing but the marks.
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -125,6 +126,54 @@ TEST_F(TagsFiles, BytesAfterTheRiffFile_StayThere) {
   ExpectMarks("a.wav");
 }
 
+// Some programs do not fill up an odd chunk, and say so with the size of the whole.
+TEST_F(TagsFiles, TailAfterAnUnfilledChunk_StaysWhole) {
+  const Bytes tail = Ascii("TAG of another program");
+  for (const bool bFilled : {false, true}) {
+    C_RiffBytes riff("WAVE");
+    riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 8)).Chunk("data", RampBytes(101));
+    if (bFilled) riff.Zeros(1);
+    Bytes bytes = riff.Take();
+    bytes.insert(bytes.end(), tail.begin(), tail.end());
+    Write("a.wav", bytes);
+    Mark("a.wav");
+    const Bytes marked = Content("a.wav");
+    const std::size_t cbRiff = 8 + marked[4] + 256U * marked[5];
+    EXPECT_EQ(Bytes(marked.begin() + static_cast<std::ptrdiff_t>(cbRiff), marked.end()), tail);
+    ExpectMarks("a.wav");
+  }
+}
+
+TEST_F(TagsFiles, FileWithoutARate_TakesPlacesInSamplesAlone) {
+  C_RiffBytes riff("WAVE");
+  riff.Chunk("fmt ", FmtBytes(1, 1, 0, 16)).Chunk("data", RampBytes(2000));
+  Write("a.wav", riff.Take());
+  const Bytes before = Content("a.wav");
+  for (const Texts& further :
+       std::vector<Texts>{{"--at", "0.01"}, {"--at", "1s", "--to", "0:01"}}) {
+    Texts command = {"tags", "add", "cue", "@a.wav"};
+    command.insert(command.end(), further.begin(), further.end());
+    const S_Run run = Run(command);
+    EXPECT_EQ(run.nExit, 1);
+    EXPECT_EQ(Said(run.strErr), "@/a.wav: nothing is changed: it has no sample rate, so that " +
+                                    further.back() + " is no place in it; give samples (32000s)\n");
+  }
+  EXPECT_EQ(
+      Said(Run({"tags", "add", "cue", "@a.wav", "--at", "1001s"}).strErr),
+      "@/a.wav: nothing is changed: sample 1,001 is beyond its end at sample 1,000; -f adds it "
+      "nevertheless\n");
+  EXPECT_EQ(Said(Run({"tags", "list", "--labels", "@a.wav"}).strErr),
+            "@/a.wav: its marks are no label track: it has no sample rate, and label tracks count "
+            "seconds\n");
+  EXPECT_EQ(Content("a.wav"), before);
+  Output({"tags", "add", "cue", "@a.wav", "--at", "77s"});
+  EXPECT_EQ(Json({"tags", "list", "--json", "@a.wav"})[0]["marks"][0]["start"], 77);
+  Output({"tags", "export", "@a.wav", "-o", "@marks.csv"});
+  const Bytes marked = Content("a.wav");
+  Output({"tags", "import", "@a.wav", "--csv", "@marks.csv", "--replace"});
+  EXPECT_EQ(Content("a.wav"), marked);
+}
+
 TEST_F(TagsFiles, SizesThatWereNotKnown_BecomeKnown) {
   C_RiffBytes riff("WAVE");
   riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", 0xFFFFFFFF, RampBytes(100));
@@ -175,7 +224,7 @@ TEST_F(TagsFiles, Output_LeavesTheFileAsItIs) {
   Output({"tags", "add", "event", "@a.wav", "--at", "10s", "--main", "7", "-o", "@b.wav"});
   EXPECT_EQ(Content("a.wav"), before);
   EXPECT_EQ(voxplay::Reader(Path("b.wav")).notes().events().size(), 1U);
-  EXPECT_EQ(Voxtool({"tags", "add", "event", "@a.wav", "--at", "1s", "-o", "@b.wav"}).nExit, 1);
+  EXPECT_EQ(Run({"tags", "add", "event", "@a.wav", "--at", "1s", "-o", "@b.wav"}).nExit, 1);
 }
 
 TEST_F(TagsFiles, FilesThatHoldNoMarks_AreRefusedWithAWayOut) {
@@ -183,7 +232,7 @@ TEST_F(TagsFiles, FilesThatHoldNoMarks_AreRefusedWithAWayOut) {
        {VOXPLAY_CONTAINER_SP, VOXPLAY_CONTAINER_HEAD, VOXPLAY_CONTAINER_BARE}) {
     WriteSound("a", FormatOf(eContainer, VOXPLAY_CODEC_KESTREL), PublicSamples(640));
     const Bytes before = Content("a");
-    const S_Run run = Voxtool({"tags", "add", "event", "@a", "--at", "0"});
+    const S_Run run = Run({"tags", "add", "event", "@a", "--at", "0"});
     EXPECT_EQ(run.nExit, 1);
     EXPECT_THAT(run.strErr, HasSubstr("\"voxtool convert\""));
     EXPECT_EQ(Content("a"), before);
@@ -194,7 +243,7 @@ TEST_F(TagsFiles, CutFile_IsNotWrittenAgain) {
   Bytes bytes = MonoWav(1000).Take();
   bytes.resize(544);
   Write("a.wav", bytes);
-  const S_Run run = Voxtool({"tags", "add", "event", "@a.wav", "--at", "0"});
+  const S_Run run = Run({"tags", "add", "event", "@a.wav", "--at", "0"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_THAT(run.strErr, HasSubstr("the file is cut short"));
   EXPECT_EQ(Content("a.wav"), bytes);
@@ -203,7 +252,7 @@ TEST_F(TagsFiles, CutFile_IsNotWrittenAgain) {
 TEST_F(TagsFiles, FullDisk_LeavesTheFileAsItIs) {
   WriteWav("a.wav");
   const Bytes before = Content("a.wav");
-  const C_Program tool(VOXTOOL);
+  const C_Program tool = Program();
   const S_Run run = tool.Start({"tags", "add", "event", Path("a.wav"), "--at", "0"}, {},
                                [] {
                                  const rlimit limit{10000, 10000};
@@ -217,22 +266,25 @@ TEST_F(TagsFiles, FullDisk_LeavesTheFileAsItIs) {
   EXPECT_THAT(Entries(), ElementsAre("a.wav"));
 }
 
-// The file is so long that the interrupt comes while it is written.
+// The table is a pipe, so that the program waits for the rest of it. ReplacedFileTest has what
+// becomes of a file that is being written.
 TEST_F(TagsFiles, Interrupt_LeavesTheFileAsItIs) {
-  constexpr std::uint32_t kBytes = 2000000000;
-  C_RiffBytes riff("WAVE");
-  riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", kBytes, {});
-  Write("a.wav", riff.RiffSize(36 + kBytes).Take());
-  std::filesystem::resize_file(Path("a.wav"), 44 + std::uintmax_t{kBytes});
-  const C_Program tool(VOXTOOL);
-  C_RunningProgram running = tool.Start({"tags", "add", "event", Path("a.wav"), "--at", "0"});
-  while (Entries().size() < 2) usleep(1000);
+  WriteWav("a.wav");
+  const Bytes before = Content("a.wav");
+  ASSERT_EQ(mkfifo(Path("marks").c_str(), 0600), 0);
+  const C_Program tool = Program();
+  C_RunningProgram running =
+      tool.Start({"tags", "import", Path("a.wav"), "--csv", Path("marks"), "-o", Path("b.wav")});
+  const int nMarks = open(Path("marks").c_str(), O_WRONLY | O_CLOEXEC);
+  ASSERT_GE(nMarks, 0);
+  ASSERT_EQ(write(nMarks, "kind,", 5), 5);
   running.Send(SIGINT);
   const S_Run run = running.Wait();
+  close(nMarks);
   EXPECT_EQ(run.nExit, 130);
   EXPECT_EQ(run.strErr, "");
-  EXPECT_THAT(Entries(), ElementsAre("a.wav"));
-  EXPECT_EQ(std::filesystem::file_size(Path("a.wav")), 44 + std::uintmax_t{kBytes});
+  EXPECT_THAT(Entries(), ElementsAre("a.wav", "marks"));
+  EXPECT_EQ(Content("a.wav"), before);
 }
 
 TEST_F(TagsFiles, EditsOneAfterTheOther_LeaveNoTraces) {

@@ -13,16 +13,11 @@ class TagsForms : public C_VoxtoolTest {
  protected:
   // What a Python program prints, in which "@" stands for the folder.
   std::string Python(std::string strProgram) const {
-    for (std::size_t n = 0; (n = strProgram.find('@', n)) != std::string::npos;) {
-      strProgram.replace(n, 1, Folder());
-    }
+    strProgram = InFolder(std::move(strProgram));
     const C_TempFolder folder;
     folder.Write("program.py", {strProgram.begin(), strProgram.end()});
     const auto bytes = RunIn(folder, "python3 @/program.py");
     return {bytes.begin(), bytes.end()};
-  }
-  void WriteText(const std::string& strName, std::string_view text) const {
-    Write(strName, {text.begin(), text.end()});
   }
   [[nodiscard]] nlohmann::ordered_json Marks(const std::string& strName) const {
     return Json({"tags", "list", "--json", "@" + strName})[0]["marks"];
@@ -114,6 +109,19 @@ TEST_F(TagsForms, Import_AddsToWhatIsThere) {
   EXPECT_EQ(reader.notes().labels()[14].cue_id, 15U);
 }
 
+// There was no chunk for a sampler, and none is made.
+TEST_F(TagsForms, Replace_AddsNothingElse) {
+  WriteWav("a.wav");
+  const auto before = Content("a.wav");
+  WriteText("marks", "1\t1\tx\n");
+  Output({"tags", "import", "@a.wav", "--labels", "@marks"});
+  const auto marked = Content("a.wav");
+  Output({"tags", "import", "@a.wav", "--labels", "@marks", "--replace"});
+  EXPECT_EQ(Content("a.wav"), marked);
+  Output({"tags", "remove", "@a.wav", "--all"});
+  EXPECT_EQ(Content("a.wav"), before);
+}
+
 TEST_F(TagsForms, Replace_KeepsTheSampler) {
   voxplay::Notes notes;
   voxplay::Sampler sampler{};
@@ -125,13 +133,24 @@ TEST_F(TagsForms, Replace_KeepsTheSampler) {
   EXPECT_EQ(voxplay::Reader(Path("a.wav")).notes().sampler().midi_unity_note, 60U);
 }
 
+// Frames of one sound are other places in a sound of another rate.
+TEST_F(TagsForms, TableOfAnotherRate_IsRefusedWithItsLine) {
+  WriteWav("a.wav", NotesWithTexts());
+  MakeWav("b.wav", PublicSamples(44100), 16, 44100);
+  Output({"tags", "export", "@a.wav", "-o", "@marks"});
+  const S_Run run = Run({"tags", "import", "@b.wav", "--csv", "@marks"});
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_THAT(Said(run.strErr), testing::StartsWith("@/marks: cannot be imported: line 2: start is "
+                                                    "1000, but time is \"0.0625\", which is 2756"));
+}
+
 TEST_F(TagsForms, SeveralFiles_AreOneTable) {
   WriteWav("a.wav", NotesWithTexts());
   WriteWav("b.wav", NotesWithTexts());
   const std::string strTable = Output({"tags", "export", "@a.wav", "@b.wav"});
   EXPECT_EQ(strTable.substr(0, 10), "file,kind,");
   WriteText("marks", strTable);
-  const S_Run run = Voxtool({"tags", "import", "@a.wav", "--csv", "@marks"});
+  const S_Run run = Run({"tags", "import", "@a.wav", "--csv", "@marks"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_EQ(run.strErr,
             Path("marks") + ": cannot be imported: it has the marks of several files\n");
@@ -154,13 +173,13 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
        "the marks count frames of 8000 Hz, and the sound has 16000 Hz"},
       {"--json", R"([{"kind": "cue", "start": 1}, {"kind": "cue"}])",
        "row 2: it has neither start nor time"},
-      {"--csv", "kind,start\ncue,x\n", "row 1: start: \"x\" is not a whole number"},
+      {"--csv", "kind,start\ncue,x\n", "line 2: start: \"x\" is not a whole number"},
       {"--csv", "a,b\n", "the first line does not name a column \"kind\""},
       {"--labels", "x\n", "line 1: \"x\" is not a time"},
   };
   for (const auto& import : imports) {
     WriteText("marks", import.pszText);
-    const S_Run run = Voxtool({"tags", "import", "@a.wav", import.pszForm, "@marks", "--replace"});
+    const S_Run run = Run({"tags", "import", "@a.wav", import.pszForm, "@marks", "--replace"});
     EXPECT_EQ(run.nExit, 1);
     EXPECT_THAT(run.strErr, HasSubstr(Path("marks") + ": cannot be imported: " + import.pszWhy));
     EXPECT_EQ(Content("a.wav"), before);
@@ -170,7 +189,7 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
 TEST_F(TagsForms, DeepJson_IsOnlyRefused) {
   WriteWav("a.wav");
   WriteText("marks", std::string(300000, '[') + std::string(300000, ']'));
-  const S_Run run = Voxtool({"tags", "import", "@a.wav", "--json", "@marks"});
+  const S_Run run = Run({"tags", "import", "@a.wav", "--json", "@marks"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_THAT(run.strErr, HasSubstr("row 1: it is not an object"));
 }
@@ -178,7 +197,7 @@ TEST_F(TagsForms, DeepJson_IsOnlyRefused) {
 TEST_F(TagsForms, ExistingExport_IsReplacedOnlyWhenAsked) {
   WriteWav("a.wav");
   WriteText("marks", "mine");
-  EXPECT_EQ(Voxtool({"tags", "export", "@a.wav", "-o", "@marks"}).nExit, 1);
+  EXPECT_EQ(Run({"tags", "export", "@a.wav", "-o", "@marks"}).nExit, 1);
   EXPECT_EQ(Text("marks"), "mine");
   Output({"tags", "export", "@a.wav", "-f", "-o", "@marks"});
   EXPECT_NE(Text("marks"), "mine");

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "voxplay.hpp"
+
+namespace tool {
+
+// Whether notes say the same in the same order, other chunks included.
+bool AreSame(const voxplay::NotesView& a, const voxplay::NotesView& b);
+
+}  // namespace tool
