@@ -234,6 +234,25 @@ def ctrl_z_and_fg(terminal):
     check(terminal.modes() == before, "other modes in the end")
 
 
+def stopped_without_being_asked(terminal):
+    before = terminal.modes()
+    terminal.run("clear; sh -c 'echo $$ >pid; exec $0 play --null minute.wav' $program")
+    terminal.wait_for(r"^minute\.wav  0:0")
+    with open(os.path.join(os.path.dirname(terminal.socket), "pid"), encoding="ascii") as file:
+        os.kill(int(file.read()), signal.SIGSTOP)
+    terminal.wait_for(r"Stopped")
+    check(terminal.modes() == before, "other modes while it is stopped")
+    # Shells give a job the modes that they have themselves.
+    terminal.run("clear; stty icanon echo; fg")
+    terminal.wait_for(r"^minute\.wav  0:0")
+    moved_by(terminal, "Right", 5)
+    check("^[[C" not in terminal.screen(), terminal.screen())
+    terminal.press("q")
+    terminal.run("echo code-$?")
+    terminal.wait_for(r"^code-0$")
+    check(terminal.modes() == before, "other modes in the end")
+
+
 def in_the_background_it_leaves_the_terminal_alone(terminal):
     before = terminal.modes()
     terminal.run("clear; voxtool play --null -q minute.wav & sleep 0.5; jobs")
@@ -320,6 +339,7 @@ TESTS = {
     "CtrlC_PutsTheTerminalBack": (ctrl_c_puts_the_terminal_back, 80, ""),
     "Signals_PutTheTerminalBack": (signals_put_the_terminal_back, 80, ""),
     "CtrlZ_AndForeground": (ctrl_z_and_fg, 80, ""),
+    "StoppedUnasked_GoesOnWithKeys": (stopped_without_being_asked, 80, ""),
     "Background_LeavesTheTerminalAlone": (in_the_background_it_leaves_the_terminal_alone, 80, ""),
     "Narrowing_LeavesOneLine": (narrowing_leaves_one_line, 100, ""),
     "NoColor_IsObeyed": (colours_are_not_used_where_they_are_not_wanted, 80, "NO_COLOR=1"),

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "play/PlayCommand.h"
-#include "base/TimeText.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "play/PlayedFile.h"
+#include "sound/SoundInput.h"
 
 namespace tool {
 namespace {
@@ -96,8 +97,6 @@ class C_PlayList {
   std::optional<tagAfter> PlayOne(std::size_t nIndex) {
     try {
       return PlayFile(FileOf(m_options, nIndex, m_console), m_console, m_keys, m_devices);
-    } catch (const C_UsageFailure&) {
-      throw;
     } catch (const std::runtime_error& failure) {
       m_console.Complain(failure.what());
       return std::nullopt;
@@ -110,11 +109,22 @@ class C_PlayList {
   C_KeyTerminal m_keys;
 };
 
-int RunPlay(const S_PlayOptions& options, C_Console& console) {
-  if (options.bListDevices) return ListDevices(console);
+void CheckOptions(const S_PlayOptions& options) {
   if (options.files.empty()) {
     throw C_UsageFailure("voxtool play: no file is named; \"voxtool play --help\" tells more");
   }
+  if (std::ranges::count(options.files, std::string(kStandardStream)) > 1) {
+    throw C_UsageFailure("voxtool play: standard input is named more than once");
+  }
+  const auto to = C_Time::Parse(options.strTo);
+  if (to && *to < *C_Time::Parse(options.strFrom)) {
+    throw C_UsageFailure("voxtool play: --to is before --from");
+  }
+}
+
+int RunPlay(const S_PlayOptions& options, C_Console& console) {
+  if (options.bListDevices) return ListDevices(console);
+  CheckOptions(options);
   return C_PlayList(options, console).Play();
 }
 
