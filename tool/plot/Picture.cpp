@@ -163,7 +163,7 @@ std::string Draw(const S_Scene& scene, int nHeight) {
   if (scene.options.bSvg) {
     canvas = std::make_unique<C_SvgCanvas>(nWidth, nHeight, scene.strTitle);
   } else {
-    canvas = std::make_unique<C_PngCanvas>(nWidth, nHeight);
+    canvas = std::make_unique<C_PngCanvas>(nWidth, nHeight, scene.lettering);
   }
   const S_LevelColours colours = LevelColours(scene.options.bDark);
   canvas->Fill(S_Box{0, 0, static_cast<double>(nWidth), static_cast<double>(nHeight)},
