@@ -29,8 +29,9 @@ constexpr const char* kDescription =
     "terminal, a line shows the position, and keys control it: space pauses and goes on, left and "
     "right move 5 seconds, up and down 30 seconds, n and p go to the next and the previous file, q "
     "ends, and ? lists the keys.\n\n"
-    "Without an output device the files are played in silence, which takes as long. A key is heard "
-    "up to 0.4 seconds after it was pressed, because the device holds that much sound.\n\n"
+    "Without an output device the files are played in silence, which takes as long. What a key "
+    "does is heard up to 0.4 seconds later, because the device holds that much sound; q, n "
+    "and p are heard at once.\n\n"
     "A sound with one channel is heard on both sides. Of three to eight channels, those in front "
     "and behind are mixed to their side, those in the middle to both, and the one for the lowest "
     "frequencies is left out; of more channels, the odd ones are heard on the left and the even "
@@ -114,7 +115,7 @@ void CheckOptions(const S_PlayOptions& options) {
     throw C_UsageFailure("voxtool play: no file is named; \"voxtool play --help\" tells more");
   }
   if (std::ranges::count(options.files, std::string(kStandardStream)) > 1) {
-    throw C_UsageFailure("voxtool play: standard input is named more than once");
+    throw C_UsageFailure("standard input: it can be named only once");
   }
   const auto to = C_Time::Parse(options.strTo);
   if (to && *to < *C_Time::Parse(options.strFrom)) {

@@ -74,7 +74,7 @@ S_Part PartOf(const S_PlotOptions& options, std::uint32_t dwRate, const std::str
   const std::uint64_t qwFrom = options.from ? options.from->FrameAt(dwRate) : 0;
   const std::uint64_t qwTo = options.to ? options.to->FrameAt(dwRate) : qwFrames;
   if (options.to && qwTo <= qwFrom) {
-    throw C_UsageFailure("--to", "nothing is drawn", "it is not after --from");
+    throw C_Failure(strName, "nothing is drawn", "--to is not after --from");
   }
   if (options.from && qwFrom >= qwFrames) {
     throw C_Failure(strName, "nothing is drawn from " + ClockText(qwFrom, dwRate) + " on",
