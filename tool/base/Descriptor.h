@@ -27,7 +27,7 @@ class C_Descriptor {
 // Reads up to bytes.size() bytes from where the file is; 0 only at its end. Throws C_Failure, which
 // strName begins, and C_Interrupted.
 std::size_t ReadSome(int nFile, std::span<std::byte> bytes, const std::string& strName);
-// Writes all bytes. Throws in the same way.
+// Writes all bytes. Throws in the same way, and C_OutputClosed when nobody reads them any more.
 void WriteAll(int nFile, std::span<const std::byte> bytes, const std::string& strName);
 
 // A file without a name, in $TMPDIR or /tmp, that only its owner can read. Throws C_Failure.
