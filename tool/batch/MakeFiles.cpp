@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "batch/TargetChoice.h"
+#include "batch/MakeFiles.h"
 
 #include <sys/stat.h>
 
@@ -7,6 +7,9 @@
 #include <string>
 
 #include "base/Failure.h"
+#include "batch/FileList.h"
+#include "batch/ListedJobs.h"
+#include "batch/RunOnFiles.h"
 #include "sound/SoundInput.h"
 
 namespace tool {
@@ -33,20 +36,42 @@ void CheckManyTargets(const C_FileList& list, const PFN_TargetOf& fnTargetOf) {
   RefuseClashes(files, fnTargetOf);
 }
 
-}  // namespace
-
-PFN_TargetOf ChooseTargets(const S_TargetOptions& options, std::string_view extension,
-                           const C_FileList& list) {
-  if (!options.IsMany()) {
-    CheckOneTarget(options.strFile, list);
-    return [strFile = options.strFile](const S_ListedFile&) { return strFile; };
+PFN_TargetOf TargetsOf(const S_MakeRule& make, const C_FileList& list) {
+  if (!make.targets.IsMany()) {
+    CheckOneTarget(make.targets.strFile, list);
+    return [strFile = make.targets.strFile](const S_ListedFile&) { return strFile; };
   }
-  PFN_TargetOf fnTargetOf = [strFolder = options.strFolder,
-                             strExtension = std::string(extension)](const S_ListedFile& file) {
+  PFN_TargetOf fnTargetOf = [strFolder = make.targets.strFolder,
+                             strExtension = make.strExtension](const S_ListedFile& file) {
     return TargetBelow(strFolder, file, strExtension);
   };
   CheckManyTargets(list, fnTargetOf);
   return fnTargetOf;
+}
+
+S_RunOptions RunOptionsOf(const S_MakeRule& make) {
+  S_RunOptions run;
+  run.nThreads = make.files.nThreads;
+  run.eTalk = make.files.Talk();
+  run.bSummary = make.targets.IsMany() || run.eTalk == tagTalk::TALK_ALL;
+  run.strDone = make.strDone;
+  return run;
+}
+
+}  // namespace
+
+int MakeFiles(const S_MakeRule& make, const PFN_MakeFile& fnMake, C_Console& console) {
+  C_FileList list = make.files.List(console);
+  const PFN_TargetOf fnTargetOf = TargetsOf(make, list);
+  C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
+  const S_RunOptions run = RunOptionsOf(make);
+  const C_FileReport report(console, run.eTalk);
+  const S_TargetRule rule = make.targets.Rule();
+  const S_BatchState state = RunOnFiles(
+      jobs, run,
+      [&](const S_FileJob& job, C_FileWatch& watch) { return fnMake(job, rule, report, watch); },
+      console);
+  return state.qwFailed == 0 && list.Failures() == 0 ? 0 : 1;
 }
 
 }  // namespace tool

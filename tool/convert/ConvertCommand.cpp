@@ -5,10 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "base/Failure.h"
-#include "batch/ListedJobs.h"
-#include "batch/RunOnFiles.h"
-#include "batch/TargetChoice.h"
+#include "batch/MakeFiles.h"
 #include "convert/Conversion.h"
 #include "convert/ConvertArguments.h"
 #include "convert/ManifestRun.h"
@@ -30,37 +27,16 @@ constexpr const char* kDescription =
     "where an earlier one has ended, however it did, and any number of them may run at a time. "
     "Files that have changed are converted again.";
 
-PFN_TargetOf TargetsOf(const S_ConvertArguments& arguments, const C_FileList& list) {
-  const bool bMany = arguments.target.IsMany();
-  return ChooseTargets(arguments.target, bMany ? ExtensionOfFormat(FormatNameOf(arguments)) : "",
-                       list);
-}
-
-S_RunOptions RunOptionsOf(const S_ConvertArguments& arguments) {
-  S_RunOptions run;
-  run.nThreads = arguments.batch.nThreads;
-  run.eTalk = arguments.batch.Talk();
-  run.bSummary = arguments.target.IsMany() || run.eTalk == tagTalk::TALK_ALL;
-  run.strDone = "converted";
-  return run;
-}
-
 int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
   if (!arguments.strManifest.empty()) return ConvertByManifest(arguments, console);
   const S_ConvertOptions options = ConvertOptionsOf(arguments);
-  C_FileList list = arguments.batch.List(console);
-  const PFN_TargetOf fnTargetOf = TargetsOf(arguments, list);
-  C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
-  const S_RunOptions run = RunOptionsOf(arguments);
-  const C_FileReport report(console, run.eTalk);
-  const S_TargetRule rule = arguments.target.Rule();
-  const S_BatchState state = RunOnFiles(
-      jobs, run,
-      [&](const S_FileJob& job, C_FileWatch& watch) {
-        return ConvertFile(job, options, rule, report, watch);
-      },
+  S_MakeRule make{arguments.batch, arguments.target, "", "converted"};
+  if (arguments.target.IsMany()) make.strExtension = ExtensionOfFormat(FormatNameOf(arguments));
+  return MakeFiles(
+      make,
+      [&](const S_FileJob& job, const S_TargetRule& rule, const C_FileReport& report,
+          C_FileWatch& watch) { return ConvertFile(job, options, rule, report, watch); },
       console);
-  return state.qwFailed == 0 && list.Failures() == 0 ? 0 : 1;
 }
 
 }  // namespace

@@ -5,9 +5,7 @@
 #include <utility>
 
 #include "base/Failure.h"
-#include "batch/ListedJobs.h"
-#include "batch/RunOnFiles.h"
-#include "batch/TargetChoice.h"
+#include "batch/MakeFiles.h"
 #include "plot/FilePicture.h"
 #include "plot/PlotArguments.h"
 #include "sound/SoundInput.h"
@@ -35,34 +33,18 @@ void RefuseTerminal(const S_PlotArguments& arguments, const S_PlotOptions& optio
                        "send it to a file or another program");
 }
 
-S_RunOptions RunOptionsOf(const S_PlotArguments& arguments) {
-  S_RunOptions run;
-  run.nThreads = arguments.batch.nThreads;
-  run.eTalk = arguments.batch.Talk();
-  run.bSummary = arguments.target.IsMany() || run.eTalk == tagTalk::TALK_ALL;
-  run.strDone = "drawn";
-  return run;
-}
-
 int RunPlot(const S_PlotArguments& arguments, C_Console& console) {
   const S_PlotOptions options = PlotOptionsOf(arguments);
   RefuseTerminal(arguments, options, console);
-  C_FileList list = arguments.batch.List(console);
-  const PFN_TargetOf fnTargetOf =
-      ChooseTargets(arguments.target, options.bSvg ? ".svg" : ".png", list);
-  C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
-  const S_RunOptions run = RunOptionsOf(arguments);
-  const C_FileReport report(console, run.eTalk);
-  const S_TargetRule rule = arguments.target.Rule();
-  const S_BatchState state = RunOnFiles(
-      jobs, run,
-      [&](const S_FileJob& job, C_FileWatch& watch) {
-        const S_FileResult result = DrawFile(job, options, rule, watch, console);
+  return MakeFiles(
+      {arguments.batch, arguments.target, options.bSvg ? ".svg" : ".png", "drawn"},
+      [&](const S_FileJob& job, const S_TargetRule& rule, const C_FileReport& report,
+          C_FileWatch& watch) {
+        S_FileResult result = DrawFile(job, options, rule, watch, console);
         if (result.eState == tagFileState::FILE_DONE) report.Detail(job.strTarget + ": drawn");
         return result;
       },
       console);
-  return state.qwFailed == 0 && list.Failures() == 0 ? 0 : 1;
 }
 
 }  // namespace
