@@ -57,10 +57,10 @@ resolve() {
   local file=$1 name=$2 root
   found=()
   for root in "${file%/*}" "${file%%/*}"; do
-    [[ -e $root/$name ]] && found=("$root/$name") && return
+    [[ -f $root/$name ]] && found=("$root/$name") && return
   done
   for root in "${roots[@]}"; do
-    [[ -e $root/$name ]] && found+=("$root/$name")
+    [[ -f $root/$name ]] && found+=("$root/$name")
   done
   return 0
 }

@@ -23,13 +23,13 @@ library=(g++ cmake make)
 # cubeb finds the sound service's client library at run time, so no package depends on it.
 player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg123-dev libsoxr-dev)
 # What voxtool needs beside what the player needs.
-tool=(libcli11-dev nlohmann-json3-dev libcairo2-dev libfontconfig-dev libkissfft-dev libsqlite3-dev
-  fonts-dejavu-core)
+tool=(libcli11-dev nlohmann-json3-dev libcairo2-dev libpango1.0-dev libkissfft-dev
+  libsqlite3-dev fonts-dejavu-core)
 tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
   ffmpeg)
 # What the tests of voxtool need beside those.
 tool_tests=(tmux zsh fish man-db mandoc python3-minimal desktop-file-utils appstream libxml2-utils
-  shared-mime-info libglib2.0-bin file slurm-wlm munge parallel procps)
+  shared-mime-info libglib2.0-bin file fonts-droid-fallback slurm-wlm munge parallel procps)
 # What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
 ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Makes the pictures of the documents, docs/pictures/: voxtool draws samples/Test.kst and sounds that
-# sox makes. Every run gives the same bytes with the same versions of cairo and sox.
+# sox makes. Every run gives the same bytes with the same versions of cairo, pango and sox.
 #
 #   scripts/make-pictures.sh [FOLDER]     (docs/pictures unless given)
 #
@@ -47,6 +47,6 @@ sox -D C3.wav E3.wav G3.wav C4.wav E4.wav G4.wav notes.wav pad 0 0.6
 sox -D -n -r 48000 -c 2 -b 24 sweep.wav synth 8 sine 50-20000 sine 8000-100 gain -8
 
 "$voxtool" plot speech.kst -o "$target/speech.png" --size 720x340 -f
-"$voxtool" plot speech.kst -o "$target/samples.png" --size 720x240 --waveform --from 0.50 --to 0.52 -f
+"$voxtool" plot speech.kst -o "$target/samples.png" --size 720x300 --waveform --from 0.50 --to 0.52 -f
 "$voxtool" plot notes.wav -o "$target/marks.png" --size 720x360 -f
 "$voxtool" plot sweep.wav -o "$target/sweep.png" --size 720x450 --theme dark -f

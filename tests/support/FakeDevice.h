@@ -15,6 +15,7 @@ struct S_DeviceLog {
   int nOpened = 0;
   int nStarted = 0;
   int nStopped = 0;
+  int nCut = 0;
   int nClosed = 0;
   toolbox::S_OutputFormat format;
   toolbox::I_DeviceClient* pClient = nullptr;  // of the latest device
@@ -36,6 +37,7 @@ class C_FakeDevice final : public toolbox::I_OutputDevice {
     return !m_log.bRefuseStart;
   }
   void Stop() override { ++m_log.nStopped; }
+  void Cut() override { ++m_log.nCut; }
 
  private:
   S_DeviceLog& m_log;

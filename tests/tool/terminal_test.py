@@ -32,6 +32,9 @@ class Terminal:
         self.tmux("set-option", "-s", "escape-time", "0")
         self.run(f"PS1='$ '; program={voxtool}; voxtool() {{ {settings} {voxtool} \"$@\"; }}; clear")
 
+    def folder(self, name):
+        return os.path.join(os.path.dirname(self.socket), name)
+
     def tmux(self, *words):
         done = subprocess.run(["tmux", "-S", self.socket, *words], check=True,
                               stdout=subprocess.PIPE, encoding="utf-8")
@@ -234,6 +237,25 @@ def ctrl_z_and_fg(terminal):
     check(terminal.modes() == before, "other modes in the end")
 
 
+def stopped_without_being_asked(terminal):
+    before = terminal.modes()
+    terminal.run("clear; sh -c 'echo $$ >pid; exec $0 play --null minute.wav' $program")
+    terminal.wait_for(r"^minute\.wav  0:0")
+    with open(os.path.join(os.path.dirname(terminal.socket), "pid"), encoding="ascii") as file:
+        os.kill(int(file.read()), signal.SIGSTOP)
+    terminal.wait_for(r"Stopped")
+    check(terminal.modes() == before, "other modes while it is stopped")
+    # Shells give a job the modes that they have themselves.
+    terminal.run("clear; stty icanon echo; fg")
+    terminal.wait_for(r"^minute\.wav  0:0")
+    moved_by(terminal, "Right", 5)
+    check("^[[C" not in terminal.screen(), terminal.screen())
+    terminal.press("q")
+    terminal.run("echo code-$?")
+    terminal.wait_for(r"^code-0$")
+    check(terminal.modes() == before, "other modes in the end")
+
+
 def in_the_background_it_leaves_the_terminal_alone(terminal):
     before = terminal.modes()
     terminal.run("clear; voxtool play --null -q minute.wav & sleep 0.5; jobs")
@@ -256,9 +278,84 @@ def narrowing_leaves_one_line(terminal):
         check(len(lines) == 1 and len(lines[0]) < columns, terminal.screen())
 
 
+def shown(terminal, settings, line):
+    """What a command shows, with the attributes of its letters."""
+    # What the last one left on the screen must not be taken for this one.
+    terminal.shows = getattr(terminal, "shows", 0) + 1
+    terminal.run(f"clear; {settings} $program {line}; echo shown-{terminal.shows}")
+    terminal.wait_for(rf"^shown-{terminal.shows}$")
+    return terminal.screen("-e")
+
+
 def colours_are_not_used_where_they_are_not_wanted(terminal):
-    begin(terminal, "-v")
-    check(not re.search("\x1b\\[[0-9;]*m", terminal.screen("-e")), terminal.screen("-e"))
+    bold = re.compile("\x1b\\[[0-9;]*m")
+    line = "tags list minute.wav"
+    check(bold.search(shown(terminal, "", line)), "nothing is bold", terminal.screen("-e"))
+    for settings in ("NO_COLOR=1", "TERM=dumb"):
+        check(not bold.search(shown(terminal, settings, line)), settings, terminal.screen("-e"))
+    check(bold.search(shown(terminal, "NO_COLOR=", line)), "an empty NO_COLOR counts")
+    check(not bold.search(shown(terminal, "", line + " | cat")), "into a pipe")
+
+
+PROGRESS = re.compile(r"^(?:\[=* *\] )?(\d+)/400 files(?:, .*)?$", re.M)
+
+
+def begin_many(terminal, options):
+    terminal.run("mkdir in; for i in {1..400}; do ln minute.wav in/$i.wav; done; clear")
+    terminal.wait(lambda screen: screen.strip() == "$", "an empty screen")
+    terminal.run(f"clear; voxtool convert -j1 -r in -d out --to heron6 {options}; echo ended-$?")
+
+
+def files_done(terminal):
+    return int(terminal.wait(PROGRESS.search, "progress")[1])
+
+
+def progress_is_one_line_that_fits(terminal):
+    begin_many(terminal, "")
+    before = files_done(terminal)
+    terminal.wait(lambda _: files_done(terminal) > before, "more files")
+    terminal.wait_for(r"^\[=* *\] \d+/400 files, .* x real time, .* left$")
+    for columns in (60, 30, 14, 100):
+        terminal.tmux("resize-window", "-x", str(columns), "-y", "24")
+        # What the old width has broken is gone with the next line.
+        before = files_done(terminal)
+        terminal.wait(lambda _, before=before: files_done(terminal) > before, "more files")
+        lines = [line for line in terminal.screen().splitlines() if line.strip()]
+        check(len(lines) == 1 and len(lines[0]) < columns, columns, terminal.screen())
+    terminal.press("C-c")
+    terminal.wait_for(r"^interrupted: \d+ of 400 files converted$")
+    terminal.wait_for(r"^ended-130$")
+    check(not PROGRESS.search(terminal.screen()), "the progress is still there")
+    unfinished = [name for name in os.listdir(terminal.folder("out")) if not name.endswith(".hrn")]
+    check(not unfinished, unfinished)
+
+
+def without_progress(terminal, options):
+    """All that a run shows."""
+    terminal.run("mkdir in; for i in {1..400}; do ln minute.wav in/$i.wav; done; clear")
+    terminal.wait(lambda screen: screen.strip() == "$", "an empty screen")
+    terminal.tmux("pipe-pane", f"cat >{terminal.folder('raw')}")
+    terminal.run(f"$program convert -j1 -r in -d out --to wav {options}; echo ended-$?")
+    terminal.wait_for(r"^ended-0$")
+    terminal.tmux("pipe-pane")
+    with open(terminal.folder("raw"), encoding="utf-8") as file:
+        raw = file.read()
+    check("ended-0" in raw, raw)
+    check("/400 files" not in raw and "\x1b[J" not in raw, raw)
+    return raw
+
+
+def quiet_runs_show_no_progress(terminal):
+    raw = without_progress(terminal, "-q")
+    check("\n400 files: 400 converted; " in raw, raw)
+
+
+def progress_goes_to_terminals_only(terminal):
+    raw = without_progress(terminal, "2>err")
+    check("converted" not in raw, raw)
+    with open(terminal.folder("err"), encoding="utf-8") as file:
+        lines = file.read().splitlines()
+    check(len(lines) == 1 and lines[0].startswith("400 files: 400 converted; "), lines)
 
 
 def controls_in_names_are_not_obeyed(terminal):
@@ -320,9 +417,13 @@ TESTS = {
     "CtrlC_PutsTheTerminalBack": (ctrl_c_puts_the_terminal_back, 80, ""),
     "Signals_PutTheTerminalBack": (signals_put_the_terminal_back, 80, ""),
     "CtrlZ_AndForeground": (ctrl_z_and_fg, 80, ""),
+    "StoppedUnasked_GoesOnWithKeys": (stopped_without_being_asked, 80, ""),
     "Background_LeavesTheTerminalAlone": (in_the_background_it_leaves_the_terminal_alone, 80, ""),
     "Narrowing_LeavesOneLine": (narrowing_leaves_one_line, 100, ""),
-    "NoColor_IsObeyed": (colours_are_not_used_where_they_are_not_wanted, 80, "NO_COLOR=1"),
+    "NoColor_IsObeyed": (colours_are_not_used_where_they_are_not_wanted, 80, ""),
+    "Progress_IsOneLineThatFits": (progress_is_one_line_that_fits, 100, ""),
+    "QuietRuns_ShowNoProgress": (quiet_runs_show_no_progress, 80, ""),
+    "Progress_GoesToTerminalsOnly": (progress_goes_to_terminals_only, 80, ""),
     "ControlsInNames_AreNotObeyed": (controls_in_names_are_not_obeyed, 80, ""),
     "Bash_CompletesWhatIsTyped": (bash_completes, 80, ""),
     "Zsh_CompletesWhatIsTyped": (zsh_completes, 80, ""),

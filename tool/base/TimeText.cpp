@@ -105,6 +105,12 @@ std::optional<C_Time> C_Time::OfSeconds(double dSeconds) {
   return time;
 }
 
+std::partial_ordering C_Time::operator<=>(const C_Time& other) const noexcept {
+  if (m_qwFrames && other.m_qwFrames) return *m_qwFrames <=> *other.m_qwFrames;
+  if (m_qwFrames || other.m_qwFrames) return std::partial_ordering::unordered;
+  return m_dSeconds <=> other.m_dSeconds;
+}
+
 std::uint64_t C_Time::FrameAt(std::uint32_t dwRate) const noexcept {
   if (m_qwFrames) return *m_qwFrames;
   const double dFrame = std::round(m_dSeconds * dwRate);

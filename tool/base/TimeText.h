@@ -3,6 +3,7 @@
 // Places and lengths in sounds as people write and read them.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,6 +30,9 @@ class C_Time {
 
   // Empty for what is no place in a sound.
   static std::optional<C_Time> OfSeconds(double dSeconds);
+
+  // Which is earlier. Seconds and samples cannot be told apart without a rate.
+  [[nodiscard]] std::partial_ordering operator<=>(const C_Time& other) const noexcept;
 
   // Whether it is a time that is no place in a sound without a rate.
   [[nodiscard]] bool NeedsRate() const noexcept { return !m_qwFrames; }

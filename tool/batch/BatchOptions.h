@@ -50,6 +50,7 @@ struct S_TargetOptions {
   bool bReplace = false;
   bool bSkip = false;
 
+  [[nodiscard]] bool IsMany() const noexcept { return !strFolder.empty(); }
   // Folders are made below that of -d. A folder that -o names and that is missing is a mistake.
   [[nodiscard]] S_TargetRule Rule() const noexcept;
 };

@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "base/Failure.h"
+#include "base/NumberText.h"
 #include "compare/LagFinder.h"
 #include "compare/Report.h"
 
@@ -13,6 +16,7 @@ namespace tool {
 namespace {
 
 constexpr double kMostLagSeconds = 10.0;
+constexpr double kUsualLagSeconds = 1.0;
 constexpr int kDiffer = 1;
 
 constexpr const char* kDescription =
@@ -22,17 +26,17 @@ constexpr const char* kDescription =
     "together.\n"
     "\n"
     "The lag is found by correlation, and only taken for one when it makes the sounds clearly more "
-    "alike. Frames are compared without it. Frames that only one of the sounds has are compared "
-    "with silence. They do not count in the ratios.\n"
+    "alike. Frames are compared without it, and those that only one of the sounds has do not count "
+    "in the ratios. Sounds of which one lacks frames are never equal, also when these are silent: "
+    "the result says how many there are.\n"
     "\n"
-    "Ends with 0 when all samples are equal, and with 1 when they differ, or when a sound cannot "
-    "be "
+    "Ends with 0 when the sounds are equal, and with 1 when they differ, or when a sound cannot be "
     "read or compared.";
 
 struct S_CompareArguments {
   std::string strFirst;
   std::string strSecond;
-  double dMostLag = 1.0;
+  std::optional<double> dMostLag;  // seconds
   bool bJson = false;
 };
 
@@ -53,6 +57,26 @@ void RefuseUnlike(const S_CompareArguments& arguments, const S_SoundInfo& first,
   }
 }
 
+std::string CheckLag(std::string& strSeconds) {
+  double dSeconds = -1.0;
+  if (CLI::detail::lexical_cast(strSeconds, dSeconds) && dSeconds >= 0.0 &&
+      dSeconds <= kMostLagSeconds) {
+    return "";
+  }
+  return strSeconds + " is no lag: give 0 to 10 seconds";
+}
+
+// In frames.
+std::size_t MostLag(const std::optional<double>& seconds, std::uint32_t dwRate) {
+  const double dFrames = std::round(seconds.value_or(kUsualLagSeconds) * dwRate);
+  if (seconds && dFrames > static_cast<double>(kMostLag)) {
+    throw C_UsageFailure(
+        "--max-lag", "is too much for " + std::to_string(dwRate) + " Hz",
+        "give at most " + NumberText(std::floor(100.0 * kMostLag / dwRate) / 100, 2) + " seconds");
+  }
+  return static_cast<std::size_t>(std::min(dFrames, static_cast<double>(kMostLag)));
+}
+
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   if (arguments.strFirst == kStandardStream && arguments.strSecond == kStandardStream) {
     throw C_UsageFailure("compare", "both sounds are standard input", "one of them can be");
@@ -63,9 +87,8 @@ int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   C_SampleSource firstSamples(*first);
   C_SampleSource secondSamples(*second);
   const std::uint32_t dwRate = first->Info().dwRate;
-  const double dMostLag = std::min(std::round(arguments.dMostLag * dwRate), double{kMostLag});
   const std::int64_t nLag =
-      FindLag(firstSamples, secondSamples, static_cast<std::size_t>(dMostLag));
+      FindLag(firstSamples, secondSamples, MostLag(arguments.dMostLag, dwRate));
   const S_Compared compared = {NameOf(arguments.strFirst), NameOf(arguments.strSecond),
                                first->Info(), second->Info(),
                                Compare(firstSamples, secondSamples, nLag, dwRate)};
@@ -82,7 +105,7 @@ void AddOptions(CLI::App& app, S_CompareArguments& arguments) {
       ->type_name("FILE");
   app.add_option("--max-lag", arguments.dMostLag,
                  "look for a lag of up to so many seconds, 0 to 10; 1 if not said, 0 for none")
-      ->check(CLI::Range(0.0, kMostLagSeconds))
+      ->check(CLI::Validator(CheckLag, ""))
       ->type_name("SECONDS");
   app.add_flag("--json", arguments.bJson, "print a JSON object");
 }

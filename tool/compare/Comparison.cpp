@@ -205,7 +205,7 @@ std::optional<double> S_Level::Rms() const {
 std::optional<double> S_Level::Peak() const { return Decibels(dPeak * dPeak); }
 
 bool S_Comparison::IsEqual() const {
-  return !qwFirstFrame && !first.bHeardAlone && !second.bHeardAlone;
+  return !qwFirstFrame && first.Alone() == 0 && second.Alone() == 0;
 }
 
 S_Comparison Compare(C_SampleSource& first, C_SampleSource& second, std::int64_t nLag,

@@ -53,6 +53,8 @@ struct S_Side {
   std::uint64_t qwAfter = 0;
   bool bHeardAlone = false;  // whether any of these is not zero
   std::vector<S_Level> levels;
+
+  [[nodiscard]] std::uint64_t Alone() const noexcept { return qwBefore + qwAfter; }
 };
 
 struct S_Comparison {
@@ -63,7 +65,7 @@ struct S_Comparison {
   S_Side first;
   S_Side second;
 
-  // What one of them has alone is equal to nothing as long as it is silent.
+  // Whether they have the same samples at the same places, and nothing else.
   [[nodiscard]] bool IsEqual() const;
 };
 

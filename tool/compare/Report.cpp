@@ -37,16 +37,28 @@ std::string LagLine(const S_Compared& compared) {
 }
 
 std::string AloneText(const char* pszWhich, const S_Side& side) {
-  if (side.qwBefore + side.qwAfter == 0) return "";
+  if (side.Alone() == 0) return "";
   return std::string("         ") + pszWhich + " alone has " + CountedText(side.qwBefore, "frame") +
          " before and " + CountText(side.qwAfter) + " after them, " +
          (side.bHeardAlone ? "which are not silent\n" : "all silent\n");
 }
 
+// What the second sound lacks of the first, and what it has beside it.
+std::string LengthsText(const S_Comparison& result) {
+  const std::uint64_t qwMissing = result.first.Alone();
+  const std::uint64_t qwMore = result.second.Alone();
+  std::string strText;
+  if (qwMissing > 0) strText = "lacks " + CountedText(qwMissing, "frame");
+  if (qwMissing > 0 && qwMore > 0) strText += " and ";
+  if (qwMore > 0) strText += "has " + CountedText(qwMore, "frame") + " more";
+  return strText;
+}
+
 std::string DifferenceLine(const S_Compared& compared) {
   if (compared.result.IsEqual()) return "result   equal\n";
   if (!compared.result.qwFirstFrame) {
-    return "result   different, but for the frames that both have\n";
+    return "result   different: the second sound " + LengthsText(compared.result) +
+           "; the frames that both have are equal\n";
   }
   const std::uint64_t qwFrame = *compared.result.qwFirstFrame;
   return "result   different from frame " + CountText(qwFrame) + " (" +

@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "convert/ConvertCommand.h"
 
-#include <sys/stat.h>
-
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
 
-#include "base/Failure.h"
-#include "batch/ListedJobs.h"
-#include "batch/RunOnFiles.h"
+#include "batch/MakeFiles.h"
 #include "convert/Conversion.h"
 #include "convert/ConvertArguments.h"
 #include "convert/ManifestRun.h"
-#include "sound/SoundInput.h"
 
 namespace tool {
 namespace {
@@ -33,66 +27,16 @@ constexpr const char* kDescription =
     "where an earlier one has ended, however it did, and any number of them may run at a time. "
     "Files that have changed are converted again.";
 
-bool IsFolder(const std::string& strPath) {
-  struct stat status {};
-  return stat(strPath.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-bool IsMany(const S_ConvertArguments& arguments) { return !arguments.target.strFolder.empty(); }
-
-void CheckOneTarget(const S_ConvertArguments& arguments, const C_FileList& list) {
-  const std::string& strFile = arguments.target.strFile;
-  if (strFile.empty()) throw C_UsageFailure("voxtool: -o FILE or -d DIR has to say what to write");
-  if (IsFolder(strFile)) throw C_UsageFailure(strFile, "is a folder", "-d writes into it");
-  if (list.Files().size() + list.Failures() > 1) {
-    throw C_UsageFailure("voxtool: several files need -d DIR in place of -o");
-  }
-}
-
-void CheckManyTargets(const C_FileList& list, const PFN_TargetOf& fnTargetOf) {
-  const auto& files = list.Files();
-  if (std::ranges::find(files, kStandardStream, &S_ListedFile::strPath) != files.end()) {
-    throw C_UsageFailure("voxtool: standard input has no name, so it needs -o in place of -d");
-  }
-  RefuseClashes(files, fnTargetOf);
-}
-
-PFN_TargetOf TargetsOf(const S_ConvertArguments& arguments) {
-  if (!IsMany(arguments)) {
-    return [strFile = arguments.target.strFile](const S_ListedFile&) { return strFile; };
-  }
-  const std::string strExtension(ExtensionOfFormat(FormatNameOf(arguments)));
-  return [strFolder = arguments.target.strFolder, strExtension](const S_ListedFile& file) {
-    return TargetBelow(strFolder, file, strExtension);
-  };
-}
-
-S_RunOptions RunOptionsOf(const S_ConvertArguments& arguments) {
-  S_RunOptions run;
-  run.nThreads = arguments.batch.nThreads;
-  run.eTalk = arguments.batch.Talk();
-  run.bSummary = IsMany(arguments) || run.eTalk == tagTalk::TALK_ALL;
-  run.strDone = "converted";
-  return run;
-}
-
 int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
   if (!arguments.strManifest.empty()) return ConvertByManifest(arguments, console);
   const S_ConvertOptions options = ConvertOptionsOf(arguments);
-  C_FileList list = arguments.batch.List(console);
-  const PFN_TargetOf fnTargetOf = TargetsOf(arguments);
-  IsMany(arguments) ? CheckManyTargets(list, fnTargetOf) : CheckOneTarget(arguments, list);
-  C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
-  const S_RunOptions run = RunOptionsOf(arguments);
-  const C_FileReport report(console, run.eTalk);
-  const S_TargetRule rule = arguments.target.Rule();
-  const S_BatchState state = RunOnFiles(
-      jobs, run,
-      [&](const S_FileJob& job, C_FileWatch& watch) {
-        return ConvertFile(job, options, rule, report, watch);
-      },
+  S_MakeRule make{arguments.batch, arguments.target, "", "converted"};
+  if (arguments.target.IsMany()) make.strExtension = ExtensionOfFormat(FormatNameOf(arguments));
+  return MakeFiles(
+      make,
+      [&](const S_FileJob& job, const S_TargetRule& rule, const C_FileReport& report,
+          C_FileWatch& watch) { return ConvertFile(job, options, rule, report, watch); },
       console);
-  return state.qwFailed == 0 && list.Failures() == 0 ? 0 : 1;
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <cairo.h>
+#include <pango/pangocairo.h>
 
 #include <memory>
 #include <string>
@@ -14,16 +14,22 @@ struct S_CairoFree {
   void operator()(cairo_font_options_t* pObject) const noexcept {
     cairo_font_options_destroy(pObject);
   }
+  void operator()(PangoContext* pObject) const noexcept { g_object_unref(pObject); }
+  void operator()(PangoLayout* pObject) const noexcept { g_object_unref(pObject); }
+  void operator()(PangoFontDescription* pObject) const noexcept {
+    pango_font_description_free(pObject);
+  }
 };
-using C_CairoPtr = std::unique_ptr<cairo_t, S_CairoFree>;
-using C_SurfacePtr = std::unique_ptr<cairo_surface_t, S_CairoFree>;
+template <typename Object>
+using C_DrawingPtr = std::unique_ptr<Object, S_CairoFree>;
+using C_CairoPtr = C_DrawingPtr<cairo_t>;
+using C_SurfacePtr = C_DrawingPtr<cairo_surface_t>;
 
 // Throws std::bad_alloc, or std::runtime_error with what cairo says.
 void CheckCairo(cairo_status_t eStatus);
 
-// Something to draw on a surface with. Its letters do not depend on the settings of a desktop.
+// Something to draw on a surface with.
 C_CairoPtr MakeCairo(cairo_surface_t* pSurface);
-void ChooseFont(cairo_t* pCairo, double dSize, bool bBold);
 
 // The file of a surface.
 std::string PngBytes(cairo_surface_t* pSurface);

@@ -8,6 +8,7 @@
 namespace tool {
 namespace {
 
+constexpr const char* kFont = "DejaVu Sans";
 constexpr std::size_t kMostCharacters = 256;
 constexpr std::string_view kEllipsis = "\u2026";
 
@@ -39,15 +40,31 @@ void Shorten(std::string& strText) {
 }  // namespace
 
 C_Lettering::C_Lettering()
-    : m_surface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1)),
-      m_cairo(MakeCairo(m_surface.get())) {}
+    : m_context(pango_font_map_create_context(pango_cairo_font_map_get_default())) {
+  const C_DrawingPtr<cairo_font_options_t> options(cairo_font_options_create());
+  cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
+  cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_SLIGHT);
+  cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+  pango_cairo_context_set_font_options(m_context.get(), options.get());
+  pango_context_set_round_glyph_positions(m_context.get(), FALSE);
+  // Otherwise the language of the user chooses among fonts.
+  pango_context_set_language(m_context.get(), pango_language_from_string("en"));
+}
+
+C_DrawingPtr<PangoLayout> C_Lettering::Line(std::string_view text, double dSize, bool bBold) const {
+  C_DrawingPtr<PangoLayout> line(pango_layout_new(m_context.get()));
+  const C_DrawingPtr<PangoFontDescription> font(pango_font_description_new());
+  pango_font_description_set_family_static(font.get(), kFont);
+  pango_font_description_set_absolute_size(font.get(), dSize * PANGO_SCALE);
+  pango_font_description_set_weight(font.get(), bBold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+  pango_layout_set_font_description(line.get(), font.get());
+  pango_layout_set_single_paragraph_mode(line.get(), TRUE);
+  pango_layout_set_text(line.get(), text.data(), static_cast<int>(text.size()));
+  return line;
+}
 
 double C_Lettering::Width(std::string_view text, double dSize, bool bBold) const {
-  ChooseFont(m_cairo.get(), dSize, bBold);
-  cairo_text_extents_t extents{};
-  cairo_text_extents(m_cairo.get(), std::string(text).c_str(), &extents);
-  CheckCairo(cairo_status(m_cairo.get()));
-  return extents.x_advance;
+  return WidthOf(Line(text, dSize, bBold).get());
 }
 
 std::string C_Lettering::Cut(std::string_view text, double dWidth, double dSize, bool bBold) const {
@@ -60,6 +77,12 @@ std::string C_Lettering::Cut(std::string_view text, double dWidth, double dSize,
     if (!strText.empty() && Width(strCut, dSize, bBold) <= dWidth) return strCut;
   }
   return "";
+}
+
+double WidthOf(PangoLayout* pLine) {
+  PangoRectangle box{};
+  pango_layout_get_extents(pLine, nullptr, &box);
+  return static_cast<double>(box.width) / PANGO_SCALE;
 }
 
 std::string CleanText(std::string_view text) {

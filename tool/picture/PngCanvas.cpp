@@ -29,17 +29,17 @@ C_SurfacePtr SurfaceOf(const S_Image& image) {
 }
 
 // How far to the left of its place a text begins.
-double Before(cairo_t* pCairo, const char* pszText, tagTextPlace ePlace) {
+double Before(double dWidth, tagTextPlace ePlace) {
   if (ePlace == TEXT_BEGINS) return 0.0;
-  cairo_text_extents_t extents{};
-  cairo_text_extents(pCairo, pszText, &extents);
-  return ePlace == TEXT_ENDS ? extents.x_advance : extents.x_advance / 2;
+  return ePlace == TEXT_ENDS ? dWidth : dWidth / 2;
 }
 
 }  // namespace
 
-C_PngCanvas::C_PngCanvas(int nWidth, int nHeight)
-    : m_surface(MakeSurface(nWidth, nHeight)), m_cairo(MakeCairo(m_surface.get())) {
+C_PngCanvas::C_PngCanvas(int nWidth, int nHeight, const C_Lettering& lettering)
+    : m_lettering(lettering),
+      m_surface(MakeSurface(nWidth, nHeight)),
+      m_cairo(MakeCairo(m_surface.get())) {
   cairo_set_line_join(m_cairo.get(), CAIRO_LINE_JOIN_ROUND);
 }
 
@@ -72,15 +72,13 @@ void C_PngCanvas::Dot(S_Point centre, double dRadius, const S_Colour& colour) {
 
 void C_PngCanvas::Text(S_Point place, std::string_view text, const S_TextStyle& style) {
   cairo_t* const pCairo = m_cairo.get();
-  const std::string strText(text);
+  const auto line = m_lettering.Line(text, style.dSize, style.bBold);
   Choose(style.colour);
-  ChooseFont(pCairo, style.dSize, style.bBold);
-  const double dBefore = Before(pCairo, strText.c_str(), style.ePlace);
   cairo_save(pCairo);
   cairo_translate(pCairo, place.dX, place.dY);
   if (style.bUpwards) cairo_rotate(pCairo, -std::numbers::pi / 2);
-  cairo_move_to(pCairo, -dBefore, 0.0);
-  cairo_show_text(pCairo, strText.c_str());
+  cairo_move_to(pCairo, -Before(WidthOf(line.get()), style.ePlace), 0.0);
+  pango_cairo_show_layout_line(pCairo, pango_layout_get_line_readonly(line.get(), 0));
   cairo_restore(pCairo);
 }
 

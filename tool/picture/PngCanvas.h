@@ -3,13 +3,15 @@
 
 #include "picture/CairoObjects.h"
 #include "picture/Canvas.h"
+#include "picture/Lettering.h"
 
 namespace tool {
 
 // Draws into pixels. The same drawing gives the same bytes.
 class C_PngCanvas final : public I_Canvas {
  public:
-  C_PngCanvas(int nWidth, int nHeight);
+  // The lettering outlives the canvas.
+  C_PngCanvas(int nWidth, int nHeight, const C_Lettering& lettering);
 
   void Fill(const S_Box& box, const S_Colour& colour) override;
   void Fill(std::span<const S_Point> outline, const S_Colour& colour) override;
@@ -23,6 +25,7 @@ class C_PngCanvas final : public I_Canvas {
   void Choose(const S_Colour& colour);
   void Follow(std::span<const S_Point> points);
 
+  const C_Lettering& m_lettering;
   C_SurfacePtr m_surface;
   C_CairoPtr m_cairo;
 };

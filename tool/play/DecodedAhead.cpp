@@ -39,7 +39,7 @@ C_DecodedAhead::S_Taken C_DecodedAhead::Take(std::span<float> samples) {
       S_Piece& piece = m_pieces[m_nFirst];
       const std::size_t nFrames = TakeFrom(piece, samples);
       taken.nFrames += nFrames;
-      taken.qwEnd = piece.qwBegin + (piece.qwEnd - piece.qwBegin) * m_nTakenFrames / piece.nFrames;
+      taken.qwEnd = PlaceIn(piece);
       samples = samples.subspan(nFrames * m_source.Channels());
       if (m_nTakenFrames < piece.nFrames) continue;
       m_nTakenFrames = 0;
@@ -58,6 +58,15 @@ std::size_t C_DecodedAhead::TakeFrom(S_Piece& piece, std::span<float> samples) {
               nFrames * nChannels, samples.begin());
   m_nTakenFrames += nFrames;
   return nFrames;
+}
+
+// Where in the sound is the last frame that was taken of a piece. A piece may hold a short sound
+// many times.
+std::uint64_t C_DecodedAhead::PlaceIn(const S_Piece& piece) const {
+  const std::uint64_t qwLeft = piece.qwLength - piece.qwLength * m_nTakenFrames / piece.nFrames;
+  const std::uint64_t qwBefore = piece.qwEnd - std::min(m_qwBegin, piece.qwEnd);
+  if (qwLeft <= qwBefore || m_qwTurn == 0) return piece.qwEnd - std::min(qwLeft, piece.qwEnd);
+  return m_qwBegin + m_qwTurn - 1 - (qwLeft - qwBefore - 1) % m_qwTurn;
 }
 
 void C_DecodedAhead::Seek(std::uint64_t qwFrame) {
@@ -119,26 +128,44 @@ void C_DecodedAhead::FillNext() {
     if (m_seek) return;
     nNext = (m_nFirst + m_nFilled) % kPieces;
   }
-  std::size_t nFrames = Fill(m_source, m_pieces[nNext]);
-  if (nFrames == 0 && m_bAgain) {
-    m_source.Seek(m_qwBegin);
-    nFrames = Fill(m_source, m_pieces[nNext]);
-  }
+  Fill(m_pieces[nNext]);
   {
     const std::lock_guard lock(m_lock);
     // What was decoded for the old place is dropped.
     if (m_seek) return;
-    m_bEnded = nFrames == 0;
+    m_bEnded = m_pieces[nNext].nFrames == 0;
     if (!m_bEnded) ++m_nFilled;
   }
   m_changed.notify_all();
 }
 
-std::size_t C_DecodedAhead::Fill(C_PlaySource& source, S_Piece& piece) {
-  piece.qwBegin = source.Frame();
-  piece.nFrames = source.Read(piece.samples);
-  piece.qwEnd = source.Frame();
-  return piece.nFrames;
+// Up to the end of the sound. What is played again fills pieces all the same: a queue of pieces of
+// a few frames each would be shorter than what a device asks for.
+void C_DecodedAhead::Fill(S_Piece& piece) {
+  const std::size_t nChannels = m_source.Channels();
+  piece.nFrames = 0;
+  piece.qwLength = 0;
+  std::span<float> room(piece.samples);
+  while (!room.empty()) {
+    const std::uint64_t qwBefore = m_source.Frame();
+    const std::size_t nFrames = m_source.Read(room);
+    piece.nFrames += nFrames;
+    piece.qwLength += m_source.Frame() - qwBefore;
+    room = room.subspan(nFrames * nChannels);
+    if (nFrames == 0 && !BeginAgain(m_source.Frame() - m_qwBegin)) break;
+  }
+  piece.qwEnd = m_source.Frame();
+}
+
+// False when the sound is not played again, or when there is nothing to play.
+bool C_DecodedAhead::BeginAgain(std::uint64_t qwTurn) {
+  {
+    const std::lock_guard lock(m_lock);
+    if (!m_bAgain || qwTurn == 0 || m_bStop || m_seek) return false;
+    m_qwTurn = qwTurn;
+  }
+  m_source.Seek(m_qwBegin);
+  return true;
 }
 
 }  // namespace tool

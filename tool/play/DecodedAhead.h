@@ -51,16 +51,18 @@ class C_DecodedAhead {
   struct S_Piece {
     std::vector<float> samples;
     std::size_t nFrames = 0;
-    std::uint64_t qwBegin = 0;
-    std::uint64_t qwEnd = 0;
+    std::uint64_t qwLength = 0;  // frames of the sound that it was made of
+    std::uint64_t qwEnd = 0;     // where in the sound it ends
   };
   static constexpr std::size_t kPieces = 32;
 
   void Run();
   bool WaitForRoom();
   void FillNext();
-  static std::size_t Fill(C_PlaySource& source, S_Piece& piece);
+  void Fill(S_Piece& piece);
+  bool BeginAgain(std::uint64_t qwTurn);
   std::size_t TakeFrom(S_Piece& piece, std::span<float> samples);
+  [[nodiscard]] std::uint64_t PlaceIn(const S_Piece& piece) const;
 
   C_PlaySource& m_source;
   const std::uint64_t m_qwBegin;
@@ -72,6 +74,7 @@ class C_DecodedAhead {
   std::size_t m_nFirst = 0;        // the piece that is taken from
   std::size_t m_nFilled = 0;       // pieces that hold frames
   std::size_t m_nTakenFrames = 0;  // of the first piece
+  std::uint64_t m_qwTurn = 0;      // frames from the beginning to the end, once that was reached
   std::optional<std::uint64_t> m_seek;
   bool m_bEnded = false;  // the decoder is at the end
   bool m_bStop = false;

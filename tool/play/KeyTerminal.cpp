@@ -9,6 +9,7 @@
 #include <array>
 #include <csignal>
 #include <thread>
+#include <utility>
 
 namespace tool {
 namespace {
@@ -17,11 +18,13 @@ namespace {
 constexpr std::array kFatal = {SIGQUIT, SIGABRT, SIGSEGV, SIGBUS, SIGILL, SIGFPE};
 
 volatile std::sig_atomic_t g_nSuspend = 0;
+volatile std::sig_atomic_t g_nContinued = 0;
 // What a dying process puts back; -1 when there is nothing to put back.
 volatile std::sig_atomic_t g_nTerminal = -1;
 termios g_before{};
 
 extern "C" void NoteSuspend(int /*nSignal*/) { g_nSuspend = 1; }
+extern "C" void NoteContinued(int /*nSignal*/) { g_nContinued = 1; }
 
 // The system's own way follows: the signal waits until this returns.
 extern "C" void PutBackAndDie(int nSignal) {
@@ -51,6 +54,7 @@ C_KeyTerminal::C_KeyTerminal(bool bWanted)
     : m_terminal(bWanted ? OpenTerminal() : -1), m_bUsable(m_terminal.Get() >= 0) {
   if (!m_bUsable) return;
   SetHandler(SIGTSTP, &NoteSuspend, 0);
+  SetHandler(SIGCONT, &NoteContinued, SA_RESTART);
   for (const int nSignal : kFatal) {
     SetHandler(nSignal, &PutBackAndDie, static_cast<int>(SA_RESETHAND));
   }
@@ -63,14 +67,19 @@ void C_KeyTerminal::End() {
   m_bUsable = false;
   Leave();
   SetHandler(SIGTSTP, SIG_DFL, 0);
+  SetHandler(SIGCONT, SIG_DFL, 0);
   for (const int nSignal : kFatal) SetHandler(nSignal, SIG_DFL, 0);
 }
 
 // The system stops a background program that asks its terminal for something.
 bool C_KeyTerminal::InForeground() const { return tcgetpgrp(m_terminal.Get()) == getpgrp(); }
 
+// Who stopped the program without asking it, as SIGSTOP does, has left the modes of its terminal to
+// the shell: they are set again, and what was before stays what is put back.
 void C_KeyTerminal::Enter() {
-  if (m_bEntered || !InForeground() || tcgetattr(m_terminal.Get(), &g_before) != 0) return;
+  if (!InForeground()) return;
+  if (std::exchange(g_nContinued, 0) != 0) m_bEntered = false;
+  if (m_bEntered || (g_nTerminal < 0 && tcgetattr(m_terminal.Get(), &g_before) != 0)) return;
   termios mode = g_before;
   mode.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
   mode.c_cc[VMIN] = 0;

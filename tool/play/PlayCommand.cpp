@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "play/PlayCommand.h"
-#include "base/TimeText.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "play/PlayedFile.h"
+#include "sound/SoundInput.h"
 
 namespace tool {
 namespace {
@@ -28,8 +29,9 @@ constexpr const char* kDescription =
     "terminal, a line shows the position, and keys control it: space pauses and goes on, left and "
     "right move 5 seconds, up and down 30 seconds, n and p go to the next and the previous file, q "
     "ends, and ? lists the keys.\n\n"
-    "Without an output device the files are played in silence, which takes as long. A key is heard "
-    "up to 0.4 seconds after it was pressed, because the device holds that much sound.\n\n"
+    "Without an output device the files are played in silence, which takes as long. What a key "
+    "does is heard up to 0.4 seconds later, because the device holds that much sound; q, n "
+    "and p are heard at once.\n\n"
     "A sound with one channel is heard on both sides. Of three to eight channels, those in front "
     "and behind are mixed to their side, those in the middle to both, and the one for the lowest "
     "frequencies is left out; of more channels, the odd ones are heard on the left and the even "
@@ -96,8 +98,6 @@ class C_PlayList {
   std::optional<tagAfter> PlayOne(std::size_t nIndex) {
     try {
       return PlayFile(FileOf(m_options, nIndex, m_console), m_console, m_keys, m_devices);
-    } catch (const C_UsageFailure&) {
-      throw;
     } catch (const std::runtime_error& failure) {
       m_console.Complain(failure.what());
       return std::nullopt;
@@ -110,11 +110,22 @@ class C_PlayList {
   C_KeyTerminal m_keys;
 };
 
-int RunPlay(const S_PlayOptions& options, C_Console& console) {
-  if (options.bListDevices) return ListDevices(console);
+void CheckOptions(const S_PlayOptions& options) {
   if (options.files.empty()) {
     throw C_UsageFailure("voxtool play: no file is named; \"voxtool play --help\" tells more");
   }
+  if (std::ranges::count(options.files, std::string(kStandardStream)) > 1) {
+    throw C_UsageFailure("standard input: it can be named only once");
+  }
+  const auto to = C_Time::Parse(options.strTo);
+  if (to && *to < *C_Time::Parse(options.strFrom)) {
+    throw C_UsageFailure("voxtool play: --to is before --from");
+  }
+}
+
+int RunPlay(const S_PlayOptions& options, C_Console& console) {
+  if (options.bListDevices) return ListDevices(console);
+  CheckOptions(options);
   return C_PlayList(options, console).Play();
 }
 

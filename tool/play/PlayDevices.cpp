@@ -19,28 +19,6 @@ using toolbox::I_OutputDevice;
 using toolbox::S_DeviceName;
 using toolbox::S_OutputFormat;
 
-// A device that need not play out what it was given.
-class C_CuttableDevice final : public I_OutputDevice {
- public:
-  C_CuttableDevice(std::unique_ptr<I_OutputDevice> device, const std::atomic<bool>& bCut)
-      : m_device(std::move(device)), m_bCut(bCut) {}
-
-  bool Start() override { return m_device != nullptr && m_device->Start(); }
-  void Stop() override {
-    if (m_device == nullptr) return;
-    if (m_bCut) {
-      // Devices end at once with their objects.
-      m_device.reset();
-    } else {
-      m_device->Stop();
-    }
-  }
-
- private:
-  std::unique_ptr<I_OutputDevice> m_device;
-  const std::atomic<bool>& m_bCut;
-};
-
 std::string Lowered(std::string strText) {
   std::ranges::transform(strText, strText.begin(),
                          [](unsigned char by) { return static_cast<char>(std::tolower(by)); });
@@ -77,10 +55,9 @@ C_PlayDevices::C_PlayDevices(C_Console& console, const std::string& strDevice, b
 
 std::unique_ptr<I_OutputDevice> C_PlayDevices::Open(const S_OutputFormat& format,
                                                     I_DeviceClient& client) {
-  m_bCut = false;
   if (!m_bSilent) {
     auto device = toolbox::OpenNamedDevice(format, client, m_strDevice);
-    if (device != nullptr) return std::make_unique<C_CuttableDevice>(std::move(device), m_bCut);
+    if (device != nullptr) return device;
     m_console.Complain("no output device; playing silently in real time");
     // A service that does not answer is not asked again for each sound.
     m_bSilent = true;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <string>
 
@@ -21,14 +20,11 @@ class C_PlayDevices {
   // Never null. Says so once, on standard error, when a sound cannot be heard.
   std::unique_ptr<toolbox::I_OutputDevice> Open(const toolbox::S_OutputFormat& format,
                                                 toolbox::I_DeviceClient& client);
-  // The open device will fall silent at once when it is stopped, and not play out.
-  void Cut() noexcept { m_bCut = true; }
 
  private:
   C_Console& m_console;
   std::string m_strDevice;
   bool m_bSilent;
-  std::atomic<bool> m_bCut{false};
 };
 
 // For people: the outputs of the machine, one a line; "" when there are none.

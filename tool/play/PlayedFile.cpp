@@ -30,10 +30,12 @@ constexpr const char* kHelp =
 
 S_PlaySpan SpanOf(const S_PlayedFile& file, const S_SoundInfo& info) {
   S_PlaySpan span{file.from ? file.from->FrameAt(info.dwRate) : 0, kFramesUnknown};
-  if (file.to) span.qwEnd = file.to->FrameAt(info.dwRate);
-  if (span.qwEnd < span.qwBegin) throw C_UsageFailure("voxtool play: --to is before --from");
   if (span.qwBegin > info.qwFrames) {
     throw C_Failure(NameOf(file.strPath), "cannot be played", "it ends before --from");
+  }
+  if (file.to) span.qwEnd = file.to->FrameAt(info.dwRate);
+  if (span.qwEnd < span.qwBegin) {
+    throw C_Failure(NameOf(file.strPath), "cannot be played", "--to is before --from");
   }
   return span;
 }
@@ -51,7 +53,6 @@ class C_PlayedSound {
       : m_file(file),
         m_console(console),
         m_keys(keys),
-        m_devices(devices),
         m_sound(OpenSound(file.strPath)),
         m_span(SpanOf(file, m_sound->Info())),
         m_marks(m_sound->Notes()),
@@ -61,7 +62,7 @@ class C_PlayedSound {
     m_marks.Jump(m_span.qwBegin);
   }
   // A user who quits before the end wants silence at once.
-  ~C_PlayedSound() { m_devices.Cut(); }
+  ~C_PlayedSound() { m_player.Cut(); }
   C_PlayedSound(const C_PlayedSound&) = delete;
   C_PlayedSound& operator=(const C_PlayedSound&) = delete;
 
@@ -80,7 +81,6 @@ class C_PlayedSound {
   const S_PlayedFile& m_file;
   C_Console& m_console;
   C_KeyTerminal& m_keys;
-  C_PlayDevices& m_devices;
   C_SoundInputPtr m_sound;
   S_PlaySpan m_span;
   C_PassingMarks m_marks;
@@ -92,7 +92,7 @@ class C_PlayedSound {
 tagAfter C_PlayedSound::Play() {
   while (!m_wanted && !m_player.AllGiven()) Step();
   if (m_wanted) {
-    m_devices.Cut();
+    m_player.Cut();
     m_player.Stop();
   } else {
     PlayOut();
@@ -169,6 +169,7 @@ void C_PlayedSound::PlayOut() {
         eKey == tagKey::SUSPEND) {
       Follow(eKey);
     }
+    if (m_wanted || Interrupted()) m_player.Cut();
     Show(false);
   }
   ThrowIfInterrupted();

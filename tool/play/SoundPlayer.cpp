@@ -18,6 +18,7 @@ toolbox::S_OutputFormat FormatOf(const C_PlaySource& source) {
 C_SoundPlayer::C_SoundPlayer(I_SoundInput& sound, const std::string& strName,
                              const S_PlayedPart& part, const toolbox::OpenDeviceFunction& fnOpen)
     : m_dwSoundRate(sound.Info().dwRate),
+      m_qwSoundFrames(sound.Info().qwFrames),
       m_span(part.span),
       m_source(sound, strName, part.span),
       m_ahead(m_source, part.span.qwBegin, part.bAgain),
@@ -44,7 +45,9 @@ void C_SoundPlayer::Skip(double dSeconds) {
   const double dFrame = static_cast<double>(m_clock.Frame(std::chrono::steady_clock::now())) +
                         dSeconds * m_dwSoundRate;
   const auto qwFrame = static_cast<std::uint64_t>(std::llround(std::max(dFrame, 0.0)));
-  const std::uint64_t qwTarget = std::clamp(qwFrame, m_span.qwBegin, m_span.qwEnd);
+  // The greatest number, which stands for an unknown length, limits nothing.
+  const std::uint64_t qwEnd = std::min(m_span.qwEnd, m_qwSoundFrames);
+  const std::uint64_t qwTarget = std::clamp(qwFrame, m_span.qwBegin, qwEnd);
   m_ahead.Seek(qwTarget);
   m_clock.Jump(qwTarget);
 }

@@ -42,6 +42,9 @@ class C_SoundPlayer final : private toolbox::I_RenderSource {
   [[nodiscard]] bool AllGiven() const { return m_ahead.Drained(); }
   // Returns when the device has played everything that it was given, or at once when it was cut.
   void Stop() { m_playback.Stop(); }
+  // The device falls silent at once when it is stopped, also while that waits. Any thread may call
+  // it.
+  void Cut() { m_playback.Cut(); }
   // Why the sound has ended too early. Ends the decoder.
   std::optional<std::string> Failure();
 
@@ -49,6 +52,7 @@ class C_SoundPlayer final : private toolbox::I_RenderSource {
   void RenderFrames(void* pFrames, UInt32 dwFrames) override;
 
   const std::uint32_t m_dwSoundRate;
+  const std::uint64_t m_qwSoundFrames;
   const S_PlaySpan m_span;
   C_PlaySource m_source;
   C_DecodedAhead m_ahead;

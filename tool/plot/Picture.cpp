@@ -74,7 +74,7 @@ S_Part PartOf(const S_PlotOptions& options, std::uint32_t dwRate, const std::str
   const std::uint64_t qwFrom = options.from ? options.from->FrameAt(dwRate) : 0;
   const std::uint64_t qwTo = options.to ? options.to->FrameAt(dwRate) : qwFrames;
   if (options.to && qwTo <= qwFrom) {
-    throw C_UsageFailure("--to", "nothing is drawn", "it is not after --from");
+    throw C_Failure(strName, "nothing is drawn", "--to is not after --from");
   }
   if (options.from && qwFrom >= qwFrames) {
     throw C_Failure(strName, "nothing is drawn from " + ClockText(qwFrom, dwRate) + " on",
@@ -163,7 +163,7 @@ std::string Draw(const S_Scene& scene, int nHeight) {
   if (scene.options.bSvg) {
     canvas = std::make_unique<C_SvgCanvas>(nWidth, nHeight, scene.strTitle);
   } else {
-    canvas = std::make_unique<C_PngCanvas>(nWidth, nHeight);
+    canvas = std::make_unique<C_PngCanvas>(nWidth, nHeight, scene.lettering);
   }
   const S_LevelColours colours = LevelColours(scene.options.bDark);
   canvas->Fill(S_Box{0, 0, static_cast<double>(nWidth), static_cast<double>(nHeight)},

@@ -42,6 +42,7 @@ class C_CubebDevice final : public I_OutputDevice {
   bool Open();
   bool Start() override;
   void Stop() override;
+  void Cut() override { m_pStream->Cut(); }
 
  private:
   bool Watch();

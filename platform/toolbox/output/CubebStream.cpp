@@ -86,6 +86,7 @@ bool C_CubebStream::Start() {
   if (m_bFailed) return false;
   AskService();
   m_bPlayingOut = false;
+  m_bCut = false;
   if (m_bFailed) return false;
   return CubebFunctions()->stream_start(m_pStream.get()) == CUBEB_OK;
 }
@@ -109,7 +110,8 @@ void C_CubebStream::PlayOut() {
   const UInt32 dwEnough = FramesIn(m_format, kEnoughMs);
   const std::chrono::milliseconds enough(kEnoughMs);
   const auto limit = std::chrono::steady_clock::now() + enough + kPlayOutPatience;
-  while (!m_bFailed && m_dwZeroFrames <= dwEnough && std::chrono::steady_clock::now() < limit) {
+  while (!m_bFailed && !m_bCut && m_dwZeroFrames <= dwEnough &&
+         std::chrono::steady_clock::now() < limit) {
     std::this_thread::sleep_for(kPlayOutPoll);
   }
 }

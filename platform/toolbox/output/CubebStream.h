@@ -34,6 +34,8 @@ class C_CubebStream {
   void Serve(I_DeviceClient& client);
   // Feeds zeros until everything rendered so far has been played, or the service takes no more.
   void PlayOut();
+  // Ends that, also when it comes later. Any thread may call it.
+  void Cut() noexcept { m_bCut = true; }
   // Takes the client away for good: once this returns, the client is no longer called. The stream
   // plays no more. False when it had already failed.
   bool GiveUp();
@@ -75,6 +77,7 @@ class C_CubebStream {
   // While this is set the stream is fed zeros, and they are counted.
   std::atomic<bool> m_bPlayingOut{true};
   std::atomic<UInt32> m_dwZeroFrames{0};
+  std::atomic<bool> m_bCut{false};
   std::atomic<bool> m_bAsked{false};
   std::atomic<bool> m_bServing{false};
   std::shared_ptr<C_CubebStream> m_pThis;

@@ -27,6 +27,8 @@ class C_NullDevice final : public I_OutputDevice {
   // Ends the thread. Waits at most for the slice that is being rendered. Does nothing when there is
   // no thread.
   void Stop() override;
+  // There is nothing that waits to be played.
+  void Cut() override {}
 
  private:
   enum class tagState : int { Waiting, Rendering, Ending };

@@ -53,6 +53,9 @@ class I_OutputDevice {
   virtual bool Start() = 0;  // 1
   // Returns once everything rendered so far has been played; asks for no more frames after that.
   virtual void Stop() = 0;  // 2
+  // What was rendered need not be played: `Stop` falls silent and returns soon, also one that waits
+  // already. Any thread may call it.
+  virtual void Cut() = 0;  // 3
 };
 
 // Opens the default device of the machine; null when there is no device. The client outlives the

@@ -69,6 +69,10 @@ void C_Playback::Stop() {
   m_null.Stop();
 }
 
+void C_Playback::Cut() {
+  if (m_pDevice != nullptr) m_pDevice->Cut();
+}
+
 bool C_Playback::IsRunning() const {
   const std::lock_guard lock(m_lock);
   return m_bRunning;

@@ -36,6 +36,8 @@ class C_Playback final : private I_DeviceClient {
   bool Start();
   // Returns once everything rendered so far has been played.
   void Stop();
+  // Lets `Stop` return without that, also one that waits already. Any thread may call it.
+  void Cut();
   [[nodiscard]] bool IsRunning() const;
 
  private:

@@ -98,6 +98,14 @@ TEST(TimeText, OtherTexts_AreNoTimes) {
   }
 }
 
+TEST(TimeText, TimesInTheSameUnit_HaveAnOrder) {
+  EXPECT_TRUE(*C_Time::Parse("0.5") < *C_Time::Parse("1:00"));
+  EXPECT_TRUE(*C_Time::Parse("10s") > *C_Time::Parse("9s"));
+  EXPECT_TRUE(*C_Time::Parse("2") <= *C_Time::Parse("0:02"));
+  EXPECT_FALSE(*C_Time::Parse("2") < *C_Time::Parse("9s"));
+  EXPECT_FALSE(*C_Time::Parse("2") >= *C_Time::Parse("9s"));
+}
+
 TEST(TimeText, HugeTimes_AreRefusedOrLimited) {
   EXPECT_FALSE(C_Time::Parse("9007199254740994").has_value());
   EXPECT_EQ(Frame("9007199254740992", 4000000000U), std::uint64_t{1} << 53U);

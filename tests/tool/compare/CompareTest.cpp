@@ -127,7 +127,8 @@ TEST_F(Compare, LagOfNoise_IsFoundExactly) {
   WriteWav(Path("a.wav"), noise);
   for (const std::size_t nLag : {1U, 7U, 320U, 5000U, 15999U, 16000U}) {
     WriteWav(Path("b.wav"), Later(noise, nLag));
-    EXPECT_EQ(CompareBoth(), 0) << nLag;
+    EXPECT_EQ(CompareBoth(), 1) << nLag;
+    EXPECT_EQ(m_json["together"]["differing_samples"], 0);
     EXPECT_EQ(m_json["lag_frames"], nLag);
     EXPECT_EQ(m_json["frames"], 30000);
     EXPECT_EQ(m_json["second"]["frames_alone_before"], nLag);
@@ -138,7 +139,8 @@ TEST_F(Compare, EarlierSound_HasANegativeLag) {
   const C_Samples noise = NoiseSamples(30000, 8000);
   WriteWav(Path("b.wav"), noise);
   WriteWav(Path("a.wav"), Later(noise, 777));
-  EXPECT_EQ(CompareBoth(), 0);
+  EXPECT_EQ(CompareBoth(), 1);
+  EXPECT_EQ(m_json["together"]["differing_samples"], 0);
   EXPECT_EQ(m_json["lag_frames"], -777);
 }
 
@@ -163,7 +165,8 @@ TEST_F(Compare, LagOfALowTone_IsFoundExactly) {
   }
   WriteWav(Path("a.wav"), tone, 48000);
   WriteWav(Path("b.wav"), Later(tone, 3), 48000);
-  EXPECT_EQ(CompareBoth(), 0);
+  EXPECT_EQ(CompareBoth(), 1);
+  EXPECT_EQ(m_json["together"]["differing_samples"], 0);
   EXPECT_EQ(m_json["lag_frames"], 3);
 }
 
@@ -186,7 +189,8 @@ TEST_F(Compare, SoundThatBeginsLate_HasItsLagFoundAllTheSame) {
   const C_Samples late = Later(NoiseSamples(30000, 8000), 400000);
   WriteWav(Path("a.wav"), late);
   WriteWav(Path("b.wav"), Later(late, 55));
-  EXPECT_EQ(CompareBoth(), 0);
+  EXPECT_EQ(CompareBoth(), 1);
+  EXPECT_EQ(m_json["together"]["differing_samples"], 0);
   EXPECT_EQ(m_json["lag_frames"], 55);
 }
 
@@ -196,7 +200,8 @@ TEST_F(Compare, LagBeyondTheLimit_IsNotLookedFor) {
   WriteWav(Path("b.wav"), Later(noise, 200));
   EXPECT_EQ(CompareBoth({"--max-lag", "0.01"}), 1);
   EXPECT_EQ(m_json["lag_frames"], 0);
-  EXPECT_EQ(CompareBoth({"--max-lag", "0.0125"}), 0);
+  EXPECT_EQ(CompareBoth({"--max-lag", "0.0125"}), 1);
+  EXPECT_EQ(m_json["lag_frames"], 200);
 }
 
 TEST_F(Compare, SoundThatIsCutShort_Differs) {
@@ -210,13 +215,20 @@ TEST_F(Compare, SoundThatIsCutShort_Differs) {
   EXPECT_EQ(m_json["first"]["alone_is_silent"], false);
 }
 
-TEST_F(Compare, SilenceAtTheEnd_IsNoDifference) {
+TEST_F(Compare, SilenceThatIsLost_IsADifferenceAndCounted) {
   C_Samples noise = NoiseSamples(30000, 8000);
-  WriteWav(Path("a.wav"), noise);
-  noise.resize(30320);
   WriteWav(Path("b.wav"), noise);
-  EXPECT_EQ(CompareBoth(), 0);
-  EXPECT_EQ(m_json["second"]["frames_alone_after"], 320);
+  noise.resize(30320);
+  WriteWav(Path("a.wav"), noise);
+  EXPECT_EQ(CompareBoth(), 1);
+  EXPECT_EQ(m_json["equal"], false);
+  EXPECT_EQ(m_json["first"]["frames_alone_after"], 320);
+  EXPECT_EQ(m_json["first"]["alone_is_silent"], true);
+  EXPECT_EQ(Run({Path("a.wav"), Path("b.wav")}), 1);
+  EXPECT_THAT(m_run.strOut, HasSubstr("result   different: the second sound lacks 320 frames; "
+                                      "the frames that both have are equal\n"));
+  EXPECT_EQ(Run({Path("b.wav"), Path("a.wav")}), 1);
+  EXPECT_THAT(m_run.strOut, HasSubstr("the second sound has 320 frames more; "));
 }
 
 TEST_F(Compare, SamplesOf24And16Bits_AreComparedExactly) {
@@ -315,6 +327,16 @@ TEST_F(Compare, OtherNumberOfChannels_IsRefusedWithAWayOut) {
   WriteWav(Path("b.wav"), NoiseSamples(1000, 100), 16000, 2);
   EXPECT_EQ(CompareBoth(), 1);
   EXPECT_THAT(m_run.strErr, HasSubstr("voxtool convert --mono"));
+}
+
+TEST_F(Compare, TooGreatALag_IsRefusedWithTheGreatest) {
+  WriteWav(Path("a.wav"), NoiseSamples(1000, 100), 192000);
+  WriteWav(Path("b.wav"), NoiseSamples(1000, 100), 192000);
+  EXPECT_EQ(CompareBoth({"--max-lag", "11"}), 2);
+  EXPECT_THAT(m_run.strErr, HasSubstr("--max-lag: 11 is no lag: give 0 to 10 seconds\n"));
+  EXPECT_EQ(CompareBoth({"--max-lag", "2.74"}), 2);
+  EXPECT_EQ(m_run.strErr, "--max-lag: is too much for 192000 Hz: give at most 2.73 seconds\n");
+  EXPECT_EQ(CompareBoth({"--max-lag", "2.73"}), 0);
 }
 
 TEST_F(Compare, WhatCannotBeMeant_IsAUsageError) {

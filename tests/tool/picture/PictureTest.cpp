@@ -69,6 +69,17 @@ TEST(Lettering, BoldText_IsWider) {
   EXPECT_GT(lettering.Width("speech", 12.0, true), lettering.Width("speech", 12.0));
 }
 
+TEST(Lettering, LettersThatTheFontLacks_ComeFromOthers) {
+  const tool::C_Lettering lettering;
+  // Chinese, Hebrew, Greek and Russian. What no font has is drawn as a box with its number.
+  for (const char* const pszText : {"\u4f60\u597d", "\u05e9\u05dc\u05d5\u05dd",
+                                    "\u03bb\u03cc\u03b3\u03bf\u03c2", "\u0440\u0435\u0447\u044c"}) {
+    const auto line = lettering.Line(pszText, 12.0);
+    EXPECT_EQ(pango_layout_get_unknown_glyphs_count(line.get()), 0) << pszText;
+    EXPECT_GT(tool::WidthOf(line.get()), 10.0) << pszText;
+  }
+}
+
 TEST(Ticks, Steps_AreRound) {
   EXPECT_DOUBLE_EQ(tool::RoundStep(0.3), 0.5);
   EXPECT_DOUBLE_EQ(tool::RoundStep(1.0), 1.0);
@@ -116,7 +127,8 @@ tool::S_Colour Red() { return {255, 0, 0}; }
 
 TEST(PngCanvas, SameDrawing_IsTheSameBytes) {
   const auto draw = [] {
-    tool::C_PngCanvas canvas(20, 10);
+    const tool::C_Lettering lettering;
+    tool::C_PngCanvas canvas(20, 10, lettering);
     canvas.Fill(tool::S_Box{1, 1, 5, 5}, Red());
     canvas.Text({2, 9}, "x", {});
     return canvas.Finish();

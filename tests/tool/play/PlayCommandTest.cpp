@@ -3,10 +3,9 @@
 // "voxtool play" without a sound server and without a terminal.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
-#include <thread>
 
 #include "ChildProcess.h"
 #include "PlayedSounds.h"
@@ -104,6 +103,30 @@ TEST_F(PlayCommand, APartAfterTheEnd_IsAFailureOfTheFile) {
   EXPECT_EQ(run.strErr, strFile + ": cannot be played: it ends before --from\n");
 }
 
+TEST_F(PlayCommand, APartThatEndsBeforeItBegins_IsAFailureOfTheFile) {
+  const std::string strFile = Wav("a.wav", 8000);
+  const S_Run run = Run({"--null", "--from", "0.5", "--to", "100s", strFile});
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_EQ(run.strErr, strFile + ": cannot be played: --to is before --from\n");
+}
+
+TEST_F(PlayCommand, StandardInputTwice_IsAUsageFailureBeforeAnythingIsPlayed) {
+  const S_Run run = Run({"--null", "-", "/nowhere/a.wav", "-"});
+  EXPECT_EQ(run.nExit, 2);
+  EXPECT_EQ(run.strErr, "standard input: it can be named only once\n");
+}
+
+TEST_F(PlayCommand, StandardInputAgainInALoop_IsAFailureOfIt) {
+  const std::string strFile = Wav("a.wav", 0);
+  const std::string strCommand = std::string(VOXTOOL) + " play --null --loop - /nowhere/a.wav <" +
+                                 strFile + " 2>" + folder.Path("err");
+  EXPECT_EQ(WEXITSTATUS(std::system(strCommand.c_str())), 1);  // NOLINT(cert-env33-c)
+  const auto errors = folder.Read("err");
+  const std::string strErrors(errors.begin(), errors.end());
+  EXPECT_TRUE(strErrors.starts_with("/nowhere/a.wav: ")) << strErrors;
+  EXPECT_TRUE(strErrors.ends_with("\nstandard input: it can be named only once\n")) << strErrors;
+}
+
 TEST_F(PlayCommand, NamesThatBeginWithADash_FollowTwoDashes) {
   WriteWav(folder.Path("-a.wav"), 8000, 1, 800);
   const auto before = std::filesystem::current_path();
@@ -121,10 +144,14 @@ TEST_F(PlayCommand, WithoutAService_ThereAreNoDevicesToList) {
 }
 
 TEST_F(PlayCommand, Interrupted_EndsWith130) {
-  WriteKestrel(folder.Path("a.kst"), 160000);
+  voxplay::Notes notes;
+  notes.add(voxplay::Event{0, 1, 2, 0, ""});
+  WriteSound(folder.Path("a.wav"),
+             {VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 8000, 1, 16, 0, 0, 0, 0},
+             SweepWithNoise(80000, 8000), notes);
   for (const int nSignal : {SIGINT, SIGTERM}) {
-    C_RunningProgram running = program.Start({"play", "-v", "--null", folder.Path("a.kst")});
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    C_RunningProgram running = program.Start({"play", "-v", "--null", folder.Path("a.wav")});
+    ASSERT_TRUE(running.WaitForOutput("event 1/2"));
     running.Send(nSignal);
     EXPECT_EQ(running.Wait().nExit, 130);
   }

@@ -187,6 +187,21 @@ TEST(DecodedAhead, AgainAndAgain_IsWithoutAGap) {
   EXPECT_EQ(qwEnd, 300U);
 }
 
+TEST(DecodedAhead, AVeryShortSoundAgainAndAgain_IsEnoughForADevice) {
+  C_MadeSound sound(8000, 1, 10);
+  C_PlaySource source(sound, "made.wav", {});
+  C_DecodedAhead ahead(source, 0, true);
+  ahead.WaitForFirst();
+  // What a device asks for at a time.
+  std::vector<float> samples(3203);
+  const auto taken = ahead.Take(samples);
+  ASSERT_EQ(taken.nFrames, 3203U);
+  EXPECT_EQ(taken.qwEnd, 3U);
+  for (std::size_t n = 0; n < samples.size(); ++n) {
+    ASSERT_EQ(samples[n], static_cast<float>(n % 10) * C_MadeSound::kUnit) << n;
+  }
+}
+
 TEST(DecodedAhead, AgainAndAgainOfNothing_Ends) {
   C_MadeSound sound(8000, 1, 0);
   C_PlaySource source(sound, "made.wav", {});

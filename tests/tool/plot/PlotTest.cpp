@@ -278,7 +278,7 @@ TEST_F(Plot, PictureThatExists_StaysWithoutForce) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
   Write("a.png", {'o', 'l', 'd'});
   EXPECT_EQ(Run({Path("a.wav"), "-o", Path("a.png")}), 1);
-  EXPECT_EQ(m_run.strErr, Path("a.png") + ": stays as it is: it exists already\n");
+  EXPECT_EQ(m_run.strErr, Path("a.png") + ": exists: -f replaces it\n");
   EXPECT_EQ(Content("a.png").size(), 3u);
   EXPECT_EQ(Run({Path("a.wav"), "-o", Path("a.png"), "-f"}), 0);
   EXPECT_GT(Content("a.png").size(), 1000u);
@@ -298,11 +298,52 @@ TEST_F(Plot, OneBadSoundAmongOthers_IsToldAndTheOthersAreDrawn) {
   WriteWav(Path("c.wav"), NoiseSamples(1000, 1000));
   EXPECT_EQ(Run({Path("a.wav"), Path("b.wav"), Path("none.wav"), Path("c.wav"), "-d", Path("d")}),
             1);
-  EXPECT_EQ(std::count(m_run.strErr.begin(), m_run.strErr.end(), '\n'), 2) << m_run.strErr;
+  EXPECT_EQ(std::count(m_run.strErr.begin(), m_run.strErr.end(), '\n'), 3) << m_run.strErr;
   EXPECT_THAT(m_run.strErr, HasSubstr(Path("b.wav") + ": "));
+  EXPECT_THAT(m_run.strErr, HasSubstr("\n4 files: 2 drawn, 2 failed; 0.12 s of sound in "));
   EXPECT_FALSE(Content("d/a.png").empty());
   EXPECT_FALSE(Content("d/c.png").empty());
   EXPECT_FALSE(std::filesystem::exists(Path("d/b.png")));
+}
+
+TEST_F(Plot, Folder_KeepsItsTree) {
+  std::filesystem::create_directories(Path("in/deep"));
+  WriteWav(Path("in/a.wav"), NoiseSamples(1000, 1000));
+  WriteWav(Path("in/deep/b.wav"), NoiseSamples(2000, 1000));
+  for (const char* const pszJobs : {"1", "2"}) {
+    EXPECT_EQ(Run({"-r", Path("in"), "-d", Path("out") + pszJobs, "-j", pszJobs}), 0);
+    EXPECT_THAT(m_run.strErr, testing::StartsWith("2 files: 2 drawn; 0.19 s of sound in "));
+  }
+  EXPECT_EQ(C_Pixels(Path("out1/a.png")).Width(), 1200);
+  EXPECT_EQ(Content("out1/a.png"), Content("out2/a.png"));
+  EXPECT_EQ(Content("out1/deep/b.png"), Content("out2/deep/b.png"));
+  EXPECT_EQ(Run({Path("in"), "-d", Path("out")}), 1);
+  EXPECT_EQ(Run({"-r", Path("in"), "-d", Path("out1"), "--skip-existing", "-q"}), 0);
+  EXPECT_THAT(m_run.strErr, testing::StartsWith("2 files: 0 drawn, 2 skipped; "));
+}
+
+TEST_F(Plot, NamesFromAList_AreDrawn) {
+  WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
+  WriteWav(Path("b.wav"), NoiseSamples(1000, 1000));
+  const std::string strNames = Path("a.wav") + '\0' + Path("b.wav") + '\0';
+  Write("list", {strNames.begin(), strNames.end()});
+  EXPECT_EQ(Run({"--files-from", Path("list"), "-0", "-d", Path("d"), "-qq"}), 0);
+  EXPECT_EQ(m_run.strErr, "");
+  EXPECT_FALSE(Content("d/a.png").empty());
+  EXPECT_FALSE(Content("d/b.png").empty());
+}
+
+TEST_F(Plot, TimesThatOneSoundDoesNotHave_AreAFailureOfThatSound) {
+  WriteWav(Path("a.wav"), NoiseSamples(8000, 1000), 16000);
+  WriteWav(Path("b.wav"), NoiseSamples(16000, 1000), 16000);
+  WriteWav(Path("c.wav"), NoiseSamples(16000, 1000), 8000);
+  // In samples the end is before the beginning, but for the lowest rate.
+  EXPECT_EQ(Run({Path("a.wav"), Path("b.wav"), Path("c.wav"), "-d", Path("d"), "--from", "0.6",
+                 "--to", "9000s", "-j", "1", "-qq"}),
+            1);
+  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": nothing is drawn: --to is not after --from\n" +
+                              Path("b.wav") + ": nothing is drawn: --to is not after --from\n");
+  EXPECT_FALSE(Content("d/c.png").empty());
 }
 
 TEST_F(Plot, WhatCannotBeMeant_IsAUsageError) {
@@ -325,6 +366,7 @@ TEST_F(Plot, WhatCannotBeMeant_IsAUsageError) {
       {strIn, "-o", Path("x.png"), "--channel", "0"},
       {strIn, "-o", Path("x.png"), "--theme", "pink"},
       {strIn, Path("b/a.flac"), "-d", Path("d")},
+      {"-", "-d", Path("d")},
   };
   for (const auto& arguments : wrong) {
     EXPECT_EQ(Run(arguments), 2) << testing::PrintToString(arguments);
@@ -379,7 +421,7 @@ TEST_F(Plot, HostileFiles_GiveEachAPictureOrOneLine) {
   // Every fifth one, because the disk is waited for after each picture.
   constexpr std::size_t kStep = 5;
   std::filesystem::create_directory(Path("in"));
-  C_Program::Texts arguments = {"-d", Path("out"), "--size", "300x200"};
+  C_Program::Texts arguments = {"-d", Path("out"), "--size", "300x200", "-qq"};
   for (const char* const pszPack : {"api_reader", "wav_load", "vef", "smpl_cue", "adtl",
                                     "heron_stream", "sp_header_files", "codec_heads", "factory"}) {
     const auto inputs = InputsOf(pszPack);
@@ -387,7 +429,7 @@ TEST_F(Plot, HostileFiles_GiveEachAPictureOrOneLine) {
       arguments.push_back(Write("in/" + std::to_string(arguments.size()), inputs[n]));
     }
   }
-  const std::size_t nSounds = arguments.size() - 4;
+  const std::size_t nSounds = arguments.size() - 5;
   ASSERT_GT(nSounds, 500u);
   EXPECT_EQ(Run(arguments), 1) << m_run.nSignal;
   std::size_t nPictures = 0;

@@ -199,6 +199,18 @@ TEST_F(PlaybackTest, DeviceThatExists_IsTheOnlyOneUsed) {
   EXPECT_EQ(m_log.nClosed, 1);
 }
 
+TEST_F(PlaybackTest, Cut_ReachesTheDevice) {
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  playback.Cut();
+  EXPECT_EQ(m_log.nCut, 1);
+  m_log.bRefuseOpen = true;
+  C_Playback silent(m_format, m_source, OpenFakeDevice(m_log));
+  silent.Start();
+  silent.Cut();
+  EXPECT_EQ(m_log.nCut, 1);
+}
+
 std::ptrdiff_t CountThreads() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
                        std::filesystem::directory_iterator());
