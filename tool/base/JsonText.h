@@ -17,5 +17,7 @@ inline constexpr int kJsonSchema = 1;
 // may have, become U+FFFD.
 std::string JsonText(const C_Json& json);
 std::string JsonLine(const C_Json& json);
+// The same as JsonText, as it stands in an array, and without a line end after it.
+std::string JsonElement(const C_Json& json);
 
 }  // namespace tool

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "batch/BatchOptions.h"
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "base/Failure.h"
@@ -9,6 +11,7 @@ namespace tool {
 namespace {
 
 constexpr unsigned kMostThreads = 1024;
+constexpr std::string_view kStandardInput = "-";
 
 }  // namespace
 
@@ -18,19 +21,20 @@ tagTalk S_BatchOptions::Talk() const noexcept {
   return bVerbose ? tagTalk::TALK_ALL : tagTalk::TALK_USUAL;
 }
 
-void S_BatchOptions::CheckNamed() const {
-  if (!AreNamed()) throw C_UsageFailure("voxtool: no file is named");
-}
-
 C_FileList S_BatchOptions::List(C_Console& console, PFN_TakeFile fnTake) const {
+  const auto nInputs =
+      std::ranges::count(operands, kStandardInput) + (strList == kStandardInput ? 1 : 0);
+  if (nInputs > 1) throw C_UsageFailure("standard input: it can be named only once");
   C_FileList list(bFolders, console, std::move(fnTake));
   for (const std::string& strOperand : operands) list.AddOperand(strOperand);
   if (!strList.empty()) list.AddListed(strList, bZeros);
   return list;
 }
 
-void AddBatchOptions(CLI::App& command, S_BatchOptions& options) {
-  command.add_option("IN", options.operands, "files, folders with -r, or - for standard input")
+void AddFileOptions(CLI::App& command, S_BatchOptions& options, const std::string& strOperand,
+                    tagNames eNames) {
+  command
+      .add_option(strOperand, options.operands, "files, folders with -r, or - for standard input")
       ->type_name("FILE");
   command.add_flag("-r,--recursive", options.bFolders, "take the sounds in folders and below them");
   CLI::Option* const pList = command
@@ -38,14 +42,27 @@ void AddBatchOptions(CLI::App& command, S_BatchOptions& options) {
                                              "read more names from a file, or - for input")
                                  ->type_name("FILE");
   command.add_flag("-0,--null", options.bZeros, "names in that file end with a zero")->needs(pList);
+  if (eNames == tagNames::NAMES_CHECKED_LATER) return;
+  command.parse_complete_callback([&options] {
+    if (!options.AreNamed()) throw CLI::ValidationError("no file is named");
+  });
+}
+
+void AddThreadsOption(CLI::App& command, S_BatchOptions& options) {
   command
       .add_option("-j,--jobs", options.nThreads, "files at a time; one per processor if not given")
       ->type_name("N")
       ->check(CLI::Range(1U, kMostThreads).description(""));
-  CLI::Option* const pQuiet =
-      command.add_flag("-q,--quiet", options.nQuiet, "show no progress; -qq: say only what fails");
-  command.add_flag("-v,--verbose", options.bVerbose, "say what is done with each file")
-      ->excludes(pQuiet);
+}
+
+CLI::Option* AddQuietOption(CLI::App& command, S_BatchOptions& options,
+                            const std::string& strMeaning) {
+  return command.add_flag("-q,--quiet", options.nQuiet, strMeaning);
+}
+
+void AddVerboseOption(CLI::App& command, S_BatchOptions& options, const std::string& strMeaning,
+                      CLI::Option* pQuiet) {
+  command.add_flag("-v,--verbose", options.bVerbose, strMeaning)->excludes(pQuiet);
 }
 
 S_TargetRule S_TargetOptions::Rule() const noexcept {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The options that all commands on many files have.
+// The options that all commands on many files have. Those that need not all of them take what they
+// need.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -23,14 +24,25 @@ struct S_BatchOptions {
   bool bVerbose = false;
 
   [[nodiscard]] tagTalk Talk() const noexcept;
-  // Throws C_UsageFailure when no file is named at all.
-  void CheckNamed() const;
   [[nodiscard]] bool AreNamed() const noexcept { return !operands.empty() || !strList.empty(); }
-  // Complains of what cannot be listed. With fnTake, files are handed on and not kept.
+  // Complains of what cannot be listed. With fnTake, files are handed on and not kept. Throws
+  // C_UsageFailure when standard input is named more than once.
   [[nodiscard]] C_FileList List(C_Console& console, PFN_TakeFile fnTake = {}) const;
 };
-// The record must outlive the table.
-void AddBatchOptions(CLI::App& command, S_BatchOptions& options);
+// The record must outlive the table in all of these.
+//
+// The operands and where else names come from. Unless it says so itself, a command without any is a
+// mistake.
+enum class tagNames { NAMES_NEEDED, NAMES_CHECKED_LATER };
+void AddFileOptions(CLI::App& command, S_BatchOptions& options, const std::string& strOperand,
+                    tagNames eNames = tagNames::NAMES_NEEDED);
+void AddThreadsOption(CLI::App& command, S_BatchOptions& options);
+// -q and -v, with what they mean to the command.
+inline constexpr const char* kQuietMeaning = "show no progress; -qq: say only what fails";
+CLI::Option* AddQuietOption(CLI::App& command, S_BatchOptions& options,
+                            const std::string& strMeaning = kQuietMeaning);
+void AddVerboseOption(CLI::App& command, S_BatchOptions& options, const std::string& strMeaning,
+                      CLI::Option* pQuiet);
 
 struct S_TargetOptions {
   std::string strFile;

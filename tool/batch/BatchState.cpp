@@ -23,10 +23,10 @@ std::string Bar(double dPart) {
   return '[' + std::string(nFull, '=') + std::string(kBarColumns - nFull, ' ') + ']';
 }
 
-std::string CountText(const S_BatchState& state, double dPart) {
+std::string CountText(const S_BatchState& state, double dPart, const std::string& strFailed) {
   if (state.qwAll == 1) return std::to_string(static_cast<int>(dPart * 100.0)) + " %";
   std::string strText = std::to_string(state.Ended()) + "/" + Files(state.qwAll);
-  if (state.qwFailed != 0) strText += " (" + std::to_string(state.qwFailed) + " failed)";
+  if (state.qwFailed != 0) strText += " (" + std::to_string(state.qwFailed) + ' ' + strFailed + ')';
   return strText;
 }
 
@@ -50,11 +50,11 @@ std::string Fitting(const std::vector<std::string>& parts, std::size_t nColumns)
 }  // namespace
 
 void S_BatchState::Count(const S_FileResult& result) {
+  if (result.eState != tagFileState::FILE_SKIPPED) dSoundSeconds += result.Seconds();
   switch (result.eState) {
     case tagFileState::FILE_DONE:
       ++qwDone;
       if (result.qwDamaged != 0) ++qwDamaged;
-      dSoundSeconds += result.Seconds();
       break;
     case tagFileState::FILE_SKIPPED:
       ++qwSkipped;
@@ -65,13 +65,14 @@ void S_BatchState::Count(const S_FileResult& result) {
   }
 }
 
-std::string SummaryText(const S_BatchState& state, const std::string& strDone) {
+std::string SummaryText(const S_BatchState& state, const std::string& strDone,
+                        const std::string& strFailed) {
   std::string strText = Files(state.qwAll) + ": " + std::to_string(state.qwDone) + ' ' + strDone;
   if (state.qwDamaged != 0) {
     strText += " (" + std::to_string(state.qwDamaged) + " with damaged frames)";
   }
   if (state.qwSkipped != 0) strText += ", " + std::to_string(state.qwSkipped) + " skipped";
-  if (state.qwFailed != 0) strText += ", " + std::to_string(state.qwFailed) + " failed";
+  if (state.qwFailed != 0) strText += ", " + std::to_string(state.qwFailed) + ' ' + strFailed;
   return strText + "; " + DurationText(state.dSoundSeconds) + " of sound in " +
          DurationText(state.dSeconds);
 }
@@ -82,10 +83,10 @@ std::string InterruptedText(const S_BatchState& state, const std::string& strDon
 }
 
 std::string ProgressText(const S_BatchState& state, double dBegun, double dBegunSeconds,
-                         std::size_t nColumns) {
+                         std::size_t nColumns, const std::string& strFailed) {
   const double dEnded = static_cast<double>(state.Ended()) + dBegun;
   const double dPart = state.qwAll == 0 ? 0.0 : dEnded / static_cast<double>(state.qwAll);
-  std::vector<std::string> parts = {CountText(state, dPart)};
+  std::vector<std::string> parts = {CountText(state, dPart, strFailed)};
   if (state.dSeconds >= kSecondsToGuess && dPart > 0.0) {
     parts.push_back(SpeedText((state.dSoundSeconds + dBegunSeconds) / state.dSeconds));
     const double dLeft = std::fmax(state.dSeconds * (1.0 / dPart - 1.0), 0.0);

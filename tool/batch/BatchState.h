@@ -17,7 +17,7 @@ struct S_BatchState {
   std::uint64_t qwSkipped = 0;
   std::uint64_t qwFailed = 0;
   std::uint64_t qwDamaged = 0;  // of those that are done: files with damaged frames
-  double dSoundSeconds = 0.0;   // of those that are done
+  double dSoundSeconds = 0.0;   // that were read
   double dSeconds = 0.0;        // that it took
 
   void Count(const S_FileResult& result);
@@ -25,8 +25,9 @@ struct S_BatchState {
 };
 
 // "2000 files: 1999 converted (3 with damaged frames), 1 failed; 3 h 12 min of sound in 41 s".
-// strDone is the word for those that are done.
-[[nodiscard]] std::string SummaryText(const S_BatchState& state, const std::string& strDone);
+// strDone is the word for those that are done, strFailed that for the others.
+[[nodiscard]] std::string SummaryText(const S_BatchState& state, const std::string& strDone,
+                                      const std::string& strFailed = "failed");
 // The same after the user has interrupted the work: "interrupted: 12 of 2000 files converted".
 [[nodiscard]] std::string InterruptedText(const S_BatchState& state, const std::string& strDone);
 
@@ -34,6 +35,7 @@ struct S_BatchState {
 // files that are being worked on, as parts of whole ones, and dBegunSeconds is what is done of
 // their sound.
 [[nodiscard]] std::string ProgressText(const S_BatchState& state, double dBegun,
-                                       double dBegunSeconds, std::size_t nColumns);
+                                       double dBegunSeconds, std::size_t nColumns,
+                                       const std::string& strFailed = "failed");
 
 }  // namespace tool

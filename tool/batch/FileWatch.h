@@ -18,6 +18,12 @@ class C_FileWatch {
     m_dwSeconds.store(static_cast<std::uint32_t>(std::clamp(dSeconds, 0.0, dMost)),
                       std::memory_order_relaxed);
   }
+  // The same of frames, whose number and rate may be unknown.
+  void TellFrames(std::uint64_t qwDone, std::uint64_t qwAll, std::uint32_t dwRate) noexcept {
+    if (qwAll == 0 || qwAll == UINT64_MAX || dwRate == 0) return;
+    const auto dAll = static_cast<double>(qwAll);
+    Tell(static_cast<double>(qwDone) / dAll, dAll / dwRate);
+  }
   void Reset() noexcept { Tell(0.0, 0.0); }
 
   [[nodiscard]] double Part() const noexcept {

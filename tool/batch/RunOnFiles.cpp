@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/EachFile.h"
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 
@@ -88,7 +89,7 @@ class C_Run {
     }
     // Other processes may have taken a part.
     m_state.qwAll = m_state.Ended();
-    if (m_options.bSummary) Say(SummaryText(m_state, m_options.strDone));
+    if (m_options.bSummary) Say(SummaryText(m_state, m_options.strDone, m_options.strFailed));
     return m_state;
   }
 
@@ -108,7 +109,7 @@ class C_Run {
   // The calling thread works as well.
   void WorkInThreads() {
     C_Threads progress;
-    if (m_console.ShowsErrors() && m_options.eTalk >= tagTalk::TALK_USUAL) {
+    if (m_options.bProgress && m_console.ShowsErrors() && m_options.eTalk >= tagTalk::TALK_USUAL) {
       progress.Start([this] { ShowProgress(); });
     }
     {
@@ -143,17 +144,11 @@ class C_Run {
 
   S_FileResult WorkOn(const S_FileJob& job, C_FileWatch& watch) {
     S_FileResult result;
-    try {
-      return m_fnOnFile(job, watch);
-    } catch (const C_Interrupted&) {
-      throw;
-    } catch (const std::bad_alloc&) {
-      result.strReason = job.strSource + ": there is not enough memory";
-    } catch (const std::exception& failure) {
-      result.strReason = failure.what();
-    }
+    const auto strFailure = FailureOf(job.strSource, [&] { result = m_fnOnFile(job, watch); });
+    if (!strFailure) return result;
+    m_console.Complain(*strFailure);
     result.eState = tagFileState::FILE_FAILED;
-    m_console.Complain(result.strReason);
+    result.strReason = *strFailure;
     return result;
   }
 
@@ -173,7 +168,8 @@ class C_Run {
         dBegun += watch.Part();
         dSeconds += watch.SecondsDone();
       }
-      const std::string strLine = ProgressText(m_state, dBegun, dSeconds, m_console.Columns());
+      const std::string strLine =
+          ProgressText(m_state, dBegun, dSeconds, m_console.Columns(), m_options.strFailed);
       // A terminal that stands still holds up this thread alone.
       lock.unlock();
       m_console.ShowProgress(strLine);

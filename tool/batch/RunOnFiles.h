@@ -17,13 +17,17 @@ namespace tool {
 struct S_RunOptions {
   unsigned nThreads = 0;  // 0 is one for each processor
   tagTalk eTalk = tagTalk::TALK_USUAL;
-  bool bSummary = true;          // unless eTalk is TALK_ERRORS
-  std::string strDone = "done";  // what the summary says of files, "converted"
+  bool bProgress = true;  // unless eTalk says less
+  bool bSummary = true;   // the same
+  // What the summary calls files: "converted", "failed".
+  std::string strDone = "done";
+  std::string strFailed = "failed";
 };
 
 // Works on one file, in a thread among others, with objects of its own. What it throws is a failure
-// of the file, except C_Interrupted. It need not call the watch, but a long file then looks like
-// one that stands still.
+// of the file, as far as FailureOf says so, and is complained about. FILE_FAILED is one that it has
+// told of itself. It need not call the watch, but a long file then looks like one that stands
+// still.
 using PFN_OnFile = std::function<S_FileResult(const S_FileJob& job, C_FileWatch& watch)>;
 
 // Complains of files that fail, and goes on. Throws C_Interrupted when the user has interrupted it,

@@ -3,42 +3,52 @@
 
 #include <memory>
 
-#include "base/Interrupt.h"
+#include "batch/BatchOptions.h"
+#include "batch/PrintFiles.h"
 #include "check/FileCheck.h"
 
 namespace tool {
 namespace {
 
 struct S_Options {
-  std::vector<std::string> files;
+  S_BatchOptions batch;
   bool bJson = false;
-  bool bQuiet = false;
+  bool bJsonLines = false;
 };
 
+bool IsForPrograms(const S_Options& options) { return options.bJson || options.bJsonLines; }
+
 // Files that cannot be read are failures, and what is found in the others is what was asked for.
-void Tell(const S_FileCheck& check, const S_Options& options, C_Console& console) {
+void Tell(const S_FileCheck& check, const S_Options& options, C_FileOutput& output) {
+  if (check.eVerdict == tagVerdict::GOOD && options.batch.nQuiet > 0) return;
+  if (options.bJson) output.Print(JsonElement(CheckJson(check)));
+  if (options.bJsonLines) output.Print(JsonLine(CheckJson(check)));
   if (check.eVerdict == tagVerdict::UNREADABLE) {
-    console.Flush();
-    console.Complain(CheckText(check));
-  } else if (!options.bJson) {
-    console.Print(CheckText(check) + '\n');
+    output.Complain(CheckText(check));
+  } else if (!IsForPrograms(options)) {
+    output.Print(CheckText(check) + '\n');
   }
 }
 
+S_FileResult ResultOf(const S_FileCheck& check) {
+  S_FileResult result;
+  if (check.eVerdict != tagVerdict::GOOD) result.eState = tagFileState::FILE_FAILED;
+  result.dwRate = check.dwRate;
+  result.qwFrames = check.qwFrames;
+  return result;
+}
+
 int Run(const S_Options& options, C_Console& console) {
-  C_Json array = C_Json::array();
-  int nExit = 0;
-  for (const std::string& strPath : options.files) {
-    ThrowIfInterrupted();
-    const S_FileCheck check = CheckFile(strPath);
-    const bool bGood = check.eVerdict == tagVerdict::GOOD;
-    if (!bGood) nExit = 1;
-    if (bGood && options.bQuiet) continue;
-    Tell(check, options, console);
-    array.push_back(CheckJson(check));
-  }
-  if (options.bJson) console.Print(JsonText(array));
-  return nExit;
+  S_PrintRule rule = options.bJson ? JsonArrayRule() : S_PrintRule();
+  rule.strDone = "good";
+  rule.strFailed = "not good";
+  const PFN_PrintFile fnCheck = [&options](const std::string& strPath, C_FileOutput& output,
+                                           C_FileWatch& watch) {
+    const S_FileCheck check = CheckFile(strPath, watch);
+    Tell(check, options, output);
+    return ResultOf(check);
+  };
+  return PrintFiles(options.batch, rule, fnCheck, console);
 }
 
 S_Command Command(const std::shared_ptr<S_Options>& options) {
@@ -52,7 +62,7 @@ S_Command Command(const std::shared_ptr<S_Options>& options) {
       "A frame is one sample of every channel. The exit code is 1 when a file is not good. PCM has "
       "no checks of its own, so what is wrong in it cannot be seen.",
       {{"voxtool check archive/*.kst", "check some files"},
-       {"voxtool check -q archive/*.kst", "name only those that are not good"},
+       {"voxtool check -r -q archive", "name those that are not good in a folder and below it"},
        {"voxtool check --json speech.kst | jq '.[0].damaged_frames'",
         "count the damaged frames of a file"}},
       [options](C_Console& console) { return Run(*options, console); }};
@@ -63,11 +73,12 @@ S_Command Command(const std::shared_ptr<S_Options>& options) {
 void AddCheckCommand(C_CommandLine& commandLine) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(Command(options));
-  command.add_option("FILE", options->files, "the files; \"-\" is standard input")
-      ->type_name("FILE")
-      ->required();
-  command.add_flag("--json", options->bJson, "print an array with an object for each file");
-  command.add_flag("-q,--quiet", options->bQuiet, "leave good files out");
+  AddFileOptions(command, options->batch, "FILE");
+  auto* const pJson = command.add_flag("--json", options->bJson, "print an array of objects");
+  command.add_flag("--json-lines", options->bJsonLines, "print an object a line")->excludes(pJson);
+  AddThreadsOption(command, options->batch);
+  AddQuietOption(command, options->batch,
+                 "leave good files and progress out; -qq: the summary, too");
 }
 
 }  // namespace tool

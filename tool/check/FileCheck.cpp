@@ -33,7 +33,9 @@ tagVerdict VerdictOf(voxplay_status eStatus) {
 
 class C_Checker {
  public:
-  explicit C_Checker(const std::string& strPath) { m_check.strPath = strPath; }
+  C_Checker(const std::string& strPath, C_FileWatch& watch) : m_watch(watch) {
+    m_check.strPath = strPath;
+  }
 
   S_FileCheck Check() {
     try {
@@ -83,7 +85,9 @@ class C_Checker {
   }
   void CheckFrames(I_SoundInput& sound, const std::string& strOf) {
     const std::uint64_t qwClaimed = sound.Info().qwFrames;
-    const std::uint64_t qwRead = ReadToEnd(sound);
+    const std::uint64_t qwRead = ReadToEnd(sound, [&](std::uint64_t qwDone) {
+      m_watch.TellFrames(qwDone, qwClaimed, sound.Info().dwRate);
+    });
     const std::uint64_t qwDamaged = sound.DamagedFrames();
     if (strOf.empty()) m_check.qwFrames = qwRead;
     m_check.qwDamaged += qwDamaged;
@@ -98,12 +102,15 @@ class C_Checker {
     }
   }
 
+  C_FileWatch& m_watch;
   S_FileCheck m_check;
 };
 
 }  // namespace
 
-S_FileCheck CheckFile(const std::string& strPath) { return C_Checker(strPath).Check(); }
+S_FileCheck CheckFile(const std::string& strPath, C_FileWatch& watch) {
+  return C_Checker(strPath, watch).Check();
+}
 
 std::string CheckText(const S_FileCheck& check) {
   const std::string strWhy = check.strWhy.empty() ? "" : ": " + check.strWhy;

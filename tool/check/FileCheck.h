@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/JsonText.h"
+#include "batch/FileWatch.h"
 
 namespace tool {
 
@@ -29,7 +30,7 @@ struct S_FileCheck {
 
 // Decodes every frame of a file, and of the stream beside the PCM of a VEF file, and compares what
 // the file claims with what is there. Throws C_Interrupted.
-S_FileCheck CheckFile(const std::string& strPath);
+S_FileCheck CheckFile(const std::string& strPath, C_FileWatch& watch);
 
 // "speech.kst: good", "speech.kst: damaged: 3 of 400 frames".
 std::string CheckText(const S_FileCheck& check);

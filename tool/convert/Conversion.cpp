@@ -126,9 +126,7 @@ class C_Conversion {
   }
 
   void Tell(std::uint64_t qwDone, std::uint64_t qwAll) {
-    if (qwAll == 0) return;
-    const auto dAll = static_cast<double>(qwAll);
-    m_watch.Tell(static_cast<double>(qwDone) / dAll, dAll / m_format.sample_rate);
+    m_watch.TellFrames(qwDone, qwAll, m_format.sample_rate);
   }
 
   // A sound of nothing but silence stays silent.

@@ -128,7 +128,15 @@ void AddConvertArguments(CLI::App& command, S_ConvertArguments& arguments) {
   AddTargetOptions(command, arguments.target);
   AddFormatArguments(command, arguments.format);
   AddSoundArguments(command, arguments);
-  AddBatchOptions(command, arguments.batch);
+  AddFileOptions(command, arguments.batch, "IN", tagNames::NAMES_CHECKED_LATER);
+  command.parse_complete_callback([&arguments] {
+    const bool bGoesOn = !arguments.strManifest.empty() && arguments.target.strFolder.empty() &&
+                         !arguments.bPlanOnly;
+    if (!bGoesOn && !arguments.batch.AreNamed()) throw CLI::ValidationError("no file is named");
+  });
+  AddThreadsOption(command, arguments.batch);
+  AddVerboseOption(command, arguments.batch, "say what is done with each file",
+                   AddQuietOption(command, arguments.batch));
   AddManifestArguments(command, arguments);
 }
 

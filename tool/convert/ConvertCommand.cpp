@@ -78,7 +78,6 @@ S_RunOptions RunOptionsOf(const S_ConvertArguments& arguments) {
 
 int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
   if (!arguments.strManifest.empty()) return ConvertByManifest(arguments, console);
-  arguments.batch.CheckNamed();
   const S_ConvertOptions options = ConvertOptionsOf(arguments);
   C_FileList list = arguments.batch.List(console);
   const PFN_TargetOf fnTargetOf = TargetsOf(arguments);

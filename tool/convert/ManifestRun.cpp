@@ -25,9 +25,6 @@ void CheckArguments(const S_ConvertArguments& arguments) {
   if (arguments.batch.AreNamed() && !bFolder) {
     throw C_UsageFailure("voxtool: -d DIR has to say where the files go");
   }
-  if (!arguments.batch.AreNamed() && (bFolder || arguments.bPlanOnly)) {
-    throw C_UsageFailure("voxtool: no file is named");
-  }
 }
 
 class C_ManifestRun {

@@ -2,79 +2,93 @@
 #include "info/InfoCommand.h"
 
 #include <memory>
-#include <utility>
+#include <string>
 
-#include "base/EachFile.h"
 #include "base/Failure.h"
-#include "info/FileReport.h"
+#include "batch/BatchOptions.h"
+#include "batch/PrintFiles.h"
 #include "info/FormatTests.h"
 #include "info/InfoJson.h"
 #include "info/InfoText.h"
+#include "info/SoundReport.h"
 
 namespace tool {
 namespace {
 
 struct S_Options {
-  std::vector<std::string> files;
+  S_BatchOptions batch;
   bool bJson = false;
   bool bJsonLines = false;
   bool bDamage = false;
-  bool bVerbose = false;
 };
 
-class C_InfoRun {
+// What is said of one file.
+class C_FileInfo {
  public:
-  C_InfoRun(const S_Options& options, C_Console& console)
-      : m_options(options), m_console(console) {}
+  C_FileInfo(const S_Options& options, const std::string& strPath, bool bColours,
+             C_FileOutput& output)
+      : m_options(options), m_strPath(strPath), m_bColours(bColours), m_output(output) {}
 
-  int Run() {
-    const int nExit = ForEachFile(m_options.files, m_console, [this](const std::string& strPath) {
-      try {
-        Show(ReportOf(strPath, m_options.bDamage));
-      } catch (const voxplay::Error& error) {
-        if (error.status() != VOXPLAY_UNKNOWN) Fail(strPath, error.what());
-        Fail(strPath, NameOf(strPath) + ": unknown: none of the known formats" +
-                          (m_options.bVerbose ? "" : "; -v shows what was tested"));
-      } catch (const C_UsageFailure&) {
-        throw;
-      } catch (const C_Failure& failure) {
-        Fail(strPath, failure.what());
-      }
-    });
-    if (m_options.bJson) m_console.Print(JsonText(m_array));
-    return nExit;
+  S_FileResult Tell(C_FileWatch& watch) {
+    try {
+      const S_SoundReport report = ReportOf(m_strPath, m_options.bDamage, watch);
+      Show(report);
+      return ResultOf(report);
+    } catch (const voxplay::Error& error) {
+      if (error.status() != VOXPLAY_UNKNOWN) Fail(error.what());
+      Fail(NameOf(m_strPath) + ": unknown: none of the known formats" +
+           (m_options.batch.bVerbose ? "" : "; -v shows what was tested"));
+    } catch (const C_UsageFailure&) {
+      throw;
+    } catch (const C_Failure& failure) {
+      Fail(failure.what());
+    }
   }
 
  private:
-  [[nodiscard]] bool IsForPrograms() const { return m_options.bJson || m_options.bJsonLines; }
-
-  void Show(const S_FileReport& report) {
-    if (IsForPrograms()) return ShowJson(InfoJson(report));
-    m_console.Print((m_bFirst ? "" : "\n") + InfoText(report, m_console.HasColours()));
-    m_bFirst = false;
+  void Show(const S_SoundReport& report) {
+    if (!IsForPrograms()) return m_output.Print(InfoText(report, m_bColours));
+    ShowJson(InfoJson(report));
   }
-  void ShowJson(C_Json json) {
-    if (m_options.bJsonLines) return m_console.Print(JsonLine(json));
-    m_array.push_back(std::move(json));
+  [[nodiscard]] bool IsForPrograms() const { return m_options.bJson || m_options.bJsonLines; }
+  void ShowJson(const C_Json& json) {
+    m_output.Print(m_options.bJson ? JsonElement(json) : JsonLine(json));
+  }
+
+  static S_FileResult ResultOf(const S_SoundReport& report) {
+    S_FileResult result;
+    result.dwRate = report.info.dwRate;
+    if (report.info.qwFrames != kFramesUnknown) result.qwFrames = report.info.qwFrames;
+    result.qwDamaged = report.qwDamaged.value_or(0);
+    return result;
   }
   // After the failure has been told to programs, and what the tests found to people.
-  [[noreturn]] void Fail(const std::string& strPath, const std::string& strWhy) {
-    if (IsForPrograms()) ShowJson(InfoJsonOfFailure(strPath, strWhy));
-    m_console.Flush();
-    for (const std::string& strLine : TestsToShow(strPath)) {
-      m_console.Complain(NameOf(strPath) + ": " + strLine);
+  [[noreturn]] void Fail(const std::string& strWhy) {
+    if (IsForPrograms()) ShowJson(InfoJsonOfFailure(m_strPath, strWhy));
+    if (m_options.batch.bVerbose) {
+      for (const std::string& strLine : FormatTests(m_strPath)) {
+        m_output.Complain(NameOf(m_strPath) + ": " + strLine);
+      }
     }
     throw C_Failure(strWhy);
   }
-  [[nodiscard]] std::vector<std::string> TestsToShow(const std::string& strPath) const {
-    return m_options.bVerbose ? FormatTests(strPath) : std::vector<std::string>();
-  }
 
   const S_Options& m_options;
-  C_Console& m_console;
-  C_Json m_array = C_Json::array();
-  bool m_bFirst = true;
+  const std::string& m_strPath;
+  bool m_bColours;
+  C_FileOutput& m_output;
 };
+
+int Run(const S_Options& options, C_Console& console) {
+  S_PrintRule rule = options.bJson ? JsonArrayRule() : S_PrintRule();
+  if (!options.bJson && !options.bJsonLines) rule.strBetween = "\n";
+  const bool bColours = console.HasColours();
+  const PFN_PrintFile fnInfo = [&options, bColours](const std::string& strPath,
+                                                    C_FileOutput& output, C_FileWatch& watch) {
+    return C_FileInfo(options, strPath, bColours, output).Tell(watch);
+  };
+  return PrintFiles(options.batch, rule, fnInfo, console);
+}
 
 S_Command Command(const std::shared_ptr<S_Options>& options) {
   return {
@@ -88,8 +102,9 @@ S_Command Command(const std::shared_ptr<S_Options>& options) {
       "another one changes its meaning.",
       {{"voxtool info speech.kst", "show what speech.kst is"},
        {"voxtool info --damage *.hrn", "decode the files, too, and count damaged frames"},
+       {"voxtool info -r --json-lines archive", "describe all sounds in a folder to a program"},
        {"voxtool info --json talk.wav | jq '.[0].events[].start'", "list the frames of events"}},
-      [options](C_Console& console) { return C_InfoRun(*options, console).Run(); }};
+      [options](C_Console& console) { return Run(*options, console); }};
 }
 
 }  // namespace
@@ -97,14 +112,13 @@ S_Command Command(const std::shared_ptr<S_Options>& options) {
 void AddInfoCommand(C_CommandLine& commandLine) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(Command(options));
-  command.add_option("FILE", options->files, "the files; \"-\" is standard input")
-      ->type_name("FILE")
-      ->required();
+  AddFileOptions(command, options->batch, "FILE");
   auto* const pJson = command.add_flag("--json", options->bJson, "print an array of objects");
   command.add_flag("--json-lines", options->bJsonLines, "print an object a line")->excludes(pJson);
   command.add_flag("--damage", options->bDamage, "decode the sounds and count damaged frames");
-  command.add_flag("-v,--verbose", options->bVerbose,
-                   "say of an unknown file which tests it failed, a line for each");
+  AddThreadsOption(command, options->batch);
+  AddVerboseOption(command, options->batch, "say of unknown files which tests they failed",
+                   AddQuietOption(command, options->batch));
 }
 
 }  // namespace tool

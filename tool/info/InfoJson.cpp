@@ -105,7 +105,7 @@ C_Json Begin(const std::string& strPath) { return {{"schema", kJsonSchema}, {"fi
 
 }  // namespace
 
-C_Json InfoJson(const S_FileReport& report) {
+C_Json InfoJson(const S_SoundReport& report) {
   const S_SoundInfo& info = report.info;
   C_Json json = Begin(report.strPath);
   if (report.qwBytes) json["bytes"] = *report.qwBytes;

@@ -32,7 +32,7 @@ std::string LengthText(std::uint64_t qwFrames, std::uint32_t dwRate) {
   return ClockText(qwFrames, dwRate) + " (" + CountedText(qwFrames, "frame") + ")";
 }
 
-std::string DamageText(const S_FileReport& report) {
+std::string DamageText(const S_SoundReport& report) {
   if (*report.qwDamaged == 0) return "none";
   return CountText(*report.qwDamaged) + " of " + CountedText(report.info.qwFrames, "frame") + " (" +
          ClockText(*report.qwDamaged, report.info.dwRate) + ")";
@@ -57,7 +57,7 @@ std::string FieldsText(const S_HeaderFields& header) {
   return strText;
 }
 
-C_TextTable Facts(const S_FileReport& report) {
+C_TextTable Facts(const S_SoundReport& report) {
   const S_SoundInfo& info = report.info;
   C_TextTable facts("ll");
   facts.Add({"Format", info.strFormat});
@@ -88,7 +88,7 @@ std::string Heading(const char* pszWhat, std::size_t nCount) {
 
 }  // namespace
 
-std::string InfoText(const S_FileReport& report, bool bColours) {
+std::string InfoText(const S_SoundReport& report, bool bColours) {
   std::string strText = Bold(Printable(NameOf(report.strPath)), bColours) + '\n';
   strText += Facts(report).Text(kIndent);
   if (!report.marks.empty()) {

@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "info/FileReport.h"
+#include "info/SoundReport.h"
 
 namespace tool {
 
 // A report for people: several lines, of which the first one is the name of the file.
-std::string InfoText(const S_FileReport& report, bool bColours);
+std::string InfoText(const S_SoundReport& report, bool bColours);
 
 }  // namespace tool

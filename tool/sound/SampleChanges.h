@@ -26,9 +26,6 @@ struct S_SampleChanges {
 // kFramesUnknown when the input does not tell.
 [[nodiscard]] std::uint64_t ChangedFrames(const S_SoundInfo& info, const S_SampleChanges& changes);
 
-// Is told how many frames have been read.
-using PFN_FramesRead = std::function<void(std::uint64_t qwFrames)>;
-
 // Reads the rest of the input, changes it and hands it to the sink. Samples of which nothing but
 // the choice of channels is to be changed stay exactly as they are, and have the type that holds
 // them: int16_t, int32_t for integers of more than 16 bits, float for floating point. All others

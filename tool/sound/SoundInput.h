@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -53,6 +54,9 @@ class I_SoundInput {
   virtual void Seek(std::uint64_t qwFrame) = 0;
 };
 using C_SoundInputPtr = std::unique_ptr<I_SoundInput>;
+
+// Is told how many frames have been read.
+using PFN_FramesRead = std::function<void(std::uint64_t qwFrames)>;
 
 // Standard input, as an operand.
 inline constexpr const char* kStandardStream = "-";

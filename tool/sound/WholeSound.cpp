@@ -13,12 +13,13 @@ constexpr std::size_t kPieceSamples = 65536;
 
 }  // namespace
 
-std::uint64_t ReadToEnd(I_SoundInput& sound) {
+std::uint64_t ReadToEnd(I_SoundInput& sound, const PFN_FramesRead& fnRead) {
   std::vector<std::int16_t> piece(std::max<std::size_t>(kPieceSamples, sound.Info().dwChannels));
   std::uint64_t qwFrames = 0;
   while (const std::size_t nRead = sound.Read(std::span(piece))) {
     ThrowIfInterrupted();
     qwFrames += nRead;
+    if (fnRead) fnRead(qwFrames);
   }
   return qwFrames;
 }

@@ -9,6 +9,6 @@ namespace tool {
 
 // Reads a sound from where it is to its end, so that its damage is known, and returns the number of
 // frames. Throws what reading throws, and C_Interrupted.
-std::uint64_t ReadToEnd(I_SoundInput& sound);
+std::uint64_t ReadToEnd(I_SoundInput& sound, const PFN_FramesRead& fnRead = {});
 
 }  // namespace tool

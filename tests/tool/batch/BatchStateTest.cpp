@@ -70,7 +70,7 @@ TEST(BatchStateTest, Results_AreCounted) {
   EXPECT_EQ(state.qwDamaged, 1U);
   EXPECT_EQ(state.qwFailed, 1U);
   EXPECT_EQ(state.qwSkipped, 1U);
-  EXPECT_EQ(state.dSoundSeconds, 4.0);
+  EXPECT_EQ(state.dSoundSeconds, 6.0);
 }
 
 TEST(DurationTextTest, EveryLength_HasTwoPartsAtMost) {

@@ -72,8 +72,8 @@ TEST_F(CheckCommand, FilesThatCannotBeRead_AreFailures) {
   const S_Run run = Voxtool({"check", "@missing", "@."});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_EQ(run.strOut, "");
-  EXPECT_THAT(run.strErr, HasSubstr(Path("missing") + ": unreadable: No such file or directory\n"));
-  EXPECT_THAT(run.strErr, HasSubstr(Path(".") + ": unreadable: "));
+  EXPECT_THAT(run.strErr, HasSubstr(Path("missing") + ": unreadable: there is no such file\n"));
+  EXPECT_THAT(run.strErr, HasSubstr(Path(".") + ": is a folder: -r takes the sounds in it\n"));
 }
 
 TEST_F(CheckCommand, Quiet_NamesOnlyWhatIsNotGood) {
@@ -83,6 +83,7 @@ TEST_F(CheckCommand, Quiet_NamesOnlyWhatIsNotGood) {
   EXPECT_EQ(run.nExit, 1);
   EXPECT_EQ(run.strOut, Path("bad") + ": unknown: none of the known formats\n");
   EXPECT_EQ(Output({"check", "-q", "@good.wav"}), "");
+  EXPECT_EQ(Output({"check", "-qq", "@good.wav", "@good.wav"}), "");
 }
 
 TEST_F(CheckCommand, Json_HasOneObjectPerFile) {
@@ -97,6 +98,44 @@ TEST_F(CheckCommand, Json_HasOneObjectPerFile) {
   EXPECT_EQ(json[0]["damaged_frames"], 0);
   EXPECT_EQ(json[1]["verdict"], "unknown");
   EXPECT_EQ(json[1]["reason"], "none of the known formats");
+}
+
+TEST_F(CheckCommand, JsonLines_HaveAnObjectPerFile) {
+  WriteWav("good.wav");
+  const S_Run run = Voxtool({"check", "--json-lines", "@missing", "@good.wav"});
+  EXPECT_EQ(run.nExit, 1);
+  const std::size_t nEnd = run.strOut.find('\n');
+  EXPECT_EQ(nlohmann::json::parse(run.strOut.substr(0, nEnd))["verdict"], "unreadable");
+  EXPECT_EQ(nlohmann::json::parse(run.strOut.substr(nEnd + 1))["verdict"], "good");
+}
+
+TEST_F(CheckCommand, Folders_AreCheckedInOrderAndSummedUp) {
+  for (const char* const pszName : {"c", "a", "b"}) {
+    std::filesystem::create_directory(Path(pszName));
+    WriteWav(pszName + std::string("/1.wav"));
+  }
+  Write("b/2.wav", {'n', 'o'});
+  const S_Run run = Voxtool({"check", "-r", "-j", "3", "@c", "@a", "@b"});
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_EQ(run.strOut, Path("c/1.wav") + ": good\n" + Path("a/1.wav") + ": good\n" +
+                            Path("b/1.wav") + ": good\n" + Path("b/2.wav") +
+                            ": unknown: none of the known formats\n");
+  EXPECT_THAT(run.strErr, StartsWith("4 files: 3 good, 1 not good; 3 s of sound in "));
+}
+
+TEST_F(CheckCommand, NamesInAFile_AreChecked) {
+  WriteWav("a.wav");
+  const std::string strName = Path("a.wav");
+  C_Bytes names(strName.begin(), strName.end());
+  names.push_back(0);
+  Write("names", names);
+  EXPECT_EQ(Output({"check", "--files-from", "@names", "-0"}), strName + ": good\n");
+}
+
+TEST_F(CheckCommand, NoFile_IsAUsageError) {
+  const S_Run run = Voxtool({"check"});
+  EXPECT_EQ(run.nExit, 2);
+  EXPECT_EQ(run.strErr, "voxtool check: no file is named\nTry \"voxtool check --help\".\n");
 }
 
 TEST_F(CheckCommand, FilesOfOtherLibraries_AreChecked) {

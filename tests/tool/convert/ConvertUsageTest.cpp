@@ -19,7 +19,8 @@ class ConvertUsageTest : public test::C_ToolTest {
 };
 
 TEST_F(ConvertUsageTest, WhatCannotBeMeant_EndsWithTwo) {
-  EXPECT_EQ(Fail(2, {}), "voxtool: no file is named\n") << "no files";
+  EXPECT_EQ(Fail(2, {}), "voxtool convert: no file is named\nTry \"voxtool convert --help\".\n")
+      << "no files";
   EXPECT_EQ(Fail(2, {"@/in.wav"}), "voxtool: --to has to say which format to write\n");
   EXPECT_EQ(Fail(2, {"@/in.wav", "--to", "wav"}),
             "voxtool: -o FILE or -d DIR has to say what to write\n");

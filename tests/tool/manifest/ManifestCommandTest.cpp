@@ -190,7 +190,7 @@ TEST_F(ManifestCommandTest, WhatCannotBeMeant_IsRefused) {
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "@/in/000.wav", "--to", "wav"}),
             "voxtool: -d DIR has to say where the files go\n");
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-d", "@/out", "--to", "wav"}),
-            "voxtool: no file is named\n");
+            "voxtool convert: no file is named\nTry \"voxtool convert --help\".\n");
   EXPECT_EQ(Fail(1, {"--manifest", "@/none.db"}),
             "@/none.db: cannot be opened: No such file or directory\n");
   EXPECT_EQ(Fail(1, {"--manifest", "@/in/000.wav"}),

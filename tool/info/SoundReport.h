@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "base/JsonText.h"
+#include "batch/FileWatch.h"
 #include "sound/SoundInput.h"
 #include "voxplay.hpp"
 
 namespace tool {
 
 // All that is told of a file.
-struct S_FileReport {
+struct S_SoundReport {
   std::string strPath;
   std::optional<std::uint64_t> qwBytes;  // of a file with a name
   S_SoundInfo info;
@@ -24,6 +25,6 @@ struct S_FileReport {
 };
 
 // Opens a file, and decodes it when bDecodes is true, or throws what opening and reading throw.
-S_FileReport ReportOf(const std::string& strPath, bool bDecodes);
+S_SoundReport ReportOf(const std::string& strPath, bool bDecodes, C_FileWatch& watch);
 
 }  // namespace tool

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "info/FileReport.h"
+#include "info/SoundReport.h"
 
 #include <sys/stat.h>
 
@@ -27,9 +27,9 @@ std::optional<voxplay::Info> StreamOf(const std::string& strPath, const S_SoundI
 
 }  // namespace
 
-S_FileReport ReportOf(const std::string& strPath, bool bDecodes) {
+S_SoundReport ReportOf(const std::string& strPath, bool bDecodes, C_FileWatch& watch) {
   const C_SoundInputPtr sound = OpenSound(strPath);
-  S_FileReport report;
+  S_SoundReport report;
   report.strPath = strPath;
   report.qwBytes = BytesOf(strPath);
   report.info = sound->Info();
@@ -38,7 +38,9 @@ S_FileReport ReportOf(const std::string& strPath, bool bDecodes) {
   report.sampler.data = nullptr;  // goes with the sound
   report.stream = StreamOf(strPath, report.info);
   if (!bDecodes) return report;
-  report.info.qwFrames = ReadToEnd(*sound);
+  report.info.qwFrames = ReadToEnd(*sound, [&](std::uint64_t qwDone) {
+    watch.TellFrames(qwDone, sound->Info().qwFrames, report.info.dwRate);
+  });
   report.qwDamaged = sound->DamagedFrames();
   return report;
 }
