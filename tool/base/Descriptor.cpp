@@ -40,6 +40,8 @@ void WriteAll(int nFile, std::span<const std::byte> bytes, const std::string& st
     const ssize_t cbWritten = write(nFile, bytes.data(), bytes.size());
     if (cbWritten >= 0) {
       bytes = bytes.subspan(static_cast<std::size_t>(cbWritten));
+    } else if (errno == EPIPE) {
+      throw C_OutputClosed();
     } else if (errno != EINTR) {
       throw C_Failure(strName, "cannot be written", SystemReason(errno));
     }

@@ -15,6 +15,7 @@
 #include "convert/ConvertArguments.h"
 #include "convert/ManifestRun.h"
 #include "sound/SoundInput.h"
+#include "sound/StandardOutput.h"
 
 namespace tool {
 namespace {
@@ -43,6 +44,7 @@ bool IsMany(const S_ConvertArguments& arguments) { return !arguments.target.strF
 void CheckOneTarget(const S_ConvertArguments& arguments, const C_FileList& list) {
   const std::string& strFile = arguments.target.strFile;
   if (strFile.empty()) throw C_UsageFailure("voxtool: -o FILE or -d DIR has to say what to write");
+  if (strFile == kStandardStream) RefuseTerminal();
   if (IsFolder(strFile)) throw C_UsageFailure(strFile, "is a folder", "-d writes into it");
   if (list.Files().size() + list.Failures() > 1) {
     throw C_UsageFailure("voxtool: several files need -d DIR in place of -o");
@@ -79,7 +81,7 @@ S_RunOptions RunOptionsOf(const S_ConvertArguments& arguments) {
 int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
   if (!arguments.strManifest.empty()) return ConvertByManifest(arguments, console);
   const S_ConvertOptions options = ConvertOptionsOf(arguments);
-  C_FileList list = arguments.batch.List(console);
+  C_FileList list = arguments.batch.List(console, arguments.target.strFolder);
   const PFN_TargetOf fnTargetOf = TargetsOf(arguments);
   IsMany(arguments) ? CheckManyTargets(list, fnTargetOf) : CheckOneTarget(arguments, list);
   C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
