@@ -185,6 +185,14 @@ typedef struct voxplay_info {
    * frames that are read twice count once. Frames that a seek passed over are not counted. What
    * G.711 and ADPCM lack counts nowhere, because the sound ends there. */
   uint64_t damaged_frames;
+  /* How many frames a stream of KESTREL or HERON says that it has, of which frames are there; 0 for
+   * other codecs. */
+  uint64_t claimed_frames;
+  /* 1 when something is missing at the end: the input is shorter than its sizes say, by samples or
+   * by more than 8 bytes after them, or frames has turned out smaller than claimed_frames. An input
+   * that only goes forward, or does not tell its length, does not tell this before its end. */
+  uint32_t is_cut;
+  uint32_t reserved; /* 0 */
 } voxplay_info;
 
 /* Fills *info as far as size. */

@@ -30,6 +30,8 @@ void OpenKestrel(I_ByteSource& source, const S_ByteRange& range, std::uint32_t d
   S_KestrelStream kestrel = OpenKestrelStream(source, range);
   Describe(opened.info, VOXPLAY_CODEC_KESTREL, dwSampleRate);
   opened.info.bit_rate = kestrel.dwBitRate;
+  opened.info.claimed_frames = kestrel.qwClaimedFrames;
+  opened.info.is_cut = kestrel.bCut ? 1 : 0;
   opened.stream = std::move(kestrel.stream);
 }
 
@@ -39,6 +41,8 @@ void OpenHeron(I_ByteSource& source, const S_ByteRange& range, std::uint32_t dwS
   Describe(opened.info, VOXPLAY_CODEC_HERON, dwSampleRate);
   opened.info.bits_per_sample = static_cast<std::uint32_t>(heron.nBitDepth);
   opened.info.bit_rate = dwSampleRate * opened.info.bits_per_sample;
+  opened.info.claimed_frames = heron.qwClaimedFrames;
+  opened.info.is_cut = heron.bCut ? 1 : 0;
   opened.stream = std::move(heron.stream);
 }
 

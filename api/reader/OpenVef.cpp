@@ -97,6 +97,7 @@ S_Opened OpenVef(I_ByteSource& source, std::uint32_t dwFlags) {
     opened.info = StoredInfo(sound, VOXPLAY_CONTAINER_VEF);
     opened.stream = OpenStored(source, sound);
   }
+  if (sound.contents.bLacksBytes) opened.info.is_cut = 1;
   opened.info.has_stream = HasStream(source, sound.contents) ? 1 : 0;
   if (sound.codecRecord) FillHeaders(*sound.codecRecord, opened.headers);
   opened.chunks = std::move(sound.contents.chunks);

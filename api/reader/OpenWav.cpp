@@ -13,6 +13,7 @@ S_Opened OpenWav(I_ByteSource& source, std::uint32_t /*dwFlags*/) {
   opened.info = StoredInfo(sound, bVemd ? VOXPLAY_CONTAINER_VEMD : VOXPLAY_CONTAINER_WAV);
   opened.notes =
       ReadRiffNotes(std::move(sound.further), E_RiffForm::Wave, sound.contents.bCutShort);
+  opened.info.is_cut = sound.contents.bLacksBytes ? 1 : 0;
   opened.stream = OpenStored(source, sound);
   opened.chunks = std::move(sound.contents.chunks);
   return opened;

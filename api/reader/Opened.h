@@ -18,7 +18,8 @@
 namespace api {
 
 struct S_Opened {
-  // Without frames and damaged_frames, which change while the sound is read.
+  // Without frames and damaged_frames, which change while the sound is read, and is_cut as far as
+  // they tell it.
   voxplay_info info{};
   voxplay_headers headers{};
   S_Notes notes;

@@ -86,6 +86,7 @@ C_Reader::C_Reader(C_ByteSourcePtr source, std::uint32_t dwFlags)
 voxplay_info C_Reader::Info() const {
   voxplay_info info = m_opened.info;
   info.frames = m_opened.stream->FrameCount().value_or(UINT64_MAX);
+  if (info.frames < info.claimed_frames) info.is_cut = 1;
   info.damaged_frames = m_opened.stream->DamagedFrames();
   return info;
 }

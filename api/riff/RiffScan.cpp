@@ -57,6 +57,7 @@ class C_Scanner {
     if (!ReadFileHead()) return std::nullopt;
     while (m_qwRemaining >= kChunkHeadBytes && ListNext()) continue;
     m_contents.bCutShort = IsCutShort();
+    m_contents.bLacksBytes = LacksBytes();
     return std::move(m_contents);
   }
 
@@ -203,12 +204,19 @@ class C_Scanner {
   [[nodiscard]] bool IsCutShort() const {
     const auto qwLength = m_source.Length();
     if (!qwLength || !m_source.CanGoBack()) return true;
-    std::uint64_t qwEnd = m_qwListEnd;
-    if (!m_contents.chunks.empty()) {
-      const S_ByteRange& last = m_contents.chunks.back().payload;
-      qwEnd = std::max(qwEnd, AddLimited(last.qwAt, last.qwSize));
-    }
-    return *qwLength < qwEnd;
+    return *qwLength < std::max(m_qwListEnd, EndOfLast());
+  }
+  [[nodiscard]] bool LacksBytes() const {
+    const auto qwLength = m_source.Length();
+    if (!qwLength || !m_source.CanGoBack()) return false;
+    const bool bCounts = m_dwRiffSize >= kFormBytes && m_qwListEnd != kNoEnd;
+    return *qwLength < EndOfLast() ||
+           (bCounts && AddLimited(*qwLength, kChunkHeadBytes) < m_qwListEnd);
+  }
+  [[nodiscard]] std::uint64_t EndOfLast() const {
+    if (m_contents.chunks.empty()) return 0;
+    const S_ByteRange& last = m_contents.chunks.back().payload;
+    return AddLimited(last.qwAt, last.qwSize);
   }
 
   I_ByteSource& m_source;

@@ -36,6 +36,9 @@ struct S_RiffContents {
   bool bToTheEnd = false;  // the size of "data" was not known when it was written
   // The file ends before the end that its RIFF size or its last chunk names, or that is not known.
   bool bCutShort = false;
+  // The same, but only where that is known, and nothing else can have made the sizes wrong: many
+  // programs count 8 bytes too many.
+  bool bLacksBytes = false;
   std::vector<S_FoundChunk> chunks;
 
   // The last chunk with this identifier, null when there is none. pszID has four characters.

@@ -47,6 +47,7 @@ S_ByteRange After(S_ByteRange range, std::uint64_t qwBytes) {
 struct S_Audio {
   int nBitDepth = 0;
   S_ByteRange coded;
+  bool bCut = false;
 };
 
 S_Audio FindAudio(I_ByteSource& source, S_ByteRange held) {
@@ -60,7 +61,8 @@ S_Audio FindAudio(I_ByteSource& source, S_ByteRange held) {
     Refuse(VOXPLAY_DAMAGED, "its head has mode " + std::to_string(dwHead & 0xFF) +
                                 ", and its events begin at " + std::to_string(dwHead >> 8));
   }
-  return {end->variant.nBitDepth, After({held.qwAt, end->qwEnd}, bytes.size())};
+  return {end->variant.nBitDepth, After({held.qwAt, end->qwEnd}, bytes.size()),
+          heronstream::EventsAt(dwHead) > held.qwSize};
 }
 
 heron::S_Count ReadCount(I_ByteSource& source, S_ByteRange coded) {
@@ -72,8 +74,8 @@ heron::S_Count ReadCount(I_ByteSource& source, S_ByteRange coded) {
   return *count;
 }
 
-C_HeronBlocks OpenBlocks(I_ByteSource& source, S_ByteRange coded, int nSampleRate) {
-  const heron::S_Count count = ReadCount(source, coded);
+C_HeronBlocks OpenBlocks(I_ByteSource& source, S_ByteRange coded, const heron::S_Count& count,
+                         int nSampleRate) {
   return {source, After(coded, count.nBytes), static_cast<std::size_t>(count.qwCount), nSampleRate};
 }
 
@@ -82,7 +84,8 @@ C_HeronBlocks OpenBlocks(I_ByteSource& source, S_ByteRange coded, int nSampleRat
 class C_HeronStream final : public C_PieceStream {
  public:
   // Throws C_Failure for a sound that is too long or has no good block.
-  C_HeronStream(I_ByteSource& source, S_ByteRange coded, int nSampleRate);
+  C_HeronStream(I_ByteSource& source, S_ByteRange coded, const heron::S_Count& count,
+                int nSampleRate);
 
   [[nodiscard]] std::size_t ChannelCount() const noexcept override { return 1; }
   [[nodiscard]] std::optional<std::uint64_t> FrameCount() const noexcept override {
@@ -114,8 +117,9 @@ class C_HeronStream final : public C_PieceStream {
   bool m_bGood = false;
 };
 
-C_HeronStream::C_HeronStream(I_ByteSource& source, S_ByteRange coded, int nSampleRate)
-    : m_blocks(OpenBlocks(source, coded, nSampleRate)) {
+C_HeronStream::C_HeronStream(I_ByteSource& source, S_ByteRange coded, const heron::S_Count& count,
+                             int nSampleRate)
+    : m_blocks(OpenBlocks(source, coded, count, nSampleRate)) {
   CheckLength();
   FindGoodBlock();
 }
@@ -170,7 +174,9 @@ S_HeronStream OpenHeronStream(I_ByteSource& source, S_ByteRange range, std::uint
   CheckWay(source);
   const int nSampleRate = CoderRate(dwSampleRate);
   const S_Audio audio = FindAudio(source, Held(source, range));
-  return {std::make_unique<C_HeronStream>(source, audio.coded, nSampleRate), audio.nBitDepth};
+  const heron::S_Count count = ReadCount(source, audio.coded);
+  return {std::make_unique<C_HeronStream>(source, audio.coded, count, nSampleRate), audio.nBitDepth,
+          count.qwCount, audio.bCut};
 }
 
 }  // namespace api

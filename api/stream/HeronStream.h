@@ -17,6 +17,8 @@ namespace api {
 struct S_HeronStream {
   C_SampleStreamPtr stream;
   int nBitDepth = 0;
+  std::uint64_t qwClaimedFrames = 0;  // by the count of samples
+  bool bCut = false;                  // the source ends before the audio does, as the head says
 };
 
 // The stream is in this range, which may end after the source. The source must outlive the result

@@ -76,9 +76,7 @@ std::uint64_t ClaimedFrames(const S_Head& head, std::uint64_t qwWordsPerFrame) {
 }
 
 // The frames that are claimed, as far as they are there.
-S_ByteRange FrameRange(const S_Head& head, S_ByteRange held, std::uint64_t qwWordsPerFrame) {
-  const std::uint64_t qwClaimed = ClaimedFrames(head, qwWordsPerFrame);
-  const std::uint64_t cbFrame = qwWordsPerFrame * kWordBytes;
+S_ByteRange FrameRange(std::uint64_t qwClaimed, S_ByteRange held, std::uint64_t cbFrame) {
   return {held.qwAt + kHeadBytes, std::min(qwClaimed * cbFrame, held.qwSize - kHeadBytes)};
 }
 
@@ -195,15 +193,16 @@ S_KestrelStream OpenKestrelStream(I_ByteSource& source, S_ByteRange range) {
   CheckClaim(head, held.qwSize);
   const auto configuration = ConfigurationOf(head);
   const auto nWords = static_cast<std::size_t>(configuration.nWordsPerFrame);
-  const S_ByteRange frames = FrameRange(head, held, nWords);
+  const std::uint64_t qwClaimed = ClaimedFrames(head, nWords);
   const std::size_t cbFrame = nWords * kWordBytes;
+  const S_ByteRange frames = FrameRange(qwClaimed, held, cbFrame);
   const std::uint64_t qwFrames = (frames.qwSize + cbFrame - 1) / cbFrame;
   if (qwFrames > kMostCodedSamples / kSamples) {
     Refuse(VOXPLAY_TOO_LARGE, "its samples would take 4 GiB or more");
   }
   return {std::make_unique<C_KestrelStream>(C_KestrelFrames(source, frames, cbFrame), configuration,
                                             qwFrames, source.Length().has_value()),
-          head.dwBitRate};
+          head.dwBitRate, qwClaimed * kSamples, frames.qwSize < qwClaimed * cbFrame};
 }
 
 }  // namespace api

@@ -17,6 +17,8 @@ namespace api {
 struct S_KestrelStream {
   C_SampleStreamPtr stream;
   std::uint32_t dwBitRate = 0;
+  std::uint64_t qwClaimedFrames = 0;  // by the length field
+  bool bCut = false;                  // the source is known to end before them
 };
 
 // The stream is in this range, which may end after the source. The source must outlive the result.

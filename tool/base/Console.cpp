@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "base/Failure.h"
+#include "base/QuietErrors.h"
 #include "base/TerminalText.h"
 #include "base/Utf8.h"
 
@@ -27,10 +28,6 @@ bool TerminalHasColours() {
 [[noreturn]] void FailToPrint() {
   if (errno == EPIPE) throw C_OutputClosed();
   throw C_Failure("standard output", "cannot be written", SystemReason(errno));
-}
-
-void ToErrors(std::string_view text) {
-  if (!text.empty()) std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
 std::size_t WidthOf(int nTerminal) {
@@ -62,7 +59,7 @@ void C_Console::Flush() {
 void C_Console::Complain(std::string_view line) {
   const std::lock_guard lock(m_lock);
   TakeProgressAway();
-  ToErrors(Printable(line) + '\n');
+  WriteToErrors(Printable(line) + '\n');
 }
 
 void C_Console::ShowProgress(std::string_view line) {
@@ -70,7 +67,7 @@ void C_Console::ShowProgress(std::string_view line) {
   const std::lock_guard lock(m_lock);
   if (line == m_strProgress) return;
   // In one piece, so that it does not flicker.
-  ToErrors(Erasure() + std::string(line));
+  WriteToErrors(Erasure() + std::string(line));
   m_strProgress = line;
 }
 
@@ -88,7 +85,7 @@ std::string C_Console::Erasure() const {
 }
 
 void C_Console::TakeProgressAway() {
-  ToErrors(Erasure());
+  WriteToErrors(Erasure());
   m_strProgress.clear();
 }
 

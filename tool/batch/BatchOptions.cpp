@@ -21,11 +21,13 @@ tagTalk S_BatchOptions::Talk() const noexcept {
   return bVerbose ? tagTalk::TALK_ALL : tagTalk::TALK_USUAL;
 }
 
-C_FileList S_BatchOptions::List(C_Console& console, PFN_TakeFile fnTake) const {
+C_FileList S_BatchOptions::List(C_Console& console, const std::string& strTargets,
+                                PFN_TakeFile fnTake) const {
   const auto nInputs =
       std::ranges::count(operands, kStandardInput) + (strList == kStandardInput ? 1 : 0);
   if (nInputs > 1) throw C_UsageFailure("standard input: it can be named only once");
   C_FileList list(bFolders, console, std::move(fnTake));
+  list.LeaveOut(strTargets);
   for (const std::string& strOperand : operands) list.AddOperand(strOperand);
   if (!strList.empty()) list.AddListed(strList, bZeros);
   return list;
@@ -78,7 +80,7 @@ void AddTargetOptions(CLI::App& command, S_TargetOptions& options) {
       command
           .add_option("-o,--output", options.strFile, "the file to write, or - for standard output")
           ->type_name("FILE");
-  command.add_option("-d,--directory", options.strFolder, "the folder for the files to write")
+  command.add_option("-d,--dir", options.strFolder, "the folder for the files to write")
       ->type_name("DIR")
       ->excludes(pFile);
   CLI::Option* const pReplace =

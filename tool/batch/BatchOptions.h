@@ -27,7 +27,9 @@ struct S_BatchOptions {
   [[nodiscard]] bool AreNamed() const noexcept { return !operands.empty() || !strList.empty(); }
   // Complains of what cannot be listed. With fnTake, files are handed on and not kept. Throws
   // C_UsageFailure when standard input is named more than once.
-  [[nodiscard]] C_FileList List(C_Console& console, PFN_TakeFile fnTake = {}) const;
+  // Files in strTargets, and below it, are left out when a folder above it is listed.
+  [[nodiscard]] C_FileList List(C_Console& console, const std::string& strTargets = "",
+                                PFN_TakeFile fnTake = {}) const;
 };
 // The record must outlive the table in all of these.
 //

@@ -30,6 +30,14 @@ std::string CountText(const S_BatchState& state, double dPart, const std::string
   return strText;
 }
 
+// A file may be both.
+std::string DamageText(const S_BatchState& state) {
+  if (state.qwCut == 0) return std::to_string(state.qwDamaged) + " with damaged frames";
+  const std::string strCut = std::to_string(state.qwCut) + " cut";
+  if (state.qwDamaged == 0) return strCut;
+  return std::to_string(state.qwDamaged) + " with damaged frames, " + strCut;
+}
+
 std::string SpeedText(double dRatio) {
   return std::to_string(static_cast<std::uint64_t>(std::fmin(std::round(dRatio), 1e9))) +
          " x real time";
@@ -55,6 +63,7 @@ void S_BatchState::Count(const S_FileResult& result) {
     case tagFileState::FILE_DONE:
       ++qwDone;
       if (result.qwDamaged != 0) ++qwDamaged;
+      if (result.bCut) ++qwCut;
       break;
     case tagFileState::FILE_SKIPPED:
       ++qwSkipped;
@@ -68,9 +77,7 @@ void S_BatchState::Count(const S_FileResult& result) {
 std::string SummaryText(const S_BatchState& state, const std::string& strDone,
                         const std::string& strFailed) {
   std::string strText = Files(state.qwAll) + ": " + std::to_string(state.qwDone) + ' ' + strDone;
-  if (state.qwDamaged != 0) {
-    strText += " (" + std::to_string(state.qwDamaged) + " with damaged frames)";
-  }
+  if (state.qwDamaged + state.qwCut != 0) strText += " (" + DamageText(state) + ')';
   if (state.qwSkipped != 0) strText += ", " + std::to_string(state.qwSkipped) + " skipped";
   if (state.qwFailed != 0) strText += ", " + std::to_string(state.qwFailed) + ' ' + strFailed;
   return strText + "; " + DurationText(state.dSoundSeconds) + " of sound in " +
@@ -87,10 +94,12 @@ std::string ProgressText(const S_BatchState& state, double dBegun, double dBegun
   const double dEnded = static_cast<double>(state.Ended()) + dBegun;
   const double dPart = state.qwAll == 0 ? 0.0 : dEnded / static_cast<double>(state.qwAll);
   std::vector<std::string> parts = {CountText(state, dPart, strFailed)};
-  if (state.dSeconds >= kSecondsToGuess && dPart > 0.0) {
+  // Those that were skipped have taken no time, and those that are left will.
+  const double dWorked = dEnded - static_cast<double>(state.qwSkipped);
+  if (state.dSeconds >= kSecondsToGuess && dWorked > 0.0) {
     parts.push_back(SpeedText((state.dSoundSeconds + dBegunSeconds) / state.dSeconds));
-    const double dLeft = std::fmax(state.dSeconds * (1.0 / dPart - 1.0), 0.0);
-    parts.push_back(DurationText(std::round(dLeft)) + " left");
+    const double dFiles = std::fmax(static_cast<double>(state.qwAll) - dEnded, 0.0);
+    parts.push_back(DurationText(std::round(state.dSeconds * dFiles / dWorked)) + " left");
   }
   // A line that fills the last column would wrap.
   const std::size_t nRoom = std::max<std::size_t>(nColumns, 1) - 1;

@@ -17,6 +17,7 @@ struct S_BatchState {
   std::uint64_t qwSkipped = 0;
   std::uint64_t qwFailed = 0;
   std::uint64_t qwDamaged = 0;  // of those that are done: files with damaged frames
+  std::uint64_t qwCut = 0;      // the same: files whose end is missing
   double dSoundSeconds = 0.0;   // that were read
   double dSeconds = 0.0;        // that it took
 

@@ -29,6 +29,7 @@ struct S_FileResult {
   std::uint32_t dwRate = 0;
   std::uint64_t qwFrames = 0;   // that were read
   std::uint64_t qwDamaged = 0;  // of these
+  bool bCut = false;            // the end is missing
   // Of the decoded sound, where it was asked for.
   std::optional<std::uint64_t> qwSum;
 

@@ -79,6 +79,11 @@ bool IsFolder(const std::string& strPath) {
   return std::filesystem::is_directory(strPath, none);
 }
 
+bool IsSameFolder(const std::string& strPath, const std::string& strOther) {
+  std::error_code none;
+  return !strOther.empty() && std::filesystem::equivalent(strPath, strOther, none);
+}
+
 // A relative path that leads upwards has no place below another folder.
 std::size_t KeptOfListed(const std::string& strPath) {
   const std::filesystem::path path(strPath);
@@ -122,7 +127,7 @@ void C_FileList::Walk(const std::string& strFolder, std::size_t nKept) {
   if (error) Complain(strFolder, "cannot be listed", error.message());
   for (const S_Entry& entry : entries) {
     if (entry.bFolder) {
-      Walk(entry.strPath, nKept);
+      if (!IsSameFolder(entry.strPath, m_strLeftOut)) Walk(entry.strPath, nKept);
     } else if (IsSound(entry.strPath)) {
       AddFile({entry.strPath, nKept});
     }

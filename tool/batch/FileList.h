@@ -35,6 +35,10 @@ class C_FileList {
   C_FileList(bool bFolders, C_Console& console, PFN_TakeFile fnTake = {})
       : m_bFolders(bFolders), m_console(console), m_fnTake(std::move(fnTake)) {}
 
+  // What is in this folder, and below it, does not count when a folder above it is listed. It need
+  // not exist.
+  void LeaveOut(const std::string& strFolder) { m_strLeftOut = strFolder; }
+
   // "-" is a file like any other. Complains of folders that cannot be listed, and goes on.
   void AddOperand(const std::string& strPath);
   // The names in a file, as ReadListedNames has them.
@@ -55,6 +59,7 @@ class C_FileList {
   bool m_bFolders;
   C_Console& m_console;
   PFN_TakeFile m_fnTake;
+  std::string m_strLeftOut;
   std::vector<S_ListedFile> m_files;
   std::size_t m_nFailures = 0;
 };

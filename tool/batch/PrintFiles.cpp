@@ -85,8 +85,9 @@ class C_PrintedJobs final : public I_FileJobs {
     m_bFailed = false;
   }
   void Print(const C_FileOutput& output) {
-    if (output.Prints())
+    if (output.Prints()) {
       m_console.Print(std::exchange(m_bAny, true) ? m_rule.strBetween : m_rule.strBefore);
+    }
     output.SendTo(m_console);
   }
 

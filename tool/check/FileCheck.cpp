@@ -6,7 +6,6 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "base/Utf8.h"
-#include "check/StreamClaim.h"
 #include "marks/FourCharacters.h"
 #include "sound/LibrarySound.h"
 #include "sound/WholeSound.h"
@@ -66,9 +65,8 @@ class C_Checker {
     m_check.strFormat = info.strFormat;
     m_check.dwRate = info.dwRate;
     for (const voxplay::ChunkPlace& chunk : info.chunks) CheckChunk(chunk);
-    if (info.ours && m_check.strPath != kStandardStream) CheckStream(*info.ours);
     CheckFrames(*sound, "");
-    if (info.ours && info.ours->has_stream != 0 && m_check.strPath != kStandardStream) {
+    if (info.ours && info.ours->has_stream != 0 && !IsReadOnce(m_check.strPath)) {
       CheckFrames(*OpenLibrarySound(m_check.strPath, VOXPLAY_READ_STREAM), "its stream: ");
     }
   }
@@ -77,14 +75,19 @@ class C_Checker {
     Find(tagVerdict::CUT, "chunk \"" + Printable(FourCharacters(chunk.id)) + "\" holds " +
                               CountText(chunk.held) + " of " + CountedText(chunk.size, "byte"));
   }
-  void CheckStream(const voxplay::Info& info) {
-    const auto claim = StreamClaimOf(m_check.strPath, info);
-    if (!claim || claim->qwHeld >= claim->qwClaimed) return;
-    Find(tagVerdict::CUT, "its stream holds " + CountText(claim->qwHeld) + " of " +
-                              CountedText(claim->qwClaimed, "byte"));
+  void CheckEnd(const I_SoundInput& sound, std::uint64_t qwFrames, const std::string& strOf) {
+    const std::uint64_t qwClaimed = ClaimedFrames(sound.Info());
+    if (qwFrames < qwClaimed) {
+      Find(tagVerdict::CUT, strOf + "it ends after " + CountText(qwFrames) + " of " +
+                                CountedText(qwClaimed, "frame"));
+    } else if (sound.IsCut()) {
+      Find(tagVerdict::CUT, strOf + "its end is missing");
+    }
   }
   void CheckFrames(I_SoundInput& sound, const std::string& strOf) {
     const std::uint64_t qwClaimed = sound.Info().qwFrames;
+    // A frame that is left in part is damaged, too.
+    CheckEnd(sound, qwClaimed, strOf);
     const std::uint64_t qwRead = ReadToEnd(sound, [&](std::uint64_t qwDone) {
       m_watch.TellFrames(qwDone, qwClaimed, sound.Info().dwRate);
     });
@@ -96,10 +99,7 @@ class C_Checker {
                                     CountedText(qwRead, "frame") + " (" +
                                     ClockText(qwDamaged, sound.Info().dwRate) + ")");
     }
-    if (qwClaimed != kFramesUnknown && qwRead < qwClaimed) {
-      Find(tagVerdict::CUT,
-           strOf + "it ends after " + CountText(qwRead) + " of " + CountedText(qwClaimed, "frame"));
-    }
+    CheckEnd(sound, qwRead, strOf);
   }
 
   C_FileWatch& m_watch;

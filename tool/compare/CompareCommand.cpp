@@ -77,6 +77,12 @@ std::size_t MostLag(const std::optional<double>& seconds, std::uint32_t dwRate) 
   return static_cast<std::size_t>(std::min(dFrames, static_cast<double>(kMostLag)));
 }
 
+void TellWidth(const std::string& strPath, const S_SoundInfo& info, C_Console& console) {
+  if (!info.bDouble || !info.ours) return;
+  console.Complain(NameOf(strPath) +
+                   ": its floating point of 64 bits is compared as that of 32 bits");
+}
+
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   if (arguments.strFirst == kStandardStream && arguments.strSecond == kStandardStream) {
     throw C_UsageFailure("compare", "both sounds are standard input", "one of them can be");
@@ -84,6 +90,8 @@ int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   const C_SoundInputPtr first = OpenSound(arguments.strFirst);
   const C_SoundInputPtr second = OpenSound(arguments.strSecond);
   RefuseUnlike(arguments, first->Info(), second->Info());
+  TellWidth(arguments.strFirst, first->Info(), console);
+  TellWidth(arguments.strSecond, second->Info(), console);
   C_SampleSource firstSamples(*first);
   C_SampleSource secondSamples(*second);
   const std::uint32_t dwRate = first->Info().dwRate;

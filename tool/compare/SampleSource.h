@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "sound/SoundInput.h"
 
@@ -22,13 +21,8 @@ class C_SampleSource {
   std::size_t Read(std::span<double> samples);
 
  private:
-  std::size_t ReadSome(std::span<double> samples);
-
   I_SoundInput& m_input;
   std::size_t m_nChannels;
-  bool m_bIntegers;
-  std::vector<std::int32_t> m_integers;
-  std::vector<float> m_floats;
 };
 
 }  // namespace tool

@@ -14,11 +14,13 @@
 #include "convert/TargetFormat.h"
 #include "sound/FormatText.h"
 #include "sound/PeakMeter.h"
+#include "sound/RateChange.h"
 #include "sound/SampleChanges.h"
 #include "sound/SampleSum.h"
 #include "sound/ScaledNotes.h"
 #include "sound/SilenceFinder.h"
 #include "sound/SoundOutput.h"
+#include "sound/WholeSound.h"
 
 namespace tool {
 namespace {
@@ -68,6 +70,7 @@ class C_Conversion {
     ChooseChannels();
     m_format = FormatFor(options.format, m_info, ChangedChannels(m_info, m_changes));
     m_changes.dwRate = m_format.sample_rate;
+    CheckRate();
     m_changes.dGain = options.dGain;
     CheckFormat();
   }
@@ -92,6 +95,11 @@ class C_Conversion {
 
   [[noreturn]] void Refuse(std::string_view why) const {
     throw C_Failure(Source(), "cannot be converted", why);
+  }
+  void CheckRate() const {
+    if (C_RateChange::CanChange(m_info.dwRate, m_format.sample_rate)) return;
+    Refuse(std::to_string(m_info.dwRate) + " Hz are too far from " +
+           std::to_string(m_format.sample_rate) + " Hz");
   }
   // Sounds of others may have more than the target can.
   void CheckFormat() const {
@@ -170,11 +178,14 @@ class C_Conversion {
     result.dwRate = m_info.dwRate;
     result.qwFrames = m_qwFrames;
     result.qwDamaged = m_input->DamagedFrames();
+    result.bCut = IsCut();
     if (const auto* const pSummed = dynamic_cast<const C_SummedSound*>(m_input.get())) {
       result.qwSum = pSummed->Sum();
     }
     TellDetail();
     TellDamage(result);
+    TellWidth();
+    TellCut(result);
     TellLimited(output.LimitedSamples());
     TellLost(output.Lost());
     return result;
@@ -194,6 +205,20 @@ class C_Conversion {
     if (result.qwDamaged == 0) return;
     m_report.Remark(Source() + ": " + std::to_string(result.qwDamaged) + " of " +
                     std::to_string(result.qwFrames) + " frames are damaged");
+  }
+  // Also when fewer frames have come than the file says.
+  [[nodiscard]] bool IsCut() const {
+    return m_input->IsCut() || m_qwFrames < ClaimedFrames(m_info);
+  }
+  void TellCut(const S_FileResult& result) const {
+    if (!result.bCut) return;
+    m_report.Remark(Source() + ": the file is cut: " + Count(m_qwFrames, "frame") +
+                    " there, and converted");
+  }
+  // What else changes the samples was asked for.
+  void TellWidth() const {
+    if (!m_info.bDouble || m_format.codec != VOXPLAY_CODEC_FLOAT) return;
+    m_report.Remark(Source() + ": its floating point of 64 bits has become that of 32 bits");
   }
   void TellLimited(std::uint64_t qwLimited) const {
     if (qwLimited == 0) return;

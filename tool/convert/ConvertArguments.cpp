@@ -54,10 +54,10 @@ void AddSoundArguments(CLI::App& command, S_ConvertArguments& arguments) {
           ->check(CLI::Range(-kMostDecibels, kMostDecibels).description(""));
   command
       .add_flag("--normalize{-1}", arguments.strNormalize,
-                "bring the loudest sample to -1 dB, or to =DB")
+                "bring the loudest sample to -1 dB, or to -DB")
       ->excludes(pGain);
   command.add_flag("--detect-silence{-50:200}", arguments.strSilence,
-                   "mark 200 ms of -50 dB and less, or =DB:MS");
+                   "mark 200 ms of -50 dB and less, or -DB:MS");
   command.add_option("--read", arguments.strRead, "what of VEF files that have both")
       ->type_name("WHAT")
       ->check(CLI::IsMember({"stream", "pcm"}));

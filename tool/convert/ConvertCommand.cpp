@@ -9,6 +9,8 @@
 #include "convert/Conversion.h"
 #include "convert/ConvertArguments.h"
 #include "convert/ManifestRun.h"
+#include "sound/SoundInput.h"
+#include "sound/StandardOutput.h"
 
 namespace tool {
 namespace {
@@ -30,6 +32,7 @@ constexpr const char* kDescription =
 int RunConvert(const S_ConvertArguments& arguments, C_Console& console) {
   if (!arguments.strManifest.empty()) return ConvertByManifest(arguments, console);
   const S_ConvertOptions options = ConvertOptionsOf(arguments);
+  if (arguments.target.strFile == kStandardStream) RefuseTerminal();
   S_MakeRule make{arguments.batch, arguments.target, "", "converted"};
   if (arguments.target.IsMany()) make.strExtension = ExtensionOfFormat(FormatNameOf(arguments));
   return MakeFiles(

@@ -61,13 +61,14 @@ class C_ManifestRun {
   bool Plan() {
     C_Plan plan(m_manifest);
     const std::string strExtension(ExtensionOfFormat(FormatNameOf(m_arguments)));
-    const C_FileList list = m_arguments.batch.List(m_console, [&](const S_ListedFile& file) {
-      if (file.strPath == kStandardStream) {
-        throw C_UsageFailure("voxtool: standard input has no name, which a manifest needs");
-      }
-      plan.Add(PlainPath(file.strPath),
-               PlainPath(TargetBelow(m_arguments.target.strFolder, file, strExtension)));
-    });
+    const std::string& strFolder = m_arguments.target.strFolder;
+    const C_FileList list =
+        m_arguments.batch.List(m_console, strFolder, [&](const S_ListedFile& file) {
+          if (file.strPath == kStandardStream) {
+            throw C_UsageFailure("voxtool: standard input has no name, which a manifest needs");
+          }
+          plan.Add(PlainPath(file.strPath), PlainPath(TargetBelow(strFolder, file, strExtension)));
+        });
     const S_PlanCounts counts =
         plan.Finish(StoredOptions(m_arguments), StoredRule(m_arguments.target));
     m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwFiles, "file") + " listed, " +

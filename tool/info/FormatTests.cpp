@@ -20,7 +20,7 @@ constexpr std::size_t kTestedBytes = 4096;
 }  // namespace
 
 std::vector<std::string> FormatTests(const std::string& strPath) {
-  if (strPath == kStandardStream) return {};
+  if (IsReadOnce(strPath)) return {};
   C_Descriptor file(open(strPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file.Get() < 0) return {};
   C_FileBytes bytes(std::move(file));

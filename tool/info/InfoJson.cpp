@@ -114,6 +114,7 @@ C_Json InfoJson(const S_SoundReport& report) {
   json["channels"] = info.dwChannels;
   PutLength(json, info.qwFrames, info.dwRate);
   if (report.qwDamaged) json["damaged_frames"] = *report.qwDamaged;
+  json["cut"] = report.bCut;
   json["has_stream"] = info.ours && info.ours->has_stream != 0;
   if (report.stream) json["stream"] = StreamJson(*report.stream);
   json["headers"] = HeadersJson(info.headers.value_or(voxplay::Headers{}));

@@ -62,7 +62,8 @@ C_TextTable Facts(const S_SoundReport& report) {
   C_TextTable facts("ll");
   facts.Add({"Format", info.strFormat});
   facts.Add({"Rate", RateText(info.dwRate, info.dwChannels)});
-  facts.Add({"Length", LengthText(info.qwFrames, info.dwRate)});
+  facts.Add({"Length", LengthText(info.qwFrames, info.dwRate) +
+                           (report.bCut ? "; the end of the file is missing" : "")});
   if (report.qwBytes) facts.Add({"Size", CountedText(*report.qwBytes, "byte")});
   if (report.qwDamaged) facts.Add({"Damage", DamageText(report)});
   if (report.stream) facts.Add({"Stream", StreamText(*report.stream)});

@@ -11,13 +11,13 @@ namespace {
 
 std::optional<std::uint64_t> BytesOf(const std::string& strPath) {
   struct stat status {};
-  if (strPath == kStandardStream || stat(strPath.c_str(), &status) != 0) return {};
+  if (IsReadOnce(strPath) || stat(strPath.c_str(), &status) != 0) return {};
   return static_cast<std::uint64_t>(status.st_size);
 }
 
 // A stream that cannot be read is what "check" tells of.
 std::optional<voxplay::Info> StreamOf(const std::string& strPath, const S_SoundInfo& info) {
-  if (!info.ours || info.ours->has_stream == 0 || strPath == kStandardStream) return {};
+  if (!info.ours || info.ours->has_stream == 0 || IsReadOnce(strPath)) return {};
   try {
     return voxplay::Reader(strPath, VOXPLAY_READ_STREAM).info();
   } catch (const voxplay::Error&) {
@@ -37,11 +37,13 @@ S_SoundReport ReportOf(const std::string& strPath, bool bDecodes, C_FileWatch& w
   report.sampler = sound->Notes().sampler();
   report.sampler.data = nullptr;  // goes with the sound
   report.stream = StreamOf(strPath, report.info);
+  report.bCut = sound->IsCut();
   if (!bDecodes) return report;
   report.info.qwFrames = ReadToEnd(*sound, [&](std::uint64_t qwDone) {
     watch.TellFrames(qwDone, sound->Info().qwFrames, report.info.dwRate);
   });
   report.qwDamaged = sound->DamagedFrames();
+  report.bCut = sound->IsCut() || report.info.qwFrames < ClaimedFrames(sound->Info());
   return report;
 }
 

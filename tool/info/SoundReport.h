@@ -21,6 +21,7 @@ struct S_SoundReport {
   C_Json marks;  // rows (MarkRows.h)
   voxplay::Sampler sampler{};
   std::optional<voxplay::Info> stream;     // the one beside the PCM of a VEF file
+  bool bCut = false;                       // the end of the file is missing, as far as that shows
   std::optional<std::uint64_t> qwDamaged;  // when the sound was decoded
 };
 

@@ -3,15 +3,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tool {
 namespace {
 
 constexpr std::uint64_t kClippingRun = 3;
 
+// Samples of so few bits are at full scale all the time.
+constexpr std::uint32_t kMostCoarseBits = 4;
+
 // The largest positive sample. The largest negative one may be a step beyond.
 float FullScale(std::uint32_t dwBits) {
   if (dwBits == 0) return 1.0F;
+  if (dwBits <= kMostCoarseBits) return std::numeric_limits<float>::infinity();
   return static_cast<float>(1.0 - std::ldexp(1.0, 1 - static_cast<int>(dwBits)));
 }
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options/CommandLine.h"
 
+#include <algorithm>
+#include <span>
 #include <utility>
 
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "options/HelpText.h"
+#include "options/NegativeValues.h"
 #include "options/OptionTable.h"
 #include "options/Suggestion.h"
 #include "voxplay.hpp"
@@ -92,7 +95,10 @@ const CLI::App& C_CommandLine::Chosen() const {
 
 int C_CommandLine::Run(int nArguments, const char* const* ppszArguments, C_Console& console) {
   try {
-    m_app.parse(nArguments, ppszArguments);
+    const std::span all(ppszArguments, static_cast<std::size_t>(std::max(nArguments, 1)));
+    std::vector<std::string> arguments = WithNegativeValues(all.subspan(1));
+    std::ranges::reverse(arguments);
+    m_app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
     return Guarded(console, [&] {
       return ShowText(HelpText(*this, Chosen(), console.OutputColumns()), console);

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "play/RateChange.h"
 #include "play/SideMix.h"
+#include "sound/RateChange.h"
 #include "sound/SoundInput.h"
 
 namespace tool {

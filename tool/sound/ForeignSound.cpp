@@ -4,17 +4,25 @@
 #include <sndfile.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "base/Failure.h"
+#include "base/QuietErrors.h"
+#include "sound/ForeignEnd.h"
 #include "sound/ForeignNotes.h"
 
 namespace tool {
 namespace {
 
 struct S_Close {
-  void operator()(SNDFILE* pFile) const noexcept { sf_close(pFile); }
+  void operator()(SNDFILE* pFile) const noexcept {
+    const C_QuietErrors quiet;
+    sf_close(pFile);
+  }
 };
 using C_SndfilePtr = std::unique_ptr<SNDFILE, S_Close>;
 
@@ -92,6 +100,18 @@ std::uint32_t UsedBits(int nFormat) {
   }
 }
 
+// What is no number becomes silence.
+template <typename Sample>
+Sample Scaled(float fSample) {
+  constexpr double dLeast = std::numeric_limits<Sample>::min();
+  constexpr double dMost = std::numeric_limits<Sample>::max();
+  if (std::isnan(fSample)) return 0;
+  return static_cast<Sample>(
+      std::clamp(std::nearbyint(-dLeast * static_cast<double>(fSample)), dLeast, dMost));
+}
+
+bool IsMpeg(int nFormat) { return (nFormat & SF_FORMAT_TYPEMASK) == SF_FORMAT_MPEG; }
+
 S_SoundInfo InfoOf(const SF_INFO& foreign) {
   S_SoundInfo info;
   info.dwRate = static_cast<std::uint32_t>(foreign.samplerate);
@@ -101,49 +121,81 @@ S_SoundInfo InfoOf(const SF_INFO& foreign) {
   }
   info.strFormat = FormatText(foreign.format);
   info.dwBits = UsedBits(foreign.format);
+  info.bDouble = (foreign.format & SF_FORMAT_SUBMASK) == SF_FORMAT_DOUBLE;
   return info;
 }
 
 class C_ForeignSound final : public I_SoundInput {
  public:
   C_ForeignSound(std::unique_ptr<C_FileBytes> bytes, C_SndfilePtr file, S_SoundInfo info,
-                 std::string strName)
+                 std::string strName, bool bMpeg, bool bCut)
       : m_bytes(std::move(bytes)),
         m_file(std::move(file)),
         m_info(std::move(info)),
         m_strName(std::move(strName)),
-        m_notes(ForeignNotes(m_file.get())) {}
+        m_notes(ForeignNotes(m_file.get())),
+        m_bMpeg(bMpeg),
+        m_bCut(bCut) {}
 
   [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_info; }
   [[nodiscard]] voxplay::NotesView Notes() const noexcept override { return m_notes.view(); }
   [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override { return 0; }
 
   std::size_t Read(std::span<std::int16_t> samples) override {
-    return Frames(sf_readf_short(m_file.get(), samples.data(), Room(samples.size())));
+    if (m_info.dwBits == 0) return ReadScaled(samples);
+    return Frames(
+        [&] { return sf_readf_short(m_file.get(), samples.data(), Room(samples.size())); });
   }
   std::size_t Read(std::span<std::int32_t> samples) override {
     static_assert(std::is_same_v<std::int32_t, int>);
-    return Frames(sf_readf_int(m_file.get(), samples.data(), Room(samples.size())));
+    if (m_info.dwBits == 0) return ReadScaled(samples);
+    return Frames([&] { return sf_readf_int(m_file.get(), samples.data(), Room(samples.size())); });
   }
   std::size_t Read(std::span<float> samples) override {
-    return Frames(sf_readf_float(m_file.get(), samples.data(), Room(samples.size())));
+    return Frames(
+        [&] { return sf_readf_float(m_file.get(), samples.data(), Room(samples.size())); });
+  }
+  std::size_t Read(std::span<double> samples) override {
+    return Frames(
+        [&] { return sf_readf_double(m_file.get(), samples.data(), Room(samples.size())); });
   }
   void Seek(std::uint64_t qwFrame) override {
+    const C_QuietErrors quiet;
     if (sf_seek(m_file.get(), static_cast<sf_count_t>(qwFrame), SEEK_SET) >= 0) return;
     throw C_Failure(m_strName, "frame " + std::to_string(qwFrame) + " cannot be reached",
                     sf_strerror(m_file.get()));
   }
 
+  [[nodiscard]] bool IsCut() const noexcept override { return m_bCut; }
+
  private:
   [[nodiscard]] sf_count_t Room(std::size_t nSamples) const {
     return static_cast<sf_count_t>(nSamples / m_info.dwChannels);
   }
+  // libsndfile would make the loudest sample of the file full scale, and decode all of it for that.
+  template <typename Sample>
+  std::size_t ReadScaled(std::span<Sample> samples) {
+    m_floats.resize(samples.size());
+    const std::size_t nFrames = Read(std::span(m_floats));
+    const auto read = std::span(m_floats).first(nFrames * m_info.dwChannels);
+    std::ranges::transform(read, samples.begin(), &Scaled<Sample>);
+    return nFrames;
+  }
   // A file that ends early is a shorter sound; one that cannot be read is a failure.
-  std::size_t Frames(sf_count_t nRead) {
+  template <typename Work>
+  std::size_t Frames(Work&& fnRead) {
+    const sf_count_t nRead = m_bMpeg ? Quietly(fnRead) : fnRead();
     if (m_bytes->Error() != 0) {
       throw C_Failure(m_strName, "cannot be read", SystemReason(m_bytes->Error()));
     }
+    // An MPEG decoder that finds no way on ends the sound.
+    if (nRead <= 0 && m_bMpeg && sf_error(m_file.get()) != SF_ERR_NO_ERROR) m_bCut = true;
     return static_cast<std::size_t>(std::max<sf_count_t>(nRead, 0));
+  }
+  template <typename Work>
+  static sf_count_t Quietly(Work&& fnRead) {
+    const C_QuietErrors quiet;
+    return fnRead();
   }
 
   std::unique_ptr<C_FileBytes> m_bytes;
@@ -151,7 +203,15 @@ class C_ForeignSound final : public I_SoundInput {
   S_SoundInfo m_info;
   std::string m_strName;
   voxplay::Notes m_notes;
+  std::vector<float> m_floats;
+  bool m_bMpeg;
+  bool m_bCut;
 };
+
+SNDFILE* OpenQuietly(SF_VIRTUAL_IO& functions, SF_INFO& info, C_FileBytes& bytes) {
+  const C_QuietErrors quiet;
+  return sf_open_virtual(&functions, SFM_READ, &info, &bytes);
+}
 
 }  // namespace
 
@@ -160,16 +220,19 @@ C_SoundInputPtr OpenForeignSound(C_FileBytes file, const std::string& strName,
   auto bytes = std::make_unique<C_FileBytes>(std::move(file));
   SF_VIRTUAL_IO functions = Functions();
   SF_INFO foreign{};
-  C_SndfilePtr sndfile(sf_open_virtual(&functions, SFM_READ, &foreign, bytes.get()));
+  C_SndfilePtr sndfile(OpenQuietly(functions, foreign, *bytes));
   if (!sndfile || foreign.channels < 1 || foreign.samplerate < 1) {
     *pstrWhy = sf_strerror(sndfile.get());
     return nullptr;
   }
-  // Samples of floating point keep to the range when they become integers.
-  sf_command(sndfile.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-  sf_command(sndfile.get(), SFC_SET_SCALE_FLOAT_INT_READ, nullptr, SF_TRUE);
-  return std::make_unique<C_ForeignSound>(std::move(bytes), std::move(sndfile), InfoOf(foreign),
-                                          strName);
+  const bool bMpeg = IsMpeg(foreign.format);
+  const std::uint64_t qwBefore = bytes->Position();
+  S_SoundInfo info = InfoOf(foreign);
+  info.bFramesGuessed = bMpeg && !TellsMpegLength(*bytes);
+  const bool bCut = LacksItsEnd(*bytes);
+  bytes->Seek(qwBefore);
+  return std::make_unique<C_ForeignSound>(std::move(bytes), std::move(sndfile), std::move(info),
+                                          strName, bMpeg, bCut);
 }
 
 }  // namespace tool

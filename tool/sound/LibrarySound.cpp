@@ -5,9 +5,12 @@
 
 #include "base/Failure.h"
 #include "sound/FormatText.h"
+#include "sound/WidenedSamples.h"
 
 namespace tool {
 namespace {
+
+constexpr double kFullScale = 2147483648.0;
 
 voxplay_input InputOf(C_FileBytes& file) {
   voxplay_input input{};
@@ -31,6 +34,7 @@ S_SoundInfo InfoOf(const voxplay::Reader& reader) {
   info.qwFrames = ours.frames;
   info.strFormat = FormatText(ours);
   info.dwBits = UsedBits(ours);
+  info.bDouble = ours.codec == VOXPLAY_CODEC_FLOAT && ours.bits_per_sample > 32;
   info.ours = ours;
   info.headers = reader.headers();
   info.chunks = reader.chunk_places();
@@ -51,19 +55,27 @@ class C_LibrarySound final : public I_SoundInput {
   [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_info; }
   [[nodiscard]] voxplay::NotesView Notes() const noexcept override { return m_reader.notes(); }
   [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override {
-    voxplay::Info info{};
-    voxplay_reader_info(m_reader.get(), &info, sizeof info);
-    return info.damaged_frames;
+    return InfoNow().damaged_frames;
   }
+  [[nodiscard]] bool IsCut() const noexcept override { return InfoNow().is_cut != 0; }
 
   std::size_t Read(std::span<std::int16_t> samples) override { return ReadAny(samples); }
   std::size_t Read(std::span<std::int32_t> samples) override { return ReadAny(samples); }
   std::size_t Read(std::span<float> samples) override { return ReadAny(samples); }
+  std::size_t Read(std::span<double> samples) override {
+    if (m_info.dwBits == 0) return ReadWidened(*this, m_floats, samples, 1.0);
+    return ReadWidened(*this, m_integers, samples, kFullScale);
+  }
   void Seek(std::uint64_t qwFrame) override {
     Named([&] { m_reader.seek(qwFrame); });
   }
 
  private:
+  [[nodiscard]] voxplay::Info InfoNow() const noexcept {
+    voxplay::Info info{};
+    voxplay_reader_info(m_reader.get(), &info, sizeof info);
+    return info;
+  }
   template <typename Sample>
   std::size_t ReadAny(std::span<Sample> samples) {
     std::size_t nDone = 0;
@@ -85,6 +97,8 @@ class C_LibrarySound final : public I_SoundInput {
   std::string m_strName;
   voxplay::Reader m_reader;
   S_SoundInfo m_info;
+  std::vector<float> m_floats;
+  std::vector<std::int32_t> m_integers;
 };
 
 }  // namespace

@@ -20,15 +20,19 @@ bool MayBeForeign(const voxplay::Error& error) {
   return error.status() == VOXPLAY_UNKNOWN || error.status() == VOXPLAY_UNSUPPORTED;
 }
 
-// Opens an operand again and again, by name or by a descriptor of standard input.
+// What can be read only once, as something that can be read at any position; -1 for other files.
+C_Descriptor TakeOnce(const std::string& strPath) {
+  if (strPath == kStandardStream) return TakeStandardInput();
+  return IsReadOnce(strPath) ? TakePipe(strPath) : C_Descriptor(-1);
+}
+
+// Opens an operand again and again, by name or by a descriptor of what can be read only once.
 class C_Operand {
  public:
-  explicit C_Operand(const std::string& strPath) : m_strPath(strPath), m_standard(-1) {
-    if (IsStandardInput()) m_standard = TakeStandardInput();
-  }
+  explicit C_Operand(const std::string& strPath) : m_strPath(strPath), m_once(TakeOnce(strPath)) {}
 
   [[nodiscard]] C_SoundInputPtr OpenLibrary(std::uint32_t dwFlags) const {
-    if (!IsStandardInput()) return OpenLibrarySound(m_strPath, dwFlags);
+    if (m_once.Get() < 0) return OpenLibrarySound(m_strPath, dwFlags);
     return OpenLibrarySound(Bytes(), NameOf(m_strPath), dwFlags);
   }
   [[nodiscard]] C_SoundInputPtr OpenForeign(std::string* pstrWhy) const {
@@ -36,16 +40,15 @@ class C_Operand {
   }
 
  private:
-  [[nodiscard]] bool IsStandardInput() const { return m_strPath == kStandardStream; }
   [[nodiscard]] C_FileBytes Bytes() const {
-    C_Descriptor file(IsStandardInput() ? fcntl(m_standard.Get(), F_DUPFD_CLOEXEC, 0)
+    C_Descriptor file(m_once.Get() >= 0 ? fcntl(m_once.Get(), F_DUPFD_CLOEXEC, 0)
                                         : open(m_strPath.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.Get() < 0) throw C_Failure(NameOf(m_strPath), "cannot be opened", SystemReason(errno));
     return C_FileBytes(std::move(file));
   }
 
   std::string m_strPath;
-  C_Descriptor m_standard;
+  C_Descriptor m_once;
 };
 
 }  // namespace
@@ -62,6 +65,12 @@ C_SoundInputPtr OpenSound(const std::string& strPath, std::uint32_t dwFlags) {
   if (auto sound = operand.OpenForeign(&strWhy)) return sound;
   // Its message tells of all tests that the file has failed.
   return operand.OpenLibrary(dwFlags);
+}
+
+bool IsReadOnce(const std::string& strPath) {
+  struct stat status {};
+  return strPath == kStandardStream ||
+         (stat(strPath.c_str(), &status) == 0 && S_ISFIFO(status.st_mode));
 }
 
 std::string NameOf(const std::string& strPath) {

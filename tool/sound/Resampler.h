@@ -1,26 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <soxr.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <span>
 #include <vector>
 
+#include "sound/RateChange.h"
+
 namespace tool {
 
-// Changes the rate of a sound, piece by piece, by libsoxr. What comes out in all is as long as
-// ScaledFrames says, to the frame, and nothing is shifted. The memory that it takes depends on the
-// rates, but not on the length.
+// Changes the rate of a whole sound, piece by piece. What comes out in all is as long as
+// ScaledFrames says, to the frame, and nothing is shifted.
 class C_Resampler {
  public:
   using PFN_Take = std::function<void(std::span<const float> samples)>;
-
-  // The greatest ratio of two rates, either way.
-  static constexpr std::uint32_t kGreatestRatio = 65536;
 
   // Throws C_Failure for rates that are too far from each other.
   C_Resampler(std::uint32_t dwFrom, std::uint32_t dwTo, std::uint32_t dwChannels);
@@ -31,11 +26,6 @@ class C_Resampler {
   void End(const PFN_Take& fnTake);
 
  private:
-  struct S_Delete {
-    void operator()(soxr* pResampler) const noexcept { soxr_delete(pResampler); }
-  };
-
-  std::size_t Process(const float* pSamples, std::size_t nFrames, std::size_t* pnUsed);
   void HandOn(std::size_t nFrames, const PFN_Take& fnTake);
   void Fill(const PFN_Take& fnTake);
   [[nodiscard]] std::uint64_t FramesWanted() const noexcept;
@@ -43,7 +33,7 @@ class C_Resampler {
   std::uint32_t m_dwFrom;
   std::uint32_t m_dwTo;
   std::uint32_t m_dwChannels;
-  std::unique_ptr<soxr, S_Delete> m_resampler;
+  C_RateChange m_change;
   std::vector<float> m_piece;
   std::uint64_t m_qwIn = 0;
   std::uint64_t m_qwOut = 0;

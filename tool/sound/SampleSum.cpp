@@ -18,6 +18,8 @@ std::uint32_t BitsOf(std::int16_t nSample) {
 std::uint32_t BitsOf(std::int32_t nSample) {
   return BitsOf(static_cast<float>(nSample) / kFullScale32);
 }
+// As floating point of 32 bits, like the others.
+std::uint32_t BitsOf(double dSample) { return BitsOf(static_cast<float>(dSample)); }
 
 }  // namespace
 

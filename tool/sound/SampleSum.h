@@ -39,7 +39,9 @@ class C_SummedSound final : public I_SoundInput {
   std::size_t Read(std::span<std::int16_t> samples) override { return ReadAny(samples); }
   std::size_t Read(std::span<std::int32_t> samples) override { return ReadAny(samples); }
   std::size_t Read(std::span<float> samples) override { return ReadAny(samples); }
+  std::size_t Read(std::span<double> samples) override { return ReadAny(samples); }
   void Seek(std::uint64_t qwFrame) override;
+  [[nodiscard]] bool IsCut() const noexcept override { return m_sound->IsCut(); }
 
  private:
   template <typename Sample>

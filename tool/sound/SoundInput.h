@@ -24,10 +24,12 @@ struct S_SoundInfo {
   std::uint32_t dwRate = 0;  // Hz
   std::uint32_t dwChannels = 0;
   std::uint64_t qwFrames = kFramesUnknown;
+  bool bFramesGuessed = false;  // nothing in the file says how many there are
   // For people: "Kestrel, 16000 bit/s, SP header" or "FLAC, 24 bits".
   std::string strFormat;
   // Of integer samples: how many bits of them are used, 1 to 32. 0 for floating point.
   std::uint32_t dwBits = 0;
+  bool bDouble = false;  // floating point of 64 bits
   // For files of our formats, as it was when they were opened.
   std::optional<voxplay::Info> ours;
   std::optional<voxplay::Headers> headers;
@@ -50,8 +52,14 @@ class I_SoundInput {
   virtual std::size_t Read(std::span<std::int16_t> samples) = 0;
   virtual std::size_t Read(std::span<std::int32_t> samples) = 0;
   virtual std::size_t Read(std::span<float> samples) = 0;
+  // Exactly as they are in the file, but for floating point of 64 bits in files of ours, which
+  // voxplay.h reads as that of 32.
+  virtual std::size_t Read(std::span<double> samples) = 0;
   // Moves to a frame, at most the number of frames.
   virtual void Seek(std::uint64_t qwFrame) = 0;
+
+  // Whether the end of the file is missing, as far as it is known: more may show while it is read.
+  [[nodiscard]] virtual bool IsCut() const noexcept = 0;
 };
 using C_SoundInputPtr = std::unique_ptr<I_SoundInput>;
 
@@ -61,8 +69,11 @@ using PFN_FramesRead = std::function<void(std::uint64_t qwFrames)>;
 // Standard input, as an operand.
 inline constexpr const char* kStandardStream = "-";
 
-// Opens a file, or standard input for "-". What can be read from standard input only once is copied
-// to a private temporary file first, so that it can be read like any other.
+// Whether a file can be read only once: standard input, and pipes with a name.
+[[nodiscard]] bool IsReadOnce(const std::string& strPath);
+
+// Opens a file, or standard input for "-". What can be read only once is copied to a private
+// temporary file first, so that it can be read like any other.
 //
 // Our own formats come first, then those of libsndfile, and last Kestrel streams without a header,
 // which are recognised by their length alone. The failure for a file that is none of these says

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sound/StandardInput.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <span>
 #include <string>
 
 #include "base/Failure.h"
+#include "base/Interrupt.h"
 
 namespace tool {
 namespace {
@@ -21,6 +24,15 @@ bool IsAtStartOfAFile(int nFile) {
   return fstat(nFile, &status) == 0 && S_ISREG(status.st_mode) && lseek(nFile, 0, SEEK_CUR) == 0;
 }
 
+C_Descriptor CopyOf(int nFile, const std::string& strName) {
+  C_Descriptor copy = MakePrivateFile();
+  std::array<std::byte, kPieceBytes> piece;
+  while (const std::size_t cbRead = ReadSome(nFile, piece, strName)) {
+    WriteAll(copy.Get(), std::span(piece).first(cbRead), strName);
+  }
+  return copy;
+}
+
 }  // namespace
 
 C_Descriptor TakeStandardInput() {
@@ -28,12 +40,18 @@ C_Descriptor TakeStandardInput() {
   const std::string strName = "standard input";
   if (bTaken.exchange(true)) throw C_UsageFailure(strName + ": it can be named only once");
   if (IsAtStartOfAFile(STDIN_FILENO)) return C_Descriptor(STDIN_FILENO);
-  C_Descriptor copy = MakePrivateFile();
-  std::array<std::byte, kPieceBytes> piece;
-  while (const std::size_t cbRead = ReadSome(STDIN_FILENO, piece, strName)) {
-    WriteAll(copy.Get(), std::span(piece).first(cbRead), strName);
+  return CopyOf(STDIN_FILENO, strName);
+}
+
+C_Descriptor TakePipe(const std::string& strPath) {
+  int nPipe = -1;
+  // Waits for somebody who writes.
+  while ((nPipe = open(strPath.c_str(), O_RDONLY | O_CLOEXEC)) < 0 && errno == EINTR) {
+    ThrowIfInterrupted();
   }
-  return copy;
+  if (nPipe < 0) throw C_Failure(strPath, "cannot be opened", SystemReason(errno));
+  const C_Descriptor pipe(nPipe);
+  return CopyOf(pipe.Get(), strPath);
 }
 
 }  // namespace tool

@@ -25,6 +25,11 @@ void SeekTo(int nFile, std::uint64_t qwPosition) {
 
 }  // namespace
 
+void RefuseTerminal() {
+  if (isatty(STDOUT_FILENO) != 1) return;
+  throw C_UsageFailure(kName, "is a terminal", "a file or another program has to take the bytes");
+}
+
 C_StandardOutput::C_StandardOutput(bool bAtOnce) {
   if (!bAtOnce) m_file.emplace(MakePrivateFile());
 }

@@ -10,6 +10,9 @@
 
 namespace tool {
 
+// Throws C_UsageFailure when standard output is a terminal, which the bytes of files would disturb.
+void RefuseTerminal();
+
 // Standard output, as a writer of voxplay.h writes to it: at once, or by way of a private temporary
 // file, which can go back.
 class C_StandardOutput {

@@ -24,4 +24,9 @@ std::uint64_t ReadToEnd(I_SoundInput& sound, const PFN_FramesRead& fnRead) {
   return qwFrames;
 }
 
+std::uint64_t ClaimedFrames(const S_SoundInfo& info) {
+  if (info.ours && info.ours->claimed_frames != 0) return info.ours->claimed_frames;
+  return info.qwFrames == kFramesUnknown || info.bFramesGuessed ? 0 : info.qwFrames;
+}
+
 }  // namespace tool

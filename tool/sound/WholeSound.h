@@ -11,4 +11,7 @@ namespace tool {
 // frames. Throws what reading throws, and C_Interrupted.
 std::uint64_t ReadToEnd(I_SoundInput& sound, const PFN_FramesRead& fnRead = {});
 
+// How many frames a sound says that it has; 0 when it does not say.
+std::uint64_t ClaimedFrames(const S_SoundInfo& info);
+
 }  // namespace tool

@@ -63,6 +63,46 @@ TEST(ReaderCoded, Version255_StillCountsAs48Bytes) {
   EXPECT_EQ(reader->Info().frames, 640u);
 }
 
+TEST(ReaderCoded, KestrelThatTheEndCuts_TellsWhatItClaimed) {
+  const C_Bytes whole = C_SpBytes().Stream(Kestrel(10)).Take();
+  EXPECT_EQ(OpenBytes(whole)->Info().claimed_frames, 3200u);
+  EXPECT_EQ(OpenBytes(whole)->Info().is_cut, 0u);
+  const C_Bytes betweenFrames(whole.begin(), whole.end() - 80);
+  EXPECT_EQ(OpenBytes(betweenFrames)->Info().frames, 2560u);
+  EXPECT_EQ(OpenBytes(betweenFrames)->Info().claimed_frames, 3200u);
+  EXPECT_EQ(OpenBytes(betweenFrames)->Info().is_cut, 1u);
+  // The frame that is left in part counts as one, and as damaged.
+  const C_Bytes withinAFrame(whole.begin(), whole.end() - 1);
+  EXPECT_EQ(OpenBytes(withinAFrame)->Info().frames, 3200u);
+  EXPECT_EQ(OpenBytes(withinAFrame)->Info().is_cut, 1u);
+}
+
+TEST(ReaderCoded, HeronThatTheEndCuts_TellsWhatItClaimed) {
+  const C_Bytes stream = C_HeronBytes(heron::test::kKinds[0], TestVoice(100000), 8000).Take();
+  const C_Bytes whole = C_SpBytes().ID(32).Freq(8000).Stream(stream).Take();
+  EXPECT_EQ(OpenBytes(whole)->Info().claimed_frames, 100000u);
+  EXPECT_EQ(OpenBytes(whole)->Info().is_cut, 0u);
+  const C_Bytes half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
+  const auto reader = OpenBytes(half);
+  EXPECT_LT(reader->Info().frames, 70000u);
+  EXPECT_GT(reader->Info().frames, 30000u);
+  EXPECT_EQ(reader->Info().claimed_frames, 100000u);
+  EXPECT_EQ(reader->Info().is_cut, 1u);
+}
+
+TEST(ReaderCoded, HeronThatLacksItsEvents_IsCut) {
+  C_Bytes stream = Heron(0, 8000);
+  const auto qwEnd = stream.size();
+  stream[1] = static_cast<std::uint8_t>(qwEnd);
+  stream[2] = static_cast<std::uint8_t>(qwEnd >> 8U);
+  const auto Info = [](const C_Bytes& bytes) {
+    return OpenBytes(C_SpBytes().ID(32).Freq(8000).Stream(bytes).Take())->Info();
+  };
+  EXPECT_EQ(Info(stream).is_cut, 0u);
+  stream[1] = static_cast<std::uint8_t>(stream[1] + 1);
+  EXPECT_EQ(Info(stream).is_cut, 1u);
+}
+
 TEST(ReaderCoded, HeronAfterAnSpHeader_IsThatOfFourToSixBits) {
   for (std::uint16_t wID = 32; wID <= 34; ++wID) {
     const C_Bytes stream = Heron(wID - 32U, 8000);

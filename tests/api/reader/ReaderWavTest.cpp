@@ -63,6 +63,15 @@ TEST(ReaderWav, PcmOf16Bits_IsReadAsItIs) {
   EXPECT_EQ(reader->Headers().has_sp, 0u);
 }
 
+TEST(ReaderWav, FileThatLacksItsLastChunk_IsCut) {
+  C_Bytes file = MonoWav(100).Chunk("bext", RampBytes(20)).Take();
+  EXPECT_EQ(OpenBytes(file)->Info().is_cut, 0u);
+  file.resize(144);
+  EXPECT_EQ(OpenBytes(file)->Info().is_cut, 1u);
+  EXPECT_EQ(OpenBytes(file)->Info().frames, 50u);
+  EXPECT_EQ(OpenBytes(file)->Info().claimed_frames, 0u);
+}
+
 TEST(ReaderWav, Vemd_IsAContainerOfItsOwn) {
   const auto reader = OpenBytes(MonoWav(10, "VEMD").Take());
   EXPECT_EQ(reader->Info().container, std::uint32_t{VOXPLAY_CONTAINER_VEMD});

@@ -91,6 +91,24 @@ TEST(RiffScan, ChunkThatTheEndCuts_IsListedWithWhatIsThere) {
   EXPECT_TRUE(contents.bCutShort);
 }
 
+TEST(RiffScan, BytesThatAreMissingAfterTheSamples_AreMissed) {
+  const C_Bytes file = MonoWav(100).Chunk("bext", RampBytes(20)).Take();
+  EXPECT_FALSE(Scanned(file).bLacksBytes);
+  const C_Bytes between(file.begin(), file.begin() + 144);
+  EXPECT_EQ(Listing(Scanned(between)), "fmt  20..36, data 44..144");
+  EXPECT_TRUE(Scanned(between).bLacksBytes);
+  const C_Bytes within(file.begin(), file.end() - 1);
+  EXPECT_TRUE(Scanned(within).bLacksBytes);
+}
+
+TEST(RiffScan, SizesThatProgramsGetWrong_DoNotMeanThatBytesAreMissing) {
+  const std::uint32_t dwRight = 36 + 100;
+  for (const std::uint32_t dwSize : {0U, 2U, dwRight, dwRight + 1, dwRight + 8, 0xFFFFFFFFU}) {
+    EXPECT_FALSE(Scanned(MonoWav(100).RiffSize(dwSize).Take()).bLacksBytes) << dwSize;
+  }
+  EXPECT_TRUE(Scanned(MonoWav(100).RiffSize(dwRight + 9).Take()).bLacksBytes);
+}
+
 TEST(RiffScan, Rf64_TakesItsSizesFromDs64) {
   C_Bytes file = Rf64(92, 10, RampBytes(10));
   file = Join({file, ChunkBytes("LIST", Ascii("INFO"))});

@@ -44,6 +44,18 @@ TEST(BatchStateTest, Progress_FitsItsColumns) {
   EXPECT_EQ(ProgressText(state, 1.0, 120.0, 0), "");
 }
 
+TEST(BatchStateTest, FilesThatAreSkipped_DoNotCountAsQuick) {
+  S_BatchState state;
+  state.qwAll = 1000;
+  state.qwSkipped = 890;
+  state.qwDone = 10;
+  state.dSeconds = 20.0;
+  EXPECT_EQ(ProgressText(state, 0.0, 0.0, 100),
+            "[==================  ] 900/1000 files, 0 x real time, 3 min 20 s left");
+  state.qwDone = 0;
+  EXPECT_EQ(ProgressText(state, 0.0, 0.0, 100), "[=================   ] 890/1000 files");
+}
+
 TEST(BatchStateTest, ProgressOfOneFile_IsInPercent) {
   S_BatchState state;
   state.qwAll = 1;
@@ -71,6 +83,16 @@ TEST(BatchStateTest, Results_AreCounted) {
   EXPECT_EQ(state.qwFailed, 1U);
   EXPECT_EQ(state.qwSkipped, 1U);
   EXPECT_EQ(state.dSoundSeconds, 6.0);
+}
+
+TEST(BatchStateTest, WhatIsCut_IsToldBesideWhatIsDamaged) {
+  S_BatchState state;
+  state.qwAll = state.qwDone = 5;
+  state.qwCut = 2;
+  EXPECT_EQ(SummaryText(state, "converted"), "5 files: 5 converted (2 cut); 0 s of sound in 0 s");
+  state.qwDamaged = 1;
+  EXPECT_EQ(SummaryText(state, "converted"),
+            "5 files: 5 converted (1 with damaged frames, 2 cut); 0 s of sound in 0 s");
 }
 
 TEST(DurationTextTest, EveryLength_HasTwoPartsAtMost) {

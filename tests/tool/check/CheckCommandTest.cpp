@@ -46,11 +46,88 @@ TEST_F(CheckCommand, FilesThatTheEndCuts_AreCut) {
   auto bytes = Kestrel();
   bytes.resize(1054);
   Write("a.kst", bytes);
-  EXPECT_EQ(Verdict("a.kst"), "cut: its stream holds 1,002 of 2,002 bytes\n");
+  EXPECT_EQ(Verdict("a.kst"), "cut: it ends after 8,000 of 16,000 frames\n");
   C_Bytes wav = MonoWav(1000).Take();
   wav.resize(544);
   Write("a.wav", wav);
   EXPECT_EQ(Verdict("a.wav"), "cut: chunk \"data\" holds 500 of 1,000 bytes\n");
+}
+
+TEST_F(CheckCommand, KestrelThatLacksAByte_IsCutAndNotDamaged) {
+  auto bytes = Kestrel();
+  bytes.pop_back();
+  Write("a.kst", bytes);
+  EXPECT_EQ(Verdict("a.kst"), "cut: its end is missing\n");
+}
+
+TEST_F(CheckCommand, HeronThatTheEndCuts_IsCut) {
+  auto bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_HERON, 4, 8000),
+                            PublicSamples(100000));
+  bytes.resize(bytes.size() / 2);
+  Write("a.hrn", bytes);
+  EXPECT_THAT(Verdict("a.hrn"), testing::MatchesRegex("cut: it ends after .* of 100,000 frames\n"));
+}
+
+TEST_F(CheckCommand, WavThatLacksItsLastChunk_IsCut) {
+  C_Bytes wav = MonoWav(1000).Chunk("bext", C_Bytes(20)).Take();
+  wav.resize(1044);
+  Write("a.wav", wav);
+  EXPECT_EQ(Verdict("a.wav"), "cut: its end is missing\n");
+}
+
+TEST_F(CheckCommand, FilesOfOtherLibrariesThatTheEndCuts_AreCut) {
+  WriteSound("a.wav", FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 16),
+             PublicSamples(160000));
+  const C_TempFolder folder;
+  for (const std::string strName : {"a.aiff", "a.aifc", "a.au", "a.flac", "a.ogg", "a.opus"}) {
+    RunIn(folder, "ffmpeg -loglevel error -y -i " + Path("a.wav") + " " +
+                      (strName == "a.aifc" ? "-f aiff " : "") +
+                      (strName == "a.opus" ? "-c:a libopus " : "") + Path(strName));
+    EXPECT_EQ(Verdict(strName), "good\n") << strName;
+    auto bytes = Content(strName);
+    bytes.resize(bytes.size() - bytes.size() / 3);
+    Write(strName, bytes);
+    EXPECT_THAT(Verdict(strName), StartsWith("cut: ")) << strName;
+  }
+  RunIn(folder, "sox " + Path("a.wav") + " " + Path("b.aiff"));
+  auto bytes = Content("b.aiff");
+  bytes.resize(bytes.size() - 2);
+  Write("b.aiff", bytes);
+  EXPECT_EQ(Verdict("b.aiff"), "cut: its end is missing\n");
+}
+
+TEST_F(CheckCommand, MpegThatTellsNoLength_IsNotCut) {
+  WriteWav("a.wav");
+  const C_TempFolder folder;
+  RunIn(folder, "ffmpeg -loglevel error -y -i " + Path("a.wav") +
+                    " -write_xing 0 -id3v2_version 0 " + Path("guessed.mp3"));
+  RunIn(folder, "ffmpeg -loglevel error -y -i " + Path("a.wav") + " " + Path("told.mp3"));
+  EXPECT_EQ(Verdict("guessed.mp3"), "good\n");
+  EXPECT_EQ(Verdict("told.mp3"), "good\n");
+  for (const std::string strName : {"guessed.mp3", "told.mp3"}) {
+    auto bytes = Content(strName);
+    bytes.resize(bytes.size() / 2);
+    Write(strName, bytes);
+  }
+  EXPECT_EQ(Verdict("guessed.mp3"), "good\n");
+  EXPECT_THAT(Verdict("told.mp3"), StartsWith("cut: it ends after "));
+}
+
+// Libraries say on standard error what they think of such a file.
+TEST_F(CheckCommand, NoiseInAnMpegStream_IsToldInOneLine) {
+  WriteSound("a.wav", FormatOf(VOXPLAY_CONTAINER_WAV, VOXPLAY_CODEC_PCM, 16),
+             PublicSamples(160000));
+  const C_TempFolder folder;
+  RunIn(folder, "ffmpeg -loglevel error -y -i " + Path("a.wav") + " -write_xing 0 -b:a 64k " +
+                    Path("a.mp3"));
+  auto bytes = Content("a.mp3");
+  std::uint32_t dwNoise = 1;
+  for (std::size_t n = bytes.size() / 3; n < bytes.size() / 2; ++n) {
+    bytes[n] = static_cast<std::uint8_t>((dwNoise = dwNoise * 1664525U + 1013904223U) >> 24U);
+  }
+  Write("a.mp3", bytes);
+  // Whether the decoder finds a way on is its own affair.
+  EXPECT_THAT(Verdict("a.mp3"), testing::AnyOf("good\n", "cut: its end is missing\n"));
 }
 
 TEST_F(CheckCommand, StreamBesideGoodPcm_IsChecked) {

@@ -13,6 +13,7 @@
 
 #include "ChildProcess.h"
 #include "FolderTest.h"
+#include "OtherPrograms.h"
 #include "ToolSounds.h"
 
 namespace {
@@ -67,6 +68,32 @@ TEST_F(Compare, EqualSounds_EndWithZero) {
   EXPECT_TRUE(m_json["first_differing_frame"].is_null());
   EXPECT_EQ(Run({Path("a.wav"), Path("b.wav")}), 0);
   EXPECT_THAT(m_run.strOut, HasSubstr("result   equal\n"));
+}
+
+TEST_F(Compare, FloatingPointOf64Bits_IsComparedExactly) {
+  const C_TempFolder folder;
+  RunIn(folder,
+        "ffmpeg -loglevel error -y -f lavfi -i aevalsrc=0.5:s=8000:d=0.1 -c:a pcm_f64be -f au " +
+            Path("a.wav"));
+  // Nearer to 0.5 than any other number of 32 bits is.
+  RunIn(folder,
+        "ffmpeg -loglevel error -y -f lavfi -i aevalsrc=0.5+0.000000000001:s=8000:d=0.1 "
+        "-c:a pcm_f64be -f au " +
+            Path("b.wav"));
+  EXPECT_EQ(CompareBoth(), 1);
+  EXPECT_EQ(m_json["equal"], false);
+  EXPECT_EQ(m_json["together"]["differing_samples"], 800);
+  EXPECT_EQ(m_run.strErr, "");
+}
+
+TEST_F(Compare, FloatingPointOf64BitsInWav_IsToldToBeNarrower) {
+  const C_TempFolder folder;
+  RunIn(folder, "ffmpeg -loglevel error -y -f lavfi -i aevalsrc=0.5:s=8000:d=0.1 -c:a pcm_f64le " +
+                    Path("a.wav"));
+  EXPECT_EQ(Run({Path("a.wav"), Path("a.wav")}), 0);
+  const std::string strLine =
+      Path("a.wav") + ": its floating point of 64 bits is compared as that of 32 bits\n";
+  EXPECT_EQ(m_run.strErr, strLine + strLine);
 }
 
 TEST_F(Compare, KnownNoise_GivesItsSnr) {

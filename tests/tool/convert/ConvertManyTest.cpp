@@ -90,6 +90,17 @@ TEST_F(ConvertManyTest, Tree_IsKeptBelowTheFolder) {
   EXPECT_EQ(Tree("out"), (Texts{"a/b/000.hrn", "a/b/001.hrn", "c/000.hrn"}));
 }
 
+TEST_F(ConvertManyTest, TargetsBelowTheFolder_AreNotReadAgain) {
+  MakeSounds("in", 3);
+  const Texts arguments = {"-r", "@/in", "-d", "@/in/new", "--to", "kestrel", "-f"};
+  EXPECT_EQ(Timeless(Convert(arguments)), "3 files: 3 converted; 0.30 s of sound");
+  EXPECT_EQ(Timeless(Convert(arguments)), "3 files: 3 converted; 0.30 s of sound");
+  EXPECT_EQ(Tree("in/new"), (Texts{"000.kst", "001.kst", "002.kst"}));
+  // Somebody who names that folder means it.
+  EXPECT_EQ(Timeless(Convert({"-r", "@/in/new", "-d", "@/in/new", "--to", "wav"})),
+            "3 files: 3 converted; 0.34 s of sound");
+}
+
 TEST_F(ConvertManyTest, ListedNames_MayHaveLineEndsAndComeFromAPipe) {
   MakeSounds("in", 2);
   fs::rename(Path("in/000.wav"), Path("in/two\nlines.wav"));

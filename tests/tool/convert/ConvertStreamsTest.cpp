@@ -40,6 +40,18 @@ TEST_F(ConvertStreamsTest, SoundFromAPipeToAPipe_IsThatOfTheFiles) {
   }
 }
 
+TEST_F(ConvertStreamsTest, PipesWithNames_AreReadLikeFiles) {
+  MakeWav("in.wav", PublicSamples(20000), 16, 16000, 1, test::SomeNotes());
+  Convert({"@/in.wav", "-q", "-o", "@/file.vef", "--codec", "kestrel"});
+  EXPECT_EQ(Pipe("mkfifo @/pipe; (cat @/file.vef > @/pipe) & $V convert @/pipe -o @/out.wav"), 0);
+  EXPECT_EQ(test::SamplesIn<std::int16_t>(Path("out.wav")), PublicSamples(20000));
+  for (const char* const pszCommand : {"info", "info --damage --json", "check"}) {
+    EXPECT_EQ(Pipe("(cat @/file.vef > @/pipe) & $V " + std::string(pszCommand) + " @/pipe > @/out"),
+              0)
+        << pszCommand;
+  }
+}
+
 TEST_F(ConvertStreamsTest, NotesThroughAPipe_AreKept) {
   MakeWav("in.wav", PublicSamples(20000), 16, 16000, 1, test::SomeNotes());
   for (const char* pszMore : {"", "--detect-silence", "--normalize", "--rate 8000"}) {

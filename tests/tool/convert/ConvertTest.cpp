@@ -54,6 +54,15 @@ TEST_F(ConvertTest, FloatingPoint_StaysExact) {
   EXPECT_EQ(test::SamplesIn<float>(Path("out.wav")), samples);
 }
 
+TEST_F(ConvertTest, FloatingPointOf64Bits_IsToldToBecomeNarrower) {
+  const C_TempFolder folder;
+  RunIn(folder, "sox -n -e floating-point -b 64 " + Path("in.wav") + " synth 1 sine 440 vol 0.5");
+  EXPECT_EQ(Convert({"@/in.wav", "-o", "@/out.wav"}),
+            "@/in.wav: its floating point of 64 bits has become that of 32 bits\n");
+  EXPECT_EQ(InfoOf(Path("out.wav")).codec, std::uint32_t{VOXPLAY_CODEC_FLOAT});
+  EXPECT_EQ(Convert({"@/in.wav", "-o", "@/out.kst"}), "");
+}
+
 TEST_F(ConvertTest, NarrowerWidth_LosesTheLowBitsOnly) {
   const auto samples = AnySamples(24, 1000);
   MakeWav("in.wav", samples, 24);
@@ -101,6 +110,14 @@ TEST_F(ConvertTest, StereoAt44100_BecomesKestrelOfTheSameLengthAndLevel) {
   EXPECT_LT(sound.samples.size(), 80006U + 2 * 320U);
   const std::span middle = std::span(sound.samples).subspan(16000, 48000);
   EXPECT_NEAR(test::LevelAt(middle, 440.0, 16000.0), 0.25, 0.01);
+}
+
+TEST_F(ConvertTest, RatesTooFarApart_AreAFailureOfTheFile) {
+  MakeWav("in.wav", PublicSamples(100), 16, 15);
+  EXPECT_EQ(Fail(1, {"@/in.wav", "-o", "@/out.kst"}),
+            "@/in.wav: cannot be converted: 15 Hz are too far from 16000 Hz\n");
+  MakeWav("in.wav", PublicSamples(100), 16, 16);
+  Convert({"@/in.wav", "-o", "@/out.kst"});
 }
 
 TEST_F(ConvertTest, ChannelsAndGain_AreAppliedToTheSamples) {
@@ -268,6 +285,21 @@ TEST_F(ConvertTest, RateConversion_AgreesWithThatOfAnotherProgram) {
     dWorst = std::max(dWorst, std::abs(static_cast<double>(ours[n] - theirs[n])));
   }
   EXPECT_LT(dWorst, 0.0005);
+}
+
+TEST_F(ConvertTest, SoundThatTheEndCuts_IsToldButConverted) {
+  test::WriteSound(Path("in.hrn"), FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_HERON, 4, 8000),
+                   PublicSamples(100000));
+  std::filesystem::resize_file(Path("in.hrn"), std::filesystem::file_size(Path("in.hrn")) / 2);
+  const std::string strSaid = Convert({"@/in.hrn", "-o", "@/out.wav"});
+  const auto samples = test::SamplesIn<std::int16_t>(Path("out.wav"));
+  EXPECT_LT(samples.size(), 70000U);
+  EXPECT_GT(samples.size(), 30000U);
+  EXPECT_EQ(strSaid, "@/in.hrn: the file is cut: " + std::to_string(samples.size()) +
+                         " frames are there, and converted\n");
+  EXPECT_NE(
+      Convert({"@/in.hrn", "-d", "@/new", "--to", "wav"}).find("\n1 file: 1 converted (1 cut); "),
+      std::string::npos);
 }
 
 TEST_F(ConvertTest, DamagedFrames_AreToldButConverted) {

@@ -18,6 +18,28 @@ class ConvertUsageTest : public test::C_ToolTest {
   ConvertUsageTest() { MakeWav("in.wav", PublicSamples(1600)); }
 };
 
+TEST_F(ConvertUsageTest, NegativeNumberAfterAnOption_IsItsValue) {
+  MakeWav("in.wav", std::vector<float>(1600, 0.25F), 0);
+  Convert({"--normalize", "-6.0206", "@/in.wav", "-o", "@/a.wav"});
+  EXPECT_NEAR(test::SamplesIn<float>(Path("a.wav"))[0], 0.5, 1e-5);
+  Convert({"--normalize", "@/in.wav", "-o", "@/b.wav"});
+  EXPECT_NEAR(test::SamplesIn<float>(Path("b.wav"))[0], 0.891251, 1e-5);
+  Convert({"@/in.wav", "--detect-silence", "-10:50", "-o", "@/c.wav"});
+  EXPECT_EQ(test::ReadSound(Path("c.wav")).notes.view().silence().size(), 1U);
+  Convert({"@/in.wav", "--detect-silence", "-o", "@/d.wav"});
+  EXPECT_EQ(test::ReadSound(Path("d.wav")).notes.view().silence().size(), 0U);
+  Fail(2, {"--normalize", "-6", "--", "-6", "-o", "@/e.wav"});
+}
+
+TEST_F(ConvertUsageTest, BytesForATerminal_AreRefused) {
+  const S_Run run = Shell().Run(
+      Placed({"-c", "script -qec \"$V convert @/in.wav -o - --to wav\" /dev/null < /dev/null"}),
+      {"V=" VOXPLAY_VOXTOOL, "PATH=/usr/bin:/bin"});
+  EXPECT_EQ(run.nExit, 2);
+  EXPECT_EQ(run.strOut,
+            "standard output: is a terminal: a file or another program has to take the bytes\r\n");
+}
+
 TEST_F(ConvertUsageTest, WhatCannotBeMeant_EndsWithTwo) {
   EXPECT_EQ(Fail(2, {}), "voxtool convert: no file is named\nTry \"voxtool convert --help\".\n")
       << "no files";

@@ -88,6 +88,14 @@ TEST(WaveMeter, ThreeSamplesAtFullScale_AreClipping) {
   EXPECT_TRUE(meter.Waves()[1].bClipped);
 }
 
+TEST(WaveMeter, SamplesOfFewBits_AreAlwaysAtFullScaleAndNotClipped) {
+  for (const std::uint32_t dwBits : {1U, 4U}) {
+    C_WaveMeter meter(C_Columns(9, 1), dwBits);
+    meter.Add(std::vector<float>{0.0F, 0.0F, 0.0F, -1.0F, -1.0F, -1.0F, 0.875F, 0.875F, 0.875F});
+    EXPECT_EQ(meter.Clippings(), 0u) << dwBits;
+  }
+}
+
 TEST(WaveMeter, BothSidesInTurn_AreNoClipping) {
   C_WaveMeter meter(C_Columns(6, 2), 0);
   meter.Add(std::vector<float>{1.0F, -1.0F, 1.0F, -1.0F, 1.0F, -1.0F});

@@ -28,6 +28,8 @@ class C_MadeSound final : public tool::I_SoundInput {
   [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override { return 0; }
   std::size_t Read(std::span<std::int16_t> /*samples*/) override { return 0; }
   std::size_t Read(std::span<std::int32_t> /*samples*/) override { return 0; }
+  std::size_t Read(std::span<double> /*samples*/) override { return 0; }
+  [[nodiscard]] bool IsCut() const noexcept override { return false; }
   std::size_t Read(std::span<float> samples) override {
     if (m_qwFrame >= m_qwFailure) throw tool::C_Failure("made.wav", "cannot be read", "a test");
     const std::uint64_t qwLeft = m_info.qwFrames - m_qwFrame;

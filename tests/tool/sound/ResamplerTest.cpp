@@ -37,7 +37,8 @@ TEST(ResamplerTest, AnyLength_BecomesTheRoundedOne) {
                                      {48000U, 44100U},
                                      {11025U, 16000U},
                                      {16000U, 16001U},
-                                     {7U, 16000U},
+                                     {16U, 16000U},
+                                     {16000U, 16U},
                                      {192000U, 4000U}}) {
     for (const std::size_t nFrames : {0U, 1U, 2U, 3U, 100U, 999U, 1000U, 1001U, 44101U}) {
       const std::uint64_t qwWanted = (std::uint64_t{nFrames} * dwTo + dwFrom / 2) / dwFrom;
@@ -86,7 +87,17 @@ TEST(ResamplerTest, OtherPieces_GiveTheSameSamples) {
 TEST(ResamplerTest, RatesTooFarApart_AreRefused) {
   EXPECT_THROW(C_Resampler(1, 4294967295, 1), C_Failure);
   EXPECT_THROW(C_Resampler(4294967295, 16000, 1), C_Failure);
-  EXPECT_NO_THROW(C_Resampler(1, 65536, 1));
+  EXPECT_THROW(C_Resampler(1, 1001, 1), C_Failure);
+  EXPECT_THROW(C_Resampler(16001, 16, 1), C_Failure);
+}
+
+TEST(ResamplerTest, GreatestRatios_WorkForAllChannelsAndPieces) {
+  for (const std::uint32_t dwChannels : {1U, 2U, 64U}) {
+    const std::vector<float> few(std::size_t{20} * dwChannels, 0.25F);
+    EXPECT_EQ(Resampled(few, 1, 1000, dwChannels, 7).size(), 20000U * dwChannels);
+    const std::vector<float> many(std::size_t{20000} * dwChannels, 0.25F);
+    EXPECT_EQ(Resampled(many, 4000000, 4000, dwChannels, 999).size(), 20U * dwChannels);
+  }
 }
 
 }  // namespace

@@ -36,10 +36,12 @@ std::optional<std::uint32_t> MakeHead(const S_Variant& variant, std::uint64_t qw
   return variant.byModeCode | static_cast<std::uint32_t>(qwAudioEnd << kOffsetShift);
 }
 
+std::uint64_t EventsAt(std::uint32_t dwHead) { return dwHead >> kOffsetShift; }
+
 // A stream that ends before its events begin has lost its end, and its audio ends with it.
 std::optional<S_AudioEnd> FindAudioEnd(std::uint32_t dwHead, std::uint64_t qwStream) {
   const auto variant = Find(&S_Variant::byModeCode, static_cast<std::uint8_t>(dwHead));
-  const std::uint64_t qwOffset = dwHead >> kOffsetShift;
+  const std::uint64_t qwOffset = EventsAt(dwHead);
   if (!variant || (qwOffset != 0 && qwOffset < kHeadBytes)) return std::nullopt;
   return S_AudioEnd{*variant, qwOffset == 0 ? qwStream : std::min(qwOffset, qwStream)};
 }

@@ -45,6 +45,9 @@ struct S_AudioEnd {
 // is read.
 std::optional<S_AudioEnd> FindAudioEnd(std::uint32_t dwHead, std::uint64_t qwStream);
 
+// Where the head says that the events begin; 0 without events.
+std::uint64_t EventsAt(std::uint32_t dwHead);
+
 struct S_Audio {
   S_Variant variant;
   std::span<const unsigned char> coded;
