@@ -11,6 +11,8 @@ if(VOXPLAY_PLAYER)
 endif()
 if(VOXPLAY_TOOL)
   set(DESKTOP ${PROJECT_SOURCE_DIR}/desktop)
+  # Nothing in the program tells where it was built, so that packages are the same from build to build.
+  set_target_properties(voxtool PROPERTIES BUILD_RPATH_USE_ORIGIN ON)
   # Outside of /usr the system may not look for the library, which is found from the program then,
   # wherever both are moved. Packages want no such path.
   if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")

@@ -133,7 +133,10 @@ TEST_P(HostileFiles, Edits_AreWholeOrNotAtAll) {
       EXPECT_EQ(Lines(run.strErr), 1U) << run.strErr;
     }
   }
-  std::cout << GetParam() << ' ' << nChanged << " changed\n";
+  // Those of these kinds are not all refused.
+  const std::string strCorpus = GetParam();
+  const bool bHoldsMarks = strCorpus == "wav_load" || strCorpus == "vef";
+  EXPECT_GE(nChanged, bHoldsMarks ? 1U : 0U) << strCorpus;
 }
 
 INSTANTIATE_TEST_SUITE_P(All, HostileFiles,
