@@ -27,6 +27,7 @@ struct S_EditOptions {
   std::string strCodec = "kestrel";
   std::uint32_t dwRate = 0;
   bool bForce = false;
+  bool bAnyway = false;
 };
 
 std::vector<S_HeaderFields> HeadersIn(const std::string& strPath) {
@@ -76,7 +77,7 @@ int EditAll(const S_EditOptions& options, C_Console& console, Edit&& fnEdit) {
     throw C_UsageFailure("voxtool header", "-o", "it takes one file, and there are several");
   }
   return ForEachFile(options.files, console, [&](const std::string& strPath) {
-    fnEdit(S_HeaderEdit{strPath, {options.strOutput, options.bForce}});
+    fnEdit(S_HeaderEdit{strPath, {options.strOutput, options.bForce, options.bAnyway}});
   });
 }
 
@@ -136,12 +137,12 @@ void AddStrip(C_CommandLine& commandLine, CLI::App& parent) {
        "take the SP header away",
        "Takes the SP header away, so that the stream alone is left. This is refused where the rest "
        "would not be known again, as a Heron stream would not, and where the sample rate would be "
-       "lost; -f does it nevertheless.",
+       "lost; --anyway does it nevertheless.",
        {{"voxtool header strip -o stream.bin speech.kst", "write the stream without its header"}},
        [options](C_Console& console) { return EditAll(*options, console, &StripHeader); }});
   AddEditOptions(command, *options);
-  command.add_flag("-f,--force", options->bForce,
-                   "also when something is lost, or the output exists");
+  command.add_flag("-f,--force", options->bForce, "replace an existing output");
+  command.add_flag("--anyway", options->bAnyway, "also when something is lost");
 }
 
 }  // namespace

@@ -119,9 +119,10 @@ void StripHeader(const S_HeaderEdit& edit) {
   }
   const auto target = MakeEdited(edit.strFile, edit.target);
   CopyRest(edit, kHeaderBytes, *target);
-  const std::string strWhyNot = edit.target.bForce ? "" : WhyNotStripped(reader, target->NewPath());
+  const std::string strWhyNot =
+      edit.target.bAnyway ? "" : WhyNotStripped(reader, target->NewPath());
   if (!strWhyNot.empty()) {
-    throw C_Failure(edit.strFile, kUnchanged, strWhyNot + "; -f strips it nevertheless");
+    throw C_Failure(edit.strFile, kUnchanged, strWhyNot + "; --anyway strips it nevertheless");
   }
   target->TakePlace();
 }

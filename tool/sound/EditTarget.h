@@ -11,7 +11,8 @@ namespace tool {
 // Where a changed file goes.
 struct S_EditTarget {
   std::string strOutput;  // empty: the file itself; "-": standard output
-  bool bForce = false;    // also when something is lost, or the output exists
+  bool bForce = false;    // also when the output exists
+  bool bAnyway = false;   // also when something is lost
 };
 
 // The new file. Throws C_Failure and C_UsageFailure.

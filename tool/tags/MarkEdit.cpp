@@ -16,8 +16,8 @@ void AddEditOptions(CLI::App& command, S_EditOptions& options) {
       .add_option("-o,--output", options.target.strOutput,
                   "write another file instead; \"-\" is standard output")
       ->type_name("FILE");
-  command.add_flag("-f,--force", options.target.bForce,
-                   "also when the file cannot hold all of it, or the output exists");
+  command.add_flag("-f,--force", options.target.bForce, "replace an existing output");
+  command.add_flag("--anyway", options.target.bAnyway, "also when the file cannot hold all of it");
 }
 
 void ClearMarks(voxplay::Notes& notes) {

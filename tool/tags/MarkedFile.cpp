@@ -49,7 +49,7 @@ bool AreSame(const voxplay::Info& a, const voxplay::Info& b) {
 std::string LostText(const std::vector<std::string>& lost) {
   const std::size_t nMore = lost.size() - 1;
   return lost.front() + (nMore == 0 ? "" : " (and " + CountText(nMore) + " more)") +
-         "; -f writes the rest";
+         "; --anyway writes the rest";
 }
 
 }  // namespace
@@ -62,7 +62,7 @@ C_MarkedFile::C_MarkedFile(const std::string& strPath)
 std::vector<std::string> C_MarkedFile::Save(const voxplay::Notes& notes,
                                             const S_EditTarget& target) {
   const S_MarkChunks marks = MarkChunksOf(notes, m_info);
-  if (!marks.lost.empty() && !target.bForce) {
+  if (!marks.lost.empty() && !target.bAnyway) {
     throw C_Failure(m_strPath, kUnchanged, LostText(marks.lost));
   }
   const auto file = MakeEdited(m_strPath, target);

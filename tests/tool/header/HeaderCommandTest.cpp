@@ -90,13 +90,14 @@ TEST_F(HeaderCommand, HeronStream_GetsItsHeaderBack) {
 
 TEST_F(HeaderCommand, StreamThatNobodyWouldKnow_KeepsItsHeader) {
   const Bytes whole = WriteHeron("a.hrn");
-  EXPECT_EQ(
-      WhyNot({"header", "strip", "@a.hrn"}),
-      Path("a.hrn") +
-          ": nothing is changed: without the header no program would know the stream again; -f "
-          "strips it nevertheless\n");
+  EXPECT_EQ(WhyNot({"header", "strip", "@a.hrn"}),
+            Path("a.hrn") +
+                ": nothing is changed: without the header no program would know the stream again; "
+                "--anyway "
+                "strips it nevertheless\n");
+  EXPECT_EQ(Run({"header", "strip", "-f", "@a.hrn"}).nExit, 1);
   EXPECT_EQ(Content("a.hrn"), whole);
-  EXPECT_EQ(Output({"header", "strip", "-f", "@a.hrn"}), "");
+  EXPECT_EQ(Output({"header", "strip", "--anyway", "@a.hrn"}), "");
   EXPECT_EQ(Content("a.hrn"), WithoutHeader(whole));
 }
 

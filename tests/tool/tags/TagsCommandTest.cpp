@@ -76,14 +76,17 @@ TEST_F(TagsCommand, SoundsWithoutMarks_AreListedAsSuch) {
             Path("a.wav") + ": no marks\n\n" + Path("a.kst") + ": no marks\n");
 }
 
-TEST_F(TagsCommand, WhatAFileCannotHold_ChangesNothingUnlessForced) {
+TEST_F(TagsCommand, WhatAFileCannotHold_ChangesNothingUnlessToldTo) {
   WriteWav("a.wav");
   const Texts command = {"tags", "add", "event", "@a.wav", "--at", "0.5", "--data", "7"};
-  EXPECT_EQ(WhyNot(command), Path("a.wav") +
-                                 ": nothing is changed: event 1 at frame 8000: its data; -f writes "
-                                 "the rest\n");
+  EXPECT_EQ(WhyNot(command),
+            Path("a.wav") +
+                ": nothing is changed: event 1 at frame 8000: its data; --anyway writes "
+                "the rest\n");
   Texts forced = command;
   forced.emplace_back("-f");
+  EXPECT_EQ(WhyNot(forced), WhyNot(command));
+  forced.back() = "--anyway";
   const S_Run run = Run(forced);
   EXPECT_EQ(run.nExit, 0);
   EXPECT_EQ(run.strErr, Path("a.wav") + ": event 1 at frame 8000: its data\n");
@@ -96,16 +99,16 @@ TEST_F(TagsCommand, DataOfAnEvent_IsHeldByVef) {
   EXPECT_EQ(voxplay::Reader(Path("a.vef")).notes().events()[0].data, 7U);
 }
 
-TEST_F(TagsCommand, PlacesBeyondTheEnd_AreRefusedUnlessForced) {
+TEST_F(TagsCommand, PlacesBeyondTheEnd_AreRefusedUnlessToldTo) {
   WriteWav("a.wav");
   EXPECT_EQ(WhyNot({"tags", "add", "cue", "@a.wav", "--at", "1.001"}),
             Path("a.wav") +
-                ": nothing is changed: 0:01.001 is beyond its end at 0:01.000; -f adds it "
+                ": nothing is changed: 0:01.001 is beyond its end at 0:01.000; --anyway adds it "
                 "nevertheless\n");
   EXPECT_THAT(WhyNot({"tags", "add", "region", "@a.wav", "--at", "0.5", "--length", "1"}),
               HasSubstr("0:01.500 is beyond its end"));
   Output({"tags", "add", "cue", "@a.wav", "--at", "1"});
-  Output({"tags", "add", "cue", "-f", "@a.wav", "--at", "2"});
+  Output({"tags", "add", "cue", "--anyway", "@a.wav", "--at", "2"});
   EXPECT_THAT(Rows("a.wav"), ElementsAre("cue 1 16000", "cue 2 32000"));
 }
 

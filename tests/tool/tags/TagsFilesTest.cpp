@@ -45,8 +45,8 @@ class TagsFiles : public C_VoxtoolTest {
   }
   // Adds an event and a cue point.
   void Mark(const std::string& strName) const {
-    Output({"tags", "add", "event", "-f", "@" + strName, "--at", "10s", "--main", "7"});
-    Output({"tags", "add", "cue", "-f", "@" + strName, "--at", "20s", "--name", "odd"});
+    Output({"tags", "add", "event", "--anyway", "@" + strName, "--at", "10s", "--main", "7"});
+    Output({"tags", "add", "cue", "--anyway", "@" + strName, "--at", "20s", "--name", "odd"});
   }
   void ExpectMarks(const std::string& strName) const {
     const voxplay::Reader reader(Path(strName));
@@ -158,10 +158,10 @@ TEST_F(TagsFiles, FileWithoutARate_TakesPlacesInSamplesAlone) {
     EXPECT_EQ(Said(run.strErr), "@/a.wav: nothing is changed: it has no sample rate, so that " +
                                     further.back() + " is no place in it; give samples (32000s)\n");
   }
-  EXPECT_EQ(
-      Said(Run({"tags", "add", "cue", "@a.wav", "--at", "1001s"}).strErr),
-      "@/a.wav: nothing is changed: sample 1,001 is beyond its end at sample 1,000; -f adds it "
-      "nevertheless\n");
+  EXPECT_EQ(Said(Run({"tags", "add", "cue", "@a.wav", "--at", "1001s"}).strErr),
+            "@/a.wav: nothing is changed: sample 1,001 is beyond its end at sample 1,000; --anyway "
+            "adds it "
+            "nevertheless\n");
   EXPECT_EQ(Said(Run({"tags", "list", "--labels", "@a.wav"}).strErr),
             "@/a.wav: its marks are no label track: it has no sample rate, and label tracks count "
             "seconds\n");
