@@ -92,9 +92,9 @@ command_of() {
     command[n]=$word
   done
 }
-# As file managers do it, which have no terminal, and may hide the home.
+# As file managers do it: without a terminal, and with a home where nothing is yet.
 in_desktop() {
-  env -i HOME=/nowhere PATH="$(dirname "$voxtool"):/usr/bin:/bin" "$@" </dev/null >"$folder/said" 2>&1 ||
+  env -i HOME="$folder/home" PATH="$(dirname "$voxtool"):/usr/bin:/bin" "$@" </dev/null >"$folder/said" 2>&1 ||
     fail "\"$*\" fails: $(cat "$folder/said")"
 }
 

@@ -94,9 +94,8 @@ TEST_F(WriterCallsTest, OpeningAgain_AbandonsWhatWasOpen) {
 }
 
 TEST_F(WriterCallsTest, FolderThatIsMissing_IsNamedInTheMessage) {
-  EXPECT_EQ(voxplay_writer_open_file(m_pWriter, "/nowhere/a.wav", &kWav, sizeof kWav),
-            VOXPLAY_CANNOT_OPEN);
-  EXPECT_THAT(Message(), testing::StartsWith("/nowhere/a.wav: "));
+  EXPECT_EQ(Open("nowhere/a.wav", kWav), VOXPLAY_CANNOT_OPEN);
+  EXPECT_THAT(Message(), testing::StartsWith(m_folder.Path("nowhere/a.wav") + ": "));
 }
 
 TEST_F(WriterCallsTest, SomethingElseThanAFile_IsRefused) {
