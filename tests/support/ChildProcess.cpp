@@ -16,16 +16,19 @@
 #include <thread>
 #include <utility>
 
+#include "TempFolder.h"
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr double kLimitSeconds = 120.0;
 constexpr auto kPoll = std::chrono::milliseconds(2);
 
-// Only the settings of the sanitizers pass through. The home is a place where nobody, not even
-// root, can make a folder: the library of the sound server would leave its own there.
+// Only the settings of the sanitizers pass through. The home is removed when the tests end: the
+// library of the sound server leaves a folder there.
 std::vector<std::string> EnvironmentOf(const std::vector<std::string>& extra) {
-  std::vector<std::string> all = {"PATH=/usr/bin:/bin", "HOME=/dev/null", "LC_ALL=C"};
+  static const C_TempFolder home;
+  std::vector<std::string> all = {"PATH=/usr/bin:/bin", "HOME=" + home.Path(), "LC_ALL=C"};
   for (const char* pszName : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
     if (const char* pszValue = std::getenv(pszName); pszValue != nullptr) {
       all.push_back(std::string(pszName) + "=" + pszValue);

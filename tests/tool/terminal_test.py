@@ -360,7 +360,7 @@ def progress_goes_to_terminals_only(terminal):
 
 def controls_in_names_are_not_obeyed(terminal):
     terminal.run(r"cp minute.wav $'a\033]0;b\007\033[2J.wav'; clear; voxtool play --null a*")
-    terminal.wait_for(r"^a\?\]0;b\?\?\[2J\.wav  0:0")
+    terminal.wait_for(r"^a\\x1b\]0;b\\x07\\x1b\[2J\.wav  0:0")
 
 
 def help_fits_narrow_terminals(terminal):

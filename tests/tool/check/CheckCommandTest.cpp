@@ -146,11 +146,11 @@ TEST_F(CheckCommand, OtherFiles_AreUnknown) {
 }
 
 TEST_F(CheckCommand, FilesThatCannotBeRead_AreFailures) {
-  const S_Run run = Voxtool({"check", "@missing", "@."});
+  const S_Run run = Voxtool({"check", "@missing", "@"});
   EXPECT_EQ(run.nExit, 1);
   EXPECT_EQ(run.strOut, "");
   EXPECT_THAT(run.strErr, HasSubstr(Path("missing") + ": unreadable: there is no such file\n"));
-  EXPECT_THAT(run.strErr, HasSubstr(Path(".") + ": is a folder: -r takes the sounds in it\n"));
+  EXPECT_THAT(run.strErr, HasSubstr(Folder() + ": is a folder: -r takes the sounds in it\n"));
 }
 
 TEST_F(CheckCommand, Quiet_NamesOnlyWhatIsNotGood) {

@@ -186,7 +186,7 @@ TEST_F(InfoCommand, NamesWithControlCharacters_DoNothingToTerminals) {
   WriteWav("a\x1b[31m.wav");
   EXPECT_THAT(Output({"info", "@a\x1b[31m.wav"}), HasSubstr("a\\x1b[31m.wav\n"));
   WriteWav("\xFF.wav");
-  EXPECT_EQ(Json({"info", "--json", "@\xFF.wav"})[0]["file"], Folder() + "/\xEF\xBF\xBD.wav");
+  EXPECT_EQ(Json({"info", "--json", "@/\xFF.wav"})[0]["file"], Folder() + "/\xEF\xBF\xBD.wav");
 }
 
 TEST_F(InfoCommand, WhatCannotBeMeant_IsAUsageError) {
