@@ -38,10 +38,14 @@ if(VOXPLAY_SANITIZE)
   endif()
 endif()
 if(VOXPLAY_FUZZERS)
-  # This flag gives coverage guidance to every target, not only to the fuzzers.
-  target_compile_options(voxplay_flags INTERFACE -fsanitize=fuzzer-no-link)
+  # This flag gives coverage guidance to every target, not only to the fuzzers. Tests need none.
+  target_compile_options(voxplay_flags INTERFACE
+    $<$<NOT:$<IN_LIST:voxplay_test_flags,$<TARGET_PROPERTY:LINK_LIBRARIES>>>:-fsanitize=fuzzer-no-link>)
   target_link_options(voxplay_flags INTERFACE -fsanitize=fuzzer-no-link)
-  # The name that fuzzers of all projects use for what is left out when they run.
+endif()
+if(VOXPLAY_FUZZERS AND NOT VOXPLAY_TESTS)
+  # The name that fuzzers of all projects use for what is left out when they run. Tests of the same
+  # build would miss it.
   target_compile_definitions(voxplay_flags INTERFACE FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION)
 endif()
 if(VOXPLAY_COVERAGE)

@@ -11,7 +11,7 @@ shift $(($# > 0))
 
 # The sanitizer builds use clang.
 packages=test
-[[ $preset == *san* ]] && packages=ci
+[[ $preset == *san* || $preset == fuzz ]] && packages=ci
 "$root/scripts/install-deps.sh" "$packages"
 # Words of VOXPLAY_CONFIGURE are further arguments for CMake.
 cmake -S "$root" --preset "$preset" ${VOXPLAY_CONFIGURE:-}
