@@ -68,7 +68,7 @@ TEST(ManualPage, OfTheProgram_LeaveNoCommandOut) {
   const C_TempFolder folder;
   RunIn(folder, VOXTOOL " manual --all -d @");
   tool::C_CommandLine commandLine;
-  tool::AddCommands(commandLine);
+  tool::AddCommands(commandLine, nullptr);
   std::size_t nInner = 0;
   for (const CLI::App* pCommand : tool::CommandsIn(commandLine.Table())) {
     const std::string strPage = TextOf(folder.Read(tool::ManualPageName(*pCommand) + ".1"));
