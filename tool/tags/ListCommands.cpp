@@ -63,7 +63,10 @@ int List(const S_ListOptions& options, C_Console& console) {
 // Goes through the files one by one, which an output for all of them needs.
 int Export(const S_ExportOptions& options, C_Console& console,
            const std::function<void(std::string_view)>& fnWrite) {
-  const S_MarkView view{options.forms.Form(tagMarkForm::CSV), options.files.size() > 1};
+  S_MarkView view;
+  view.eForm = options.forms.Form(tagMarkForm::CSV);
+  view.bSeveral = options.files.size() > 1;
+  view.bForImport = true;
   view.Check();
   const S_PrintRule rule = view.Rule();
   bool bAny = false;
@@ -150,7 +153,9 @@ void AddExportCommand(C_CommandLine& commandLine, CLI::App& tags) {
        "reads each of these forms back. Values and JSON hold all that marks have. A label track "
        "holds "
        "places and texts: ids, and what is rare, do not come back from it. Texts that are no UTF-8 "
-       "are written as what they are in Windows-1252, with their bytes beside them (\"hex\").",
+       "are written as what they are in Windows-1252, with their bytes beside them (\"hex\"). "
+       "Events "
+       "that are read from labels are left out, because they come back with these.",
        {{"voxtool tags export talk.wav -o talk.csv", "write a table"},
         {"voxtool tags export talk.wav --labels -o talk.txt", "write a label track"},
         {"voxtool tags export *.wav --json", "print the marks of many files"}},

@@ -61,7 +61,9 @@ int Run(const S_Options& options, C_Console& console) {
     throw C_UsageFailure("voxtool tags import", options.edit.strFile,
                          "name what to import with --csv, --json or --labels");
   }
-  return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
+  S_EditOptions edit = options.edit;
+  edit.bNamesEvents = options.bReplace;
+  return EditMarks(edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
     try {
       const std::string strText = ReadText(SourceOf(options));
       const std::uint32_t dwRate = file.Info().sample_rate;

@@ -6,6 +6,7 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "marks/MarkRows.h"
+#include "tags/LabelEvents.h"
 #include "tags/MarkEdit.h"
 #include "tags/Subcommands.h"
 
@@ -32,8 +33,9 @@ void AddKept(const Records& old, IsKept&& fnIsKept, Add&& fnAdd) {
 
 class C_Remover {
  public:
-  C_Remover(const S_Options& options, voxplay::Notes& notes)
+  C_Remover(const S_Options& options, std::uint32_t dwContainer, voxplay::Notes& notes)
       : m_options(options),
+        m_dwContainer(dwContainer),
         m_numbers(options.numbers.begin(), options.numbers.end()),
         m_old(notes.view()),
         m_notes(notes) {}
@@ -49,7 +51,8 @@ class C_Remover {
     const voxplay::NotesView old = m_old.view();
     switch (eList) {
       case VOXPLAY_NOTE_EVENT:
-        return AddKept(old.events(), IsKept, Add);
+        AddKept(old.events(), IsKept, Add);
+        return RefuseToRemove(m_options.edit.strFile, old, m_notes, m_dwContainer);
       case VOXPLAY_NOTE_CUE:
         AddKept(old.cues(), IsKept, Add);
         return RemoveOrphans();
@@ -97,6 +100,7 @@ class C_Remover {
   }
 
   const S_Options& m_options;
+  std::uint32_t m_dwContainer;
   const std::unordered_set<std::size_t> m_numbers;
   const voxplay::Notes m_old;
   voxplay::Notes& m_notes;
@@ -111,8 +115,8 @@ void CheckOptions(const S_Options& options) {
 
 int Run(const S_Options& options, C_Console& console) {
   CheckOptions(options);
-  return EditMarks(options.edit, console, [&](const C_MarkedFile& /*file*/, voxplay::Notes& notes) {
-    C_Remover remover(options, notes);
+  return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
+    C_Remover remover(options, file.Info().container, notes);
     if (options.strKind.empty()) return remover.RemoveAll();
     remover.Remove();
   });

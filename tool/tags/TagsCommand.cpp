@@ -17,6 +17,9 @@ void AddTagsCommand(C_CommandLine& commandLine) {
        "streams "
        "and all other chunks stay as they are, byte for byte, and a file is replaced in one step. "
        "Headers before streams hold no marks.\n\n"
+       "In WAV and VEMD files, some labels of other programs read as events: \"take_1\" as event "
+       "0/1. "
+       "Such an event is listed, and it comes and goes with its label.\n\n"
        "Times are seconds (2.5), m:ss.mmm (1:02.500) or samples (32000s).",
        {{"voxtool tags list talk.wav", "show all marks"},
         {"voxtool tags add event talk.wav --at 1.5 --main 3", "add an event"},
