@@ -185,6 +185,8 @@ def question_mark_lists_keys(terminal):
     begin(terminal)
     terminal.press("?")
     terminal.wait_for(r"^space  pause")
+    terminal.wait_for(r"^n, p   next")
+    terminal.wait_for(r"^q      end")
     terminal.wait_for(r"^minute\.wav  ")
 
 
