@@ -204,6 +204,7 @@ void C_PlayedSound::Report() {
     m_console.Complain(strName + ": " + std::to_string(qwDamaged) +
                        (qwDamaged == 1 ? " frame is damaged" : " frames are damaged"));
   }
+  if (m_sound->IsCut()) m_console.Complain(strName + ": the file is cut: its end is missing");
   if (failure) throw C_Failure(*failure);
 }
 

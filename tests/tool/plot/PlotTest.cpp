@@ -442,6 +442,31 @@ TEST_F(Plot, HostileFiles_GiveEachAPictureOrOneLine) {
   EXPECT_EQ(nPictures + static_cast<std::size_t>(nLines), nSounds);
 }
 
+TEST_F(Plot, CutFile_IsToldAndSaysSoInThePicture) {
+  WriteWav(Path("a.wav"), NoiseSamples(16000, 20000));
+  auto bytes = Content("a.wav");
+  bytes.resize(44 + 2 * 1000);
+  Write("a.wav", bytes);
+  EXPECT_THAT(Svg(), HasSubstr("0:00.063 \u00B7 cut</text>"));
+  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": the file is cut: 1000 frames are there, and drawn\n");
+  Svg({"--to", "0.01"});
+  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": the file is cut: 1000 frames are there, and drawn\n");
+  EXPECT_EQ(Run({Path("a.wav"), "-d", Path("d")}), 0);
+  EXPECT_THAT(m_run.strErr, HasSubstr("1 file: 1 drawn (1 cut); "));
+}
+
+TEST_F(Plot, DamagedFile_IsToldByItsName) {
+  auto bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL),
+                            NoiseSamples(32000, 20000));
+  // Two frames that no encoder writes.
+  std::fill_n(bytes.begin() + 48 + 10 * 40, 2 * 40, std::uint8_t{0xFF});
+  Write("a.kst", bytes);
+  EXPECT_EQ(Run({Path("a.kst"), "-o", "-", "--format", "svg"}), 0);
+  EXPECT_THAT(m_run.strErr,
+              testing::MatchesRegex(".*/a.kst: [0-9]+ of 32000 frames are damaged\n"));
+  EXPECT_THAT(m_run.strOut, testing::ContainsRegex("[0-9]+ damaged frames</text>"));
+}
+
 TEST_F(Plot, LongSound_IsNeverInMemory) {
   WriteLongWav(Path("a.wav"));
   C_RunningProgram run = m_program.Start({"plot", Path("a.wav"), "-o", Path("a.png")}, {},
