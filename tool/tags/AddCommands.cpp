@@ -7,6 +7,7 @@
 
 #include "base/Failure.h"
 #include "base/TimeText.h"
+#include "marks/BeyondEnd.h"
 #include "marks/MarkNotes.h"
 #include "tags/MarkEdit.h"
 #include "tags/Subcommands.h"
@@ -44,19 +45,11 @@ std::uint64_t LengthOf(const S_Options& options, std::uint64_t qwStart, std::uin
   throw C_UsageFailure(options.edit.strFile, "--to", "it is before --at");
 }
 
-// A place beyond the end is more likely a slip than wanted.
 void CheckPlace(const S_Options& options, std::uint64_t qwStart, std::uint64_t qwLength,
                 const voxplay::Info& info) {
-  if (options.edit.target.bAnyway || info.frames == UINT64_MAX) return;
-  if (qwStart <= info.frames && qwLength <= info.frames - qwStart) return;
-  const std::uint64_t qwPlace = qwStart > info.frames ? qwStart : qwStart + qwLength;
-  const auto Name = [&](std::uint64_t qwFrame) {
-    return info.sample_rate == 0 ? "sample " + CountText(qwFrame)
-                                 : ClockText(qwFrame, info.sample_rate);
-  };
-  throw C_Failure(options.edit.strFile, "nothing is changed",
-                  Name(qwPlace) + " is beyond its end at " + Name(info.frames) +
-                      "; --anyway adds it nevertheless");
+  if (options.edit.target.bAnyway) return;
+  const auto strWhyNot = BeyondEnd(qwStart, qwLength, {info.frames, info.sample_rate});
+  if (strWhyNot) throw C_Failure(options.edit.strFile, "nothing is changed", *strWhyNot);
 }
 
 int Run(const S_Options& options, const std::string& strKind, C_Console& console) {

@@ -101,12 +101,13 @@ TEST_F(TagsCommand, DataOfAnEvent_IsHeldByVef) {
 
 TEST_F(TagsCommand, PlacesBeyondTheEnd_AreRefusedUnlessToldTo) {
   WriteWav("a.wav");
-  EXPECT_EQ(WhyNot({"tags", "add", "cue", "@a.wav", "--at", "1.001"}),
-            Path("a.wav") +
-                ": nothing is changed: 0:01.001 is beyond its end at 0:01.000; --anyway adds it "
-                "nevertheless\n");
+  EXPECT_EQ(
+      WhyNot({"tags", "add", "cue", "@a.wav", "--at", "1.001"}),
+      Path("a.wav") +
+          ": nothing is changed: 0:01.001 is beyond the end of the sound at 0:01.000; --anyway "
+          "adds it nevertheless\n");
   EXPECT_THAT(WhyNot({"tags", "add", "region", "@a.wav", "--at", "0.5", "--length", "1"}),
-              HasSubstr("0:01.500 is beyond its end"));
+              HasSubstr("0:01.500 is beyond the end"));
   Output({"tags", "add", "cue", "@a.wav", "--at", "1"});
   Output({"tags", "add", "cue", "--anyway", "@a.wav", "--at", "2"});
   EXPECT_THAT(Rows("a.wav"), ElementsAre("cue 1 16000", "cue 2 32000"));

@@ -159,9 +159,8 @@ TEST_F(TagsFiles, FileWithoutARate_TakesPlacesInSamplesAlone) {
                                     further.back() + " is no place in it; give samples (32000s)\n");
   }
   EXPECT_EQ(Said(Run({"tags", "add", "cue", "@a.wav", "--at", "1001s"}).strErr),
-            "@/a.wav: nothing is changed: sample 1,001 is beyond its end at sample 1,000; --anyway "
-            "adds it "
-            "nevertheless\n");
+            "@/a.wav: nothing is changed: sample 1,001 is beyond the end of the sound at sample "
+            "1,000; --anyway adds it nevertheless\n");
   EXPECT_EQ(Said(Run({"tags", "list", "--labels", "@a.wav"}).strErr),
             "@/a.wav: its marks are no label track: it has no sample rate, and label tracks count "
             "seconds\n");
