@@ -29,7 +29,7 @@ class C_BadRow : public std::runtime_error {
 //   - a label, a note or a text without id gets a cue point of its own, at its start
 //
 // Cue points get other ids where the notes have these already, and what belongs to them follows.
-// Numbers may be texts of digits. Members that are not known are passed over. Returns how many rows
+// Numbers may be texts of digits. Returns how many rows
 // there were. Throws C_BadRow, also for places beyond the end where that is given; the notes are
 // then half done.
 std::size_t AddRows(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes,

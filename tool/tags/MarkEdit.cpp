@@ -32,7 +32,8 @@ void AddEditOptions(CLI::App& command, S_EditOptions& options) {
                   "write another file instead; \"-\" is standard output")
       ->type_name("FILE");
   command.add_flag("-f,--force", options.target.bForce, "replace an existing output");
-  command.add_flag("--anyway", options.target.bAnyway, "also when the file cannot hold all of it");
+  command.add_flag("--anyway", options.target.bAnyway,
+                   "also when the file cannot hold all of it, or ends before it");
 }
 
 void ClearMarks(voxplay::Notes& notes) {

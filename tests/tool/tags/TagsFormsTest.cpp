@@ -188,6 +188,15 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
        "there are no marks in it, and --replace would leave none; \"voxtool tags remove --all\" "
        "does that"},
       {"--csv", "kind,start\n", "there are no marks in it"},
+      {"--csv", "kind,start,nmae\ncue,1,x\n",
+       "the column \"nmae\" is unknown; did you mean \"name\"?"},
+      {"--csv", "kind;start;remark\ncue;1;x\n", "the column \"remark\" is unknown\n"},
+      {"--json", R"([{"kind": "cue", "start": 1}, {"kind": "cue", "start": 1, "nmae": "x"}])",
+       "row 2: \"nmae\" is unknown; did you mean \"name\"?"},
+      {"--json", R"([{"schema": 2, "marks": [{"kind": "cue", "start": 1}]}])",
+       "its schema is 2, and this program knows 1"},
+      {"--json", R"({"marks": [{"kind": "cue", "start": 1}], "schema": "1"})",
+       "its schema is \"1\", and this program knows 1"},
       {"--json", "[]", "there are no marks in it"},
   };
   for (const auto& import : imports) {
