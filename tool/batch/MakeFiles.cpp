@@ -41,10 +41,7 @@ PFN_TargetOf TargetsOf(const S_MakeRule& make, const C_FileList& list) {
     CheckOneTarget(make.targets.strFile, list);
     return [strFile = make.targets.strFile](const S_ListedFile&) { return strFile; };
   }
-  PFN_TargetOf fnTargetOf = [strFolder = make.targets.strFolder,
-                             strExtension = make.strExtension](const S_ListedFile& file) {
-    return TargetBelow(strFolder, file, strExtension);
-  };
+  PFN_TargetOf fnTargetOf = TargetsBelow(make.targets.strFolder, make.strExtension, list.Files());
   CheckManyTargets(list, fnTargetOf);
   return fnTargetOf;
 }

@@ -322,6 +322,18 @@ TEST_F(Plot, Folder_KeepsItsTree) {
   EXPECT_THAT(m_run.strErr, testing::StartsWith("2 files: 0 drawn, 2 skipped; "));
 }
 
+TEST_F(Plot, SoundsThatDifferInTheirExtensions_KeepThem) {
+  std::filesystem::create_directories(Path("in/deep"));
+  WriteWav(Path("in/deep/x.wav"), NoiseSamples(1000, 1000));
+  WriteWav(Path("in/deep/x.vef"), NoiseSamples(1000, 1000), 16000, 1, {}, VOXPLAY_CONTAINER_VEF);
+  WriteWav(Path("in/y.wav"), NoiseSamples(1000, 1000));
+  EXPECT_EQ(Run({"-r", Path("in"), "-d", Path("out")}), 0) << m_run.strErr;
+  EXPECT_FALSE(Content("out/deep/x.wav.png").empty());
+  EXPECT_FALSE(Content("out/deep/x.vef.png").empty());
+  EXPECT_FALSE(std::filesystem::exists(Path("out/deep/x.png")));
+  EXPECT_FALSE(Content("out/y.png").empty());
+}
+
 TEST_F(Plot, NamesFromAList_AreDrawn) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
   WriteWav(Path("b.wav"), NoiseSamples(1000, 1000));
@@ -365,7 +377,7 @@ TEST_F(Plot, WhatCannotBeMeant_IsAUsageError) {
       {strIn, "-o", Path("x.png"), "--from", "0.02", "--to", "0.01"},
       {strIn, "-o", Path("x.png"), "--channel", "0"},
       {strIn, "-o", Path("x.png"), "--theme", "pink"},
-      {strIn, Path("b/a.flac"), "-d", Path("d")},
+      {strIn, Path("b/a.wav"), "-d", Path("d")},
       {"-", "-d", Path("d")},
   };
   for (const auto& arguments : wrong) {
