@@ -96,7 +96,11 @@ void AddShow(C_CommandLine& commandLine, CLI::App& parent) {
 }
 
 void AddEditOptions(CLI::App& command, S_EditOptions& options) {
-  command.add_option("FILE", options.files, "the files")->type_name("FILE")->required();
+  command
+      .add_option("FILE", options.files,
+                  "the files, which are changed in place; \"-\" is standard input, with -o")
+      ->type_name("FILE")
+      ->required();
   command
       .add_option("-o,--output", options.strOutput, "write another file; \"-\" is standard output")
       ->type_name("FILE");
