@@ -146,12 +146,15 @@ bool MayWrite(const std::string& strTarget, tagExisting eExisting) {
   throw C_Failure(strTarget, "exists", "-f replaces it");
 }
 
+void MakeFolder(const std::string& strFolder) {
+  std::error_code error;
+  std::filesystem::create_directories(strFolder, error);
+  if (error) throw C_Failure(strFolder, "cannot be made", error.message());
+}
+
 void MakeFoldersOf(const std::string& strTarget) {
   const std::filesystem::path folder = std::filesystem::path(strTarget).parent_path();
-  if (folder.empty()) return;
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) throw C_Failure(folder.string(), "cannot be made", error.message());
+  if (!folder.empty()) MakeFolder(folder.string());
 }
 
 }  // namespace tool

@@ -46,6 +46,8 @@ void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& f
 // exists and must not be replaced.
 [[nodiscard]] bool MayWrite(const std::string& strTarget, tagExisting eExisting);
 
+// Makes a folder, and those that it is in. Throws C_Failure.
+void MakeFolder(const std::string& strFolder);
 // Makes the folders that the target is in. Throws C_Failure.
 void MakeFoldersOf(const std::string& strTarget);
 

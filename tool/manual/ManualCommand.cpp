@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "batch/Targets.h"
 #include "options/ManualPage.h"
 #include "options/OptionTable.h"
 #include "options/Suggestion.h"
@@ -63,6 +64,7 @@ int RunManual(const C_CommandLine& commandLine, const S_ManualOptions& options,
     console.Print(ManualPage(commandLine, PageOf(commandLine.Table(), options.command)));
     return 0;
   }
+  MakeFolder(options.strFolder);
   WritePage(commandLine, commandLine.Table(), options.strFolder);
   for (const CLI::App* pCommand : CommandsIn(commandLine.Table())) {
     WritePage(commandLine, *pCommand, options.strFolder);

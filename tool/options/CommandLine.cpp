@@ -56,8 +56,13 @@ S_Command Program() {
       "voxtool works with compressed speech in the codecs Kestrel and Heron, with VEF and VEMD "
       "containers and WAV files of most kinds, and reads FLAC, Ogg, Opus, MP3 and AIFF as well. "
       "Events and marks in files are kept wherever the target can hold them.\n\n"
-      "\"-\" as a file name stands for standard input or output.",
-      {},
+      "\"-\" as a file name stands for standard input or output. Texts have colours on terminals "
+      "alone, and none where NO_COLOR is set.",
+      {{"voxtool info speech.kst", "see what is in a file"},
+       {"voxtool play speech.kst", "hear it"},
+       {"voxtool convert song.flac -o song.kst", "make a Kestrel file of a sound of any kind"},
+       {"voxtool convert -r archive -d wav --to wav", "make WAV files of all sounds in a folder"},
+       {"voxtool tags list talk.wav", "show the events and marks in a file"}},
       {}};
 }
 
