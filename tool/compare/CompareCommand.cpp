@@ -95,7 +95,7 @@ void TellFaults(const std::string& strName, const I_SoundInput& sound, std::uint
 
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   if (arguments.strFirst == kStandardStream && arguments.strSecond == kStandardStream) {
-    throw C_UsageFailure("compare", "both sounds are standard input", "one of them can be");
+    throw C_UsageFailure("both sounds are standard input: one of them can be");
   }
   const C_SoundInputPtr first = OpenSound(arguments.strFirst);
   const C_SoundInputPtr second = OpenSound(arguments.strSecond);

@@ -10,6 +10,7 @@
 #include "base/TextTable.h"
 #include "base/Utf8.h"
 #include "header/HeaderEdit.h"
+#include "options/WholeNumber.h"
 #include "sound/HeaderFields.h"
 #include "sound/SoundInput.h"
 
@@ -74,7 +75,7 @@ int Show(const S_ShowOptions& options, C_Console& console) {
 template <typename Edit>
 int EditAll(const S_EditOptions& options, C_Console& console, Edit&& fnEdit) {
   if (!options.strOutput.empty() && options.files.size() > 1) {
-    throw C_UsageFailure("voxtool header", "-o", "it takes one file, and there are several");
+    throw C_UsageFailure("-o: it takes one file, and there are several");
   }
   return ForEachFile(options.files, console, [&](const std::string& strPath) {
     fnEdit(S_HeaderEdit{strPath, {options.strOutput, options.bForce, options.bAnyway}});
@@ -129,7 +130,7 @@ void AddAdd(C_CommandLine& commandLine, CLI::App& parent) {
       ->capture_default_str();
   command.add_option("--rate", options->dwRate, "the sample rate; 16000 if it is not given")
       ->type_name("HZ")
-      ->check(CLI::PositiveNumber);
+      ->check(WholeNumber(1, UINT32_MAX));
   command.add_flag("-f,--force", options->bForce, "replace an existing output");
 }
 

@@ -22,21 +22,27 @@ struct S_ManualOptions {
   bool bAll = false;
 };
 
-const CLI::App& CommandOf(const CLI::App& table, const std::string& strName) {
+// strBefore is what was named before: "tags ".
+const CLI::App& CommandOf(const CLI::App& table, const std::string& strName,
+                          const std::string& strBefore) {
   std::vector<std::string> names;
   for (const CLI::App* pCommand : CommandsIn(table)) {
     if (pCommand->get_name() == strName) return *pCommand;
     names.push_back(pCommand->get_name());
   }
   const auto nearest = Nearest(strName, names);
-  throw C_UsageFailure("voxtool manual: " + strName + ": no such command" +
+  throw C_UsageFailure(strBefore + strName + ": no such command" +
                        (nearest ? "; did you mean \"" + *nearest + "\"?" : ""));
 }
 
 // Of "tags add": the page of a command in a command.
 const CLI::App& PageOf(const CLI::App& program, const std::vector<std::string>& command) {
   const CLI::App* pTable = &program;
-  for (const std::string& strName : command) pTable = &CommandOf(*pTable, strName);
+  std::string strBefore;
+  for (const std::string& strName : command) {
+    pTable = &CommandOf(*pTable, strName, strBefore);
+    strBefore += strName + ' ';
+  }
   return *pTable;
 }
 

@@ -2,6 +2,7 @@
 //
 // "tags add event" and the like: each makes one row, as a table would have it.
 #include <array>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "base/TimeText.h"
 #include "marks/BeyondEnd.h"
 #include "marks/MarkNotes.h"
+#include "options/WholeNumber.h"
 #include "tags/MarkEdit.h"
 #include "tags/Subcommands.h"
 
@@ -37,12 +39,12 @@ std::uint64_t FrameAt(const S_Options& options, const std::string& strTime, std:
 std::uint64_t LengthOf(const S_Options& options, std::uint64_t qwStart, std::uint32_t dwRate) {
   if (!options.strLength.empty()) return FrameAt(options, options.strLength, dwRate);
   if (options.strTo.empty() && options.bNeedsLength) {
-    throw C_UsageFailure("voxtool tags add", "--length", "it is needed, or --to");
+    throw C_UsageFailure("--length is needed, or --to");
   }
   if (options.strTo.empty()) return 0;
   const std::uint64_t qwEnd = FrameAt(options, options.strTo, dwRate);
   if (qwEnd >= qwStart) return qwEnd - qwStart;
-  throw C_UsageFailure(options.edit.strFile, "--to", "it is before --at");
+  throw C_UsageFailure("--to is before --at");
 }
 
 void CheckPlace(const S_Options& options, std::uint64_t qwStart, std::uint64_t qwLength,
@@ -95,7 +97,7 @@ void AddNumber(CLI::App& command, const std::string& strName, const char* pszMem
                S_Options& options, const std::string& strMeaning) {
   AddMember<T>(command, strName, pszMember, options, strMeaning)
       .type_name("N")
-      ->check(CLI::NonNegativeNumber);
+      ->check(WholeNumber(0, std::numeric_limits<T>::max()));
 }
 
 void AddText(CLI::App& command, const std::string& strName, const char* pszMember,

@@ -46,7 +46,7 @@ void WriteValues(const std::string& strPath, const C_MarkRows& rows, bool bSever
 
 void S_MarkView::Check() const {
   if (eForm != tagMarkForm::LABELS || !bSeveral) return;
-  throw C_UsageFailure("voxtool tags", "--labels", "a label track is of one file");
+  throw C_UsageFailure("--labels: a label track is of one file");
 }
 
 S_PrintRule S_MarkView::Rule() const {

@@ -66,8 +66,7 @@ const std::string& SourceOf(const S_Options& options) {
 
 int Run(const S_Options& options, C_Console& console) {
   if (SourceOf(options).empty()) {
-    throw C_UsageFailure("voxtool tags import", options.edit.strFile,
-                         "name what to import with --csv, --json or --labels");
+    throw C_UsageFailure("name what to import with --csv, --json or --labels");
   }
   const bool bAnyway = options.edit.target.bAnyway;
   S_EditOptions edit = options.edit;

@@ -28,7 +28,7 @@ bool HoldsNotes(std::uint32_t dwContainer) {
 // Where only another library knows the file, the reader's message would be about our formats.
 voxplay::Reader OpenForMarks(const std::string& strPath) {
   if (strPath == kStandardStream) {
-    throw C_UsageFailure("voxtool tags", NameOf(strPath), "its marks cannot be changed in place");
+    throw C_UsageFailure(NameOf(strPath) + ": its marks cannot be changed in place");
   }
   try {
     return voxplay::Reader(strPath, VOXPLAY_READ_NO_BARE);

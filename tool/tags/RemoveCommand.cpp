@@ -6,6 +6,7 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "marks/MarkRows.h"
+#include "options/WholeNumber.h"
 #include "tags/LabelEvents.h"
 #include "tags/MarkEdit.h"
 #include "tags/Subcommands.h"
@@ -16,7 +17,7 @@ namespace {
 struct S_Options {
   S_EditOptions edit;
   std::string strKind;
-  std::vector<std::size_t> numbers;
+  std::vector<std::uint64_t> numbers;
   bool bAll = false;
 };
 
@@ -75,12 +76,13 @@ class C_Remover {
     return m_options.bAll || m_numbers.contains(nIndex + 1);
   }
   void CheckNumbers(std::size_t nCount) const {
-    for (const std::size_t nNumber : m_options.numbers) {
-      if (nNumber >= 1 && nNumber <= nCount && IsOfKind(m_old, m_options.strKind, nNumber - 1)) {
+    for (const std::uint64_t qwNumber : m_options.numbers) {
+      const auto nIndex = static_cast<std::size_t>(qwNumber - 1);
+      if (qwNumber >= 1 && qwNumber <= nCount && IsOfKind(m_old, m_options.strKind, nIndex)) {
         continue;
       }
       throw C_Failure(m_options.edit.strFile, "nothing is changed",
-                      "there is no " + m_options.strKind + ' ' + std::to_string(nNumber));
+                      "there is no " + m_options.strKind + ' ' + std::to_string(qwNumber));
     }
   }
   // What belonged to cue points that are gone goes as well.
@@ -101,15 +103,15 @@ class C_Remover {
 
   const S_Options& m_options;
   std::uint32_t m_dwContainer;
-  const std::unordered_set<std::size_t> m_numbers;
+  const std::unordered_set<std::uint64_t> m_numbers;
   const voxplay::Notes m_old;
   voxplay::Notes& m_notes;
 };
 
 void CheckOptions(const S_Options& options) {
   if (options.bAll != options.numbers.empty()) {
-    throw C_UsageFailure("voxtool tags remove", options.strKind.empty() ? "KIND" : options.strKind,
-                         "name the numbers of the marks, or --all");
+    throw C_UsageFailure((options.strKind.empty() ? "KIND" : options.strKind) +
+                         ": name the numbers of the marks, or --all");
   }
 }
 
@@ -138,8 +140,9 @@ void AddRemoveCommand(C_CommandLine& commandLine, CLI::App& tags) {
              [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
   command.add_option("KIND", options->strKind, "what to remove")->check(CLI::IsMember(kKinds));
-  command.add_option("NUMBER", options->numbers, "which of these")->type_name("NUMBER");
-  command.add_flag("--all", options->bAll, "all of these, or all marks");
+  auto* const pNumbers = command.add_option("NUMBER", options->numbers, "which of these");
+  pNumbers->type_name("NUMBER")->check(WholeNumber(0, UINT64_MAX));
+  command.add_flag("--all", options->bAll, "all of these, or all marks")->excludes(pNumbers);
 }
 
 }  // namespace tool

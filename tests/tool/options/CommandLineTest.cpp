@@ -42,8 +42,7 @@ TEST(CommandLine, ACommandThatOnlyHoldsOthers_NeedsOneOfThem) {
   S_SmallTable table;
   const S_Outcome outcome = OutcomeOf(table, {"marks"});
   EXPECT_EQ(outcome.nExit, 2);
-  EXPECT_EQ(outcome.strErr,
-            "voxtool marks: A subcommand is required\nTry \"voxtool marks --help\".\n");
+  EXPECT_EQ(outcome.strErr, "voxtool marks: COMMAND is required\nTry \"voxtool marks --help\".\n");
 }
 
 TEST(CommandLine, WrongWords_AreAnsweredWithTheNearest) {

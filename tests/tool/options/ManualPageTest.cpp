@@ -96,13 +96,16 @@ TEST(ManualCommand, ACommandInACommand_HasAPageOfItsOwn) {
   EXPECT_EQ(run.nExit, 0) << run.strErr;
   EXPECT_NE(run.strOut.find("voxtool\\-tags\\-add\\-cue \\- "), std::string::npos) << run.strOut;
   EXPECT_EQ(C_Program(VOXTOOL).Run({"manual", "tags", "ad"}).strErr,
-            "voxtool manual: ad: no such command; did you mean \"add\"?\n");
+            "voxtool manual: tags ad: no such command; did you mean \"add\"?\n"
+            "Try \"voxtool manual --help\".\n");
 }
 
 TEST(ManualCommand, AnUnknownCommand_IsAUsageFailure) {
   const S_Run run = C_Program(VOXTOOL).Run({"manual", "paly"});
   EXPECT_EQ(run.nExit, 2);
-  EXPECT_EQ(run.strErr, "voxtool manual: paly: no such command; did you mean \"play\"?\n");
+  EXPECT_EQ(run.strErr,
+            "voxtool manual: paly: no such command; did you mean \"play\"?\n"
+            "Try \"voxtool manual --help\".\n");
 }
 
 TEST(ManualCommand, AFolderThatIsNotThere_IsMade) {

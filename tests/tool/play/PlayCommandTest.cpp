@@ -123,7 +123,9 @@ TEST_F(PlayCommand, APartThatEndsBeforeItBegins_IsAFailureOfTheFile) {
 TEST_F(PlayCommand, StandardInputTwice_IsAUsageFailureBeforeAnythingIsPlayed) {
   const S_Run run = Run({"--null", "-", "/nowhere/a.wav", "-"});
   EXPECT_EQ(run.nExit, 2);
-  EXPECT_EQ(run.strErr, "standard input: it can be named only once\n");
+  EXPECT_EQ(run.strErr,
+            "voxtool play: standard input: it can be named only once\n"
+            "Try \"voxtool play --help\".\n");
 }
 
 TEST_F(PlayCommand, StandardInputAgainInALoop_IsAFailureOfIt) {

@@ -179,6 +179,35 @@ TEST_F(TagsCommand, MarksThatAreNotThere_AreNotRemoved) {
   }
 }
 
+TEST_F(TagsCommand, WhatIsWrong_IsToldWithWhereTheHelpIs) {
+  WriteWav("a.wav");
+  const std::pair<Texts, const char*> kCases[] = {
+      {{"tags"}, "voxtool tags: COMMAND is required"},
+      {{"tags", "add", "event", "@a.wav", "--at", "0", "--sub", "-1"},
+       "voxtool tags add event: --sub: -1 is no whole number from 0 to 65535"},
+      {{"tags", "add", "event", "@a.wav", "--at", "0", "--main", "70000"},
+       "voxtool tags add event: --main: 70000 is no whole number from 0 to 65535"},
+      {{"tags", "add", "region", "@a.wav", "--at", "0"},
+       "voxtool tags add region: --length is needed, or --to"},
+      {{"tags", "remove", "@a.wav", "cue", "1", "extra"},
+       "voxtool tags remove: NUMBER: extra is no whole number"},
+      {{"tags", "remove", "@a.wav", "cue", "--", "-1"},
+       "voxtool tags remove: NUMBER: -1 is no whole number"},
+      {{"tags", "remove", "@a.wav", "event", "1", "--all"},
+       "voxtool tags remove: --all excludes NUMBER"},
+      {{"tags", "remove", "@a.wav", "event"},
+       "voxtool tags remove: event: name the numbers of the marks, or --all"},
+      {{"tags", "list", "--labels", "@a.wav", "@a.wav"},
+       "voxtool tags list: --labels: a label track is of one file"}};
+  for (const auto& [arguments, pszWhy] : kCases) {
+    const std::string strWhy = pszWhy;
+    const S_Run run = Run(arguments);
+    EXPECT_EQ(run.nExit, 2);
+    EXPECT_EQ(run.strErr,
+              strWhy + "\nTry \"" + strWhy.substr(0, strWhy.find(':')) + " --help\".\n");
+  }
+}
+
 TEST_F(TagsCommand, WhatCannotBeMeant_IsAUsageError) {
   WriteWav("a.wav");
   const auto before = Content("a.wav");
