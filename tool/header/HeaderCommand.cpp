@@ -156,7 +156,9 @@ void AddHeaderCommand(C_CommandLine& commandLine) {
   CLI::App& command = commandLine.Add(
       {"header",
        "show, add or strip the SP header",
-       "An SP header of 48 bytes says of a coded stream which codec and which sample rate it has.",
+       "An SP header of 48 bytes says of a coded stream which codec and which sample rate it has. "
+       "Where a file is changed, a new one takes its place in one step; if it has several names "
+       "(hard links), the others keep the old one.",
        {{"voxtool header show speech.kst", "print the fields of the header"},
         {"voxtool header add --rate 8000 stream.bin", "put a header before a Kestrel stream"}},
        {}});

@@ -67,11 +67,17 @@ class C_Edited {
  public:
   explicit C_Edited(const S_HeaderEdit& edit)
       : m_strName(NameOf(edit.strFile)),
+        m_lock(LockEdited(edit.strFile, edit.target)),
         m_input(edit.strFile == kStandardStream ? Take(edit) : C_Descriptor(-1)),
         m_strPath(m_input.Get() < 0 ? edit.strFile : "/dev/fd/" + std::to_string(m_input.Get())) {}
 
   [[nodiscard]] const std::string& Name() const noexcept { return m_strName; }
   [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
+  // Lets what is made of it take its place.
+  void Replace(I_NewFile& made) const {
+    if (m_lock) m_lock->CheckUnchanged();
+    made.TakePlace();
+  }
   // Does the work, whose failures then have the name that the user knows.
   template <typename Work>
   void Named(Work&& work) const {
@@ -92,6 +98,7 @@ class C_Edited {
   }
 
   std::string m_strName;
+  std::optional<C_FileLock> m_lock;
   C_Descriptor m_input;
   std::string m_strPath;
 };
@@ -149,7 +156,7 @@ void Add(const C_Edited& file, const S_EditTarget& target, const voxplay::Format
   if (stream && !AreSameSound(*stream, *result)) {
     throw C_Failure(file.Name(), kUnchanged, "with the header the sound would be another one");
   }
-  made->TakePlace();
+  file.Replace(*made);
 }
 
 void Strip(const C_Edited& file, const S_EditTarget& target) {
@@ -160,7 +167,7 @@ void Strip(const C_Edited& file, const S_EditTarget& target) {
   if (!strWhyNot.empty()) {
     throw C_Failure(file.Name(), kUnchanged, strWhyNot + "; --anyway strips it nevertheless");
   }
-  made->TakePlace();
+  file.Replace(*made);
 }
 
 }  // namespace

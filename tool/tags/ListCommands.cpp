@@ -130,7 +130,9 @@ void AddListCommand(C_CommandLine& commandLine, CLI::App& tags) {
       tags,
       {"list",
        "show the marks of files",
-       "Shows all marks in the order of their places. The numbers are those that \"tags remove\" "
+       "Shows all marks. The table has them in the order of their places; values and JSON have "
+       "one kind after the other, and a label track has them by their times. The numbers are those "
+       "that \"tags remove\" "
        "takes. Marks that belong to a cue point which does not exist have no place and come last.",
        {{"voxtool tags list talk.wav", "show all marks of a file"},
         {"voxtool tags list -r archive", "show those of all sounds in a folder"},

@@ -63,7 +63,7 @@ CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::
 
 int EditMarks(const S_EditOptions& options, C_Console& console,
               const std::function<void(const C_MarkedFile& file, voxplay::Notes& notes)>& fnEdit) {
-  C_MarkedFile file(options.strFile);
+  C_MarkedFile file(options.strFile, options.target);
   voxplay::Notes notes(file.Notes());
   try {
     fnEdit(file, notes);
@@ -72,7 +72,7 @@ int EditMarks(const S_EditOptions& options, C_Console& console,
   }
   const std::vector<S_EventKey> added =
       FollowLabels(file.Notes(), notes, file.Info().container, options.bNamesEvents);
-  const std::vector<std::string> lost = file.Save(notes, options.target);
+  const std::vector<std::string> lost = file.Save(notes);
   TellOfEvents(options.strFile, added, file.Info().sample_rate, console);
   for (const std::string& strLost : lost) console.Complain(options.strFile + ": " + strLost);
   return 0;

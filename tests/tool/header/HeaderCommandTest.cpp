@@ -151,7 +151,7 @@ TEST_F(HeaderCommand, ExistingOutput_IsReplacedOnlyWhenAsked) {
   const Bytes whole = WriteKestrel("a.kst");
   Write("out", {'m', 'i', 'n', 'e'});
   EXPECT_EQ(WhyNot({"header", "strip", "@a.kst", "-o", "@out"}),
-            Path("out") + ": stays as it is: it exists already\n");
+            Path("out") + ": exists: -f replaces it\n");
   EXPECT_EQ(Output({"header", "strip", "-f", "@a.kst", "-o", "@out"}), "");
   EXPECT_EQ(Content("out"), WithoutHeader(whole));
 }
