@@ -62,7 +62,10 @@ void AddPlotArguments(CLI::App& command, S_PlotArguments& arguments) {
   AddTargetOptions(command, arguments.target);
   command.add_option("--format", arguments.strFormat, "png (usual) or svg")
       ->check(CLI::IsMember({"png", "svg"}));
-  command.add_option("--size", arguments.strSize, "in pixels; 1200x600 if not said")
+  command
+      .add_option(
+          "--size", arguments.strSize,
+          "in pixels; if not said 1200x600, and 300 higher for each channel after the second")
       ->type_name("WxH");
   command.add_flag("--waveform", arguments.bWaveform, "the waveform alone");
   command.add_flag("--spectrogram", arguments.bSpectrogram, "the spectrogram alone");

@@ -375,6 +375,19 @@ TEST_F(Compare, WhatCannotBeMeant_IsAUsageError) {
   EXPECT_EQ(Run({"-", "-"}), 2);
 }
 
+TEST_F(Compare, InfiniteRatio_IsToldFromNone) {
+  WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
+  WriteWav(Path("b.wav"), NoiseSamples(1000, 1000));
+  EXPECT_EQ(CompareBoth(), 0);
+  EXPECT_TRUE(m_json["together"]["snr_db"].is_null());
+  EXPECT_EQ(m_json["together"]["snr_is_infinite"], true);
+  WriteWav(Path("a.wav"), C_Samples(1000));
+  WriteWav(Path("b.wav"), C_Samples(1000));
+  EXPECT_EQ(CompareBoth(), 0);
+  EXPECT_TRUE(m_json["channels"][0]["snr_db"].is_null());
+  EXPECT_EQ(m_json["channels"][0]["snr_is_infinite"], false);
+}
+
 TEST_F(Compare, CutAndDamagedFiles_AreTold) {
   WriteWav(Path("a.wav"), NoiseSamples(16000, 20000));
   auto bytes = Content("a.wav");

@@ -408,6 +408,13 @@ TEST_F(Plot, SoundWithoutARate_IsDrawnAllTheSame) {
   EXPECT_THAT(m_run.strOut, HasSubstr("no rate, drawn as 16 kHz"));
 }
 
+TEST_F(Plot, ManyChannels_MakeThePictureHigherUntilTheyFit) {
+  WriteWav(Path("a.wav"), std::vector<std::int16_t>(6400), 16000, 64);
+  EXPECT_EQ(Draw({}).Height(), 8192);
+  WriteWav(Path("a.wav"), std::vector<std::int16_t>(600), 16000, 6);
+  EXPECT_EQ(Draw({}).Height(), 1800);
+}
+
 TEST_F(Plot, MoreChannelsThanFit_AreRefused) {
   WriteWav(Path("a.wav"), std::vector<std::int16_t>(6400), 16000, 64);
   EXPECT_EQ(Run({Path("a.wav"), "-o", Path("x.png"), "--size", "400x300"}), 1);

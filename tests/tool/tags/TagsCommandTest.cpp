@@ -81,15 +81,17 @@ TEST_F(TagsCommand, WhatAFileCannotHold_ChangesNothingUnlessToldTo) {
   const Texts command = {"tags", "add", "event", "@a.wav", "--at", "0.5", "--data", "7"};
   EXPECT_EQ(WhyNot(command),
             Path("a.wav") +
-                ": nothing is changed: event 1 at frame 8000: its data; --anyway writes "
-                "the rest\n");
+                ": nothing is changed: event 1 at frame 8000: its data is not kept: a WAV file "
+                "holds none; --anyway writes the rest\n");
   Texts forced = command;
   forced.emplace_back("-f");
   EXPECT_EQ(WhyNot(forced), WhyNot(command));
   forced.back() = "--anyway";
   const S_Run run = Run(forced);
   EXPECT_EQ(run.nExit, 0);
-  EXPECT_EQ(run.strErr, Path("a.wav") + ": event 1 at frame 8000: its data\n");
+  EXPECT_EQ(
+      run.strErr,
+      Path("a.wav") + ": event 1 at frame 8000: its data is not kept: a WAV file holds none\n");
   EXPECT_THAT(Rows("a.wav"), ElementsAre("event 1 8000"));
 }
 
