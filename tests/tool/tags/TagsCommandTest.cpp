@@ -196,7 +196,7 @@ TEST_F(TagsCommand, WhatIsWrong_IsToldWithWhereTheHelpIs) {
       {{"tags", "remove", "@a.wav", "cue", "--", "-1"},
        "voxtool tags remove: NUMBER: -1 is no whole number"},
       {{"tags", "remove", "@a.wav", "event", "1", "--all"},
-       "voxtool tags remove: --all excludes NUMBER"},
+       "voxtool tags remove: NUMBER excludes --all"},
       {{"tags", "remove", "@a.wav", "event"},
        "voxtool tags remove: event: name the numbers of the marks, or --all"},
       {{"tags", "list", "--labels", "@a.wav", "@a.wav"},

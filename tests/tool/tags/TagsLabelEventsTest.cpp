@@ -170,9 +170,9 @@ TEST_F(TagsLabelEvents, LabelAlmostOfOurForm_KeepsItsEvent) {
   Bytes bytes = Content("a.wav");
   const Bytes word = {'w', 'o', 'r', 'd'};
   const Bytes speaking = {'e', '_', '7', ' '};
-  const auto found = std::ranges::search(bytes, word);
-  ASSERT_NE(found.begin(), bytes.end());
-  std::ranges::copy(speaking, found.begin());
+  const auto found = std::search(bytes.begin(), bytes.end(), word.begin(), word.end());
+  ASSERT_NE(found, bytes.end());
+  std::ranges::copy(speaking, found);
   Write("a.wav", bytes);
   EXPECT_THAT(Rows("a.wav"), ElementsAre("event 0/7 at 1000", "label e_7  at 1000"));
   Output({"tags", "add", "silence", "@a.wav", "--at", "0", "--length", "10s"});
