@@ -52,7 +52,7 @@ std::string NamesAsType(const CLI::App& program) {
   for (const CLI::App* pCommand : CommandsIn(program)) {
     strNames += (strNames.empty() ? "" : ",") + pCommand->get_name();
   }
-  return "TEXT:{" + strNames + "}";
+  return "COMMAND:{" + strNames + "}";
 }
 
 void WritePage(const C_CommandLine& commandLine, const CLI::App& table,

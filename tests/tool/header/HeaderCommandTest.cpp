@@ -125,8 +125,9 @@ TEST_F(HeaderCommand, FileThatIsSomethingElse_GetsNoHeader) {
 
 TEST_F(HeaderCommand, BareStream_HasNoHeaderToStrip) {
   Write("bare", WithoutHeader(WriteKestrel("a.kst")));
-  EXPECT_EQ(Said(WhyNot({"header", "strip", "@bare"})),
-            "@/bare: nothing is changed: there is no SP header: it is Kestrel, no header\n");
+  EXPECT_EQ(
+      Said(WhyNot({"header", "strip", "@bare"})),
+      "@/bare: nothing is changed: there is no SP header: it is Kestrel, 16000 bit/s, no header\n");
 }
 
 TEST_F(HeaderCommand, StandardInput_IsReadForAnOutput) {
