@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/Failure.h"
+#include "options/WholeNumber.h"
 
 namespace tool {
 namespace {
@@ -54,7 +55,7 @@ void AddThreadsOption(CLI::App& command, S_BatchOptions& options) {
   command
       .add_option("-j,--jobs", options.nThreads, "files at a time; one per processor if not given")
       ->type_name("N")
-      ->check(CLI::Range(1U, kMostThreads).description(""));
+      ->check(WholeNumber(1, kMostThreads));
 }
 
 CLI::Option* AddQuietOption(CLI::App& command, S_BatchOptions& options,

@@ -33,6 +33,11 @@ struct S_TargetRule {
 
 using PFN_TargetOf = std::function<std::string(const S_ListedFile& file)>;
 
+// The targets of these files below a folder. Those that would have the same one keep their whole
+// names: "x.wav.png" and "x.kst.png".
+[[nodiscard]] PFN_TargetOf TargetsBelow(const std::string& strFolder, std::string_view extension,
+                                        const std::vector<S_ListedFile>& files);
+
 // Throws C_UsageFailure when two files have the same target, and when the target of one file is
 // another one of the files, which would be overwritten before or while it is read.
 void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& fnTargetOf);
@@ -41,6 +46,8 @@ void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& f
 // exists and must not be replaced.
 [[nodiscard]] bool MayWrite(const std::string& strTarget, tagExisting eExisting);
 
+// Makes a folder, and those that it is in. Throws C_Failure.
+void MakeFolder(const std::string& strFolder);
 // Makes the folders that the target is in. Throws C_Failure.
 void MakeFoldersOf(const std::string& strTarget);
 

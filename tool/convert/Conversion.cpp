@@ -19,8 +19,8 @@
 #include "sound/SampleSum.h"
 #include "sound/ScaledNotes.h"
 #include "sound/SilenceFinder.h"
+#include "sound/SoundFaults.h"
 #include "sound/SoundOutput.h"
-#include "sound/WholeSound.h"
 
 namespace tool {
 namespace {
@@ -178,7 +178,7 @@ class C_Conversion {
     result.dwRate = m_info.dwRate;
     result.qwFrames = m_qwFrames;
     result.qwDamaged = m_input->DamagedFrames();
-    result.bCut = IsCut();
+    result.bCut = IsCutAfter(*m_input, m_qwFrames);
     if (const auto* const pSummed = dynamic_cast<const C_SummedSound*>(m_input.get())) {
       result.qwSum = pSummed->Sum();
     }
@@ -203,17 +203,10 @@ class C_Conversion {
   }
   void TellDamage(const S_FileResult& result) const {
     if (result.qwDamaged == 0) return;
-    m_report.Remark(Source() + ": " + std::to_string(result.qwDamaged) + " of " +
-                    std::to_string(result.qwFrames) + " frames are damaged");
-  }
-  // Also when fewer frames have come than the file says.
-  [[nodiscard]] bool IsCut() const {
-    return m_input->IsCut() || m_qwFrames < ClaimedFrames(m_info);
+    m_report.Remark(DamagedLine(Source(), result.qwDamaged, result.qwFrames));
   }
   void TellCut(const S_FileResult& result) const {
-    if (!result.bCut) return;
-    m_report.Remark(Source() + ": the file is cut: " + Count(m_qwFrames, "frame") +
-                    " there, and converted");
+    if (result.bCut) m_report.Remark(CutLine(Source(), m_qwFrames, "converted"));
   }
   // What else changes the samples was asked for.
   void TellWidth() const {

@@ -86,7 +86,7 @@ void AddManifestArguments(CLI::App& command, S_ConvertArguments& arguments) {
 }
 
 [[noreturn]] void RefuseValue(const std::string& strOption, const std::string& strValue) {
-  throw C_UsageFailure("voxtool: " + strOption + ": " + strValue + " cannot be meant");
+  throw C_UsageFailure(strOption + ": " + strValue + " cannot be meant");
 }
 
 std::optional<double> NumberIn(std::string_view text) {
@@ -144,7 +144,7 @@ std::string FormatNameOf(const S_ConvertArguments& arguments) {
   if (!arguments.format.strTo.empty()) return arguments.format.strTo;
   const std::string& strFile = arguments.target.strFile;
   if (strFile.empty() || strFile == kStandardStream) {
-    throw C_UsageFailure("voxtool: --to has to say which format to write");
+    throw C_UsageFailure("--to has to say which format to write");
   }
   std::string strName = FormatOfExtension(ExtensionOf(strFile));
   if (!strName.empty()) return strName;

@@ -26,7 +26,7 @@ int DrawFiles(const S_PlotArguments& arguments, C_Console& console) {
       {arguments.batch, arguments.target, options.bSvg ? ".svg" : ".png", "drawn"},
       [&](const S_FileJob& job, const S_TargetRule& rule, const C_FileReport& report,
           C_FileWatch& watch) {
-        S_FileResult result = DrawFile(job, options, rule, watch, console);
+        S_FileResult result = DrawFile(job, options, rule, report, watch, console);
         if (result.eState == tagFileState::FILE_DONE) report.Detail(job.strTarget + ": drawn");
         return result;
       },

@@ -174,11 +174,11 @@ TEST_F(ManifestCommandTest, OptionsOfThePlan_AreKeptAndOthersRefused) {
   begin.insert(begin.end(), {"--bitrate", "24000", "--plan-only"});
   Convert(begin);
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--to", "wav"}),
-            "@/a.db: --to cannot be another one: its files are converted with kestrel\n");
+            Misuse("@/a.db: --to cannot be another one: its files are converted with kestrel"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--gain", "3"}),
-            "@/a.db: --gain cannot be another one: its files are converted without it\n");
+            Misuse("@/a.db: --gain cannot be another one: its files are converted without it"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-r", "@/in", "-d", "@/out", "--bitrate", "16000"}),
-            "@/a.db: --bitrate cannot be another one: its files are converted with 24000\n");
+            Misuse("@/a.db: --bitrate cannot be another one: its files are converted with 24000"));
   Convert({"--manifest", "@/a.db", "--bitrate", "24000"});
   EXPECT_EQ(voxplay::Reader(Path("out/001.kst")).info().bit_rate, 24000U);
 }
@@ -186,9 +186,9 @@ TEST_F(ManifestCommandTest, OptionsOfThePlan_AreKeptAndOthersRefused) {
 TEST_F(ManifestCommandTest, WhatCannotBeMeant_IsRefused) {
   MakeSounds(1);
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "@/in/000.wav", "-o", "@/x.wav"}),
-            "voxtool: --manifest needs -d DIR in place of -o\n");
+            Misuse("--manifest needs -d DIR in place of -o"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "@/in/000.wav", "--to", "wav"}),
-            "voxtool: -d DIR has to say where the files go\n");
+            Misuse("-d DIR has to say where the files go"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-d", "@/out", "--to", "wav"}),
             "voxtool convert: no file is named\nTry \"voxtool convert --help\".\n");
   EXPECT_EQ(Fail(1, {"--manifest", "@/none.db"}),
@@ -196,7 +196,7 @@ TEST_F(ManifestCommandTest, WhatCannotBeMeant_IsRefused) {
   EXPECT_EQ(Fail(1, {"--manifest", "@/in/000.wav"}),
             "@/in/000.wav: is no manifest: it is no database\n");
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-", "-d", "@/out", "--to", "wav"}),
-            "voxtool: standard input has no name, which a manifest needs\n");
+            Misuse("standard input has no name, which a manifest needs"));
   Fail(2, {"--retry-failed", "@/in/000.wav", "-d", "@/out", "--to", "wav"});
   EXPECT_EQ(Run({"manifest"}).nExit, 2);
   EXPECT_EQ(Run({"manifest", "split", "0", "@/a.db", "-o", "@/p%d"}).nExit, 2);
