@@ -206,7 +206,7 @@ class C_Conversion {
     m_report.Remark(DamagedLine(Source(), result.qwDamaged, result.qwFrames));
   }
   void TellCut(const S_FileResult& result) const {
-    if (result.bCut) m_report.Remark(CutLine(Source(), m_qwFrames, "converted"));
+    if (result.bCut) m_report.Remark(CutLine(Source(), *m_input, m_qwFrames, "converted"));
   }
   // What else changes the samples was asked for.
   void TellWidth() const {
