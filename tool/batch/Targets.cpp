@@ -13,6 +13,7 @@
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "batch/SoundNames.h"
+#include "sound/SoundInput.h"
 
 namespace tool {
 namespace {
@@ -107,11 +108,13 @@ void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& f
 
 bool MayWrite(const std::string& strTarget, tagExisting eExisting) {
   struct stat status {};
-  if (eExisting == tagExisting::EXISTING_REPLACED || stat(strTarget.c_str(), &status) != 0) {
-    return true;
+  if (strTarget == kStandardStream || stat(strTarget.c_str(), &status) != 0) return true;
+  if (!S_ISREG(status.st_mode)) {
+    throw C_Failure(strTarget, "cannot be written", "it is no regular file");
   }
+  if (eExisting == tagExisting::EXISTING_REPLACED) return true;
   if (eExisting == tagExisting::EXISTING_SKIPPED) return false;
-  throw C_Failure(strTarget, "exists", "-f replaces it");
+  throw C_TargetInWay(strTarget, "exists", "-f replaces it");
 }
 
 void MakeFoldersOf(const std::string& strTarget) {
@@ -119,6 +122,9 @@ void MakeFoldersOf(const std::string& strTarget) {
   if (folder.empty()) return;
   std::error_code error;
   std::filesystem::create_directories(folder, error);
+  if (IsOfDisk(error.value())) {
+    throw C_DiskFailure(folder.string(), "cannot be made", error.message());
+  }
   if (error) throw C_Failure(folder.string(), "cannot be made", error.message());
 }
 

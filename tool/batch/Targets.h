@@ -38,7 +38,7 @@ using PFN_TargetOf = std::function<std::string(const S_ListedFile& file)>;
 void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& fnTargetOf);
 
 // Whether a target may be written now: false when it is to be skipped. Throws C_Failure when it
-// exists and must not be replaced.
+// is no regular file, and C_TargetInWay when it exists and must not be replaced.
 [[nodiscard]] bool MayWrite(const std::string& strTarget, tagExisting eExisting);
 
 // Makes the folders that the target is in. Throws C_Failure.
