@@ -12,14 +12,19 @@ endif()
 if(VOXPLAY_TOOL)
   set(DESKTOP ${PROJECT_SOURCE_DIR}/desktop)
   # Nothing in the program tells where it was built, so that packages are the same from build to build.
-  set_target_properties(voxtool PROPERTIES BUILD_RPATH_USE_ORIGIN ON)
+  set_target_properties(voxtool voxtool-plot PROPERTIES BUILD_RPATH_USE_ORIGIN ON)
   # Outside of /usr the system may not look for the library, which is found from the program then,
   # wherever both are moved. Packages want no such path.
   if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
     file(RELATIVE_PATH LIBRARY_FOLDER ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
     set_target_properties(voxtool PROPERTIES INSTALL_RPATH "\$ORIGIN/${LIBRARY_FOLDER}")
+    file(RELATIVE_PATH LIBRARY_FOLDER
+      ${CMAKE_INSTALL_FULL_LIBEXECDIR}/voxplay ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(voxtool-plot PROPERTIES INSTALL_RPATH "\$ORIGIN/${LIBRARY_FOLDER}")
   endif()
   install(TARGETS voxtool RUNTIME COMPONENT player)
+  install(TARGETS voxtool-plot
+    RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/voxplay COMPONENT player)
   install(FILES ${DESKTOP}/voxplay.xml
     DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages COMPONENT player)
   install(FILES ${DESKTOP}/voxtool.desktop

@@ -37,6 +37,11 @@ while IFS= read -r file; do
 done < <(find . \( -path ./build -o -path ./.git \) -prune -o \
   \( -name CMakeLists.txt -o -name '*.cmake' -o -name '*.sh' -o -path ./.ci/run \) -type f -print)
 
+# A picture that no document shows is never looked at again.
+for file in docs/pictures/*; do
+  grep -qF "pictures/${file##*/})" README.md docs/*.md || fail "$file is shown in no document"
+done
+
 # Nothing in the environment of a process may influence the code.
 if grep -nE '\b(secure_)?getenv\b' "${code[@]}"; then fail "the environment is read"; fi
 if grep -nE '\btemp_directory_path\b' "${code[@]}"; then fail "the environment chooses the temporary folder"; fi

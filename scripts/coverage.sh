@@ -24,5 +24,5 @@ mkdir -p build/coverage/html
 #   operator==(...) = default            which of the members is the first to differ?
 compilers='dynamic_cast<[^;]*\(&|delete this;|(\.|->)\*|(~C_|operator==\().*= default;'
 gcovr --root . --exclude-throw-branches --exclude-branches-by-pattern ".*($compilers).*" \
-  --filter common/ --filter Lib_Common/ --filter platform/ --filter player/ \
+  --filter api/ --filter common/ --filter Lib_Common/ --filter platform/ --filter player/ --filter tool/ \
   --html-details build/coverage/html/index.html --print-summary -j "$(nproc)" build/coverage

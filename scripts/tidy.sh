@@ -47,8 +47,7 @@ if [[ ${1:-} == --all ]]; then
 elif (($#)); then
   for file in "$@"; do (cd "$here" && realpath -z --relative-to="$OLDPWD" "$file"); done
 else
-  # What is built only on request is checked only on request.
-  scripts/sources.sh cpp | grep -zvE '^\./(tests|tool)/'
+  scripts/sources.sh cpp | grep -zv '^\./tests/'
 fi >"$log"
 # A source that no target builds would be checked with guessed flags, so it counts as an error.
 while IFS= read -r -d '' file; do

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Commands.h"
 
+#include <utility>
+
 #include "check/CheckCommand.h"
 #include "compare/CompareCommand.h"
 #include "completion/CompletionCommand.h"
@@ -10,12 +12,11 @@
 #include "manifest/ManifestCommand.h"
 #include "manual/ManualCommand.h"
 #include "play/PlayCommand.h"
-#include "plot/PlotCommand.h"
 #include "tags/TagsCommand.h"
 
 namespace tool {
 
-void AddCommands(C_CommandLine& commandLine) {
+void AddCommands(C_CommandLine& commandLine, PFN_Draw fnDraw) {
   AddInfoCommand(commandLine);
   AddPlayCommand(commandLine);
   AddConvertCommand(commandLine);
@@ -23,7 +24,7 @@ void AddCommands(C_CommandLine& commandLine) {
   AddTagsCommand(commandLine);
   AddHeaderCommand(commandLine);
   AddCheckCommand(commandLine);
-  AddPlotCommand(commandLine);
+  AddPlotCommand(commandLine, std::move(fnDraw));
   AddCompareCommand(commandLine);
   AddCompletionCommand(commandLine);
   AddManualCommand(commandLine);

@@ -2,10 +2,11 @@
 #pragma once
 
 #include "options/CommandLine.h"
+#include "plot/PlotCommand.h"
 
 namespace tool {
 
-// Adds all commands of the program.
-void AddCommands(C_CommandLine& commandLine);
+// Adds all commands of the program; fnDraw is what plot does.
+void AddCommands(C_CommandLine& commandLine, PFN_Draw fnDraw);
 
 }  // namespace tool

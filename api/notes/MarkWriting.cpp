@@ -20,6 +20,9 @@ namespace {
 constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
 constexpr const char* kTooFar = ": cue points hold no frame or length beyond 32 bits";
 
+// VEMD files have the form of WAV files, and are called so in such sentences.
+const char* FileOf(E_RiffForm eForm) { return eForm == E_RiffForm::Vef ? "VEF" : "WAV"; }
+
 C_CueIDs IDsOfOthers(const S_Notes& notes) {
   std::vector<std::uint32_t> ids;
   ids.reserve(notes.cues.size() + notes.labels.size() + notes.texts.size());
@@ -112,7 +115,8 @@ class C_MarkWriter {
       if (!m_spoken.LabelOf(i)) {
         AddPoint(event.qwFrame, OwnEventLabel(event, m_eForm), places[i]);
       } else if (m_spoken.IsMisplaced(i)) {
-        m_written.lost.push_back(NameOf(event, i) + ": its place among those of the same frame");
+        m_written.lost.push_back(NameOf(event, i) +
+                                 ": it comes at another place among those of its frame");
       }
     }
   }
@@ -136,9 +140,11 @@ class C_MarkWriter {
     const bool bData = m_eForm == E_RiffForm::Wave && event.dwData != 0;
     const bool bDescription = !event.strDescription.empty();
     if (!bData && !bDescription) return;
+    const bool bBoth = bData && bDescription;
     m_written.lost.push_back(NameOf(event, nIndex) + ": " + (bData ? "its data" : "") +
-                             (bData && bDescription ? " and " : "") +
-                             (bDescription ? "its description" : ""));
+                             (bBoth ? " and " : "") + (bDescription ? "its description" : "") +
+                             (bBoth ? " are" : " is") + " not kept: a " + FileOf(m_eForm) +
+                             " file holds none");
   }
 
   void AddRanges(const std::vector<S_NoteRange>& ranges, const char* pszKind, const char* pszKinds,

@@ -4,8 +4,9 @@
 # An archive on a Slurm of two nodes, which stand on this machine and talk over the loopback alone. A
 # task and a process are killed, and a node is lost, while some files are damaged.
 #
-#   slurm_test.sh VOXTOOL [FILES]       as root
+#   slurm_test.sh VOXTOOL [FILES]       as root; 77 says that it is not
 set -euo pipefail
+((EUID == 0)) || exit 77
 voxtool=$(realpath "$1")
 files=${2:-5000}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)

@@ -49,6 +49,9 @@ expect "an include of a file that does not exist" '"WavInfos.h" is no file of ou
 printf '// SPDX-License-Identifier: Apache-2.0\n' >tests/common/LostTest.cpp
 expect "a test that no program has" "tests/common/LostTest.cpp is listed in no CMakeLists.txt"
 
+cp docs/pictures/speech.png docs/pictures/old.png
+expect "a picture that is nowhere" "docs/pictures/old.png is shown in no document"
+
 mkdir "$wave/attic"
 printf '// SPDX-License-Identifier: Apache-2.0\n#pragma once\n' >"$wave/attic/Old.h"
 expect "a room that is not in the table" "$wave/attic/ is not in the table of floors"

@@ -25,13 +25,24 @@ works() {
   [[ $("$voxtool" --version) == "voxtool "* ]] || fail "$voxtool does not tell its version"
   "$voxtool" convert -q -f -o "$folder/out.wav" "$sound" 2>/dev/null || fail "$voxtool does not convert"
   "$voxtool" check -q "$folder/out.wav" || fail "what $voxtool makes is not whole"
+  "$voxtool" plot -q -f -o "$folder/out.png" "$sound" || fail "$voxtool does not draw"
+  [[ $(file -b "$folder/out.png") == "PNG image data, 1200 x 600, "* ]] || fail "$voxtool draws no picture"
 }
 works "$folder/first"
 mkdir "$folder/elsewhere"
 mv "$folder/first" "$folder/elsewhere/second"
 works "$folder/elsewhere/second"
-# It looks there and nowhere else, so that no other folder can put a library in between.
-paths=$(readelf -dW "$folder/elsewhere/second/bin/voxtool" |
-  sed -n 's/.*(R\(UN\)\{0,1\}PATH).*\[\(.*\)\].*/\2/p')
+# They look there and nowhere else, so that no other folder can put a library in between.
 # shellcheck disable=SC2016
-[[ $paths == '$ORIGIN/../lib'* && $paths != *:* ]] || fail "the program looks in ${paths:-no folder}"
+for place in 'bin/voxtool $ORIGIN/../lib' 'libexec/voxplay/voxtool-plot $ORIGIN/../../lib'; do
+  read -r program wanted <<<"$place"
+  paths=$(readelf -dW "$folder/elsewhere/second/$program" |
+    sed -n 's/.*(R\(UN\)\{0,1\}PATH).*\[\(.*\)\].*/\2/p')
+  [[ $paths == "$wanted"* && $paths != *:* ]] || fail "$program looks in ${paths:-no folder}"
+done
+
+rm -r "$folder/elsewhere/second/libexec"
+code=0
+said=$("$folder/elsewhere/second/bin/voxtool" plot -f -o "$folder/out.png" "$sound" 2>&1) || code=$?
+[[ $code == 1 && $said == "voxtool-plot: cannot be run: No such file or directory" ]] ||
+  fail "without the program that draws, it ends with $code and says: $said"

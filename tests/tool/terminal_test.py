@@ -185,6 +185,8 @@ def question_mark_lists_keys(terminal):
     begin(terminal)
     terminal.press("?")
     terminal.wait_for(r"^space  pause")
+    terminal.wait_for(r"^n, p   next")
+    terminal.wait_for(r"^q      end")
     terminal.wait_for(r"^minute\.wav  ")
 
 
@@ -378,6 +380,13 @@ def completes(terminal, shell, prompt, *lines):
         terminal.run(line)
     terminal.run("clear")
     terminal.wait(lambda screen: screen.strip() == prompt, "the prompt of the shell")
+    # Commands in commands, after "manual" as well.
+    whole = f"{prompt} voxtool manual tags export"
+    terminal.tmux("send-keys", "-l", "--", "voxtool manual tags ex")
+    time.sleep(0.2)
+    terminal.press("Tab")
+    terminal.wait(lambda screen: whole in screen.splitlines(), whole)
+    terminal.press("C-u")
     typed = f"{prompt} voxtool play"
     for keys, whole in (("voxtool pla", typed), ("--nu", f"{typed} --null"),
                         ("minu", f"{typed} --null minute.wav")):

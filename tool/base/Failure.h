@@ -14,7 +14,8 @@ class C_Failure : public std::runtime_error {
   C_Failure(const std::string& strFile, std::string_view what, std::string_view why);
 };
 
-// Something on the command line that cannot be meant. The program ends with 2.
+// Something on the command line that cannot be meant. The program ends with 2. The name of the
+// command comes before the text, and where its help is after it.
 class C_UsageFailure : public C_Failure {
  public:
   using C_Failure::C_Failure;

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <memory>
 #include <random>
+#include <string_view>
 #include <vector>
 
 #include "base/Failure.h"
@@ -63,6 +64,33 @@ bool CopyAccessList(const std::string& strOld, int nNew) {
          fsetxattr(nNew, kAccessList, list.data(), list.size(), 0) == 0;
 }
 
+std::vector<char> ListOfAttributes(const std::string& strPath) {
+  const ssize_t cbNames = listxattr(strPath.c_str(), nullptr, 0);
+  std::vector<char> names(cbNames > 0 ? static_cast<std::size_t>(cbNames) : 0);
+  const ssize_t cbHeld = names.empty() ? 0 : listxattr(strPath.c_str(), names.data(), names.size());
+  names.resize(cbHeld > 0 ? static_cast<std::size_t>(cbHeld) : 0);
+  return names;
+}
+
+bool CopyAttribute(const std::string& strOld, int nNew, const char* pszName) {
+  const ssize_t cbValue = getxattr(strOld.c_str(), pszName, nullptr, 0);
+  if (cbValue < 0) return errno == ENODATA;
+  std::vector<char> value(static_cast<std::size_t>(cbValue));
+  return getxattr(strOld.c_str(), pszName, value.data(), value.size()) == cbValue &&
+         fsetxattr(nNew, pszName, value.data(), value.size(), 0) == 0;
+}
+
+// Those that programs of the user have given the file. False when one cannot be copied.
+bool CopyUserAttributes(const std::string& strOld, int nNew) {
+  const std::vector<char> names = ListOfAttributes(strOld);
+  for (std::size_t n = 0; n < names.size();) {
+    const std::string_view name = &names[n];
+    if (name.starts_with("user.") && !CopyAttribute(strOld, nNew, name.data())) return false;
+    n += name.size() + 1;
+  }
+  return true;
+}
+
 // The group may then do no more than others may.
 mode_t WithoutGroup(mode_t dwMode) {
   return (dwMode & ~mode_t{S_IRWXG}) | ((dwMode & mode_t{S_IRWXO}) << 3U & dwMode);
@@ -93,7 +121,7 @@ C_ReplacedFile::C_ReplacedFile(const std::string& strPath, bool bMayReplace)
   if (m_bExists && !S_ISREG(status.st_mode)) {
     throw C_Failure(m_strName, "cannot be written", "it is not a regular file");
   }
-  if (m_bExists && !bMayReplace) throw C_Failure(m_strName, "stays as it is", "it exists already");
+  if (m_bExists && !bMayReplace) throw C_Failure(m_strName, "exists", "-f replaces it");
   if (m_bExists && access(m_strPath.c_str(), W_OK) != 0) Fail(m_strName, "cannot be written");
   Create();
 }
@@ -126,6 +154,7 @@ void C_ReplacedFile::TakeRightsOfOld() {
   }
   constexpr mode_t kAllBits = S_IRWXU | S_IRWXG | S_IRWXO | S_ISUID | S_ISGID | S_ISVTX;
   const mode_t dwMode = old.st_mode & kAllBits;
+  if (!CopyUserAttributes(m_strPath, m_file.Get())) Fail(m_strName, "cannot be replaced");
   if (fchmod(m_file.Get(), dwMode) != 0) Fail(m_strName, "cannot be replaced");
   if (CopyAccessList(m_strPath, m_file.Get())) return;
   if (fchmod(m_file.Get(), WithoutGroup(dwMode)) != 0) Fail(m_strName, "cannot be replaced");

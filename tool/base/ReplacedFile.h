@@ -11,8 +11,9 @@
 namespace tool {
 
 // A file that appears whole or not at all. It is written beside its name; what has that name is as
-// it was until the new file takes its place in one step, with the mode, the owner and the access
-// rights of the old one. A link stays a link, and what it leads to is replaced.
+// it was until the new file takes its place in one step, with the mode, the owner, the access
+// rights and the attributes ("user.") of the old one. A link stays a link, and what it leads to is
+// replaced. Of several names that the old one has, the others keep it.
 class C_ReplacedFile : public I_NewFile {
  public:
   // Makes the new file. bMayReplace is false when nothing may have the name yet. Throws C_Failure.

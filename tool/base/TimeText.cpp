@@ -69,6 +69,10 @@ std::string ClockText(std::uint64_t qwFrames, std::uint32_t dwRate) {
          strSeconds;
 }
 
+std::string PlaceText(std::uint64_t qwFrame, std::uint32_t dwRate) {
+  return dwRate == 0 ? "sample " + CountText(qwFrame) : ClockText(qwFrame, dwRate);
+}
+
 double SecondsOf(std::uint64_t qwFrames, std::uint32_t dwRate) noexcept {
   return dwRate == 0 ? 0.0 : static_cast<double>(qwFrames) / dwRate;
 }

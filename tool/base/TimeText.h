@@ -13,6 +13,8 @@ namespace tool {
 
 // "0:05.120", and from one hour on "1:00:05.120"; "?" for a rate of 0.
 std::string ClockText(std::uint64_t qwFrames, std::uint32_t dwRate);
+// Where a frame is: the same, but "sample 81,920" for a rate of 0.
+std::string PlaceText(std::uint64_t qwFrame, std::uint32_t dwRate);
 // 0 for a rate of 0.
 [[nodiscard]] double SecondsOf(std::uint64_t qwFrames, std::uint32_t dwRate) noexcept;
 // "81,920".

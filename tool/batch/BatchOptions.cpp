@@ -7,6 +7,7 @@
 
 #include "base/Failure.h"
 #include "base/TimeText.h"
+#include "options/WholeNumber.h"
 
 namespace tool {
 namespace {
@@ -59,7 +60,7 @@ void AddThreadsOption(CLI::App& command, S_BatchOptions& options) {
   command
       .add_option("-j,--jobs", options.nThreads, "files at a time; one per processor if not given")
       ->type_name("N")
-      ->check(CLI::Range(1U, kMostThreads).description(""));
+      ->check(WholeNumber(1, kMostThreads));
 }
 
 CLI::Option* AddQuietOption(CLI::App& command, S_BatchOptions& options,

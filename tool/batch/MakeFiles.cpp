@@ -21,17 +21,17 @@ bool IsFolder(const std::string& strPath) {
 }
 
 void CheckOneTarget(const std::string& strFile, const C_FileList& list) {
-  if (strFile.empty()) throw C_UsageFailure("voxtool: -o FILE or -d DIR has to say what to write");
+  if (strFile.empty()) throw C_UsageFailure("-o FILE or -d DIR has to say what to write");
   if (IsFolder(strFile)) throw C_UsageFailure(strFile, "is a folder", "-d writes into it");
   if (list.Files().size() + list.Failures() > 1) {
-    throw C_UsageFailure("voxtool: several files need -d DIR in place of -o");
+    throw C_UsageFailure("several files need -d DIR in place of -o");
   }
 }
 
 void CheckManyTargets(const C_FileList& list, const PFN_TargetOf& fnTargetOf) {
   const auto& files = list.Files();
   if (std::ranges::find(files, kStandardStream, &S_ListedFile::strPath) != files.end()) {
-    throw C_UsageFailure("voxtool: standard input has no name, so it needs -o in place of -d");
+    throw C_UsageFailure("standard input has no name, so it needs -o in place of -d");
   }
   RefuseClashes(files, fnTargetOf);
 }
@@ -41,10 +41,7 @@ PFN_TargetOf TargetsOf(const S_MakeRule& make, const C_FileList& list) {
     CheckOneTarget(make.targets.strFile, list);
     return [strFile = make.targets.strFile](const S_ListedFile&) { return strFile; };
   }
-  PFN_TargetOf fnTargetOf = [strFolder = make.targets.strFolder,
-                             strExtension = make.strExtension](const S_ListedFile& file) {
-    return TargetBelow(strFolder, file, strExtension);
-  };
+  PFN_TargetOf fnTargetOf = TargetsBelow(make.targets.strFolder, make.strExtension, list.Files());
   CheckManyTargets(list, fnTargetOf);
   return fnTargetOf;
 }

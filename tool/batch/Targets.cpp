@@ -7,8 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 #include <system_error>
+#include <unordered_set>
 
 #include "base/Failure.h"
 #include "base/Interrupt.h"
@@ -38,6 +40,15 @@ C_HashedPaths Hashed(std::size_t nFiles, const PathOf& pathOf) {
   });
   ThrowIfInterrupted();
   return paths;
+}
+
+// The hashes that more than one path has. Two paths of one hash are as rare as harmless here.
+std::unordered_set<std::size_t> Repeated(const C_HashedPaths& paths) {
+  std::unordered_set<std::size_t> repeated;
+  for (std::size_t i = 1; i < paths.size(); ++i) {
+    if (paths[i].nHash == paths[i - 1].nHash) repeated.insert(paths[i].nHash);
+  }
+  return repeated;
 }
 
 class C_ClashSearch {
@@ -93,6 +104,27 @@ std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
   return (std::filesystem::path(strFolder) / WithExtension(file.Kept(), extension)).string();
 }
 
+std::string WholeNameBelow(const std::string& strFolder, const S_ListedFile& file,
+                           std::string_view extension) {
+  return (std::filesystem::path(strFolder) / std::string(file.Kept()).append(extension)).string();
+}
+
+PFN_TargetOf TargetsBelow(const std::string& strFolder, std::string_view extension,
+                          const std::vector<S_ListedFile>& files) {
+  const auto Plain = [strFolder, strExtension = std::string(extension)](const S_ListedFile& file) {
+    return PlainPath(TargetBelow(strFolder, file, strExtension));
+  };
+  const auto repeated = std::make_shared<const std::unordered_set<std::size_t>>(
+      Repeated(Hashed(files.size(), [&](std::size_t i) { return Plain(files[i]); })));
+  return [strFolder, strExtension = std::string(extension), Plain,
+          repeated](const S_ListedFile& file) {
+    const bool bAlone =
+        repeated->empty() || !repeated->contains(std::hash<std::string>()(Plain(file)));
+    return bAlone ? TargetBelow(strFolder, file, strExtension)
+                  : WholeNameBelow(strFolder, file, strExtension);
+  };
+}
+
 std::string PlainPath(const std::string& strPath) {
   std::error_code error;
   const std::filesystem::path path = std::filesystem::absolute(strPath, error);
@@ -117,15 +149,16 @@ bool MayWrite(const std::string& strTarget, tagExisting eExisting) {
   throw C_TargetInWay(strTarget, "exists", "-f replaces it");
 }
 
+void MakeFolder(const std::string& strFolder) {
+  std::error_code error;
+  std::filesystem::create_directories(strFolder, error);
+  if (IsOfDisk(error.value())) throw C_DiskFailure(strFolder, "cannot be made", error.message());
+  if (error) throw C_Failure(strFolder, "cannot be made", error.message());
+}
+
 void MakeFoldersOf(const std::string& strTarget) {
   const std::filesystem::path folder = std::filesystem::path(strTarget).parent_path();
-  if (folder.empty()) return;
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (IsOfDisk(error.value())) {
-    throw C_DiskFailure(folder.string(), "cannot be made", error.message());
-  }
-  if (error) throw C_Failure(folder.string(), "cannot be made", error.message());
+  if (!folder.empty()) MakeFolder(folder.string());
 }
 
 }  // namespace tool

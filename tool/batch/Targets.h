@@ -27,11 +27,19 @@ struct S_TargetRule {
 // The path below a folder that the target of a file has.
 [[nodiscard]] std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
                                       std::string_view extension);
+// The same with the whole name of the source: "x.wav.png".
+[[nodiscard]] std::string WholeNameBelow(const std::string& strFolder, const S_ListedFile& file,
+                                         std::string_view extension);
 
 // Absolute, and the same for all ways to write a path, as far as its text tells.
 [[nodiscard]] std::string PlainPath(const std::string& strPath);
 
 using PFN_TargetOf = std::function<std::string(const S_ListedFile& file)>;
+
+// The targets of these files below a folder. Those that would have the same one keep their whole
+// names: "x.wav.png" and "x.kst.png".
+[[nodiscard]] PFN_TargetOf TargetsBelow(const std::string& strFolder, std::string_view extension,
+                                        const std::vector<S_ListedFile>& files);
 
 // Throws C_UsageFailure when two files have the same target, and when the target of one file is
 // another one of the files, which would be overwritten before or while it is read.
@@ -41,6 +49,8 @@ void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& f
 // is no regular file, and C_TargetInWay when it exists and must not be replaced.
 [[nodiscard]] bool MayWrite(const std::string& strTarget, tagExisting eExisting);
 
+// Makes a folder, and those that it is in. Throws C_Failure.
+void MakeFolder(const std::string& strFolder);
 // Makes the folders that the target is in. Throws C_Failure.
 void MakeFoldersOf(const std::string& strTarget);
 

@@ -11,6 +11,7 @@
 #include "base/NumberText.h"
 #include "compare/LagFinder.h"
 #include "compare/Report.h"
+#include "sound/SoundFaults.h"
 
 namespace tool {
 namespace {
@@ -83,9 +84,18 @@ void TellWidth(const std::string& strPath, const S_SoundInfo& info, C_Console& c
                    ": its floating point of 64 bits is compared as that of 32 bits");
 }
 
+// What is missing or damaged is no difference that anybody has made.
+void TellFaults(const std::string& strName, const I_SoundInput& sound, std::uint64_t qwFrames,
+                C_Console& console) {
+  if (sound.DamagedFrames() != 0) {
+    console.Complain(DamagedLine(strName, sound.DamagedFrames(), qwFrames));
+  }
+  if (IsCutAfter(sound, qwFrames)) console.Complain(CutLine(strName, qwFrames, "compared"));
+}
+
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   if (arguments.strFirst == kStandardStream && arguments.strSecond == kStandardStream) {
-    throw C_UsageFailure("compare", "both sounds are standard input", "one of them can be");
+    throw C_UsageFailure("both sounds are standard input: one of them can be");
   }
   const C_SoundInputPtr first = OpenSound(arguments.strFirst);
   const C_SoundInputPtr second = OpenSound(arguments.strSecond);
@@ -100,6 +110,8 @@ int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   const S_Compared compared = {NameOf(arguments.strFirst), NameOf(arguments.strSecond),
                                first->Info(), second->Info(),
                                Compare(firstSamples, secondSamples, nLag, dwRate)};
+  TellFaults(compared.strFirst, *first, compared.result.first.qwFrames, console);
+  TellFaults(compared.strSecond, *second, compared.result.second.qwFrames, console);
   console.Print(arguments.bJson ? ReportJson(compared) : ReportText(compared));
   return compared.result.IsEqual() ? 0 : kDiffer;
 }

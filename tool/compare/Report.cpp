@@ -75,10 +75,9 @@ std::optional<double> Level(double dAmplitude) {
 }
 
 // Where nothing differs, the ratio has no bounds.
-std::string SnrText(const S_Sums& sums) {
-  const bool bFlawless = sums.dNoise == 0.0 && sums.dSignal > 0.0;
-  return bFlawless ? "inf" : Number(sums.Snr(), 2);
-}
+bool IsInfinite(const S_Sums& sums) { return sums.dNoise == 0.0 && sums.dSignal > 0.0; }
+
+std::string SnrText(const S_Sums& sums) { return IsInfinite(sums) ? "inf" : Number(sums.Snr(), 2); }
 
 C_TextTable::Row Row(const std::string& strName, const S_Sums& sums, const S_Level& first,
                      const S_Level& second) {
@@ -139,6 +138,7 @@ C_Json SumsJson(const S_Sums& sums, const S_Level& first, const S_Level& second)
           {"differing_samples", sums.qwDiffering},
           {"greatest_difference", sums.dGreatest},
           {"snr_db", Optional(sums.Snr())},
+          {"snr_is_infinite", IsInfinite(sums)},
           {"segmental_snr_db", Optional(sums.SegmentalSnr())},
           {"segments", sums.qwSegments},
           {"first_rms_dbfs", Optional(first.Rms())},

@@ -18,7 +18,8 @@ struct S_Compared {
 
 // For people.
 std::string ReportText(const S_Compared& compared);
-// One object. Ratios and levels that are infinite are null.
+// One object. Ratios and levels that are infinite are null, as are ratios of silence alone; of the
+// ratio of all, a member says which of both it is.
 std::string ReportJson(const S_Compared& compared);
 
 }  // namespace tool

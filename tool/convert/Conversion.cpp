@@ -21,6 +21,7 @@
 #include "sound/SampleSum.h"
 #include "sound/ScaledNotes.h"
 #include "sound/SilenceFinder.h"
+#include "sound/SoundFaults.h"
 #include "sound/SoundOutput.h"
 #include "sound/WholeSound.h"
 
@@ -189,7 +190,7 @@ class C_Conversion {
     result.dwRate = m_info.dwRate;
     result.qwFrames = m_qwFrames;
     result.qwDamaged = m_input->DamagedFrames();
-    result.bCut = IsCut();
+    result.bCut = IsCutAfter(*m_input, m_qwFrames);
     if (const auto* const pSummed = dynamic_cast<const C_SummedSound*>(m_input.get())) {
       result.qwSum = pSummed->Sum();
     }
@@ -231,10 +232,6 @@ class C_Conversion {
       return CountedText(m_qwFrames, "frame") + (m_qwFrames == 1 ? " is" : " are");
     }
     return CountText(m_qwFrames) + " of " + CountedText(qwClaimed, "frame") + " are";
-  }
-  // Also when fewer frames have come than the file says.
-  [[nodiscard]] bool IsCut() const {
-    return m_input->IsCut() || m_qwFrames < ClaimedFrames(m_info);
   }
   // What else changes the samples was asked for.
   void TellWidth() const {

@@ -109,7 +109,7 @@ void NoteGiven(const CLI::App& command, std::set<std::string>& given) {
 
 [[noreturn]] void RefuseValue(const std::string& strOption, const std::string& strValue,
                               const std::string& strForm) {
-  throw C_UsageFailure("voxtool: " + strOption + ": " + strValue + " is not " + strForm);
+  throw C_UsageFailure(strOption + ": " + strValue + " is not " + strForm);
 }
 
 // Levels of full scale.
@@ -161,7 +161,7 @@ std::string FormatNameOf(const S_ConvertArguments& arguments) {
   if (!arguments.format.strTo.empty()) return arguments.format.strTo;
   const std::string& strFile = arguments.target.strFile;
   if (strFile.empty() || strFile == kStandardStream) {
-    throw C_UsageFailure("voxtool: --to has to say which format to write");
+    throw C_UsageFailure("--to has to say which format to write");
   }
   std::string strName = FormatOfExtension(ExtensionOf(strFile));
   if (!strName.empty()) return strName;

@@ -18,16 +18,34 @@ struct S_Count {
 // What has the same reason.
 struct S_Group {
   std::string strReason;
+  std::string strPart;  // "data": what alone is lost of each
   bool bWhole = false;  // nothing of it is kept
   std::vector<S_Count> counts;
 };
 
-template <typename Items, typename Key>
-auto& EntryOf(std::vector<Items>& items, const std::string& strKey, Key key) {
-  const auto found = std::ranges::find(items, strKey, key);
-  if (found != items.end()) return *found;
-  items.emplace_back().*key = strKey;
-  return items.back();
+S_Group& GroupOf(std::vector<S_Group>& groups, const S_Group& wanted) {
+  const auto IsIt = [&](const S_Group& group) {
+    return group.strReason == wanted.strReason && group.strPart == wanted.strPart;
+  };
+  const auto found = std::ranges::find_if(groups, IsIt);
+  return found != groups.end() ? *found : groups.emplace_back(wanted);
+}
+
+S_Count& CountOf(std::vector<S_Count>& counts, const std::string& strKind) {
+  const auto found = std::ranges::find(counts, strKind, &S_Count::strKind);
+  return found != counts.end() ? *found : counts.emplace_back(S_Count{strKind});
+}
+
+// "data" of "event 1 at frame 48: its data is not kept"; "" where all of a mark is meant.
+std::string PartIn(std::string_view name) {
+  constexpr std::string_view kIts = ": its ";
+  const std::size_t nIts = name.find(kIts);
+  const std::size_t nEnd = std::min(name.rfind(" is not kept"), name.rfind(" are not kept"));
+  if (nIts == std::string_view::npos || nEnd == std::string_view::npos) return "";
+  std::string strPart =
+      "the " + std::string(name.substr(nIts + kIts.size(), nEnd - nIts - kIts.size()));
+  const std::size_t nAnd = strPart.find(" and its ");
+  return nAnd == std::string::npos ? strPart : strPart.replace(nAnd, 9, " and the ");
 }
 
 // "region text 1 of cue point 3" is a "region text", and "sampler record" is what it is called.
@@ -39,13 +57,12 @@ std::string KindIn(std::string_view name) {
 void Sort(std::vector<S_Group>& groups, std::string_view sentence) {
   const std::size_t nColon = std::min(sentence.rfind(": "), sentence.size());
   std::string_view reason = sentence.substr(std::min(nColon + 2, sentence.size()));
+  const std::string_view name = sentence.substr(0, nColon);
   const std::size_t nHolds = reason.find(kHolds);
-  const bool bWhole = nHolds != std::string_view::npos;
-  std::string strReason(reason.substr(0, nHolds));
-  if (bWhole) strReason += " holds none";
-  S_Group& group = EntryOf(groups, strReason, &S_Group::strReason);
-  group.bWhole = bWhole;
-  ++EntryOf(group.counts, KindIn(sentence.substr(0, nColon)), &S_Count::strKind).nCount;
+  S_Group group{std::string(reason.substr(0, nHolds)), PartIn(name), {}, {}};
+  group.bWhole = nHolds != std::string_view::npos;
+  if (group.bWhole) group.strReason += " holds none";
+  ++CountOf(GroupOf(groups, group).counts, KindIn(name)).nCount;
 }
 
 std::string Counted(const S_Count& count) {
@@ -66,6 +83,11 @@ std::string Listed(const std::vector<S_Count>& counts) {
 }
 
 std::string TextOf(const S_Group& group) {
+  if (!group.strPart.empty()) {
+    const bool bParts = group.strPart.find(" and ") != std::string::npos;
+    return group.strPart + " of " + Listed(group.counts) + (bParts ? " are" : " is") +
+           " not kept: " + group.strReason;
+  }
   const bool bOne = group.counts.size() == 1 && group.counts.front().nCount == 1;
   return Listed(group.counts) + (bOne ? " is" : " are") +
          (group.bWhole ? " not kept: " : " not kept as before: ") + group.strReason;

@@ -20,11 +20,11 @@ namespace {
 
 void CheckArguments(const S_ConvertArguments& arguments) {
   if (!arguments.target.strFile.empty()) {
-    throw C_UsageFailure("voxtool: --manifest needs -d DIR in place of -o");
+    throw C_UsageFailure("--manifest needs -d DIR in place of -o");
   }
   const bool bFolder = !arguments.target.strFolder.empty();
   if (arguments.batch.AreNamed() && !bFolder) {
-    throw C_UsageFailure("voxtool: -d DIR has to say where the files go");
+    throw C_UsageFailure("-d DIR has to say where the files go");
   }
 }
 
@@ -67,9 +67,10 @@ class C_ManifestRun {
     const C_FileList list =
         m_arguments.batch.List(m_console, strFolder, [&](const S_ListedFile& file) {
           if (file.strPath == kStandardStream) {
-            throw C_UsageFailure("voxtool: standard input has no name, which a manifest needs");
+            throw C_UsageFailure("standard input has no name, which a manifest needs");
           }
-          plan.Add(PlainPath(file.strPath), PlainPath(TargetBelow(strFolder, file, strExtension)));
+          plan.Add(PlainPath(file.strPath), PlainPath(TargetBelow(strFolder, file, strExtension)),
+                   PlainPath(WholeNameBelow(strFolder, file, strExtension)));
         });
     const S_PlanCounts counts =
         plan.Finish(StoredOptions(m_arguments), StoredRule(m_arguments.target));

@@ -36,9 +36,7 @@ constexpr std::array<S_TargetKind, 9> kKinds = {{
 
 bool IsCoded(const S_TargetKind& kind) { return kind.eCodec != VOXPLAY_CODEC_PCM; }
 
-[[noreturn]] void Refuse(const std::string& strWhat) {
-  throw C_UsageFailure("voxtool: " + strWhat);
-}
+[[noreturn]] void Refuse(const std::string& strWhat) { throw C_UsageFailure(strWhat); }
 
 const S_TargetKind& KindOf(std::string_view name) {
   const auto* const pKind = std::ranges::find(kKinds, name, &S_TargetKind::name);

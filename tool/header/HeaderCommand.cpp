@@ -10,6 +10,7 @@
 #include "base/TextTable.h"
 #include "base/Utf8.h"
 #include "header/HeaderEdit.h"
+#include "options/WholeNumber.h"
 #include "sound/HeaderFields.h"
 #include "sound/SoundInput.h"
 
@@ -74,7 +75,7 @@ int Show(const S_ShowOptions& options, C_Console& console) {
 template <typename Edit>
 int EditAll(const S_EditOptions& options, C_Console& console, Edit&& fnEdit) {
   if (!options.strOutput.empty() && options.files.size() > 1) {
-    throw C_UsageFailure("voxtool header", "-o", "it takes one file, and there are several");
+    throw C_UsageFailure("-o: it takes one file, and there are several");
   }
   return ForEachFile(options.files, console, [&](const std::string& strPath) {
     fnEdit(S_HeaderEdit{strPath, {options.strOutput, options.bForce, options.bAnyway}});
@@ -96,7 +97,11 @@ void AddShow(C_CommandLine& commandLine, CLI::App& parent) {
 }
 
 void AddEditOptions(CLI::App& command, S_EditOptions& options) {
-  command.add_option("FILE", options.files, "the files")->type_name("FILE")->required();
+  command
+      .add_option("FILE", options.files,
+                  "the files, which are changed in place; \"-\" is standard input, with -o")
+      ->type_name("FILE")
+      ->required();
   command
       .add_option("-o,--output", options.strOutput, "write another file; \"-\" is standard output")
       ->type_name("FILE");
@@ -125,7 +130,7 @@ void AddAdd(C_CommandLine& commandLine, CLI::App& parent) {
       ->capture_default_str();
   command.add_option("--rate", options->dwRate, "the sample rate; 16000 if it is not given")
       ->type_name("HZ")
-      ->check(CLI::PositiveNumber);
+      ->check(WholeNumber(1, UINT32_MAX));
   command.add_flag("-f,--force", options->bForce, "replace an existing output");
 }
 
@@ -151,7 +156,9 @@ void AddHeaderCommand(C_CommandLine& commandLine) {
   CLI::App& command = commandLine.Add(
       {"header",
        "show, add or strip the SP header",
-       "An SP header of 48 bytes says of a coded stream which codec and which sample rate it has.",
+       "An SP header of 48 bytes says of a coded stream which codec and which sample rate it has. "
+       "Where a file is changed, a new one takes its place in one step; if it has several names "
+       "(hard links), the others keep the old one.",
        {{"voxtool header show speech.kst", "print the fields of the header"},
         {"voxtool header add --rate 8000 stream.bin", "put a header before a Kestrel stream"}},
        {}});

@@ -12,11 +12,11 @@
 namespace tool {
 
 struct S_HeaderEdit {
-  std::string strFile;
+  std::string strFile;  // "-" is standard input, which needs an output
   S_EditTarget target;
 };
 
-// Throw C_Failure and voxplay::Error; nothing is changed then.
+// Throw C_Failure, C_UsageFailure and voxplay::Error; nothing is changed then.
 
 // strCodec is "kestrel", "heron4", "heron5" or "heron6". A rate of 0 stands for 16,000 Hz.
 void AddHeader(const S_HeaderEdit& edit, const std::string& strCodec, std::uint32_t dwRate);

@@ -29,7 +29,7 @@ struct S_MergeOptions {
 std::vector<S_Piece> NamedPieces(const S_SplitOptions& options) {
   const std::size_t nNumber = options.strNames.find(kNumber);
   if (nNumber == std::string::npos) {
-    throw C_UsageFailure("voxtool: -o: the name needs a %d, for the number of the piece");
+    throw C_UsageFailure("-o: the name needs a %d, for the number of the piece");
   }
   std::vector<S_Piece> pieces(options.nPieces);
   for (std::size_t i = 0; i < pieces.size(); ++i) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "batch/Targets.h"
 #include "options/ManualPage.h"
 #include "options/OptionTable.h"
 #include "options/Suggestion.h"
@@ -21,21 +22,27 @@ struct S_ManualOptions {
   bool bAll = false;
 };
 
-const CLI::App& CommandOf(const CLI::App& table, const std::string& strName) {
+// strBefore is what was named before: "tags ".
+const CLI::App& CommandOf(const CLI::App& table, const std::string& strName,
+                          const std::string& strBefore) {
   std::vector<std::string> names;
   for (const CLI::App* pCommand : CommandsIn(table)) {
     if (pCommand->get_name() == strName) return *pCommand;
     names.push_back(pCommand->get_name());
   }
   const auto nearest = Nearest(strName, names);
-  throw C_UsageFailure("voxtool manual: " + strName + ": no such command" +
+  throw C_UsageFailure(strBefore + strName + ": no such command" +
                        (nearest ? "; did you mean \"" + *nearest + "\"?" : ""));
 }
 
 // Of "tags add": the page of a command in a command.
 const CLI::App& PageOf(const CLI::App& program, const std::vector<std::string>& command) {
   const CLI::App* pTable = &program;
-  for (const std::string& strName : command) pTable = &CommandOf(*pTable, strName);
+  std::string strBefore;
+  for (const std::string& strName : command) {
+    pTable = &CommandOf(*pTable, strName, strBefore);
+    strBefore += strName + ' ';
+  }
   return *pTable;
 }
 
@@ -45,7 +52,7 @@ std::string NamesAsType(const CLI::App& program) {
   for (const CLI::App* pCommand : CommandsIn(program)) {
     strNames += (strNames.empty() ? "" : ",") + pCommand->get_name();
   }
-  return "TEXT:{" + strNames + "}";
+  return "COMMAND:{" + strNames + "}";
 }
 
 void WritePage(const C_CommandLine& commandLine, const CLI::App& table,
@@ -63,6 +70,7 @@ int RunManual(const C_CommandLine& commandLine, const S_ManualOptions& options,
     console.Print(ManualPage(commandLine, PageOf(commandLine.Table(), options.command)));
     return 0;
   }
+  MakeFolder(options.strFolder);
   WritePage(commandLine, commandLine.Table(), options.strFolder);
   for (const CLI::App* pCommand : CommandsIn(commandLine.Table())) {
     WritePage(commandLine, *pCommand, options.strFolder);

@@ -2,20 +2,14 @@
 #include "marks/MarkCsv.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 
 #include "marks/MarkNotes.h"
+#include "marks/RowMembers.h"
 
 namespace tool {
 namespace {
 
-constexpr std::array kUsual = {"kind", "number", "id",           "start",       "time", "length",
-                               "name", "text",   "main_command", "sub_command", "data"};
-constexpr std::array kRare = {"hex",      "chunk",         "chunk_start", "block_start",
-                              "position", "sample_offset", "purpose",     "country",
-                              "language", "dialect",       "code_page",   "last",
-                              "type",     "fraction",      "play_count"};
 constexpr const char* kFile = "file";
 
 bool Has(const C_CsvRow& columns, const std::string& strName) {
@@ -43,6 +37,7 @@ class C_TableReader {
     if (!m_reader.Read(m_columns) || !Has(m_columns, "kind")) {
       throw C_BadRow("the first line does not name a column \"kind\"");
     }
+    for (const std::string& strColumn : m_columns) CheckColumn(strColumn);
   }
 
   void ForEach(const PFN_Row& fnRow) {
@@ -60,6 +55,12 @@ class C_TableReader {
   }
 
  private:
+  // Spreadsheets leave columns without a name.
+  static void CheckColumn(const std::string& strColumn) {
+    const auto strWhy = strColumn.empty() ? std::nullopt : UnknownMember(strColumn);
+    if (strWhy) throw C_BadRow("the column " + *strWhy);
+  }
+
   C_CsvReader m_reader;
   C_CsvRow m_columns;
   std::set<std::string> m_files;
@@ -67,18 +68,19 @@ class C_TableReader {
 
 }  // namespace
 
-C_MarkCsv::C_MarkCsv(const C_MarkRows& rows) : m_columns(kUsual.begin(), kUsual.end()) {
+C_MarkCsv::C_MarkCsv(const C_MarkRows& rows)
+    : m_columns(kUsualMembers.begin(), kUsualMembers.end()) {
   std::set<std::string> present;
   rows.ForEach([&](const C_Json& row) {
     for (const auto& [strKey, value] : row.items()) present.insert(strKey);
   });
-  std::ranges::copy_if(kRare, std::back_inserter(m_columns),
+  std::ranges::copy_if(kRareMembers, std::back_inserter(m_columns),
                        [&](const char* pszName) { return present.contains(pszName); });
 }
 
 C_MarkCsv::C_MarkCsv() : m_columns{kFile} {
-  m_columns.insert(m_columns.end(), kUsual.begin(), kUsual.end());
-  m_columns.insert(m_columns.end(), kRare.begin(), kRare.end());
+  m_columns.insert(m_columns.end(), kUsualMembers.begin(), kUsualMembers.end());
+  m_columns.insert(m_columns.end(), kRareMembers.begin(), kRareMembers.end());
 }
 
 std::string C_MarkCsv::Line(const C_Json& row, const std::string& strFile) const {

@@ -30,7 +30,7 @@ class C_MarkCsv {
 };
 
 // The rows of a table; all values are texts, and where they stand is "line 2". The text must
-// outlive the function.
+// outlive the function. Throws C_BadRow for columns that rows do not have.
 PFN_Rows RowsOfCsv(std::string_view text);
 
 }  // namespace tool

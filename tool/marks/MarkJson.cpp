@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "marks/MarkNotes.h"
+#include "marks/RowMembers.h"
 
 namespace tool {
 namespace {
@@ -89,7 +90,16 @@ class C_RowFinder : public nlohmann::json_sax<C_Json> {
     }
     return true;
   }
-  void HandOut(const C_Json& row) { m_fnRow(row, "row " + std::to_string(++m_nRows)); }
+  void HandOut(const C_Json& row) {
+    const std::string strPlace = "row " + std::to_string(++m_nRows);
+    if (row.is_object()) {
+      for (const auto& member : row.items()) CheckMember(member.key(), strPlace);
+    }
+    m_fnRow(row, strPlace);
+  }
+  static void CheckMember(const std::string& strKey, const std::string& strPlace) {
+    if (const auto strWhy = UnknownMember(strKey)) throw C_BadRow(strPlace + ": " + *strWhy);
+  }
 
   void StartMarks() {
     m_file = std::move(m_record);
@@ -108,14 +118,23 @@ class C_RowFinder : public nlohmann::json_sax<C_Json> {
     if (m_record.contains("marks")) throw C_BadRow("the marks are not an array");
     if (!m_bIsFile) throw C_BadRow("it has no member \"marks\"");
     m_bIsFile = false;
+    CheckSchema();
     CheckRate();
     if (++m_nFiles > 1) throw C_BadRow("it has the marks of several files");
+  }
+  void CheckSchema() const {
+    const auto found = m_record.find("schema");
+    if (found == m_record.end() || *found == kJsonSchema) return;
+    throw C_BadRow("its schema is " + Shown(*found) + ", and this program knows " +
+                   std::to_string(kJsonSchema));
+  }
+  static std::string Shown(const C_Json& value) {
+    return value.is_structured() ? "[...]" : value.dump();
   }
   void CheckRate() const {
     const auto found = m_record.find("sample_rate");
     if (found == m_record.end() || *found == m_dwRate) return;
-    throw C_BadRow("the marks count frames of " +
-                   (found->is_structured() ? "[...]" : found->dump()) + " Hz, and the sound has " +
+    throw C_BadRow("the marks count frames of " + Shown(*found) + " Hz, and the sound has " +
                    std::to_string(m_dwRate) + " Hz");
   }
 

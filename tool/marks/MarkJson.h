@@ -19,8 +19,8 @@ void WriteMarksJson(const C_Json& file, const C_MarkRows& rows,
 
 // The rows of a text that is an array of rows, or an object with such an array as its member
 // "marks", or an array with one such object, which is what "tags export" writes of a file. The text
-// must outlive the function. Throws C_BadRow for any other text, and for marks that count frames of
-// another rate.
+// must outlive the function. Throws C_BadRow for any other text, for members that rows do not have,
+// and for marks of another schema or that count frames of another rate.
 PFN_Rows RowsOfJson(std::string_view text, std::uint32_t dwRate);
 
 }  // namespace tool

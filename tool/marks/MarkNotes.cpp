@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Interrupt.h"
+#include "marks/BeyondEnd.h"
 #include "marks/RowValues.h"
 #include "sound/CueFrame.h"
 
@@ -54,12 +55,14 @@ class C_CueIDs {
 
 class C_RowAdder {
  public:
-  C_RowAdder(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes)
-      : m_fnRows(fnRows), m_dwRate(dwRate), m_notes(notes), m_ids(notes) {}
+  C_RowAdder(const PFN_Rows& fnRows, const S_SoundEnd& end, voxplay::Notes& notes)
+      : m_fnRows(fnRows), m_end(end), m_notes(notes), m_ids(notes) {}
 
-  void AddAll() {
+  std::size_t AddAll() {
     std::vector<std::uint32_t> cues;
+    std::size_t nRows = 0;
     ForEach([&](const C_RowValues& row) {
+      ++nRows;
       if (row.IsEmpty("id")) return;
       const auto dwID = row.Number<std::uint32_t>("id");
       m_ids.Use(dwID);
@@ -68,6 +71,7 @@ class C_RowAdder {
     // Only now is it known which ids are free.
     for (const std::uint32_t dwID : cues) m_ids.Rename(dwID);
     ForEach([this](const C_RowValues& row) { Add(row); });
+    return nRows;
   }
 
  private:
@@ -75,7 +79,7 @@ class C_RowAdder {
   void ForEach(Work&& work) {
     m_fnRows([&](const C_Json& row, const std::string& strPlace) {
       ThrowIfInterrupted();
-      work(C_RowValues(row, strPlace, m_dwRate));
+      work(C_RowValues(row, strPlace, m_end.dwRate));
     });
   }
   static std::string Kind(const C_RowValues& row) { return row.Word("kind"); }
@@ -102,6 +106,11 @@ class C_RowAdder {
     return row.Frames("length", "duration", qwMost);
   }
 
+  void CheckPlace(const C_RowValues& row, std::uint64_t qwStart, std::uint64_t qwLength) const {
+    const auto strWhyNot = BeyondEnd(qwStart, qwLength, m_end);
+    if (strWhyNot) row.Refuse(*strWhyNot);
+  }
+
   void AddEvent(const C_RowValues& row) {
     const std::string strName = row.Text("name");
     voxplay::Event event{};
@@ -110,6 +119,7 @@ class C_RowAdder {
     event.sub_command = row.Number<std::uint16_t>("sub_command");
     event.data = row.Number<std::uint32_t>("data");
     event.description = strName.c_str();
+    CheckPlace(row, event.frame, 0);
     m_notes.add(event);
   }
 
@@ -135,6 +145,8 @@ class C_RowAdder {
                  ", but position and sample_offset make it " + std::to_string(FrameOf(cue)) +
                  "; leave these empty if start is meant");
     }
+    CheckPlace(row, dwFrame, 0);
+    if (m_end.qwFrames != UINT64_MAX) m_starts.try_emplace(cue.id, dwFrame);
     m_notes.add(cue);
     return cue.id;
   }
@@ -145,6 +157,7 @@ class C_RowAdder {
     if (Length(row) == 0) return;
     voxplay::RegionText text{};
     text.cue_id = dwID;
+    CheckLength(row, dwID);
     text.count = Narrow(Length(row));
     std::ranges::copy(std::string_view("rgn "), text.purpose);
     text.text = "";
@@ -157,8 +170,14 @@ class C_RowAdder {
     label.text = strText.c_str();
     m_notes.add(label);
   }
+  // From its cue point on, if a row had that.
+  void CheckLength(const C_RowValues& row, std::uint32_t dwID) const {
+    const auto start = m_starts.find(dwID);
+    if (start != m_starts.end()) CheckPlace(row, start->second, Length(row));
+  }
   void AddText(std::uint32_t dwID, const C_RowValues& row) {
     const std::string strText = row.Text("text");
+    CheckLength(row, dwID);
     voxplay::RegionText text{};
     text.cue_id = dwID;
     text.count = Narrow(Length(row));
@@ -171,9 +190,11 @@ class C_RowAdder {
     m_notes.add(text);
   }
 
-  static voxplay::Range Range(const C_RowValues& row) {
+  [[nodiscard]] voxplay::Range Range(const C_RowValues& row) const {
     constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
-    return {Start(row, kMost), Length(row, kMost)};
+    const voxplay::Range range{Start(row, kMost), Length(row, kMost)};
+    CheckPlace(row, range.first, range.count);
+    return range;
   }
 
   void AddLoop(const C_RowValues& row) {
@@ -182,6 +203,9 @@ class C_RowAdder {
     loop.type = row.Number<std::uint32_t>("type");
     loop.first = Narrow(Start(row));
     loop.last = Last(row);
+    if (loop.last >= loop.first) {
+      CheckPlace(row, loop.first, std::uint64_t{loop.last} - loop.first + 1);
+    }
     loop.fraction = row.Number<std::uint32_t>("fraction");
     loop.play_count = row.Number<std::uint32_t>("play_count");
     m_notes.add(loop);
@@ -196,15 +220,17 @@ class C_RowAdder {
   }
 
   const PFN_Rows& m_fnRows;
-  std::uint32_t m_dwRate;
+  S_SoundEnd m_end;
   voxplay::Notes& m_notes;
   C_CueIDs m_ids;
+  std::unordered_map<std::uint32_t, std::uint32_t> m_starts;  // of cue points of rows
 };
 
 }  // namespace
 
-void AddRows(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes) {
-  C_RowAdder(fnRows, dwRate, notes).AddAll();
+std::size_t AddRows(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes,
+                    std::uint64_t qwEnd) {
+  return C_RowAdder(fnRows, {qwEnd, dwRate}, notes).AddAll();
 }
 
 PFN_Rows RowsIn(const C_Json& array) {

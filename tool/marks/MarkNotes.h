@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -28,8 +29,10 @@ class C_BadRow : public std::runtime_error {
 //   - a label, a note or a text without id gets a cue point of its own, at its start
 //
 // Cue points get other ids where the notes have these already, and what belongs to them follows.
-// Numbers may be texts of digits. Members that are not known are passed over. Throws C_BadRow; the
-// notes are then half done.
-void AddRows(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes);
+// Numbers may be texts of digits. Returns how many rows
+// there were. Throws C_BadRow, also for places beyond the end where that is given; the notes are
+// then half done.
+std::size_t AddRows(const PFN_Rows& fnRows, std::uint32_t dwRate, voxplay::Notes& notes,
+                    std::uint64_t qwEnd = UINT64_MAX);
 
 }  // namespace tool

@@ -43,32 +43,54 @@ const char* KindFlag(tagValueKind eKind) {
   return eKind == tagValueKind::FOLDER ? "-d" : "";
 }
 
+// What is typed before a name, and with it.
+std::string PathCase(const std::string& strBefore, const CLI::App& command,
+                     const std::string& strPath) {
+  return "      " + Quoted(strBefore + " " + command.get_name()) + ") path=" + Quoted(strPath) +
+         " ;;\n";
+}
+
 std::string PathCases(const CLI::App& table) {
   std::string strText;
   VisitCommands(table, [&](const CLI::App& command) {
     if (command.get_parent() == nullptr) return;
-    const std::string strBefore = NameInProgram(*command.get_parent());
-    strText += "      " + Quoted(strBefore + " " + command.get_name()) +
-               ") path=" + Quoted(NameInProgram(command)) + " ;;\n";
+    strText += PathCase(NameInProgram(*command.get_parent()), command, NameInProgram(command));
+  });
+  VisitNamedCommands(table, [&](const CLI::App& naming, const CLI::App& named) {
+    strText += PathCase(NameAfter(naming, *named.get_parent()), named, NameAfter(naming, named));
   });
   return strText;
 }
 
-// What may follow a command: commands in it, and the values of its operands.
-std::string WordCase(const CLI::App& command) {
+std::string OptionWords(const CLI::App& command) {
   std::vector<std::string> options;
   for (const S_Argument& option : OptionsOf(command)) {
     options.insert(options.end(), option.names.begin(), option.names.end());
   }
-  std::vector<std::string> words;
-  for (const CLI::App* pInner : CommandsIn(command)) words.push_back(pInner->get_name());
+  return JoinedWords(options);
+}
+
+std::vector<std::string> NamesIn(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::App* pInner : CommandsIn(command)) names.push_back(pInner->get_name());
+  return names;
+}
+
+// What may follow a command: commands in it, and the values of its operands.
+std::string WordCase(const CLI::App& command) {
+  std::vector<std::string> words = NamesIn(command);
   std::string strKind;
   for (const S_Argument& operand : OperandsOf(command)) {
     words.insert(words.end(), operand.choices.begin(), operand.choices.end());
     if (strKind.empty()) strKind = KindFlag(operand.eKind);
   }
-  return "    " + Quoted(NameInProgram(command)) + ") options=" + Quoted(JoinedWords(options)) +
+  return "    " + Quoted(NameInProgram(command)) + ") options=" + Quoted(OptionWords(command)) +
          " words=" + Quoted(JoinedWords(words)) + " kind=" + strKind + " ;;\n";
+}
+
+std::string NamedWordCase(const CLI::App& naming, const CLI::App& named) {
+  return "    " + Quoted(NameAfter(naming, named)) + ") options=" + Quoted(OptionWords(naming)) +
+         " words=" + Quoted(JoinedWords(NamesIn(named))) + " kind= ;;\n";
 }
 
 std::string ValueCases(const CLI::App& command) {
@@ -91,6 +113,9 @@ std::string ValueCases(const CLI::App& command) {
 std::string BashCompletion(const CLI::App& table) {
   std::string strText = kHead + PathCases(table) + kMiddle;
   VisitCommands(table, [&](const CLI::App& command) { strText += WordCase(command); });
+  VisitNamedCommands(table, [&](const CLI::App& naming, const CLI::App& named) {
+    strText += NamedWordCase(naming, named);
+  });
   strText += kValues;
   VisitCommands(table, [&](const CLI::App& command) { strText += ValueCases(command); });
   return strText + kTail;

@@ -20,15 +20,21 @@ constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 constexpr int kOutputClosed = 141;  // what shells say of a program that such a pipe has ended
 
-// What the work returns, or the exit code of what it throws.
+void RefuseUsage(const CLI::App& command, const std::string& strWhy, C_Console& console) {
+  const std::string strCommand = FullName(command);
+  console.Complain(strCommand + ": " + strWhy);
+  console.Complain("Try \"" + strCommand + " --help\".");
+}
+
+// What the work of a command returns, or the exit code of what it throws.
 template <typename Work>
-int Guarded(C_Console& console, Work&& work) {
+int Guarded(const CLI::App& command, C_Console& console, Work&& work) {
   try {
     const int nExit = work();
     console.Flush();
     return nExit;
   } catch (const C_UsageFailure& failure) {
-    console.Complain(failure.what());
+    RefuseUsage(command, failure.what(), console);
     return kUsage;
   } catch (const C_Interrupted&) {
     return kInterruptedExit;
@@ -56,8 +62,13 @@ S_Command Program() {
       "voxtool works with compressed speech in the codecs Kestrel and Heron, with VEF and VEMD "
       "containers and WAV files of most kinds, and reads FLAC, Ogg, Opus, MP3 and AIFF as well. "
       "Events and marks in files are kept wherever the target can hold them.\n\n"
-      "\"-\" as a file name stands for standard input or output.",
-      {},
+      "\"-\" as a file name stands for standard input or output. Texts have colours on terminals "
+      "alone, and none where NO_COLOR is set.",
+      {{"voxtool info speech.kst", "see what is in a file"},
+       {"voxtool play speech.kst", "hear it"},
+       {"voxtool convert song.flac -o song.kst", "make a Kestrel file of a sound of any kind"},
+       {"voxtool convert -r archive -d wav --to wav", "make WAV files of all sounds in a folder"},
+       {"voxtool tags list talk.wav", "show the events and marks in a file"}},
       {}};
 }
 
@@ -100,15 +111,16 @@ int C_CommandLine::Run(int nArguments, const char* const* ppszArguments, C_Conso
     std::ranges::reverse(arguments);
     m_app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
-    return Guarded(console, [&] {
+    return Guarded(Chosen(), console, [&] {
       return ShowText(HelpText(*this, Chosen(), console.OutputColumns()), console);
     });
   } catch (const CLI::CallForVersion& version) {
-    return Guarded(console, [&] { return ShowText(version.what() + std::string("\n"), console); });
+    return Guarded(Chosen(), console,
+                   [&] { return ShowText(version.what() + std::string("\n"), console); });
   } catch (const CLI::ParseError& error) {
     return ComplainOfUsage(error, console);
   }
-  return Guarded(console, [&] { return Command(Chosen()).fnRun(console); });
+  return Guarded(Chosen(), console, [&] { return Command(Chosen()).fnRun(console); });
 }
 
 int C_CommandLine::ComplainOfUsage(const CLI::ParseError& error, C_Console& console) const {
@@ -116,9 +128,12 @@ int C_CommandLine::ComplainOfUsage(const CLI::ParseError& error, C_Console& cons
   while (!UnknownWord(*pWrong) && !pWrong->get_subcommands().empty()) {
     pWrong = pWrong->get_subcommands().front();
   }
-  const std::string strCommand = FullName(*pWrong);
-  console.Complain(strCommand + ": " + UnknownWord(*pWrong).value_or(error.what()));
-  console.Complain("Try \"" + strCommand + " --help\".");
+  // The parser has another word for it than the help.
+  const bool bNoCommand = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr &&
+                          pWrong->get_require_subcommand_min() > 0 &&
+                          pWrong->get_subcommands().empty();
+  const std::string strWhy = bNoCommand ? "COMMAND is required" : error.what();
+  RefuseUsage(*pWrong, UnknownWord(*pWrong).value_or(strWhy), console);
   return kUsage;
 }
 

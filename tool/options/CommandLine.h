@@ -37,8 +37,9 @@ class C_CommandLine {
   C_CommandLine();
 
   // Adds a command, whose options and operands are then added to the result. What an option is a
-  // name of is told by its type name, and shells complete it accordingly: "FILE", "DIR", and
-  // anything else for what they cannot know. CLI::IsMember lists the values of an option.
+  // name of is told by its type name, and shells complete it accordingly: "FILE", "DIR",
+  // "COMMAND", and anything else for what they cannot know. CLI::IsMember lists the values of an
+  // option.
   CLI::App& Add(S_Command command);
   // Adds a command to one that is there, as in "voxtool tags add".
   CLI::App& Add(CLI::App& parent, S_Command command);

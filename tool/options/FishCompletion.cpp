@@ -27,14 +27,26 @@ std::string QuotedForFish(const std::string& strText) {
   return Quoted(strDoubled);
 }
 
-std::string PathCase(const CLI::App& command) {
-  const std::string strBefore = NameInProgram(*command.get_parent());
+// What is typed before a name, and with it.
+std::string PathCase(const std::string& strBefore, const CLI::App& command,
+                     const std::string& strPath) {
   return "            case " + Quoted(strBefore + " " + command.get_name()) +
-         "\n                set path " + Quoted(NameInProgram(command)) + "\n";
+         "\n                set path " + Quoted(strPath) + "\n";
 }
 
-std::string Complete(const CLI::App& command) {
-  return "complete -c voxtool -n \"__voxtool_at '" + NameInProgram(command) + "'\"";
+std::string CompleteAt(const std::string& strPath) {
+  return "complete -c voxtool -n \"__voxtool_at '" + strPath + "'\"";
+}
+std::string Complete(const CLI::App& command) { return CompleteAt(NameInProgram(command)); }
+
+// The commands in one, to be offered after this path.
+std::string InnerLines(const std::string& strPath, const CLI::App& command) {
+  std::string strText;
+  for (const CLI::App* pInner : CommandsIn(command)) {
+    strText += CompleteAt(strPath) + " -a " + pInner->get_name() + " -d " +
+               QuotedForFish(pInner->get_description()) + "\n";
+  }
+  return strText;
 }
 
 std::string ValueText(const S_Argument& argument) {
@@ -48,6 +60,7 @@ std::string ValueText(const S_Argument& argument) {
     case tagValueKind::FOLDER:
       return " -x -a '(__fish_complete_directories)'";
     case tagValueKind::CHOICE:
+    case tagValueKind::COMMAND:
       return " -x -a " + QuotedForFish(JoinedWords(argument.choices));
   }
   return "";
@@ -69,6 +82,7 @@ std::string OperandLine(const CLI::App& command, const S_Argument& operand) {
       return Complete(command) + " -F\n";
     case tagValueKind::FOLDER:
     case tagValueKind::CHOICE:
+    case tagValueKind::COMMAND:
       return Complete(command) + ValueText(operand).substr(3) + "\n";
     default:
       return "";
@@ -76,11 +90,7 @@ std::string OperandLine(const CLI::App& command, const S_Argument& operand) {
 }
 
 std::string CommandLines(const CLI::App& command) {
-  std::string strText;
-  for (const CLI::App* pInner : CommandsIn(command)) {
-    strText += Complete(command) + " -a " + pInner->get_name() + " -d " +
-               QuotedForFish(pInner->get_description()) + "\n";
-  }
+  std::string strText = InnerLines(NameInProgram(command), command);
   for (const S_Argument& option : OptionsOf(command)) strText += OptionLine(command, option);
   for (const S_Argument& operand : OperandsOf(command)) strText += OperandLine(command, operand);
   return strText;
@@ -91,10 +101,17 @@ std::string CommandLines(const CLI::App& command) {
 std::string FishCompletion(const CLI::App& table) {
   std::string strText = kHead;
   VisitCommands(table, [&](const CLI::App& command) {
-    if (command.get_parent() != nullptr) strText += PathCase(command);
+    if (command.get_parent() == nullptr) return;
+    strText += PathCase(NameInProgram(*command.get_parent()), command, NameInProgram(command));
+  });
+  VisitNamedCommands(table, [&](const CLI::App& naming, const CLI::App& named) {
+    strText += PathCase(NameAfter(naming, *named.get_parent()), named, NameAfter(naming, named));
   });
   strText += kTail;
   VisitCommands(table, [&](const CLI::App& command) { strText += CommandLines(command); });
+  VisitNamedCommands(table, [&](const CLI::App& naming, const CLI::App& named) {
+    strText += InnerLines(NameAfter(naming, named), named);
+  });
   return strText;
 }
 

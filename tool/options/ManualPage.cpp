@@ -70,6 +70,14 @@ void AddExitStatus(C_Roff& page) {
   }
 }
 
+void AddEnvironment(C_Roff& page) {
+  page.Section("ENVIRONMENT");
+  page.Term("NO_COLOR", "");
+  page.Paragraphs("If it is set and not empty, nothing is printed in colours.");
+  page.Term("TMPDIR", "");
+  page.Paragraphs("The folder for temporary files; /tmp without it.");
+}
+
 void CollectExamples(const C_CommandLine& commandLine, const CLI::App& table,
                      std::vector<S_Example>& examples) {
   const auto& own = commandLine.Command(table).examples;
@@ -131,6 +139,7 @@ std::string ManualPage(const C_CommandLine& commandLine, const CLI::App& table) 
     AddInnerCommands(page, commandLine, table);
   }
   AddExitStatus(page);
+  AddEnvironment(page);
   AddExamples(page, commandLine, table);
   AddSeeAlso(page, table);
   return page.Page();

@@ -33,11 +33,12 @@ std::vector<std::string> ChoicesIn(const std::string& strType) {
 tagValueKind KindOf(const std::string& strType, const std::string& strOperand) {
   if (strType == "FILE" || strOperand == "FILE") return tagValueKind::FILE;
   if (strType == "DIR" || strOperand == "DIR") return tagValueKind::FOLDER;
+  if (strType == "COMMAND") return tagValueKind::COMMAND;
   return tagValueKind::TEXT;
 }
 
 void AddChoices(S_Argument& argument) {
-  argument.eKind = tagValueKind::CHOICE;
+  if (argument.eKind != tagValueKind::COMMAND) argument.eKind = tagValueKind::CHOICE;
   const std::string strShown = Joined(argument.choices, "|");
   if (argument.strValue == kAnyText && strShown.size() <= kShownChoices) {
     argument.strValue = strShown;

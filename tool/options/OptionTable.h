@@ -9,7 +9,8 @@
 
 namespace tool {
 
-enum class tagValueKind { NONE, TEXT, FILE, FOLDER, CHOICE };
+// COMMAND is a choice, too: that of a command of the program, after which one in it may be named.
+enum class tagValueKind { NONE, TEXT, FILE, FOLDER, CHOICE, COMMAND };
 
 // An option or an operand.
 struct S_Argument {

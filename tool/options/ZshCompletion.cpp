@@ -21,12 +21,14 @@ std::string Escaped(const std::string& strText) {
   return strEscaped;
 }
 
-std::string FunctionName(const CLI::App& command) {
-  std::string strName = "_" + FullName(command);
+std::string FunctionName(std::string strName) {
+  strName = "_" + strName;
   std::ranges::replace(strName, ' ', '_');
   std::ranges::replace(strName, '-', '_');
   return strName;
 }
+
+std::string FunctionName(const CLI::App& command) { return FunctionName(FullName(command)); }
 
 // ":FILE:_files": what the value is called and what completes it.
 std::string ValueSpec(const S_Argument& argument) {
@@ -41,6 +43,7 @@ std::string ValueSpec(const S_Argument& argument) {
     case tagValueKind::FOLDER:
       return strName + "_files -/";
     case tagValueKind::CHOICE:
+    case tagValueKind::COMMAND:
       return strName + "(" + JoinedWords(argument.choices) + ")";
   }
   return "";
@@ -70,18 +73,32 @@ std::string InnerCommandSpec(const CLI::App& command) {
   return Quoted("1:command:((" + strList + "))") + " \\\n    '*::argument:->inner'";
 }
 
-std::string InnerCalls(const CLI::App& command) {
+// strFunction is the one that calls.
+std::string InnerCalls(const CLI::App& command, const std::string& strFunction) {
   std::string strText = "  [[ $state == inner ]] || return 0\n  case $line[1] in\n";
   for (const CLI::App* pInner : CommandsIn(command)) {
-    strText += "    " + pInner->get_name() + ") " + FunctionName(*pInner) + " ;;\n";
+    strText += "    " + pInner->get_name() + ") " + strFunction + FunctionName(pInner->get_name()) +
+               " ;;\n";
   }
   return strText + "  esac\n";
 }
 
+std::string FunctionHead(const std::string& strFunction) {
+  return strFunction + "() {\n" +
+         "  local context state state_descr line\n  typeset -A opt_args\n" +
+         "  _arguments -C -s -S";
+}
+
+// Of a command whose name is an operand of another.
+std::string NamedFunction(const CLI::App& naming, const CLI::App& named) {
+  const std::string strFunction = FunctionName("voxtool " + NameAfter(naming, named));
+  if (CommandsIn(named).empty()) return strFunction + "() { _message 'no more'; }\n";
+  return FunctionHead(strFunction) + " \\\n    " + InnerCommandSpec(named) + "\n" +
+         InnerCalls(named, strFunction) + "}\n";
+}
+
 std::string Function(const CLI::App& command) {
-  std::string strText = FunctionName(command) + "() {\n" +
-                        "  local context state state_descr line\n  typeset -A opt_args\n" +
-                        "  _arguments -C -s -S";
+  std::string strText = FunctionHead(FunctionName(command));
   for (const S_Argument& option : OptionsOf(command)) {
     for (const std::string& strName : option.names) {
       strText += " \\\n    " + OptionSpec(option, strName);
@@ -89,11 +106,13 @@ std::string Function(const CLI::App& command) {
   }
   std::size_t nPosition = 0;
   for (const S_Argument& operand : OperandsOf(command)) {
+    if (operand.eKind == tagValueKind::COMMAND) continue;
     strText += " \\\n    " + OperandSpec(operand, ++nPosition);
   }
-  const bool bHolds = !CommandsIn(command).empty();
-  if (bHolds) strText += " \\\n    " + InnerCommandSpec(command);
-  return strText + "\n" + (bHolds ? InnerCalls(command) : "") + "}\n";
+  const CLI::App& names = NamesCommands(command) ? *command.get_parent() : command;
+  const bool bHolds = !CommandsIn(names).empty();
+  if (bHolds) strText += " \\\n    " + InnerCommandSpec(names);
+  return strText + "\n" + (bHolds ? InnerCalls(names, FunctionName(command)) : "") + "}\n";
 }
 
 }  // namespace
@@ -101,6 +120,9 @@ std::string Function(const CLI::App& command) {
 std::string ZshCompletion(const CLI::App& table) {
   std::string strText = kHead;
   VisitCommands(table, [&](const CLI::App& command) { strText += Function(command); });
+  VisitNamedCommands(table, [&](const CLI::App& naming, const CLI::App& named) {
+    strText += NamedFunction(naming, named);
+  });
   return strText + "_voxtool \"$@\"\n";
 }
 

@@ -112,14 +112,14 @@ class C_PlayList {
 
 void CheckOptions(const S_PlayOptions& options) {
   if (options.files.empty()) {
-    throw C_UsageFailure("voxtool play: no file is named; \"voxtool play --help\" tells more");
+    throw C_UsageFailure("no file is named");
   }
   if (std::ranges::count(options.files, std::string(kStandardStream)) > 1) {
     throw C_UsageFailure("standard input: it can be named only once");
   }
   const auto to = C_Time::Parse(options.strTo);
   if (to && *to < *C_Time::Parse(options.strFrom)) {
-    throw C_UsageFailure("voxtool play: --to is before --from");
+    throw C_UsageFailure("--to is before --from");
   }
 }
 

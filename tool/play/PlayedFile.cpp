@@ -2,6 +2,7 @@
 #include "play/PlayedFile.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <future>
@@ -23,10 +24,9 @@ constexpr std::chrono::milliseconds kLineTime{100};
 constexpr double kSkip = 5.0;
 constexpr double kFarSkip = 30.0;
 
-constexpr const char* kHelp =
-    "space  pause, go on        left, right  5 s back, forward\n"
-    "n, p   next, previous      up, down     30 s forward, back\n"
-    "q      end                 ?            this help";
+constexpr std::array kHelp = {"space  pause, go on        left, right  5 s back, forward",
+                              "n, p   next, previous      up, down     30 s forward, back",
+                              "q      end                 ?            this help"};
 
 S_PlaySpan SpanOf(const S_PlayedFile& file, const S_SoundInfo& info) {
   S_PlaySpan span{file.from ? file.from->FrameAt(info.dwRate) : 0, kFramesUnknown};
@@ -141,7 +141,7 @@ void C_PlayedSound::Follow(tagKey eKey) {
       m_wanted = tagAfter::END;
       break;
     case tagKey::HELP:
-      m_console.Complain(kHelp);
+      for (const char* const pszLine : kHelp) m_console.Complain(pszLine);
       break;
     case tagKey::SUSPEND:
       Suspend();
@@ -204,6 +204,7 @@ void C_PlayedSound::Report() {
     m_console.Complain(strName + ": " + std::to_string(qwDamaged) +
                        (qwDamaged == 1 ? " frame is damaged" : " frames are damaged"));
   }
+  if (m_sound->IsCut()) m_console.Complain(strName + ": the file is cut: its end is missing");
   if (failure) throw C_Failure(*failure);
 }
 

@@ -39,7 +39,8 @@ C_Layout::C_Layout(const S_PlotOptions& options, int nHeight)
       m_bWaves(options.bWaveform),
       m_bSpectra(options.bSpectrogram),
       m_nHeight(nHeight),
-      m_dLetters(LettersFor(options.nWidth, nHeight)),
+      // What many channels add to the height is needed for their panels.
+      m_dLetters(LettersFor(options.nWidth, options.nHeight > 0 ? nHeight : kUsualHeight)),
       m_nColumns(options.nWidth) {
   if (m_bAxes) SetMargins(options);
 }

@@ -5,21 +5,36 @@
 #include <cstring>
 #include <map>
 #include <optional>
-#include <set>
 #include <unordered_map>
 
 #include "picture/Lettering.h"
 #include "sound/CueFrame.h"
+#include "sound/SpokenEvents.h"
 
 namespace tool {
 namespace {
 
 bool IsLabel(const voxplay::Label& label) { return std::memcmp(label.type, "labl", 4) == 0; }
 
-std::string NameOfEvent(const voxplay::Event& event) {
-  if (*event.description != '\0') return CleanText(event.description);
-  return std::to_string(event.main_command) + "/" + std::to_string(event.sub_command);
-}
+// What events are called: by their description, by the label that says them, or by their commands.
+class C_EventNames {
+ public:
+  C_EventNames(const voxplay::NotesView& notes, std::uint32_t dwContainer) : m_notes(notes) {
+    for (const S_SpokenEvent& event : SpokenEvents(notes, dwContainer)) {
+      m_labels.try_emplace(event.key, event.nLabel);
+    }
+  }
+  [[nodiscard]] std::string Of(const voxplay::Event& event) const {
+    if (*event.description != '\0') return CleanText(event.description);
+    const auto label = m_labels.find(KeyOf(event));
+    if (label != m_labels.end()) return CleanText(m_notes.labels()[label->second].text);
+    return std::to_string(event.main_command) + "/" + std::to_string(event.sub_command);
+  }
+
+ private:
+  voxplay::NotesView m_notes;
+  std::map<S_EventKey, std::size_t> m_labels;
+};
 
 // How many ranges begin and end in each column, from which it follows where there are any.
 class C_Coverage {
@@ -49,8 +64,9 @@ class C_Coverage {
 
 class C_Collector {
  public:
-  C_Collector(const voxplay::NotesView& notes, std::uint64_t qwFirst, const C_Columns& columns)
-      : m_notes(notes), m_qwFirst(qwFirst), m_columns(columns) {}
+  C_Collector(const voxplay::NotesView& notes, std::uint32_t dwContainer, std::uint64_t qwFirst,
+              const C_Columns& columns)
+      : m_notes(notes), m_eventNames(notes, dwContainer), m_qwFirst(qwFirst), m_columns(columns) {}
 
   S_Marks Collect() {
     AddEvents();
@@ -65,7 +81,7 @@ class C_Collector {
 
  private:
   [[nodiscard]] bool IsShown(std::uint64_t qwFrame) const {
-    return qwFrame >= m_qwFirst && qwFrame - m_qwFirst < m_columns.Frames();
+    return qwFrame >= m_qwFirst && qwFrame - m_qwFirst <= m_columns.Frames();
   }
 
   void AddEvents() {
@@ -74,8 +90,7 @@ class C_Collector {
       ++m_result.counts[MARK_EVENT];
       const int nColumn = m_columns.ColumnOf(event.frame - m_qwFirst);
       if (m_marks.contains(nColumn)) continue;
-      m_marks[nColumn] = {nColumn, event.frame, MARK_EVENT, NameOfEvent(event)};
-      if (*event.description == '\0') m_unnamed.insert(nColumn);
+      m_marks[nColumn] = {nColumn, event.frame, MARK_EVENT, m_eventNames.Of(event)};
     }
   }
 
@@ -88,14 +103,11 @@ class C_Collector {
       ++m_result.counts[MARK_CUE];
       const int nColumn = m_columns.ColumnOf(FrameOf(cue) - m_qwFirst);
       const auto [mark, bNew] = m_marks.try_emplace(nColumn);
-      if (bNew) mark->second = {nColumn, FrameOf(cue), MARK_CUE, "#" + std::to_string(cue.id)};
-      if (bNew || IsNameless(mark->second, cue)) columnsOf.emplace(cue.id, nColumn);
+      if (!bNew) continue;
+      mark->second = {nColumn, FrameOf(cue), MARK_CUE, "#" + std::to_string(cue.id)};
+      columnsOf.emplace(cue.id, nColumn);
     }
     NameCues(columnsOf);
-  }
-  // Labels that read as events are labels of cue points as well, and say more than numbers do.
-  [[nodiscard]] bool IsNameless(const S_Mark& mark, const voxplay::Cue& cue) const {
-    return m_unnamed.contains(mark.nColumn) && mark.qwFrame == FrameOf(cue);
   }
   void NameCues(const std::unordered_map<std::uint32_t, int>& columnsOf) {
     for (const voxplay::Label label : m_notes.labels()) {
@@ -146,17 +158,18 @@ class C_Collector {
   }
 
   voxplay::NotesView m_notes;
+  C_EventNames m_eventNames;
   std::uint64_t m_qwFirst;
   C_Columns m_columns;
   std::map<int, S_Mark> m_marks;
-  std::set<int> m_unnamed;  // columns of events without a description
   S_Marks m_result;
 };
 
 }  // namespace
 
-S_Marks MarksOf(const voxplay::NotesView& notes, std::uint64_t qwFirst, const C_Columns& columns) {
-  return C_Collector(notes, qwFirst, columns).Collect();
+S_Marks MarksOf(const voxplay::NotesView& notes, std::uint32_t dwContainer, std::uint64_t qwFirst,
+                const C_Columns& columns) {
+  return C_Collector(notes, dwContainer, qwFirst, columns).Collect();
 }
 
 }  // namespace tool

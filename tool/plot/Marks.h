@@ -42,7 +42,9 @@ struct S_Marks {
   }
 };
 
-// Of the frames that the columns show; the first of them is frame qwFirst of the sound.
-S_Marks MarksOf(const voxplay::NotesView& notes, std::uint64_t qwFirst, const C_Columns& columns);
+// Of the frames that the columns show, and of the place after the last of them; the first is frame
+// qwFirst of the sound. The container (voxplay_container) tells which labels read as events.
+S_Marks MarksOf(const voxplay::NotesView& notes, std::uint32_t dwContainer, std::uint64_t qwFirst,
+                const C_Columns& columns);
 
 }  // namespace tool

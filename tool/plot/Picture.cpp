@@ -17,6 +17,7 @@
 #include "plot/Scene.h"
 #include "plot/SpectrumPanel.h"
 #include "plot/WavePanel.h"
+#include "sound/SoundFaults.h"
 
 namespace tool {
 namespace {
@@ -183,14 +184,18 @@ class C_PictureMaker {
         m_channels(ChannelsOf(input.Info(), strName, options.dwChannel)),
         m_nHeight(HeightOf(options, m_channels.size())) {}
 
-  std::string Make(const PFN_FramesDone& fnDone) {
+  S_Picture Make(const PFN_FramesDone& fnDone) {
     std::uint64_t qwFrames = FramesOf(m_input);
     for (int i = 1;; ++i) {
       S_Scene scene = SceneOf(qwFrames);
       scene.overview = Measure(m_input, MeasuredOf(scene), fnDone);
       if (i == kAttempts || scene.overview.qwFrames == scene.part.qwCount) {
-        AddDamage(scene);
-        return Draw(scene, m_nHeight);
+        S_Picture picture;
+        picture.qwFrames = FramesThere(scene, qwFrames);
+        picture.bCut = IsCutAfter(m_input, picture.qwFrames);
+        AddFaults(scene, picture.bCut);
+        picture.strFile = Draw(scene, m_nHeight);
+        return picture;
       }
       qwFrames = scene.part.qwFirst + scene.overview.qwFrames;
     }
@@ -226,7 +231,8 @@ class C_PictureMaker {
 
   void AddMarks(S_Scene& scene) const {
     const C_Columns columns(scene.part.qwCount, std::max(scene.layout.Columns(), 1));
-    scene.marks = MarksOf(m_input.Notes(), scene.part.qwFirst, columns);
+    const auto& ours = m_input.Info().ours;
+    scene.marks = MarksOf(m_input.Notes(), ours ? ours->container : 0, scene.part.qwFirst, columns);
     if (!m_options.bAxes) return;
     scene.names = PlaceNames(scene.marks, m_lettering, columns.Count(), scene.layout.Letters(),
                              scene.layout.MostNameRows());
@@ -261,10 +267,15 @@ class C_PictureMaker {
             static_cast<int>(dRows)};
   }
 
-  void AddDamage(S_Scene& scene) const {
+  // Of the whole sound. When it was not read to its end, nobody knows better than the file.
+  static std::uint64_t FramesThere(const S_Scene& scene, std::uint64_t qwFrames) {
+    const bool bToEnd = scene.part.qwFirst + scene.part.qwCount == qwFrames;
+    return bToEnd ? scene.part.qwFirst + scene.overview.qwFrames : qwFrames;
+  }
+  void AddFaults(S_Scene& scene, bool bCut) const {
     const std::uint64_t qwDamaged = m_input.DamagedFrames();
-    if (qwDamaged == 0) return;
-    scene.strSubtitle += kBetween + std::to_string(qwDamaged) + " damaged frames";
+    if (bCut) scene.strSubtitle += std::string(kBetween) + "cut";
+    if (qwDamaged != 0) scene.strSubtitle += kBetween + CountedText(qwDamaged, "damaged frame");
   }
 
   I_SoundInput& m_input;
@@ -277,8 +288,8 @@ class C_PictureMaker {
 
 }  // namespace
 
-std::string PictureOf(I_SoundInput& input, const std::string& strName, const S_PlotOptions& options,
-                      const PFN_FramesDone& fnDone) {
+S_Picture PictureOf(I_SoundInput& input, const std::string& strName, const S_PlotOptions& options,
+                    const PFN_FramesDone& fnDone) {
   return C_PictureMaker(input, strName, options).Make(fnDone);
 }
 

@@ -9,6 +9,7 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "batch/SoundNames.h"
+#include "options/WholeNumber.h"
 #include "sound/SoundInput.h"
 
 namespace tool {
@@ -32,16 +33,15 @@ void SetSize(const std::string& strSize, S_PlotOptions& options) {
   options.nHeight = TakeNumber(text);
   const auto fits = [](int nSize) { return nSize >= kLeastSize && nSize <= kGreatestSize; };
   if (bDivided && text.empty() && fits(options.nWidth) && fits(options.nHeight)) return;
-  throw C_UsageFailure("--size", strSize,
-                       "is no size: give one from 16x16 to 8192x8192, such as 1200x600");
+  throw C_UsageFailure("--size: " + strSize +
+                       " is no size: give one from 16x16 to 8192x8192, such as 1200x600");
 }
 
 std::optional<C_Time> TimeOf(const char* pszOption, const std::string& strTime) {
   if (strTime.empty()) return {};
   const auto time = C_Time::Parse(strTime);
   if (time) return time;
-  throw C_UsageFailure(pszOption, "\"" + strTime + "\" is no time",
-                       std::string("write ") + C_Time::kForms);
+  throw C_UsageFailure(std::string(pszOption) + ": " + strTime + " is no time: " + C_Time::kForms);
 }
 
 // By --format, or by the name of the picture.
@@ -62,7 +62,10 @@ void AddPlotArguments(CLI::App& command, S_PlotArguments& arguments) {
   AddTargetOptions(command, arguments.target);
   command.add_option("--format", arguments.strFormat, "png (usual) or svg")
       ->check(CLI::IsMember({"png", "svg"}));
-  command.add_option("--size", arguments.strSize, "in pixels; 1200x600 if not said")
+  command
+      .add_option(
+          "--size", arguments.strSize,
+          "in pixels; if not said 1200x600, and 300 higher for each channel after the second")
       ->type_name("WxH");
   command.add_flag("--waveform", arguments.bWaveform, "the waveform alone");
   command.add_flag("--spectrogram", arguments.bSpectrogram, "the spectrogram alone");
@@ -70,7 +73,7 @@ void AddPlotArguments(CLI::App& command, S_PlotArguments& arguments) {
       ->type_name("TIME");
   command.add_option("--to", arguments.strTo, "end here")->type_name("TIME");
   command.add_option("--channel", arguments.options.dwChannel, "this one alone, counted from 1")
-      ->check(CLI::PositiveNumber)
+      ->check(WholeNumber(1, UINT32_MAX))
       ->type_name("N");
   command.add_option("--theme", arguments.strTheme, "light (usual) or dark")
       ->check(CLI::IsMember({"light", "dark"}));
@@ -87,7 +90,7 @@ S_PlotOptions PlotOptionsOf(const S_PlotArguments& arguments) {
   options.from = TimeOf("--from", arguments.strFrom);
   options.to = TimeOf("--to", arguments.strTo);
   if (options.to && *options.to <= options.from.value_or(*C_Time::OfSeconds(0.0))) {
-    throw C_UsageFailure("--to", "nothing is drawn", "it is not after --from");
+    throw C_UsageFailure("--to is not after --from");
   }
   options.bWaveform = arguments.bWaveform || !arguments.bSpectrogram;
   options.bSpectrogram = arguments.bSpectrogram || !arguments.bWaveform;

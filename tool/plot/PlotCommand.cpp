@@ -4,12 +4,6 @@
 #include <memory>
 #include <utility>
 
-#include "base/Failure.h"
-#include "batch/MakeFiles.h"
-#include "plot/FilePicture.h"
-#include "plot/PlotArguments.h"
-#include "sound/SoundInput.h"
-
 namespace tool {
 namespace {
 
@@ -23,33 +17,12 @@ constexpr const char* kDescription =
     "short line; how many there are is said above.\n\n"
     "A picture appears under its name when it is complete. The same sound gives the same bytes. "
     "Ends with 1 when a sound could not be drawn; the others are drawn all the same. Pictures of "
-    "sounds below a folder, and of relative names in a list, keep their folders below that of -d.";
-
-// The bytes of a PNG file mean other things to a terminal.
-void RefuseTerminal(const S_PlotArguments& arguments, const S_PlotOptions& options,
-                    const C_Console& console) {
-  if (arguments.target.strFile != kStandardStream || options.bSvg || !console.ShowsOutput()) return;
-  throw C_UsageFailure("standard output", "is a terminal, which shows no pictures",
-                       "send it to a file or another program");
-}
-
-int RunPlot(const S_PlotArguments& arguments, C_Console& console) {
-  const S_PlotOptions options = PlotOptionsOf(arguments);
-  RefuseTerminal(arguments, options, console);
-  return MakeFiles(
-      {arguments.batch, arguments.target, options.bSvg ? ".svg" : ".png", "drawn"},
-      [&](const S_FileJob& job, const S_TargetRule& rule, const C_FileReport& report,
-          C_FileWatch& watch) {
-        S_FileResult result = DrawFile(job, options, rule, watch, console);
-        if (result.eState == tagFileState::FILE_DONE) report.Detail(job.strTarget + ": drawn");
-        return result;
-      },
-      console);
-}
+    "sounds below a folder, and of relative names in a list, keep their folders below that of -d. "
+    "Where they would have the same name, they keep that of the sound: x.wav.png and x.kst.png.";
 
 }  // namespace
 
-void AddPlotCommand(C_CommandLine& commandLine) {
+void AddPlotCommand(C_CommandLine& commandLine, PFN_Draw fnDraw) {
   const auto arguments = std::make_shared<S_PlotArguments>();
   S_Command command;
   command.strName = "plot";
@@ -63,7 +36,9 @@ void AddPlotCommand(C_CommandLine& commandLine) {
       {"voxtool plot song.flac -o part.png --from 1:30 --to 1:40 --theme dark",
        "draws ten seconds on a dark background"},
       {"voxtool plot speech.kst -o icon.png --no-axes --size 256x256", "makes a small picture"}};
-  command.fnRun = [arguments](C_Console& console) { return RunPlot(*arguments, console); };
+  command.fnRun = [arguments, fnDraw = std::move(fnDraw)](C_Console& console) {
+    return fnDraw(*arguments, console);
+  };
   AddPlotArguments(commandLine.Add(std::move(command)), *arguments);
 }
 

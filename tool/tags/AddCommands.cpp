@@ -2,12 +2,15 @@
 //
 // "tags add event" and the like: each makes one row, as a table would have it.
 #include <array>
+#include <limits>
 #include <memory>
 #include <utility>
 
 #include "base/Failure.h"
 #include "base/TimeText.h"
+#include "marks/BeyondEnd.h"
 #include "marks/MarkNotes.h"
+#include "options/WholeNumber.h"
 #include "tags/MarkEdit.h"
 #include "tags/Subcommands.h"
 
@@ -36,27 +39,19 @@ std::uint64_t FrameAt(const S_Options& options, const std::string& strTime, std:
 std::uint64_t LengthOf(const S_Options& options, std::uint64_t qwStart, std::uint32_t dwRate) {
   if (!options.strLength.empty()) return FrameAt(options, options.strLength, dwRate);
   if (options.strTo.empty() && options.bNeedsLength) {
-    throw C_UsageFailure("voxtool tags add", "--length", "it is needed, or --to");
+    throw C_UsageFailure("--length is needed, or --to");
   }
   if (options.strTo.empty()) return 0;
   const std::uint64_t qwEnd = FrameAt(options, options.strTo, dwRate);
   if (qwEnd >= qwStart) return qwEnd - qwStart;
-  throw C_UsageFailure(options.edit.strFile, "--to", "it is before --at");
+  throw C_UsageFailure("--to is before --at");
 }
 
-// A place beyond the end is more likely a slip than wanted.
 void CheckPlace(const S_Options& options, std::uint64_t qwStart, std::uint64_t qwLength,
                 const voxplay::Info& info) {
-  if (options.edit.target.bAnyway || info.frames == UINT64_MAX) return;
-  if (qwStart <= info.frames && qwLength <= info.frames - qwStart) return;
-  const std::uint64_t qwPlace = qwStart > info.frames ? qwStart : qwStart + qwLength;
-  const auto Name = [&](std::uint64_t qwFrame) {
-    return info.sample_rate == 0 ? "sample " + CountText(qwFrame)
-                                 : ClockText(qwFrame, info.sample_rate);
-  };
-  throw C_Failure(options.edit.strFile, "nothing is changed",
-                  Name(qwPlace) + " is beyond its end at " + Name(info.frames) +
-                      "; --anyway adds it nevertheless");
+  if (options.edit.target.bAnyway) return;
+  const auto strWhyNot = BeyondEnd(qwStart, qwLength, {info.frames, info.sample_rate});
+  if (strWhyNot) throw C_Failure(options.edit.strFile, "nothing is changed", *strWhyNot);
 }
 
 int Run(const S_Options& options, const std::string& strKind, C_Console& console) {
@@ -102,7 +97,7 @@ void AddNumber(CLI::App& command, const std::string& strName, const char* pszMem
                S_Options& options, const std::string& strMeaning) {
   AddMember<T>(command, strName, pszMember, options, strMeaning)
       .type_name("N")
-      ->check(CLI::NonNegativeNumber);
+      ->check(WholeNumber(0, std::numeric_limits<T>::max()));
 }
 
 void AddText(CLI::App& command, const std::string& strName, const char* pszMember,

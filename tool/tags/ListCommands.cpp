@@ -63,7 +63,10 @@ int List(const S_ListOptions& options, C_Console& console) {
 // Goes through the files one by one, which an output for all of them needs.
 int Export(const S_ExportOptions& options, C_Console& console,
            const std::function<void(std::string_view)>& fnWrite) {
-  const S_MarkView view{options.forms.Form(tagMarkForm::CSV), options.files.size() > 1};
+  S_MarkView view;
+  view.eForm = options.forms.Form(tagMarkForm::CSV);
+  view.bSeveral = options.files.size() > 1;
+  view.bForImport = true;
   view.Check();
   const S_PrintRule rule = view.Rule();
   bool bAny = false;
@@ -127,7 +130,9 @@ void AddListCommand(C_CommandLine& commandLine, CLI::App& tags) {
       tags,
       {"list",
        "show the marks of files",
-       "Shows all marks in the order of their places. The numbers are those that \"tags remove\" "
+       "Shows all marks. The table has them in the order of their places; values and JSON have "
+       "one kind after the other, and a label track has them by their times. The numbers are those "
+       "that \"tags remove\" "
        "takes. Marks that belong to a cue point which does not exist have no place and come last.",
        {{"voxtool tags list talk.wav", "show all marks of a file"},
         {"voxtool tags list -r archive", "show those of all sounds in a folder"},
@@ -150,7 +155,9 @@ void AddExportCommand(C_CommandLine& commandLine, CLI::App& tags) {
        "reads each of these forms back. Values and JSON hold all that marks have. A label track "
        "holds "
        "places and texts: ids, and what is rare, do not come back from it. Texts that are no UTF-8 "
-       "are written as what they are in Windows-1252, with their bytes beside them (\"hex\").",
+       "are written as what they are in Windows-1252, with their bytes beside them (\"hex\"). "
+       "Events "
+       "that are read from labels are left out, because they come back with these.",
        {{"voxtool tags export talk.wav -o talk.csv", "write a table"},
         {"voxtool tags export talk.wav --labels -o talk.txt", "write a label track"},
         {"voxtool tags export *.wav --json", "print the marks of many files"}},

@@ -5,8 +5,23 @@
 #include "base/TimeText.h"
 #include "marks/MarkNotes.h"
 #include "sound/SamplerRecord.h"
+#include "tags/LabelEvents.h"
 
 namespace tool {
+namespace {
+
+void TellOfEvents(const std::string& strFile, const std::vector<S_EventKey>& events,
+                  std::uint32_t dwRate, C_Console& console) {
+  if (events.empty()) return;
+  const S_EventKey& first = events.front();
+  const std::size_t nMore = events.size() - 1;
+  console.Complain(strFile + ": a label at " + PlaceText(first.qwFrame, dwRate) +
+                   " reads as event " + std::to_string(first.wMain) + '/' +
+                   std::to_string(first.wSub) + ", too" +
+                   (nMore == 0 ? "" : " (and " + CountText(nMore) + " more)"));
+}
+
+}  // namespace
 
 void AddEditOptions(CLI::App& command, S_EditOptions& options) {
   command.add_option("FILE", options.strFile, "the file, which is changed in place")
@@ -17,7 +32,8 @@ void AddEditOptions(CLI::App& command, S_EditOptions& options) {
                   "write another file instead; \"-\" is standard output")
       ->type_name("FILE");
   command.add_flag("-f,--force", options.target.bForce, "replace an existing output");
-  command.add_flag("--anyway", options.target.bAnyway, "also when the file cannot hold all of it");
+  command.add_flag("--anyway", options.target.bAnyway,
+                   "also when the file cannot hold all of it, or ends before it");
 }
 
 void ClearMarks(voxplay::Notes& notes) {
@@ -47,16 +63,18 @@ CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::
 
 int EditMarks(const S_EditOptions& options, C_Console& console,
               const std::function<void(const C_MarkedFile& file, voxplay::Notes& notes)>& fnEdit) {
-  C_MarkedFile file(options.strFile);
+  C_MarkedFile file(options.strFile, options.target);
   voxplay::Notes notes(file.Notes());
   try {
     fnEdit(file, notes);
   } catch (const C_BadRow& bad) {
     throw C_Failure(options.strFile, "nothing is changed", bad.what());
   }
-  for (const std::string& strLost : file.Save(notes, options.target)) {
-    console.Complain(options.strFile + ": " + strLost);
-  }
+  const std::vector<S_EventKey> added =
+      FollowLabels(file.Notes(), notes, file.Info().container, options.bNamesEvents);
+  const std::vector<std::string> lost = file.Save(notes);
+  TellOfEvents(options.strFile, added, file.Info().sample_rate, console);
+  for (const std::string& strLost : lost) console.Complain(options.strFile + ": " + strLost);
   return 0;
 }
 

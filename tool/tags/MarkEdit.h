@@ -14,6 +14,7 @@ namespace tool {
 struct S_EditOptions {
   std::string strFile;
   S_EditTarget target;
+  bool bNamesEvents = false;  // the edit names all events that there are to be
 };
 
 // The options, and the operand FILE.
@@ -29,7 +30,8 @@ CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::
                            const std::string& strMeaning);
 
 // Changes the notes of the file. fnEdit may throw C_BadRow and C_Failure, and then nothing changes.
-// Complains of what the file cannot hold. Returns the exit code.
+// Events follow the labels that say them (LabelEvents.h). Complains of those that come in this way,
+// and of what the file cannot hold. Returns the exit code.
 int EditMarks(const S_EditOptions& options, C_Console& console,
               const std::function<void(const C_MarkedFile& file, voxplay::Notes& notes)>& fnEdit);
 

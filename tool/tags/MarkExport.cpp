@@ -11,6 +11,7 @@
 #include "marks/MarkCsv.h"
 #include "marks/MarkJson.h"
 #include "marks/MarkTable.h"
+#include "tags/LabelEvents.h"
 
 namespace tool {
 namespace {
@@ -45,7 +46,7 @@ void WriteValues(const std::string& strPath, const C_MarkRows& rows, bool bSever
 
 void S_MarkView::Check() const {
   if (eForm != tagMarkForm::LABELS || !bSeveral) return;
-  throw C_UsageFailure("voxtool tags", "--labels", "a label track is of one file");
+  throw C_UsageFailure("--labels: a label track is of one file");
 }
 
 S_PrintRule S_MarkView::Rule() const {
@@ -66,7 +67,11 @@ void C_ShownMarks::Write(const S_MarkView& view, const PFN_Write& fnWrite) const
     ThrowIfInterrupted();
     fnWrite(piece);
   };
-  const C_MarkRows rows(m_sound->Notes(), Info().dwRate);
+  const std::uint32_t dwContainer = Info().ours ? Info().ours->container : 0;
+  const auto own = view.bForImport ? WithoutLabelEvents(m_sound->Notes(), dwContainer)
+                                   : std::optional<voxplay::Notes>();
+  const voxplay::NotesView notes = own ? own->view() : m_sound->Notes();
+  const C_MarkRows rows(notes, Info().dwRate);
   switch (view.eForm) {
     case tagMarkForm::TABLE:
       return WriteTable(m_strPath, rows, view.bColours, fnPiece);
@@ -75,7 +80,7 @@ void C_ShownMarks::Write(const S_MarkView& view, const PFN_Write& fnWrite) const
     case tagMarkForm::CSV:
       return WriteValues(m_strPath, rows, view.bSeveral, fnPiece);
     case tagMarkForm::LABELS:
-      if (Info().dwRate != 0) return WriteLabelText(m_sound->Notes(), Info().dwRate, fnPiece);
+      if (Info().dwRate != 0) return WriteLabelText(notes, Info().dwRate, fnPiece);
       throw C_Failure(NameOf(m_strPath), "its marks are no label track",
                       "it has no sample rate, and label tracks count seconds");
   }

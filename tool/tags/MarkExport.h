@@ -18,6 +18,7 @@ struct S_MarkView {
   tagMarkForm eForm = tagMarkForm::TABLE;
   bool bSeveral = false;
   bool bColours = false;
+  bool bForImport = false;  // without events that come back by themselves
 
   // Throws C_UsageFailure for a label track of several files.
   void Check() const;

@@ -56,17 +56,29 @@ const std::string& SourceOf(const S_Options& options) {
   return options.strCsv.empty() ? options.strLabels : options.strCsv;
 }
 
+// A program before this one has failed more often than all marks are to go.
+[[noreturn]] void RefuseNothing() {
+  throw C_BadRow(
+      "there are no marks in it, and --replace would leave none; \"voxtool tags remove --all\" "
+      "does "
+      "that");
+}
+
 int Run(const S_Options& options, C_Console& console) {
   if (SourceOf(options).empty()) {
-    throw C_UsageFailure("voxtool tags import", options.edit.strFile,
-                         "name what to import with --csv, --json or --labels");
+    throw C_UsageFailure("name what to import with --csv, --json or --labels");
   }
-  return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
+  const bool bAnyway = options.edit.target.bAnyway;
+  S_EditOptions edit = options.edit;
+  edit.bNamesEvents = options.bReplace;
+  return EditMarks(edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
     try {
       const std::string strText = ReadText(SourceOf(options));
       const std::uint32_t dwRate = file.Info().sample_rate;
       if (options.bReplace) ClearMarks(notes);
-      AddRows(RowsOf(options, strText, dwRate), dwRate, notes);
+      const std::size_t nRows = AddRows(RowsOf(options, strText, dwRate), dwRate, notes,
+                                        bAnyway ? UINT64_MAX : file.Info().frames);
+      if (nRows == 0 && options.bReplace && !bAnyway) RefuseNothing();
     } catch (const C_BadRow& bad) {
       throw C_Failure(NameOf(SourceOf(options)), "cannot be imported", bad.what());
     }

@@ -28,7 +28,7 @@ bool HoldsNotes(std::uint32_t dwContainer) {
 // Where only another library knows the file, the reader's message would be about our formats.
 voxplay::Reader OpenForMarks(const std::string& strPath) {
   if (strPath == kStandardStream) {
-    throw C_UsageFailure("voxtool tags", NameOf(strPath), "its marks cannot be changed in place");
+    throw C_UsageFailure(NameOf(strPath) + ": its marks cannot be changed in place");
   }
   try {
     return voxplay::Reader(strPath, VOXPLAY_READ_NO_BARE);
@@ -54,20 +54,24 @@ std::string LostText(const std::vector<std::string>& lost) {
 
 }  // namespace
 
-C_MarkedFile::C_MarkedFile(const std::string& strPath)
-    : m_strPath(strPath), m_reader(OpenForMarks(strPath)), m_info(m_reader.info()) {
+C_MarkedFile::C_MarkedFile(const std::string& strPath, const S_EditTarget& target)
+    : m_strPath(strPath),
+      m_target(target),
+      m_lock(LockEdited(strPath, target)),
+      m_reader(OpenForMarks(strPath)),
+      m_info(m_reader.info()) {
   if (!HoldsNotes(m_info.container)) Refuse(strPath, FormatText(m_info));
 }
 
-std::vector<std::string> C_MarkedFile::Save(const voxplay::Notes& notes,
-                                            const S_EditTarget& target) {
+std::vector<std::string> C_MarkedFile::Save(const voxplay::Notes& notes) {
   const S_MarkChunks marks = MarkChunksOf(notes, m_info);
-  if (!marks.lost.empty() && !target.bAnyway) {
+  if (!marks.lost.empty() && !m_target.bAnyway) {
     throw C_Failure(m_strPath, kUnchanged, LostText(marks.lost));
   }
-  const auto file = MakeEdited(m_strPath, target);
+  const auto file = MakeEdited(m_strPath, m_target);
   CopyWithMarks(m_strPath, m_reader.chunk_places(), marks.chunks, *file);
   CheckResult(file->NewPath(), notes, marks.lost.empty());
+  if (m_lock) m_lock->CheckUnchanged();
   file->TakePlace();
   return marks.lost;
 }

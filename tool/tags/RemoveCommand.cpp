@@ -6,6 +6,8 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "marks/MarkRows.h"
+#include "options/WholeNumber.h"
+#include "tags/LabelEvents.h"
 #include "tags/MarkEdit.h"
 #include "tags/Subcommands.h"
 
@@ -15,7 +17,7 @@ namespace {
 struct S_Options {
   S_EditOptions edit;
   std::string strKind;
-  std::vector<std::size_t> numbers;
+  std::vector<std::uint64_t> numbers;
   bool bAll = false;
 };
 
@@ -32,8 +34,9 @@ void AddKept(const Records& old, IsKept&& fnIsKept, Add&& fnAdd) {
 
 class C_Remover {
  public:
-  C_Remover(const S_Options& options, voxplay::Notes& notes)
+  C_Remover(const S_Options& options, std::uint32_t dwContainer, voxplay::Notes& notes)
       : m_options(options),
+        m_dwContainer(dwContainer),
         m_numbers(options.numbers.begin(), options.numbers.end()),
         m_old(notes.view()),
         m_notes(notes) {}
@@ -49,7 +52,8 @@ class C_Remover {
     const voxplay::NotesView old = m_old.view();
     switch (eList) {
       case VOXPLAY_NOTE_EVENT:
-        return AddKept(old.events(), IsKept, Add);
+        AddKept(old.events(), IsKept, Add);
+        return RefuseToRemove(m_options.edit.strFile, old, m_notes, m_dwContainer);
       case VOXPLAY_NOTE_CUE:
         AddKept(old.cues(), IsKept, Add);
         return RemoveOrphans();
@@ -72,12 +76,13 @@ class C_Remover {
     return m_options.bAll || m_numbers.contains(nIndex + 1);
   }
   void CheckNumbers(std::size_t nCount) const {
-    for (const std::size_t nNumber : m_options.numbers) {
-      if (nNumber >= 1 && nNumber <= nCount && IsOfKind(m_old, m_options.strKind, nNumber - 1)) {
+    for (const std::uint64_t qwNumber : m_options.numbers) {
+      const auto nIndex = static_cast<std::size_t>(qwNumber - 1);
+      if (qwNumber >= 1 && qwNumber <= nCount && IsOfKind(m_old, m_options.strKind, nIndex)) {
         continue;
       }
       throw C_Failure(m_options.edit.strFile, "nothing is changed",
-                      "there is no " + m_options.strKind + ' ' + std::to_string(nNumber));
+                      "there is no " + m_options.strKind + ' ' + std::to_string(qwNumber));
     }
   }
   // What belonged to cue points that are gone goes as well.
@@ -97,22 +102,23 @@ class C_Remover {
   }
 
   const S_Options& m_options;
-  const std::unordered_set<std::size_t> m_numbers;
+  std::uint32_t m_dwContainer;
+  const std::unordered_set<std::uint64_t> m_numbers;
   const voxplay::Notes m_old;
   voxplay::Notes& m_notes;
 };
 
 void CheckOptions(const S_Options& options) {
   if (options.bAll != options.numbers.empty()) {
-    throw C_UsageFailure("voxtool tags remove", options.strKind.empty() ? "KIND" : options.strKind,
-                         "name the numbers of the marks, or --all");
+    throw C_UsageFailure((options.strKind.empty() ? "KIND" : options.strKind) +
+                         ": name the numbers of the marks, or --all");
   }
 }
 
 int Run(const S_Options& options, C_Console& console) {
   CheckOptions(options);
-  return EditMarks(options.edit, console, [&](const C_MarkedFile& /*file*/, voxplay::Notes& notes) {
-    C_Remover remover(options, notes);
+  return EditMarks(options.edit, console, [&](const C_MarkedFile& file, voxplay::Notes& notes) {
+    C_Remover remover(options, file.Info().container, notes);
     if (options.strKind.empty()) return remover.RemoveAll();
     remover.Remove();
   });
@@ -134,8 +140,9 @@ void AddRemoveCommand(C_CommandLine& commandLine, CLI::App& tags) {
              [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
   command.add_option("KIND", options->strKind, "what to remove")->check(CLI::IsMember(kKinds));
-  command.add_option("NUMBER", options->numbers, "which of these")->type_name("NUMBER");
-  command.add_flag("--all", options->bAll, "all of these, or all marks");
+  auto* const pNumbers = command.add_option("NUMBER", options->numbers, "which of these");
+  pNumbers->type_name("NUMBER")->check(WholeNumber(0, UINT64_MAX));
+  command.add_flag("--all", options->bAll, "all of these, or all marks")->excludes(pNumbers);
 }
 
 }  // namespace tool

@@ -65,4 +65,8 @@ bool AreSame(const voxplay::NotesView& a, const voxplay::NotesView& b) {
          Values(a.sampler()) == Values(b.sampler());
 }
 
+bool HaveSameLabels(const voxplay::NotesView& a, const voxplay::NotesView& b) {
+  return AreSameLists(a.cues(), b.cues()) && AreSameLists(a.labels(), b.labels());
+}
+
 }  // namespace tool

@@ -100,8 +100,10 @@ TEST(WriteRiffNotes, PartsThatAWavFileCannotHold_AreNamed) {
   notes.regions = {{7, 0x100000000U}};
   EXPECT_EQ(
       Written(notes).lost,
-      (C_Texts{"event 2 at frame 4800: its data", "event 3 at frame 4801: its description",
-               "event 4 at frame 4802: its data and its description",
+      (C_Texts{"event 2 at frame 4800: its data is not kept: a WAV file holds none",
+               "event 3 at frame 4801: its description is not kept: a WAV file holds none",
+               "event 4 at frame 4802: its data and its description are not kept: a WAV file holds "
+               "none",
                "event 5 at frame 4294967296: cue points hold no frame or length beyond 32 bits",
                "silence 1 at frame 4294967296: cue points hold no frame or length beyond 32 bits",
                "region 1 at frame 7: cue points hold no frame or length beyond 32 bits"}));
@@ -113,9 +115,10 @@ TEST(WriteRiffNotes, PartsThatAContainerCannotHold_AreNamed) {
   notes.silence = {{100, 1}};
   notes.regions = {{7, 8}};
   const S_RiffNotes written = Written(notes, E_RiffForm::Vef);
-  EXPECT_EQ(written.lost, (C_Texts{"event 2 at frame 4801: its description",
-                                   "silence 1 at frame 100: a VEF file holds no silence",
-                                   "region 1 at frame 7: a VEF file holds no regions"}));
+  EXPECT_EQ(written.lost,
+            (C_Texts{"event 2 at frame 4801: its description is not kept: a VEF file holds none",
+                     "silence 1 at frame 100: a VEF file holds no silence",
+                     "region 1 at frame 7: a VEF file holds no regions"}));
   EXPECT_EQ(PayloadOf(written.marks, "cue "), CueBytes({{1, 4800, 4800}, {2, 4801, 4801}}));
 }
 
@@ -166,7 +169,7 @@ TEST(WriteRiffNotes, EventsInAnotherOrderThanTheLabelsThatSayThem_AreNamed) {
   notes.events = {{300, 0, 1, 0, ""}, {300, 0, 2, 0, ""}};
   const S_RiffNotes written = Written(notes);
   EXPECT_EQ(written.lost,
-            (C_Texts{"event 1 at frame 300: its place among those of the same frame"}));
+            (C_Texts{"event 1 at frame 300: it comes at another place among those of its frame"}));
   EXPECT_EQ(Read(HeldOf(written)).events,
             (std::vector<S_NoteEvent>{{300, 0, 2, 0, ""}, {300, 0, 1, 0, ""}}));
 }

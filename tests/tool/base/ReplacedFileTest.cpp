@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <string>
 
@@ -95,6 +97,32 @@ TEST_F(ReplacedFile, ReplacedFile_KeepsItsMode) {
   EXPECT_EQ(Content("old"), Bytes{'n'});
 }
 
+TEST_F(ReplacedFile, ReplacedFile_KeepsTheAttributesOfItsUser) {
+  const std::string strOld = Write("old", {'o'});
+  if (setxattr(strOld.c_str(), "user.rating", "five", 4, 0) != 0) {
+    GTEST_SKIP() << "no attributes here";
+  }
+  ASSERT_EQ(setxattr(strOld.c_str(), "user.empty", "", 0, 0), 0);
+  C_ReplacedFile file(strOld, true);
+  Write(file, "n");
+  file.TakePlace();
+  std::array<char, 16> value{};
+  EXPECT_EQ(getxattr(strOld.c_str(), "user.rating", value.data(), value.size()), 4);
+  EXPECT_STREQ(value.data(), "five");
+  EXPECT_EQ(getxattr(strOld.c_str(), "user.empty", value.data(), value.size()), 0);
+  EXPECT_EQ(Content("old"), Bytes{'n'});
+}
+
+TEST_F(ReplacedFile, OtherNameOfTheFile_KeepsTheOldOne) {
+  const std::string strOld = Write("old", {'o'});
+  ASSERT_EQ(link(strOld.c_str(), Path("other").c_str()), 0);
+  C_ReplacedFile file(strOld, true);
+  Write(file, "n");
+  file.TakePlace();
+  EXPECT_EQ(Content("old"), Bytes{'n'});
+  EXPECT_EQ(Content("other"), Bytes{'o'});
+}
+
 TEST_F(ReplacedFile, NewFile_HasTheModeOfTheProcess) {
   const mode_t dwMask = umask(027);
   C_ReplacedFile file(Path("new"), true);
@@ -115,7 +143,7 @@ TEST_F(ReplacedFile, Link_StaysALink) {
 
 TEST_F(ReplacedFile, ExistingFile_IsNotReplacedUnasked) {
   Write("old", {'o'});
-  EXPECT_EQ(WhyNot(Path("old"), false), Path("old") + ": stays as it is: it exists already");
+  EXPECT_EQ(WhyNot(Path("old"), false), Path("old") + ": exists: -f replaces it");
 }
 
 TEST_F(ReplacedFile, FileThatComesMeanwhile_Stays) {

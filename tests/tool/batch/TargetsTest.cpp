@@ -30,6 +30,17 @@ TEST_F(TargetsTest, Target_IsBelowTheFolderWithItsOwnExtension) {
   EXPECT_EQ(TargetBelow("out/", {"b.wav", 0}, ".kst"), "out/b.kst");
 }
 
+TEST_F(TargetsTest, SourcesOfOneTarget_KeepTheirWholeNames) {
+  const std::vector<S_ListedFile> files = {
+      {"in/x.wav", 3}, {"in/x.flac", 3}, {"in/y.wav", 3}, {"in/./deep/x.wav", 3}, {"in/z", 3}};
+  const PFN_TargetOf fnTargetOf = TargetsBelow("out", ".kst", files);
+  EXPECT_EQ(fnTargetOf(files[0]), "out/x.wav.kst");
+  EXPECT_EQ(fnTargetOf(files[1]), "out/x.flac.kst");
+  EXPECT_EQ(fnTargetOf(files[2]), "out/y.kst");
+  EXPECT_EQ(fnTargetOf(files[3]), "out/./deep/x.kst");
+  EXPECT_EQ(fnTargetOf(files[4]), "out/z.kst");
+}
+
 TEST_F(TargetsTest, TwoSourcesOfOneTarget_AreRefused) {
   EXPECT_EQ(ClashOf({{"a/x.wav", 2}, {"y.wav", 0}, {"b/x.flac", 2}}),
             "b/x.flac: has the same target as a/x.wav: out/x.kst");

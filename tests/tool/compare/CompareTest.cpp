@@ -375,4 +375,35 @@ TEST_F(Compare, WhatCannotBeMeant_IsAUsageError) {
   EXPECT_EQ(Run({"-", "-"}), 2);
 }
 
+TEST_F(Compare, InfiniteRatio_IsToldFromNone) {
+  WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
+  WriteWav(Path("b.wav"), NoiseSamples(1000, 1000));
+  EXPECT_EQ(CompareBoth(), 0);
+  EXPECT_TRUE(m_json["together"]["snr_db"].is_null());
+  EXPECT_EQ(m_json["together"]["snr_is_infinite"], true);
+  WriteWav(Path("a.wav"), C_Samples(1000));
+  WriteWav(Path("b.wav"), C_Samples(1000));
+  EXPECT_EQ(CompareBoth(), 0);
+  EXPECT_TRUE(m_json["channels"][0]["snr_db"].is_null());
+  EXPECT_EQ(m_json["channels"][0]["snr_is_infinite"], false);
+}
+
+TEST_F(Compare, CutAndDamagedFiles_AreTold) {
+  WriteWav(Path("a.wav"), NoiseSamples(16000, 20000));
+  auto bytes = Content("a.wav");
+  bytes.resize(44 + 2 * 1000);
+  Write("b.wav", bytes);
+  EXPECT_EQ(CompareBoth(), 1);
+  EXPECT_EQ(m_run.strErr,
+            Path("b.wav") + ": the file is cut: 1000 frames are there, and compared\n");
+  bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL),
+                       NoiseSamples(32000, 20000));
+  Write("a.kst", bytes);
+  std::fill_n(bytes.begin() + 48 + 10 * 40, 2 * 40, std::uint8_t{0xFF});
+  Write("b.kst", bytes);
+  EXPECT_EQ(Run({Path("a.kst"), Path("b.kst")}), 1);
+  EXPECT_THAT(m_run.strErr,
+              testing::MatchesRegex(".*/b.kst: [0-9]+ of 32000 frames are damaged\n"));
+}
+
 }  // namespace

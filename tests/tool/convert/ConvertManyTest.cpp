@@ -158,7 +158,7 @@ TEST_F(ConvertManyTest, SourcesOfOneTarget_AreRefusedBeforeAnythingIsWritten) {
   MakeSounds("a", 3);
   MakeSounds("b", 1);
   EXPECT_EQ(Fail(2, {"@/a/001.wav", "@/a/000.wav", "@/b/000.wav", "-d", "@/out", "--to", "wav"}),
-            "@/b/000.wav: has the same target as @/a/000.wav: @/out/000.wav\n");
+            Misuse("@/b/000.wav: has the same target as @/a/000.wav: @/out/000.wav.wav"));
   EXPECT_FALSE(fs::exists(Path("out")));
 }
 

@@ -37,25 +37,29 @@ TEST_F(ConvertUsageTest, BytesForATerminal_AreRefused) {
       Placed({"-c", "script -qec \"$V convert @/in.wav -o - --to wav\" /dev/null < /dev/null"}),
       {"V=" VOXPLAY_VOXTOOL, "PATH=/usr/bin:/bin"});
   EXPECT_EQ(run.nExit, 2);
-  EXPECT_EQ(run.strOut,
-            "standard output: is a terminal: a file or another program has to take the bytes\r\n");
+  EXPECT_EQ(
+      run.strOut,
+      "voxtool convert: standard output: is a terminal: a file or another program has to take "
+      "the bytes\r\nTry \"voxtool convert --help\".\r\n");
 }
 
 TEST_F(ConvertUsageTest, WhatCannotBeMeant_EndsWithTwo) {
   EXPECT_EQ(Fail(2, {}), "voxtool convert: no file is named\nTry \"voxtool convert --help\".\n")
       << "no files";
-  EXPECT_EQ(Fail(2, {"@/in.wav"}), "voxtool: --to has to say which format to write\n");
+  EXPECT_EQ(Fail(2, {"@/in.wav"}), Misuse("--to has to say which format to write"));
   EXPECT_EQ(Fail(2, {"@/in.wav", "--to", "wav"}),
-            "voxtool: -o FILE or -d DIR has to say what to write\n");
-  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@/out.mp3"}),
-            "@/out.mp3: its extension is no format that can be written: --to says which one to "
-            "write\n");
+            Misuse("-o FILE or -d DIR has to say what to write"));
+  EXPECT_EQ(
+      Fail(2, {"@/in.wav", "-o", "@/out.mp3"}),
+      Misuse("@/out.mp3: its extension is no format that can be written: --to says which one to "
+             "write"));
   EXPECT_EQ(Fail(2, {"@/in.wav", "@/in2.wav", "-o", "@/out.kst"}),
-            "voxtool: several files need -d DIR in place of -o\n");
-  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@", "--to", "wav"}), "@: is a folder: -d writes into it\n");
+            Misuse("several files need -d DIR in place of -o"));
+  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@", "--to", "wav"}),
+            Misuse("@: is a folder: -d writes into it"));
   EXPECT_EQ(Fail(2, {"-", "-d", "@", "--to", "wav"}),
-            "voxtool: standard input has no name, so it needs -o in place of -d\n");
-  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "-"}), "voxtool: --to has to say which format to write\n");
+            Misuse("standard input has no name, so it needs -o in place of -d"));
+  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "-"}), Misuse("--to has to say which format to write"));
   for (const Texts& extra : {Texts{"--to", "mp4"},
                              {"--bits", "12"},
                              {"--gain", "loud"},
@@ -95,9 +99,9 @@ TEST_F(ConvertUsageTest, Help_HasExamplesAndEndsWithZero) {
 
 TEST_F(ConvertUsageTest, ValuesOfAnotherForm_AreToldTheRightOne) {
   EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@/out.wav", "--detect-silence=-40"}),
-            "voxtool: --detect-silence: -40 is not -DB:MS, such as -50:200\n");
+            Misuse("--detect-silence: -40 is not -DB:MS, such as -50:200"));
   EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@/out.wav", "--normalize=3"}),
-            "voxtool: --normalize: 3 is not -DB, such as -3\n");
+            Misuse("--normalize: 3 is not -DB, such as -3"));
 }
 
 TEST_F(ConvertUsageTest, StandardInputThatIsNoSound_IsCalledSo) {

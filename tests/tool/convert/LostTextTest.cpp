@@ -26,9 +26,20 @@ TEST(LostTextTest, EveryKind_IsNamed) {
 
 TEST(LostTextTest, OtherReasons_StandBehindTheFirst) {
   EXPECT_EQ(
-      LostText({"event 1 at frame 48: its data", "event 2 at frame 49: its data",
+      LostText({"label 1 of cue point 3: readers take it for an event",
+                "label 2 of cue point 4: readers take it for an event",
                 "region 1 at frame 7: a VEF file holds no regions"}),
-      "2 events are not kept as before: its data; 1 region is not kept: a VEF file holds none");
+      "2 labels are not kept as before: readers take it for an event; 1 region is not kept: a VEF "
+      "file holds none");
+}
+
+TEST(LostTextTest, PartsOfMarks_AreNamedWithThem) {
+  EXPECT_EQ(LostText({"event 1 at frame 48: its data is not kept: a WAV file holds none",
+                      "event 2 at frame 49: its data is not kept: a WAV file holds none",
+                      "event 3 at frame 50: its data and its description are not kept: a WAV file "
+                      "holds none"}),
+            "the data of 2 events is not kept: a WAV file holds none; the data and the description "
+            "of 1 event are not kept: a WAV file holds none");
 }
 
 TEST(LostTextTest, NothingLost_IsNothingSaid) { EXPECT_EQ(LostText({}), ""); }

@@ -76,32 +76,31 @@ TEST(TargetFormatTest, Width_HoldsAllBitsOfTheSource) {
 TEST(TargetFormatTest, WordsThatDoNotGoTogether_AreRefused) {
   S_FormatWords words = To("kestrel");
   words.dwRate = 8000;
-  EXPECT_EQ(RefusalOf(words), "voxtool: --rate: Kestrel has 16000 Hz");
+  EXPECT_EQ(RefusalOf(words), "--rate: Kestrel has 16000 Hz");
   words = To("wav");
   words.strHeader = "sp";
-  EXPECT_EQ(RefusalOf(words), "voxtool: --header is for files of Kestrel and Heron only");
+  EXPECT_EQ(RefusalOf(words), "--header is for files of Kestrel and Heron only");
   words = To("heron3");
   words.strHeader = "sp";
-  EXPECT_EQ(RefusalOf(words),
-            "voxtool: Heron of 2 or 3 bits would not be recognised after an SP header");
+  EXPECT_EQ(RefusalOf(words), "Heron of 2 or 3 bits would not be recognised after an SP header");
   words = To("kestrel");
   words.strBits = "16";
-  EXPECT_EQ(RefusalOf(words), "voxtool: --bits is for samples that are not coded");
+  EXPECT_EQ(RefusalOf(words), "--bits is for samples that are not coded");
   words = To("kestrel");
   words.dwBitRate = 1234;
   EXPECT_NE(RefusalOf(words), "");
   words = To("heron4");
   words.dwBitRate = 16000;
-  EXPECT_EQ(RefusalOf(words), "voxtool: only Kestrel has a bit rate");
+  EXPECT_EQ(RefusalOf(words), "only Kestrel has a bit rate");
   words = To("wav");
   words.strCodec = "kestrel";
-  EXPECT_EQ(RefusalOf(words), "voxtool: --codec is for VEF files only");
+  EXPECT_EQ(RefusalOf(words), "--codec is for VEF files only");
   words = To("vemd");
   words.strBits = "float";
   EXPECT_NE(RefusalOf(words), "");
   words = To("heron4");
   words.dwRate = 96000;
-  EXPECT_EQ(RefusalOf(words), "voxtool: Heron takes sample rates of 4000 to 48000 Hz");
+  EXPECT_EQ(RefusalOf(words), "Heron takes sample rates of 4000 to 48000 Hz");
 }
 
 TEST(TargetFormatTest, Header_ChoosesTheContainer) {

@@ -123,11 +123,36 @@ TEST_F(HeaderCommand, FileThatIsSomethingElse_GetsNoHeader) {
   EXPECT_THAT(WhyNot({"header", "strip", "@a.wav"}), HasSubstr("there is no SP header"));
 }
 
+TEST_F(HeaderCommand, BareStream_HasNoHeaderToStrip) {
+  Write("bare", WithoutHeader(WriteKestrel("a.kst")));
+  EXPECT_EQ(
+      Said(WhyNot({"header", "strip", "@bare"})),
+      "@/bare: nothing is changed: there is no SP header: it is Kestrel, 16000 bit/s, no header\n");
+}
+
+TEST_F(HeaderCommand, StandardInput_IsReadForAnOutput) {
+  const Bytes whole = WriteKestrel("a.kst");
+  for (const char* const pszHow :
+       {"header strip - <@a.kst", "header strip - -o @bare <@text", "header add - <@bare"}) {
+    WriteText("text", "words");
+    Write("bare", WithoutHeader(whole));
+    const S_Run run = RunLine(std::string("$V ") + pszHow);
+    EXPECT_NE(run.nExit, 0);
+    EXPECT_THAT(run.strErr, HasSubstr("standard input: ")) << pszHow;
+    EXPECT_THAT(run.strErr, testing::Not(HasSubstr("/dev/fd")));
+  }
+  EXPECT_EQ(RunLine("cat @a.kst | $V header strip - -f -o @bare").strErr, "");
+  EXPECT_EQ(Content("bare"), WithoutHeader(whole));
+  EXPECT_EQ(RunLine("$V header add - -o @b.kst <@bare").strErr, "");
+  EXPECT_EQ(Content("b.kst"), whole);
+  EXPECT_EQ(RunLine("cat @bare | $V header add - -o - | cmp - @a.kst").nExit, 0);
+}
+
 TEST_F(HeaderCommand, ExistingOutput_IsReplacedOnlyWhenAsked) {
   const Bytes whole = WriteKestrel("a.kst");
   Write("out", {'m', 'i', 'n', 'e'});
   EXPECT_EQ(WhyNot({"header", "strip", "@a.kst", "-o", "@out"}),
-            Path("out") + ": stays as it is: it exists already\n");
+            Path("out") + ": exists: -f replaces it\n");
   EXPECT_EQ(Output({"header", "strip", "-f", "@a.kst", "-o", "@out"}), "");
   EXPECT_EQ(Content("out"), WithoutHeader(whole));
 }

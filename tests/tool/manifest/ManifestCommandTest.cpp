@@ -253,6 +253,18 @@ TEST_F(ManifestCommandTest, Retry_CanBePlannedOnlyAndForgetsWhatIsGone) {
   EXPECT_EQ(status["files"], 2);
 }
 
+TEST_F(ManifestCommandTest, NamesThatWouldClash_AreWholeAndStaySo) {
+  MakeSounds(1);
+  Convert({"@/in/000.wav", "-o", "@/in/000.kst"});
+  EXPECT_NE(Convert(Begin()).find("2 files: 2 converted"), std::string::npos);
+  EXPECT_TRUE(fs::exists(Path("out/000.wav.hrn")));
+  EXPECT_TRUE(fs::exists(Path("out/000.kst.hrn")));
+  fs::remove(Path("in/000.kst"));
+  EXPECT_EQ(Timeless(Convert(Begin())),
+            "@/a.db: 1 file listed, 0 new, 0 changed; --to heron4\n"
+            "0 files: 0 converted; 0 s of sound");
+}
+
 TEST_F(ManifestCommandTest, FullDisk_EndsTheWorkAndFailsNoFile) {
   MakeSounds(40, 16000);
   fs::create_directories(Path("out"));
@@ -303,13 +315,13 @@ TEST_F(ManifestCommandTest, OptionsOfThePlan_AreKeptAndOthersRefused) {
   begin.insert(begin.end(), {"--bitrate", "24000", "--plan-only"});
   Convert(begin);
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--to", "wav"}),
-            "@/a.db: --to cannot be another one: its files are converted with kestrel\n");
+            Misuse("@/a.db: --to cannot be another one: its files are converted with kestrel"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--gain", "3"}),
-            "@/a.db: --gain cannot be another one: its files are converted without it\n");
+            Misuse("@/a.db: --gain cannot be another one: its files are converted without it"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-r", "@/in", "-d", "@/out", "--bitrate", "16000"}),
-            "@/a.db: --bitrate cannot be another one: its files are converted with 24000\n");
+            Misuse("@/a.db: --bitrate cannot be another one: its files are converted with 24000"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--mono"}),
-            "@/a.db: --mono cannot be another one: its files are converted without it\n");
+            Misuse("@/a.db: --mono cannot be another one: its files are converted without it"));
   Texts listed = {"--manifest", "@/a.db", "-r", "@/in", "-d", "@/out", "--plan-only"};
   EXPECT_EQ(Convert(listed),
             "@/a.db: 2 files listed, 0 new, 0 changed; --to kestrel --bitrate 24000\n");
@@ -323,15 +335,15 @@ TEST_F(ManifestCommandTest, UsualValueWhereThePlanHasAnother_IsRefused) {
   begin.insert(begin.end(), {"--gain", "6", "--plan-only"});
   Convert(begin);
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--gain", "0"}),
-            "@/a.db: --gain cannot be another one: its files are converted with 6.0\n");
+            Misuse("@/a.db: --gain cannot be another one: its files are converted with 6.0"));
 }
 
 TEST_F(ManifestCommandTest, WhatCannotBeMeant_IsRefused) {
   MakeSounds(1);
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "@/in/000.wav", "-o", "@/x.wav"}),
-            "voxtool: --manifest needs -d DIR in place of -o\n");
+            Misuse("--manifest needs -d DIR in place of -o"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "@/in/000.wav", "--to", "wav"}),
-            "voxtool: -d DIR has to say where the files go\n");
+            Misuse("-d DIR has to say where the files go"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-d", "@/out", "--to", "wav"}),
             "voxtool convert: no file is named\nTry \"voxtool convert --help\".\n");
   EXPECT_EQ(Fail(1, {"--manifest", "@/none.db"}),
@@ -339,7 +351,7 @@ TEST_F(ManifestCommandTest, WhatCannotBeMeant_IsRefused) {
   EXPECT_EQ(Fail(1, {"--manifest", "@/in/000.wav"}),
             "@/in/000.wav: is no manifest: it is no database\n");
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-", "-d", "@/out", "--to", "wav"}),
-            "voxtool: standard input has no name, which a manifest needs\n");
+            Misuse("standard input has no name, which a manifest needs"));
   Fail(2, {"--retry-failed", "@/in/000.wav", "-d", "@/out", "--to", "wav"});
   EXPECT_EQ(Run({"manifest"}).nExit, 2);
   EXPECT_EQ(Run({"manifest", "split", "0", "@/a.db", "-o", "@/p%d"}).nExit, 2);

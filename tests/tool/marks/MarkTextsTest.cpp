@@ -88,7 +88,7 @@ TEST(MarkTexts, Json_IsReadInAllItsForms) {
       std::string strText = strForm;
       return strText.replace(strText.find('@'), 1, strRows);
     };
-    const std::string strRows = With(R"({"kind": "cue", "start": 5, "x": [1, {"start": 6}]},
+    const std::string strRows = With(R"({"kind": "cue", "start": 5, "number": [1, {"start": 6}]},
                                         {"kind": "event", "start": 7})");
     const voxplay::Notes notes = NotesFrom(RowsOfJson(strRows, kRate));
     ASSERT_EQ(notes.view().cues().size(), 1U) << strForm;

@@ -42,8 +42,7 @@ TEST(CommandLine, ACommandThatOnlyHoldsOthers_NeedsOneOfThem) {
   S_SmallTable table;
   const S_Outcome outcome = OutcomeOf(table, {"marks"});
   EXPECT_EQ(outcome.nExit, 2);
-  EXPECT_EQ(outcome.strErr,
-            "voxtool marks: A subcommand is required\nTry \"voxtool marks --help\".\n");
+  EXPECT_EQ(outcome.strErr, "voxtool marks: COMMAND is required\nTry \"voxtool marks --help\".\n");
 }
 
 TEST(CommandLine, WrongWords_AreAnsweredWithTheNearest) {
@@ -102,13 +101,22 @@ TEST(HelpText, In80Columns_IsATable) {
             "      draw it\n");
 }
 
+TEST(HelpText, OfTheProgram_HasExamplesAndTellsOfColours) {
+  const S_SmallTable table;
+  const std::string strText = HelpText(table.commandLine, table.commandLine.Table(), 80);
+  EXPECT_NE(strText.find("\nExamples:\n  voxtool info speech.kst\n"), std::string::npos) << strText;
+  EXPECT_NE(strText.find("NO_COLOR"), std::string::npos) << strText;
+}
+
 TEST(HelpText, InFewColumns_HasMeaningsBelowNamesAndNoLongLine) {
   const S_SmallTable table;
   const std::string strText = HelpText(table.commandLine, table.commandLine.Table(), 30);
   EXPECT_NE(strText.find("  marks\n      list and edit marks\n"), std::string::npos) << strText;
   for (std::size_t n = 0; n < strText.size();) {
     const std::size_t nEnd = strText.find('\n', n);
-    EXPECT_LE(nEnd - n, 30U) << strText.substr(n, nEnd - n);
+    // Examples are to be copied whole.
+    const bool bExample = strText.substr(n, 10) == "  voxtool ";
+    EXPECT_TRUE(bExample || nEnd - n <= 30) << strText.substr(n, nEnd - n);
     n = nEnd + 1;
   }
 }

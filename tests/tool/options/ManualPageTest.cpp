@@ -35,8 +35,18 @@ TEST(ManualPage, OfACommand_ShowsItsOptionsAsTheyAreTyped) {
   EXPECT_NE(strShown.find("--theme light|dark\n              its colours"), std::string::npos)
       << strShown;
   EXPECT_NE(strShown.find("EXIT STATUS"), std::string::npos) << strShown;
+  EXPECT_NE(strShown.find("ENVIRONMENT\n       NO_COLOR\n"), std::string::npos) << strShown;
   EXPECT_NE(strShown.find("              voxtool draw a.wav\n"), std::string::npos) << strShown;
   EXPECT_EQ(strShown.find("hidden"), std::string::npos) << strShown;
+}
+
+TEST(ManualPage, OfTheProgram_HasExamples) {
+  const C_TempFolder folder;
+  const S_SmallTable table;
+  const std::string strShown =
+      Shown(folder, tool::ManualPage(table.commandLine, table.commandLine.Table()));
+  EXPECT_NE(strShown.find("              voxtool info speech.kst\n"), std::string::npos)
+      << strShown;
 }
 
 TEST(ManualPage, OfACommandWithCommands_HoldsThem) {
@@ -68,7 +78,7 @@ TEST(ManualPage, OfTheProgram_LeaveNoCommandOut) {
   const C_TempFolder folder;
   RunIn(folder, VOXTOOL " manual --all -d @");
   tool::C_CommandLine commandLine;
-  tool::AddCommands(commandLine);
+  tool::AddCommands(commandLine, nullptr);
   std::size_t nInner = 0;
   for (const CLI::App* pCommand : tool::CommandsIn(commandLine.Table())) {
     const std::string strPage = TextOf(folder.Read(tool::ManualPageName(*pCommand) + ".1"));
@@ -86,20 +96,29 @@ TEST(ManualCommand, ACommandInACommand_HasAPageOfItsOwn) {
   EXPECT_EQ(run.nExit, 0) << run.strErr;
   EXPECT_NE(run.strOut.find("voxtool\\-tags\\-add\\-cue \\- "), std::string::npos) << run.strOut;
   EXPECT_EQ(C_Program(VOXTOOL).Run({"manual", "tags", "ad"}).strErr,
-            "voxtool manual: ad: no such command; did you mean \"add\"?\n");
+            "voxtool manual: tags ad: no such command; did you mean \"add\"?\n"
+            "Try \"voxtool manual --help\".\n");
 }
 
 TEST(ManualCommand, AnUnknownCommand_IsAUsageFailure) {
   const S_Run run = C_Program(VOXTOOL).Run({"manual", "paly"});
   EXPECT_EQ(run.nExit, 2);
-  EXPECT_EQ(run.strErr, "voxtool manual: paly: no such command; did you mean \"play\"?\n");
+  EXPECT_EQ(run.strErr,
+            "voxtool manual: paly: no such command; did you mean \"play\"?\n"
+            "Try \"voxtool manual --help\".\n");
 }
 
-TEST(ManualCommand, AFolderThatIsNotThere_IsAFailure) {
-  const S_Run run = C_Program(VOXTOOL).Run({"manual", "--all", "-d", "/nowhere/at/all"});
+TEST(ManualCommand, AFolderThatIsNotThere_IsMade) {
+  const C_TempFolder folder;
+  const S_Run run = C_Program(VOXTOOL).Run({"manual", "--all", "-d", folder.Path("new/pages")});
+  EXPECT_EQ(run.nExit, 0) << run.strErr;
+  EXPECT_TRUE(folder.Has("new/pages/voxtool-play.1"));
+}
+
+TEST(ManualCommand, AFolderThatCannotBeMade_IsAFailure) {
+  const S_Run run = C_Program(VOXTOOL).Run({"manual", "--all", "-d", "/dev/null/pages"});
   EXPECT_EQ(run.nExit, 1);
-  EXPECT_EQ(run.strErr,
-            "/nowhere/at/all/voxtool.1: cannot be written: No such file or directory\n");
+  EXPECT_EQ(run.strErr, "/dev/null/pages: cannot be made: Not a directory\n");
 }
 
 }  // namespace

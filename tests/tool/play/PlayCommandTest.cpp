@@ -61,6 +61,16 @@ TEST_F(PlayCommand, AnEmptySound_IsPlayed) {
   EXPECT_EQ(run.strErr, "");
 }
 
+TEST_F(PlayCommand, ACutFile_IsToldAndPlayed) {
+  const std::string strFile = Wav("a.wav", 4000);
+  auto bytes = folder.Read("a.wav");
+  bytes.resize(44 + 2 * 1000);
+  folder.Write("a.wav", bytes);
+  const S_Run run = Run({"--null", strFile});
+  EXPECT_EQ(run.nExit, 0);
+  EXPECT_EQ(run.strErr, strFile + ": the file is cut: its end is missing\n");
+}
+
 TEST_F(PlayCommand, NothingButFailuresInALoop_Ends) {
   const S_Run run = Run({"--null", "--loop", "/nowhere/a.wav", "/nowhere/b.wav"});
   EXPECT_EQ(run.nExit, 1);
@@ -113,7 +123,9 @@ TEST_F(PlayCommand, APartThatEndsBeforeItBegins_IsAFailureOfTheFile) {
 TEST_F(PlayCommand, StandardInputTwice_IsAUsageFailureBeforeAnythingIsPlayed) {
   const S_Run run = Run({"--null", "-", "/nowhere/a.wav", "-"});
   EXPECT_EQ(run.nExit, 2);
-  EXPECT_EQ(run.strErr, "standard input: it can be named only once\n");
+  EXPECT_EQ(run.strErr,
+            "voxtool play: standard input: it can be named only once\n"
+            "Try \"voxtool play --help\".\n");
 }
 
 TEST_F(PlayCommand, StandardInputAgainInALoop_IsAFailureOfIt) {

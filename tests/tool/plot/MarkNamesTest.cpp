@@ -96,7 +96,7 @@ TEST(Marks, EventsAndCuePoints_HaveTheirColumnsAndNames) {
   cue.id = 8;
   cue.sample_offset = 800;
   notes.add(cue);
-  const S_Marks marks = MarksOf(notes, 0, C_Columns(1000, 100));
+  const S_Marks marks = MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(1000, 100));
   ASSERT_EQ(marks.marks.size(), 3u);
   EXPECT_EQ(marks.counts[tool::MARK_EVENT], 2u);
   EXPECT_EQ(marks.counts[tool::MARK_CUE], 2u);
@@ -110,7 +110,7 @@ TEST(Marks, EventsAndCuePoints_HaveTheirColumnsAndNames) {
 TEST(Marks, EventWithoutADescription_IsNamedByItsCommands) {
   voxplay::Notes notes;
   notes.add(voxplay::Event{0, 3, 4, 0, nullptr});
-  EXPECT_EQ(MarksOf(notes, 0, C_Columns(10, 10)).marks[0].strName, "3/4");
+  EXPECT_EQ(MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(10, 10)).marks[0].strName, "3/4");
 }
 
 TEST(Marks, LabelThatReadsAsAnEvent_NamesIt) {
@@ -118,13 +118,38 @@ TEST(Marks, LabelThatReadsAsAnEvent_NamesIt) {
   notes.add(voxplay::Event{50, 0, 1, 0, nullptr});
   voxplay::Cue cue{};
   cue.id = 1;
-  cue.sample_offset = 50;
+  cue.position = cue.sample_offset = 50;
   notes.add(cue);
   notes.add(voxplay::Label{1, {'l', 'a', 'b', 'l'}, "take_1"});
-  const S_Marks marks = MarksOf(notes, 0, C_Columns(100, 100));
+  const S_Marks marks = MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(100, 100));
   ASSERT_EQ(marks.marks.size(), 1u);
   EXPECT_EQ(marks.marks[0].eKind, tool::MARK_EVENT);
   EXPECT_EQ(marks.marks[0].strName, "take_1");
+}
+
+TEST(Marks, LabelThatSaysNothingOfAnEvent_DoesNotNameIt) {
+  voxplay::Notes notes;
+  notes.add(voxplay::Event{50, 3, 9, 0, nullptr});
+  voxplay::Cue cue{};
+  cue.id = 1;
+  cue.position = cue.sample_offset = 50;
+  notes.add(cue);
+  notes.add(voxplay::Label{1, {'l', 'a', 'b', 'l'}, "verse"});
+  EXPECT_EQ(MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(100, 100)).marks[0].strName, "3/9");
+}
+
+TEST(Marks, MarksAtTheVeryEnd_AreInTheLastColumn) {
+  voxplay::Notes notes;
+  notes.add(voxplay::Event{100, 3, 9, 0, nullptr});
+  voxplay::Cue cue{};
+  cue.id = 1;
+  cue.position = cue.sample_offset = 100;
+  notes.add(cue);
+  const S_Marks marks = MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(100, 50));
+  EXPECT_EQ(marks.counts[tool::MARK_EVENT], 1u);
+  EXPECT_EQ(marks.counts[tool::MARK_CUE], 1u);
+  ASSERT_EQ(marks.marks.size(), 1u);
+  EXPECT_EQ(marks.marks[0].nColumn, 49);
 }
 
 TEST(Marks, Ranges_AreCutToThePicture) {
@@ -137,7 +162,7 @@ TEST(Marks, Ranges_AreCutToThePicture) {
   loop.first = 199;
   loop.last = 199;
   notes.add(loop);
-  const S_Marks marks = MarksOf(notes, 100, C_Columns(100, 50));
+  const S_Marks marks = MarksOf(notes, VOXPLAY_CONTAINER_WAV, 100, C_Columns(100, 50));
   const auto& silence = marks.ranges[tool::RANGE_SILENCE];
   ASSERT_EQ(silence.size(), 2u);
   EXPECT_EQ(silence[0].nFirst, 0);
@@ -160,7 +185,7 @@ TEST(Marks, RegionText_LastsFromItsCuePoint) {
   text.count = 20;
   text.text = "";
   notes.add(text);
-  const S_Marks marks = MarksOf(notes, 0, C_Columns(100, 100));
+  const S_Marks marks = MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(100, 100));
   ASSERT_EQ(marks.ranges[tool::RANGE_TEXT].size(), 1u);
   EXPECT_EQ(marks.ranges[tool::RANGE_TEXT][0].nFirst, 40);
   EXPECT_EQ(marks.ranges[tool::RANGE_TEXT][0].nEnd, 60);
@@ -171,7 +196,7 @@ TEST(Marks, MoreMarksThanColumns_AreCountedButDrawnOnce) {
   for (std::uint64_t qwFrame = 0; qwFrame < 5000; ++qwFrame) {
     notes.add(voxplay::Event{qwFrame, 0, 0, 0, "x"});
   }
-  const S_Marks marks = MarksOf(notes, 0, C_Columns(5000, 100));
+  const S_Marks marks = MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(5000, 100));
   EXPECT_EQ(marks.marks.size(), 100u);
   EXPECT_EQ(marks.counts[tool::MARK_EVENT], 5000u);
 }

@@ -322,6 +322,18 @@ TEST_F(Plot, Folder_KeepsItsTree) {
   EXPECT_THAT(m_run.strErr, testing::StartsWith("2 files: 0 drawn, 2 skipped; "));
 }
 
+TEST_F(Plot, SoundsThatDifferInTheirExtensions_KeepThem) {
+  std::filesystem::create_directories(Path("in/deep"));
+  WriteWav(Path("in/deep/x.wav"), NoiseSamples(1000, 1000));
+  WriteWav(Path("in/deep/x.vef"), NoiseSamples(1000, 1000), 16000, 1, {}, VOXPLAY_CONTAINER_VEF);
+  WriteWav(Path("in/y.wav"), NoiseSamples(1000, 1000));
+  EXPECT_EQ(Run({"-r", Path("in"), "-d", Path("out")}), 0) << m_run.strErr;
+  EXPECT_FALSE(Content("out/deep/x.wav.png").empty());
+  EXPECT_FALSE(Content("out/deep/x.vef.png").empty());
+  EXPECT_FALSE(std::filesystem::exists(Path("out/deep/x.png")));
+  EXPECT_FALSE(Content("out/y.png").empty());
+}
+
 TEST_F(Plot, NamesFromAList_AreDrawn) {
   WriteWav(Path("a.wav"), NoiseSamples(1000, 1000));
   WriteWav(Path("b.wav"), NoiseSamples(1000, 1000));
@@ -365,7 +377,7 @@ TEST_F(Plot, WhatCannotBeMeant_IsAUsageError) {
       {strIn, "-o", Path("x.png"), "--from", "0.02", "--to", "0.01"},
       {strIn, "-o", Path("x.png"), "--channel", "0"},
       {strIn, "-o", Path("x.png"), "--theme", "pink"},
-      {strIn, Path("b/a.flac"), "-d", Path("d")},
+      {strIn, Path("b/a.wav"), "-d", Path("d")},
       {"-", "-d", Path("d")},
   };
   for (const auto& arguments : wrong) {
@@ -394,6 +406,13 @@ TEST_F(Plot, SoundWithoutARate_IsDrawnAllTheSame) {
   Write("a.kst", bytes);
   ASSERT_EQ(Run({Path("a.kst"), "-o", "-", "--format", "svg"}), 0) << m_run.strErr;
   EXPECT_THAT(m_run.strOut, HasSubstr("no rate, drawn as 16 kHz"));
+}
+
+TEST_F(Plot, ManyChannels_MakeThePictureHigherUntilTheyFit) {
+  WriteWav(Path("a.wav"), std::vector<std::int16_t>(6400), 16000, 64);
+  EXPECT_EQ(Draw({}).Height(), 8192);
+  WriteWav(Path("a.wav"), std::vector<std::int16_t>(600), 16000, 6);
+  EXPECT_EQ(Draw({}).Height(), 1800);
 }
 
 TEST_F(Plot, MoreChannelsThanFit_AreRefused) {
@@ -440,6 +459,31 @@ TEST_F(Plot, HostileFiles_GiveEachAPictureOrOneLine) {
   const auto nLines = std::count(m_run.strErr.begin(), m_run.strErr.end(), '\n');
   EXPECT_GT(nPictures, 100u);
   EXPECT_EQ(nPictures + static_cast<std::size_t>(nLines), nSounds);
+}
+
+TEST_F(Plot, CutFile_IsToldAndSaysSoInThePicture) {
+  WriteWav(Path("a.wav"), NoiseSamples(16000, 20000));
+  auto bytes = Content("a.wav");
+  bytes.resize(44 + 2 * 1000);
+  Write("a.wav", bytes);
+  EXPECT_THAT(Svg(), HasSubstr("0:00.063 \u00B7 cut</text>"));
+  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": the file is cut: 1000 frames are there, and drawn\n");
+  Svg({"--to", "0.01"});
+  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": the file is cut: 1000 frames are there, and drawn\n");
+  EXPECT_EQ(Run({Path("a.wav"), "-d", Path("d")}), 0);
+  EXPECT_THAT(m_run.strErr, HasSubstr("1 file: 1 drawn (1 cut); "));
+}
+
+TEST_F(Plot, DamagedFile_IsToldByItsName) {
+  auto bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_KESTREL),
+                            NoiseSamples(32000, 20000));
+  // Two frames that no encoder writes.
+  std::fill_n(bytes.begin() + 48 + 10 * 40, 2 * 40, std::uint8_t{0xFF});
+  Write("a.kst", bytes);
+  EXPECT_EQ(Run({Path("a.kst"), "-o", "-", "--format", "svg"}), 0);
+  EXPECT_THAT(m_run.strErr,
+              testing::MatchesRegex(".*/a.kst: [0-9]+ of 32000 frames are damaged\n"));
+  EXPECT_THAT(m_run.strOut, testing::ContainsRegex("[0-9]+ damaged frames</text>"));
 }
 
 TEST_F(Plot, LongSound_IsNeverInMemory) {

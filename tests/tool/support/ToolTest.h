@@ -14,6 +14,10 @@ class C_ToolTest : public C_VoxtoolTest {
  protected:
   // Converts, expects that to succeed, and returns what was said on standard error.
   std::string Convert(Texts arguments) const { return Fail(0, std::move(arguments)); }
+  // What is said of a command line that cannot be meant.
+  static std::string Misuse(const std::string& strWhy) {
+    return "voxtool convert: " + strWhy + "\nTry \"voxtool convert --help\".\n";
+  }
   // The same for what has to end with another code.
   std::string Fail(int nExit, Texts arguments) const {
     arguments.insert(arguments.begin(), "convert");

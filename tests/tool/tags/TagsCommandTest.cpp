@@ -81,15 +81,17 @@ TEST_F(TagsCommand, WhatAFileCannotHold_ChangesNothingUnlessToldTo) {
   const Texts command = {"tags", "add", "event", "@a.wav", "--at", "0.5", "--data", "7"};
   EXPECT_EQ(WhyNot(command),
             Path("a.wav") +
-                ": nothing is changed: event 1 at frame 8000: its data; --anyway writes "
-                "the rest\n");
+                ": nothing is changed: event 1 at frame 8000: its data is not kept: a WAV file "
+                "holds none; --anyway writes the rest\n");
   Texts forced = command;
   forced.emplace_back("-f");
   EXPECT_EQ(WhyNot(forced), WhyNot(command));
   forced.back() = "--anyway";
   const S_Run run = Run(forced);
   EXPECT_EQ(run.nExit, 0);
-  EXPECT_EQ(run.strErr, Path("a.wav") + ": event 1 at frame 8000: its data\n");
+  EXPECT_EQ(
+      run.strErr,
+      Path("a.wav") + ": event 1 at frame 8000: its data is not kept: a WAV file holds none\n");
   EXPECT_THAT(Rows("a.wav"), ElementsAre("event 1 8000"));
 }
 
@@ -101,12 +103,13 @@ TEST_F(TagsCommand, DataOfAnEvent_IsHeldByVef) {
 
 TEST_F(TagsCommand, PlacesBeyondTheEnd_AreRefusedUnlessToldTo) {
   WriteWav("a.wav");
-  EXPECT_EQ(WhyNot({"tags", "add", "cue", "@a.wav", "--at", "1.001"}),
-            Path("a.wav") +
-                ": nothing is changed: 0:01.001 is beyond its end at 0:01.000; --anyway adds it "
-                "nevertheless\n");
+  EXPECT_EQ(
+      WhyNot({"tags", "add", "cue", "@a.wav", "--at", "1.001"}),
+      Path("a.wav") +
+          ": nothing is changed: 0:01.001 is beyond the end of the sound at 0:01.000; --anyway "
+          "adds it nevertheless\n");
   EXPECT_THAT(WhyNot({"tags", "add", "region", "@a.wav", "--at", "0.5", "--length", "1"}),
-              HasSubstr("0:01.500 is beyond its end"));
+              HasSubstr("0:01.500 is beyond the end"));
   Output({"tags", "add", "cue", "@a.wav", "--at", "1"});
   Output({"tags", "add", "cue", "--anyway", "@a.wav", "--at", "2"});
   EXPECT_THAT(Rows("a.wav"), ElementsAre("cue 1 16000", "cue 2 32000"));
@@ -175,6 +178,35 @@ TEST_F(TagsCommand, MarksThatAreNotThere_AreNotRemoved) {
   for (const char* const pszNumber : {"0", "1", "18446744073709551615"}) {
     EXPECT_THAT(WhyNot({"tags", "remove", "@a.wav", "event", pszNumber}),
                 HasSubstr("there is no event"));
+  }
+}
+
+TEST_F(TagsCommand, WhatIsWrong_IsToldWithWhereTheHelpIs) {
+  WriteWav("a.wav");
+  const std::pair<Texts, const char*> kCases[] = {
+      {{"tags"}, "voxtool tags: COMMAND is required"},
+      {{"tags", "add", "event", "@a.wav", "--at", "0", "--sub", "-1"},
+       "voxtool tags add event: --sub: -1 is no whole number from 0 to 65535"},
+      {{"tags", "add", "event", "@a.wav", "--at", "0", "--main", "70000"},
+       "voxtool tags add event: --main: 70000 is no whole number from 0 to 65535"},
+      {{"tags", "add", "region", "@a.wav", "--at", "0"},
+       "voxtool tags add region: --length is needed, or --to"},
+      {{"tags", "remove", "@a.wav", "cue", "1", "extra"},
+       "voxtool tags remove: NUMBER: extra is no whole number"},
+      {{"tags", "remove", "@a.wav", "cue", "--", "-1"},
+       "voxtool tags remove: NUMBER: -1 is no whole number"},
+      {{"tags", "remove", "@a.wav", "event", "1", "--all"},
+       "voxtool tags remove: NUMBER excludes --all"},
+      {{"tags", "remove", "@a.wav", "event"},
+       "voxtool tags remove: event: name the numbers of the marks, or --all"},
+      {{"tags", "list", "--labels", "@a.wav", "@a.wav"},
+       "voxtool tags list: --labels: a label track is of one file"}};
+  for (const auto& [arguments, pszWhy] : kCases) {
+    const std::string strWhy = pszWhy;
+    const S_Run run = Run(arguments);
+    EXPECT_EQ(run.nExit, 2);
+    EXPECT_EQ(run.strErr,
+              strWhy + "\nTry \"" + strWhy.substr(0, strWhy.find(':')) + " --help\".\n");
   }
 }
 

@@ -159,9 +159,8 @@ TEST_F(TagsFiles, FileWithoutARate_TakesPlacesInSamplesAlone) {
                                     further.back() + " is no place in it; give samples (32000s)\n");
   }
   EXPECT_EQ(Said(Run({"tags", "add", "cue", "@a.wav", "--at", "1001s"}).strErr),
-            "@/a.wav: nothing is changed: sample 1,001 is beyond its end at sample 1,000; --anyway "
-            "adds it "
-            "nevertheless\n");
+            "@/a.wav: nothing is changed: sample 1,001 is beyond the end of the sound at sample "
+            "1,000; --anyway adds it nevertheless\n");
   EXPECT_EQ(Said(Run({"tags", "list", "--labels", "@a.wav"}).strErr),
             "@/a.wav: its marks are no label track: it has no sample rate, and label tracks count "
             "seconds\n");
@@ -285,6 +284,44 @@ TEST_F(TagsFiles, Interrupt_LeavesTheFileAsItIs) {
   EXPECT_EQ(run.strErr, "");
   EXPECT_THAT(Entries(), ElementsAre("a.wav", "marks"));
   EXPECT_EQ(Content("a.wav"), before);
+}
+
+TEST_F(TagsFiles, EditsAtTheSameTime_AreAllDone) {
+  WriteWav("a.wav");
+  const S_Run run =
+      RunLine("for n in 1 2 3 4 5 6 7 8; do $V tags add cue @a.wav --at ${n}00s & done; wait");
+  EXPECT_EQ(run.strErr, "");
+  EXPECT_EQ(voxplay::Reader(Path("a.wav")).notes().cues().size(), 8U);
+}
+
+// As above, the table is a pipe.
+TEST_F(TagsFiles, FileThatOthersChangeMeanwhile_StaysAsTheyMadeIt) {
+  for (const bool bReplaced : {false, true}) {
+    WriteWav("a.wav");
+    ASSERT_EQ(mkfifo(Path("marks").c_str(), 0600), 0);
+    const C_Program tool = Program();
+    C_RunningProgram running =
+        tool.Start({"tags", "import", Path("a.wav"), "--csv", Path("marks")});
+    const int nMarks = open(Path("marks").c_str(), O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(nMarks, 0);
+    WriteWav("b.wav", NotesOfAllKinds());
+    if (bReplaced) {
+      std::filesystem::rename(Path("b.wav"), Path("a.wav"));
+    } else {
+      std::filesystem::copy(Path("b.wav"), Path("a.wav"),
+                            std::filesystem::copy_options::overwrite_existing);
+    }
+    const Bytes theirs = Content("a.wav");
+    ASSERT_EQ(write(nMarks, "kind,start\ncue,1\n", 17), 17);
+    close(nMarks);
+    const S_Run run = running.Wait();
+    EXPECT_EQ(run.nExit, 1);
+    if (bReplaced) {
+      EXPECT_EQ(Said(run.strErr), "@/a.wav: nothing is changed: it has changed meanwhile\n");
+    }
+    EXPECT_EQ(Content("a.wav"), theirs);
+    std::filesystem::remove(Path("marks"));
+  }
 }
 
 TEST_F(TagsFiles, EditsOneAfterTheOther_LeaveNoTraces) {

@@ -176,6 +176,28 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
       {"--csv", "kind,start\ncue,x\n", "line 2: start: \"x\" is not a whole number"},
       {"--csv", "a,b\n", "the first line does not name a column \"kind\""},
       {"--labels", "x\n", "line 1: \"x\" is not a time"},
+      {"--csv", "kind,start\ncue,16000\nevent,16001\n",
+       "line 3: 0:01.000 is beyond the end of the sound at 0:01.000; --anyway adds it "
+       "nevertheless"},
+      {"--csv", "kind,start,length\nsilence,15999,2\n", "line 2: 0:01.000 is beyond the end"},
+      {"--csv", "kind,time,duration\ncue,0.5,1\n", "line 2: 0:01.500 is beyond the end"},
+      {"--csv", "kind,start,length\nloop,1,16000\n", "line 2: 0:01.000 is beyond the end"},
+      {"--json", R"([{"kind": "cue", "start": 32000}])", "row 1: 0:02.000 is beyond the end"},
+      {"--labels", "0.5\t2\tx\n", "line 1: 0:02.000 is beyond the end"},
+      {"--labels", "",
+       "there are no marks in it, and --replace would leave none; \"voxtool tags remove --all\" "
+       "does that"},
+      {"--csv", "kind,start\n", "there are no marks in it"},
+      {"--csv", "kind,start,nmae\ncue,1,x\n",
+       "the column \"nmae\" is unknown; did you mean \"name\"?"},
+      {"--csv", "kind;start;remark\ncue;1;x\n", "the column \"remark\" is unknown\n"},
+      {"--json", R"([{"kind": "cue", "start": 1}, {"kind": "cue", "start": 1, "nmae": "x"}])",
+       "row 2: \"nmae\" is unknown; did you mean \"name\"?"},
+      {"--json", R"([{"schema": 2, "marks": [{"kind": "cue", "start": 1}]}])",
+       "its schema is 2, and this program knows 1"},
+      {"--json", R"({"marks": [{"kind": "cue", "start": 1}], "schema": "1"})",
+       "its schema is \"1\", and this program knows 1"},
+      {"--json", "[]", "there are no marks in it"},
   };
   for (const auto& import : imports) {
     WriteText("marks", import.pszText);
@@ -184,6 +206,18 @@ TEST_F(TagsForms, BadImports_ChangeNothing) {
     EXPECT_THAT(run.strErr, HasSubstr(Path("marks") + ": cannot be imported: " + import.pszWhy));
     EXPECT_EQ(Content("a.wav"), before);
   }
+}
+
+TEST_F(TagsForms, ImportsThatAreMeantAnyway_AreDone) {
+  WriteWav("a.wav", NotesWithTexts());
+  WriteText("marks", "0.5\t2\tx\n");
+  Output({"tags", "import", "@a.wav", "--labels", "@marks", "--replace", "--anyway"});
+  EXPECT_EQ(Marks("a.wav")[2]["length"], 24000);
+  WriteText("marks", "");
+  Output({"tags", "import", "@a.wav", "--labels", "@marks"});
+  EXPECT_EQ(Marks("a.wav").size(), 3U);
+  Output({"tags", "import", "@a.wav", "--labels", "@marks", "--replace", "--anyway"});
+  EXPECT_EQ(Marks("a.wav").size(), 0U);
 }
 
 TEST_F(TagsForms, DeepJson_IsOnlyRefused) {
