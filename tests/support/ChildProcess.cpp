@@ -25,9 +25,9 @@ constexpr double kLimitSeconds = 120.0;
 constexpr auto kPoll = std::chrono::milliseconds(2);
 
 // Only the settings of the sanitizers pass through. The home is removed when the tests end: the
-// library of the sound server leaves a folder there.
+// library of the sound server leaves a folder there. Some tests take the temporary folder away.
 std::vector<std::string> EnvironmentOf(const std::vector<std::string>& extra) {
-  static const C_TempFolder home;
+  static const C_TempFolder home(C_TempFolder::kInMemory);
   std::vector<std::string> all = {"PATH=/usr/bin:/bin", "HOME=" + home.Path(), "LC_ALL=C"};
   for (const char* pszName : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
     if (const char* pszValue = std::getenv(pszName); pszValue != nullptr) {

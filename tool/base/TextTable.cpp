@@ -41,7 +41,7 @@ std::string Bold(const std::string& strText, bool bColours) {
   return bColours ? "\x1b[1m" + strText + "\x1b[0m" : strText;
 }
 
-C_TextTable::C_TextTable(std::string strSides, Row heading)
+C_TextTable::C_TextTable(std::string strSides, const Row& heading)
     : m_strSides(std::move(strSides)), m_widths(m_strSides.size()) {
   m_strHeading = Joined(heading);
 }

@@ -18,7 +18,7 @@ class C_TextTable {
   using Row = std::vector<std::string>;
 
   // One character per column, 'l' or 'r': the side on which its texts are flush.
-  explicit C_TextTable(std::string strSides, Row heading = {});
+  explicit C_TextTable(std::string strSides, const Row& heading = {});
 
   void Add(const Row& row);
   [[nodiscard]] bool IsEmpty() const noexcept { return m_rows.empty(); }

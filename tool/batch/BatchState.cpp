@@ -33,7 +33,7 @@ std::string CountText(const S_BatchState& state, double dPart, const std::string
 // A file may be both.
 std::string DamageText(const S_BatchState& state) {
   if (state.qwCut == 0) return std::to_string(state.qwDamaged) + " with damaged frames";
-  const std::string strCut = std::to_string(state.qwCut) + " cut";
+  std::string strCut = std::to_string(state.qwCut) + " cut";
   if (state.qwDamaged == 0) return strCut;
   return std::to_string(state.qwDamaged) + " with damaged frames, " + strCut;
 }
@@ -84,9 +84,9 @@ std::string SummaryText(const S_BatchState& state, const std::string& strDone,
          DurationText(state.dSeconds);
 }
 
-std::string InterruptedText(const S_BatchState& state, const std::string& strDone) {
-  return "interrupted: " + std::to_string(state.qwDone) + " of " + Files(state.qwAll) + ' ' +
-         strDone;
+std::string StoppedText(const std::string& strHow, const S_BatchState& state,
+                        const std::string& strDone) {
+  return strHow + ": " + std::to_string(state.qwDone) + " of " + Files(state.qwAll) + ' ' + strDone;
 }
 
 std::string ProgressText(const S_BatchState& state, double dBegun, double dBegunSeconds,

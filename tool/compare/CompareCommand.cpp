@@ -88,9 +88,11 @@ void TellWidth(const std::string& strPath, const S_SoundInfo& info, C_Console& c
 void TellFaults(const std::string& strName, const I_SoundInput& sound, std::uint64_t qwFrames,
                 C_Console& console) {
   if (sound.DamagedFrames() != 0) {
-    console.Complain(DamagedLine(strName, sound.DamagedFrames(), qwFrames));
+    console.Complain(strName + ": " + DamagedText(sound.DamagedFrames(), qwFrames));
   }
-  if (IsCutAfter(sound, qwFrames)) console.Complain(CutLine(strName, sound, qwFrames, "compared"));
+  if (IsCutAfter(sound, qwFrames)) {
+    console.Complain(strName + ": " + CutText(sound, qwFrames, "compared"));
+  }
 }
 
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {

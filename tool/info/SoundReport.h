@@ -14,6 +14,7 @@
 namespace tool {
 
 // All that is told of a file.
+// NOLINTNEXTLINE(bugprone-exception-escape): moving JSON throws nothing.
 struct S_SoundReport {
   std::string strPath;
   std::optional<std::uint64_t> qwBytes;  // of a file with a name

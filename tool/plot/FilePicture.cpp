@@ -39,17 +39,15 @@ class C_FilePicture {
     m_result.dwRate = dwRate;
     m_result.qwDamaged = input->DamagedFrames();
     m_result.bCut = picture.bCut;
-    if (picture.bCut) {
-      m_strCut = CutLine(NameOf(m_job.strSource), *input, picture.qwFrames, "drawn");
-    }
+    if (picture.bCut) m_strCut = CutText(*input, picture.qwFrames, "drawn");
     return std::move(picture.strFile);
   }
   [[nodiscard]] S_FileResult Report(const C_FileReport& report) const {
     const std::string strName = NameOf(m_job.strSource);
     if (m_result.qwDamaged != 0) {
-      report.Remark(DamagedLine(strName, m_result.qwDamaged, m_result.qwFrames));
+      report.Remark(strName + ": " + DamagedText(m_result.qwDamaged, m_result.qwFrames));
     }
-    if (m_result.bCut) report.Remark(m_strCut);
+    if (m_result.bCut) report.Remark(strName + ": " + m_strCut);
     return m_result;
   }
   S_FileResult Skip() {

@@ -22,6 +22,7 @@ struct S_EventKey {
   std::uint16_t wSub = 0;
   std::uint32_t dwData = 0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): a zero in it is no pointer.
   auto operator<=>(const S_EventKey&) const = default;
 };
 S_EventKey KeyOf(const voxplay::Event& event);

@@ -468,7 +468,7 @@ TEST_F(Plot, CutFile_IsToldAndSaysSoInThePicture) {
   Write("a.wav", bytes);
   EXPECT_THAT(Svg(), HasSubstr("0:01.000 \u00B7 cut \u00B7 15000 damaged frames</text>"));
   const std::string strCut = Path("a.wav") + ": the file is cut: its end is missing\n";
-  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": 15000 of 16000 frames are damaged\n" + strCut);
+  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": 15,000 of 16,000 frames are damaged\n" + strCut);
   Svg({"--to", "0.01", "--waveform"});
   EXPECT_EQ(m_run.strErr, strCut);
   EXPECT_EQ(Run({Path("a.wav"), "-d", Path("d")}), 0);
@@ -481,8 +481,9 @@ TEST_F(Plot, CutStream_IsToldWithTheFramesThatAreThere) {
   bytes.resize(bytes.size() / 2);
   Write("a.hrn", bytes);
   EXPECT_EQ(Run({Path("a.hrn"), "-o", "-", "--format", "svg"}), 0);
-  EXPECT_THAT(m_run.strErr, testing::MatchesRegex(
-                                ".*/a.hrn: the file is cut: [0-9]+ frames are there, and drawn\n"));
+  EXPECT_THAT(m_run.strErr,
+              testing::MatchesRegex(
+                  ".*/a.hrn: the file is cut: [0-9,]+ of [0-9,]+ frames are there, and drawn\n"));
   EXPECT_THAT(m_run.strOut, HasSubstr(" \u00B7 cut</text>"));
 }
 
@@ -494,7 +495,7 @@ TEST_F(Plot, DamagedFile_IsToldByItsName) {
   Write("a.kst", bytes);
   EXPECT_EQ(Run({Path("a.kst"), "-o", "-", "--format", "svg"}), 0);
   EXPECT_THAT(m_run.strErr,
-              testing::MatchesRegex(".*/a.kst: [0-9]+ of 32000 frames are damaged\n"));
+              testing::MatchesRegex(".*/a.kst: [0-9,]+ of 32,000 frames are damaged\n"));
   EXPECT_THAT(m_run.strOut, testing::ContainsRegex("[0-9]+ damaged frames</text>"));
 }
 
