@@ -476,8 +476,8 @@ TEST_F(Plot, CutFile_IsToldAndSaysSoInThePicture) {
 }
 
 TEST_F(Plot, CutStream_IsToldWithTheFramesThatAreThere) {
-  auto bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_HERON, 4),
-                            NoiseSamples(100000, 20000));
+  auto bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_HERON, 4, 8000),
+                            PublicSamples(100000));
   bytes.resize(bytes.size() / 2);
   Write("a.hrn", bytes);
   EXPECT_EQ(Run({Path("a.hrn"), "-o", "-", "--format", "svg"}), 0);
