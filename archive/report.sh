@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Takes the results of pieces into their manifest, and prints what is done and what has failed.
+# Takes the results of pieces into their manifest, and prints what is done, what has failed, and what
+# is done but damaged or cut.
 #
 #   report.sh DB PIECE...
 #
@@ -9,7 +10,7 @@
 # left. $VOXTOOL names the program.
 set -euo pipefail
 if (($# < 2)); then
-  sed -n '4,9s/^# \{0,1\}//p' "$0"
+  sed -n '4,10s/^# \{0,1\}//p' "$0"
   [[ ${1:-} == -h || ${1:-} == --help ]] && exit 0
   exit 2
 fi
@@ -23,6 +24,7 @@ count() { sed -nE "s/.*\"$1\": *([0-9]+).*/\\1/p" <<<"$status"; }
 printf '%s\0' "$@" | xargs -0 -n 500 "$voxtool" manifest merge "$manifest" >/dev/null || true
 "$voxtool" manifest status "$manifest"
 "$voxtool" manifest failed "$manifest"
+"$voxtool" manifest damaged "$manifest"
 status=$("$voxtool" manifest status --json "$manifest")
 (($(count planned) + $(count claimed) == 0)) || exit 3
 (($(count failed) == 0)) || exit 1

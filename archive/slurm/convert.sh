@@ -4,22 +4,23 @@
 # Converts what a manifest has planned with Slurm: a job array with a task for each piece of it, and
 # a last job that takes the results back and reports.
 #
-#   convert.sh [-n PIECES] [-c CPUS] [-r ROUNDS] [-w FOLDER] DB [-- OPTION...]
+#   convert.sh [-n PIECES] [-c CPUS] [-r ROUNDS] [-w FOLDER] [-t] DB [-- OPTION...]
 #
 #   -n PIECES  tasks of the array (16); a few times as many as can run at a time
 #   -c CPUS    processors of each task (1)
 #   -r ROUNDS  arrays at most (3): what a lost task has left is divided anew
 #   -w FOLDER  where the pieces and the logs go (DB.work)
+#   -t         try again what has failed before
 #   OPTION     of sbatch, for all jobs: -p PARTITION, --time=4:00:00
 #
 # First plan, on any machine, with the paths that the nodes know:
 #   voxtool convert --manifest DB -r IN -d OUT --to kestrel --plan-only
-# All nodes see the sources, the targets and FOLDER. FOLDER/report.txt appears when all is done; its
-# first line is the exit code of report.sh. $VOXTOOL names the program.
+# All nodes see the sources, the targets and FOLDER. FOLDER/report.txt is written after each round; its
+# first line is the exit code of report.sh: 3 while there is more to do. $VOXTOOL names the program.
 set -euo pipefail
 
 usage() {
-  sed -n '4,19s/^# \{0,1\}//p' "$1"
+  sed -n '4,21s/^# \{0,1\}//p' "$1"
   exit "$2"
 }
 
@@ -34,18 +35,24 @@ case ${1:-} in
     shift 6
     code=0
     "$archive/report.sh" "$manifest" "$folder/round-$round"/piece-*.db >"$folder/report.new" || code=$?
-    if ((code == 3 && round < rounds)); then
-      exec "$archive/slurm/convert.sh" round "$folder" "$manifest" $((round + 1)) "$rounds" "$@"
-    fi
+    # If the next round cannot begin, this is what there is to know.
     { echo "$code" && cat "$folder/report.new"; } >"$folder/report.tmp"
     rm "$folder/report.new"
     mv "$folder/report.tmp" "$folder/report.txt"
+    if ((code == 3 && round < rounds)); then
+      exec "$archive/slurm/convert.sh" round "$folder" "$manifest" $((round + 1)) "$rounds" "$@"
+    fi
     exit "$code"
     ;;
 esac
 
 archive=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-voxtool=${VOXTOOL:-voxtool}
+export VOXTOOL=${VOXTOOL:-voxtool}
+for program in sbatch "$VOXTOOL"; do
+  command -v "$program" >/dev/null || { echo "convert.sh: $program: is not installed" >&2 && exit 1; }
+done
+# The tasks begin in another folder.
+[[ $VOXTOOL != */* ]] || VOXTOOL=$(realpath -- "$VOXTOOL")
 
 # submit_round FOLDER DB ROUND ROUNDS PIECES CPUS OPTION...
 submit_round() {
@@ -53,7 +60,7 @@ submit_round() {
   local self=$archive/slurm/convert.sh in=$1/round-$3
   shift 6
   mkdir -p "$in"
-  "$voxtool" manifest split "$pieces" "$manifest" -f -o "$in/piece-%d.db" >"$in/pieces.txt"
+  "$VOXTOOL" manifest split "$pieces" "$manifest" -f -o "$in/piece-%d.db" >"$in/pieces.txt"
   local array
   # A task of a node that is lost begins again on another one.
   array=$(sbatch --parsable --requeue --job-name=voxtool --array="1-$pieces" --cpus-per-task="$cpus" \
@@ -70,13 +77,14 @@ if [[ ${1:-} == round ]]; then
   exit
 fi
 
-pieces=16 cpus=1 rounds=3 folder=
-while getopts n:c:r:w:h option; do
+pieces=16 cpus=1 rounds=3 folder= retry=
+while getopts n:c:r:w:th option; do
   case $option in
     n) pieces=$OPTARG ;;
     c) cpus=$OPTARG ;;
     r) rounds=$OPTARG ;;
     w) folder=$OPTARG ;;
+    t) retry=1 ;;
     h) usage "$0" 0 ;;
     *) usage "$0" 2 >&2 ;;
   esac
@@ -88,4 +96,5 @@ shift
 [[ ${1:-} != -- ]] || shift
 folder=$(realpath -m -- "${folder:-$manifest.work}")
 rm -f "$folder/report.txt"
+[[ -z $retry ]] || "$VOXTOOL" convert --manifest "$manifest" --plan-only --retry-failed
 submit_round "$folder" "$manifest" 1 "$rounds" "$pieces" "$cpus" "$@"

@@ -6,9 +6,22 @@ fail() {
   exit 1
 }
 
+# make_lossy: a cut WAV, a cut FLAC and a damaged Kestrel file, of which something is left to convert
+make_lossy() {
+  local in=$folder/in/lossy whole=$folder/in/000/00000.wav
+  mkdir "$in"
+  head -c 5000 "$whole" >"$in/wav.wav"
+  sox "$whole" "$folder/whole.flac" repeat 20
+  head -c $(($(stat -c %s "$folder/whole.flac") / 2)) "$folder/whole.flac" >"$in/flac.flac"
+  "$voxtool" convert "$whole" -o "$in/kestrel.kst" -qq
+  # The second frame of its stream.
+  dd if=/dev/zero of="$in/kestrel.kst" bs=40 count=1 seek=94 oflag=seek_bytes conv=notrunc status=none
+}
+
 # make_archive COUNT DAMAGED: sounds in $folder/in, planned in $folder/archive.db
 make_archive() {
   python3 "$(dirname "${BASH_SOURCE[0]}")/made_sounds.py" "$folder/in" "$1" "$2" >"$folder/damaged"
+  make_lossy
   count=$1
   "$voxtool" convert --manifest "$folder/archive.db" -r "$folder/in" -d "$folder/out" --to heron6 \
     --plan-only -qq
@@ -23,15 +36,21 @@ process_of() {
   return 0
 }
 
-# Every good file is there once and whole, and every damaged one is listed with its reason.
+# expect_archive REPORT: every good file is there once and whole, and every damaged one is listed with
+# its reason.
 expect_archive() {
-  local status damaged good some
+  local status damaged good some report=$1
   damaged=$(wc -l <"$folder/damaged")
   good=$((count - damaged))
   status=$("$voxtool" manifest status --json "$folder/archive.db")
-  [[ $status == *"\"done\": $good,"* ]] || fail "not all good files are done: $status"
+  [[ $status == *"\"done\": $((good + 3)),"* ]] || fail "not all good files are done: $status"
   [[ $status == *"\"failed\": $damaged,"* ]] || fail "not all damaged files have failed: $status"
-  sed -E "s|^$folder/in/(.*)\.wav$|\1|" <(find "$folder/in" -name '*.wav') |
+  [[ $status == *"\"damaged\": 1,"*"\"cut\": 2,"* ]] || fail "damage is not counted: $status"
+  for some in "wav.wav: the file is cut: 2,478 of 4,000 frames" "flac.flac: the file is cut: " \
+    "kestrel.kst: [0-9,]+ of [0-9,]+ frames are damaged"; do
+    grep -qE "^$folder/in/lossy/$some" "$report" || fail "the report has no line with $some"
+  done
+  sed -E "s|^$folder/in/(.*)\.[a-z]+$|\1|" <(find "$folder/in" -type f) |
     grep -vxFf <(sed -E "s|^$folder/in/(.*)\.wav$|\1|" "$folder/damaged") | sort >"$folder/expected"
   (cd "$folder/out" && find . -name '*.hrn' | sed -E 's|^\./(.*)\.hrn$|\1|' | sort) >"$folder/made"
   diff "$folder/expected" "$folder/made" >&2 || fail "other files are there than should be"

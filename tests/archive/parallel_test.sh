@@ -40,7 +40,10 @@ export PARALLEL_SSH=$folder/ssh VOXTOOL=$voxtool PARALLEL_HOME=$folder/parallel
 mkdir "$PARALLEL_HOME"
 
 make_archive "$files" 9
-"$here/../../archive/parallel/convert.sh" -S 1/one,1/two -n 8 "$folder/archive.db" >"$folder/said" &
+# Their own path may have a blank.
+mkdir "$folder/with blank"
+cp -r "$here/../../archive" "$folder/with blank/"
+"$folder/with blank/archive/parallel/convert.sh" -S 1/one,1/two -n 8 "$folder/archive.db" >"$folder/said" &
 job=$!
 end=$((SECONDS + 60)) process=
 until [[ -n $process ]]; do
@@ -61,5 +64,17 @@ wait "$job" || code=$?
 ((code == 1)) || fail "ends with $code, not with 1 for files that failed"
 [[ -e $folder/asked-one && -e $folder/asked-two ]] || fail "a host had nothing to do"
 grep -qE "^ *failed +$(wc -l <"$folder/damaged")$" "$folder/said" || fail "the report does not count what has failed"
-expect_archive
+expect_archive "$folder/said"
+
+# What goes wrong is told on the terminal.
+"$voxtool" convert --manifest "$folder/archive.db" --plan-only --retry-failed -qq
+printf '#!/bin/sh\necho no such host >&2\nexit 255\n' >"$folder/ssh"
+"$folder/with blank/archive/parallel/convert.sh" -S 1/none -n 2 -r 1 -w "$folder/lost" "$folder/archive.db" \
+  >"$folder/said" 2>"$folder/told" && fail "a host that is not there is no failure"
+grep -q "no such host" "$folder/told" || fail "the reason is not told: $(cat "$folder/told")"
+grep -q "$folder/lost/round-1/tasks.log" "$folder/told" || fail "the log is not named"
+code=0
+PATH=/bin:/usr/bin VOXTOOL=none "$folder/with blank/archive/parallel/convert.sh" "$folder/archive.db" \
+  2>"$folder/told" || code=$?
+[[ $code == 1 && $(cat "$folder/told") == "convert.sh: none: is not installed" ]] || fail "voxtool is not missed"
 echo "parallel_test: after $SECONDS s"

@@ -128,9 +128,10 @@ scancel "$(squeue -h -t R -n voxtool -o '%K %i' | sed -n "s/^$before //p")"
 wait_for 60 "a task on the second node" working -w two
 kill -KILL "$node_two"
 
-wait_for 240 "the report" test -e "$work/report.txt"
+reported() { [[ -e $work/report.txt && $(head -n 1 "$work/report.txt") != 3 ]]; }
+wait_for 240 "the report" reported
 [[ $(head -n 1 "$work/report.txt") == 1 ]] || fail "the report does not say that files have failed"
-expect_archive
+expect_archive "$work/report.txt"
 [[ $(sinfo -h -n two -o %T) == down* ]] || fail "the second node is not lost"
 cat "$work"/round-*/task-*.log | grep -q . || fail "the tasks have said nothing"
 echo "slurm_test: $(find "$work" -maxdepth 1 -name 'round-*' | wc -l) rounds, after $SECONDS s"

@@ -2,6 +2,7 @@
 #include "base/Descriptor.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -25,12 +26,26 @@ C_Descriptor::~C_Descriptor() {
   if (m_nFile > STDERR_FILENO) close(m_nFile);
 }
 
+namespace {
+
+// Threads other than the first get no signals, so a read that waits would wait on.
+void WaitForBytes(int nFile) {
+  constexpr int kBetweenLooks = 100;  // ms
+  pollfd file{nFile, POLLIN, 0};
+  do {
+    ThrowIfInterrupted();
+  } while (poll(&file, 1, kBetweenLooks) == 0);
+}
+
+}  // namespace
+
 std::size_t ReadSome(int nFile, std::span<std::byte> bytes, const std::string& strName) {
   while (true) {
-    ThrowIfInterrupted();
+    WaitForBytes(nFile);
     const ssize_t cbRead = read(nFile, bytes.data(), bytes.size());
     if (cbRead >= 0) return static_cast<std::size_t>(cbRead);
-    if (errno != EINTR) throw C_Failure(strName, "cannot be read", SystemReason(errno));
+    const bool bAgain = errno == EINTR || errno == EAGAIN;
+    if (!bAgain) throw C_Failure(strName, "cannot be read", SystemReason(errno));
   }
 }
 

@@ -20,6 +20,8 @@ std::optional<std::string> FailureOf(const std::string& strPath,
     throw;
   } catch (const C_OutputClosed&) {
     throw;
+  } catch (const C_DiskFailure&) {
+    throw;
   } catch (const std::bad_alloc&) {
     return strPath + ": there is not enough memory";
   } catch (const std::exception& failure) {

@@ -12,7 +12,7 @@ namespace tool {
 
 // Does the work on one of several files. Returns the line to complain with when it fails, and the
 // others are to go on. What ends the work on all of them is thrown on: what cannot be meant,
-// interrupts, and that nobody reads standard output any more.
+// interrupts, disks that take nothing more, and that nobody reads standard output any more.
 std::optional<std::string> FailureOf(const std::string& strPath,
                                      const std::function<void()>& fnWork);
 

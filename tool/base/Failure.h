@@ -21,6 +21,19 @@ class C_UsageFailure : public C_Failure {
   using C_Failure::C_Failure;
 };
 
+// A target that is there already and has to stay.
+class C_TargetInWay : public C_Failure {
+ public:
+  using C_Failure::C_Failure;
+};
+
+// The disk takes nothing more: it is full, broken, or cannot be written. Other files would fail in
+// the same way, so the work on all of them ends.
+class C_DiskFailure : public C_Failure {
+ public:
+  using C_Failure::C_Failure;
+};
+
 // The user has asked the program to end (Interrupt.h).
 class C_Interrupted : public std::exception {
  public:
@@ -35,5 +48,8 @@ class C_OutputClosed : public std::exception {
 
 // What the system says about errno.
 std::string SystemReason(int nError);
+
+// Whether a failure to write is a C_DiskFailure.
+[[nodiscard]] bool IsOfDisk(int nError) noexcept;
 
 }  // namespace tool

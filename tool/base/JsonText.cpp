@@ -3,11 +3,43 @@
 
 #include <string_view>
 
+#include "base/Utf8.h"
+
 namespace tool {
 namespace {
 
+std::string HexText(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string strText;
+  for (const char ch : bytes) {
+    const auto byByte = static_cast<unsigned char>(ch);
+    strText += kDigits[byByte >> 4U];
+    strText += kDigits[byByte & 15U];
+  }
+  return strText;
+}
+
+void AddNameBytes(C_Json& json) {
+  for (C_Json& value : json) {
+    if (value.is_structured()) AddNameBytes(value);
+  }
+  if (!json.is_object()) return;
+  for (const char* const pszKey : {"file", "source", "target"}) {
+    const auto name = json.find(pszKey);
+    if (name == json.end() || !name->is_string()) continue;
+    const std::string strName = name->get<std::string>();
+    if (!IsUtf8(strName)) json[std::string(pszKey) + "_bytes"] = HexText(strName);
+  }
+}
+
 std::string Text(const C_Json& json, int nIndent) {
-  return json.dump(nIndent, ' ', false, C_Json::error_handler_t::replace) + '\n';
+  try {
+    return json.dump(nIndent) + '\n';
+  } catch (const C_Json::type_error&) {
+    C_Json named = json;
+    AddNameBytes(named);
+    return named.dump(nIndent, ' ', false, C_Json::error_handler_t::replace) + '\n';
+  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/Failure.h"
+#include "base/TimeText.h"
 #include "options/WholeNumber.h"
 
 namespace tool {
@@ -28,9 +29,13 @@ C_FileList S_BatchOptions::List(C_Console& console, const std::string& strTarget
       std::ranges::count(operands, kStandardInput) + (strList == kStandardInput ? 1 : 0);
   if (nInputs > 1) throw C_UsageFailure("standard input: it can be named only once");
   C_FileList list(bFolders, console, std::move(fnTake));
-  list.LeaveOut(strTargets);
+  list.LeaveFolderOut(strTargets);
+  if (bVerbose) list.NameLeftOut();
   for (const std::string& strOperand : operands) list.AddOperand(strOperand);
   if (!strList.empty()) list.AddListed(strList, bZeros);
+  if (list.CountLeftOut() != 0 && Talk() >= tagTalk::TALK_RESULTS) {
+    console.Complain(CountedText(list.CountLeftOut(), "other file") + " left out");
+  }
   return list;
 }
 

@@ -84,9 +84,9 @@ std::string SummaryText(const S_BatchState& state, const std::string& strDone,
          DurationText(state.dSeconds);
 }
 
-std::string InterruptedText(const S_BatchState& state, const std::string& strDone) {
-  return "interrupted: " + std::to_string(state.qwDone) + " of " + Files(state.qwAll) + ' ' +
-         strDone;
+std::string StoppedText(const std::string& strHow, const S_BatchState& state,
+                        const std::string& strDone) {
+  return strHow + ": " + std::to_string(state.qwDone) + " of " + Files(state.qwAll) + ' ' + strDone;
 }
 
 std::string ProgressText(const S_BatchState& state, double dBegun, double dBegunSeconds,

@@ -29,8 +29,9 @@ struct S_BatchState {
 // strDone is the word for those that are done, strFailed that for the others.
 [[nodiscard]] std::string SummaryText(const S_BatchState& state, const std::string& strDone,
                                       const std::string& strFailed = "failed");
-// The same after the user has interrupted the work: "interrupted: 12 of 2000 files converted".
-[[nodiscard]] std::string InterruptedText(const S_BatchState& state, const std::string& strDone);
+// The same when the work has ended too early: "interrupted: 12 of 2000 files converted".
+[[nodiscard]] std::string StoppedText(const std::string& strHow, const S_BatchState& state,
+                                      const std::string& strDone);
 
 // "[=====     ] 12/2000 files, 345 x real time, 41 s left": as much of it as fits. dBegun are the
 // files that are being worked on, as parts of whole ones, and dBegunSeconds is what is done of

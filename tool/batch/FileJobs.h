@@ -15,6 +15,8 @@ struct S_FileJob {
   std::uint64_t qwKey = 0;  // whatever the giver knows the file by
   // A file that has the name of the target was made by an earlier run and may be replaced.
   bool bOwnTarget = false;
+  // An earlier run made it as well, but somebody else has changed it since.
+  bool bChangedTarget = false;
 };
 
 enum class tagFileState {
@@ -25,7 +27,9 @@ enum class tagFileState {
 
 struct S_FileResult {
   tagFileState eState = tagFileState::FILE_DONE;
-  std::string strReason;  // of a failure: the whole line, "FILE: what: why"
+  // Of a failure, and of what is damaged or cut: the whole line, "FILE: what: why".
+  std::string strReason;
+  bool bTargetInWay = false;  // a failure, because the target exists
   std::uint32_t dwRate = 0;
   std::uint64_t qwFrames = 0;   // that were read
   std::uint64_t qwDamaged = 0;  // of these

@@ -9,12 +9,14 @@
 #include <filesystem>
 #include <span>
 #include <system_error>
+#include <unordered_set>
 
 #include "base/Descriptor.h"
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "batch/ListedNames.h"
 #include "batch/SoundNames.h"
+#include "batch/Targets.h"
 #include "voxplay.hpp"
 
 namespace tool {
@@ -54,21 +56,43 @@ bool IsSound(const std::string& strPath) {
   return !IsUnfinished(NameIn(strPath)) && BeginsLikeOurs(strPath);
 }
 
+enum class tagEntry { ENTRY_FILE, ENTRY_FOLDER, ENTRY_LINKED_FOLDER, ENTRY_HIDDEN, ENTRY_OTHER };
+
 struct S_Entry {
   std::string strPath;
-  bool bFolder = false;
+  tagEntry eKind = tagEntry::ENTRY_OTHER;
 };
+
+tagEntry KindOf(const std::filesystem::directory_entry& entry) {
+  std::error_code none;
+  if (NameIn(entry.path().native()).starts_with('.')) return tagEntry::ENTRY_HIDDEN;
+  if (entry.is_directory(none)) {
+    return entry.is_symlink(none) ? tagEntry::ENTRY_LINKED_FOLDER : tagEntry::ENTRY_FOLDER;
+  }
+  return entry.is_regular_file(none) ? tagEntry::ENTRY_FILE : tagEntry::ENTRY_OTHER;
+}
+
+std::string_view WhyLeftOut(tagEntry eKind) {
+  switch (eKind) {
+    case tagEntry::ENTRY_LINKED_FOLDER:
+      return "it is a link to a folder";
+    case tagEntry::ENTRY_HIDDEN:
+      return "its name begins with a dot";
+    case tagEntry::ENTRY_OTHER:
+      return "it is no regular file";
+    case tagEntry::ENTRY_FILE:
+    case tagEntry::ENTRY_FOLDER:
+      break;
+  }
+  return "it has no extension of sounds";
+}
 
 std::vector<S_Entry> EntriesOf(const std::string& strFolder, std::error_code& error) {
   std::vector<S_Entry> entries;
   const std::filesystem::directory_iterator end;
   for (std::filesystem::directory_iterator it(strFolder, error); !error && it != end;
        it.increment(error)) {
-    std::error_code none;
-    const std::string strPath = it->path().string();
-    if (NameIn(strPath).starts_with('.')) continue;
-    const bool bFolder = it->is_directory(none) && !it->is_symlink(none);
-    if (bFolder || it->is_regular_file(none)) entries.push_back({strPath, bFolder});
+    entries.push_back({it->path().string(), KindOf(*it)});
   }
   std::ranges::sort(entries, {}, &S_Entry::strPath);
   return entries;
@@ -126,12 +150,26 @@ void C_FileList::Walk(const std::string& strFolder, std::size_t nKept) {
   const std::vector<S_Entry> entries = EntriesOf(strFolder, error);
   if (error) Complain(strFolder, "cannot be listed", error.message());
   for (const S_Entry& entry : entries) {
-    if (entry.bFolder) {
+    if (entry.eKind == tagEntry::ENTRY_FOLDER) {
       if (!IsSameFolder(entry.strPath, m_strLeftOut)) Walk(entry.strPath, nKept);
-    } else if (IsSound(entry.strPath)) {
+    } else if (entry.eKind == tagEntry::ENTRY_FILE && IsSound(entry.strPath)) {
       AddFile({entry.strPath, nKept});
+    } else {
+      LeaveOut(entry.strPath, WhyLeftOut(entry.eKind));
     }
   }
+}
+
+void C_FileList::LeaveOut(const std::string& strPath, std::string_view why) {
+  ++m_nLeftOut;
+  if (m_bNamesLeftOut) m_console.Complain(C_Failure(strPath, "is left out", why).what());
+}
+
+void C_FileList::DropRepeated() {
+  std::unordered_set<std::string> known;
+  std::erase_if(m_files, [&known](const S_ListedFile& file) {
+    return !known.insert(PlainPath(file.strPath)).second;
+  });
 }
 
 void C_FileList::Complain(const std::string& strPath, std::string_view what, std::string_view why) {

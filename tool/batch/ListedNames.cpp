@@ -2,6 +2,7 @@
 #include "batch/ListedNames.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -28,6 +29,11 @@ C_Descriptor Open(const std::string& strList) {
   return file;
 }
 
+bool Exists(const std::string& strPath) {
+  struct stat status {};
+  return lstat(strPath.c_str(), &status) == 0;
+}
+
 class C_NameSplitter {
  public:
   C_NameSplitter(std::string strList, char chEnd, const std::function<void(std::string)>& fnName)
@@ -43,10 +49,17 @@ class C_NameSplitter {
     }
   }
   void End() {
-    if (!m_strName.empty()) m_fnName(std::exchange(m_strName, {}));
+    std::string strName = std::exchange(m_strName, {});
+    if (EndsWithReturn(strName)) strName.pop_back();
+    if (!strName.empty()) m_fnName(std::move(strName));
   }
 
  private:
+  // As lists of other systems have it. A name may also end with one.
+  [[nodiscard]] bool EndsWithReturn(const std::string& strName) const {
+    if (m_chEnd != '\n' || !strName.ends_with('\r') || Exists(strName)) return false;
+    return strName.size() == 1 || Exists(strName.substr(0, strName.size() - 1));
+  }
   void Append(std::string_view part) {
     if (part.size() > kLongestName - m_strName.size()) {
       throw C_Failure(m_strList, "is no list of files", "a name is too long");

@@ -59,6 +59,7 @@ S_RunOptions RunOptionsOf(const S_MakeRule& make) {
 
 int MakeFiles(const S_MakeRule& make, const PFN_MakeFile& fnMake, C_Console& console) {
   C_FileList list = make.files.List(console, make.targets.strFolder);
+  list.DropRepeated();
   const PFN_TargetOf fnTargetOf = TargetsOf(make, list);
   C_ListedJobs jobs(list.TakeFiles(), fnTargetOf);
   const S_RunOptions run = RunOptionsOf(make);

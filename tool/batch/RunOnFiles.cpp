@@ -82,9 +82,9 @@ class C_Run {
     WorkInThreads();
     m_console.ShowProgress("");
     m_state.dSeconds = Seconds();
-    if (m_failure) std::rethrow_exception(m_failure);
+    if (m_failure) ThrowOn();
     if (Interrupted()) {
-      Say(InterruptedText(m_state, m_options.strDone));
+      Say(StoppedText("interrupted", m_state, m_options.strDone));
       throw C_Interrupted();
     }
     // Other processes may have taken a part.
@@ -94,6 +94,14 @@ class C_Run {
   }
 
  private:
+  [[noreturn]] void ThrowOn() {
+    try {
+      std::rethrow_exception(m_failure);
+    } catch (const C_DiskFailure&) {
+      Say(StoppedText("stopped", m_state, m_options.strDone));
+      throw;
+    }
+  }
   [[nodiscard]] std::size_t CountThreads() const {
     const std::uint64_t qwWanted = m_options.nThreads == 0 ? Processors() : m_options.nThreads;
     return static_cast<std::size_t>(
@@ -144,10 +152,19 @@ class C_Run {
 
   S_FileResult WorkOn(const S_FileJob& job, C_FileWatch& watch) {
     S_FileResult result;
-    const auto strFailure = FailureOf(job.strSource, [&] { result = m_fnOnFile(job, watch); });
+    bool bInWay = false;
+    const auto strFailure = FailureOf(job.strSource, [&] {
+      try {
+        result = m_fnOnFile(job, watch);
+      } catch (const C_TargetInWay&) {
+        bInWay = true;
+        throw;
+      }
+    });
     if (!strFailure) return result;
     m_console.Complain(*strFailure);
     result.eState = tagFileState::FILE_FAILED;
+    result.bTargetInWay = bInWay;
     result.strReason = *strFailure;
     return result;
   }

@@ -15,6 +15,7 @@
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "batch/SoundNames.h"
+#include "sound/SoundInput.h"
 
 namespace tool {
 namespace {
@@ -48,11 +49,6 @@ std::unordered_set<std::size_t> Repeated(const C_HashedPaths& paths) {
     if (paths[i].nHash == paths[i - 1].nHash) repeated.insert(paths[i].nHash);
   }
   return repeated;
-}
-
-std::string WholeNameBelow(const std::string& strFolder, const S_ListedFile& file,
-                           std::string_view extension) {
-  return (std::filesystem::path(strFolder) / std::string(file.Kept()).append(extension)).string();
 }
 
 class C_ClashSearch {
@@ -108,6 +104,11 @@ std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
   return (std::filesystem::path(strFolder) / WithExtension(file.Kept(), extension)).string();
 }
 
+std::string WholeNameBelow(const std::string& strFolder, const S_ListedFile& file,
+                           std::string_view extension) {
+  return (std::filesystem::path(strFolder) / std::string(file.Kept()).append(extension)).string();
+}
+
 PFN_TargetOf TargetsBelow(const std::string& strFolder, std::string_view extension,
                           const std::vector<S_ListedFile>& files) {
   const auto Plain = [strFolder, strExtension = std::string(extension)](const S_ListedFile& file) {
@@ -139,16 +140,19 @@ void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& f
 
 bool MayWrite(const std::string& strTarget, tagExisting eExisting) {
   struct stat status {};
-  if (eExisting == tagExisting::EXISTING_REPLACED || stat(strTarget.c_str(), &status) != 0) {
-    return true;
+  if (strTarget == kStandardStream || stat(strTarget.c_str(), &status) != 0) return true;
+  if (!S_ISREG(status.st_mode)) {
+    throw C_Failure(strTarget, "cannot be written", "it is no regular file");
   }
+  if (eExisting == tagExisting::EXISTING_REPLACED) return true;
   if (eExisting == tagExisting::EXISTING_SKIPPED) return false;
-  throw C_Failure(strTarget, "exists", "-f replaces it");
+  throw C_TargetInWay(strTarget, "exists", "-f replaces it");
 }
 
 void MakeFolder(const std::string& strFolder) {
   std::error_code error;
   std::filesystem::create_directories(strFolder, error);
+  if (IsOfDisk(error.value())) throw C_DiskFailure(strFolder, "cannot be made", error.message());
   if (error) throw C_Failure(strFolder, "cannot be made", error.message());
 }
 

@@ -27,6 +27,9 @@ struct S_TargetRule {
 // The path below a folder that the target of a file has.
 [[nodiscard]] std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
                                       std::string_view extension);
+// The same with the whole name of the source: "x.wav.png".
+[[nodiscard]] std::string WholeNameBelow(const std::string& strFolder, const S_ListedFile& file,
+                                         std::string_view extension);
 
 // Absolute, and the same for all ways to write a path, as far as its text tells.
 [[nodiscard]] std::string PlainPath(const std::string& strPath);
@@ -43,7 +46,7 @@ using PFN_TargetOf = std::function<std::string(const S_ListedFile& file)>;
 void RefuseClashes(const std::vector<S_ListedFile>& files, const PFN_TargetOf& fnTargetOf);
 
 // Whether a target may be written now: false when it is to be skipped. Throws C_Failure when it
-// exists and must not be replaced.
+// is no regular file, and C_TargetInWay when it exists and must not be replaced.
 [[nodiscard]] bool MayWrite(const std::string& strTarget, tagExisting eExisting);
 
 // Makes a folder, and those that it is in. Throws C_Failure.

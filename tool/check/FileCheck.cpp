@@ -64,6 +64,7 @@ class C_Checker {
     const S_SoundInfo& info = sound->Info();
     m_check.strFormat = info.strFormat;
     m_check.dwRate = info.dwRate;
+    if (info.dwRate == 0) Find(tagVerdict::DAMAGED, "it has no sample rate");
     for (const voxplay::ChunkPlace& chunk : info.chunks) CheckChunk(chunk);
     CheckFrames(*sound, "");
     if (info.ours && info.ours->has_stream != 0 && !IsReadOnce(m_check.strPath)) {

@@ -10,9 +10,11 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "base/TimeText.h"
 #include "convert/LostText.h"
 #include "convert/TargetFormat.h"
 #include "sound/FormatText.h"
+#include "sound/HeldSound.h"
 #include "sound/PeakMeter.h"
 #include "sound/RateChange.h"
 #include "sound/SampleChanges.h"
@@ -21,6 +23,7 @@
 #include "sound/SilenceFinder.h"
 #include "sound/SoundFaults.h"
 #include "sound/SoundOutput.h"
+#include "sound/WholeSound.h"
 
 namespace tool {
 namespace {
@@ -80,6 +83,7 @@ class C_Conversion {
     C_SoundOutput output(m_job.strTarget, AnnouncedFormat(), Order());
     output.OnProgress([this](std::uint64_t qwDone, std::uint64_t qwAll) { Tell(qwDone, qwAll); });
     Convert(output);
+    RefuseIfAllIsMissing(m_qwFrames);
     if (!MayWrite(m_job.strTarget, eExisting)) return Skipped();
     output.Finish();
     return Report(output);
@@ -87,7 +91,7 @@ class C_Conversion {
 
  private:
   static std::unique_ptr<I_SoundInput> Open(const S_FileJob& job, const S_ConvertOptions& options) {
-    auto input = OpenSound(job.strSource, options.dwReadFlags);
+    auto input = WithoutMissingFrames(OpenSound(job.strSource, options.dwReadFlags));
     if (!options.bSum) return input;
     return std::make_unique<C_SummedSound>(std::move(input));
   }
@@ -105,7 +109,14 @@ class C_Conversion {
   void CheckFormat() const {
     const std::string strProblem = voxplay::problem(m_format);
     if (!strProblem.empty()) Refuse(ReasonIn(strProblem));
+    RefuseIfAllIsMissing(m_info.qwFrames);
     if (HasStream(m_format) && m_info.qwFrames == 0) Refuse("it has no samples");
+  }
+
+  void RefuseIfAllIsMissing(std::uint64_t qwFrames) const {
+    const std::uint64_t qwClaimed = ClaimedFrames(m_info);
+    if (qwFrames != 0 || qwClaimed == 0) return;
+    Refuse("the file is cut: none of its " + CountedText(qwClaimed, "frame") + " is there");
   }
 
   // Streams are mono, so all channels are mixed for them.
@@ -119,8 +130,9 @@ class C_Conversion {
 
   // What stands in the file before its samples is right only where they are counted, not guessed.
   [[nodiscard]] tagOutputOrder Order() const {
-    return m_options.silence || !m_info.ours ? tagOutputOrder::NOTES_LAST
-                                             : tagOutputOrder::NOTES_FIRST;
+    const bool bCounted = m_info.ours && !m_input->IsCut();
+    return m_options.silence || !bCounted ? tagOutputOrder::NOTES_LAST
+                                          : tagOutputOrder::NOTES_FIRST;
   }
   [[nodiscard]] voxplay::Format AnnouncedFormat() const {
     voxplay::Format format = m_format;
@@ -183,9 +195,9 @@ class C_Conversion {
       result.qwSum = pSummed->Sum();
     }
     TellDetail();
-    TellDamage(result);
     TellWidth();
-    TellCut(result);
+    result.strReason = FaultLine(Source(), *m_input, m_qwFrames, "converted");
+    if (!result.strReason.empty()) m_report.Remark(result.strReason);
     TellLimited(output.LimitedSamples());
     TellLost(output.Lost());
     return result;
@@ -200,13 +212,6 @@ class C_Conversion {
     m_report.Detail(Source() + ": " + m_info.strFormat + ": becomes " +
                     NameOfTarget(m_job.strTarget) + ", " + FormatText(written) + ", " +
                     std::to_string(m_format.sample_rate) + " Hz");
-  }
-  void TellDamage(const S_FileResult& result) const {
-    if (result.qwDamaged == 0) return;
-    m_report.Remark(DamagedLine(Source(), result.qwDamaged, result.qwFrames));
-  }
-  void TellCut(const S_FileResult& result) const {
-    if (result.bCut) m_report.Remark(CutLine(Source(), *m_input, m_qwFrames, "converted"));
   }
   // What else changes the samples was asked for.
   void TellWidth() const {
@@ -242,6 +247,9 @@ class C_Conversion {
 S_FileResult ConvertFile(const S_FileJob& job, const S_ConvertOptions& options, S_TargetRule rule,
                          const C_FileReport& report, C_FileWatch& watch) {
   const bool bFile = job.strTarget != kStandardStream;
+  if (job.bChangedTarget && rule.eExisting == tagExisting::EXISTING_REFUSED) {
+    throw C_TargetInWay(job.strTarget, "has changed since it was made", "-f replaces it");
+  }
   if (!bFile || job.bOwnTarget) rule.eExisting = tagExisting::EXISTING_REPLACED;
   if (!MayWrite(job.strTarget, rule.eExisting)) {
     S_FileResult result;

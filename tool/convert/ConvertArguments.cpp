@@ -19,6 +19,21 @@ constexpr std::uint32_t kMostRate = 0xFFFFFFFF;
 constexpr double kMostDecibels = 200.0;
 constexpr double kMillisecondsPerSecond = 1000.0;
 
+std::optional<double> NumberIn(std::string_view text) {
+  double dValue = 0.0;
+  const auto [pEnd, eError] = std::from_chars(text.data(), text.data() + text.size(), dValue);
+  const bool bWhole = eError == std::errc() && pEnd == text.data() + text.size();
+  return bWhole && std::isfinite(dValue) ? std::optional(dValue) : std::nullopt;
+}
+
+// CLI::Range takes what is no number for one in its range.
+std::string ProblemOfGain(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  const auto dGain = NumberIn(text);
+  if (dGain && std::abs(*dGain) <= kMostDecibels) return "";
+  return "Value " + std::string(text) + " not in range [-200 - 200]";
+}
+
 void AddFormatArguments(CLI::App& command, S_FormatWords& words) {
   command.add_option("--to", words.strTo, "the format to write, unless its extension says it")
       ->type_name("FORMAT")
@@ -51,7 +66,7 @@ void AddSoundArguments(CLI::App& command, S_ConvertArguments& arguments) {
   CLI::Option* const pGain =
       command.add_option("--gain", arguments.dGain, "louder, or with a minus sign softer")
           ->type_name("DB")
-          ->check(CLI::Range(-kMostDecibels, kMostDecibels).description(""));
+          ->check([](const std::string& strValue) { return ProblemOfGain(strValue); });
   command
       .add_flag("--normalize{-1}", arguments.strNormalize,
                 "bring the loudest sample to -1 dB, or to -DB")
@@ -73,7 +88,7 @@ void AddManifestArguments(CLI::App& command, S_ConvertArguments& arguments) {
           ->type_name("FILE");
   command
       .add_flag("--plan-only", arguments.bPlanOnly,
-                "add IN to the manifest, and convert nothing yet")
+                "add IN, or what --retry-failed means, to the manifest; convert nothing yet")
       ->needs(pManifest);
   command
       .add_flag("--retry-failed", arguments.bRetryFailed,
@@ -85,15 +100,16 @@ void AddManifestArguments(CLI::App& command, S_ConvertArguments& arguments) {
       ->needs(pManifest);
 }
 
-[[noreturn]] void RefuseValue(const std::string& strOption, const std::string& strValue) {
-  throw C_UsageFailure(strOption + ": " + strValue + " cannot be meant");
+void NoteGiven(const CLI::App& command, std::set<std::string>& given) {
+  for (const CLI::Option* const pOption : command.get_options()) {
+    if (pOption->count() == 0) continue;
+    for (const std::string& strName : pOption->get_lnames()) given.insert(strName);
+  }
 }
 
-std::optional<double> NumberIn(std::string_view text) {
-  double dValue = 0.0;
-  const auto [pEnd, eError] = std::from_chars(text.data(), text.data() + text.size(), dValue);
-  const bool bWhole = eError == std::errc() && pEnd == text.data() + text.size();
-  return bWhole && std::isfinite(dValue) ? std::optional(dValue) : std::nullopt;
+[[noreturn]] void RefuseValue(const std::string& strOption, const std::string& strValue,
+                              const std::string& strForm) {
+  throw C_UsageFailure(strOption + ": " + strValue + " is not " + strForm);
 }
 
 // Levels of full scale.
@@ -105,7 +121,7 @@ std::optional<double> LevelIn(std::string_view text) {
 std::optional<double> PeakOf(const std::string& strNormalize) {
   if (strNormalize.empty()) return std::nullopt;
   const auto dDecibels = LevelIn(strNormalize);
-  if (!dDecibels) RefuseValue("--normalize", strNormalize);
+  if (!dDecibels) RefuseValue("--normalize", strNormalize, "-DB, such as -3");
   return GainFactor(*dDecibels);
 }
 
@@ -117,7 +133,7 @@ std::optional<S_SilenceRule> SilenceOf(const std::string& strSilence) {
   const auto dMilliseconds = NumberIn(text.substr(std::min(nColon + 1, text.size())));
   constexpr double kMostMilliseconds = 1e9;
   if (!dDecibels || !dMilliseconds || *dMilliseconds < 0.0 || *dMilliseconds > kMostMilliseconds) {
-    RefuseValue("--detect-silence", strSilence);
+    RefuseValue("--detect-silence", strSilence, "-DB:MS, such as -50:200");
   }
   return S_SilenceRule{*dDecibels, *dMilliseconds / kMillisecondsPerSecond};
 }
@@ -129,9 +145,10 @@ void AddConvertArguments(CLI::App& command, S_ConvertArguments& arguments) {
   AddFormatArguments(command, arguments.format);
   AddSoundArguments(command, arguments);
   AddFileOptions(command, arguments.batch, "IN", tagNames::NAMES_CHECKED_LATER);
-  command.parse_complete_callback([&arguments] {
+  command.parse_complete_callback([&command, &arguments] {
+    NoteGiven(command, arguments.given);
     const bool bGoesOn = !arguments.strManifest.empty() && arguments.target.strFolder.empty() &&
-                         !arguments.bPlanOnly;
+                         (!arguments.bPlanOnly || arguments.bRetryFailed);
     if (!bGoesOn && !arguments.batch.AreNamed()) throw CLI::ValidationError("no file is named");
   });
   AddThreadsOption(command, arguments.batch);

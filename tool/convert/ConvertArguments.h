@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
+#include <set>
 #include <string>
 
 #include "batch/BatchOptions.h"
@@ -27,6 +28,7 @@ struct S_ConvertArguments {
   bool bPlanOnly = false;
   bool bRetryFailed = false;
   bool bReclaim = false;
+  std::set<std::string> given;  // the options that are there, "gain" and so on
 };
 
 // The record must outlive the table.

@@ -25,8 +25,9 @@ constexpr const char* kDescription =
     "A target appears when it is whole, and never replaces a file unless -f is given. Files below "
     "a "
     "folder, and relative names in a list, keep their folders below that of -d. Where two would "
-    "have "
-    "the same name, both keep that of their source: x.wav.kst and x.flac.kst.\n\n"
+    "have the same name, both keep that of their source: x.wav.kst and x.flac.kst. With -r, files "
+    "count that have an extension of sounds, or begin like one of ours; one line says how many "
+    "others are left out.\n\n"
     "With --manifest, a file keeps what is done. The same command, or one without files, goes on "
     "where an earlier one has ended, however it did, and any number of them may run at a time. "
     "Files that have changed are converted again.";

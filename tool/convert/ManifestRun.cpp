@@ -12,6 +12,7 @@
 #include "convert/StoredOptions.h"
 #include "manifest/ManifestJobs.h"
 #include "manifest/Plan.h"
+#include "manifest/Retry.h"
 #include "sound/SoundInput.h"
 
 namespace tool {
@@ -43,8 +44,9 @@ class C_ManifestRun {
 
   int Work() {
     const bool bListed = !m_arguments.batch.AreNamed() || Plan();
+    Retry();
     if (m_arguments.bPlanOnly) return bListed ? 0 : 1;
-    C_ManifestJobs jobs(m_manifest, {m_arguments.bRetryFailed, m_arguments.bReclaim});
+    C_ManifestJobs jobs(m_manifest, {m_arguments.bReclaim});
     const S_BatchState state = Convert(jobs);
     jobs.End();
     const bool bAll = TellFailed(state) && TellElsewhere(jobs);
@@ -54,6 +56,8 @@ class C_ManifestRun {
  private:
   void TakeStored() {
     TakeStoredOptions(m_manifest.Setting(kOptionsSetting), m_manifest.Name(), m_arguments);
+    // Who lists files says anew what happens to targets that exist.
+    if (m_arguments.batch.AreNamed()) return;
     TakeStoredRule(m_manifest.Setting(kExistingSetting), m_arguments.target);
   }
 
@@ -67,13 +71,39 @@ class C_ManifestRun {
           if (file.strPath == kStandardStream) {
             throw C_UsageFailure("standard input has no name, which a manifest needs");
           }
-          plan.Add(PlainPath(file.strPath), PlainPath(TargetBelow(strFolder, file, strExtension)));
+          plan.Add(PlainPath(file.strPath), PlainPath(TargetBelow(strFolder, file, strExtension)),
+                   PlainPath(WholeNameBelow(strFolder, file, strExtension)));
         });
     const S_PlanCounts counts =
         plan.Finish(StoredOptions(m_arguments), StoredRule(m_arguments.target));
-    m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwFiles, "file") + " listed, " +
-                    CountText(counts.qwNew) + " new, " + CountText(counts.qwChanged) + " changed");
+    TellPlan(counts);
     return list.Failures() == 0;
+  }
+  void TellPlan(const S_PlanCounts& counts) const {
+    const std::string strName = m_manifest.Name() + ": ";
+    m_report.Remark(strName + CountedText(counts.qwFiles, "file") + " listed, " +
+                    CountText(counts.qwNew) + " new, " + CountText(counts.qwChanged) +
+                    " changed; " + OptionsText(m_arguments));
+    if (counts.qwKept == 0) return;
+    m_report.Remark(strName + CountedText(counts.qwKept, "file") +
+                    (counts.qwKept == 1 ? " keeps its" : " keep their") +
+                    " first target: " + counts.strKept);
+  }
+
+  // The pieces of a plan are converted by the rule that it has.
+  void Retry() {
+    if (m_arguments.bPlanOnly) m_manifest.Set(kExistingSetting, StoredRule(m_arguments.target));
+    const bool bInWay = m_arguments.target.Rule().eExisting != tagExisting::EXISTING_REFUSED;
+    const S_RetryCounts counts = PlanAgain(m_manifest, {m_arguments.bRetryFailed, bInWay});
+    if (counts.qwAgain != 0) {
+      m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwAgain, "file") +
+                      " that failed " + (counts.qwAgain == 1 ? "is" : "are") + " planned again");
+    }
+    if (counts.qwGone != 0) {
+      m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwGone, "file") +
+                      " that failed " + (counts.qwGone == 1 ? "is" : "are") +
+                      " gone, and forgotten");
+    }
   }
 
   S_BatchState Convert(C_ManifestJobs& jobs) {

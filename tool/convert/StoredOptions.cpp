@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "convert/StoredOptions.h"
 
+#include <type_traits>
+
 #include "base/Failure.h"
 #include "base/JsonText.h"
+#include "manifest/Plan.h"
 
 namespace tool {
 namespace {
 
 constexpr const char* kReplace = "replace";
-constexpr const char* kSkip = "skip";
 
 // Every option by its name on the command line.
 template <typename Arguments, typename Visit>
@@ -28,14 +30,24 @@ void VisitOptions(Arguments& arguments, Visit&& visit) {
   visit("no-notes", arguments.bNoNotes);
 }
 
+// What is not written down.
 template <typename Value>
-bool IsGiven(const Value& value) {
-  return value != Value();
+bool IsUsual(const Value& value) {
+  return value == Value();
+}
+
+// Of what a manifest does not have, the usual value counts.
+template <typename Value>
+Value ValueOf(const C_Json& stored) {
+  return stored.is_null() ? Value() : stored.get<Value>();
+}
+
+std::string TextOf(const C_Json& value) {
+  return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
 std::string ValueText(const C_Json& value) {
-  if (value.is_null()) return "without it";
-  return "with " + (value.is_string() ? value.get<std::string>() : value.dump());
+  return value.is_null() ? "without it" : "with " + TextOf(value);
 }
 
 }  // namespace
@@ -43,9 +55,20 @@ std::string ValueText(const C_Json& value) {
 std::string StoredOptions(const S_ConvertArguments& arguments) {
   C_Json json = C_Json::object();
   VisitOptions(arguments, [&](const char* pszName, const auto& value) {
-    if (IsGiven(value)) json[pszName] = value;
+    if (!IsUsual(value)) json[pszName] = value;
   });
   return json.dump();
+}
+
+std::string OptionsText(const S_ConvertArguments& arguments) {
+  std::string strText;
+  VisitOptions(arguments, [&](const char* pszName, const auto& value) {
+    if (IsUsual(value)) return;
+    strText += (strText.empty() ? "--" : " --") + std::string(pszName);
+    const C_Json json = value;
+    if (!json.is_boolean()) strText += ' ' + TextOf(json);
+  });
+  return strText;
 }
 
 void TakeStoredOptions(const std::string& strStored, const std::string& strName,
@@ -55,7 +78,8 @@ void TakeStoredOptions(const std::string& strStored, const std::string& strName,
     const C_Json json = C_Json::parse(strStored);
     VisitOptions(arguments, [&](const char* pszName, auto& value) {
       const C_Json stored = json.value(pszName, C_Json());
-      if (IsGiven(value) && C_Json(value) != stored) {
+      using C_Value = std::remove_reference_t<decltype(value)>;
+      if (arguments.given.contains(pszName) && value != ValueOf<C_Value>(stored)) {
         throw C_UsageFailure(strName, std::string("--") + pszName + " cannot be another one",
                              "its files are converted " + ValueText(stored));
       }
@@ -68,13 +92,13 @@ void TakeStoredOptions(const std::string& strStored, const std::string& strName,
 
 std::string StoredRule(const S_TargetOptions& target) {
   if (target.bReplace) return kReplace;
-  return target.bSkip ? kSkip : "";
+  return target.bSkip ? kSkipExisting : "";
 }
 
 void TakeStoredRule(const std::string& strStored, S_TargetOptions& target) {
   if (target.bReplace || target.bSkip) return;
   target.bReplace = strStored == kReplace;
-  target.bSkip = strStored == kSkip;
+  target.bSkip = strStored == kSkipExisting;
 }
 
 }  // namespace tool

@@ -12,6 +12,8 @@ namespace tool {
 
 // What changes what is written, as JSON.
 [[nodiscard]] std::string StoredOptions(const S_ConvertArguments& arguments);
+// As they are written: "--to kestrel --bitrate 24000".
+[[nodiscard]] std::string OptionsText(const S_ConvertArguments& arguments);
 // Fills in what is not given; nothing when strStored is "". Throws C_UsageFailure, which strName
 // begins, for what is given and is different, and C_Failure when the text cannot be used.
 void TakeStoredOptions(const std::string& strStored, const std::string& strName,

@@ -59,15 +59,27 @@ C_Database::C_Database(const std::string& strPath, bool bMayMake) : m_strName(st
   Execute("PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON; PRAGMA cache_size=-65536");
 }
 
+void C_Database::SetBeside(const std::string& strName, bool bWritten) {
+  m_strBeside = strName;
+  m_bBesideWritten = bWritten;
+}
+
+// SQLite does not say which of two files it means. The first one has been read before.
+const std::string& C_Database::Blamed(int nResult) const noexcept {
+  const bool bFirst = m_strBeside.empty() || (nResult == SQLITE_FULL && !m_bBesideWritten);
+  return bFirst ? m_strName : m_strBeside;
+}
+
 void C_Database::Throw(int nResult) const {
   if (nResult == SQLITE_NOMEM) throw std::bad_alloc();
   if (nResult == SQLITE_INTERRUPT) throw C_Interrupted();
+  const std::string& strBlamed = Blamed(nResult);
   if (nResult == SQLITE_BUSY) {
     ThrowIfInterrupted();
-    throw C_Failure(m_strName, "cannot be used", "others have been writing it for too long");
+    throw C_Failure(strBlamed, "cannot be used", "others have been writing it for too long");
   }
-  if (nResult == SQLITE_NOTADB) throw C_Failure(m_strName, "is no manifest", "it is no database");
-  throw C_Failure(m_strName, "cannot be used", sqlite3_errmsg(Get()));
+  if (nResult == SQLITE_NOTADB) throw C_Failure(strBlamed, "is no manifest", "it is no database");
+  throw C_Failure(strBlamed, "cannot be used", sqlite3_errmsg(Get()));
 }
 
 void C_Database::Execute(const std::string& strSql) {
@@ -154,12 +166,20 @@ void C_Transaction::Commit() {
   m_bOpen = false;
 }
 
-C_Attached::C_Attached(C_Database& database, const std::string& strPath, std::string strSchema)
+C_Attached::C_Attached(C_Database& database, const std::string& strPath, std::string strSchema,
+                       tagAttached eUse)
     : m_database(database), m_strSchema(std::move(strSchema)) {
-  C_Statement(database, "ATTACH ? AS " + m_strSchema).Bind(1, AbsolutePath(strPath)).Run();
+  try {
+    database.SetBeside(strPath, eUse == tagAttached::ATTACHED_WRITTEN);
+    C_Statement(database, "ATTACH ? AS " + m_strSchema).Bind(1, AbsolutePath(strPath)).Run();
+  } catch (...) {
+    database.SetBeside("");
+    throw;
+  }
 }
 
 C_Attached::~C_Attached() {
+  m_database.SetBeside("");
   sqlite3_exec(m_database.Get(), ("DETACH " + m_strSchema).c_str(), nullptr, nullptr, nullptr);
 }
 

@@ -29,13 +29,20 @@ class C_Database {
   [[nodiscard]] const std::string& Name() const noexcept { return m_strName; }
   // Throws what the result of a call of SQLite means.
   [[noreturn]] void Throw(int nResult) const;
+  // Another file that is used at the same time, "" for none. What fails is blamed on it, but for
+  // what cannot be written when it is only read.
+  void SetBeside(const std::string& strName, bool bWritten = false);
 
  private:
   struct S_Close {
     void operator()(sqlite3* pDatabase) const noexcept { sqlite3_close_v2(pDatabase); }
   };
 
+  [[nodiscard]] const std::string& Blamed(int nResult) const noexcept;
+
   std::string m_strName;
+  std::string m_strBeside;
+  bool m_bBesideWritten = false;
   std::unique_ptr<sqlite3, S_Close> m_database;
 };
 
@@ -87,9 +94,11 @@ class C_Transaction {
 };
 
 // Another database beside the first, under a name that stands before its tables.
+enum class tagAttached { ATTACHED_READ, ATTACHED_WRITTEN };
 class C_Attached {
  public:
-  C_Attached(C_Database& database, const std::string& strPath, std::string strSchema);
+  C_Attached(C_Database& database, const std::string& strPath, std::string strSchema,
+             tagAttached eUse);
   ~C_Attached();
   C_Attached(const C_Attached&) = delete;
   C_Attached& operator=(const C_Attached&) = delete;

@@ -18,4 +18,10 @@ struct S_FileStamp {
 // Nothing where no file is.
 [[nodiscard]] std::optional<S_FileStamp> StampOf(const std::string& strPath) noexcept;
 
+// Whether there is certainly nothing of that name.
+[[nodiscard]] bool IsGone(const std::string& strPath) noexcept;
+
+// Whether two names lead to the same file.
+[[nodiscard]] bool AreSameFile(const std::string& strPath, const std::string& strOther) noexcept;
+
 }  // namespace tool

@@ -7,7 +7,7 @@ namespace tool {
 namespace {
 
 constexpr std::int64_t kApplication = 0x56584D46;  // "VXMF"
-constexpr std::int64_t kVersion = 1;
+constexpr std::int64_t kVersion = 2;
 
 std::int64_t Pragma(C_Database& database, const std::string& strSchema, const char* pszName) {
   C_Statement statement(database, "PRAGMA " + strSchema + '.' + pszName);
@@ -34,6 +34,7 @@ void Count(const C_Statement& row, S_ManifestCounts& counts) {
       counts.qwDone = qwCount;
       counts.qwDamaged = static_cast<std::uint64_t>(row.Integer(2));
       counts.dSeconds = row.Real(3);
+      counts.qwCut = static_cast<std::uint64_t>(row.Integer(5));
       break;
     case tagRowState::ROW_FAILED:
       counts.qwFailed = qwCount;
@@ -58,15 +59,18 @@ void MakeTables(C_Database& database, const std::string& strSchema) {
                    "state INTEGER NOT NULL DEFAULT 0,"
                    // How often it has been planned anew.
                    "plan INTEGER NOT NULL DEFAULT 0,"
-                   // Whether the target, if it is there, was made by us.
                    "own INTEGER NOT NULL DEFAULT 0,"
                    "worker INTEGER,"
                    "claimed INTEGER,"
                    "target_bytes INTEGER,"
+                   "target_modified INTEGER,"
                    "rate INTEGER,"
                    "frames INTEGER,"
                    "damaged INTEGER,"
+                   "cut INTEGER,"
                    "checksum TEXT,"
+                   // Of what has failed: whether that was because the target was there.
+                   "in_way INTEGER NOT NULL DEFAULT 0,"
                    "reason TEXT)");
   database.Execute("CREATE INDEX " + strIn + "files_by_state ON files(state)");
   database.Execute("CREATE TABLE " + strIn +
@@ -119,7 +123,7 @@ S_ManifestCounts C_Manifest::Counts() {
   C_Statement select(m_database,
                      "SELECT state, COUNT(*), SUM(damaged > 0), "
                      "SUM(CASE WHEN rate > 0 THEN CAST(frames AS REAL) / rate ELSE 0 END), "
-                     "SUM(bytes) FROM main.files GROUP BY state");
+                     "SUM(bytes), SUM(cut) FROM main.files GROUP BY state");
   S_ManifestCounts counts;
   while (select.Next()) tool::Count(select, counts);
   return counts;

@@ -24,6 +24,15 @@ enum class tagRowState : std::int64_t {
   ROW_SKIPPED = 4,  // its target was there already
 };
 
+// Who made the target, as the column "own" has it. What users have made of a target since then is
+// theirs.
+enum class tagTargetMaker : std::int64_t {
+  MAKER_OTHERS = 0,     // if it is there
+  MAKER_US = 1,         // while its size and time are those that the row has
+  MAKER_US_SURELY = 2,  // whatever is there: a process has died that may have made it
+  MAKER_NOBODY = 3,     // nothing was there when the file was claimed
+};
+
 enum class tagManifestUse {
   MANIFEST_EXISTING,
   MANIFEST_MAYBE_NEW,
@@ -36,6 +45,7 @@ struct S_ManifestCounts {
   std::uint64_t qwFailed = 0;
   std::uint64_t qwSkipped = 0;
   std::uint64_t qwDamaged = 0;  // of those that are done: files with damaged frames
+  std::uint64_t qwCut = 0;      // the same: files whose end is missing
   double dSeconds = 0.0;        // of sound that is done
   std::uint64_t qwBytes = 0;    // of the sources that are planned or claimed
 

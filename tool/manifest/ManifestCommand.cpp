@@ -16,11 +16,13 @@ void AddManifestCommand(C_CommandLine& commandLine) {
        "reason, and its frames and the checksum of its decoded sound.",
        {{"voxtool manifest status archive.db", "show how many files are done"},
         {"voxtool manifest failed archive.db", "list what has failed, and why"},
+        {"voxtool manifest damaged archive.db", "list what is converted, but damaged or cut"},
         {"voxtool manifest split 16 archive.db -o piece-%d.db", "divide it among 16 machines"},
         {"voxtool manifest merge archive.db piece-*.db", "take back what they have done"}},
        {}});
   AddStatusCommand(commandLine, command);
   AddFailedCommand(commandLine, command);
+  AddDamagedCommand(commandLine, command);
   AddSplitCommand(commandLine, command);
   AddMergeCommand(commandLine, command);
 }

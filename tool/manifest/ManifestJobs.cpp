@@ -28,16 +28,15 @@ std::string HexText(std::uint64_t qwValue) {
   return {digits.begin(), digits.end()};
 }
 
-tagRowState RowStateOf(tagFileState eState) {
-  switch (eState) {
-    case tagFileState::FILE_DONE:
-      return tagRowState::ROW_DONE;
-    case tagFileState::FILE_SKIPPED:
-      return tagRowState::ROW_SKIPPED;
-    case tagFileState::FILE_FAILED:
-      break;
-  }
-  return tagRowState::ROW_FAILED;
+std::int64_t Number(tagTargetMaker eMaker) { return static_cast<std::int64_t>(eMaker); }
+
+// A target that is not there now is ours when it is there later, even if this process dies.
+tagTargetMaker MakerNow(const std::string& strTarget, tagTargetMaker eBefore,
+                        const S_FileStamp& before) {
+  const auto now = StampOf(strTarget);
+  if (!now) return tagTargetMaker::MAKER_NOBODY;
+  const bool bChanged = eBefore == tagTargetMaker::MAKER_US && *now != before;
+  return bChanged ? tagTargetMaker::MAKER_OTHERS : eBefore;
 }
 
 }  // namespace
@@ -45,14 +44,19 @@ tagRowState RowStateOf(tagFileState eState) {
 C_ManifestJobs::C_ManifestJobs(C_Manifest& manifest, S_ManifestWork work)
     : m_manifest(manifest),
       m_select(manifest.Database(),
-               "SELECT id, source, target, own FROM main.files WHERE state = 0 "
-               "ORDER BY id LIMIT ?"),
+               "SELECT id, source, target, own, target_bytes, target_modified FROM main.files "
+               "WHERE state = 0 ORDER BY id LIMIT ?"),
       m_claim(manifest.Database(),
               "UPDATE main.files SET state = 1, worker = ?, claimed = ?, own = ? WHERE id = ?"),
-      m_record(manifest.Database(),
-               "UPDATE main.files SET state = ?, bytes = ?, modified = ?, target_bytes = ?, "
-               "rate = ?, frames = ?, damaged = ?, checksum = ?, reason = ? "
-               "WHERE id = ? AND state = 1 AND worker = ?"),
+      m_recordMade(manifest.Database(),
+                   "UPDATE main.files SET bytes = ?, modified = ?, reason = ?, state = ?, own = ?, "
+                   "target_bytes = ?, target_modified = ?, rate = ?, frames = ?, damaged = ?, "
+                   "cut = ?, checksum = ? WHERE id = ? AND state = 1 AND worker = ?"),
+      // What stood in place of the target is as it was.
+      m_recordFailed(manifest.Database(),
+                     "UPDATE main.files SET bytes = ?, modified = ?, reason = ?, state = 3, "
+                     "own = CASE own WHEN 3 THEN 0 ELSE own END, in_way = ? "
+                     "WHERE id = ? AND state = 1 AND worker = ?"),
       m_nBatch(kFirstBatch),
       m_lastClaim(C_Clock::now()),
       m_lastRecord(C_Clock::now()) {
@@ -70,9 +74,6 @@ void C_ManifestJobs::Begin(S_ManifestWork work) {
   C_Transaction transaction(m_manifest.Database());
   m_nWorker = NumberOf(ThisWorker(), m_manifest);
   m_qwElsewhere = FreeAbandoned(m_manifest, work.bElsewhere);
-  if (work.bRetryFailed) {
-    m_manifest.Database().Execute("UPDATE main.files SET state = 0, reason = NULL WHERE state = 3");
-  }
   m_qwCount = m_manifest.Count(tagRowState::ROW_PLANNED);
   transaction.Commit();
 }
@@ -119,21 +120,25 @@ void C_ManifestJobs::ChooseBatch() {
   if (taken > kLongBatch) m_nBatch = std::max(m_nBatch / 2, kFirstBatch);
 }
 
-// A target that is not there now is ours when it is there later, even if this process dies.
 std::vector<S_FileJob> C_ManifestJobs::Claimed() {
   std::vector<S_FileJob> jobs;
+  std::vector<tagTargetMaker> makers;
   m_select.Bind(1, m_nBatch);
   while (m_select.Next()) {
     S_FileJob& job = jobs.emplace_back();
     job.qwKey = static_cast<std::uint64_t>(m_select.Integer(0));
     job.strSource = m_select.Text(1);
     job.strTarget = m_select.Text(2);
-    job.bOwnTarget = m_select.Integer(3) != 0 || !StampOf(job.strTarget);
+    const auto eBefore = static_cast<tagTargetMaker>(m_select.Integer(3));
+    const S_FileStamp before{m_select.Integer(4), m_select.Integer(5)};
+    makers.push_back(MakerNow(job.strTarget, eBefore, before));
+    job.bOwnTarget = makers.back() != tagTargetMaker::MAKER_OTHERS;
+    job.bChangedTarget = !job.bOwnTarget && eBefore == tagTargetMaker::MAKER_US;
   }
   const std::int64_t nNow = std::time(nullptr);
-  for (const S_FileJob& job : jobs) {
-    m_claim.Bind(1, m_nWorker).Bind(2, nNow).Bind(3, std::int64_t{job.bOwnTarget ? 1 : 0});
-    m_claim.Bind(4, static_cast<std::int64_t>(job.qwKey)).Run();
+  for (std::size_t i = 0; i < jobs.size(); ++i) {
+    m_claim.Bind(1, m_nWorker).Bind(2, nNow).Bind(3, Number(makers[i]));
+    m_claim.Bind(4, static_cast<std::int64_t>(jobs[i].qwKey)).Run();
   }
   return jobs;
 }
@@ -147,17 +152,32 @@ void C_ManifestJobs::RecordSoon() {
 }
 
 void C_ManifestJobs::Record(const S_Ended& ended) {
+  const bool bFailed = ended.result.eState == tagFileState::FILE_FAILED;
+  C_Statement& record = bFailed ? m_recordFailed : m_recordMade;
+  record.Bind(1, ended.source.nBytes).Bind(2, ended.source.nModified).BindNothing(3);
+  if (!ended.result.strReason.empty()) record.Bind(3, ended.result.strReason);
+  bFailed ? RecordFailed(ended) : RecordMade(ended);
+}
+
+void C_ManifestJobs::RecordMade(const S_Ended& ended) {
   const S_FileResult& result = ended.result;
-  m_record.Bind(1, static_cast<std::int64_t>(RowStateOf(result.eState)));
-  m_record.Bind(2, ended.source.nBytes).Bind(3, ended.source.nModified);
-  m_record.Bind(4, StampOf(ended.job.strTarget).value_or(S_FileStamp()).nBytes);
-  m_record.Bind(5, std::int64_t{result.dwRate});
-  m_record.Bind(6, static_cast<std::int64_t>(result.qwFrames));
-  m_record.Bind(7, static_cast<std::int64_t>(result.qwDamaged));
-  m_record.BindNothing(8).BindNothing(9);
-  if (result.qwSum) m_record.Bind(8, HexText(*result.qwSum));
-  if (!result.strReason.empty()) m_record.Bind(9, result.strReason);
-  m_record.Bind(10, static_cast<std::int64_t>(ended.job.qwKey)).Bind(11, m_nWorker).Run();
+  const bool bDone = result.eState == tagFileState::FILE_DONE;
+  const S_FileStamp target = StampOf(ended.job.strTarget).value_or(S_FileStamp());
+  m_recordMade.Bind(
+      4, static_cast<std::int64_t>(bDone ? tagRowState::ROW_DONE : tagRowState::ROW_SKIPPED));
+  m_recordMade.Bind(5, Number(bDone ? tagTargetMaker::MAKER_US : tagTargetMaker::MAKER_OTHERS));
+  m_recordMade.Bind(6, target.nBytes).Bind(7, target.nModified);
+  m_recordMade.Bind(8, std::int64_t{result.dwRate});
+  m_recordMade.Bind(9, static_cast<std::int64_t>(result.qwFrames));
+  m_recordMade.Bind(10, static_cast<std::int64_t>(result.qwDamaged));
+  m_recordMade.Bind(11, std::int64_t{result.bCut ? 1 : 0}).BindNothing(12);
+  if (result.qwSum) m_recordMade.Bind(12, HexText(*result.qwSum));
+  m_recordMade.Bind(13, static_cast<std::int64_t>(ended.job.qwKey)).Bind(14, m_nWorker).Run();
+}
+
+void C_ManifestJobs::RecordFailed(const S_Ended& ended) {
+  m_recordFailed.Bind(4, std::int64_t{ended.result.bTargetInWay ? 1 : 0});
+  m_recordFailed.Bind(5, static_cast<std::int64_t>(ended.job.qwKey)).Bind(6, m_nWorker).Run();
 }
 
 void C_ManifestJobs::RecordAll() {
@@ -167,8 +187,8 @@ void C_ManifestJobs::RecordAll() {
 
 void C_ManifestJobs::GiveBack() {
   C_Statement(m_manifest.Database(),
-              "UPDATE main.files SET state = 0, worker = NULL, claimed = NULL "
-              "WHERE state = 1 AND worker = ?")
+              "UPDATE main.files SET state = 0, worker = NULL, claimed = NULL, "
+              "own = CASE own WHEN 3 THEN 0 ELSE own END WHERE state = 1 AND worker = ?")
       .Bind(1, m_nWorker)
       .Run();
 }

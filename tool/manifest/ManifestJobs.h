@@ -15,7 +15,6 @@
 namespace tool {
 
 struct S_ManifestWork {
-  bool bRetryFailed = false;
   bool bElsewhere = false;  // take over what was claimed on other machines
 };
 
@@ -54,13 +53,16 @@ class C_ManifestJobs final : public I_FileJobs {
   std::vector<S_FileJob> Claimed();
   void RecordSoon();
   void Record(const S_Ended& ended);
+  void RecordMade(const S_Ended& ended);
+  void RecordFailed(const S_Ended& ended);
   void RecordAll();
   void GiveBack();
 
   C_Manifest& m_manifest;
   C_Statement m_select;
   C_Statement m_claim;
-  C_Statement m_record;
+  C_Statement m_recordMade;
+  C_Statement m_recordFailed;
   std::int64_t m_nWorker = 0;
   std::uint64_t m_qwCount = 0;
   std::uint64_t m_qwElsewhere = 0;

@@ -50,12 +50,19 @@ int RunSplit(const S_SplitOptions& options, C_Console& console) {
   return 0;
 }
 
+std::string ForeignText(std::uint64_t qwForeign, const C_Manifest& manifest) {
+  if (qwForeign == 0) return "";
+  return ", " + CountedText(qwForeign, "file") + " that " + Printable(manifest.Name()) +
+         " does not have";
+}
+
 int RunMerge(const S_MergeOptions& options, C_Console& console) {
   C_Manifest manifest(options.strManifest, tagManifestUse::MANIFEST_EXISTING);
   return ForEachFile(options.pieces, console, [&](const std::string& strPiece) {
     const S_MergeCounts counts = Merge(manifest, strPiece);
     console.Print(Printable(strPiece) + ": " + CountedText(counts.qwTaken, "new result") + ", " +
-                  CountedText(counts.qwLeft, "file") + " left\n");
+                  CountedText(counts.qwLeft, "file") + " left" +
+                  ForeignText(counts.qwForeign, manifest) + '\n');
   });
 }
 

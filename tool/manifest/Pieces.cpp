@@ -13,6 +13,7 @@
 #include "base/Descriptor.h"
 #include "base/Failure.h"
 #include "base/Interrupt.h"
+#include "manifest/FileStamp.h"
 #include "manifest/Worker.h"
 
 namespace tool {
@@ -85,14 +86,16 @@ void Share(C_Database& database, std::vector<S_Piece>& pieces) {
 void WritePiece(C_Database& database, const std::string& strPath, std::size_t nPiece) {
   const C_NewPiece file(strPath);
   {
-    const C_Attached attached(database, file.NewPath(), "piece");
+    const C_Attached attached(database, file.NewPath(), "piece", tagAttached::ATTACHED_WRITTEN);
     // Nothing is lost with a file that is not whole.
     database.Execute("PRAGMA piece.journal_mode=MEMORY; PRAGMA piece.synchronous=OFF; BEGIN");
     MakeTables(database, "piece");
     database.Execute("INSERT INTO piece.settings SELECT name, value FROM main.settings");
     C_Statement(database,
-                "INSERT INTO piece.files(id, source, target, bytes, modified, plan, own) "
-                "SELECT f.id, source, target, bytes, modified, plan, own FROM temp.share s "
+                "INSERT INTO piece.files(id, source, target, bytes, modified, plan, own, "
+                "target_bytes, target_modified) "
+                "SELECT f.id, source, target, bytes, modified, plan, own, target_bytes, "
+                "target_modified FROM temp.share s "
                 "JOIN main.files f ON f.id = s.id WHERE s.piece = ? ORDER BY f.id")
         .Bind(1, static_cast<std::int64_t>(nPiece))
         .Run();
@@ -109,17 +112,37 @@ constexpr const char* kTakeResults =
     "UPDATE main.files SET state = p.state, bytes = p.bytes, modified = p.modified, own = p.own, "
     "worker = (SELECT w.id FROM piece.workers pw JOIN main.workers w ON w.host = pw.host AND "
     "w.machine = pw.machine AND w.process = pw.process AND w.start = pw.start "
-    "WHERE pw.id = p.worker), claimed = p.claimed, target_bytes = p.target_bytes, rate = p.rate, "
-    "frames = p.frames, damaged = p.damaged, checksum = p.checksum, reason = p.reason "
+    "WHERE pw.id = p.worker), claimed = p.claimed, target_bytes = p.target_bytes, "
+    "target_modified = p.target_modified, rate = p.rate, frames = p.frames, "
+    "damaged = p.damaged, cut = p.cut, checksum = p.checksum, in_way = p.in_way, "
+    "reason = p.reason "
     "FROM piece.files p WHERE p.id = files.id AND p.source = files.source AND "
     "p.target = files.target AND p.plan = files.plan AND p.state IN (2, 3, 4) AND "
     "(files.state IN (0, 1) OR (files.state = 3 AND (p.state <> 3 OR p.reason <> files.reason)))";
 
-// Of files that were begun and not ended there: their targets, if they are there, are ours.
-constexpr const char* kTakeTargets =
-    "UPDATE main.files SET own = 1 FROM piece.files p "
-    "WHERE files.id IN (SELECT id FROM piece.files WHERE own = 1) AND p.id = files.id AND "
-    "p.source = files.source AND p.target = files.target AND p.own = 1 AND files.own = 0";
+// Of files that have been planned anew since then: their targets are ours all the same.
+constexpr const char* kTakeMade =
+    "UPDATE main.files SET own = 1, target_bytes = p.target_bytes, "
+    "target_modified = p.target_modified FROM piece.files p "
+    "WHERE files.id IN (SELECT id FROM piece.files WHERE own = 1 AND state <> 1) AND "
+    "p.id = files.id AND p.source = files.source AND p.target = files.target AND files.own = 0";
+
+// Of files that were begun and not ended there: whatever is there is ours.
+constexpr const char* kTakeBegun =
+    "UPDATE main.files SET own = 2 FROM piece.files p "
+    "WHERE files.id IN (SELECT id FROM piece.files WHERE own = 2 OR (own <> 0 AND state = 1)) "
+    "AND p.id = files.id AND p.source = files.source AND p.target = files.target AND "
+    "p.plan = files.plan AND files.state IN (0, 1) AND files.own IN (0, 1)";
+
+// What was added to the piece alone.
+constexpr const char* kCountForeign =
+    "SELECT COUNT(*) FROM piece.files p WHERE NOT EXISTS "
+    "(SELECT 1 FROM main.files f WHERE f.id = p.id AND f.source = p.source)";
+
+std::uint64_t CountIn(C_Database& database, const char* pszSelect) {
+  C_Statement select(database, pszSelect);
+  return select.Next() ? static_cast<std::uint64_t>(select.Integer(0)) : 0;
+}
 
 void CheckFamily(C_Manifest& manifest, const std::string& strPiece) {
   CheckTables(manifest.Database(), "piece", strPiece);
@@ -146,19 +169,21 @@ void Split(C_Manifest& manifest, std::vector<S_Piece>& pieces, bool bReplace) {
 
 S_MergeCounts Merge(C_Manifest& manifest, const std::string& strPiece) {
   if (!Exists(strPiece)) throw C_Failure(strPiece, "cannot be opened", SystemReason(ENOENT));
+  if (AreSameFile(strPiece, manifest.Name())) {
+    throw C_Failure(strPiece, "is no piece", "it is the manifest itself");
+  }
   C_Database& database = manifest.Database();
-  const C_Attached attached(database, strPiece, "piece");
+  const C_Attached attached(database, strPiece, "piece", tagAttached::ATTACHED_READ);
   CheckFamily(manifest, strPiece);
   C_Transaction transaction(database);
   database.Execute(kTakeWorkers);
   database.Execute(kTakeResults);
   S_MergeCounts counts;
   counts.qwTaken = database.Changes();
-  database.Execute(kTakeTargets);
-  {
-    C_Statement left(database, "SELECT COUNT(*) FROM piece.files WHERE state IN (0, 1)");
-    if (left.Next()) counts.qwLeft = static_cast<std::uint64_t>(left.Integer(0));
-  }
+  database.Execute(kTakeMade);
+  database.Execute(kTakeBegun);
+  counts.qwLeft = CountIn(database, "SELECT COUNT(*) FROM piece.files WHERE state IN (0, 1)");
+  counts.qwForeign = CountIn(database, kCountForeign);
   transaction.Commit();
   return counts;
 }

@@ -24,8 +24,9 @@ struct S_Piece {
 void Split(C_Manifest& manifest, std::vector<S_Piece>& pieces, bool bReplace);
 
 struct S_MergeCounts {
-  std::uint64_t qwTaken = 0;  // results that are new
-  std::uint64_t qwLeft = 0;   // files that are not done in the piece
+  std::uint64_t qwTaken = 0;    // results that are new
+  std::uint64_t qwLeft = 0;     // files that are not done in the piece
+  std::uint64_t qwForeign = 0;  // files that only the piece has, which are not taken
 };
 
 // Takes the results of a piece. Those of files that have been planned anew since then do not count,

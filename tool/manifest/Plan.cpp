@@ -13,7 +13,7 @@ C_Database& WithTables(C_Manifest& manifest) {
       "PRAGMA temp.cache_size=-65536;"
       "DROP TABLE IF EXISTS temp.plan;"
       "DROP TABLE IF EXISTS temp.lost;"
-      "CREATE TEMP TABLE plan(source TEXT PRIMARY KEY, target TEXT, bytes INTEGER,"
+      "CREATE TEMP TABLE plan(source TEXT PRIMARY KEY, target TEXT, other TEXT, bytes INTEGER,"
       "modified INTEGER) WITHOUT ROWID;"
       "CREATE TEMP TABLE lost(id INTEGER PRIMARY KEY)");
   return manifest.Database();
@@ -24,15 +24,17 @@ C_Database& WithTables(C_Manifest& manifest) {
 C_Plan::C_Plan(C_Manifest& manifest)
     : m_manifest(manifest),
       m_database(WithTables(manifest)),
-      m_insert(m_database, "INSERT OR IGNORE INTO temp.plan VALUES(?, ?, ?, ?)") {
+      m_insert(m_database, "INSERT OR IGNORE INTO temp.plan VALUES(?, ?, ?, ?, ?)") {
   // Nothing is locked by what happens to these tables alone.
   m_database.Execute("BEGIN");
 }
 
-void C_Plan::Add(const std::string& strSource, const std::string& strTarget) {
+void C_Plan::Add(const std::string& strSource, const std::string& strTarget,
+                 const std::string& strOther) {
   ThrowIfInterrupted();
   const S_FileStamp stamp = StampOf(strSource).value_or(S_FileStamp());
-  m_insert.Bind(1, strSource).Bind(2, strTarget).Bind(3, stamp.nBytes).Bind(4, stamp.nModified);
+  m_insert.Bind(1, strSource).Bind(2, strTarget).Bind(3, strOther);
+  m_insert.Bind(4, stamp.nBytes).Bind(5, stamp.nModified);
   m_insert.Run();
 }
 
@@ -41,11 +43,13 @@ S_PlanCounts C_Plan::Finish(const std::string& strOptions, const std::string& st
   LeaveOutTargets();
   FindLostTargets();
   C_Transaction transaction(m_database);
+  S_PlanCounts counts;
+  PartSameTargets();
+  KeepTargets(counts);
   RefuseSameTargets();
   RefuseTargetsOfOthers();
-  RefuseTargetsThatAreSources();
+  RefuseTargetsThatAreSources(strExisting == kSkipExisting);
   Settle(strOptions, strExisting);
-  S_PlanCounts counts;
   counts.qwChanged = Change();
   counts.qwNew = AddNew();
   C_Statement count(m_database, "SELECT COUNT(*) FROM temp.plan");
@@ -60,6 +64,30 @@ void C_Plan::LeaveOutTargets() {
   m_database.Execute(
       "DELETE FROM temp.plan AS p "
       "WHERE EXISTS (SELECT 1 FROM main.files f WHERE f.target = p.source)");
+}
+
+// Moving them would leave the first ones behind.
+void C_Plan::KeepTargets(S_PlanCounts& counts) {
+  C_Statement select(m_database,
+                     "SELECT f.target FROM temp.plan p JOIN main.files f ON f.source = p.source "
+                     "WHERE f.target NOT IN (p.target, p.other) ORDER BY p.source LIMIT 1");
+  if (select.Next()) counts.strKept = select.Text(0);
+  select.Reset();
+  m_database.Execute(
+      "UPDATE temp.plan SET target = f.target FROM main.files f "
+      "WHERE f.source = plan.source AND f.target = plan.other");
+  m_database.Execute(
+      "UPDATE temp.plan SET target = f.target FROM main.files f "
+      "WHERE f.source = plan.source AND f.target <> plan.target");
+  counts.qwKept = m_database.Changes();
+}
+
+void C_Plan::PartSameTargets() {
+  m_database.Execute(
+      "UPDATE temp.plan SET target = other WHERE other <> '' AND "
+      "NOT EXISTS (SELECT 1 FROM main.files f WHERE f.source = plan.source) AND "
+      "(target IN (SELECT target FROM temp.plan GROUP BY target HAVING COUNT(*) > 1) OR "
+      "EXISTS (SELECT 1 FROM main.files f WHERE f.target = plan.target))");
 }
 
 void C_Plan::RefuseSameTargets() {
@@ -78,24 +106,26 @@ void C_Plan::RefuseTargetsOfOthers() {
   throw C_UsageFailure(select.Text(0), "has the same target as " + select.Text(1), select.Text(2));
 }
 
-void C_Plan::RefuseTargetsThatAreSources() {
+void C_Plan::RefuseTargetsThatAreSources(bool bSkips) {
   C_Statement select(m_database,
                      "SELECT p.source, p.target FROM temp.plan p WHERE "
+                     "(p.source <> p.target OR NOT ?) AND ("
                      "EXISTS (SELECT 1 FROM temp.plan q WHERE q.source = p.target) OR "
-                     "EXISTS (SELECT 1 FROM main.files f WHERE f.source = p.target) LIMIT 1");
+                     "EXISTS (SELECT 1 FROM main.files f WHERE f.source = p.target)) LIMIT 1");
+  select.Bind(1, std::int64_t{bSkips ? 1 : 0});
   if (!select.Next()) return;
   throw C_UsageFailure(select.Text(0), "its target is to be read as well", select.Text(1));
 }
 
-// Before anything is locked, because it may take long.
+// Targets that are gone, as are those that were in the way. Before anything is locked, because it
+// may take long.
 void C_Plan::FindLostTargets() {
   C_Statement select(m_database,
-                     "SELECT f.id, f.target, f.target_bytes FROM temp.plan p "
-                     "JOIN main.files f ON f.source = p.source WHERE f.state IN (2, 4)");
+                     "SELECT f.id, f.target FROM temp.plan p JOIN main.files f "
+                     "ON f.source = p.source WHERE f.state IN (2, 4) OR f.in_way <> 0");
   C_Statement insert(m_database, "INSERT INTO temp.lost VALUES(?)");
   while (select.Next()) {
-    const auto stamp = StampOf(select.Text(1));
-    if (!stamp || stamp->nBytes != select.Integer(2)) insert.Bind(1, select.Integer(0)).Run();
+    if (!StampOf(select.Text(1))) insert.Bind(1, select.Integer(0)).Run();
   }
 }
 
@@ -111,12 +141,11 @@ void C_Plan::Settle(const std::string& strOptions, const std::string& strExistin
 // What a process works on stays: it sees the new source, or the next plan does.
 std::uint64_t C_Plan::Change() {
   m_database.Execute(
-      "UPDATE main.files SET own = (own AND files.target = p.target), target = p.target, "
-      "bytes = p.bytes, modified = p.modified, state = 0, plan = plan + 1, worker = NULL, "
-      "claimed = NULL, target_bytes = NULL, rate = NULL, frames = NULL, damaged = NULL, "
-      "checksum = NULL, reason = NULL "
+      "UPDATE main.files SET bytes = p.bytes, modified = p.modified, state = 0, plan = plan + 1, "
+      "worker = NULL, claimed = NULL, rate = NULL, frames = NULL, damaged = NULL, cut = NULL, "
+      "checksum = NULL, in_way = 0, reason = NULL "
       "FROM temp.plan p WHERE p.source = files.source AND files.state <> 1 AND "
-      "(p.bytes <> files.bytes OR p.modified <> files.modified OR p.target <> files.target OR "
+      "(p.bytes <> files.bytes OR p.modified <> files.modified OR "
       "files.id IN (SELECT id FROM temp.lost))");
   return m_database.Changes();
 }

@@ -18,6 +18,16 @@ struct S_Options {
   bool bJson = false;
 };
 
+// A file may be both.
+std::string DamageText(const S_ManifestCounts& counts) {
+  std::string strText;
+  if (counts.qwDamaged != 0) strText = CountText(counts.qwDamaged) + " with damaged frames";
+  if (counts.qwCut != 0) {
+    strText += (strText.empty() ? "" : ", ") + CountText(counts.qwCut) + " cut";
+  }
+  return strText;
+}
+
 std::string StatusText(const std::string& strName, const S_ManifestCounts& counts) {
   C_TextTable table("lrl");
   const auto Add = [&](const char* pszState, std::uint64_t qwCount,
@@ -26,8 +36,7 @@ std::string StatusText(const std::string& strName, const S_ManifestCounts& count
   };
   Add("planned", counts.qwPlanned);
   Add("claimed", counts.qwClaimed);
-  Add("done", counts.qwDone,
-      counts.qwDamaged == 0 ? "" : CountText(counts.qwDamaged) + " with damaged frames");
+  Add("done", counts.qwDone, DamageText(counts));
   Add("skipped", counts.qwSkipped, "their targets existed");
   Add("failed", counts.qwFailed);
   return Printable(strName) + ": " + CountedText(counts.All(), "file") + ", " +
@@ -39,8 +48,8 @@ C_Json StatusJson(const std::string& strName, const S_ManifestCounts& counts) {
           {"files", counts.All()},       {"planned", counts.qwPlanned},
           {"claimed", counts.qwClaimed}, {"done", counts.qwDone},
           {"skipped", counts.qwSkipped}, {"failed", counts.qwFailed},
-          {"damaged", counts.qwDamaged}, {"seconds", counts.dSeconds},
-          {"bytes_left", counts.qwBytes}};
+          {"damaged", counts.qwDamaged}, {"cut", counts.qwCut},
+          {"seconds", counts.dSeconds},  {"bytes_left", counts.qwBytes}};
 }
 
 int Run(const S_Options& options, C_Console& console) {
@@ -64,7 +73,9 @@ void AddStatusCommand(C_CommandLine& commandLine, CLI::App& manifest) {
        "show how much is done",
        "Counts the files of manifests by their states: planned; claimed, which means that "
        "a process works on them, or has died; done; skipped, because the target was "
-       "there; and failed. A manifest that is being worked on can be asked as well.",
+       "there; and failed. Of what is done, it tells how many files have damaged frames or are "
+       "cut. "
+       "A manifest that is being worked on can be asked as well.",
        {{"voxtool manifest status archive.db", "show how many files are done"},
         {"watch voxtool manifest status archive.db", "keep showing it"},
         {"voxtool manifest status --json archive.db | jq '.[0].failed'",

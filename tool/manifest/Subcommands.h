@@ -9,6 +9,7 @@ namespace tool {
 
 void AddStatusCommand(C_CommandLine& commandLine, CLI::App& manifest);
 void AddFailedCommand(C_CommandLine& commandLine, CLI::App& manifest);
+void AddDamagedCommand(C_CommandLine& commandLine, CLI::App& manifest);
 void AddSplitCommand(C_CommandLine& commandLine, CLI::App& manifest);
 void AddMergeCommand(C_CommandLine& commandLine, CLI::App& manifest);
 

@@ -91,10 +91,11 @@ std::uint64_t ClaimsOf(std::int64_t nWorker, C_Manifest& manifest) {
   return select.Next() ? static_cast<std::uint64_t>(select.Integer(0)) : 0;
 }
 
+// Nobody knows whether it had made its targets.
 void Free(std::int64_t nWorker, C_Manifest& manifest) {
   C_Statement(manifest.Database(),
-              "UPDATE main.files SET state = 0, worker = NULL, claimed = NULL "
-              "WHERE state = 1 AND worker = ?")
+              "UPDATE main.files SET state = 0, worker = NULL, claimed = NULL, "
+              "own = CASE own WHEN 0 THEN 0 ELSE 2 END WHERE state = 1 AND worker = ?")
       .Bind(1, nWorker)
       .Run();
 }

@@ -98,9 +98,11 @@ void WriteMarkTable(const C_MarkRows& rows, std::size_t nIndent, bool bColours,
 std::string MarkTable(const C_Json& rows, std::uint32_t dwRate, std::size_t nIndent, bool bColours,
                       std::size_t nMost) {
   const auto GetRow = [&](std::size_t nRow) -> const C_Json& { return rows[nRow]; };
-  const std::string strTable = TableOf(rows.size(), GetRow, dwRate, nMost).Text(nIndent, bColours);
-  if (rows.size() <= nMost) return strTable;
-  return strTable + std::string(nIndent, ' ') + "and " + CountText(rows.size() - nMost) + " more\n";
+  std::string strTable = TableOf(rows.size(), GetRow, dwRate, nMost).Text(nIndent, bColours);
+  if (rows.size() > nMost) {
+    strTable += std::string(nIndent, ' ') + "and " + CountText(rows.size() - nMost) + " more\n";
+  }
+  return strTable;
 }
 
 }  // namespace tool

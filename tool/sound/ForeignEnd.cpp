@@ -7,14 +7,14 @@
 #include <string_view>
 #include <vector>
 
+#include "sound/ChunkWalk.h"
+
 namespace tool {
 namespace {
 
 constexpr std::size_t kHeadBytes = 32;
-constexpr std::uint64_t kChunkHeadBytes = 8;
 constexpr std::size_t kOggHeadBytes = 27;
 constexpr std::size_t kMostOggPage = kOggHeadBytes + 255 + 255 * 255;
-constexpr std::uint64_t kFormHeadBytes = 12;
 constexpr std::uint32_t kNotSaid = 0xFFFFFFFF;
 // Programs that could not go back have written such sizes.
 constexpr std::uint32_t kNotSaidToPipes = 0x7F000000;
@@ -40,25 +40,9 @@ std::uint32_t Number(const std::vector<std::uint8_t>& bytes, std::size_t nAt) {
   return dwNumber;
 }
 
-// Whether the end of the file cuts a chunk. Where there are a great many, the first ones are asked.
-bool CutsChunk(C_FileBytes& bytes, std::uint64_t qwLength) {
-  constexpr int kMostChunks = 1000;
-  std::uint64_t qwAt = kFormHeadBytes;
-  for (int n = 0; n < kMostChunks && qwAt + kChunkHeadBytes <= qwLength; ++n) {
-    const auto head = BytesAt(bytes, qwAt, kChunkHeadBytes);
-    if (head.size() < kChunkHeadBytes) return false;
-    const std::uint64_t qwSize = Number(head, 4);
-    if (qwSize < kNotSaidToPipes && qwAt + kChunkHeadBytes + qwSize > qwLength) return true;
-    qwAt += kChunkHeadBytes + qwSize + qwSize % 2;
-  }
-  return false;
-}
-
 // Some programs count the head of the form as well.
 bool FormLacksItsEnd(C_FileBytes& bytes, std::uint32_t dwSize, std::uint64_t qwLength) {
-  return (dwSize < kNotSaidToPipes &&
-          qwLength + kChunkHeadBytes < kChunkHeadBytes + std::uint64_t{dwSize}) ||
-         CutsChunk(bytes, qwLength);
+  return (dwSize < kNotSaidToPipes && qwLength < dwSize) || CutsChunk(bytes, kFormChunks);
 }
 
 bool AuLacksItsEnd(const std::vector<std::uint8_t>& head, std::uint64_t qwLength) {
@@ -105,6 +89,8 @@ bool LacksItsEnd(C_FileBytes& bytes) {
   if (head.size() < kHeadBytes) return false;
   if (HasText(head, 0, "FORM")) return FormLacksItsEnd(bytes, Number(head, 4), qwLength);
   if (HasText(head, 0, ".snd")) return AuLacksItsEnd(head, qwLength);
+  if (HasText(head, 0, "riff") && HasText(head, 24, "wave")) return CutsChunk(bytes, kW64Chunks);
+  if (HasText(head, 0, "caff")) return CutsChunk(bytes, kCafChunks);
   return HasText(head, 0, "OggS") && OggLacksItsEnd(bytes, qwLength);
 }
 

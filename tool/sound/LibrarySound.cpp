@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sound/LibrarySound.h"
 
+#include <string_view>
 #include <utility>
 
 #include "base/Failure.h"
@@ -11,6 +12,13 @@ namespace tool {
 namespace {
 
 constexpr double kFullScale = 2147483648.0;
+
+// The library calls every input by the same name.
+std::string Renamed(std::string_view sentence, const std::string& strName) {
+  constexpr std::string_view kInput = "input: ";
+  if (sentence.starts_with(kInput)) sentence.remove_prefix(kInput.size());
+  return strName + ": " + std::string(sentence);
+}
 
 voxplay_input InputOf(C_FileBytes& file) {
   voxplay_input input{};
@@ -89,7 +97,7 @@ class C_LibrarySound final : public I_SoundInput {
       work();
     } catch (const voxplay::Error& error) {
       if (m_strName.empty()) throw;
-      throw C_Failure(m_strName + ": " + error.what());
+      throw C_Failure(Renamed(error.what(), m_strName));
     }
   }
 
@@ -109,8 +117,12 @@ C_SoundInputPtr OpenLibrarySound(const std::string& strPath, std::uint32_t dwFla
 
 C_SoundInputPtr OpenLibrarySound(C_FileBytes file, const std::string& strName,
                                  std::uint32_t dwFlags) {
-  return std::make_unique<C_LibrarySound>(std::make_unique<C_FileBytes>(std::move(file)), strName,
-                                          dwFlags);
+  try {
+    return std::make_unique<C_LibrarySound>(std::make_unique<C_FileBytes>(std::move(file)), strName,
+                                            dwFlags);
+  } catch (const voxplay::Error& error) {
+    throw voxplay::Error(error.status(), Renamed(error.what(), strName).c_str());
+  }
 }
 
 }  // namespace tool

@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <string_view>
 #include <utility>
 
 #include "base/Failure.h"
@@ -39,6 +41,17 @@ class C_Operand {
     return OpenForeignSound(Bytes(), NameOf(m_strPath), pstrWhy);
   }
 
+  // "FLAC" for a file that begins like one; "" for all others.
+  [[nodiscard]] std::string ForeignKind() const {
+    std::array<char, 4> first{};
+    Bytes().Read(first.data(), first.size());
+    const std::string_view mark(first.data(), first.size());
+    if (mark == "OggS") return "Ogg";
+    if (mark == "fLaC") return "FLAC";
+    if (mark == "caff") return "CAF";
+    return mark == "FORM" ? "AIFF" : "";
+  }
+
  private:
   [[nodiscard]] C_FileBytes Bytes() const {
     C_Descriptor file(m_once.Get() >= 0 ? fcntl(m_once.Get(), F_DUPFD_CLOEXEC, 0)
@@ -51,11 +64,18 @@ class C_Operand {
   C_Descriptor m_once;
 };
 
+[[noreturn]] void ThrowWhatOthersSay(const std::string& strName, const std::string& strKind,
+                                     std::string strWhy) {
+  while (strWhy.ends_with('.')) strWhy.pop_back();
+  const std::string strLine =
+      strName + ": begins like " + strKind + " and cannot be read: libsndfile says: " + strWhy;
+  throw voxplay::Error(VOXPLAY_DAMAGED, strLine.c_str());
+}
+
 }  // namespace
 
 C_SoundInputPtr OpenSound(const std::string& strPath, std::uint32_t dwFlags) {
   const C_Operand operand(strPath);
-  std::string strOurs;
   try {
     return operand.OpenLibrary(dwFlags | VOXPLAY_READ_NO_BARE);
   } catch (const voxplay::Error& error) {
@@ -63,8 +83,14 @@ C_SoundInputPtr OpenSound(const std::string& strPath, std::uint32_t dwFlags) {
   }
   std::string strWhy;
   if (auto sound = operand.OpenForeign(&strWhy)) return sound;
-  // Its message tells of all tests that the file has failed.
-  return operand.OpenLibrary(dwFlags);
+  try {
+    // Its message tells of all tests that the file has failed.
+    return operand.OpenLibrary(dwFlags);
+  } catch (const voxplay::Error& error) {
+    const std::string strKind = operand.ForeignKind();
+    if (!MayBeForeign(error) || strKind.empty()) throw;
+    ThrowWhatOthersSay(NameOf(strPath), strKind, strWhy);
+  }
 }
 
 bool IsReadOnce(const std::string& strPath) {

@@ -22,7 +22,7 @@ enum class tagOutputOrder {
   NOTES_LAST,   // the notes are set at the end, or the number of frames may turn out to be another
 };
 
-// Operations throw C_Failure, C_Interrupted or voxplay::Error, whose text is "FILE: what: why".
+// Operations throw C_Failure, C_DiskFailure or C_Interrupted.
 class C_SoundOutput final : public I_SampleSink {
  public:
   // As voxplay.h tells it: the frames that are done, of all, or of 0 when that is not known.
@@ -49,7 +49,9 @@ class C_SoundOutput final : public I_SampleSink {
   void Write(std::span<const Sample> samples);
   template <typename Work>
   void Try(Work&& work) const;
+  [[noreturn]] void FailToWrite(const std::string& strSentence) const;
 
+  std::string m_strPath;
   bool m_bLimits;
   std::uint64_t m_qwLimited = 0;
   std::unique_ptr<C_StandardOutput> m_standard;  // outlives the writer

@@ -12,7 +12,6 @@
 #include <string>
 
 #include "base/Failure.h"
-#include "base/Interrupt.h"
 
 namespace tool {
 namespace {
@@ -44,13 +43,9 @@ C_Descriptor TakeStandardInput() {
 }
 
 C_Descriptor TakePipe(const std::string& strPath) {
-  int nPipe = -1;
-  // Waits for somebody who writes.
-  while ((nPipe = open(strPath.c_str(), O_RDONLY | O_CLOEXEC)) < 0 && errno == EINTR) {
-    ThrowIfInterrupted();
-  }
-  if (nPipe < 0) throw C_Failure(strPath, "cannot be opened", SystemReason(errno));
-  const C_Descriptor pipe(nPipe);
+  // Opening it otherwise would wait for somebody who writes. The first read does.
+  const C_Descriptor pipe(open(strPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (pipe.Get() < 0) throw C_Failure(strPath, "cannot be opened", SystemReason(errno));
   return CopyOf(pipe.Get(), strPath);
 }
 

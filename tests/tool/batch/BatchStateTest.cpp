@@ -28,7 +28,8 @@ TEST(BatchStateTest, Summary_TellsFilesSoundAndTime) {
       SummaryText(state, "converted"),
       "2000 files: 1999 converted (3 with damaged frames), 4 skipped, 1 failed; 3 h 12 min of "
       "sound in 41 s");
-  EXPECT_EQ(InterruptedText(state, "converted"), "interrupted: 1999 of 2000 files converted");
+  EXPECT_EQ(StoppedText("interrupted", state, "converted"),
+            "interrupted: 1999 of 2000 files converted");
 }
 
 TEST(BatchStateTest, Progress_FitsItsColumns) {

@@ -66,7 +66,43 @@ TEST_F(FileListTest, Folder_GivesTheSoundsBelowItInOrder) {
     C_FileList list(true, m_console);
     list.AddOperand(strFolder);
     EXPECT_EQ(Kept(list), (Texts{"a/b/c.hrn", "a/x.FLAC", "a/y.kst", "b.wav"}));
+    // The text, what is hidden, and the remainder.
+    EXPECT_EQ(list.CountLeftOut(), 4U);
   }
+}
+
+TEST_F(FileListTest, FilesThatAreLeftOut_CanBeNamed) {
+  for (const char* pszName : {".hidden.wav", "a.wav", "text.txt"}) MakeFile(pszName);
+  std::filesystem::create_directory_symlink("/", Path("root"));
+  C_FileList list(true, m_console);
+  list.NameLeftOut();
+  testing::internal::CaptureStderr();
+  list.AddOperand(Folder());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            Path(".hidden.wav") + ": is left out: its name begins with a dot\n" + Path("root") +
+                ": is left out: it is a link to a folder\n" + Path("text.txt") +
+                ": is left out: it has no extension of sounds\n");
+  EXPECT_EQ(list.CountLeftOut(), 3U);
+}
+
+TEST_F(FileListTest, SameFileTwice_CanBeDropped) {
+  C_FileList list(false, m_console);
+  for (const char* pszName : {"b.wav", "a/b.wav", "./b.wav", "a/../b.wav", "c.wav"}) {
+    list.AddOperand(pszName);
+  }
+  list.DropRepeated();
+  ASSERT_EQ(list.Files().size(), 3U);
+  EXPECT_EQ(list.Files()[0].strPath, "b.wav");
+  EXPECT_EQ(list.Files()[1].strPath, "a/b.wav");
+  EXPECT_EQ(list.Files()[2].strPath, "c.wav");
+}
+
+TEST_F(FileListTest, CarriageReturns_EndNamesOfFilesThatAreThere) {
+  MakeFile("a.wav");
+  MakeFile("b.wav\r");
+  const std::string strText = Path("a.wav") + "\r\n\r\n" + Path("b.wav") + "\r\nnone.wav\r\n";
+  EXPECT_EQ(Listed(strText, false), (Texts{Path("a.wav"), Path("b.wav\r"), "none.wav\r"}));
+  EXPECT_EQ(Listed(Path("a.wav") + '\r', true), Texts{Path("a.wav\r")});
 }
 
 TEST_F(FileListTest, SoundsWithOtherNames_AreKnownByTheirFirstBytes) {

@@ -64,7 +64,14 @@ TEST_F(TargetsTest, ExistingTarget_IsTreatedAsItWasAsked) {
   EXPECT_TRUE(MayWrite(Path("new.kst"), tagExisting::EXISTING_REFUSED));
   EXPECT_TRUE(MayWrite(strFile, tagExisting::EXISTING_REPLACED));
   EXPECT_FALSE(MayWrite(strFile, tagExisting::EXISTING_SKIPPED));
-  EXPECT_THROW(static_cast<void>(MayWrite(strFile, tagExisting::EXISTING_REFUSED)), C_Failure);
+  EXPECT_THROW(static_cast<void>(MayWrite(strFile, tagExisting::EXISTING_REFUSED)), C_TargetInWay);
+  EXPECT_TRUE(MayWrite("-", tagExisting::EXISTING_REFUSED));
+  try {
+    static_cast<void>(MayWrite("/dev/null", tagExisting::EXISTING_REPLACED));
+    ADD_FAILURE() << "it may be written";
+  } catch (const C_Failure& failure) {
+    EXPECT_STREQ(failure.what(), "/dev/null: cannot be written: it is no regular file");
+  }
 }
 
 TEST_F(TargetsTest, FoldersOfATarget_AreMadeAsFarAsTheyAreMissing) {

@@ -1,5 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <thread>
 
 #include "OtherPrograms.h"
 #include "Sanitized.h"
@@ -89,6 +95,16 @@ TEST_F(CheckCommand, FilesOfOtherLibrariesThatTheEndCuts_AreCut) {
     Write(strName, bytes);
     EXPECT_THAT(Verdict(strName), StartsWith("cut: ")) << strName;
   }
+  for (const std::string strName : {"b.w64", "b.caf"}) {
+    RunIn(folder, "sox " + Path("a.wav") + " " + Path(strName));
+    EXPECT_EQ(Verdict(strName), "good\n") << strName;
+    auto bytes = Content(strName);
+    bytes.resize(bytes.size() - 40);
+    Write(strName, bytes);
+    EXPECT_EQ(Verdict(strName), "cut: its end is missing\n") << strName;
+  }
+  EXPECT_EQ(RunLine("ffmpeg -loglevel error -i @a.wav -f w64 - | cat > @piped.w64").nExit, 0);
+  EXPECT_EQ(Verdict("piped.w64"), "good\n");
   RunIn(folder, "sox " + Path("a.wav") + " " + Path("b.aiff"));
   auto bytes = Content("b.aiff");
   bytes.resize(bytes.size() - 2);
@@ -207,6 +223,31 @@ TEST_F(CheckCommand, NamesInAFile_AreChecked) {
   names.push_back(0);
   Write("names", names);
   EXPECT_EQ(Output({"check", "--files-from", "@names", "-0"}), strName + ": good\n");
+}
+
+TEST_F(CheckCommand, NameThatIsNoUtf8_IsAlsoThereInHexadecimal) {
+  WriteWav("caf\xE9.wav");
+  const auto json = Json({"check", "--json", "@caf\xE9.wav"}).at(0);
+  const std::string strHex = json["file_bytes"];
+  EXPECT_TRUE(strHex.ends_with("636166e92e776176")) << strHex;
+  EXPECT_TRUE(json["file"].get<std::string>().ends_with("caf\xEF\xBF\xBD.wav"));
+  WriteWav("a.wav");
+  EXPECT_FALSE(Json({"check", "--json", "@a.wav"}).at(0).contains("file_bytes"));
+}
+
+TEST_F(CheckCommand, SoundWithoutARate_IsDamaged) {
+  auto bytes = MonoWav(1000).Take();
+  std::fill_n(bytes.begin() + 24, 4, std::uint8_t{0});
+  Write("a.wav", bytes);
+  EXPECT_EQ(Verdict("a.wav"), "damaged: it has no sample rate\n");
+}
+
+TEST_F(CheckCommand, InterruptWhilePipesHaveNoWriter_EndsIt) {
+  for (const char* pszName : {"a", "b"}) ASSERT_EQ(mkfifo(Path(pszName).c_str(), 0600), 0);
+  C_RunningProgram run = Program().Start({"check", Path("a"), Path("b"), "-j", "2"});
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  run.Send(SIGINT);
+  EXPECT_EQ(run.Wait().nExit, 130);
 }
 
 TEST_F(CheckCommand, NoFile_IsAUsageError) {

@@ -86,7 +86,7 @@ TEST_F(ConvertManyTest, Tree_IsKeptBelowTheFolder) {
   MakeSounds("in/c", 1);
   WriteText("in/c/notes.txt", "no sound");
   EXPECT_EQ(Timeless(Convert({"-r", "@/in", "-d", "@/out", "--to", "heron4"})),
-            "3 files: 3 converted; 0.30 s of sound");
+            "1 other file left out\n3 files: 3 converted; 0.30 s of sound");
   EXPECT_EQ(Tree("out"), (Texts{"a/b/000.hrn", "a/b/001.hrn", "c/000.hrn"}));
 }
 
@@ -116,6 +116,42 @@ TEST_F(ConvertManyTest, ListedNames_MayHaveLineEndsAndComeFromAPipe) {
   EXPECT_TRUE(Fail(1, {"--files-from", "@/list", "-d", "@/more", "--to", "wav"})
                   .starts_with("@/in/none.wav: "));
   EXPECT_EQ(Tree("more"), Texts{"001.wav"});
+}
+
+TEST_F(ConvertManyTest, SameNameTwice_IsConvertedOnce) {
+  MakeSounds("in", 1);
+  WriteText("list", Path("in/000.wav") + "\n" + Path("in/../in/000.wav") + "\n");
+  EXPECT_EQ(
+      Timeless(Convert({"@/in/000.wav", "--files-from", "@/list", "-d", "@/out", "--to", "wav"})),
+      "1 file: 1 converted; 0.10 s of sound");
+}
+
+TEST_F(ConvertManyTest, OtherFilesInAFolder_AreCountedAndNamedWhenItIsAsked) {
+  MakeSounds("in", 1);
+  WriteText("in/notes.txt", "words");
+  WriteText("in/.hidden.wav", "words");
+  Texts arguments = {"-r", "@/in", "-d", "@/out", "--to", "wav", "-f"};
+  EXPECT_EQ(Timeless(Convert(arguments)),
+            "2 other files left out\n1 file: 1 converted; 0.10 s of sound");
+  arguments.emplace_back("-qq");
+  EXPECT_EQ(Convert(arguments), "");
+  arguments.back() = "-v";
+  EXPECT_NE(Convert(arguments).find("@/in/notes.txt: is left out: it has no extension of sounds\n"),
+            std::string::npos);
+}
+
+TEST_F(ConvertManyTest, FullDisk_EndsTheWork) {
+  MakeSounds("in", 60, 16000);
+  fs::create_directories(Path("out"));
+  const S_Run run = RunLine(
+      "unshare -m sh -c 'mount -t tmpfs -o size=256k none @/out || exit 77; "
+      "$V convert -r @/in -d @/out --to wav -j 2'");
+  // Not everybody may mount.
+  if (run.nExit == 77 || run.strErr.find("unshare") != std::string::npos) return;
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_TRUE(Said(run.strErr).starts_with("stopped: ")) << run.strErr;
+  EXPECT_TRUE(run.strErr.ends_with(": cannot be written: the disk is full\n")) << run.strErr;
+  EXPECT_EQ(std::ranges::count(run.strErr, '\n'), 2) << run.strErr;
 }
 
 TEST_F(ConvertManyTest, SourcesOfOneTarget_AreRefusedBeforeAnythingIsWritten) {

@@ -17,6 +17,13 @@
 namespace tool {
 namespace {
 
+// "16,000".
+std::string CountText(std::uint64_t qwCount) {
+  std::string strText = std::to_string(qwCount);
+  for (std::size_t n = strText.size(); n > 3; n -= 3) strText.insert(n - 3, ",");
+  return strText;
+}
+
 class ConvertTest : public test::C_ToolTest {
  protected:
   // All values of 32 bits whose low bits, which the width does not have, are 0.
@@ -295,11 +302,52 @@ TEST_F(ConvertTest, SoundThatTheEndCuts_IsToldButConverted) {
   const auto samples = test::SamplesIn<std::int16_t>(Path("out.wav"));
   EXPECT_LT(samples.size(), 70000U);
   EXPECT_GT(samples.size(), 30000U);
-  EXPECT_EQ(strSaid, "@/in.hrn: the file is cut: " + std::to_string(samples.size()) +
-                         " frames are there, and converted\n");
+  EXPECT_EQ(strSaid, "@/in.hrn: the file is cut: " + CountText(samples.size()) +
+                         " of 100,000 frames are there, and converted\n");
   EXPECT_NE(
       Convert({"@/in.hrn", "-d", "@/new", "--to", "wav"}).find("\n1 file: 1 converted (1 cut); "),
       std::string::npos);
+}
+
+TEST_F(ConvertTest, WavThatTheEndCuts_HasTheFramesThatAreThere) {
+  MakeWav("in.wav", PublicSamples(16000));
+  std::filesystem::resize_file(Path("in.wav"), 10000);
+  EXPECT_EQ(Convert({"@/in.wav", "-o", "@/out.wav"}),
+            "@/in.wav: the file is cut: 4,978 of 16,000 frames are there, and converted\n");
+  const auto samples = test::SamplesIn<std::int16_t>(Path("out.wav"));
+  EXPECT_EQ(samples, PublicSamples(4978));
+  Convert({"@/in.wav", "-o", "@/out.kst"});
+  EXPECT_EQ(voxplay::Reader(Path("out.kst")).info().frames, 5120U);
+  // A normalized sound is read twice.
+  Convert({"@/in.wav", "--normalize", "-o", "@/loud.wav"});
+  EXPECT_EQ(voxplay::Reader(Path("loud.wav")).info().frames, 4978U);
+  const std::string strPlain = "@/plain.wav";
+  EXPECT_EQ(RunLine("$V convert @/in.wav -o - --to wav > " + strPlain).nExit, 0);
+  EXPECT_EQ(test::SamplesIn<std::int16_t>(Path("plain.wav")), PublicSamples(4978));
+}
+
+TEST_F(ConvertTest, OtherPlainSamplesThatTheEndCuts_HaveTheFramesThatAreThere) {
+  MakeWav("wide.wav", test::Sine(4000, 300, 8000), 24, 8000, 2);
+  std::filesystem::resize_file(Path("wide.wav"),
+                               std::filesystem::file_size(Path("wide.wav")) - 603);
+  Convert({"@/wide.wav", "-o", "@/a.wav"});
+  EXPECT_EQ(voxplay::Reader(Path("a.wav")).info().frames, 2000U - 101U);
+  test::WriteSound(Path("in.vemd"), FormatOf(VOXPLAY_CONTAINER_VEMD, VOXPLAY_CODEC_PCM, 16, 8000),
+                   PublicSamples(4000));
+  std::filesystem::resize_file(Path("in.vemd"), std::filesystem::file_size(Path("in.vemd")) - 400);
+  Convert({"@/in.vemd", "-o", "@/b.wav"});
+  EXPECT_EQ(voxplay::Reader(Path("b.wav")).info().frames, 3800U);
+}
+
+TEST_F(ConvertTest, HeaderAlone_IsAFailure) {
+  MakeWav("in.wav", PublicSamples(16000));
+  std::filesystem::resize_file(Path("in.wav"), 44);
+  for (const char* const pszTarget : {"@/out.wav", "@/out.kst"}) {
+    EXPECT_EQ(Fail(1, {"@/in.wav", "-o", pszTarget}),
+              "@/in.wav: cannot be converted: the file is cut: none of its 16,000 frames is "
+              "there\n");
+  }
+  EXPECT_EQ(Entries(), Texts{"in.wav"});
 }
 
 TEST_F(ConvertTest, DamagedFrames_AreToldButConverted) {
@@ -314,7 +362,7 @@ TEST_F(ConvertTest, DamagedFrames_AreToldButConverted) {
   const std::uint64_t qwDamaged = reader.info().damaged_frames;
   ASSERT_GT(qwDamaged, 0U);
   EXPECT_EQ(Convert({"@/bad.kst", "-o", "@/out.wav"}),
-            "@/bad.kst: " + std::to_string(qwDamaged) + " of 32000 frames are damaged\n");
+            "@/bad.kst: " + CountText(qwDamaged) + " of 32,000 frames are damaged\n");
   EXPECT_TRUE(std::filesystem::exists(Path("out.wav")));
 }
 

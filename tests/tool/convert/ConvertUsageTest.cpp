@@ -2,6 +2,7 @@
 //
 // What voxtool convert refuses, overwrites and prints.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -52,7 +53,7 @@ TEST_F(ConvertUsageTest, WhatCannotBeMeant_EndsWithTwo) {
       Fail(2, {"@/in.wav", "-o", "@/out.mp3"}),
       Misuse("@/out.mp3: its extension is no format that can be written: --to says which one to "
              "write"));
-  EXPECT_EQ(Fail(2, {"@/in.wav", "@/in.wav", "-o", "@/out.kst"}),
+  EXPECT_EQ(Fail(2, {"@/in.wav", "@/in2.wav", "-o", "@/out.kst"}),
             Misuse("several files need -d DIR in place of -o"));
   EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@", "--to", "wav"}),
             Misuse("@: is a folder: -d writes into it"));
@@ -62,6 +63,12 @@ TEST_F(ConvertUsageTest, WhatCannotBeMeant_EndsWithTwo) {
   for (const Texts& extra : {Texts{"--to", "mp4"},
                              {"--bits", "12"},
                              {"--gain", "loud"},
+                             {"--gain", "nan"},
+                             {"--gain", "inf"},
+                             {"--gain", "201"},
+                             {"--normalize=nan"},
+                             {"--detect-silence=nan:100"},
+                             {"--detect-silence=-50:nan"},
                              {"--mono", "--channel", "1"},
                              {"--gain", "1", "--normalize"},
                              {"--channel", "0"},
@@ -88,6 +95,30 @@ TEST_F(ConvertUsageTest, Help_HasExamplesAndEndsWithZero) {
   EXPECT_EQ(run.nExit, 0);
   EXPECT_EQ(run.strErr, "");
   EXPECT_NE(run.strOut.find("voxtool convert speech.flac -o speech.kst"), std::string::npos);
+}
+
+TEST_F(ConvertUsageTest, ValuesOfAnotherForm_AreToldTheRightOne) {
+  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@/out.wav", "--detect-silence=-40"}),
+            Misuse("--detect-silence: -40 is not -DB:MS, such as -50:200"));
+  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@/out.wav", "--normalize=3"}),
+            Misuse("--normalize: 3 is not -DB, such as -3"));
+}
+
+TEST_F(ConvertUsageTest, StandardInputThatIsNoSound_IsCalledSo) {
+  WriteText("text", "hello");
+  const S_Run run = RunLine("cat @/text | $V convert - -o @/out.wav");
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_TRUE(run.strErr.starts_with("standard input: ")) << run.strErr;
+  EXPECT_EQ(run.strErr.find("input: input"), std::string::npos) << run.strErr;
+}
+
+TEST_F(ConvertUsageTest, FileThatBeginsLikeOneOfOthers_FailsAsTheySay) {
+  WriteText("a.flac", "fLaC and nothing more");
+  const std::string strSaid = Fail(1, {"@/a.flac", "-o", "@/out.wav"});
+  EXPECT_TRUE(
+      strSaid.starts_with("@/a.flac: begins like FLAC and cannot be read: libsndfile says: "))
+      << strSaid;
+  EXPECT_EQ(std::ranges::count(strSaid, '\n'), 1) << strSaid;
 }
 
 TEST_F(ConvertUsageTest, FileThatIsNoSound_FailsWithItsName) {
@@ -147,7 +178,13 @@ TEST_F(ConvertUsageTest, TargetThatCannotBeMade_FailsWithItsName) {
   Write("file", {1});
   EXPECT_EQ(Fail(1, {"@/in.wav", "-d", "@/file/more", "--to", "wav", "-qq"}),
             "@/file/more: cannot be made: Not a directory\n");
-  EXPECT_TRUE(Fail(1, {"@/in.wav", "-o", "@/none/out.wav"}).starts_with("@/none/out.wav: "));
+  EXPECT_EQ(Fail(1, {"@/in.wav", "-o", "@/none/out.wav"}),
+            "@/none/out.wav: cannot be written: the new file cannot be made beside it: there is no "
+            "such folder\n");
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(Fail(1, {"@/in.wav", "-o", "@/pipe", "--to", "wav"}),
+            "@/pipe: cannot be written: it is no regular file\n");
+  std::filesystem::remove(Path("pipe"));
   EXPECT_FALSE(std::filesystem::exists(Path("none")));
   const std::string strSaid = Fail(1, {"@/in.wav", "-f", "-o", "/dev/full", "--to", "wav"});
   EXPECT_TRUE(strSaid.starts_with("/dev/full: ")) << strSaid;

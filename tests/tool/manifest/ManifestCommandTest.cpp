@@ -80,11 +80,13 @@ class ManifestCommandTest : public test::C_ToolTest {
 TEST_F(ManifestCommandTest, Folder_IsConvertedOnce) {
   MakeSounds(20);
   EXPECT_EQ(Timeless(Convert(Begin())),
-            "@/a.db: 20 files listed, 20 new, 0 changed\n20 files: 20 converted; 2.01 s of sound");
+            "@/a.db: 20 files listed, 20 new, 0 changed; --to heron4\n"
+            "20 files: 20 converted; 2.01 s of sound");
   ExpectWholeTargets(20, 1600);
   const auto time = fs::last_write_time(Path("out/004.hrn"));
   EXPECT_EQ(Timeless(Convert(Begin())),
-            "@/a.db: 20 files listed, 0 new, 0 changed\n0 files: 0 converted; 0 s of sound");
+            "@/a.db: 20 files listed, 0 new, 0 changed; --to heron4\n"
+            "0 files: 0 converted; 0 s of sound");
   EXPECT_EQ(Timeless(Convert(Continue())), "0 files: 0 converted; 0 s of sound");
   EXPECT_EQ(fs::last_write_time(Path("out/004.hrn")), time);
 }
@@ -128,7 +130,8 @@ TEST_F(ManifestCommandTest, DamagedFile_IsListedWithItsReasonUntilItIsMended) {
       Fail(1, {"--manifest", "@/a.db", "--retry-failed"}).find("1 file: 0 converted, 1 failed"),
       std::string::npos);
   MakeWav("in/003.wav", PublicSamples(1603));
-  EXPECT_NE(Convert(Begin()).find("0 new, 1 changed\n1 file: 1 converted"), std::string::npos);
+  EXPECT_NE(Convert(Begin()).find("0 new, 1 changed; --to heron4\n1 file: 1 converted"),
+            std::string::npos);
   EXPECT_EQ(Printed({"manifest", "failed", "--json", "@/a.db"}).size(), 0U);
   ExpectWholeTargets(6, 1600);
 }
@@ -138,7 +141,8 @@ TEST_F(ManifestCommandTest, ChangedSourceAndLostTarget_AreDoneAgainAndNothingEls
   Convert(Begin());
   MakeWav("in/001.wav", PublicSamples(3000));
   fs::remove(Path("out/004.hrn"));
-  EXPECT_NE(Convert(Begin()).find("0 new, 2 changed\n2 files: 2 converted"), std::string::npos);
+  EXPECT_NE(Convert(Begin()).find("0 new, 2 changed; --to heron4\n2 files: 2 converted"),
+            std::string::npos);
   EXPECT_EQ(voxplay::Reader(Path("out/001.hrn")).info().frames, 3000U);
   EXPECT_TRUE(fs::exists(Path("out/004.hrn")));
   EXPECT_EQ(Value("SELECT group_concat(plan, '') FROM (SELECT plan FROM files ORDER BY source)"),
@@ -151,8 +155,157 @@ TEST_F(ManifestCommandTest, FilesOfTheUser_AreReplacedOnlyWithForce) {
   Write("out/001.hrn", {'m', 'i', 'n', 'e'});
   EXPECT_NE(Fail(1, Begin()).find("@/out/001.hrn: exists: -f replaces it"), std::string::npos);
   EXPECT_EQ(Content("out/001.hrn").size(), 4U);
-  Convert({"--manifest", "@/a.db", "--retry-failed", "-f"});
+  EXPECT_EQ(Fail(1, Continue()).find("exists"), std::string::npos);
+  Texts again = Begin();
+  again.emplace_back("-f");
+  EXPECT_NE(Convert(again).find("@/a.db: 1 file that failed is planned again\n1 file: 1 converted"),
+            std::string::npos);
   ExpectWholeTargets(3, 1600);
+}
+
+TEST_F(ManifestCommandTest, TargetInTheWay_IsForgottenWhenItIsGone) {
+  MakeSounds(2);
+  fs::create_directories(Path("out"));
+  Write("out/001.hrn", {'m', 'i', 'n', 'e'});
+  Fail(1, Begin());
+  fs::remove(Path("out/001.hrn"));
+  EXPECT_NE(Convert(Begin()).find("0 new, 1 changed; --to heron4\n1 file: 1 converted"),
+            std::string::npos);
+  ExpectWholeTargets(2, 1600);
+}
+
+TEST_F(ManifestCommandTest, MarksThatWereAddedToATarget_StayUntilForce) {
+  MakeSounds(3);
+  Convert(Begin("wav"));
+  EXPECT_EQ(Run({"tags", "add", "event", "@/out/001.wav", "--at", "100s", "--main", "3"}).nExit, 0);
+  const auto marked = Content("out/001.wav");
+  MakeWav("in/new.wav", PublicSamples(1000));
+  EXPECT_NE(Convert(Begin("wav")).find("1 file: 1 converted"), std::string::npos);
+  EXPECT_EQ(Content("out/001.wav"), marked);
+
+  MakeWav("in/001.wav", PublicSamples(3000));
+  const std::string strSaid = Fail(1, Begin("wav"));
+  EXPECT_NE(strSaid.find("@/out/001.wav: has changed since it was made: -f replaces it\n"),
+            std::string::npos)
+      << strSaid;
+  EXPECT_EQ(Content("out/001.wav"), marked);
+  Convert({"--manifest", "@/a.db", "-f"});
+  EXPECT_EQ(voxplay::Reader(Path("out/001.wav")).info().frames, 3000U);
+}
+
+TEST_F(ManifestCommandTest, Force_IsNotMeantByTheNextListing) {
+  MakeSounds(1);
+  Texts forced = Begin("wav");
+  forced.emplace_back("-f");
+  Convert(forced);
+  Write("out/000.wav", {'m', 'i', 'n', 'e'});
+  MakeWav("in/000.wav", PublicSamples(3000));
+  EXPECT_NE(Fail(1, Begin("wav")).find("@/out/000.wav: has changed since it was made"),
+            std::string::npos);
+  EXPECT_EQ(Content("out/000.wav").size(), 4U);
+}
+
+TEST_F(ManifestCommandTest, OtherFolder_MovesNothing) {
+  MakeSounds(2);
+  Convert(Begin());
+  Texts other = Begin();
+  other[5] = "@/other";
+  EXPECT_EQ(Timeless(Convert(other)),
+            "@/a.db: 2 files listed, 0 new, 0 changed; --to heron4\n"
+            "@/a.db: 2 files keep their first target: @/out/000.hrn\n"
+            "0 files: 0 converted; 0 s of sound");
+  EXPECT_FALSE(fs::exists(Path("other")));
+  EXPECT_EQ(Status()["done"], 2);
+}
+
+TEST_F(ManifestCommandTest, DamagedAndCutFiles_AreDoneAndListed) {
+  MakeSounds(3);
+  auto bytes = Content("in/001.wav");
+  Write("in/001.wav", {bytes.begin(), bytes.begin() + 44 + 500});
+  bytes = Content("in/002.wav");
+  Convert({"@/in/002.wav", "-o", "@/in/x.kst"});
+  bytes = Content("in/x.kst");
+  for (std::size_t n = bytes.size() / 2; n < bytes.size() / 2 + 8; ++n) bytes[n] ^= 0x5AU;
+  Write("in/x.kst", bytes);
+  const std::string strSaid = Convert(Begin("wav"));
+  EXPECT_NE(strSaid.find("4 files: 4 converted (1 with damaged frames, 1 cut)"), std::string::npos)
+      << strSaid;
+  EXPECT_EQ(Status()["damaged"], 1);
+  EXPECT_EQ(Status()["cut"], 1);
+  const std::string strCut =
+      "@/in/001.wav: the file is cut: 250 of 1,601 frames are there, and converted\n";
+  const std::string strListed = Said(Run({"manifest", "damaged", "@/a.db"}).strOut);
+  EXPECT_TRUE(strListed.starts_with(strCut)) << strListed;
+  EXPECT_NE(strListed.find("@/in/x.kst: "), std::string::npos) << strListed;
+  EXPECT_NE(strListed.find(" of 1,920 frames are damaged\n"), std::string::npos) << strListed;
+  const nlohmann::json json = Printed({"manifest", "damaged", "--json", "@/a.db"});
+  ASSERT_EQ(json.size(), 2U);
+  EXPECT_EQ(json[0]["source"], Path("in/001.wav"));
+  EXPECT_EQ(json[0]["cut"], true);
+  EXPECT_EQ(json[0]["frames"], 250);
+  EXPECT_EQ(json[0]["damaged_frames"], 0);
+  EXPECT_EQ(json[1]["cut"], false);
+  EXPECT_GT(json[1]["damaged_frames"], 0);
+  EXPECT_NE(Run({"manifest", "status", "@/a.db"}).strOut.find("  1 with damaged frames, 1 cut\n"),
+            std::string::npos);
+}
+
+TEST_F(ManifestCommandTest, Retry_CanBePlannedOnlyAndForgetsWhatIsGone) {
+  MakeSounds(3);
+  Write("in/000.wav", {'R', 'I', 'F', 'F'});
+  Write("in/001.wav", {'R', 'I', 'F', 'F'});
+  Fail(1, Begin());
+  fs::remove(Path("in/001.wav"));
+  EXPECT_EQ(Convert({"--manifest", "@/a.db", "--plan-only", "--retry-failed"}),
+            "@/a.db: 1 file that failed is planned again\n"
+            "@/a.db: 1 file that failed is gone, and forgotten\n");
+  const nlohmann::json status = Status();
+  EXPECT_EQ(status["planned"], 1);
+  EXPECT_EQ(status["failed"], 0);
+  EXPECT_EQ(status["files"], 2);
+}
+
+TEST_F(ManifestCommandTest, NamesThatWouldClash_AreWholeAndStaySo) {
+  MakeSounds(1);
+  Convert({"@/in/000.wav", "-o", "@/in/000.kst"});
+  EXPECT_NE(Convert(Begin()).find("2 files: 2 converted"), std::string::npos);
+  EXPECT_TRUE(fs::exists(Path("out/000.wav.hrn")));
+  EXPECT_TRUE(fs::exists(Path("out/000.kst.hrn")));
+  fs::remove(Path("in/000.kst"));
+  EXPECT_EQ(Timeless(Convert(Begin())),
+            "@/a.db: 1 file listed, 0 new, 0 changed; --to heron4\n"
+            "0 files: 0 converted; 0 s of sound");
+}
+
+TEST_F(ManifestCommandTest, FullDisk_EndsTheWorkAndFailsNoFile) {
+  MakeSounds(40, 16000);
+  fs::create_directories(Path("out"));
+  const S_Run run = RunLine(
+      "unshare -m sh -c 'mount -t tmpfs -o size=256k none @/out || exit 77; "
+      "$V convert --manifest @/a.db -r @/in -d @/out --to wav -j 2'");
+  // Not everybody may mount.
+  if (run.nExit == 77 || run.strErr.find("unshare") != std::string::npos) return;
+  EXPECT_EQ(run.nExit, 1);
+  EXPECT_NE(run.strErr.find("stopped: "), std::string::npos) << run.strErr;
+  EXPECT_NE(run.strErr.find(": the disk is full\n"), std::string::npos) << run.strErr;
+  const nlohmann::json status = Status();
+  EXPECT_EQ(status["failed"], 0);
+  EXPECT_EQ(status["claimed"], 0);
+  EXPECT_GT(status["done"], 2);
+  EXPECT_GT(status["planned"], 20);
+}
+
+TEST_F(ManifestCommandTest, ManifestAmongItsPieces_IsNamedAndTheOthersAreTaken) {
+  MakeSounds(4);
+  Texts plan = Begin();
+  plan.emplace_back("--plan-only");
+  Convert(plan);
+  EXPECT_EQ(Run({"manifest", "split", "2", "@/a.db", "-o", "@/p-%d.db"}).nExit, 0);
+  Convert({"--manifest", "@/p-1.db"});
+  const S_Run merge = Run({"manifest", "merge", "@/a.db", "@/a.db", "@/p-1.db"});
+  EXPECT_EQ(merge.nExit, 1);
+  EXPECT_EQ(Said(merge.strErr), "@/a.db: is no piece: it is the manifest itself\n");
+  EXPECT_EQ(Said(merge.strOut), "@/p-1.db: 2 new results, 0 files left\n");
 }
 
 TEST_F(ManifestCommandTest, ExistingTargets_CanBeSkipped) {
@@ -161,7 +314,7 @@ TEST_F(ManifestCommandTest, ExistingTargets_CanBeSkipped) {
   Write("out/001.hrn", {'m', 'i', 'n', 'e'});
   Texts plan = Begin();
   plan.insert(plan.end(), {"--skip-existing", "--plan-only"});
-  EXPECT_EQ(Convert(plan), "@/a.db: 3 files listed, 3 new, 0 changed\n");
+  EXPECT_EQ(Convert(plan), "@/a.db: 3 files listed, 3 new, 0 changed; --to heron4\n");
   EXPECT_FALSE(fs::exists(Path("out/000.hrn")));
   EXPECT_NE(Convert(Continue()).find("3 files: 2 converted, 1 skipped"), std::string::npos);
   EXPECT_EQ(Status()["skipped"], 1);
@@ -179,8 +332,22 @@ TEST_F(ManifestCommandTest, OptionsOfThePlan_AreKeptAndOthersRefused) {
             Misuse("@/a.db: --gain cannot be another one: its files are converted without it"));
   EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "-r", "@/in", "-d", "@/out", "--bitrate", "16000"}),
             Misuse("@/a.db: --bitrate cannot be another one: its files are converted with 24000"));
-  Convert({"--manifest", "@/a.db", "--bitrate", "24000"});
+  EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--mono"}),
+            Misuse("@/a.db: --mono cannot be another one: its files are converted without it"));
+  Texts listed = {"--manifest", "@/a.db", "-r", "@/in", "-d", "@/out", "--plan-only"};
+  EXPECT_EQ(Convert(listed),
+            "@/a.db: 2 files listed, 0 new, 0 changed; --to kestrel --bitrate 24000\n");
+  Convert({"--manifest", "@/a.db", "--bitrate", "24000", "--gain", "0"});
   EXPECT_EQ(voxplay::Reader(Path("out/001.kst")).info().bit_rate, 24000U);
+}
+
+TEST_F(ManifestCommandTest, UsualValueWhereThePlanHasAnother_IsRefused) {
+  MakeSounds(1);
+  Texts begin = Begin("wav");
+  begin.insert(begin.end(), {"--gain", "6", "--plan-only"});
+  Convert(begin);
+  EXPECT_EQ(Fail(2, {"--manifest", "@/a.db", "--gain", "0"}),
+            Misuse("@/a.db: --gain cannot be another one: its files are converted with 6.0"));
 }
 
 TEST_F(ManifestCommandTest, WhatCannotBeMeant_IsRefused) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "ManifestFixture.h"
@@ -129,7 +130,58 @@ TEST_F(PiecesTest, TargetsOfWhatWasBegun_AreOurs) {
   End("piece-1", tagRowState::ROW_CLAIMED);
   EXPECT_EQ(Merge(manifest, Path("piece-1")).qwLeft, 2U);
   EXPECT_EQ(manifest.Counts().qwPlanned, 2U);
-  EXPECT_EQ(Value(manifest, "SELECT SUM(own) FROM files"), "2");
+  EXPECT_EQ(Value(manifest, "SELECT group_concat(own) FROM files"), "2,2");
+}
+
+TEST_F(PiecesTest, TargetOfAFileThatWasPlannedAnew_IsOursWhileItIsAsItWasMade) {
+  MakeSources(1);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 1);
+  SplitInto(manifest, 1);
+  End("piece-1", tagRowState::ROW_DONE);
+  Opened("piece-1").Database().Execute("UPDATE files SET target_bytes = 5, target_modified = 6");
+  Write("1", {1, 2, 3});
+  PlanFiles(manifest, 1);
+  EXPECT_EQ(Merge(manifest, Path("piece-1")).qwTaken, 0U);
+  EXPECT_EQ(Value(manifest, "SELECT state || own || target_bytes || target_modified FROM files"),
+            "0156");
+}
+
+TEST_F(PiecesTest, FileThatOnlyThePieceHas_IsCounted) {
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 2);
+  SplitInto(manifest, 1);
+  C_Manifest piece = Opened("piece-1");
+  piece.Database().Execute(
+      "INSERT INTO files(source, target, bytes, modified) VALUES('/new', '/onew', 1, 1)");
+  EXPECT_EQ(Merge(manifest, Path("piece-1")).qwForeign, 1U);
+  EXPECT_EQ(manifest.Counts().All(), 2U);
+}
+
+TEST_F(PiecesTest, ManifestItself_IsNoPiece) {
+  C_Manifest manifest = Made();
+  std::filesystem::create_symlink("files.db", Path("link"));
+  EXPECT_EQ(FailureOf([&] { Merge(manifest, Path("link")); }),
+            Path("link") + ": is no piece: it is the manifest itself");
+}
+
+TEST_F(PiecesTest, PieceThatCannotBeRead_IsTheOneThatIsNamed) {
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 2);
+  Write("text", std::vector<std::uint8_t>(2000, 'x'));
+  EXPECT_EQ(FailureOf([&] { Merge(manifest, Path("text")); }),
+            Path("text") + ": is no manifest: it is no database");
+  SplitInto(manifest, 1);
+  std::vector<std::uint8_t> bytes = Content("piece-1");
+  std::fill(bytes.begin() + 4096, bytes.end(), std::uint8_t{0xA5});
+  Write("piece-1", bytes);
+  EXPECT_TRUE(FailureOf([&] {
+                Merge(manifest, Path("piece-1"));
+              }).starts_with(Path("piece-1") + ": cannot be used: "));
+  // It is to blame no longer.
+  EXPECT_TRUE(FailureOf([&] {
+                manifest.Database().Execute("SELECT nothing");
+              }).starts_with(Path("files.db") + ": "));
 }
 
 TEST_F(PiecesTest, PieceOfAnotherManifest_IsRefused) {

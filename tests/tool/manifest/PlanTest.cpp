@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "ManifestFixture.h"
+#include "manifest/ManifestJobs.h"
 
 namespace tool {
 namespace {
@@ -16,12 +17,21 @@ class PlanTest : public test::C_ManifestTest {
  protected:
   // As if a process had converted all files.
   void Finish(C_Manifest& manifest) const {
-    C_Statement select(manifest.Database(), "SELECT target FROM files");
-    while (select.Next()) {
-      Write(std::filesystem::path(select.Text(0)).filename().string(), {1, 2, 3});
+    C_ManifestJobs jobs(manifest, {});
+    while (const auto job = jobs.Next()) {
+      Write(std::filesystem::path(job->strTarget).filename().string(), {1, 2, 3});
+      S_FileResult result;
+      result.qwFrames = 7;
+      result.qwSum = 10;
+      jobs.Done(*job, result);
     }
-    manifest.Database().Execute(
-        "UPDATE files SET state = 2, own = 1, target_bytes = 3, frames = 7, checksum = 'a'");
+    jobs.End();
+  }
+  // What the next process may do with the target of the one file that is planned.
+  static S_FileJob NextJob(C_Manifest& manifest) { return *C_ManifestJobs(manifest, {}).Next(); }
+  static void ChangeTime(const std::string& strPath) {
+    const auto time = std::filesystem::last_write_time(strPath);
+    std::filesystem::last_write_time(strPath, time + std::chrono::seconds(5));
   }
 };
 
@@ -69,15 +79,68 @@ TEST_F(PlanTest, SourceOfAnotherTime_IsPlannedAgain) {
   EXPECT_EQ(PlanFiles(manifest, 1).qwChanged, 1U);
 }
 
-TEST_F(PlanTest, LostAndShortenedTargets_ArePlannedAgain) {
+TEST_F(PlanTest, LostTargets_ArePlannedAgainAndChangedOnesStay) {
   MakeSources(4);
   C_Manifest manifest = Made();
   PlanFiles(manifest, 4);
   Finish(manifest);
   std::filesystem::remove(Path("o1"));
   Write("o3", {1, 2});
-  EXPECT_EQ(PlanFiles(manifest, 4).qwChanged, 2U);
-  EXPECT_EQ(Value(manifest, "SELECT group_concat(bytes) FROM files WHERE state = 0"), "1,3");
+  EXPECT_EQ(PlanFiles(manifest, 4).qwChanged, 1U);
+  EXPECT_EQ(Value(manifest, "SELECT group_concat(bytes) FROM files WHERE state = 0"), "1");
+}
+
+TEST_F(PlanTest, TargetAsItWasMade_IsOurs) {
+  MakeSources(1);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 1);
+  Finish(manifest);
+  Write("1", {1, 2, 3, 4});
+  PlanFiles(manifest, 1);
+  EXPECT_TRUE(NextJob(manifest).bOwnTarget);
+  // It was given back, and is so still.
+  EXPECT_TRUE(NextJob(manifest).bOwnTarget);
+}
+
+TEST_F(PlanTest, TargetThatTheUserHasChanged_IsNotOurs) {
+  MakeSources(1);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 1);
+  Finish(manifest);
+  Write("1", {1, 2, 3, 4});
+  ChangeTime(Path("o1"));
+  PlanFiles(manifest, 1);
+  const S_FileJob job = NextJob(manifest);
+  EXPECT_FALSE(job.bOwnTarget);
+  EXPECT_TRUE(job.bChangedTarget);
+  EXPECT_FALSE(NextJob(manifest).bOwnTarget);
+}
+
+TEST_F(PlanTest, TargetThatAppearsAfterAFileWasGivenBack_IsNotOurs) {
+  MakeSources(1);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 1);
+  EXPECT_TRUE(NextJob(manifest).bOwnTarget);
+  Write("o1", {1, 2});
+  EXPECT_FALSE(NextJob(manifest).bOwnTarget);
+}
+
+TEST_F(PlanTest, OtherTargets_AreToldAndNotTaken) {
+  MakeSources(2);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 2);
+  Finish(manifest);
+  C_Plan plan(manifest);
+  plan.Add(Path("1"), Path("other/o1"));
+  plan.Add(Path("2"), Path("other/o2"));
+  plan.Add(Path("3"), Path("o1/3"));
+  const S_PlanCounts counts = plan.Finish("{}", "");
+  EXPECT_EQ(counts.qwKept, 2U);
+  EXPECT_EQ(counts.strKept, Path("o1"));
+  EXPECT_EQ(counts.qwChanged, 0U);
+  EXPECT_EQ(counts.qwNew, 1U);
+  EXPECT_EQ(Value(manifest, "SELECT group_concat(target) FROM files WHERE state = 2"),
+            Path("o1") + "," + Path("o2"));
 }
 
 TEST_F(PlanTest, SameTargets_AreRefusedAndNothingIsPlanned) {
@@ -112,6 +175,45 @@ TEST_F(PlanTest, TargetThatIsToBeRead_IsRefused) {
   plan.Add("/in/b", "/in/c");
   EXPECT_EQ(FailureOf([&] { plan.Finish("{}", ""); }),
             "/in/a: its target is to be read as well: /in/b");
+}
+
+TEST_F(PlanTest, FilesOfTheSameTarget_TakeTheirOtherOnesAndKeepThem) {
+  C_Manifest manifest = Made();
+  const auto Targets = [&manifest](const std::vector<std::string>& extensions) {
+    C_Plan plan(manifest);
+    for (const std::string& strExtension : extensions) {
+      plan.Add("/in/x." + strExtension, "/out/x", "/out/x." + strExtension);
+    }
+    EXPECT_EQ(plan.Finish("{}", "").qwKept, 0U);
+    return Value(manifest,
+                 "SELECT group_concat(target) FROM (SELECT * FROM files ORDER BY source)");
+  };
+  EXPECT_EQ(Targets({"a", "b"}), "/out/x.a,/out/x.b");
+  EXPECT_EQ(Targets({"a", "b"}), "/out/x.a,/out/x.b");
+  EXPECT_EQ(Targets({"b"}), "/out/x.a,/out/x.b");
+  EXPECT_EQ(Targets({"a", "b", "c"}), "/out/x.a,/out/x.b,/out/x.c");
+}
+
+TEST_F(PlanTest, FileThatComesLater_LeavesTheTargetToTheFirst) {
+  C_Manifest manifest = Made();
+  C_Plan first(manifest);
+  first.Add("/in/x.b", "/out/x", "/out/x.b");
+  first.Finish("{}", "");
+  C_Plan second(manifest);
+  second.Add("/in/x.a", "/out/x", "/out/x.a");
+  EXPECT_EQ(second.Finish("{}", "").qwNew, 1U);
+  EXPECT_EQ(Value(manifest, "SELECT group_concat(target) FROM files"), "/out/x,/out/x.a");
+}
+
+TEST_F(PlanTest, FileThatIsItsOwnTarget_IsRefusedUnlessItIsSkipped) {
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest);
+  plan.Add("/in/a", "/in/a");
+  EXPECT_EQ(FailureOf([&] { plan.Finish("{}", ""); }),
+            "/in/a: its target is to be read as well: /in/a");
+  C_Plan skipping(manifest);
+  skipping.Add("/in/a", "/in/a");
+  EXPECT_EQ(skipping.Finish("{}", kSkipExisting).qwNew, 1U);
 }
 
 // The folder of the targets may be in that of the sources.

@@ -9,6 +9,7 @@
 
 #include "ManifestFixture.h"
 #include "manifest/ManifestJobs.h"
+#include "manifest/Retry.h"
 
 namespace tool {
 namespace {
@@ -116,6 +117,8 @@ TEST_F(WorkerTest, Results_AreRecorded) {
     result.dwRate = 16000;
     result.qwFrames = 8000;
     result.qwDamaged = 2;
+    result.bCut = true;
+    result.strReason = "1: 2 of 8,000 frames are damaged";
     result.qwSum = 0xABC;
     Write("o1", {1, 2, 3, 4, 5});
     jobs.Done(*jobs.Next(), result);
@@ -128,13 +131,17 @@ TEST_F(WorkerTest, Results_AreRecorded) {
   const S_ManifestCounts counts = manifest.Counts();
   EXPECT_EQ(counts.qwDone, 1U);
   EXPECT_EQ(counts.qwDamaged, 1U);
+  EXPECT_EQ(counts.qwCut, 1U);
+  EXPECT_EQ(Value(manifest, "SELECT reason FROM files WHERE state = 2"),
+            "1: 2 of 8,000 frames are damaged");
   EXPECT_EQ(counts.qwFailed, 1U);
   EXPECT_EQ(counts.qwPlanned, 1U);
   EXPECT_EQ(counts.dSeconds, 0.5);
   EXPECT_EQ(Value(manifest, "SELECT checksum || target_bytes FROM files WHERE state = 2"),
             "0000000000000abc5");
   EXPECT_EQ(Value(manifest, "SELECT reason FROM files WHERE state = 3"), "2: is no sound: at all");
-  EXPECT_EQ(Value(manifest, "SELECT own FROM files WHERE state = 3"), "1");
+  // Whatever gets its name later is not ours.
+  EXPECT_EQ(Value(manifest, "SELECT own FROM files WHERE state = 3"), "0");
 }
 
 TEST_F(WorkerTest, TargetsThatWereThere_AreNotOurs) {
@@ -144,16 +151,47 @@ TEST_F(WorkerTest, TargetsThatWereThere_AreNotOurs) {
   PlanFiles(manifest, 2);
   C_ManifestJobs jobs(manifest, {});
   EXPECT_TRUE(jobs.Next()->bOwnTarget);
-  EXPECT_FALSE(jobs.Next()->bOwnTarget);
+  const auto second = jobs.Next();
+  EXPECT_FALSE(second->bOwnTarget);
+  EXPECT_FALSE(second->bChangedTarget);
   EXPECT_FALSE(jobs.Next());
 }
 
-TEST_F(WorkerTest, FailedFiles_AreTriedAgainWhenItIsAsked) {
+TEST_F(WorkerTest, TargetOfAProcessThatHasDied_IsOurs) {
+  MakeSources(2);
   C_Manifest manifest = Made();
-  PlanFiles(manifest, 3);
-  manifest.Database().Execute("UPDATE files SET state = 3, reason = 'none'");
+  PlanFiles(manifest, 2);
+  Write("o2", {1});
+  {
+    C_ManifestJobs jobs(manifest, {});
+    while (jobs.Next()) {
+    }
+    S_Worker dead = ThisWorker();
+    --dead.nStart;
+    const std::int64_t nDead = NumberOf(dead, manifest);
+    manifest.Database().Execute("UPDATE files SET worker = " + std::to_string(nDead));
+  }
+  Write("o1", {1, 2, 3});
+  C_ManifestJobs jobs(manifest, {});
+  EXPECT_TRUE(jobs.Next()->bOwnTarget);
+  EXPECT_FALSE(jobs.Next()->bOwnTarget);
+}
+
+TEST_F(WorkerTest, FailedFiles_AreTriedAgainWhenItIsAsked) {
+  MakeSources(3);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 4);
+  manifest.Database().Execute("UPDATE files SET state = 3, reason = 'none', in_way = (id = 2)");
   EXPECT_EQ(C_ManifestJobs(manifest, {}).Count(), 0U);
-  EXPECT_EQ(C_ManifestJobs(manifest, {true, false}).Count(), 3U);
+  EXPECT_EQ(PlanAgain(manifest, {}).qwAgain, 0U);
+  EXPECT_EQ(PlanAgain(manifest, {false, true}).qwAgain, 1U);
+  EXPECT_EQ(manifest.Counts().qwFailed, 3U);
+  const S_RetryCounts counts = PlanAgain(manifest, {true, false});
+  EXPECT_EQ(counts.qwAgain, 2U);
+  EXPECT_EQ(counts.qwGone, 1U);
+  EXPECT_EQ(manifest.Counts().All(), 3U);
+  EXPECT_EQ(C_ManifestJobs(manifest, {}).Count(), 3U);
+  EXPECT_EQ(Value(manifest, "SELECT SUM(plan) FROM files"), "3");
 }
 
 }  // namespace
