@@ -11,6 +11,7 @@
 #include "base/NumberText.h"
 #include "compare/LagFinder.h"
 #include "compare/Report.h"
+#include "sound/HeldSound.h"
 #include "sound/SoundFaults.h"
 
 namespace tool {
@@ -87,20 +88,16 @@ void TellWidth(const std::string& strPath, const S_SoundInfo& info, C_Console& c
 // What is missing or damaged is no difference that anybody has made.
 void TellFaults(const std::string& strName, const I_SoundInput& sound, std::uint64_t qwFrames,
                 C_Console& console) {
-  if (sound.DamagedFrames() != 0) {
-    console.Complain(strName + ": " + DamagedText(sound.DamagedFrames(), qwFrames));
-  }
-  if (IsCutAfter(sound, qwFrames)) {
-    console.Complain(strName + ": " + CutText(sound, qwFrames, "compared"));
-  }
+  const std::string strFaults = FaultLine(strName, sound, qwFrames, "compared");
+  if (!strFaults.empty()) console.Complain(strFaults);
 }
 
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
   if (arguments.strFirst == kStandardStream && arguments.strSecond == kStandardStream) {
     throw C_UsageFailure("both sounds are standard input: one of them can be");
   }
-  const C_SoundInputPtr first = OpenSound(arguments.strFirst);
-  const C_SoundInputPtr second = OpenSound(arguments.strSecond);
+  const C_SoundInputPtr first = WithoutMissingFrames(OpenSound(arguments.strFirst));
+  const C_SoundInputPtr second = WithoutMissingFrames(OpenSound(arguments.strSecond));
   RefuseUnlike(arguments, first->Info(), second->Info());
   TellWidth(arguments.strFirst, first->Info(), console);
   TellWidth(arguments.strSecond, second->Info(), console);

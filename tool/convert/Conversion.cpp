@@ -196,7 +196,7 @@ class C_Conversion {
     }
     TellDetail();
     TellWidth();
-    result.strReason = DamageText(result);
+    result.strReason = FaultLine(Source(), *m_input, m_qwFrames, "converted");
     if (!result.strReason.empty()) m_report.Remark(result.strReason);
     TellLimited(output.LimitedSamples());
     TellLost(output.Lost());
@@ -212,16 +212,6 @@ class C_Conversion {
     m_report.Detail(Source() + ": " + m_info.strFormat + ": becomes " +
                     NameOfTarget(m_job.strTarget) + ", " + FormatText(written) + ", " +
                     std::to_string(m_format.sample_rate) + " Hz");
-  }
-  // "" for a sound that is whole and good.
-  [[nodiscard]] std::string DamageText(const S_FileResult& result) const {
-    std::string strText;
-    if (result.qwDamaged != 0) strText = DamagedText(result.qwDamaged, result.qwFrames);
-    if (result.bCut) {
-      strText += strText.empty() ? "" : "; ";
-      strText += CutText(*m_input, m_qwFrames, "converted");
-    }
-    return strText.empty() ? "" : Source() + ": " + strText;
   }
   // What else changes the samples was asked for.
   void TellWidth() const {

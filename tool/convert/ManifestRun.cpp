@@ -56,6 +56,8 @@ class C_ManifestRun {
  private:
   void TakeStored() {
     TakeStoredOptions(m_manifest.Setting(kOptionsSetting), m_manifest.Name(), m_arguments);
+    // Who lists files says anew what happens to targets that exist.
+    if (m_arguments.batch.AreNamed()) return;
     TakeStoredRule(m_manifest.Setting(kExistingSetting), m_arguments.target);
   }
 

@@ -13,6 +13,7 @@
 #include "play/PassingMarks.h"
 #include "play/SoundPlayer.h"
 #include "play/StatusLine.h"
+#include "sound/HeldSound.h"
 
 namespace tool {
 namespace {
@@ -53,7 +54,7 @@ class C_PlayedSound {
       : m_file(file),
         m_console(console),
         m_keys(keys),
-        m_sound(OpenSound(file.strPath)),
+        m_sound(WithoutMissingFrames(OpenSound(file.strPath))),
         m_span(SpanOf(file, m_sound->Info())),
         m_marks(m_sound->Notes()),
         m_player(

@@ -10,6 +10,7 @@
 #include "base/Interrupt.h"
 #include "base/ReplacedFile.h"
 #include "plot/Picture.h"
+#include "sound/HeldSound.h"
 #include "sound/SoundFaults.h"
 #include "sound/SoundInput.h"
 
@@ -29,7 +30,7 @@ class C_FilePicture {
 
   // Keeps what was read for the result, and for Report.
   std::string Draw() {
-    const C_SoundInputPtr input = OpenSound(m_job.strSource);
+    const C_SoundInputPtr input = WithoutMissingFrames(OpenSound(m_job.strSource));
     const std::uint32_t dwRate = input->Info().dwRate;
     S_Picture picture = PictureOf(*input, NameOf(m_job.strSource), m_options,
                                   [&](std::uint64_t qwDone, std::uint64_t qwAll) {
@@ -39,15 +40,11 @@ class C_FilePicture {
     m_result.dwRate = dwRate;
     m_result.qwDamaged = input->DamagedFrames();
     m_result.bCut = picture.bCut;
-    if (picture.bCut) m_strCut = CutText(*input, picture.qwFrames, "drawn");
+    m_strFaults = FaultLine(NameOf(m_job.strSource), *input, picture.qwFrames, "drawn");
     return std::move(picture.strFile);
   }
   [[nodiscard]] S_FileResult Report(const C_FileReport& report) const {
-    const std::string strName = NameOf(m_job.strSource);
-    if (m_result.qwDamaged != 0) {
-      report.Remark(strName + ": " + DamagedText(m_result.qwDamaged, m_result.qwFrames));
-    }
-    if (m_result.bCut) report.Remark(strName + ": " + m_strCut);
+    if (!m_strFaults.empty()) report.Remark(m_strFaults);
     return m_result;
   }
   S_FileResult Skip() {
@@ -60,7 +57,7 @@ class C_FilePicture {
   const S_PlotOptions& m_options;
   C_FileWatch& m_watch;
   S_FileResult m_result;
-  std::string m_strCut;  // what is said of a cut file
+  std::string m_strFaults;  // what is said of them
 };
 
 void WriteTo(const std::string& strTarget, const std::string& strPicture, bool bMayReplace) {

@@ -5,21 +5,33 @@
 #include "sound/WholeSound.h"
 
 namespace tool {
+namespace {
+
+std::string HeldText(std::uint64_t qwFrames, std::uint64_t qwClaimed) {
+  if (qwFrames < qwClaimed)
+    return CountText(qwFrames) + " of " + CountedText(qwClaimed, "frame") + " are";
+  return CountedText(qwFrames, "frame") + (qwFrames == 1 ? " is" : " are");
+}
+
+}  // namespace
 
 bool IsCutAfter(const I_SoundInput& sound, std::uint64_t qwFrames) {
   return sound.IsCut() || qwFrames < ClaimedFrames(sound.Info());
 }
 
-std::string DamagedText(std::uint64_t qwDamaged, std::uint64_t qwFrames) {
-  return CountText(qwDamaged) + " of " + CountedText(qwFrames, "frame") + " are damaged";
-}
-
-std::string CutText(const I_SoundInput& sound, std::uint64_t qwFrames, std::string_view done) {
-  const std::string strCut = "the file is cut: ";
-  const std::uint64_t qwClaimed = ClaimedFrames(sound.Info());
-  if (qwFrames >= qwClaimed) return strCut + "its end is missing";
-  return strCut + CountText(qwFrames) + " of " + CountedText(qwClaimed, "frame") +
-         " are there, and " + std::string(done);
+std::string FaultLine(const std::string& strName, const I_SoundInput& sound, std::uint64_t qwFrames,
+                      std::string_view done) {
+  std::string strText;
+  if (sound.DamagedFrames() != 0) {
+    strText =
+        CountText(sound.DamagedFrames()) + " of " + CountedText(qwFrames, "frame") + " are damaged";
+  }
+  if (IsCutAfter(sound, qwFrames)) {
+    strText += strText.empty() ? "" : "; ";
+    strText += "the file is cut: " + HeldText(qwFrames, ClaimedFrames(sound.Info())) +
+               " there, and " + std::string(done);
+  }
+  return strText.empty() ? "" : strName + ": " + strText;
 }
 
 }  // namespace tool

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What is wrong with a sound, though it could be read: texts for people.
+// What is wrong with a sound, though it could be read: a line for people.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,9 @@ namespace tool {
 // than the file says.
 bool IsCutAfter(const I_SoundInput& sound, std::uint64_t qwFrames);
 
-// "3 of 500 frames are damaged".
-std::string DamagedText(std::uint64_t qwDamaged, std::uint64_t qwFrames);
-// "the file is cut: 500 of 800 frames are there, and converted", after so many were read to the
-// end; where silence stands for the missing ones, that the end is missing.
-std::string CutText(const I_SoundInput& sound, std::uint64_t qwFrames, std::string_view done);
+// "speech.kst: 3 of 500 frames are damaged; the file is cut: 500 of 900 frames are there, and
+// converted", after so many were read to the end. "" for a sound that is whole and good.
+std::string FaultLine(const std::string& strName, const I_SoundInput& sound, std::uint64_t qwFrames,
+                      std::string_view done);
 
 }  // namespace tool

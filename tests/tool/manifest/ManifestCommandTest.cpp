@@ -193,6 +193,18 @@ TEST_F(ManifestCommandTest, MarksThatWereAddedToATarget_StayUntilForce) {
   EXPECT_EQ(voxplay::Reader(Path("out/001.wav")).info().frames, 3000U);
 }
 
+TEST_F(ManifestCommandTest, Force_IsNotMeantByTheNextListing) {
+  MakeSounds(1);
+  Texts forced = Begin("wav");
+  forced.emplace_back("-f");
+  Convert(forced);
+  Write("out/000.wav", {'m', 'i', 'n', 'e'});
+  MakeWav("in/000.wav", PublicSamples(3000));
+  EXPECT_NE(Fail(1, Begin("wav")).find("@/out/000.wav: has changed since it was made"),
+            std::string::npos);
+  EXPECT_EQ(Content("out/000.wav").size(), 4U);
+}
+
 TEST_F(ManifestCommandTest, OtherFolder_MovesNothing) {
   MakeSounds(2);
   Convert(Begin());
