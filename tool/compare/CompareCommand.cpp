@@ -71,9 +71,9 @@ std::string CheckLag(std::string& strSeconds) {
 std::size_t MostLag(const std::optional<double>& seconds, std::uint32_t dwRate) {
   const double dFrames = std::round(seconds.value_or(kUsualLagSeconds) * dwRate);
   if (seconds && dFrames > static_cast<double>(kMostLag)) {
-    throw C_UsageFailure(
-        "--max-lag", "is too much for " + std::to_string(dwRate) + " Hz",
-        "give at most " + NumberText(std::floor(100.0 * kMostLag / dwRate) / 100, 2) + " seconds");
+    throw C_UsageFailure("--max-lag is too much for " + std::to_string(dwRate) +
+                         " Hz: give at most " +
+                         NumberText(std::floor(100.0 * kMostLag / dwRate) / 100, 2) + " seconds");
   }
   return static_cast<std::size_t>(std::min(dFrames, static_cast<double>(kMostLag)));
 }
@@ -90,7 +90,7 @@ void TellFaults(const std::string& strName, const I_SoundInput& sound, std::uint
   if (sound.DamagedFrames() != 0) {
     console.Complain(DamagedLine(strName, sound.DamagedFrames(), qwFrames));
   }
-  if (IsCutAfter(sound, qwFrames)) console.Complain(CutLine(strName, qwFrames, "compared"));
+  if (IsCutAfter(sound, qwFrames)) console.Complain(CutLine(strName, sound, qwFrames, "compared"));
 }
 
 int RunCompare(const S_CompareArguments& arguments, C_Console& console) {

@@ -222,16 +222,15 @@ class C_Conversion {
     }
     if (result.bCut) {
       strText += strText.empty() ? "" : "; ";
-      strText += "the file is cut: " + HeldText() + " there, and converted";
+      strText += "the file is cut: " + HeldText();
     }
     return strText.empty() ? "" : Source() + ": " + strText;
   }
   [[nodiscard]] std::string HeldText() const {
     const std::uint64_t qwClaimed = ClaimedFrames(m_info);
-    if (m_qwFrames >= qwClaimed) {
-      return CountedText(m_qwFrames, "frame") + (m_qwFrames == 1 ? " is" : " are");
-    }
-    return CountText(m_qwFrames) + " of " + CountedText(qwClaimed, "frame") + " are";
+    if (m_qwFrames >= qwClaimed) return "its end is missing";
+    return CountText(m_qwFrames) + " of " + CountedText(qwClaimed, "frame") +
+           " are there, and converted";
   }
   // What else changes the samples was asked for.
   void TellWidth() const {

@@ -111,16 +111,12 @@ class C_PlayList {
 };
 
 void CheckOptions(const S_PlayOptions& options) {
-  if (options.files.empty()) {
-    throw C_UsageFailure("no file is named");
-  }
+  if (options.files.empty()) throw C_UsageFailure("no file is named");
   if (std::ranges::count(options.files, std::string(kStandardStream)) > 1) {
     throw C_UsageFailure("standard input: it can be named only once");
   }
   const auto to = C_Time::Parse(options.strTo);
-  if (to && *to < *C_Time::Parse(options.strFrom)) {
-    throw C_UsageFailure("--to is before --from");
-  }
+  if (to && *to < *C_Time::Parse(options.strFrom)) throw C_UsageFailure("--to is before --from");
 }
 
 int RunPlay(const S_PlayOptions& options, C_Console& console) {

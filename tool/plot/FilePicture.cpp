@@ -39,7 +39,9 @@ class C_FilePicture {
     m_result.dwRate = dwRate;
     m_result.qwDamaged = input->DamagedFrames();
     m_result.bCut = picture.bCut;
-    m_qwThere = picture.qwFrames;
+    if (picture.bCut) {
+      m_strCut = CutLine(NameOf(m_job.strSource), *input, picture.qwFrames, "drawn");
+    }
     return std::move(picture.strFile);
   }
   [[nodiscard]] S_FileResult Report(const C_FileReport& report) const {
@@ -47,7 +49,7 @@ class C_FilePicture {
     if (m_result.qwDamaged != 0) {
       report.Remark(DamagedLine(strName, m_result.qwDamaged, m_result.qwFrames));
     }
-    if (m_result.bCut) report.Remark(CutLine(strName, m_qwThere, "drawn"));
+    if (m_result.bCut) report.Remark(m_strCut);
     return m_result;
   }
   S_FileResult Skip() {
@@ -60,7 +62,7 @@ class C_FilePicture {
   const S_PlotOptions& m_options;
   C_FileWatch& m_watch;
   S_FileResult m_result;
-  std::uint64_t m_qwThere = 0;  // frames of the whole sound
+  std::string m_strCut;  // what is said of a cut file
 };
 
 void WriteTo(const std::string& strTarget, const std::string& strPicture, bool bMayReplace) {

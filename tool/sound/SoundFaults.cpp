@@ -15,8 +15,11 @@ std::string DamagedLine(const std::string& strName, std::uint64_t qwDamaged,
          " frames are damaged";
 }
 
-std::string CutLine(const std::string& strName, std::uint64_t qwFrames, std::string_view done) {
-  return strName + ": the file is cut: " + std::to_string(qwFrames) +
+std::string CutLine(const std::string& strName, const I_SoundInput& sound, std::uint64_t qwFrames,
+                    std::string_view done) {
+  const std::string strCut = strName + ": the file is cut: ";
+  if (qwFrames >= ClaimedFrames(sound.Info())) return strCut + "its end is missing";
+  return strCut + std::to_string(qwFrames) +
          (qwFrames == 1 ? " frame is there, and " : " frames are there, and ") + std::string(done);
 }
 

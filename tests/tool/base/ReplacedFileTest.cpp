@@ -99,17 +99,16 @@ TEST_F(ReplacedFile, ReplacedFile_KeepsItsMode) {
 
 TEST_F(ReplacedFile, ReplacedFile_KeepsTheAttributesOfItsUser) {
   const std::string strOld = Write("old", {'o'});
-  if (setxattr(strOld.c_str(), "user.rating", "five", 4, 0) != 0) {
-    GTEST_SKIP() << "no attributes here";
-  }
-  ASSERT_EQ(setxattr(strOld.c_str(), "user.empty", "", 0, 0), 0);
+  // Not all file systems hold any.
+  const bool bHeld = setxattr(strOld.c_str(), "user.rating", "five", 4, 0) == 0 &&
+                     setxattr(strOld.c_str(), "user.empty", "", 0, 0) == 0;
   C_ReplacedFile file(strOld, true);
   Write(file, "n");
   file.TakePlace();
   std::array<char, 16> value{};
-  EXPECT_EQ(getxattr(strOld.c_str(), "user.rating", value.data(), value.size()), 4);
-  EXPECT_STREQ(value.data(), "five");
-  EXPECT_EQ(getxattr(strOld.c_str(), "user.empty", value.data(), value.size()), 0);
+  EXPECT_EQ(getxattr(strOld.c_str(), "user.rating", value.data(), value.size()), bHeld ? 4 : -1);
+  EXPECT_STREQ(value.data(), bHeld ? "five" : "");
+  EXPECT_EQ(getxattr(strOld.c_str(), "user.empty", value.data(), value.size()), bHeld ? 0 : -1);
   EXPECT_EQ(Content("old"), Bytes{'n'});
 }
 

@@ -93,14 +93,14 @@ TEST_F(Completion, ForZsh_IsAScriptThatItReads) {
 
 TEST_F(Completion, OfManual_NamesCommandsAndThoseInThem) {
   const auto InBashOf = [this](const char* pszWords) {
-    EXPECT_EQ(Shell(VOXTOOL " completion bash >bash"), "");
+    EXPECT_EQ(Shell("{ " VOXTOOL " completion bash >bash; }"), "");
     return InBash(pszWords);
   };
   EXPECT_EQ(InBashOf("manual t"), "tags\n");
   EXPECT_EQ(InBashOf("manual tags ''"), "add\nexport\nimport\nlist\nremove\n");
   EXPECT_EQ(InBashOf("manual tags add ''"), "cue\nevent\nloop\nregion\nsilence\n");
   EXPECT_EQ(InBashOf("manual tags list ''"), "");
-  EXPECT_EQ(Shell(VOXTOOL " completion fish >fish"), "");
+  EXPECT_EQ(Shell("{ " VOXTOOL " completion fish >fish; }"), "");
   EXPECT_EQ(InFish("manual ta"), "tags\n");
   EXPECT_EQ(InFish("manual tags l"), "list\tshow the marks of files\n");
   EXPECT_EQ(InFish("manual tags add r"), "region\tadd a range that is kept uncompressed\n");

@@ -68,7 +68,8 @@ TEST_F(PlayCommand, ACutFile_IsToldAndPlayed) {
   folder.Write("a.wav", bytes);
   const S_Run run = Run({"--null", strFile});
   EXPECT_EQ(run.nExit, 0);
-  EXPECT_EQ(run.strErr, strFile + ": the file is cut: its end is missing\n");
+  EXPECT_EQ(run.strErr, strFile + ": 3000 frames are damaged\n" + strFile +
+                            ": the file is cut: its end is missing\n");
 }
 
 TEST_F(PlayCommand, NothingButFailuresInALoop_Ends) {

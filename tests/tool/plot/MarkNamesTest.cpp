@@ -87,7 +87,7 @@ TEST(Marks, EventsAndCuePoints_HaveTheirColumnsAndNames) {
   voxplay::Notes notes;
   notes.add(voxplay::Event{500, 1, 2, 0, "begin"});
   notes.add(voxplay::Event{505, 3, 4, 0, ""});
-  notes.add(voxplay::Event{1000, 1, 1, 0, "after the end"});
+  notes.add(voxplay::Event{1001, 1, 1, 0, "after the end"});
   voxplay::Cue cue{};
   cue.id = 7;
   cue.sample_offset = 250;

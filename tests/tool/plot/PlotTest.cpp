@@ -365,7 +365,7 @@ TEST_F(Plot, WhatCannotBeMeant_IsAUsageError) {
       {strIn},
       {"-o", Path("x.png")},
       {strIn, "-o", Path("x.png"), "-d", Path("d")},
-      {strIn, strIn, "-o", Path("x.png")},
+      {strIn, Path("b.wav"), "-o", Path("x.png")},
       {strIn, "-o", Path("x.jpg")},
       {strIn, "-o", Path("x")},
       {strIn, "-o", Path("x.png"), "--size", "10x10"},
@@ -466,12 +466,24 @@ TEST_F(Plot, CutFile_IsToldAndSaysSoInThePicture) {
   auto bytes = Content("a.wav");
   bytes.resize(44 + 2 * 1000);
   Write("a.wav", bytes);
-  EXPECT_THAT(Svg(), HasSubstr("0:00.063 \u00B7 cut</text>"));
-  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": the file is cut: 1000 frames are there, and drawn\n");
-  Svg({"--to", "0.01"});
-  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": the file is cut: 1000 frames are there, and drawn\n");
+  EXPECT_THAT(Svg(), HasSubstr("0:01.000 \u00B7 cut \u00B7 15,000 damaged frames</text>"));
+  const std::string strCut = Path("a.wav") + ": the file is cut: its end is missing\n";
+  EXPECT_EQ(m_run.strErr, Path("a.wav") + ": 15000 of 16000 frames are damaged\n" + strCut);
+  Svg({"--to", "0.01", "--waveform"});
+  EXPECT_EQ(m_run.strErr, strCut);
   EXPECT_EQ(Run({Path("a.wav"), "-d", Path("d")}), 0);
-  EXPECT_THAT(m_run.strErr, HasSubstr("1 file: 1 drawn (1 cut); "));
+  EXPECT_THAT(m_run.strErr, HasSubstr("1 file: 1 drawn (1 with damaged frames, 1 cut); "));
+}
+
+TEST_F(Plot, CutStream_IsToldWithTheFramesThatAreThere) {
+  auto bytes = WrittenBytes(FormatOf(VOXPLAY_CONTAINER_SP, VOXPLAY_CODEC_HERON, 4, 8000),
+                            PublicSamples(100000));
+  bytes.resize(bytes.size() / 2);
+  Write("a.hrn", bytes);
+  EXPECT_EQ(Run({Path("a.hrn"), "-o", "-", "--format", "svg"}), 0);
+  EXPECT_THAT(m_run.strErr, testing::MatchesRegex(
+                                ".*/a.hrn: the file is cut: [0-9]+ frames are there, and drawn\n"));
+  EXPECT_THAT(m_run.strOut, HasSubstr(" \u00B7 cut</text>"));
 }
 
 TEST_F(Plot, DamagedFile_IsToldByItsName) {
@@ -483,7 +495,7 @@ TEST_F(Plot, DamagedFile_IsToldByItsName) {
   EXPECT_EQ(Run({Path("a.kst"), "-o", "-", "--format", "svg"}), 0);
   EXPECT_THAT(m_run.strErr,
               testing::MatchesRegex(".*/a.kst: [0-9]+ of 32000 frames are damaged\n"));
-  EXPECT_THAT(m_run.strOut, testing::ContainsRegex("[0-9]+ damaged frames</text>"));
+  EXPECT_THAT(m_run.strOut, testing::ContainsRegex("[0-9,]+ damaged frames</text>"));
 }
 
 TEST_F(Plot, LongSound_IsNeverInMemory) {
