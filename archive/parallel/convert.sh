@@ -30,7 +30,7 @@ tell_failure() {
 }
 
 archive=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-hosts=: pieces=16 cpus=1 rounds=3 folder= retry=
+hosts=: pieces=16 cpus=1 rounds=3 retry='' folder=
 while getopts S:n:c:r:w:th option; do
   case $option in
     S) hosts=$OPTARG ;;

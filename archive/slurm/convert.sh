@@ -48,11 +48,6 @@ esac
 
 archive=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export VOXTOOL=${VOXTOOL:-voxtool}
-for program in sbatch "$VOXTOOL"; do
-  command -v "$program" >/dev/null || { echo "convert.sh: $program: is not installed" >&2 && exit 1; }
-done
-# The tasks begin in another folder.
-[[ $VOXTOOL != */* ]] || VOXTOOL=$(realpath -- "$VOXTOOL")
 
 # submit_round FOLDER DB ROUND ROUNDS PIECES CPUS OPTION...
 submit_round() {
@@ -77,7 +72,7 @@ if [[ ${1:-} == round ]]; then
   exit
 fi
 
-pieces=16 cpus=1 rounds=3 folder= retry=
+pieces=16 cpus=1 rounds=3 retry='' folder=
 while getopts n:c:r:w:th option; do
   case $option in
     n) pieces=$OPTARG ;;
@@ -91,6 +86,11 @@ while getopts n:c:r:w:th option; do
 done
 shift $((OPTIND - 1))
 (($# > 0)) || usage "$0" 2 >&2
+for program in sbatch "$VOXTOOL"; do
+  command -v "$program" >/dev/null || { echo "convert.sh: $program: is not installed" >&2 && exit 1; }
+done
+# The tasks begin in another folder.
+[[ $VOXTOOL != */* ]] || VOXTOOL=$(realpath -- "$VOXTOOL")
 manifest=$(realpath -- "$1")
 shift
 [[ ${1:-} != -- ]] || shift

@@ -99,7 +99,8 @@ S_Command Command(const std::shared_ptr<S_Options>& options) {
       "are; with --damage they are, and damaged frames are counted.\n\n"
       "For programs, --json prints one array with an object for each file, and --json-lines one "
       "object a line. Members without a value are left out; the member \"schema\" changes when "
-      "another one changes its meaning.",
+      "another one changes its meaning. Beside a name of a file that is no UTF-8, another member, "
+      "\"file_bytes\", has its bytes in hexadecimal.",
       {{"voxtool info speech.kst", "show what speech.kst is"},
        {"voxtool info --damage *.hrn", "decode the files, too, and count damaged frames"},
        {"voxtool info -r --json-lines archive", "describe all sounds in a folder to a program"},
