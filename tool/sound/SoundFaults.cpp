@@ -8,8 +8,9 @@ namespace tool {
 namespace {
 
 std::string HeldText(std::uint64_t qwFrames, std::uint64_t qwClaimed) {
-  if (qwFrames < qwClaimed)
+  if (qwFrames < qwClaimed) {
     return CountText(qwFrames) + " of " + CountedText(qwClaimed, "frame") + " are";
+  }
   return CountedText(qwFrames, "frame") + (qwFrames == 1 ? " is" : " are");
 }
 
