@@ -6,8 +6,8 @@
 #
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
-#   scripts/install-deps.sh tool     the same and what builds voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh test     the same and what the tests need
+#   scripts/install-deps.sh tool     the same and what builds and tests voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
 #   scripts/install-deps.sh budgets  what counts the instructions of the library
 #   scripts/install-deps.sh bench    what builds the benchmarks and what they compare with
@@ -25,10 +25,10 @@ player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg
 # What voxtool needs beside what the player needs.
 tool=(libcli11-dev nlohmann-json3-dev libcairo2-dev libpango1.0-dev libkissfft-dev
   libsqlite3-dev fonts-dejavu-core)
-tests=("${player[@]}" "${tool[@]}" libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire
-  pipewire-pulse wireplumber sox ffmpeg)
-# What the tests of voxtool use.
-tests+=(tmux zsh fish man-db mandoc python3-minimal desktop-file-utils appstream libxml2-utils
+tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
+  ffmpeg)
+# What the tests of voxtool need beside those.
+tool_tests=(tmux zsh fish man-db mandoc python3-minimal desktop-file-utils appstream libxml2-utils
   shared-mime-info libglib2.0-bin file fonts-droid-fallback slurm-wlm munge parallel procps)
 # What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
@@ -45,13 +45,13 @@ package=("${player[@]}" "${tool[@]}" debhelper dpkg-dev fakeroot lintian doxygen
 case "${1:-player}" in
   library) wanted=("${library[@]}") ;;
   player) wanted=("${player[@]}") ;;
-  tool) wanted=("${player[@]}" "${tool[@]}") ;;
-  test) wanted=("${tests[@]}") ;;
-  ci) wanted=("${tests[@]}" "${ci[@]}") ;;
+  tool) wanted=("${player[@]}" "${tests[@]}" "${tool[@]}" "${tool_tests[@]}") ;;
+  test) wanted=("${player[@]}" "${tests[@]}") ;;
+  ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
   budgets) wanted=("${library[@]}" valgrind) ;;
   bench) wanted=("${library[@]}" libbenchmark-dev pkg-config "${peers[@]}" ffmpeg wavpack valgrind) ;;
   training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
-  coverage) wanted=("${tests[@]}" gcovr) ;;
+  coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
   architectures) wanted=("${library[@]}" "${architectures[@]}") ;;
   docs) wanted=(doxygen) ;;
   abi) wanted=("${abi[@]}") ;;

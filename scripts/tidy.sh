@@ -47,7 +47,8 @@ if [[ ${1:-} == --all ]]; then
 elif (($#)); then
   for file in "$@"; do (cd "$here" && realpath -z --relative-to="$OLDPWD" "$file"); done
 else
-  scripts/sources.sh cpp | grep -zv '^\./tests/'
+  # What is built only on request is checked only on request.
+  scripts/sources.sh cpp | grep -zvE '^\./(tests|tool)/'
 fi >"$log"
 # A source that no target builds would be checked with guessed flags, so it counts as an error.
 while IFS= read -r -d '' file; do
