@@ -13,7 +13,7 @@ CLI::Validator WholeNumber(std::uint64_t qwLeast, std::uint64_t qwMost) {
     const auto [pRead, error] = std::from_chars(strText.data(), pEnd, qwNumber);
     const bool bNumber = error == std::errc() && pRead == pEnd;
     if (bNumber && qwNumber >= qwLeast && qwNumber <= qwMost) return std::string();
-    const std::string strWhy = strText + " is no whole number";
+    std::string strWhy = strText + " is no whole number";
     if (qwMost == UINT64_MAX) return strWhy;
     return strWhy + " from " + std::to_string(qwLeast) + " to " + std::to_string(qwMost);
   };

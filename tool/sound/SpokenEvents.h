@@ -5,10 +5,10 @@
 // are.
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <tuple>
 #include <vector>
 
 #include "voxplay.hpp"
@@ -22,8 +22,13 @@ struct S_EventKey {
   std::uint16_t wSub = 0;
   std::uint32_t dwData = 0;
 
-  // NOLINTNEXTLINE(modernize-use-nullptr): a zero in it is no pointer.
-  auto operator<=>(const S_EventKey&) const = default;
+  [[nodiscard]] auto Parts() const noexcept { return std::tie(qwFrame, wMain, wSub, dwData); }
+  friend bool operator==(const S_EventKey& a, const S_EventKey& b) noexcept {
+    return a.Parts() == b.Parts();
+  }
+  friend bool operator<(const S_EventKey& a, const S_EventKey& b) noexcept {
+    return a.Parts() < b.Parts();
+  }
 };
 S_EventKey KeyOf(const voxplay::Event& event);
 
