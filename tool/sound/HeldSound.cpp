@@ -5,34 +5,27 @@
 #include <string_view>
 #include <utility>
 
+#include "sound/WrappedSound.h"
+
 namespace tool {
 namespace {
 
-class C_HeldSound final : public I_SoundInput {
+class C_HeldSound final : public C_WrappedSound<C_HeldSound> {
  public:
   C_HeldSound(C_SoundInputPtr sound, std::uint64_t qwHeld)
-      : m_sound(std::move(sound)), m_info(m_sound->Info()) {
+      : C_WrappedSound(std::move(sound)), m_info(Wrapped().Info()) {
     m_info.ours->claimed_frames = m_info.qwFrames;
     m_info.ours->frames = qwHeld;
     m_info.qwFrames = qwHeld;
   }
 
   [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_info; }
-  [[nodiscard]] voxplay::NotesView Notes() const noexcept override { return m_sound->Notes(); }
-  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override {
-    return m_sound->DamagedFrames();
-  }
-  std::size_t Read(std::span<std::int16_t> samples) override { return ReadAny(samples); }
-  std::size_t Read(std::span<std::int32_t> samples) override { return ReadAny(samples); }
-  std::size_t Read(std::span<float> samples) override { return ReadAny(samples); }
-  std::size_t Read(std::span<double> samples) override { return ReadAny(samples); }
   void Seek(std::uint64_t qwFrame) override {
     m_qwPosition = std::min(qwFrame, m_info.qwFrames);
-    m_sound->Seek(m_qwPosition);
+    Wrapped().Seek(m_qwPosition);
   }
   [[nodiscard]] bool IsCut() const noexcept override { return true; }
 
- private:
   template <typename Sample>
   std::size_t ReadAny(std::span<Sample> samples) {
     const std::uint64_t qwLeft = m_info.qwFrames - m_qwPosition;
@@ -40,12 +33,12 @@ class C_HeldSound final : public I_SoundInput {
     if (samples.size() / nChannels > qwLeft) {
       samples = samples.first(static_cast<std::size_t>(qwLeft) * nChannels);
     }
-    const std::size_t nFrames = samples.empty() ? 0 : m_sound->Read(samples);
+    const std::size_t nFrames = samples.empty() ? 0 : Wrapped().Read(samples);
     m_qwPosition += nFrames;
     return nFrames;
   }
 
-  C_SoundInputPtr m_sound;
+ private:
   S_SoundInfo m_info;
   std::uint64_t m_qwPosition = 0;
 };

@@ -30,18 +30,16 @@ void C_SampleSum::Add(std::span<const Sample> samples) noexcept {
   m_qwSum = qwSum;
 }
 
-C_SummedSound::C_SummedSound(C_SoundInputPtr sound) : m_sound(std::move(sound)) {}
+template void C_SampleSum::Add(std::span<const std::int16_t> samples) noexcept;
+template void C_SampleSum::Add(std::span<const std::int32_t> samples) noexcept;
+template void C_SampleSum::Add(std::span<const float> samples) noexcept;
+template void C_SampleSum::Add(std::span<const double> samples) noexcept;
+
+C_SummedSound::C_SummedSound(C_SoundInputPtr sound) : C_WrappedSound(std::move(sound)) {}
 
 void C_SummedSound::Seek(std::uint64_t qwFrame) {
-  m_sound->Seek(qwFrame);
+  Wrapped().Seek(qwFrame);
   if (qwFrame == 0) m_sum.Reset();
-}
-
-template <typename Sample>
-std::size_t C_SummedSound::ReadAny(std::span<Sample> samples) {
-  const std::size_t nFrames = m_sound->Read(samples);
-  m_sum.Add(std::span<const Sample>(samples).first(nFrames * Info().dwChannels));
-  return nFrames;
 }
 
 }  // namespace tool

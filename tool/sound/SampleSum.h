@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
-#include "sound/SoundInput.h"
+#include "sound/WrappedSound.h"
 
 namespace tool {
 
@@ -25,29 +27,21 @@ class C_SampleSum {
 
 // Another sound, whose samples are summed up as they are read. Only what was read since the last
 // seek to the beginning counts.
-class C_SummedSound final : public I_SoundInput {
+class C_SummedSound final : public C_WrappedSound<C_SummedSound> {
  public:
   explicit C_SummedSound(C_SoundInputPtr sound);
 
   [[nodiscard]] std::uint64_t Sum() const noexcept { return m_sum.Value(); }
-
-  [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_sound->Info(); }
-  [[nodiscard]] voxplay::NotesView Notes() const noexcept override { return m_sound->Notes(); }
-  [[nodiscard]] std::uint64_t DamagedFrames() const noexcept override {
-    return m_sound->DamagedFrames();
-  }
-  std::size_t Read(std::span<std::int16_t> samples) override { return ReadAny(samples); }
-  std::size_t Read(std::span<std::int32_t> samples) override { return ReadAny(samples); }
-  std::size_t Read(std::span<float> samples) override { return ReadAny(samples); }
-  std::size_t Read(std::span<double> samples) override { return ReadAny(samples); }
   void Seek(std::uint64_t qwFrame) override;
-  [[nodiscard]] bool IsCut() const noexcept override { return m_sound->IsCut(); }
+
+  template <typename Sample>
+  std::size_t ReadAny(std::span<Sample> samples) {
+    const std::size_t nFrames = Wrapped().Read(samples);
+    m_sum.Add(std::span<const Sample>(samples).first(nFrames * Info().dwChannels));
+    return nFrames;
+  }
 
  private:
-  template <typename Sample>
-  std::size_t ReadAny(std::span<Sample> samples);
-
-  C_SoundInputPtr m_sound;
   C_SampleSum m_sum;
 };
 
