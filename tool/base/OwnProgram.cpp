@@ -6,18 +6,27 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include "base/Failure.h"
 
 namespace tool {
+namespace {
+
+// Both programs can be moved together. A system without /proc does not tell where this one is, and
+// only the place where they are installed is left then.
+std::vector<std::filesystem::path> Folders() {
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return {VOXTOOL_PROGRAMS};
+  return {program.parent_path(), program.parent_path() / VOXTOOL_PROGRAMS_FROM_HERE};
+}
+
+}  // namespace
 
 void ContinueAs(const std::string& strProgram, char* const* ppszArguments) {
-  std::error_code error;
-  const std::filesystem::path folder =
-      std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-  // The installed place is relative to this program, so that both can be moved.
-  for (const char* const pszFolder : {".", VOXTOOL_PROGRAMS}) {
-    execv((folder / pszFolder / strProgram).c_str(), ppszArguments);
+  for (const std::filesystem::path& folder : Folders()) {
+    execv((folder / strProgram).c_str(), ppszArguments);
     if (errno != ENOENT) break;
   }
   throw C_Failure(strProgram, "cannot be run", SystemReason(errno));
