@@ -27,7 +27,8 @@ bool IsUnchanged(const struct stat& a, const struct stat& b) {
 
 }  // namespace
 
-// Whoever had the lock has probably replaced the file, and the new one is not locked.
+// The program that had the lock before may have put a new file there. That one is not locked yet,
+// so we try again.
 C_FileLock::C_FileLock(std::string strPath) : m_strPath(std::move(strPath)) {
   do {
     // A pipe must not be waited for.

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Labels of WAV and VEMD files that read as events, "take_1" for instance, whoever has written
-// them. Each stays a label beside its event, and the library that reads them decides which they
-// are.
+// In WAV and VEMD files, the library reads some labels of other programs as events, for example
+// "take_1". Each of them stays a label beside its event.
 #pragma once
 
 #include <cstddef>

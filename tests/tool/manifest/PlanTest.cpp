@@ -33,6 +33,14 @@ class PlanTest : public test::C_ManifestTest {
     const auto time = std::filesystem::last_write_time(strPath);
     std::filesystem::last_write_time(strPath, time + std::chrono::seconds(5));
   }
+  // A manifest of so many sources, all of which are done.
+  [[nodiscard]] C_Manifest Finished(int nFiles) const {
+    MakeSources(nFiles);
+    C_Manifest manifest = Made();
+    PlanFiles(manifest, nFiles);
+    Finish(manifest);
+    return manifest;
+  }
 };
 
 TEST_F(PlanTest, Files_ArePlannedOnce) {
@@ -49,19 +57,13 @@ TEST_F(PlanTest, Files_ArePlannedOnce) {
 }
 
 TEST_F(PlanTest, WhatIsDoneAndUnchanged_StaysDone) {
-  MakeSources(3);
-  C_Manifest manifest = Made();
-  PlanFiles(manifest, 3);
-  Finish(manifest);
+  C_Manifest manifest = Finished(3);
   EXPECT_EQ(PlanFiles(manifest, 3).qwChanged, 0U);
   EXPECT_EQ(manifest.Counts().qwDone, 3U);
 }
 
 TEST_F(PlanTest, ChangedSource_IsPlannedAgain) {
-  MakeSources(3);
-  C_Manifest manifest = Made();
-  PlanFiles(manifest, 3);
-  Finish(manifest);
+  C_Manifest manifest = Finished(3);
   Write("2", {1, 2, 3, 4});
   EXPECT_EQ(PlanFiles(manifest, 3).qwChanged, 1U);
   EXPECT_EQ(Value(manifest, "SELECT source FROM files WHERE state = 0"), Path("2"));
@@ -70,20 +72,14 @@ TEST_F(PlanTest, ChangedSource_IsPlannedAgain) {
 }
 
 TEST_F(PlanTest, SourceOfAnotherTime_IsPlannedAgain) {
-  MakeSources(1);
-  C_Manifest manifest = Made();
-  PlanFiles(manifest, 1);
-  Finish(manifest);
+  C_Manifest manifest = Finished(1);
   const auto time = std::filesystem::last_write_time(Path("1"));
   std::filesystem::last_write_time(Path("1"), time - std::chrono::milliseconds(3));
   EXPECT_EQ(PlanFiles(manifest, 1).qwChanged, 1U);
 }
 
 TEST_F(PlanTest, LostTargets_ArePlannedAgainAndChangedOnesStay) {
-  MakeSources(4);
-  C_Manifest manifest = Made();
-  PlanFiles(manifest, 4);
-  Finish(manifest);
+  C_Manifest manifest = Finished(4);
   std::filesystem::remove(Path("o1"));
   Write("o3", {1, 2});
   EXPECT_EQ(PlanFiles(manifest, 4).qwChanged, 1U);
@@ -91,10 +87,7 @@ TEST_F(PlanTest, LostTargets_ArePlannedAgainAndChangedOnesStay) {
 }
 
 TEST_F(PlanTest, TargetAsItWasMade_IsOurs) {
-  MakeSources(1);
-  C_Manifest manifest = Made();
-  PlanFiles(manifest, 1);
-  Finish(manifest);
+  C_Manifest manifest = Finished(1);
   Write("1", {1, 2, 3, 4});
   PlanFiles(manifest, 1);
   EXPECT_TRUE(NextJob(manifest).bOwnTarget);
@@ -103,10 +96,7 @@ TEST_F(PlanTest, TargetAsItWasMade_IsOurs) {
 }
 
 TEST_F(PlanTest, TargetThatTheUserHasChanged_IsNotOurs) {
-  MakeSources(1);
-  C_Manifest manifest = Made();
-  PlanFiles(manifest, 1);
-  Finish(manifest);
+  C_Manifest manifest = Finished(1);
   Write("1", {1, 2, 3, 4});
   ChangeTime(Path("o1"));
   PlanFiles(manifest, 1);
@@ -126,10 +116,7 @@ TEST_F(PlanTest, TargetThatAppearsAfterAFileWasGivenBack_IsNotOurs) {
 }
 
 TEST_F(PlanTest, OtherTargets_AreToldAndNotTaken) {
-  MakeSources(2);
-  C_Manifest manifest = Made();
-  PlanFiles(manifest, 2);
-  Finish(manifest);
+  C_Manifest manifest = Finished(2);
   C_Plan plan(manifest);
   plan.Add(Path("1"), Path("other/o1"));
   plan.Add(Path("2"), Path("other/o2"));

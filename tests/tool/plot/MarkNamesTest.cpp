@@ -113,14 +113,20 @@ TEST(Marks, EventWithoutADescription_IsNamedByItsCommands) {
   EXPECT_EQ(MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(10, 10)).marks[0].strName, "3/4");
 }
 
-TEST(Marks, LabelThatReadsAsAnEvent_NamesIt) {
+// The label is where the event is.
+voxplay::Notes EventAndLabel(const voxplay::Event& event, const char* pszLabel) {
   voxplay::Notes notes;
-  notes.add(voxplay::Event{50, 0, 1, 0, nullptr});
+  notes.add(event);
   voxplay::Cue cue{};
   cue.id = 1;
-  cue.position = cue.sample_offset = 50;
+  cue.position = cue.sample_offset = static_cast<std::uint32_t>(event.frame);
   notes.add(cue);
-  notes.add(voxplay::Label{1, {'l', 'a', 'b', 'l'}, "take_1"});
+  notes.add(voxplay::Label{1, {'l', 'a', 'b', 'l'}, pszLabel});
+  return notes;
+}
+
+TEST(Marks, LabelThatReadsAsAnEvent_NamesIt) {
+  const voxplay::Notes notes = EventAndLabel({50, 0, 1, 0, nullptr}, "take_1");
   const S_Marks marks = MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(100, 100));
   ASSERT_EQ(marks.marks.size(), 1u);
   EXPECT_EQ(marks.marks[0].eKind, tool::MARK_EVENT);
@@ -128,13 +134,7 @@ TEST(Marks, LabelThatReadsAsAnEvent_NamesIt) {
 }
 
 TEST(Marks, LabelThatSaysNothingOfAnEvent_DoesNotNameIt) {
-  voxplay::Notes notes;
-  notes.add(voxplay::Event{50, 3, 9, 0, nullptr});
-  voxplay::Cue cue{};
-  cue.id = 1;
-  cue.position = cue.sample_offset = 50;
-  notes.add(cue);
-  notes.add(voxplay::Label{1, {'l', 'a', 'b', 'l'}, "verse"});
+  const voxplay::Notes notes = EventAndLabel({50, 3, 9, 0, nullptr}, "verse");
   EXPECT_EQ(MarksOf(notes, VOXPLAY_CONTAINER_WAV, 0, C_Columns(100, 100)).marks[0].strName, "3/9");
 }
 
