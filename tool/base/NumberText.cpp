@@ -3,6 +3,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace tool {
 
@@ -12,6 +13,13 @@ std::string NumberText(double dValue, int nDecimals) {
   const auto [pEnd, eError] = std::to_chars(text.data(), text.data() + text.size(), dValue,
                                             std::chars_format::fixed, nDecimals);
   return eError == std::errc{} ? std::string(text.data(), pEnd) : "?";
+}
+
+std::optional<double> NumberIn(std::string_view text) {
+  double dValue = 0.0;
+  const auto [pEnd, eError] = std::from_chars(text.data(), text.data() + text.size(), dValue);
+  const bool bWhole = eError == std::errc() && pEnd == text.data() + text.size();
+  return bWhole && std::isfinite(dValue) ? std::optional(dValue) : std::nullopt;
 }
 
 }  // namespace tool

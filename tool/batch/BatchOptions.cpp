@@ -41,36 +41,33 @@ C_FileList S_BatchOptions::List(C_Console& console, const std::string& strTarget
 
 void AddFileOptions(CLI::App& command, S_BatchOptions& options, const std::string& strOperand,
                     tagNames eNames) {
-  command
-      .add_option(strOperand, options.operands, "files, folders with -r, or - for standard input")
-      ->type_name("FILE");
-  command.add_flag("-r,--recursive", options.bFolders, "take the sounds in folders and below them");
-  CLI::Option* const pList = command
-                                 .add_option("--files-from", options.strList,
-                                             "read more names from a file, or - for input")
-                                 ->type_name("FILE");
-  command.add_flag("-0,--null", options.bZeros, "names in that file end with a zero")->needs(pList);
+  AddOption(command, strOperand, options.operands,
+            "files, folders with -r, or - for standard input")
+      .TypeName("FILE");
+  AddFlag(command, "-r,--recursive", options.bFolders, "take the sounds in folders and below them");
+  const C_Option list = AddOption(command, "--files-from", options.strList,
+                                  "read more names from a file, or - for input")
+                            .TypeName("FILE");
+  AddFlag(command, "-0,--null", options.bZeros, "names in that file end with a zero").Needs(list);
   if (eNames == tagNames::NAMES_CHECKED_LATER) return;
-  command.parse_complete_callback([&options] {
-    if (!options.AreNamed()) throw CLI::ValidationError("no file is named");
-  });
+  CheckAtEnd(command,
+             [&options]() -> std::string { return options.AreNamed() ? "" : kNoFileNamed; });
 }
 
 void AddThreadsOption(CLI::App& command, S_BatchOptions& options) {
-  command
-      .add_option("-j,--jobs", options.nThreads, "files at a time; one per processor if not given")
-      ->type_name("N")
-      ->check(WholeNumber(1, kMostThreads));
+  AddOption(command, "-j,--jobs", options.nThreads,
+            "files at a time; one per processor if not given")
+      .TypeName("N")
+      .Check(WholeNumber(1, kMostThreads));
 }
 
-CLI::Option* AddQuietOption(CLI::App& command, S_BatchOptions& options,
-                            const std::string& strMeaning) {
-  return command.add_flag("-q,--quiet", options.nQuiet, strMeaning);
+C_Option AddQuietOption(CLI::App& command, S_BatchOptions& options, const std::string& strMeaning) {
+  return AddFlag(command, "-q,--quiet", options.nQuiet, strMeaning);
 }
 
 void AddVerboseOption(CLI::App& command, S_BatchOptions& options, const std::string& strMeaning,
-                      CLI::Option* pQuiet) {
-  command.add_flag("-v,--verbose", options.bVerbose, strMeaning)->excludes(pQuiet);
+                      const C_Option& quiet) {
+  AddFlag(command, "-v,--verbose", options.bVerbose, strMeaning).Excludes(quiet);
 }
 
 S_TargetRule S_TargetOptions::Rule() const noexcept {
@@ -82,17 +79,16 @@ S_TargetRule S_TargetOptions::Rule() const noexcept {
 }
 
 void AddTargetOptions(CLI::App& command, S_TargetOptions& options) {
-  CLI::Option* const pFile =
-      command
-          .add_option("-o,--output", options.strFile, "the file to write, or - for standard output")
-          ->type_name("FILE");
-  command.add_option("-d,--dir", options.strFolder, "the folder for the files to write")
-      ->type_name("DIR")
-      ->excludes(pFile);
-  CLI::Option* const pReplace =
-      command.add_flag("-f,--force", options.bReplace, "replace files that exist");
-  command.add_flag("--skip-existing", options.bSkip, "leave out what has a target already")
-      ->excludes(pReplace);
+  const C_Option file = AddOption(command, "-o,--output", options.strFile,
+                                  "the file to write, or - for standard output")
+                            .TypeName("FILE");
+  AddOption(command, "-d,--dir", options.strFolder, "the folder for the files to write")
+      .TypeName("DIR")
+      .Excludes(file);
+  const C_Option replace =
+      AddFlag(command, "-f,--force", options.bReplace, "replace files that exist");
+  AddFlag(command, "--skip-existing", options.bSkip, "leave out what has a target already")
+      .Excludes(replace);
 }
 
 }  // namespace tool

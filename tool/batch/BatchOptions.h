@@ -4,13 +4,13 @@
 // need.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
 #include "batch/FileList.h"
 #include "batch/FileReport.h"
 #include "batch/Targets.h"
+#include "options/CommandOptions.h"
 
 namespace tool {
 
@@ -35,16 +35,17 @@ struct S_BatchOptions {
 //
 // The operands and where else names come from. Unless it says so itself, a command without any is a
 // mistake.
+inline constexpr const char* kNoFileNamed = "no file is named";
 enum class tagNames { NAMES_NEEDED, NAMES_CHECKED_LATER };
 void AddFileOptions(CLI::App& command, S_BatchOptions& options, const std::string& strOperand,
                     tagNames eNames = tagNames::NAMES_NEEDED);
 void AddThreadsOption(CLI::App& command, S_BatchOptions& options);
 // -q and -v, with what they mean to the command.
 inline constexpr const char* kQuietMeaning = "show no progress; -qq: say only what fails";
-CLI::Option* AddQuietOption(CLI::App& command, S_BatchOptions& options,
-                            const std::string& strMeaning = kQuietMeaning);
+C_Option AddQuietOption(CLI::App& command, S_BatchOptions& options,
+                        const std::string& strMeaning = kQuietMeaning);
 void AddVerboseOption(CLI::App& command, S_BatchOptions& options, const std::string& strMeaning,
-                      CLI::Option* pQuiet);
+                      const C_Option& quiet);
 
 struct S_TargetOptions {
   std::string strFile;

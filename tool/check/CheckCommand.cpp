@@ -74,8 +74,8 @@ void AddCheckCommand(C_CommandLine& commandLine) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(Command(options));
   AddFileOptions(command, options->batch, "FILE");
-  auto* const pJson = command.add_flag("--json", options->bJson, "print an array of objects");
-  command.add_flag("--json-lines", options->bJsonLines, "print an object a line")->excludes(pJson);
+  const C_Option json = AddFlag(command, "--json", options->bJson, "print an array of objects");
+  AddFlag(command, "--json-lines", options->bJsonLines, "print an object a line").Excludes(json);
   AddThreadsOption(command, options->batch);
   AddQuietOption(command, options->batch,
                  "leave good files and progress out; -qq: the summary, too");

@@ -59,12 +59,9 @@ void RefuseUnlike(const S_CompareArguments& arguments, const S_SoundInfo& first,
   }
 }
 
-std::string CheckLag(std::string& strSeconds) {
-  double dSeconds = -1.0;
-  if (CLI::detail::lexical_cast(strSeconds, dSeconds) && dSeconds >= 0.0 &&
-      dSeconds <= kMostLagSeconds) {
-    return "";
-  }
+std::string CheckLag(const std::string& strSeconds) {
+  const auto dSeconds = NumberIn(strSeconds);
+  if (dSeconds && *dSeconds >= 0.0 && *dSeconds <= kMostLagSeconds) return "";
   return strSeconds + " is no lag: give 0 to 10 seconds";
 }
 
@@ -116,17 +113,20 @@ int RunCompare(const S_CompareArguments& arguments, C_Console& console) {
 }
 
 void AddOptions(CLI::App& app, S_CompareArguments& arguments) {
-  app.add_option("FIRST", arguments.strFirst, "the sound as it should be; - is standard input")
-      ->required()
-      ->type_name("FILE");
-  app.add_option("SECOND", arguments.strSecond, "the sound to be compared with it")
-      ->required()
-      ->type_name("FILE");
-  app.add_option("--max-lag", arguments.dMostLag,
-                 "look for a lag of up to so many seconds, 0 to 10; 1 if not said, 0 for none")
-      ->check(CLI::Validator(CheckLag, ""))
-      ->type_name("SECONDS");
-  app.add_flag("--json", arguments.bJson, "print a JSON object");
+  AddOption(app, "FIRST", arguments.strFirst, "the sound as it should be; - is standard input")
+      .Required()
+      .TypeName("FILE");
+  AddOption(app, "SECOND", arguments.strSecond, "the sound to be compared with it")
+      .Required()
+      .TypeName("FILE");
+  const auto TakeLag = [&arguments](const std::string& strSeconds) {
+    arguments.dMostLag = NumberIn(strSeconds);
+  };
+  AddOption(app, "--max-lag", TakeLag,
+            "look for a lag of up to so many seconds, 0 to 10; 1 if not said, 0 for none")
+      .Check(CheckLag)
+      .TypeName("SECONDS");
+  AddFlag(app, "--json", arguments.bJson, "print a JSON object");
 }
 
 }  // namespace

@@ -37,7 +37,7 @@ void AddCompletionCommand(C_CommandLine& commandLine) {
   });
   std::vector<std::string> names;
   for (const auto& [strName, pfnCompletion] : Shells()) names.push_back(strName);
-  table.add_option("SHELL", *pstrShell, "the shell")->required()->check(CLI::IsMember(names));
+  AddOption(table, "SHELL", *pstrShell, "the shell").Required().OneOf(names);
 }
 
 }  // namespace tool

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "convert/ConvertArguments.h"
 
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <string_view>
 
 #include "base/Failure.h"
+#include "base/NumberText.h"
 #include "batch/SoundNames.h"
+#include "options/WholeNumber.h"
 #include "sound/PeakMeter.h"
 #include "sound/SoundInput.h"
 
@@ -19,14 +20,6 @@ constexpr std::uint32_t kMostRate = 0xFFFFFFFF;
 constexpr double kMostDecibels = 200.0;
 constexpr double kMillisecondsPerSecond = 1000.0;
 
-std::optional<double> NumberIn(std::string_view text) {
-  double dValue = 0.0;
-  const auto [pEnd, eError] = std::from_chars(text.data(), text.data() + text.size(), dValue);
-  const bool bWhole = eError == std::errc() && pEnd == text.data() + text.size();
-  return bWhole && std::isfinite(dValue) ? std::optional(dValue) : std::nullopt;
-}
-
-// CLI::Range takes what is no number for one in its range.
 std::string ProblemOfGain(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
   const auto dGain = NumberIn(text);
@@ -35,76 +28,62 @@ std::string ProblemOfGain(std::string_view text) {
 }
 
 void AddFormatArguments(CLI::App& command, S_FormatWords& words) {
-  command.add_option("--to", words.strTo, "the format to write, unless its extension says it")
-      ->type_name("FORMAT")
-      ->check(CLI::IsMember(FormatNames()));
-  command.add_option("--codec", words.strCodec, "what a VEF file holds: pcm if not given")
-      ->type_name("CODEC")
-      ->check(CLI::IsMember(CodecNames()));
-  command.add_option("--bits", words.strBits, "the width of samples, in place of the source's")
-      ->type_name("BITS")
-      ->check(CLI::IsMember({"8", "16", "24", "32", "float"}));
-  command
-      .add_option("--bitrate", words.dwBitRate, "bits per second of Kestrel, 16000 if not given")
-      ->type_name("RATE")
-      ->check(CLI::IsMember({7200U, 9600U, 12000U, 14400U, 16000U, 20000U, 24000U, 32000U}));
-  command.add_option("--header", words.strHeader, "what stands before Kestrel or Heron")
-      ->type_name("HEADER")
-      ->check(CLI::IsMember({"sp", "codec", "none"}));
-  command.add_option("--rate", words.dwRate, "frames per second, in place of the source's")
-      ->type_name("HZ")
-      ->check(CLI::Range(1U, kMostRate).description(""));
+  AddOption(command, "--to", words.strTo, "the format to write, unless its extension says it")
+      .TypeName("FORMAT")
+      .OneOf(FormatNames());
+  AddOption(command, "--codec", words.strCodec, "what a VEF file holds: pcm if not given")
+      .TypeName("CODEC")
+      .OneOf(CodecNames());
+  AddOption(command, "--bits", words.strBits, "the width of samples, in place of the source's")
+      .TypeName("BITS")
+      .OneOf({"8", "16", "24", "32", "float"});
+  AddOption(command, "--bitrate", words.dwBitRate, "bits per second of Kestrel, 16000 if not given")
+      .TypeName("RATE")
+      .OneOf({"7200", "9600", "12000", "14400", "16000", "20000", "24000", "32000"});
+  AddOption(command, "--header", words.strHeader, "what stands before Kestrel or Heron")
+      .TypeName("HEADER")
+      .OneOf({"sp", "codec", "none"});
+  AddOption(command, "--rate", words.dwRate, "frames per second, in place of the source's")
+      .TypeName("HZ")
+      .Check(WholeNumber(1, kMostRate));
 }
 
 void AddSoundArguments(CLI::App& command, S_ConvertArguments& arguments) {
-  CLI::Option* const pMono =
-      command.add_flag("--mono", arguments.bMono, "the mean of all channels");
-  command.add_option("--channel", arguments.dwChannel, "only this channel, counted from 1")
-      ->type_name("N")
-      ->check(CLI::Range(1U, kMostChannels).description(""))
-      ->excludes(pMono);
-  CLI::Option* const pGain =
-      command.add_option("--gain", arguments.dGain, "louder, or with a minus sign softer")
-          ->type_name("DB")
-          ->check([](const std::string& strValue) { return ProblemOfGain(strValue); });
-  command
-      .add_flag("--normalize{-1}", arguments.strNormalize,
-                "bring the loudest sample to -1 dB, or to -DB")
-      ->excludes(pGain);
-  command.add_flag("--detect-silence{-50:200}", arguments.strSilence,
-                   "mark 200 ms of -50 dB and less, or -DB:MS");
-  command.add_option("--read", arguments.strRead, "what of VEF files that have both")
-      ->type_name("WHAT")
-      ->check(CLI::IsMember({"stream", "pcm"}));
-  command.add_flag("--no-notes", arguments.bNoNotes,
-                   "leave out events, cue points and other notes");
+  const C_Option mono = AddFlag(command, "--mono", arguments.bMono, "the mean of all channels");
+  AddOption(command, "--channel", arguments.dwChannel, "only this channel, counted from 1")
+      .TypeName("N")
+      .Check(WholeNumber(1, kMostChannels))
+      .Excludes(mono);
+  const C_Option gain =
+      AddOption(command, "--gain", arguments.dGain, "louder, or with a minus sign softer")
+          .TypeName("DB")
+          .Check([](const std::string& strValue) { return ProblemOfGain(strValue); });
+  AddFlag(command, "--normalize{-1}", arguments.strNormalize,
+          "bring the loudest sample to -1 dB, or to -DB")
+      .Excludes(gain);
+  AddFlag(command, "--detect-silence{-50:200}", arguments.strSilence,
+          "mark 200 ms of -50 dB and less, or -DB:MS");
+  AddOption(command, "--read", arguments.strRead, "what of VEF files that have both")
+      .TypeName("WHAT")
+      .OneOf({"stream", "pcm"});
+  AddFlag(command, "--no-notes", arguments.bNoNotes,
+          "leave out events, cue points and other notes");
 }
 
 void AddManifestArguments(CLI::App& command, S_ConvertArguments& arguments) {
-  CLI::Option* const pManifest =
-      command
-          .add_option("--manifest", arguments.strManifest,
-                      "keep in this file what is done; without IN, go on with what it has")
-          ->type_name("FILE");
-  command
-      .add_flag("--plan-only", arguments.bPlanOnly,
-                "add IN, or what --retry-failed means, to the manifest; convert nothing yet")
-      ->needs(pManifest);
-  command
-      .add_flag("--retry-failed", arguments.bRetryFailed,
-                "try again what has failed before, with --manifest")
-      ->needs(pManifest);
-  command
-      .add_flag("--reclaim", arguments.bReclaim,
-                "take over what other machines have begun, when they no longer work on it")
-      ->needs(pManifest);
-}
-
-void NoteGiven(const CLI::App& command, std::set<std::string>& given) {
-  for (const CLI::Option* const pOption : command.get_options()) {
-    if (pOption->count() == 0) continue;
-    for (const std::string& strName : pOption->get_lnames()) given.insert(strName);
-  }
+  const C_Option manifest =
+      AddOption(command, "--manifest", arguments.strManifest,
+                "keep in this file what is done; without IN, go on with what it has")
+          .TypeName("FILE");
+  AddFlag(command, "--plan-only", arguments.bPlanOnly,
+          "add IN, or what --retry-failed means, to the manifest; convert nothing yet")
+      .Needs(manifest);
+  AddFlag(command, "--retry-failed", arguments.bRetryFailed,
+          "try again what has failed before, with --manifest")
+      .Needs(manifest);
+  AddFlag(command, "--reclaim", arguments.bReclaim,
+          "take over what other machines have begun, when they no longer work on it")
+      .Needs(manifest);
 }
 
 [[noreturn]] void RefuseValue(const std::string& strOption, const std::string& strValue,
@@ -145,11 +124,11 @@ void AddConvertArguments(CLI::App& command, S_ConvertArguments& arguments) {
   AddFormatArguments(command, arguments.format);
   AddSoundArguments(command, arguments);
   AddFileOptions(command, arguments.batch, "IN", tagNames::NAMES_CHECKED_LATER);
-  command.parse_complete_callback([&command, &arguments] {
-    NoteGiven(command, arguments.given);
+  CheckAtEnd(command, [&command, &arguments]() -> std::string {
+    arguments.given = GivenOptions(command);
     const bool bGoesOn = !arguments.strManifest.empty() && arguments.target.strFolder.empty() &&
                          (!arguments.bPlanOnly || arguments.bRetryFailed);
-    if (!bGoesOn && !arguments.batch.AreNamed()) throw CLI::ValidationError("no file is named");
+    return bGoesOn || arguments.batch.AreNamed() ? "" : kNoFileNamed;
   });
   AddThreadsOption(command, arguments.batch);
   AddVerboseOption(command, arguments.batch, "say what is done with each file",

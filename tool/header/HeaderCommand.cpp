@@ -92,19 +92,18 @@ void AddShow(C_CommandLine& commandLine, CLI::App& parent) {
        "that have one. Fields without a known meaning are named by their place in the header.",
        {{"voxtool header show speech.kst", "print the header of a file"}},
        [options](C_Console& console) { return Show(*options, console); }});
-  command.add_option("FILE", options->files, "the files")->type_name("FILE")->required();
-  command.add_flag("--json", options->bJson, "print an array with an object for each file");
+  AddOption(command, "FILE", options->files, "the files").TypeName("FILE").Required();
+  AddFlag(command, "--json", options->bJson, "print an array with an object for each file");
 }
 
 void AddEditOptions(CLI::App& command, S_EditOptions& options) {
-  command
-      .add_option("FILE", options.files,
-                  "the files, which are changed in place; \"-\" is standard input, with -o")
-      ->type_name("FILE")
-      ->required();
-  command
-      .add_option("-o,--output", options.strOutput, "write another file; \"-\" is standard output")
-      ->type_name("FILE");
+  AddOption(command, "FILE", options.files,
+            "the files, which are changed in place; \"-\" is standard input, with -o")
+      .TypeName("FILE")
+      .Required();
+  AddOption(command, "-o,--output", options.strOutput,
+            "write another file; \"-\" is standard output")
+      .TypeName("FILE");
 }
 
 void AddAdd(C_CommandLine& commandLine, CLI::App& parent) {
@@ -125,13 +124,13 @@ void AddAdd(C_CommandLine& commandLine, CLI::App& parent) {
          });
        }});
   AddEditOptions(command, *options);
-  command.add_option("--codec", options->strCodec, "the codec of the stream")
-      ->check(CLI::IsMember({"kestrel", "heron4", "heron5", "heron6"}))
-      ->capture_default_str();
-  command.add_option("--rate", options->dwRate, "the sample rate; 16000 if it is not given")
-      ->type_name("HZ")
-      ->check(WholeNumber(1, UINT32_MAX));
-  command.add_flag("-f,--force", options->bForce, "replace an existing output");
+  AddOption(command, "--codec", options->strCodec, "the codec of the stream")
+      .OneOf({"kestrel", "heron4", "heron5", "heron6"})
+      .ShowDefault();
+  AddOption(command, "--rate", options->dwRate, "the sample rate; 16000 if it is not given")
+      .TypeName("HZ")
+      .Check(WholeNumber(1, UINT32_MAX));
+  AddFlag(command, "-f,--force", options->bForce, "replace an existing output");
 }
 
 void AddStrip(C_CommandLine& commandLine, CLI::App& parent) {
@@ -146,8 +145,8 @@ void AddStrip(C_CommandLine& commandLine, CLI::App& parent) {
        {{"voxtool header strip -o stream.bin speech.kst", "write the stream without its header"}},
        [options](C_Console& console) { return EditAll(*options, console, &StripHeader); }});
   AddEditOptions(command, *options);
-  command.add_flag("-f,--force", options->bForce, "replace an existing output");
-  command.add_flag("--anyway", options->bAnyway, "also when something is lost");
+  AddFlag(command, "-f,--force", options->bForce, "replace an existing output");
+  AddFlag(command, "--anyway", options->bAnyway, "also when something is lost");
 }
 
 }  // namespace

@@ -114,9 +114,9 @@ void AddInfoCommand(C_CommandLine& commandLine) {
   const auto options = std::make_shared<S_Options>();
   CLI::App& command = commandLine.Add(Command(options));
   AddFileOptions(command, options->batch, "FILE");
-  auto* const pJson = command.add_flag("--json", options->bJson, "print an array of objects");
-  command.add_flag("--json-lines", options->bJsonLines, "print an object a line")->excludes(pJson);
-  command.add_flag("--damage", options->bDamage, "decode the sounds and count damaged frames");
+  const C_Option json = AddFlag(command, "--json", options->bJson, "print an array of objects");
+  AddFlag(command, "--json-lines", options->bJsonLines, "print an object a line").Excludes(json);
+  AddFlag(command, "--damage", options->bDamage, "decode the sounds and count damaged frames");
   AddThreadsOption(command, options->batch);
   AddVerboseOption(command, options->batch, "say of unknown files which tests they failed",
                    AddQuietOption(command, options->batch));

@@ -65,8 +65,8 @@ void AddList(C_CommandLine& commandLine, CLI::App& manifest, S_Command command, 
     return Run(*options, list, console);
   };
   CLI::App& table = commandLine.Add(manifest, std::move(command));
-  table.add_option("DB", options->strManifest, "the manifest")->type_name("FILE")->required();
-  table.add_flag("--json", options->bJson, "print an array with an object for each file");
+  AddOption(table, "DB", options->strManifest, "the manifest").TypeName("FILE").Required();
+  AddFlag(table, "--json", options->bJson, "print an array with an object for each file");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "base/Utf8.h"
 #include "manifest/Pieces.h"
 #include "manifest/Subcommands.h"
+#include "options/WholeNumber.h"
 
 namespace tool {
 namespace {
@@ -81,16 +82,15 @@ void AddSplitCommand(C_CommandLine& commandLine, CLI::App& manifest) {
        {{"voxtool manifest split 16 archive.db -o piece-%d.db", "divide it into piece-1.db ..."},
         {"voxtool convert --manifest piece-7.db", "work on one of them"}},
        [options](C_Console& console) { return RunSplit(*options, console); }});
-  command.add_option("N", options->nPieces, "how many")
-      ->type_name("N")
-      ->required()
-      ->check(CLI::Range(1U, kMostPieces).description(""));
-  command.add_option("DB", options->strManifest, "the manifest")->type_name("FILE")->required();
-  command
-      .add_option("-o,--output", options->strNames, "the names of the pieces, with a %d in them")
-      ->type_name("FILE")
-      ->required();
-  command.add_flag("-f,--force", options->bReplace, "replace files that exist");
+  AddOption(command, "N", options->nPieces, "how many")
+      .TypeName("N")
+      .Required()
+      .Check(WholeNumber(1, kMostPieces));
+  AddOption(command, "DB", options->strManifest, "the manifest").TypeName("FILE").Required();
+  AddOption(command, "-o,--output", options->strNames, "the names of the pieces, with a %d in them")
+      .TypeName("FILE")
+      .Required();
+  AddFlag(command, "-f,--force", options->bReplace, "replace files that exist");
 }
 
 void AddMergeCommand(C_CommandLine& commandLine, CLI::App& manifest) {
@@ -103,8 +103,8 @@ void AddMergeCommand(C_CommandLine& commandLine, CLI::App& manifest) {
                  {{"voxtool manifest merge archive.db piece-*.db", "take back what they have done"},
                   {"voxtool manifest failed archive.db", "then see what has failed"}},
                  [options](C_Console& console) { return RunMerge(*options, console); }});
-  command.add_option("DB", options->strManifest, "the manifest")->type_name("FILE")->required();
-  command.add_option("PIECE", options->pieces, "the pieces")->type_name("FILE")->required();
+  AddOption(command, "DB", options->strManifest, "the manifest").TypeName("FILE").Required();
+  AddOption(command, "PIECE", options->pieces, "the pieces").TypeName("FILE").Required();
 }
 
 }  // namespace tool

@@ -81,8 +81,8 @@ void AddStatusCommand(C_CommandLine& commandLine, CLI::App& manifest) {
         {"voxtool manifest status --json archive.db | jq '.[0].failed'",
          "print how many have failed"}},
        [options](C_Console& console) { return Run(*options, console); }});
-  command.add_option("DB", options->files, "the manifests")->type_name("FILE")->required();
-  command.add_flag("--json", options->bJson, "print an array with an object for each manifest");
+  AddOption(command, "DB", options->files, "the manifests").TypeName("FILE").Required();
+  AddFlag(command, "--json", options->bJson, "print an array with an object for each manifest");
 }
 
 }  // namespace tool

@@ -27,8 +27,8 @@ const CLI::App& CommandOf(const CLI::App& table, const std::string& strName,
                           const std::string& strBefore) {
   std::vector<std::string> names;
   for (const CLI::App* pCommand : CommandsIn(table)) {
-    if (pCommand->get_name() == strName) return *pCommand;
-    names.push_back(pCommand->get_name());
+    names.push_back(NameOf(*pCommand));
+    if (names.back() == strName) return *pCommand;
   }
   const auto nearest = Nearest(strName, names);
   throw C_UsageFailure(strBefore + strName + ": no such command" +
@@ -50,7 +50,7 @@ const CLI::App& PageOf(const CLI::App& program, const std::vector<std::string>& 
 std::string NamesAsType(const CLI::App& program) {
   std::string strNames;
   for (const CLI::App* pCommand : CommandsIn(program)) {
-    strNames += (strNames.empty() ? "" : ",") + pCommand->get_name();
+    strNames += (strNames.empty() ? "" : ",") + NameOf(*pCommand);
   }
   return "COMMAND:{" + strNames + "}";
 }
@@ -95,12 +95,12 @@ void AddManualCommand(C_CommandLine& commandLine) {
         return RunManual(commandLine, *pOptions, console);
       },
   });
-  auto* const pCommand = table.add_option("COMMAND", pOptions->command, "whose page it is");
-  pCommand->type_name(NamesAsType(commandLine.Table()));
-  auto* const pAll = table.add_flag("--all", pOptions->bAll, "write the pages of all commands");
-  auto* const pFolder = table.add_option("-d,--dir", pOptions->strFolder, "where to write them");
-  pFolder->type_name("DIR")->needs(pAll);
-  pAll->needs(pFolder)->excludes(pCommand);
+  const C_Option command = AddOption(table, "COMMAND", pOptions->command, "whose page it is");
+  command.TypeName(NamesAsType(commandLine.Table()));
+  const C_Option all = AddFlag(table, "--all", pOptions->bAll, "write the pages of all commands");
+  const C_Option folder = AddOption(table, "-d,--dir", pOptions->strFolder, "where to write them");
+  folder.TypeName("DIR").Needs(all);
+  all.Needs(folder).Excludes(command);
 }
 
 }  // namespace tool

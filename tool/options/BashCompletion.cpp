@@ -46,18 +46,18 @@ const char* KindFlag(tagValueKind eKind) {
 // What is typed before a name, and with it.
 std::string PathCase(const std::string& strBefore, const CLI::App& command,
                      const std::string& strPath) {
-  return "      " + Quoted(strBefore + " " + command.get_name()) + ") path=" + Quoted(strPath) +
+  return "      " + Quoted(strBefore + " " + NameOf(command)) + ") path=" + Quoted(strPath) +
          " ;;\n";
 }
 
 std::string PathCases(const CLI::App& table) {
   std::string strText;
   VisitCommands(table, [&](const CLI::App& command) {
-    if (command.get_parent() == nullptr) return;
-    strText += PathCase(NameInProgram(*command.get_parent()), command, NameInProgram(command));
+    if (ParentOf(command) == nullptr) return;
+    strText += PathCase(NameInProgram(*ParentOf(command)), command, NameInProgram(command));
   });
   VisitNamedCommands(table, [&](const CLI::App& naming, const CLI::App& named) {
-    strText += PathCase(NameAfter(naming, *named.get_parent()), named, NameAfter(naming, named));
+    strText += PathCase(NameAfter(naming, *ParentOf(named)), named, NameAfter(naming, named));
   });
   return strText;
 }
@@ -72,7 +72,7 @@ std::string OptionWords(const CLI::App& command) {
 
 std::vector<std::string> NamesIn(const CLI::App& command) {
   std::vector<std::string> names;
-  for (const CLI::App* pInner : CommandsIn(command)) names.push_back(pInner->get_name());
+  for (const CLI::App* pInner : CommandsIn(command)) names.push_back(NameOf(*pInner));
   return names;
 }
 

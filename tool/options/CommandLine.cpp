@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options/CommandLine.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <span>
 #include <utility>
@@ -74,9 +75,13 @@ S_Command Program() {
 
 }  // namespace
 
-C_CommandLine::C_CommandLine() { Register(m_app, Program()); }
+C_CommandLine::C_CommandLine() : m_pTable(std::make_unique<CLI::App>()) {
+  Register(*m_pTable, Program());
+}
 
-CLI::App& C_CommandLine::Add(S_Command command) { return Add(m_app, std::move(command)); }
+C_CommandLine::~C_CommandLine() = default;
+
+CLI::App& C_CommandLine::Add(S_Command command) { return Add(*m_pTable, std::move(command)); }
 
 CLI::App& C_CommandLine::Add(CLI::App& parent, S_Command command) {
   CLI::App& added = *parent.add_subcommand(command.strName, command.strSummary);
@@ -99,7 +104,7 @@ const S_Command& C_CommandLine::Command(const CLI::App& table) const {
 
 // The innermost command that the arguments name.
 const CLI::App& C_CommandLine::Chosen() const {
-  const CLI::App* pChosen = &m_app;
+  const CLI::App* pChosen = m_pTable.get();
   while (!pChosen->get_subcommands().empty()) pChosen = pChosen->get_subcommands().front();
   return *pChosen;
 }
@@ -109,7 +114,7 @@ int C_CommandLine::Run(int nArguments, const char* const* ppszArguments, C_Conso
     const std::span all(ppszArguments, static_cast<std::size_t>(std::max(nArguments, 1)));
     std::vector<std::string> arguments = WithNegativeValues(all.subspan(1));
     std::ranges::reverse(arguments);
-    m_app.parse(std::move(arguments));
+    m_pTable->parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
     return Guarded(Chosen(), console, [&] {
       return ShowText(HelpText(*this, Chosen(), console.OutputColumns()), console);
@@ -123,8 +128,8 @@ int C_CommandLine::Run(int nArguments, const char* const* ppszArguments, C_Conso
   return Guarded(Chosen(), console, [&] { return Command(Chosen()).fnRun(console); });
 }
 
-int C_CommandLine::ComplainOfUsage(const CLI::ParseError& error, C_Console& console) const {
-  const CLI::App* pWrong = &m_app;
+int C_CommandLine::ComplainOfUsage(const std::exception& error, C_Console& console) const {
+  const CLI::App* pWrong = m_pTable.get();
   while (!UnknownWord(*pWrong) && !pWrong->get_subcommands().empty()) {
     pWrong = pWrong->get_subcommands().front();
   }

@@ -5,13 +5,15 @@
 // all made from it.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <exception>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "base/Console.h"
+#include "options/CommandOptions.h"
 
 namespace tool {
 
@@ -35,11 +37,9 @@ struct S_Command {
 class C_CommandLine {
  public:
   C_CommandLine();
+  ~C_CommandLine();
 
-  // Adds a command, whose options and operands are then added to the result. What an option is a
-  // name of is told by its type name, and shells complete it accordingly: "FILE", "DIR",
-  // "COMMAND", and anything else for what they cannot know. CLI::IsMember lists the values of an
-  // option.
+  // Adds a command, whose options and operands are then added to the result (CommandOptions.h).
   CLI::App& Add(S_Command command);
   // Adds a command to one that is there, as in "voxtool tags add".
   CLI::App& Add(CLI::App& parent, S_Command command);
@@ -48,16 +48,16 @@ class C_CommandLine {
   // command failed; 2 for what cannot be meant; 130 when the user has interrupted it.
   int Run(int nArguments, const char* const* ppszArguments, C_Console& console);
 
-  [[nodiscard]] const CLI::App& Table() const noexcept { return m_app; }
+  [[nodiscard]] const CLI::App& Table() const noexcept { return *m_pTable; }
   // Of the table or of a command in it.
   [[nodiscard]] const S_Command& Command(const CLI::App& table) const;
 
  private:
   void Register(CLI::App& table, S_Command command);
   [[nodiscard]] const CLI::App& Chosen() const;
-  int ComplainOfUsage(const CLI::ParseError& error, C_Console& console) const;
+  int ComplainOfUsage(const std::exception& error, C_Console& console) const;
 
-  CLI::App m_app;
+  const std::unique_ptr<CLI::App> m_pTable;
   std::map<const CLI::App*, S_Command> m_commands;
 };
 

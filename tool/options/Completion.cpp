@@ -21,7 +21,7 @@ void VisitNamedCommands(const CLI::App& table, const PFN_VisitNamed& fnVisit) {
   VisitCommands(table, [&](const CLI::App& naming) {
     if (!NamesCommands(naming)) return;
     VisitCommands(table, [&](const CLI::App& named) {
-      if (named.get_parent() != nullptr) fnVisit(naming, named);
+      if (ParentOf(named) != nullptr) fnVisit(naming, named);
     });
   });
 }

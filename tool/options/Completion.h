@@ -3,10 +3,11 @@
 // Scripts that let shells complete commands, options, listed values, files and folders.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "options/CommandOptions.h"
 
 namespace tool {
 

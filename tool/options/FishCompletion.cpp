@@ -30,7 +30,7 @@ std::string QuotedForFish(const std::string& strText) {
 // What is typed before a name, and with it.
 std::string PathCase(const std::string& strBefore, const CLI::App& command,
                      const std::string& strPath) {
-  return "            case " + Quoted(strBefore + " " + command.get_name()) +
+  return "            case " + Quoted(strBefore + " " + NameOf(command)) +
          "\n                set path " + Quoted(strPath) + "\n";
 }
 
@@ -43,8 +43,8 @@ std::string Complete(const CLI::App& command) { return CompleteAt(NameInProgram(
 std::string InnerLines(const std::string& strPath, const CLI::App& command) {
   std::string strText;
   for (const CLI::App* pInner : CommandsIn(command)) {
-    strText += CompleteAt(strPath) + " -a " + pInner->get_name() + " -d " +
-               QuotedForFish(pInner->get_description()) + "\n";
+    strText += CompleteAt(strPath) + " -a " + NameOf(*pInner) + " -d " +
+               QuotedForFish(SummaryOf(*pInner)) + "\n";
   }
   return strText;
 }
@@ -101,11 +101,11 @@ std::string CommandLines(const CLI::App& command) {
 std::string FishCompletion(const CLI::App& table) {
   std::string strText = kHead;
   VisitCommands(table, [&](const CLI::App& command) {
-    if (command.get_parent() == nullptr) return;
-    strText += PathCase(NameInProgram(*command.get_parent()), command, NameInProgram(command));
+    if (ParentOf(command) == nullptr) return;
+    strText += PathCase(NameInProgram(*ParentOf(command)), command, NameInProgram(command));
   });
   VisitNamedCommands(table, [&](const CLI::App& naming, const CLI::App& named) {
-    strText += PathCase(NameAfter(naming, *named.get_parent()), named, NameAfter(naming, named));
+    strText += PathCase(NameAfter(naming, *ParentOf(named)), named, NameAfter(naming, named));
   });
   strText += kTail;
   VisitCommands(table, [&](const CLI::App& command) { strText += CommandLines(command); });

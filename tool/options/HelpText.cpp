@@ -61,7 +61,7 @@ std::string Section(const char* pszTitle, const C_Entries& entries, std::size_t 
 C_Entries CommandEntries(const C_CommandLine& commandLine, const CLI::App& table) {
   C_Entries entries;
   for (const CLI::App* pCommand : CommandsIn(table)) {
-    entries.push_back({pCommand->get_name(), commandLine.Command(*pCommand).strSummary});
+    entries.push_back({NameOf(*pCommand), commandLine.Command(*pCommand).strSummary});
   }
   return entries;
 }

@@ -15,7 +15,7 @@ constexpr const char* kReleaseDay = "2026-11-23";
 
 void AddUsage(C_Roff& page, const CLI::App& table) {
   const auto commands = CommandsIn(table);
-  const bool bProgram = table.get_parent() == nullptr;
+  const bool bProgram = ParentOf(table) == nullptr;
   if (commands.empty() || bProgram) return page.Command(FullName(table), UsageText(table));
   for (const CLI::App* pCommand : commands) {
     if (pCommand != commands.front()) page.Break();
@@ -40,7 +40,7 @@ void AddArguments(C_Roff& page, const CLI::App& table, const std::vector<S_Argum
 void AddCommandList(C_Roff& page, const C_CommandLine& commandLine, const CLI::App& table) {
   page.Section("COMMANDS");
   for (const CLI::App* pCommand : CommandsIn(table)) {
-    page.Term(pCommand->get_name(), "");
+    page.Term(NameOf(*pCommand), "");
     page.Paragraphs(commandLine.Command(*pCommand).strSummary);
   }
 }
@@ -82,7 +82,7 @@ void CollectExamples(const C_CommandLine& commandLine, const CLI::App& table,
                      std::vector<S_Example>& examples) {
   const auto& own = commandLine.Command(table).examples;
   examples.insert(examples.end(), own.begin(), own.end());
-  if (table.get_parent() == nullptr) return;
+  if (ParentOf(table) == nullptr) return;
   for (const CLI::App* pCommand : CommandsIn(table)) {
     CollectExamples(commandLine, *pCommand, examples);
   }
@@ -102,8 +102,8 @@ void AddExamples(C_Roff& page, const C_CommandLine& commandLine, const CLI::App&
 
 void AddSeeAlso(C_Roff& page, const CLI::App& table) {
   page.Section("SEE ALSO");
-  if (table.get_parent() != nullptr) {
-    page.Reference(ManualPageName(*table.get_parent()), true);
+  if (ParentOf(table) != nullptr) {
+    page.Reference(ManualPageName(*ParentOf(table)), true);
     return;
   }
   for (const CLI::App* pCommand : CommandsIn(table)) {
@@ -122,7 +122,7 @@ std::string ManualPageName(const CLI::App& table) {
 
 std::string ManualPage(const C_CommandLine& commandLine, const CLI::App& table) {
   C_Roff page;
-  const bool bProgram = table.get_parent() == nullptr;
+  const bool bProgram = ParentOf(table) == nullptr;
   const S_Command& command = commandLine.Command(table);
   page.Title(ManualPageName(table), kReleaseDay, std::string("Voxplay ") + voxplay_version());
   page.Section("NAME");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options/OptionTable.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
 
@@ -103,6 +104,12 @@ std::vector<const CLI::App*> CommandsIn(const CLI::App& table) {
   return table.get_subcommands([](const CLI::App*) { return true; });
 }
 
+const CLI::App* ParentOf(const CLI::App& table) { return table.get_parent(); }
+
+std::string NameOf(const CLI::App& table) { return table.get_name(); }
+
+std::string SummaryOf(const CLI::App& table) { return table.get_description(); }
+
 std::string FullName(const CLI::App& table) {
   const CLI::App* const pParent = table.get_parent();
   return (pParent != nullptr ? FullName(*pParent) + " " : "") + table.get_name();
@@ -113,6 +120,8 @@ std::string NameInProgram(const CLI::App& table) {
   const std::size_t nSpace = strName.find(' ');
   return nSpace == std::string::npos ? "" : strName.substr(nSpace + 1);
 }
+
+std::vector<std::string> UnknownWords(const CLI::App& table) { return table.remaining(); }
 
 std::string OptionText(const S_Argument& option) {
   std::string strNames = Joined(option.names, ", ");

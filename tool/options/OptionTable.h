@@ -3,9 +3,10 @@
 // The table of the command line as help texts, manual pages and completions want to see it.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+#include "options/CommandOptions.h"
 
 namespace tool {
 
@@ -30,11 +31,19 @@ std::vector<S_Argument> OptionsOf(const CLI::App& table);
 std::vector<S_Argument> OwnOptionsOf(const CLI::App& table);
 std::vector<S_Argument> OperandsOf(const CLI::App& table);
 std::vector<const CLI::App*> CommandsIn(const CLI::App& table);
+// What the command is in; none for the program.
+const CLI::App* ParentOf(const CLI::App& table);
 
+// "add".
+std::string NameOf(const CLI::App& table);
+std::string SummaryOf(const CLI::App& table);
 // "voxtool tags add".
 std::string FullName(const CLI::App& table);
 // The same without the program: "tags add".
 std::string NameInProgram(const CLI::App& table);
+
+// What of the arguments it does not know, after they were parsed.
+std::vector<std::string> UnknownWords(const CLI::App& table);
 
 // "-o, --output FILE".
 std::string OptionText(const S_Argument& option);

@@ -40,7 +40,7 @@ std::vector<std::string> OptionNames(const CLI::App& table) {
 
 std::vector<std::string> CommandNames(const CLI::App& table) {
   std::vector<std::string> names;
-  for (const CLI::App* pCommand : CommandsIn(table)) names.push_back(pCommand->get_name());
+  for (const CLI::App* pCommand : CommandsIn(table)) names.push_back(NameOf(*pCommand));
   return names;
 }
 
@@ -69,7 +69,7 @@ std::optional<std::string> Nearest(const std::string& strWord,
 }
 
 std::optional<std::string> UnknownWord(const CLI::App& table) {
-  const auto unknown = table.remaining();
+  const auto unknown = UnknownWords(table);
   const auto word = std::ranges::find_if(unknown, [](const auto& str) { return str != "--"; });
   if (word == unknown.end()) return std::nullopt;
   if (word->starts_with("-")) {

@@ -6,8 +6,8 @@
 
 namespace tool {
 
-CLI::Validator WholeNumber(std::uint64_t qwLeast, std::uint64_t qwMost) {
-  const auto Check = [qwLeast, qwMost](const std::string& strText) {
+PFN_CheckValue WholeNumber(std::uint64_t qwLeast, std::uint64_t qwMost) {
+  return [qwLeast, qwMost](const std::string& strText) {
     const char* const pEnd = strText.data() + strText.size();
     std::uint64_t qwNumber = 0;
     const auto [pRead, error] = std::from_chars(strText.data(), pEnd, qwNumber);
@@ -17,8 +17,6 @@ CLI::Validator WholeNumber(std::uint64_t qwLeast, std::uint64_t qwMost) {
     if (qwMost == UINT64_MAX) return strWhy;
     return strWhy + " from " + std::to_string(qwLeast) + " to " + std::to_string(qwMost);
   };
-  // Without a description, which would stand in help texts.
-  return CLI::Validator(Check, "");
 }
 
 }  // namespace tool

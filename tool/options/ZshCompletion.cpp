@@ -66,9 +66,9 @@ std::string OperandSpec(const S_Argument& operand, std::size_t nPosition) {
 std::string InnerCommandSpec(const CLI::App& command) {
   std::string strList;
   for (const CLI::App* pInner : CommandsIn(command)) {
-    std::string strSummary = pInner->get_description();
+    std::string strSummary = SummaryOf(*pInner);
     std::erase_if(strSummary, [](char ch) { return ch == '"' || ch == '\\' || ch == '$'; });
-    strList += " " + pInner->get_name() + "\\:\"" + strSummary + "\"";
+    strList += " " + NameOf(*pInner) + "\\:\"" + strSummary + "\"";
   }
   return Quoted("1:command:((" + strList + "))") + " \\\n    '*::argument:->inner'";
 }
@@ -77,8 +77,8 @@ std::string InnerCommandSpec(const CLI::App& command) {
 std::string InnerCalls(const CLI::App& command, const std::string& strFunction) {
   std::string strText = "  [[ $state == inner ]] || return 0\n  case $line[1] in\n";
   for (const CLI::App* pInner : CommandsIn(command)) {
-    strText += "    " + pInner->get_name() + ") " + strFunction + FunctionName(pInner->get_name()) +
-               " ;;\n";
+    strText +=
+        "    " + NameOf(*pInner) + ") " + strFunction + FunctionName(NameOf(*pInner)) + " ;;\n";
   }
   return strText + "  esac\n";
 }
@@ -109,7 +109,7 @@ std::string Function(const CLI::App& command) {
     if (operand.eKind == tagValueKind::COMMAND) continue;
     strText += " \\\n    " + OperandSpec(operand, ++nPosition);
   }
-  const CLI::App& names = NamesCommands(command) ? *command.get_parent() : command;
+  const CLI::App& names = NamesCommands(command) ? *ParentOf(command) : command;
   const bool bHolds = !CommandsIn(names).empty();
   if (bHolds) strText += " \\\n    " + InnerCommandSpec(names);
   return strText + "\n" + (bHolds ? InnerCalls(names, FunctionName(command)) : "") + "}\n";

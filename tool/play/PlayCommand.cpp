@@ -38,11 +38,9 @@ constexpr const char* kDescription =
     "ones on the right.\n\n"
     "Times are seconds, m:ss or h:mm:ss with decimals, or frames as in 32000s.";
 
-std::string CheckTime(std::string& strText) {
+std::string CheckTime(const std::string& strText) {
   return C_Time::Parse(strText) ? "" : strText + " is no time: " + C_Time::kForms;
 }
-
-const CLI::Validator kIsTime(CheckTime, "");
 
 S_PlayedFile FileOf(const S_PlayOptions& options, std::size_t nIndex, const C_Console& console) {
   const std::size_t nFiles = options.files.size();
@@ -126,21 +124,19 @@ int RunPlay(const S_PlayOptions& options, C_Console& console) {
 }
 
 void AddOptions(CLI::App& table, S_PlayOptions& options) {
-  table.add_option("FILE", options.files, "what to play; \"-\" is standard input")
-      ->type_name("FILE");
-  table.add_option("--from", options.strFrom, "begin at this time")
-      ->type_name("TIME")
-      ->check(kIsTime);
-  table.add_option("--to", options.strTo, "end at this time")->type_name("TIME")->check(kIsTime);
-  table.add_flag("-l,--loop", options.bLoop, "play again and again");
-  table.add_flag("-q,--quiet", options.bQuiet, "show no position");
-  table.add_flag("-v,--verbose", options.bVerbose, "print events and cue points as they pass");
-  table
-      .add_option("--device", options.strDevice,
-                  "play on this output: its name, or a part of it that no other has")
-      ->type_name("NAME");
-  table.add_flag("--list-devices", options.bListDevices, "print the outputs, and play nothing");
-  table.add_flag("--null", options.bSilent, "use no output: take the time in silence");
+  AddOption(table, "FILE", options.files, "what to play; \"-\" is standard input").TypeName("FILE");
+  AddOption(table, "--from", options.strFrom, "begin at this time")
+      .TypeName("TIME")
+      .Check(CheckTime);
+  AddOption(table, "--to", options.strTo, "end at this time").TypeName("TIME").Check(CheckTime);
+  AddFlag(table, "-l,--loop", options.bLoop, "play again and again");
+  AddFlag(table, "-q,--quiet", options.bQuiet, "show no position");
+  AddFlag(table, "-v,--verbose", options.bVerbose, "print events and cue points as they pass");
+  AddOption(table, "--device", options.strDevice,
+            "play on this output: its name, or a part of it that no other has")
+      .TypeName("NAME");
+  AddFlag(table, "--list-devices", options.bListDevices, "print the outputs, and play nothing");
+  AddFlag(table, "--null", options.bSilent, "use no output: take the time in silence");
 }
 
 }  // namespace

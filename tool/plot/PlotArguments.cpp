@@ -60,27 +60,24 @@ bool WantsSvg(const S_PlotArguments& arguments) {
 void AddPlotArguments(CLI::App& command, S_PlotArguments& arguments) {
   AddFileOptions(command, arguments.batch, "FILE");
   AddTargetOptions(command, arguments.target);
-  command.add_option("--format", arguments.strFormat, "png (usual) or svg")
-      ->check(CLI::IsMember({"png", "svg"}));
-  command
-      .add_option(
-          "--size", arguments.strSize,
-          "in pixels; if not said 1200x600, and 300 higher for each channel after the second")
-      ->type_name("WxH");
-  command.add_flag("--waveform", arguments.bWaveform, "the waveform alone");
-  command.add_flag("--spectrogram", arguments.bSpectrogram, "the spectrogram alone");
-  command.add_option("--from", arguments.strFrom, "begin here: 5.2, 1:30 or 8000s (samples)")
-      ->type_name("TIME");
-  command.add_option("--to", arguments.strTo, "end here")->type_name("TIME");
-  command.add_option("--channel", arguments.options.dwChannel, "this one alone, counted from 1")
-      ->check(WholeNumber(1, UINT32_MAX))
-      ->type_name("N");
-  command.add_option("--theme", arguments.strTheme, "light (usual) or dark")
-      ->check(CLI::IsMember({"light", "dark"}));
-  command.add_flag("--no-axes", arguments.bNoAxes, "panels without anything around them");
+  AddOption(command, "--format", arguments.strFormat, "png (usual) or svg").OneOf({"png", "svg"});
+  AddOption(command, "--size", arguments.strSize,
+            "in pixels; if not said 1200x600, and 300 higher for each channel after the second")
+      .TypeName("WxH");
+  AddFlag(command, "--waveform", arguments.bWaveform, "the waveform alone");
+  AddFlag(command, "--spectrogram", arguments.bSpectrogram, "the spectrogram alone");
+  AddOption(command, "--from", arguments.strFrom, "begin here: 5.2, 1:30 or 8000s (samples)")
+      .TypeName("TIME");
+  AddOption(command, "--to", arguments.strTo, "end here").TypeName("TIME");
+  AddOption(command, "--channel", arguments.options.dwChannel, "this one alone, counted from 1")
+      .Check(WholeNumber(1, UINT32_MAX))
+      .TypeName("N");
+  AddOption(command, "--theme", arguments.strTheme, "light (usual) or dark")
+      .OneOf({"light", "dark"});
+  AddFlag(command, "--no-axes", arguments.bNoAxes, "panels without anything around them");
   AddThreadsOption(command, arguments.batch);
-  CLI::Option* const pQuiet = AddQuietOption(command, arguments.batch);
-  AddVerboseOption(command, arguments.batch, "name each picture that is drawn", pQuiet);
+  AddVerboseOption(command, arguments.batch, "name each picture that is drawn",
+                   AddQuietOption(command, arguments.batch));
 }
 
 // One panel alone, or both.

@@ -3,7 +3,6 @@
 // The options of plot, as they are written.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "batch/BatchOptions.h"

@@ -2,7 +2,6 @@
 //
 // "tags add event" and the like: each makes one row, as a table would have it.
 #include <array>
-#include <limits>
 #include <memory>
 #include <utility>
 
@@ -70,12 +69,12 @@ int Run(const S_Options& options, const std::string& strKind, C_Console& console
 
 void AddPlace(CLI::App& command, S_Options& options) {
   AddEditOptions(command, options.edit);
-  AddTimeOption(command, "--at", options.strAt, "where it is, or begins").required();
+  AddTimeOption(command, "--at", options.strAt, "where it is, or begins").Required();
 }
 
 void AddLength(CLI::App& command, S_Options& options) {
-  CLI::Option& length = AddTimeOption(command, "--length", options.strLength, "how long it is");
-  AddTimeOption(command, "--to", options.strTo, "where it ends").excludes(&length);
+  const C_Option length = AddTimeOption(command, "--length", options.strLength, "how long it is");
+  AddTimeOption(command, "--to", options.strTo, "where it ends").Excludes(length);
 }
 
 void AddNeededLength(CLI::App& command, S_Options& options) {
@@ -83,26 +82,21 @@ void AddNeededLength(CLI::App& command, S_Options& options) {
   options.bNeedsLength = true;
 }
 
-// An option whose value becomes a member of the row.
-template <typename T>
-CLI::Option& AddMember(CLI::App& command, const std::string& strName, const char* pszMember,
-                       S_Options& options, const std::string& strMeaning) {
-  return *command.add_option_function<T>(
-      strName, [&options, pszMember](const T& value) { options.row[pszMember] = value; },
-      strMeaning);
-}
-
-template <typename T>
+// Options whose values become members of the row.
 void AddNumber(CLI::App& command, const std::string& strName, const char* pszMember,
-               S_Options& options, const std::string& strMeaning) {
-  AddMember<T>(command, strName, pszMember, options, strMeaning)
-      .type_name("N")
-      ->check(WholeNumber(0, std::numeric_limits<T>::max()));
+               std::uint64_t qwMost, S_Options& options, const std::string& strMeaning) {
+  const auto Take = [&options, pszMember](const std::string& strValue) {
+    options.row[pszMember] = std::stoull(strValue);
+  };
+  AddOption(command, strName, Take, strMeaning).TypeName("N").Check(WholeNumber(0, qwMost));
 }
 
 void AddText(CLI::App& command, const std::string& strName, const char* pszMember,
              S_Options& options, const std::string& strMeaning) {
-  AddMember<std::string>(command, strName, pszMember, options, strMeaning).type_name("TEXT");
+  const auto Take = [&options, pszMember](const std::string& strValue) {
+    options.row[pszMember] = strValue;
+  };
+  AddOption(command, strName, Take, strMeaning);
 }
 
 void AddKind(C_CommandLine& commandLine, CLI::App& parent, S_Command command,
@@ -118,9 +112,9 @@ void AddKind(C_CommandLine& commandLine, CLI::App& parent, S_Command command,
 }
 
 void AddEvent(CLI::App& command, S_Options& options) {
-  AddNumber<std::uint16_t>(command, "--main", "main_command", options, "its main command");
-  AddNumber<std::uint16_t>(command, "--sub", "sub_command", options, "its sub command");
-  AddNumber<std::uint32_t>(command, "--data", "data", options, "its data, which VEF files hold");
+  AddNumber(command, "--main", "main_command", UINT16_MAX, options, "its main command");
+  AddNumber(command, "--sub", "sub_command", UINT16_MAX, options, "its sub command");
+  AddNumber(command, "--data", "data", UINT32_MAX, options, "its data, which VEF files hold");
 }
 
 void AddCue(CLI::App& command, S_Options& options) {
@@ -131,14 +125,14 @@ void AddCue(CLI::App& command, S_Options& options) {
 
 void AddLoop(CLI::App& command, S_Options& options) {
   AddNeededLength(command, options);
-  AddNumber<std::uint32_t>(command, "--count", "play_count", options,
-                           "how often it is played; 0 for ever");
+  AddNumber(command, "--count", "play_count", UINT32_MAX, options,
+            "how often it is played; 0 for ever");
   const auto Choose = [&options](const std::string& strType) {
     const auto found = std::ranges::find(kLoopTypes, strType);
     options.row["type"] = static_cast<std::uint64_t>(found - kLoopTypes.begin());
   };
-  command.add_option_function<std::string>("--type", Choose, "the way in which it is played")
-      ->check(CLI::IsMember(std::vector<std::string>(kLoopTypes.begin(), kLoopTypes.end())));
+  AddOption(command, "--type", Choose, "the way in which it is played")
+      .OneOf(std::vector<std::string>(kLoopTypes.begin(), kLoopTypes.end()));
 }
 
 void AddRange(CLI::App& command, S_Options& options) { AddNeededLength(command, options); }

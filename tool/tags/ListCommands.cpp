@@ -113,13 +113,13 @@ int Export(const S_ExportOptions& options, C_Console& console) {
 }
 
 void AddFormOptions(CLI::App& command, S_FormOptions& options) {
-  auto* const pJson =
-      command.add_flag("--json", options.bJson, "an array with an object for each file");
-  auto* const pCsv = command.add_flag("--csv", options.bCsv, "comma-separated values");
-  auto* const pLabels =
-      command.add_flag("--labels", options.bLabels, "a label track, as sound editors have it");
-  pJson->excludes(pCsv)->excludes(pLabels);
-  pCsv->excludes(pLabels);
+  const C_Option json =
+      AddFlag(command, "--json", options.bJson, "an array with an object for each file");
+  const C_Option csv = AddFlag(command, "--csv", options.bCsv, "comma-separated values");
+  const C_Option labels =
+      AddFlag(command, "--labels", options.bLabels, "a label track, as sound editors have it");
+  json.Excludes(csv).Excludes(labels);
+  csv.Excludes(labels);
 }
 
 }  // namespace
@@ -162,13 +162,13 @@ void AddExportCommand(C_CommandLine& commandLine, CLI::App& tags) {
         {"voxtool tags export talk.wav --labels -o talk.txt", "write a label track"},
         {"voxtool tags export *.wav --json", "print the marks of many files"}},
        [options](C_Console& console) { return Export(*options, console); }});
-  command.add_option("FILE", options->files, "the files; \"-\" is standard input")
-      ->type_name("FILE")
-      ->required();
+  AddOption(command, "FILE", options->files, "the files; \"-\" is standard input")
+      .TypeName("FILE")
+      .Required();
   AddFormOptions(command, options->forms);
-  command.add_option("-o,--output", options->strOutput, "the file; standard output without it")
-      ->type_name("FILE");
-  command.add_flag("-f,--force", options->bForce, "replace an existing output");
+  AddOption(command, "-o,--output", options->strOutput, "the file; standard output without it")
+      .TypeName("FILE");
+  AddFlag(command, "-f,--force", options->bForce, "replace an existing output");
 }
 
 }  // namespace tool

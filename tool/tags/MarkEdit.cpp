@@ -24,16 +24,15 @@ void TellOfEvents(const std::string& strFile, const std::vector<S_EventKey>& eve
 }  // namespace
 
 void AddEditOptions(CLI::App& command, S_EditOptions& options) {
-  command.add_option("FILE", options.strFile, "the file, which is changed in place")
-      ->type_name("FILE")
-      ->required();
-  command
-      .add_option("-o,--output", options.target.strOutput,
-                  "write another file instead; \"-\" is standard output")
-      ->type_name("FILE");
-  command.add_flag("-f,--force", options.target.bForce, "replace an existing output");
-  command.add_flag("--anyway", options.target.bAnyway,
-                   "also when the file cannot hold all of it, or ends before it");
+  AddOption(command, "FILE", options.strFile, "the file, which is changed in place")
+      .TypeName("FILE")
+      .Required();
+  AddOption(command, "-o,--output", options.target.strOutput,
+            "write another file instead; \"-\" is standard output")
+      .TypeName("FILE");
+  AddFlag(command, "-f,--force", options.target.bForce, "replace an existing output");
+  AddFlag(command, "--anyway", options.target.bAnyway,
+          "also when the file cannot hold all of it, or ends before it");
 }
 
 void ClearMarks(voxplay::Notes& notes) {
@@ -52,13 +51,13 @@ void ClearLoops(voxplay::Notes& notes) {
   if (IsPresent(old.view().sampler())) notes.set_sampler(old.view().sampler());
 }
 
-CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,
-                           const std::string& strMeaning) {
+C_Option AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,
+                       const std::string& strMeaning) {
   const auto Check = [](const std::string& strText) {
     return C_Time::Parse(strText) ? std::string()
                                   : strText + " is not a time: " + std::string(C_Time::kForms);
   };
-  return *command.add_option(strNames, strTime, strMeaning)->type_name("TIME")->check(Check);
+  return AddOption(command, strNames, strTime, strMeaning).TypeName("TIME").Check(Check);
 }
 
 int EditMarks(const S_EditOptions& options, C_Console& console,

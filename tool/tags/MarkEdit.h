@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 
 #include "base/Console.h"
+#include "options/CommandOptions.h"
 #include "tags/MarkedFile.h"
 
 namespace tool {
@@ -26,8 +26,8 @@ void ClearMarks(voxplay::Notes& notes);
 void ClearLoops(voxplay::Notes& notes);
 
 // A place or a length as C_Time takes it, which is checked when the options are read.
-CLI::Option& AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,
-                           const std::string& strMeaning);
+C_Option AddTimeOption(CLI::App& command, const std::string& strNames, std::string& strTime,
+                       const std::string& strMeaning);
 
 // Changes the notes of the file. fnEdit may throw C_BadRow and C_Failure, and then nothing changes.
 // Events follow the labels that say them (LabelEvents.h). Complains of those that come in this way,

@@ -106,13 +106,13 @@ void AddImportCommand(C_CommandLine& commandLine, CLI::App& tags) {
          "let a label track replace all marks"}},
        [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
-  auto* const pCsv = command.add_option("--csv", options->strCsv, "comma-separated values");
-  auto* const pJson = command.add_option("--json", options->strJson, "JSON");
-  auto* const pLabels = command.add_option("--labels", options->strLabels, "a label track");
-  for (CLI::Option* const pSource : {pCsv, pJson, pLabels}) pSource->type_name("FILE");
-  pCsv->excludes(pJson)->excludes(pLabels);
-  pJson->excludes(pLabels);
-  command.add_flag("--replace", options->bReplace, "remove all marks of the file first");
+  const C_Option csv = AddOption(command, "--csv", options->strCsv, "comma-separated values");
+  const C_Option json = AddOption(command, "--json", options->strJson, "JSON");
+  const C_Option labels = AddOption(command, "--labels", options->strLabels, "a label track");
+  for (const C_Option& source : {csv, json, labels}) source.TypeName("FILE");
+  csv.Excludes(json).Excludes(labels);
+  json.Excludes(labels);
+  AddFlag(command, "--replace", options->bReplace, "remove all marks of the file first");
 }
 
 }  // namespace tool

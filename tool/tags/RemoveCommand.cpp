@@ -139,10 +139,10 @@ void AddRemoveCommand(C_CommandLine& commandLine, CLI::App& tags) {
               {"voxtool tags remove talk.wav --all", "remove all marks"}},
              [options](C_Console& console) { return Run(*options, console); }});
   AddEditOptions(command, options->edit);
-  command.add_option("KIND", options->strKind, "what to remove")->check(CLI::IsMember(kKinds));
-  auto* const pNumbers = command.add_option("NUMBER", options->numbers, "which of these");
-  pNumbers->type_name("NUMBER")->check(WholeNumber(0, UINT64_MAX));
-  command.add_flag("--all", options->bAll, "all of these, or all marks")->excludes(pNumbers);
+  AddOption(command, "KIND", options->strKind, "what to remove").OneOf(kKinds);
+  const C_Option numbers = AddOption(command, "NUMBER", options->numbers, "which of these");
+  numbers.TypeName("NUMBER").Check(WholeNumber(0, UINT64_MAX));
+  AddFlag(command, "--all", options->bAll, "all of these, or all marks").Excludes(numbers);
 }
 
 }  // namespace tool

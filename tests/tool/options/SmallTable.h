@@ -3,6 +3,7 @@
 // A small program with commands in commands, whose texts the tests look at.
 #pragma once
 
+#include <CLI/CLI.hpp>
 #include <string>
 
 #include "options/CommandLine.h"
