@@ -7,7 +7,8 @@
 #
 #   scripts/fuzz.sh [SECONDS [FUZZER...]]     (20 seconds each unless given)
 #
-# Each run begins with the corpus in fuzz/corpora and keeps what it finds in build/fuzz/corpus.
+# Each run begins with past findings in fuzz/findings and the corpus in fuzz/corpora, and keeps what it
+# finds in build/fuzz/corpus.
 #
 #   scripts/fuzz.sh --minimise [FUZZER...]    puts the smallest set of inputs that reaches the same
 #                                             code into fuzz/corpora. The inputs come from
@@ -54,12 +55,13 @@ figures() {
 }
 
 run_for_a_while() {
-  local name=$1 log=build/fuzz/logs/$1.log max_len
+  local name=$1 log=build/fuzz/logs/$1.log findings=fuzz/findings/$1 max_len
   max_len=$(awk -v name="$name" '$1 == name { print $2 }' build/fuzz/fuzzers.txt)
   mkdir -p "build/fuzz/corpus/$name" "build/fuzz/seeds/$name"
   unpack "$name" "build/fuzz/packed/$name"
   # shellcheck disable=SC2086  # the options are many words
-  if "build/fuzz/bin/$name" $options -max_total_time="$seconds" -max_len="$max_len" \
+  if { [[ ! -d $findings ]] || "build/fuzz/bin/$name" $options "$findings"/* >"$log" 2>&1; } &&
+    "build/fuzz/bin/$name" $options -max_total_time="$seconds" -max_len="$max_len" \
     -artifact_prefix="build/fuzz/findings/$name-" \
     "build/fuzz/corpus/$name" "build/fuzz/packed/$name" "build/fuzz/seeds/$name" >"$log" 2>&1; then
     figures "$log" | awk -v name="$name" '{ printf "%-24s %10d runs %8d/s %6d edges\n", name, $1, $2, $3 }'

@@ -2,12 +2,12 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Installs the Debian packages that building, testing or checking needs. Does nothing and prints
-# nothing when all of them are installed.
+# nothing when all of them are installed. Several kinds may be named.
 #
 #   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
+#   scripts/install-deps.sh tool     the same and what builds voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh test     the same and what the tests need
-#   scripts/install-deps.sh tool     the same and what builds and tests voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks
 #   scripts/install-deps.sh budgets  what counts the instructions of the library
 #   scripts/install-deps.sh bench    what builds the benchmarks and what they compare with
@@ -25,14 +25,14 @@ player=("${library[@]}" pkg-config libcubeb-dev libpulse0 libsndfile1-dev libmpg
 # What voxtool needs beside what the player needs.
 tool=(libcli11-dev nlohmann-json3-dev libcairo2-dev libpango1.0-dev libkissfft-dev
   libsqlite3-dev fonts-dejavu-core)
-tests=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber sox
-  ffmpeg)
-# What the tests of voxtool need beside those.
-tool_tests=(tmux zsh fish man-db mandoc python3-minimal desktop-file-utils appstream libxml2-utils
+tests=("${player[@]}" "${tool[@]}" libgtest-dev libgmock-dev pulseaudio pulseaudio-utils pipewire
+  pipewire-pulse wireplumber sox ffmpeg)
+# What the tests of voxtool use.
+tests+=(tmux zsh fish man-db mandoc python3-minimal desktop-file-utils appstream libxml2-utils
   shared-mime-info libglib2.0-bin file fonts-droid-fallback slurm-wlm munge parallel procps)
 # What the benchmarks measure beside the library. Only the program peers_bench links libsox and FFmpeg.
 peers=(libsndfile1-dev libsox-dev libavformat-dev libavcodec-dev libavutil-dev)
-ci=(git clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")
+ci=(git ninja-build clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev "${peers[@]}")
 # The cross compilers bring their C and C++ libraries; static programs need nothing else to run.
 architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu qemu-user-static)
 
@@ -42,25 +42,29 @@ abi=("${library[@]}" abigail-tools)
 package=("${player[@]}" "${tool[@]}" debhelper dpkg-dev fakeroot lintian doxygen debootstrap
   g++-aarch64-linux-gnu qemu-user-static libc6:arm64 libstdc++6:arm64)
 
-case "${1:-player}" in
-  library) wanted=("${library[@]}") ;;
-  player) wanted=("${player[@]}") ;;
-  tool) wanted=("${player[@]}" "${tests[@]}" "${tool[@]}" "${tool_tests[@]}") ;;
-  test) wanted=("${player[@]}" "${tests[@]}") ;;
-  ci) wanted=("${player[@]}" "${tests[@]}" "${ci[@]}") ;;
-  budgets) wanted=("${library[@]}" valgrind) ;;
-  bench) wanted=("${library[@]}" libbenchmark-dev pkg-config "${peers[@]}" ffmpeg wavpack valgrind) ;;
-  training) wanted=("${library[@]}" libbenchmark-dev clang-format) ;;
-  coverage) wanted=("${player[@]}" "${tests[@]}" gcovr) ;;
-  architectures) wanted=("${library[@]}" "${architectures[@]}") ;;
-  docs) wanted=(doxygen) ;;
-  abi) wanted=("${abi[@]}") ;;
-  package) wanted=("${package[@]}") ;;
-  *)
-    echo "usage: ${0##*/} KIND, as its first lines say" >&2
-    exit 2
-    ;;
-esac
+(($#)) || set -- player
+wanted=()
+for kind in "$@"; do
+  case $kind in
+    library) wanted+=("${library[@]}") ;;
+    player) wanted+=("${player[@]}") ;;
+    tool) wanted+=("${player[@]}" "${tool[@]}") ;;
+    test) wanted+=("${tests[@]}") ;;
+    ci) wanted+=("${tests[@]}" "${ci[@]}") ;;
+    budgets) wanted+=("${library[@]}" valgrind) ;;
+    bench) wanted+=("${library[@]}" libbenchmark-dev pkg-config "${peers[@]}" ffmpeg wavpack valgrind) ;;
+    training) wanted+=("${library[@]}" libbenchmark-dev clang-format) ;;
+    coverage) wanted+=("${tests[@]}" gcovr) ;;
+    architectures) wanted+=("${library[@]}" "${architectures[@]}") ;;
+    docs) wanted+=(doxygen) ;;
+    abi) wanted+=("${abi[@]}") ;;
+    package) wanted+=("${package[@]}") ;;
+    *)
+      echo "usage: ${0##*/} KIND..., as its first lines say" >&2
+      exit 2
+      ;;
+  esac
+done
 
 if ! command -v apt-get >/dev/null; then
   echo "${0##*/}: no apt-get here; these Debian packages are needed: ${wanted[*]}" >&2
