@@ -39,7 +39,7 @@ architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu
 abi=("${library[@]}" abigail-tools)
 # The packages for arm64 are built with the cross compiler, and name the packages of the libraries
 # that they need, which must therefore be here.
-package=("${player[@]}" "${tool[@]}" debhelper dpkg-dev fakeroot lintian doxygen debootstrap
+package=("${player[@]}" "${tool[@]}" ninja-build debhelper dpkg-dev fakeroot lintian doxygen debootstrap
   g++-aarch64-linux-gnu qemu-user-static libc6:arm64 libstdc++6:arm64)
 
 (($#)) || set -- player
