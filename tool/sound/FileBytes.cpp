@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -20,11 +21,20 @@ std::int64_t LengthOf(int nFile) {
 C_FileBytes::C_FileBytes(C_Descriptor file)
     : m_file(std::move(file)), m_nLength(LengthOf(m_file.Get())) {}
 
+void C_FileBytes::Confine(std::uint64_t qwAt, std::uint64_t qwBytes) {
+  m_qwBegin = qwAt;
+  m_qwMost = qwBytes;
+  m_qwPosition = 0;
+  if (m_nLength >= 0) m_nLength = static_cast<std::int64_t>(qwBytes);
+}
+
 std::int64_t C_FileBytes::Read(void* pBytes, std::size_t cbBytes) {
+  const std::uint64_t qwLeft = m_qwMost - std::min(m_qwMost, m_qwPosition);
+  cbBytes = static_cast<std::size_t>(std::min<std::uint64_t>(cbBytes, qwLeft));
   std::size_t cbDone = 0;
   while (cbDone < cbBytes) {
     const ssize_t cbRead = pread(m_file.Get(), static_cast<std::byte*>(pBytes) + cbDone,
-                                 cbBytes - cbDone, static_cast<off_t>(m_qwPosition));
+                                 cbBytes - cbDone, static_cast<off_t>(m_qwBegin + m_qwPosition));
     if (cbRead < 0 && errno == EINTR) continue;
     if (cbRead < 0) m_nError = errno;
     if (cbRead < 0 && cbDone == 0) return -1;

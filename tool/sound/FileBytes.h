@@ -14,6 +14,9 @@ class C_FileBytes {
  public:
   explicit C_FileBytes(C_Descriptor file);
 
+  // From now on, these bytes of the file are all of it. The position is at the first one.
+  void Confine(std::uint64_t qwAt, std::uint64_t qwBytes);
+
   // -1 where they cannot be read.
   std::int64_t Read(void* pBytes, std::size_t cbBytes);
   void Seek(std::uint64_t qwPosition) noexcept { m_qwPosition = qwPosition; }
@@ -25,6 +28,8 @@ class C_FileBytes {
  private:
   C_Descriptor m_file;
   std::int64_t m_nLength;
+  std::uint64_t m_qwBegin = 0;          // in the file
+  std::uint64_t m_qwMost = UINT64_MAX;  // bytes from there on
   std::uint64_t m_qwPosition = 0;
   int m_nError = 0;
 };

@@ -235,4 +235,19 @@ C_SoundInputPtr OpenForeignSound(C_FileBytes file, const std::string& strName,
                                           strName, bMpeg, bCut);
 }
 
+C_SoundInputPtr OpenLawCodes(C_FileBytes codes, const std::string& strName, bool bALaw,
+                             std::uint32_t dwChannels) {
+  constexpr int kAnyRate = 8000;
+  auto bytes = std::make_unique<C_FileBytes>(std::move(codes));
+  SF_VIRTUAL_IO functions = Functions();
+  SF_INFO law{};
+  law.format = SF_FORMAT_RAW | (bALaw ? SF_FORMAT_ALAW : SF_FORMAT_ULAW);
+  law.channels = static_cast<int>(dwChannels);
+  law.samplerate = kAnyRate;
+  C_SndfilePtr sndfile(OpenQuietly(functions, law, *bytes));
+  if (!sndfile) throw C_Failure(strName, "cannot be decoded", sf_strerror(nullptr));
+  return std::make_unique<C_ForeignSound>(std::move(bytes), std::move(sndfile), InfoOf(law),
+                                          strName, false, false);
+}
+
 }  // namespace tool

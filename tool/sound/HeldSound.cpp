@@ -2,9 +2,9 @@
 #include "sound/HeldSound.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
+#include "sound/DataChunk.h"
 #include "sound/WrappedSound.h"
 
 namespace tool {
@@ -48,17 +48,13 @@ bool HasPlainSamples(const S_SoundInfo& info) {
          (info.ours->codec == VOXPLAY_CODEC_PCM || info.ours->codec == VOXPLAY_CODEC_FLOAT);
 }
 
-bool HoldsSamples(const voxplay::ChunkPlace& chunk) {
-  return std::ranges::equal(chunk.id, std::string_view("data"));
-}
-
-// Of plain samples. The last chunk of them is the one that counts.
+// Of plain samples.
 std::uint64_t HeldFrames(const S_SoundInfo& info) {
-  const auto data = std::find_if(info.chunks.rbegin(), info.chunks.rend(), HoldsSamples);
+  const voxplay::ChunkPlace* const pData = DataChunkOf(info);
   const std::uint64_t qwFrameBytes =
       std::uint64_t{info.ours->stored_bits} / 8 * info.ours->channels;
-  if (data == info.chunks.rend() || qwFrameBytes == 0) return info.qwFrames;
-  return std::min(data->held / qwFrameBytes, info.qwFrames);
+  if (pData == nullptr || qwFrameBytes == 0) return info.qwFrames;
+  return std::min(pData->held / qwFrameBytes, info.qwFrames);
 }
 
 }  // namespace
