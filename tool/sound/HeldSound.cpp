@@ -12,19 +12,15 @@ namespace {
 
 class C_HeldSound final : public C_WrappedSound<C_HeldSound> {
  public:
-  C_HeldSound(C_SoundInputPtr sound, std::uint64_t qwHeld)
-      : C_WrappedSound(std::move(sound)), m_info(Wrapped().Info()) {
-    m_info.ours->claimed_frames = m_info.qwFrames;
-    m_info.ours->frames = qwHeld;
-    m_info.qwFrames = qwHeld;
-  }
+  C_HeldSound(C_SoundInputPtr sound, S_SoundInfo info, bool bCut)
+      : C_WrappedSound(std::move(sound)), m_info(std::move(info)), m_bCut(bCut) {}
 
   [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_info; }
   void Seek(std::uint64_t qwFrame) override {
     m_qwPosition = std::min(qwFrame, m_info.qwFrames);
     Wrapped().Seek(m_qwPosition);
   }
-  [[nodiscard]] bool IsCut() const noexcept override { return true; }
+  [[nodiscard]] bool IsCut() const noexcept override { return m_bCut || Wrapped().IsCut(); }
 
   template <typename Sample>
   std::size_t ReadAny(std::span<Sample> samples) {
@@ -40,6 +36,7 @@ class C_HeldSound final : public C_WrappedSound<C_HeldSound> {
 
  private:
   S_SoundInfo m_info;
+  bool m_bCut;
   std::uint64_t m_qwPosition = 0;
 };
 
@@ -63,7 +60,17 @@ C_SoundInputPtr WithoutMissingFrames(C_SoundInputPtr sound) {
   if (!HasPlainSamples(sound->Info())) return sound;
   const std::uint64_t qwHeld = HeldFrames(sound->Info());
   if (qwHeld == sound->Info().qwFrames) return sound;
-  return std::make_unique<C_HeldSound>(std::move(sound), qwHeld);
+  S_SoundInfo info = sound->Info();
+  info.ours->claimed_frames = info.qwFrames;
+  info.ours->frames = qwHeld;
+  info.qwFrames = qwHeld;
+  return std::make_unique<C_HeldSound>(std::move(sound), std::move(info), true);
+}
+
+C_SoundInputPtr FirstFrames(C_SoundInputPtr sound, std::uint64_t qwFrames) {
+  S_SoundInfo info = sound->Info();
+  info.qwFrames = std::min(info.qwFrames, qwFrames);
+  return std::make_unique<C_HeldSound>(std::move(sound), std::move(info), false);
 }
 
 }  // namespace tool
