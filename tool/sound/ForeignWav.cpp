@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <string_view>
+#include <span>
+#include <string>
 #include <utility>
 
 #include "sound/ChunkWalk.h"
@@ -23,12 +24,16 @@ constexpr std::size_t kBlockAt = 12;
 
 using C_Format = std::array<std::uint8_t, kFormatBytes>;
 
+bool ReadAt(C_FileBytes& bytes, std::uint64_t qwAt, std::span<std::uint8_t> wanted) {
+  bytes.Seek(qwAt);
+  return bytes.Read(wanted.data(), wanted.size()) == static_cast<std::int64_t>(wanted.size());
+}
+
 // RF64 is the same with larger sizes.
 bool IsWav(C_FileBytes& bytes) {
-  std::array<char, 12> head{};
-  bytes.Seek(0);
-  if (bytes.Read(head.data(), head.size()) < static_cast<std::int64_t>(head.size())) return false;
-  const std::string_view text(head.data(), head.size());
+  std::array<std::uint8_t, 12> head{};
+  if (!ReadAt(bytes, 0, head)) return false;
+  const std::string text(head.begin(), head.end());
   return (text.starts_with("RIFF") || text.starts_with("RF64")) && text.ends_with("WAVE");
 }
 
@@ -41,10 +46,7 @@ std::optional<S_WalkedChunk> FormatChunk(C_FileBytes& bytes) {
 std::optional<C_Format> ReadFormat(C_FileBytes& bytes) {
   const auto chunk = FormatChunk(bytes);
   C_Format format{};
-  if (!chunk) return {};
-  bytes.Seek(chunk->qwAt);
-  const std::int64_t nRead = bytes.Read(format.data(), format.size());
-  return nRead == static_cast<std::int64_t>(format.size()) ? std::optional(format) : std::nullopt;
+  return chunk && ReadAt(bytes, chunk->qwAt, format) ? std::optional(format) : std::nullopt;
 }
 
 // The low byte comes first.
@@ -52,14 +54,15 @@ std::uint16_t Number(const C_Format& format, std::size_t nAt) {
   return static_cast<std::uint16_t>(format.at(nAt) | format.at(nAt + 1) << 8U);
 }
 
+bool IsGsm(const C_Format& format) {
+  return Number(format, kTagAt) == kGsm && Number(format, kBlockAt) == kGsmBlock;
+}
+
 // What the encoder was given.
 std::optional<std::uint64_t> ToldFrames(C_FileBytes& bytes) {
   const auto chunk = FindChunk(bytes, kRiffChunks, "fact");
   std::array<std::uint8_t, 4> number{};
-  if (!chunk || chunk->qwSize < number.size()) return {};
-  bytes.Seek(chunk->qwAt);
-  if (bytes.Read(number.data(), number.size()) < static_cast<std::int64_t>(number.size()))
-    return {};
+  if (!chunk || chunk->qwSize < number.size() || !ReadAt(bytes, chunk->qwAt, number)) return {};
   std::uint64_t qwFrames = 0;
   for (std::size_t n = number.size(); n-- > 0;) qwFrames = qwFrames << 8U | number.at(n);
   return qwFrames;
@@ -80,8 +83,7 @@ C_Format PlainFormat(const C_Format& format) {
 
 std::optional<std::uint64_t> GsmFrames(C_FileBytes& bytes) {
   const auto format = ReadFormat(bytes);
-  if (!format || Number(*format, kTagAt) != kGsm || Number(*format, kBlockAt) != kGsmBlock)
-    return {};
+  if (!format || !IsGsm(*format)) return {};
   const auto data = FindChunk(bytes, kRiffChunks, "data");
   if (!data || bytes.Length() < 0) return {};
   const std::uint64_t qwRest = static_cast<std::uint64_t>(bytes.Length()) - data->qwAt;

@@ -136,8 +136,7 @@ TEST_F(ForeignWav, MarksForAnotherFile_HaveEachEventOnce) {
                          ChunkBytes("LIST", AdtlBytes({LablBytes(1, "take_1")}))}));
   Make("plain.wav", "");
   EXPECT_EQ(
-      RunLine(
-          "$V tags export @in.wav -o @marks.csv && $V tags import @plain.wav --csv @marks.csv")
+      RunLine("$V tags export @in.wav -o @marks.csv && $V tags import @plain.wav --csv @marks.csv")
           .nExit,
       0);
   const auto notes = test::ReadSound(Path("plain.wav")).notes;
