@@ -19,6 +19,10 @@ constexpr std::size_t kChunkHeadBytes = 8;
 constexpr std::uint64_t kFormBytes = 4;
 constexpr std::size_t kPieceBytes = 1024;
 constexpr std::uint32_t kNotSaid = std::numeric_limits<std::uint32_t>::max();
+// Programs that could not go back have written sizes from here on, 0x7FFFF000 for instance. A file
+// may also be that long: then its end does not lack so much.
+constexpr std::uint32_t kLeastPipeSize = 0x7F000000;
+constexpr std::uint64_t kMostMissing = std::uint64_t{64} << 20U;
 constexpr std::uint64_t kNoEnd = std::numeric_limits<std::uint64_t>::max();
 
 bool IsID(const S_FourCC& id, std::string_view text) { return std::ranges::equal(id, text); }
@@ -78,7 +82,16 @@ class C_Scanner {
     m_qwListEnd = AddLimited(kFileHeadBytes, m_qwRemaining);
     return true;
   }
-  [[nodiscard]] bool SaysSize() const { return m_dwRiffSize != 0 && m_dwRiffSize != kNotSaid; }
+  [[nodiscard]] bool SaysSize() const {
+    constexpr std::uint64_t kAfterSize = 8;
+    return m_dwRiffSize != 0 && m_dwRiffSize != kNotSaid && !IsPipeSize(m_dwRiffSize, kAfterSize);
+  }
+  // Whether it is the size of what begins there, by a program that did not know it.
+  [[nodiscard]] bool IsPipeSize(std::uint32_t dwSize, std::uint64_t qwAt) const {
+    const std::uint64_t qwRest = BytesFrom(qwAt);
+    return dwSize >= kLeastPipeSize && dwSize > qwRest && dwSize - qwRest > kMostMissing &&
+           !m_contents.bRf64 && IsID(m_contents.form, "WAVE");
+  }
 
   // Lists a chunk; false when it is the last one.
   bool ListNext() {
@@ -170,6 +183,7 @@ class C_Scanner {
   }
   [[nodiscard]] bool IsToTheEnd(const S_ChunkHead& head) {
     if (head.dwSize == kNotSaid) return !m_contents.bRf64 || !m_ds64.SizeOf(head.id);
+    if (IsPipeSize(head.dwSize, head.qwAt + kChunkHeadBytes)) return true;
     if (head.dwSize != 0 || m_contents.bRf64 || SaysSize()) return false;
     // What holds after one empty chunk holds after the next one.
     m_bOnlyChunks = m_bOnlyChunks || HoldsChunks(head.qwAt + kChunkHeadBytes);

@@ -6,6 +6,7 @@
 //   what is written                        what is understood
 //   "RIFF" or "RF64"                       of RF64, the sizes in "ds64" count
 //   a RIFF or "data" size of 0 or 2^32-1   by programs that wrote to a pipe: to the end of the file
+//   one from 0x7F000000 on                 the same, in WAVE files that lack more than 64 MiB of it
 //   pad bytes after odd sizes, or none     zeros before a chunk's header are passed over; so is
 //                                          another byte where only what follows it can be a chunk
 //   a chunk that the end of the file cuts  it is listed with what is there

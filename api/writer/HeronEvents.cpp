@@ -16,8 +16,7 @@ constexpr std::uint64_t kGroupFrames = 32;
 // The number of events in a group has six bits.
 constexpr std::size_t kMostInGroup = 63;
 
-constexpr const char* kPartly =
-    "a Heron stream holds only the low bytes of its commands, and its place to 640 ms";
+constexpr const char* kPartly = "cannot be read back from a Heron stream";
 constexpr const char* kCrowded =
     "a Heron stream holds no more than 63 events within 640 ms, and this one may be lost";
 constexpr const char* kBeyond = "it lies after the end of the sound";

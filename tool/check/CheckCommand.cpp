@@ -60,7 +60,9 @@ S_Command Command(const std::shared_ptr<S_Options>& options) {
       "checked. A line for each file says what was found: good, damaged, cut (there is less than "
       "the file claims) or unknown.\n\n"
       "A frame is one sample of every channel. The exit code is 1 when a file is not good. PCM has "
-      "no checks of its own, so what is wrong in it cannot be seen.",
+      "no checks of its own, so what is wrong in it cannot be seen. Nor can it be seen whether the "
+      "end is missing in files of AVR, IRCAM, MAT, PAF, PVF, SDS, WVE and XI, and in MPEG streams "
+      "that do not tell their length.",
       {{"voxtool check archive/*.kst", "check some files"},
        {"voxtool check -r -q archive", "name those that are not good in a folder and below it"},
        {"voxtool check --json speech.kst | jq '.[0].damaged_frames'",

@@ -37,12 +37,12 @@ class C_MonoReader {
     m_source.Rewind();
   }
 
-  // False when all of it is after the end.
-  bool Read(std::span<float> mono) {
+  // The number of frames before the end.
+  std::size_t Read(std::span<float> mono) {
     std::fill(mono.begin(), mono.end(), 0.0F);
     std::size_t nDone = 0;
     while (const std::size_t nFrames = AddPiece(mono.subspan(nDone))) nDone += nFrames;
-    return nDone > 0;
+    return nDone;
   }
 
  private:
@@ -73,15 +73,16 @@ class C_Pieces {
 
   // The next piece that is not silent; false when there are no more, or enough were seen.
   bool Next() {
-    while (m_nSeen < kEnoughFrames && m_first.Read(m_piece)) {
+    while (m_nSeen < kEnoughFrames && (m_nFrames = m_first.Read(m_piece)) > 0) {
       Advance();
       if (!IsAudible()) continue;
-      m_nSeen += m_piece.size();
+      m_nSeen += m_nFrames;
       return true;
     }
     return false;
   }
-  [[nodiscard]] std::span<const float> Piece() const { return m_piece; }
+  // The last one is shorter than the others.
+  [[nodiscard]] std::span<const float> Piece() const { return std::span(m_piece).first(m_nFrames); }
   [[nodiscard]] std::span<const float> Around() const { return m_around; }
 
  private:
@@ -92,14 +93,15 @@ class C_Pieces {
   }
   [[nodiscard]] bool IsAudible() const {
     double dSquares = 0.0;
-    for (const float fSample : m_piece) dSquares += Product(fSample, fSample);
-    return dSquares >= kAudible * static_cast<double>(m_piece.size());
+    for (const float fSample : Piece()) dSquares += Product(fSample, fSample);
+    return dSquares >= kAudible * static_cast<double>(m_nFrames);
   }
 
   C_MonoReader m_first;
   C_MonoReader m_second;
   std::vector<float> m_piece;
   std::vector<float> m_around;
+  std::size_t m_nFrames = 0;  // in the piece
   std::size_t m_nSeen = 0;
 };
 
@@ -139,7 +141,8 @@ class C_LagFinder {
     std::vector<float> padded(m_transform.Length());
     C_Pieces pieces = Pieces();
     while (pieces.Next()) {
-      std::copy(pieces.Piece().begin(), pieces.Piece().end(), padded.begin());
+      const auto end = std::copy(pieces.Piece().begin(), pieces.Piece().end(), padded.begin());
+      std::fill(end, padded.end(), 0.0F);
       m_transform.Forward(padded, firstBins);
       m_transform.Forward(pieces.Around(), secondBins);
       for (std::size_t n = 0; n < sum.size(); ++n) {
@@ -181,10 +184,11 @@ class C_LagFinder {
       for (S_Candidate& candidate : candidates) {
         const auto nFrom =
             static_cast<std::size_t>(candidate.nLag + static_cast<std::int64_t>(m_nMostLag));
-        Add(pieces.Piece(), pieces.Around().subspan(nFrom, m_nPiece), candidate);
+        Add(pieces.Piece(), pieces.Around().subspan(nFrom), candidate);
       }
     }
   }
+  // Where the first sound has ended, the second one explains nothing of it, and may go on.
   static void Add(std::span<const float> first, std::span<const float> second,
                   S_Candidate& candidate) {
     for (std::size_t n = 0; n < first.size(); ++n) {

@@ -115,8 +115,9 @@ class C_Conversion {
 
   void RefuseIfAllIsMissing(std::uint64_t qwFrames) const {
     const std::uint64_t qwClaimed = ClaimedFrames(m_info);
-    if (qwFrames != 0 || qwClaimed == 0) return;
-    Refuse("the file is cut: none of its " + CountedText(qwClaimed, "frame") + " is there");
+    if (qwFrames != 0 || (qwClaimed == 0 && !m_input->IsCut())) return;
+    Refuse("the file is cut: none of its " +
+           (qwClaimed == 0 ? "frames" : CountedText(qwClaimed, "frame")) + " is there");
   }
 
   // Streams are mono, so all channels are mixed for them.

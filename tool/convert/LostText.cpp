@@ -9,6 +9,7 @@ namespace tool {
 namespace {
 
 constexpr std::string_view kHolds = " holds no ";
+constexpr std::string_view kCannot = "cannot ";
 
 struct S_Count {
   std::string strKind;  // "event"
@@ -88,6 +89,7 @@ std::string TextOf(const S_Group& group) {
     return group.strPart + " of " + Listed(group.counts) + (bParts ? " are" : " is") +
            " not kept: " + group.strReason;
   }
+  if (group.strReason.starts_with(kCannot)) return Listed(group.counts) + ' ' + group.strReason;
   const bool bOne = group.counts.size() == 1 && group.counts.front().nCount == 1;
   return Listed(group.counts) + (bOne ? " is" : " are") +
          (group.bWhole ? " not kept: " : " not kept as before: ") + group.strReason;

@@ -36,8 +36,8 @@ class C_FileInfo {
       return ResultOf(report);
     } catch (const voxplay::Error& error) {
       if (error.status() != VOXPLAY_UNKNOWN) Fail(error.what());
-      Fail(NameOf(m_strPath) + ": unknown: none of the known formats" +
-           (m_options.batch.bVerbose ? "" : "; -v shows what was tested"));
+      if (!m_options.batch.bVerbose && m_options.batch.nQuiet == 0 && !IsForPrograms()) TellTests();
+      Fail(NameOf(m_strPath) + ": unknown: none of the known formats");
     } catch (const C_UsageFailure&) {
       throw;
     } catch (const C_Failure& failure) {
@@ -62,14 +62,15 @@ class C_FileInfo {
     result.qwDamaged = report.qwDamaged.value_or(0);
     return result;
   }
-  // After the failure has been told to programs, and what the tests found to people.
+  // To people. Programs find it beside the failure.
+  void TellTests() {
+    for (const std::string& strLine : FormatTests(m_strPath)) {
+      m_output.Complain(NameOf(m_strPath) + ": " + strLine);
+    }
+  }
   [[noreturn]] void Fail(const std::string& strWhy) {
     if (IsForPrograms()) ShowJson(InfoJsonOfFailure(m_strPath, strWhy));
-    if (m_options.batch.bVerbose) {
-      for (const std::string& strLine : FormatTests(m_strPath)) {
-        m_output.Complain(NameOf(m_strPath) + ": " + strLine);
-      }
-    }
+    if (m_options.batch.bVerbose) TellTests();
     throw C_Failure(strWhy);
   }
 
@@ -118,7 +119,8 @@ void AddInfoCommand(C_CommandLine& commandLine) {
   AddFlag(command, "--json-lines", options->bJsonLines, "print an object a line").Excludes(json);
   AddFlag(command, "--damage", options->bDamage, "decode the sounds and count damaged frames");
   AddThreadsOption(command, options->batch);
-  AddVerboseOption(command, options->batch, "say of unknown files which tests they failed",
+  AddVerboseOption(command, options->batch,
+                   "say of all files that cannot be read which tests they failed",
                    AddQuietOption(command, options->batch));
 }
 

@@ -231,8 +231,8 @@ class C_PictureMaker {
 
   void AddMarks(S_Scene& scene) const {
     const C_Columns columns(scene.part.qwCount, std::max(scene.layout.Columns(), 1));
-    const auto& ours = m_input.Info().ours;
-    scene.marks = MarksOf(m_input.Notes(), ours ? ours->container : 0, scene.part.qwFirst, columns);
+    scene.marks =
+        MarksOf(m_input.Notes(), m_input.Info().dwNotesContainer, scene.part.qwFirst, columns);
     if (!m_options.bAxes) return;
     scene.names = PlaceNames(scene.marks, m_lettering, columns.Count(), scene.layout.Letters(),
                              scene.layout.MostNameRows());

@@ -3,8 +3,13 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "sound/ChunkWalk.h"
@@ -50,6 +55,42 @@ bool AuLacksItsEnd(const std::vector<std::uint8_t>& head, std::uint64_t qwLength
   return dwSize != kNotSaid && qwLength < std::uint64_t{Number(head, 4)} + dwSize;
 }
 
+// The number of a field, "sample_count -i 8000" being one.
+std::optional<std::uint64_t> SphereField(std::string_view header, std::string_view name) {
+  const std::size_t nAt = header.find("\n" + std::string(name) + " -i ");
+  if (nAt == std::string_view::npos) return {};
+  const std::string_view text = header.substr(nAt + name.size() + 5);
+  std::uint32_t dwNumber = 0;
+  const auto end = std::from_chars(text.data(), text.data() + text.size(), dwNumber);
+  return end.ec == std::errc() ? std::optional<std::uint64_t>(dwNumber) : std::nullopt;
+}
+
+// The header is text, and tells its own size in its second line.
+bool SphereLacksItsEnd(C_FileBytes& bytes, std::uint64_t qwLength) {
+  constexpr std::size_t kMostHeader = 16384;
+  constexpr std::uint64_t kMostBytes = 16;
+  constexpr std::uint64_t kMostChannels = 65536;
+  const auto read = BytesAt(bytes, 0, kMostHeader);
+  const std::string header(read.begin(), read.end());
+  const auto qwSamples = SphereField(header, "sample_count");
+  const auto qwBytes = SphereField(header, "sample_n_bytes");
+  const auto qwChannels = SphereField(header, "channel_count").value_or(1);
+  if (!qwSamples || !qwBytes || *qwBytes > kMostBytes || qwChannels > kMostChannels) return false;
+  const std::uint64_t qwHeader = std::strtoul(header.c_str() + 8, nullptr, 10);
+  return qwLength < qwHeader + *qwSamples * *qwBytes * qwChannels;
+}
+
+// A whole file ends with a block that is one byte of 0. Some programs count too few bytes in the
+// block of the samples, so that nothing else tells their files from ones that are cut.
+bool VocLacksItsEnd(C_FileBytes& bytes, std::uint64_t qwLength) {
+  constexpr std::size_t kOffsetAt = 20;
+  const auto head = BytesAt(bytes, kOffsetAt, 2);
+  const auto last = BytesAt(bytes, qwLength - 1, 1);
+  if (head.size() < 2 || last.empty() || last[0] == 0) return false;
+  const std::uint64_t qwFirst = head[0] | std::uint64_t{head[1]} << 8U;
+  return CutsChunk(bytes, {qwFirst, 4, 1, 3, false, false, 1, std::uint64_t{1} << 24U});
+}
+
 // The page is the last one that begins in the bytes, which go to the end of the file.
 bool PageEndsStream(const std::vector<std::uint8_t>& tail, std::size_t nPage) {
   constexpr std::size_t kFlagsAt = 5;
@@ -87,6 +128,10 @@ bool LacksItsEnd(C_FileBytes& bytes) {
   const auto qwLength = static_cast<std::uint64_t>(bytes.Length());
   const auto head = BytesAt(bytes, 0, kHeadBytes);
   if (head.size() < kHeadBytes) return false;
+  if (HasText(head, 0, "RIFF")) return CutsChunk(bytes, kRiffChunks);
+  if (HasText(head, 0, "RIFX")) return CutsChunk(bytes, kFormChunks);
+  if (HasText(head, 0, "NIST_1A")) return SphereLacksItsEnd(bytes, qwLength);
+  if (HasText(head, 0, "Creative Voice File")) return VocLacksItsEnd(bytes, qwLength);
   if (HasText(head, 0, "FORM")) return FormLacksItsEnd(bytes, Number(head, 4), qwLength);
   if (HasText(head, 0, ".snd")) return AuLacksItsEnd(head, qwLength);
   if (HasText(head, 0, "riff") && HasText(head, 24, "wave")) return CutsChunk(bytes, kW64Chunks);

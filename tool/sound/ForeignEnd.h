@@ -7,9 +7,9 @@
 
 namespace tool {
 
-// Whether the end of a file is missing, by what it says of its own size: AIFF, W64 and CAF, which
-// are made of chunks, AU, and Ogg, whose last page is marked. False for all others. Moves the
-// position.
+// Whether the end of a file is missing, by what it says of its own size: AIFF, RIFF, W64 and CAF,
+// which are made of chunks, AU, SPHERE, VOC, and Ogg, whose last page is marked. False for all
+// others. Moves the position.
 bool LacksItsEnd(C_FileBytes& bytes);
 
 // Whether an MPEG stream has a header that tells its length, as "Xing", "Info" or "VBRI". Without

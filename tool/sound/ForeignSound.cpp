@@ -6,17 +6,23 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "base/Failure.h"
+#include "base/Interrupt.h"
 #include "base/QuietErrors.h"
 #include "sound/ForeignEnd.h"
 #include "sound/ForeignNotes.h"
+#include "sound/ForeignWav.h"
+#include "sound/HeldSound.h"
 
 namespace tool {
 namespace {
+
+constexpr std::size_t kSkippedFrames = 4096;
 
 struct S_Close {
   void operator()(SNDFILE* pFile) const noexcept {
@@ -67,6 +73,8 @@ std::string FormatText(int nFormat) {
   std::string strMajor = NameOfFormat(SFC_GET_FORMAT_INFO, nFormat & SF_FORMAT_TYPEMASK);
   strMajor.erase(std::min(strMajor.find(" ("), strMajor.size()));
   const std::string strMinor = NameOfFormat(SFC_GET_FORMAT_INFO, nFormat & SF_FORMAT_SUBMASK);
+  const bool bWav = (nFormat & SF_FORMAT_TYPEMASK) == SF_FORMAT_WAV;
+  if (bWav && (nFormat & SF_FORMAT_ENDMASK) == SF_ENDIAN_BIG) strMajor += " (RIFX)";
   return strMinor.empty() ? strMajor : strMajor + ", " + strMinor;
 }
 
@@ -125,16 +133,23 @@ S_SoundInfo InfoOf(const SF_INFO& foreign) {
   return info;
 }
 
+C_SndfilePtr OpenQuietly(SF_INFO& info, C_FileBytes& bytes) {
+  const C_QuietErrors quiet;
+  SF_VIRTUAL_IO functions = Functions();
+  return C_SndfilePtr(sf_open_virtual(&functions, SFM_READ, &info, &bytes));
+}
+
 class C_ForeignSound final : public I_SoundInput {
  public:
   C_ForeignSound(std::unique_ptr<C_FileBytes> bytes, C_SndfilePtr file, S_SoundInfo info,
-                 std::string strName, bool bMpeg, bool bCut)
+                 std::string strName, voxplay::Notes notes, const SF_INFO& foreign, bool bCut)
       : m_bytes(std::move(bytes)),
         m_file(std::move(file)),
         m_info(std::move(info)),
         m_strName(std::move(strName)),
-        m_notes(ForeignNotes(m_file.get())),
-        m_bMpeg(bMpeg),
+        m_notes(std::move(notes)),
+        m_bMpeg(IsMpeg(foreign.format)),
+        m_bSeekable(foreign.seekable != 0),
         m_bCut(bCut) {}
 
   [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_info; }
@@ -160,6 +175,7 @@ class C_ForeignSound final : public I_SoundInput {
         [&] { return sf_readf_double(m_file.get(), samples.data(), Room(samples.size())); });
   }
   void Seek(std::uint64_t qwFrame) override {
+    if (!m_bSeekable) return ReadUpTo(qwFrame);
     const C_QuietErrors quiet;
     if (sf_seek(m_file.get(), static_cast<sf_count_t>(qwFrame), SEEK_SET) >= 0) return;
     throw C_Failure(m_strName, "frame " + std::to_string(qwFrame) + " cannot be reached",
@@ -169,6 +185,22 @@ class C_ForeignSound final : public I_SoundInput {
   [[nodiscard]] bool IsCut() const noexcept override { return m_bCut; }
 
  private:
+  // libsndfile reads some codecs of WAV files only forward.
+  void ReadUpTo(std::uint64_t qwFrame) {
+    SF_INFO info{};
+    m_bytes->Seek(0);
+    m_file = OpenQuietly(info, *m_bytes);
+    if (!m_file) throw C_Failure(m_strName, "cannot be read again", sf_strerror(nullptr));
+    std::vector<std::int16_t> piece(kSkippedFrames * m_info.dwChannels);
+    while (qwFrame > 0) {
+      ThrowIfInterrupted();
+      const auto nWanted =
+          static_cast<std::size_t>(std::min<std::uint64_t>(qwFrame, kSkippedFrames));
+      const std::size_t nRead = Read(std::span(piece).first(nWanted * m_info.dwChannels));
+      if (nRead == 0) return;
+      qwFrame -= nRead;
+    }
+  }
   [[nodiscard]] sf_count_t Room(std::size_t nSamples) const {
     return static_cast<sf_count_t>(nSamples / m_info.dwChannels);
   }
@@ -205,34 +237,48 @@ class C_ForeignSound final : public I_SoundInput {
   voxplay::Notes m_notes;
   std::vector<float> m_floats;
   bool m_bMpeg;
+  bool m_bSeekable;
   bool m_bCut;
 };
-
-SNDFILE* OpenQuietly(SF_VIRTUAL_IO& functions, SF_INFO& info, C_FileBytes& bytes) {
-  const C_QuietErrors quiet;
-  return sf_open_virtual(&functions, SFM_READ, &info, &bytes);
-}
 
 }  // namespace
 
 C_SoundInputPtr OpenForeignSound(C_FileBytes file, const std::string& strName,
                                  std::string* pstrWhy) {
   auto bytes = std::make_unique<C_FileBytes>(std::move(file));
-  SF_VIRTUAL_IO functions = Functions();
+  const auto qwGsmFrames = GsmFrames(*bytes);
+  bytes->Seek(0);
   SF_INFO foreign{};
-  C_SndfilePtr sndfile(OpenQuietly(functions, foreign, *bytes));
+  C_SndfilePtr sndfile = OpenQuietly(foreign, *bytes);
   if (!sndfile || foreign.channels < 1 || foreign.samplerate < 1) {
     *pstrWhy = sf_strerror(sndfile.get());
     return nullptr;
   }
-  const bool bMpeg = IsMpeg(foreign.format);
   const std::uint64_t qwBefore = bytes->Position();
   S_SoundInfo info = InfoOf(foreign);
-  info.bFramesGuessed = bMpeg && !TellsMpegLength(*bytes);
-  const bool bCut = LacksItsEnd(*bytes);
+  info.bFramesGuessed = IsMpeg(foreign.format) && !TellsMpegLength(*bytes);
+  std::optional<S_WavMarks> marks = ReadWavMarks(*bytes);
+  if (marks) info.dwNotesContainer = VOXPLAY_CONTAINER_WAV;
+  if (!marks) marks = {ForeignNotes(sndfile.get()), LacksItsEnd(*bytes)};
   bytes->Seek(qwBefore);
-  return std::make_unique<C_ForeignSound>(std::move(bytes), std::move(sndfile), std::move(info),
-                                          strName, bMpeg, bCut);
+  C_SoundInputPtr sound =
+      std::make_unique<C_ForeignSound>(std::move(bytes), std::move(sndfile), std::move(info),
+                                       strName, std::move(marks->notes), foreign, marks->bCut);
+  return qwGsmFrames ? FirstFrames(std::move(sound), *qwGsmFrames) : std::move(sound);
+}
+
+C_SoundInputPtr OpenLawCodes(C_FileBytes codes, const std::string& strName, bool bALaw,
+                             std::uint32_t dwChannels) {
+  constexpr int kAnyRate = 8000;
+  auto bytes = std::make_unique<C_FileBytes>(std::move(codes));
+  SF_INFO law{};
+  law.format = SF_FORMAT_RAW | (bALaw ? SF_FORMAT_ALAW : SF_FORMAT_ULAW);
+  law.channels = static_cast<int>(dwChannels);
+  law.samplerate = kAnyRate;
+  C_SndfilePtr sndfile = OpenQuietly(law, *bytes);
+  if (!sndfile) throw C_Failure(strName, "cannot be decoded", sf_strerror(nullptr));
+  return std::make_unique<C_ForeignSound>(std::move(bytes), std::move(sndfile), InfoOf(law),
+                                          strName, voxplay::Notes(), law, false);
 }
 
 }  // namespace tool

@@ -16,4 +16,8 @@ namespace tool {
 C_SoundInputPtr OpenForeignSound(C_FileBytes file, const std::string& strName,
                                  std::string* pstrWhy);
 
+// The codes of A-law or mu-law alone, without a header: one byte a sample. Throws C_Failure.
+C_SoundInputPtr OpenLawCodes(C_FileBytes codes, const std::string& strName, bool bALaw,
+                             std::uint32_t dwChannels);
+
 }  // namespace tool

@@ -2,9 +2,9 @@
 #include "sound/HeldSound.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
+#include "sound/DataChunk.h"
 #include "sound/WrappedSound.h"
 
 namespace tool {
@@ -12,19 +12,15 @@ namespace {
 
 class C_HeldSound final : public C_WrappedSound<C_HeldSound> {
  public:
-  C_HeldSound(C_SoundInputPtr sound, std::uint64_t qwHeld)
-      : C_WrappedSound(std::move(sound)), m_info(Wrapped().Info()) {
-    m_info.ours->claimed_frames = m_info.qwFrames;
-    m_info.ours->frames = qwHeld;
-    m_info.qwFrames = qwHeld;
-  }
+  C_HeldSound(C_SoundInputPtr sound, S_SoundInfo info, bool bCut)
+      : C_WrappedSound(std::move(sound)), m_info(std::move(info)), m_bCut(bCut) {}
 
   [[nodiscard]] const S_SoundInfo& Info() const noexcept override { return m_info; }
   void Seek(std::uint64_t qwFrame) override {
     m_qwPosition = std::min(qwFrame, m_info.qwFrames);
     Wrapped().Seek(m_qwPosition);
   }
-  [[nodiscard]] bool IsCut() const noexcept override { return true; }
+  [[nodiscard]] bool IsCut() const noexcept override { return m_bCut || Wrapped().IsCut(); }
 
   template <typename Sample>
   std::size_t ReadAny(std::span<Sample> samples) {
@@ -40,6 +36,7 @@ class C_HeldSound final : public C_WrappedSound<C_HeldSound> {
 
  private:
   S_SoundInfo m_info;
+  bool m_bCut;
   std::uint64_t m_qwPosition = 0;
 };
 
@@ -48,17 +45,13 @@ bool HasPlainSamples(const S_SoundInfo& info) {
          (info.ours->codec == VOXPLAY_CODEC_PCM || info.ours->codec == VOXPLAY_CODEC_FLOAT);
 }
 
-bool HoldsSamples(const voxplay::ChunkPlace& chunk) {
-  return std::ranges::equal(chunk.id, std::string_view("data"));
-}
-
-// Of plain samples. The last chunk of them is the one that counts.
+// Of plain samples.
 std::uint64_t HeldFrames(const S_SoundInfo& info) {
-  const auto data = std::find_if(info.chunks.rbegin(), info.chunks.rend(), HoldsSamples);
+  const voxplay::ChunkPlace* const pData = DataChunkOf(info);
   const std::uint64_t qwFrameBytes =
       std::uint64_t{info.ours->stored_bits} / 8 * info.ours->channels;
-  if (data == info.chunks.rend() || qwFrameBytes == 0) return info.qwFrames;
-  return std::min(data->held / qwFrameBytes, info.qwFrames);
+  if (pData == nullptr || qwFrameBytes == 0) return info.qwFrames;
+  return std::min(pData->held / qwFrameBytes, info.qwFrames);
 }
 
 }  // namespace
@@ -67,7 +60,17 @@ C_SoundInputPtr WithoutMissingFrames(C_SoundInputPtr sound) {
   if (!HasPlainSamples(sound->Info())) return sound;
   const std::uint64_t qwHeld = HeldFrames(sound->Info());
   if (qwHeld == sound->Info().qwFrames) return sound;
-  return std::make_unique<C_HeldSound>(std::move(sound), qwHeld);
+  S_SoundInfo info = sound->Info();
+  info.ours->claimed_frames = info.qwFrames;
+  info.ours->frames = qwHeld;
+  info.qwFrames = qwHeld;
+  return std::make_unique<C_HeldSound>(std::move(sound), std::move(info), true);
+}
+
+C_SoundInputPtr FirstFrames(C_SoundInputPtr sound, std::uint64_t qwFrames) {
+  S_SoundInfo info = sound->Info();
+  info.qwFrames = std::min(info.qwFrames, qwFrames);
+  return std::make_unique<C_HeldSound>(std::move(sound), std::move(info), false);
 }
 
 }  // namespace tool

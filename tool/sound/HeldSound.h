@@ -9,4 +9,7 @@ namespace tool {
 // those of PCM as silence. Other sounds stay as they are.
 C_SoundInputPtr WithoutMissingFrames(C_SoundInputPtr sound);
 
+// The first frames of a sound, which are all that belongs to it.
+C_SoundInputPtr FirstFrames(C_SoundInputPtr sound, std::uint64_t qwFrames);
+
 }  // namespace tool

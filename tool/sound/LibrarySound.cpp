@@ -43,6 +43,7 @@ S_SoundInfo InfoOf(const voxplay::Reader& reader) {
   info.strFormat = FormatText(ours);
   info.dwBits = UsedBits(ours);
   info.bDouble = ours.codec == VOXPLAY_CODEC_FLOAT && ours.bits_per_sample > 32;
+  info.dwNotesContainer = ours.container;
   info.ours = ours;
   info.headers = reader.headers();
   info.chunks = reader.chunk_places();

@@ -10,6 +10,7 @@
 
 #include "base/Failure.h"
 #include "sound/ForeignSound.h"
+#include "sound/LawSound.h"
 #include "sound/LibrarySound.h"
 #include "sound/SoundInput.h"
 #include "sound/StandardInput.h"
@@ -34,8 +35,9 @@ class C_Operand {
   explicit C_Operand(const std::string& strPath) : m_strPath(strPath), m_once(TakeOnce(strPath)) {}
 
   [[nodiscard]] C_SoundInputPtr OpenLibrary(std::uint32_t dwFlags) const {
-    if (m_once.Get() < 0) return OpenLibrarySound(m_strPath, dwFlags);
-    return OpenLibrarySound(Bytes(), NameOf(m_strPath), dwFlags);
+    auto sound = m_once.Get() < 0 ? OpenLibrarySound(m_strPath, dwFlags)
+                                  : OpenLibrarySound(Bytes(), NameOf(m_strPath), dwFlags);
+    return WithStandardLaws(std::move(sound), NameOf(m_strPath), [this] { return Bytes(); });
   }
   [[nodiscard]] C_SoundInputPtr OpenForeign(std::string* pstrWhy) const {
     return OpenForeignSound(Bytes(), NameOf(m_strPath), pstrWhy);

@@ -30,6 +30,9 @@ struct S_SoundInfo {
   // Of integer samples: how many bits of them are used, 1 to 32. 0 for floating point.
   std::uint32_t dwBits = 0;
   bool bDouble = false;  // floating point of 64 bits
+  // The voxplay_container by whose rules the notes are read: also of WAV files that are not ours,
+  // and 0 for other files that are not.
+  std::uint32_t dwNotesContainer = 0;
   // For files of our formats, as it was when they were opened.
   std::optional<voxplay::Info> ours;
   std::optional<voxplay::Headers> headers;
@@ -42,8 +45,8 @@ class I_SoundInput {
   virtual ~I_SoundInput() = default;
 
   [[nodiscard]] virtual const S_SoundInfo& Info() const noexcept = 0;
-  // Events and everything else beside the samples; empty for files that are not ours, but for their
-  // cue points, loops and texts, as far as libsndfile tells them.
+  // Events and everything else beside the samples, also of WAV files that are not ours; of other
+  // files that are not ours, their cue points, loops and texts, as far as libsndfile tells them.
   [[nodiscard]] virtual voxplay::NotesView Notes() const noexcept = 0;
   // Of the frames that were read so far: those that were damaged.
   [[nodiscard]] virtual std::uint64_t DamagedFrames() const noexcept = 0;

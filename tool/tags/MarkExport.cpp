@@ -67,8 +67,7 @@ void C_ShownMarks::Write(const S_MarkView& view, const PFN_Write& fnWrite) const
     ThrowIfInterrupted();
     fnWrite(piece);
   };
-  const std::uint32_t dwContainer = Info().ours ? Info().ours->container : 0;
-  const auto own = view.bForImport ? WithoutLabelEvents(m_sound->Notes(), dwContainer)
+  const auto own = view.bForImport ? WithoutLabelEvents(m_sound->Notes(), Info().dwNotesContainer)
                                    : std::optional<voxplay::Notes>();
   const voxplay::NotesView notes = own ? own->view() : m_sound->Notes();
   const C_MarkRows rows(notes, Info().dwRate);

@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
+#include "TempFolder.h"
 #include "TestInput.h"
 #include "WavBytes.h"
 
@@ -163,6 +165,48 @@ TEST(RiffScan, PipeSizes_AreToTheEnd) {
       EXPECT_EQ(Listing(contents), "fmt  20..36, data 44..144");
     }
   }
+}
+
+TEST(RiffScan, LargestSizesThatProgramsThoughtOf_AreToTheEnd) {
+  for (const std::uint32_t dwSize :
+       {0x7F000000U, 0x7FFFF000U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFF0U, 0xFFFFFFFEU}) {
+    const std::uint32_t dwRiffSize = dwSize > 0xFFFFFFDB ? dwSize : dwSize + 36;
+    const S_RiffContents contents = Scanned(PipedWav(dwRiffSize, dwSize, RampBytes(100)));
+    EXPECT_TRUE(contents.bToTheEnd) << dwSize;
+    EXPECT_FALSE(contents.bLacksBytes) << dwSize;
+    EXPECT_EQ(Listing(contents), "fmt  20..36, data 44..144") << dwSize;
+  }
+}
+
+TEST(RiffScan, SmallerSizesBeyondTheFile_AreClaims) {
+  const S_RiffContents contents = Scanned(PipedWav(0x7F000023, 0x7EFFFFFF, RampBytes(100)));
+  EXPECT_FALSE(contents.bToTheEnd);
+  EXPECT_TRUE(contents.bLacksBytes);
+  EXPECT_EQ(Listing(contents), "fmt  20..36, data 44..2130706475 holds 100");
+}
+
+TEST(RiffScan, LargeSizesInContainersOfOurOwn_AreClaims) {
+  C_RiffBytes riff("VEMD");
+  riff.Chunk("fmt ", FmtBytes(1, 1, 16000, 16)).Chunk("data", 0x7FFFF000, RampBytes(100));
+  const S_RiffContents contents = Scanned(riff.RiffSize(0x7FFFF024).Take());
+  EXPECT_FALSE(contents.bToTheEnd);
+  EXPECT_TRUE(contents.bLacksBytes);
+}
+
+// A file of more than 2 GiB whose end is missing.
+TEST(RiffScan, LargeSizeThatLacksLittle_IsAClaim) {
+  C_TempFolder folder;
+  const std::string strPath =
+      folder.Write("large.wav", PipedWav(0x7F000024, 0x7F000000, RampBytes(100)));
+  std::filesystem::resize_file(strPath, 0x7F000000 - (64 << 20) + 44);
+  const auto source = api::OpenFileSource(strPath.c_str());
+  const S_RiffContents contents = api::ScanRiff(*source).value_or(S_RiffContents{});
+  EXPECT_FALSE(contents.bToTheEnd);
+  EXPECT_TRUE(contents.bLacksBytes);
+  EXPECT_EQ(Listing(contents), "fmt  20..36, data 44..2130706476 holds 2063597568");
+  std::filesystem::resize_file(strPath, 0x7F000000 - (64 << 20) + 43);
+  const auto shorter = api::OpenFileSource(strPath.c_str());
+  EXPECT_TRUE(api::ScanRiff(*shorter).value_or(S_RiffContents{}).bToTheEnd);
 }
 
 TEST(RiffScan, PipeSizeOfDataAlone_IsToTheEndOnlyWhenItIsAllOnes) {

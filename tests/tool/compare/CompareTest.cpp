@@ -205,6 +205,17 @@ TEST_F(Compare, SteadyTone_HasNoLag) {
   EXPECT_EQ(m_json["lag_frames"], 0);
 }
 
+TEST_F(Compare, ToneThatIsPartOfALongerOne_HasNoLag) {
+  const C_Samples tone = SineSamples(8000, 300, 8000, 20000);
+  WriteWav(Path("b.wav"), tone, 8000);
+  for (const std::ptrdiff_t nFrames : {6000, 7920, 100}) {
+    WriteWav(Path("a.wav"), C_Samples(tone.begin(), tone.begin() + nFrames), 8000);
+    EXPECT_EQ(CompareBoth(), 1);
+    EXPECT_EQ(m_json["lag_frames"], 0) << nFrames;
+    EXPECT_EQ(m_json["together"]["differing_samples"], 0) << nFrames;
+  }
+}
+
 TEST_F(Compare, OtherSound_HasNoLag) {
   WriteWav(Path("a.wav"), NoiseSamples(30000, 8000, 1));
   WriteWav(Path("b.wav"), NoiseSamples(30000, 8000, 77));

@@ -33,6 +33,12 @@ TEST(LostTextTest, OtherReasons_StandBehindTheFirst) {
       "file holds none");
 }
 
+TEST(LostTextTest, WhatCannotBeReadBack_IsNotCalledKept) {
+  EXPECT_EQ(LostText({"event 1 at frame 48: cannot be read back from a Heron stream",
+                      "event 2 at frame 90: cannot be read back from a Heron stream"}),
+            "2 events cannot be read back from a Heron stream");
+}
+
 TEST(LostTextTest, PartsOfMarks_AreNamedWithThem) {
   EXPECT_EQ(LostText({"event 1 at frame 48: its data is not kept: a WAV file holds none",
                       "event 2 at frame 49: its data is not kept: a WAV file holds none",
