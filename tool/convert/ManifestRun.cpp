@@ -93,17 +93,18 @@ class C_ManifestRun {
   // The pieces of a plan are converted by the rule that it has.
   void Retry() {
     if (m_arguments.bPlanOnly) m_manifest.Set(kExistingSetting, StoredRule(m_arguments.target));
-    const bool bInWay = m_arguments.target.Rule().eExisting != tagExisting::EXISTING_REFUSED;
-    const S_RetryCounts counts = PlanAgain(m_manifest, {m_arguments.bRetryFailed, bInWay});
-    if (counts.qwAgain != 0) {
-      m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwAgain, "file") +
-                      " that failed " + (counts.qwAgain == 1 ? "is" : "are") + " planned again");
-    }
-    if (counts.qwGone != 0) {
-      m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwGone, "file") +
-                      " that failed " + (counts.qwGone == 1 ? "is" : "are") +
-                      " gone, and forgotten");
-    }
+    const tagExisting eExisting = m_arguments.target.Rule().eExisting;
+    const S_RetryCounts counts =
+        PlanAgain(m_manifest, {m_arguments.bRetryFailed, eExisting != tagExisting::EXISTING_REFUSED,
+                               eExisting == tagExisting::EXISTING_REPLACED});
+    TellThose(counts.qwAgain, "that failed", "planned again");
+    TellThose(counts.qwSkipped, "skipped before", "planned again");
+    TellThose(counts.qwGone, "that failed", "gone, and forgotten");
+  }
+  void TellThose(std::uint64_t qwCount, const std::string& strWhich, const std::string& strAre) {
+    if (qwCount == 0) return;
+    m_report.Remark(m_manifest.Name() + ": " + CountedText(qwCount, "file") + ' ' + strWhich +
+                    (qwCount == 1 ? " is " : " are ") + strAre);
   }
 
   S_BatchState Convert(C_ManifestJobs& jobs) {
