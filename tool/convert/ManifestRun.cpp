@@ -7,6 +7,7 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "batch/RunOnFiles.h"
+#include "batch/TargetNames.h"
 #include "batch/Targets.h"
 #include "convert/Conversion.h"
 #include "convert/StoredOptions.h"
@@ -63,16 +64,20 @@ class C_ManifestRun {
 
   // False when something could not be listed.
   bool Plan() {
-    C_Plan plan(m_manifest);
-    const std::string strExtension(ExtensionOfFormat(FormatNameOf(m_arguments)));
     const std::string& strFolder = m_arguments.target.strFolder;
+    const C_TargetNames names(strFolder, ExtensionOfFormat(FormatNameOf(m_arguments)));
+    const auto TargetOf = [&names](const S_ListedFile& file, unsigned nChoice) {
+      const std::string strTarget = names.Name(file, nChoice);
+      return strTarget.empty() ? strTarget : PlainPath(strTarget);
+    };
+    C_Plan plan(m_manifest, TargetOf);
     const C_FileList list =
         m_arguments.batch.List(m_console, strFolder, [&](const S_ListedFile& file) {
           if (file.strPath == kStandardStream) {
             throw C_UsageFailure("standard input has no name, which a manifest needs");
           }
-          plan.Add(PlainPath(file.strPath), PlainPath(TargetBelow(strFolder, file, strExtension)),
-                   PlainPath(WholeNameBelow(strFolder, file, strExtension)));
+          const S_ListedFile plain = PlainFile(file);
+          plan.Add(plain.strPath, TargetOf(plain, 0), plain.nKept);
         });
     const S_PlanCounts counts =
         plan.Finish(StoredOptions(m_arguments), StoredRule(m_arguments.target));

@@ -164,12 +164,20 @@ TEST_F(PlanTest, TargetThatIsToBeRead_IsRefused) {
             "/in/a: its target is to be read as well: /in/b");
 }
 
+// "/out/x" of "/in/x.a", then "/out/x.a" and "/out/in/x.a".
+std::string TargetChoice(const S_ListedFile& file, unsigned nChoice) {
+  const std::string strKept(file.Kept());
+  if (nChoice == 0) return "/out/" + strKept.substr(0, strKept.rfind('.'));
+  if (nChoice == 1) return "/out/" + strKept;
+  return nChoice == 2 ? "/out" + file.strPath : "";
+}
+
 TEST_F(PlanTest, FilesOfTheSameTarget_TakeTheirOtherOnesAndKeepThem) {
   C_Manifest manifest = Made();
   const auto Targets = [&manifest](const std::vector<std::string>& extensions) {
-    C_Plan plan(manifest);
+    C_Plan plan(manifest, &TargetChoice);
     for (const std::string& strExtension : extensions) {
-      plan.Add("/in/x." + strExtension, "/out/x", "/out/x." + strExtension);
+      plan.Add("/in/x." + strExtension, "/out/x", 4);
     }
     EXPECT_EQ(plan.Finish("{}", "").qwKept, 0U);
     return Value(manifest,
@@ -183,13 +191,49 @@ TEST_F(PlanTest, FilesOfTheSameTarget_TakeTheirOtherOnesAndKeepThem) {
 
 TEST_F(PlanTest, FileThatComesLater_LeavesTheTargetToTheFirst) {
   C_Manifest manifest = Made();
-  C_Plan first(manifest);
-  first.Add("/in/x.b", "/out/x", "/out/x.b");
+  C_Plan first(manifest, &TargetChoice);
+  first.Add("/in/x.b", "/out/x", 4);
   first.Finish("{}", "");
-  C_Plan second(manifest);
-  second.Add("/in/x.a", "/out/x", "/out/x.a");
+  C_Plan second(manifest, &TargetChoice);
+  second.Add("/in/x.a", "/out/x", 4);
   EXPECT_EQ(second.Finish("{}", "").qwNew, 1U);
   EXPECT_EQ(Value(manifest, "SELECT group_concat(target) FROM files"), "/out/x,/out/x.a");
+}
+
+TEST_F(PlanTest, SameNamesInSeveralFolders_KeepThoseOfTheFolders) {
+  C_Manifest manifest = Made();
+  const auto Targets = [&manifest](const std::vector<std::string>& sources) {
+    C_Plan plan(manifest, &TargetChoice);
+    for (const std::string& strSource : sources) plan.Add(strSource, "/out/x", 4);
+    EXPECT_EQ(plan.Finish("{}", "").qwKept, 0U);
+    return Value(manifest, "SELECT group_concat(target) FROM (SELECT * FROM files ORDER BY id)");
+  };
+  EXPECT_EQ(Targets({"/d1/x.a", "/d2/x.a"}), "/out/d1/x.a,/out/d2/x.a");
+  EXPECT_EQ(Targets({"/d1/x.a", "/d2/x.a", "/d3/x.a"}), "/out/d1/x.a,/out/d2/x.a,/out/x.a");
+  EXPECT_EQ(Targets({"/d4/x.a"}), "/out/d1/x.a,/out/d2/x.a,/out/x.a,/out/x");
+  EXPECT_EQ(Targets({"/d5/x.a"}), "/out/d1/x.a,/out/d2/x.a,/out/x.a,/out/x,/out/d5/x.a");
+}
+
+TEST_F(PlanTest, NameThatAnotherFileHasGivenWayTo_IsGivenUpAsWell) {
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest, &TargetChoice);
+  plan.Add("/in/x.a", "/out/x", 4);
+  plan.Add("/in/x.b", "/out/x", 4);
+  plan.Add("/in/x.a.c", "/out/x.a", 4);
+  plan.Finish("{}", "");
+  EXPECT_EQ(Value(manifest, "SELECT group_concat(target) FROM files"),
+            "/out/x.a,/out/x.a.c,/out/x.b");
+}
+
+TEST_F(PlanTest, FilesWithoutAnotherTarget_AreRefused) {
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest, [](const S_ListedFile&, unsigned nChoice) {
+    return nChoice < 3 ? "/out/" + std::to_string(nChoice) : "";
+  });
+  plan.Add("/in/a", "/out/0");
+  plan.Add("/in/b", "/out/0");
+  EXPECT_EQ(FailureOf([&] { plan.Finish("{}", ""); }),
+            "/in/b: has the same target as /in/a: /out/2");
 }
 
 TEST_F(PlanTest, FileThatIsItsOwnTarget_IsRefusedUnlessItIsSkipped) {
