@@ -183,7 +183,7 @@ void C_Plan::FindLostTargets() {
                      "ON f.source = p.source WHERE f.state IN (2, 4) OR f.in_way <> 0");
   C_Statement insert(m_database, "INSERT INTO temp.lost VALUES(?)");
   while (select.Next()) {
-    if (!StampOf(select.Text(1))) insert.Bind(1, select.Integer(0)).Run();
+    if (IsGone(select.Text(1))) insert.Bind(1, select.Integer(0)).Run();
   }
 }
 

@@ -86,6 +86,17 @@ TEST_F(PlanTest, LostTargets_ArePlannedAgainAndChangedOnesStay) {
   EXPECT_EQ(Value(manifest, "SELECT group_concat(bytes) FROM files WHERE state = 0"), "1");
 }
 
+// A server may be out of reach for a moment. Here it is a link that leads to itself.
+TEST_F(PlanTest, TargetThatCannotBeLookedAt_IsNotLost) {
+  C_Manifest manifest = Finished(2);
+  std::filesystem::remove(Path("o1"));
+  std::filesystem::create_symlink("o1", Path("o1"));
+  EXPECT_EQ(PlanFiles(manifest, 2).qwChanged, 0U);
+  Write("1", {1, 2, 3, 4});
+  EXPECT_EQ(PlanFiles(manifest, 2).qwChanged, 1U);
+  EXPECT_FALSE(NextJob(manifest).bOwnTarget);
+}
+
 TEST_F(PlanTest, TargetAsItWasMade_IsOurs) {
   C_Manifest manifest = Finished(1);
   Write("1", {1, 2, 3, 4});
@@ -294,6 +305,8 @@ TEST_F(PlanTest, OtherFiles_AreNoManifests) {
   C_Database(Path("other"), true).Execute("CREATE TABLE mine(a)");
   EXPECT_EQ(FailureOf([&] { Made("other"); }),
             Path("other") + ": is no manifest: it is a database of something else");
+  Write("full", {});
+  EXPECT_EQ(FailureOf([&] { Opened("full"); }), Path("full") + ": is no manifest: it is empty");
   EXPECT_EQ(FailureOf([&] { Opened("none"); }),
             Path("none") + ": cannot be opened: No such file or directory");
   EXPECT_FALSE(std::filesystem::exists(Path("none")));
