@@ -54,6 +54,9 @@ done
 manifest=$(realpath -- "$1")
 folder=$(realpath -m -- "${folder:-$manifest.work}")
 
+# What an earlier start has done and not brought back. Its report does not matter.
+earlier=("$folder"/round-*/piece-*.db)
+[[ ! -e ${earlier[0]} ]] || "$archive/report.sh" "$manifest" "${earlier[@]}" >/dev/null || true
 [[ -z $retry ]] || "$VOXTOOL" convert --manifest "$manifest" --plan-only --retry-failed
 
 for ((round = 1; round <= rounds; ++round)); do

@@ -96,5 +96,8 @@ shift
 [[ ${1:-} != -- ]] || shift
 folder=$(realpath -m -- "${folder:-$manifest.work}")
 rm -f "$folder/report.txt"
+# What an earlier start has done and not brought back. Its report does not matter.
+earlier=("$folder"/round-*/piece-*.db)
+[[ ! -e ${earlier[0]} ]] || "$archive/report.sh" "$manifest" "${earlier[@]}" >/dev/null || true
 [[ -z $retry ]] || "$VOXTOOL" convert --manifest "$manifest" --plan-only --retry-failed
 submit_round "$folder" "$manifest" 1 "$rounds" "$pieces" "$cpus" "$@"

@@ -66,6 +66,29 @@ wait "$job" || code=$?
 grep -qE "^ *failed +$(wc -l <"$folder/damaged")$" "$folder/said" || fail "the report does not count what has failed"
 expect_archive "$folder/said"
 
+# What was made before everything ended at once is not made again, and in nobody's way.
+again() { "$here/../../archive/parallel/convert.sh" -S 2/: -n 20 "$folder/again.db"; }
+export -f again
+export here folder
+"$voxtool" convert --manifest "$folder/again.db" -r "$folder/in/001" -d "$folder/again" --to heron2 --plan-only -qq
+setsid bash -c again >"$folder/said" 2>&1 &
+job=$!
+end=$((SECONDS + 60))
+until (($(find "$folder/again" -name '*.hrn' 2>/dev/null | wc -l) >= 10)); do
+  ((SECONDS < end)) || fail "the first start makes nothing"
+  sleep 0.02
+done
+ps -o pid= -s "$job" | xargs -r kill -KILL 2>/dev/null || true
+wait "$job" 2>/dev/null || true
+made=$(find "$folder/again" -name '*.hrn' | wc -l)
+((made < 90)) || fail "there is nothing left for the second start"
+# As if the second round had begun.
+mv "$folder/again.db.work/round-1" "$folder/again.db.work/round-2"
+code=0
+again >"$folder/said" 2>&1 || code=$?
+grep -qE "^ *done +$((100 - $(grep -c /in/001/ "$folder/damaged" || true)))$" "$folder/said" ||
+  fail "the second start ends with $code: $(cat "$folder/said")"
+
 # What goes wrong is told on the terminal.
 "$voxtool" convert --manifest "$folder/archive.db" --plan-only --retry-failed -qq
 printf '#!/bin/sh\necho no such host >&2\nexit 255\n' >"$folder/ssh"

@@ -106,8 +106,17 @@ idle() { [[ $(sinfo -h -o %T 2>/dev/null | sort -u) == idle ]]; }
 wait_for 60 Slurm idle
 
 export VOXTOOL=$voxtool
-"$here/../../archive/slurm/convert.sh" -n 10 "$folder/archive.db"
 work=$folder/archive.db.work
+begun() { compgen -G "$folder/out/*/*.hrn" >/dev/null; }
+none() { [[ -z $(squeue -h) ]]; }
+"$here/../../archive/slurm/convert.sh" -n 10 "$folder/archive.db"
+wait_for 60 "the first target" begun
+# Everything is cancelled, the last job first, and started again, as if the second round had begun.
+scancel -t PENDING -u "$(id -un)"
+scancel -u "$(id -un)"
+wait_for 60 "what is cancelled" none
+mv "$work/round-1" "$work/round-2"
+"$here/../../archive/slurm/convert.sh" -n 10 "$folder/archive.db"
 
 # Sets piece and process to a piece that has begun and the process that works on it.
 working() {
@@ -119,8 +128,6 @@ working() {
   done
   return 1
 }
-begun() { compgen -G "$folder/out/*/*.hrn" >/dev/null; }
-wait_for 60 "the first target" begun
 wait_for 60 "the first task" working
 kill -KILL "$process"
 wait_for 60 "another task" working

@@ -51,4 +51,10 @@ void C_FileLock::CheckUnchanged() const {
   throw C_Failure(m_strPath, "nothing is changed", "it has changed meanwhile");
 }
 
+void TakePlaceOf(const std::optional<C_FileLock>& lock, I_NewFile& made) {
+  made.BringToDisk();
+  if (lock) lock->CheckUnchanged();
+  made.TakePlace();
+}
+
 }  // namespace tool

@@ -3,9 +3,11 @@
 
 #include <sys/stat.h>
 
+#include <optional>
 #include <string>
 
 #include "base/Descriptor.h"
+#include "base/NewFile.h"
 
 namespace tool {
 
@@ -27,5 +29,9 @@ class C_FileLock {
   C_Descriptor m_file{-1};
   struct stat m_status {};
 };
+
+// Lets a new file take the place of the one that is locked, if any. Looks at that as late as it
+// can. Throws C_Failure when it has changed, and what the new file throws.
+void TakePlaceOf(const std::optional<C_FileLock>& lock, I_NewFile& made);
 
 }  // namespace tool

@@ -16,6 +16,8 @@ class I_NewFile {
   virtual void Write(std::span<const std::byte> bytes) = 0;
   // Where it stands until it appears, so that what was written can be read.
   [[nodiscard]] virtual const std::string& NewPath() const noexcept = 0;
+  // Everything that takes time. It only has to appear after that.
+  virtual void BringToDisk() = 0;
   virtual void TakePlace() = 0;
 };
 

@@ -160,9 +160,14 @@ void C_ReplacedFile::TakeRightsOfOld() {
   if (fchmod(m_file.Get(), WithoutGroup(dwMode)) != 0) Fail(m_strName, "cannot be replaced");
 }
 
-void C_ReplacedFile::TakePlace() {
+void C_ReplacedFile::BringToDisk() {
   if (m_bExists) TakeRightsOfOld();
   if (fsync(m_file.Get()) != 0) Fail(m_strName, "cannot be written");
+  m_bOnDisk = true;
+}
+
+void C_ReplacedFile::TakePlace() {
+  if (!m_bOnDisk) BringToDisk();
   const bool bDone = m_bMayReplace ? rename(m_strNew.c_str(), m_strPath.c_str()) == 0
                                    : TakesFreeName(m_strNew, m_strPath);
   if (!bDone) Fail(m_strName, "the new file cannot take its place");

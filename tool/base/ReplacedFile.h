@@ -25,7 +25,8 @@ class C_ReplacedFile : public I_NewFile {
 
   void Write(std::span<const std::byte> bytes) override;
   [[nodiscard]] const std::string& NewPath() const noexcept override { return m_strNew; }
-  // Brings the new file to the disk and lets it take its place.
+  void BringToDisk() override;
+  // Brings it to the disk before, unless that is done.
   void TakePlace() override;
 
  private:
@@ -37,6 +38,7 @@ class C_ReplacedFile : public I_NewFile {
   std::string m_strNew;
   bool m_bMayReplace;
   bool m_bExists = false;
+  bool m_bOnDisk = false;
   C_Descriptor m_file{-1};
 };
 

@@ -18,6 +18,7 @@ class C_SentFile : public I_NewFile {
 
   void Write(std::span<const std::byte> bytes) override;
   [[nodiscard]] const std::string& NewPath() const noexcept override { return m_strPath; }
+  void BringToDisk() override {}
   void TakePlace() override;
 
  private:

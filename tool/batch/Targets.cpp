@@ -5,16 +5,18 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <system_error>
-#include <unordered_set>
+#include <unordered_map>
+#include <utility>
 
 #include "base/Failure.h"
 #include "base/Interrupt.h"
-#include "batch/SoundNames.h"
+#include "batch/TargetNames.h"
 #include "sound/SoundInput.h"
 
 namespace tool {
@@ -42,14 +44,57 @@ C_HashedPaths Hashed(std::size_t nFiles, const PathOf& pathOf) {
   return paths;
 }
 
-// The hashes that more than one path has. Two paths of one hash are as rare as harmless here.
-std::unordered_set<std::size_t> Repeated(const C_HashedPaths& paths) {
-  std::unordered_set<std::size_t> repeated;
-  for (std::size_t i = 1; i < paths.size(); ++i) {
-    if (paths[i].nHash == paths[i - 1].nHash) repeated.insert(paths[i].nHash);
+// Which name each file has, where it is not the first one.
+class C_ChosenNames {
+ public:
+  C_ChosenNames(std::string strFolder, std::string_view extension)
+      : m_names(std::move(strFolder), extension) {}
+
+  [[nodiscard]] std::string Name(const S_ListedFile& file) const {
+    return m_names.Name(file, Choice(file));
   }
-  return repeated;
-}
+  // Gives other names to files that have the same one. False when there are none to give.
+  bool PartSame(const std::vector<S_ListedFile>& files) {
+    bool bParted = false;
+    const C_HashedPaths paths =
+        Hashed(files.size(), [&](std::size_t i) { return PlainPath(Name(files[i])); });
+    for (auto first = paths.begin(); first != paths.end();) {
+      const auto last = std::find_if(first, paths.end(), [nHash = first->nHash](const auto& path) {
+        return path.nHash != nHash;
+      });
+      if (last - first > 1 && Part(files, {first, last})) bParted = true;
+      first = last;
+    }
+    return bParted;
+  }
+
+ private:
+  [[nodiscard]] static std::size_t Key(const S_ListedFile& file) {
+    return std::hash<std::string>()(file.strPath);
+  }
+  [[nodiscard]] unsigned Choice(const S_ListedFile& file) const {
+    const auto choice = m_choices.empty() ? m_choices.end() : m_choices.find(Key(file));
+    return choice == m_choices.end() ? 0 : choice->second;
+  }
+  // Those that have their first names go on before those that have given way already.
+  bool Part(const std::vector<S_ListedFile>& files, std::span<const S_HashedPath> same) {
+    std::vector<std::size_t> parted;
+    unsigned nLowest = std::numeric_limits<unsigned>::max();
+    for (const S_HashedPath& path : same) {
+      const unsigned nChoice = Choice(files[path.nFile]);
+      if (nChoice > nLowest || m_names.Name(files[path.nFile], nChoice + 1).empty()) continue;
+      if (nChoice < nLowest) parted.clear();
+      nLowest = nChoice;
+      parted.push_back(path.nFile);
+    }
+    for (const std::size_t nFile : parted) m_choices[Key(files[nFile])] = nLowest + 1;
+    return !parted.empty();
+  }
+
+  C_TargetNames m_names;
+  // By the hash of the path. Two paths of one hash are as rare as harmless here.
+  std::unordered_map<std::size_t, unsigned> m_choices;
+};
 
 class C_ClashSearch {
  public:
@@ -99,30 +144,12 @@ class C_ClashSearch {
 
 }  // namespace
 
-std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
-                        std::string_view extension) {
-  return (std::filesystem::path(strFolder) / WithExtension(file.Kept(), extension)).string();
-}
-
-std::string WholeNameBelow(const std::string& strFolder, const S_ListedFile& file,
-                           std::string_view extension) {
-  return (std::filesystem::path(strFolder) / std::string(file.Kept()).append(extension)).string();
-}
-
 PFN_TargetOf TargetsBelow(const std::string& strFolder, std::string_view extension,
                           const std::vector<S_ListedFile>& files) {
-  const auto Plain = [strFolder, strExtension = std::string(extension)](const S_ListedFile& file) {
-    return PlainPath(TargetBelow(strFolder, file, strExtension));
-  };
-  const auto repeated = std::make_shared<const std::unordered_set<std::size_t>>(
-      Repeated(Hashed(files.size(), [&](std::size_t i) { return Plain(files[i]); })));
-  return [strFolder, strExtension = std::string(extension), Plain,
-          repeated](const S_ListedFile& file) {
-    const bool bAlone =
-        repeated->empty() || !repeated->contains(std::hash<std::string>()(Plain(file)));
-    return bAlone ? TargetBelow(strFolder, file, strExtension)
-                  : WholeNameBelow(strFolder, file, strExtension);
-  };
+  const auto names = std::make_shared<C_ChosenNames>(strFolder, extension);
+  while (names->PartSame(files)) {
+  }
+  return [names](const S_ListedFile& file) { return names->Name(file); };
 }
 
 std::string PlainPath(const std::string& strPath) {

@@ -24,20 +24,13 @@ struct S_TargetRule {
   bool bMakeFolders = false;  // that the target is in
 };
 
-// The path below a folder that the target of a file has.
-[[nodiscard]] std::string TargetBelow(const std::string& strFolder, const S_ListedFile& file,
-                                      std::string_view extension);
-// The same with the whole name of the source: "x.wav.png".
-[[nodiscard]] std::string WholeNameBelow(const std::string& strFolder, const S_ListedFile& file,
-                                         std::string_view extension);
-
 // Absolute, and the same for all ways to write a path, as far as its text tells.
 [[nodiscard]] std::string PlainPath(const std::string& strPath);
 
 using PFN_TargetOf = std::function<std::string(const S_ListedFile& file)>;
 
-// The targets of these files below a folder. Those that would have the same one keep their whole
-// names: "x.wav.png" and "x.kst.png".
+// The targets of these files below a folder: of each file the shortest name that no other one
+// needs (TargetNames.h).
 [[nodiscard]] PFN_TargetOf TargetsBelow(const std::string& strFolder, std::string_view extension,
                                         const std::vector<S_ListedFile>& files);
 

@@ -2,8 +2,10 @@
 #include "convert/ConvertArguments.h"
 
 #include <cmath>
+#include <filesystem>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 #include "base/Failure.h"
 #include "base/NumberText.h"
@@ -97,6 +99,16 @@ std::optional<double> LevelIn(std::string_view text) {
   return dLevel && *dLevel <= 0.0 && *dLevel >= -kMostDecibels ? dLevel : std::nullopt;
 }
 
+// "--normalize 3": a level that was taken for a file.
+void RefuseNumberAsFile(const S_ConvertArguments& arguments) {
+  for (const std::string& strOperand : arguments.batch.operands) {
+    std::error_code none;
+    if (!NumberIn(strOperand) || std::filesystem::exists(strOperand, none)) continue;
+    throw C_UsageFailure("--normalize: " + strOperand +
+                         " is taken for a file; a level is given by --normalize=-DB");
+  }
+}
+
 std::optional<double> PeakOf(const std::string& strNormalize) {
   if (strNormalize.empty()) return std::nullopt;
   const auto dDecibels = LevelIn(strNormalize);
@@ -157,6 +169,7 @@ S_ConvertOptions ConvertOptionsOf(const S_ConvertArguments& arguments) {
   options.bMono = arguments.bMono;
   options.dGain = GainFactor(arguments.dGain);
   options.dPeak = PeakOf(arguments.strNormalize);
+  if (options.dPeak) RefuseNumberAsFile(arguments);
   options.silence = SilenceOf(arguments.strSilence);
   options.bNotes = !arguments.bNoNotes;
   if (arguments.strRead == "stream") options.dwReadFlags = VOXPLAY_READ_STREAM;

@@ -7,6 +7,7 @@
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "batch/RunOnFiles.h"
+#include "batch/TargetNames.h"
 #include "batch/Targets.h"
 #include "convert/Conversion.h"
 #include "convert/StoredOptions.h"
@@ -63,16 +64,20 @@ class C_ManifestRun {
 
   // False when something could not be listed.
   bool Plan() {
-    C_Plan plan(m_manifest);
-    const std::string strExtension(ExtensionOfFormat(FormatNameOf(m_arguments)));
     const std::string& strFolder = m_arguments.target.strFolder;
+    const C_TargetNames names(strFolder, ExtensionOfFormat(FormatNameOf(m_arguments)));
+    const auto TargetOf = [&names](const S_ListedFile& file, unsigned nChoice) {
+      const std::string strTarget = names.Name(file, nChoice);
+      return strTarget.empty() ? strTarget : PlainPath(strTarget);
+    };
+    C_Plan plan(m_manifest, TargetOf);
     const C_FileList list =
         m_arguments.batch.List(m_console, strFolder, [&](const S_ListedFile& file) {
           if (file.strPath == kStandardStream) {
             throw C_UsageFailure("standard input has no name, which a manifest needs");
           }
-          plan.Add(PlainPath(file.strPath), PlainPath(TargetBelow(strFolder, file, strExtension)),
-                   PlainPath(WholeNameBelow(strFolder, file, strExtension)));
+          const S_ListedFile plain = PlainFile(file);
+          plan.Add(plain.strPath, TargetOf(plain, 0), plain.nKept);
         });
     const S_PlanCounts counts =
         plan.Finish(StoredOptions(m_arguments), StoredRule(m_arguments.target));
@@ -93,17 +98,18 @@ class C_ManifestRun {
   // The pieces of a plan are converted by the rule that it has.
   void Retry() {
     if (m_arguments.bPlanOnly) m_manifest.Set(kExistingSetting, StoredRule(m_arguments.target));
-    const bool bInWay = m_arguments.target.Rule().eExisting != tagExisting::EXISTING_REFUSED;
-    const S_RetryCounts counts = PlanAgain(m_manifest, {m_arguments.bRetryFailed, bInWay});
-    if (counts.qwAgain != 0) {
-      m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwAgain, "file") +
-                      " that failed " + (counts.qwAgain == 1 ? "is" : "are") + " planned again");
-    }
-    if (counts.qwGone != 0) {
-      m_report.Remark(m_manifest.Name() + ": " + CountedText(counts.qwGone, "file") +
-                      " that failed " + (counts.qwGone == 1 ? "is" : "are") +
-                      " gone, and forgotten");
-    }
+    const tagExisting eExisting = m_arguments.target.Rule().eExisting;
+    const S_RetryCounts counts =
+        PlanAgain(m_manifest, {m_arguments.bRetryFailed, eExisting != tagExisting::EXISTING_REFUSED,
+                               eExisting == tagExisting::EXISTING_REPLACED});
+    TellThose(counts.qwAgain, "that failed", "planned again");
+    TellThose(counts.qwSkipped, "skipped before", "planned again");
+    TellThose(counts.qwGone, "that failed", "gone, and forgotten");
+  }
+  void TellThose(std::uint64_t qwCount, const std::string& strWhich, const std::string& strAre) {
+    if (qwCount == 0) return;
+    m_report.Remark(m_manifest.Name() + ": " + CountedText(qwCount, "file") + ' ' + strWhich +
+                    (qwCount == 1 ? " is " : " are ") + strAre);
   }
 
   S_BatchState Convert(C_ManifestJobs& jobs) {

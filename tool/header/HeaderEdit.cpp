@@ -74,10 +74,7 @@ class C_Edited {
   [[nodiscard]] const std::string& Name() const noexcept { return m_strName; }
   [[nodiscard]] const std::string& Path() const noexcept { return m_strPath; }
   // Lets what is made of it take its place.
-  void Replace(I_NewFile& made) const {
-    if (m_lock) m_lock->CheckUnchanged();
-    made.TakePlace();
-  }
+  void Replace(I_NewFile& made) const { TakePlaceOf(m_lock, made); }
   // Does the work, whose failures then have the name that the user knows.
   template <typename Work>
   void Named(Work&& work) const {

@@ -78,7 +78,9 @@ void C_Database::Throw(int nResult) const {
     ThrowIfInterrupted();
     throw C_Failure(strBlamed, "cannot be used", "others have been writing it for too long");
   }
-  if (nResult == SQLITE_NOTADB) throw C_Failure(strBlamed, "is no manifest", "it is no database");
+  if (nResult == SQLITE_NOTADB) {
+    throw C_NoManifest(strBlamed, "is no manifest", "it is no database");
+  }
   throw C_Failure(strBlamed, "cannot be used", sqlite3_errmsg(Get()));
 }
 

@@ -11,7 +11,15 @@
 #include <string>
 #include <string_view>
 
+#include "base/Failure.h"
+
 namespace tool {
+
+// A file that is something else than what it was taken for.
+class C_NoManifest : public C_Failure {
+ public:
+  using C_Failure::C_Failure;
+};
 
 class C_Database {
  public:

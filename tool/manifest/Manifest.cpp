@@ -83,7 +83,9 @@ void MakeTables(C_Database& database, const std::string& strSchema) {
 
 void CheckTables(C_Database& database, const std::string& strSchema, const std::string& strPath) {
   if (Pragma(database, strSchema, "application_id") != kApplication) {
-    throw C_Failure(strPath, "is no manifest", "it is a database of something else");
+    throw C_NoManifest(
+        strPath, "is no manifest",
+        IsEmpty(database, strSchema) ? "it is empty" : "it is a database of something else");
   }
   if (Pragma(database, strSchema, "user_version") != kVersion) {
     throw C_Failure(strPath, "cannot be used", "it was made by another version of voxtool");

@@ -33,9 +33,8 @@ std::int64_t Number(tagTargetMaker eMaker) { return static_cast<std::int64_t>(eM
 // A target that is not there now is ours when it is there later, even if this process dies.
 tagTargetMaker MakerNow(const std::string& strTarget, tagTargetMaker eBefore,
                         const S_FileStamp& before) {
-  const auto now = StampOf(strTarget);
-  if (!now) return tagTargetMaker::MAKER_NOBODY;
-  const bool bChanged = eBefore == tagTargetMaker::MAKER_US && *now != before;
+  if (IsGone(strTarget)) return tagTargetMaker::MAKER_NOBODY;
+  const bool bChanged = eBefore == tagTargetMaker::MAKER_US && StampOf(strTarget) != before;
   return bChanged ? tagTargetMaker::MAKER_OTHERS : eBefore;
 }
 

@@ -78,7 +78,8 @@ void AddSplitCommand(C_CommandLine& commandLine, CLI::App& manifest) {
        "Writes the files of a manifest that are still to be done into N manifests of their own, "
        "numbered from 1, each with about the same amount to read. Machines can work on them "
        "without knowing of each other. The manifest itself is not changed: until the results are "
-       "merged, do not convert with it. Files that have failed are left out.",
+       "merged, do not convert with it. Files that have failed are left out. With -f, the results "
+       "of pieces that are replaced are merged before.",
        {{"voxtool manifest split 16 archive.db -o piece-%d.db", "divide it into piece-1.db ..."},
         {"voxtool convert --manifest piece-7.db", "work on one of them"}},
        [options](C_Console& console) { return RunSplit(*options, console); }});

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "manifest/Pieces.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -10,9 +9,9 @@
 #include <queue>
 #include <utility>
 
-#include "base/Descriptor.h"
 #include "base/Failure.h"
 #include "base/Interrupt.h"
+#include "base/ReplacedFile.h"
 #include "manifest/FileStamp.h"
 #include "manifest/Worker.h"
 
@@ -21,40 +20,49 @@ namespace {
 
 // What opening and writing a file costs beside reading it, as so many bytes.
 constexpr std::uint64_t kBytesPerFile = 4096;
-constexpr mode_t kReadAndWrite = 0666;  // as far as the user's mask lets them
 
 bool Exists(const std::string& strPath) {
   struct stat status {};
   return lstat(strPath.c_str(), &status) == 0;
 }
 
-// Beside the name of a piece until it is whole.
-class C_NewPiece {
- public:
-  explicit C_NewPiece(const std::string& strPath) : m_strPath(strPath), m_strNew(strPath + ".new") {
-    std::remove(m_strNew.c_str());
-    const C_Descriptor made(
-        open(m_strNew.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadAndWrite));
-    if (made.Get() < 0) throw C_Failure(m_strPath, "cannot be made", SystemReason(errno));
-  }
-  ~C_NewPiece() { std::remove(m_strNew.c_str()); }
-  C_NewPiece(const C_NewPiece&) = delete;
-  C_NewPiece& operator=(const C_NewPiece&) = delete;
+// A piece, and what a process that died may have left beside it. SQLite would write that into a new
+// piece of the same name.
+std::vector<std::string> NamesOf(const S_Piece& piece) {
+  const std::string& strPath = piece.strPath;
+  return {strPath, strPath + "-journal", strPath + "-wal", strPath + "-shm"};
+}
 
-  [[nodiscard]] const std::string& NewPath() const noexcept { return m_strNew; }
-  void TakePlace() const {
-    if (std::rename(m_strNew.c_str(), m_strPath.c_str()) == 0) return;
-    throw C_Failure(m_strPath, "cannot be made", SystemReason(errno));
-  }
+void RefuseManifest(const C_Manifest& manifest, const std::string& strName) {
+  if (!AreSameFile(strName, manifest.Name())) return;
+  throw C_Failure(strName, "cannot be replaced", "it is the manifest itself");
+}
 
- private:
-  std::string m_strPath;
-  std::string m_strNew;
-};
-
-void RefuseExisting(const std::vector<S_Piece>& pieces) {
+void CheckNames(const C_Manifest& manifest, const std::vector<S_Piece>& pieces, bool bReplace) {
   for (const S_Piece& piece : pieces) {
-    if (Exists(piece.strPath)) throw C_Failure(piece.strPath, "exists", "-f replaces it");
+    for (const std::string& strName : NamesOf(piece)) {
+      RefuseManifest(manifest, strName);
+      if (!bReplace && Exists(strName)) throw C_Failure(strName, "exists", "-f replaces it");
+    }
+  }
+}
+
+// What is to be replaced may be a piece that nobody has merged.
+void TakeResults(C_Manifest& manifest, const std::vector<S_Piece>& pieces) {
+  for (const S_Piece& piece : pieces) {
+    ThrowIfInterrupted();
+    if (!Exists(piece.strPath)) continue;
+    try {
+      Merge(manifest, piece.strPath);
+    } catch (const C_NoManifest&) {  // NOLINT(bugprone-empty-catch): there is nothing to take
+    }
+  }
+}
+
+void RemoveWhatIsBeside(const S_Piece& piece) {
+  for (const std::string& strName : NamesOf(piece)) {
+    if (strName == piece.strPath || std::remove(strName.c_str()) == 0 || errno == ENOENT) continue;
+    throw C_Failure(strName, "cannot be removed", SystemReason(errno));
   }
 }
 
@@ -83,8 +91,8 @@ void Share(C_Database& database, std::vector<S_Piece>& pieces) {
   database.Execute("COMMIT");
 }
 
-void WritePiece(C_Database& database, const std::string& strPath, std::size_t nPiece) {
-  const C_NewPiece file(strPath);
+void WritePiece(C_Database& database, const S_Piece& piece, std::size_t nPiece, bool bReplace) {
+  C_ReplacedFile file(piece.strPath, bReplace);
   {
     const C_Attached attached(database, file.NewPath(), "piece", tagAttached::ATTACHED_WRITTEN);
     // Nothing is lost with a file that is not whole.
@@ -101,6 +109,7 @@ void WritePiece(C_Database& database, const std::string& strPath, std::size_t nP
         .Run();
     database.Execute("COMMIT");
   }
+  RemoveWhatIsBeside(piece);
   file.TakePlace();
 }
 
@@ -147,13 +156,15 @@ std::uint64_t CountIn(C_Database& database, const char* pszSelect) {
 void CheckFamily(C_Manifest& manifest, const std::string& strPiece) {
   CheckTables(manifest.Database(), "piece", strPiece);
   if (manifest.Setting(kFamilySetting, "piece") == manifest.Setting(kFamilySetting)) return;
-  throw C_Failure(strPiece, "is no piece of " + manifest.Name(), "it comes from another manifest");
+  throw C_NoManifest(strPiece, "is no piece of " + manifest.Name(),
+                     "it comes from another manifest");
 }
 
 }  // namespace
 
 void Split(C_Manifest& manifest, std::vector<S_Piece>& pieces, bool bReplace) {
-  if (!bReplace) RefuseExisting(pieces);
+  CheckNames(manifest, pieces, bReplace);
+  TakeResults(manifest, pieces);
   C_Database& database = manifest.Database();
   {
     C_Transaction transaction(database);
@@ -163,7 +174,7 @@ void Split(C_Manifest& manifest, std::vector<S_Piece>& pieces, bool bReplace) {
   Share(database, pieces);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     ThrowIfInterrupted();
-    WritePiece(database, pieces[i].strPath, i);
+    WritePiece(database, pieces[i], i, bReplace);
   }
 }
 

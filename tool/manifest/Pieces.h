@@ -20,7 +20,8 @@ struct S_Piece {
 
 // Writes what is planned into as many manifests as there are pieces, whose paths are given, so that
 // each has about the same amount to read, and fills in the rest. A piece appears whole. Throws
-// C_Failure when one exists already, unless bReplace is true.
+// C_Failure when one exists already, unless bReplace is true. Then the results of those that are
+// replaced are taken before. The manifest itself is never replaced.
 void Split(C_Manifest& manifest, std::vector<S_Piece>& pieces, bool bReplace);
 
 struct S_MergeCounts {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "manifest/Plan.h"
 
+#include <utility>
+
 #include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "manifest/FileStamp.h"
@@ -13,27 +15,38 @@ C_Database& WithTables(C_Manifest& manifest) {
       "PRAGMA temp.cache_size=-65536;"
       "DROP TABLE IF EXISTS temp.plan;"
       "DROP TABLE IF EXISTS temp.lost;"
-      "CREATE TEMP TABLE plan(source TEXT PRIMARY KEY, target TEXT, other TEXT, bytes INTEGER,"
-      "modified INTEGER) WITHOUT ROWID;"
+      "DROP TABLE IF EXISTS temp.same;"
+      "DROP TABLE IF EXISTS temp.other;"
+      // A target that is fixed has no choice any more.
+      "CREATE TEMP TABLE plan(source TEXT PRIMARY KEY, target TEXT, kept INTEGER, bytes INTEGER,"
+      "modified INTEGER, choice INTEGER DEFAULT 0, fixed INTEGER DEFAULT 0) WITHOUT ROWID;"
+      "CREATE TEMP TABLE same(target TEXT PRIMARY KEY, choice INTEGER) WITHOUT ROWID;"
+      "CREATE TEMP TABLE other(source TEXT PRIMARY KEY, target TEXT) WITHOUT ROWID;"
       "CREATE TEMP TABLE lost(id INTEGER PRIMARY KEY)");
   return manifest.Database();
 }
 
+S_ListedFile FileOf(const C_Statement& row) {
+  return {row.Text(0), static_cast<std::size_t>(row.Integer(1))};
+}
+
 }  // namespace
 
-C_Plan::C_Plan(C_Manifest& manifest)
+C_Plan::C_Plan(C_Manifest& manifest, PFN_TargetChoice fnTarget)
     : m_manifest(manifest),
       m_database(WithTables(manifest)),
-      m_insert(m_database, "INSERT OR IGNORE INTO temp.plan VALUES(?, ?, ?, ?, ?)") {
+      m_fnTarget(std::move(fnTarget)),
+      m_insert(m_database,
+               "INSERT OR IGNORE INTO temp.plan(source, target, kept, bytes, modified) "
+               "VALUES(?, ?, ?, ?, ?)") {
   // Nothing is locked by what happens to these tables alone.
   m_database.Execute("BEGIN");
 }
 
-void C_Plan::Add(const std::string& strSource, const std::string& strTarget,
-                 const std::string& strOther) {
+void C_Plan::Add(const std::string& strSource, const std::string& strTarget, std::size_t nKept) {
   ThrowIfInterrupted();
   const S_FileStamp stamp = StampOf(strSource).value_or(S_FileStamp());
-  m_insert.Bind(1, strSource).Bind(2, strTarget).Bind(3, strOther);
+  m_insert.Bind(1, strSource).Bind(2, strTarget).Bind(3, static_cast<std::int64_t>(nKept));
   m_insert.Bind(4, stamp.nBytes).Bind(5, stamp.nModified);
   m_insert.Run();
 }
@@ -68,26 +81,71 @@ void C_Plan::LeaveOutTargets() {
 
 // Moving them would leave the first ones behind.
 void C_Plan::KeepTargets(S_PlanCounts& counts) {
+  CountKept(counts);
+  m_database.Execute(
+      "UPDATE temp.plan SET target = f.target FROM main.files f "
+      "WHERE f.source = plan.source");
+}
+
+void C_Plan::CountKept(S_PlanCounts& counts) {
   C_Statement select(m_database,
-                     "SELECT f.target FROM temp.plan p JOIN main.files f ON f.source = p.source "
-                     "WHERE f.target NOT IN (p.target, p.other) ORDER BY p.source LIMIT 1");
-  if (select.Next()) counts.strKept = select.Text(0);
-  select.Reset();
-  m_database.Execute(
-      "UPDATE temp.plan SET target = f.target FROM main.files f "
-      "WHERE f.source = plan.source AND f.target = plan.other");
-  m_database.Execute(
-      "UPDATE temp.plan SET target = f.target FROM main.files f "
-      "WHERE f.source = plan.source AND f.target <> plan.target");
-  counts.qwKept = m_database.Changes();
+                     "SELECT p.source, p.kept, f.target FROM temp.plan p JOIN main.files f "
+                     "ON f.source = p.source WHERE f.target <> p.target ORDER BY p.source");
+  while (select.Next()) {
+    ThrowIfInterrupted();
+    const std::string strTarget = select.Text(2);
+    if (MayHave(FileOf(select), strTarget)) continue;
+    if (counts.qwKept++ == 0) counts.strKept = strTarget;
+  }
+}
+
+// Whether it is only one of the other targets of the file.
+bool C_Plan::MayHave(const S_ListedFile& file, const std::string& strTarget) const {
+  if (!m_fnTarget) return false;
+  for (unsigned nChoice = 1;; ++nChoice) {
+    const std::string strOther = m_fnTarget(file, nChoice);
+    if (strOther.empty() || strOther == strTarget) return !strOther.empty();
+  }
 }
 
 void C_Plan::PartSameTargets() {
   m_database.Execute(
-      "UPDATE temp.plan SET target = other WHERE other <> '' AND "
-      "NOT EXISTS (SELECT 1 FROM main.files f WHERE f.source = plan.source) AND "
-      "(target IN (SELECT target FROM temp.plan GROUP BY target HAVING COUNT(*) > 1) OR "
-      "EXISTS (SELECT 1 FROM main.files f WHERE f.target = plan.target))");
+      "UPDATE temp.plan SET fixed = 1 WHERE source IN (SELECT source FROM main.files)");
+  while (m_fnTarget && FindSameTargets()) {
+    FindOtherTargets();
+    m_database.Execute(
+        "UPDATE temp.plan SET target = o.target, choice = choice + 1 "
+        "FROM temp.other o WHERE o.source = plan.source AND o.target <> '';"
+        "UPDATE temp.plan SET fixed = 1 "
+        "WHERE source IN (SELECT source FROM temp.other WHERE target = '')");
+  }
+}
+
+// False when there are none that could be parted. Files that have their first targets go on before
+// those that have given way already.
+bool C_Plan::FindSameTargets() {
+  m_database.Execute(
+      "DELETE FROM temp.same;"
+      "INSERT INTO temp.same SELECT target, MIN(CASE fixed WHEN 0 THEN choice END) FROM temp.plan "
+      "GROUP BY target HAVING COUNT(*) > 1 AND MIN(fixed) = 0;"
+      "INSERT OR IGNORE INTO temp.same SELECT p.target, MIN(p.choice) FROM temp.plan p "
+      "JOIN main.files f ON f.target = p.target WHERE p.fixed = 0 GROUP BY p.target");
+  C_Statement select(m_database, "SELECT 1 FROM temp.same LIMIT 1");
+  return select.Next();
+}
+
+void C_Plan::FindOtherTargets() {
+  m_database.Execute("DELETE FROM temp.other");
+  C_Statement select(m_database,
+                     "SELECT p.source, p.kept, p.choice FROM temp.plan p JOIN temp.same s "
+                     "ON s.target = p.target AND s.choice = p.choice WHERE p.fixed = 0");
+  C_Statement insert(m_database, "INSERT INTO temp.other VALUES(?, ?)");
+  while (select.Next()) {
+    ThrowIfInterrupted();
+    const S_ListedFile file = FileOf(select);
+    const auto nChoice = static_cast<unsigned>(select.Integer(2)) + 1;
+    insert.Bind(1, file.strPath).Bind(2, m_fnTarget(file, nChoice)).Run();
+  }
 }
 
 void C_Plan::RefuseSameTargets() {
@@ -125,7 +183,7 @@ void C_Plan::FindLostTargets() {
                      "ON f.source = p.source WHERE f.state IN (2, 4) OR f.in_way <> 0");
   C_Statement insert(m_database, "INSERT INTO temp.lost VALUES(?)");
   while (select.Next()) {
-    if (!StampOf(select.Text(1))) insert.Bind(1, select.Integer(0)).Run();
+    if (IsGone(select.Text(1))) insert.Bind(1, select.Integer(0)).Run();
   }
 }
 

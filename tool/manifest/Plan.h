@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
+#include "batch/FileList.h"
 #include "manifest/Manifest.h"
 
 namespace tool {
 
 // What a manifest says of targets that exist: they are left as they are.
 inline constexpr const char* kSkipExisting = "skip";
+
+// The targets that a file may have, from the best one, which is 0, on. "" after the last one.
+using PFN_TargetChoice = std::function<std::string(const S_ListedFile& file, unsigned nChoice)>;
 
 struct S_PlanCounts {
   std::uint64_t qwNew = 0;
@@ -23,12 +29,12 @@ struct S_PlanCounts {
 // can work with it until all are known; then it takes all of them, or none.
 class C_Plan {
  public:
-  explicit C_Plan(C_Manifest& manifest);
+  // Files that would have the same target take another one, as far as fnTarget has more of them.
+  explicit C_Plan(C_Manifest& manifest, PFN_TargetChoice fnTarget = {});
 
-  // Absolute paths. A source that the manifest has already keeps its first target. strOther, if it
-  // is not empty, is taken where another file has the target.
-  void Add(const std::string& strSource, const std::string& strTarget,
-           const std::string& strOther = "");
+  // Absolute paths. A source that the manifest has already keeps its first target. nKept is where
+  // the part of it begins that the target keeps.
+  void Add(const std::string& strSource, const std::string& strTarget, std::size_t nKept = 0);
   // How all of the files are converted, and what happens to targets that exist. Throws
   // C_UsageFailure when the manifest has other options, and when two files have the same target, or
   // the target of one is one of the files, unless it is the file itself and targets that exist are
@@ -37,8 +43,12 @@ class C_Plan {
 
  private:
   void LeaveOutTargets();
-  void PartSameTargets();
   void KeepTargets(S_PlanCounts& counts);
+  void CountKept(S_PlanCounts& counts);
+  [[nodiscard]] bool MayHave(const S_ListedFile& file, const std::string& strTarget) const;
+  void PartSameTargets();
+  bool FindSameTargets();
+  void FindOtherTargets();
   void RefuseSameTargets();
   void RefuseTargetsOfOthers();
   void RefuseTargetsThatAreSources(bool bSkips);
@@ -49,6 +59,7 @@ class C_Plan {
 
   C_Manifest& m_manifest;
   C_Database& m_database;
+  PFN_TargetChoice m_fnTarget;
   C_Statement m_insert;
 };
 

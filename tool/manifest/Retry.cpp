@@ -30,7 +30,7 @@ std::uint64_t Forget(C_Database& database) {
 std::uint64_t PlanThose(C_Database& database, const std::string& strWhich) {
   database.Execute(
       "UPDATE main.files SET state = 0, plan = plan + 1, in_way = 0, reason = NULL "
-      "WHERE state = 3" +
+      "WHERE " +
       strWhich);
   return database.Changes();
 }
@@ -40,11 +40,13 @@ std::uint64_t PlanThose(C_Database& database, const std::string& strWhich) {
 S_RetryCounts PlanAgain(C_Manifest& manifest, S_Retry retry) {
   C_Database& database = manifest.Database();
   S_RetryCounts counts;
-  if (!retry.bFailed && !retry.bInWay) return counts;
+  if (!retry.bFailed && !retry.bInWay && !retry.bSkipped) return counts;
   if (retry.bFailed) FindGone(database);
   C_Transaction transaction(database);
   if (retry.bFailed) counts.qwGone = Forget(database);
-  counts.qwAgain = PlanThose(database, retry.bFailed ? "" : " AND in_way <> 0");
+  if (retry.bFailed) counts.qwAgain = PlanThose(database, "state = 3");
+  if (retry.bInWay) counts.qwAgain += PlanThose(database, "state = 3 AND in_way <> 0");
+  if (retry.bSkipped) counts.qwSkipped = PlanThose(database, "state = 4");
   transaction.Commit();
   return counts;
 }

@@ -18,7 +18,9 @@ constexpr const char* kDescription =
     "A picture appears under its name when it is complete. The same sound gives the same bytes. "
     "Ends with 1 when a sound could not be drawn; the others are drawn all the same. Pictures of "
     "sounds below a folder, and of relative names in a list, keep their folders below that of -d. "
-    "Where they would have the same name, they keep that of the sound: x.wav.png and x.kst.png.";
+    "Where they would have the same name, they keep that of the sound: x.wav.png and x.kst.png; "
+    "and where that is the same as well, the folders that they come from: day1/x.png and "
+    "day2/x.png.";
 
 }  // namespace
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tags/MarkedFile.h"
 
+#include <string_view>
+
 #include "base/Failure.h"
 #include "base/TimeText.h"
 #include "sound/FormatText.h"
@@ -25,6 +27,13 @@ bool HoldsNotes(std::uint32_t dwContainer) {
                       "hold them");
 }
 
+// The reader gives a reason alone.
+[[noreturn]] void RefuseToOpen(const std::string& strPath, const voxplay::Error& error) {
+  std::string_view why = error.what();
+  if (why.starts_with(strPath + ": ")) why.remove_prefix(strPath.size() + 2);
+  throw C_Failure(strPath, "cannot be opened", why);
+}
+
 // Where only another library knows the file, the reader's message would be about our formats.
 voxplay::Reader OpenForMarks(const std::string& strPath) {
   if (strPath == kStandardStream) {
@@ -33,6 +42,7 @@ voxplay::Reader OpenForMarks(const std::string& strPath) {
   try {
     return voxplay::Reader(strPath, VOXPLAY_READ_NO_BARE);
   } catch (const voxplay::Error& error) {
+    if (error.status() == VOXPLAY_CANNOT_OPEN) RefuseToOpen(strPath, error);
     if (error.status() != VOXPLAY_UNKNOWN && error.status() != VOXPLAY_UNSUPPORTED) throw;
     const auto other = OpenSound(strPath);
     Refuse(strPath, other->Info().strFormat);
@@ -71,8 +81,7 @@ std::vector<std::string> C_MarkedFile::Save(const voxplay::Notes& notes) {
   const auto file = MakeEdited(m_strPath, m_target);
   CopyWithMarks(m_strPath, m_reader.chunk_places(), marks.chunks, *file);
   CheckResult(file->NewPath(), notes, marks.lost.empty());
-  if (m_lock) m_lock->CheckUnchanged();
-  file->TakePlace();
+  TakePlaceOf(m_lock, *file);
   return marks.lost;
 }
 

@@ -9,14 +9,16 @@
 
 #include "FolderTest.h"
 #include "base/Failure.h"
+#include "batch/TargetNames.h"
 
 namespace tool {
 namespace {
 
 std::string ClashOf(const std::vector<S_ListedFile>& files, const std::string& strFolder = "out") {
   try {
-    RefuseClashes(files,
-                  [&](const S_ListedFile& file) { return TargetBelow(strFolder, file, ".kst"); });
+    RefuseClashes(files, [&](const S_ListedFile& file) {
+      return C_TargetNames(strFolder, ".kst").Name(file, 0);
+    });
   } catch (const C_UsageFailure& failure) {
     return failure.what();
   }
@@ -25,9 +27,25 @@ std::string ClashOf(const std::vector<S_ListedFile>& files, const std::string& s
 
 class TargetsTest : public C_FolderTest {};
 
-TEST_F(TargetsTest, Target_IsBelowTheFolderWithItsOwnExtension) {
-  EXPECT_EQ(TargetBelow("out", {"in/a/b.wav", 3}, ".kst"), "out/a/b.kst");
-  EXPECT_EQ(TargetBelow("out/", {"b.wav", 0}, ".kst"), "out/b.kst");
+std::vector<std::string> TargetsOf(const std::vector<S_ListedFile>& files) {
+  const PFN_TargetOf fnTargetOf = TargetsBelow("out", ".kst", files);
+  std::vector<std::string> targets;
+  for (const S_ListedFile& file : files) targets.push_back(fnTargetOf(file));
+  return targets;
+}
+
+TEST_F(TargetsTest, Names_KeepEverMoreOfThePath) {
+  const C_TargetNames names("out/", ".kst");
+  const S_ListedFile file = {"/in/day1/./a/b.wav", 9};
+  EXPECT_EQ(names.Name(file, 0), "out/./a/b.kst");
+  EXPECT_EQ(names.Name(file, 1), "out/./a/b.wav.kst");
+  EXPECT_EQ(names.Name(file, 2), "out/day1/a/b.kst");
+  EXPECT_EQ(names.Name(file, 3), "out/day1/a/b.wav.kst");
+  EXPECT_EQ(names.Name(file, 5), "out/in/day1/a/b.wav.kst");
+  EXPECT_EQ(names.Name(file, 6), "");
+  EXPECT_EQ(
+      names.Name({"../b.wav", 3}, 3),
+      "out/" + std::filesystem::current_path().parent_path().filename().string() + "/b.wav.kst");
 }
 
 TEST_F(TargetsTest, SourcesOfOneTarget_KeepTheirWholeNames) {
@@ -39,6 +57,21 @@ TEST_F(TargetsTest, SourcesOfOneTarget_KeepTheirWholeNames) {
   EXPECT_EQ(fnTargetOf(files[2]), "out/y.kst");
   EXPECT_EQ(fnTargetOf(files[3]), "out/./deep/x.kst");
   EXPECT_EQ(fnTargetOf(files[4]), "out/z.kst");
+}
+
+TEST_F(TargetsTest, SameNamesInSeveralFolders_KeepThoseOfTheFolders) {
+  using C_Targets = std::vector<std::string>;
+  EXPECT_EQ(TargetsOf({{"day1/1.wav", 5}, {"day2/1.wav", 5}, {"day2/2.wav", 5}, {"day3/1.wav", 5}}),
+            (C_Targets{"out/day1/1.kst", "out/day2/1.kst", "out/2.kst", "out/day3/1.kst"}));
+  EXPECT_EQ(TargetsOf({{"a/rec/x.wav", 6}, {"b/rec/x.wav", 6}}),
+            (C_Targets{"out/a/rec/x.kst", "out/b/rec/x.kst"}));
+  EXPECT_EQ(TargetsOf({{"a/x.wav", 2}, {"a/x.au", 2}, {"b/x.wav", 2}, {"b/x.au", 2}}),
+            (C_Targets{"out/a/x.wav.kst", "out/a/x.au.kst", "out/b/x.wav.kst", "out/b/x.au.kst"}));
+}
+
+TEST_F(TargetsTest, NameThatAnotherFileHasGivenWayTo_IsGivenUpAsWell) {
+  EXPECT_EQ(TargetsOf({{"x/a.wav", 2}, {"x/a.vemd", 2}, {"x/a.wav.flac", 2}}),
+            (std::vector<std::string>{"out/a.wav.kst", "out/a.vemd.kst", "out/a.wav.flac.kst"}));
 }
 
 TEST_F(TargetsTest, TwoSourcesOfOneTarget_AreRefused) {

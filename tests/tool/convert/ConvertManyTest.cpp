@@ -154,12 +154,16 @@ TEST_F(ConvertManyTest, FullDisk_EndsTheWork) {
   EXPECT_EQ(std::ranges::count(run.strErr, '\n'), 2) << run.strErr;
 }
 
-TEST_F(ConvertManyTest, SourcesOfOneTarget_AreRefusedBeforeAnythingIsWritten) {
-  MakeSounds("a", 3);
-  MakeSounds("b", 1);
-  EXPECT_EQ(Fail(2, {"@/a/001.wav", "@/a/000.wav", "@/b/000.wav", "-d", "@/out", "--to", "wav"}),
-            Misuse("@/b/000.wav: has the same target as @/a/000.wav: @/out/000.wav.wav"));
-  EXPECT_FALSE(fs::exists(Path("out")));
+TEST_F(ConvertManyTest, SameNamesInSeveralFolders_KeepThoseOfTheFolders) {
+  MakeSounds("day1", 2);
+  MakeSounds("day2", 1);
+  MakeSounds("day3/deep", 1);
+  Convert({"-r", "@/day1", "@/day2", "@/day3", "-d", "@/out", "--to", "wav"});
+  EXPECT_EQ(Tree("out"), (Texts{"001.wav", "day1/000.wav", "day2/000.wav", "deep/000.wav"}));
+  Convert({"-r", "@/day1", "@/day2", "@/day3", "-d", "@/kept", "--to", "wav", "--manifest", "@/m"});
+  EXPECT_EQ(Tree("kept"), Tree("out"));
+  Convert({"@/day1/000.wav", "@/day2/000.wav", "-d", "@/two", "--to", "wav"});
+  EXPECT_EQ(Tree("two"), (Texts{"day1/000.wav", "day2/000.wav"}));
 }
 
 TEST_F(ConvertManyTest, ExistingTargets_AreKeptUnlessTheyAreToBeReplaced) {

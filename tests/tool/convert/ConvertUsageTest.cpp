@@ -102,6 +102,8 @@ TEST_F(ConvertUsageTest, ValuesOfAnotherForm_AreToldTheRightOne) {
             Misuse("--detect-silence: -40 is not -DB:MS, such as -50:200"));
   EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@/out.wav", "--normalize=3"}),
             Misuse("--normalize: 3 is not -DB, such as -3"));
+  EXPECT_EQ(Fail(2, {"@/in.wav", "-o", "@/out.wav", "--normalize", "3"}),
+            Misuse("--normalize: 3 is taken for a file; a level is given by --normalize=-DB"));
 }
 
 TEST_F(ConvertUsageTest, StandardInputThatIsNoSound_IsCalledSo) {

@@ -321,6 +321,25 @@ TEST_F(ManifestCommandTest, ExistingTargets_CanBeSkipped) {
   EXPECT_EQ(Content("out/001.hrn").size(), 4U);
 }
 
+TEST_F(ManifestCommandTest, SkippedTarget_IsReplacedWhenItIsAskedLater) {
+  MakeSounds(3);
+  fs::create_directories(Path("out"));
+  Write("out/001.hrn", {'m', 'i', 'n', 'e'});
+  Texts skip = Begin();
+  skip.emplace_back("--skip-existing");
+  EXPECT_NE(Convert(skip).find("3 files: 2 converted, 1 skipped"), std::string::npos);
+  EXPECT_NE(Convert(skip).find("0 files: 0 converted"), std::string::npos);
+  Texts force = Begin();
+  force.emplace_back("-f");
+  EXPECT_EQ(Timeless(Convert(force)),
+            "@/a.db: 3 files listed, 0 new, 0 changed; --to heron4\n"
+            "@/a.db: 1 file skipped before is planned again\n"
+            "1 file: 1 converted; 0.10 s of sound");
+  EXPECT_EQ(Status()["skipped"], 0);
+  ExpectWholeTargets(3, 1600);
+  EXPECT_NE(Convert(force).find("0 files: 0 converted"), std::string::npos);
+}
+
 TEST_F(ManifestCommandTest, OptionsOfThePlan_AreKeptAndOthersRefused) {
   MakeSounds(2);
   Texts begin = Begin("kestrel");

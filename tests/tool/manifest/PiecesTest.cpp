@@ -28,6 +28,17 @@ class PiecesTest : public test::C_ManifestTest {
         "state=" +
         std::to_string(static_cast<int>(eState)));
   }
+  // As a process leaves a piece that is killed while it records something.
+  void KillWriterOf(const std::string& strPiece) const {
+    C_Manifest piece = Opened(strPiece);
+    piece.Database().Execute("BEGIN IMMEDIATE; UPDATE files SET state = 2, reason = 'unheard'");
+    ASSERT_EQ(sqlite3_db_cacheflush(piece.Database().Get()), SQLITE_OK);
+    std::filesystem::copy(Path(strPiece), Path("half"));
+    std::filesystem::copy(Path(strPiece + "-journal"), Path("journal"));
+    piece.Database().Execute("ROLLBACK");
+    std::filesystem::rename(Path("half"), Path(strPiece));
+    std::filesystem::rename(Path("journal"), Path(strPiece + "-journal"));
+  }
 };
 
 TEST_F(PiecesTest, Pieces_HaveEqualWorkAndEachFileOnce) {
@@ -73,6 +84,95 @@ TEST_F(PiecesTest, ExistingFile_StaysAndNoPieceIsMade) {
   EXPECT_EQ(FailureOf([&] { Split(manifest, pieces, false); }),
             Path("piece-2") + ": exists: -f replaces it");
   EXPECT_EQ(Entries(), (std::vector<std::string>{"files.db", "piece-2"}));
+}
+
+TEST_F(PiecesTest, PieceThatIsReplaced_GivesItsResultsFirst) {
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 9);
+  SplitInto(manifest, 3);
+  End("piece-1", tagRowState::ROW_DONE);
+  End("piece-2", tagRowState::ROW_CLAIMED);
+  const std::vector<S_Piece> pieces = SplitInto(manifest, 2);
+  EXPECT_EQ(manifest.Counts().qwDone, 3U);
+  EXPECT_EQ(pieces[0].qwFiles + pieces[1].qwFiles, 6U);
+  EXPECT_EQ(Value(manifest, "SELECT COUNT(*) FROM files WHERE own = 2"), "3");
+}
+
+TEST_F(PiecesTest, PieceOfAKilledProcess_GivesWhatItHasRecorded) {
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 400);
+  SplitInto(manifest, 1);
+  Opened("piece-1").Database().Execute("UPDATE files SET state = 2 WHERE id <= 100");
+  KillWriterOf("piece-1");
+  EXPECT_EQ(SplitInto(manifest, 1)[0].qwFiles, 300U);
+  EXPECT_EQ(manifest.Counts().qwDone, 100U);
+  EXPECT_EQ(Opened("piece-1").Counts().qwPlanned, 300U);
+  EXPECT_EQ(Entries(), (std::vector<std::string>{"files.db", "piece-1"}));
+}
+
+TEST_F(PiecesTest, JournalOfAPieceThatIsGone_IsNotPlayedIntoTheNewOne) {
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 400);
+  SplitInto(manifest, 1);
+  KillWriterOf("piece-1");
+  std::filesystem::remove(Path("piece-1"));
+  std::vector<S_Piece> pieces = {{Path("piece-1")}};
+  EXPECT_EQ(FailureOf([&] { Split(manifest, pieces, false); }),
+            Path("piece-1-journal") + ": exists: -f replaces it");
+  Split(manifest, pieces, true);
+  EXPECT_EQ(Value(manifest, "PRAGMA integrity_check"), "ok");
+  C_Manifest piece = Opened("piece-1");
+  EXPECT_EQ(Value(piece, "PRAGMA integrity_check"), "ok");
+  EXPECT_EQ(piece.Counts().qwPlanned, 400U);
+}
+
+TEST_F(PiecesTest, WhatIsNoPieceOfTheManifest_IsReplacedWhenAsked) {
+  C_Manifest other = Made("piece-1");
+  PlanFiles(other, 5);
+  Write("piece-2", {1, 2});
+  Write("piece-3", {});
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 3);
+  SplitInto(manifest, 3);
+  for (const char* pszPiece : {"piece-1", "piece-2", "piece-3"}) {
+    EXPECT_EQ(Opened(pszPiece).Counts().qwPlanned, 1U) << pszPiece;
+  }
+}
+
+TEST_F(PiecesTest, PieceThatCannotBeRead_IsNotReplaced) {
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 3);
+  SplitInto(manifest, 1);
+  Opened("piece-1").Database().Execute("PRAGMA user_version=77");
+  std::vector<S_Piece> pieces = {{Path("piece-1")}};
+  EXPECT_EQ(FailureOf([&] { Split(manifest, pieces, true); }),
+            Path("piece-1") + ": cannot be used: it was made by another version of voxtool");
+  EXPECT_EQ(Entries(), (std::vector<std::string>{"files.db", "piece-1"}));
+}
+
+TEST_F(PiecesTest, ManifestItself_IsNeverReplaced) {
+  C_Manifest manifest = Made("piece-2");
+  PlanFiles(manifest, 3);
+  std::vector<S_Piece> pieces = {{Path("piece-1")}, {Path("piece-2")}};
+  const std::string strWhy = Path("piece-2") + ": cannot be replaced: it is the manifest itself";
+  EXPECT_EQ(FailureOf([&] { Split(manifest, pieces, true); }), strWhy);
+  EXPECT_EQ(FailureOf([&] { Split(manifest, pieces, false); }), strWhy);
+  std::filesystem::create_symlink("piece-2", Path("link"));
+  pieces = {{Path("link")}};
+  EXPECT_EQ(FailureOf([&] { Split(manifest, pieces, true); }),
+            Path("link") + ": cannot be replaced: it is the manifest itself");
+  EXPECT_EQ(manifest.Counts().qwPlanned, 3U);
+  EXPECT_EQ(Entries(), (std::vector<std::string>{"link", "piece-2"}));
+}
+
+// Only what a killed process has left of a piece is of no use to anybody.
+TEST_F(PiecesTest, FilesBesideAPiece_Stay) {
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 3);
+  Write("piece-1.new", {1, 2});
+  SplitInto(manifest, 1);
+  EXPECT_EQ(Content("piece-1.new"), (std::vector<std::uint8_t>{1, 2}));
+  EXPECT_EQ(Entries(), (std::vector<std::string>{"files.db", "piece-1", "piece-1.new"}));
 }
 
 TEST_F(PiecesTest, Results_AreTakenOnce) {

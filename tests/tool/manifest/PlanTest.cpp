@@ -86,6 +86,17 @@ TEST_F(PlanTest, LostTargets_ArePlannedAgainAndChangedOnesStay) {
   EXPECT_EQ(Value(manifest, "SELECT group_concat(bytes) FROM files WHERE state = 0"), "1");
 }
 
+// A server may be out of reach for a moment. Here it is a link that leads to itself.
+TEST_F(PlanTest, TargetThatCannotBeLookedAt_IsNotLost) {
+  C_Manifest manifest = Finished(2);
+  std::filesystem::remove(Path("o1"));
+  std::filesystem::create_symlink("o1", Path("o1"));
+  EXPECT_EQ(PlanFiles(manifest, 2).qwChanged, 0U);
+  Write("1", {1, 2, 3, 4});
+  EXPECT_EQ(PlanFiles(manifest, 2).qwChanged, 1U);
+  EXPECT_FALSE(NextJob(manifest).bOwnTarget);
+}
+
 TEST_F(PlanTest, TargetAsItWasMade_IsOurs) {
   C_Manifest manifest = Finished(1);
   Write("1", {1, 2, 3, 4});
@@ -164,12 +175,20 @@ TEST_F(PlanTest, TargetThatIsToBeRead_IsRefused) {
             "/in/a: its target is to be read as well: /in/b");
 }
 
+// "/out/x" of "/in/x.a", then "/out/x.a" and "/out/in/x.a".
+std::string TargetChoice(const S_ListedFile& file, unsigned nChoice) {
+  const std::string strKept(file.Kept());
+  if (nChoice == 0) return "/out/" + strKept.substr(0, strKept.rfind('.'));
+  if (nChoice == 1) return "/out/" + strKept;
+  return nChoice == 2 ? "/out" + file.strPath : "";
+}
+
 TEST_F(PlanTest, FilesOfTheSameTarget_TakeTheirOtherOnesAndKeepThem) {
   C_Manifest manifest = Made();
   const auto Targets = [&manifest](const std::vector<std::string>& extensions) {
-    C_Plan plan(manifest);
+    C_Plan plan(manifest, &TargetChoice);
     for (const std::string& strExtension : extensions) {
-      plan.Add("/in/x." + strExtension, "/out/x", "/out/x." + strExtension);
+      plan.Add("/in/x." + strExtension, "/out/x", 4);
     }
     EXPECT_EQ(plan.Finish("{}", "").qwKept, 0U);
     return Value(manifest,
@@ -183,13 +202,49 @@ TEST_F(PlanTest, FilesOfTheSameTarget_TakeTheirOtherOnesAndKeepThem) {
 
 TEST_F(PlanTest, FileThatComesLater_LeavesTheTargetToTheFirst) {
   C_Manifest manifest = Made();
-  C_Plan first(manifest);
-  first.Add("/in/x.b", "/out/x", "/out/x.b");
+  C_Plan first(manifest, &TargetChoice);
+  first.Add("/in/x.b", "/out/x", 4);
   first.Finish("{}", "");
-  C_Plan second(manifest);
-  second.Add("/in/x.a", "/out/x", "/out/x.a");
+  C_Plan second(manifest, &TargetChoice);
+  second.Add("/in/x.a", "/out/x", 4);
   EXPECT_EQ(second.Finish("{}", "").qwNew, 1U);
   EXPECT_EQ(Value(manifest, "SELECT group_concat(target) FROM files"), "/out/x,/out/x.a");
+}
+
+TEST_F(PlanTest, SameNamesInSeveralFolders_KeepThoseOfTheFolders) {
+  C_Manifest manifest = Made();
+  const auto Targets = [&manifest](const std::vector<std::string>& sources) {
+    C_Plan plan(manifest, &TargetChoice);
+    for (const std::string& strSource : sources) plan.Add(strSource, "/out/x", 4);
+    EXPECT_EQ(plan.Finish("{}", "").qwKept, 0U);
+    return Value(manifest, "SELECT group_concat(target) FROM (SELECT * FROM files ORDER BY id)");
+  };
+  EXPECT_EQ(Targets({"/d1/x.a", "/d2/x.a"}), "/out/d1/x.a,/out/d2/x.a");
+  EXPECT_EQ(Targets({"/d1/x.a", "/d2/x.a", "/d3/x.a"}), "/out/d1/x.a,/out/d2/x.a,/out/x.a");
+  EXPECT_EQ(Targets({"/d4/x.a"}), "/out/d1/x.a,/out/d2/x.a,/out/x.a,/out/x");
+  EXPECT_EQ(Targets({"/d5/x.a"}), "/out/d1/x.a,/out/d2/x.a,/out/x.a,/out/x,/out/d5/x.a");
+}
+
+TEST_F(PlanTest, NameThatAnotherFileHasGivenWayTo_IsGivenUpAsWell) {
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest, &TargetChoice);
+  plan.Add("/in/x.a", "/out/x", 4);
+  plan.Add("/in/x.b", "/out/x", 4);
+  plan.Add("/in/x.a.c", "/out/x.a", 4);
+  plan.Finish("{}", "");
+  EXPECT_EQ(Value(manifest, "SELECT group_concat(target) FROM files"),
+            "/out/x.a,/out/x.a.c,/out/x.b");
+}
+
+TEST_F(PlanTest, FilesWithoutAnotherTarget_AreRefused) {
+  C_Manifest manifest = Made();
+  C_Plan plan(manifest, [](const S_ListedFile&, unsigned nChoice) {
+    return nChoice < 3 ? "/out/" + std::to_string(nChoice) : "";
+  });
+  plan.Add("/in/a", "/out/0");
+  plan.Add("/in/b", "/out/0");
+  EXPECT_EQ(FailureOf([&] { plan.Finish("{}", ""); }),
+            "/in/b: has the same target as /in/a: /out/2");
 }
 
 TEST_F(PlanTest, FileThatIsItsOwnTarget_IsRefusedUnlessItIsSkipped) {
@@ -250,6 +305,8 @@ TEST_F(PlanTest, OtherFiles_AreNoManifests) {
   C_Database(Path("other"), true).Execute("CREATE TABLE mine(a)");
   EXPECT_EQ(FailureOf([&] { Made("other"); }),
             Path("other") + ": is no manifest: it is a database of something else");
+  Write("full", {});
+  EXPECT_EQ(FailureOf([&] { Opened("full"); }), Path("full") + ": is no manifest: it is empty");
   EXPECT_EQ(FailureOf([&] { Opened("none"); }),
             Path("none") + ": cannot be opened: No such file or directory");
   EXPECT_FALSE(std::filesystem::exists(Path("none")));

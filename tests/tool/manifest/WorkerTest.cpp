@@ -194,5 +194,17 @@ TEST_F(WorkerTest, FailedFiles_AreTriedAgainWhenItIsAsked) {
   EXPECT_EQ(Value(manifest, "SELECT SUM(plan) FROM files"), "3");
 }
 
+TEST_F(WorkerTest, SkippedFiles_AreTriedAgainWhenItIsAsked) {
+  MakeSources(3);
+  C_Manifest manifest = Made();
+  PlanFiles(manifest, 3);
+  manifest.Database().Execute("UPDATE files SET state = CASE id WHEN 1 THEN 2 ELSE 4 END");
+  EXPECT_EQ(PlanAgain(manifest, {true, true, false}).qwSkipped, 0U);
+  const S_RetryCounts counts = PlanAgain(manifest, {false, true, true});
+  EXPECT_EQ(counts.qwSkipped, 2U);
+  EXPECT_EQ(counts.qwAgain, 0U);
+  EXPECT_EQ(C_ManifestJobs(manifest, {}).Count(), 2U);
+}
+
 }  // namespace
 }  // namespace tool

@@ -377,7 +377,6 @@ TEST_F(Plot, WhatCannotBeMeant_IsAUsageError) {
       {strIn, "-o", Path("x.png"), "--from", "0.02", "--to", "0.01"},
       {strIn, "-o", Path("x.png"), "--channel", "0"},
       {strIn, "-o", Path("x.png"), "--theme", "pink"},
-      {strIn, Path("b/a.wav"), "-d", Path("d")},
       {"-", "-d", Path("d")},
   };
   for (const auto& arguments : wrong) {

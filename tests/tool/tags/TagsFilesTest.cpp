@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <utility>
 
 #include "AllNotes.h"
 #include "CompressedBytes.h"
@@ -292,6 +293,18 @@ TEST_F(TagsFiles, EditsAtTheSameTime_AreAllDone) {
       RunLine("for n in 1 2 3 4 5 6 7 8; do $V tags add cue @a.wav --at ${n}00s & done; wait");
   EXPECT_EQ(run.strErr, "");
   EXPECT_EQ(voxplay::Reader(Path("a.wav")).notes().cues().size(), 8U);
+}
+
+TEST_F(TagsFiles, WhatCannotBeOpened_IsNamedWithTheReason) {
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  for (const auto& [strFile, strWhy] : std::vector<std::pair<std::string, std::string>>{
+           {"/dev/null", "not a regular file"},
+           {Path("pipe"), "not a regular file"},
+           {Path("none.wav"), "there is no such file"}}) {
+    const S_Run run = RunLine("$V tags add cue " + strFile + " --at 0");
+    EXPECT_EQ(run.nExit, 1);
+    EXPECT_EQ(run.strErr, strFile + ": cannot be opened: " + strWhy + "\n");
+  }
 }
 
 // As above, the table is a pipe.
