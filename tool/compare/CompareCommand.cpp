@@ -23,17 +23,14 @@ constexpr int kDiffer = 1;
 
 constexpr const char* kDescription =
     "Says how the second sound differs from the first: lag, samples that differ, the first of "
-    "them, "
-    "the greatest difference, signal-to-noise ratios and levels, of each channel and of all "
-    "together.\n"
-    "\n"
-    "The lag is found by correlation, and only taken for one when it makes the sounds clearly more "
-    "alike. Frames are compared without it, and those that only one of the sounds has do not count "
-    "in the ratios. Sounds of which one lacks frames are never equal, also when these are silent: "
-    "the result says how many there are.\n"
-    "\n"
-    "Ends with 0 when the sounds are equal, and with 1 when they differ, or when a sound cannot be "
-    "read or compared.";
+    "them, the greatest difference, signal-to-noise ratios and levels, of each channel and of all "
+    "together.\n\n"
+    "The lag is found by correlation, and only taken for one when it makes the sounds clearly "
+    "more alike. Frames are compared without it, and those that only one of the sounds has do not "
+    "count in the ratios. Sounds of which one lacks frames are never equal, also when these are "
+    "silent: the result says how many there are.\n\n"
+    "Ends with 0 when the sounds are equal, and with 1 when they differ, or when a sound cannot "
+    "be read or compared.";
 
 struct S_CompareArguments {
   std::string strFirst;

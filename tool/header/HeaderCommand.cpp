@@ -113,8 +113,7 @@ void AddAdd(C_CommandLine& commandLine, CLI::App& parent) {
       {"add",
        "put an SP header before a stream that has none",
        "Puts an SP header before a coded stream without any header, so that it says what it is. "
-       "The "
-       "file is replaced in one step, after a look at the result.",
+       "The file is replaced in one step, after a look at the result.",
        {{"voxtool header add --rate 8000 stream.bin", "say that a Kestrel stream has 8,000 Hz"},
         {"voxtool header add --codec heron4 --rate 22050 -o a.hrn a.bin",
          "make a Heron file of a bare stream"}},

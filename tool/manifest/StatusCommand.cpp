@@ -71,11 +71,10 @@ void AddStatusCommand(C_CommandLine& commandLine, CLI::App& manifest) {
       manifest,
       {"status",
        "show how much is done",
-       "Counts the files of manifests by their states: planned; claimed, which means that "
-       "a process works on them, or has died; done; skipped, because the target was "
-       "there; and failed. Of what is done, it tells how many files have damaged frames or are "
-       "cut. "
-       "A manifest that is being worked on can be asked as well.",
+       "Counts the files of manifests by their states: planned; claimed, which means that a "
+       "process works on them, or has died; done; skipped, because the target was there; and "
+       "failed. Of what is done, it tells how many files have damaged frames or are cut. A "
+       "manifest that is being worked on can be asked as well.",
        {{"voxtool manifest status archive.db", "show how many files are done"},
         {"watch voxtool manifest status archive.db", "keep showing it"},
         {"voxtool manifest status --json archive.db | jq '.[0].failed'",

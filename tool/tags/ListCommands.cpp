@@ -151,13 +151,11 @@ void AddExportCommand(C_CommandLine& commandLine, CLI::App& tags) {
       {"export",
        "write the marks of files for other programs",
        "Writes all marks as comma-separated values, or in the form that is asked for. \"tags "
-       "import\" "
-       "reads each of these forms back. Values and JSON hold all that marks have. A label track "
-       "holds "
-       "places and texts: ids, and what is rare, do not come back from it. Texts that are no UTF-8 "
-       "are written as what they are in Windows-1252, with their bytes beside them (\"hex\"). "
-       "Events "
-       "that are read from labels are left out, because they come back with these.",
+       "import\" reads each of these forms back. Values and JSON hold all that marks have. A "
+       "label track holds places and texts: ids, and what is rare, do not come back from it. "
+       "Texts that are no UTF-8 are written as what they are in Windows-1252, with their bytes "
+       "beside them (\"hex\"). Events that are read from labels are left out, because they come "
+       "back with these.",
        {{"voxtool tags export talk.wav -o talk.csv", "write a table"},
         {"voxtool tags export talk.wav --labels -o talk.txt", "write a label track"},
         {"voxtool tags export *.wav --json", "print the marks of many files"}},

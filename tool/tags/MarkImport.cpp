@@ -60,8 +60,7 @@ const std::string& SourceOf(const S_Options& options) {
 [[noreturn]] void RefuseNothing() {
   throw C_BadRow(
       "there are no marks in it, and --replace would leave none; \"voxtool tags remove --all\" "
-      "does "
-      "that");
+      "does that");
 }
 
 int Run(const S_Options& options, C_Console& console) {

@@ -131,9 +131,8 @@ void AddRemoveCommand(C_CommandLine& commandLine, CLI::App& tags) {
   CLI::App& command = commandLine.Add(
       tags, {"remove",
              "remove marks from a file",
-             "Removes marks by their kinds and by the numbers that \"tags list\" shows. With a cue "
-             "point go "
-             "its labels, notes and texts.",
+             "Removes marks by their kinds and by the numbers that \"tags list\" shows. With a "
+             "cue point go its labels, notes and texts.",
              {{"voxtool tags remove talk.wav event 3 4", "remove the third and the fourth event"},
               {"voxtool tags remove talk.wav label --all", "remove all labels"},
               {"voxtool tags remove talk.wav --all", "remove all marks"}},
