@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# Runs clang-tidy over the given sources. When no file is given, it checks everything but the tests,
-# because walking through the test framework takes as long as everything else. Two compilers and the
-# sanitizers check the tests.
+# Runs clang-tidy over the given sources. When no file is given, it checks everything but the tests
+# and the fuzzers, because walking through the test framework takes as long as everything else. Two
+# compilers and the sanitizers check the tests.
 #
 #   scripts/tidy.sh [FILE...]
-#   scripts/tidy.sh --all        the tests, too
+#   scripts/tidy.sh --all        the tests and the fuzzers, too
 set -euo pipefail
 here=$PWD
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -47,7 +47,7 @@ if [[ ${1:-} == --all ]]; then
 elif (($#)); then
   for file in "$@"; do (cd "$here" && realpath -z --relative-to="$OLDPWD" "$file"); done
 else
-  scripts/sources.sh cpp | grep -zv '^\./tests/'
+  scripts/sources.sh cpp | grep -zvE '^\./(fuzz|tests)/'
 fi >"$log"
 # A source that no target builds would be checked with guessed flags, so it counts as an error.
 while IFS= read -r -d '' file; do
