@@ -215,6 +215,14 @@ def signals_put_the_terminal_back(terminal):
         check(terminal.modes() == before, "other modes after", number)
 
 
+def quit_with_code_0(terminal):
+    terminal.press("q")
+    # What is typed while the program gives the terminal back is lost.
+    terminal.wait(lambda screen: screen.rstrip().endswith("$"), "the prompt")
+    terminal.run("echo code-$?")
+    terminal.wait_for(r"^code-0$")
+
+
 def ctrl_z_and_fg(terminal):
     before = terminal.modes()
     terminal.run("clear; voxtool play --null minute.wav")
@@ -233,9 +241,7 @@ def ctrl_z_and_fg(terminal):
     terminal.wait_for(r"Stopped")
     terminal.run("clear; fg")
     terminal.wait_for(r"^minute\.wav  0:")
-    terminal.press("q")
-    terminal.run("echo code-$?")
-    terminal.wait_for(r"^code-0$")
+    quit_with_code_0(terminal)
     check(terminal.modes() == before, "other modes in the end")
 
 
@@ -252,9 +258,7 @@ def stopped_without_being_asked(terminal):
     terminal.wait_for(r"^minute\.wav  0:0")
     moved_by(terminal, "Right", 5)
     check("^[[C" not in terminal.screen(), terminal.screen())
-    terminal.press("q")
-    terminal.run("echo code-$?")
-    terminal.wait_for(r"^code-0$")
+    quit_with_code_0(terminal)
     check(terminal.modes() == before, "other modes in the end")
 
 
@@ -264,9 +268,7 @@ def in_the_background_it_leaves_the_terminal_alone(terminal):
     terminal.wait_for(r"Running")
     check(terminal.modes() == before, "other modes")
     terminal.run("fg")
-    terminal.press("q")
-    terminal.run("echo code-$?")
-    terminal.wait_for(r"^code-0$")
+    quit_with_code_0(terminal)
     check(terminal.modes() == before, "other modes in the end")
 
 
