@@ -59,7 +59,7 @@ endif()
 add_library(voxplay_arithmetic INTERFACE)
 add_library(Voxplay::arithmetic ALIAS voxplay_arithmetic)
 if(NOT VOXPLAY_COVERAGE)
-  target_compile_options(voxplay_arithmetic INTERFACE $<$<CONFIG:Debug>:-O1>)
+  target_compile_options(voxplay_arithmetic INTERFACE $<$<CONFIG:Debug>:-O2>)
 endif()
 
 if(VOXPLAY_HARDENING AND NOT VOXPLAY_SANITIZE AND NOT VOXPLAY_FUZZERS)

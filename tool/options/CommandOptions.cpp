@@ -67,7 +67,7 @@ C_Option AddOption(CLI::App& command, const std::string& strNames, double& dValu
   return C_Option(*command.add_option(strNames, dValue, strMeaning));
 }
 
-C_Option AddOption(CLI::App& command, const std::string& strNames, PFN_TakeValue fnTake,
+C_Option AddOption(CLI::App& command, const std::string& strNames, const PFN_TakeValue& fnTake,
                    const std::string& strMeaning) {
   return C_Option(*command.add_option_function<std::string>(strNames, fnTake, strMeaning));
 }

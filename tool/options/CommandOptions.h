@@ -54,7 +54,7 @@ C_Option AddOption(CLI::App& command, const std::string& strNames,
                    std::vector<std::uint64_t>& values, const std::string& strMeaning);
 C_Option AddOption(CLI::App& command, const std::string& strNames, double& dValue,
                    const std::string& strMeaning);
-C_Option AddOption(CLI::App& command, const std::string& strNames, PFN_TakeValue fnTake,
+C_Option AddOption(CLI::App& command, const std::string& strNames, const PFN_TakeValue& fnTake,
                    const std::string& strMeaning);
 
 // An option without a value; a number counts how often it is there. A text may be given a value,
