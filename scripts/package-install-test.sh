@@ -15,7 +15,8 @@ fail() {
 }
 ((EUID == 0)) || fail "only root can make a system in a folder"
 
-# What a program needs to be built, and nothing else.
+# What a program needs to be built, and nothing else. It has only one generator of CMake.
+unset CMAKE_GENERATOR
 tools=gcc,g++,libc6-dev,clang,cmake,make,pkg-config
 mirror=${MIRROR:-http://deb.debian.org/debian}
 log=$bare.log
