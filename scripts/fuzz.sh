@@ -60,10 +60,10 @@ run_for_a_while() {
   mkdir -p "build/fuzz/corpus/$name" "build/fuzz/seeds/$name"
   unpack "$name" "build/fuzz/packed/$name"
   # shellcheck disable=SC2086  # the options are many words
-  if { [[ ! -d $findings ]] || "build/fuzz/bin/$name" $options "$findings"/* >"$log" 2>&1; } &&
-    "build/fuzz/bin/$name" $options -max_total_time="$seconds" -max_len="$max_len" \
-    -artifact_prefix="build/fuzz/findings/$name-" \
-    "build/fuzz/corpus/$name" "build/fuzz/packed/$name" "build/fuzz/seeds/$name" >"$log" 2>&1; then
+  local run=("build/fuzz/bin/$name" $options -artifact_prefix="build/fuzz/findings/$name-")
+  if { [[ ! -d $findings ]] || "${run[@]}" "$findings"/* >"$log" 2>&1; } &&
+    "${run[@]}" -max_total_time="$seconds" -max_len="$max_len" \
+      "build/fuzz/corpus/$name" "build/fuzz/packed/$name" "build/fuzz/seeds/$name" >"$log" 2>&1; then
     figures "$log" | awk -v name="$name" '{ printf "%-24s %10d runs %8d/s %6d edges\n", name, $1, $2, $3 }'
   else
     tail -n 60 "$log"

@@ -4,8 +4,8 @@
 # Installs the Debian packages that building, testing or checking needs. Does nothing and prints
 # nothing when all of them are installed. Several kinds may be named.
 #
-#   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh library  what builds the library and its examples; no audio packages
+#   scripts/install-deps.sh player   what builds and runs the player (the default)
 #   scripts/install-deps.sh tool     the same and what builds voxtool (-DVOXPLAY_TOOL=ON)
 #   scripts/install-deps.sh test     the same and what the tests need
 #   scripts/install-deps.sh ci       the same and the checkers, fuzzers and benchmarks

@@ -15,8 +15,9 @@ fail() {
 }
 ((EUID == 0)) || fail "only root can make a system in a folder"
 
-# What a program needs to be built, and nothing else. It has only one generator of CMake.
+# The system there has make, and not what this machine may prefer.
 unset CMAKE_GENERATOR
+# What a program needs to be built, and nothing else.
 tools=gcc,g++,libc6-dev,clang,cmake,make,pkg-config
 mirror=${MIRROR:-http://deb.debian.org/debian}
 log=$bare.log
