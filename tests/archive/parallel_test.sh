@@ -24,7 +24,8 @@ shift
 [[ ${1:-} != -- ]] || shift
 [[ ! -e $folder/gone-$host ]] || exit 255
 touch "$folder/asked-$host"
-setsid bash -c "$*" <&0 &
+# Whoever logs in has a shell, also where the tests have none in their environment.
+SHELL=/bin/bash setsid bash -c "$*" <&0 &
 process=$!
 while kill -0 $process 2>/dev/null; do
   if [[ -e $folder/gone-$host ]]; then
@@ -47,7 +48,7 @@ cp -r "$here/../../archive" "$folder/with blank/"
 job=$!
 end=$((SECONDS + 60)) process=
 until [[ -n $process ]]; do
-  ((SECONDS < end)) || fail "no process begins"
+  ((SECONDS < end)) && kill -0 "$job" 2>/dev/null || fail "no process begins: $(cat "$folder/said")"
   for piece in 1 2 3 4; do
     process=$(process_of "$folder/archive.db.work/round-1/piece-$piece.db")
     [[ -z $process ]] || break
