@@ -3,9 +3,12 @@
 
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <limits>
+#include <utility>
 
 #include "VCM.h"
 
@@ -77,7 +80,10 @@ bool CopyRest(std::FILE* pFrom, std::FILE* pTo) noexcept {
 }
 
 bool SeekTo(std::FILE* pFile, std::uint64_t qwPosition) noexcept {
-  if (qwPosition > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) return false;
+  if (qwPosition > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) {
+    errno = EINVAL;
+    return false;
+  }
   return fseeko(pFile, static_cast<off_t>(qwPosition), SEEK_SET) == 0;
 }
 

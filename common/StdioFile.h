@@ -44,7 +44,8 @@ using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 // everything could be written.
 [[nodiscard]] bool CopyRest(std::FILE* pFrom, std::FILE* pTo) noexcept;
 
-// Positions are 64-bit on every platform.
+// Positions are 64-bit on every platform. Where a position cannot exist, SeekTo leaves EINVAL in
+// errno.
 [[nodiscard]] bool SeekTo(std::FILE* pFile, std::uint64_t qwPosition) noexcept;
 [[nodiscard]] std::optional<std::uint64_t> Tell(std::FILE* pFile) noexcept;
 

@@ -118,6 +118,8 @@ class C_LoadOperation : public C_SweptOperation {
   // Everything that was loaded: a WAV file of the sound has its samples, its annotations, loops and
   // extra chunks. Cue points and labels of others would be missing in it, so they are counted.
   [[nodiscard]] Bytes Loaded() const {
+    // No file is written of a sound without samples.
+    if (m_file->GetWavData()->GetBufferLength() == 0) return {};
     Bytes loaded = FileOf(*m_file->GetWavData(), AUDIO_FILE_WAVE);
     loaded.push_back(static_cast<std::uint8_t>(m_nCuePoints));
     loaded.push_back(static_cast<std::uint8_t>(m_nLabels));
@@ -267,6 +269,17 @@ Maker Load(tagAudioFileType eType, Loader pfnLoad = LoadWithFactory) {
                                              pfnLoad);
   };
 }
+// Cut within the samples, which come right after the format.
+Bytes CutFile(tagAudioFileType eType) {
+  Bytes bytes = FileOf(*AnnotatedSound(), eType);
+  bytes.resize(kFrames);
+  return bytes;
+}
+Maker LoadCut(tagAudioFileType eType, Loader pfnLoad = LoadWithFactory) {
+  return [=](const auto& folder) {
+    return std::make_unique<C_LoadOperation>(folder, CutFile(eType), true, pfnLoad);
+  };
+}
 Maker LoadCompressed(Loader pfnLoad = LoadWithFactory) {
   return [=](const auto& folder) {
     const S_Blocks blocks = OneOfEachKind().front();
@@ -303,6 +316,8 @@ std::map<std::string, Maker> ClassMakers() {
       {"LoadWave", Load(AUDIO_FILE_WAVE)},
       {"LoadVemd", Load(AUDIO_FILE_VEMD)},
       {"LoadKestrel", Load(AUDIO_FILE_KESTREL)},
+      {"LoadCutWave", LoadCut(AUDIO_FILE_WAVE)},
+      {"LoadCutVemdAtOnce", LoadCut(AUDIO_FILE_VEMD, LoadOnce<C_WavFile>)},
       {"LoadCompressed", LoadCompressed()},
       {"LoadKestrelContainer", LoadContainer(AUDIO_FILE_KESTREL, false)},
       {"LoadKestrelContainerAsStored", LoadContainer(AUDIO_FILE_KESTREL, true)},

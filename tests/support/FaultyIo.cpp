@@ -66,7 +66,7 @@ bool Fails(const std::string& strFile) {
   if (!bNow && !bLater) return false;
   if (!g_state.bHit) g_state.strVictim = strFile;
   g_state.bHit = true;
-  errno = EIO;
+  errno = g_state.fault.nError;
   return true;
 }
 

@@ -11,6 +11,7 @@
 //   EXPECT_FALSE(bRet && faults.WasHit()); ...
 #pragma once
 
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ struct S_IoFault {
   int nCall = 0;             // the call that is hit, counted from 1; 0: no call
   bool bFromThenOn = false;  // every later call is hit as well
   bool bCutShort = false;    // a transfer of bytes does half of what it was asked, and says so
+  int nError = EIO;          // what a failing call leaves in errno
 };
 
 // Only one of these may live at a time, and it counts the calls of one thread at a time.
