@@ -37,6 +37,15 @@ bool CloseChecked(C_FilePtr file) noexcept {
   return std::fclose(file.release()) == 0 && bClean;
 }
 
+bool CloseOnDisk(C_FilePtr file) noexcept {
+  if (!file) return false;
+  // Some file systems have no disk to bring it to.
+  const bool bOnDisk =
+      std::fflush(file.get()) == 0 &&
+      (fsync(fileno(file.get())) == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP);
+  return CloseChecked(std::move(file)) && bOnDisk;
+}
+
 bool ReadExact(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept {
   return bytes.empty() || std::fread(bytes.data(), 1, bytes.size(), pFile) == bytes.size();
 }

@@ -26,6 +26,8 @@ using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 
 // Closes the stream and reports success. A full disk may show up only here.
 [[nodiscard]] bool CloseChecked(C_FilePtr file) noexcept;
+// The same once everything is on the disk, where there is one.
+[[nodiscard]] bool CloseOnDisk(C_FilePtr file) noexcept;
 
 // True when all bytes were read or written.
 [[nodiscard]] bool ReadExact(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept;
