@@ -2,8 +2,8 @@
 //
 // Makes calls of the C library's file functions fail on purpose. A program that links
 // voxplay_faulty_io has open, fopen, fdopen, fread, pread, getc, fwrite, fseeko, ftello, fflush,
-// fsync, fstat, fclose and rename (those that its own objects call) replaced at link time by
-// versions that count, and that fail when they are told to.
+// fsync, fstat, fclose, rename, link, chmod, ftruncate and posix_fallocate (those that its own
+// objects call) replaced at link time by versions that count, and that fail when they are told to.
 //
 //   C_FaultyIo faults({.nCall = 7});          // the 7th call from here fails, once
 //   const bool bRet = OperationUnderTest();
