@@ -54,8 +54,9 @@ class C_Recorder {
     int nGaps = 0;
     int nWrong = 0;
     for (long i = 0; i < m_nPlays; ++i) {
-      const C_Bytes got = server.RecordWhile(
-          [&] { static_cast<void>(m_player.Run({m_strFile, pszMode}, {server.Environment()})); });
+      const C_Bytes got = server.RecordWhile([&] {
+        static_cast<void>(m_player.Run({m_strFile, pszMode}, {server.Environment()}));
+      });
       const tagSameSound eSame = CompareSounds(want, got, server.FrameBytes());
       nExact += eSame == tagSameSound::Exact ? 1 : 0;
       nGaps += eSame == tagSameSound::Gaps ? 1 : 0;
