@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -93,8 +94,10 @@ bool C_FileReader::IsEnd(std::uint64_t qwPosition) const noexcept {
   return m_qwLength.value_or(0) > 0 && qwPosition >= *m_qwLength;
 }
 
-bool C_FileReader::CanBeAt(std::uint64_t qwPosition) noexcept {
-  return m_pFile != nullptr && SeekTo(m_pFile, qwPosition);
+std::optional<bool> C_FileReader::CanBeAt(std::uint64_t qwPosition) noexcept {
+  if (m_pFile == nullptr) return std::nullopt;
+  if (SeekTo(m_pFile, qwPosition)) return true;
+  return errno == EINVAL ? std::optional(false) : std::nullopt;
 }
 
 }  // namespace vcm

@@ -37,9 +37,10 @@ class C_FileReader {
   // Asks for the length again.
   std::optional<std::uint64_t> Measure() noexcept;
 
-  // Whether the file system knows such a position, which may lie beyond the end of the file. Moves
-  // the position of the file itself.
-  [[nodiscard]] bool CanBeAt(std::uint64_t qwPosition) noexcept;
+  // Whether the file system knows such a position, which may lie beyond the end of the file. Empty
+  // when the file cannot be asked: that says nothing about the position. Moves the position of the
+  // file itself.
+  [[nodiscard]] std::optional<bool> CanBeAt(std::uint64_t qwPosition) noexcept;
 
   // Reads as many bytes as the file has from qwPosition on, up to bytes.size(), and returns their
   // number. Empty when they cannot be read: a number below bytes.size() always means that the file

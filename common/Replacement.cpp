@@ -108,10 +108,9 @@ bool C_Replacement::TakeOwnerAndMode(const struct stat& old, const std::string& 
 }
 
 bool C_Replacement::CloseOnDisk() {
-  // Some file systems have no disk to bring it to.
-  const bool bOnDisk =
-      fsync(fileno(m_file.get())) == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
-  return CloseChecked(std::move(m_file)) && bOnDisk;
+  if (!m_file) return m_bOnDisk;
+  m_bOnDisk = vcm::CloseOnDisk(std::move(m_file));
+  return m_bOnDisk;
 }
 
 bool C_Replacement::TakePlaceOf(const std::string& strOldFile) {

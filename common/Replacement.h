@@ -26,7 +26,7 @@ class C_Replacement {
   // The same with another mode, of which the process's mask takes its bits: what the file gets that
   // no old file gives its mode to.
   C_Replacement(const std::string& strStem, unsigned int dwMode, unsigned int (*pfnNumber)());
-  // Removes the new file, unless it has taken the old file's place.
+  // Removes the new file, unless it has taken the old file's place or is to be kept.
   ~C_Replacement();
   C_Replacement(const C_Replacement&) = delete;
   C_Replacement& operator=(const C_Replacement&) = delete;
@@ -49,14 +49,16 @@ class C_Replacement {
   // in the meantime. That stays as it is, and if Stream() is not null, the functions above or this
   // one may still be called.
   [[nodiscard]] bool TakeNewName(const std::string& strNewFile);
+  // Brings the new file to the disk and closes it, unless that was done before.
+  [[nodiscard]] bool CloseOnDisk();
+  // Leaves the new file where it is, under the name of its own.
+  void Keep() noexcept { m_strPath.clear(); }
 
  private:
-  // Brings the file to the disk and closes it.
-  bool CloseOnDisk();
-
   std::string m_strPath;
   C_FilePtr m_file;
   int m_nError = 0;
+  bool m_bOnDisk = false;
 };
 
 }  // namespace vcm

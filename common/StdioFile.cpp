@@ -3,9 +3,12 @@
 
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <limits>
+#include <utility>
 
 #include "VCM.h"
 
@@ -32,6 +35,15 @@ bool CloseChecked(C_FilePtr file) noexcept {
   if (!file) return false;
   const bool bClean = std::ferror(file.get()) == 0;
   return std::fclose(file.release()) == 0 && bClean;
+}
+
+bool CloseOnDisk(C_FilePtr file) noexcept {
+  if (!file) return false;
+  // Some file systems have no disk to bring it to.
+  const bool bOnDisk =
+      std::fflush(file.get()) == 0 &&
+      (fsync(fileno(file.get())) == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP);
+  return CloseChecked(std::move(file)) && bOnDisk;
 }
 
 bool ReadExact(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept {
@@ -77,7 +89,10 @@ bool CopyRest(std::FILE* pFrom, std::FILE* pTo) noexcept {
 }
 
 bool SeekTo(std::FILE* pFile, std::uint64_t qwPosition) noexcept {
-  if (qwPosition > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) return false;
+  if (qwPosition > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) {
+    errno = EINVAL;
+    return false;
+  }
   return fseeko(pFile, static_cast<off_t>(qwPosition), SEEK_SET) == 0;
 }
 

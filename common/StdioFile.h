@@ -26,6 +26,8 @@ using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 
 // Closes the stream and reports success. A full disk may show up only here.
 [[nodiscard]] bool CloseChecked(C_FilePtr file) noexcept;
+// The same once everything is on the disk, where there is one.
+[[nodiscard]] bool CloseOnDisk(C_FilePtr file) noexcept;
 
 // True when all bytes were read or written.
 [[nodiscard]] bool ReadExact(std::FILE* pFile, std::span<std::uint8_t> bytes) noexcept;
@@ -44,7 +46,8 @@ using C_FilePtr = std::unique_ptr<std::FILE, S_FileCloser>;
 // everything could be written.
 [[nodiscard]] bool CopyRest(std::FILE* pFrom, std::FILE* pTo) noexcept;
 
-// Positions are 64-bit on every platform.
+// Positions are 64-bit on every platform. Where a position cannot exist, SeekTo leaves EINVAL in
+// errno.
 [[nodiscard]] bool SeekTo(std::FILE* pFile, std::uint64_t qwPosition) noexcept;
 [[nodiscard]] std::optional<std::uint64_t> Tell(std::FILE* pFile) noexcept;
 

@@ -30,11 +30,13 @@ bool MakeRoom(int nDescriptor, off_t nSize) {
   return false;
 }
 
-// Writes over the old file once there is room for the new contents.
-bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {
+// Writes over the old file once there is room for the new contents, which are whole on the disk
+// before that.
+bool CopyInPlace(C_Replacement& replacement, const std::string& strTo) {
+  if (!replacement.CloseOnDisk()) return false;
   // A file system that refuses this may let the file be read nevertheless.
-  static_cast<void>(chmod(strFrom.c_str(), S_IRUSR | S_IWUSR));
-  const C_FilePtr from = OpenFile(strFrom.c_str(), "rb");
+  static_cast<void>(chmod(replacement.Path().c_str(), S_IRUSR | S_IWUSR));
+  const C_FilePtr from = OpenFile(replacement.Path().c_str(), "rb");
   C_FilePtr to = OpenFile(strTo.c_str(), "r+b");
   if (!from || !to) return false;
   const auto qwSize = SizeAndSeekEnd(from.get());
@@ -43,7 +45,10 @@ bool CopyInPlace(const std::string& strFrom, const std::string& strTo) {
   if (!MakeRoom(fileno(to.get()), nSize)) return false;
   const bool bCopied = CopyRest(from.get(), to.get()) && std::fflush(to.get()) == 0 &&
                        ftruncate(fileno(to.get()), nSize) == 0;
-  return CloseChecked(std::move(to)) && bCopied;
+  if (CloseOnDisk(std::move(to)) && bCopied) return true;
+  // Now nothing else holds a whole sound.
+  replacement.Keep();
+  return false;
 }
 
 }  // namespace
@@ -74,7 +79,7 @@ bool C_TargetFile::Commit(bool bWritten) {
       m_replacement->TakePlaceOf(m_strOldFile)) {
     return true;
   }
-  return IsForbidden(m_replacement->Error()) && CopyInPlace(m_replacement->Path(), m_strOldFile);
+  return IsForbidden(m_replacement->Error()) && CopyInPlace(*m_replacement, m_strOldFile);
 }
 
 }  // namespace vcm

@@ -19,7 +19,8 @@
 // An existing file is written in place, too, where the folder takes no second file, or where the
 // second file must not take the place of the first: in a folder that others share, where the file
 // is a mount of its own, and where a file system cannot give it the old mode. A failed write may
-// then leave the file partial, because there is no other way to write it.
+// then leave the file partial, because there is no other way to write it. Where there is a second
+// file, that one is whole, and it stays beside a first one that may be partial.
 #pragma once
 
 #include <sys/stat.h>

@@ -15,7 +15,8 @@
 #                                             fuzz/corpora, the seeds, build/fuzz/corpus and, if
 #                                             $FUZZ_FOLDER is set, the campaign in that folder
 #   scripts/fuzz.sh --coverage [AIM...]       shows how many lines of the files that fuzzers aim at (the
-#                                             lines of fuzz/aims.txt) their corpora reach
+#                                             lines of fuzz/aims.txt) their corpora reach. Fails
+#                                             where too few of all files in a line are reached
 #   scripts/fuzz.sh --campaign FOLDER [SECONDS [FUZZER...]]
 #                                             runs the fuzzers in turn, one at a time, until each has
 #                                             made the runs that fuzz/CMakeLists.txt wants. FOLDER
@@ -28,6 +29,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 export ASAN_OPTIONS=quarantine_size_mb=8:malloc_context_size=8${ASAN_OPTIONS:+:$ASAN_OPTIONS}
 # The weights of libFuzzer's usual schedule take up to a third of the time of a fast fuzzer.
 export options="-timeout=10 -rss_limit_mb=2048 -malloc_limit_mb=160 -entropic=0 -print_final_stats=1"
+# Corpora reach at least this percentage of the lines that they aim at.
+least_reached=90
 
 build() {
   cmake --preset fuzz ${VOXPLAY_CONFIGURE:-} >/dev/null
@@ -103,9 +106,22 @@ reached() {
       END { if (!found) print "nothing" }'
 }
 
+# Adds up what was reached of the files in a line of fuzz/aims.txt, as coverage shows them. Fails when
+# that is too little, or when a file has no counters.
+enough_reached() {
+  awk -v names="$1" -v least="$least_reached" '
+    $3 == "nothing" { missing = 1; next }
+    { lines += $5; hit += $5 * $3 / 100 }
+    END {
+      percent = lines ? 100 * hit / lines : 0
+      if (NR > 1) printf "%-34s %-38s %.2f%% of %d\n", names, "all of these", percent, lines
+      exit missing || percent < least
+    }'
+}
+
 # What one line of fuzz/aims.txt reaches must not count for the next, so the counters are removed.
 coverage() {
-  local names name files file
+  local names name files file shown low=()
   cmake --preset coverage >/dev/null
   cmake --build build/coverage --parallel "$(nproc)" --target fuzz_replay >/dev/null
   while read -r names files; do
@@ -115,8 +131,13 @@ coverage() {
     for name in ${names//+/ }; do
       build/coverage/bin/fuzz_replay "$name" "fuzz/corpora/$name.pack" "fuzz/findings/$name" >/dev/null
     done
-    for file in $files; do printf '%-34s %-38s %s\n' "$names" "$file" "$(reached "$file")"; done
+    shown=$(for file in $files; do printf '%-34s %-38s %s\n' "$names" "$file" "$(reached "$file")"; done)
+    printf '%s\n' "$shown"
+    enough_reached "$names" <<<"$shown" || low+=("$names")
   done <fuzz/aims.txt
+  ((${#low[@]})) || return 0
+  echo "fuzz: less than $least_reached % is reached of what these aim at: ${low[*]}" >&2
+  return 1
 }
 
 # A line of the totals: name, runs, edges, seconds of running, seconds since the last new edge.

@@ -2,12 +2,16 @@
 #include "FileReader.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <random>
 #include <vector>
 
@@ -59,8 +63,24 @@ TEST_F(FileReader, PositionsFarAway_AreBeyondTheEnd) {
        {std::uint64_t{3}, std::uint64_t{1} << 40, std::numeric_limits<std::uint64_t>::max()}) {
     EXPECT_EQ(reader.ReadSome(qwPosition, two), 0U) << qwPosition;
   }
-  EXPECT_TRUE(reader.CanBeAt(1000));
-  EXPECT_FALSE(reader.CanBeAt(std::numeric_limits<std::uint64_t>::max()));
+  EXPECT_EQ(reader.CanBeAt(1000), true);
+  EXPECT_EQ(reader.CanBeAt(std::numeric_limits<std::uint64_t>::max()), false);
+}
+
+// A stream in memory has no place for what is beyond its end.
+TEST_F(FileReader, PositionThatCannotExist_IsToldFromOneThatCannotBeReached) {
+  Bytes bytes(8);
+  const vcm::C_FilePtr memory(fmemopen(bytes.data(), bytes.size(), "rb"));
+  vcm::C_FileReader inMemory(memory.get());
+  EXPECT_EQ(inMemory.CanBeAt(8), true);
+  EXPECT_EQ(inMemory.CanBeAt(9), false);
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  close(ends[1]);
+  vcm::C_FileReader ofPipe(vcm::C_FilePtr(fdopen(ends[0], "rb")));
+  EXPECT_EQ(ofPipe.CanBeAt(1), std::nullopt);
+  ofPipe.Close();
+  EXPECT_EQ(ofPipe.CanBeAt(1), std::nullopt);
 }
 
 TEST_F(FileReader, BorrowedFile_StaysWhereItIs) {

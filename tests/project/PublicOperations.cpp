@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "ReadKinds.h"
@@ -160,6 +161,14 @@ C_PublicMaker Read(const S_Kind& kind, std::uint32_t dwFlags = 0) {
     return std::make_unique<C_PublicReadOperation>(folder, Saved(kind), dwFlags);
   };
 }
+// Cut within the samples.
+C_PublicMaker ReadCut(const S_Kind& kind) {
+  return [=](const auto& folder) {
+    Bytes bytes = Saved(kind);
+    bytes.resize(kFrames);
+    return std::make_unique<C_PublicReadOperation>(folder, std::move(bytes), 0);
+  };
+}
 // What only others write.
 std::map<std::string, C_PublicMaker> ReadsOfOthers() {
   std::map<std::string, C_PublicMaker> makers;
@@ -181,6 +190,7 @@ C_PublicMaker Write(const S_Kind& kind, Onto eOnto) {
 std::map<std::string, C_PublicMaker> PublicOperations() {
   std::map<std::string, C_PublicMaker> makers = {
       {"PublicReadWave", Read(kWave)},
+      {"PublicReadCutWave", ReadCut(kWave)},
       {"PublicReadKestrel", Read(kKestrel)},
       {"PublicReadHeron", Read(kHeron)},
       {"PublicReadStreamOfVef", Read(kHeronVef, VOXPLAY_READ_STREAM)},

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SweptOperations.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -13,6 +15,7 @@
 #include "CompressedBytes.h"
 #include "DecodeToWav.h"
 #include "ExampleSound.h"
+#include "FileBytes.h"
 #include "PublicOperations.h"
 #include "WavFileFormat.h"
 #include "file/HeronFile.h"
@@ -118,6 +121,8 @@ class C_LoadOperation : public C_SweptOperation {
   // Everything that was loaded: a WAV file of the sound has its samples, its annotations, loops and
   // extra chunks. Cue points and labels of others would be missing in it, so they are counted.
   [[nodiscard]] Bytes Loaded() const {
+    // No file is written of a sound without samples.
+    if (m_file->GetWavData()->GetBufferLength() == 0) return {};
     Bytes loaded = FileOf(*m_file->GetWavData(), AUDIO_FILE_WAVE);
     loaded.push_back(static_cast<std::uint8_t>(m_nCuePoints));
     loaded.push_back(static_cast<std::uint8_t>(m_nLabels));
@@ -175,6 +180,65 @@ class C_SaveOperation : public C_SweptOperation {
   bool m_bOntoSource;
   C_SoundPtr m_sound;
   Bytes m_expected;
+};
+
+// The process is nobody while this lives.
+class C_AsNobody {
+ public:
+  C_AsNobody() {
+    if (seteuid(kNobody) != 0) std::abort();
+  }
+  ~C_AsNobody() {
+    if (seteuid(0) != 0) std::abort();
+  }
+  C_AsNobody(const C_AsNobody&) = delete;
+  C_AsNobody& operator=(const C_AsNobody&) = delete;
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+};
+
+// Writes over a file of somebody else in a folder that all share. It may be written, but no other
+// file may take its place.
+class C_SaveInPlaceOperation : public C_SaveOperation {
+ public:
+  C_SaveInPlaceOperation(const C_TempFolder& folder, tagAudioFileType eType)
+      : C_SaveOperation(folder, eType, Form::Own, Onto::AnotherFile), m_new(ReadTarget()) {
+    Prepare();
+    if (!C_SaveInPlaceOperation::Run() || ReadTarget() != m_new) std::abort();
+  }
+  bool Run() override {
+    const C_AsNobody nobody;
+    return C_SaveOperation::Run();
+  }
+  // Where the file is partial, the whole new one is beside it.
+  [[nodiscard]] bool IsEverythingKept() const override {
+    const auto beside = FilesBeside();
+    if (beside.empty()) return C_SaveOperation::IsEverythingKept();
+    return beside.size() == 1 && FileBytes(beside.front().string()) == m_new;
+  }
+  [[nodiscard]] bool MayStay(const std::string& strPath) const override {
+    return C_SaveOperation::MayStay(strPath) || FileBytes(strPath) == m_new;
+  }
+
+ private:
+  [[nodiscard]] std::vector<std::filesystem::path> FilesBeside() const {
+    std::vector<std::filesystem::path> beside;
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {
+      if (!C_SaveOperation::MayStay(entry.path().string())) beside.push_back(entry.path());
+    }
+    return beside;
+  }
+  void Forget() override {
+    for (const auto& path : FilesBeside()) std::filesystem::remove(path);
+  }
+  void Arrange() override {
+    using std::filesystem::perms;
+    std::filesystem::permissions(m_folder.Path(), perms::all | perms::sticky_bit);
+    std::filesystem::permissions(Target(), static_cast<perms>(0666));
+  }
+
+  Bytes m_new;
 };
 
 // Makes one file from another with a single call.
@@ -267,6 +331,17 @@ Maker Load(tagAudioFileType eType, Loader pfnLoad = LoadWithFactory) {
                                              pfnLoad);
   };
 }
+// Cut within the samples, which come right after the format.
+Bytes CutFile(tagAudioFileType eType) {
+  Bytes bytes = FileOf(*AnnotatedSound(), eType);
+  bytes.resize(kFrames);
+  return bytes;
+}
+Maker LoadCut(tagAudioFileType eType, Loader pfnLoad = LoadWithFactory) {
+  return [=](const auto& folder) {
+    return std::make_unique<C_LoadOperation>(folder, CutFile(eType), true, pfnLoad);
+  };
+}
 Maker LoadCompressed(Loader pfnLoad = LoadWithFactory) {
   return [=](const auto& folder) {
     const S_Blocks blocks = OneOfEachKind().front();
@@ -286,6 +361,10 @@ Maker Save(tagAudioFileType eType, Form eForm = Form::Own, Onto eOnto = Onto::No
     return std::make_unique<C_SaveOperation>(folder, eType, eForm, eOnto);
   };
 }
+Maker SaveInPlace(tagAudioFileType eType) {
+  return
+      [=](const auto& folder) { return std::make_unique<C_SaveInPlaceOperation>(folder, eType); };
+}
 Maker Files(Bytes (*pfnSource)(), bool (*pfnAction)(C_FileOperation&),
             C_FileOperation::Reports eReports = C_FileOperation::Reports::AllThatWasDone) {
   return [=](const auto& folder) {
@@ -303,6 +382,8 @@ std::map<std::string, Maker> ClassMakers() {
       {"LoadWave", Load(AUDIO_FILE_WAVE)},
       {"LoadVemd", Load(AUDIO_FILE_VEMD)},
       {"LoadKestrel", Load(AUDIO_FILE_KESTREL)},
+      {"LoadCutWave", LoadCut(AUDIO_FILE_WAVE)},
+      {"LoadCutVemdAtOnce", LoadCut(AUDIO_FILE_VEMD, LoadOnce<C_WavFile>)},
       {"LoadCompressed", LoadCompressed()},
       {"LoadKestrelContainer", LoadContainer(AUDIO_FILE_KESTREL, false)},
       {"LoadKestrelContainerAsStored", LoadContainer(AUDIO_FILE_KESTREL, true)},
@@ -335,6 +416,8 @@ std::map<std::string, Maker> ClassMakers() {
       {"SaveKestrelContainerOntoItself", Save(AUDIO_FILE_KESTREL, Form::Container, Onto::Itself)},
       {"SaveHeronOntoAnother", Save(AUDIO_FILE_HERON_2BIT, Form::Own, Onto::AnotherFile)},
       {"SaveHeronContainerOntoItself", Save(AUDIO_FILE_HERON_2BIT, Form::Container, Onto::Itself)},
+      {"SaveWaveInPlace", SaveInPlace(AUDIO_FILE_WAVE)},
+      {"SaveVemdInPlace", SaveInPlace(AUDIO_FILE_VEMD)},
       {"PrependHeader", Files(BareKestrel, Prepend)},
       {"StripHeader", Files(KestrelFile, Strip, C_FileOperation::Reports::OnlyTheOpening)},
       {"CopyWithHeader", Files(BareKestrel, CopyWithHeader)},
@@ -360,6 +443,7 @@ void C_SweptOperation::Prepare() {
   std::filesystem::remove(m_strTarget);
   m_folder.Write("source", m_source);
   if (m_replaced) m_folder.Write("target", *m_replaced);
+  Arrange();
 }
 
 bool C_SweptOperation::IsEverythingKept() const {

@@ -32,6 +32,10 @@ class C_SweptOperation {
   virtual bool IsWhole() = 0;
   // After a Run that returned false: whether all files of the user are as they were before.
   [[nodiscard]] virtual bool IsEverythingKept() const;
+  // Whether a file may be there after a Run.
+  [[nodiscard]] virtual bool MayStay(const std::string& strPath) const {
+    return strPath == m_strSource || strPath == m_strTarget;
+  }
 
   [[nodiscard]] const std::string& Source() const { return m_strSource; }
   [[nodiscard]] const std::string& Target() const { return m_strTarget; }
@@ -44,9 +48,12 @@ class C_SweptOperation {
   // The file that the operation replaces; without one, the target is new.
   std::optional<std::vector<std::uint8_t>> m_replaced;
 
- private:
-  virtual void Forget() {}
   const C_TempFolder& m_folder;
+
+ private:
+  // Before the files are written again, and after that.
+  virtual void Forget() {}
+  virtual void Arrange() {}
   std::string m_strSource;
   std::string m_strTarget;
 };

@@ -134,8 +134,8 @@ S_Run C_Program::Run(const Texts& arguments, const Texts& environment) const {
   return Start(arguments, environment).Wait();
 }
 
-S_Run C_Program::RunOnTerminal(const Texts& arguments) const {
-  return StartOnTerminal(arguments, {}, {}).Wait();
+S_Run C_Program::RunOnTerminal(const Texts& arguments, const Texts& environment) const {
+  return StartOnTerminal(arguments, environment, {}).Wait();
 }
 
 C_RunningProgram C_Program::StartOnScreen(const Texts& arguments, const Texts& environment) const {

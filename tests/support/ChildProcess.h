@@ -78,7 +78,7 @@ class C_Program {
   // If it still runs after two minutes, it is killed.
   [[nodiscard]] S_Run Run(const Texts& arguments, const Texts& environment = {}) const;
   // The same with a terminal as standard error.
-  [[nodiscard]] S_Run RunOnTerminal(const Texts& arguments) const;
+  [[nodiscard]] S_Run RunOnTerminal(const Texts& arguments, const Texts& environment = {}) const;
   // Starts it with the same terminal as standard output and error. What it shows is the text of
   // standard error.
   [[nodiscard]] C_RunningProgram StartOnScreen(const Texts& arguments,

@@ -27,6 +27,10 @@ int RealFstat(int, struct stat*) asm("__real_fstat");
 ssize_t RealPread(int, void*, std::size_t, off_t) asm("__real_pread");
 int RealFclose(std::FILE*) asm("__real_fclose");
 int RealRename(const char*, const char*) asm("__real_rename");
+int RealLink(const char*, const char*) asm("__real_link");
+int RealChmod(const char*, mode_t) asm("__real_chmod");
+int RealFtruncate(int, off_t) asm("__real_ftruncate");
+int RealFallocate(int, off_t, off_t) asm("__real_posix_fallocate");
 
 int WrapOpen(const char*, int, ...) asm("__wrap_open");
 std::FILE* WrapFopen(const char*, const char*) asm("__wrap_fopen");
@@ -42,6 +46,10 @@ int WrapFstat(int, struct stat*) asm("__wrap_fstat");
 ssize_t WrapPread(int, void*, std::size_t, off_t) asm("__wrap_pread");
 int WrapFclose(std::FILE*) asm("__wrap_fclose");
 int WrapRename(const char*, const char*) asm("__wrap_rename");
+int WrapLink(const char*, const char*) asm("__wrap_link");
+int WrapChmod(const char*, mode_t) asm("__wrap_chmod");
+int WrapFtruncate(int, off_t) asm("__wrap_ftruncate");
+int WrapFallocate(int, off_t, off_t) asm("__wrap_posix_fallocate");
 
 namespace {
 
@@ -66,7 +74,7 @@ bool Fails(const std::string& strFile) {
   if (!bNow && !bLater) return false;
   if (!g_state.bHit) g_state.strVictim = strFile;
   g_state.bHit = true;
-  errno = EIO;
+  errno = g_state.fault.nError;
   return true;
 }
 
@@ -133,7 +141,7 @@ int WrapFsync(int nDescriptor) {
   return Fails(g_state.descriptors[nDescriptor]) ? -1 : RealFsync(nDescriptor);
 }
 
-// Weak, because a test that refuses calls for good has one of its own.
+// Weak, here and below, because a test that refuses calls for good has some of its own.
 [[gnu::weak]] int WrapFstat(int nDescriptor, struct stat* pInfo) {
   return Fails(g_state.descriptors[nDescriptor]) ? -1 : RealFstat(nDescriptor, pInfo);
 }
@@ -156,6 +164,24 @@ int WrapFclose(std::FILE* pFile) {
 
 int WrapRename(const char* pszFrom, const char* pszTo) {
   return Fails(pszFrom) ? -1 : RealRename(pszFrom, pszTo);
+}
+
+[[gnu::weak]] int WrapLink(const char* pszFrom, const char* pszTo) {
+  return Fails(pszFrom) ? -1 : RealLink(pszFrom, pszTo);
+}
+
+[[gnu::weak]] int WrapChmod(const char* pszPath, mode_t nMode) {
+  return Fails(pszPath) ? -1 : RealChmod(pszPath, nMode);
+}
+
+[[gnu::weak]] int WrapFtruncate(int nDescriptor, off_t nSize) {
+  return Fails(g_state.descriptors[nDescriptor]) ? -1 : RealFtruncate(nDescriptor, nSize);
+}
+
+// The result is the error.
+[[gnu::weak]] int WrapFallocate(int nDescriptor, off_t nFrom, off_t nSize) {
+  return Fails(g_state.descriptors[nDescriptor]) ? g_state.fault.nError
+                                                 : RealFallocate(nDescriptor, nFrom, nSize);
 }
 
 C_FaultyIo::C_FaultyIo(S_IoFault fault) {

@@ -55,10 +55,13 @@ std::string NewName(const std::string& strPath) {
   return strPath.substr(0, nName) + strPath.substr(nName, kLongestName) + szNumber.data();
 }
 
-// Gives the new file the access list of the old one, if that has one. False when it cannot.
+// Gives the new file the access list of the old one. A list that the folder has given to the new
+// file is removed: it may allow what the old file did not. False when it cannot.
 bool CopyAccessList(const std::string& strOld, int nNew) {
   const ssize_t cbList = getxattr(strOld.c_str(), kAccessList, nullptr, 0);
-  if (cbList <= 0) return true;
+  if (cbList < 0) {
+    return fremovexattr(nNew, kAccessList) == 0 || errno == ENODATA || errno == ENOTSUP;
+  }
   std::vector<char> list(static_cast<std::size_t>(cbList));
   return getxattr(strOld.c_str(), kAccessList, list.data(), list.size()) == cbList &&
          fsetxattr(nNew, kAccessList, list.data(), list.size(), 0) == 0;
@@ -155,9 +158,11 @@ void C_ReplacedFile::TakeRightsOfOld() {
   constexpr mode_t kAllBits = S_IRWXU | S_IRWXG | S_IRWXO | S_ISUID | S_ISGID | S_ISVTX;
   const mode_t dwMode = old.st_mode & kAllBits;
   if (!CopyUserAttributes(m_strPath, m_file.Get())) Fail(m_strName, "cannot be replaced");
-  if (fchmod(m_file.Get(), dwMode) != 0) Fail(m_strName, "cannot be replaced");
-  if (CopyAccessList(m_strPath, m_file.Get())) return;
-  if (fchmod(m_file.Get(), WithoutGroup(dwMode)) != 0) Fail(m_strName, "cannot be replaced");
+  // With a list, the mode says how much of it holds.
+  const bool bList = CopyAccessList(m_strPath, m_file.Get());
+  if (fchmod(m_file.Get(), bList ? dwMode : WithoutGroup(dwMode)) != 0) {
+    Fail(m_strName, "cannot be replaced");
+  }
 }
 
 void C_ReplacedFile::BringToDisk() {

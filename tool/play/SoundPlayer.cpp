@@ -63,15 +63,16 @@ std::optional<std::string> C_SoundPlayer::Failure() {
 }
 
 // The memory is silent on entry, and what the decoder does not have in time stays so.
-void C_SoundPlayer::RenderFrames(void* pFrames, UInt32 dwFrames) {
+bool C_SoundPlayer::RenderFrames(void* pFrames, UInt32 dwFrames) {
   const std::span samples(static_cast<float*>(pFrames),
                           std::size_t{dwFrames} * m_source.Channels());
   const std::lock_guard lock(m_lock);
-  if (m_bPaused) return;
+  if (m_bPaused) return true;
   const auto taken = m_ahead.Take(samples);
-  if (taken.nFrames == 0) return;
+  if (taken.nFrames == 0) return true;
   const std::chrono::duration<double> length(static_cast<double>(taken.nFrames) / m_source.Rate());
   m_clock.Given(length, taken.qwEnd, std::chrono::steady_clock::now());
+  return true;
 }
 
 }  // namespace tool

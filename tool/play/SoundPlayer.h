@@ -49,7 +49,8 @@ class C_SoundPlayer final : private toolbox::I_RenderSource {
   std::optional<std::string> Failure();
 
  private:
-  void RenderFrames(void* pFrames, UInt32 dwFrames) override;
+  // Always true: why a sound has ended too early, Failure() says.
+  bool RenderFrames(void* pFrames, UInt32 dwFrames) override;
 
   const std::uint32_t m_dwSoundRate;
   const std::uint64_t m_qwSoundFrames;

@@ -9,11 +9,13 @@
 namespace toolbox {
 namespace {
 
-void Announce(bool bHadDevice, bool bAfterText) {
+constexpr const char* kLost = "\noutput device lost; playing silently in real time\n";
+constexpr const char* kMissing = "\nno output device; playing silently in real time\n";
+constexpr const char* kUnread = "\nsound file cannot be read; playing silently to its end\n";
+
+void Announce(const char* pszText, bool bAfterText) {
   if (::isatty(STDERR_FILENO) != 1) return;
   const bool bNewLine = bAfterText && ::isatty(STDOUT_FILENO) == 1;
-  const char* const pszText = bHadDevice ? "\noutput device lost; playing silently in real time\n"
-                                         : "\nno output device; playing silently in real time\n";
   // In one piece, so that nothing else on the terminal comes between.
   std::fputs(bNewLine ? pszText : pszText + 1, stderr);
 }
@@ -50,10 +52,11 @@ bool C_Playback::Start() {
   {
     const std::lock_guard lock(m_lock);
     if (!bLost && !bStarted) m_bStarted = bStartedBefore;
-    // From now on the program says that it plays.
-    if (bStarted) m_bAfterText = true;
   }
   if (!bStarted) GoOnSilently();
+  const std::lock_guard lock(m_lock);
+  // From now on the program says that it plays.
+  m_bAfterText = true;
   return true;
 }
 
@@ -79,8 +82,12 @@ bool C_Playback::IsRunning() const {
 }
 
 void C_Playback::RenderFrames(void* pFrames, UInt32 dwFrames) {
-  const std::lock_guard lock(m_renderLock);
-  m_source.RenderFrames(pFrames, dwFrames);
+  bool bRead = true;
+  {
+    const std::lock_guard lock(m_renderLock);
+    bRead = m_source.RenderFrames(pFrames, dwFrames);
+  }
+  if (!bRead) TellOfUnreadSound();
 }
 
 void C_Playback::DeviceLost() { GoOnSilently(); }
@@ -96,9 +103,20 @@ void C_Playback::GoOnSilently() {
     m_null.Start();
     if (std::exchange(m_bAnnounced, true)) return;
     bHadDevice = m_bStarted;
-    bAfterText = m_bAfterText;
+    bAfterText = std::exchange(m_bAfterText, false);
   }
-  Announce(bHadDevice, bAfterText);
+  Announce(bHadDevice ? kLost : kMissing, bAfterText);
+}
+
+// A terminal that takes no text holds up silence only.
+void C_Playback::TellOfUnreadSound() {
+  bool bAfterText = false;
+  {
+    const std::lock_guard lock(m_lock);
+    if (std::exchange(m_bUnreadAnnounced, true)) return;
+    bAfterText = std::exchange(m_bAfterText, false);
+  }
+  Announce(kUnread, bAfterText);
 }
 
 }  // namespace toolbox

@@ -12,7 +12,8 @@ namespace toolbox {
 // What renders the frames; see I_DeviceClient::RenderFrames.
 class I_RenderSource {
  public:
-  virtual void RenderFrames(void* pFrames, UInt32 dwFrames) = 0;  // 1
+  // False when there is silence instead of a sound that cannot be read.
+  virtual bool RenderFrames(void* pFrames, UInt32 dwFrames) = 0;  // 1
 
  protected:
   ~I_RenderSource() = default;
@@ -20,7 +21,8 @@ class I_RenderSource {
 
 // Plays a source on the machine's device. When there is no device, or it is lost, the null device
 // takes over, so that a started playback always continues in real time. It says so once, in a line
-// on standard error if that is a terminal.
+// on standard error if that is a terminal. There it also says, once, that the source cannot be
+// read.
 class C_Playback final : private I_DeviceClient {
  public:
   // Opens the device. The source outlives the playback. When the program has printed text without a
@@ -44,6 +46,7 @@ class C_Playback final : private I_DeviceClient {
   void RenderFrames(void* pFrames, UInt32 dwFrames) override;
   void DeviceLost() override;
   void GoOnSilently();
+  void TellOfUnreadSound();
 
   I_RenderSource& m_source;
   // Keeps a device that is about to be lost and the null device from rendering at the same time.
@@ -56,6 +59,8 @@ class C_Playback final : private I_DeviceClient {
   // Whether the device has ever started.
   bool m_bStarted = false;
   bool m_bAnnounced = false;
+  bool m_bUnreadAnnounced = false;
+  // Whether the cursor stands after text.
   bool m_bAfterText;
   C_NullDevice m_null;
   std::unique_ptr<I_OutputDevice> m_pDevice;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "unit/OutputUnit.h"
 
+#include <AudioToolbox/AudioFile.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -165,17 +167,19 @@ void C_OutputUnit::StopPlayback() {
   m_bRunning = false;
 }
 
-void C_OutputUnit::RenderFrames(void* pFrames, UInt32 dwFrames) {
+bool C_OutputUnit::RenderFrames(void* pFrames, UInt32 dwFrames) {
   const std::lock_guard lock(m_renderLock);
   auto* pbyFrames = static_cast<UInt8*>(pFrames);
   const std::size_t cbFrame =
       std::size_t{m_format.mBitsPerChannel} / 8 * m_format.mChannelsPerFrame;
+  bool bRead = true;
   while (dwFrames > 0) {
     const UInt32 dwSlice = std::min(dwFrames, MaxSliceFrames());
-    RenderSlice(pbyFrames, dwSlice);
+    bRead = RenderSlice(pbyFrames, dwSlice) && bRead;
     pbyFrames += dwSlice * cbFrame;
     dwFrames -= dwSlice;
   }
+  return bRead;
 }
 
 // A callback may take as long for a few frames as for many, so it gets them all in one call unless
@@ -184,7 +188,7 @@ UInt32 C_OutputUnit::MaxSliceFrames() const noexcept {
   return m_pSource == nullptr && !IsPlanar() ? kMaxCallbackFrames : kMaxSliceFrames;
 }
 
-void C_OutputUnit::RenderSlice(UInt8* pbyFrames, UInt32 dwFrames) {
+bool C_OutputUnit::RenderSlice(UInt8* pbyFrames, UInt32 dwFrames) {
   AudioTimeStamp stamp{};
   stamp.mSampleTime = m_dSampleTime;
   stamp.mFlags = kAudioTimeStampSampleTimeValid;
@@ -193,6 +197,7 @@ void C_OutputUnit::RenderSlice(UInt8* pbyFrames, UInt32 dwFrames) {
   if (nStatus == noErr && IsPlanar()) Interleave(pbyFrames, dwFrames);
   NotifyAll(kAudioUnitRenderAction_PostRender, stamp, dwFrames);
   m_dSampleTime += dwFrames;
+  return m_pSource == nullptr || nStatus != kAudioFileUnspecifiedError;
 }
 
 void C_OutputUnit::NotifyAll(AudioUnitRenderActionFlags dwFlags, const AudioTimeStamp& stamp,

@@ -48,8 +48,9 @@ class C_OutputUnit final : public I_Unit, private I_RenderSource {
   [[nodiscard]] bool IsRunning() const noexcept { return m_bRunning; }
 
  private:
-  void RenderFrames(void* pFrames, UInt32 dwFrames) override;
-  void RenderSlice(UInt8* pbyFrames, UInt32 dwFrames);
+  bool RenderFrames(void* pFrames, UInt32 dwFrames) override;
+  // False when the connected unit cannot read its file.
+  bool RenderSlice(UInt8* pbyFrames, UInt32 dwFrames);
   [[nodiscard]] UInt32 MaxSliceFrames() const noexcept;
   void NotifyAll(AudioUnitRenderActionFlags dwFlags, const AudioTimeStamp& stamp, UInt32 dwFrames);
   OSStatus Pull(const AudioTimeStamp& stamp, UInt32 dwFrames, AudioBufferList& buffers);

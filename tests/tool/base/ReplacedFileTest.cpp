@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <string>
 
 #include "FolderTest.h"
@@ -95,6 +97,66 @@ TEST_F(ReplacedFile, ReplacedFile_KeepsItsMode) {
   file.TakePlace();
   EXPECT_EQ(ModeOf("old"), 0640U);
   EXPECT_EQ(Content("old"), Bytes{'n'});
+}
+
+// An access list as the system keeps it: the owner, one more user, the group, the mask, others.
+Bytes AccessList(std::uint8_t byRightsOfNobody) {
+  Bytes list = {2, 0, 0, 0};
+  const auto add = [&list](std::uint8_t byTag, std::uint8_t byRights, std::uint32_t dwUser) {
+    list.insert(list.end(), {byTag, 0, byRights, 0});
+    for (int i = 0; i < 4; ++i) list.push_back(static_cast<std::uint8_t>(dwUser >> (8 * i)));
+  };
+  constexpr std::uint32_t dwNone = 0xFFFFFFFF;
+  add(1, 6, dwNone);
+  add(2, byRightsOfNobody, 65534);
+  add(4, 4, dwNone);
+  add(16, 6, dwNone);
+  add(32, 0, dwNone);
+  return list;
+}
+
+// The list of a file; empty without one.
+Bytes ListOf(const std::string& strPath) {
+  Bytes list(256);
+  const ssize_t cbList =
+      getxattr(strPath.c_str(), "system.posix_acl_access", list.data(), list.size());
+  list.resize(cbList > 0 ? static_cast<std::size_t>(cbList) : 0);
+  return list;
+}
+
+TEST_F(ReplacedFile, FileWithoutAList_GetsNoneFromItsFolder) {
+  const std::string strOld = Write("old", {'o'});
+  ASSERT_EQ(chmod(strOld.c_str(), 0640), 0);
+  const Bytes list = AccessList(6);
+  if (setxattr(Folder().c_str(), "system.posix_acl_default", list.data(), list.size(), 0) != 0) {
+    ASSERT_EQ(errno, ENOTSUP);  // a file system without such lists
+    return;
+  }
+  EXPECT_NE(ListOf(Write("made here", {'m'})), Bytes{});
+  C_ReplacedFile file(strOld, true);
+  Write(file, "n");
+  file.TakePlace();
+  EXPECT_EQ(ListOf(strOld), Bytes{});
+  EXPECT_EQ(ModeOf("old"), 0640U);
+}
+
+TEST_F(ReplacedFile, FileWithAList_KeepsIt) {
+  const std::string strOld = Write("old", {'o'});
+  const Bytes list = AccessList(4);
+  const Bytes ofFolder = AccessList(6);
+  if (setxattr(strOld.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0) {
+    ASSERT_EQ(errno, ENOTSUP);  // a file system without such lists
+    return;
+  }
+  ASSERT_EQ(
+      setxattr(Folder().c_str(), "system.posix_acl_default", ofFolder.data(), ofFolder.size(), 0),
+      0);
+  const unsigned int dwMode = ModeOf("old");
+  C_ReplacedFile file(strOld, true);
+  Write(file, "n");
+  file.TakePlace();
+  EXPECT_EQ(ListOf(strOld), list);
+  EXPECT_EQ(ModeOf("old"), dwMode);
 }
 
 TEST_F(ReplacedFile, ReplacedFile_KeepsTheAttributesOfItsUser) {

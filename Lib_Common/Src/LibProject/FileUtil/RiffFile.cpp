@@ -25,6 +25,11 @@ struct S_RiffStream {
     bReadError |= !cbRead;
     return cbRead;
   }
+  bool CanBeAt(std::uint64_t qwPosition) {
+    const auto bCan = reader.CanBeAt(qwPosition);
+    bReadError |= !bCan;
+    return bCan.value_or(false);
+  }
 
   vcm::C_FileReader reader;
   // Something that the file holds could not be read.
@@ -108,7 +113,7 @@ std::unique_ptr<C_RiffChunk> ReadChunk(const C_RiffStreamPtr& stream, std::uint6
   // Some file systems know no positions as far beyond the end of a file as a chunk may claim.
   const auto qwFileLength = stream->reader.Length();
   const bool bInFile = qwFileLength && qwDataPos + dwSize <= *qwFileLength;
-  if (!bInFile && !stream->reader.CanBeAt(qwDataPos + dwSize)) return nullptr;
+  if (!bInFile && !stream->CanBeAt(qwDataPos + dwSize)) return nullptr;
   return std::make_unique<C_RiffChunk>(achID, dwSize, static_cast<std::uint32_t>(qwDataPos),
                                        stream);
 }

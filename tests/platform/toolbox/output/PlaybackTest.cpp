@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -30,10 +31,11 @@ using toolbox::S_OutputFormat;
 
 constexpr const char* kAnnouncement = "no output device; playing silently in real time";
 constexpr const char* kLoss = "output device lost; playing silently in real time";
+constexpr const char* kUnread = "sound file cannot be read; playing silently to its end";
 
 class C_CountingSource final : public toolbox::I_RenderSource {
  public:
-  void RenderFrames(void* pFrames, UInt32 dwFrames) override {
+  bool RenderFrames(void* pFrames, UInt32 dwFrames) override {
     const auto* pbyFrames = static_cast<const UInt8*>(pFrames);
     bZeroed = bZeroed && std::all_of(pbyFrames, pbyFrames + dwFrames * cbFrame,
                                      [](UInt8 byValue) { return byValue == 0; });
@@ -41,6 +43,7 @@ class C_CountingSource final : public toolbox::I_RenderSource {
     dwSmallest = std::min(dwSmallest.load(), dwFrames);
     dwLargest = std::max(dwLargest.load(), dwFrames);
     qwFrames += dwFrames;
+    return !bUnread;
   }
   [[nodiscard]] bool WaitFor(UInt64 qwWanted) const {
     const auto limit = Clock::now() + 20s;
@@ -52,6 +55,7 @@ class C_CountingSource final : public toolbox::I_RenderSource {
   std::atomic<UInt32> dwSmallest{0xFFFFFFFF};
   std::atomic<UInt32> dwLargest{0};
   std::atomic<bool> bZeroed{true};
+  std::atomic<bool> bUnread{false};
 };
 
 // Captures what the code under test writes to standard error while this object lives.
@@ -88,9 +92,7 @@ class C_ErrorCapture {
   // Reads up to the end of an announcement. A terminal may hand it over in pieces, and late.
   [[nodiscard]] std::string Announcement() const {
     std::string strAll = Text();
-    for (; !strAll.ends_with("in real time\r\n"); strAll += Text()) {
-      std::this_thread::sleep_for(1ms);
-    }
+    for (; !IsWhole(strAll); strAll += Text()) std::this_thread::sleep_for(1ms);
     return strAll;
   }
   [[nodiscard]] std::string Text() const {
@@ -101,6 +103,9 @@ class C_ErrorCapture {
   }
 
  private:
+  static bool IsWhole(const std::string& strText) {
+    return strText.ends_with("in real time\r\n") || strText.ends_with("to its end\r\n");
+  }
   int m_nOldError;
   int m_nRead = -1;
 };
@@ -140,7 +145,7 @@ TEST_F(PlaybackTest, ARateThatIsNoMultipleOfTheSlices_LosesNoFrame) {
 // Each of its calls takes longer than the sound in one slice.
 class C_SlowSource final : public toolbox::I_RenderSource {
  public:
-  void RenderFrames(void*, UInt32 dwFrames) override {
+  bool RenderFrames(void*, UInt32 dwFrames) override {
     const auto now = Clock::now();
     // 25 ms are 400 frames. Only the first slice is on time, and one after a second without any.
     bAskedForTooFew = bAskedForTooFew || (nCalls > 0 && now - m_before < 1s && dwFrames < 320);
@@ -148,6 +153,7 @@ class C_SlowSource final : public toolbox::I_RenderSource {
     std::this_thread::sleep_for(25ms);
     dwLargest = std::max(dwLargest.load(), dwFrames);
     ++nCalls;
+    return true;
   }
   std::atomic<UInt32> dwLargest{0};
   std::atomic<bool> bAskedForTooFew{false};
@@ -360,12 +366,42 @@ TEST_F(PlaybackTest, ATerminalThatTakesNoText_HoldsNobodyUp) {
   loser.join();
 }
 
+TEST_F(PlaybackTest, OnATerminal_ASoundThatCannotBeRead_IsAnnouncedOnce) {
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  std::array<UInt8, 20> frames{};
+  m_log.pClient->RenderFrames(frames.data(), 10);
+  EXPECT_EQ(capture.Text(), "");
+  m_source.bUnread = true;
+  m_log.pClient->RenderFrames(frames.data(), 10);
+  const std::string strNewLine = isatty(STDOUT_FILENO) == 1 ? "\r\n" : "";
+  EXPECT_EQ(capture.Announcement(), strNewLine + kUnread + "\r\n");
+  m_log.pClient->RenderFrames(frames.data(), 10);
+  EXPECT_EQ(capture.Text(), "");
+  m_log.pClient->DeviceLost();
+  EXPECT_EQ(capture.Announcement(), std::string(kLoss) + "\r\n");
+  EXPECT_TRUE(m_source.WaitFor(1000));
+}
+
+TEST_F(PlaybackTest, WithoutADevice_ASoundThatCannotBeRead_IsAnnouncedToo) {
+  m_log.bRefuseOpen = true;
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  EXPECT_EQ(capture.Announcement(), std::string(kAnnouncement) + "\r\n");
+  m_source.bUnread = true;
+  const std::string strNewLine = isatty(STDOUT_FILENO) == 1 ? "\r\n" : "";
+  EXPECT_EQ(capture.Announcement(), strNewLine + kUnread + "\r\n");
+}
+
 TEST_F(PlaybackTest, OnAPipe_NothingIsAnnounced) {
   m_log.bRefuseOpen = true;
   const C_ErrorCapture capture(/*bTerminal=*/false);
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
   playback.Start();
-  EXPECT_TRUE(m_source.WaitFor(160));
+  m_source.bUnread = true;
+  EXPECT_TRUE(m_source.WaitFor(320));
   EXPECT_EQ(capture.Text(), "");
   m_log.bRefuseOpen = false;
   C_Playback lost(m_format, m_source, OpenFakeDevice(m_log));

@@ -229,7 +229,11 @@ bool C_KestrelCodec::Decode(const unsigned char* pbyEncData, unsigned int dwEncD
   const auto pcm = tempstream::Reopen(pcmFile);
   if (!pcm) return false;
   unsigned char* pbyPcm = piWavData->AllocBuffer(pcm->dwSize);
-  return pbyPcm != nullptr && vcm::ReadExact(pcm->file.get(), {pbyPcm, pcm->dwSize});
+  if (pbyPcm == nullptr) return false;
+  if (vcm::ReadExact(pcm->file.get(), {pbyPcm, pcm->dwSize})) return true;
+  // Most of the memory holds nothing yet.
+  piWavData->AllocBuffer(0);
+  return false;
 }
 
 bool C_KestrelCodec::Encode(I_WavData* piWavData, unsigned int dwBitRate,

@@ -46,7 +46,8 @@ class C_KestrelCodec : public C_VXAudioCodec {
   // frame for null or a stream shorter than its head, for a rate that it does not take, and when
   // the bytes are less than a sixteenth of the claim. The same holds when the length of the PCM
   // would not fit in 32 bits, and when the temporary file cannot be made. Decode returns false
-  // after the last frame when the claim ends within a frame.
+  // after the last frame when the claim ends within a frame, and when the temporary file cannot be
+  // read; the sound is empty then.
   //
   // A null piWavData stops the program. Where assertions of the codec are compiled out (NDEBUG),
   // the result is false instead.

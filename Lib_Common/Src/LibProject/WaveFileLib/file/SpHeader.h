@@ -90,9 +90,10 @@ unsigned short GetSpFileID(const char* pszFileName);
 bool PrependSpHeader(const C_SpHeader& header, const char* pszFileName);
 
 // Copies a file without its header; a file that has no header is copied whole. *pHeader is filled
-// in as ReadSpHeader does it. An existing target is written over in place. False when either file
-// cannot be opened, and when the target is the source. A copy that fails later still returns true,
-// and so does a source that cannot be read, of which nothing is copied.
+// in as ReadSpHeader does it. An existing target is written over in place. False, and the target is
+// left alone, when the source cannot be opened, when its start cannot be read, and when the target
+// is the source. False, too, when the target cannot be opened. A copy that fails later still
+// returns true, whether the rest of the source cannot be read or the target cannot be written.
 bool StripSpHeader(C_SpHeader* pHeader, const char* pszSource, const char* pszTarget);
 
 // Writes the header and then the whole source, even when the source has a header of its own. An

@@ -153,7 +153,11 @@ bool C_WavFileBase::LoadStoredPcm(vcm::C_FileReader& file) {
   if (pbyPcm == nullptr) return dwLength == 0;
   const std::span<std::uint8_t> pcm(pbyPcm, dwLength);
   const auto cbRead = file.ReadSome(m_dwDataStartPos, pcm);
-  if (!cbRead) return false;
+  if (!cbRead) {
+    // Most of the memory holds nothing yet.
+    m_pIWavData->AllocBuffer(0);
+    return false;
+  }
   const auto missing = pcm.subspan(*cbRead);
   std::fill(missing.begin(), missing.end(), std::uint8_t{0});
   return true;

@@ -115,7 +115,7 @@ class C_WavFileBase : public I_WavFile {
 
   // Reads as many bytes as the wave info says, from GetDataStartPos() on, into a new buffer of the
   // sound. Bytes that the file lacks are zero. False when it lacks more than kMaxMissingBytes;
-  // nothing is allocated then. False also when the file cannot be read.
+  // nothing is allocated then. False also when the file cannot be read; the sound is empty then.
   bool LoadStoredPcm(vcm::C_FileReader& file);
 
   // For CheckFormat, which has the file open: tells OpenByName the length of the file.

@@ -92,6 +92,9 @@ class I_WavData {
   //                    are written and the PCM is not encoded again, even if it was changed.
   //                    True: always encode.
   //   dwCodecOption    no effect.
+  // An existing file is replaced only when everything is written; when the result is false, it is
+  // as it was. vcm::C_TargetFile names the few places where it has to be written in place, and may
+  // stay partial. So may a new file.
   virtual bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
                        bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
                        unsigned int dwCodecOption) = 0;  // 23

@@ -43,7 +43,8 @@ class I_WavFile : public I_WavFileInfo {
   virtual bool SetBuffer(const void* pData, unsigned int dwLength) = 0;  // 14
   // The options for writing; makes the sound first when there is none.
   virtual I_AudioCodecParam* GetAudioCodecParam() = 0;  // 15
-  // Writes the sound as a file of another kind: see I_WavData::Convert. False without a sound.
+  // Writes the sound as a file of another kind: see I_WavData::Convert, also for what becomes of a
+  // file that has the name. False without a sound.
   virtual bool Convert(tagAudioFileType eType, const char* pszFileName, bool bEncode,
                        bool bWriteCodecHead, PFN_CodecProgress pfnProgress, bool bForceEncode,
                        unsigned int dwCodecOption) = 0;    // 16
@@ -63,7 +64,7 @@ class I_WavFile : public I_WavFileInfo {
   virtual bool LoadData(bool bKeepEncoded, const char* pszCodecOption,
                         PFN_DecodedData pfnData) = 0;  // 22
   // Writes the sound as the class's own kind of file; false without a sound. The arguments are
-  // those of I_WavData::Convert.
+  // those of I_WavData::Convert, and an existing file is kept in the same way.
   virtual bool WriteFile(const char* pszFileName, bool bEncode, bool bWriteCodecHead,
                          PFN_CodecProgress pfnProgress, bool bForceEncode,
                          unsigned int dwCodecOption) = 0;  // 23
