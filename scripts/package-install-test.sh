@@ -26,7 +26,8 @@ debootstrap --variant=minbase --include="$tools" bookworm "$bare" "$mirror" >"$l
   tail -n 20 "$log" >&2
   fail "no bare system can be made"
 }
-inside() { LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive chroot "$bare" "$@"; }
+# A folder of ours for temporary files is not there.
+inside() { LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive TMPDIR=/tmp chroot "$bare" "$@"; }
 files() { (cd "$bare" && find . \( -path ./proc -o -path ./var/log -o -path ./var/cache -o -path ./var/lib/dpkg \
   -o -path ./var/lib/apt -o -path ./tmp -o -path ./root \) -prune -o -print | LC_ALL=C sort); }
 

@@ -17,6 +17,10 @@ class C_PipeWireServer final : public C_SoundServer {
 
  protected:
   void LaunchAll() override;
+  // When its turn comes too late, this server drops pieces of a sound, and repeats others.
+  [[nodiscard]] bool MayBeDisturbed(tagSameSound same) const override {
+    return same != tagSameSound::Exact;
+  }
 
  private:
   void WriteConfiguration() const;

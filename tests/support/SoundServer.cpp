@@ -123,7 +123,9 @@ tagSameSound CompareSounds(const std::vector<std::uint8_t>& want,
 }
 
 std::string S_Recording::Description() const {
-  return "wanted " + std::to_string(cbWanted) + " bytes, recorded " + std::to_string(bytes.size());
+  return "wanted " + std::to_string(cbWanted) + " bytes, recorded " + std::to_string(bytes.size()) +
+         ", of which the first " + std::to_string(cbSameBegin) + " and the last " +
+         std::to_string(cbSameEnd) + " are as wanted";
 }
 
 C_SoundServer::C_SoundServer(unsigned nRate, std::string strFormat, unsigned nChannels)
@@ -247,12 +249,18 @@ std::vector<std::uint8_t> C_SoundServer::RecordWhile(const std::function<void()>
 S_Recording C_SoundServer::RecordUntilSame(const std::vector<std::uint8_t>& want,
                                            const std::function<void()>& play) const {
   S_Recording result;
-  result.cbWanted = WithoutSilentEnds(want, FrameBytes()).size();
+  const auto loud = WithoutSilentEnds(want, FrameBytes());
+  result.cbWanted = loud.size();
   for (int nTry = 0; nTry < kTries; ++nTry) {
     const auto got = RecordWhile(play);
     result.same = CompareSounds(want, got, FrameBytes());
     result.bytes = WithoutSilentEnds(got, FrameBytes());
-    if (result.same != tagSameSound::Gaps) break;
+    const auto begin = std::ranges::mismatch(loud, result.bytes);
+    result.cbSameBegin = static_cast<std::size_t>(begin.in1 - loud.begin());
+    const auto end =
+        std::mismatch(loud.rbegin(), loud.rend(), result.bytes.rbegin(), result.bytes.rend());
+    result.cbSameEnd = static_cast<std::size_t>(end.first - loud.rbegin());
+    if (!MayBeDisturbed(result.same)) break;
   }
   return result;
 }

@@ -43,6 +43,9 @@ struct S_Recording {
   tagSameSound same = tagSameSound::Wrong;
   std::vector<std::uint8_t> bytes;  // without silence at both ends
   std::size_t cbWanted = 0;         // likewise
+  // Where it begins to differ, from its beginning and from its end, in bytes.
+  std::size_t cbSameBegin = 0;
+  std::size_t cbSameEnd = 0;
   [[nodiscard]] std::string Description() const;
 };
 
@@ -76,7 +79,7 @@ class C_SoundServer {
   // What the sink played while `play` ran and for 0.5 s afterwards, raw. Empty when the recording
   // could not be started.
   [[nodiscard]] std::vector<std::uint8_t> RecordWhile(const std::function<void()>& play) const;
-  // Records `play`. When everything arrived but with gaps, records it again, up to five times in
+  // Records `play`. When the machine was too busy for it, records it again, up to five times in
   // all.
   [[nodiscard]] S_Recording RecordUntilSame(const std::vector<std::uint8_t>& want,
                                             const std::function<void()>& play) const;
@@ -87,6 +90,10 @@ class C_SoundServer {
   virtual void LaunchAll();
   // Starts one of them, with PATH and these settings as its environment.
   void Launch(const Texts& environment, const Texts& command);
+  // Whether a busy machine can be why a recording is not exact.
+  [[nodiscard]] virtual bool MayBeDisturbed(tagSameSound same) const {
+    return same == tagSameSound::Gaps;
+  }
   // Waits until the file exists, for 15 seconds at most.
   void WaitForFile(const char* pszName) const;
   [[nodiscard]] const std::string& Folder() const { return m_strFolder; }
