@@ -53,6 +53,10 @@ done
 [[ $VOXTOOL != */* ]] || VOXTOOL=$(realpath -- "$VOXTOOL")
 manifest=$(realpath -- "$1")
 folder=$(realpath -m -- "${folder:-$manifest.work}")
+mkdir -p -- "$folder"
+# Tasks on this machine hold the lock, too: those of a start that was killed may still be at work.
+exec 9>"$folder/lock"
+flock -w 5 9 || { echo "convert.sh: $folder: another start is at work there" >&2 && exit 1; }
 
 # What an earlier start has done and not brought back. Its report does not matter.
 earlier=("$folder"/round-*/piece-*.db)

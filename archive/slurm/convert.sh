@@ -95,6 +95,11 @@ manifest=$(realpath -- "$1")
 shift
 [[ ${1:-} != -- ]] || shift
 folder=$(realpath -m -- "${folder:-$manifest.work}")
+# All jobs are sent with this folder as theirs.
+if squeue -h -o '%Z' | grep -qxF -- "$folder"; then
+  echo "convert.sh: $folder: another start is at work there" >&2
+  exit 1
+fi
 rm -f "$folder/report.txt"
 # What an earlier start has done and not brought back. Its report does not matter.
 earlier=("$folder"/round-*/piece-*.db)

@@ -54,6 +54,7 @@ until [[ -n $process ]]; do
     [[ -z $process ]] || break
   done
 done
+flock -n "$folder/archive.db.work/lock" true && fail "the work is not kept from a second start"
 kill -KILL "$process"
 until [[ -n $(process_of "$folder/archive.db.work/round-1/piece-4.db") ]]; do
   ((SECONDS < end)) || fail "no more processes begin"
@@ -89,6 +90,12 @@ code=0
 again >"$folder/said" 2>&1 || code=$?
 grep -qE "^ *done +$((100 - $(grep -c /in/001/ "$folder/damaged" || true)))$" "$folder/said" ||
   fail "the second start ends with $code: $(cat "$folder/said")"
+
+code=0
+flock "$folder/again.db.work/lock" "$here/../../archive/parallel/convert.sh" "$folder/again.db" 2>"$folder/told" ||
+  code=$?
+[[ $code == 1 && $(<"$folder/told") == "convert.sh: $folder/again.db.work: another start is at work there" ]] ||
+  fail "a second start at the same time ends with $code: $(<"$folder/told")"
 
 # What goes wrong is told on the terminal.
 "$voxtool" convert --manifest "$folder/archive.db" --plan-only --retry-failed -qq

@@ -111,6 +111,10 @@ begun() { compgen -G "$folder/out/*/*.hrn" >/dev/null; }
 none() { [[ -z $(squeue -h) ]]; }
 "$here/../../archive/slurm/convert.sh" -n 10 "$folder/archive.db"
 wait_for 60 "the first target" begun
+"$here/../../archive/slurm/convert.sh" -n 10 "$folder/archive.db" 2>"$folder/told" &&
+  fail "a second start divides the same work"
+[[ $(<"$folder/told") == "convert.sh: $work: another start is at work there" ]] ||
+  fail "a second start is refused with: $(<"$folder/told")"
 # Everything is cancelled, the last job first, and started again, as if the second round had begun.
 scancel -t PENDING -u "$(id -un)"
 scancel -u "$(id -un)"
