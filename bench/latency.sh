@@ -27,7 +27,7 @@ source=$top/tree/platform/toolbox/output/CubebStream.cpp
 scripts/install-deps.sh test >&2
 rm -rf "$top/tree"
 mkdir -p "$top/tree"
-git ls-files -z | xargs -0 tar -cf - | tar -C "$top/tree" -xf -
+git ls-files -z | tar --null -T - -cf - | tar -C "$top/tree" -xf -
 cmake -S "$top/tree" -B "$top/build" -DCMAKE_BUILD_TYPE=Release -DVOXPLAY_TESTS=ON >/dev/null
 for latency in "${latencies[@]}"; do
   sed -i "s/\(kLatencyMs = \)[0-9]*;/\1$latency;/" "$source"

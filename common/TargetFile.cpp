@@ -30,6 +30,17 @@ bool MakeRoom(int nDescriptor, off_t nSize) {
   return false;
 }
 
+// A file that has just been made may lose its name with the power, unless its folder is on the
+// disk, too.
+void BringFolderToDisk(const std::string& strFile) {
+  const std::size_t nSlash = strFile.rfind('/');
+  const std::string strFolder = nSlash == std::string::npos ? "." : strFile.substr(0, nSlash + 1);
+  const int nFolder = open(strFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (nFolder < 0) return;
+  static_cast<void>(fsync(nFolder) == 0);
+  close(nFolder);
+}
+
 // Writes over the old file once there is room for the new contents, which are whole on the disk
 // before that.
 bool CopyInPlace(C_Replacement& replacement, const std::string& strTo) {
@@ -41,6 +52,7 @@ bool CopyInPlace(C_Replacement& replacement, const std::string& strTo) {
   if (!from || !to) return false;
   const auto qwSize = SizeAndSeekEnd(from.get());
   if (!qwSize || !SeekTo(from.get(), 0)) return false;
+  BringFolderToDisk(replacement.Path());
   const auto nSize = static_cast<off_t>(*qwSize);
   if (!MakeRoom(fileno(to.get()), nSize)) return false;
   const bool bCopied = CopyRest(from.get(), to.get()) && std::fflush(to.get()) == 0 &&

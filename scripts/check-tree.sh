@@ -33,7 +33,7 @@ for file in "${sources[@]}"; do
   [[ $file != *.h ]] || grep -q '^#pragma once$' "$file" || fail "$file: no #pragma once"
 done
 while IFS= read -r file; do
-  head -n 2 "$file" | grep -q 'SPDX-License-Identifier: Apache-2.0' || fail "$file: no licence line"
+  [[ $(head -n 2 "$file") == *'SPDX-License-Identifier: Apache-2.0'* ]] || fail "$file: no licence line"
 done < <(find . \( -path ./build -o -path ./.git \) -prune -o \
   \( -name CMakeLists.txt -o -name '*.cmake' -o -name '*.sh' -o -path ./.ci/run \) -type f -print)
 
@@ -92,7 +92,8 @@ while IFS= read -r line; do fail "$line: not named as an interface, class, recor
 while IFS= read -r file; do
   # A pure interface: every virtual operation is "= 0", except for the destructor.
   statements=$(sed 's|//.*||' "$file" | tr '\n' ' ' | grep -oE 'virtual [^;{]*[;{]' || true)
-  if grep -vE '= 0;$|~I_[A-Za-z]+\(\) = default;$' <<<"$statements" | grep -q .; then
+  statements=$(grep -vE '= 0;$|~I_[A-Za-z]+\(\) = default;$' <<<"$statements" || true)
+  if [[ -n $statements ]]; then
     fail "$file: an operation of an interface is not pure"
   fi
 done < <(find "${rooms[@]}" Lib_Common/Src/LibProject/FileUtil player -maxdepth 1 -name 'I_*.h')

@@ -65,6 +65,7 @@ awk -F , -v least_lines="$least_lines" -v least_branches="$least_branches" -v wh
   }
   NR > 1 {
     room = file = short_name($1)
+    files[file]
     sub("/.*", "/", room)
     if (file in of_lines && $3 < $2) low = low "\n  " file ": lines"
     if (!(room in lines)) order[++rooms] = room
@@ -72,6 +73,9 @@ awk -F , -v least_lines="$least_lines" -v least_branches="$least_branches" -v wh
     add("")
   }
   END {
+    if (!rooms) low = "\n  nothing was counted"
+    for (room in of_branches) if (!(room in lines)) low = low "\n  " room ": is no room"
+    for (room in of_lines) if (!(room in lines) && !(room in files)) low = low "\n  " room ": is no room or file"
     print "| room | lines | branches |\n|---|---|---|"
     for (i = 1; i <= rooms; ++i) show(order[i], "`" order[i] "`")
     show("", "all of these")

@@ -96,7 +96,8 @@ shift
 [[ ${1:-} != -- ]] || shift
 folder=$(realpath -m -- "${folder:-$manifest.work}")
 # All jobs are sent with this folder as theirs.
-if squeue -h -o '%Z' | grep -qxF -- "$folder"; then
+queue=$(squeue -h -o '%Z')
+if grep -qxF -- "$folder" <<<"$queue"; then
   echo "convert.sh: $folder: another start is at work there" >&2
   exit 1
 fi

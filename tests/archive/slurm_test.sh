@@ -139,6 +139,17 @@ scancel "$(squeue -h -t R -n voxtool -o '%K %i' | sed -n "s/^$before //p")"
 wait_for 60 "a task on the second node" working -w two
 kill -KILL "$node_two"
 
+# Where thousands of jobs wait, and where nobody tells which ones do.
+mkdir "$folder/fake"
+printf '#!/bin/sh\necho "%s"\nseq 100000\n' "$work" >"$folder/fake/squeue"
+chmod +x "$folder/fake/squeue"
+PATH=$folder/fake:$PATH "$here/../../archive/slurm/convert.sh" "$folder/archive.db" 2>"$folder/told" &&
+  fail "a long queue hides the first start"
+[[ $(<"$folder/told") == *"another start is at work there" ]] || fail "told: $(<"$folder/told")"
+printf '#!/bin/sh\nexit 1\n' >"$folder/fake/squeue"
+PATH=$folder/fake:$PATH "$here/../../archive/slurm/convert.sh" "$folder/archive.db" &&
+  fail "a second start does not need to know the queue"
+
 reported() { [[ -e $work/report.txt && $(head -n 1 "$work/report.txt") != 3 ]]; }
 wait_for 240 "the report" reported
 [[ $(head -n 1 "$work/report.txt") == 1 ]] || fail "the report does not say that files have failed"

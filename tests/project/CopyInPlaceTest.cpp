@@ -8,6 +8,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -23,7 +24,6 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 constexpr uid_t kNobody = 65534;
 constexpr int kMaxStops = 2000;
-const Bytes kOld(3000, 'o');
 const Bytes kNew(2000, 'n');
 
 // What a system call does that must come in order; empty for all others.
@@ -37,12 +37,13 @@ std::string NameOf(std::uint64_t qwNumber) {
   return "";
 }
 
-class CopyInPlace : public testing::Test {
+// The parameter is the length of the old file: the new one is shorter or longer.
+class CopyInPlace : public testing::TestWithParam<std::size_t> {
  protected:
   // A folder that all share, with a file of root's in it, which all may write.
   void SetUp() override {
     ASSERT_EQ(chmod(m_folder.Path().c_str(), 01777), 0);
-    m_folder.Write("a", kOld);
+    m_folder.Write("a", m_old);
     ASSERT_EQ(chmod(m_folder.Path("a").c_str(), 0666), 0);
   }
   [[nodiscard]] int WriteAsNobody() const {
@@ -62,7 +63,7 @@ class CopyInPlace : public testing::Test {
   // Whether the file is whole, or the new one beside it. Removes the latter.
   [[nodiscard]] bool HasAWholeFile() const {
     const Bytes now = m_folder.Read("a");
-    bool bWhole = now == kOld || now == kNew;
+    bool bWhole = now == m_old || now == kNew;
     for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {
       if (entry.path().filename() == "a") continue;
       bWhole = bWhole || FileBytes(entry.path().string()) == kNew;
@@ -71,10 +72,14 @@ class CopyInPlace : public testing::Test {
     return bWhole;
   }
 
+  const Bytes m_old = Bytes(GetParam(), 'o');
   C_TempFolder m_folder{C_TempFolder::kInMemory};
 };
 
-TEST_F(CopyInPlace, Everything_IsOnTheDiskBeforeTheSecondFileIsRemoved) {
+INSTANTIATE_TEST_SUITE_P(All, CopyInPlace, testing::Values(1000, 3000));
+
+// The second file and its name, then the old file with its new contents.
+TEST_P(CopyInPlace, Everything_IsOnTheDiskBeforeTheSecondFileIsRemoved) {
   std::vector<std::string> calls;
   C_TracedChild child([this] { return WriteAsNobody(); });
   for (auto eStop = child.Next(); eStop != C_TracedChild::Stop::Ended; eStop = child.Next()) {
@@ -83,11 +88,12 @@ TEST_F(CopyInPlace, Everything_IsOnTheDiskBeforeTheSecondFileIsRemoved) {
     if (!strCall.empty()) calls.push_back(strCall);
   }
   EXPECT_EQ(child.Result(), 0);
-  EXPECT_THAT(calls, testing::ElementsAre("to the disk", "cut", "to the disk", "remove"));
+  EXPECT_THAT(calls,
+              testing::ElementsAre("to the disk", "to the disk", "cut", "to the disk", "remove"));
   EXPECT_EQ(m_folder.Read("a"), kNew);
 }
 
-TEST_F(CopyInPlace, KilledAtEachSystemCall_LeavesAWholeFile) {
+TEST_P(CopyInPlace, KilledAtEachSystemCall_LeavesAWholeFile) {
   int nStop = 1;
   for (; nStop < kMaxStops && !SucceedsBefore(nStop); ++nStop) {
     ASSERT_TRUE(HasAWholeFile()) << "at stop " << nStop;

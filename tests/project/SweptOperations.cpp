@@ -217,15 +217,15 @@ class C_SaveInPlaceOperation : public C_SaveOperation {
     if (beside.empty()) return C_SaveOperation::IsEverythingKept();
     return beside.size() == 1 && FileBytes(beside.front().string()) == m_new;
   }
-  [[nodiscard]] bool MayStay(const std::string& strPath) const override {
-    return C_SaveOperation::MayStay(strPath) || FileBytes(strPath) == m_new;
+  [[nodiscard]] bool MayStay(const std::string& strPath, bool bDone) const override {
+    return C_SaveOperation::MayStay(strPath, bDone) || (!bDone && FileBytes(strPath) == m_new);
   }
 
  private:
   [[nodiscard]] std::vector<std::filesystem::path> FilesBeside() const {
     std::vector<std::filesystem::path> beside;
     for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {
-      if (!C_SaveOperation::MayStay(entry.path().string())) beside.push_back(entry.path());
+      if (!C_SaveOperation::MayStay(entry.path().string(), true)) beside.push_back(entry.path());
     }
     return beside;
   }

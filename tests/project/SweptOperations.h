@@ -32,8 +32,8 @@ class C_SweptOperation {
   virtual bool IsWhole() = 0;
   // After a Run that returned false: whether all files of the user are as they were before.
   [[nodiscard]] virtual bool IsEverythingKept() const;
-  // Whether a file may be there after a Run.
-  [[nodiscard]] virtual bool MayStay(const std::string& strPath) const {
+  // Whether a file may be there after a Run that returned bDone.
+  [[nodiscard]] virtual bool MayStay(const std::string& strPath, bool /*bDone*/) const {
     return strPath == m_strSource || strPath == m_strTarget;
   }
 

@@ -28,13 +28,16 @@ C_Descriptor::~C_Descriptor() {
 
 namespace {
 
-// Threads other than the first get no signals, so a read that waits would wait on.
+// Threads other than the first get no signals, so a read that waits would wait on. The first one
+// may get its signal in the middle of a wait, which then fails.
 void WaitForBytes(int nFile) {
   constexpr int kBetweenLooks = 100;  // ms
   pollfd file{nFile, POLLIN, 0};
+  int nReady = 0;
   do {
     ThrowIfInterrupted();
-  } while (poll(&file, 1, kBetweenLooks) == 0);
+    nReady = poll(&file, 1, kBetweenLooks);
+  } while (nReady == 0 || (nReady < 0 && errno == EINTR));
 }
 
 }  // namespace

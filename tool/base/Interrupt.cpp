@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "base/Interrupt.h"
 
+#include <array>
 #include <atomic>
 #include <csignal>
 
@@ -27,15 +28,32 @@ void Catch(int nSignal) {
   sigaction(nSignal, &action, nullptr);
 }
 
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+
+sigset_t Interrupts() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int nSignal : kSignals) sigaddset(&signals, nSignal);
+  return signals;
+}
+
 }  // namespace
 
 void CatchInterrupts() {
-  Catch(SIGINT);
-  Catch(SIGTERM);
-  Catch(SIGHUP);
+  for (const int nSignal : kSignals) Catch(nSignal);
   // Who reads no further must not end the program while it has half a file beside its target.
   std::signal(SIGPIPE, SIG_IGN);
+  // What came while another program became this one.
+  const sigset_t signals = Interrupts();
+  sigprocmask(SIG_UNBLOCK, &signals, nullptr);
 }
+
+C_HeldInterrupts::C_HeldInterrupts() {
+  const sigset_t signals = Interrupts();
+  sigprocmask(SIG_BLOCK, &signals, &m_before);
+}
+
+C_HeldInterrupts::~C_HeldInterrupts() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
 
 bool Interrupted() noexcept { return g_bInterrupted; }
 

@@ -5,12 +5,27 @@
 // a second time ends it at once.
 #pragma once
 
+#include <csignal>
+
 namespace tool {
 
 inline constexpr int kInterruptedExit = 130;
 
 // Once, before threads are made.
 void CatchInterrupts();
+
+// Keeps what the user asks waiting, while this program becomes another one that catches it: the
+// system forgets handlers on the way.
+class C_HeldInterrupts {
+ public:
+  C_HeldInterrupts();
+  C_HeldInterrupts(const C_HeldInterrupts&) = delete;
+  C_HeldInterrupts& operator=(const C_HeldInterrupts&) = delete;
+  ~C_HeldInterrupts();
+
+ private:
+  sigset_t m_before{};
+};
 [[nodiscard]] bool Interrupted() noexcept;
 // Throws C_Interrupted when the user has asked.
 void ThrowIfInterrupted();

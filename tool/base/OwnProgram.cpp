@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "base/Interrupt.h"
 
 namespace tool {
 namespace {
@@ -25,6 +26,8 @@ std::vector<std::filesystem::path> Folders() {
 }  // namespace
 
 void ContinueAs(const std::string& strProgram, char* const* ppszArguments) {
+  const C_HeldInterrupts held;
+  ThrowIfInterrupted();
   for (const std::filesystem::path& folder : Folders()) {
     execv((folder / strProgram).c_str(), ppszArguments);
     if (errno != ENOENT) break;

@@ -51,6 +51,10 @@ class C_NameSplitter {
   void End() {
     std::string strName = std::exchange(m_strName, {});
     if (EndsWithReturn(strName)) strName.pop_back();
+    // The system would take what is before the zero for the name.
+    if (strName.find('\0') != std::string::npos) {
+      throw C_Failure(m_strList, "is no list of lines", "a name has a zero in it: -0 reads those");
+    }
     if (!strName.empty()) m_fnName(std::move(strName));
   }
 

@@ -148,7 +148,10 @@ void Add(const C_Edited& file, const S_EditTarget& target, const voxplay::Format
   CopyRest(file, 0, *made);
   std::optional<voxplay::Reader> result = TryToOpen(made->NewPath(), VOXPLAY_READ_NO_BARE);
   if (!result || result->info().codec != format.codec) {
-    throw C_Failure(file.Name(), kUnchanged, "it is no stream of this codec");
+    const std::string strRate = format.codec == VOXPLAY_CODEC_KESTREL
+                                    ? ""
+                                    : " at " + std::to_string(format.sample_rate) + " Hz";
+    throw C_Failure(file.Name(), kUnchanged, "it is no stream of this codec" + strRate);
   }
   if (stream && !AreSameSound(*stream, *result)) {
     throw C_Failure(file.Name(), kUnchanged, "with the header the sound would be another one");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "output/Playback.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -12,6 +13,11 @@ namespace {
 constexpr const char* kLost = "\noutput device lost; playing silently in real time\n";
 constexpr const char* kMissing = "\nno output device; playing silently in real time\n";
 constexpr const char* kUnread = "\nsound file cannot be read; playing silently to its end\n";
+
+bool TakesText() {
+  pollfd file{STDERR_FILENO, POLLOUT, 0};
+  return ::poll(&file, 1, 0) == 1;
+}
 
 void Announce(const char* pszText, bool bAfterText) {
   if (::isatty(STDERR_FILENO) != 1) return;
@@ -104,16 +110,21 @@ void C_Playback::GoOnSilently() {
     if (std::exchange(m_bAnnounced, true)) return;
     bHadDevice = m_bStarted;
     bAfterText = std::exchange(m_bAfterText, false);
+    m_bAnnouncing = true;
   }
   Announce(bHadDevice ? kLost : kMissing, bAfterText);
+  const std::lock_guard lock(m_lock);
+  m_bAnnouncing = false;
 }
 
-// A terminal that takes no text holds up silence only.
+// Called for each piece of silence, by the thread that renders. So it waits neither for the other
+// line nor for a terminal that takes no text: one of the next pieces tells it.
 void C_Playback::TellOfUnreadSound() {
   bool bAfterText = false;
   {
     const std::lock_guard lock(m_lock);
-    if (std::exchange(m_bUnreadAnnounced, true)) return;
+    if (m_bUnreadAnnounced || m_bAnnouncing || !TakesText()) return;
+    m_bUnreadAnnounced = true;
     bAfterText = std::exchange(m_bAfterText, false);
   }
   Announce(kUnread, bAfterText);

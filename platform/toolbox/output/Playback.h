@@ -60,6 +60,8 @@ class C_Playback final : private I_DeviceClient {
   bool m_bStarted = false;
   bool m_bAnnounced = false;
   bool m_bUnreadAnnounced = false;
+  // While the line about the device is being written.
+  bool m_bAnnouncing = false;
   // Whether the cursor stands after text.
   bool m_bAfterText;
   C_NullDevice m_null;

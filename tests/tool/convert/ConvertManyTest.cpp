@@ -118,6 +118,17 @@ TEST_F(ConvertManyTest, ListedNames_MayHaveLineEndsAndComeFromAPipe) {
   EXPECT_EQ(Tree("more"), Texts{"001.wav"});
 }
 
+// Up to its first zero, such a list would be the name of one of the sounds.
+TEST_F(ConvertManyTest, ListWithZeros_IsNotTakenForLines) {
+  MakeSounds("in", 2);
+  const auto before = FileBytes(Path("in/000.wav"));
+  WriteText("list", Path("in/000.wav") + '\0' + Path("in/001.wav") + '\0');
+  EXPECT_EQ(Fail(1, {"--files-from", "@/list", "-d", "@/in", "--to", "kestrel", "-f"}),
+            "@/list: is no list of lines: a name has a zero in it: -0 reads those\n");
+  EXPECT_EQ(Tree("in"), (Texts{"000.wav", "001.wav"}));
+  EXPECT_EQ(FileBytes(Path("in/000.wav")), before);
+}
+
 TEST_F(ConvertManyTest, SameNameTwice_IsConvertedOnce) {
   MakeSounds("in", 1);
   WriteText("list", Path("in/000.wav") + "\n" + Path("in/../in/000.wav") + "\n");

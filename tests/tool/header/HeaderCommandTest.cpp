@@ -119,7 +119,7 @@ TEST_F(HeaderCommand, FileThatIsSomethingElse_GetsNoHeader) {
   EXPECT_THAT(WhyNot({"header", "add", "@a.wav"}), HasSubstr("but WAV, PCM, 16 bits"));
   EXPECT_THAT(WhyNot({"header", "add", "@text"}), HasSubstr("none of the known formats"));
   EXPECT_THAT(WhyNot({"header", "add", "--codec", "heron4", "@text"}),
-              HasSubstr("it is no stream of this codec"));
+              HasSubstr("it is no stream of this codec at "));
   EXPECT_THAT(WhyNot({"header", "strip", "@a.wav"}), HasSubstr("there is no SP header"));
 }
 

@@ -366,6 +366,22 @@ TEST_F(PlaybackTest, ATerminalThatTakesNoText_HoldsNobodyUp) {
   loser.join();
 }
 
+TEST_F(PlaybackTest, ATerminalThatTakesNoText_HearsLaterThatTheSoundCannotBeRead) {
+  const C_ErrorCapture capture(/*bTerminal=*/true);
+  C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));
+  playback.Start();
+  capture.Fill();
+  m_source.bUnread = true;
+  std::array<UInt8, 20> frames{};
+  m_log.pClient->RenderFrames(frames.data(), 10);
+  std::string strFilling;
+  do strFilling = capture.Text();
+  while (strFilling.find_first_not_of('x') == std::string::npos && !strFilling.empty());
+  EXPECT_EQ(strFilling, "");
+  m_log.pClient->RenderFrames(frames.data(), 10);
+  EXPECT_TRUE(capture.Announcement().ends_with(std::string(kUnread) + "\r\n"));
+}
+
 TEST_F(PlaybackTest, OnATerminal_ASoundThatCannotBeRead_IsAnnouncedOnce) {
   const C_ErrorCapture capture(/*bTerminal=*/true);
   C_Playback playback(m_format, m_source, OpenFakeDevice(m_log));

@@ -47,7 +47,7 @@ class C_KestrelCodec : public C_VXAudioCodec {
   // the bytes are less than a sixteenth of the claim. The same holds when the length of the PCM
   // would not fit in 32 bits, and when the temporary file cannot be made. Decode returns false
   // after the last frame when the claim ends within a frame, and when the temporary file cannot be
-  // read; the sound is empty then.
+  // read; the sound then keeps what it had, or is empty once its memory was taken for the new one.
   //
   // A null piWavData stops the program. Where assertions of the codec are compiled out (NDEBUG),
   // the result is false instead.
