@@ -44,6 +44,22 @@ if(VOXTOOL_TEXTS)
   install(FILES ${VOXTOOL_TEXTS}/fish/voxtool.fish
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT player)
 endif()
+if(VOXPLAY_PYTHON)
+  # Where the interpreter looks, below a prefix of Debian.
+  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set(PYTHON_FOLDER lib/python3/dist-packages)
+  else()
+    set(PYTHON_FOLDER lib/python${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}/dist-packages)
+    file(RELATIVE_PATH LIBRARY_FOLDER
+      ${CMAKE_INSTALL_PREFIX}/${PYTHON_FOLDER}/voxplay ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(voxplay_python PROPERTIES INSTALL_RPATH "\$ORIGIN/${LIBRARY_FOLDER}")
+  endif()
+  set(VOXPLAY_PYTHON_FOLDER ${PYTHON_FOLDER} CACHE STRING "Where the module for Python is installed")
+  install(TARGETS voxplay_python LIBRARY DESTINATION ${VOXPLAY_PYTHON_FOLDER}/voxplay COMPONENT python)
+  list(TRANSFORM VOXPLAY_PYTHON_FILES PREPEND ${PROJECT_SOURCE_DIR}/python/voxplay/
+    OUTPUT_VARIABLE PYTHON_FILES)
+  install(FILES ${PYTHON_FILES} DESTINATION ${VOXPLAY_PYTHON_FOLDER}/voxplay COMPONENT python)
+endif()
 if(NOT VOXPLAY_API)
   return()
 endif()

@@ -21,7 +21,7 @@ while IFS= read -r file; do
   [[ $file =~ ^(fuzz|bench|examples|training)/[^/]*$ ]] && listed=$name
   grep -qwF -e "$listed" -e "add_server_test($name" <<<"$cmake_lists" ||
     fail "$file is listed in no CMakeLists.txt"
-done < <(find api common player platform tool fuzz bench examples training tests -name '*.cpp')
+done < <(find api common player platform python tool fuzz bench examples training tests -name '*.cpp')
 while IFS= read -r -d '' file; do
   grep -qwF "${file#Lib_Common/Src/LibProject/}" Lib_Common/Src/LibProject/CMakeLists.txt ||
     fail "$file is not listed in Lib_Common/Src/LibProject/CMakeLists.txt"

@@ -15,6 +15,7 @@
 #   scripts/install-deps.sh architectures what builds and runs the library for other machines
 #   scripts/install-deps.sh docs     what builds the reference
 #   scripts/install-deps.sh abi      what compares the ABI of the library
+#   scripts/install-deps.sh python   what builds and tests the module for Python
 #   scripts/install-deps.sh package  what builds, checks and tries the Debian packages
 #   scripts/install-deps.sh coverage what the tests need and the coverage reporter
 set -euo pipefail
@@ -39,8 +40,12 @@ architectures=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu
 abi=("${library[@]}" abigail-tools)
 # The packages for arm64 are built with the cross compiler, and name the packages of the libraries
 # that they need, which must therefore be here.
-package=("${player[@]}" "${tool[@]}" ninja-build debhelper dpkg-dev fakeroot lintian doxygen debootstrap
+package=("${player[@]}" "${tool[@]}" python3-dev pybind11-dev dh-python ninja-build debhelper dpkg-dev fakeroot lintian doxygen debootstrap
   g++-aarch64-linux-gnu qemu-user-static libc6:arm64 libstdc++6:arm64)
+
+# numpy and all below it are for the tests and the tutorial.
+python=("${library[@]}" python3-dev pybind11-dev python3-numpy python3-pytest python3-soundfile python3-matplotlib
+  python3-pandas mypy)
 
 (($#)) || set -- player
 wanted=()
@@ -58,6 +63,7 @@ for kind in "$@"; do
     architectures) wanted+=("${library[@]}" "${architectures[@]}") ;;
     docs) wanted+=(doxygen) ;;
     abi) wanted+=("${abi[@]}") ;;
+    python) wanted+=("${python[@]}") ;;
     package) wanted+=("${package[@]}") ;;
     *)
       echo "usage: ${0##*/} KIND..., as its first lines say" >&2

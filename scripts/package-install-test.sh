@@ -40,7 +40,7 @@ for package in "$@"; do
 done
 library=()
 for package in "${packages[@]}"; do
-  [[ $package == */voxplay_* ]] || library+=("$package")
+  [[ $package == */voxplay_* || $package == */python3-* ]] || library+=("$package")
 done
 
 files >"$bare.before"
@@ -91,6 +91,16 @@ inside voxtool convert -q /tmp/Test.kst -o /tmp/Test.wav || fail "voxtool does n
 inside voxtool plot /tmp/Test.wav -o /tmp/Test.png || fail "voxtool does not draw"
 [[ $(head -c 8 "$bare/tmp/Test.png" | od -An -tx1) == *"89 50 4e 47"* ]] || fail "voxtool draws no picture"
 inside voxtool check -q /tmp/Test.wav || fail "what voxtool converts is not whole"
+
+echo "  runs the tutorial for Python"
+inside apt-get -qq install --no-install-recommends python3-matplotlib python3-pandas >>"$log" 2>&1 ||
+  { tail -n 20 "$log" >&2; fail "what the tutorial uses cannot be installed"; }
+inside apt-mark auto python3-matplotlib python3-pandas >>"$log" 2>&1
+examples=/usr/share/doc/python3-voxplay/examples
+table=$(inside env -C /tmp MPLBACKEND=Agg MPLCONFIGDIR=/tmp /usr/bin/python3 "$examples/tutorial.py") ||
+  fail "the tutorial for Python fails"
+[[ $table == *"27.2 s in 6 files, 1 of them cut"* ]] || fail "the tutorial for Python says: $table"
+[[ -s $bare/tmp/python-events.png && -s $bare/tmp/python-rates.png ]] || fail "the tutorial draws nothing"
 
 echo "  removes everything"
 inside apt-get -qq purge '*voxplay*' >>"$log" 2>&1

@@ -34,7 +34,7 @@ awk 'BEGIN { printf "[" }
 # What the compiler warns of is a finding like all others, and can be excused like them.
 check() {
   local output checks=''
-  [[ ! $1 =~ ^(\./)?(bench|fuzz|tool|training)/ ]] || checks=-clang-analyzer-*
+  [[ ! $1 =~ ^(\./)?(bench|fuzz|python|tool|training)/ ]] || checks=-clang-analyzer-*
   output=$(clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-error -p build/tidy/once "$1" 2>/dev/null) && return
   printf '%s\n' "$output" "clang-tidy: $1 is not clean"
   return 1

@@ -12,9 +12,9 @@ namespace {
 
 // The names of voxplay_status, as Python writes them.
 constexpr std::array<const char*, 14> kNames = {
-    "ok",           "no_memory",    "bad_argument", "wrong_state", "cannot_open",
-    "cannot_read",  "cannot_write", "cannot_seek",  "unknown",     "unsupported",
-    "damaged",      "too_large",    "cancelled",    "internal"};
+    "ok",          "no_memory",    "bad_argument", "wrong_state", "cannot_open",
+    "cannot_read", "cannot_write", "cannot_seek",  "unknown",     "unsupported",
+    "damaged",     "too_large",    "cancelled",    "internal"};
 
 constexpr const char* kDocumentation =
     "The library could not do something. The text says which file, where in it, and why.\n\n"
@@ -53,6 +53,7 @@ void AddFailure(py::module_& module) {
                                            PyExc_RuntimeError, nullptr);
   if (g_pErrorType == nullptr) throw py::error_already_set();
   module.attr("VoxplayError") = py::reinterpret_borrow<py::object>(g_pErrorType);
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): pybind11 wants it so
   py::register_exception_translator([](std::exception_ptr pError) {
     try {
       if (pError) std::rethrow_exception(pError);

@@ -58,9 +58,8 @@ voxplay_output C_FileObject::Output() {
 
 void C_FileObject::RaiseAgain() {
   if (!m_raised) return;
-  py::error_already_set raised = std::move(*m_raised);
-  m_raised.reset();
-  throw raised;
+  auto raised = std::exchange(m_raised, std::nullopt);
+  throw py::error_already_set(std::move(*raised));
 }
 
 // The library is C to whoever calls it, so nothing may be thrown through it.

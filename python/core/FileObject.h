@@ -45,8 +45,8 @@ class C_FileObject {
   std::optional<pybind11::error_already_set> m_raised;
 };
 
-// Runs fnWork as C_Turn does. What the file object, if there is one, has raised meanwhile says more than
-// what the library makes of it, and is raised in any case.
+// Runs fnWork as C_Turn does. What the file object, if there is one, has raised meanwhile says more
+// than what the library makes of it, and is raised in any case.
 template <typename Work>
 auto TakeWithFile(C_Turn& turn, C_FileObject* pFile, Work&& fnWork) {
   const auto RaiseAgain = [&] {

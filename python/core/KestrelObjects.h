@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Coders of Kestrel frames for voxplay/kestrel.py. Each counts on the frames that it got before, so it
-// serves one stream.
+// Coders of Kestrel frames for voxplay/kestrel.py. Each counts on the frames that it got before, so
+// it serves one stream.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -32,8 +32,8 @@ class C_DecoderObject {
   explicit C_DecoderObject(std::uint32_t dwBitRate);
 
   [[nodiscard]] std::size_t FrameBytes() const;
-  // Decodes whole frames into samples, which has room for exactly those. Returns how many of them are
-  // damaged.
+  // Decodes whole frames into samples, which has room for exactly those. Returns how many of them
+  // are damaged.
   std::size_t Decode(const pybind11::buffer& bytes, const pybind11::buffer& samples);
   // What to play for frames that were lost: as many as samples has room for.
   void DecodeLost(const pybind11::buffer& samples);

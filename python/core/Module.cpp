@@ -95,9 +95,8 @@ PYBIND11_MODULE(_core, module) {
   AddKestrel(module);
   module.def("version", &voxplay_version);
   module.def("probe", &Probe);
-  module.def("format_problem", [](const py::dict& format) {
-    return voxplay::problem(python::FormatOf(format));
-  });
+  module.def("format_problem",
+             [](const py::dict& format) { return voxplay::problem(python::FormatOf(format)); });
   module.attr("READ_STREAM") = static_cast<int>(VOXPLAY_READ_STREAM);
   module.attr("READ_NO_BARE") = static_cast<int>(VOXPLAY_READ_NO_BARE);
   module.attr("WRITE_RF64") = static_cast<int>(VOXPLAY_WRITE_RF64);

@@ -185,7 +185,8 @@ voxplay::Notes NotesOf(const py::dict& records) {
   ForEach(records, "region_texts", [&](const py::tuple& tuple) { AddRegionText(notes, tuple); });
   ForEach(records, "loops", [&](const py::tuple& tuple) { AddLoop(notes, tuple); });
   ForEach(records, "chunks", [&](const py::tuple& tuple) { AddChunk(notes, tuple); });
-  SetSampler(notes, py::cast<py::tuple>(records["sampler"]));
+  const py::object sampler = records["sampler"];
+  if (!sampler.is_none()) SetSampler(notes, sampler);
   return notes;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Notes as tuples, from which voxplay/_notes.py makes its records. Texts are bytes, as files have them.
+// Notes as tuples, from which voxplay/_notes.py makes its records. Texts are bytes, as files have
+// them.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -13,7 +14,7 @@ namespace python {
 // the members of the records in voxplay.h, in their order there.
 pybind11::dict RecordsOf(const voxplay::NotesView& notes);
 
-// The way back. Numbers fit their members.
+// The way back, where "sampler" may be None. Numbers fit their members.
 voxplay::Notes NotesOf(const pybind11::dict& records);
 
 }  // namespace python

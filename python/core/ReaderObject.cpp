@@ -31,8 +31,8 @@ S_Read Read(voxplay_reader* pReader, const C_Samples& samples) {
                                              samples.Frames(), &read.nFrames);
       break;
     case tagSampleType::kFloat:
-      read.eStatus = voxplay_reader_read_f32(pReader, samples.Data<float>(), samples.Frames(),
-                                             &read.nFrames);
+      read.eStatus =
+          voxplay_reader_read_f32(pReader, samples.Data<float>(), samples.Frames(), &read.nFrames);
       break;
   }
   return read;
@@ -52,18 +52,17 @@ C_ReaderObject::C_ReaderObject(const py::buffer& bytes, std::uint32_t dwFlags)
     throw py::value_error("the bytes are not one after the other in memory");
   }
   Begin([&](voxplay_reader* pReader) {
-    return voxplay_reader_open_memory(
-        pReader, m_bytes->ptr, static_cast<std::size_t>(m_bytes->size * m_bytes->itemsize),
-        dwFlags);
+    return voxplay_reader_open_memory(pReader, m_bytes->ptr,
+                                      static_cast<std::size_t>(m_bytes->size * m_bytes->itemsize),
+                                      dwFlags);
   });
 }
 
 C_ReaderObject::C_ReaderObject(py::object file, std::uint32_t dwFlags)
     : m_pFile(std::make_unique<C_FileObject>(std::move(file))) {
   const voxplay_input input = m_pFile->Input();
-  Begin([&](voxplay_reader* pReader) {
-    return voxplay_reader_open_input(pReader, &input, dwFlags);
-  });
+  Begin(
+      [&](voxplay_reader* pReader) { return voxplay_reader_open_input(pReader, &input, dwFlags); });
 }
 
 template <typename Open>

@@ -12,8 +12,8 @@ namespace python {
 
 enum class tagSampleType { kInt16, kInt32, kFloat };
 
-// Interleaved frames in one piece. The memory is held as long as this lives, which ends with Python's
-// lock.
+// Interleaved frames in one piece. The memory is held as long as this lives, which ends with
+// Python's lock.
 class C_Samples {
  public:
   // TypeError for other samples than int16, int32 and float32; ValueError for memory with gaps, for

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Lets one caller at a time use an object, because Python's threads run together while the library
-// works. Whoever comes second waits. A function that the library calls may not come back to the same
-// object: it would wait for itself, so it gets an exception.
+// works. Whoever comes second waits. A function that the library calls may not come back to the
+// same object: it would wait for itself, so it gets an exception.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -16,8 +16,8 @@ namespace python {
 
 class C_Turn {
  public:
-  // Runs fnWork without Python's lock, when nobody else uses the object. fnWork touches no object of
-  // Python unless it takes that lock again.
+  // Runs fnWork without Python's lock, when nobody else uses the object. fnWork touches no object
+  // of Python unless it takes that lock again.
   template <typename Work>
   auto Take(Work&& fnWork) {
     if (m_owner == std::this_thread::get_id()) {

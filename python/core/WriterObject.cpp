@@ -53,9 +53,8 @@ C_WriterObject::C_WriterObject(py::object file, const py::dict& format)
     : m_pFile(std::make_unique<C_FileObject>(std::move(file))) {
   const voxplay_format asked = FormatOf(format);
   const voxplay_output output = m_pFile->Output();
-  Begin(asked, [&] {
-    return voxplay_writer_open_output(m_pWriter.get(), &output, &asked, sizeof asked);
-  });
+  Begin(asked,
+        [&] { return voxplay_writer_open_output(m_pWriter.get(), &output, &asked, sizeof asked); });
 }
 
 template <typename Open>
@@ -109,7 +108,7 @@ py::list C_WriterObject::Finish() {
       CheckHere(voxplay_writer_finish(m_pWriter.get()));
     });
   } catch (const S_Failure&) {
-    if (raised) throw *raised;
+    if (raised) throw py::error_already_set(std::move(*raised));
     throw;
   }
   py::list lost;

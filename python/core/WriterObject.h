@@ -16,8 +16,8 @@
 
 namespace python {
 
-// What voxplay_format has: container, codec, sample_rate, channels, bits_per_sample, bit_rate, flags and
-// frames.
+// What voxplay_format has: container, codec, sample_rate, channels, bits_per_sample, bit_rate,
+// flags and frames.
 voxplay_format FormatOf(const pybind11::dict& members);
 
 class C_WriterObject {

@@ -282,5 +282,5 @@ def notes_to_core(notes: Notes) -> Dict[str, Any]:
                 raise TypeError(f"{name}[{place}]: {type(record).__name__} is not {kind.__name__}")
         records[name] = [_to_core(record, f"{name}[{place}]", notes.encoding)
                          for place, record in enumerate(getattr(notes, name))]
-    records["sampler"] = _to_core(notes.sampler or Sampler(), "sampler", notes.encoding)
+    records["sampler"] = notes.sampler and _to_core(notes.sampler, "sampler", notes.encoding)
     return records

@@ -298,7 +298,7 @@ class Sound:
             got = kept + len(self.read(wanted, out=block[kept:kept + wanted]))
             if frames >= 0:
                 frames -= got - kept
-            if got == 0:
+            if got == kept:
                 return
             again = block[blocksize - overlap:got].copy()
             if got < blocksize and fill_value is not None:
