@@ -12,7 +12,7 @@ scripts/install-deps.sh library
 jobs=$(nproc)
 
 # Switches off both ways in which CMake finds the player's packages.
-cmake --preset library -B build/library-alone \
+cmake --preset library -B build/library-alone -DVOXPLAY_PYTHON=OFF \
   -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON -DCMAKE_DISABLE_FIND_PACKAGE_cubeb=ON
 cmake --build build/library-alone --parallel "$jobs"
 scripts/check-hardening.sh build/library-alone/bin/convert build/library-alone/libvoxplay.so \
