@@ -33,6 +33,8 @@ C_SpoolFile::C_SpoolFile() {
 }
 
 void C_SpoolFile::Append(const void* pBytes, std::size_t cbCount) {
+  // Nothing may stand nowhere, which the C library does not take.
+  if (cbCount == 0) return;
   if (m_bReading) MoveTo(m_qwLength);
   m_bReading = false;
   Expect(std::fwrite(pBytes, 1, cbCount, m_file.get()) == cbCount);
@@ -40,6 +42,7 @@ void C_SpoolFile::Append(const void* pBytes, std::size_t cbCount) {
 }
 
 void C_SpoolFile::Read(std::uint64_t qwPosition, void* pBytes, std::size_t cbCount) {
+  if (cbCount == 0) return;
   if (!m_bReading || m_qwPosition != qwPosition) MoveTo(qwPosition);
   m_bReading = true;
   errno = EIO;  // for what is not there although it was written
