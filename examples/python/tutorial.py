@@ -87,8 +87,8 @@ for event in notes.events:
     wave.annotate(f"event {event.main_command}/{event.sub_command}", (event.frame / rate, 0.8),
                   xytext=(4, 0), textcoords="offset points", color="tab:orange")
 for cue in notes.cues:
-    wave.axvline(cue.sample_offset / rate, color="tab:green")
-    wave.annotate(notes.label_of(cue), (cue.sample_offset / rate, -0.9), xytext=(-4, 0),
+    wave.axvline(cue.frame / rate, color="tab:green")
+    wave.annotate(notes.label_of(cue), (cue.frame / rate, -0.9), xytext=(-4, 0),
                   textcoords="offset points", color="tab:green", horizontalalignment="right")
 for silence in notes.silence:
     wave.axvspan(silence.first / rate, silence.end / rate, color="0.85")

@@ -2,9 +2,9 @@
 #include "FileObject.h"
 
 #include <algorithm>
-#include <cstring>
 #include <exception>
-#include <stdexcept>
+#include <limits>
+#include <string>
 #include <utility>
 
 namespace py = pybind11;
@@ -16,15 +16,35 @@ namespace {
 constexpr std::size_t kMostBytes = std::size_t{1} << 20;
 
 bool IsSeekable(const py::object& file) {
-  if (py::hasattr(file, "seekable")) return py::cast<bool>(file.attr("seekable")());
-  return py::hasattr(file, "seek") && py::hasattr(file, "tell");
+  if (!py::hasattr(file, "seekable")) return py::hasattr(file, "seek") && py::hasattr(file, "tell");
+  const int nTrue = PyObject_IsTrue(py::object(file.attr("seekable")()).ptr());
+  if (nTrue < 0) throw py::error_already_set();
+  return nTrue == 1;
+}
+
+// Those may take nothing, and say so by None.
+bool IsRaw(const py::object& file) {
+  return py::isinstance(file, py::module_::import("io").attr("RawIOBase"));
+}
+
+// TypeError, with the name of the method, for what is no number or below 0.
+std::uint64_t Number(const py::object& result, const char* pszMethod) {
+  const unsigned long long qwNumber = PyLong_Check(result.ptr())
+                                          ? PyLong_AsUnsignedLongLong(result.ptr())
+                                          : static_cast<unsigned long long>(-1);
+  if (PyErr_Occurred() != nullptr) PyErr_Clear();
+  if (qwNumber > static_cast<unsigned long long>(std::numeric_limits<std::int64_t>::max())) {
+    throw py::type_error(std::string(pszMethod) +
+                         " of the file object returned no number of bytes");
+  }
+  return qwNumber;
 }
 
 }  // namespace
 
 C_FileObject::C_FileObject(py::object file)
-    : m_file(std::move(file)), m_bSeekable(IsSeekable(m_file)) {
-  if (m_bSeekable) m_qwBegin = py::cast<std::uint64_t>(m_file.attr("tell")());
+    : m_file(std::move(file)), m_bSeekable(IsSeekable(m_file)), m_bRaw(IsRaw(m_file)) {
+  if (m_bSeekable) m_qwBegin = Number(m_file.attr("tell")(), "tell()");
 }
 
 voxplay_input C_FileObject::Input() {
@@ -56,29 +76,23 @@ voxplay_output C_FileObject::Output() {
   return output;
 }
 
-void C_FileObject::RaiseAgain() {
-  if (!m_raised) return;
-  auto raised = std::exchange(m_raised, std::nullopt);
-  throw py::error_already_set(std::move(*raised));
-}
-
 // The library is C to whoever calls it, so nothing may be thrown through it.
 template <typename Result, typename Work>
 Result C_FileObject::Guarded(Result failed, Work&& fnWork) {
-  const py::gil_scoped_acquire locked;
+  const C_LockedAgain locked;
   try {
     return fnWork();
   } catch (py::error_already_set& raised) {
     if (!m_raised) m_raised.emplace(std::move(raised));
+    return failed;
   } catch (const py::builtin_exception& raised) {
     raised.set_error();
-    if (!m_raised) m_raised.emplace();
-    PyErr_Clear();
   } catch (const std::exception& error) {
     PyErr_SetString(PyExc_TypeError, error.what());
-    if (!m_raised) m_raised.emplace();
-    PyErr_Clear();
   }
+  // This takes the exception from the interpreter.
+  py::error_already_set raised;
+  if (!m_raised) m_raised.emplace(std::move(raised));
   return failed;
 }
 
@@ -86,12 +100,15 @@ std::int64_t C_FileObject::Read(void* pBytes, std::size_t cbBytes) {
   return Guarded<std::int64_t>(-1, [&]() -> std::int64_t {
     const std::size_t cbWanted = std::min(cbBytes, kMostBytes);
     const py::object read = m_file.attr("read")(cbWanted);
-    if (!PyBytes_Check(read.ptr())) {
+    if (PyObject_CheckBuffer(read.ptr()) == 0) {
       throw py::type_error("read() of the file object returned no bytes");
     }
-    const auto cbRead = static_cast<std::size_t>(PyBytes_GET_SIZE(read.ptr()));
+    const py::buffer_info bytes = py::cast<py::buffer>(read).request();
+    const auto cbRead = static_cast<std::size_t>(bytes.view()->len);
     if (cbRead > cbWanted) throw py::value_error("read() of the file object returned too much");
-    std::memcpy(pBytes, PyBytes_AS_STRING(read.ptr()), cbRead);
+    if (PyBuffer_ToContiguous(pBytes, bytes.view(), bytes.view()->len, 'C') != 0) {
+      throw py::error_already_set();
+    }
     return static_cast<std::int64_t>(cbRead);
   });
 }
@@ -102,9 +119,16 @@ bool C_FileObject::Write(const void* pBytes, std::size_t cbBytes) {
     while (cbBytes > 0) {
       const std::size_t cbPiece = std::min(cbBytes, kMostBytes);
       const py::object written = m_file.attr("write")(py::bytes(pNext, cbPiece));
-      // Raw files may take less than they were given, and others return nothing.
-      const std::size_t cbTaken = written.is_none() ? cbPiece : py::cast<std::size_t>(written);
-      if (cbTaken == 0 || cbTaken > cbPiece) return false;
+      if (written.is_none() && m_bRaw) {
+        PyErr_SetString(PyExc_BlockingIOError, "write() of the file object took nothing");
+        throw py::error_already_set();
+      }
+      // Raw files may take less than they were given, and some others return nothing.
+      const std::size_t cbTaken = written.is_none() ? cbPiece : Number(written, "write()");
+      if (cbTaken == 0 || cbTaken > cbPiece) {
+        throw py::value_error(
+            "write() of the file object returned another number than it was given");
+      }
       pNext += cbTaken;
       cbBytes -= cbTaken;
     }
@@ -120,16 +144,17 @@ bool C_FileObject::Seek(std::uint64_t qwPosition) {
 }
 
 std::int64_t C_FileObject::Tell() {
-  return Guarded<std::int64_t>(-1, [&] { return py::cast<std::int64_t>(m_file.attr("tell")()); });
+  return Guarded<std::int64_t>(
+      -1, [&] { return static_cast<std::int64_t>(Number(m_file.attr("tell")(), "tell()")); });
 }
 
 std::int64_t C_FileObject::Size() {
   return Guarded<std::int64_t>(-1, [&] {
     const py::object before = m_file.attr("tell")();
     m_file.attr("seek")(0, 2);
-    const auto nSize = py::cast<std::int64_t>(m_file.attr("tell")());
+    const std::uint64_t qwSize = Number(m_file.attr("tell")(), "tell()");
     m_file.attr("seek")(before);
-    return nSize;
+    return static_cast<std::int64_t>(qwSize);
   });
 }
 

@@ -2,7 +2,8 @@
 //
 // A file object of Python as an input or an output of the library: anything with read() or write(),
 // and, where seekable() does not deny it, with seek() and tell(). What its methods raise ends the
-// call of the library, and is raised again by it.
+// call of the library, and is raised again by it. A file object that holds its own sound is never
+// collected, because the library's side of the circle cannot be seen.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -10,8 +11,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <type_traits>
+#include <utility>
 
 #include "Failure.h"
 #include "Turn.h"
@@ -27,8 +30,10 @@ class C_FileObject {
   voxplay_input Input();
   voxplay_output Output();
 
-  // Raises what a method has raised since the last time, if anything.
-  void RaiseAgain();
+  // What a method has raised since the last time, if anything. Needs no lock.
+  std::optional<pybind11::error_already_set> TakeRaised() {
+    return std::exchange(m_raised, std::nullopt);
+  }
 
  private:
   std::int64_t Read(void* pBytes, std::size_t cbBytes);
@@ -41,30 +46,46 @@ class C_FileObject {
 
   pybind11::object m_file;
   bool m_bSeekable;
+  bool m_bRaw;
   std::uint64_t m_qwBegin = 0;  // of what is written
   std::optional<pybind11::error_already_set> m_raised;
 };
 
-// Runs fnWork as C_Turn does. What the file object, if there is one, has raised meanwhile says more
-// than what the library makes of it, and is raised in any case.
+// True for work that has no result.
 template <typename Work>
-auto TakeWithFile(C_Turn& turn, C_FileObject* pFile, Work&& fnWork) {
-  const auto RaiseAgain = [&] {
-    if (pFile != nullptr) pFile->RaiseAgain();
-  };
-  try {
-    if constexpr (std::is_void_v<decltype(fnWork())>) {
-      turn.Take(fnWork);
-      RaiseAgain();
-    } else {
-      auto result = turn.Take(fnWork);
-      RaiseAgain();
-      return result;
-    }
-  } catch (const S_Failure&) {
-    RaiseAgain();
-    throw;
+auto ResultOf(Work& fnWork) {
+  if constexpr (std::is_void_v<decltype(fnWork())>) {
+    fnWork();
+    return true;
+  } else {
+    return fnWork();
   }
+}
+
+// Runs fnWork as C_Turn does. What the file object, if there is one, has raised meanwhile says more
+// than what the library makes of it, and is raised in any case. The pointer is looked at in the
+// turn only, because another thread may close the sound.
+template <typename Work>
+auto TakeWithFile(C_Turn& turn, const std::unique_ptr<C_FileObject>& pFile, Work&& fnWork) {
+  std::optional<pybind11::error_already_set> raised;
+  const auto fnLook = [&] {
+    if (pFile) raised = pFile->TakeRaised();
+  };
+  std::optional<S_Failure> failure;
+  // What the library allocates may be refused, too, and whatever was raised does not matter then.
+  auto result = turn.Take([&] {
+    std::optional<decltype(ResultOf(fnWork))> done;
+    try {
+      done = ResultOf(fnWork);
+    } catch (const S_Failure& caught) {
+      failure = caught;
+    }
+    fnLook();
+    return done;
+  });
+  if (raised) throw pybind11::error_already_set(std::move(*raised));
+  if (failure) throw S_Failure(std::move(*failure));
+  return *std::move(result);
 }
 
 }  // namespace python

@@ -83,8 +83,10 @@ std::size_t C_DecoderObject::Decode(const py::buffer& bytes, const py::buffer& b
   const py::buffer_info coded = bytes.request();
   const C_Samples samples = FramesOf(buffer, true);
   const std::size_t nFrames = samples.Frames() / kFrame;
-  if (!PyBuffer_IsContiguous(coded.view(), 'C') ||
-      static_cast<std::size_t>(coded.size * coded.itemsize) != nFrames * FrameBytes()) {
+  if (!PyBuffer_IsContiguous(coded.view(), 'C')) {
+    throw py::value_error("the bytes are not one after the other in memory");
+  }
+  if (static_cast<std::size_t>(coded.size * coded.itemsize) != nFrames * FrameBytes()) {
     throw py::value_error("the bytes are not whole frames of " + std::to_string(FrameBytes()));
   }
   return m_turn.Take([&] {

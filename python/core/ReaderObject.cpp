@@ -78,7 +78,7 @@ void C_ReaderObject::Begin(Open&& fnOpen) {
 template <typename Work>
 auto C_ReaderObject::Take(Work&& fnWork) {
   // Another thread may close it while this one waits.
-  return TakeWithFile(m_turn, m_pFile.get(), [&] {
+  return TakeWithFile(m_turn, m_pFile, [&] {
     CheckOpen();
     return fnWork();
   });
@@ -189,9 +189,14 @@ std::uint64_t C_ReaderObject::Tell() {
 }
 
 void C_ReaderObject::Close() {
-  m_turn.Take([&] { m_pReader.reset(); });
-  m_pFile.reset();
-  m_bytes.reset();
+  // These end when this thread has Python's lock again.
+  std::unique_ptr<C_FileObject> pFile;
+  std::optional<py::buffer_info> bytes;
+  m_turn.Take([&] {
+    m_pReader.reset();
+    pFile.swap(m_pFile);
+    bytes.swap(m_bytes);
+  });
 }
 
 }  // namespace python

@@ -5,12 +5,12 @@
 // same object: it would wait for itself, so it gets an exception.
 #pragma once
 
-#include <pybind11/pybind11.h>
-
 #include <atomic>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
+
+#include "Interpreter.h"
 
 namespace python {
 
@@ -23,7 +23,7 @@ class C_Turn {
     if (m_owner == std::this_thread::get_id()) {
       throw std::runtime_error("a function that was called by this object uses it");
     }
-    const pybind11::gil_scoped_release unlocked;
+    const C_Unlocked unlocked;
     const C_Held held(*this);
     return fnWork();
   }

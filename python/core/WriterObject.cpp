@@ -21,7 +21,7 @@ using S_Raised = std::optional<py::error_already_set>;
 
 // Python only remembers a signal until somebody asks. pUser gets what its handler raises.
 int EndAtSignal(void* pUser, std::uint64_t /*qwDone*/, std::uint64_t /*qwAll*/) {
-  const py::gil_scoped_acquire locked;
+  const C_LockedAgain locked;
   if (PyErr_CheckSignals() == 0) return 0;
   static_cast<S_Raised*>(pUser)->emplace();
   return 1;
@@ -67,7 +67,7 @@ void C_WriterObject::Begin(const voxplay_format& format, Open&& fnOpen) {
 
 template <typename Work>
 auto C_WriterObject::Take(Work&& fnWork) {
-  return TakeWithFile(m_turn, m_pFile.get(), std::forward<Work>(fnWork));
+  return TakeWithFile(m_turn, m_pFile, std::forward<Work>(fnWork));
 }
 
 // The sentence is that of the last call.

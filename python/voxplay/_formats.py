@@ -3,6 +3,7 @@
 
 from __future__ import annotations
 
+import os
 from dataclasses import dataclass
 from typing import Any, Dict, Optional, Tuple
 
@@ -111,8 +112,7 @@ def format_problem(format: str, subtype: Optional[str] = None, samplerate: int =
 def chosen_format(name: Optional[str], format: Optional[str],
                   subtype: Optional[str]) -> Tuple[str, str]:
     """Format and subtype for a file of this name, if it has one."""
-    dot = name.rfind(".") if name is not None else -1
-    extension = name[dot:].lower() if name is not None and dot >= 0 else ""
+    extension = os.path.splitext(name)[1].lower() if name is not None else ""
     if format is None:
         if extension not in _OF_EXTENSION:
             raise ValueError(f"format: {extension or 'the name'} does not say it; choose one of "
@@ -130,9 +130,10 @@ def core_format(format: str, subtype: Optional[str], samplerate: int, channels: 
                 frames: int = 0) -> Dict[str, int]:
     number = _FORMATS[_known(format, _FORMATS, "format")][0]
     coding = _SUBTYPES[_known(subtype or default_subtype(format), _SUBTYPES, "subtype")]
-    for name, value in (("samplerate", samplerate), ("channels", channels)):
-        if not 1 <= value < 1 << 32:
-            raise ValueError(f"{name}: {value} is none")
+    samplerate, channels = (_counted(value, name, 1 << 32) for name, value in
+                            (("samplerate", samplerate), ("channels", channels)))
+    if frames:
+        frames = _counted(frames, "frames", 1 << 64)
     return {
         "container": number, "codec": coding.codec, "sample_rate": samplerate, "channels": channels,
         "bits_per_sample": coding.bits, "bit_rate": coding.bit_rate,
@@ -169,6 +170,14 @@ def codec_name(codec: int) -> str:
     """The coding without its settings, as a probe tells it."""
     return {PCM: "PCM", FLOAT: "FLOAT", KESTREL: "KESTREL", HERON: "HERON",
             **{number: name for number, (name, _) in _READ_ONLY.items()}}.get(codec, "")
+
+
+def _counted(value: Any, name: str, limit: int) -> int:
+    """A whole number from 1 on, also when it comes as a float such as 16000.0."""
+    number = int(value)
+    if number != value or not 1 <= number < limit:
+        raise ValueError(f"{name}: {value!r} is none")
+    return number
 
 
 def _known(name: str, names: Dict[str, Any], what: str) -> str:

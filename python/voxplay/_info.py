@@ -5,7 +5,7 @@ from __future__ import annotations
 
 import os
 from dataclasses import dataclass, field
-from typing import Any, Dict, List, Optional, Union
+from typing import Any, Dict, List, Optional
 
 from . import _core, _formats
 
@@ -47,8 +47,8 @@ class Info:
     damaged_frames: int
     claimed_frames: int
     is_cut: bool
-    headers: Dict[str, Dict[str, int]] = field(repr=False)
-    chunks: List[ChunkPlace] = field(repr=False)
+    headers: Dict[str, Dict[str, int]] = field(repr=False, hash=False)
+    chunks: List[ChunkPlace] = field(repr=False, hash=False)
 
     @property
     def duration(self) -> Optional[float]:
@@ -107,8 +107,11 @@ class Probe:
         return self.format is not None
 
 
-def probe(file: Union[str, os.PathLike[str], bytes, bytearray, memoryview]) -> Probe:
-    """Tells which of our formats a file, or its first 4,096 bytes, has, and if none, why not.
+def probe(file: Any) -> Probe:
+    """Tells which of our formats a file has, and if none, why not.
+
+    ``file`` is a path, the first bytes of a file (4,096 are enough), or a file object, which then
+    stands where it stood.
 
     >>> probe('speech.kst').format
     'SP'
@@ -117,6 +120,9 @@ def probe(file: Union[str, os.PathLike[str], bytes, bytearray, memoryview]) -> P
     """
     if isinstance(file, (bytes, bytearray, memoryview)):
         first = bytes(file)
+    elif hasattr(file, "read"):
+        first = file.read(_PROBE_BYTES)
+        file.seek(-len(first), os.SEEK_CUR)
     else:
         with open(file, "rb") as opened:
             first = opened.read(_PROBE_BYTES)

@@ -3,7 +3,7 @@
 
 from __future__ import annotations
 
-import dataclasses
+import operator
 from dataclasses import dataclass, field
 from typing import Annotated, Any, Dict, List, Optional, Tuple, Type, TypeVar, get_type_hints
 
@@ -51,15 +51,31 @@ class Range:
 class Cue:
     """A cue point, as WAV files have it.
 
-    Its place is ``sample_offset``, a frame. The other numbers matter for play lists only.
+    It names its place twice: ``position`` is a frame, or a place in a play list; ``sample_offset`` is
+    the same unless it is given, and counts from ``block_start`` where there is one. ``frame`` is what
+    people mean.
+
+    >>> Cue(1, 8000).frame
+    8000
     """
 
     id: U32
-    sample_offset: U32
-    position: U32 = 0
+    position: U32
+    sample_offset: U32 = -1
     chunk: Four = "data"
     chunk_start: U32 = 0
     block_start: U32 = 0
+
+    def __post_init__(self) -> None:
+        if self.sample_offset == -1:
+            self.sample_offset = self.position
+
+    @property
+    def frame(self) -> int:
+        """The frame of the sound. Some writers leave one of the two numbers at 0."""
+        if self.sample_offset == 0 or (self.block_start != 0 and self.position != 0):
+            return self.position
+        return self.sample_offset
 
 
 @dataclass
@@ -181,34 +197,6 @@ class Notes:
         return next((label.text for label in self.labels
                      if label.cue_id == cue.id and label.type == "labl"), "")
 
-    def scaled(self, factor: float) -> Notes:
-        """A copy whose places and lengths are those after a conversion of the sampling rate.
-
-        >>> Notes(events=[Event(8000)]).scaled(2).events[0].frame
-        16000
-        """
-        def at(frame: int) -> int:
-            return round(frame * factor)
-
-        def ranges(old: List[Range]) -> List[Range]:
-            return [Range(at(one.first), max(1, at(one.end) - at(one.first))) for one in old]
-
-        replace = dataclasses.replace
-        return replace(
-            self,
-            events=[replace(one, frame=at(one.frame)) for one in self.events],
-            silence=ranges(self.silence),
-            regions=ranges(self.regions),
-            cues=[replace(one, sample_offset=at(one.sample_offset), position=at(one.position))
-                  for one in self.cues],
-            labels=[replace(one) for one in self.labels],
-            region_texts=[replace(one, count=at(one.count)) for one in self.region_texts],
-            loops=[replace(one, first=at(one.first), last=at(one.last)) for one in self.loops],
-            sampler=self.sampler and replace(
-                self.sampler, sample_period=at(self.sampler.sample_period) and
-                round(self.sampler.sample_period / factor)),
-            chunks=[replace(one) for one in self.chunks])
-
 
 def _texts(records: Dict[str, Any]) -> List[bytes]:
     """All texts among the core's tuples, as bytes."""
@@ -242,28 +230,36 @@ def _from_core(kind: Type[_Record], record: Tuple[Any, ...], encoding: str) -> _
     return kind(**members)
 
 
-def _to_core(record: Any, where: str, encoding: str) -> Tuple[Any, ...]:
-    """The tuple for a record. ValueError, with the place, for what a file cannot hold."""
-    kind = type(record)
+def _to_core(record: Any, kind: type, where: str, encoding: str) -> Tuple[Any, ...]:
+    """The tuple for a record. ValueError or TypeError, with the place, for what a file cannot hold."""
+    if not isinstance(record, kind):
+        raise TypeError(f"{where}: {type(record).__name__} is not {kind.__name__}")
     values: List[Any] = []
     for name in _ORDER[kind]:
-        value, wanted = getattr(record, name), _TYPES[kind][name]
-        if wanted == Four:
-            value = value.encode("latin-1")
-            if len(value) != 4:
-                raise ValueError(f"{where}: {name} is {value!r}, and not four characters")
-        elif wanted is str:
-            value = value.encode(encoding)
-            if b"\0" in value:
-                raise ValueError(f"{where}: {name} has a zero in it, which would end it")
-        elif wanted is bytes:
-            value = bytes(value)
-        else:
-            value, limit = int(value), 1 << wanted.__metadata__[0]
-            if not 0 <= value < limit:
-                raise ValueError(f"{where}: {name} is {value}, and not from 0 to {limit - 1}")
-        values.append(value)
+        try:
+            values.append(_value_to_core(getattr(record, name), _TYPES[kind][name], encoding))
+        except (TypeError, ValueError) as error:
+            refused = TypeError if isinstance(error, TypeError) else ValueError
+            raise refused(f"{where}: {name}: {error}") from None
     return tuple(values)
+
+
+def _value_to_core(value: Any, wanted: Any, encoding: str) -> Any:
+    if wanted is bytes:
+        return memoryview(value).tobytes()
+    if wanted is str or wanted == Four:
+        if not isinstance(value, str):
+            raise TypeError(f"{type(value).__name__} is no text")
+        text = value.encode("latin-1" if wanted == Four else encoding)
+        if wanted == Four and len(text) != 4:
+            raise ValueError(f"{value!r} is not four characters")
+        if wanted is str and b"\0" in text:
+            raise ValueError("a zero in it would end it")
+        return text
+    number, limit = operator.index(value), 1 << wanted.__metadata__[0]
+    if not 0 <= number < limit:
+        raise ValueError(f"{number} is not from 0 to {limit - 1}")
+    return number
 
 
 def notes_from_core(records: Dict[str, Any]) -> Notes:
@@ -275,12 +271,10 @@ def notes_from_core(records: Dict[str, Any]) -> Notes:
 
 
 def notes_to_core(notes: Notes) -> Dict[str, Any]:
-    records: Dict[str, Any] = {}
-    for name, kind in _KINDS.items():
-        for place, record in enumerate(getattr(notes, name)):
-            if type(record) is not kind:
-                raise TypeError(f"{name}[{place}]: {type(record).__name__} is not {kind.__name__}")
-        records[name] = [_to_core(record, f"{name}[{place}]", notes.encoding)
-                         for place, record in enumerate(getattr(notes, name))]
-    records["sampler"] = notes.sampler and _to_core(notes.sampler, "sampler", notes.encoding)
+    records: Dict[str, Any] = {
+        name: [_to_core(record, kind, f"{name}[{place}]", notes.encoding)
+               for place, record in enumerate(getattr(notes, name))]
+        for name, kind in _KINDS.items()}
+    records["sampler"] = None if notes.sampler is None else \
+        _to_core(notes.sampler, Sampler, "sampler", notes.encoding)
     return records

@@ -3,7 +3,10 @@
 
 from __future__ import annotations
 
+import operator
 import os
+import threading
+import warnings
 from types import TracebackType
 from typing import Any, Dict, Iterator, List, Optional, Type, Union
 
@@ -12,7 +15,8 @@ import numpy.typing as npt
 
 from . import _core, _formats
 from ._info import Info, frames_of, info_of
-from ._notes import Chunk, Cue, Event, Label, Loop, Notes, Range, notes_from_core, notes_to_core
+from ._notes import (Chunk, Cue, Event, Label, Loop, Notes, Range, RegionText, Sampler,
+                     notes_from_core, notes_to_core)
 
 Array = npt.NDArray[Any]
 
@@ -39,8 +43,8 @@ class Sound:
     For reading, ``stream=True`` reads the coded stream of a VEF file instead of its PCM, and
     ``bare=False`` opens only what says what it is.
 
-    Methods may be called by several threads; they take turns. Samples are coded without Python's
-    lock, so sounds of their own really run at the same time.
+    Methods may be called by several threads; they take turns, call by call. Samples are coded
+    without Python's lock, so sounds of their own really run at the same time.
 
     >>> with Sound('speech.kst') as sound:
     ...     sound.samplerate, sound.channels, sound.frames, sound.subtype
@@ -54,6 +58,7 @@ class Sound:
         self._reader: Optional[_core.Reader] = None
         self._writer: Optional[_core.Writer] = None
         self._lost: List[str] = []
+        self._lock = threading.RLock()
         self.name = _name_of(file)
         self.mode = mode
         if mode == "r":
@@ -63,6 +68,8 @@ class Sound:
                                 "writing only")
             self._open_to_read(file, stream, bare)
         elif mode == "w":
+            if stream or not bare:
+                raise TypeError("stream and bare are for reading only")
             if samplerate is None or channels is None:
                 raise TypeError("writing needs samplerate and channels")
             self._open_to_write(file, samplerate, channels, subtype, format, frames or 0)
@@ -71,6 +78,7 @@ class Sound:
             raise ValueError(f"mode: {mode!r} is neither 'r' nor 'w'")
 
     def _open_to_read(self, file: Any, stream: bool, bare: bool) -> None:
+        self._goes_back = True
         flags = (_core.READ_STREAM if stream else 0) | (0 if bare else _core.READ_NO_BARE)
         if isinstance(file, (bytes, bytearray, memoryview)):
             self._reader = _core.Reader.open_bytes(file, flags)
@@ -78,6 +86,7 @@ class Sound:
             self._reader = _core.Reader.open_path(_path_of(file), flags)
         elif hasattr(file, "read"):
             self._reader = _core.Reader.open_file(file, flags)
+            self._goes_back = _goes_back(file)
         else:
             raise TypeError(f"file: {type(file).__name__} is no path, no bytes and no file object")
         self._format = self._reader.info()
@@ -88,11 +97,14 @@ class Sound:
         is_path = isinstance(file, (str, os.PathLike))
         if not is_path and not hasattr(file, "write"):
             raise TypeError(f"file: {type(file).__name__} is no path and no file object")
-        format, subtype = _formats.chosen_format(os.fspath(file) if is_path else None,
-                                                 format, subtype)
+        name = file if is_path else getattr(file, "name", None)
+        # Files of descriptors have a number for a name.
+        name = os.fsdecode(name) if isinstance(name, (str, bytes, os.PathLike)) else None
+        format, subtype = _formats.chosen_format(name, format, subtype)
         core_format = _formats.core_format(format, subtype, samplerate, channels, frames)
         if is_path:
-            self._writer = _core.Writer.open_path(_path_of(file), core_format)
+            # The present folder may be another one when the sound is closed.
+            self._writer = _core.Writer.open_path(_path_of(os.path.abspath(file)), core_format)
         else:
             self._writer = _core.Writer.open_file(file, core_format)
         self._format = dict(core_format)
@@ -118,6 +130,14 @@ class Sound:
         return _formats.subtype_of(self._format)[0]
 
     @property
+    def format_info(self) -> str:
+        return _formats.format_text(self._format["container"])
+
+    @property
+    def subtype_info(self) -> str:
+        return _formats.subtype_of(self._format)[1]
+
+    @property
     def frames(self) -> Optional[int]:
         """All frames; while writing, those so far.
 
@@ -126,9 +146,8 @@ class Sound:
         """
         if self.mode == "w":
             return self._written
-        if self._reader is None:
-            return frames_of(self._format)
-        return frames_of(self._reader.info())
+        with self._lock:
+            return frames_of(self._format if self._reader is None else self._reader.info())
 
     def __len__(self) -> int:
         frames = self.frames
@@ -175,6 +194,14 @@ class Sound:
         return self.notes.labels
 
     @property
+    def region_texts(self) -> List[RegionText]:
+        return self.notes.region_texts
+
+    @property
+    def sampler(self) -> Optional[Sampler]:
+        return self.notes.sampler
+
+    @property
     def loops(self) -> List[Loop]:
         return self.notes.loops
 
@@ -197,33 +224,47 @@ class Sound:
         their whole range. Where the sound ends earlier, the array is shorter, unless ``fill_value``
         says what follows. ``out`` is an array to be filled and, as far as it was, returned.
         """
-        reader = self._open_reader()
-        if out is not None:
-            wanted = len(out) if frames < 0 else min(frames, len(out))
-            out = out[:wanted]
-            self._check_shape(out)
-        else:
-            if frames < 0 and self.frames is None:
-                return self._read_to_unknown_end(dtype, always_2d)
-            if frames < 0:
-                wanted = max(0, len(self) - reader.tell())
-            elif self.frames is None or fill_value is not None:
-                wanted = frames
+        with self._lock:
+            reader = self._open_reader()
+            frames = operator.index(frames)
+            if out is not None:
+                out = out if frames < 0 or fill_value is not None else out[:frames]
+                wanted = len(out) if frames < 0 else min(frames, len(out))
+            elif not self._goes_back or self.frames is None:
+                out = self._read_what_comes(frames, dtype, always_2d)
+                if fill_value is None or len(out) >= frames:
+                    return out
+                filled = self._empty(frames, dtype, always_2d)
+                filled[:len(out)] = out
+                filled[len(out):] = fill_value
+                return filled
             else:
-                wanted = min(frames, max(0, len(self) - reader.tell()))
-            out = self._empty(wanted, dtype, always_2d)
-        done = self._fill(reader, out)
-        if done < len(out):
+                left = max(0, len(self) - reader.tell())
+                wanted = left if frames < 0 else min(frames, left)
+                size = frames if frames > wanted and fill_value is not None else wanted
+                out = self._empty(size, dtype, always_2d)
+            self._check_out(out)
+            if fill_value is not None:
+                # Before anything is read: it may be no value of this type.
+                out[wanted:] = fill_value
+            done = self._fill(reader, out[:wanted])
             if fill_value is None:
                 return out[:done]
-            out[done:] = fill_value
-        return out
+            out[done:wanted] = fill_value
+            return out
 
     def _empty(self, frames: int, dtype: npt.DTypeLike, always_2d: bool) -> Array:
         if np.dtype(dtype).name not in _DTYPES:
             raise TypeError(f"dtype: {np.dtype(dtype).name} is none of {', '.join(_DTYPES)}")
         shape = (frames, self.channels) if self.channels > 1 or always_2d else (frames,)
         return np.empty(shape, dtype)
+
+    def _check_out(self, out: Array) -> None:
+        self._check_shape(out)
+        if out.dtype.name not in _DTYPES:
+            raise TypeError(f"out: {out.dtype} is none of {', '.join(_DTYPES)}")
+        if not out.flags.writeable:
+            raise ValueError("out: the array cannot be written to")
 
     def _check_shape(self, array: Array) -> None:
         """ValueError for arrays that are not frames of this sound."""
@@ -235,34 +276,40 @@ class Sound:
 
     def _fill(self, reader: _core.Reader, out: Array) -> int:
         """Fills an array as far as the sound goes, and returns how far that is."""
-        is_direct = out.dtype in _DIRECT and out.flags.c_contiguous and out.flags.writeable
-        if not is_direct and out.dtype.name not in _DTYPES:
-            raise TypeError(f"out: {out.dtype} is none of {', '.join(_DTYPES)}")
-        between = out.dtype.newbyteorder("=") if out.dtype.newbyteorder("=") in _DIRECT \
-            else np.dtype("float32")
+        is_direct = out.dtype in _DIRECT and out.flags.c_contiguous
+        between, scale = _way_of(out.dtype, self._format)
         done = 0
         while done < len(out):
             piece = out[done:done + (_FRAMES_AT_ONCE if is_direct else _FRAMES_OF_PIECE)]
             into = piece if is_direct else np.empty(piece.shape, between)
+            count = 0
             try:
                 count = reader.read_into(into)
             except _core.VoxplayError as error:
-                if not is_direct:
-                    piece[:error.frames_read] = into[:error.frames_read]
+                count = error.frames_read
                 error.frames_read += done
                 raise
-            if not is_direct:
-                piece[:count] = into[:count]
+            finally:
+                if not is_direct:
+                    piece[:count] = into[:count] if scale is None else into[:count] * scale
             done += count
             if count == 0:
                 break
         return done
 
-    def _read_to_unknown_end(self, dtype: npt.DTypeLike, always_2d: bool) -> Array:
-        pieces = []
-        while len(piece := self.read(_FRAMES_OF_PIECE, dtype, always_2d)):
-            pieces.append(piece)
-        return np.concatenate(pieces) if pieces else self._empty(0, dtype, always_2d)
+    def _read_what_comes(self, frames: int, dtype: npt.DTypeLike, always_2d: bool) -> Array:
+        """Reads piece by piece, because what such an input says of its length may be anything."""
+        pieces = [self._empty(0, dtype, always_2d)]
+        done = 0
+        while frames < 0 or done < frames:
+            wanted = _FRAMES_OF_PIECE if frames < 0 else min(_FRAMES_OF_PIECE, frames - done)
+            piece = self._empty(wanted, dtype, always_2d)
+            count = self._fill(self._open_reader(), piece)
+            if count == 0:
+                break
+            pieces.append(piece[:count])
+            done += count
+        return np.concatenate(pieces)
 
     def blocks(self, blocksize: Optional[int] = None, overlap: int = 0, frames: int = -1,
                dtype: npt.DTypeLike = "float32", always_2d: bool = False,
@@ -289,7 +336,7 @@ class Sound:
     def _blocks(self, blocksize: int, overlap: int, frames: int, dtype: npt.DTypeLike,
                 always_2d: bool, fill_value: Optional[float],
                 out: Optional[Array]) -> Iterator[Array]:
-        again = self._empty(0, dtype if out is None else out.dtype, always_2d)
+        again = self._empty(0, dtype, always_2d) if out is None else out[:0].copy()
         while True:
             block = self._empty(blocksize, dtype, always_2d) if out is None else out
             kept = len(again)
@@ -308,17 +355,23 @@ class Sound:
 
     def seek(self, frames: int, whence: int = SEEK_SET) -> int:
         """Moves to a frame, counted as in ``io``; returns where that is."""
-        reader = self._open_reader()
-        if whence == SEEK_CUR:
-            frames += reader.tell()
-        elif whence == SEEK_END:
-            frames += len(self)
-        elif whence != SEEK_SET:
-            raise ValueError(f"whence: {whence} is none")
-        if frames < 0:
-            raise ValueError(f"frame {frames} is before the sound")
-        reader.seek(frames)
-        return frames
+        with self._lock:
+            reader = self._open_reader()
+            frames = operator.index(frames)
+            if whence == SEEK_CUR:
+                frames += reader.tell()
+            elif whence == SEEK_END:
+                frames += len(self)
+            elif whence != SEEK_SET:
+                raise ValueError(f"whence: {whence} is none")
+            if not 0 <= frames < 1 << 64:
+                raise ValueError(f"there is no frame {frames}")
+            reader.seek(frames)
+            return frames
+
+    def seekable(self) -> bool:
+        """Whether ``seek`` can go back."""
+        return self.mode == "r" and self._goes_back
 
     def tell(self) -> int:
         return self._written if self.mode == "w" else self._open_reader().tell()
@@ -327,20 +380,21 @@ class Sound:
 
     def write(self, data: npt.ArrayLike) -> None:
         """Writes frames: float32, float64, int16 or int32, of the shape that ``read`` gives."""
-        writer = self._open_writer()
         samples = np.asarray(data)
         self._check_shape(samples)
         if samples.dtype.name not in _DTYPES:
             raise TypeError(f"data: {samples.dtype} is none of {', '.join(_DTYPES)}")
-        if self._notes_sent is None and self.notes:
-            self._send_notes(writer)
-        kind = samples.dtype.newbyteorder("=")
-        if kind not in _DIRECT:
-            kind = np.dtype("float32")
-        for first in range(0, len(samples), _FRAMES_AT_ONCE):
-            piece = np.ascontiguousarray(samples[first:first + _FRAMES_AT_ONCE], kind)
-            writer.write(piece)
-            self._written += len(piece)
+        between, scale = _way_of(samples.dtype, self._format)
+        with self._lock:
+            writer = self._open_writer()
+            if self._notes_sent is None and self.notes:
+                self._send_notes(writer)
+            for first in range(0, len(samples), _FRAMES_AT_ONCE):
+                piece = samples[first:first + _FRAMES_AT_ONCE]
+                if scale is not None:
+                    piece = _as_integers(piece)
+                writer.write(np.ascontiguousarray(piece, between))
+                self._written += len(piece)
 
     def _send_notes(self, writer: _core.Writer) -> None:
         records = notes_to_core(self.notes)
@@ -350,25 +404,35 @@ class Sound:
 
     def abandon(self) -> None:
         """Ends writing without a file; what had its name stays."""
-        if self._writer is not None:
-            self._writer.abandon()
-            self._writer = None
+        with self._lock:
+            if self._writer is not None:
+                writer, self._writer = self._writer, None
+                writer.abandon()
 
     def close(self) -> None:
-        """Ends reading; or writes what is left, and lets the file appear."""
-        if self._reader is not None:
-            self._format = self._reader.info()
-            self._reader.close()
-            self._reader = None
-        if self._writer is not None:
-            writer = self._writer
-            try:
+        """Ends reading; or writes what is left, and lets the file appear.
+
+        Notes that no file can hold raise an exception here, and the sound stays open.
+        """
+        with self._lock:
+            if self._reader is not None:
+                reader, self._reader = self._reader, None
+                self._format = reader.info()
+                reader.close()
+            if self._writer is not None:
                 if self.notes or self._notes_sent is not None:
-                    self._send_notes(writer)
-                self._lost = [text.decode("utf-8", "replace") for text in writer.finish()]
-            finally:
+                    self._send_notes(self._writer)
                 # After a failure there is nothing to finish any more.
-                self.abandon()
+                writer, self._writer = self._writer, None
+                try:
+                    self._lost = [text.decode("utf-8", "replace") for text in writer.finish()]
+                finally:
+                    writer.abandon()
+
+    def __del__(self) -> None:
+        if getattr(self, "_writer", None) is not None:
+            warnings.warn(f"{self.name} was not closed, so it is not written", ResourceWarning,
+                          source=self)
 
     def __enter__(self) -> Sound:
         return self
@@ -390,6 +454,32 @@ class Sound:
             raise ValueError("the sound is closed" if self.mode == "w" else
                              "the sound is open for reading only")
         return self._writer
+
+
+def _goes_back(file: Any) -> bool:
+    if hasattr(file, "seekable"):
+        return bool(file.seekable())
+    return hasattr(file, "seek") and hasattr(file, "tell")
+
+
+def _way_of(dtype: "np.dtype[Any]", format: Dict[str, Any]) -> "tuple[np.dtype[Any], Optional[float]]":
+    """As which type samples of another type or byte order go through the library.
+
+    Integers of 32 bits have more of them than float32, so float64 goes through int32 there, with the
+    factor that makes them lie in -1 to 1.
+    """
+    native = dtype.newbyteorder("=")
+    if native in _DIRECT:
+        return native, None
+    if format["codec"] == _formats.PCM and format["bits_per_sample"] > 24:
+        return np.dtype("int32"), 1 / 2147483648
+    return np.dtype("float32"), None
+
+
+def _as_integers(samples: Array) -> Array:
+    scaled = np.rint(np.where(np.isnan(samples), 0.0, samples) * 2147483648.0)
+    limited: Array = np.clip(scaled, -2147483648, 2147483647).astype(np.int32)
+    return limited
 
 
 def _path_of(path: Union[str, os.PathLike[str]]) -> bytes:

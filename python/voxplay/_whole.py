@@ -97,6 +97,9 @@ def _go_to(sound: Sound, frames: int, start: int, stop: Optional[int]) -> int:
         first, end = start, stop if stop is not None else start
     else:
         first, end, _ = slice(start, stop).indices(len(sound))
-    if first > 0:
+    if first > 0 and sound.frames is None:
+        # Only reading tells where such an input ends.
+        sound.read(first)
+    elif first > 0:
         sound.seek(first)
     return frames if stop is None else max(0, end - first)

@@ -10,6 +10,7 @@
 
 from __future__ import annotations
 
+import operator
 from typing import Union
 
 import numpy as np
@@ -23,6 +24,14 @@ __all__ = ["FRAME", "Encoder", "Decoder"]
 FRAME: int = _core.KESTREL_FRAME
 
 
+def _checked(bit_rate: int) -> int:
+    """The core tells which rates there are, as far as they are of a sensible size."""
+    rate = operator.index(bit_rate)
+    if not 0 <= rate < 1 << 32:
+        raise ValueError(f"bit rates: {rate} is none of them")
+    return rate
+
+
 class Encoder:
     """Encodes the frames of one stream, at a multiple of 800 from 4,800 to 32,000 bit/s.
 
@@ -30,8 +39,8 @@ class Encoder:
     """
 
     def __init__(self, bit_rate: int) -> None:
-        self.bit_rate = bit_rate
-        self._encoder = _core.KestrelEncoder(bit_rate)
+        self.bit_rate = _checked(bit_rate)
+        self._encoder = _core.KestrelEncoder(self.bit_rate)
 
     @property
     def frame_bytes(self) -> int:
@@ -58,9 +67,9 @@ class Decoder:
     """
 
     def __init__(self, bit_rate: int) -> None:
-        self.bit_rate = bit_rate
+        self.bit_rate = _checked(bit_rate)
         self.damaged_frames = 0
-        self._decoder = _core.KestrelDecoder(bit_rate)
+        self._decoder = _core.KestrelDecoder(self.bit_rate)
 
     @property
     def frame_bytes(self) -> int:

@@ -36,7 +36,7 @@ def all_notes():
         events=[voxplay.Event(100, 3, 4), voxplay.Event(900, 65535, 65535)],
         silence=[voxplay.Range(0, 50), voxplay.Range(500, 20)],
         regions=[voxplay.Range(200, 30)],
-        cues=[voxplay.Cue(7, 333), voxplay.Cue(9, 444, position=1, chunk_start=2, block_start=3)],
+        cues=[voxplay.Cue(7, 333), voxplay.Cue(9, 1, 444, chunk_start=2, block_start=3)],
         labels=[voxplay.Label(7, "second word"), voxplay.Label(7, "unclear", "note"),
                 voxplay.Label(9, "größer")],
         region_texts=[voxplay.RegionText(9, 55, "noise", country=49, language=9, dialect=1,

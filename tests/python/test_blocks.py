@@ -41,6 +41,12 @@ def test_an_array_of_the_callers_holds_each_block(counted):
     assert got == [[0, 1, 2, 3], [3, 4, 5, 6], [6, 7, 8, 9]]
 
 
+def test_blocks_of_one_channel_may_have_two_dimensions(counted):
+    out = np.zeros((4, 1), np.int16)
+    got = [block.copy() for block in voxplay.blocks(counted, out=out, overlap=1)]
+    assert [block.shape for block in got] == [(4, 1)] * 3 and got[2].ravel().tolist() == [6, 7, 8, 9]
+
+
 def test_blocks_begin_where_the_sound_stands(counted):
     with voxplay.Sound(counted) as sound:
         sound.seek(7)

@@ -56,14 +56,19 @@ def test_what_are_no_frames_is_refused():
             kestrel.Encoder(bit_rate)
         with pytest.raises(ValueError, match="bit rates"):
             kestrel.Decoder(bit_rate)
+    for bit_rate in (-1, 10 ** 30):
+        with pytest.raises(ValueError, match="bit rates"):
+            kestrel.Decoder(bit_rate)
     with pytest.raises(TypeError):
-        kestrel.Encoder(-1)
+        kestrel.Encoder(16000.0)
     encoder, decoder = kestrel.Encoder(16000), kestrel.Decoder(16000)
     with pytest.raises(ValueError, match="whole frames of 320"):
         encoder.encode(np.zeros(319, np.int16))
     for samples in (np.zeros(320), np.zeros(320, np.uint16), np.zeros((1, 320), np.int16)):
         with pytest.raises(TypeError, match="int16"):
             encoder.encode(samples)
+    with pytest.raises(ValueError, match="one after the other"):
+        decoder._decoder.decode(memoryview(bytes(80))[::2], np.zeros(320, np.int16))
     with pytest.raises(ValueError, match="whole frames of 40"):
         decoder.decode(b"x" * 41)
     assert encoder.encode(np.zeros(0, np.int16)) == b"" and len(decoder.decode(b"")) == 0

@@ -77,12 +77,12 @@ def test_texts_keep_their_bytes_in_whatever_encoding(texts, encoding):
 
 
 @pytest.mark.parametrize("kind, record, said", [
-    ("events", voxplay.Event(0, 65536), "events[0]: main_command is 65536, and not from 0 to 65535"),
-    ("events", voxplay.Event(-1), "events[0]: frame is -1"),
-    ("events", voxplay.Event(0, data=1 << 32), "data is 4294967296"),
-    ("cues", voxplay.Cue(1, 2, chunk="toolong"), "chunk is b'toolong', and not four characters"),
-    ("chunks", voxplay.Chunk("abc", b""), "id is b'abc'"),
-    ("labels", voxplay.Label(1, "a\0b"), "labels[0]: text has a zero in it"),
+    ("events", voxplay.Event(0, 65536), "events[0]: main_command: 65536 is not from 0 to 65535"),
+    ("events", voxplay.Event(-1), "events[0]: frame: -1 is not from 0 to"),
+    ("events", voxplay.Event(0, data=1 << 32), "data: 4294967296"),
+    ("cues", voxplay.Cue(1, 2, chunk="toolong"), "cues[0]: chunk: 'toolong' is not four characters"),
+    ("chunks", voxplay.Chunk("abc", b""), "chunks[0]: id: 'abc'"),
+    ("labels", voxplay.Label(1, "a\0b"), "labels[0]: text: a zero in it would end it"),
 ])
 def test_what_no_file_can_hold_is_refused_with_its_place(kind, record, said, folder):
     with pytest.raises(ValueError) as refused:
@@ -91,23 +91,45 @@ def test_what_no_file_can_hold_is_refused_with_its_place(kind, record, said, fol
     assert not (folder / "x.wav").exists()
 
 
-def test_records_of_another_kind_are_refused():
-    with pytest.raises(TypeError, match="Range is not Event"):
-        voxplay.write("x.wav", np.zeros(5, np.int16), 8000,
-                      notes=voxplay.Notes(events=[voxplay.Range(0, 1)]))
-    with pytest.raises(UnicodeEncodeError):
-        voxplay.write("x.wav", np.zeros(5, np.int16), 8000,
-                      notes=voxplay.Notes(encoding="cp1252", cues=[voxplay.Cue(1, 0)],
-                                          labels=[voxplay.Label(1, "日本")]))
+@pytest.mark.parametrize("notes, said", [
+    (voxplay.Notes(events=[voxplay.Range(0, 1)]), "events[0]: Range is not Event"),
+    (voxplay.Notes(sampler=voxplay.Loop(0, 1)), "sampler: Loop is not Sampler"),
+    (voxplay.Notes(events=[voxplay.Event(800.7)]), "events[0]: frame: 'float' object"),
+    (voxplay.Notes(chunks=[voxplay.Chunk("abcd", 5)]), "chunks[0]: data: memoryview"),
+    (voxplay.Notes(labels=[voxplay.Label(1, b"x")]), "labels[0]: text: bytes is no text"),
+])
+def test_records_of_another_kind_are_refused_with_their_place(notes, said):
+    with pytest.raises(TypeError) as refused:
+        voxplay.write("x.wav", np.zeros(5, np.int16), 8000, notes=notes)
+    assert str(refused.value).startswith(said)
 
 
-def test_places_follow_another_sampling_rate(all_notes):
-    doubled = all_notes.scaled(2)
-    assert [event.frame for event in doubled.events] == [200, 1800]
-    assert doubled.silence == [voxplay.Range(0, 100), voxplay.Range(1000, 40)]
-    assert [cue.sample_offset for cue in doubled.cues] == [666, 888]
-    assert (doubled.region_texts[0].count, doubled.loops[1].last) == (110, 80)
-    assert doubled.sampler.sample_period == 31250
-    assert doubled.events[0] is not all_notes.events[0]
-    assert all_notes.scaled(1) == all_notes
-    assert all_notes.scaled(1 / 1000).silence == [voxplay.Range(0, 1), voxplay.Range(0, 1)]
+def test_records_of_derived_classes_are_taken():
+    class Cough(voxplay.Event):
+        pass
+
+    voxplay.write("x.wav", np.zeros(5, np.int16), 8000, notes=voxplay.Notes(events=[Cough(3)]))
+    assert notes_of("x.wav").events == [voxplay.Event(3)]
+
+
+def test_text_that_the_encoding_lacks_is_refused_and_the_sound_stays_open():
+    sound = voxplay.Sound("x.wav", "w", 8000, 1)
+    sound.write(np.zeros(5, np.int16))
+    sound.notes = voxplay.Notes(encoding="cp1252", cues=[voxplay.Cue(1, 0)],
+                                labels=[voxplay.Label(1, "日本")])
+    with pytest.raises(ValueError, match=r"labels\[0\]: text: 'charmap'"):
+        sound.close()
+    sound.notes.encoding = "utf-8"
+    sound.close()
+    assert notes_of("x.wav").labels == [voxplay.Label(1, "日本")]
+
+
+def test_a_cue_has_one_place_unless_it_says_two():
+    voxplay.write("x.wav", np.zeros(10, np.int16), 8000,
+                  notes=voxplay.Notes(cues=[voxplay.Cue(1, 7)], labels=[voxplay.Label(1, "take_1")]))
+    got = notes_of("x.wav")
+    assert (got.cues[0].position, got.cues[0].sample_offset, got.cues[0].frame) == (7, 7, 7)
+    # Such a label means an event, which is at its cue point.
+    assert [event.frame for event in got.events] == [7]
+    assert voxplay.Cue(1, 0, 7).frame == voxplay.Cue(1, 7, 0).frame == 7
+    assert voxplay.Cue(1, 3, 7).frame == 7 and voxplay.Cue(1, 3, 7, block_start=9).frame == 3

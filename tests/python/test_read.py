@@ -40,6 +40,17 @@ def test_wav_reads_as_soundfile_reads_it(noise, subtype, channels):
     assert (info.format, info.subtype, info.duration) == ("WAV", subtype, theirs.duration)
 
 
+def test_float64_keeps_all_bits_of_integers():
+    wide = np.random.default_rng(2).integers(-2 ** 31, 2 ** 31, 1000, np.int32)
+    soundfile.write("x.wav", wide, 8000, "PCM_32")
+    exact = soundfile.read("x.wav")[0]
+    assert np.array_equal(voxplay.read("x.wav", dtype="float64")[0], exact)
+    voxplay.write("y.wav", exact, 8000, "PCM_32")
+    assert np.array_equal(voxplay.read("y.wav", dtype="int32")[0], wide)
+    voxplay.write("y.wav", np.array([2.0, -2.0, np.nan, np.inf]), 8000, "PCM_32")
+    assert voxplay.read("y.wav", dtype="int32")[0].tolist() == [2 ** 31 - 1, -2 ** 31, 0, 2 ** 31 - 1]
+
+
 def test_one_channel_is_flat_unless_two_dimensions_are_wanted(noise):
     voxplay.write("one.wav", noise(10), 8000)
     voxplay.write("two.wav", noise(10, 2), 8000)
@@ -94,8 +105,24 @@ def test_arrays_that_cannot_be_filled_are_refused():
         voxplay.read("speech.kst", out=np.zeros((5, 2), np.int16))
     still = np.zeros(5, np.int16)
     still.flags.writeable = False
-    with pytest.raises(ValueError):
-        voxplay.read("speech.kst", out=still)
+    with voxplay.Sound("speech.kst") as sound:
+        with pytest.raises(ValueError, match="written"):
+            sound.read(out=still)
+        with pytest.raises((ValueError, OverflowError)):
+            sound.read(10, "int16", fill_value=float("nan"), out=np.zeros(20, np.int16))
+        assert sound.tell() == 0
+
+
+@pytest.mark.parametrize("frames", [-1, 0, 2, 5, 9])
+@pytest.mark.parametrize("fill_value", [None, 7])
+def test_filled_arrays_are_those_of_soundfile(frames, fill_value):
+    voxplay.write("x.wav", np.array([1, 2, 3], np.int16), 8000)
+    ours, theirs = np.full(6, 9, np.int16), np.full(6, 9, np.int16)
+    if frames > 6:
+        frames = 6
+    got = voxplay.read("x.wav", frames, fill_value=fill_value, out=ours)[0]
+    expected = soundfile.read("x.wav", frames, fill_value=fill_value, out=theirs)[0]
+    assert got.tolist() == expected.tolist() and ours.tolist() == theirs.tolist()
 
 
 def test_paths_bytes_and_file_objects_give_the_same():
@@ -130,6 +157,15 @@ def test_what_only_goes_forward_is_read_to_its_end(noise):
     assert np.array_equal(voxplay.read(Pipe(content), dtype="int16")[0], samples)
     got = voxplay.read(Pipe(content), start=10000, stop=20000, dtype="int16")[0]
     assert np.array_equal(got, samples[10000:20000])
+    assert voxplay.read(Pipe(content), start=50000)[0].shape == (0, 2)
+    # What it says of its length is not believed.
+    claims = content[:40] + (0xFFFFFFF0).to_bytes(4, "little") + content[44:]
+    with voxplay.Sound(Pipe(claims)) as sound:
+        assert not sound.seekable() and sound.frames > 10 ** 9
+        got = sound.read(dtype="int16")
+        assert np.array_equal(got, samples) and got.base is None
+    assert len(voxplay.read(Pipe(claims), 10 ** 12)[0]) == 40000
+    assert len(voxplay.read(Pipe(content), 40005, fill_value=0)[0]) == 40005
     # A pipe's own header does not know the length.
     unknown = content[:4] + b"\xff" * 4 + content[8:40] + b"\xff" * 4 + content[44:]
     with voxplay.Sound(Pipe(unknown)) as sound:
@@ -153,7 +189,8 @@ def test_seeking_lands_on_the_frame():
             assert np.array_equal(sound.read(500, "int16"), whole[frame:frame + 500])
         assert sound.seek(-10, voxplay.SEEK_END) == 80630
         assert sound.seek(-10, voxplay.SEEK_CUR) == 80620
-        for frame, whence in ((-1, voxplay.SEEK_SET), (0, 7)):
+        assert sound.seekable()
+        for frame, whence in ((-1, voxplay.SEEK_SET), (0, 7), (10 ** 30, voxplay.SEEK_SET)):
             with pytest.raises(ValueError):
                 sound.seek(frame, whence)
         with pytest.raises(voxplay.VoxplayError):
@@ -202,5 +239,7 @@ def test_probe_tells_formats_and_failed_tests():
     assert (probe.format, probe.codec, probe.supported) == ("SP", "KESTREL", True)
     nothing = voxplay.probe(b"nothing of ours")
     assert not nothing and nothing.format is None and nothing.text.count("\n") > 2
+    with open("speech.kst", "rb") as file:
+        assert voxplay.probe(file).format == "SP" and file.tell() == 0
     with pytest.raises(FileNotFoundError):
         voxplay.probe("missing.kst")

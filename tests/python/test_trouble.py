@@ -6,6 +6,8 @@ import io
 import os
 import pathlib
 import signal
+import subprocess
+import sys
 import threading
 import time
 
@@ -13,6 +15,7 @@ import numpy as np
 import pytest
 
 import voxplay
+from voxplay import _core as core
 
 
 @pytest.mark.parametrize("content, status", [
@@ -144,6 +147,36 @@ def test_what_a_file_object_raises_comes_out(noise, name):
     assert call > 2
 
 
+@pytest.mark.parametrize("method, answer", [
+    ("tell", None), ("tell", -5), ("tell", "x"), ("write", -1), ("write", "x"), ("write", 10 ** 30),
+    ("write", 0),
+])
+def test_numbers_that_are_none_are_told(method, answer, noise):
+    class Odd(io.BytesIO):
+        pass
+
+    setattr(Odd, method, lambda *_: answer)
+    with pytest.raises((TypeError, ValueError), match=rf"{method}\(\) of the file object"):
+        voxplay.write(Odd(), noise(10), 8000, format="WAV")
+
+
+def test_a_raw_file_that_takes_nothing_is_no_success(noise):
+    reading, writing = os.pipe()
+    os.set_blocking(writing, False)
+    with open(writing, "wb", buffering=0) as file, open(reading, "rb"):
+        with pytest.raises(BlockingIOError, match="took nothing"):
+            voxplay.write(file, noise(1000000), 8000, format="WAV")
+
+
+def test_read_may_give_any_bytes():
+    class Odd(io.BytesIO):
+        def read(self, size=-1):
+            return bytearray(super().read(size))
+
+    content = pathlib.Path("speech.kst").read_bytes()
+    assert len(voxplay.read(Odd(content))[0]) == 80640
+
+
 @pytest.mark.parametrize("answer, raised", [
     ("text", TypeError), (None, TypeError), (7, TypeError), (b"x" * (2 << 20), ValueError),
 ])
@@ -239,9 +272,11 @@ def test_threads_share_one_sound_in_turns():
     assert sum(counts) == 80640
 
 
-def test_a_sound_may_be_closed_while_another_thread_reads():
-    for _ in range(20):
-        sound = voxplay.Sound("speech.kst")
+@pytest.mark.parametrize("kind", ["path", "file"])
+def test_a_sound_may_be_closed_while_another_thread_reads(kind):
+    content = pathlib.Path("speech.kst").read_bytes()
+    for _ in range(50):
+        sound = voxplay.Sound("speech.kst" if kind == "path" else io.BytesIO(content))
         ended = []
 
         def work():
@@ -254,9 +289,72 @@ def test_a_sound_may_be_closed_while_another_thread_reads():
         thread = threading.Thread(target=work)
         thread.start()
         sound.read(10)
+        closing = threading.Thread(target=sound.close)
+        closing.start()
         sound.close()
         thread.join()
+        closing.join()
         assert ended in ([], ["the sound is closed"])
+
+
+def test_the_core_may_be_closed_while_another_thread_uses_it():
+    content = pathlib.Path("speech.kst").read_bytes()
+    for _ in range(50):
+        reader = core.Reader.open_file(io.BytesIO(content), 0)
+
+        def work():
+            samples = np.empty(1000, np.int16)
+            try:
+                while reader.read_into(samples):
+                    reader.info(), reader.notes()
+            except voxplay.VoxplayError as error:
+                assert error.status == "wrong_state"
+
+        threads = [threading.Thread(target=work) for _ in range(4)]
+        for thread in threads:
+            thread.start()
+        reader.close()
+        for thread in threads:
+            thread.join()
+
+
+def test_each_call_of_a_thread_gets_frames_that_follow_each_other():
+    whole = voxplay.read("speech.kst", dtype="float64")[0]
+    sound = voxplay.Sound("speech.kst")
+    got = []
+
+    def work():
+        while len(piece := sound.read(20011, "float64")):
+            got.append(piece)
+
+    threads = [threading.Thread(target=work) for _ in range(4)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert sum(map(len, got)) == 80640
+    for piece in got:
+        assert any(np.array_equal(piece, whole[first:first + len(piece)])
+                   for first in range(0, 80640, 20011))
+
+
+DAEMON = """
+import io, sys, threading, time, voxplay
+content = open('speech.kst', 'rb').read()
+def work():
+    while True:
+        voxplay.read(io.BytesIO(content) if sys.argv[1] == 'file' else content)
+for _ in range(3):
+    threading.Thread(target=work, daemon=True).start()
+time.sleep(0.2)
+"""
+
+
+@pytest.mark.parametrize("kind", ["bytes", "file"])
+def test_the_interpreter_ends_while_threads_work(kind):
+    for _ in range(5):
+        done = subprocess.run([sys.executable, "-c", DAEMON, kind], capture_output=True, text=True)
+        assert (done.returncode, done.stderr) == (0, "")
 
 
 def test_ctrl_c_ends_a_long_call(folder):

@@ -86,11 +86,12 @@ def test_kinds_that_are_none_are_refused():
     assert "WAV" in voxplay.format_problem("WAV", "HERON_4")
     assert voxplay.format_problem("wav", "pcm_16") == ""
     for how in ({"format": "nonsense"}, {"subtype": "nonsense"}, {"samplerate": 0},
-                {"samplerate": 1 << 32}):
+                {"samplerate": 1 << 32}, {"samplerate": 8000.5}, {"samplerate": -1}):
         with pytest.raises(ValueError):
             voxplay.write("x.wav", np.zeros(5, np.int16), **{"samplerate": 8000, **how})
-    with pytest.raises(ValueError, match="format"):
-        voxplay.write("noextension", np.zeros(5, np.int16), 8000)
+    for name in ("noextension", "folder.wav/noextension"):
+        with pytest.raises(ValueError, match="format: the name does not say it"):
+            voxplay.write(name, np.zeros(5, np.int16), 8000)
     assert os.listdir() == ["speech.kst"]
 
 
@@ -130,7 +131,8 @@ def test_an_exception_leaves_what_was_there(noise):
     assert pathlib.Path("x.wav").read_bytes() == b"as it was"
     forgotten = voxplay.Sound("x.wav", "w", 8000, 1)
     forgotten.write(noise(10))
-    del forgotten
+    with pytest.warns(ResourceWarning, match="x.wav was not closed"):
+        del forgotten
     assert sorted(os.listdir()) == ["speech.kst", "x.wav"]
     assert pathlib.Path("x.wav").read_bytes() == b"as it was"
 
@@ -158,8 +160,24 @@ def test_modes_take_what_belongs_to_them():
     for file in (5, None, b"bytes"):
         with pytest.raises(TypeError, match="file"):
             voxplay.Sound(file, "w", 8000, 1, format="WAV")
+    with pytest.raises(TypeError, match="reading only"):
+        voxplay.Sound("x.wav", "w", 8000, 1, stream=True)
     with pytest.raises(ValueError, match="zero"):
         voxplay.Sound("with\0zero.wav", "w", 8000, 1)
+
+
+def test_rates_may_come_as_floats_and_files_tell_their_format(noise):
+    with open("x.vef", "wb+") as file:
+        voxplay.write(file, noise(10), 16000.0)
+    assert voxplay.info("x.vef").format == "VEF" and len({voxplay.info("x.vef")}) == 1
+
+
+def test_the_folder_may_change_before_a_sound_is_closed(noise, folder):
+    (folder / "other").mkdir()
+    with voxplay.Sound("x.wav", "w", 8000, 1) as sound:
+        sound.write(noise(10))
+        os.chdir("other")
+    assert (folder / "x.wav").exists() and not os.listdir()
 
 
 def test_a_stream_needs_a_frame():
