@@ -104,7 +104,9 @@ table=$(inside env -C /tmp MPLBACKEND=Agg MPLCONFIGDIR=/tmp /usr/bin/python3 "$e
 
 echo "  removes everything"
 inside apt-get -qq purge '*voxplay*' >>"$log" 2>&1
-inside apt-get -qq autoremove --purge >>"$log" 2>&1
+# What came along goes, even if something that was there before would like to have it.
+inside apt-get -qq autoremove --purge -o APT::AutoRemove::RecommendsImportant=false \
+  -o APT::AutoRemove::SuggestsImportant=false >>"$log" 2>&1
 names | LC_ALL=C diff "$bare.names-before" - || fail "packages are left"
 files | LC_ALL=C diff "$bare.before" - || fail "files are left, or gone"
 rm -rf "$bare"
