@@ -22,6 +22,8 @@ class C_PlayClock {
   void Jump(std::uint64_t qwFrame);
 
   [[nodiscard]] std::uint64_t Frame(Time now) const;
+  // The end of what was given.
+  [[nodiscard]] std::uint64_t LastFrame() const { return m_qwEnd; }
 
  private:
   std::uint32_t m_dwRate;

@@ -174,6 +174,8 @@ void C_PlayedSound::PlayOut() {
     Show(false);
   }
   ThrowIfInterrupted();
+  // On a busy machine, the last look may have been long before the end.
+  if (!m_wanted && m_file.bShowMarks) ShowMarks(m_player.LastFrame());
 }
 
 void C_PlayedSound::Show(bool bNow) {

@@ -62,6 +62,11 @@ std::optional<std::string> C_SoundPlayer::Failure() {
   return m_ahead.Failure();
 }
 
+std::uint64_t C_SoundPlayer::LastFrame() const {
+  const std::lock_guard lock(m_lock);
+  return m_clock.LastFrame();
+}
+
 // The memory is silent on entry, and what the decoder does not have in time stays so.
 bool C_SoundPlayer::RenderFrames(void* pFrames, UInt32 dwFrames) {
   const std::span samples(static_cast<float*>(pFrames),

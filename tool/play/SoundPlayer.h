@@ -38,6 +38,8 @@ class C_SoundPlayer final : private toolbox::I_RenderSource {
   void Skip(double dSeconds);
   // The frame that is heard now.
   [[nodiscard]] std::uint64_t Frame() const;
+  // The end of what was given to the device.
+  [[nodiscard]] std::uint64_t LastFrame() const;
   // Whether the device has got everything.
   [[nodiscard]] bool AllGiven() const { return m_ahead.Drained(); }
   // Returns when the device has played everything that it was given, or at once when it was cut.

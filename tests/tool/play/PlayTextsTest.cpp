@@ -107,6 +107,7 @@ TEST(PlayClock, GivenFrames_CountWhenTheyAreHeard) {
   EXPECT_EQ(clock.Frame(begin + 200ms), 2600U);
   EXPECT_EQ(clock.Frame(begin + 600ms), 5800U);
   EXPECT_EQ(clock.Frame(begin + 900ms), 5800U) << "nothing more was given";
+  EXPECT_EQ(clock.LastFrame(), 5800U);
 }
 
 TEST(PlayClock, AfterAJump_IsThereAtOnce) {
