@@ -33,7 +33,7 @@ C_SpoolFile::C_SpoolFile() {
 }
 
 void C_SpoolFile::Append(const void* pBytes, std::size_t cbCount) {
-  // Nothing may stand nowhere, which the C library does not take.
+  // No bytes may come with a null pointer, which the C library does not take.
   if (cbCount == 0) return;
   if (m_bReading) MoveTo(m_qwLength);
   m_bReading = false;

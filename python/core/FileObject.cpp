@@ -76,7 +76,7 @@ voxplay_output C_FileObject::Output() {
   return output;
 }
 
-// The library is C to whoever calls it, so nothing may be thrown through it.
+// The library calls this through a C interface, so no exception may leave it.
 template <typename Result, typename Work>
 Result C_FileObject::Guarded(Result failed, Work&& fnWork) {
   const C_LockedAgain locked;

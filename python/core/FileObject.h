@@ -3,7 +3,7 @@
 // A file object of Python as an input or an output of the library: anything with read() or write(),
 // and, where seekable() does not deny it, with seek() and tell(). What its methods raise ends the
 // call of the library, and is raised again by it. A file object that holds its own sound is never
-// collected, because the library's side of the circle cannot be seen.
+// collected, because Python cannot see that the library refers back to it.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -23,7 +23,7 @@ namespace python {
 
 class C_FileObject {
  public:
-  // With Python's lock. The functions below take it themselves, but for RaiseAgain.
+  // The caller holds Python's lock. The functions in the records take it themselves.
   explicit C_FileObject(pybind11::object file);
 
   // Both records point to this object.
@@ -62,9 +62,9 @@ auto ResultOf(Work& fnWork) {
   }
 }
 
-// Runs fnWork as C_Turn does. What the file object, if there is one, has raised meanwhile says more
-// than what the library makes of it, and is raised in any case. The pointer is looked at in the
-// turn only, because another thread may close the sound.
+// Runs fnWork as C_Turn does. If the file object has raised an exception meanwhile, that one is
+// raised again, because it says more than the library's failure. The pointer is used only during
+// the turn, because another thread may close the sound.
 template <typename Work>
 auto TakeWithFile(C_Turn& turn, const std::unique_ptr<C_FileObject>& pFile, Work&& fnWork) {
   std::optional<pybind11::error_already_set> raised;
@@ -72,7 +72,7 @@ auto TakeWithFile(C_Turn& turn, const std::unique_ptr<C_FileObject>& pFile, Work
     if (pFile) raised = pFile->TakeRaised();
   };
   std::optional<S_Failure> failure;
-  // What the library allocates may be refused, too, and whatever was raised does not matter then.
+  // When the library runs out of memory, that is raised, whatever the file object has raised.
   auto result = turn.Take([&] {
     std::optional<decltype(ResultOf(fnWork))> done;
     try {

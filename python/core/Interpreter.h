@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Python's lock. Our own guards, because a thread that still works when the program ends gets the
-// lock no more: Python then ends the thread from within, which no destructor survives. These let it
-// wait for the end of the process instead.
+// Guards for Python's lock. When the program ends, Python does not give the lock to threads that
+// are still working: it ends such a thread inside the call that asks for the lock. In a destructor
+// that would stop the whole program, so with these guards the thread waits for the end of the
+// process.
 #pragma once
 
 #include <Python.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ReaderObject.h"
 
-#include <type_traits>
+#include <new>
 #include <utility>
 #include <vector>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Lets one caller at a time use an object, because Python's threads run together while the library
-// works. Whoever comes second waits. A function that the library calls may not come back to the
-// same object: it would wait for itself, so it gets an exception.
+// Lets one thread at a time use an object, because Python's other threads keep running while the
+// library works. The others wait for their turn. If the library calls a function that uses the same
+// object again, that function would wait for itself, so it gets an exception instead.
 #pragma once
 
 #include <atomic>

@@ -17,13 +17,11 @@ std::uint32_t Member(const py::dict& members, const char* pszName) {
   return py::cast<std::uint32_t>(members[pszName]);
 }
 
-using S_Raised = std::optional<py::error_already_set>;
-
 // Python only remembers a signal until somebody asks. pUser gets what its handler raises.
 int EndAtSignal(void* pUser, std::uint64_t /*qwDone*/, std::uint64_t /*qwAll*/) {
   const C_LockedAgain locked;
   if (PyErr_CheckSignals() == 0) return 0;
-  static_cast<S_Raised*>(pUser)->emplace();
+  static_cast<std::optional<py::error_already_set>*>(pUser)->emplace();
   return 1;
 }
 
@@ -101,7 +99,7 @@ void C_WriterObject::SetNotes(const py::dict& records) {
 }
 
 py::list C_WriterObject::Finish() {
-  S_Raised raised;
+  std::optional<py::error_already_set> raised;
   try {
     Take([&] {
       CheckHere(voxplay_writer_on_progress(m_pWriter.get(), &EndAtSignal, &raised));

@@ -137,7 +137,7 @@ def core_format(format: str, subtype: Optional[str], samplerate: int, channels: 
     return {
         "container": number, "codec": coding.codec, "sample_rate": samplerate, "channels": channels,
         "bits_per_sample": coding.bits, "bit_rate": coding.bit_rate,
-        # Costs 36 bytes, and lets a sound of any length be written.
+        # This costs 36 bytes, and a sound of any length can be written.
         "flags": _core.WRITE_RF64 if number == 1 and frames == 0 else 0, "frames": frames,
     }
 

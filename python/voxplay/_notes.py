@@ -24,7 +24,7 @@ Four = Annotated[str, 4]
 class Event:
     """Something that a program does when this frame is played.
 
-    Data and description are kept in VEF files only, and the description only while it is in memory.
+    Only VEF files keep ``data``. No file keeps ``description``.
     """
 
     frame: U64
@@ -264,8 +264,9 @@ def _value_to_core(value: Any, wanted: Any, encoding: str) -> Any:
 
 def notes_from_core(records: Dict[str, Any]) -> Notes:
     encoding = _encoding_of(_texts(records))
-    lists: Dict[str, Any] = {name: [_from_core(kind, record, encoding) for record in records[name]]
-             for name, kind in _KINDS.items()}
+    lists: Dict[str, Any] = {
+        name: [_from_core(kind, record, encoding) for record in records[name]]
+        for name, kind in _KINDS.items()}
     sampler = _from_core(Sampler, records["sampler"], encoding)
     return Notes(**lists, sampler=None if sampler == Sampler() else sampler, encoding=encoding)
 

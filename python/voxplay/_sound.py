@@ -22,7 +22,7 @@ Array = npt.NDArray[Any]
 
 SEEK_SET, SEEK_CUR, SEEK_END = os.SEEK_SET, os.SEEK_CUR, os.SEEK_END
 
-# What goes to and from the library as it is; everything else goes through a piece of float32.
+# The library takes and gives these. Everything else is converted to or from one of them.
 _DIRECT = {np.dtype(kind) for kind in ("int16", "int32", "float32")}
 _DTYPES = ("float32", "float64", "int16", "int32")
 # A long call is made in pieces of this many frames, so that Ctrl-C ends it.
@@ -222,7 +222,8 @@ class Sound:
         Returns an array of the shape (frames,) for one channel, or (frames, channels); with
         ``always_2d``, one channel is (frames, 1). float32 and float64 lie in -1 to 1; integers use
         their whole range. Where the sound ends earlier, the array is shorter, unless ``fill_value``
-        says what follows. ``out`` is an array to be filled and, as far as it was, returned.
+        says what follows. ``out`` is an array to fill. The part that was filled is returned; with
+        ``fill_value`` that is all of it.
         """
         with self._lock:
             reader = self._open_reader()

@@ -14,8 +14,8 @@ inline constexpr int kInterruptedExit = 130;
 // Once, before threads are made.
 void CatchInterrupts();
 
-// Keeps what the user asks waiting, while this program becomes another one that catches it: the
-// system forgets handlers on the way.
+// Holds the user's signals back while this program becomes another one, because the system forgets
+// handlers on the way. The other program gets them once it catches them.
 class C_HeldInterrupts {
  public:
   C_HeldInterrupts();

@@ -117,8 +117,8 @@ void C_Playback::GoOnSilently() {
   m_bAnnouncing = false;
 }
 
-// Called for each piece of silence, by the thread that renders. So it waits neither for the other
-// line nor for a terminal that takes no text: one of the next pieces tells it.
+// The thread that renders calls this for each piece of silence, so it must not wait. While the
+// other line is being written, or the terminal takes no text, it leaves the line to a later piece.
 void C_Playback::TellOfUnreadSound() {
   bool bAfterText = false;
   {
